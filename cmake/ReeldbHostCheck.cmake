@@ -1,0 +1,11 @@
+# SPDX-License-Identifier: Apache-2.0
+# reeldb_check_host(host): links an empty program with the library and this host, so that a host operation the host
+# does not provide fails the build and is named by the linker. The library itself links no host.
+function(reeldb_check_host host)
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/linkcheck_${host}.cpp)
+  file(WRITE ${source} "int main() {}\n")
+  add_executable(linkcheck_${host} ${source})
+  target_link_libraries(linkcheck_${host} PRIVATE reeldb ${host})
+  # bfd: mold passes over missing symbols of shared libraries without a word.
+  target_link_options(linkcheck_${host} PRIVATE -fuse-ld=bfd LINKER:--no-allow-shlib-undefined LINKER:--no-as-needed)
+endfunction()

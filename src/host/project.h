@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Properties of the current project. Main thread only.
+#ifndef REELDB_HOST_PROJECT_H
+#define REELDB_HOST_PROJECT_H
+
+namespace Zr {
+namespace CurrentProject {
+enum Revision : int {};
+int getFrameRate(Revision);      ///< the frame rate code; called with 0; -1 when there is no project
+int getOutputImageZRFrameRate(); ///< the output's frame rate code; -1 when there is no project
+} // namespace CurrentProject
+} // namespace Zr
+
+#endif

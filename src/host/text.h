@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Conversions, the host's own texts, the debug print, and the byte stream that files and parameters are read with.
+#ifndef REELDB_HOST_TEXT_H
+#define REELDB_HOST_TEXT_H
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+
+#include "lwstring.h"
+
+/// Wide to UTF-8. A value outside Unicode becomes U+FFFD.
+LightweightString<char> toUTF8(const LightweightString<wchar_t>&);
+/// UTF-8 to wide. Each byte that is not part of a well-formed sequence becomes U+FFFD.
+LightweightString<wchar_t> fromUTF8(const LightweightString<char>&);
+/// Upper-cases the ASCII letters in place; detaches a shared body first, so no other string changes.
+void toUpper(LightweightString<char>&);
+/// Removes trailing blanks (0x20 only) in place; detaches a shared body first.
+void trimTrailingSpaces(LightweightString<char>&);
+
+namespace Zr {
+/// Widens byte by byte (0x00 to 0xFF); nothing is decoded. Null gives the empty string.
+LightweightString<wchar_t> WStringFromAscii(const char*);
+} // namespace Zr
+
+using ResId = unsigned int;
+enum ResStrFmt : int {};
+
+/// The host's text of resource @p id between @p before and @p after, either of which may be null.
+LightweightString<wchar_t> paddedResourceStrW(ResId id, const wchar_t* before, const wchar_t* after, ResStrFmt);
+
+/// Prints to the host's debug output, as printf does. The library's messages end in a newline.
+int vorn_printf(const char* format, ...)
+#ifdef __GNUC__
+    __attribute__((format(printf, 1, 2)))
+#endif
+    ;
+
+/// A growable character buffer.
+class GrowString {
+public:
+  GrowString();
+  GrowString(const GrowString&);
+  ~GrowString();
+  GrowString& operator=(const GrowString&);
+  GrowString& operator=(const char*); ///< replaces the text; null gives the empty text
+  void append(const char*);
+  void append(char);
+  GrowString& operator<<(unsigned); ///< appends the decimal form
+  operator const char*() const;     ///< never null, NUL terminated; valid until the next change
+
+private:
+  char* text_;
+  std::size_t length_, capacity_;
+};
+
+/// Reads pieces of text that are divided by single separator characters.
+class ByteStream {
+public:
+  explicit ByteStream(FILE*);       ///< borrows the file and never closes it; a read error counts as the end
+  explicit ByteStream(GrowString&); ///< borrows the buffer, which must stay as it is while it is read
+  explicit ByteStream(const LightweightString<char>&);
+  ~ByteStream();
+  ByteStream(const ByteStream&) = delete;
+  ByteStream& operator=(const ByteStream&) = delete;
+
+  GrowString separators; ///< empty by default; each character of it is a separator by itself
+  bool joinCrLf = false; ///< whether a CR directly followed by LF counts as one separator
+  bool atEnd() const;    ///< whether no unread character remains; true at once over an empty text
+
+  friend ByteStream& operator>>(ByteStream&, GrowString&);
+
+private:
+  FILE* file_;
+  const char* pos_;
+  const char* end_;
+  LightweightString<char> held_;
+};
+
+/// Replaces the text of the buffer by the characters up to the next separator or the end, and consumes that separator.
+ByteStream& operator>>(ByteStream&, GrowString&);
+
+#endif

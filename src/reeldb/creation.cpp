@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+
+#include "CreateNewReelAction.h"
+#include "MainThread.h"
+#include "ReelDbManager.h"
+#include "host/config.h"
+#include "host/device.h"
+#include "host/edit.h"
+#include "host/projdb.h"
+#include "host/text.h"
+#include "reeldb/log_name.h"
+#include "reelrec/config_access.h"
+#include "reelrec/open_log.h"
+#include "reelrec/text_equality.h"
+
+using reeldb::OpenLog;
+using reeldb::reelLogName;
+using reeldb::sameText;
+
+namespace {
+
+constexpr EditModificationType logMadeOrImported = EditModificationType(59);
+constexpr eLogType materialLog = eLogType(1);
+constexpr EditChanType audioChannel = EditChanType(2);
+constexpr int portThatNamesTheReel = 2;
+
+bool onMainThread()
+{
+  return (co_pid() & 0xFFFF) == glib_pid;
+}
+
+void addAudioChannels(Edit* log, int count)
+{
+  for (int i = 0; i < count; ++i)
+    OpenLog(log)->addChan(audioChannel, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
+}
+
+struct NewReel {
+  LightweightString<char> id;
+  LightweightString<wchar_t> logName;
+};
+
+/// What a new reel made on this device is called; gives its log the device's audio channels.
+NewReel fromDevice(Edit* log, const LightweightString<char>& requested, int deviceId)
+{
+  const ExtDeviceConfig config = theConfigurationManager().getConfig(deviceId);
+  addAudioChannels(log, config.getNumConnectedAudioInputs());
+  if (config.getPortType() != portThatNamesTheReel)
+    return {requested, reelLogName(requested)};
+  const LightweightString<char> deviceName = toUTF8(config.getTextName());
+  if (sameText(toUTF8(config.getTextName()), requested))
+    return {deviceName, Zr::WStringFromAscii(requested.c_str())};
+  return {deviceName, reelLogName(requested)};
+}
+
+/// Each change opens the log by itself, as the host expects of changes that stand alone.
+void writeLog(Edit* log, const NewReel& reel)
+{
+  OpenLog(log)->set_reelid(0, reel.id.c_str());
+  OpenLog(log)->set_entire_medium(1);
+  OpenLog(log)->make_original(false, false);
+  OpenLog(log)->setName(reel.logName, false);
+  OpenLog(log)->redetermineLogType();
+}
+
+} // namespace
+
+ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, int deviceId)
+{
+  ReelDbRec rec;
+  if (!onMainThread()) {
+    defer(Zr::Ptr<iExecutableAction>(new CreateNewReelAction(reelId, deviceId)));
+    return rec;
+  }
+  // The tests take the identifier as it came; the reel gets the trimmed one.
+  if (doesReelExist(reelId) || representsInternallyGeneratedMaterial(reelId))
+    return rec;
+  const LightweightString<char> trimmed = trimLeadingTrailingSpaces(reelId);
+  if (trimmed.empty())
+    return rec;
+
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  Edit* const log = modifier.get();
+  if (!log)
+    return rec;
+  const NewReel reel = deviceId < 0 ? NewReel{trimmed, reelLogName(trimmed)} : fromDevice(log, trimmed, deviceId);
+  writeLog(log, reel);
+
+  rec = ReelDbRec(Cookie(log->uuid(), log->cookieTag(), log->cookieKind()));
+  rec.labelMapping("");
+  rec.recInhibit(false);
+  rec.reelAvailable(true);
+  rec.typeName(reeldb::textOf(EditManager::ProjOpts(), "reeldb_defaultType"));
+  OpenLog(log)->setChangeDescription(logMadeOrImported, true);
+  informReelDbChanged(reel.id);
+  return rec;
+}
+
+LightweightString<char> ReelDbManager::trimLeadingTrailingSpaces(LightweightString<char> s)
+{
+  if (!s.empty())
+    s = LightweightString<char>(s.c_str() + std::strspn(s.c_str(), " "));
+  trimTrailingSpaces(s);
+  return s;
+}
+
+void ReelDbManager::handleLogModification(const Cookie& log, const EditModification& mod)
+{
+  if (mod.type() != logMadeOrImported)
+    return;
+  const OpenLog material(log);
+  if (!material || material->getLogType() != materialLog || !material->isImported())
+    return;
+  strp_field reelId;
+  material->get_reelid(reelId, 0, -1);
+  theReelDbManager()->createNewReel(reelId.text(), -1);
+}

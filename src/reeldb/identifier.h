@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_REELDB_IDENTIFIER_H
+#define REELDB_REELDB_IDENTIFIER_H
+
+#include <strings.h>
+
+#include "host/lwstring.h"
+
+namespace reeldb {
+
+/// Whether two reel identifiers name one reel: letter case does not count. The empty identifier equals only itself.
+inline bool sameReelId(const LightweightString<char>& a, const LightweightString<char>& b)
+{
+  return strcasecmp(a.c_str(), b.c_str()) == 0;
+}
+
+/// Whether a reel's type makes it a live feed, and a device's tape list makes the device a live source.
+inline constexpr const char* liveType = "Live";
+
+} // namespace reeldb
+
+#endif

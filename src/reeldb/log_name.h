@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_REELDB_LOG_NAME_H
+#define REELDB_REELDB_LOG_NAME_H
+
+#include "host/text.h"
+
+namespace reeldb {
+
+/// The name of a reel's log: the host's word for a reel, a blank, the identifier.
+inline LightweightString<wchar_t> reelLogName(const LightweightString<char>& reelId)
+{
+  return paddedResourceStrW(ResId(10043), nullptr, L" ", ResStrFmt(0)) + Zr::WStringFromAscii(reelId.c_str());
+}
+
+} // namespace reeldb
+
+#endif

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reeldb/shot_search.h"
+
+#include "host/projdb.h"
+#include "reeldb/identifier.h"
+#include "reelrec/open_log.h"
+
+namespace reeldb {
+
+CookieVec findShots(projdb& db, const LightweightString<char>& reelId)
+{
+  projdb::SearchCriteria criteria;
+  criteria.first = 1;
+  criteria.second = 102350;
+  criteria.attributes.add(LogAttributes::eLogAttribute(20), reelId);
+  return db.search(criteria);
+}
+
+bool isRecordedFrom(const Cookie& shot, const LightweightString<char>& reelId)
+{
+  return sameReelId(reelAttribute(shot), reelId);
+}
+
+} // namespace reeldb

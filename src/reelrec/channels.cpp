@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ReelDbRec.h"
+#include "host/device.h"
+#include "host/projdb.h"
+#include "reelrec/open_log.h"
+#include "reeltypes/known_type.h"
+
+using reeldb::OpenLog;
+
+namespace {
+
+constexpr EditChanType video = EditChanType(1);
+constexpr EditChanType audio = EditChanType(2);
+constexpr int noVideoInput = 9;
+
+struct ChannelCounts {
+  long long audio;
+  long long video;
+};
+
+ChannelCounts wantedByDevice(ReelDbRec& rec)
+{
+  const LightweightString<wchar_t> name = rec.lastDevice();
+  const int device = theConfigurationManager().findConfigForName(name);
+  const ExtDeviceConfig config = theConfigurationManager().getConfig(device);
+  const int audioInputs = config.getNumConnectedAudioInputs();
+  return {audioInputs, config.getInputType() != noVideoInput ? 1 : 0};
+}
+
+ChannelCounts wanted(ReelDbRec& rec)
+{
+  if (rec.valid()) {
+    const LightweightString<char> type = rec.typeName();
+    if (!type.empty() && reeldb::isKnownType(type)) {
+      const int audioChannels = theReelTypeManager()->numAudioChans(rec.typeName());
+      return {audioChannels, theReelTypeManager()->numVideoChans(rec.typeName())};
+    }
+  }
+  return wantedByDevice(rec);
+}
+
+int present(const OpenLog& log, EditChanType type)
+{
+  return log->getNumChans(type) & 0xFFFF;
+}
+
+/// Adds that many channels; none when the number is not positive.
+void addChannels(const OpenLog& log, EditChanType type, long long missing)
+{
+  for (long long i = 0; i < missing; ++i)
+    log->addChan(type, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
+}
+
+} // namespace
+
+void ReelDbRec::updateNumChansInReel()
+{
+  const OpenLog log(*this);
+  if (!log)
+    return;
+  const ChannelCounts counts = wanted(*this);
+  const long long missingAudio = counts.audio - present(log, audio);
+  const long long missingVideo = counts.video - present(log, video);
+  addChannels(log, audio, missingAudio);
+  addChannels(log, video, missingVideo);
+  if (missingAudio > 0 || missingVideo > 0)
+    EditManager::updateProjdbRec(*this);
+}

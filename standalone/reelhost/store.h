@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Where projects are kept. The model asks for whole logs and hands back whole logs; how they are stored is the store's
+// business alone. Main thread only.
+#ifndef REELHOST_STORE_H
+#define REELHOST_STORE_H
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "reelhost/error.h"
+
+namespace reelhost {
+
+using KeyValues = std::vector<std::pair<std::string, std::string>>;
+
+struct ProjectInfo {
+  std::string name;                     ///< UTF-8
+  std::array<unsigned char, 16> uuid{}; ///< what the project's Cookie is made of
+  int frameRate = -1;                   ///< frame rate code of the project
+  int outputFrameRate = -1;             ///< frame rate code of its output
+};
+
+/// One log, whole. All texts are UTF-8 or raw bytes as they were set; no text holds NUL.
+struct StoredLog {
+  std::int64_t number = 0;              ///< 1, 2, 3, ... in the order of creation; never given out twice
+  std::array<unsigned char, 16> uuid{}; ///< with tag and kind: the log's Cookie
+  std::uint16_t tag = 0;
+  char kind = 'E';
+  int type = 0; ///< log type: 9 reel, 1 material, 0 not classified
+  bool imported = false;
+  bool entireMedium = false;
+  std::string name;
+  int videoChannels = 0;
+  int audioChannels = 0;
+  std::string reelType; ///< what the row shows as "Reel Type"
+  KeyValues fields;     ///< the configuration block in the order the keys were first set, "reelid" included
+};
+
+/// What one command changed.
+struct Changes {
+  std::vector<StoredLog> logs;       ///< new and changed logs, by number
+  std::vector<std::int64_t> deleted; ///< logs that go to the bin, as one deletion
+  bool undelete = false;             ///< the last deletion comes back out of the bin
+  bool compact = false;              ///< the bin is emptied for good
+  KeyValues options;                 ///< project options that were set
+  bool empty() const { return logs.empty() && deleted.empty() && !undelete && !compact && options.empty(); }
+};
+
+enum class Access { Read, Write };
+
+class Store {
+public:
+  virtual ~Store() = default;
+
+  /// How messages name the project: the file's path, or "memory".
+  virtual std::string subject() const = 0;
+
+  /// Begins to use the project. Read: a snapshot that no other process can change, taken without any lock that keeps
+  /// writers away. Write: nobody else can write from now on. Throws Error: NotFound, Unreadable, ReadOnly, Io, or Busy
+  /// when another writer is still there after @p patience (the message says who).
+  virtual void begin(Access access, std::chrono::milliseconds patience) = 0;
+  /// Ends the use without keeping changes; does nothing when not begun. Never throws.
+  virtual void end() noexcept = 0;
+
+  // REQUIRES: begun.
+  virtual ProjectInfo info() = 0;
+  virtual KeyValues options() = 0;
+  virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the bin included
+  virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;  ///< logs of type 9 by number, bin excluded
+  virtual void readOthers(const std::function<void(StoredLog&&)>& sink) = 0; ///< all other logs by number, bin excluded
+  /// How many logs other than reel logs carry each identifier; identifiers with ASCII letters in lower case.
+  virtual std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() = 0;
+  /// Numbers of the logs in the last deletion that is still in the bin, ascending.
+  virtual std::vector<std::int64_t> lastDeletion() = 0;
+  virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0;
+  virtual std::int64_t binCount() = 0; ///< logs in the bin
+
+  /// Stores the changes, whole and durable, or throws and stores none of them; ends the use either way.
+  /// REQUIRES: begun for writing.
+  virtual void commit(const Changes& changes) = 0;
+
+  /// Whether another process has committed since the last begin or the last true answer of this. Needs no begin.
+  virtual bool changedElsewhere() = 0;
+  /// Looks the whole project over; an empty result means that nothing is wrong. Needs no begin.
+  virtual std::vector<std::string> check() = 0;
+};
+
+/// A project that lives as long as the store. Tests, benchmarks and dry runs use it.
+std::unique_ptr<Store> makeMemoryStore(const ProjectInfo& info, const KeyValues& options = {});
+
+/// The project in the file @p path. Nothing is read before begin.
+std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
+
+/// Makes the project file @p path, whole or not at all. Throws Error: Refused when it exists, Io.
+void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options);
+
+} // namespace reelhost
+
+#endif
