@@ -1,0 +1,51 @@
+#!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
+# Installs the Debian packages that a job needs and that are not there yet: setup.sh run|test|check|bench
+# As root, or through sudo; without either it says what to install and stops.
+set -eu
+
+job=${1:-run}
+
+build="g++ cmake ninja-build make libsqlite3-dev libsqlitecpp-dev libtomlplusplus-dev libcli11-dev libfmt-dev
+       nlohmann-json3-dev libutfcpp-dev"
+tests="libgtest-dev libgmock-dev binutils clang-format-14 procps"
+check="clang-14 libclang-rt-14-dev clang-tidy-14 llvm-14 abigail-tools valgrind"
+bench="libbenchmark-dev valgrind sqlite3"
+
+case $job in
+run) wanted=$build ;;
+test) wanted="$build $tests" ;;
+check) wanted="$build $tests $check" ;;
+bench) wanted="$build $bench" ;;
+*)
+  echo "setup: unknown job '$job' (run, test, check or bench)" >&2
+  exit 2
+  ;;
+esac
+
+if ! command -v dpkg-query >/dev/null 2>&1; then
+  echo "setup: this system has no dpkg; packages are known for Debian 12 and Ubuntu 24.04 only." >&2
+  echo "setup: going on with what is installed; needed are the equivalents of:" $wanted >&2
+  exit 0
+fi
+
+missing=
+for package in $wanted; do
+  status=$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null) || status=
+  [ "$status" = installed ] || missing="$missing $package"
+done
+[ -n "$missing" ] || exit 0
+
+echo "setup: installing$missing"
+if [ "$(id -u)" = 0 ]; then
+  as_root=
+elif command -v sudo >/dev/null 2>&1; then
+  as_root=sudo
+else
+  echo "setup: not root and no sudo; please have installed: apt-get install$missing" >&2
+  exit 1
+fi
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=120 update </dev/null
+# shellcheck disable=SC2086 # a list of words
+$as_root env DEBIAN_FRONTEND=noninteractive apt-get -q -o DPkg::Lock::Timeout=120 install -y \
+  --no-install-recommends $missing </dev/null

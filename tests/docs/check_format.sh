@@ -1,0 +1,20 @@
+#!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
+# check_format.sh SOURCE_DIR CLANG_FORMAT: fails on the first file that is not formatted, and says how to mend it.
+set -eu
+formatter=${2:-}
+case $formatter in
+*NOTFOUND | '')
+  echo "check_format: clang-format-14: not found (package clang-format-14)" >&2
+  exit 1
+  ;;
+esac
+cd "$1"
+files=$(find include src standalone cli tests bench fuzz examples \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) 2>/dev/null | sort)
+[ -n "$files" ]
+# shellcheck disable=SC2086 # a list of words
+if ! "$formatter" --dry-run --Werror $files; then
+  echo "check_format: mend with: $formatter -i FILE" >&2
+  exit 1
+fi
+echo "check_format: $(echo "$files" | wc -l) files are formatted"
