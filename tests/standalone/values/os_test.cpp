@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/os.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "host/containers.h"
+#include "host/cookie.h"
+#include "host/lwstring.h"
+#include "ledger.h"
+
+namespace {
+
+/// A little of everything; whether it all went well.
+bool valuesWork()
+{
+  void* p = OS()->allocator().allocate(24);
+  if (!p)
+    return false;
+  std::memset(p, 0xAA, 24);
+  OS()->allocator().release(p);
+
+  LightweightString<char> text("A001");
+  const LightweightString<char> copy = text;
+  text += 7;
+  CookieVec logs;
+  logs.add(Cookie("P0001000", false));
+  AssocList list(new AssocListRep(false));
+  list["Tape"].value = "x";
+  StringList names;
+  names.add(copy);
+  return text.length() == 5 && logs.count() == 1 && list.rep()->find("Tape") && list.at(1).key.empty() &&
+         names.contains("A001");
+}
+
+// Before any constructor of this program or of a shared library has run. (TSan has no shadow memory that early.)
+#if defined(__SANITIZE_THREAD__)
+#define VALUES_TEST_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(thread_sanitizer)
+#define VALUES_TEST_TSAN 1
+#endif
+#endif
+#ifndef VALUES_TEST_TSAN
+bool workedBeforeConstructors = false;
+extern "C" void beforeConstructors()
+{
+  workedBeforeConstructors = valuesWork();
+}
+__attribute__((section(".preinit_array"), used)) void (*const preinit)() = beforeConstructors;
+#endif
+
+/// Lives around main.
+struct Around {
+  bool worked = valuesWork();
+  LightweightString<char> text = "made before main";
+  CookieVec logs;
+  Around() { logs.add(Cookie("E1", false)); }
+  ~Around()
+  {
+    text.append(", changed after main");
+    logs.add(logs[0]);
+    if (!valuesWork() || std::strcmp(text.c_str(), "made before main, changed after main") != 0 || logs.count() != 2)
+      std::_Exit(99);
+  }
+};
+Around around;
+
+} // namespace
+
+#ifndef VALUES_TEST_TSAN
+TEST(HostServices, BeforeAnyConstructorTheyWork)
+{
+  EXPECT_TRUE(workedBeforeConstructors);
+}
+#endif
+
+TEST(HostServices, InAConstructorBeforeMainTheyWork)
+{
+  EXPECT_TRUE(around.worked);
+  EXPECT_STREQ(around.text.c_str(), "made before main");
+  EXPECT_EQ(around.logs.count(), 1);
+}
+
+TEST(HostServices, AtExitAndInDestructorsAfterMainTheyWork)
+{
+  testing::FLAGS_gtest_death_test_style = "threadsafe";
+  const auto leave = [] {
+    std::atexit([] {
+      std::fputs(valuesWork() ? "worked at exit" : "failed at exit", stderr);
+      std::fflush(stderr);
+    });
+    std::exit(0); // runs ~Around too, which leaves with 99 when something fails
+  };
+  EXPECT_EXIT(leave(), testing::ExitedWithCode(0), "worked at exit");
+}
+
+TEST(HostServices, EveryCallGivesTheSameObject)
+{
+  ASSERT_NE(OS(), nullptr);
+  EXPECT_EQ(OS(), OS());
+}
+
+TEST(Allocator, AnySizeIsAlignedForAnyObject)
+{
+  for (const std::size_t size : {0U, 1U, 7U, 16U, 100U, 5000U}) {
+    void* p = OS()->allocator().allocate(size);
+    ASSERT_NE(p, nullptr) << size;
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p) % alignof(std::max_align_t), 0U) << size;
+    std::memset(p, 0x5A, size);
+    OS()->allocator().release(p);
+  }
+}
+
+TEST(Allocator, MemoryIsThatOfMallocAndFree)
+{
+  std::free(OS()->allocator().allocate(10));
+  OS()->allocator().release(std::malloc(10));
+}
+
+TEST(Allocator, ReleaseOfNullDoesNothing)
+{
+  const Ledger ledger;
+  OS()->allocator().release(nullptr);
+  EXPECT_EQ(ledger.open(), 0);
+}
+
+TEST(Allocator, CallsAreCounted)
+{
+  const Ledger ledger;
+  void* a = OS()->allocator().allocate(1);
+  void* b = OS()->allocator().allocate(2);
+  EXPECT_EQ(ledger.allocations(), 2);
+  EXPECT_EQ(ledger.open(), 2);
+  OS()->allocator().release(a);
+  EXPECT_EQ(ledger.open(), 1);
+  OS()->allocator().release(b);
+  EXPECT_EQ(ledger.open(), 0);
+}
+
+TEST(FailAllocation, TheThirdFromNowFailsOnceAndIsNotCounted)
+{
+  void* got[5];
+  reelhost::failAllocation(3);
+  const Ledger ledger;
+  for (void*& p : got)
+    p = OS()->allocator().allocate(8);
+  EXPECT_EQ(ledger.allocations(), 4);
+  for (int i = 0; i < 5; ++i)
+    EXPECT_EQ(got[i] == nullptr, i == 2) << i;
+  for (void* p : got)
+    OS()->allocator().release(p);
+}
+
+TEST(FailAllocation, ZeroTakesItBack)
+{
+  reelhost::failAllocation(1);
+  reelhost::failAllocation(0);
+  void* p = OS()->allocator().allocate(8);
+  EXPECT_NE(p, nullptr);
+  OS()->allocator().release(p);
+}
+
+TEST(RefCounts, UpAndDownGiveWhatRemains)
+{
+  int count = 1;
+  const Ledger ledger;
+  OS()->refCounts().incRef(&count);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(OS()->refCounts().decRef(&count), 1);
+  EXPECT_EQ(OS()->refCounts().decRef(&count), 0);
+  EXPECT_EQ(count, 0);
+  EXPECT_EQ(ledger.countsUp(), 1);
+  EXPECT_EQ(ledger.countsDown(), 2);
+}
+
+TEST(HostServices, ManyThreadsLoseNoCount)
+{
+  constexpr int threads = 4, rounds = 20000;
+  int count = 1;
+  const Ledger ledger;
+  std::vector<std::thread> running;
+  for (int t = 0; t < threads; ++t)
+    running.emplace_back([&count] {
+      for (int i = 0; i < rounds; ++i) {
+        OS()->refCounts().incRef(&count);
+        OS()->allocator().release(OS()->allocator().allocate(8));
+        if (i % 2)
+          OS()->refCounts().decRef(&count);
+      }
+    });
+  for (std::thread& thread : running)
+    thread.join();
+  EXPECT_EQ(count, 1 + threads * rounds / 2);
+  EXPECT_EQ(ledger.countsUp(), threads * rounds);
+  EXPECT_EQ(ledger.countsDown(), threads * rounds / 2);
+  EXPECT_GE(ledger.allocations(), threads * rounds);
+}
