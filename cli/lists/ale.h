@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_LISTS_ALE_H
+#define REELDB_LISTS_ALE_H
+
+#include <string_view>
+
+#include "lists/list.h"
+
+namespace reeldb::lists {
+
+/// Whether a line opens a log file: its first cell is the section name Heading or Column.
+bool startsLog(std::string_view line);
+
+/// Reads decoded text as a log file. Throws Error when no row can be read: there is no Column or no Data section, no
+/// Name column, or the cells are not separated by tabs.
+List readAle(std::string_view text);
+
+} // namespace reeldb::lists
+
+#endif

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Puts a List together: the rules that hold for every clip, whatever format it comes from.
+#ifndef REELDB_LISTS_COLLECTOR_H
+#define REELDB_LISTS_COLLECTOR_H
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "lists/list.h"
+
+namespace reeldb::lists {
+
+class Collector {
+public:
+  explicit Collector(Format format) { list_.format = format; }
+
+  List& list() { return list_; }
+
+  /// Takes a clip with its identifier decided and its aliases in any number and state; `text` is its line. It becomes
+  /// a clip, a special when the identifier makes no reel, or a rejected line when it can be no identifier; true for the
+  /// first. The clip gets the spelling its reel had first, and its aliases are cleared of what is no other name.
+  bool clip(Clip clip, std::string_view text);
+
+  void special(std::string_view text, std::string_view reason, int line);
+  void reject(int line, std::string_view text, std::string reason);
+
+  /// The spelling that clips of this reel carry; the name itself when no clip has it.
+  const std::string& spelling(const std::string& reel) const;
+
+  /// The list, with the rejected lines in order; to be called once.
+  List finish();
+
+private:
+  List list_;
+  std::unordered_map<std::string, std::string> spellings_; ///< folded name to the spelling used first
+  std::unordered_set<std::string> otherSpellings_;         ///< reported
+  std::unordered_map<std::string, std::size_t> specials_;  ///< folded text and reason to the entry
+};
+
+} // namespace reeldb::lists
+
+#endif

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_LISTS_DETECT_H
+#define REELDB_LISTS_DETECT_H
+
+#include <optional>
+#include <string_view>
+
+#include "lists/list.h"
+
+namespace reeldb::lists {
+
+/// As detect(), for decoded text. A log file starts with the section Heading, or Column. A cut list holds, anywhere, an
+/// FCM statement or a line that begins like an event and has two timecodes or more, so a list of nothing but bad events
+/// is still one; or it starts with a TITLE and has nothing but notes and event numbers below.
+std::optional<Format> detectText(std::string_view text);
+
+} // namespace reeldb::lists
+
+#endif

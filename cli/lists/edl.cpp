@@ -1,0 +1,342 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/edl.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "lists/collector.h"
+#include "lists/edl_event.h"
+#include "lists/edl_line.h"
+#include "lists/edl_note.h"
+#include "lists/names.h"
+#include "lists/source_table.h"
+#include "lists/text.h"
+#include "lists/tracks.h"
+
+namespace reeldb::lists {
+namespace {
+
+/// Statements that say nothing of reels. M2 repeats a reel of the list.
+constexpr std::array<std::string_view, 8> kSilentStatements = {
+    "M2", "FCM", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
+};
+constexpr std::string_view kTitle = "TITLE";
+constexpr std::string_view kSourceMark = ">>>";
+constexpr std::string_view kSource = "SOURCE";
+constexpr std::string_view kReplacedReel = "FINAL CUT PRO REEL";
+constexpr std::string_view kReplacedBy = "REPLACED BY";
+
+/// Whether the line starts with the statement as a whole word; takes it and a colon off then.
+bool takeStatement(std::string_view& line, std::string_view statement)
+{
+  if (!startsWithName(line, statement))
+    return false;
+  std::string_view rest = line.substr(statement.size());
+  if (!rest.empty() && !isBlank(rest.front()) && rest.front() != ':')
+    return false;
+  rest = trimLeft(rest);
+  if (rest.starts_with(':'))
+    rest = trimLeft(rest.substr(1));
+  line = rest;
+  return true;
+}
+
+/// What the source table and the replaced reels say of a reel text.
+struct Known {
+  std::string identifier;           ///< empty: the reel text itself
+  bool settled = false;             ///< neither a REEL note nor anything else may change it
+  std::vector<std::string> aliases; ///< the other names of its rows
+  std::vector<std::string> ids;     ///< the ids of its rows
+  std::vector<std::string> fits;    ///< two or more when the reel text is ambiguous
+  std::string_view reason;          ///< of the ambiguity
+  bool reported = false;            ///< the ambiguity
+};
+
+class Reader {
+public:
+  List read(std::string_view text);
+
+private:
+  void line(int number, std::string_view line);
+  void event(int number, std::string_view line);
+  void takeNote(std::optional<Note> note);
+  /// True when the line is a statement; rejects it when it is a broken one.
+  bool statement(int number, std::string_view line);
+  bool replacedReel(std::string_view statement);
+  void closeEvent();
+
+  void decide(const EventSource& source, Digits digits);
+  Known& known(const std::string& reel);
+  void reportAmbiguous(Known& known, const std::string& reel);
+  void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
+  void reportSharedNames();
+
+  Collector collector_{Format::Edl};
+  bool inEvents_ = false; ///< an event line was seen, good or bad
+  EdlEvent event_;        ///< the one that notes belong to
+  NoteJoiner notes_;
+  std::vector<EventSource> sources_; ///< all complete events
+  SourceTable table_;
+  std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement to the reels it replaces
+
+  std::unordered_map<std::string, Known> known_;                      ///< by folded reel text
+  std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier to an entry of ids_
+  std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
+};
+
+List Reader::read(std::string_view text)
+{
+  Lines lines(text);
+  for (std::string_view each; lines.next(each);)
+    line(lines.number(), each);
+  takeNote(notes_.flush());
+  closeEvent();
+  collector_.list().tally.lines = lines.number();
+
+  std::unordered_set<std::string> reels;
+  bool channelNumbers = false;
+  for (const EventSource& source : sources_) {
+    reels.insert(fold(clean(source.fields.reel)));
+    channelNumbers = channelNumbers || hasChannelNumber(source.fields.channels);
+  }
+  table_.settle([&](const std::string& folded) { return reels.contains(folded); });
+  for (const EventSource& source : sources_)
+    decide(source, channelNumbers ? Digits::Number : Digits::Set);
+  reportSharedNames();
+  return collector_.finish();
+}
+
+void Reader::line(int number, std::string_view line)
+{
+  Tally& tally = collector_.list().tally;
+  if (isNote(line)) {
+    ++tally.notes;
+    takeNote(notes_.line(line));
+    return;
+  }
+  takeNote(notes_.flush());
+  const std::string_view text = trim(line);
+  if (text.empty()) {
+    ++tally.blank;
+  } else if (beginsLikeEvent(text)) {
+    inEvents_ = inEvents_ || countTimecodes(text) > 0; // a title may begin with a number
+    event(number, text);
+  } else if (statement(number, text)) {
+    return;
+  } else if (countTimecodes(text) >= 4) {
+    collector_.reject(number, text, "no event number");
+  } else if (inEvents_) {
+    collector_.reject(number, text, "not an event, a note or a known statement");
+  } else {
+    ++tally.headers;
+  }
+}
+
+void Reader::event(int number, std::string_view line)
+{
+  EventLine fields;
+  std::string fault = parseEvent(line, fields);
+  if (!fault.empty()) {
+    // The notes that follow are its own, so they must not reach the event above.
+    closeEvent();
+    collector_.reject(number, line, std::move(fault));
+    return;
+  }
+  if (!event_.takes(fields))
+    closeEvent();
+  event_.add(number, line, fields);
+}
+
+void Reader::takeNote(std::optional<Note> note)
+{
+  if (note && !event_.empty())
+    event_.note(std::move(*note));
+}
+
+bool Reader::statement(int number, std::string_view line)
+{
+  Tally& tally = collector_.list().tally;
+  int& counter = inEvents_ ? tally.statements : tally.headers;
+  std::string_view rest = line;
+  for (std::string_view silent : kSilentStatements) {
+    if (takeStatement(rest, silent)) {
+      ++counter;
+      return true;
+    }
+  }
+  if (takeStatement(rest, kTitle)) {
+    closeEvent();
+    if (collector_.list().title.empty())
+      collector_.list().title = clean(rest);
+    ++counter;
+    return true;
+  }
+  if (takeStatement(rest, kReplacedReel)) {
+    if (replacedReel(rest))
+      ++counter;
+    else
+      collector_.reject(number, line, "replaced reel without both names");
+    return true;
+  }
+  if (!rest.starts_with(kSourceMark))
+    return false;
+  rest = trimLeft(rest.substr(kSourceMark.size()));
+  if (!takeStatement(rest, kSource))
+    return false;
+  closeEvent(); // notes below a row are the row's
+  if (table_.add(rest))
+    ++counter;
+  else
+    collector_.reject(number, line, "source row without a name");
+  return true;
+}
+
+bool Reader::replacedReel(std::string_view statement)
+{
+  const auto sameLetter = [](char a, char b) { return sameName({&a, 1}, {&b, 1}); };
+  const auto found =
+      std::search(statement.begin(), statement.end(), kReplacedBy.begin(), kReplacedBy.end(), sameLetter);
+  if (found == statement.end())
+    return false;
+  const auto at = static_cast<std::size_t>(found - statement.begin());
+  const std::string reel = clean(statement.substr(0, at));
+  std::string_view replacement = statement.substr(at);
+  if (!takeStatement(replacement, kReplacedBy))
+    return false;
+  const std::string by = clean(replacement);
+  if (reel.empty() || by.empty())
+    return false;
+  replaced_[fold(by)].push_back(reel);
+  return true;
+}
+
+void Reader::closeEvent()
+{
+  for (EventSource& source : event_.finish())
+    sources_.push_back(std::move(source));
+}
+
+Known& Reader::known(const std::string& reel)
+{
+  const auto [entry, isNew] = known_.try_emplace(fold(reel));
+  Known& known = entry->second;
+  if (!isNew)
+    return known;
+  if (SourceMatch match = table_.find(reel); match.found) {
+    known.settled = true;
+    known.identifier = std::move(match.identifier);
+    known.ids = std::move(match.ids);
+    known.fits = std::move(match.fits);
+    known.reason = "the name is cut and fits several sources of the list";
+    if (known.fits.empty())
+      known.aliases = std::move(match.names);
+    return known;
+  }
+  if (const auto replaced = replaced_.find(fold(reel)); replaced != replaced_.end()) {
+    known.settled = true;
+    std::unordered_set<std::string> seen;
+    for (const std::string& original : replaced->second) {
+      if (seen.insert(fold(original)).second)
+        known.fits.push_back(original);
+    }
+    known.reason = "the name replaces several reels of the list";
+    if (known.fits.size() == 1) {
+      known.identifier = known.fits.front();
+      known.fits.clear();
+    }
+  }
+  return known;
+}
+
+void Reader::decide(const EventSource& source, Digits digits)
+{
+  const std::string reel = clean(source.fields.reel);
+  if (const std::string_view reason = placeholderReason(reel); !reason.empty()) {
+    collector_.special(reel, reason, source.line);
+    return;
+  }
+  Known& known = this->known(reel);
+  Clip clip;
+  clip.reel = !known.identifier.empty() ? known.identifier
+              : known.settled           ? reel
+              : source.reelNote.empty() ? reel
+                                        : source.reelNote;
+  const bool auxiliary = isAuxiliary(clip.reel);
+  if (auxiliary) {
+    clip.reel = source.sourceFile.empty() ? source.clipName : source.sourceFile;
+    if (clip.reel.empty() || isAuxiliary(clip.reel)) {
+      collector_.special(reel, "AX without a clip name or source file", source.line);
+      return;
+    }
+  }
+
+  clip.aliases = known.aliases;
+  for (const std::string* name : {&reel, &source.reelNote, &source.otherReel, &source.sourceFile})
+    clip.aliases.push_back(*name);
+  clip.clipName = source.clipName;
+  clip.sourceFile = source.sourceFile;
+  clip.tracks = clean(source.fields.channels);
+  const Tracks tracks = parseTracks(clip.tracks, digits).value_or(Tracks());
+  clip.videoChannels = tracks.video;
+  clip.audioChannels = tracks.audio;
+  clip.sourceIn = source.fields.timecodes[0];
+  clip.sourceOut = source.fields.timecodes[1];
+  clip.recordIn = source.fields.timecodes[2];
+  clip.recordOut = source.fields.timecodes[3];
+  clip.line = source.line;
+
+  const std::string identifier = clip.reel;
+  if (!collector_.clip(std::move(clip), source.text) || auxiliary)
+    return;
+  reportAmbiguous(known, reel);
+  if (known.fits.empty())
+    noteIds(identifier, known.ids);
+  known.ids.clear(); // once is enough
+}
+
+void Reader::reportAmbiguous(Known& known, const std::string& reel)
+{
+  if (known.fits.empty() || known.reported)
+    return;
+  known.reported = true;
+  collector_.list().ambiguous.push_back({collector_.spelling(reel), std::string(known.reason), known.fits, known.ids});
+}
+
+void Reader::noteIds(const std::string& identifier, const std::vector<std::string>& ids)
+{
+  if (ids.empty())
+    return;
+  const auto [entry, isNew] = idsOf_.try_emplace(fold(identifier), ids_.size());
+  if (isNew)
+    ids_.emplace_back(identifier, std::vector<std::string>());
+  std::vector<std::string>& all = ids_[entry->second].second;
+  all.insert(all.end(), ids.begin(), ids.end());
+}
+
+void Reader::reportSharedNames()
+{
+  for (auto& [identifier, ids] : ids_) {
+    std::unordered_set<std::string> seen;
+    std::vector<std::string> distinct;
+    for (std::string& id : ids) {
+      if (seen.insert(fold(id)).second)
+        distinct.push_back(std::move(id));
+    }
+    if (distinct.size() > 1)
+      collector_.list().ambiguous.push_back(
+          {collector_.spelling(identifier), "several sources of the list share the name", {}, std::move(distinct)});
+  }
+}
+
+} // namespace
+
+List readEdl(std::string_view text)
+{
+  return Reader().read(text);
+}
+
+} // namespace reeldb::lists

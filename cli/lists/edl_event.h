@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// One event of a cut list: a line, or the two lines of a dissolve, a wipe or a key, and the notes below them, which
+// have to be dealt out to the lines.
+#ifndef REELDB_LISTS_EDL_EVENT_H
+#define REELDB_LISTS_EDL_EVENT_H
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "lists/edl_line.h"
+#include "lists/edl_note.h"
+
+namespace reeldb::lists {
+
+/// An event line with all that its event says of it. The notes' texts are clean; empty when there is none.
+struct EventSource {
+  int line = 0;
+  std::string_view text; ///< the whole line
+  EventLine fields;
+  std::string clipName;
+  std::string sourceFile;
+  std::string reelNote;  ///< * REEL:
+  std::string otherReel; ///< * REEL x IS CLIP y: the x; the y is the clip name when there is no other
+};
+
+class EdlEvent {
+public:
+  bool empty() const { return sources_.empty(); }
+
+  /// Whether the line belongs to the event as it stands: it has the same number, and is either a dissolve, wipe or key
+  /// line, or a cut from the same reel with the same record in, straight below a cut (picture and sound of one event).
+  bool takes(const EventLine& fields) const;
+  void add(int line, std::string_view text, const EventLine& fields);
+  void note(Note note);
+
+  /// The lines in order, with the notes dealt out; empties the event.
+  ///
+  /// Lines of one role and one reel that follow each other form a side. FROM CLIP NAME names the side it comes from
+  /// (cut, K B), TO CLIP NAME the side dissolved or wiped to, KEY CLIP NAME the key; a side without a name of its own
+  /// takes one that is left over, or the one that black cannot use. SOURCE FILE and REEL notes go to the sides in
+  /// order; one alone is for the first side, unless that is black or only the second side has a clip name. Sides of the
+  /// same reel share a source file and a REEL note; AX sides do so only when they are the same clip.
+  std::vector<EventSource> finish();
+
+private:
+  std::vector<EventSource> sources_;
+  std::vector<Note> notes_;
+  bool noteSinceLine_ = false;
+};
+
+} // namespace reeldb::lists
+
+#endif

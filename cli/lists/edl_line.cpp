@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/edl_line.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "lists/list.h"
+#include "lists/text.h"
+#include "lists/timecode.h"
+#include "lists/tracks.h"
+
+namespace reeldb::lists {
+namespace {
+
+constexpr std::array<std::string_view, 4> kTimecodeNames = {"source in", "source out", "record in", "record out"};
+
+/// A word of the line in a reason: clean, and short whatever the line holds.
+std::string quoted(std::string_view word)
+{
+  constexpr std::size_t kShown = 40;
+  std::string text = clean(word);
+  if (length(text) > kShown) {
+    std::size_t end = kShown;
+    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+      --end;
+    text = text.substr(0, end) + "...";
+  }
+  return "'" + text + "'";
+}
+
+bool allDigits(std::string_view text)
+{
+  return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+/// 001, 0001, 001A.
+std::size_t numberDigits(std::string_view word)
+{
+  if (!word.empty() && isLetter(word.back()))
+    word.remove_suffix(1);
+  return allDigits(word) ? word.size() : 0;
+}
+
+std::optional<Transition> transitionOf(std::string_view word)
+{
+  if (sameName(word, "C"))
+    return Transition::Cut;
+  if (sameName(word, "D"))
+    return Transition::Into;
+  if (startsWithName(word, "W") && word.size() <= 4 && (word.size() == 1 || allDigits(word.substr(1))))
+    return Transition::Into;
+  if (sameName(word, "KB"))
+    return Transition::Background;
+  if (sameName(word, "K") || sameName(word, "KO"))
+    return Transition::Key;
+  return std::nullopt;
+}
+
+/// Takes the transition off the end; false when there is none, and then `fields` is as it was.
+bool takeTransition(std::string_view& fields, Transition& transition)
+{
+  std::string_view rest = fields;
+  const std::string_view last = takeLast(rest);
+  if (sameName(last, "B") || sameName(last, "O")) {
+    const std::string_view before = takeLast(rest);
+    if (!sameName(before, "K"))
+      return false;
+    transition = sameName(last, "B") ? Transition::Background : Transition::Key;
+    fields = rest;
+    return true;
+  }
+  const std::optional<Transition> found = transitionOf(last);
+  if (!found)
+    return false;
+  transition = *found;
+  fields = rest;
+  return true;
+}
+
+/// Splits "reel channels"; false when the last word is no channel field or nothing stands before it.
+bool takeChannels(std::string_view fields, EventLine& event)
+{
+  const std::string_view channels = takeLast(fields);
+  if (fields.empty() || !parseTracks(channels, Digits::Set))
+    return false;
+  event.channels = channels;
+  event.reel = fields;
+  return true;
+}
+
+/// Splits "reel channels [transition] [duration]". A field may be missing, and a reel may hold words that look like
+/// one, so the fullest reading that leaves a reel and channels wins.
+bool takeFields(std::string_view fields, EventLine& event)
+{
+  std::string_view shorter = fields;
+  const bool hasDuration = allDigits(takeLast(shorter));
+  for (int duration = hasDuration ? 1 : 0; duration >= 0; --duration) {
+    const std::string_view here = duration == 1 ? shorter : fields;
+    std::string_view before = here;
+    Transition transition = Transition::Cut;
+    if (takeTransition(before, transition) && takeChannels(before, event)) {
+      event.transition = transition;
+      return true;
+    }
+    if (takeChannels(here, event)) {
+      event.transition = Transition::Cut;
+      return true;
+    }
+  }
+  return false;
+}
+
+/// Why takeFields() failed.
+std::string fieldsFault(std::string_view fields)
+{
+  std::string_view shorter = fields;
+  if (allDigits(takeLast(shorter)))
+    fields = shorter;
+  Transition transition = Transition::Cut;
+  takeTransition(fields, transition);
+  const std::string_view channels = takeLast(fields);
+  if (channels.empty())
+    return "no reel and no channels";
+  if (parseTracks(channels, Digits::Set))
+    return "no reel";
+  return "unknown channels " + quoted(channels);
+}
+
+/// Why the line does not end with four words that look like timecodes.
+std::string timecodesFault(std::string_view line)
+{
+  const std::size_t count = countTimecodes(line);
+  if (count < 4)
+    return "fewer than four timecodes (" + std::to_string(count) + ")";
+  std::string_view rest = line;
+  const std::string_view last = takeLast(rest);
+  if (!looksLikeTimecode(last))
+    return "text after the record out (" + quoted(last) + ")";
+  return "other text between the timecodes";
+}
+
+} // namespace
+
+std::size_t countTimecodes(std::string_view line)
+{
+  std::size_t count = 0;
+  for (std::string_view word = takeFirst(line); !word.empty(); word = takeFirst(line))
+    count += looksLikeTimecode(word) ? 1 : 0;
+  return count;
+}
+
+bool beginsLikeEvent(std::string_view line)
+{
+  const std::size_t digits = numberDigits(takeFirst(line));
+  return digits >= 3 || (digits > 0 && countTimecodes(line) > 0);
+}
+
+std::string parseEvent(std::string_view line, EventLine& event)
+{
+  event = EventLine();
+  std::string_view fields = trim(line);
+  event.number = takeFirst(fields);
+  const std::string_view afterNumber = fields;
+  for (std::size_t i = event.timecodes.size(); i-- > 0;) {
+    event.timecodes[i] = takeLast(fields);
+    if (!looksLikeTimecode(event.timecodes[i]))
+      return timecodesFault(afterNumber);
+  }
+  for (std::size_t i = 0; i < event.timecodes.size(); ++i) {
+    const std::string fault = timecodeFault(event.timecodes[i]);
+    if (!fault.empty())
+      return std::string(kTimecodeNames[i]) + " " + quoted(event.timecodes[i]) + " is no timecode (" + fault + ")";
+  }
+  if (!takeFields(fields, event))
+    return fieldsFault(fields);
+  const std::size_t characters = length(event.reel);
+  if (characters > kReelLength)
+    return "reel of " + std::to_string(characters) + " characters (at most " + std::to_string(kReelLength) + ")";
+  return {};
+}
+
+} // namespace reeldb::lists

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/edl_note.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "lists/text.h"
+
+namespace reeldb::lists {
+namespace {
+
+/// Writers that wrap notes fill this many columns; one fewer remains when the last one held a blank that was dropped.
+constexpr std::size_t kWrapColumn = 80;
+
+constexpr std::array<std::pair<std::string_view, NoteKind>, 9> kKeys = {{
+    {"FROM CLIP NAME", NoteKind::FromClipName},
+    {"TO CLIP NAME", NoteKind::ToClipName},
+    {"KEY CLIP NAME", NoteKind::KeyClipName},
+    {"SOURCE FILE", NoteKind::SourceFile},
+    {"FROM FILE", NoteKind::FromFile},
+    {"FROM CLIP", NoteKind::FromFile},
+    {"TO FILE", NoteKind::ToFile},
+    {"TO CLIP", NoteKind::ToFile},
+    {"REEL", NoteKind::Reel},
+}};
+
+/// First words of notes that carry no name, and no colon either: these do not continue the note above.
+constexpr std::array<std::string_view, 10> kOpeners = {
+    "ASC_SOP", "ASC_SAT", "BLEND", "COMMENT", "EFFECT", "FREEZE", "LOC", "PATCH", "REEL", "TIMEWARP",
+};
+
+std::string_view afterStar(std::string_view line)
+{
+  line = trimLeft(line);
+  line.remove_prefix(1);
+  return line;
+}
+
+std::string valueOf(std::string_view text)
+{
+  std::string value = clean(text);
+  return sameName(value, "(NULL)") ? std::string() : value;
+}
+
+/// REEL x IS CLIP y, with or without a colon after REEL; `text` starts behind that.
+bool readReelIsClip(std::string_view text, Note& note)
+{
+  constexpr std::string_view kMiddle = " IS CLIP ";
+  const auto found = std::search(text.begin(), text.end(), kMiddle.begin(), kMiddle.end(), [](char a, char b) {
+    return sameName({&a, 1}, {&b, 1});
+  });
+  if (found == text.end())
+    return false;
+  const auto at = static_cast<std::size_t>(found - text.begin());
+  note.kind = NoteKind::ReelIsClip;
+  note.reel = valueOf(text.substr(0, at));
+  note.value = valueOf(text.substr(at + kMiddle.size()));
+  return true;
+}
+
+Note parseNote(std::string_view text)
+{
+  Note note;
+  text = trim(text);
+  std::string_view rest = text;
+  if (sameName(takeFirst(rest), "REEL") && readReelIsClip(rest, note))
+    return note;
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos)
+    return note;
+  const std::string_view key = trimRight(text.substr(0, colon));
+  const auto known = std::find_if(kKeys.begin(), kKeys.end(), [&](const auto& k) { return sameName(k.first, key); });
+  if (known == kKeys.end())
+    return note;
+  rest = text.substr(colon + 1);
+  if (known->second == NoteKind::Reel && readReelIsClip(rest, note))
+    return note;
+  note.kind = known->second;
+  note.value = valueOf(rest);
+  return note;
+}
+
+/// Whether the text opens a note of its own: a known first word, or capitals up to a colon or an equals sign.
+bool opensNote(std::string_view text)
+{
+  std::string_view rest = text;
+  std::string_view first = takeFirst(rest);
+  if (first.ends_with(',') || first.ends_with(':'))
+    first.remove_suffix(1);
+  if (std::find(kOpeners.begin(), kOpeners.end(), first) != kOpeners.end())
+    return true;
+  const auto isKeyLetter = [](char c) { return (c >= 'A' && c <= 'Z') || isDigit(c) || c == ' ' || c == '_'; };
+  const auto end = std::find_if_not(text.begin(), text.end(), isKeyLetter);
+  return end != text.begin() && end != text.end() && (*end == ':' || *end == '=');
+}
+
+} // namespace
+
+bool isNote(std::string_view line)
+{
+  return trimLeft(line).starts_with('*');
+}
+
+std::optional<Note> NoteJoiner::line(std::string_view line)
+{
+  const std::string_view text = afterStar(line);
+  const std::size_t width = length(line);
+  if (continues(text)) {
+    if (width_ < kWrapColumn)
+      *open_ += ' ';
+    *open_ += text.substr(1);
+    width_ = width;
+    return std::nullopt;
+  }
+  std::optional<Note> complete = flush();
+  open_ = std::string(text);
+  width_ = width;
+  return complete;
+}
+
+std::optional<Note> NoteJoiner::flush()
+{
+  std::optional<Note> note;
+  if (open_)
+    note = parseNote(*open_);
+  open_.reset();
+  return note;
+}
+
+bool NoteJoiner::continues(std::string_view text) const
+{
+  if (!open_ || (width_ != kWrapColumn && width_ != kWrapColumn - 1))
+    return false;
+  return text.starts_with(' ') && !trim(text).empty() && !opensNote(trim(text));
+}
+
+} // namespace reeldb::lists

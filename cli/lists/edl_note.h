@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The notes of a cut list: lines with a star, of which some name the sources of the event above.
+#ifndef REELDB_LISTS_EDL_NOTE_H
+#define REELDB_LISTS_EDL_NOTE_H
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace reeldb::lists {
+
+enum class NoteKind {
+  FromClipName,
+  ToClipName,
+  KeyClipName,
+  SourceFile,
+  FromFile, ///< FROM FILE, FROM CLIP: a path
+  ToFile,   ///< TO FILE, TO CLIP
+  Reel,
+  ReelIsClip, ///< REEL x IS CLIP y
+  Other,
+};
+
+struct Note {
+  NoteKind kind = NoteKind::Other;
+  std::string value; ///< clean; empty also when written as (NULL)
+  std::string reel;  ///< the x of REEL x IS CLIP y
+};
+
+/// Whether the line is a note. Blanks may stand before the star.
+bool isNote(std::string_view line);
+
+/// Puts notes that were wrapped at column 80 together again.
+class NoteJoiner {
+public:
+  /// Takes a note line as it stands, outer blanks and all. Returns the note before it when that one is now complete.
+  std::optional<Note> line(std::string_view line);
+  /// Returns the last note; to be called at every line that is no note, and at the end.
+  std::optional<Note> flush();
+
+private:
+  bool continues(std::string_view text) const;
+
+  std::optional<std::string> open_; ///< what stands after the star, outer blanks kept
+  std::size_t width_ = 0;           ///< of the last line of it, in characters
+};
+
+} // namespace reeldb::lists
+
+#endif

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/names.h"
+
+#include "lists/text.h"
+
+namespace reeldb::lists {
+
+std::string_view placeholderReason(std::string_view reelText)
+{
+  if (sameName(reelText, "BL") || sameName(reelText, "BLACK"))
+    return "black";
+  if (sameName(reelText, "BARS"))
+    return "colour bars";
+  if (sameName(reelText, "GEN"))
+    return "generated";
+  return {};
+}
+
+std::string_view specialReason(std::string_view identifier)
+{
+  const std::string_view reason = placeholderReason(identifier);
+  if (reason.empty() && identifier.find('*') != std::string_view::npos)
+    return "a star denotes internally generated material";
+  return reason;
+}
+
+bool isAuxiliary(std::string_view name)
+{
+  return sameName(name, "AX");
+}
+
+} // namespace reeldb::lists

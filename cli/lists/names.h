@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a name stands for, in cut lists and log files alike.
+#ifndef REELDB_LISTS_NAMES_H
+#define REELDB_LISTS_NAMES_H
+
+#include <string_view>
+
+namespace reeldb::lists {
+
+/// What a reel text that never is a reel stands for: "black" (BL, BLACK), "colour bars" (BARS), "generated" (GEN), in
+/// any case. Empty for every other text.
+std::string_view placeholderReason(std::string_view reelText);
+
+/// Why an identifier makes no reel: it is a placeholder, or holds a star. Empty when it makes one.
+std::string_view specialReason(std::string_view identifier);
+
+/// AX, in any case: some source without a tape; its clip name or source file tells which.
+bool isAuxiliary(std::string_view name);
+
+} // namespace reeldb::lists
+
+#endif

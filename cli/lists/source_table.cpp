@@ -1,0 +1,184 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/source_table.h"
+
+#include <algorithm>
+#include <unordered_set>
+#include <utility>
+
+#include "lists/edl_line.h"
+#include "lists/text.h"
+
+namespace reeldb::lists {
+namespace {
+
+/// Two reel fields of the widest kind, in bytes, and the blank between them.
+constexpr std::size_t kSearched = 2 * 4 * kReelLength + 1;
+
+/// Names of more words than this are not searched for a sensible split: no list has them, and it keeps rows cheap.
+constexpr std::size_t kMostGaps = 64;
+
+bool isHex(char c)
+{
+  return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+bool isHexWord(std::string_view text)
+{
+  return text.size() == 8 && std::all_of(text.begin(), text.end(), isHex);
+}
+
+/// A UMID or two hex words, with whatever stands between the groups.
+bool isSourceId(std::string_view text)
+{
+  const auto isPart = [](char c) { return isHex(c) || c == '-' || c == '.' || c == '{' || c == '}'; };
+  return text.size() >= 16 && std::all_of(text.begin(), text.end(), isPart);
+}
+
+/// Takes the id off the end: the last word, or two hex words apart.
+std::string_view takeId(std::string_view& row)
+{
+  std::string_view names = row;
+  const std::string_view last = takeLast(names);
+  if (names.empty()) // a single word is a name
+    return {};
+  std::string_view before = names;
+  const std::string_view word = takeLast(before);
+  std::string_view first = before;
+  if (isHexWord(last) && isHexWord(word) && takeFirst(first) != before) { // with two names in front of them
+    row = before;
+    return {word.data(), static_cast<std::size_t>(last.data() + last.size() - word.data())};
+  }
+  if (before.empty() && !isSourceId(last)) // two words are two names, unless the second is an id for sure
+    return {};
+  row = names;
+  return last;
+}
+
+/// A run of blanks between the names.
+struct Gap {
+  std::size_t at = 0;
+  std::size_t size = 0;
+};
+
+std::vector<Gap> gapsOf(std::string_view text)
+{
+  std::vector<Gap> gaps;
+  for (std::size_t at = text.find(' '); at != std::string_view::npos; at = text.find(' ', at)) {
+    const std::size_t end = std::min(text.find_first_not_of(' ', at), text.size());
+    gaps.push_back({at, end - at});
+    at = end;
+  }
+  return gaps;
+}
+
+/// One name is the start of the other: that is how cut names come about.
+bool isCut(std::string_view a, std::string_view b)
+{
+  return startsWithName(a, b) || startsWithName(b, a);
+}
+
+} // namespace
+
+bool SourceTable::add(std::string_view row)
+{
+  row = trim(row);
+  const std::string id = clean(takeId(row));
+  const std::string names = clean(row);
+  if (names.empty())
+    return false;
+  rows_.push_back({names, {}, {}, id});
+  return true;
+}
+
+void SourceTable::split(Row& row, const std::function<bool(const std::string&)>& isReel)
+{
+  const std::string_view names = row.names;
+  const auto cutAt = [&](const Gap& gap) {
+    row.first = std::string(names.substr(0, gap.at));
+    row.second = std::string(names.substr(gap.at + gap.size));
+  };
+  row.first = row.second = row.names;
+  if (names.size() > kSearched)
+    return;
+  const std::vector<Gap> gaps = gapsOf(names);
+  std::vector<Gap> wide;
+  std::copy_if(gaps.begin(), gaps.end(), std::back_inserter(wide), [](const Gap& gap) { return gap.size > 1; });
+  if (gaps.size() == 1 || wide.size() == 1)
+    return cutAt(wide.empty() ? gaps.front() : wide.front());
+
+  // The names hold blanks as wide as those between them. Look for names that make sense.
+  if (gaps.size() > kMostGaps)
+    return;
+  for (const Gap& gap : gaps) {
+    if (isReel(fold(names.substr(0, gap.at))) && isReel(fold(names.substr(gap.at + gap.size))))
+      return cutAt(gap);
+  }
+  for (const Gap& gap : gaps) {
+    if (isCut(names.substr(0, gap.at), names.substr(gap.at + gap.size)))
+      return cutAt(gap);
+  }
+  for (const Gap& gap : gaps) {
+    if (isReel(fold(names.substr(0, gap.at))) || isReel(fold(names.substr(gap.at + gap.size))))
+      return cutAt(gap);
+  }
+}
+
+void SourceTable::settle(const std::function<bool(const std::string&)>& isReel)
+{
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    Row& row = rows_[i];
+    split(row, isReel);
+    row.names.clear();
+    row.names.shrink_to_fit();
+    const std::string first = fold(row.first);
+    const std::string second = fold(row.second);
+    byName_[first].push_back(i);
+    if (second != first)
+      byName_[second].push_back(i);
+  }
+}
+
+SourceMatch SourceTable::find(const std::string& reel) const
+{
+  SourceMatch match;
+  const auto bucket = byName_.find(fold(reel));
+  if (bucket == byName_.end())
+    return match;
+  match.found = true;
+
+  const auto longer = [&](const Row& row) -> const std::string& {
+    const std::size_t first = length(row.first);
+    const std::size_t second = length(row.second);
+    return first == second ? reel : first > second ? row.first : row.second;
+  };
+  // Rows in which the reel text is the whole name go before rows in which it is the cut one.
+  std::vector<const Row*> rows;
+  for (std::size_t i : bucket->second) {
+    if (sameName(longer(rows_[i]), reel))
+      rows.push_back(&rows_[i]);
+  }
+  if (rows.empty()) {
+    for (std::size_t i : bucket->second)
+      rows.push_back(&rows_[i]);
+  }
+
+  std::unordered_set<std::string> seenNames, seenIds, seenFits;
+  for (const Row* row : rows) {
+    if (seenFits.insert(fold(longer(*row))).second)
+      match.fits.push_back(longer(*row));
+    if (!row->id.empty() && seenIds.insert(fold(row->id)).second)
+      match.ids.push_back(row->id);
+    for (const std::string* name : {&row->first, &row->second}) {
+      if (seenNames.insert(fold(*name)).second)
+        match.names.push_back(*name);
+    }
+  }
+  if (match.fits.size() == 1) {
+    if (!sameName(match.fits.front(), reel))
+      match.identifier = match.fits.front();
+    match.fits.clear();
+  }
+  return match;
+}
+
+} // namespace reeldb::lists

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Text as list files hold it: encodings, line ends, blanks, names compared without ASCII case.
+#ifndef REELDB_LISTS_TEXT_H
+#define REELDB_LISTS_TEXT_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace reeldb::lists {
+
+/// The bytes as UTF-8, without byte order mark and without the end marks (0x1A, NUL) and blanks that pad the end.
+/// A byte order mark decides between UTF-8 and UTF-16; bytes that are not UTF-8 are read as Latin-1, all of them.
+std::string decode(std::string_view bytes);
+
+/// Splits a text into lines that end with CR, LF or CRLF, whichever comes; they may be mixed.
+class Lines {
+public:
+  explicit Lines(std::string_view text) : rest_(text) {}
+  /// False at the end. The line comes without its end; views the text.
+  bool next(std::string_view& line);
+  /// The number of the line that next() gave last, counted from 1.
+  int number() const { return number_; }
+
+private:
+  std::string_view rest_;
+  int number_ = 0;
+};
+
+/// Blank, tab and every other ASCII control character.
+bool isBlank(char c);
+bool isDigit(char c);
+bool isLetter(char c); ///< ASCII only
+
+std::string_view trimLeft(std::string_view text);
+std::string_view trimRight(std::string_view text);
+std::string_view trim(std::string_view text);
+
+/// The text with a blank for every control character (C0, DEL and C1), without outer blanks.
+std::string clean(std::string_view text);
+
+/// Takes the first or the last run of non-blanks off the text, and the blanks around it. Empty when there is none.
+std::string_view takeFirst(std::string_view& text);
+std::string_view takeLast(std::string_view& text);
+
+/// ASCII letters in upper case; equal results mean equal names.
+std::string fold(std::string_view text);
+bool sameName(std::string_view a, std::string_view b);
+bool startsWithName(std::string_view text, std::string_view start);
+
+/// The number of code points.
+std::size_t length(std::string_view text);
+
+} // namespace reeldb::lists
+
+#endif

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The channel field of an event ("V", "A2", "AA/V", "A1234V") and the Tracks column of a log ("VA1A2").
+#ifndef REELDB_LISTS_TRACKS_H
+#define REELDB_LISTS_TRACKS_H
+
+#include <optional>
+#include <string_view>
+
+namespace reeldb::lists {
+
+struct Tracks {
+  int video = 0;
+  int audio = 0;
+};
+
+/// What several digits after an A say: "A12" is either channels 1 and 2, or channel 12.
+enum class Digits { Set, Number };
+
+/// Counts the channels; nothing when the text is no channel field. Letters in either case; "NONE" and "D" (data) have
+/// no channels, "B" is V and A. Digits read as Set are one channel each when they rise from 1 to 9, else one number.
+std::optional<Tracks> parseTracks(std::string_view text, Digits digits);
+
+/// Whether the field holds a number that can only be one channel (10, 11, 20), which tells how its list writes all.
+bool hasChannelNumber(std::string_view text);
+
+} // namespace reeldb::lists
+
+#endif

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/edl_note.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace reeldb::lists;
+
+namespace {
+
+std::vector<Note> notes(const std::vector<std::string>& lines)
+{
+  NoteJoiner joiner;
+  std::vector<Note> result;
+  for (const std::string& line : lines) {
+    if (auto note = joiner.line(line))
+      result.push_back(std::move(*note));
+  }
+  if (auto note = joiner.flush())
+    result.push_back(std::move(*note));
+  return result;
+}
+
+Note note(const std::string& line)
+{
+  return notes({line}).at(0);
+}
+
+TEST(IsNote, AStarInFront)
+{
+  EXPECT_TRUE(isNote("* X"));
+  EXPECT_TRUE(isNote("  *X"));
+  EXPECT_TRUE(isNote("*"));
+  EXPECT_FALSE(isNote("X *"));
+  EXPECT_FALSE(isNote(""));
+}
+
+TEST(Note, EveryKeyWithAndWithoutTheBlankAndInAnyCase)
+{
+  EXPECT_EQ(note("* FROM CLIP NAME:  A B ").kind, NoteKind::FromClipName);
+  EXPECT_EQ(note("* FROM CLIP NAME:  A B ").value, "A B");
+  EXPECT_EQ(note("*FROM CLIP NAME:A").kind, NoteKind::FromClipName);
+  EXPECT_EQ(note("* from clip name : A").kind, NoteKind::FromClipName);
+  EXPECT_EQ(note("* TO CLIP NAME: A").kind, NoteKind::ToClipName);
+  EXPECT_EQ(note("* KEY CLIP NAME: A").kind, NoteKind::KeyClipName);
+  EXPECT_EQ(note("* SOURCE FILE: C:\\a\\b.mov").kind, NoteKind::SourceFile);
+  EXPECT_EQ(note("* SOURCE FILE: C:\\a\\b.mov").value, "C:\\a\\b.mov");
+  EXPECT_EQ(note("* FROM FILE: A").kind, NoteKind::FromFile);
+  EXPECT_EQ(note("* FROM CLIP: A").kind, NoteKind::FromFile);
+  EXPECT_EQ(note("* TO FILE: A").kind, NoteKind::ToFile);
+  EXPECT_EQ(note("* TO CLIP: A").kind, NoteKind::ToFile);
+  EXPECT_EQ(note("* REEL: A").kind, NoteKind::Reel);
+}
+
+TEST(Note, OtherNotesCarryNothing)
+{
+  for (const char* line : {"*", "**", "** FREEZE FRAME", "* LOC: 01:00:00:00 RED  X", "* ASC_SOP (1 1 1)(0 0 0)(1 1 1)",
+                           "* FROM CLIP IS A STILL", "* REEL TO REEL", "* COMMENT: REEL: X", "* XFROM CLIP NAME: X"}) {
+    EXPECT_EQ(note(line).kind, NoteKind::Other) << line;
+    EXPECT_EQ(note(line).value, "") << line;
+  }
+}
+
+TEST(Note, NullIsNoValueAndControlsAreBlanks)
+{
+  EXPECT_EQ(note("* SOURCE FILE: (NULL)").kind, NoteKind::SourceFile);
+  EXPECT_EQ(note("* SOURCE FILE: (NULL)").value, "");
+  EXPECT_EQ(note("* SOURCE FILE:\ta\tb\x1B").value, "a b");
+}
+
+TEST(Note, ReelIsClipWithAndWithoutColon)
+{
+  for (const char* line : {"* REEL RC 1 IS CLIP a b.mov", "* REEL: RC 1 is clip a b.mov"}) {
+    const Note read = note(line);
+    EXPECT_EQ(read.kind, NoteKind::ReelIsClip) << line;
+    EXPECT_EQ(read.reel, "RC 1") << line;
+    EXPECT_EQ(read.value, "a b.mov") << line;
+  }
+}
+
+/// A FROM CLIP NAME note of exactly `width` characters whose name is x and y in turns.
+std::string wide(std::size_t width)
+{
+  std::string line = "* FROM CLIP NAME: ";
+  while (line.size() < width)
+    line += line.size() % 2 == 0 ? 'x' : 'y';
+  return line;
+}
+
+TEST(NoteJoiner, ALineOf80ColumnsGoesOnInTheNext)
+{
+  const std::string first = wide(80);
+  const auto read = notes({first, "* rest of it.mov", "* SOURCE FILE: f"});
+  ASSERT_EQ(read.size(), 2u);
+  EXPECT_EQ(read[0].value, first.substr(18) + "rest of it.mov");
+  EXPECT_EQ(read[1].value, "f");
+}
+
+TEST(NoteJoiner, TheBlankInColumn80IsKeptWrittenOrNot)
+{
+  const std::string first = wide(79);
+  EXPECT_EQ(notes({first + " ", "* rest"}).at(0).value, first.substr(18) + " rest");
+  EXPECT_EQ(notes({first, "* rest"}).at(0).value, first.substr(18) + " rest");
+}
+
+TEST(NoteJoiner, ColumnsAreCharacters)
+{
+  std::string line = wide(79);
+  line += "\xC3\xBC";
+  EXPECT_EQ(notes({line, "* rest"}).at(0).value, line.substr(18) + "rest");
+}
+
+TEST(NoteJoiner, AThirdLineJoinsWhenTheSecondIsFullToo)
+{
+  const std::string second = "* " + std::string(78, 'z');
+  const auto read = notes({wide(80), second, "* end"});
+  ASSERT_EQ(read.size(), 1u);
+  EXPECT_EQ(read[0].value, wide(80).substr(18) + std::string(78, 'z') + "end");
+}
+
+TEST(NoteJoiner, ShorterAndLongerLinesAreComplete)
+{
+  for (std::size_t width : {78u, 81u, 120u})
+    EXPECT_EQ(notes({wide(width), "* rest"}).at(0).value, wide(width).substr(18)) << width;
+}
+
+TEST(NoteJoiner, ANoteOfItsOwnDoesNotJoin)
+{
+  for (const char* next : {"* TO CLIP NAME: B", "* PATCH R: FROM SOURCE 1 TO RECORD 2", "* A12 VOL = +3.0 DB", "*",
+                           "* ", "*nothing", "* BLEND, DISSOLVE", "* REEL X IS CLIP Y", "* ASC_SAT 1"})
+    EXPECT_EQ(notes({wide(80), next}).at(0).value, wide(80).substr(18)) << next;
+}
+
+TEST(NoteJoiner, NothingToFlushTwice)
+{
+  NoteJoiner joiner;
+  EXPECT_FALSE(joiner.flush());
+  EXPECT_FALSE(joiner.line("* REEL: A"));
+  EXPECT_TRUE(joiner.flush());
+  EXPECT_FALSE(joiner.flush());
+}
+
+} // namespace

@@ -1,0 +1,371 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/edl.h"
+
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support.h"
+
+using namespace reeldb::lists;
+using namespace reeldb::lists::test;
+
+namespace {
+
+List readWhole(const std::string& text)
+{
+  List list = readEdl(text);
+  EXPECT_EQ(accountedLines(list), list.tally.lines) << "a line went missing";
+  return list;
+}
+
+TEST(Edl, AClipCarriesAllThatItsEventSays)
+{
+  const List list = readWhole("TITLE:  A CUT \nFCM: DROP FRAME\n"
+                              "002  TAPE 1   AA/V  C        01:00:00;00 01:00:01;02 10:00:00;00 10:00:01;02 \n"
+                              "* FROM CLIP NAME:  SHOT 5 \n* SOURCE FILE: shot5.mov\n");
+  EXPECT_EQ(list.format, Format::Edl);
+  EXPECT_EQ(list.title, "A CUT");
+  ASSERT_EQ(list.clips.size(), 1u);
+  const Clip& clip = list.clips[0];
+  EXPECT_EQ(clip.reel, "TAPE 1");
+  EXPECT_EQ(clip.clipName, "SHOT 5");
+  EXPECT_EQ(clip.sourceFile, "shot5.mov");
+  EXPECT_EQ(clip.tracks, "AA/V");
+  EXPECT_EQ(clip.sourceIn, "01:00:00;00");
+  EXPECT_EQ(clip.sourceOut, "01:00:01;02");
+  EXPECT_EQ(clip.recordIn, "10:00:00;00");
+  EXPECT_EQ(clip.recordOut, "10:00:01;02");
+  EXPECT_EQ(clip.aliases, Strings{"shot5.mov"});
+  EXPECT_EQ(clip.line, 3);
+  EXPECT_EQ(clip.videoChannels, 1);
+  EXPECT_EQ(clip.audioChannels, 2);
+  EXPECT_EQ(list.tally.headers, 2);
+  EXPECT_EQ(list.tally.notes, 2);
+}
+
+TEST(Edl, ThreeFourAndSixDigitsAndNoTitleNoFcmNoTransitionAreNormal)
+{
+  const List list =
+      readWhole(event("001", "A V C") + event("0002", "B V") + event("000003", "C12 A1234V") + event("4", "D A2 C"));
+  EXPECT_EQ(reels(list), (Strings{"A", "B", "C12", "D"}));
+  EXPECT_EQ(list.title, "");
+  EXPECT_TRUE(list.rejected.empty());
+}
+
+TEST(Edl, HeadersOfOtherDialectsAreHeaders)
+{
+  const List list = readWhole("EP 107 MUSIC EDL\nSMPTE FRAME CODE\n\nRVTR=RVTR\n" + event("0001", "EP_107 A34 C"));
+  EXPECT_EQ(list.tally.headers, 3);
+  EXPECT_EQ(list.tally.blank, 1);
+  EXPECT_EQ(list.title, "");
+  EXPECT_TRUE(list.rejected.empty());
+}
+
+TEST(Edl, ATitleThatStartsWithANumberIsRejectedAlone)
+{
+  const List list = readWhole("107 MUSIC EDL\nSMPTE FRAME CODE\n" + event("0001", "EP_107 A34 C"));
+  ASSERT_EQ(list.rejected.size(), 1u);
+  EXPECT_EQ(list.rejected[0].line, 1);
+  EXPECT_EQ(list.tally.headers, 1);
+}
+
+TEST(Edl, KnownStatementsAddNothing)
+{
+  const List list =
+      readWhole(event("001", "R V C") + "M2   OTHER       -25.0                01:00:00:00\nFCM: NON-DROP FRAME\n"
+                                        "AUD  3    4\nSPLIT:    AUDIO DELAY=  00:00:00:05\nGPI READY\n"
+                                        "DLEDL: START TC: 00:00:00:00\nREM THE END\nREM\nEFFECTS NAME IS WIPE\n"
+                                        "TITLE: SECOND\nm2 x 1\n");
+  EXPECT_EQ(reels(list), Strings{"R"});
+  EXPECT_EQ(list.tally.statements, 11);
+  EXPECT_EQ(list.title, "SECOND");
+  EXPECT_TRUE(list.rejected.empty());
+}
+
+TEST(Edl, TheFirstTitleCounts)
+{
+  EXPECT_EQ(readWhole("TITLE: ONE\nTITLE: TWO\n" + event("001", "R V C")).title, "ONE");
+}
+
+TEST(Edl, OneBadLineCostsThatLine)
+{
+  const List list = readWhole(event("001", "A V C") + "002  B V C 01:00:00:00\n" + event("003", "C1 V C"));
+  EXPECT_EQ(reels(list), (Strings{"A", "C1"}));
+  ASSERT_EQ(list.rejected.size(), 1u);
+  EXPECT_EQ(list.rejected[0].line, 2);
+  EXPECT_EQ(list.rejected[0].text, "002  B V C 01:00:00:00");
+  EXPECT_EQ(list.rejected[0].reason, "fewer than four timecodes (1)");
+}
+
+TEST(Edl, OtherLinesInTheBodyAreRejected)
+{
+  const List list = readWhole(event("001", "A V C") +
+                              "M2X\nHELLO\nFINAL CUT PRO REEL: 006-I\n>>> SOURCE\n>>> OTHER\n"
+                              "O02 B V C " +
+                              kTimecodes + "\n");
+  ASSERT_EQ(list.rejected.size(), 6u);
+  const std::string unknown = "not an event, a note or a known statement";
+  EXPECT_EQ(list.rejected[0].reason, unknown);
+  EXPECT_EQ(list.rejected[1].reason, unknown);
+  EXPECT_EQ(list.rejected[2].reason, "replaced reel without both names");
+  EXPECT_EQ(list.rejected[3].reason, "source row without a name");
+  EXPECT_EQ(list.rejected[4].reason, unknown);
+  EXPECT_EQ(list.rejected[5].reason, "no event number");
+}
+
+TEST(Edl, AnEventWithoutANumberIsNoHeader)
+{
+  const List list = readWhole("TITLE: X\nO01 B V C " + kTimecodes + "\n" + event("002", "A V C"));
+  ASSERT_EQ(list.rejected.size(), 1u);
+  EXPECT_EQ(list.rejected[0].reason, "no event number");
+}
+
+TEST(Edl, NotesOfARejectedEventReachNoOther)
+{
+  const List list = readWhole(event("001", "AX V C") + "002  AX V C 01:00:00:00\n* FROM CLIP NAME: second\n");
+  EXPECT_TRUE(list.clips.empty());
+  ASSERT_EQ(list.specials.size(), 1u);
+  EXPECT_EQ(list.specials[0].reason, "AX without a clip name or source file");
+}
+
+TEST(Edl, NotesBeforeTheFirstEventBelongToNone)
+{
+  EXPECT_EQ(clipNames(readWhole("* FROM CLIP NAME: none\n" + event("001", "A V C"))), Strings{""});
+}
+
+TEST(Edl, BlankLinesAndStatementsDoNotPartAnEventFromItsNotes)
+{
+  EXPECT_EQ(clipNames(readWhole(event("001", "A V C") + "\nM2 A 000.0 01:00:00:00\n\n* FROM CLIP NAME: a\n")),
+            Strings{"a"});
+}
+
+TEST(Edl, ADissolveHasTwoSources)
+{
+  const List list = readWhole("005  A V C        01:00:00:00 01:00:00:00 10:00:00:00 10:00:00:00\n"
+                              "FCM: DROP FRAME\n"
+                              "005  B V D    024 02:00:00:00 02:00:01:00 10:00:00:00 10:00:01:00\n"
+                              "EFFECTS NAME IS CROSS DISSOLVE\n"
+                              "* FROM CLIP NAME: a\n* TO CLIP NAME: b\n" +
+                              event("006", "A V C"));
+  EXPECT_EQ(reels(list), (Strings{"A", "B", "A"}));
+  EXPECT_EQ(clipNames(list), (Strings{"a", "b", ""}));
+}
+
+TEST(Edl, AKeyHasTwoSources)
+{
+  const List list = readWhole(event("002", "AX V K B") + event("002", "AX V K 000") +
+                              "* FROM CLIP NAME: back.mov\n* KEY CLIP NAME: front.mov\n");
+  EXPECT_EQ(reels(list), (Strings{"back.mov", "front.mov"}));
+}
+
+TEST(Edl, BlackBarsAndGeneratorsAreCountedAndMakeNoClip)
+{
+  const List list = readWhole(event("001", "   BL   V C") + event("002", "black V C") + event("003", "BARS V C") +
+                              event("004", "GEN V C") + event("005", "bl V C"));
+  EXPECT_TRUE(list.clips.empty());
+  ASSERT_EQ(list.specials.size(), 4u);
+  EXPECT_EQ(list.specials[0].text, "BL");
+  EXPECT_EQ(list.specials[0].reason, "black");
+  EXPECT_EQ(list.specials[0].lines, (std::vector<int>{1, 5}));
+  EXPECT_EQ(list.specials[1].text, "black");
+  EXPECT_EQ(list.specials[2].reason, "colour bars");
+  EXPECT_EQ(list.specials[3].reason, "generated");
+}
+
+TEST(Edl, BlackStaysBlackWhateverItsNotesSay)
+{
+  const List list = readWhole(event("001", "BL V C") + "* REEL: TAPE9\n>>> SOURCE BL BLACK_TAPE id\n");
+  EXPECT_TRUE(list.clips.empty());
+  EXPECT_EQ(list.specials.at(0).reason, "black");
+}
+
+TEST(Edl, AStarMakesNoReelButDoesNoHarmInAClipName)
+{
+  const List list =
+      readWhole(event("001", "TITLES* V C") + event("002", "A V C") + "* FROM CLIP NAME: 3-1*\n" +
+                event("003", "AX V C") + "* FROM CLIP NAME: 4-1*\n" + event("004", "B V C") + "* REEL: B*1\n");
+  EXPECT_EQ(reels(list), Strings{"A"});
+  EXPECT_EQ(list.clips[0].clipName, "3-1*");
+  ASSERT_EQ(list.specials.size(), 3u);
+  EXPECT_EQ(list.specials[0].text, "TITLES*");
+  EXPECT_EQ(list.specials[1].text, "4-1*");
+  EXPECT_EQ(list.specials[2].text, "B*1");
+  EXPECT_EQ(list.specials[0].reason, "a star denotes internally generated material");
+}
+
+TEST(Edl, AReelTextWithAStarAndAProperNameIsThatReel)
+{
+  EXPECT_EQ(reels(readWhole(event("001", "A*1 V C") + ">>> SOURCE A*1 A001C004 id\n")), Strings{"A001C004"});
+}
+
+TEST(Edl, AxIsItsSourceFileElseItsPathElseItsClipName)
+{
+  const List list =
+      readWhole(event("001", "AX V C") + "* FROM CLIP NAME: a\n* SOURCE FILE: f.mov\n" + event("002", "ax V C") +
+                "* FROM CLIP NAME: a\n* FROM FILE: /vol/g.mov\n" + event("003", "AX V C") +
+                "* FROM CLIP: /vol/h.mov\n" + event("004", "AX V C") + "* SOURCE FILE: (NULL)\n* FROM CLIP NAME: a\n" +
+                event("005", "AX V C") + "* REEL RC1 IS CLIP c.mov\n" + event("006", "AX V C") + "* REEL: TAPE7\n");
+  EXPECT_EQ(reels(list), (Strings{"f.mov", "/vol/g.mov", "/vol/h.mov", "a", "c.mov", "TAPE7"}));
+  EXPECT_EQ(list.clips[0].clipName, "a");
+  EXPECT_EQ(list.clips[0].aliases, Strings{}) << "AX is no name";
+  EXPECT_EQ(list.clips[4].aliases, Strings{"RC1"});
+}
+
+TEST(Edl, AxWithoutANameIsReported)
+{
+  const List list = readWhole(event("001", "AX V C") + event("002", "AX V C") + "* FROM CLIP NAME: AX\n");
+  EXPECT_TRUE(list.clips.empty());
+  ASSERT_EQ(list.specials.size(), 1u);
+  EXPECT_EQ(list.specials[0].text, "AX");
+  EXPECT_EQ(list.specials[0].count, 2);
+}
+
+TEST(Edl, AxCalledBlackIsBlack)
+{
+  const List list = readWhole(event("001", "AX V C") + "* FROM CLIP NAME: Black\n");
+  EXPECT_TRUE(list.clips.empty());
+  EXPECT_EQ(list.specials.at(0).text, "Black");
+  EXPECT_EQ(list.specials.at(0).reason, "black");
+}
+
+TEST(Edl, TheSourceTableGoesBeforeAllElse)
+{
+  const List list = readWhole(event("001", "A001 V C") + "* REEL: NOTE\nFINAL CUT PRO REEL: A-001 REPLACED BY: A001\n" +
+                              event("002", "B001 V C") +
+                              "* REEL: NOTE2\n>>> SOURCE A001_LONG  A001 id1\n"
+                              "* SOURCE FILE: of the row\n>>> SOURCE B001 B001 id2\n");
+  EXPECT_EQ(reels(list), (Strings{"A001_LONG", "B001"}));
+  EXPECT_EQ(list.clips[0].aliases, (Strings{"A001", "NOTE"}));
+  EXPECT_EQ(list.clips[1].aliases, Strings{"NOTE2"});
+  EXPECT_EQ(sourceFiles(list), (Strings{"", ""})) << "a note below a row is the row's";
+  EXPECT_TRUE(list.ambiguous.empty());
+}
+
+TEST(Edl, AReplacedReelGoesBeforeTheReelNoteWhereverItStands)
+{
+  const List list = readWhole(event("001", "006i V C") + "* REEL: NOTE\n" + event("002", "006I V C") +
+                              "FINAL CUT PRO REEL: 006-I REPLACED BY: 006I\n");
+  EXPECT_EQ(reels(list), (Strings{"006-I", "006-I"}));
+  EXPECT_EQ(list.clips[0].aliases, (Strings{"006i", "NOTE"}));
+  EXPECT_EQ(list.clips[1].aliases, Strings{"006I"});
+}
+
+TEST(Edl, AReelThatReplacesSeveralStaysAndIsReported)
+{
+  const List list = readWhole(event("001", "006I V C") + "FINAL CUT PRO REEL: 006-I REPLACED BY: 006I\n"
+                                                         "FINAL CUT PRO REEL: 006_I REPLACED BY: 006I\n"
+                                                         "FINAL CUT PRO REEL: 006-i REPLACED BY: 006I\n");
+  EXPECT_EQ(reels(list), Strings{"006I"});
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].reason, "the name replaces several reels of the list");
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"006-I", "006_I"}));
+}
+
+TEST(Edl, TheReelNoteGoesBeforeTheReelText)
+{
+  const List list = readWhole(event("001", "SR007 A2 C") + "* REEL: SR007_DAY03\n" + event("002", "SR007 A2 C"));
+  EXPECT_EQ(reels(list), (Strings{"SR007_DAY03", "SR007"}));
+  EXPECT_EQ(list.clips[0].aliases, Strings{"SR007"});
+}
+
+TEST(Edl, ReelIsClipMakesNoReel)
+{
+  const List list = readWhole(event("001", "KASS1 A1234V C") + "* REEL RC100009 IS CLIP 28661.mov\n");
+  EXPECT_EQ(reels(list), Strings{"KASS1"});
+  EXPECT_EQ(list.clips[0].clipName, "28661.mov");
+  EXPECT_EQ(list.clips[0].aliases, Strings{"RC100009"});
+}
+
+TEST(Edl, ACutNameThatFitsSeveralSourcesStaysAndIsReportedOnce)
+{
+  const List list = readWhole(event("001", "A001 V C") + event("002", "a001 V C") +
+                              "* REEL: NOTE\n"
+                              ">>> SOURCE A001_ONE A001 id1\n>>> SOURCE A001_TWO A001 id2\n");
+  EXPECT_EQ(reels(list), (Strings{"A001", "A001"}));
+  EXPECT_EQ(list.clips[0].aliases, Strings{}) << "they are names of other sources";
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].reel, "A001");
+  EXPECT_EQ(list.ambiguous[0].reason, "the name is cut and fits several sources of the list");
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"A001_ONE", "A001_TWO"}));
+  EXPECT_EQ(list.ambiguous[0].sourceIds, (Strings{"id1", "id2"}));
+}
+
+TEST(Edl, SourcesThatShareANameAreOneReelAndReported)
+{
+  const List list = readWhole(event("001", "GFX V C") + event("002", "GFX_L V C") + event("003", "B V C") +
+                              ">>> SOURCE GFX_LONG GFX id1\n>>> SOURCE GFX_LONG GFX_L id2\n>>> SOURCE B B id3\n"
+                              ">>> SOURCE C C id4\n>>> SOURCE C C id5\n");
+  EXPECT_EQ(reels(list), (Strings{"GFX_LONG", "GFX_LONG", "B"}));
+  ASSERT_EQ(list.ambiguous.size(), 1u) << "C is no reel of this list";
+  EXPECT_EQ(list.ambiguous[0].reel, "GFX_LONG");
+  EXPECT_EQ(list.ambiguous[0].reason, "several sources of the list share the name");
+  EXPECT_EQ(list.ambiguous[0].names, Strings{});
+  EXPECT_EQ(list.ambiguous[0].sourceIds, (Strings{"id1", "id2"}));
+}
+
+TEST(Edl, SpellingsThatDifferInCaseAreOneReel)
+{
+  const List list =
+      readWhole(event("001", "B014c003 V C") + event("002", "B014C003 V C") + event("003", "B014C003 V C"));
+  EXPECT_EQ(reels(list), Strings(3, "B014c003"));
+  ASSERT_EQ(list.spellings.size(), 1u);
+  EXPECT_EQ(list.spellings[0].reel, "B014c003");
+  EXPECT_EQ(list.spellings[0].other, "B014C003");
+}
+
+TEST(Edl, ControlCharactersInsideAReelBecomeBlanks)
+{
+  const List list = readWhole(event("001", "A\tB\x01"
+                                           "C\xC2\x9B"
+                                           "D V C") +
+                              "* FROM CLIP NAME: x\ty\n");
+  EXPECT_EQ(reels(list), Strings{"A B C D"});
+  EXPECT_EQ(list.clips[0].clipName, "x y");
+}
+
+TEST(Edl, AReelOfControlCharactersAloneIsRejected)
+{
+  const List list = readWhole(event("001", "\xC2\x9B V C"));
+  ASSERT_EQ(list.rejected.size(), 1u);
+  EXPECT_EQ(list.rejected[0].reason, "no reel");
+}
+
+TEST(Edl, AnIdentifierOfMoreThan2047BytesIsRejected)
+{
+  const List list = readWhole(event("001", "AX V C") + "* SOURCE FILE: " + std::string(2048, 'f') + "\n" +
+                              event("002", "AX V C") + "* SOURCE FILE: " + std::string(2047, 'f') + "\n");
+  EXPECT_EQ(list.clips.size(), 1u);
+  ASSERT_EQ(list.rejected.size(), 1u);
+  EXPECT_EQ(list.rejected[0].line, 1);
+  EXPECT_EQ(list.rejected[0].text, "001  AX V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].reason, "reel identifier of 2048 bytes (at most 2047)");
+}
+
+TEST(Edl, AWrappedClipNameIsWhole)
+{
+  std::string note = "* FROM CLIP NAME:  ";
+  note += std::string(80 - note.size(), 'n');
+  const List list = readWhole(event("001", "A V C") + note + "\n* and more\n* SOURCE FILE: f\n");
+  EXPECT_EQ(list.clips[0].clipName, note.substr(19) + "and more");
+  EXPECT_EQ(list.clips[0].sourceFile, "f");
+}
+
+TEST(Edl, ChannelTenInOneEventMakesTwelveAChannelInAll)
+{
+  EXPECT_EQ(readWhole(event("001", "A A12 C")).clips[0].audioChannels, 2);
+  EXPECT_EQ(readWhole(event("001", "A A12 C") + event("002", "A A10 C")).clips[0].audioChannels, 1);
+}
+
+TEST(Edl, OneLineOfMegabytesCostsThatLine)
+{
+  const std::string many(std::size_t{4} << 20, 'R');
+  const List list =
+      readWhole(event("001", "A V C") + event("002", many + " V C") + "003 " + many + "\n" + event("004", "B V C"));
+  EXPECT_EQ(reels(list), (Strings{"A", "B"}));
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].text.size(), 1003u);
+  EXPECT_EQ(list.rejected[0].reason, "reel of " + std::to_string(many.size()) + " characters (at most 129)");
+}
+
+} // namespace
