@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The table of results: one row a ratio, with its target and whether it was met.
+#ifndef REELDB_BENCH_TABLE_H
+#define REELDB_BENCH_TABLE_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace reeldb_bench {
+
+/// One measured ratio: ours over theirs, both measured side by side in this run.
+struct Row {
+  std::string what;
+  std::string against;
+  std::string unit; ///< of ours and theirs: "ms", "instructions", "x" for growth
+  double ours = 0;
+  double theirs = 0;
+  std::optional<double> target; ///< at most; none: reported only
+  std::string note;
+
+  double ratio() const { return ours / theirs; }
+  bool met() const { return !target || ratio() <= *target; }
+};
+
+class Table {
+public:
+  void add(Row row); ///< prints the row at once
+  /// Prints the last line, writes the file that BENCH_JSON names; the number of targets missed.
+  int finish() const;
+
+private:
+  std::vector<Row> rows_;
+};
+
+} // namespace reeldb_bench
+
+#endif
