@@ -14,6 +14,8 @@
 
 namespace reelhost {
 
+struct State;
+
 /// One external device as the facility describes it.
 struct DeviceSettings {
   int number = -1;                ///< the index that getConfig(int) takes; not negative
@@ -28,7 +30,8 @@ struct DeviceSettings {
 };
 
 /// facility.toml and the state file beside it, read. Unknown keys and wrong types throw Error (Unreadable) with file,
-/// line and key. Hand-written files are never written; what commands change goes to the state file.
+/// line and key; a folder without the file throws Error (NotFound). Hand-written files are never written; what commands
+/// change goes to the state file.
 class Facility {
 public:
   Facility(); ///< no facility: no devices, no projects, built-in texts and frame rates
@@ -41,7 +44,7 @@ public:
   std::filesystem::path
   projectFile(const std::string& name) const;    ///< throws Error (Refused) for a name that is no plain file name
   std::vector<std::string> projectNames() const; ///< sorted
-  const std::string& defaultProject() const { return defaultProject_; }
+  const std::string& defaultProject() const { return defaultProject_; } ///< empty when the facility names none
 
   std::optional<std::string> configString(const std::string& key) const; ///< "default_reel_type" and the like
   const std::string& resourceText(unsigned id) const;                    ///< text of a resource, UTF-8; 10043 is "Reel"
@@ -49,7 +52,8 @@ public:
   {
     return frameRates_;
   } ///< names and codes, in order
-  std::optional<int> frameRateCode(const std::string& nameOrCode) const;
+  std::optional<int>
+  frameRateCode(const std::string& nameOrCode) const; ///< a name comes before a code; both must be known
 
   const std::vector<DeviceSettings>& devices() const { return devices_; }
   std::vector<DeviceSettings>& devices() { return devices_; }
@@ -57,17 +61,21 @@ public:
   std::string systemValue(const std::string& key) const;                 ///< empty when nothing is stored
   void setSystemValue(const std::string& key, const std::string& value); ///< pending until saveState
   void setLastReel(unsigned deviceId, const std::string& reel);          ///< pending until saveState
-  bool stateChanged() const;
-  /// Merges the pending values into the state file and replaces it by rename. Throws Error (Io).
+  bool stateChanged() const; ///< whether a pending value differs from what is stored
+  /// Merges the pending values into the state file, replaces it by rename, and takes over what other processes have
+  /// stored meanwhile. Without a facility the values last as long as this object. Throws Error: Busy when another
+  /// process is merging and does not come to an end, Unreadable when the file is damaged (it then stays as it is), Io.
   void saveState();
-  void dropState(); ///< forgets the pending values
+  void dropState(); ///< forgets the pending values; the devices have their stored last reels again
 
 private:
   friend class FacilityReader;
+  std::string storedLastReel(unsigned deviceId) const;
+  void take(const State& state); ///< what the state file holds goes before facility.toml
   std::filesystem::path directory_;
   std::string defaultProject_;
   std::map<std::string, std::string> config_, system_, pendingSystem_;
-  std::map<unsigned, std::string> texts_, pendingLastReel_;
+  std::map<unsigned, std::string> texts_, storedLastReel_, pendingLastReel_;
   std::vector<std::pair<std::string, int>> frameRates_;
   std::vector<DeviceSettings> devices_;
 };
@@ -76,7 +84,8 @@ private:
 std::optional<std::filesystem::path> findFacility(const std::filesystem::path& start);
 
 /// Makes a facility in @p dir: facility.toml, devicedata/reeltype.dat, labelmaps/ with the nine default maps,
-/// projects/. Throws Error (Refused) when there is one already; never overwrites a file.
+/// projects/. Throws Error: Refused when there is one already or when one of these files exists, and nothing is made
+/// then; Io, and the files that were made are gone again. Never overwrites a file.
 void createFacility(const std::filesystem::path& dir);
 
 /// One entry of a label map file.
@@ -85,7 +94,8 @@ struct LabelMapEntry {
   unsigned source = 0;
   unsigned format = 0;
 };
-/// Reads labelmaps/NAME.toml. Throws Error (NotFound, Unreadable) that names file, line and what is wrong.
+/// Reads a label map file: always fourteen entries. Throws Error (NotFound, Unreadable, Io) that names file, line and
+/// what is wrong.
 std::vector<LabelMapEntry> readLabelMap(const std::filesystem::path& file);
 
 } // namespace reelhost

@@ -41,10 +41,15 @@ struct StoredLog {
   int videoChannels = 0;
   int audioChannels = 0;
   std::string reelType; ///< what the row shows as "Reel Type"
-  KeyValues fields;     ///< the configuration block in the order the keys were first set, "reelid" included
+  /// The configuration block, "reelid" included; each key once. Stores answer it in one order, whatever the order it
+  /// came in: "reelid", "source_file", "source_in", "source_out", "record_in", "record_out", "tracks", "aliases", then
+  /// all other keys by their bytes.
+  KeyValues fields;
 };
 
-/// What one command changed.
+/// What one command changed. Stored in this order: undelete and compact, which speak of the bin as it was stored
+/// before, then logs, deleted and options. A log in the bin that is written stays in the bin; a number in deleted that
+/// is no log, or a log in the bin, is passed over.
 struct Changes {
   std::vector<StoredLog> logs;       ///< new and changed logs, by number
   std::vector<std::int64_t> deleted; ///< logs that go to the bin, as one deletion
@@ -65,29 +70,32 @@ public:
 
   /// Begins to use the project. Read: a snapshot that no other process can change, taken without any lock that keeps
   /// writers away. Write: nobody else can write from now on. Throws Error: NotFound, Unreadable, ReadOnly, Io, or Busy
-  /// when another writer is still there after @p patience (the message says who).
+  /// when another writer is still there after @p patience (the message says who). A use that goes on is ended first;
+  /// after a throw none is begun. What throws because of the project leaves its file as it was.
   virtual void begin(Access access, std::chrono::milliseconds patience) = 0;
   /// Ends the use without keeping changes; does nothing when not begun. Never throws.
   virtual void end() noexcept = 0;
 
   // REQUIRES: begun.
   virtual ProjectInfo info() = 0;
-  virtual KeyValues options() = 0;
+  virtual KeyValues options() = 0;       ///< ordered by key
   virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the bin included
   virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;  ///< logs of type 9 by number, bin excluded
   virtual void readOthers(const std::function<void(StoredLog&&)>& sink) = 0; ///< all other logs by number, bin excluded
-  /// How many logs other than reel logs carry each identifier; identifiers with ASCII letters in lower case.
+  /// How many logs other than reel logs carry each identifier; identifiers with ASCII letters in lower case, ascending.
+  /// Logs without an identifier, or with an empty one, are not counted.
   virtual std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() = 0;
   /// Numbers of the logs in the last deletion that is still in the bin, ascending.
   virtual std::vector<std::int64_t> lastDeletion() = 0;
   virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0;
   virtual std::int64_t binCount() = 0; ///< logs in the bin
 
-  /// Stores the changes, whole and durable, or throws and stores none of them; ends the use either way.
-  /// REQUIRES: begun for writing.
+  /// Stores the changes, whole and durable, or throws and stores none of them; ends the use either way. Without any
+  /// change nothing is written. REQUIRES: begun for writing; log numbers are positive.
   virtual void commit(const Changes& changes) = 0;
 
-  /// Whether another process has committed since the last begin or the last true answer of this. Needs no begin.
+  /// Whether another process has committed since the last begin or the last true answer of this. Needs no begin; during
+  /// a use the answer is false, for its snapshot stays what it is, and what others did meanwhile is told after end().
   virtual bool changedElsewhere() = 0;
   /// Looks the whole project over; an empty result means that nothing is wrong. Needs no begin.
   virtual std::vector<std::string> check() = 0;
@@ -99,7 +107,8 @@ std::unique_ptr<Store> makeMemoryStore(const ProjectInfo& info, const KeyValues&
 /// The project in the file @p path. Nothing is read before begin.
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
 
-/// Makes the project file @p path, whole or not at all. Throws Error: Refused when it exists, Io.
+/// Makes the project file @p path, whole or not at all. Throws Error: Refused when it exists or when files of an
+/// earlier project of this name lie beside it, Io.
 void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options);
 
 } // namespace reelhost

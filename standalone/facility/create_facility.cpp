@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A new facility, with contents to start from and to change.
+#include <array>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "reelhost/facility.h"
+#include "store/files.h"
+
+namespace reelhost {
+
+namespace {
+
+constexpr std::string_view facilityToml = R"(# A reeldb facility. Edited by hand; no command writes to this file.
+
+[facility]
+name = "New facility"
+default_project = "main"
+# The reel type of new reels in projects that do not choose one themselves.
+default_reel_type = "Tape 2ch"
+
+[texts]
+# Stands before the identifier in the name of a reel's log.
+reel = "Reel"
+
+# Names of the frame rates and the codes they stand for. 25 and 50 are the PAL family; 29.97, 30, 59.94 and 60 the NTSC
+# family; all others the 24 frame family.
+[frame_rates]
+"25" = 3
+"29.97" = 4
+"30" = 5
+"24" = 6
+"23.98" = 7
+"50" = 8
+"59.94" = 9
+"60" = 10
+
+# Settings shared by all projects. The display names of reel user fields count from 0:
+# reel_userfield0 = "Scene"
+[system]
+
+# Capture devices. port: "9-pin", "1394", "device-named" (reels get the device's name) or "none".
+# input: "composite", "s-video", "component", "sdi", "hdmi", "1394" or "none".
+# tapes: the reel types it accepts; "Live" makes it a live source.
+[[device]]
+number = 0
+id = 1
+name = "Deck 1"
+port = "9-pin"
+input = "sdi"
+audio_inputs = 4
+tapes = ["Tape 2ch", "Tape 4ch", "Audio only"]
+
+[[device]]
+number = 1
+id = 2
+name = "Camera 1"
+port = "1394"
+input = "1394"
+audio_inputs = 2
+tapes = ["Tape 2ch", "Live"]
+)";
+
+// A line is the name of a type, a colon, and its parameters divided by single blanks.
+constexpr std::string_view reelTypes = "Tape 2ch:VideoChannels=1 AudioChannels=2\n"
+                                       "Tape 4ch:VideoChannels=1 AudioChannels=4\n"
+                                       "Tape 8ch:VideoChannels=1 AudioChannels=8\n"
+                                       "Audio only:VideoChannels=0 AudioChannels=8\n"
+                                       "Film 35:VideoChannels=1 AudioChannels=0\n"
+                                       "Disc:VideoChannels=1 AudioChannels=8\n"
+                                       "Live:VideoChannels=1 AudioChannels=2\n";
+
+struct Entry {
+  std::string_view label;
+  bool inUse;
+  std::string_view source, format;
+};
+
+struct Family {
+  std::string_view port9Pin, port1394, noPort; ///< names of the three maps
+  std::string_view comment;
+  std::string_view format; ///< of its timecode labels
+};
+
+constexpr std::array<Family, 3> families = {{
+    {"pal9pin", "pal1394", "paltofd", "PAL", "25 fps"},
+    {"nts9pin", "ntsc1394", "ntstofd", "NTSC", "30 fps"},
+    {"24f9pin", "24f1394", "24ftofd", "24 frame", "24 fps"},
+}};
+
+std::string entryText(const Entry& entry)
+{
+  return "\n[[entry]]\nlabel = \"" + std::string(entry.label) + "\"\nin_use = " + (entry.inUse ? "true" : "false") +
+         "\nsource = \"" + std::string(entry.source) + "\"\nformat = \"" + std::string(entry.format) + "\"\n";
+}
+
+/// Fourteen labels of which the first two are read, from @p first and @p second; "none" leaves one unread.
+std::string labelMap(const Family& family, std::string_view device, std::string_view first, std::string_view second)
+{
+  std::string text = "# Label map: where the timecode labels of a clip are read, " + std::string(family.comment) +
+                     ", " + std::string(device) + ".\n";
+  const std::array<Entry, 14> entries = {{
+      {"timecode", true, first, family.format},
+      {"auxiliary timecode 1", second != "none", second, family.format},
+      {"auxiliary timecode 2", false, "none", family.format},
+      {"auxiliary timecode 3", false, "none", family.format},
+      {"auxiliary timecode 4", false, "none", family.format},
+      {"auxiliary timecode 5", false, "none", family.format},
+      {"sound timecode", false, "none", family.format},
+      {"film timecode", false, "none", "24 fps"},
+      {"key number", false, "none", "key number"},
+      {"ink number", false, "none", "ink number"},
+      {"35mm footage", false, "none", "35mm feet+frames"},
+      {"16mm footage", false, "none", "16mm feet+frames"},
+      {"frame count", false, "none", "frame count"},
+      {"user bits", false, "none", "text"},
+  }};
+  for (const Entry& entry : entries)
+    text += entryText(entry);
+  return text;
+}
+
+struct NewFile {
+  std::string name; ///< below the folder of the facility
+  std::string content;
+};
+
+/// All files of a new facility. facility.toml comes last: what has it is a facility, whole.
+std::vector<NewFile> filesOfFacility()
+{
+  std::vector<NewFile> files;
+  files.push_back({"devicedata/reeltype.dat", std::string(reelTypes)});
+  for (const Family& family : families) {
+    const auto add = [&](std::string_view name, const std::string& content) {
+      files.push_back({"labelmaps/" + std::string(name) + ".toml", content});
+    };
+    add(family.port9Pin, labelMap(family, "over a 9-pin port", "9-pin ltc", "9-pin vitc"));
+    add(family.port1394, labelMap(family, "over a 1394 port", "1394", "none"));
+    add(family.noPort, labelMap(family, "without a control port", "time of day", "none"));
+  }
+  files.push_back({"facility.toml", std::string(facilityToml)});
+  return files;
+}
+
+bool isThere(const std::filesystem::path& path)
+{
+  std::error_code error;
+  return std::filesystem::exists(std::filesystem::symlink_status(path, error));
+}
+
+} // namespace
+
+void createFacility(const std::filesystem::path& dir)
+{
+  if (isThere(dir / "facility.toml"))
+    throw Error(ErrorKind::Refused, printable(dir.native()) + ": is a facility already (it has a facility.toml)");
+  const std::vector<NewFile> files = filesOfFacility();
+  for (const NewFile& file : files)
+    if (isThere(dir / file.name))
+      throw Error(ErrorKind::Refused, printable((dir / file.name).native()) + ": exists already");
+
+  for (const char* const folder : {"", "devicedata", "labelmaps", "projects"}) {
+    std::error_code error;
+    std::filesystem::create_directories(dir / folder, error);
+    if (error)
+      throwSystemError(ErrorKind::Io, dir / folder, "cannot be made", error.value());
+  }
+  std::deque<TemporaryFile> made; // gone again unless all are there
+  for (const NewFile& file : files) {
+    writeNewFile(dir / file.name, file.content);
+    made.emplace_back(dir / file.name);
+  }
+  for (const char* const folder : {"devicedata", "labelmaps", ""})
+    syncFolder(dir / folder);
+  for (TemporaryFile& file : made)
+    file.keep();
+}
+
+} // namespace reelhost

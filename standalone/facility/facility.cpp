@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "reelhost/facility.h"
+
+#include <algorithm>
+#include <charconv>
+
+#include "facility/resources.h"
+#include "facility/state_file.h"
+
+namespace reelhost {
+
+// The codes fall into families: 3 and 8 are PAL, 4, 5, 9 and 10 NTSC, all others 24 frame.
+Facility::Facility()
+    : texts_{{wordForReel, "Reel"}}, frameRates_{{"25", 3},    {"29.97", 4}, {"30", 5},    {"24", 6},
+                                                 {"23.98", 7}, {"50", 8},    {"59.94", 9}, {"60", 10}}
+{
+}
+
+std::filesystem::path Facility::deviceDataDirectory() const
+{
+  return directory_ / "devicedata" / "";
+}
+
+std::filesystem::path Facility::labelMapDirectory() const
+{
+  return directory_ / "labelmaps";
+}
+
+std::filesystem::path Facility::projectDirectory() const
+{
+  return directory_ / "projects";
+}
+
+std::optional<std::string> Facility::configString(const std::string& key) const
+{
+  const auto found = config_.find(key);
+  return found == config_.end() ? std::nullopt : std::optional(found->second);
+}
+
+const std::string& Facility::resourceText(unsigned id) const
+{
+  static const std::string& none = *new std::string; // outlives everything: asked for at any time
+  const auto found = texts_.find(id);
+  return found == texts_.end() ? none : found->second;
+}
+
+std::optional<int> Facility::frameRateCode(const std::string& nameOrCode) const
+{
+  for (const auto& [name, code] : frameRates_)
+    if (name == nameOrCode)
+      return code;
+  int code = 0;
+  const char* const end = nameOrCode.data() + nameOrCode.size();
+  const auto [stop, error] = std::from_chars(nameOrCode.data(), end, code);
+  if (error != std::errc() || stop != end)
+    return {};
+  const bool known =
+      std::any_of(frameRates_.begin(), frameRates_.end(), [&](const auto& r) { return r.second == code; });
+  return known ? std::optional(code) : std::nullopt;
+}
+
+std::string Facility::systemValue(const std::string& key) const
+{
+  if (const auto pending = pendingSystem_.find(key); pending != pendingSystem_.end())
+    return pending->second;
+  const auto found = system_.find(key);
+  return found == system_.end() ? std::string() : found->second;
+}
+
+void Facility::setSystemValue(const std::string& key, const std::string& value)
+{
+  const auto stored = system_.find(key);
+  if (value == (stored == system_.end() ? std::string() : stored->second))
+    pendingSystem_.erase(key);
+  else
+    pendingSystem_[key] = value;
+}
+
+void Facility::setLastReel(unsigned deviceId, const std::string& reel)
+{
+  if (storedLastReel(deviceId) == reel)
+    pendingLastReel_.erase(deviceId);
+  else
+    pendingLastReel_[deviceId] = reel;
+}
+
+bool Facility::stateChanged() const
+{
+  return !pendingSystem_.empty() || !pendingLastReel_.empty();
+}
+
+void Facility::saveState()
+{
+  if (!stateChanged())
+    return;
+  const State changes = {pendingSystem_, pendingLastReel_};
+  take(directory_.empty() ? changes : StateFile(directory_).merge(changes));
+  pendingSystem_.clear();
+  pendingLastReel_.clear();
+}
+
+void Facility::dropState()
+{
+  for (DeviceSettings& device : devices_)
+    if (pendingLastReel_.count(device.id) != 0)
+      device.lastReel = storedLastReel(device.id);
+  pendingSystem_.clear();
+  pendingLastReel_.clear();
+}
+
+std::string Facility::storedLastReel(unsigned deviceId) const
+{
+  const auto found = storedLastReel_.find(deviceId);
+  return found == storedLastReel_.end() ? std::string() : found->second;
+}
+
+void Facility::take(const State& state)
+{
+  for (const auto& [key, value] : state.system)
+    system_[key] = value;
+  for (const auto& [id, reel] : state.lastReel)
+    storedLastReel_[id] = reel;
+  for (DeviceSettings& device : devices_)
+    if (const auto found = state.lastReel.find(device.id); found != state.lastReel.end())
+      device.lastReel = found->second;
+}
+
+} // namespace reelhost

@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "facility/facility_reader.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+
+#include "facility/resources.h"
+#include "facility/state_file.h"
+#include "store/files.h"
+
+namespace reelhost {
+
+namespace {
+
+struct Word {
+  std::string_view word;
+  int code;
+};
+
+constexpr std::array<Word, 4> portWords = {{{"9-pin", 0}, {"1394", 1}, {"device-named", 2}, {"none", 3}}};
+constexpr std::array<Word, 7> inputWords = {
+    {{"composite", 0}, {"s-video", 1}, {"component", 2}, {"sdi", 3}, {"hdmi", 4}, {"1394", 5}, {"none", 9}}};
+
+// A device number is an index into a list that people keep by hand, and a deck has no more inputs than this.
+constexpr std::int64_t largestDeviceNumber = 9999;
+constexpr std::int64_t mostAudioInputs = 1024;
+
+bool isBlank(const std::string& text)
+{
+  return text.find_first_not_of(' ') == std::string::npos;
+}
+
+template <std::size_t N>
+int codeOf(const TomlTable& table, std::string_view key, const std::array<Word, N>& words, int otherwise)
+{
+  const std::optional<std::string> text = table.text(key);
+  if (!text)
+    return otherwise;
+  std::string known;
+  for (const Word& word : words) {
+    if (word.word == *text)
+      return word.code;
+    known += (known.empty() ? "" : ", ") + std::string(word.word);
+  }
+  table.fail(key, '"' + printable(*text) + "\" is no word for it (known: " + known + ")");
+}
+
+} // namespace
+
+FacilityReader::FacilityReader(const std::filesystem::path& dir)
+{
+  facility_.directory_ = dir;
+  const TomlFile file(dir / "facility.toml");
+  const TomlTable root(file, file.root(), "");
+  root.allowOnly({"facility", "texts", "frame_rates", "system", "device"});
+  if (const auto table = root.table("facility"))
+    readFacility(*table);
+  if (const auto table = root.table("texts"))
+    readTexts(*table);
+  if (const auto table = root.table("frame_rates"))
+    readFrameRates(*table);
+  if (const auto table = root.table("system"))
+    readSystem(*table);
+  for (const TomlTable& table : root.tables("device"))
+    readDevice(table);
+  readState();
+}
+
+void FacilityReader::readFacility(const TomlTable& table)
+{
+  table.allowOnly({"name", "default_project", "default_reel_type"});
+  table.text("name");
+  if (const auto name = table.text("default_project")) {
+    try {
+      facility_.projectFile(*name);
+    } catch (const Error& e) {
+      table.fail("default_project", e.what());
+    }
+    facility_.defaultProject_ = *name;
+  }
+  if (const auto type = table.text("default_reel_type"))
+    facility_.config_["default_reel_type"] = *type;
+}
+
+void FacilityReader::readTexts(const TomlTable& table)
+{
+  table.allowOnly({"reel"});
+  if (const auto text = table.text("reel"))
+    facility_.texts_[wordForReel] = *text;
+}
+
+void FacilityReader::readFrameRates(const TomlTable& table)
+{
+  facility_.frameRates_.clear();
+  for (const std::string& name : table.keys()) {
+    const std::int64_t code = *table.number(name, 0, 255);
+    if (isBlank(name))
+      table.fail(name, "a frame rate needs a name");
+    facility_.frameRates_.emplace_back(name, static_cast<int>(code));
+  }
+}
+
+void FacilityReader::readSystem(const TomlTable& table)
+{
+  for (const std::string& key : table.keys())
+    facility_.system_[key] = *table.text(key);
+}
+
+void FacilityReader::readDevice(const TomlTable& table)
+{
+  table.allowOnly({"number", "id", "name", "port", "input", "audio_inputs", "tapes", "label_map"});
+  DeviceSettings device;
+  const auto number = table.number("number", 0, largestDeviceNumber);
+  if (!number)
+    table.fail("number: a device needs one");
+  device.number = static_cast<int>(*number);
+  const auto id = table.number("id", 1, UINT_MAX); // 0 names none
+  if (!id)
+    table.fail("id: a device needs one");
+  device.id = static_cast<unsigned>(*id);
+  const auto name = table.text("name");
+  if (!name || isBlank(*name))
+    table.fail("name: a device needs one");
+  device.name = *name;
+  device.portType = codeOf(table, "port", portWords, device.portType);
+  device.inputType = codeOf(table, "input", inputWords, device.inputType);
+  device.audioInputs = static_cast<int>(table.number("audio_inputs", 0, mostAudioInputs).value_or(0));
+  device.tapes = table.texts("tapes");
+  if (std::any_of(device.tapes.begin(), device.tapes.end(), isBlank))
+    table.fail("tapes", "a reel type without a name");
+  device.labelMap = table.text("label_map").value_or("");
+  for (const DeviceSettings& other : facility_.devices_) {
+    if (other.number == device.number)
+      table.fail("number", std::to_string(device.number) + " is taken (by device \"" + other.name + "\")");
+    if (other.id == device.id)
+      table.fail("id", std::to_string(device.id) + " is taken (by device \"" + other.name + "\")");
+    if (other.name == device.name)
+      table.fail("name", '"' + device.name + "\" is taken (by device " + std::to_string(other.number) + ")");
+  }
+  facility_.devices_.push_back(std::move(device));
+}
+
+void FacilityReader::readState()
+{
+  facility_.take(StateFile(facility_.directory_).read());
+}
+
+Facility Facility::read(const std::filesystem::path& dir)
+{
+  return FacilityReader(std::filesystem::absolute(dir)).take();
+}
+
+} // namespace reelhost

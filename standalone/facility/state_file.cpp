@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "facility/state_file.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <sstream>
+#include <thread>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utf8.h>
+
+#include "facility/toml_file.h"
+#include "store/files.h"
+
+namespace reelhost {
+
+namespace {
+
+/// Keeps other processes from merging for as long as this lives.
+class MergeLock {
+public:
+  MergeLock(const std::filesystem::path& file, std::chrono::milliseconds patience)
+      : fd_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0666))
+  {
+    if (!fd_.valid())
+      throwSystemError(ErrorKind::Io, file, "cannot be opened", errno);
+    const auto last = std::chrono::steady_clock::now() + patience;
+    while (::flock(fd_.get(), LOCK_EX | LOCK_NB) != 0) {
+      if (errno != EWOULDBLOCK && errno != EINTR)
+        throwSystemError(ErrorKind::Io, file, "cannot be locked", errno);
+      if (std::chrono::steady_clock::now() >= last)
+        throw Error(ErrorKind::Busy, printable(file.native()) + ": held by another process");
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  }
+
+private:
+  FileDescriptor fd_;
+};
+
+// A text is written as a text. TOML holds UTF-8 only, so bytes that are none are written as an array of numbers.
+
+void put(toml::table& table, const std::string& key, const std::string& value)
+{
+  if (utf8::is_valid(value)) {
+    table.insert_or_assign(key, value);
+    return;
+  }
+  toml::array bytes;
+  for (const char c : value)
+    bytes.push_back(static_cast<std::int64_t>(static_cast<unsigned char>(c)));
+  table.insert_or_assign(key, std::move(bytes));
+}
+
+std::string valueOf(const TomlTable& table, const std::string& key)
+{
+  if (!table.isArray(key))
+    return *table.anyText(key);
+  std::string bytes;
+  for (const std::int64_t byte : table.numbers(key, 1, 255))
+    bytes.push_back(static_cast<char>(byte));
+  return bytes;
+}
+
+unsigned deviceId(const TomlTable& table, const std::string& key)
+{
+  unsigned id = 0;
+  const char* const last = key.data() + key.size();
+  const auto [stop, error] = std::from_chars(key.data(), last, id);
+  if (error != std::errc() || stop != last || id == 0)
+    table.fail(key, "no identity of a device");
+  return id;
+}
+
+std::string written(const State& state)
+{
+  toml::table system, lastReel;
+  for (const auto& [key, value] : state.system)
+    put(system, key, value);
+  for (const auto& [id, reel] : state.lastReel)
+    put(lastReel, std::to_string(id), reel);
+  std::ostringstream out;
+  // Every text in the one quoting that can hold all of them.
+  out << "# Written by reeldb; what it holds goes before facility.toml. Not to be edited while a command runs.\n\n"
+      << toml::toml_formatter(toml::table{{"system", system}, {"last_reel", lastReel}},
+                              toml::format_flags::allow_unicode_strings)
+      << "\n";
+  return out.str();
+}
+
+bool isThere(const std::filesystem::path& path)
+{
+  struct stat status = {};
+  return ::lstat(path.c_str(), &status) == 0;
+}
+
+} // namespace
+
+State StateFile::read() const
+{
+  if (!isThere(file()))
+    return {};
+  try {
+    const TomlFile toml(file());
+    const TomlTable root(toml, toml.root(), "");
+    root.allowOnly({"system", "last_reel"});
+    State state;
+    if (const auto table = root.table("system"))
+      for (const std::string& key : table->keys())
+        state.system[key] = valueOf(*table, key);
+    if (const auto table = root.table("last_reel"))
+      for (const std::string& key : table->keys())
+        state.lastReel[deviceId(*table, key)] = valueOf(*table, key);
+    return state;
+  } catch (const Error& error) {
+    if (error.kind() != ErrorKind::Unreadable)
+      throw;
+    throw Error(error.kind(), std::string(error.what()) +
+                                  "; the state file is damaged and stays as it is (moving it away starts a new one)");
+  }
+}
+
+State StateFile::merge(const State& changes, std::chrono::milliseconds patience) const
+{
+  for (const auto& [key, value] : changes.system)
+    if (!utf8::is_valid(key))
+      throw Error(ErrorKind::Refused,
+                  printable(file().native()) + ": \"" + printable(key) + "\" is no key (not UTF-8)");
+  const MergeLock lock(facility_ / "state.lock", patience);
+  State state = read();
+  const std::string before = written(state);
+  for (const auto& [key, value] : changes.system)
+    state.system[key] = value;
+  for (const auto& [id, reel] : changes.lastReel)
+    state.lastReel[id] = reel;
+  const std::string after = written(state);
+  if (after == before && isThere(file()))
+    return state;
+  TomlFile::requireReadable(file(), after);
+  TemporaryFile fresh(facility_ / ".state.toml.new");
+  ::unlink(fresh.path().c_str()); // of a process that was killed here; the lock keeps all others away
+  writeNewFile(fresh.path(), after);
+  if (std::rename(fresh.path().c_str(), file().c_str()) != 0)
+    throwSystemError(ErrorKind::Io, file(), "cannot be replaced", errno);
+  fresh.keep();
+  syncFolder(facility_);
+  return state;
+}
+
+} // namespace reelhost

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/attribute_index.h"
+
+#include <algorithm>
+
+namespace reelhost::model {
+
+namespace {
+
+bool byNumber(const Log* a, const Log* b)
+{
+  return a->number < b->number;
+}
+
+} // namespace
+
+std::string folded(std::string_view text)
+{
+  std::string result(text);
+  for (char& c : result)
+    if (c >= 'A' && c <= 'Z')
+      c = static_cast<char>(c - 'A' + 'a');
+  return result;
+}
+
+void AttributeIndex::refresh(Log& log)
+{
+  take(log);
+  if (log.isGone || log.type == reelType || log.reelId.empty())
+    return;
+  auto& [key, group] = *logs_.try_emplace(folded(log.reelId.c_str())).first;
+  group.insert(std::upper_bound(group.begin(), group.end(), &log, byNumber), &log);
+  log.indexedUnder = &key;
+}
+
+void AttributeIndex::take(Log& log)
+{
+  if (!log.indexedUnder)
+    return;
+  std::vector<Log*>& group = logs_.at(*log.indexedUnder);
+  group.erase(std::lower_bound(group.begin(), group.end(), &log, byNumber));
+  log.indexedUnder = nullptr;
+}
+
+const std::vector<Log*>& AttributeIndex::find(std::string_view id) const
+{
+  static const auto& none = *new std::vector<Log*>;
+  const auto found = logs_.find(folded(id));
+  return found == logs_.end() ? none : found->second;
+}
+
+} // namespace reelhost::model

@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/listeners.h"
+#include "model/project.h"
+#include "reelhost/host.h"
+
+namespace reelhost {
+
+int deleteLogs(const CookieVec& logs)
+{
+  const CookieVec gone = model::requireProject("deletion").erase(logs);
+  if (!gone.empty())
+    model::tellLogsDeletion(gone);
+  return gone.count();
+}
+
+int undelete()
+{
+  return model::requireProject("undelete").undelete();
+}
+
+int compact()
+{
+  return model::requireProject("compact").compact();
+}
+
+} // namespace reelhost

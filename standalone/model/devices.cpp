@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "host/device.h"
+#include "host/text.h"
+#include "journal/host_call.h"
+#include "model/settings.h"
+#include "reelhost/notify_msg.h"
+
+using reelhost::describeAll;
+using reelhost::DeviceSettings;
+using reelhost::hostCall;
+using reelhost::noArguments;
+using reelhost::Word;
+
+/// The device that a configuration is a copy of. A device that nobody knows is none: it keeps the default settings, of
+/// which the identity 0 is one.
+struct ExtDeviceConfig::Impl {
+  DeviceSettings settings;
+
+  static const DeviceSettings& of(const ExtDeviceConfig& config) { return config.impl_->settings; }
+  friend const DeviceSettings& settingsBehind(const ExtDeviceConfig& config) { return of(config); }
+  static ExtDeviceConfig made(const DeviceSettings& device)
+  {
+    ExtDeviceConfig config;
+    config.impl_->settings = device;
+    return config;
+  }
+  friend ExtDeviceConfig configOf(const DeviceSettings& device) { return made(device); }
+};
+
+const DeviceSettings& settingsBehind(const ExtDeviceConfig& config);
+ExtDeviceConfig configOf(const DeviceSettings& device);
+
+namespace {
+
+LightweightString<wchar_t> wide(const std::string& text)
+{
+  return fromUTF8(text.c_str());
+}
+
+std::string nameOf(const ExtDeviceConfig& config)
+{
+  return reelhost::describe(settingsBehind(config).name);
+}
+
+template <class Wanted>
+ExtDeviceConfig configWhere(const Wanted& wanted)
+{
+  const auto& devices = reelhost::model::facilityOrNone().devices();
+  const auto found = std::find_if(devices.begin(), devices.end(), wanted);
+  return found == devices.end() ? ExtDeviceConfig() : configOf(*found);
+}
+
+/// An IdStamp shows its number to nobody; it is all that it holds.
+unsigned numberIn(const IdStamp& stamp)
+{
+  static_assert(sizeof(IdStamp) == sizeof(unsigned) && std::is_standard_layout_v<IdStamp>);
+  unsigned number = 0;
+  std::memcpy(&number, &stamp, sizeof number);
+  return number;
+}
+
+} // namespace
+
+namespace reelhost {
+
+std::string describe(const ExtDeviceConfig& device)
+{
+  return nameOf(device);
+}
+
+std::string describe(const IdStamp& stamp)
+{
+  return "IdStamp " + std::to_string(numberIn(stamp));
+}
+
+} // namespace reelhost
+
+ExtDeviceConfig::ExtDeviceConfig() : impl_(new Impl) {}
+
+ExtDeviceConfig::ExtDeviceConfig(const ExtDeviceConfig& other) : impl_(new Impl(*other.impl_)) {}
+
+ExtDeviceConfig& ExtDeviceConfig::operator=(const ExtDeviceConfig& other)
+{
+  *impl_ = *other.impl_;
+  return *this;
+}
+
+ExtDeviceConfig::~ExtDeviceConfig()
+{
+  delete impl_;
+}
+
+StringList ExtDeviceConfig::getTapeList() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getTapeList", [&] { return nameOf(*this); },
+      [&] {
+        StringList tapes;
+        for (const std::string& tape : impl_->settings.tapes)
+          tapes.add(tape.c_str());
+        return tapes;
+      });
+}
+
+LightweightString<wchar_t> ExtDeviceConfig::getTextName() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getTextName", [&] { return nameOf(*this); }, [&] { return wide(impl_->settings.name); });
+}
+
+int ExtDeviceConfig::getPortType() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getPortType", [&] { return nameOf(*this); }, [&] { return impl_->settings.portType; });
+}
+
+int ExtDeviceConfig::getInputType() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getInputType", [&] { return nameOf(*this); }, [&] { return impl_->settings.inputType; });
+}
+
+int ExtDeviceConfig::getNumConnectedAudioInputs() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getNumConnectedAudioInputs", [&] { return nameOf(*this); },
+      [&] { return impl_->settings.audioInputs; });
+}
+
+LightweightString<wchar_t> ExtDeviceConfig::getLabelMapping() const
+{
+  return hostCall(
+      "ExtDeviceConfig::getLabelMapping", [&] { return nameOf(*this); },
+      [&] { return wide(impl_->settings.labelMap); });
+}
+
+void ExtDeviceConfig::setLastReel(LightweightString<char> reel)
+{
+  hostCall(
+      "ExtDeviceConfig::setLastReel", [&] { return nameOf(*this) + ", " + describeAll(reel); },
+      [&] { impl_->settings.lastReel = reel.c_str(); });
+}
+
+ExtDeviceConfig ExtDeviceConfigurationManager::getConfig(int device) const
+{
+  return hostCall(
+      "ExtDeviceConfigurationManager::getConfig", [&] { return describeAll(device); },
+      [&] { return configWhere([&](const DeviceSettings& d) { return device >= 0 && d.number == device; }); });
+}
+
+ExtDeviceConfig ExtDeviceConfigurationManager::getConfig(IdStamp stamp) const
+{
+  return hostCall(
+      "ExtDeviceConfigurationManager::getConfig", [&] { return describeAll(stamp); },
+      [&] { return configWhere([&](const DeviceSettings& d) { return stamp.valid() && d.id == numberIn(stamp); }); });
+}
+
+int ExtDeviceConfigurationManager::findConfigForName(const LightweightString<wchar_t>& name) const
+{
+  constexpr int unknown = -1;
+  return hostCall(
+      "ExtDeviceConfigurationManager::findConfigForName", [&] { return describeAll(name); },
+      [&] {
+        const std::string wanted = toUTF8(name).c_str();
+        if (wanted.empty())
+          return unknown;
+        for (const DeviceSettings& device : reelhost::model::facilityOrNone().devices())
+          if (device.name == wanted)
+            return device.number;
+        return unknown;
+      });
+}
+
+// The last reel is all that can differ from the facility's own description.
+void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig& config, bool flag)
+{
+  hostCall(
+      "ExtDeviceConfigurationManager::storeDevice", [&] { return nameOf(config) + ", " + reelhost::describe(flag); },
+      [&] { reelhost::model::setLastReel(settingsBehind(config).id, settingsBehind(config).lastReel); });
+}
+
+IdStamp ExtDeviceConfigurationManager::DeviceChangedMsgParser(const NotifyMsg& message)
+{
+  return hostCall(
+      "ExtDeviceConfigurationManager::DeviceChangedMsgParser", [&] { return describeAll(message.deviceId()); },
+      [&] { return IdStamp(message.deviceId()); });
+}
+
+ExtDeviceConfigurationManager& theConfigurationManager()
+{
+  static ExtDeviceConfigurationManager manager;
+  hostCall("theConfigurationManager", noArguments, [] {});
+  return manager;
+}
+
+// The devices of this host are descriptions: nothing is connected that would have to be connected anew.
+void resetDevices()
+{
+  hostCall("resetDevices", noArguments, [] {});
+}

@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/edit.h"
+
+#include <cstring>
+
+#include "host/text.h"
+#include "journal/host_call.h"
+#include "model/log.h"
+#include "model/log_types.h"
+#include "model/project.h"
+
+using reelhost::describeAll;
+using reelhost::hostCall;
+using reelhost::model::Log;
+using reelhost::model::reelIdKey;
+
+namespace {
+
+/// Gives a member of a log a new value that is to be stored.
+template <class T>
+void change(Log& log, T& member, const T& value)
+{
+  if (member == value)
+    return;
+  log.project.changing(log);
+  member = value;
+}
+
+constexpr EditChanType videoChannel{1}, audioChannel{2};
+
+} // namespace
+
+configb& Edit::config()
+{
+  return impl->config;
+}
+
+const Zr::UUID& Edit::uuid() const
+{
+  return impl->uuid;
+}
+
+std::uint16_t Edit::cookieTag() const
+{
+  return impl->tag;
+}
+
+char Edit::cookieKind() const
+{
+  return impl->kind;
+}
+
+eLogType Edit::getLogType() const
+{
+  return hostCall(
+      "Edit::getLogType", [&] { return describeAll(impl->cookie); }, [&] { return eLogType(impl->type); });
+}
+
+eLogType Edit::getLogTypeFromString(const LightweightString<char>& text)
+{
+  return hostCall(
+      "Edit::getLogTypeFromString", [&] { return describeAll(text); },
+      [&] { return eLogType(reelhost::model::logTypeOf(text.c_str())); });
+}
+
+bool Edit::isImported() const
+{
+  return hostCall(
+      "Edit::isImported", [&] { return describeAll(impl->cookie); }, [&] { return impl->imported; });
+}
+
+// A log of this host has one reel: slots are not told apart.
+void Edit::get_reelid(strp_field& out, int slot, int channel) const
+{
+  hostCall(
+      "Edit::get_reelid", [&] { return describeAll(impl->cookie, reelhost::Word{"strp_field&"}, slot, channel); },
+      [&]() -> const char* { // for the journal
+        if (const LightweightString<char>* const id = impl->block.find(reelIdKey()))
+          out.set(id->c_str());
+        return out.text();
+      });
+}
+
+void Edit::set_reelid(int slot, const char* id)
+{
+  hostCall(
+      "Edit::set_reelid", [&] { return describeAll(impl->cookie, slot, id); },
+      [&] { impl->block.set(reelIdKey()->c_str(), id); });
+}
+
+void Edit::setName(const LightweightString<wchar_t>& name, bool flag)
+{
+  hostCall(
+      "Edit::setName", [&] { return describeAll(impl->cookie, name, flag); },
+      [&] { change<std::string>(*impl, impl->name, toUTF8(name).c_str()); });
+}
+
+void Edit::set_entire_medium(int entire)
+{
+  hostCall(
+      "Edit::set_entire_medium", [&] { return describeAll(impl->cookie, entire); },
+      [&] { change(*impl, impl->entireMedium, entire != 0); });
+}
+
+void Edit::make_original(bool original, bool flag)
+{
+  hostCall(
+      "Edit::make_original", [&] { return describeAll(impl->cookie, original, flag); },
+      [&] { impl->original = original; });
+}
+
+void Edit::redetermineLogType()
+{
+  hostCall(
+      "Edit::redetermineLogType", [&] { return describeAll(impl->cookie); },
+      [&] {
+        const bool reel = impl->entireMedium && !impl->original;
+        const int type = reel ? reelhost::model::reelType : impl->imported ? reelhost::model::materialType : 0;
+        if (type == impl->type)
+          return;
+        change(*impl, impl->type, type);
+        impl->project.typeChanged(*impl);
+      });
+}
+
+void Edit::setChangeDescription(EditModificationType type, bool flag)
+{
+  hostCall(
+      "Edit::setChangeDescription", [&] { return describeAll(impl->cookie, type, flag); },
+      [&] { impl->changeDescription = type; });
+}
+
+// What has changed is stored whether or not anybody says so: false has nothing to take back.
+void Edit::setDirty(bool dirty)
+{
+  hostCall(
+      "Edit::setDirty", [&] { return describeAll(impl->cookie, dirty); },
+      [&] {
+        if (dirty)
+          impl->project.changing(*impl);
+      });
+}
+
+void Edit::reelType(const LightweightString<char>& name)
+{
+  using Follows = reelhost::Script::ViewFollows;
+  hostCall(
+      "Edit::reelType", [&] { return describeAll(impl->cookie, name); }, [&] { impl->setReelType(name, true); },
+      [&] {
+        impl->setReelType(name, reelhost::Script::the().viewFollows == Follows::OnReelType);
+        return true;
+      });
+}
+
+int Edit::getNumChans(EditChanType type) const
+{
+  return hostCall(
+      "Edit::getNumChans", [&] { return describeAll(impl->cookie, type); },
+      [&] { return type == videoChannel   ? impl->videoChannels
+                   : type == audioChannel ? impl->audioChannels
+                                          : 0; });
+}
+
+void Edit::addChan(EditChanType type, Zr::Ptr<Cel> cel, bool flag, EditChanSubType subType, bool otherFlag,
+                   double value)
+{
+  hostCall(
+      "Edit::addChan", [&] { return describeAll(impl->cookie, type, cel, flag, subType, otherFlag, value); },
+      [&] {
+        if (type == videoChannel)
+          change(*impl, impl->videoChannels, impl->videoChannels + 1);
+        else if (type == audioChannel)
+          change(*impl, impl->audioChannels, impl->audioChannels + 1);
+      });
+}

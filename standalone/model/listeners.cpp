@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/listeners.h"
+
+#include <algorithm>
+#include <exception>
+#include <vector>
+
+namespace {
+
+/// The listeners in the order in which they came. While an event is told, one that goes leaves its place empty.
+struct Listeners {
+  std::vector<ProjectListener*> list;
+  int events = 0; ///< being told
+
+  void add(ProjectListener* listener) { list.push_back(listener); }
+
+  void remove(ProjectListener* listener)
+  {
+    std::replace(list.begin(), list.end(), listener, static_cast<ProjectListener*>(nullptr));
+    tidy();
+  }
+
+  template <class Event>
+  void tell(const Event& event)
+  {
+    ++events;
+    std::exception_ptr first;
+    const std::size_t count = list.size();
+    for (std::size_t i = 0; i < count; ++i) {
+      try {
+        if (list[i])
+          event(*list[i]);
+      } catch (...) {
+        if (!first)
+          first = std::current_exception();
+      }
+    }
+    --events;
+    tidy();
+    if (first)
+      std::rethrow_exception(first);
+  }
+
+  void tidy()
+  {
+    if (events == 0)
+      list.erase(std::remove(list.begin(), list.end(), nullptr), list.end());
+  }
+};
+
+Listeners& listeners()
+{
+  static Listeners& instance = *new Listeners;
+  return instance;
+}
+
+} // namespace
+
+ProjectListener::ProjectListener()
+{
+  listeners().add(this);
+}
+
+ProjectListener::~ProjectListener()
+{
+  listeners().remove(this);
+}
+
+void ProjectListener::handleLogsModification(const CookieVec&) {}
+void ProjectListener::handleLogModification(const Cookie&, const EditModification&) {}
+void ProjectListener::handleLogsDeletion(const CookieVec&, LightweightString<char>) {}
+void ProjectListener::handleLogDirtied(const Cookie&) {}
+void ProjectListener::handleLogStorage(const Cookie&, bool) {}
+void ProjectListener::handleProjectEntry() {}
+void ProjectListener::handleProjectExit() {}
+
+namespace reelhost::model {
+
+void tellProjectEntry()
+{
+  listeners().tell([](ProjectListener& listener) { listener.handleProjectEntry(); });
+}
+
+void tellProjectExit()
+{
+  listeners().tell([](ProjectListener& listener) { listener.handleProjectExit(); });
+}
+
+void tellLogModification(const Cookie& log, const EditModification& modification)
+{
+  listeners().tell([&](ProjectListener& listener) { listener.handleLogModification(log, modification); });
+}
+
+void tellLogsDeletion(const CookieVec& logs)
+{
+  listeners().tell([&](ProjectListener& listener) { listener.handleLogsDeletion(logs, {}); });
+}
+
+} // namespace reelhost::model

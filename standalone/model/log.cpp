@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/log.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "model/project.h"
+
+using reelhost::StoredLog;
+using reelhost::model::Key;
+
+namespace {
+
+Zr::UUID uuidOf(const StoredLog& stored)
+{
+  Zr::UUID uuid;
+  std::copy(stored.uuid.begin(), stored.uuid.end(), uuid.bytes);
+  return uuid;
+}
+
+} // namespace
+
+Edit::Impl::Impl(reelhost::model::Project& of, StoredLog&& stored)
+    : uuid(uuidOf(stored)), tag(stored.tag), kind(stored.kind), cookie(uuid, tag, kind), words(cookie), project(of),
+      number(stored.number), block(reelhost::model::blockOf(config)), type(stored.type), imported(stored.imported),
+      entireMedium(stored.entireMedium), original(stored.type != reelhost::model::reelType),
+      name(std::move(stored.name)), videoChannels(stored.videoChannels), audioChannels(stored.audioChannels),
+      reelTypeName(stored.reelType.c_str()), rowImpl{this}, shownReelType(reelTypeName)
+{
+  edit.impl = this;
+  row.impl = &rowImpl;
+  block.assign(stored.fields);
+  block.setOwner(this);
+  if (const LightweightString<char>* const id = block.find(reelhost::model::reelIdKey()))
+    reelId = *id;
+}
+
+StoredLog Edit::Impl::toStored() const
+{
+  StoredLog stored;
+  stored.number = number;
+  std::copy(std::begin(uuid.bytes), std::end(uuid.bytes), stored.uuid.begin());
+  stored.tag = tag;
+  stored.kind = kind;
+  stored.type = type;
+  stored.imported = imported;
+  stored.entireMedium = entireMedium;
+  stored.name = name;
+  stored.videoChannels = videoChannels;
+  stored.audioChannels = audioChannels;
+  stored.reelType = reelTypeName.c_str();
+  stored.fields = block.fields();
+  return stored;
+}
+
+// The row's cell is what the type is read from; the key is there for other modules.
+void Edit::Impl::setReelType(const LightweightString<char>& typeName, bool shownAtOnce)
+{
+  project.changing(*this);
+  reelTypeName = typeName;
+  block.set("reel_type", typeName.c_str());
+  if (shownAtOnce)
+    shownReelType = typeName;
+}
+
+void Edit::Impl::configChanging()
+{
+  project.changing(*this);
+}
+
+void Edit::Impl::configChanged(Key key)
+{
+  if (key != reelhost::model::reelIdKey())
+    return;
+  reelId = *block.find(key);
+  project.reelIdChanged(*this);
+}

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// One log of the open project. It stays where it is for as long as its project lives, so that an Edit may point at it.
+#ifndef REELHOST_MODEL_LOG_H
+#define REELHOST_MODEL_LOG_H
+
+#include <optional>
+
+#include "host/edit.h"
+#include "host/projdb.h"
+#include "model/config_block.h"
+#include "model/cookie_words.h"
+#include "reelhost/store.h"
+
+namespace reelhost::model {
+
+class Project;
+using Log = Edit::Impl;
+
+constexpr int materialType = 1, reelType = 9;
+
+} // namespace reelhost::model
+
+struct dbrecord::Impl {
+  Edit::Impl* log;
+};
+
+/// The log behind an Edit.
+struct Edit::Impl final : reelhost::model::ConfigOwner {
+  Impl(reelhost::model::Project& project, reelhost::StoredLog&& stored);
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+  reelhost::StoredLog toStored() const;
+
+  void setReelType(const LightweightString<char>& name, bool shownAtOnce);
+
+  void configChanging() override;
+  void configChanged(reelhost::model::Key key) override;
+
+  Edit edit; ///< the one Edit that all openings share
+  const Zr::UUID uuid;
+  const std::uint16_t tag;
+  const char kind;
+  const Cookie cookie;
+  const reelhost::model::CookieWords words;
+  LightweightString<char> reelId; ///< attribute 20: what the block holds under "reelid", or nothing
+  reelhost::model::Project& project;
+  const std::int64_t number;
+
+  configb config;
+  reelhost::model::ConfigBlock& block; ///< what stands behind config
+
+  int type;
+  bool imported, entireMedium;
+  bool original; ///< not stored: a stored reel log was made not-original
+  std::string name;
+  int videoChannels, audioChannels;
+  LightweightString<char> reelTypeName;
+  std::optional<EditModificationType> changeDescription; ///< what the end of the modification will report
+
+  // The row.
+  dbrecord row;
+  dbrecord::Impl rowImpl;
+  LightweightString<char> shownReelType; ///< the row's "Reel Type"
+
+  // What the project keeps about the log.
+  bool isNew = false;                        ///< not in the store yet
+  bool isDirty = false;                      ///< differs from what is stored
+  bool isGone = false;                       ///< deleted; only handles that were open then still know it
+  const std::string* indexedUnder = nullptr; ///< its place in the attribute index
+};
+
+#endif

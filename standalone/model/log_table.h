@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELHOST_MODEL_LOG_TABLE_H
+#define REELHOST_MODEL_LOG_TABLE_H
+
+#include <cstddef>
+#include <vector>
+
+#include "model/log.h"
+
+namespace reelhost::model {
+
+/// Finds a log by its Cookie: one array, searched from the hash on until a free place. The library opens logs by the
+/// thousand to find one reel, and this is what an opening costs.
+class LogTable {
+public:
+  LogTable() : slots_(16), shift_(64 - 4) {}
+
+  Log* find(const CookieWords& words) const
+  {
+    for (std::size_t i = place(words);; i = next(i)) {
+      const Slot& slot = slots_[i];
+      if (!slot.log)
+        return nullptr;
+      if (slot.first == words.first && slot.second == words.second && slot.log->words.rest == words.rest)
+        return slot.log;
+    }
+  }
+
+  void insert(Log& log); ///< REQUIRES: no log of this Cookie is in the table
+  void erase(const Log& log);
+
+private:
+  struct Slot {
+    std::uint64_t first = 0, second = 0;
+    Log* log = nullptr; ///< null: the place is free
+  };
+
+  /// Names of logs differ in their last digits only. The multiplications carry that difference upwards, so the place is
+  /// made of the uppermost bits.
+  std::size_t place(const CookieWords& words) const
+  {
+    const std::uint64_t sum = (words.second ^ (words.second >> 32)) * 0x9e3779b97f4a7c15u + words.first;
+    return static_cast<std::size_t>(((sum ^ (sum >> 32)) * 0xff51afd7ed558ccdu) >> shift_);
+  }
+  std::size_t next(std::size_t i) const { return (i + 1) & (slots_.size() - 1); }
+  void put(Log& log);
+
+  std::vector<Slot> slots_; ///< a power of two, at most half of them taken
+  unsigned shift_;          ///< 64 less its exponent
+  std::size_t count_ = 0;
+};
+
+} // namespace reelhost::model
+
+#endif

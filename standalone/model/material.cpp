@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <string>
+#include <utility>
+
+#include "model/listeners.h"
+#include "model/log.h"
+#include "model/project.h"
+#include "reelhost/host.h"
+
+namespace reelhost {
+
+using model::Log;
+using model::Project;
+
+namespace {
+
+// The keys under which a clip's texts are kept in its log.
+constexpr std::pair<const char*, std::string Material::*> textKeys[] = {
+    {"reelid", &Material::reel},          {"source_file", &Material::sourceFile}, {"source_in", &Material::sourceIn},
+    {"source_out", &Material::sourceOut}, {"record_in", &Material::recordIn},     {"record_out", &Material::recordOut},
+    {"tracks", &Material::tracks},        {"aliases", &Material::aliases},
+};
+
+constexpr EditModificationType imported{59};
+
+} // namespace
+
+Cookie importMaterial(const Material& material)
+{
+  Project& project = model::requireProject("import");
+  StoredLog log;
+  log.type = model::materialType;
+  log.imported = true;
+  log.name = material.name;
+  log.videoChannels = material.videoChannels;
+  log.audioChannels = material.audioChannels;
+  for (const auto& [key, member] : textKeys)
+    if (const std::string& text = material.*member; !text.empty())
+      log.fields.emplace_back(key, text);
+  const Cookie cookie = project.create(std::move(log)).cookie;
+  model::tellLogModification(cookie, EditModification(imported));
+  return cookie;
+}
+
+Material materialOf(const Cookie& cookie)
+{
+  Material material;
+  const Log* const log = model::openedProject ? model::openedProject->find(cookie) : nullptr;
+  if (!log)
+    return material;
+  material.name = log->name;
+  material.videoChannels = log->videoChannels;
+  material.audioChannels = log->audioChannels;
+  for (const auto& [key, member] : textKeys)
+    if (const LightweightString<char>* const text = log->block.find(key))
+      material.*member = text->c_str();
+  return material;
+}
+
+CookieVec allShots()
+{
+  CookieVec shots;
+  if (model::openedProject)
+    for (const Log* log : model::openedProject->others())
+      shots.add(log->cookie);
+  return shots;
+}
+
+std::unordered_map<std::string, std::int64_t> shotCounts()
+{
+  return model::openedProject ? model::openedProject->countOthersByReelId()
+                              : std::unordered_map<std::string, std::int64_t>();
+}
+
+Cookie addLog(const StoredLog& log)
+{
+  return model::requireProject("new log").create(StoredLog(log)).cookie;
+}
+
+} // namespace reelhost

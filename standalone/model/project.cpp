@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/project.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+#include <utility>
+
+namespace reelhost::model {
+
+namespace {
+
+constexpr std::size_t prefixLength = 8, numberLength = 8; // together the sixteen bytes of a UUID
+constexpr std::int64_t lastNumber = 99'999'999;
+
+/// Eight characters that say of which project a log is, so that logs of two projects are hardly ever named alike.
+std::string prefixFor(const std::array<unsigned char, 16>& project)
+{
+  std::uint64_t hash = 0xcbf29ce484222325u;
+  for (const unsigned char byte : project)
+    hash = (hash ^ byte) * 0x100000001b3u;
+  std::string prefix;
+  for (std::size_t i = 0; i < prefixLength; ++i)
+    prefix += "ABCDEFGHIJKLMNOPQRSTUVWXYZ234567"[(hash >> (64 - 5 * (i + 1))) & 31];
+  return prefix;
+}
+
+bool byNumber(const Log* a, const Log* b)
+{
+  return a->number < b->number;
+}
+
+} // namespace
+
+Project* openedProject = nullptr;
+
+Project& requireProject(const char* wanted)
+{
+  if (!openedProject)
+    throw Error(ErrorKind::Refused, std::string(wanted) + ": no project is open");
+  return *openedProject;
+}
+
+std::string fileNameOf(const Log& log)
+{
+  char name[32];
+  std::snprintf(name, sizeof name, "E%07" PRId64, log.number);
+  return name;
+}
+
+Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
+    : store_(std::move(store)), access_(access)
+{
+  store_->begin(beginWith, patience());
+  use_ = beginWith == Access::Write ? Use::Write : Use::Read;
+  try {
+    info_ = store_->info();
+    Zr::UUID uuid;
+    std::copy(info_.uuid.begin(), info_.uuid.end(), uuid.bytes);
+    cookie_ = Cookie(uuid, 0, 'P');
+    logPrefix_ = prefixFor(info_.uuid);
+    nextNumber_ = store_->nextNumber();
+    blockOf(options_).assign(store_->options());
+    blockOf(options_).setOwner(&optionsOwner_);
+    store_->readReels([this](StoredLog&& log) { read(std::move(log)); });
+  } catch (...) {
+    letGo();
+    throw;
+  }
+}
+
+Project::~Project()
+{
+  close();
+}
+
+void Project::close() noexcept
+{
+  if (std::exchange(isClosed_, true))
+    return;
+  letGo();
+  store_.reset();
+}
+
+// --- The use of the store
+// ----------------------------------------------------------------------------------------------------------------
+
+void Project::letGo() noexcept
+{
+  if (std::exchange(use_, Use::None) != Use::None)
+    store_->end();
+}
+
+void Project::use(Access needed)
+{
+  if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
+    return;
+  if (changedElsewhere())
+    throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it anew)");
+  letGo();
+  store_->begin(needed, patience());
+  use_ = needed == Access::Write ? Use::Write : Use::Read;
+}
+
+// A project that is only read may be changed in memory: that is how a change is tried out.
+void Project::useForChange()
+{
+  if (access_ == Access::Write)
+    use(Access::Write);
+}
+
+bool Project::changedElsewhere()
+{
+  if (!isClosed_ && !isStale_)
+    isStale_ = store_->changedElsewhere();
+  return isStale_;
+}
+
+// Everything is read first: what is asked later must not come from another state of the project.
+void Project::idle()
+{
+  loadOthers();
+  letGo();
+}
+
+// --- Reading
+// ----------------------------------------------------------------------------------------------------------------
+
+Log& Project::add(StoredLog&& stored)
+{
+  Log& log = logs_.emplace_back(*this, std::move(stored));
+  table_.insert(log);
+  if (log.type == reelType)
+    joinReels(log);
+  if (index_)
+    index_->refresh(log);
+  return log;
+}
+
+// A log that was stored since the project was opened is in memory already, and one that is to go must not come back.
+void Project::read(StoredLog&& stored)
+{
+  Zr::UUID uuid;
+  std::copy(stored.uuid.begin(), stored.uuid.end(), uuid.bytes);
+  if (table_.find(CookieWords(Cookie(uuid, stored.tag, stored.kind))))
+    return;
+  if (deleted_.count(stored.number))
+    return;
+  add(std::move(stored));
+}
+
+void Project::loadOthers()
+{
+  if (othersLoaded_ || isClosed_)
+    return;
+  use(Access::Read);
+  store_->readOthers([this](StoredLog&& log) { read(std::move(log)); });
+  othersLoaded_ = true;
+}
+
+Log* Project::findAmongOthers(const Cookie& cookie)
+{
+  if (othersLoaded_ || !cookie.valid())
+    return nullptr;
+  loadOthers();
+  return table_.find(CookieWords(cookie));
+}
+
+// A new reel is almost always the last. In all other cases the list is made anew when it is next asked for.
+void Project::joinReels(const Log& log)
+{
+  if (reelsReady_ && log.number > lastReel_) {
+    reels_.add(log.cookie);
+    lastReel_ = log.number;
+  } else {
+    reelsReady_ = false;
+  }
+}
+
+const CookieVec& Project::reels()
+{
+  if (!reelsReady_) {
+    std::vector<const Log*> logs;
+    for (const Log& log : logs_)
+      if (log.type == reelType && !log.isGone)
+        logs.push_back(&log);
+    std::sort(logs.begin(), logs.end(), byNumber);
+    reels_ = CookieVec();
+    lastReel_ = 0;
+    reelsReady_ = true;
+    for (const Log* log : logs)
+      joinReels(*log);
+  }
+  return reels_;
+}
+
+std::vector<Log*> Project::others()
+{
+  loadOthers();
+  std::vector<Log*> logs;
+  for (Log& log : logs_)
+    if (log.type != reelType && !log.isGone)
+      logs.push_back(&log);
+  std::sort(logs.begin(), logs.end(), byNumber);
+  return logs;
+}
+
+CookieVec Project::othersWithReelId(std::string_view id)
+{
+  if (!index_) {
+    loadOthers();
+    index_.emplace();
+    for (Log& log : logs_)
+      index_->refresh(log);
+  }
+  CookieVec cookies;
+  for (const Log* log : index_->find(id))
+    cookies.add(log->cookie);
+  return cookies;
+}
+
+std::unordered_map<std::string, std::int64_t> Project::countOthersByReelId()
+{
+  std::unordered_map<std::string, std::int64_t> counts;
+  if (!othersLoaded_ && !hasChanges()) {
+    use(Access::Read);
+    for (auto& [id, count] : store_->countOthersByReel())
+      counts.emplace(std::move(id), count);
+  } else {
+    for (const Log* log : others())
+      if (!log->reelId.empty())
+        ++counts[folded(log->reelId.c_str())];
+  }
+  return counts;
+}
+
+// --- Changing
+// ----------------------------------------------------------------------------------------------------------------
+
+Log& Project::create(StoredLog&& stored)
+{
+  useForChange();
+  if (nextNumber_ > lastNumber)
+    throw Error(ErrorKind::Refused, subject() + ": no number is left for another log");
+  char digits[numberLength + 1];
+  std::snprintf(digits, sizeof digits, "%08d", static_cast<int>(nextNumber_));
+  const std::string name = logPrefix_ + digits;
+  std::copy(name.begin(), name.end(), stored.uuid.begin());
+  stored.tag = 0;
+  stored.kind = 'E';
+  stored.number = nextNumber_++;
+  Log& log = add(std::move(stored));
+  changing(log);
+  return log;
+}
+
+void Project::changing(Log& log)
+{
+  if (isClosed_ || log.isGone || log.isDirty)
+    return;
+  useForChange();
+  dirty_.push_back(&log);
+  log.isDirty = true;
+}
+
+void Project::reelIdChanged(Log& log)
+{
+  if (index_)
+    index_->refresh(log);
+}
+
+void Project::typeChanged(Log& log)
+{
+  if (log.type == reelType)
+    joinReels(log);
+  else
+    reelsReady_ = false;
+  if (index_)
+    index_->refresh(log);
+}
+
+CookieVec Project::erase(const CookieVec& cookies)
+{
+  useForChange();
+  CookieVec gone;
+  for (const Cookie& cookie : cookies) {
+    Log* const log = find(cookie);
+    if (!log)
+      continue;
+    gone.add(cookie);
+    deleted_.insert(log->number);
+    table_.erase(*log);
+    log->isGone = true;
+    if (index_)
+      index_->take(*log);
+    if (log->type == reelType)
+      reelsReady_ = false;
+  }
+  return gone;
+}
+
+// The store lets the last deletion come back before it puts anything into the bin.
+int Project::undelete()
+{
+  if (!deleted_.empty() || undelete_ || compact_)
+    throw Error(ErrorKind::Refused,
+                subject() + ": cannot undelete (what was deleted or brought back is not stored yet)");
+  useForChange();
+  use(Access::Read);
+  int count = 0;
+  store_->readLastDeletion([&](StoredLog&& log) {
+    read(std::move(log));
+    ++count;
+  });
+  undelete_ = count != 0;
+  return count;
+}
+
+int Project::compact()
+{
+  if (!deleted_.empty() || undelete_ || compact_)
+    throw Error(ErrorKind::Refused,
+                subject() + ": cannot empty the bin (what was deleted or brought back is not stored yet)");
+  useForChange();
+  use(Access::Read);
+  const std::int64_t count = store_->binCount();
+  compact_ = count != 0;
+  return static_cast<int>(count);
+}
+
+void Project::OptionsOwner::configChanging()
+{
+  if (!project_.isClosed_)
+    project_.useForChange();
+}
+
+void Project::OptionsOwner::configChanged(Key key)
+{
+  std::vector<Key>& changed = project_.changedOptions_;
+  if (std::find(changed.begin(), changed.end(), key) == changed.end())
+    changed.push_back(key);
+}
+
+// --- Storing
+// ----------------------------------------------------------------------------------------------------------------
+
+bool Project::hasChanges() const
+{
+  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || undelete_ || compact_;
+}
+
+Changes Project::collect() const
+{
+  Changes changes;
+  std::vector<const Log*> logs(dirty_.begin(), dirty_.end());
+  std::sort(logs.begin(), logs.end(), byNumber);
+  for (const Log* log : logs)
+    changes.logs.push_back(log->toStored());
+  changes.deleted.assign(deleted_.begin(), deleted_.end());
+  changes.undelete = undelete_;
+  changes.compact = compact_;
+  for (const Key key : changedOptions_)
+    changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
+  return changes;
+}
+
+void Project::forgetChanges()
+{
+  for (Log* log : dirty_)
+    log->isDirty = false;
+  dirty_.clear();
+  changedOptions_.clear();
+  deleted_.clear();
+  undelete_ = compact_ = false;
+}
+
+bool Project::commit()
+{
+  if (!hasChanges()) {
+    if (use_ == Use::Write)
+      letGo();
+    return false;
+  }
+  if (access_ == Access::Read)
+    throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
+  use(Access::Write);
+  const Changes changes = collect();
+  use_ = Use::None; // the store ends the use, whatever comes of it
+  store_->commit(changes);
+  forgetChanges();
+  return true;
+}
+
+} // namespace reelhost::model

@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The open project: its logs in memory, what was changed since it was stored, and the use of the store beneath.
+#ifndef REELHOST_MODEL_PROJECT_H
+#define REELHOST_MODEL_PROJECT_H
+
+#include <cstdint>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "host/cookie.h"
+#include "model/attribute_index.h"
+#include "model/config_block.h"
+#include "model/log.h"
+#include "model/log_table.h"
+#include "reelhost/store.h"
+
+namespace reelhost::model {
+
+/// Reel logs are read when the project is opened; all others at the first question that they could answer.
+///
+/// Reading goes on in one use of the store for as long as it can. After a commit, or after idle, a use begins anew:
+/// then nobody else may have committed meanwhile, or what is in memory would no longer be what is stored.
+class Project {
+public:
+  /// Reads the project, beginning the store's use with @p beginWith, which is at most @p access. Throws Error.
+  Project(std::shared_ptr<Store> store, Access access, Access beginWith);
+  ~Project();
+  Project(const Project&) = delete;
+  Project& operator=(const Project&) = delete;
+  /// Ends the use of the store for good. Handles on logs stay good as long as the Project; changes to them are lost.
+  void close() noexcept;
+
+  const std::shared_ptr<Store>& store() const { return store_; }
+  Access access() const { return access_; }
+  const ProjectInfo& info() const { return info_; }
+  const Cookie& cookie() const { return cookie_; }
+  configb& options() { return options_; }
+
+  // --- Finding
+  Log* find(const Cookie& cookie) ///< null when there is no such log
+  {
+    Log* const log = table_.find(CookieWords(cookie));
+    return log ? log : findAmongOthers(cookie);
+  }
+  const CookieVec& reels();                        ///< all reel logs by number
+  std::vector<Log*> others();                      ///< all other logs by number
+  CookieVec othersWithReelId(std::string_view id); ///< those with this identifier, in any ASCII case
+  std::unordered_map<std::string, std::int64_t> countOthersByReelId();
+
+  // --- Changing. Each throws Error when another process keeps the project or has changed it.
+  Log& create(StoredLog&& log);           ///< number and Cookie are given here
+  void changing(Log& log);                ///< to be called before a change that is to be stored
+  void reelIdChanged(Log& log);           ///< to be called after the change
+  void typeChanged(Log& log);             ///< likewise
+  CookieVec erase(const CookieVec& logs); ///< answers those that there were
+  int undelete();
+  int compact();
+
+  // --- Storing
+  bool hasChanges() const;
+  bool commit(); ///< whether anything was stored
+  void idle();
+  void letGo() noexcept;   ///< ends the use of the store for now
+  bool changedElsewhere(); ///< stays true until the project is read anew
+
+private:
+  enum class Use { None, Read, Write };
+
+  class OptionsOwner final : public ConfigOwner {
+  public:
+    explicit OptionsOwner(Project& project) : project_(project) {}
+    void configChanging() override;
+    void configChanged(Key key) override;
+
+  private:
+    Project& project_;
+  };
+
+  void use(Access needed);
+  void useForChange();
+  Log& add(StoredLog&& log);
+  void read(StoredLog&& log);
+  void joinReels(const Log& log);
+  void loadOthers();
+  Log* findAmongOthers(const Cookie& cookie);
+  Changes collect() const;
+  void forgetChanges();
+  std::string subject() const { return store_->subject(); }
+
+  std::shared_ptr<Store> store_;
+  const Access access_;
+  Use use_ = Use::None;
+  bool isClosed_ = false, isStale_ = false;
+
+  ProjectInfo info_;
+  Cookie cookie_;
+  std::string logPrefix_; ///< what the names of the project's logs begin with
+  std::int64_t nextNumber_ = 1;
+  configb options_;
+  OptionsOwner optionsOwner_{*this};
+
+  std::deque<Log> logs_; ///< a log never moves and stays until the project ends
+  LogTable table_;
+  bool othersLoaded_ = false;
+  CookieVec reels_;
+  std::int64_t lastReel_ = 0; ///< number of the last log in reels_
+  bool reelsReady_ = true;
+  std::optional<AttributeIndex> index_; ///< from the first attribute search on
+
+  std::vector<Log*> dirty_;
+  std::vector<Key> changedOptions_;
+  std::set<std::int64_t> deleted_;
+  bool undelete_ = false, compact_ = false;
+};
+
+/// The project that is open; null without one.
+extern Project* openedProject;
+
+/// The project that is open. Throws Error (Refused); @p wanted says what for.
+Project& requireProject(const char* wanted);
+
+/// How long a use of the store waits for another process.
+std::chrono::milliseconds patience();
+
+/// "E" and the number, with at least seven digits: what the host calls the file of a log.
+std::string fileNameOf(const Log& log);
+
+} // namespace reelhost::model
+
+#endif

@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/settings.h"
+
+#include <cstdlib>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "host/config.h"
+#include "host/text.h"
+#include "journal/host_call.h"
+#include "reelhost/host.h"
+
+using reelhost::describeAll;
+using reelhost::hostCall;
+using reelhost::noArguments;
+
+namespace reelhost {
+
+namespace {
+
+/// Where settings come from. The library asks while it is loaded, before any constructor of the program has run.
+struct Source {
+  std::filesystem::path directory; ///< that the environment names; empty without one
+  std::optional<Facility> facility;
+  std::optional<Error> error;                      ///< why there is none
+
+  Source()
+  {
+    const char* const named = std::getenv("REELDB_FACILITY");
+    if (!named || !*named)
+      return;
+    directory = named;
+    try {
+      facility = Facility::read(directory);
+    } catch (const Error& e) {
+      error = e;
+    } catch (const std::exception& e) {
+      error = Error(ErrorKind::Unreadable, directory.string() + ": cannot be read (" + e.what() + ")");
+    }
+  }
+};
+
+Source& source()
+{
+  static Source& instance = *new Source;
+  return instance;
+}
+
+} // namespace
+
+Facility& facility()
+{
+  if (source().error)
+    throw *source().error;
+  return model::facilityOrNone();
+}
+
+void useFacility(Facility facility)
+{
+  Source& s = source();
+  s.directory = facility.directory();
+  s.facility = std::move(facility);
+  s.error.reset();
+}
+
+Facility& model::facilityOrNone()
+{
+  Source& s = source();
+  if (!s.facility && !s.error)
+    s.facility.emplace();
+  static Facility& none = *new Facility;
+  return s.facility ? *s.facility : none;
+}
+
+void model::setLastReel(unsigned deviceId, const std::string& reel)
+{
+  Facility& facility = facilityOrNone();
+  for (DeviceSettings& device : facility.devices()) {
+    if (deviceId == 0 || device.id != deviceId)
+      continue;
+    device.lastReel = reel;
+    facility.setLastReel(deviceId, reel);
+  }
+}
+
+} // namespace reelhost
+
+namespace {
+
+/// A text that stays until the process ends.
+const char* kept(const std::string& text)
+{
+  static auto& texts = *new std::set<std::string>;
+  return texts.insert(text).first->c_str();
+}
+
+// No file can lie below a device, so a type file in the working directory is never taken for the facility's.
+constexpr wchar_t nowhere[] = L"/dev/null/";
+
+LightweightString<wchar_t> deviceDataDirectory()
+{
+  const std::filesystem::path& directory = reelhost::source().directory;
+  if (directory.empty())
+    return nowhere;
+  const reelhost::Facility& facility = reelhost::model::facilityOrNone();
+  const std::filesystem::path folder =
+      facility.directory().empty() ? directory / "devicedata" / "" : facility.deviceDataDirectory();
+  return fromUTF8(folder.c_str());
+}
+
+} // namespace
+
+const char* config_string(const char* key, const char* defaultValue)
+{
+  return hostCall(
+      "config_string", [&] { return describeAll(key, defaultValue); },
+      [&] {
+        const auto text = reelhost::model::facilityOrNone().configString(key ? key : "");
+        return text ? kept(*text) : defaultValue;
+      });
+}
+
+LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
+{
+  return hostCall(
+      "getDeviceDataDirectory", [&] { return describeAll(type); }, deviceDataDirectory);
+}
+
+SystemCfg& SystemCfg::theConfig()
+{
+  static SystemCfg config;
+  hostCall("SystemCfg::theConfig", noArguments, [] {});
+  return config;
+}
+
+LightweightString<char> SystemCfg::get(const LightweightString<char>& key) const
+{
+  return hostCall(
+      "SystemCfg::get", [&] { return describeAll(key); },
+      [&] { return LightweightString<char>(reelhost::model::facilityOrNone().systemValue(key.c_str()).c_str()); });
+}
+
+void SystemCfg::set(const LightweightString<char>& key, const LightweightString<char>& value)
+{
+  hostCall(
+      "SystemCfg::set", [&] { return describeAll(key, value); },
+      [&] { reelhost::model::facilityOrNone().setSystemValue(key.c_str(), value.c_str()); });
+}

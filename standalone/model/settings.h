@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELHOST_MODEL_SETTINGS_H
+#define REELHOST_MODEL_SETTINGS_H
+
+#include "reelhost/facility.h"
+
+namespace reelhost::model {
+
+/// The facility of the process; one without devices and settings when there is none or it cannot be read. Never throws
+/// for a bad facility, so it may be called while libraries are loaded.
+Facility& facilityOrNone();
+
+/// Gives a device its last reel, which counts at once and is stored with the next commit. An unknown device is ignored.
+void setLastReel(unsigned deviceId, const std::string& reel);
+
+
+} // namespace reelhost::model
+
+#endif

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELHOST_MODEL_THREAD_NUMBERS_H
+#define REELHOST_MODEL_THREAD_NUMBERS_H
+
+#include <atomic>
+#include <cstdint>
+#include <limits>
+
+namespace reelhost::model {
+
+/// Gives out thread numbers: 1, 2, 3, ... The library looks at the low 16 bits only, so all threads beyond the last
+/// number share it: none of them is ever taken for the main thread.
+class ThreadNumbers {
+public:
+  static constexpr int last = std::numeric_limits<std::uint16_t>::max();
+
+  int next()
+  {
+    int before = given_.load(std::memory_order_relaxed);
+    while (before < last && !given_.compare_exchange_weak(before, before + 1, std::memory_order_relaxed)) {
+    }
+    return before < last ? before + 1 : last;
+  }
+
+private:
+  std::atomic<int> given_ = 0;
+};
+
+} // namespace reelhost::model
+
+#endif

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/project_file.h"
+
+#include <cerrno>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "store/files.h"
+
+namespace reelhost {
+
+namespace {
+
+std::string messageOf(int error)
+{
+  return std::generic_category().message(error);
+}
+
+/// Why @p path cannot be written; empty when it can. A mode without any write bit counts for root as well: whoever set
+/// it meant it.
+std::string whyNotWritable(const std::string& path, unsigned mode, const char* withoutWriteBit)
+{
+  if ((mode & 0222) == 0)
+    return withoutWriteBit;
+  if (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+    return messageOf(errno);
+  return {};
+}
+
+/// Looks at a file that SQLite keeps beside the project; answers whether it is there.
+bool inspectCompanion(const std::filesystem::path& subject, const std::string& path, struct stat& status)
+{
+  if (::lstat(path.c_str(), &status) != 0)
+    return false;
+  // A link in its place would have SQLite write to somewhere else.
+  if (!S_ISREG(status.st_mode))
+    throw Error(ErrorKind::Unreadable, printable(subject.native()) + ": damaged (" + printable(path) + " is " +
+                                           kindOfFile(status.st_mode) + ")");
+  return true;
+}
+
+} // namespace
+
+ProjectFile inspectProjectFile(const std::filesystem::path& path)
+{
+  struct stat status = {};
+  if (::stat(path.c_str(), &status) != 0) {
+    if (errno == ENOENT || errno == ENOTDIR)
+      throw Error(ErrorKind::NotFound, printable(path.native()) + ": no such project");
+    throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+  }
+  if (!S_ISREG(status.st_mode))
+    throw Error(ErrorKind::Unreadable, printable(path.native()) + ": no project (" + kindOfFile(status.st_mode) + ")");
+  if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
+    throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+
+  ProjectFile file;
+  std::error_code error;
+  file.path = std::filesystem::canonical(path, error).native();
+  if (error)
+    throwSystemError(ErrorKind::Io, path, "cannot be opened", error.value());
+  if (file.path.size() > longestProjectPath)
+    throw Error(ErrorKind::Io, printable(path.native()) + ": cannot be opened (its full path is longer than " +
+                                   std::to_string(longestProjectPath) + " bytes)");
+  file.size = static_cast<std::uintmax_t>(status.st_size);
+  file.modified = static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
+
+  file.whyNot = whyNotWritable(file.path, status.st_mode, "its mode allows no writing");
+  if (file.whyNot.empty()) {
+    const std::string folder = folderOf(file.path).native();
+    struct stat folderStatus = {};
+    if (::stat(folder.c_str(), &folderStatus) != 0)
+      throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+    file.whyNot = whyNotWritable(folder, folderStatus.st_mode, "the mode of its folder allows no writing");
+  }
+  file.writable = file.whyNot.empty();
+
+  struct stat beside = {};
+  inspectCompanion(path, file.path + "-journal", beside);
+  file.hasLogIndex = inspectCompanion(path, file.path + "-shm", beside);
+  if (inspectCompanion(path, file.path + "-wal", beside))
+    file.logSize = static_cast<std::uintmax_t>(beside.st_size);
+  return file;
+}
+
+} // namespace reelhost

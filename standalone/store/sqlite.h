@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// SQLite behind three small classes. The only file that sees SQLite's own header is sqlite.cpp. One connection and its
+// statements belong to one thread.
+#ifndef REELDB_STORE_SQLITE_H
+#define REELDB_STORE_SQLITE_H
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace reelhost::sqlite {
+
+/// What a caller has to tell apart.
+enum class Cause {
+  Busy,       ///< a lock is held by somebody else
+  Damaged,    ///< no database, malformed, or without the tables and columns that belong there
+  ReadOnly,   ///< it cannot be written
+  CannotOpen, ///< it, or a file that goes with it, cannot be opened
+  Constraint, ///< a value that the schema forbids
+  Other,      ///< the system refused a read or a write, the disk is full, memory is short
+};
+
+/// A call of SQLite that failed; what() is SQLite's own text, followed by the system's where it has one.
+class Failure : public std::runtime_error {
+public:
+  Failure(Cause cause, const std::string& text) : std::runtime_error(text), cause_(cause) {}
+  Cause cause() const { return cause_; }
+
+private:
+  Cause cause_;
+};
+
+/// A connection. It distrusts the schema of the file: triggers, views and unsafe functions in it do nothing.
+class Database {
+public:
+  enum class Mode {
+    ReadWrite,
+    ReadOnly,  ///< the file itself is never written; locks and the write-ahead log are shared as usual
+    Immutable, ///< the file as it lies: no locks, no write-ahead log
+    Alone,     ///< the file and its write-ahead log, without any lock and without the index file of the log
+  };
+
+  /// Opens the existing file @p absolutePath; reads nothing that takes a lock.
+  Database(const std::string& absolutePath, Mode mode);
+
+  void execute(const char* sql);         ///< runs the statements; rows are dropped
+  std::int64_t integer(const char* sql); ///< first column of the first row; 0 when there is no row
+  std::string text(const char* sql);     ///< likewise
+  std::string readStart(int bytes);      ///< the first bytes of the file as they lie, fewer when it is shorter
+  std::int64_t fileSize();
+  void setPatience(std::chrono::milliseconds patience); ///< how long a lock is waited for
+  /// Whether the last connection that closes leaves the write-ahead log where it is. As opened: no.
+  void keepLogOnClose(bool keep);
+  bool moved();           ///< whether the path no longer leads to the file that was opened
+  bool inTransaction();   ///< whether a transaction is open
+  std::int64_t changes(); ///< rows changed by the last INSERT, UPDATE or DELETE
+  sqlite3* handle() const { return handle_.get(); }
+
+private:
+  struct Closer {
+    void operator()(sqlite3*) const;
+  };
+  std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+/// A prepared statement. Texts may hold any bytes; they are stored and answered as they are.
+class Statement {
+public:
+  Statement(Database& database, std::string_view sql);
+
+  // The text or blob must stay where it is until the next reset or bind.
+  Statement& bind(int parameter, std::string_view text);
+  Statement& bind(int parameter, std::string&&) = delete; ///< would be gone before the statement runs
+  Statement& bind(int parameter, const char* text) { return bind(parameter, std::string_view(text)); }
+  Statement& bind(int parameter, std::int64_t value);
+  Statement& bind(int parameter, int value) { return bind(parameter, static_cast<std::int64_t>(value)); }
+  Statement& bind(int parameter, bool) = delete;
+  Statement& bindBlob(int parameter, const void* bytes, std::size_t size);
+  Statement& bindNull(int parameter);
+
+  bool step();  ///< whether there is a row
+  void reset(); ///< ready to run again; the parameters stay bound
+  void run()    ///< runs to the end and resets
+  {
+    while (step()) {
+    }
+    reset();
+  }
+
+  bool isNull(int column) const;
+  std::int64_t integer(int column) const;
+  std::string_view text(int column) const; ///< valid until the next step or reset
+
+private:
+  struct Finalizer {
+    void operator()(sqlite3_stmt*) const;
+  };
+  sqlite3* database_;
+  std::unique_ptr<sqlite3_stmt, Finalizer> handle_;
+};
+
+} // namespace reelhost::sqlite
+
+#endif

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The tables of a project file and how they came to be what they are.
+#ifndef REELDB_STORE_SQLITE_SCHEMA_H
+#define REELDB_STORE_SQLITE_SCHEMA_H
+
+#include <string_view>
+#include <vector>
+
+#include "store/sqlite.h"
+
+namespace reelhost {
+
+/// In bytes 68 to 71 of every project file ("REEL"). Never changes.
+constexpr std::int64_t projectApplicationId = 0x5245454C;
+
+/// Step n (from 0) brings a file of version n to version n + 1. A step that was released is never edited: files of that
+/// version exist. A change of the tables is one more step at the end.
+using SchemaSteps = std::vector<const char*>;
+
+/// The steps of this program; their count is the version it reads and writes.
+const SchemaSteps& schemaSteps();
+
+/// Brings the tables from their version to the last one, one step at a time. REQUIRES: a transaction that writes.
+void bringUpToDate(sqlite::Database& database, const SchemaSteps& steps);
+
+/// What the first 100 bytes of a file say.
+struct FileStart {
+  bool isSqlite = false;
+  std::int64_t applicationId = 0;
+  std::int64_t version = 0;
+  std::int64_t bytes = 0; ///< size of the whole file; 0 when the writer did not keep it
+};
+FileStart readFileStart(std::string_view start);
+
+} // namespace reelhost
+
+#endif
