@@ -149,7 +149,7 @@ void Reader::setting(std::string_view key, std::string_view value)
   if (sameName(key, "TAPE"))
     tape_ = clean(value);
   if (sameName(key, "FIELD_DELIM") && !sameName(trim(value), "TABS"))
-    throw Error("log file with the field delimiter '" + clean(value) + "' (only TABS is understood)");
+    throw Error("log file with the field delimiter " + inQuotes(trim(value)) + " (only TABS is understood)");
 }
 
 void Reader::titles(std::string_view line)
@@ -176,9 +176,8 @@ std::string Reader::timecodeCellFault(Column column, std::string_view cell)
   if (cell.empty())
     return {};
   const std::string fault = timecodeFault(cell);
-  return fault.empty()
-             ? fault
-             : std::string(kTitles[column]) + " '" + clean(cell.substr(0, 40)) + "' is no timecode (" + fault + ")";
+  return fault.empty() ? fault
+                       : std::string(kTitles[column]) + " " + inQuotes(cell) + " is no timecode (" + fault + ")";
 }
 
 void Reader::row(int number, std::string_view line)

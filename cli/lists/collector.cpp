@@ -13,17 +13,6 @@ namespace {
 /// A rejected line is shown, not kept: this much of it.
 constexpr std::size_t kShownBytes = 1000;
 
-std::string shown(std::string_view line)
-{
-  line = trim(line);
-  if (line.size() <= kShownBytes)
-    return clean(line);
-  std::size_t end = kShownBytes;
-  while ((static_cast<unsigned char>(line[end]) & 0xC0) == 0x80)
-    --end;
-  return clean(line.substr(0, end)) + "...";
-}
-
 /// Keeps what is another name for the reel, each once.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
 {
@@ -82,7 +71,7 @@ void Collector::special(std::string_view text, std::string_view reason, int line
 
 void Collector::reject(int line, std::string_view text, std::string reason)
 {
-  list_.rejected.push_back({line, shown(text), std::move(reason)});
+  list_.rejected.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
 }
 
 const std::string& Collector::spelling(const std::string& reel) const

@@ -70,7 +70,7 @@ private:
   void closeEvent();
 
   void decide(const EventSource& source, Digits digits);
-  Known& known(const std::string& reel);
+  Known& lookUp(const std::string& reel);
   void reportAmbiguous(Known& known, const std::string& reel);
   void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
   void reportSharedNames();
@@ -220,7 +220,7 @@ void Reader::closeEvent()
     sources_.push_back(std::move(source));
 }
 
-Known& Reader::known(const std::string& reel)
+Known& Reader::lookUp(const std::string& reel)
 {
   const auto [entry, isNew] = known_.try_emplace(fold(reel));
   Known& known = entry->second;
@@ -259,12 +259,13 @@ void Reader::decide(const EventSource& source, Digits digits)
     collector_.special(reel, reason, source.line);
     return;
   }
-  Known& known = this->known(reel);
+  Known& known = lookUp(reel);
   Clip clip;
-  clip.reel = !known.identifier.empty() ? known.identifier
-              : known.settled           ? reel
-              : source.reelNote.empty() ? reel
-                                        : source.reelNote;
+  clip.reel = reel;
+  if (!known.identifier.empty())
+    clip.reel = known.identifier;
+  else if (!known.settled && !source.reelNote.empty())
+    clip.reel = source.reelNote;
   const bool auxiliary = isAuxiliary(clip.reel);
   if (auxiliary) {
     clip.reel = source.sourceFile.empty() ? source.clipName : source.sourceFile;

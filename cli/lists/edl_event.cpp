@@ -203,7 +203,7 @@ bool EdlEvent::takes(const EventLine& fields) const
   if (fields.transition != Transition::Cut)
     return true;
   const EventLine& above = sources_.back().fields;
-  return !noteSinceLine_ && above.transition == Transition::Cut && sameName(above.reel, fields.reel) &&
+  return !noted_ && above.transition == Transition::Cut && sameName(above.reel, fields.reel) &&
          above.timecodes[2] == fields.timecodes[2];
 }
 
@@ -214,12 +214,11 @@ void EdlEvent::add(int line, std::string_view text, const EventLine& fields)
   source.text = text;
   source.fields = fields;
   sources_.push_back(std::move(source));
-  noteSinceLine_ = false;
 }
 
 void EdlEvent::note(Note note)
 {
-  noteSinceLine_ = true;
+  noted_ = true;
   if (note.kind != NoteKind::Other)
     notes_.push_back(std::move(note));
 }
@@ -254,7 +253,7 @@ std::vector<EventSource> EdlEvent::finish()
     }
   }
   notes_.clear();
-  noteSinceLine_ = false;
+  noted_ = false;
   return std::exchange(sources_, {});
 }
 

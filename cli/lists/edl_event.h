@@ -47,7 +47,7 @@ public:
 private:
   std::vector<EventSource> sources_;
   std::vector<Note> notes_;
-  bool noteSinceLine_ = false;
+  bool noted_ = false; ///< a note of any kind came
 };
 
 } // namespace reeldb::lists

@@ -14,20 +14,6 @@ namespace {
 
 constexpr std::array<std::string_view, 4> kTimecodeNames = {"source in", "source out", "record in", "record out"};
 
-/// A word of the line in a reason: clean, and short whatever the line holds.
-std::string quoted(std::string_view word)
-{
-  constexpr std::size_t kShown = 40;
-  std::string text = clean(word);
-  if (length(text) > kShown) {
-    std::size_t end = kShown;
-    while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
-      --end;
-    text = text.substr(0, end) + "...";
-  }
-  return "'" + text + "'";
-}
-
 bool allDigits(std::string_view text)
 {
   return !text.empty() && std::all_of(text.begin(), text.end(), isDigit);
@@ -123,7 +109,7 @@ std::string fieldsFault(std::string_view fields)
     return "no reel and no channels";
   if (parseTracks(channels, Digits::Set))
     return "no reel";
-  return "unknown channels " + quoted(channels);
+  return "unknown channels " + inQuotes(channels);
 }
 
 /// Why the line does not end with four words that look like timecodes.
@@ -135,7 +121,7 @@ std::string timecodesFault(std::string_view line)
   std::string_view rest = line;
   const std::string_view last = takeLast(rest);
   if (!looksLikeTimecode(last))
-    return "text after the record out (" + quoted(last) + ")";
+    return "text after the record out (" + inQuotes(last) + ")";
   return "other text between the timecodes";
 }
 
@@ -169,7 +155,7 @@ std::string parseEvent(std::string_view line, EventLine& event)
   for (std::size_t i = 0; i < event.timecodes.size(); ++i) {
     const std::string fault = timecodeFault(event.timecodes[i]);
     if (!fault.empty())
-      return std::string(kTimecodeNames[i]) + " " + quoted(event.timecodes[i]) + " is no timecode (" + fault + ")";
+      return std::string(kTimecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is no timecode (" + fault + ")";
   }
   if (!takeFields(fields, event))
     return fieldsFault(fields);

@@ -81,7 +81,6 @@ bool isCut(std::string_view a, std::string_view b)
 
 bool SourceTable::add(std::string_view row)
 {
-  row = trim(row);
   const std::string id = clean(takeId(row));
   const std::string names = clean(row);
   if (names.empty())

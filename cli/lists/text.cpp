@@ -141,6 +141,22 @@ std::string clean(std::string_view text)
   return trimmed.size() == result.size() ? result : std::string(trimmed);
 }
 
+std::string inQuotes(std::string_view text)
+{
+  constexpr std::size_t kShownBytes = 40;
+  return "'" + shortened(text, kShownBytes) + "'";
+}
+
+std::string shortened(std::string_view text, std::size_t bytes)
+{
+  if (text.size() <= bytes)
+    return clean(text);
+  std::size_t end = bytes;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
+    --end;
+  return clean(text.substr(0, end)) + "...";
+}
+
 std::string_view takeFirst(std::string_view& text)
 {
   text = trimLeft(text);

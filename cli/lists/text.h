@@ -40,6 +40,12 @@ std::string_view trim(std::string_view text);
 /// The text with a blank for every control character (C0, DEL and C1), without outer blanks.
 std::string clean(std::string_view text);
 
+/// The text clean, and cut between two characters with "..." when it has more bytes than this.
+std::string shortened(std::string_view text, std::size_t bytes);
+
+/// A piece of the list as a reason shows it: shortened to 40 bytes, in quotes.
+std::string inQuotes(std::string_view text);
+
 /// Takes the first or the last run of non-blanks off the text, and the blanks around it. Empty when there is none.
 std::string_view takeFirst(std::string_view& text);
 std::string_view takeLast(std::string_view& text);

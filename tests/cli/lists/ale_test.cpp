@@ -176,6 +176,13 @@ TEST(Ale, ABadTimecodeCostsThatRow)
   EXPECT_EQ(list.rejected[2].reason, "End '01:00:75:00' is no timecode (seconds above 59)");
 }
 
+TEST(Ale, ALongBadTimecodeIsShownCutBetweenCharacters)
+{
+  const std::string bad = std::string(39, 'x') + "\xC3\xBC";
+  EXPECT_EQ(readWhole(log("Name|Tape|Start", "a|T|" + bad + "\n")).rejected.at(0).reason,
+            "Start '" + std::string(39, 'x') + "...' is no timecode (not hh:mm:ss:ff)");
+}
+
 TEST(Ale, RaggedRowsAreFine)
 {
   const List list = readWhole(log("Name|Tape|Tracks|Camroll", "a|T1\nb|T2|A1|c|extra|cells\n"));

@@ -106,6 +106,7 @@ TEST(EdlEvent, FinishKeepsLinesAndEmptiesTheEvent)
   EXPECT_EQ(sources[0].fields.reel, "A");
   EXPECT_TRUE(event.empty());
   event.add(5, "", fields("002", "B", Cut));
+  EXPECT_TRUE(event.takes(fields("002", "B", Cut))) << "the note was of the event before";
   EXPECT_EQ(event.finish().at(0).clipName, "");
 }
 
@@ -133,6 +134,7 @@ TEST(EdlEvent, BlackPassesItsNameOn)
   EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "b"}}), (Strings{"||", "b||"}));
   EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "BL"}, {To, "b"}}), (Strings{"BL||", "b||"}));
   EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "BL"}}), (Strings{"BL||", "||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}}), (Strings{"a||", "b||"}));
   EXPECT_EQ(deal({{"A", Cut}, {"BL", Into}}, {{From, "a"}, {To, "BL"}}), (Strings{"a||", "BL||"}));
 }
 
@@ -151,6 +153,12 @@ TEST(EdlEvent, TwoSourceFilesGoInOrder)
             (Strings{"a|fa|", "b|fb|"}));
   EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}, {File, "fa"}, {File, "fb"}}),
             (Strings{"a|fa|", "b|fb|"}));
+}
+
+TEST(EdlEvent, TwoSourceFilesGoInOrderEvenToBlackAndToOneReel)
+{
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{File, "x"}, {File, "f"}}), (Strings{"|x|", "|f|"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"A", Into}}, {{File, "x"}, {File, "f"}}), (Strings{"|x|", "|f|"}));
 }
 
 TEST(EdlEvent, OneSourceFileIsForTheFirstSide)

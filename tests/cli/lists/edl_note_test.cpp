@@ -42,6 +42,8 @@ TEST(Note, EveryKeyWithAndWithoutTheBlankAndInAnyCase)
   EXPECT_EQ(note("* FROM CLIP NAME:  A B ").kind, NoteKind::FromClipName);
   EXPECT_EQ(note("* FROM CLIP NAME:  A B ").value, "A B");
   EXPECT_EQ(note("*FROM CLIP NAME:A").kind, NoteKind::FromClipName);
+  EXPECT_EQ(note("*FROM CLIP NAME:A").value, "A");
+  EXPECT_EQ(note("   * FROM CLIP NAME: A").value, "A");
   EXPECT_EQ(note("* from clip name : A").kind, NoteKind::FromClipName);
   EXPECT_EQ(note("* TO CLIP NAME: A").kind, NoteKind::ToClipName);
   EXPECT_EQ(note("* KEY CLIP NAME: A").kind, NoteKind::KeyClipName);
@@ -120,6 +122,19 @@ TEST(NoteJoiner, AThirdLineJoinsWhenTheSecondIsFullToo)
   EXPECT_EQ(read[0].value, wide(80).substr(18) + std::string(78, 'z') + "end");
 }
 
+TEST(NoteJoiner, AThirdLineDoesNotJoinWhenTheSecondIsShort)
+{
+  const auto read = notes({wide(80), "* Rest", "* other"});
+  ASSERT_EQ(read.size(), 2u);
+  EXPECT_EQ(read[0].value, wide(80).substr(18) + "Rest");
+}
+
+TEST(NoteJoiner, CapitalsAloneDoNotOpenANote)
+{
+  for (const char* next : {"REST", "Rest: of it", "rest: of it"})
+    EXPECT_EQ(notes({wide(80), std::string("* ") + next}).at(0).value, wide(80).substr(18) + next);
+}
+
 TEST(NoteJoiner, ShorterAndLongerLinesAreComplete)
 {
   for (std::size_t width : {78u, 81u, 120u})
@@ -128,8 +143,8 @@ TEST(NoteJoiner, ShorterAndLongerLinesAreComplete)
 
 TEST(NoteJoiner, ANoteOfItsOwnDoesNotJoin)
 {
-  for (const char* next : {"* TO CLIP NAME: B", "* PATCH R: FROM SOURCE 1 TO RECORD 2", "* A12 VOL = +3.0 DB", "*",
-                           "* ", "*nothing", "* BLEND, DISSOLVE", "* REEL X IS CLIP Y", "* ASC_SAT 1"})
+  for (const char* next : {"* TO CLIP NAME: B", "* PATCH R: FROM SOURCE 1 TO RECORD 2", "* A12 VOL = +3.0 DB",
+                           "* Z_9: X", "*", "* ", "*nothing", "* BLEND, DISSOLVE", "* REEL X IS CLIP Y", "* ASC_SAT 1"})
     EXPECT_EQ(notes({wide(80), next}).at(0).value, wide(80).substr(18)) << next;
 }
 

@@ -87,6 +87,7 @@ void expectSound(const List& list)
   for (const Rejected& rejected : list.rejected) {
     ASSERT_FALSE(rejected.reason.empty());
     ASSERT_TRUE(utf8::is_valid(rejected.text.begin(), rejected.text.end()));
+    ASSERT_TRUE(utf8::is_valid(rejected.reason.begin(), rejected.reason.end()));
   }
   for (const Special& special : list.specials)
     ASSERT_EQ(static_cast<std::size_t>(special.count), special.lines.size());

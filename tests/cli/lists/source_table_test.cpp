@@ -74,15 +74,27 @@ TEST(SourceTable, RowsOfAllShapes)
   EXPECT_EQ(split("A  B 4919975f 793b8d33", "A"), "A|B|4919975f 793b8d33");
   EXPECT_EQ(split("ONE" + id, "ONE"), std::string("ONE|") + kUmid);
   EXPECT_EQ(split("ONE TWO", "TWO"), "ONE|TWO|");
+  EXPECT_EQ(split("ONE 060A2B34-ABCDEF.09{af}", "ONE"), "ONE|060A2B34-ABCDEF.09{af}");
+  EXPECT_EQ(split("ONE ONE_LONGER_AGAIN.MOV", "ONE"), "ONE|ONE_LONGER_AGAIN.MOV|");
+  EXPECT_EQ(split("ONE 060A2B34GBCDEF09", "ONE"), "ONE|060A2B34GBCDEF09|");
+  EXPECT_EQ(split("ONE 060a2b34gbcdef09", "ONE"), "ONE|060a2b34gbcdef09|");
+  EXPECT_EQ(split("ONE 060a2b34abcdef09", "ONE"), "ONE|060a2b34abcdef09");
+  EXPECT_EQ(split("ONE 060a2b34a", "ONE"), "ONE|060a2b34a|") << "too short for an id";
+  EXPECT_EQ(split("A  B 4919975 793b8d33", "A"), "A|B 4919975|793b8d33") << "no word of eight digits";
+  EXPECT_EQ(split("A  B TAPE0001 793b8d33", "A"), "A|B TAPE0001|793b8d33") << "no hex digits";
+  EXPECT_EQ(split("A 4919975f 793b8d33", "A"), "A|4919975f|793b8d33") << "two names go before a longer id";
   EXPECT_EQ(split("ONE", "ONE"), "ONE|");
 }
 
 TEST(SourceTable, NamesMayHoldBlanks)
 {
   EXPECT_EQ(split("PIER CAM 2   PIER CAM 4919975f.793b8d33", "PIER CAM"), "PIER CAM 2|PIER CAM|4919975f.793b8d33");
+  EXPECT_EQ(split("PIER CAM  HARBOUR 7 4919975f.793b8d33", "HARBOUR 7"), "PIER CAM|HARBOUR 7|4919975f.793b8d33");
   EXPECT_EQ(split("PIER CAM 2 PIER CA 4919975f.793b8d33", "pier ca"), "PIER CAM 2|PIER CA|4919975f.793b8d33");
   EXPECT_EQ(split("PIER CAM 2 HARBOUR 4919975f.793b8d33", "PIER CAM 2", {"PIER CAM 2"}),
             "PIER CAM 2|HARBOUR|4919975f.793b8d33");
+  EXPECT_EQ(split("PIER CAM HARBOUR 7 4919975f.793b8d33", "HARBOUR 7", {"PIER", "PIER CAM", "HARBOUR 7"}),
+            "PIER CAM|HARBOUR 7|4919975f.793b8d33");
   EXPECT_EQ(split("ONE TWO THREE 4919975f.793b8d33", "ONE TWO THREE"), "ONE TWO THREE|4919975f.793b8d33");
 }
 

@@ -111,6 +111,18 @@ TEST(Clean, OuterControlsGo)
   EXPECT_EQ(clean("\t\xC2\x85 A  B \x1B"), "A  B");
 }
 
+TEST(Shortened, CutsBetweenCharactersAndCleans)
+{
+  EXPECT_EQ(shortened("a\tb", 3), "a b");
+  EXPECT_EQ(shortened("abcd", 3), "abc...");
+  EXPECT_EQ(shortened("ab\xC3\xBC"
+                      "c",
+                      3),
+            "ab...");
+  EXPECT_EQ(inQuotes(std::string(40, 'q')), "'" + std::string(40, 'q') + "'");
+  EXPECT_EQ(inQuotes(std::string(41, 'q')), "'" + std::string(40, 'q') + "...'");
+}
+
 TEST(Take, FirstAndLastWordsComeOffWithTheirBlanks)
 {
   std::string_view text = "  one  two\tthree ";

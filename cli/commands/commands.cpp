@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
+namespace reeldb::cli {
+
+void addCommands(CommandLine& line)
+{
+  addInit(line);
+  addProject(line);
+  addImport(line);
+  addList(line);
+  addShow(line);
+  addCreate(line);
+  addSet(line);
+  addRename(line);
+  addCopy(line);
+  addShots(line);
+  addReelsOf(line);
+  addDelete(line);
+  addUndelete(line);
+  addTypes(line);
+  addDevices(line);
+  addDevice(line);
+  addLabelMap(line);
+  addLabelMapFor(line);
+  addFields(line);
+  addWatch(line);
+}
+
+} // namespace reeldb::cli

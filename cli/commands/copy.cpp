@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <fmt/format.h>
+
+#include "commands/commands.h"
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/host_text.h"
+#include "module/reel.h"
+#include "module/session.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+struct Options {
+  std::string from, to;
+  bool json = false;
+};
+
+ExitCode run(const Options& options, const Globals& globals)
+{
+  Session session(globals, reelhost::Access::Write);
+  // The library would copy an unknown reel too, and so empty the other.
+  const std::string from = text(session.requireReel(options.from).reelId());
+  ReelDbRec target = session.requireReel(options.to);
+  const std::string to = text(target.reelId());
+  session.manager().copyReelInfo(hostText(from), hostText(to));
+  const Json reel = toJson(readReel(target, reelhost::shotCounts()));
+  const bool stored = session.commit();
+  if (options.json)
+    printJson({{"from", from}, {"to", to}, {"stored", stored}, {"reel", reel}});
+  else
+    print(fmt::format("{}: {}\n", displayText(to),
+                      stored ? "now as " + displayText(from) : "is already as " + displayText(from)));
+  return done;
+}
+
+} // namespace
+
+void addCopy(CommandLine& line)
+{
+  const auto options = std::make_shared<Options>();
+  CLI::App& app = line.add(
+      {.name = "copy",
+       .description = "Copy what is known of one reel to another",
+       .examples = {"reeldb copy A001 A002"},
+       .details =
+           "Copied are type, available, inhibit, label mapping and the user fields; bin and last device are not."},
+      [options](const Globals& globals) { return run(*options, globals); });
+  takeText(app, "FROM", options->from, "The reel to copy from")->required()->type_name("");
+  takeText(app, "TO", options->to, "The reel to change")->required()->type_name("");
+  takeJson(app, options->json);
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <map>
+
+#include <fmt/format.h>
+
+#include "commands/commands.h"
+#include "module/assignment.h"
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/host_text.h"
+#include "module/number.h"
+#include "module/output.h"
+#include "module/reel.h"
+#include "module/session.h"
+#include "module/table.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+struct Options {
+  std::vector<std::string> assignments;
+  bool json = false;
+};
+
+struct Field {
+  int number;
+  std::string stored;  ///< empty: none
+  std::string display; ///< what the library calls the field
+};
+
+std::vector<Field> readFields(const reelhost::Facility& facility)
+{
+  std::vector<Field> fields;
+  for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
+    fields.push_back({i, facility.systemValue("reel_userfield" + std::to_string(i)),
+                      text(ReelDbManager::theReelDbManager()->userFieldName(i))});
+  return fields;
+}
+
+/// The name the field has when none is stored. It counts from 1.
+std::string defaultName(int number)
+{
+  return fmt::format("User field {}", number + 1);
+}
+
+void report(const Options& options, const std::vector<Field>& fields)
+{
+  Json json = Json::array();
+  Table table({{.title = "KEY", .number = true}, {"NAME"}, {"DEFAULT"}});
+  for (const Field& field : fields) {
+    json.push_back({{"key", field.number},
+                    {"name", field.display},
+                    {"stored", field.stored},
+                    {"default", defaultName(field.number)}});
+    table.add({std::to_string(field.number), field.stored.empty() ? "-" : field.stored, defaultName(field.number)});
+  }
+  if (options.json)
+    printJson(json);
+  else
+    table.print();
+}
+
+/// The numbers and names to store. Everything is looked at before anything is changed.
+std::map<int, std::string> readAssignments(const std::vector<std::string>& texts)
+{
+  std::map<int, std::string> names;
+  for (const std::string& given : texts) {
+    const Assignment assignment = parseAssignment(given);
+    const auto number = parseNumber(assignment.field);
+    if (!number || *number >= static_cast<int>(userFieldCount))
+      throw Failure(usage, fmt::format("{}: no such user field (they are numbered from 0 to {})",
+                                       shortText(assignment.field), userFieldCount - 1));
+    if (!names.emplace(*number, assignment.value).second)
+      throw Failure(usage, fmt::format("{}: given twice", *number));
+  }
+  return names;
+}
+
+ExitCode run(const Options& options)
+{
+  reelhost::Facility& facility = requireFacility();
+  const std::map<int, std::string> names = readAssignments(options.assignments);
+  for (const auto& [number, name] : names)
+    if (facility.systemValue("reel_userfield" + std::to_string(number)) != name)
+      ReelDbManager::theReelDbManager()->userFieldName(number, hostText(name));
+  if (facility.stateChanged())
+    facility.saveState();
+  else if (!names.empty() && !options.json)
+    print("nothing changed\n");
+  report(options, readFields(facility));
+  return done;
+}
+
+} // namespace
+
+void addFields(CommandLine& line)
+{
+  const auto options = std::make_shared<Options>();
+  CLI::App& app = line.add(
+      {.name = "fields",
+       .description = "List or name the user fields of reels",
+       .examples = {"reeldb fields", "reeldb fields 0=Scene 1=Take", "reeldb fields 1=", "reeldb fields --json"},
+       .details = "The fields are numbered from 0; their default names count from 1. An empty name takes a name back.\n"
+                  "The names are the facility's and serve all its projects."},
+      [options](const Globals&) { return run(*options); });
+  takeTexts(app, "NUMBER=NAME", options->assignments, "Names to store")->type_name("");
+  takeJson(app, options->json);
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <fmt/format.h>
+
+#include "commands/commands.h"
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/import_report.h"
+#include "module/importer.h"
+#include "module/list_file.h"
+#include "module/session.h"
+#include "module/terminal.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+struct Options {
+  std::vector<std::string> files;
+  bool dryRun = false;
+  bool json = false;
+};
+
+constexpr std::size_t usualColumns = 100;
+
+void report(const Options& options, const std::vector<Imported>& all, bool stored, bool changes)
+{
+  if (options.json) {
+    Json json;
+    json["dry_run"] = options.dryRun;
+    json["stored"] = stored;
+    json["files"] = Json::array();
+    for (const Imported& imported : all)
+      json["files"].push_back(toJson(imported));
+    printJson(json);
+    return;
+  }
+  for (const Imported& imported : all)
+    print(toText(imported, terminalColumns(stdout).value_or(usualColumns)));
+  if (!changes)
+    print("nothing new: the project stays as it was\n");
+  else if (!stored)
+    print("dry run: the project stays as it was\n");
+}
+
+ExitCode run(const Options& options, const Globals& globals)
+{
+  // All files first: one that cannot be read leaves the project alone.
+  std::vector<lists::List> lists;
+  std::size_t clips = 0;
+  bool rejected = false;
+  for (const std::string& file : options.files) {
+    lists.push_back(readListFile(file));
+    clips += lists.back().clips.size();
+    rejected = rejected || !lists.back().rejected.empty();
+  }
+  Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
+  std::vector<Imported> all;
+  {
+    Progress progress("importing", clips);
+    Importer importer(session.manager());
+    for (std::size_t i = 0; i < lists.size(); ++i)
+      all.push_back(importer.import(options.files[i], std::move(lists[i]), progress));
+  }
+  bool changes = false;
+  for (const Imported& imported : all)
+    changes = changes || imported.shotsAdded > 0 || !imported.created.empty();
+  const bool stored = !options.dryRun && session.commit();
+  report(options, all, stored, changes);
+  return rejected ? incomplete : done;
+}
+
+} // namespace
+
+void addImport(CommandLine& line)
+{
+  const auto options = std::make_shared<Options>();
+  CLI::App& app = line.add(
+      {.name = "import",
+       .description = "Bring in cut lists and log files, and make a reel for every source in them",
+       .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
+                    "reeldb import --json rushes.ale"},
+       .details =
+           "Reads cut lists (CMX3600 EDL) and log exchange files (ALE), told apart by what is in them. Every clip\n"
+           "becomes a shot; one with the same reel, clip name, source in, source out and tracks as another is\n"
+           "not added again, so the same file twice changes nothing. A bad line costs that line: it is reported\n"
+           "with its number, and the exit code is 4."},
+      [options](const Globals& globals) { return run(*options, globals); });
+  takeTexts(app, "FILE", options->files, "The files")->required()->type_name("");
+  takeFlag(app, "--dry-run", options->dryRun, "Report what would happen and change nothing");
+  takeJson(app, options->json);
+}
+
+} // namespace reeldb::cli

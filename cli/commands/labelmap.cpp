@@ -1,0 +1,149 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "LabelMaps.h"
+#include "commands/commands.h"
+#include "module/device.h"
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/host_text.h"
+#include "module/reel.h"
+#include "module/session.h"
+#include "module/table.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The file of a label map. Throws Failure for a name that leads out of the folder.
+fs::path fileOf(const reelhost::Facility& facility, const std::string& name)
+{
+  if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
+    throw Failure(refused, fmt::format("\"{}\": no name for a label map", shortText(name)));
+  return facility.labelMapDirectory() / (name + ".toml");
+}
+
+std::vector<std::string> namesIn(const fs::path& folder)
+{
+  std::vector<std::string> names;
+  std::error_code none;
+  for (const auto& entry : fs::directory_iterator(folder, none))
+    if (entry.path().extension() == ".toml")
+      names.push_back(entry.path().stem().string());
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+// --- list
+// --------------------------------------------------------------------------------------------------------------
+
+struct ListOptions {
+  bool json = false;
+};
+
+ExitCode list(const ListOptions& options, const Globals& globals)
+{
+  const reelhost::Facility& facility = requireFacility();
+  Session session(globals, reelhost::Access::Read);
+  Json json = Json::array();
+  Table table({{"LABEL MAP"}, {"VITC"}, {"FITS PROJECT"}, {.title = "FAULT", .optional = true}});
+  ExitCode code = done;
+  for (const std::string& name : namesIn(facility.labelMapDirectory())) {
+    const LightweightString<wchar_t> map = wideHostText(name);
+    std::string fault;
+    try {
+      reelhost::readLabelMap(fileOf(facility, name));
+    } catch (const reelhost::Error& error) {
+      fault = error.what();
+      code = unreadable;
+    }
+    const bool vitc = map_file_uses_vitc(map);
+    const bool fits = map_file_is_compatible_with_project(map);
+    Json entry = {{"name", name}, {"uses_vitc", vitc}, {"fits_project", fits}};
+    if (!fault.empty())
+      entry["fault"] = fault;
+    json.push_back(std::move(entry));
+    table.add({name, std::string(yesOrNo(vitc)), std::string(yesOrNo(fits)), fault});
+  }
+  if (options.json)
+    printJson(json);
+  else if (table.empty())
+    print("no label maps (the folder labelmaps of the facility holds them)\n");
+  else
+    table.print();
+  return code;
+}
+
+// --- check
+// -------------------------------------------------------------------------------------------------------------
+
+struct CheckOptions {
+  std::string map;
+  std::optional<std::string> device;
+  bool json = false;
+};
+
+ExitCode check(const CheckOptions& options, const Globals& globals)
+{
+  const reelhost::Facility& facility = requireFacility();
+  const reelhost::DeviceSettings* device = options.device ? &requireDevice(facility, *options.device) : nullptr;
+  reelhost::readLabelMap(fileOf(facility, options.map)); // says which line is wrong, where the library only says no
+  Session session(globals, reelhost::Access::Read);
+  const LightweightString<wchar_t> map = wideHostText(options.map);
+  const bool fitsProject = map_file_is_compatible_with_project(map);
+  // The library prints the one line that says why not.
+  const bool fitsDevice = !device || map_file_is_compatible_with_device(map, IdStamp(device->id));
+  const bool vitc = map_file_uses_vitc(map);
+  if (options.json) {
+    Json json = {{"name", options.map}, {"uses_vitc", vitc}, {"fits_project", fitsProject}};
+    if (device) {
+      json["device"] = device->number;
+      json["fits_device"] = fitsDevice;
+    }
+    printJson(json);
+  } else {
+    const std::string name = displayText(options.map);
+    print(fmt::format("{}: {} the project's frame rate\n", name, fitsProject ? "fits" : "does not fit"));
+    if (device)
+      print(
+          fmt::format("{}: {} the device {}\n", name, fitsDevice ? "fits" : "does not fit", displayText(device->name)));
+    print(fmt::format("{}: {} VITC\n", name, vitc ? "reads" : "does not read"));
+  }
+  return fitsProject && fitsDevice ? done : refused;
+}
+
+} // namespace
+
+void addLabelMap(CommandLine& line)
+{
+  CLI::App& group = line.addGroup("labelmap", "List or check label maps");
+
+  const auto listOptions = std::make_shared<ListOptions>();
+  CLI::App& listApp = line.add(group,
+                               {.name = "list",
+                                .description = "List the label maps of the facility",
+                                .examples = {"reeldb labelmap list", "reeldb labelmap list --json"}},
+                               [listOptions](const Globals& globals) { return list(*listOptions, globals); });
+  takeJson(listApp, listOptions->json);
+
+  const auto checkOptions = std::make_shared<CheckOptions>();
+  CLI::App& checkApp = line.add(
+      group,
+      {.name = "check",
+       .description = "Check whether a label map can be read and suits project and device",
+       .examples = {"reeldb labelmap check pal9pin", "reeldb labelmap check pal9pin --device 0"},
+       .details = "The exit code is 1 when it does not fit, and 3 when the file cannot be read; then the message says\n"
+                  "which line is wrong."},
+      [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
+  takeText(checkApp, "MAP", checkOptions->map, "The label map")->required()->type_name("");
+  takeText(checkApp, "--device", checkOptions->device, "The device it is to suit")->type_name("NUMBER");
+  takeJson(checkApp, checkOptions->json);
+}
+
+} // namespace reeldb::cli

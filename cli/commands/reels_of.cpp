@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <map>
+
+#include <fmt/format.h>
+
+#include "commands/commands.h"
+#include "module/counted.h"
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/host_text.h"
+#include "module/list_file.h"
+#include "module/reel.h"
+#include "module/session.h"
+#include "module/shot.h"
+#include "module/table.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+struct Options {
+  std::vector<std::string> clips;
+  std::optional<std::string> reel, file;
+  bool json = false;
+};
+
+/// One reel that shots need.
+struct Need {
+  std::string id; ///< as its record spells it, or as the shots do when there is no record
+  std::int64_t shots = 0;
+  std::optional<Reel> reel;
+};
+
+/// What stands in the way of using the reel; empty when nothing does.
+std::string trouble(const Need& need)
+{
+  if (!need.reel)
+    return "missing";
+  if (!need.reel->available)
+    return "unavailable";
+  return isListedType(need.reel->type) ? "" : "unknown type";
+}
+
+class Needs {
+public:
+  explicit Needs(ReelDbManager& manager) : manager_(manager) {}
+
+  void addShot(const std::string& reelId)
+  {
+    if (reelId.empty())
+      return;
+    const auto [found, first] = places_.emplace(folded(reelId), needs_.size());
+    if (first)
+      needs_.push_back(lookUp(reelId));
+    ++needs_[found->second].shots;
+  }
+  const std::vector<Need>& all() const { return needs_; }
+
+private:
+  Need lookUp(const std::string& reelId)
+  {
+    ReelDbRec record = manager_.getReelInfo(hostText(reelId));
+    if (!record.valid())
+      return {reelId, 0, std::nullopt};
+    Reel reel = readReel(record, {});
+    return {reel.id, 0, std::move(reel)};
+  }
+
+  ReelDbManager& manager_;
+  std::map<std::string, std::size_t> places_;
+  std::vector<Need> needs_;
+};
+
+/// The shots of the project that are called one of the names, letter case aside. Throws Failure for a name that none
+/// has.
+void addClips(const std::vector<std::string>& names, Needs& needs)
+{
+  const auto shots = materialOf(reelhost::allShots());
+  for (const std::string& name : names) {
+    bool found = false;
+    for (const reelhost::Material& shot : shots) {
+      if (folded(shot.name) != folded(name))
+        continue;
+      found = true;
+      needs.addShot(shot.reel);
+    }
+    if (!found)
+      throw Failure(refused, fmt::format("{}: no shot is called that", shortText(name)));
+  }
+}
+
+Json toJson(const Need& need)
+{
+  const std::string fault = trouble(need);
+  return {{"id", need.id},
+          {"shots", need.shots},
+          {"state", fault.empty() ? "ready" : fault},
+          {"type", need.reel ? need.reel->type : ""},
+          {"bin", need.reel ? need.reel->bin : ""}};
+}
+
+void report(const Options& options, const std::vector<Need>& needs)
+{
+  Json json = Json::array();
+  Table table({{"REEL"}, {.title = "SHOTS", .number = true}, {"STATE"}, {"TYPE"}, {.title = "BIN", .optional = true}});
+  std::size_t ready = 0;
+  for (const Need& need : needs) {
+    json.push_back(toJson(need));
+    const Json& entry = json.back();
+    const std::string type = entry.at("type");
+    table.add({need.id, std::to_string(need.shots), entry.at("state"), type.empty() ? "-" : type, entry.at("bin")});
+    ready += trouble(need).empty();
+  }
+  if (options.json) {
+    printJson(json);
+    return;
+  }
+  if (!table.empty())
+    table.print();
+  print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), ready));
+}
+
+ExitCode run(const Options& options, const Globals& globals)
+{
+  const int sources = !options.clips.empty() + options.reel.has_value() + options.file.has_value();
+  if (sources != 1)
+    throw Failure(usage, "reels-of: say which shots: clip names, --reel ID or --file LIST");
+  std::optional<lists::List> list;
+  if (options.file)
+    list = readListFile(*options.file);
+  Session session(globals, reelhost::Access::Read);
+  Needs needs(session.manager());
+  if (list)
+    for (const lists::Clip& clip : list->clips)
+      needs.addShot(clip.reel);
+  if (options.reel)
+    for (const Cookie& shot : shotsOf(*options.reel))
+      needs.addShot(reelhost::materialOf(shot).reel);
+  addClips(options.clips, needs);
+  if (needs.all().empty())
+    throw Failure(refused, "reels-of: no such shots");
+  report(options, needs.all());
+  return list && !list->rejected.empty() ? incomplete : done;
+}
+
+} // namespace
+
+void addReelsOf(CommandLine& line)
+{
+  const auto options = std::make_shared<Options>();
+  CLI::App& app = line.add(
+      {.name = "reels-of",
+       .description = "List the reels that shots or a list need, and which of them are not ready",
+       .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
+                    "reeldb reels-of --file evening.edl --json"},
+       .details = "A reel is missing (no record of it), unavailable, of unknown type, or ready. A list need not have\n"
+                  "been imported."},
+      [options](const Globals& globals) { return run(*options, globals); });
+  takeTexts(app, "CLIP", options->clips, "Clip names of shots in the project")->type_name("");
+  takeText(app, "--reel", options->reel, "The shots recorded from this reel")->type_name("ID");
+  takeText(app, "--file", options->file, "The clips of this cut list or log file")->type_name("LIST");
+  takeJson(app, options->json);
+}
+
+} // namespace reeldb::cli

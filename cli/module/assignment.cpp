@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "module/assignment.h"
+
+#include <fmt/format.h>
+
+#include "module/display_text.h"
+#include "module/failure.h"
+#include "module/field_limit.h"
+
+namespace reeldb::cli {
+
+Assignment parseAssignment(const std::string& argument)
+{
+  const std::size_t equals = argument.find('=');
+  if (equals == std::string::npos || equals == 0)
+    throw Failure(usage, fmt::format("\"{}\": not of the form field=value", shortText(argument)));
+  Assignment result{argument.substr(0, equals), argument.substr(equals + 1)};
+  if (result.value.size() > longestField)
+    throw Failure(refused, fmt::format("{}: value too long (it has {} bytes, {} are the most)", shortText(result.field),
+                                       result.value.size(), longestField));
+  return result;
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "module/entry.h"
+
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "module/command_line.h"
+#include "module/failure.h"
+#include "module/output.h"
+#include "reelhost/host.h"
+#include "reelhost/journal.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+ExitCode fail(ExitCode code, const char* message)
+{
+  complain(message);
+  return code;
+}
+
+ExitCode carryOut(const Reading& reading, const Globals& globals)
+{
+  try {
+    reelhost::startUp();
+    if (globals.trace)
+      reelhost::Journal::the().traceTo(stderr);
+    return reading.run(globals);
+  } catch (const Failure& failure) {
+    return fail(failure.code(), failure.what());
+  } catch (const reelhost::Error& error) {
+    return fail(exitCodeOf(error.kind()), error.what());
+  } catch (const std::bad_alloc&) {
+    return fail(unreadable, "out of memory");
+  } catch (const std::exception& error) {
+    return fail(unreadable, error.what());
+  }
+}
+
+ExitCode runLine(int argc, char** argv)
+{
+  CommandLine line;
+  const Reading reading = line.read(argc, argv);
+  ExitCode code = reading.code;
+  if (reading.run)
+    code = carryOut(reading, line.globals());
+  else if (!reading.message.empty())
+    complain(reading.message);
+  else
+    print(reading.text);
+  reelhost::Journal::the().traceTo(nullptr);
+  return flushOutput() ? code : unreadable;
+}
+
+} // namespace
+
+} // namespace reeldb::cli
+
+// The commands catch everything they throw; what comes here anyway ends the process in std::terminate.
+extern "C" __attribute__((visibility("default"))) int reeldb_main(int argc, char** argv)
+{
+  return reeldb::cli::runLine(argc, argv);
+}
+
+extern "C" __attribute__((visibility("default"))) int reeldb_needs_facility(int argc, char** argv)
+{
+  return reeldb::cli::CommandLine().read(argc, argv).needsFacility;
+}

@@ -1,0 +1,25 @@
+/* SPDX-License-Identifier: Apache-2.0
+ *
+ * Where the front enters the module. C and C++. */
+#ifndef REELDB_MODULE_ENTRY_H
+#define REELDB_MODULE_ENTRY_H
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+typedef int reeldb_main_function(int argc, char** argv);
+typedef int reeldb_needs_facility_function(int argc, char** argv);
+
+/** Runs the command line; the facility is the one in the environment variable REELDB_FACILITY. Answers the exit code.
+ */
+reeldb_main_function reeldb_main;
+
+/** Whether the line is well formed and its command works on a facility. Says nothing and does nothing. */
+reeldb_needs_facility_function reeldb_needs_facility;
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

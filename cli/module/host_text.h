@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Between the host's strings and the standard library's.
+#ifndef REELDB_CLI_HOST_TEXT_H
+#define REELDB_CLI_HOST_TEXT_H
+
+#include <string>
+
+#include "host/lwstring.h"
+#include "host/text.h"
+
+namespace reeldb::cli {
+
+inline std::string text(const LightweightString<char>& s)
+{
+  return std::string(s.c_str(), s.length());
+}
+inline std::string text(const LightweightString<wchar_t>& s)
+{
+  return text(toUTF8(s));
+}
+inline LightweightString<char> hostText(const std::string& s)
+{
+  return LightweightString<char>(s.c_str());
+}
+inline LightweightString<wchar_t> wideHostText(const std::string& s)
+{
+  return fromUTF8(hostText(s));
+}
+
+/// ASCII letters in lower case: equal results name the same reel.
+std::string folded(std::string s);
+
+} // namespace reeldb::cli
+
+#endif

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "module/importer.h"
+
+#include <initializer_list>
+#include <string_view>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "ReelDbClient.h"
+#include "module/host_text.h"
+#include "reelhost/host.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+constexpr int noDevice = -1;
+
+/// Hears which reels the library makes.
+class CreatedReels : public ReelDbClient {
+public:
+  explicit CreatedReels(std::vector<std::string>& ids) : ids_(ids) {}
+  void reelDbChanged(LightweightString<char> id) override
+  {
+    if (!id.empty())
+      ids_.push_back(text(id));
+  }
+
+private:
+  std::vector<std::string>& ids_;
+};
+
+/// Equal for the same shot. No text holds the divider.
+std::string shotKey(const std::string& reel, std::initializer_list<std::string_view> rest)
+{
+  std::string key = folded(reel);
+  for (const std::string_view part : rest) {
+    key += '\0';
+    key += part;
+  }
+  return key;
+}
+
+reelhost::Material material(const lists::Clip& clip)
+{
+  reelhost::Material result;
+  result.reel = clip.reel;
+  result.name = clip.clipName;
+  result.sourceFile = clip.sourceFile;
+  result.sourceIn = clip.sourceIn;
+  result.sourceOut = clip.sourceOut;
+  result.recordIn = clip.recordIn;
+  result.recordOut = clip.recordOut;
+  result.tracks = clip.tracks;
+  result.aliases = fmt::format("{}", fmt::join(clip.aliases, "\n"));
+  result.videoChannels = clip.videoChannels;
+  result.audioChannels = clip.audioChannels;
+  return result;
+}
+
+} // namespace
+
+Importer::Importer(ReelDbManager& manager) : manager_(manager)
+{
+  for (const Cookie& log : reelhost::allShots()) {
+    const reelhost::Material shot = reelhost::materialOf(log);
+    shots_.insert(shotKey(shot.reel, {shot.name, shot.sourceIn, shot.sourceOut, shot.tracks}));
+  }
+}
+
+Imported Importer::import(std::string file, lists::List list, Progress& progress)
+{
+  Imported result;
+  result.file = std::move(file);
+  result.list = std::move(list);
+  const CreatedReels listener(result.created);
+  std::unordered_set<std::string> met;
+  for (const lists::Clip& clip : result.list.clips) {
+    const bool missing = met.insert(folded(clip.reel)).second && !noteReel(clip.reel, result);
+    const bool added = bringIn(clip);
+    ++(added ? result.shotsAdded : result.shotsThere);
+    // A shot that is there already may have outlived its reel's record, and of that shot the library hears nothing.
+    if (missing && !added)
+      manager_.createNewReel(hostText(clip.reel), noDevice);
+    progress.advance();
+  }
+  return result;
+}
+
+bool Importer::noteReel(const std::string& id, Imported& result)
+{
+  ReelDbRec record = manager_.getReelInfo(hostText(id));
+  if (!record.valid())
+    return false;
+  const std::string spelling = text(record.reelId());
+  if (spelling != id)
+    result.list.spellings.push_back({spelling, id});
+  result.matched.push_back(spelling);
+  return true;
+}
+
+bool Importer::bringIn(const lists::Clip& clip)
+{
+  if (!shots_.insert(shotKey(clip.reel, {clip.clipName, clip.sourceIn, clip.sourceOut, clip.tracks})).second)
+    return false;
+  reelhost::importMaterial(material(clip));
+  return true;
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "module/shot.h"
+
+#include <algorithm>
+
+#include "host/projdb.h"
+#include "module/host_text.h"
+#include "module/table.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+constexpr auto reelIdAttribute = LogAttributes::eLogAttribute(20);
+
+std::string reelOf(const Cookie& shot)
+{
+  EditInfo info(shot, eEditOpenBehaviour(0));
+  const std::string id = text(info.getAttrib(reelIdAttribute));
+  info.i_close();
+  return id;
+}
+
+} // namespace
+
+CookieVec shotsOf(const std::string& reelId)
+{
+  CookieVec shots;
+  projdb* const database = EditManager::getProjdb();
+  if (!database)
+    return shots;
+  projdb::SearchCriteria criteria;
+  criteria.first = 1;
+  criteria.second = 102350;
+  criteria.attributes.add(reelIdAttribute, hostText(reelId));
+  for (const Cookie& shot : database->search(criteria))
+    if (folded(reelOf(shot)) == folded(reelId))
+      shots.add(shot);
+  return shots;
+}
+
+std::vector<reelhost::Material> materialOf(const CookieVec& logs)
+{
+  std::vector<reelhost::Material> result;
+  for (const Cookie& log : logs)
+    result.push_back(reelhost::materialOf(log));
+  return result;
+}
+
+Json toJson(const reelhost::Material& shot)
+{
+  Json aliases = Json::array();
+  for (std::size_t at = 0; at < shot.aliases.size();) {
+    const std::size_t end = std::min(shot.aliases.find('\n', at), shot.aliases.size());
+    aliases.push_back(shot.aliases.substr(at, end - at));
+    at = end + 1;
+  }
+  Json json;
+  json["reel"] = shot.reel;
+  json["clip"] = shot.name;
+  json["tracks"] = shot.tracks;
+  json["source_in"] = shot.sourceIn;
+  json["source_out"] = shot.sourceOut;
+  json["record_in"] = shot.recordIn;
+  json["record_out"] = shot.recordOut;
+  json["source_file"] = shot.sourceFile;
+  json["aliases"] = std::move(aliases);
+  json["video_channels"] = shot.videoChannels;
+  json["audio_channels"] = shot.audioChannels;
+  return json;
+}
+
+Json toJson(const std::vector<reelhost::Material>& shots)
+{
+  Json json = Json::array();
+  for (const reelhost::Material& shot : shots)
+    json.push_back(toJson(shot));
+  return json;
+}
+
+void printShots(const std::vector<reelhost::Material>& shots)
+{
+  Table table({{"CLIP"},
+               {"TRACKS"},
+               {"SOURCE IN"},
+               {"SOURCE OUT"},
+               {.title = "RECORD IN", .optional = true},
+               {.title = "RECORD OUT", .optional = true},
+               {.title = "SOURCE FILE", .optional = true}});
+  for (const reelhost::Material& shot : shots)
+    table.add({shot.name.empty() ? "-" : shot.name, shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn,
+               shot.recordOut, shot.sourceFile});
+  table.print();
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The shots of the open project.
+#ifndef REELDB_CLI_SHOT_H
+#define REELDB_CLI_SHOT_H
+
+#include <string>
+#include <vector>
+
+#include "host/cookie.h"
+#include "module/output.h"
+#include "reelhost/host.h"
+
+namespace reeldb::cli {
+
+/// Every shot recorded from the reel, letter case aside, in the order of the database. The library has the same search
+/// in its deletion, where it speaks of deleting.
+CookieVec shotsOf(const std::string& reelId);
+
+Json toJson(const reelhost::Material& shot);
+Json toJson(const std::vector<reelhost::Material>& shots);
+
+/// Prints a table with a line for each.
+void printShots(const std::vector<reelhost::Material>& shots);
+
+/// The clips behind the logs.
+std::vector<reelhost::Material> materialOf(const CookieVec& logs);
+
+} // namespace reeldb::cli
+
+#endif

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the facility has: types, devices, user field names.
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Types : public FacilityTest {};
+
+TEST_F(Types, JsonListsNamesInTheOrderOfTheFileWithChannelsAndParameters)
+{
+  EXPECT_EQ(json({"types", "--json"}), Json::parse(R"([
+    {"name": "Tape 2ch", "video_channels": 1, "audio_channels": 2, "parameters": "VideoChannels=1 AudioChannels=2"},
+    {"name": "Tape 4ch", "video_channels": 1, "audio_channels": 4, "parameters": "VideoChannels=1 AudioChannels=4"},
+    {"name": "Audio only", "video_channels": 0, "audio_channels": 8, "parameters": "AudioChannels=8"},
+    {"name": "Live", "video_channels": 1, "audio_channels": 0, "parameters": "VideoChannels=1"}])"));
+}
+
+TEST_F(Types, TableHasALineEach)
+{
+  EXPECT_EQ(output({"types"}), "TYPE        VIDEO  AUDIO  PARAMETERS\n"
+                               "Tape 2ch        1      2  VideoChannels=1 AudioChannels=2\n"
+                               "Tape 4ch        1      4  VideoChannels=1 AudioChannels=4\n"
+                               "Audio only      0      8  AudioChannels=8\n"
+                               "Live            1      0  VideoChannels=1\n");
+}
+
+TEST_F(Types, EmptyCatalogueSaysSo)
+{
+  dir_.write("devicedata/reeltype.dat", "");
+  EXPECT_EQ(output({"types"}), "no reel types (devicedata/reeltype.dat of the facility lists them)\n");
+  EXPECT_EQ(output({"types", "--json"}), "[]\n");
+}
+
+TEST_F(Types, NeedsNoProject)
+{
+  EXPECT_EQ(json({"types", "--json", "-p", "nope"}).size(), 4u);
+}
+
+class Devices : public FacilityTest {};
+
+TEST_F(Devices, JsonHasEveryKey)
+{
+  const Json devices = json({"devices", "--json"});
+  ASSERT_EQ(devices.size(), 2u);
+  for (const Json& device : devices) {
+    EXPECT_TRUE(device.at("number").is_number_integer());
+    EXPECT_NE(device.at("name").get<std::string>(), "");
+    for (const char* key : {"port", "input", "label_map", "last_reel"})
+      EXPECT_TRUE(device.at(key).is_string()) << key;
+    EXPECT_TRUE(device.at("audio_inputs").is_number_integer());
+    EXPECT_TRUE(device.at("tapes").is_array());
+  }
+}
+
+TEST_F(Devices, TableHasALineEach)
+{
+  const std::string text = output({"devices"});
+  EXPECT_EQ(text.substr(0, 14), "NUMBER  NAME  ");
+  for (const Json& device : json({"devices", "--json"}))
+    EXPECT_NE(text.find("  " + device.at("name").get<std::string>() + "  "), std::string::npos) << text;
+}
+
+class Fields : public FacilityTest {
+protected:
+  Json field(int number) { return json({"fields", "--json"}).at(static_cast<std::size_t>(number)); }
+};
+
+TEST_F(Fields, DefaultNamesCountFrom1)
+{
+  EXPECT_EQ(json({"fields", "--json"}).size(), 6u);
+  EXPECT_EQ(field(0), Json::parse(R"({"key": 0, "name": "User field 1", "stored": "", "default": "User field 1"})"));
+  EXPECT_EQ(output({"fields"}).substr(0, 54), "KEY  NAME  DEFAULT\n  0  -     User field 1\n  1  -     U");
+}
+
+TEST_F(Fields, StoredNameIsShownAndKept)
+{
+  output({"fields", "0=Scene", "5=a=b"});
+  EXPECT_EQ(field(0), Json::parse(R"({"key": 0, "name": "Scene", "stored": "Scene", "default": "User field 1"})"));
+  EXPECT_EQ(field(5).at("name"), "a=b");
+}
+
+TEST_F(Fields, EmptyNameTakesTheNameBack)
+{
+  output({"fields", "0=Scene"});
+  output({"fields", "0="});
+  EXPECT_EQ(field(0).at("name"), "User field 1");
+  EXPECT_EQ(field(0).at("stored"), "");
+}
+
+TEST_F(Fields, SameNameAgainSaysThatNothingChanged)
+{
+  output({"fields", "0=Scene"});
+  EXPECT_EQ(output({"fields", "0=Scene"}).substr(0, 16), "nothing changed\n");
+}
+
+TEST_F(Fields, NamesServeEveryProject)
+{
+  output({"project", "new", "film"});
+  output({"-p", "film", "fields", "0=Scene"});
+  output({"create", "R1"});
+  output({"set", "R1", "Scene=4"});
+  EXPECT_EQ(reel("R1").at("user_fields"), Json::parse(R"({"0": "4"})"));
+}
+
+TEST_F(Fields, BadArgumentsAreUsageErrorsAndChangeNothing)
+{
+  for (const Words& words : std::vector<Words>{
+           {"fields", "0=a", "6=x"}, {"fields", "0=a", "x=y"}, {"fields", "0=a", "plain"}, {"fields", "0=a", "0=b"}})
+    EXPECT_EQ(reeldb(words).code, 2) << words.back();
+  EXPECT_EQ(field(0).at("stored"), "");
+}
+
+} // namespace

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sstream>
+
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Create : public FacilityTest {
+protected:
+  void expectRefusal(const Words& words, const std::string& message)
+  {
+    const std::string before = readFile("projects/main.reels");
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+    EXPECT_EQ(readFile("projects/main.reels"), before);
+  }
+};
+
+TEST_F(Create, MakesAReelThatIsAvailableAndNotInhibited)
+{
+  EXPECT_EQ(output({"create", "R1"}), "R1\n");
+  const Json made = reel("R1");
+  EXPECT_EQ(made.at("available"), true);
+  EXPECT_EQ(made.at("inhibit"), false);
+  EXPECT_EQ(made.at("label_mapping"), "");
+  EXPECT_EQ(made.at("shots"), 0);
+}
+
+TEST_F(Create, OuterBlanksAreNotStored)
+{
+  EXPECT_EQ(output({"create", "  R1 "}), "R1\n");
+  EXPECT_EQ(reelIds(), Words{"R1"});
+}
+
+TEST_F(Create, ReelThatIsThereInOtherCaseIsRefused)
+{
+  output({"create", "R1"});
+  expectRefusal({"create", "r1"}, "\"R1\": exists already");
+}
+
+TEST_F(Create, ReelThatIsThereWithoutTheBlanksIsRefused)
+{
+  output({"create", "R1"});
+  expectRefusal({"create", " r1 "}, "\"r1\": exists already");
+  EXPECT_EQ(reelIds(), Words{"R1"});
+}
+
+TEST_F(Create, BlankIdentifierIsRefused)
+{
+  expectRefusal({"create", "   "}, "\"   \": no reel made (the identifier is blank)");
+  expectRefusal({"create", ""}, "\"\": no reel made (the identifier is blank)");
+}
+
+TEST_F(Create, StarIsRefused)
+{
+  expectRefusal({"create", "A*B"}, "\"A*B\": no reel made (a star denotes generated material)");
+}
+
+TEST_F(Create, IdentifierOf2047BytesIsWholeAndOf2048IsRefused)
+{
+  const std::string longest(2047, 'x');
+  output({"create", longest});
+  EXPECT_EQ(reelIds(), Words{longest});
+  const ProcessResult result = reeldb({"create", longest + "x"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.err.find("no reel made (the identifier has 2048 bytes, 2047 are the most)"), std::string::npos)
+      << result.err;
+}
+
+TEST_F(Create, DeviceGivesItsAudioInputsAsChannels)
+{
+  const Json device = json({"devices", "--json"}).at(0);
+  ASSERT_GT(device.at("audio_inputs"), 0);
+  // Only a type that the catalogue lists could add further ones.
+  const Json made = json({"create", "R1", "--json", "--device", device.at("number").dump()});
+  EXPECT_GE(made.at("audio_channels"), device.at("audio_inputs"));
+}
+
+TEST_F(Create, UnknownDeviceIsRefusedWithThoseThatAre)
+{
+  const ProcessResult result = reeldb({"create", "R1", "--device", "99"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err.compare(0, 48, "reeldb: 99: no such device (this facility has: 1"), 0) << result.err;
+  EXPECT_EQ(reelIds(), Words{});
+}
+
+TEST_F(Create, DeviceThatIsNoNumberIsAUsageError)
+{
+  for (const std::string number : {"x", "1x", "-1", "", "0x1", "99999999999"}) {
+    const ProcessResult result = reeldb({"create", "R1", "--device", number});
+    EXPECT_EQ(result.code, 2) << number;
+    EXPECT_EQ(result.err, "reeldb: \"" + number + "\": no device number\n");
+  }
+}
+
+/// The operations that follow one another in the trace, from the thread check on.
+Words creationCalls(const std::string& trace)
+{
+  Words calls;
+  std::istringstream in(trace);
+  for (std::string line; std::getline(in, line);)
+    if (!calls.empty() || line.compare(0, 6, "co_pid") == 0)
+      calls.push_back(line);
+  return calls;
+}
+
+TEST_F(Create, TraceShowsTheHostCallsInTheirOrder)
+{
+  const ProcessResult result = reeldb({"--trace", "create", " R1 "});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "R1\n");
+  const Words calls = creationCalls(result.err);
+  ASSERT_FALSE(calls.empty()) << result.err;
+
+  // Each change of the new log stands between the opening and the closing of a handle of its own.
+  const Words expected = {
+      "co_pid()",
+      "EditManager::makeNewEdit(",
+      "paddedResourceStrW(10043",
+      "Edit::set_reelid(",
+      "Edit::set_entire_medium(",
+      "Edit::make_original(",
+      "Edit::setName(",
+      "Edit::redetermineLogType(",
+      "configb::set(", // available
+      "EditManager::ProjOpts()",
+      "Edit::setChangeDescription(",
+      "projdb::search(", // the list is rebuilt
+      "EditModifier::~EditModifier(",
+  };
+  std::size_t at = 0;
+  for (const std::string& call : expected) {
+    while (at < calls.size() && calls[at].find(call) == std::string::npos)
+      ++at;
+    ASSERT_LT(at, calls.size()) << call << " is missing or comes too early in\n" << result.err;
+    ++at;
+  }
+  const auto line = [&calls](const std::string& start) {
+    for (const std::string& call : calls)
+      if (call.compare(0, start.size(), start) == 0)
+        return call;
+    return std::string();
+  };
+  EXPECT_NE(line("Edit::set_reelid(").find("0, \"R1\")"), std::string::npos) << result.err;
+  EXPECT_NE(line("Edit::setName(").find("\"Reel R1\""), std::string::npos) << result.err;
+  EXPECT_NE(line("Edit::setChangeDescription(").find("59, true"), std::string::npos) << result.err;
+}
+
+TEST_F(Create, TraceIsOffUnlessAskedFor)
+{
+  EXPECT_EQ(reeldb({"create", "R1"}).err, "");
+}
+
+} // namespace

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The help is true: every command has one, and every example in it runs.
+#include <sstream>
+
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+std::vector<std::string> linesOf(const std::string& text)
+{
+  std::vector<std::string> lines;
+  std::istringstream in(text);
+  for (std::string line; std::getline(in, line);)
+    lines.push_back(line);
+  return lines;
+}
+
+/// The names that stand, indented, under "Commands:".
+Words commandsIn(const std::string& help)
+{
+  Words names;
+  bool inside = false;
+  for (const std::string& line : linesOf(help)) {
+    if (line == "Commands:")
+      inside = true;
+    else if (inside && line.size() > 2 && line.compare(0, 2, "  ") == 0 && line[2] != ' ')
+      names.push_back(line.substr(2, line.find(' ', 2) - 2));
+    else if (inside && line.empty())
+      inside = false;
+  }
+  return names;
+}
+
+/// The lines that stand under "Example:" or "Examples:".
+Words examplesIn(const std::string& help)
+{
+  Words examples;
+  bool inside = false;
+  for (const std::string& line : linesOf(help)) {
+    if (line == "Example:" || line == "Examples:")
+      inside = true;
+    else if (inside && line.compare(0, 2, "  ") == 0)
+      examples.push_back(line.substr(2));
+  }
+  return examples;
+}
+
+class Help : public FacilityTest {
+protected:
+  /// What the examples speak of.
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                                  event(2, "A002", "V", "01:00:00:00", "01:00:01:00"));
+    dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t25\n\nColumn\n"
+                             "Name\tTracks\tStart\tEnd\tTape\n\nData\n"
+                             "shot one\tVA1A2\t01:00:00:00\t01:00:05:00\tA002\n");
+    ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
+  }
+
+  /// Every path to a command, groups included: {"project"}, {"project", "new"} ...
+  std::vector<Words> commands(const Words& path = {})
+  {
+    Words words = path;
+    words.push_back("--help");
+    std::vector<Words> result;
+    for (const std::string& name : commandsIn(output(words))) {
+      Words deeper = path;
+      deeper.push_back(name);
+      result.push_back(deeper);
+      for (Words& below : commands(deeper))
+        result.push_back(std::move(below));
+    }
+    return result;
+  }
+
+  std::string help(Words path)
+  {
+    path.push_back("--help");
+    return output(path);
+  }
+};
+
+std::string joined(const Words& words)
+{
+  std::string result = "reeldb";
+  for (const std::string& word : words)
+    result += " " + word;
+  return result;
+}
+
+TEST_F(Help, NamesEveryCommand)
+{
+  Words names;
+  for (const Words& path : commands())
+    names.push_back(joined(path));
+  EXPECT_EQ(names, (Words{"reeldb init", "reeldb project", "reeldb project new", "reeldb project list", "reeldb import",
+                          "reeldb list", "reeldb show", "reeldb create", "reeldb set", "reeldb types", "reeldb devices",
+                          "reeldb fields"}));
+}
+
+TEST_F(Help, DocumentsTheExitCodes)
+{
+  const std::string text = help({});
+  for (const char* line : {"  0  done\n", "  1  nothing found, or refused\n", "  2  the command line makes no sense\n",
+                           "  3  damaged or unreadable data", "  4  done, but some input lines were rejected\n"})
+    EXPECT_NE(text.find(line), std::string::npos) << line;
+}
+
+TEST_F(Help, EveryCommandHasADescriptionAndItsUsage)
+{
+  for (const Words& path : commands()) {
+    const Words lines = linesOf(help(path));
+    ASSERT_GE(lines.size(), 3u);
+    EXPECT_GT(lines[0].size(), 10u) << joined(path);
+    EXPECT_EQ(lines[1].compare(0, 7 + joined(path).size(), "Usage: " + joined(path)), 0) << lines[1];
+  }
+}
+
+TEST_F(Help, EveryExampleRuns)
+{
+  ProcessSetting setting = setting_;
+  setting.environment["PATH"] = std::filesystem::path(reeldbProgram).parent_path().string() + ":/usr/bin:/bin";
+  int run = 0;
+  std::vector<Words> paths = commands();
+  paths.push_back({});
+  for (const Words& path : paths) {
+    const std::string text = help(path);
+    const bool group = !path.empty() && !commandsIn(text).empty();
+    const Words examples = examplesIn(text);
+    EXPECT_EQ(examples.empty(), group) << joined(path) << ": each command has an example";
+    for (const std::string& example : examples) {
+      EXPECT_EQ(example.compare(0, joined(path).size(), joined(path)), 0) << example;
+      const ProcessResult result = runProcess({"sh", "-c", example}, setting);
+      EXPECT_EQ(result.code, 0) << example << "\n" << result.err;
+      EXPECT_NE(result.out, "") << example;
+      ++run;
+    }
+  }
+  EXPECT_GE(run, 20);
+}
+
+} // namespace

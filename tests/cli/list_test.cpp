@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+#include <unistd.h>
+
+#include "cli/command_fixture.h"
+
+namespace fs = std::filesystem;
+using namespace reeldb_tests;
+
+namespace {
+
+class ListCommand : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    output({"create", "A001"});
+    output({"set", "A001", "type=Tape 2ch"});
+  }
+};
+
+TEST_F(ListCommand, EmptyProjectSaysSo)
+{
+  output({"project", "new", "film"});
+  EXPECT_EQ(output({"list", "-p", "film"}), "no reels yet (reeldb import FILE makes them, or reeldb create ID)\n");
+  EXPECT_EQ(output({"list", "-p", "film", "--json"}), "[]\n");
+}
+
+TEST_F(ListCommand, JsonHasEveryKeyInItsType)
+{
+  output({"set", "A001", "0=twelve", "3=rain", "bin=Shelf", "label-mapping=pal9pin", "inhibit=yes", "available=no"});
+  EXPECT_EQ(json({"list", "--json"}), Json::parse(R"([{
+    "id": "A001", "type": "Tape 2ch", "available": false, "inhibit": true, "label_mapping": "pal9pin",
+    "bin": "Shelf", "last_device": "", "video_channels": 1, "audio_channels": 2,
+    "user_fields": {"0": "twelve", "3": "rain"}, "shots": 0}])"));
+}
+
+TEST_F(ListCommand, ShotsAreCountedWithoutRegardToCase)
+{
+  dir_.write("a.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                          event(2, "a001", "V", "01:00:02:00", "01:00:03:00") +
+                          event(3, "B001", "V", "01:00:00:00", "01:00:01:00"));
+  output({"import", "a.edl"});
+  EXPECT_EQ(reel("A001").at("shots"), 2);
+  EXPECT_EQ(reel("B001").at("shots"), 1);
+}
+
+TEST_F(ListCommand, AskingDoesNotAddTypesToTheCatalogue)
+{
+  output({"set", "A001", "bin=x"});
+  ASSERT_EQ(reeldb({"set", "A001", "type=Unheard of"}).code, 0);
+  EXPECT_EQ(json({"show", "--json", "A001"}).at("known_type"), false);
+  EXPECT_EQ(json({"types", "--json"}).size(), 4u);
+}
+
+TEST_F(ListCommand, TableLinesUpAndLeavesOutWhatNobodyUses)
+{
+  output({"create", "a reel with a long name"});
+  EXPECT_EQ(output({"list"}).substr(0, output({"list"}).find('\n')),
+            "REEL                     TYPE      AVAILABLE  INHIBIT  SHOTS  VIDEO  AUDIO");
+  const std::string text = output({"list"});
+  EXPECT_NE(text.find("\nA001                     Tape 2ch  yes        no           0      1      2\n"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("\n2 reels\n"), std::string::npos) << text;
+}
+
+TEST_F(ListCommand, TableShowsUserFieldsUnderTheirNames)
+{
+  output({"fields", "1=Scene"});
+  output({"set", "A001", "1=12A"});
+  const std::string text = output({"list"});
+  EXPECT_NE(text.find("Scene\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("12A\n"), std::string::npos) << text;
+}
+
+TEST_F(ListCommand, WideCharactersLineUp)
+{
+  output({"create", "\xe3\x83\x86\xe3\x83\xbc\xe3\x83\x97"}); // three characters of two columns
+  const std::string text = output({"list"});
+  EXPECT_NE(text.find("\nA001    Tape 2ch"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n\xe3\x83\x86\xe3\x83\xbc\xe3\x83\x97  "), std::string::npos) << text;
+}
+
+TEST_F(ListCommand, ControlCharactersNeverReachTheTable)
+{
+  output({"create", "x\x1b[31m\ny"});
+  const std::string text = output({"list"});
+  EXPECT_NE(text.find("x\\x1b[31m\\ny"), std::string::npos) << text;
+  EXPECT_EQ(text.find('\x1b'), std::string::npos);
+  EXPECT_EQ(reel("x\x1b[31m\ny").at("available"), true);
+}
+
+TEST_F(ListCommand, BytesThatAreNoUtf8AreReplacedInJsonAndEscapedInTheTable)
+{
+  output({"create", "x\xffy"});
+  EXPECT_EQ(reelIds(), (Words{"A001", "x\xef\xbf\xbdy"}));
+  EXPECT_NE(output({"list"}).find("x\\xffy"), std::string::npos);
+}
+
+TEST_F(ListCommand, NarrowTerminalCutsOtherColumnsButNoIdentifier)
+{
+  const std::string id(60, 'i'), type(60, 't');
+  output({"create", id});
+  ASSERT_EQ(reeldb({"set", id, "type=" + type}).code, 0);
+  ProcessSetting terminal = setting_;
+  terminal.terminal = true;
+  const std::string shown = reeldb({"list"}, terminal).out;
+  EXPECT_NE(shown.find(id + "  ttttttt\xe2\x80\xa6"), std::string::npos) << shown;
+  EXPECT_NE(output({"list"}).find(id + "  " + type), std::string::npos);
+}
+
+TEST_F(ListCommand, ColourOnlyOnATerminalThatWantsIt)
+{
+  ProcessSetting terminal = setting_;
+  terminal.terminal = true;
+  terminal.environment["TERM"] = "xterm";
+  EXPECT_NE(reeldb({"list"}, terminal).out.find('\x1b'), std::string::npos);
+  terminal.environment["NO_COLOR"] = "1";
+  EXPECT_EQ(reeldb({"list"}, terminal).out.find('\x1b'), std::string::npos);
+  terminal.environment.erase("NO_COLOR");
+  terminal.environment["TERM"] = "dumb";
+  EXPECT_EQ(reeldb({"list"}, terminal).out.find('\x1b'), std::string::npos);
+  EXPECT_EQ(output({"list"}).find('\x1b'), std::string::npos);
+}
+
+TEST_F(ListCommand, ReadOnlyProjectIsRead)
+{
+  if (geteuid() == 0)
+    GTEST_SKIP() << "root writes every file";
+  fs::permissions(path("projects/main.reels"), fs::perms::owner_read);
+  fs::permissions(path("projects"), fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_EQ(reelIds(), Words{"A001"});
+  const ProcessResult result = reeldb({"set", "A001", "bin=x"});
+  fs::permissions(path("projects"), fs::perms::owner_all);
+  EXPECT_EQ(result.code, 1);
+}
+
+} // namespace

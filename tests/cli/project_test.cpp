@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
+#include "cli/command_fixture.h"
+
+namespace fs = std::filesystem;
+using namespace reeldb_tests;
+
+namespace {
+
+class ProjectCommand : public FacilityTest {
+protected:
+  Json project(const std::string& name)
+  {
+    for (const Json& entry : json({"project", "list", "--json"}))
+      if (entry.at("name") == name)
+        return entry;
+    return nullptr;
+  }
+};
+
+TEST_F(ProjectCommand, NewProjectIsEmptyAndHasTheUsualRate)
+{
+  EXPECT_EQ(output({"project", "new", "film"}), "project film made (25 frames)\nnext: reeldb -p film import FILE...\n");
+  EXPECT_EQ(project("film"), Json::parse(R"({"name": "film", "default": false, "rate": "25", "rate_code": 3})"));
+  EXPECT_EQ(json({"list", "--json", "-p", "film"}), Json::array());
+}
+
+TEST_F(ProjectCommand, RateIsTakenByNameAndByCode)
+{
+  output({"project", "new", "a", "--rate", "29.97"});
+  output({"project", "new", "b", "--rate", "4"});
+  EXPECT_EQ(project("a").at("rate_code"), project("b").at("rate_code"));
+  EXPECT_EQ(project("a").at("rate"), "29.97");
+}
+
+TEST_F(ProjectCommand, UnknownRateIsAUsageErrorThatNamesTheRates)
+{
+  const ProcessResult result = reeldb({"project", "new", "film", "--rate", "26"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err.compare(0, 38, "reeldb: \"26\": no such frame rate (this"), 0) << result.err;
+  EXPECT_NE(result.err.find("25 (code 3)"), std::string::npos) << result.err;
+  EXPECT_FALSE(fs::exists(path("projects/film.reels")));
+}
+
+TEST_F(ProjectCommand, NameThatIsTakenIsRefused)
+{
+  const std::string before = readFile("projects/main.reels");
+  const ProcessResult result = reeldb({"project", "new", "main"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err.compare(0, 8, "reeldb: "), 0);
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ProjectCommand, NameThatIsNoFileNameIsRefused)
+{
+  for (const std::string name : {"", ".", "..", "a/b", "../up", "/abs"}) {
+    const ProcessResult result = reeldb({"project", "new", name});
+    EXPECT_EQ(result.code, 1) << name;
+  }
+  EXPECT_EQ(json({"project", "list", "--json"}).size(), 1u);
+}
+
+TEST_F(ProjectCommand, NewProjectIsNotChangedByThoseWhoRead)
+{
+  output({"project", "new", "film"});
+  const std::string before = readFile("projects/film.reels");
+  output({"-p", "film", "list"});
+  const ProcessResult shown = reeldb({"-p", "film", "show", "nothing"});
+  EXPECT_EQ(shown.code, 1);
+  EXPECT_EQ(readFile("projects/film.reels"), before);
+}
+
+TEST_F(ProjectCommand, DefaultReelTypeOfTheFacilityIsStoredInANewProject)
+{
+  const std::string toml = readFile("facility.toml");
+  const std::string key = "default_reel_type";
+  ASSERT_NE(toml.find(key), std::string::npos);
+  output({"project", "new", "film"});
+  output({"-p", "film", "create", "R1"});
+  const std::string type = json({"-p", "film", "show", "--json", "R1"}).at("type");
+  EXPECT_NE(toml.find('"' + type + '"'), std::string::npos) << type;
+}
+
+TEST_F(ProjectCommand, ListShowsATable)
+{
+  output({"project", "new", "film"});
+  EXPECT_EQ(output({"project", "list"}), "PROJECT  RATE  DEFAULT\n"
+                                         "film     25\n"
+                                         "main     25    yes\n");
+}
+
+TEST_F(ProjectCommand, ListTellsADamagedProjectAndGoesOn)
+{
+  dir_.write("projects/bad.reels", std::string(50000, 'x'));
+  const ProcessResult result = reeldb({"project", "list", "--json"});
+  EXPECT_EQ(result.code, 3);
+  const Json list = Json::parse(result.out);
+  ASSERT_EQ(list.size(), 2u);
+  EXPECT_EQ(list.at(0).at("name"), "bad");
+  EXPECT_NE(list.at(0).at("fault").get<std::string>(), "");
+  EXPECT_EQ(list.at(1).at("name"), "main");
+  EXPECT_FALSE(list.at(1).contains("fault"));
+}
+
+} // namespace

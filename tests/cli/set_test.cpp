@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Set : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    output({"create", "A001"});
+    output({"set", "A001", "type="});
+  }
+  void expectRefusal(int code, const Words& assignments, const std::string& message)
+  {
+    const std::string before = readFile("projects/main.reels");
+    Words words = {"set", "A001"};
+    words.insert(words.end(), assignments.begin(), assignments.end());
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err.substr(0, message.size() + 8), "reeldb: " + message);
+    EXPECT_EQ(readFile("projects/main.reels"), before);
+  }
+};
+
+TEST_F(Set, ReportsWhatChangedAndWhatWasAlreadySo)
+{
+  EXPECT_EQ(output({"set", "a001", "bin=Shelf 4", "available=yes", "inhibit=on"}), "A001: bin: Shelf 4 (was -)\n"
+                                                                                   "A001: available: yes (already so)\n"
+                                                                                   "A001: inhibit: yes (was no)\n");
+  EXPECT_EQ(json({"set", "A001", "bin=Shelf 4", "inhibit=no", "--json"}), Json::parse(R"({
+    "id": "A001",
+    "changed": [{"field": "inhibit", "from": "yes", "to": "no"}],
+    "unchanged": [{"field": "bin", "value": "Shelf 4"}]})"));
+}
+
+TEST_F(Set, NothingToChangeLeavesTheProjectFileAlone)
+{
+  output({"set", "A001", "bin=x"});
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"set", "A001", "bin=x"}), "A001: bin: x (already so)\n");
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Set, NewTypeAddsItsChannelsAndNeverTakesAny)
+{
+  output({"set", "A001", "type=Tape 4ch"});
+  EXPECT_EQ(reel("A001").at("audio_channels"), 4);
+  EXPECT_EQ(reel("A001").at("video_channels"), 1);
+  output({"set", "A001", "type=Tape 2ch"});
+  EXPECT_EQ(reel("A001").at("audio_channels"), 4);
+  EXPECT_EQ(reel("A001").at("type"), "Tape 2ch");
+}
+
+TEST_F(Set, TypeThatIsNotListedIsStoredWithAWarning)
+{
+  const ProcessResult result = reeldb({"set", "A001", "type=Betacam"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "A001: type: Betacam (was -)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: Betacam: not in the reel type catalogue (stored all the same; reeldb types lists what is)\n");
+  EXPECT_EQ(reel("A001").at("type"), "Betacam");
+}
+
+TEST_F(Set, FlagsTakeTheUsualWords)
+{
+  for (const std::string word : {"yes", "TRUE", "On", "1"}) {
+    output({"set", "A001", "available=" + word});
+    EXPECT_EQ(reel("A001").at("available"), true) << word;
+    output({"set", "A001", "available=no"});
+  }
+  for (const std::string word : {"No", "false", "off", "0"}) {
+    output({"set", "A001", "available=yes"});
+    output({"set", "A001", "available=" + word});
+    EXPECT_EQ(reel("A001").at("available"), false) << word;
+  }
+}
+
+TEST_F(Set, OtherWordForAFlagIsAUsageError)
+{
+  expectRefusal(2, {"available=maybe"}, "available: \"maybe\" is neither yes nor no\n");
+  expectRefusal(2, {"inhibit="}, "inhibit: \"\" is neither yes nor no\n");
+}
+
+TEST_F(Set, UnknownFieldIsAUsageErrorThatNamesTheFields)
+{
+  expectRefusal(2, {"colour=red"},
+                "colour: no such field (type, available, inhibit, label-mapping, bin, last-device, "
+                "user-field.0 to user-field.5, or the name of a user field)\n");
+}
+
+TEST_F(Set, ArgumentWithoutEqualsSignIsAUsageError)
+{
+  expectRefusal(2, {"bin"}, "\"bin\": not of the form field=value\n");
+  expectRefusal(2, {"=x"}, "\"=x\": not of the form field=value\n");
+}
+
+TEST_F(Set, FieldGivenTwiceIsAUsageError)
+{
+  expectRefusal(2, {"bin=a", "bin=b"}, "bin: given twice\n");
+  expectRefusal(2, {"0=a", "user-field.0=b"}, "user-field.0: given twice\n");
+}
+
+TEST_F(Set, OneBadValueStoresNothing)
+{
+  expectRefusal(2, {"bin=new", "available=perhaps"}, "available: ");
+  EXPECT_EQ(reel("A001").at("bin"), "");
+}
+
+TEST_F(Set, UserFieldsGoByNumberByPrefixAndByName)
+{
+  output({"fields", "2=Scene"});
+  output({"set", "A001", "0=zero", "user-field.1=one", "scene=two", "User field 4=three", "USER_FIELD.4=four"});
+  EXPECT_EQ(reel("A001").at("user_fields"),
+            Json::parse(R"({"0": "zero", "1": "one", "2": "two", "3": "three", "4": "four"})"));
+}
+
+TEST_F(Set, NumbersCountFrom0WhereDefaultNamesCountFrom1)
+{
+  output({"set", "A001", "User field 1=x"});
+  EXPECT_EQ(reel("A001").at("user_fields"), Json::parse(R"({"0": "x"})"));
+}
+
+TEST_F(Set, UserFieldNumberOutOfRangeIsAUsageError)
+{
+  expectRefusal(2, {"6=x"}, "6: no such user field (they are numbered from 0 to 5)\n");
+  expectRefusal(2, {"user-field.x=x"}, "user-field.x: no such user field (they are numbered from 0 to 5)\n");
+  expectRefusal(2, {"-1=x"}, "-1: no such user field (they are numbered from 0 to 5)\n");
+}
+
+TEST_F(Set, NameThatTwoUserFieldsHaveIsRefused)
+{
+  output({"fields", "0=Scene", "3=scene"});
+  expectRefusal(1, {"Scene=x"}, "Scene: two user fields are called that (say user-field.0 or user-field.3 instead)\n");
+}
+
+TEST_F(Set, LastDeviceMustBeADevice)
+{
+  const Json devices = json({"devices", "--json"});
+  const std::string name = devices.at(0).at("name");
+  expectRefusal(1, {"last-device=Nope"}, "last-device: no device is called \"Nope\" (this facility has: ");
+  output({"set", "A001", "last-device=" + name});
+  EXPECT_EQ(reel("A001").at("last_device"), name);
+  // Without a listed type the device says how many channels there are to be.
+  EXPECT_EQ(reel("A001").at("audio_channels"), devices.at(0).at("audio_inputs"));
+  output({"set", "A001", "last_device="});
+  EXPECT_EQ(reel("A001").at("last_device"), "");
+}
+
+TEST_F(Set, EmptyValueTakesTheValueAway)
+{
+  output({"set", "A001", "bin=x", "label-mapping=pal9pin", "0=y"});
+  output({"set", "A001", "bin=", "label-mapping=", "0="});
+  EXPECT_EQ(reel("A001").at("bin"), "");
+  EXPECT_EQ(reel("A001").at("label_mapping"), "");
+  EXPECT_EQ(reel("A001").at("user_fields"), Json::object());
+}
+
+TEST_F(Set, ValueMayHoldEqualsSignsBlanksAndAnyBytes)
+{
+  const std::string value = " a=b \xc3\xa9 \x1b[2J\n";
+  EXPECT_EQ(output({"set", "A001", "bin=" + value}), "A001: bin:  a=b \xc3\xa9 \\x1b[2J\\n (was -)\n");
+  EXPECT_EQ(reel("A001").at("bin"), value);
+}
+
+TEST_F(Set, ValueThatWouldBeCutIsRefused)
+{
+  output({"set", "A001", "bin=" + std::string(2047, 'b')});
+  EXPECT_EQ(reel("A001").at("bin"), std::string(2047, 'b'));
+  expectRefusal(1, {"bin=" + std::string(2048, 'c')}, "bin: value too long (it has 2048 bytes, 2047 are the most)\n");
+}
+
+TEST_F(Set, UnknownReelIsRefused)
+{
+  const ProcessResult result = reeldb({"set", "B001", "bin=x"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: B001: no such reel\n");
+}
+
+} // namespace

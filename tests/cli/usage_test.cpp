@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command line itself: what is refused, how arguments come through, what the exit code is.
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Usage : public FacilityTest {
+protected:
+  void expectUsageError(const Words& words, const std::string& message)
+  {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 2) << message;
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+  }
+};
+
+TEST_F(Usage, NoCommandIsAnError)
+{
+  expectUsageError({}, "no command given (reeldb --help tells more)");
+  expectUsageError({"-p", "main"}, "no command given (reeldb --help tells more)");
+}
+
+TEST_F(Usage, UnknownCommandIsNamed)
+{
+  expectUsageError({"lsit"}, "\"lsit\": no such command (reeldb --help tells more)");
+  expectUsageError({"project", "lsit"}, "project: \"lsit\": no such command (reeldb project --help tells more)");
+  expectUsageError({"project"}, "project: no command given (reeldb project --help tells more)");
+}
+
+TEST_F(Usage, UnknownOptionIsNamed)
+{
+  expectUsageError({"list", "--jsom"}, "list: \"--jsom\": not expected here (reeldb list --help tells more)");
+  expectUsageError({"--bad", "list"}, "list: \"--bad\": not expected here (reeldb list --help tells more)");
+}
+
+TEST_F(Usage, ArgumentTooManyIsNamed)
+{
+  expectUsageError({"show", "R1", "R2"}, "show: \"R2\": not expected here (reeldb show --help tells more)");
+  expectUsageError({"project", "new", "a", "b"},
+                   "project new: \"b\": not expected here (reeldb project new --help tells more)");
+}
+
+TEST_F(Usage, MissingArgumentIsNamed)
+{
+  expectUsageError({"show"}, "show: ID is required (reeldb show --help tells more)");
+  expectUsageError({"import", "--json"}, "import: FILE is required (reeldb import --help tells more)");
+}
+
+TEST_F(Usage, OptionWithoutValueIsNamed)
+{
+  expectUsageError({"list", "-p"}, "list: --project: a value is missing (reeldb list --help tells more)");
+}
+
+TEST_F(Usage, OptionGivenTwiceIsNamed)
+{
+  expectUsageError({"list", "-p", "a", "-p", "b"},
+                   "list: --project: given more than once (reeldb list --help tells more)");
+}
+
+TEST_F(Usage, ControlCharactersOfAnArgumentAreEscaped)
+{
+  expectUsageError({"a\x1b[2J\n"}, "\"a\\x1b[2J\\n\": no such command (reeldb --help tells more)");
+}
+
+TEST_F(Usage, IdentifiersThatLookLikeSyntaxComeThroughByteForByte)
+{
+  const Words ids = {"list",  "[a,b]",   "[]", "{}", "++",    "%%",  "a b",       "\x01",
+                     "\x01[", "--x",     "-",  "-5", "\"q\"", "a=b", "=",         "caf\xc3\xa9",
+                     "\xff",  "project", "1",  "#x", "a\\nb", "x,y", "[a] b [c]", "a\nb"};
+  for (const std::string& id : ids) {
+    const ProcessResult result = reeldb({"create", "--json", "--", id});
+    EXPECT_EQ(result.code, 0) << id << ": " << result.err;
+    EXPECT_EQ(reeldb({"show", "--", id}).code, 0) << id;
+  }
+  EXPECT_EQ(json({"list", "--json"}).size(), ids.size());
+  EXPECT_EQ(json({"show", "--json", "--", "[a,b]"}).at("id"), "[a,b]");
+  EXPECT_EQ(json({"show", "--json", "++"}).at("id"), "++");
+  EXPECT_EQ(json({"set", "--json", "{}", "bin=[x,y]"}).at("changed").at(0).at("to"), "[x,y]");
+}
+
+TEST_F(Usage, OptionsMayStandAnywhere)
+{
+  reeldb({"project", "new", "other"});
+  reeldb({"create", "R9", "-p", "other"});
+  EXPECT_EQ(json({"-p", "other", "list", "--json"}).at(0).at("id"), "R9");
+  EXPECT_EQ(json({"list", "--json", "--project=other"}).at(0).at("id"), "R9");
+  EXPECT_EQ(json({"--project", "other", "show", "--json", "R9"}).at("id"), "R9");
+}
+
+TEST_F(Usage, ProjectThatIsNotThereIsRefusedWithThoseThatAre)
+{
+  reeldb({"project", "new", "other"});
+  const ProcessResult result = reeldb({"list", "-p", "nope"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: nope: no such project (this facility has: main, other)\n");
+}
+
+TEST_F(Usage, ProjectNameThatIsNoFileNameIsRefused)
+{
+  for (const std::string name : {"../main", "a/b", ".", "..", ""}) {
+    const ProcessResult result = reeldb({"list", "-p", name});
+    EXPECT_EQ(result.code, 1) << name;
+    EXPECT_NE(result.err, "") << name;
+  }
+}
+
+TEST_F(Usage, StandardOutputThatTakesNothingIsTold)
+{
+  ProcessSetting full = setting_;
+  full.outputFile = "/dev/full";
+  const ProcessResult result = reeldb({"types"}, full);
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, "reeldb: standard output: cannot be written (No space left on device)\n");
+}
+
+TEST_F(Usage, BrokenConfigurationIsExitCode3)
+{
+  dir_.write("facility.toml", "this is no TOML [");
+  const ProcessResult result = reeldb({"list"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_NE(result.err.find("facility.toml"), std::string::npos) << result.err;
+}
+
+TEST_F(Usage, DamagedProjectIsExitCode3AndStaysAsItWas)
+{
+  const std::string garbage(100000, 'x');
+  dir_.write("projects/main.reels", garbage);
+  for (const Words& words : std::vector<Words>{{"list"}, {"create", "R1"}, {"set", "R1", "bin=x"}}) {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 3) << words[0];
+    EXPECT_NE(result.err.find("main.reels"), std::string::npos) << result.err;
+  }
+  EXPECT_EQ(readFile("projects/main.reels"), garbage);
+}
+
+TEST_F(Usage, VersionIsThatOfTheLibrary)
+{
+  EXPECT_EQ(output({"--version"}), "reeldb 14.0.0.0\n");
+}
+
+} // namespace
