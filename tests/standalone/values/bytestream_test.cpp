@@ -178,6 +178,13 @@ TEST(ByteStream, NulIsTextAndNoSeparator)
   EXPECT_STREQ(piece + 2, "b");
   stream >> piece;
   EXPECT_STREQ(piece, "c");
+
+  ByteStream overString(LightweightString<char>("a\0b:c", 5));
+  overString.separators = ":";
+  overString >> piece;
+  EXPECT_STREQ(piece + 2, "b");
+  overString >> piece;
+  EXPECT_STREQ(piece, "c");
 }
 
 TEST(ByteStream, SeparatorsCanBeAddedBetweenReads)

@@ -348,6 +348,24 @@ TEST(StringList, CopiesAreApart)
   EXPECT_EQ(texts(copy), (Texts{"b", "a", "c"}));
 }
 
+TEST(StringList, AssignedListHasItsRoomToo)
+{
+  NEEDS_ROUTED_NEW;
+  StringList list, assigned;
+  fill(list, Texts(9, "a"));
+  assigned.add("b");
+  assigned = list;
+  for (int i = 0; i < 40; ++i)
+    assigned.add("c");
+  EXPECT_EQ(assigned.count(), 49U);
+  StringList target;
+  target = list;
+  const LightweightString<char> text = "d";
+  const Ledger ledger;
+  target.add(text); // room is there
+  EXPECT_EQ(ledger.allocations(), 1);
+}
+
 TEST(StringList, WithoutMemoryNothingLeaks)
 {
   NEEDS_ROUTED_NEW;

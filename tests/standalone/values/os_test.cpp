@@ -38,22 +38,14 @@ bool valuesWork()
          names.contains("A001");
 }
 
-// Before any constructor of this program or of a shared library has run. (TSan has no shadow memory that early.)
-#if defined(__SANITIZE_THREAD__)
-#define VALUES_TEST_TSAN 1
-#elif defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#define VALUES_TEST_TSAN 1
-#endif
-#endif
-#ifndef VALUES_TEST_TSAN
 bool workedBeforeConstructors = false;
-extern "C" void beforeConstructors()
+
+/// Runs before any constructor of this program and of the shared libraries.
+void beforeConstructors()
 {
   workedBeforeConstructors = valuesWork();
 }
 __attribute__((section(".preinit_array"), used)) void (*const preinit)() = beforeConstructors;
-#endif
 
 /// Lives around main.
 struct Around {
@@ -73,12 +65,10 @@ Around around;
 
 } // namespace
 
-#ifndef VALUES_TEST_TSAN
 TEST(HostServices, BeforeAnyConstructorTheyWork)
 {
   EXPECT_TRUE(workedBeforeConstructors);
 }
-#endif
 
 TEST(HostServices, InAConstructorBeforeMainTheyWork)
 {

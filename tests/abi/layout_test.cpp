@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What programs that were compiled against these headers rely on without a word: sizes, places of members, and which
+// function stands where in a table of virtual functions.
+#include <cstddef>
+#include <cstring>
+#include <new>
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+#include "CreateNewReelAction.h"
+#include "LabelMaps.h"
+#include "MainThread.h"
+#include "ReelDbVersion.h"
+#include "ReelTypeManager.h"
+#include "host/events.h"
+#include "host/projdb.h"
+#include "host/text.h"
+#include "support/library_fixture.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+// offsetof is conditional for classes with virtual functions; both compilers support it.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Winvalid-offsetof"
+
+// --- Values of the boundary: a library and a host agree on these
+static_assert(sizeof(LightweightString<char>) == sizeof(void*) && sizeof(LightweightString<wchar_t>) == sizeof(void*));
+static_assert(sizeof(Zr::UUID) == 16 && sizeof(Cookie) == 20 && alignof(Cookie) == 2);
+static_assert(sizeof(CookieVec) == 16 && sizeof(Array) == 24 && sizeof(StringList) == sizeof(Array));
+static_assert(sizeof(ArrayRec) == 16 && sizeof(ProjectListener) == sizeof(void*));
+static_assert(sizeof(AssocList) == 16 && sizeof(AssocListRep::Entry) == 32);
+static_assert(sizeof(LabelMappingSet) == 14 * 12 && offsetof(LabelMappingSet::Entry, source) == 4 &&
+              offsetof(LabelMappingSet::Entry, format) == 8);
+static_assert(sizeof(IdStamp) == 4 && sizeof(EditModification) == 4);
+
+// --- The library's own classes
+static_assert(sizeof(ReelDbClient) == sizeof(ArrayRec) + sizeof(LightweightString<char>));
+
+static_assert(offsetof(ReelDbManager, reelList) == 8);
+static_assert(offsetof(ReelDbManager, reelsInUse) == 24);
+static_assert(offsetof(ReelDbManager, lastProject) == 48);
+static_assert(offsetof(ReelDbManager, notifyHoldCount) == 68);
+static_assert(offsetof(ReelDbManager, clients) == 72);
+static_assert(sizeof(ReelDbManager) == 96);
+
+static_assert(sizeof(ReelDbRec) == sizeof(Cookie) && alignof(ReelDbRec) == alignof(Cookie));
+static_assert(!std::is_polymorphic_v<ReelDbRec> && std::is_base_of_v<Cookie, ReelDbRec>);
+static_assert(sizeof(ReelTypeManager) == sizeof(AssocList) && !std::is_polymorphic_v<ReelTypeManager>);
+static_assert(std::is_base_of_v<AssocList, ReelTypeManager>);
+static_assert(sizeof(CreateNewReelAction) == 24 + sizeof(Zr::InternalRefCount));
+static_assert(sizeof(Zr::InternalRefCount) == 16);
+
+static_assert(offsetof(ReelType, name) == 0 && offsetof(ReelType, numVideoChans) == 8 &&
+              offsetof(ReelType, numAudioChans) == 12 && sizeof(ReelType) == 16);
+
+#pragma GCC diagnostic pop
+
+// --- Inheritance
+static_assert(std::is_base_of_v<ProjectListener, ReelDbManager> && !std::has_virtual_destructor_v<ReelDbManager>);
+static_assert(std::is_base_of_v<ArrayRec, ReelDbClient> && std::has_virtual_destructor_v<ReelDbClient>);
+static_assert(std::is_base_of_v<iExecutableAction, CreateNewReelAction>);
+static_assert(std::is_base_of_v<iObject, iExecutableAction> && std::is_base_of_v<Zr::InternalRefCount, iObject>);
+static_assert(std::is_base_of_v<EditPtr, EditInfo> && std::is_base_of_v<Array, StringList>);
+
+// --- Copies
+static_assert(!std::is_copy_constructible_v<ReelDbClient> && !std::is_copy_assignable_v<ReelDbClient>);
+static_assert(!std::is_copy_constructible_v<ReelDbManager> && !std::is_copy_assignable_v<ReelDbManager>);
+static_assert(!std::is_copy_constructible_v<ReelTypeManager> && !std::is_copy_assignable_v<ReelTypeManager>);
+static_assert(!std::is_copy_constructible_v<EditModifier> && !std::is_move_constructible_v<EditModifier>);
+static_assert(std::is_copy_constructible_v<ReelDbRec> && std::is_copy_assignable_v<ReelDbRec>);
+
+// --- Shapes of declarations that callers depend on
+template <class T>
+using Text = LightweightString<T>;
+using Ids = std::vector<Text<char>>;
+
+static_assert(std::is_same_v<decltype(theConfigurationManager()), ExtDeviceConfigurationManager&>);
+static_assert(std::is_same_v<decltype(theReelTypeManager()), ReelTypeManager*>);
+static_assert(std::is_same_v<decltype(&ReelDbManager::theReelDbManager), ReelDbManager* (*)()>);
+static_assert(std::is_same_v<decltype(ReelDbManager::theReelDbManager_), ReelDbManager*>);
+static_assert(std::is_same_v<decltype(ReelDbManager::systemWideDefaultReelType_), Text<char>>);
+static_assert(std::is_same_v<decltype(reeldbDllVersionStr()), const char*>);
+static_assert(std::is_same_v<decltype(glib_pid), int> && std::is_same_v<decltype(TR_BIN_NAME), const char*>);
+static_assert(std::is_constructible_v<CreateNewReelAction, const Text<char>&, int>);
+static_assert(std::is_convertible_v<Cookie, ReelDbRec> && std::is_default_constructible_v<ReelDbRec>);
+static_assert(std::is_constructible_v<ReelDbClient, Text<char>> && !std::is_convertible_v<Text<char>, ReelDbClient>);
+static_assert(std::is_same_v<decltype(EditManager::makeNewEdit(Cookie())), EditModifier>);
+static_assert(std::is_same_v<decltype(std::declval<const configb&>().in("")), const char*>);
+
+template <class R, class C, class... A>
+using Member = R (C::*)(A...);
+[[maybe_unused]] constexpr Member<void, ReelDbManager, Ids&, bool> allIds = &ReelDbManager::getAllReelIds;
+[[maybe_unused]] constexpr Member<void, ReelDbManager, StringList&, bool> allIdsAsList = &ReelDbManager::getAllReelIds;
+[[maybe_unused]] constexpr Member<ReelDbRec, ReelDbManager, const Text<char>&, int> create =
+    &ReelDbManager::createNewReel;
+[[maybe_unused]] constexpr Member<int, ReelDbManager, Text<char>> check = &ReelDbManager::checkReelValid;
+[[maybe_unused]] constexpr Member<bool, ReelDbManager, Text<char>> isMarked = &ReelDbManager::reelInUse;
+[[maybe_unused]] constexpr Member<void, ReelDbManager, Text<char>, bool> mark = &ReelDbManager::reelInUse;
+[[maybe_unused]] constexpr Member<bool, ReelDbManager, const NotifyMsg&> deviceChange =
+    &ReelDbManager::handleDeviceChange;
+[[maybe_unused]] constexpr Member<ReelType, ReelTypeManager, const unsigned&> byIndex = &ReelTypeManager::type;
+[[maybe_unused]] constexpr Member<ReelType, ReelTypeManager, const Text<char>&> byName = &ReelTypeManager::type;
+
+// --- Reading objects as a compiled program would
+
+/// What lies at this offset in an object.
+template <class T>
+T at(const void* object, std::size_t offset)
+{
+  T value;
+  std::memcpy(&value, static_cast<const char*>(object) + offset, sizeof value);
+  return value;
+}
+
+/// The function in this slot of the object's (first) table of virtual functions.
+void* slot(const void* object, std::size_t n)
+{
+  return at<void*>(at<void*>(object, 0), n * sizeof(void*));
+}
+
+/// Calls the function in a slot as a member function of the object.
+template <class R = void, class... A>
+#ifdef __clang__
+__attribute__((no_sanitize("undefined"))) // the type is what is put to the test
+#endif
+R callSlot(void* object, std::size_t n, A... arguments)
+{
+  return reinterpret_cast<R (*)(void*, A...)>(slot(object, n))(object, arguments...);
+}
+
+class Layout : public LibraryTest {
+protected:
+  Heard heard_;
+};
+
+/// Overrides nothing: its table holds the host's own functions.
+class DeafListener : public ProjectListener {};
+class PlainRecord : public ArrayRec {};
+
+} // namespace
+
+TEST_F(Layout, ClientHoldsItsReelBehindTheRecord)
+{
+  const LightweightString<char> id("R1");
+  ReelDbClient client(id);
+  EXPECT_EQ(nullptr, at<void*>(&client, 8)) << "the host's own member";
+  EXPECT_EQ(at<void*>(&id, 0), at<void*>(&client, 16)) << "copies share the text";
+}
+
+TEST_F(Layout, ActionHoldsIdentifierAndDevice)
+{
+  const LightweightString<char> id("R1");
+  const Zr::Ptr<CreateNewReelAction> action(new CreateNewReelAction(id, 0x1234567));
+  EXPECT_EQ(at<void*>(&id, 0), at<void*>(action.get(), 8));
+  EXPECT_EQ(0x1234567, at<int>(action.get(), 16));
+  const void* const counted = static_cast<const Zr::InternalRefCount*>(action.get());
+  EXPECT_EQ(24, static_cast<const char*>(counted) - reinterpret_cast<const char*>(action.get()))
+      << "the shared base comes last";
+}
+
+TEST_F(Layout, ManagerListensInTheOrderOfTheHost)
+{
+  DeafListener deaf;
+  ReelDbManager& listener = manager();
+  for (const std::size_t inherited : {0U, 2U, 3U, 4U})
+    EXPECT_EQ(slot(&deaf, inherited), slot(&listener, inherited)) << inherited;
+
+  script().projectCookies = {Cookie("PLAYOUT", false)};
+  addLog(9, "R1");
+  callSlot(&listener, 5);
+  EXPECT_EQ("PLAYOUT", text(listener.lastProject)) << "entry";
+  EXPECT_EQ(1, listener.reelList.count());
+
+  const Cookie shot = addShot("R2");
+  const EditModification imported(EditModificationType(59));
+  callSlot<void, const Cookie&, const EditModification&>(&listener, 1, shot, imported);
+  EXPECT_TRUE(listener.doesReelExist("R2")) << "modification";
+
+  callSlot(&listener, 6);
+  EXPECT_EQ(0, listener.reelList.count()) << "exit";
+}
+
+TEST_F(Layout, ClientsHandlersFollowTheRecords)
+{
+  PlainRecord plain;
+  ReelDbClient client;
+  for (const std::size_t inherited : {2U, 3U, 4U, 5U})
+    EXPECT_EQ(slot(&plain, inherited), slot(&client, inherited)) << inherited;
+
+  EXPECT_EQ(0, callSlot<int>(static_cast<ArrayRec*>(&client), 2, static_cast<const ArrayRec*>(&client)));
+
+  RecordingClient recording(heard_);
+  callSlot(&recording, 6, LightweightString<char>("R1"));
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"})) << "setReelIdOfInterest";
+  heard_.clear();
+  callSlot(&recording, 7, LightweightString<char>("R2"));
+  EXPECT_EQ(heard_, (Heard{"dbC(R2)"}));
+  callSlot(&recording, 8);
+  EXPECT_EQ(heard_, (Heard{"dbC(R2)", "our()"}));
+  callSlot(&recording, 9, LightweightString<char>("R3"));
+  EXPECT_EQ(heard_, (Heard{"dbC(R2)", "our()", "some(R3)"}));
+}
+
+TEST_F(Layout, ClientEndsThroughItsFirstTwoSlots)
+{
+  alignas(RecordingClient) unsigned char place[sizeof(RecordingClient)];
+  RecordingClient* const kept = ::new (place) RecordingClient(heard_);
+  ASSERT_EQ(1U, manager().clients.count());
+  callSlot(kept, 0);
+  EXPECT_EQ(0U, manager().clients.count()) << "the destructor alone: the memory stays";
+
+  ReelDbClient* const freed = new ReelDbClient;
+  ASSERT_EQ(1U, manager().clients.count());
+  callSlot(freed, 1);
+  EXPECT_EQ(0U, manager().clients.count()) << "the destructor and the memory";
+}
+
+TEST_F(Layout, ActionIsExecutedThroughItsThirdSlot)
+{
+  const Zr::Ptr<CreateNewReelAction> action(new CreateNewReelAction("R1", -1));
+  EXPECT_FALSE(manager().doesReelExist("R1"));
+  callSlot(action.get(), 2);
+  EXPECT_TRUE(manager().doesReelExist("R1"));
+}
+
+TEST_F(Layout, ActionEndsThroughItsFirstTwoSlots)
+{
+  alignas(CreateNewReelAction) unsigned char place[sizeof(CreateNewReelAction)];
+  CreateNewReelAction* const kept = ::new (place) CreateNewReelAction("R1", -1);
+  callSlot(kept, 0);
+  callSlot(new CreateNewReelAction("R1", -1), 1); // a leak or a double release shows under the address sanitizer
+}
+
+TEST_F(Layout, ExceptionsAndTypesAreKnownOnBothSides)
+{
+  ReelDbClient client;
+  ArrayRec* const record = &client;
+  EXPECT_EQ(&client, dynamic_cast<ReelDbClient*>(record));
+  EXPECT_STREQ("12ReelDbClient", typeid(*record).name());
+  ProjectListener* const listener = &manager();
+  EXPECT_EQ(&manager(), dynamic_cast<ReelDbManager*>(listener));
+}
+
+} // namespace reeldb_tests

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the library does while it is loaded. The program answers for the two host operations that it asks then. That
+// comes before any constructor of the program, so what is noted lies in plain data.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+
+#include "MainThread.h"
+#include "ReelDbManager.h"
+#include "ReelDbRec.h"
+#include "ReelTypeManager.h"
+#include "host/config.h"
+
+namespace {
+
+constinit char asked[4][80] = {};
+constinit int askedCount = 0;
+constinit char siteType[] = "Tape of the site";
+
+char* nextLine()
+{
+  return asked[askedCount < 4 ? askedCount++ : 3];
+}
+
+} // namespace
+
+const char* config_string(const char* key, const char* defaultValue)
+{
+  std::snprintf(nextLine(), sizeof asked[0], "config_string(%s, '%s')", key, defaultValue);
+  return siteType;
+}
+
+LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
+{
+  std::snprintf(nextLine(), sizeof asked[0], "getDeviceDataDirectory(%d)", static_cast<int>(type));
+  return REELDB_TEST_DATA_DIRECTORY;
+}
+
+TEST(Load, AsksForTheDefaultTypeAndThenForTheFolderOfTheTypeFile)
+{
+  ASSERT_EQ(2, askedCount);
+  EXPECT_STREQ("config_string(default_reel_type, '')", asked[0]);
+  EXPECT_STREQ("getDeviceDataDirectory(1)", asked[1]);
+}
+
+TEST(Load, KeepsTheDefaultTypeAsTextOfItsOwn)
+{
+  EXPECT_STREQ("Tape of the site", ReelDbManager::systemWideDefaultReelType_.c_str());
+  EXPECT_NE(siteType, ReelDbManager::systemWideDefaultReelType_.c_str());
+}
+
+TEST(Load, ReadsTheTypeFileOfThatFolder)
+{
+  ASSERT_EQ(2U, theReelTypeManager_.rep()->count());
+  EXPECT_STREQ("Tape of the test", theReelTypeManager_.rep()->entry(0)->key.c_str());
+  EXPECT_STREQ("VideoChannels=1 AudioChannels=2", theReelTypeManager_.rep()->entry(0)->value.c_str());
+  EXPECT_STREQ("Disc of the test", theReelTypeManager_.rep()->entry(1)->key.c_str());
+}
+
+TEST(Load, MakesNoManagerAndSetsNoMainThread)
+{
+  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
+  EXPECT_EQ(0, glib_pid);
+  EXPECT_STREQ("reelid", TR_REEL_ID);
+}

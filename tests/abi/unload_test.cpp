@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The library, loaded by hand into a program that has a host, used and unloaded again. Only who has made no manager may
+// unload it: the host would go on telling the manager of the project.
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "ReelDbManager.h"
+#include "ReelTypeManager.h"
+#include "reelhost/facility.h"
+#include "reelhost/host.h"
+#include "reelhost/memory.h"
+
+namespace {
+
+/// A folder of this test alone.
+class TemporaryFolder {
+public:
+  TemporaryFolder()
+  {
+    std::string name = (std::filesystem::temp_directory_path() / "reeldb-unload-XXXXXX").string();
+    path_ = mkdtemp(name.data()) ? name : std::string();
+  }
+  ~TemporaryFolder()
+  {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+private:
+  std::filesystem::path path_;
+};
+
+/// What the host has given out and not got back.
+std::int64_t inUse()
+{
+  return reelhost::allocations() - reelhost::releases();
+}
+
+bool isLoaded()
+{
+  void* const library = dlopen(REELDB_LIBRARY, RTLD_NOLOAD | RTLD_NOW);
+  if (library)
+    dlclose(library);
+  return library;
+}
+
+template <class T>
+T* find(void* library, const char* name)
+{
+  T* const symbol = reinterpret_cast<T*>(dlsym(library, name));
+  EXPECT_NE(nullptr, symbol) << name;
+  return symbol;
+}
+
+} // namespace
+
+TEST(Unload, GivesBackEverythingAndCanBeLoadedAgain)
+{
+  const TemporaryFolder folder;
+  ASSERT_FALSE(folder.path().empty());
+  const std::filesystem::path site = folder.path() / "site";
+  reelhost::createFacility(site);
+  ASSERT_EQ(0, setenv("REELDB_FACILITY", site.c_str(), 1));
+  ASSERT_EQ(site, reelhost::facility().directory());
+  ASSERT_FALSE(isLoaded());
+
+  for (int round = 0; round < 3; ++round) {
+    const std::int64_t before = inUse();
+    void* const library = dlopen(REELDB_LIBRARY, RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(nullptr, library) << dlerror();
+
+    EXPECT_STREQ("14.0.0.0", find<const char*()>(library, "_Z19reeldbDllVersionStrv")());
+    const auto* const catalogue = find<ReelTypeManager>(library, "theReelTypeManager_");
+    EXPECT_LT(0U, catalogue->rep()->count()) << "the facility's types are read";
+    EXPECT_EQ(nullptr, *find<ReelDbManager*>(library, "_ZN13ReelDbManager17theReelDbManager_E"));
+    EXPECT_LT(before, inUse());
+
+    EXPECT_EQ(0, dlclose(library));
+    EXPECT_FALSE(isLoaded()) << "something keeps the library";
+    EXPECT_EQ(before, inUse()) << "types or texts were left behind";
+  }
+}

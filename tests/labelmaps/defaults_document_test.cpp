@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// docs/label-map-defaults.md is what the library answers, written down: this test makes the document and compares.
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "LabelMaps.h"
+#include "host/text.h"
+#include "support/library_fixture.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+constexpr const char* file = REELDB_DOCS "/label-map-defaults.md";
+constexpr int lowestRate = -1;
+constexpr int highestRate = 11;
+constexpr int portTypes = 4;
+
+constexpr const char* head = R"(# Default label maps
+
+What `get_device_label_map_name` answers for a device without a configured label map, by the frame rate code of the
+project's output and the port type of the device. A device whose configured map does not fit it gets the same answer.
+Port types other than 0 and 1 are all alike; codes that are not in the table are answered like 0.
+
+<!-- Written by the test labelmaps_test; renew it with: REELDB_RENEW=1 labelmaps_test -->
+
+| Frame rate code | 9-pin port (0) | 1394 port (1) | device-named (2) | no port (3) |
+|---|---|---|---|---|
+)";
+
+class DefaultsDocument : public LibraryTest {
+protected:
+  std::string answer(int portType, int rate)
+  {
+    reelhost::DeviceSettings settings = device(1, "Deck");
+    settings.portType = portType;
+    setDevices({settings});
+    script().outputFrameRate = rate;
+    return text(toUTF8(get_device_label_map_name(IdStamp(settings.id))));
+  }
+
+  std::string document()
+  {
+    std::ostringstream out;
+    out << head;
+    for (int rate = lowestRate; rate <= highestRate; ++rate) {
+      out << "| " << rate;
+      for (int portType = 0; portType < portTypes; ++portType)
+        out << " | `" << answer(portType, rate) << "`";
+      out << " |\n";
+    }
+    return out.str();
+  }
+};
+
+TEST_F(DefaultsDocument, SaysWhatTheLibraryAnswers)
+{
+  const std::string wanted = document();
+  if (std::getenv("REELDB_RENEW"))
+    std::ofstream(file, std::ios::binary) << wanted;
+  std::ifstream in(file, std::ios::binary);
+  ASSERT_TRUE(in) << file << ": not there (run labelmaps_test with REELDB_RENEW=1 to write it)";
+  std::ostringstream have;
+  have << in.rdbuf();
+  EXPECT_EQ(have.str(), wanted) << file << ": out of date (run labelmaps_test with REELDB_RENEW=1 to renew it)";
+}
+
+} // namespace
+
+} // namespace reeldb_tests

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the tests of the operations that change a project share.
+#ifndef REELDB_TESTS_REELDB_CHANGES_FIXTURE_H
+#define REELDB_TESTS_REELDB_CHANGES_FIXTURE_H
+
+#include "support/library_fixture.h"
+
+namespace reeldb_tests {
+
+using Lines = std::vector<std::string>;
+
+/// The host's word for a reel is "[reel]" here, so that no test depends on the text of a particular host.
+class ChangesTest : public LibraryTest {
+protected:
+  ChangesTest();
+
+  /// The text of each lookup by identifier of the reels of the project, in list order.
+  Lines reelIds();
+  /// UTF-8 text of each Cookie, in order.
+  static Lines texts(const CookieVec& logs);
+  static CookieVec cookies(std::initializer_list<Cookie> logs);
+  /// The journal's lines as one text, each of these Cookies written as a name of the test's. How many bytes
+  /// vorn_printf says it printed is left out.
+  static std::string listing(Lines lines, const std::vector<std::pair<Cookie, std::string>>& names = {});
+  /// What the journal says of a thread that is taken for the main one.
+  static std::string mainThread();
+  /// The identifier as the log's attribute shows it.
+  static std::string attributeOf(const Cookie& log);
+
+  /// Lets every host call of an operation fail in turn, each time in a project of its own, prepared anew. Every time
+  /// the fault must come out as it was thrown, every log and modifier be closed, and the notification hold be as
+  /// before; @p afterwards then tells whether the manager still works. Faults inside the host's own report of a new
+  /// log stay with the host. Answers how many host calls failed.
+  int failEachHostCall(const std::function<void()>& prepare, const std::function<void()>& operation,
+                       const std::function<void()>& afterwards);
+
+  Heard heard_;
+};
+
+/// Lists one after the other.
+Lines join(std::initializer_list<Lines> parts);
+
+// Journal lines of what the library does again and again. @p log is what `listing` calls the log.
+
+std::string quoted(const std::string& text);                         ///< in double quotes
+Lines attributeRead(const std::string& log, const std::string& id);  ///< the identifier, as lookups read it
+Lines withLog(const std::string& log, const Lines& inside);          ///< between an opening and its close
+Lines withNewLog(const std::string& log, const std::string& change); ///< one change of a log that is open already
+Lines idRead(const std::string& log, const std::string& id);         ///< the identifier, as records read it
+Lines typeRead(const std::string& log, const std::string& type);     ///< the type, from the database's view
+Lines rebuild(int reels);                                            ///< of the reel list
+Lines shotSearch(const std::string& id, const std::string& result);
+
+} // namespace reeldb_tests
+
+#endif

@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "ReelDbClient.h"
+
+#include <memory>
+#include <type_traits>
+
+#include "reelhost/memory.h"
+#include "support/library_fixture.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+using Client = RecordingClient;
+
+class Clients : public LibraryTest {
+protected:
+  /// The registered clients, in order.
+  std::vector<ArrayRec*> registered()
+  {
+    std::vector<ArrayRec*> all;
+    for (unsigned i = 0; i < manager().clients.count(); ++i)
+      all.push_back(manager().clients.at(i));
+    return all;
+  }
+
+  Heard heard_;
+};
+
+using Registered = std::vector<ArrayRec*>;
+
+/// Claims to equal everything.
+class AlikeClient : public RecordingClient {
+public:
+  using RecordingClient::RecordingClient;
+  int compare(const ArrayRec&) const override { return 0; }
+  bool operator==(const ArrayRec&) const override { return true; }
+  bool operator!=(const ArrayRec&) const override { return false; }
+};
+
+/// Keeps its interest to itself.
+class SecretiveClient : public RecordingClient {
+public:
+  using RecordingClient::RecordingClient;
+  void setReelIdOfInterest(LightweightString<char> id) override { kept = id; }
+  LightweightString<char> kept;
+};
+
+} // namespace
+
+TEST_F(Clients, RegisterWhenMadeAndUnregisterWhenEnded)
+{
+  ASSERT_EQ(registered(), Registered{});
+  {
+    Client a(heard_);
+    EXPECT_EQ(registered(), (Registered{&a}));
+    auto b = std::make_unique<Client>(heard_, "b", "R1");
+    Client c(heard_);
+    EXPECT_EQ(registered(), (Registered{&a, b.get(), &c}));
+    b.reset();
+    EXPECT_EQ(registered(), (Registered{&a, &c}));
+  }
+  EXPECT_EQ(registered(), Registered{});
+}
+
+TEST_F(Clients, MakingAndEndingOneAsksTheHostNothingAndTellsNobody)
+{
+  Client a(heard_);
+  EXPECT_EQ(operationsOf([&] { Client b(heard_, "", "R1"); }), Heard{});
+  EXPECT_EQ(heard_, Heard{});
+}
+
+TEST_F(Clients, FollowNoReelAtFirst)
+{
+  Client a(heard_);
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"some(R1)"}));
+}
+
+TEST_F(Clients, FollowTheReelTheyAreMadeWith)
+{
+  Client a(heard_, "", "R1");
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
+}
+
+TEST_F(Clients, FollowTheReelTheyAreGiven)
+{
+  Client a(heard_, "", "R1");
+  a.setReelIdOfInterest("R2");
+  manager().informReelDbRecChanged("R1");
+  manager().informReelDbRecChanged("R2");
+  EXPECT_EQ(heard_, (Heard{"some(R1)", "our()", "some(R2)"}));
+
+  heard_.clear();
+  a.setReelIdOfInterest("");
+  manager().informReelDbRecChanged("R2");
+  EXPECT_EQ(heard_, (Heard{"some(R2)"}));
+}
+
+TEST_F(Clients, KeepTheReelTheyAreGivenAgain)
+{
+  const LightweightString<char> id("R1");
+  Client a(heard_);
+  a.setReelIdOfInterest(id);
+  const std::int64_t held = reelhost::countsUp() - reelhost::countsDown();
+
+  a.setReelIdOfInterest(id);
+
+  EXPECT_EQ(0, reelhost::countsUp() - reelhost::countsDown() - held);
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
+}
+
+TEST_F(Clients, ShareTheTextOfTheReelAndLetItGo)
+{
+  const auto held = [] { return reelhost::countsUp() - reelhost::countsDown(); };
+  const LightweightString<char> id("R1");
+  ReelDbClient first; // makes room among the clients
+  const std::int64_t allocatedBefore = reelhost::allocations(), heldBefore = held();
+  std::int64_t allocatedThen, heldThen;
+  {
+    ReelDbClient a(id);
+    allocatedThen = reelhost::allocations();
+    heldThen = held();
+  }
+  const std::int64_t heldAfter = held();
+
+  EXPECT_EQ(0, allocatedThen - allocatedBefore);
+  EXPECT_EQ(1, heldThen - heldBefore);
+  EXPECT_EQ(0, heldAfter - heldBefore);
+}
+
+TEST_F(Clients, WithTheirOwnPlaceForTheInterestNeverMatch)
+{
+  SecretiveClient a(heard_);
+  a.setReelIdOfInterest("R1");
+
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ("R1", text(a.kept));
+  EXPECT_EQ(heard_, (Heard{"some(R1)"}));
+
+  a.ReelDbClient::setReelIdOfInterest("R1");
+  heard_.clear();
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
+}
+
+TEST_F(Clients, OfTheBaseClassDoNothing)
+{
+  ReelDbClient plain(LightweightString<char>("R1"));
+
+  EXPECT_EQ(operationsOf([&] { manager().informReelDbRecChanged("R1"); }), Heard{});
+  EXPECT_EQ(operationsOf([&] { manager().informReelDbChanged("R1"); }),
+            (Heard{"EditManager::getProjdb", "projdb::search"}));
+  EXPECT_EQ(registered(), (Registered{&plain}));
+}
+
+TEST_F(Clients, RegisteredTwiceHearEverythingTwice)
+{
+  Client a(heard_, "a", "R1"), b(heard_, "b");
+  manager().registerClient(&a);
+  EXPECT_EQ(registered(), (Registered{&a, &b, &a}));
+
+  manager().informReelDbChanged("R1");
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"a:dbC(R1)", "b:dbC(R1)", "a:dbC(R1)", "a:our()", "a:some(R1)", "b:some(R1)", "a:our()",
+                           "a:some(R1)"}));
+
+  manager().deRegisterClient(&a);
+  EXPECT_EQ(registered(), (Registered{&b, &a})) << "the first entry goes, and only that one";
+}
+
+TEST_F(Clients, ThatAreNotRegisteredCanBeUnregistered)
+{
+  Client a(heard_, "a"), b(heard_, "b");
+  manager().deRegisterClient(&a);
+  ASSERT_EQ(registered(), (Registered{&b}));
+
+  manager().deRegisterClient(&a);
+  manager().deRegisterClient(nullptr);
+
+  EXPECT_EQ(registered(), (Registered{&b}));
+}
+
+TEST_F(Clients, AreNotEndedByBeingUnregistered)
+{
+  auto a = std::make_unique<Client>(heard_, "a");
+  manager().deRegisterClient(a.get());
+
+  a->reelDbChanged("still here");
+  EXPECT_EQ(heard_, (Heard{"a:dbC(still here)"}));
+}
+
+TEST_F(Clients, AreToldApartByAddressAlone)
+{
+  AlikeClient a(heard_, "a"), b(heard_, "b"), c(heard_, "c");
+  EXPECT_EQ(registered(), (Registered{&a, &b, &c}));
+
+  manager().deRegisterClient(&b);
+  EXPECT_EQ(registered(), (Registered{&a, &c}));
+  {
+    AlikeClient d(heard_, "d");
+    manager().deRegisterClient(&b);
+    EXPECT_EQ(registered(), (Registered{&a, &c, &d}));
+  }
+  EXPECT_EQ(registered(), (Registered{&a, &c}));
+}
+
+TEST_F(Clients, StayInOrderOfRegistrationWhateverTheirAddresses)
+{
+  std::vector<std::unique_ptr<Client>> made;
+  Registered inOrderMade;
+  for (int i = 0; i < 40; ++i) {
+    made.push_back(std::make_unique<Client>(heard_));
+    inOrderMade.push_back(made.back().get());
+    if (i % 7 == 3) { // an address that is used again
+      inOrderMade.erase(inOrderMade.begin());
+      made.erase(made.begin());
+    }
+  }
+  EXPECT_EQ(registered(), inOrderMade);
+}
+
+// --- A second manager ------------------------------------------------------------------------------------------------
+
+TEST_F(Clients, GoToTheManagerOfTheProcess)
+{
+  ReelDbManager second;
+  Client a(heard_, "a");
+  EXPECT_EQ(0U, second.clients.count());
+  EXPECT_EQ(registered(), (Registered{&a}));
+
+  second.informReelDbChanged("R1");
+  second.informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, Heard{}) << "each manager tells its own clients";
+}
+
+TEST_F(Clients, OfASecondManagerHearThatOneAlone)
+{
+  ReelDbManager second;
+  Client a(heard_, "a");
+  manager().deRegisterClient(&a);
+  second.registerClient(&a);
+
+  manager().informReelDbChanged("R1");
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, Heard{});
+
+  second.informReelDbChanged("R2");
+  second.informReelDbRecChanged("R3");
+  EXPECT_EQ(heard_, (Heard{"a:dbC(R2)", "a:some(R3)"}));
+
+  second.deRegisterClient(&a);
+  EXPECT_EQ(0U, second.clients.count());
+}
+
+TEST_F(Clients, HearOfRecordsOnlyFromTheManagerOfTheProcess)
+{
+  addReel("R1");
+  ReelDbManager second;
+  second.buildReelList();
+  Client ours(heard_, "ours", "R1"), theirs(heard_, "theirs");
+  manager().deRegisterClient(&theirs);
+  second.registerClient(&theirs);
+
+  second.getReelInfo("R1").recInhibit(true);
+
+  EXPECT_EQ(heard_, (Heard{"ours:our()", "ours:some(R1)"}));
+  second.deRegisterClient(&theirs);
+}
+
+TEST_F(Clients, HoldOfASecondManagerIsItsOwn)
+{
+  ReelDbManager second;
+  second.notifyHoldCount = 1;
+  Client a(heard_);
+
+  manager().informReelDbRecChanged("R1");
+
+  EXPECT_EQ(heard_, (Heard{"some(R1)"}));
+}
+
+static_assert(!std::is_copy_constructible_v<ReelDbClient> && !std::is_copy_assignable_v<ReelDbClient>,
+              "a copy would not be registered");
+static_assert(!std::is_convertible_v<LightweightString<char>, ReelDbClient>, "the constructor is explicit");
+
+} // namespace reeldb_tests

@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a scan of the reels costs in memory and in copies of strings. A program of its own that leaves the journal and
+// the script alone: while somebody watches, the host writes down each call, and that costs memory, too.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "ReelDbManager.h"
+#include "reelhost/host.h"
+#include "reelhost/memory.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+using Text = LightweightString<char>;
+
+/// What the host's memory and counts saw of something.
+struct Cost {
+  std::int64_t allocations, up, down;
+};
+
+/// @p action is called twice: the first call makes the room that stays.
+Cost costOf(const std::function<void()>& action)
+{
+  action();
+  const Cost before{reelhost::allocations(), reelhost::countsUp(), reelhost::countsDown()};
+  action();
+  return {reelhost::allocations() - before.allocations, reelhost::countsUp() - before.up,
+          reelhost::countsDown() - before.down};
+}
+
+class ScanCost : public ::testing::Test {
+protected:
+  ScanCost()
+  {
+    reelhost::startUp();
+    reelhost::useFacility(reelhost::Facility());
+    manager().notifyHoldCount = 0;
+    reelhost::openProject(reelhost::makeMemoryStore({}, {{"reeldb_defaultType", ""}}), reelhost::Access::Write);
+  }
+
+  ~ScanCost() override { reelhost::closeProject(); }
+
+  ReelDbManager& manager() { return *ReelDbManager::theReelDbManager(); }
+
+  void addReels(int count)
+  {
+    for (int i = 0; i < count; ++i) {
+      std::string id = "R";
+      id += std::to_string(++last_);
+      reelhost::StoredLog log;
+      log.type = 9;
+      log.fields = {{"reelid", id}};
+      reelhost::addLog(log);
+    }
+    manager().buildReelList();
+  }
+
+  int last_ = 0;
+};
+
+} // namespace
+
+TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringARecord)
+{
+  const Text id("no such reel");
+  const auto scan = [&] { ASSERT_FALSE(manager().doesReelExist(id)); };
+  addReels(10);
+  const Cost ten = costOf(scan);
+  addReels(50);
+  const Cost sixty = costOf(scan);
+
+  EXPECT_EQ(0, ten.allocations);
+  EXPECT_EQ(0, sixty.allocations);
+  EXPECT_EQ(50, sixty.up - ten.up);
+  EXPECT_EQ(50, sixty.down - ten.down);
+  EXPECT_EQ(ten.up, ten.down) << "every copy is given back";
+}
+
+TEST_F(ScanCost, ScanThatFindsTheLastReelAllocatesNothingEither)
+{
+  addReels(10);
+  const Text last("R10");
+  EXPECT_EQ(0, costOf([&] { ASSERT_TRUE(manager().getReelInfo(last).valid()); }).allocations);
+}
+
+TEST_F(ScanCost, EmptyIdentifierCostsNothing)
+{
+  addReels(10);
+  const Cost cost = costOf([&] { ASSERT_FALSE(manager().doesReelExist({})); });
+  EXPECT_EQ(0, cost.allocations);
+  EXPECT_EQ(0, cost.up);
+}
+
+TEST_F(ScanCost, ListingAllocatesNothingWhereTheVectorHasRoom)
+{
+  std::vector<Text> ids;
+  ids.reserve(100);
+  const auto list = [&] {
+    ids.clear();
+    manager().getAllReelIds(ids, true);
+  };
+  addReels(10);
+  const Cost ten = costOf(list);
+  addReels(50);
+  const Cost sixty = costOf(list);
+
+  EXPECT_EQ(60U, ids.size());
+  EXPECT_EQ(0, ten.allocations);
+  EXPECT_EQ(0, sixty.allocations);
+  EXPECT_EQ(2 * 50, sixty.up - ten.up) << "one copy is read, one is listed";
+}
+
+TEST_F(ScanCost, NoticeAllocatesNothing)
+{
+  ReelDbClient first, second(Text("R1"));
+  const Text id("R1");
+  EXPECT_EQ(0, costOf([&] { manager().informReelDbRecChanged(id); }).allocations);
+}
+
+} // namespace reeldb_tests

@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <stdexcept>
+
+#include "ReelDbRec.h"
+#include "reeldb/changes_fixture.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+class Shots : public ChangesTest {
+protected:
+  Lines referenced(std::initializer_list<Cookie> shots) { return texts(manager().getReelsReferenced(cookies(shots))); }
+
+  Lines doomed(std::initializer_list<Cookie> selection)
+  {
+    return texts(manager().buildSetOfReelsAndAssociatedShots(cookies(selection)));
+  }
+
+  static std::string preparing(const Cookie& shot, const std::string& id)
+  {
+    return "\"Preparing to delete: " + text(shot) + " from Reel: " + id + "\\n\"";
+  }
+
+  static std::string keptBack(const std::string& id)
+  {
+    return "\"Couldn't delete reel: " + id + " because it was marked as in use.\\n\"";
+  }
+};
+
+// --- The reels that shots name
+
+TEST_F(Shots, ReelIsNamedOncePerShotInTheOrderOfTheShots)
+{
+  const Cookie a = addReel("A001");
+  const Cookie b = addReel("B001");
+  const Cookie ofA = addShot("A001");
+  const Cookie ofB = addShot("B001");
+  const Cookie alsoOfA = addShot("a001");
+  EXPECT_EQ(referenced({ofB, ofA, alsoOfA}), (Lines{text(b), text(a), text(a)}));
+}
+
+TEST_F(Shots, ShotsWithoutAKnownReelAreSkipped)
+{
+  const Cookie a = addReel("A001");
+  const Cookie none = addShot("");
+  const Cookie unknown = addShot("gone");
+  const Cookie closed = addShot("A001");
+  const Cookie ofA = addShot("A001");
+  script().failOpen(closed);
+  EXPECT_EQ(referenced({none, unknown, closed, Cookie(), ofA}), Lines{text(a)});
+}
+
+TEST_F(Shots, WithoutReelsNoShotIsLookedAt)
+{
+  const Cookie shot = addShot("A001");
+  EXPECT_EQ(linesOf([&] { EXPECT_EQ(referenced({shot}), Lines{}); }), Lines{});
+}
+
+TEST_F(Shots, WithoutShotsNoReelIsLookedAt)
+{
+  addReel("A001");
+  EXPECT_EQ(linesOf([&] { EXPECT_EQ(referenced({}), Lines{}); }), Lines{});
+}
+
+TEST_F(Shots, HostCallsOfTheReelsReferenced)
+{
+  const Cookie a = addReel("A001");
+  const Cookie b = addReel("B001");
+  const Cookie ofB = addShot("b001");
+  const Cookie none = addShot("");
+  const Lines lines = linesOf([&] { referenced({ofB, none}); });
+  EXPECT_EQ(listing(lines, {{a, "a"}, {b, "b"}, {ofB, "ofB"}, {none, "none"}}),
+            listing(join({attributeRead("ofB", "b001"), attributeRead("a", "A001"), attributeRead("b", "B001"),
+                          attributeRead("none", "")})));
+}
+
+TEST_F(Shots, OtherManagerHasItsOwnListButLooksReelsUpInTheProcesssManager)
+{
+  const Cookie a = addReel("A001");
+  const Cookie shot = addShot("A001");
+  ReelDbManager other;
+  EXPECT_EQ(other.getReelsReferenced(cookies({shot})).count(), 0) << "its own list is empty";
+  other.reelList = cookies({Cookie("X1", false)});
+  EXPECT_EQ(texts(other.getReelsReferenced(cookies({shot}))), Lines{text(a)});
+}
+
+// --- The shots of a reel
+
+TEST_F(Shots, ShotsOfTheReelAreAppendedInAnyCaseAndPrinted)
+{
+  const Cookie reel = addReel("A001");
+  const Cookie one = addShot("A001");
+  addShot("A002");
+  const Cookie two = addShot("a001");
+  const Cookie before = addShot("");
+  CookieVec out = cookies({before});
+  EXPECT_EQ(printedBy([&] { manager().addShotsFromReel(reel, out); }),
+            (Lines{preparing(one, "A001"), preparing(two, "A001")}));
+  EXPECT_EQ(texts(out), (Lines{text(before), text(one), text(two)}));
+}
+
+TEST_F(Shots, PercentSignsArePrintedAsTheyAre)
+{
+  const Cookie reel = addReel("100%s");
+  const Cookie shot = addShot("100%s");
+  CookieVec out;
+  EXPECT_EQ(printedBy([&] { manager().addShotsFromReel(reel, out); }), Lines{preparing(shot, "100%s")});
+  manager().reelInUse("100%s", true);
+  EXPECT_EQ(printedBy([&] { doomed({reel}); }), Lines{keptBack("100%s")});
+}
+
+TEST_F(Shots, InvalidReelHasNoShotsAndMakesNoHostCall)
+{
+  CookieVec out;
+  EXPECT_EQ(linesOf([&] { manager().addShotsFromReel(Cookie(), out); }), Lines{});
+  EXPECT_EQ(out.count(), 0);
+}
+
+TEST_F(Shots, WithoutADatabaseOnlyTheIdentifierIsRead)
+{
+  const Cookie reel = addReel("A001");
+  addShot("A001");
+  script().noDatabase(true);
+  CookieVec out;
+  const Lines lines = linesOf([&] { manager().addShotsFromReel(reel, out); });
+  EXPECT_EQ(listing(lines, {{reel, "reel"}}),
+            listing(join({idRead("reel", "A001"), {"EditManager::getProjdb() -> null"}})));
+  EXPECT_EQ(out.count(), 0);
+}
+
+// --- What goes when a selection is deleted
+
+TEST_F(Shots, EachSelectedReelIsFollowedByItsShots)
+{
+  const Cookie a = addReel("A001");
+  const Cookie b = addReel("B001");
+  const Cookie c = addReel("C001");
+  const Cookie ofA = addShot("A001");
+  const Cookie ofB = addShot("b001");
+  const Cookie ofC = addShot("C001");
+  const Cookie alsoOfB = addShot("B001");
+  Lines printed = printedBy([&] {
+    EXPECT_EQ(doomed({b, a}), (Lines{text(b), text(ofB), text(alsoOfB), text(a), text(ofA)}));
+  });
+  EXPECT_EQ(printed, (Lines{preparing(ofB, "B001"), preparing(alsoOfB, "B001"), preparing(ofA, "A001")}));
+  EXPECT_EQ(doomed({c, c}), (Lines{text(c), text(ofC), text(c), text(ofC)})) << "nothing is left out the second time";
+}
+
+TEST_F(Shots, SelectedShotsAreNotCarriedOver)
+{
+  const Cookie a = addReel("A001");
+  const Cookie shot = addShot("B001");
+  const Cookie other = addLog(2, "A001");
+  EXPECT_EQ(doomed({shot, other, a, Cookie()}), (Lines{text(a), text(other)})) << "the other log is there as A001's";
+}
+
+TEST_F(Shots, ReelInUseIsKeptBackWithItsShotsAndTheOthersGo)
+{
+  const Cookie a = addReel("A001");
+  const Cookie b = addReel("B001");
+  addShot("A001");
+  const Cookie ofB = addShot("B001");
+  manager().reelInUse("A001", true);
+  EXPECT_EQ(printedBy([&] {
+              EXPECT_EQ(doomed({a, b}), (Lines{text(b), text(ofB)}));
+            }),
+            (Lines{keptBack("A001"), preparing(ofB, "B001")}));
+}
+
+TEST_F(Shots, OnlyAReelInUseGivesNothing)
+{
+  const Cookie a = addReel("A001");
+  manager().reelInUse("A001", true);
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(doomed({a}), Lines{}); }), Lines{keptBack("A001")});
+}
+
+TEST_F(Shots, MarkInAnotherCaseKeepsNothingBack)
+{
+  const Cookie a = addReel("A001");
+  manager().reelInUse("a001", true);
+  EXPECT_EQ(doomed({a}), Lines{text(a)});
+}
+
+TEST_F(Shots, MarksAreThoseOfTheManagerThatIsAsked)
+{
+  const Cookie a = addReel("A001");
+  manager().reelInUse("A001", true);
+  ReelDbManager other;
+  EXPECT_EQ(texts(other.buildSetOfReelsAndAssociatedShots(cookies({a}))), Lines{text(a)});
+}
+
+TEST_F(Shots, ReelThatDoesNotOpenGoesAlone)
+{
+  const Cookie a = addReel("A001");
+  addShot("A001");
+  addShot("");
+  script().failOpen(a);
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(doomed({a}), Lines{text(a)}); }), Lines{});
+}
+
+TEST_F(Shots, EmptySelectionGivesNothing)
+{
+  addReel("A001");
+  EXPECT_EQ(doomed({}), Lines{});
+}
+
+TEST_F(Shots, CallersSelectionIsLeftAlone)
+{
+  const Cookie a = addReel("A001");
+  addShot("A001");
+  const CookieVec selection = cookies({a});
+  manager().buildSetOfReelsAndAssociatedShots(selection);
+  EXPECT_EQ(texts(selection), Lines{text(a)});
+}
+
+TEST_F(Shots, WithoutADatabaseTheReelsGoWithoutShots)
+{
+  const Cookie a = addReel("A001");
+  const Cookie shot = addShot("A001");
+  script().noDatabase(true);
+  EXPECT_EQ(doomed({shot, a}), Lines{text(a)});
+}
+
+TEST_F(Shots, NobodyIsTold)
+{
+  const Cookie a = addReel("A001");
+  addShot("A001");
+  const RecordingClient client(heard_);
+  doomed({a});
+  EXPECT_EQ(heard_, Heard{});
+}
+
+TEST_F(Shots, HostCallsOfADeletionSet)
+{
+  const Cookie reel = addReel("A001");
+  const Cookie used = addReel("B001");
+  const Cookie shot = addShot("a001");
+  manager().reelInUse("B001", true);
+  const Lines lines = linesOf([&] { doomed({shot, used, reel}); });
+  const auto typed = [](const std::string& log, const std::string& type, const std::string& number) {
+    return Lines{"projdb::operator[](" + log + ") -> row", "dbrecord::get_field(" + log + ", 1) -> " + quoted(type),
+                 "Edit::getLogTypeFromString(" + quoted(type) + ") -> " + number};
+  };
+  EXPECT_EQ(listing(lines, {{reel, "reel"}, {used, "used"}, {shot, "shot"}}),
+            listing(join({{"EditManager::getProjdb() -> database", "projdb::findField(\"Type\") -> 1"},
+                          typed("shot", "Material", "1"),
+                          typed("used", "Reel", "9"),
+                          idRead("used", "B001"),
+                          {"vorn_printf(\"Couldn't delete reel: B001 because it was marked as in use.\\n\")"},
+                          typed("reel", "Reel", "9"),
+                          idRead("reel", "A001"),
+                          idRead("reel", "A001"),
+                          {"EditManager::getProjdb() -> database"},
+                          shotSearch("A001", "1 log"),
+                          attributeRead("shot", "a001"),
+                          {"vorn_printf(\"Preparing to delete: shot from Reel: A001\\n\")"}})));
+}
+
+// --- Host calls that fail
+
+TEST_F(Shots, EachHostCallOfADeletionSetMayThrow)
+{
+  Cookie reel, used, shot;
+  const int failed = failEachHostCall(
+      [&] {
+        reel = addReel("A001");
+        used = addReel("B001");
+        shot = addShot("a001");
+        manager().reelInUse("B001", true);
+      },
+      [&] {
+        doomed({shot, used, reel});
+      },
+      [&] {
+        EXPECT_EQ(doomed({reel, used}), (Lines{text(reel), text(shot)}));
+      });
+  EXPECT_GT(failed, 20);
+}
+
+TEST_F(Shots, EachHostCallOfADeletionSetWithoutRowsMayThrow)
+{
+  Cookie reel;
+  const int failed = failEachHostCall(
+      [&] {
+        reel = addReel("A001");
+        script().noRow(reel);
+      },
+      [&] { doomed({reel}); }, [&] { EXPECT_EQ(doomed({reel}), Lines{text(reel)}); });
+  EXPECT_GT(failed, 8);
+}
+
+TEST_F(Shots, EachHostCallOfTheReelsReferencedMayThrow)
+{
+  Cookie reel, shot;
+  const int failed = failEachHostCall(
+      [&] {
+        reel = addReel("A001");
+        shot = addShot("A001");
+      },
+      [&] { referenced({shot}); }, [&] { EXPECT_EQ(referenced({shot}), Lines{text(reel)}); });
+  EXPECT_EQ(failed, 4);
+}
+
+} // namespace
+
+} // namespace reeldb_tests

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_TESTS_REELREC_FIELD_ANSWER_H
+#define REELDB_TESTS_REELREC_FIELD_ANSWER_H
+
+namespace reeldb_tests {
+
+/// While this lives, configb::in(key, strp_field&) answers this status and leaves this text in the field; null leaves
+/// the field alone. One at a time.
+class FieldAnswer {
+public:
+  FieldAnswer(int status, const char* text);
+  ~FieldAnswer();
+  FieldAnswer(const FieldAnswer&) = delete;
+  FieldAnswer& operator=(const FieldAnswer&) = delete;
+};
+
+} // namespace reeldb_tests
+
+#endif

@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Takes the place of what the library asks the host while it is loaded, and prints the questions. The data directory is
+// whatever text PROBE_DIRECTORY holds.
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/config.h"
+#include "host/text.h"
+
+const char* config_string(const char* key, const char* defaultValue)
+{
+  std::printf("config_string(%s,%s)\n", key, defaultValue);
+  return defaultValue;
+}
+
+LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
+{
+  std::printf("getDeviceDataDirectory(%d)\n", static_cast<int>(type));
+  return fromUTF8(std::getenv("PROBE_DIRECTORY"));
+}

@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstring>
+#include <string>
+
+#include "host/config.h"
+#include "host_fixture.h"
+
+namespace {
+
+HOST_CONTRACT(Config);
+
+constexpr std::size_t bufferSize = 2048; // what the library hands over, zeroed
+
+TEST_P(Config, AnAbsentKeyIsNullAndLeavesTheOutArgumentsAlone)
+{
+  const configb block;
+  char buffer[bufferSize] = {};
+  int number = 7;
+  strp_field field;
+  field.set("old");
+  EXPECT_EQ(block.in("missing"), nullptr);
+  EXPECT_NE(block.in("missing", buffer), 0);
+  EXPECT_NE(block.in("missing", number), 0);
+  EXPECT_NE(block.in("missing", field), 0);
+  EXPECT_EQ(number, 7);
+  EXPECT_STREQ(field.text(), "old");
+}
+
+TEST_P(Config, APresentKeyIsReadInEveryForm)
+{
+  configb block;
+  block.set("reel_available_flag", "1", nullptr);
+  char buffer[bufferSize] = {};
+  int number = 0;
+  strp_field field;
+  EXPECT_STREQ(block.in("reel_available_flag"), "1");
+  EXPECT_EQ(block.in("reel_available_flag", buffer), 0);
+  EXPECT_STREQ(buffer, "1");
+  EXPECT_EQ(block.in("reel_available_flag", number), 0);
+  EXPECT_EQ(number, 1);
+  EXPECT_EQ(block.in("reel_available_flag", field), 0);
+  EXPECT_STREQ(field.text(), "1");
+}
+
+TEST_P(Config, AKeyWithTheEmptyTextIsPresent)
+{
+  configb block;
+  block.set("reeldb_defaultType", "", nullptr);
+  char buffer[bufferSize] = {};
+  int number = 7;
+  ASSERT_NE(block.in("reeldb_defaultType"), nullptr);
+  EXPECT_STREQ(block.in("reeldb_defaultType"), "");
+  EXPECT_EQ(block.in("reeldb_defaultType", buffer), 0);
+  EXPECT_STREQ(buffer, "");
+  EXPECT_EQ(block.in("reeldb_defaultType", number), 0);
+  EXPECT_EQ(number, 0);
+}
+
+TEST_P(Config, ANewTextTakesThePlaceOfTheOld)
+{
+  configb block;
+  block.set("key", "first", nullptr);
+  block.set("other", "x", nullptr);
+  block.set("key", "second", nullptr);
+  EXPECT_STREQ(block.in("key"), "second");
+  EXPECT_STREQ(block.in("other"), "x");
+}
+
+TEST_P(Config, KeysAreTakenLetterForLetterAndMayBeEmpty)
+{
+  configb block;
+  block.set("Key", "a", nullptr);
+  block.set("", "b", nullptr);
+  EXPECT_EQ(block.in("key"), nullptr);
+  EXPECT_STREQ(block.in(""), "b");
+}
+
+TEST_P(Config, ATextMayBeSetFromAField)
+{
+  configb block;
+  strp_field field;
+  field.set("tape");
+  block.set("key", field);
+  field.set("other");
+  EXPECT_STREQ(block.in("key"), "tape");
+}
+
+TEST_P(Config, ATextMayBeSetFromTheBlockItself)
+{
+  configb block;
+  block.set("a", "text", nullptr);
+  block.set("a", block.in("a") + 1, nullptr);
+  EXPECT_STREQ(block.in("a"), "ext");
+}
+
+TEST_P(Config, ALongTextIsCutToTheBuffer)
+{
+  configb block;
+  const std::string text(3000, 'x');
+  block.set("long", text.c_str(), nullptr);
+  char buffer[bufferSize + 1] = {};
+  buffer[bufferSize] = '!';
+  EXPECT_EQ(block.in("long", buffer), 0);
+  EXPECT_EQ(std::strlen(buffer), bufferSize - 1);
+  EXPECT_EQ(buffer[bufferSize], '!');
+  EXPECT_STREQ(block.in("long"), text.c_str());
+}
+
+TEST_P(Config, WhatIsNoNumberReadsAsItsDigits)
+{
+  configb block;
+  block.set("words", "yes", nullptr);
+  block.set("mixed", "-12abc", nullptr);
+  int number = 7;
+  EXPECT_EQ(block.in("words", number), 0);
+  EXPECT_EQ(number, 0);
+  EXPECT_EQ(block.in("mixed", number), 0);
+  EXPECT_EQ(number, -12);
+}
+
+TEST_P(Config, ASettingOfTheHostThatIsNotThereIsTheDefault)
+{
+  EXPECT_STREQ(config_string("no_setting_of_this_name", "default"), "default");
+  EXPECT_STREQ(config_string("no_setting_of_this_name", ""), "");
+}
+
+TEST_P(Config, TheFolderOfDeviceDataEndsInASeparator)
+{
+  const LightweightString<wchar_t> folder = getDeviceDataDirectory(iSettings::eType(1));
+  ASSERT_FALSE(folder.empty());
+  EXPECT_EQ(folder.c_str()[folder.length() - 1], L'/');
+}
+
+TEST_P(Config, SystemSettingsAreKeptAndEmptyMeansNone)
+{
+  SystemCfg& config = SystemCfg::theConfig();
+  EXPECT_TRUE(config.get("reel_userfield0").empty());
+  config.set("reel_userfield0", "Scene");
+  EXPECT_STREQ(config.get("reel_userfield0").c_str(), "Scene");
+  EXPECT_TRUE(config.get("reel_userfield1").empty());
+  config.set("reel_userfield0", "");
+  EXPECT_TRUE(config.get("reel_userfield0").empty());
+}
+
+} // namespace

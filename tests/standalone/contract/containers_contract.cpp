@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <string>
+#include <vector>
+
+#include "host/containers.h"
+#include "host_fixture.h"
+
+namespace {
+
+HOST_CONTRACT(Containers);
+
+using Text = LightweightString<char>;
+using Names = std::vector<std::string>;
+
+/// An element whose comparison claims that all are equal.
+class Element : public ArrayRec {
+public:
+  explicit Element(int& alive) : alive_(alive) { ++alive_; }
+  ~Element() override { --alive_; }
+  int compare(const ArrayRec&) const override { return 0; }
+
+private:
+  int& alive_;
+};
+
+Names namesOf(const StringList& list)
+{
+  Names names;
+  for (unsigned i = 0; i < list.count(); ++i)
+    names.push_back(list[i].c_str());
+  return names;
+}
+
+TEST_P(Containers, ElementsAreEqualToThemselvesAloneUnlessTheySayOtherwise)
+{
+  const ArrayRec a, b;
+  EXPECT_TRUE(a == a);
+  EXPECT_FALSE(a == b);
+  EXPECT_TRUE(a != b);
+  GrowString text;
+  a.printOn(text);
+  EXPECT_STREQ(text, "");
+}
+
+TEST_P(Containers, AnArrayNeitherOwnsNorCompares)
+{
+  int alive = 0;
+  {
+    Element first(alive), second(alive), third(alive);
+    Array array;
+    array.add(&first);
+    array.add(&second);
+    array.add(&third);
+    EXPECT_EQ(array.at(0), &first);
+    array.remove(1);
+    ASSERT_EQ(array.count(), 2u);
+    EXPECT_EQ(array.at(1), &third);
+    array.clear();
+    EXPECT_EQ(array.count(), 0u);
+    EXPECT_EQ(alive, 3);
+  }
+  EXPECT_EQ(alive, 0);
+}
+
+TEST_P(Containers, AListOfStringsOwnsWhatCameInEitherWay)
+{
+  StringList list;
+  list.add("b");
+  list.append(new StringRec("a"));
+  EXPECT_EQ(namesOf(list), (Names{"b", "a"}));
+  list.clear();
+  EXPECT_EQ(list.count(), 0u);
+}
+
+TEST_P(Containers, AListOfStringsKeepsDuplicatesAndRemovesAllOfThem)
+{
+  StringList list;
+  list.sorted(true);
+  list.add("B");
+  list.add("a");
+  list.add("B");
+  EXPECT_EQ(namesOf(list), (Names{"B", "B", "a"}));
+  list.remove("b");
+  EXPECT_EQ(list.count(), 3u);
+  list.remove("B");
+  EXPECT_EQ(namesOf(list), Names{"a"});
+}
+
+// Catalogues are appended to lists that may be marked sorted: looking for a text must not rely on the order.
+TEST_P(Containers, ATextIsFoundInAListThatIsNotInOrder)
+{
+  StringList list;
+  list.sorted(true);
+  list.append(new StringRec("b"));
+  list.append(new StringRec("a"));
+  EXPECT_TRUE(list.contains("a"));
+  EXPECT_TRUE(list.contains("b"));
+  EXPECT_FALSE(list.contains("A"));
+  list.remove("b");
+  EXPECT_EQ(namesOf(list), Names{"a"});
+}
+
+TEST_P(Containers, AClearedListIsStillSorted)
+{
+  StringList list;
+  list.sorted(true);
+  list.clear();
+  list.add("b");
+  list.add("a");
+  EXPECT_EQ(namesOf(list), (Names{"a", "b"}));
+}
+
+TEST_P(Containers, AnUnsortedListKeepsTheOrder)
+{
+  StringList list;
+  list.add("b");
+  list.add("a");
+  EXPECT_EQ(namesOf(list), (Names{"b", "a"}));
+}
+
+TEST_P(Containers, ACopiedListIsItsOwn)
+{
+  StringList list;
+  list.add("a");
+  StringList copy(list);
+  copy.add("b");
+  list.clear();
+  EXPECT_EQ(namesOf(copy), (Names{"a", "b"}));
+  list = copy;
+  copy.clear();
+  EXPECT_EQ(namesOf(list), (Names{"a", "b"}));
+}
+
+TEST_P(Containers, AKeyedListKeepsTheOrderInWhichKeysCame)
+{
+  AssocList list(new AssocListRep(false));
+  list["z"].value = "1";
+  list["a"].value = "2";
+  list["z"].value = "3";
+  ASSERT_EQ(list.rep()->count(), 2u);
+  EXPECT_STREQ(list.at(0).key.c_str(), "z");
+  EXPECT_STREQ(list.at(0).value.c_str(), "3");
+  EXPECT_STREQ(list.at(1).key.c_str(), "a");
+}
+
+TEST_P(Containers, KeysAreTakenLetterForLetter)
+{
+  AssocList list(new AssocListRep(false));
+  list["dv"].value = "1";
+  EXPECT_FALSE(list.rep()->find("DV"));
+  EXPECT_TRUE(list.rep()->find("dv"));
+}
+
+TEST_P(Containers, FindingAddsNothingAndIndexingDoes)
+{
+  AssocList list(new AssocListRep(false));
+  EXPECT_FALSE(list.rep()->find("new"));
+  EXPECT_EQ(list.rep()->count(), 0u);
+  EXPECT_STREQ(list["new"].value.c_str(), "");
+  EXPECT_EQ(list.rep()->count(), 1u);
+}
+
+TEST_P(Containers, PastTheEndOfAKeyedListIsAnEmptyEntry)
+{
+  const AssocList list(new AssocListRep(false));
+  EXPECT_STREQ(list.at(99).key.c_str(), "");
+  EXPECT_STREQ(list.at(99).value.c_str(), "");
+  EXPECT_EQ(list.rep()->entry(99), nullptr);
+  EXPECT_EQ(list.rep()->count(), 0u);
+}
+
+TEST_P(Containers, AnIteratorWalksEveryEntryAndThenAnswersNull)
+{
+  AssocList list(new AssocListRep(false));
+  list["b"];
+  list["a"];
+  Names keys;
+  AssocListIter i(list);
+  for (; *i; ++i)
+    keys.push_back((*i)->key.c_str());
+  EXPECT_EQ(keys, (Names{"b", "a"}));
+  EXPECT_EQ(*i, nullptr);
+}
+
+} // namespace

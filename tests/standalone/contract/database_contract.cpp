@@ -1,0 +1,219 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "host/projdb.h"
+#include "host_fixture.h"
+
+namespace {
+
+using host_contract::reelIdAttribute;
+
+HOST_CONTRACT(Database);
+
+using Texts = std::vector<std::string>;
+
+CookieVec reelLogs()
+{
+  return EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+}
+
+/// The search for the shots of a reel, as the library makes it.
+CookieVec shotsOf(const char* id)
+{
+  projdb::SearchCriteria criteria;
+  criteria.first = 1;
+  criteria.second = 102350;
+  criteria.attributes.add(reelIdAttribute, id);
+  return EditManager::getProjdb()->search(criteria);
+}
+
+bool holds(const CookieVec& cookies, const Cookie& cookie)
+{
+  return std::any_of(cookies.begin(), cookies.end(), [&](const Cookie& c) { return c.compare(cookie) == 0; });
+}
+
+TEST_P(Database, IsThereWhileAProjectIs)
+{
+  EXPECT_EQ(EditManager::getProjdb(), nullptr);
+  host().openEmptyProject("A");
+  EXPECT_NE(EditManager::getProjdb(), nullptr);
+  EXPECT_NE(EditManager::getProjdb()->database(), nullptr);
+  host().closeProject();
+  EXPECT_EQ(EditManager::getProjdb(), nullptr);
+}
+
+TEST_P(Database, TheReelLogsAreExactlyThoseInOrder)
+{
+  host().openEmptyProject("A");
+  EXPECT_EQ(reelLogs().count(), 0);
+  CookieVec reels;
+  reels.add(host().addLog(9, "b"));
+  host().addLog(1, "b");
+  reels.add(host().addLog(9, "a"));
+  host().addLog(0, "");
+  reels.add(host().addLog(9, ""));
+  EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
+  host().storeAndReopen();
+  EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
+}
+
+TEST_P(Database, AListOfReelsStaysAsItWas)
+{
+  host().openEmptyProject("A");
+  host().addLog(9, "a");
+  const CookieVec before = reelLogs();
+  const Cookie second = host().addLog(9, "b");
+  EXPECT_EQ(before.count(), 1);
+  ASSERT_EQ(reelLogs().count(), 2);
+  EXPECT_EQ(reelLogs()[1].compare(second), 0);
+}
+
+// The library compares again, so more may be found; but none may be missed.
+TEST_P(Database, ShotsAreFoundWithoutRegardToCase)
+{
+  host().openEmptyProject("A");
+  const Cookie lower = host().addLog(1, "a001"), upper = host().addLog(1, "A001");
+  host().addLog(1, "B002");
+  for (const char* id : {"A001", "a001"}) {
+    EXPECT_TRUE(holds(shotsOf(id), lower)) << id;
+    EXPECT_TRUE(holds(shotsOf(id), upper)) << id;
+  }
+  host().storeAndReopen();
+  EXPECT_TRUE(holds(shotsOf("A001"), lower));
+}
+
+// What the search answers is renamed, and deleted, as a shot.
+TEST_P(Database, AReelLogIsNoShot)
+{
+  host().openEmptyProject("A");
+  const Cookie reel = host().addLog(9, "A001");
+  EXPECT_FALSE(holds(shotsOf("A001"), reel));
+}
+
+// A log without an identifier matches the empty one: whatever is found here goes when the reel is deleted.
+TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
+{
+  host().openEmptyProject("A");
+  host().addLog(1, "");
+  host().addLog(0, "");
+  host().addLog(1, "A001");
+  EXPECT_EQ(shotsOf("").count(), 0);
+}
+
+TEST_P(Database, ARenamedShotIsFoundUnderItsNewIdentifier)
+{
+  host().openEmptyProject("A");
+  const Cookie shot = host().addLog(1, "A001");
+  EXPECT_TRUE(holds(shotsOf("A001"), shot));
+  withLog(shot, [](Edit& edit) { edit.set_reelid(0, "B002"); });
+  EditManager::updateProjdbRec(shot);
+  EXPECT_TRUE(holds(shotsOf("b002"), shot));
+}
+
+TEST_P(Database, RowsTellTheTypesOfLogs)
+{
+  host().openEmptyProject("A");
+  const unsigned short column = EditManager::getProjdb()->findField("Type");
+  const auto typeOf = [&](const Cookie& log) {
+    dbrecord* const row = (*EditManager::getProjdb())[log];
+    return row ? Edit::getLogTypeFromString(row->get_field(column)) : eLogType(-1);
+  };
+  EXPECT_EQ(typeOf(host().addLog(9, "R1")), 9);
+  EXPECT_EQ(typeOf(host().addLog(1, "R1")), 1);
+  EXPECT_NE(typeOf(host().addLog(0, "")), 9);
+}
+
+TEST_P(Database, ATextThatIsNoTypeIsNoReel)
+{
+  EXPECT_NE(Edit::getLogTypeFromString(""), 9);
+  EXPECT_NE(Edit::getLogTypeFromString(LightweightString<char>()), 9);
+  EXPECT_NE(Edit::getLogTypeFromString("no type"), 9);
+}
+
+TEST_P(Database, WhatNamesNoLogHasNoRow)
+{
+  host().openEmptyProject("A");
+  EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
+  EXPECT_EQ((*EditManager::getProjdb())[Cookie("P0001000", false)], nullptr);
+}
+
+TEST_P(Database, RowsOfUnknownLogsAreUpdatedWithoutHarm)
+{
+  host().openEmptyProject("A");
+  EditManager::updateProjdbRec(Cookie());
+}
+
+// --- Views
+
+std::string typeNameOf(const Cookie& log)
+{
+  const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
+  view->displayRecordsAt(std::vector<Cookie>(1, log), 0);
+  if (view->numRows() < 1)
+    return "<no row>";
+  const char* const text = view->cellText(0, "Reel Type");
+  return text ? text : "";
+}
+
+TEST_P(Database, AViewShowsTheReelTypeAtOnce)
+{
+  host().openEmptyProject("A");
+  const Cookie reel = host().addLog(9, "R1");
+  EXPECT_EQ(typeNameOf(reel), "");
+  withLog(reel, [&](Edit& edit) {
+    edit.reelType("Tape 4ch");
+    EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
+  });
+  EditManager::updateProjdbRec(reel);
+  EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
+  host().storeAndReopen();
+  EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
+}
+
+TEST_P(Database, TheReelTypeIsNotReadFromTheConfiguration)
+{
+  host().openEmptyProject("A");
+  const Cookie reel = host().addLog(9, "R1");
+  withLog(reel, [](Edit& edit) {
+    edit.reelType("Tape");
+    edit.config().set("reel_type", "Z", nullptr);
+  });
+  EXPECT_EQ(typeNameOf(reel), "Tape");
+}
+
+TEST_P(Database, AViewShowsNoRowOfWhatIsNotThere)
+{
+  host().openEmptyProject("A");
+  EXPECT_EQ(typeNameOf(Cookie()), "<no row>");
+}
+
+TEST_P(Database, ACellStaysWhileTheViewShowsIt)
+{
+  host().openEmptyProject("A");
+  const Cookie reel = host().addLog(9, "R1");
+  withLog(reel, [](Edit& edit) { edit.reelType("a name longer than any small buffer would hold"); });
+  const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
+  view->displayRecordsAt({reel}, 0);
+  ASSERT_EQ(view->numRows(), 1);
+  const char* const text = view->cellText(0, "Reel Type");
+  withLog(reel, [](Edit& edit) { edit.reelType("other"); });
+  EXPECT_STREQ(text, "a name longer than any small buffer would hold");
+  EXPECT_EQ(typeNameOf(reel), "other");
+}
+
+TEST_P(Database, AViewTellsItsRowsApart)
+{
+  host().openEmptyProject("A");
+  const Cookie first = host().addLog(9, "R1"), second = host().addLog(9, "R2");
+  withLog(second, [](Edit& edit) { edit.reelType("Tape"); });
+  const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
+  view->displayRecordsAt({first, second}, 0);
+  ASSERT_EQ(view->numRows(), 2);
+  EXPECT_STREQ(view->cellText(1, "Reel Type"), "Tape");
+  EXPECT_EQ(view->cellText(0, "no such column"), nullptr);
+  EXPECT_EQ(view->cellText(2, "Reel Type"), nullptr);
+}
+
+} // namespace

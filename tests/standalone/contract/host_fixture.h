@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The host contract: what the library relies on of any host, one case a promise. The cases are written against the host
+// headers alone; what else they need, they ask of this interface. To try another host, write a HostSetUp for it, define
+// hosts(), and link the suite with the host.
+#ifndef REELDB_CONTRACT_HOST_FIXTURE_H
+#define REELDB_CONTRACT_HOST_FIXTURE_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "host/cookie.h"
+#include "host/device.h"
+#include "host/edit.h"
+
+namespace host_contract {
+
+struct Device {
+  int number = 0;
+  unsigned id = 0;
+  std::string name; ///< UTF-8
+  int portType = 3;
+  int inputType = 9;
+  int audioInputs = 0;
+  std::vector<std::string> tapes;
+  std::string labelMap;
+};
+
+/// Brings the host into the state that a case starts from. Each case has one of its own; nothing of an earlier case may
+/// shine through, but for numbers that are never given out twice.
+class HostSetUp {
+public:
+  virtual ~HostSetUp() = default;
+
+  /// A new, empty project is opened and entered; a project that was open is left first. @p name makes it another
+  /// project than one of another name, and the same as one of the same name.
+  virtual void openEmptyProject(const std::string& name, int frameRate = 3, int outputFrameRate = 4) = 0;
+  virtual void closeProject() = 0; ///< leaves the open project
+  virtual void
+  storeAndReopen() = 0; ///< stores what was changed, leaves the project and opens it again as it was stored
+
+  /// A log that another module made: of this type (9 reel, 1 material), with this identifier unless it is empty.
+  virtual Cookie addLog(int type, const std::string& reelId) = 0;
+
+  virtual void addDevice(const Device& device) = 0;
+  virtual void renameDevice(unsigned id, const std::string& name) = 0;
+  virtual std::string lastReelOf(unsigned deviceId) = 0;        ///< as the host now has it
+  virtual const NotifyMsg& messageAbout(unsigned deviceId) = 0; ///< "this device changed"; valid until the next call
+
+  /// Makes a label map that can be loaded by this name.
+  virtual void addLabelMap(const std::string& name, const std::vector<LabelMappingSet::Entry>& entries) = 0;
+
+  virtual std::wstring textOfResource(unsigned id) = 0;
+  virtual void runDeferredActions() = 0; ///< as the host does when the main thread comes back to it
+};
+
+struct Host {
+  std::string name; ///< letters and digits: part of the names of the cases
+  std::function<std::unique_ptr<HostSetUp>()> make;
+};
+
+inline void PrintTo(const Host& host, std::ostream* out)
+{
+  *out << host.name;
+}
+
+/// The hosts, or the kinds of one host, that the suite runs against. Defined by whoever writes the host.
+std::vector<Host> hosts();
+
+/// A case of the contract. REQUIRES of the case: no log is left open.
+class Contract : public ::testing::TestWithParam<Host> {
+protected:
+  HostSetUp& host() { return *host_; }
+
+  /// The text of an attribute 20, read as the library reads it.
+  static std::string reelIdOf(const Cookie& log);
+  static bool opens(const Cookie& log);
+  /// What a new log's Cookie is made of.
+  static Cookie cookieOf(const Edit& edit);
+  /// Opens the log, hands it over, and closes it.
+  static void withLog(const Cookie& log, const std::function<void(Edit&)>& work);
+  static std::vector<std::string> textsOf(const CookieVec& cookies); ///< their text forms
+
+private:
+  std::unique_ptr<HostSetUp> host_ = GetParam().make();
+};
+
+// What the library asks for, by the numbers it uses.
+inline constexpr eEditOpenBehaviour openAsUsual{0};
+inline constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
+inline constexpr EditChanType video{1}, audio{2};
+inline constexpr EditModificationType made{59};
+
+} // namespace host_contract
+
+/// One suite of cases, run against every host.
+#define HOST_CONTRACT(Suite)                                                                                           \
+  class Suite : public host_contract::Contract {};                                                                     \
+  INSTANTIATE_TEST_SUITE_P(Host, Suite, ::testing::ValuesIn(host_contract::hosts()),                                   \
+                           [](const auto& of) { return of.param.name; })
+
+#endif

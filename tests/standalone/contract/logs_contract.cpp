@@ -1,0 +1,267 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/events.h"
+#include "host/projdb.h"
+#include "host_fixture.h"
+
+namespace {
+
+using host_contract::audio;
+using host_contract::made;
+using host_contract::openAsUsual;
+using host_contract::reelIdAttribute;
+using host_contract::video;
+
+HOST_CONTRACT(Logs);
+
+CookieVec reelLogs()
+{
+  return EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+}
+
+void makeReel(Edit& edit, const char* id)
+{
+  edit.set_reelid(0, id);
+  edit.set_entire_medium(1);
+  edit.make_original(false, false);
+  edit.setName(L"Reel", false);
+  edit.redetermineLogType();
+}
+
+/// Hears of modified logs.
+class Listener : public ProjectListener {
+public:
+  void handleLogModification(const Cookie& log, const EditModification& modification) override
+  {
+    heard.emplace_back(log, modification.type());
+    if (failing)
+      throw std::runtime_error("no time");
+  }
+  std::vector<std::pair<Cookie, EditModificationType>> heard;
+  bool failing = false;
+};
+
+TEST_P(Logs, WithoutAProjectNoLogIsMade)
+{
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  EXPECT_EQ(modifier.get(), nullptr);
+}
+
+// The manager rebuilds its list, and tells its clients, before the modifier ends.
+TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
+{
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  ASSERT_NE(modifier.get(), nullptr);
+  const Cookie cookie = cookieOf(*modifier.get());
+  EXPECT_TRUE(cookie.valid());
+  EXPECT_TRUE(opens(cookie));
+  EXPECT_NE((*EditManager::getProjdb())[cookie], nullptr);
+  EXPECT_EQ(reelLogs().count(), 0);
+  makeReel(*modifier.get(), "R1");
+  ASSERT_EQ(reelLogs().count(), 1);
+  EXPECT_EQ(reelLogs()[0].compare(cookie), 0);
+  EXPECT_EQ(reelIdOf(cookie), "R1");
+}
+
+TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
+{
+  host().openEmptyProject("A");
+  Listener listener;
+  Cookie cookie;
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    cookie = cookieOf(*modifier.get());
+    makeReel(*modifier.get(), "R1");
+    modifier.get()->setChangeDescription(made, true);
+    EXPECT_TRUE(listener.heard.empty());
+  }
+  ASSERT_EQ(listener.heard.size(), 1u);
+  EXPECT_EQ(listener.heard[0].first.compare(cookie), 0);
+  EXPECT_EQ(listener.heard[0].second, made);
+}
+
+TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
+{
+  host().openEmptyProject("A");
+  Listener listener;
+  listener.failing = true;
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    modifier.get()->setChangeDescription(made, true);
+  }
+  EXPECT_EQ(listener.heard.size(), 1u);
+}
+
+TEST_P(Logs, ANewLogIsEmpty)
+{
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  Edit& edit = *modifier.get();
+  EXPECT_EQ(edit.getNumChans(video) & 0xFFFF, 0);
+  EXPECT_EQ(edit.getNumChans(audio) & 0xFFFF, 0);
+  EXPECT_EQ(edit.config().in("reelid"), nullptr);
+  EXPECT_NE(edit.getLogType(), 9);
+  EXPECT_FALSE(edit.isImported());
+  EXPECT_EQ(reelIdOf(cookieOf(edit)), "");
+}
+
+TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
+{
+  host().openEmptyProject("A");
+  Zr::UUID uuid;
+  uuid.bytes[3] = 99;
+  EXPECT_FALSE(opens(Cookie()));
+  EXPECT_FALSE(opens(Cookie(uuid, 0, 'E')));
+  EXPECT_EQ(reelIdOf(Cookie()), "");
+}
+
+TEST_P(Logs, WithoutAProjectNothingOpens)
+{
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(9, "R1");
+  host().closeProject();
+  EXPECT_FALSE(opens(log));
+  EXPECT_EQ(reelIdOf(log), "");
+}
+
+TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
+{
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(9, "R1");
+  EditPtr outer, inner;
+  outer.i_open(log, openAsUsual);
+  inner.i_open(log, openAsUsual);
+  ASSERT_NE(outer.get(), nullptr);
+  EXPECT_EQ(outer.get(), inner.get());
+  EXPECT_EQ(outer.operator->(), outer.get());
+  inner.i_close();
+  EXPECT_EQ(inner.get(), nullptr);
+  EXPECT_FALSE(inner);
+  EXPECT_STREQ(outer->config().in("reelid"), "R1");
+  outer.i_close();
+  outer.i_close(); // an empty handle is closed without harm
+}
+
+TEST_P(Logs, AHandleTakesHoldOfAnOpenLog)
+{
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  EditPtr handle;
+  handle = modifier.get();
+  EXPECT_EQ(handle.get(), modifier.get());
+  handle.i_close();
+  EXPECT_NE(modifier.get(), nullptr);
+}
+
+TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
+{
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(9, "R1");
+  const auto expect = [&](const char* id) {
+    withLog(log, [&](Edit& edit) {
+      EXPECT_STREQ(edit.config().in("reelid"), id);
+      strp_field field;
+      edit.get_reelid(field, 0, -1);
+      EXPECT_STREQ(field.text(), id);
+    });
+    EXPECT_EQ(reelIdOf(log), id);
+  };
+  expect("R1");
+  withLog(log, [](Edit& edit) { edit.set_reelid(0, "R2"); });
+  expect("R2");
+  withLog(log, [](Edit& edit) { edit.config().set("reelid", "R3", nullptr); });
+  expect("R3");
+  withLog(log, [](Edit& edit) { edit.set_reelid(0, ""); });
+  expect("");
+}
+
+TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
+{
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(9, "R1");
+  EditInfo info(log, openAsUsual);
+  const LightweightString<char> id = info.getAttrib(reelIdAttribute);
+  info->set_reelid(0, "R2");
+  EXPECT_STREQ(id.c_str(), "R1");
+  EXPECT_STREQ(info.getAttrib(reelIdAttribute).c_str(), "R2");
+  info.i_close();
+}
+
+TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
+{
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(9, "R1");
+  withLog(log, [&](Edit& edit) {
+    edit.config().set("key", "x", nullptr);
+    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(video, nullptr, false, EditChanSubType(0), false, -1.0);
+    withLog(log, [](Edit& other) {
+      EXPECT_STREQ(other.config().in("key"), "x");
+      EXPECT_EQ(other.getNumChans(audio) & 0xFFFF, 2);
+      EXPECT_EQ(other.getNumChans(video) & 0xFFFF, 1);
+    });
+  });
+}
+
+TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
+{
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  Edit& edit = *modifier.get();
+  edit.set_entire_medium(1);
+  edit.make_original(false, false);
+  EXPECT_NE(edit.getLogType(), 9);
+  edit.redetermineLogType();
+  EXPECT_EQ(edit.getLogType(), 9);
+}
+
+TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
+{
+  host().openEmptyProject("A");
+  withLog(host().addLog(9, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 9); });
+  withLog(host().addLog(1, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 1); });
+}
+
+// The library marks logs dirty for some changes and not for others: all of them count.
+TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
+{
+  host().openEmptyProject("A");
+  Cookie fresh;
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    fresh = cookieOf(*modifier.get());
+    makeReel(*modifier.get(), "NEW");
+  }
+  const Cookie log = host().addLog(9, "OLD");
+  const Cookie shot = host().addLog(1, "OLD");
+  host().storeAndReopen();
+  withLog(log, [](Edit& edit) {
+    edit.set_reelid(0, "RENAMED");
+    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.reelType("Tape");
+  });
+  withLog(shot, [](Edit& edit) { edit.config().set("key", "x", nullptr); });
+  host().storeAndReopen();
+  EXPECT_EQ(textsOf(reelLogs()),
+            (std::vector<std::string>{fresh.asString(false).c_str(), log.asString(false).c_str()}));
+  EXPECT_EQ(reelIdOf(fresh), "NEW");
+  EXPECT_EQ(reelIdOf(log), "RENAMED");
+  withLog(log, [](Edit& edit) { EXPECT_EQ(edit.getNumChans(audio) & 0xFFFF, 1); });
+  withLog(shot, [](Edit& edit) { EXPECT_STREQ(edit.config().in("key"), "x"); });
+}
+
+TEST_P(Logs, EachHasAFileNameOfItsOwn)
+{
+  host().openEmptyProject("A");
+  const Cookie first = host().addLog(1, "R1"), second = host().addLog(1, "R1");
+  const std::wstring name = getFilenameForCookie(first, Cookie()).c_str();
+  EXPECT_FALSE(name.empty());
+  EXPECT_NE(name, getFilenameForCookie(second, Cookie()).c_str());
+}
+
+} // namespace

@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/events.h"
+#include "host/projdb.h"
+#include "host/project.h"
+#include "host_fixture.h"
+
+namespace {
+
+HOST_CONTRACT(Project);
+
+using Events = std::vector<std::string>;
+
+class Listener : public ProjectListener {
+public:
+  Listener(Events& events, std::string name) : events_(events), name_(std::move(name)) {}
+  void handleProjectEntry() override
+  {
+    events_.push_back(name_ + " entry");
+    if (onEntry)
+      onEntry(); // may end this listener
+  }
+  void handleProjectExit() override { events_.push_back(name_ + " exit"); }
+
+  std::function<void()> onEntry;
+
+private:
+  Events& events_;
+  std::string name_;
+};
+
+TEST_P(Project, HasACookieOfItsOwn)
+{
+  EXPECT_FALSE(get_project_cookie().valid());
+  host().openEmptyProject("A");
+  const Cookie first = get_project_cookie();
+  EXPECT_TRUE(first.valid());
+  EXPECT_NE(first.compare(Cookie("P0001000", false)), 0);
+  host().openEmptyProject("B");
+  EXPECT_NE(get_project_cookie().compare(first), 0);
+  host().openEmptyProject("A");
+  EXPECT_EQ(get_project_cookie().compare(first), 0);
+  host().storeAndReopen();
+  EXPECT_EQ(get_project_cookie().compare(first), 0);
+  host().closeProject();
+  EXPECT_FALSE(get_project_cookie().valid());
+}
+
+TEST_P(Project, HasTwoFrameRates)
+{
+  EXPECT_EQ(Zr::CurrentProject::getFrameRate(Zr::CurrentProject::Revision(0)), -1);
+  EXPECT_EQ(Zr::CurrentProject::getOutputImageZRFrameRate(), -1);
+  host().openEmptyProject("A", 3, 9);
+  EXPECT_EQ(Zr::CurrentProject::getFrameRate(Zr::CurrentProject::Revision(0)), 3);
+  EXPECT_EQ(Zr::CurrentProject::getOutputImageZRFrameRate(), 9);
+}
+
+TEST_P(Project, OptionsAreItsOwnAndAreStored)
+{
+  host().openEmptyProject("A");
+  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
+  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  host().storeAndReopen();
+  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  host().openEmptyProject("B");
+  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+}
+
+TEST_P(Project, WithoutOneOptionsAreEmpty)
+{
+  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+}
+
+TEST_P(Project, TheDeviceLayerMayBeReset)
+{
+  host().openEmptyProject("A");
+  resetDevices();
+}
+
+TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
+{
+  Events events;
+  {
+    Listener listener(events, "a");
+    host().openEmptyProject("A");
+    EXPECT_EQ(events, Events{"a entry"});
+    host().closeProject();
+    EXPECT_EQ(events, (Events{"a entry", "a exit"}));
+  }
+  host().openEmptyProject("A");
+  EXPECT_EQ(events.size(), 2u);
+}
+
+TEST_P(Project, AtEntryTheProjectIsThere)
+{
+  Events events;
+  Listener listener(events, "a");
+  bool seen = false;
+  listener.onEntry = [&] { seen = EditManager::getProjdb() != nullptr && get_project_cookie().valid(); };
+  host().openEmptyProject("A");
+  EXPECT_TRUE(seen);
+}
+
+TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
+{
+  Events events;
+  auto first = std::make_unique<Listener>(events, "first");
+  auto second = std::make_unique<Listener>(events, "second");
+  const Listener third(events, "third");
+  first->onEntry = [&] {
+    second.reset();
+    first.reset();
+  };
+  host().openEmptyProject("A");
+  EXPECT_EQ(events, (Events{"first entry", "third entry"}));
+}
+
+TEST_P(Project, AListenerThatComesWhileOthersAreToldHearsTheNextEvent)
+{
+  Events events;
+  Listener first(events, "first");
+  std::vector<std::unique_ptr<Listener>> more;
+  first.onEntry = [&] {
+    if (more.empty())
+      for (int i = 0; i < 100; ++i)
+        more.push_back(std::make_unique<Listener>(events, "more"));
+  };
+  host().openEmptyProject("A");
+  events.clear();
+  host().closeProject();
+  EXPECT_EQ(events.size(), 101u);
+}
+
+} // namespace

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <thread>
+#include <vector>
+
+#include "host/os.h"
+#include "host/refcount.h"
+#include "host_fixture.h"
+
+namespace {
+
+HOST_CONTRACT(Services);
+
+class Counted : public Zr::InternalRefCount {
+public:
+  explicit Counted(int& alive) : alive_(alive) { ++alive_; }
+  ~Counted() override { --alive_; }
+
+private:
+  int& alive_;
+};
+
+void* allocated = nullptr;
+__attribute__((constructor)) void allocateBeforeMain()
+{
+  allocated = OS()->allocator().allocate(100);
+}
+
+TEST_P(Services, AreThereBeforeMain)
+{
+  EXPECT_NE(allocated, nullptr);
+}
+
+TEST_P(Services, AreOneObject)
+{
+  ASSERT_NE(OS(), nullptr);
+  EXPECT_EQ(OS(), OS());
+}
+
+TEST_P(Services, MemoryIsAlignedForAnything)
+{
+  for (std::size_t size : {1u, 7u, 24u, 4097u}) {
+    void* const memory = OS()->allocator().allocate(size);
+    ASSERT_NE(memory, nullptr);
+    EXPECT_EQ(reinterpret_cast<std::uintptr_t>(memory) % alignof(std::max_align_t), 0u) << size;
+    std::memset(memory, 0xAB, size);
+    OS()->allocator().release(memory);
+  }
+}
+
+TEST_P(Services, AskingForNothingGivesMemoryOfItsOwn)
+{
+  void* const first = OS()->allocator().allocate(0);
+  void* const second = OS()->allocator().allocate(0);
+  EXPECT_NE(first, second);
+  OS()->allocator().release(first);
+  OS()->allocator().release(second);
+}
+
+TEST_P(Services, MoreThanThereIsGivesNull)
+{
+  volatile std::size_t tooMuch = SIZE_MAX / 2;
+  EXPECT_EQ(OS()->allocator().allocate(tooMuch), nullptr);
+}
+
+TEST_P(Services, NullIsReleasedWithoutHarm)
+{
+  OS()->allocator().release(nullptr);
+}
+
+TEST_P(Services, ACountAnswersWhatRemains)
+{
+  int count = 1;
+  OS()->refCounts().incRef(&count);
+  EXPECT_EQ(count, 2);
+  EXPECT_EQ(OS()->refCounts().decRef(&count), 1);
+  EXPECT_EQ(OS()->refCounts().decRef(&count), 0);
+}
+
+// The identifier of a deferred creation is counted up on a worker and down on the main thread.
+TEST_P(Services, CountsHoldAcrossThreads)
+{
+  int count = 1;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < 4; ++t)
+    threads.emplace_back([&count] {
+      for (int i = 0; i < 10000; ++i) {
+        OS()->refCounts().incRef(&count);
+        OS()->refCounts().decRef(&count);
+      }
+      OS()->refCounts().incRef(&count);
+    });
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(count, 5);
+}
+
+TEST_P(Services, AnObjectEndsWithItsLastHolder)
+{
+  int alive = 0;
+  {
+    Zr::Ptr<Counted> first(new Counted(alive));
+    Zr::Ptr<Counted> second(first);
+    first = nullptr;
+    EXPECT_EQ(alive, 1);
+    second = second;
+    EXPECT_EQ(alive, 1);
+  }
+  EXPECT_EQ(alive, 0);
+}
+
+} // namespace

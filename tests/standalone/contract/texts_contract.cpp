@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "host/text.h"
+#include "host_fixture.h"
+
+namespace {
+
+HOST_CONTRACT(Texts);
+
+using Text = LightweightString<char>;
+using Wide = LightweightString<wchar_t>;
+
+std::wstring wide(const Wide& text)
+{
+  return text.c_str();
+}
+
+TEST_P(Texts, Utf8GoesToWideAndBack)
+{
+  const std::string utf8 = "Caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8E\x9E";
+  EXPECT_EQ(wide(fromUTF8(utf8.c_str())), L"Caf\u00e9 \u20ac \U0001F39E");
+  EXPECT_EQ(std::string(toUTF8(fromUTF8(utf8.c_str())).c_str()), utf8);
+  EXPECT_TRUE(fromUTF8("").empty());
+  EXPECT_TRUE(toUTF8(L"").empty());
+}
+
+TEST_P(Texts, EachMalformedByteBecomesAReplacement)
+{
+  EXPECT_EQ(wide(fromUTF8("a\xC3")), L"a\uFFFD");
+  EXPECT_EQ(wide(fromUTF8("\xFF\xFE!")), L"\uFFFD\uFFFD!");
+}
+
+TEST_P(Texts, WideValuesOutsideUnicodeBecomeReplacements)
+{
+  const wchar_t text[] = {0x110000, 0xD800, 'x', 0};
+  EXPECT_EQ(std::string(toUTF8(text).c_str()), "\xEF\xBF\xBD\xEF\xBF\xBDx");
+}
+
+TEST_P(Texts, ToUpperTouchesAsciiLettersAndNoOtherString)
+{
+  Text text("a\xC3\xA9z1_");
+  const Text copy(text);
+  toUpper(text);
+  EXPECT_STREQ(text.c_str(), "A\xC3\xA9Z1_");
+  EXPECT_STREQ(copy.c_str(), "a\xC3\xA9z1_");
+  Text none;
+  toUpper(none);
+  EXPECT_TRUE(none.empty());
+}
+
+TEST_P(Texts, TrailingBlanksGoAndNoOtherStringChanges)
+{
+  Text text(" R1\t  ");
+  const Text copy(text);
+  trimTrailingSpaces(text);
+  EXPECT_STREQ(text.c_str(), " R1\t");
+  EXPECT_STREQ(copy.c_str(), " R1\t  ");
+  Text blanks("   ");
+  trimTrailingSpaces(blanks);
+  EXPECT_TRUE(blanks.empty());
+  EXPECT_EQ(blanks.length(), 0u);
+}
+
+// Identifiers are UTF-8 by convention, and this function decodes nothing: each byte is one character.
+TEST_P(Texts, WideningTakesByteByByte)
+{
+  EXPECT_EQ(wide(Zr::WStringFromAscii("R\xC3\xA9")), L"R\u00C3\u00A9");
+  EXPECT_TRUE(Zr::WStringFromAscii(nullptr).empty());
+}
+
+TEST_P(Texts, AResourceTextStandsBetweenItsPadding)
+{
+  const std::wstring text = host().textOfResource(10043);
+  EXPECT_EQ(wide(paddedResourceStrW(10043, nullptr, L" ", ResStrFmt(0))), text + L" ");
+  EXPECT_EQ(wide(paddedResourceStrW(10043, L"<", L">", ResStrFmt(0))), L"<" + text + L">");
+  EXPECT_EQ(wide(paddedResourceStrW(10043, nullptr, nullptr, ResStrFmt(0))), text);
+}
+
+TEST_P(Texts, ThePrintTakesAFormatAndAnswersTheLength)
+{
+  EXPECT_EQ(vorn_printf("%s %d\n", "label map", 14), 13);
+}
+
+TEST_P(Texts, ABufferGrows)
+{
+  GrowString buffer;
+  EXPECT_STREQ(buffer, "");
+  buffer.append("Tape ");
+  buffer.append('x');
+  buffer << 4294967295u;
+  EXPECT_STREQ(buffer, "Tape x4294967295");
+  const GrowString copy(buffer);
+  buffer = static_cast<const char*>(nullptr);
+  EXPECT_STREQ(buffer, "");
+  EXPECT_STREQ(copy, "Tape x4294967295");
+}
+
+/// The pieces of a text between separators, as the reader of type files takes them.
+std::vector<std::string> pieces(const char* text, const char* separators, bool joinCrLf)
+{
+  ByteStream stream{Text(text)};
+  stream.separators = separators;
+  stream.joinCrLf = joinCrLf;
+  std::vector<std::string> all;
+  while (!stream.atEnd()) {
+    GrowString piece;
+    stream >> piece;
+    all.push_back(static_cast<const char*>(piece));
+  }
+  return all;
+}
+
+TEST_P(Texts, AStreamTakesOneSeparatorAfterEachPiece)
+{
+  using Pieces = std::vector<std::string>;
+  EXPECT_EQ(pieces("a=1  b=2", " ", false), (Pieces{"a=1", "", "b=2"}));
+  EXPECT_EQ(pieces("a:b\n", "\r\n", true), (Pieces{"a:b"})); // nothing after the last separator
+  EXPECT_EQ(pieces("a\r\nb", "\r\n", true), (Pieces{"a", "b"}));
+  EXPECT_EQ(pieces("a\r\nb", "\r\n", false), (Pieces{"a", "", "b"}));
+  EXPECT_EQ(pieces("a\n\rb", "\r\n", true), (Pieces{"a", "", "b"}));
+  EXPECT_EQ(pieces("", " ", false), Pieces{});
+  EXPECT_EQ(pieces("a b", "", false), (Pieces{"a b"})); // no separators by default
+}
+
+TEST_P(Texts, AStreamOverAFileEndsWhereTheFileDoes)
+{
+  std::FILE* const file = std::tmpfile();
+  ASSERT_NE(file, nullptr);
+  std::fputs("x\ny", file);
+  std::rewind(file);
+  ByteStream stream(file);
+  stream.separators = "\n";
+  GrowString piece;
+  stream >> piece;
+  EXPECT_STREQ(piece, "x");
+  EXPECT_FALSE(stream.atEnd());
+  stream >> piece;
+  EXPECT_STREQ(piece, "y");
+  EXPECT_TRUE(stream.atEnd());
+  EXPECT_EQ(std::fclose(file), 0); // the stream has not closed it
+}
+
+// A folder opens for reading and then fails to be read.
+TEST_P(Texts, AFileThatCannotBeReadIsAtItsEnd)
+{
+  std::FILE* const folder = std::fopen(".", "r");
+  ASSERT_NE(folder, nullptr);
+  const ByteStream stream(folder);
+  EXPECT_TRUE(stream.atEnd());
+  std::fclose(folder);
+}
+
+} // namespace

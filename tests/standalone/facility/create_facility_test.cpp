@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <array>
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+#include "reelhost/facility.h"
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+
+const std::vector<std::string> labelMapFiles = {"24f1394.toml", "24f9pin.toml",  "24ftofd.toml",
+                                                "nts9pin.toml", "ntsc1394.toml", "ntstofd.toml",
+                                                "pal1394.toml", "pal9pin.toml",  "paltofd.toml"};
+
+TEST(CreateFacility, MakesEverythingButTheProject)
+{
+  const TempDir folder;
+  createFacility(folder / "site");
+  EXPECT_EQ(namesIn(folder / "site"),
+            (std::vector<std::string>{"devicedata", "facility.toml", "labelmaps", "projects"}));
+  EXPECT_EQ(namesIn(folder / "site/devicedata"), std::vector<std::string>{"reeltype.dat"});
+  EXPECT_EQ(namesIn(folder / "site/labelmaps"), labelMapFiles);
+  EXPECT_TRUE(namesIn(folder / "site/projects").empty());
+}
+
+TEST(CreateFacility, TheFacilityIsReadAndHasADeckAndACamera)
+{
+  const TempDir folder;
+  createFacility(folder.path());
+  const Facility facility = Facility::read(folder.path());
+  EXPECT_EQ(facility.defaultProject(), "main");
+  EXPECT_EQ(facility.configString("default_reel_type"), "Tape 2ch");
+  EXPECT_EQ(facility.resourceText(10043), "Reel");
+  EXPECT_EQ(facility.frameRates(), Facility().frameRates());
+  ASSERT_EQ(facility.devices().size(), 2u);
+  const DeviceSettings& deck = facility.devices()[0];
+  EXPECT_EQ(deck.portType, 0);
+  EXPECT_NE(deck.inputType, 9);
+  EXPECT_EQ(deck.audioInputs, 4);
+  EXPECT_FALSE(deck.tapes.empty());
+  EXPECT_EQ(std::count(deck.tapes.begin(), deck.tapes.end(), "Live"), 0);
+  const DeviceSettings& camera = facility.devices()[1];
+  EXPECT_EQ(camera.portType, 1);
+  EXPECT_EQ(std::count(camera.tapes.begin(), camera.tapes.end(), "Live"), 1);
+}
+
+TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
+{
+  const TempDir folder;
+  createFacility(folder.path());
+  std::ifstream file(folder / "devicedata/reeltype.dat");
+  std::vector<std::string> names;
+  for (std::string line; std::getline(file, line);) {
+    const std::size_t colon = line.find(':');
+    ASSERT_NE(colon, std::string::npos) << line;
+    EXPECT_EQ(line.find("VideoChannels="), colon + 1) << line;
+    EXPECT_NE(line.find(" AudioChannels="), std::string::npos) << line;
+    EXPECT_EQ(line.find(':', colon + 1), std::string::npos) << line;
+    names.push_back(line.substr(0, colon));
+  }
+  EXPECT_EQ(names,
+            (std::vector<std::string>{"Tape 2ch", "Tape 4ch", "Tape 8ch", "Audio only", "Film 35", "Disc", "Live"}));
+  for (const DeviceSettings& device : Facility::read(folder.path()).devices())
+    for (const std::string& tape : device.tapes)
+      EXPECT_EQ(std::count(names.begin(), names.end(), tape), 1) << tape;
+}
+
+TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
+{
+  const TempDir folder;
+  createFacility(folder.path());
+  for (const std::string& name : labelMapFiles) {
+    const std::vector<LabelMapEntry> entries = readLabelMap(folder / "labelmaps" / name);
+    ASSERT_EQ(entries.size(), 14u) << name;
+    const bool over9Pin = name.find("9pin") != std::string::npos;
+    const bool over1394 = name.find("1394") != std::string::npos;
+    int inUse = 0;
+    for (const LabelMapEntry& entry : entries) {
+      if (!entry.inUse)
+        continue;
+      ++inUse;
+      EXPECT_EQ(entry.source == 9, over1394) << name;
+      EXPECT_EQ(entry.source >= 3 && entry.source <= 5, over9Pin) << name;
+      EXPECT_NE(entry.source, 1u) << name; // the device may be without video
+      EXPECT_NE(entry.source, 2u) << name;
+      if (name.rfind("pal", 0) == 0)
+        EXPECT_TRUE(entry.format != 0 && entry.format != 10) << name;
+      if (name.rfind("nts", 0) == 0)
+        EXPECT_TRUE(entry.format != 1 && entry.format != 9) << name;
+      if (name.rfind("24f", 0) == 0)
+        EXPECT_EQ(entry.format, 2u) << name;
+    }
+    EXPECT_GT(inUse, 0) << name;
+  }
+}
+
+TEST(CreateFacility, FacilityThatIsThereIsRefusedAndStays)
+{
+  const TempDir folder;
+  writeBytes(folder / "facility.toml", "mine");
+  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+            "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
+  EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"facility.toml"});
+  EXPECT_EQ(bytesOf(folder / "facility.toml"), "mine");
+  fs::remove(folder / "facility.toml");
+  fs::create_symlink("nowhere", folder / "facility.toml");
+  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+            "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
+}
+
+TEST(CreateFacility, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
+{
+  const TempDir folder;
+  fs::create_directory(folder / "labelmaps");
+  writeBytes(folder / "labelmaps/ntstofd.toml", "mine");
+  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+            "Refused: " + (folder / "labelmaps/ntstofd.toml").native() + ": exists already");
+  EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"labelmaps"});
+  EXPECT_EQ(bytesOf(folder / "labelmaps/ntstofd.toml"), "mine");
+}
+
+TEST(CreateFacility, FolderWithOtherThingsInItIsFine)
+{
+  const TempDir folder;
+  writeBytes(folder / "notes.txt", "mine");
+  fs::create_directory(folder / "projects");
+  writeBytes(folder / "projects/a.reels", "mine");
+  createFacility(folder.path());
+  EXPECT_EQ(bytesOf(folder / "notes.txt"), "mine");
+  EXPECT_EQ(bytesOf(folder / "projects/a.reels"), "mine");
+}
+
+TEST(CreateFacility, FolderThatCannotBeMadeIsAnError)
+{
+  const TempDir folder;
+  writeBytes(folder / "file", "");
+  EXPECT_EQ(errorOf([&] { createFacility(folder / "file"); }).rfind("Io: " + (folder / "file").native(), 0), 0u);
+}
+
+TEST(CreateFacility, DiskFullLeavesNoFile)
+{
+  const TempMount mount("size=12k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  const std::string error = errorOf([&] { createFacility(mount / ""); });
+  EXPECT_EQ(error.rfind("Io: ", 0), 0u) << error;
+  EXPECT_NE(error.find("(No space left on device)"), std::string::npos) << error;
+  for (const auto& entry : fs::recursive_directory_iterator(mount / ""))
+    EXPECT_TRUE(entry.is_directory()) << entry;
+}
+
+} // namespace

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include "reelhost/facility.h"
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+
+class ProjectNames : public testing::Test {
+protected:
+  ProjectNames()
+  {
+    writeBytes(folder_ / "facility.toml", "");
+    fs::create_directory(folder_ / "projects");
+  }
+  Facility facility() const { return Facility::read(folder_.path()); }
+  fs::path projects() const { return folder_ / "projects"; }
+
+private:
+  TempDir folder_;
+};
+
+TEST_F(ProjectNames, FileOfAPlainName)
+{
+  EXPECT_EQ(facility().projectFile("main"), projects() / "main.reels");
+  EXPECT_EQ(facility().projectFile("Film \xC3\xA9 (2)"), projects() / "Film \xC3\xA9 (2).reels");
+  EXPECT_EQ(facility().projectFile("a..b"), projects() / "a..b.reels");
+  EXPECT_EQ(facility().projectFile(std::string(200, 'n')), projects() / (std::string(200, 'n') + ".reels"));
+}
+
+TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
+{
+  const std::pair<std::string, std::string> cases[] = {
+      {"", "\"\": no name for a project (it is empty)"},
+      {".", "\".\": no name for a project (it begins with a dot)"},
+      {"..", "\"..\": no name for a project (it begins with a dot)"},
+      {".hidden", "\".hidden\": no name for a project (it begins with a dot)"},
+      {"a/b", "\"a/b\": no name for a project (it holds a slash)"},
+      {"/etc/x", "\"/etc/x\": no name for a project (it holds a slash)"},
+      {"a\nb", "\"a\\x0ab\": no name for a project (it holds a control character)"},
+      {std::string("a\0b", 3), "\"a\\x00b\": no name for a project (it holds a control character)"},
+      {"a\xC2\x9B", "\"a\xC2\\x9b\": no name for a project (it holds a control character)"},
+  };
+  for (const auto& [name, message] : cases)
+    EXPECT_EQ(errorOf([&] { facility().projectFile(name); }), "Refused: " + message);
+  EXPECT_EQ(errorOf([&] { facility().projectFile(std::string(201, 'n')); }),
+            "Refused: \"" + std::string(201, 'n') + "\": no name for a project (it is longer than 200 bytes)");
+}
+
+TEST_F(ProjectNames, ProjectsAreListedSorted)
+{
+  for (const char* name : {"b.reels", "a.reels", "\xC3\xA9.reels", "B.reels", "a.reels-wal", "a.reels-shm", "notes.txt",
+                           ".hidden.reels", ".a.reels.new-1-0", ".reels", "reels", "x\ny.reels"})
+    writeBytes(projects() / name, "");
+  fs::create_directory(projects() / "folder.reels");
+  fs::create_symlink("a.reels", projects() / "link.reels");
+  fs::create_symlink("nowhere", projects() / "broken.reels");
+  EXPECT_EQ(facility().projectNames(), (std::vector<std::string>{"B", "a", "b", "link", "\xC3\xA9"}));
+}
+
+TEST_F(ProjectNames, MissingFolderHasNoProjects)
+{
+  fs::remove(projects());
+  EXPECT_TRUE(facility().projectNames().empty());
+}
+
+TEST_F(ProjectNames, LongestNameIsCreatedOpenedAndListed)
+{
+  const std::string name(200, 'n');
+  createSqliteProject(facility().projectFile(name), exampleInfo(), {});
+  const auto project = makeSqliteStore(facility().projectFile(name));
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*project), std::vector<std::int64_t>{1});
+  EXPECT_EQ(facility().projectNames(), std::vector<std::string>{name});
+}
+
+} // namespace

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_TESTS_STANDALONE_MODEL_FORWARDING_STORE_H
+#define REELDB_TESTS_STANDALONE_MODEL_FORWARDING_STORE_H
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "reelhost/store.h"
+
+namespace reeldb_tests {
+
+/// Hands every call on to another store, which stays when a project that uses this one is closed. A test overrides what
+/// it wants to see or to spoil.
+class ForwardingStore : public reelhost::Store {
+public:
+  using Sink = std::function<void(reelhost::StoredLog&&)>;
+
+  explicit ForwardingStore(std::shared_ptr<reelhost::Store> to) : to_(std::move(to)) {}
+  std::string subject() const override { return to_->subject(); }
+  void begin(reelhost::Access access, std::chrono::milliseconds patience) override { to_->begin(access, patience); }
+  void end() noexcept override { to_->end(); }
+  reelhost::ProjectInfo info() override { return to_->info(); }
+  reelhost::KeyValues options() override { return to_->options(); }
+  std::int64_t nextNumber() override { return to_->nextNumber(); }
+  void readReels(const Sink& sink) override { to_->readReels(sink); }
+  void readOthers(const Sink& sink) override { to_->readOthers(sink); }
+  std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override { return to_->countOthersByReel(); }
+  std::vector<std::int64_t> lastDeletion() override { return to_->lastDeletion(); }
+  void readLastDeletion(const Sink& sink) override { to_->readLastDeletion(sink); }
+  std::int64_t binCount() override { return to_->binCount(); }
+  void commit(const reelhost::Changes& changes) override { to_->commit(changes); }
+  bool changedElsewhere() override { return to_->changedElsewhere(); }
+  std::vector<std::string> check() override { return to_->check(); }
+
+private:
+  std::shared_ptr<reelhost::Store> to_;
+};
+
+} // namespace reeldb_tests
+
+#endif

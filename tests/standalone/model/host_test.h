@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the tests of the standalone host share.
+#ifndef REELDB_TESTS_STANDALONE_MODEL_HOST_TEST_H
+#define REELDB_TESTS_STANDALONE_MODEL_HOST_TEST_H
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/edit.h"
+#include "host/events.h"
+#include "host/projdb.h"
+#include "reelhost/host.h"
+#include "reelhost/journal.h"
+
+namespace reeldb_tests {
+
+inline constexpr eEditOpenBehaviour openAsUsual{0};
+inline constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
+inline constexpr EditChanType video{1}, audio{2};
+inline constexpr EditModificationType made{59};
+
+/// Writes down what it is told; @p onEvent, when set, is called each time and may throw.
+class RecordingListener : public ProjectListener {
+public:
+  void handleLogModification(const Cookie& log, const EditModification& modification) override
+  {
+    note("modified " + std::string(log.asString(false).c_str()) + " " + std::to_string(modification.type()));
+  }
+  void handleLogsDeletion(const CookieVec& logs, LightweightString<char> text) override
+  {
+    note("deleted " + std::to_string(logs.count()) + " \"" + text.c_str() + "\"");
+  }
+  void handleProjectEntry() override { note("entry"); }
+  void handleProjectExit() override { note("exit"); }
+
+  std::vector<std::string> heard;
+  std::function<void(const std::string&)> onEvent;
+
+private:
+  void note(const std::string& what)
+  {
+    heard.push_back(what);
+    if (onEvent)
+      onEvent(what);
+  }
+};
+
+/// No project is open, no device known, nothing scripted. In the end every log must be closed.
+class HostTest : public ::testing::Test {
+protected:
+  HostTest();
+  ~HostTest() override;
+
+  static reelhost::ProjectInfo info(const std::string& name = "TEST");
+  /// A project in memory, opened for writing. It can be opened again with reopen.
+  void openMemory();
+  void reopen(reelhost::Access access = reelhost::Access::Write);
+  const std::shared_ptr<reelhost::Store>& kept() const { return kept_; } ///< the project that openMemory made
+
+  static Cookie addLog(int type, const std::string& reelId, const std::string& name = {});
+  static std::string text(const Cookie& log);
+  static std::vector<std::string> texts(const CookieVec& logs);
+  static std::string reelIdOf(const Cookie& log);                 ///< attribute 20
+  static std::string fieldOf(const Cookie& log, const char* key); ///< "<absent>" when there is none
+  static bool opens(const Cookie& log);
+  static void withLog(const Cookie& log, const std::function<void(Edit&)>& work);
+  static void rename(const Cookie& log, const char* reelId);
+  static CookieVec reels(); ///< what the mask search finds
+  static CookieVec shotsOf(const char* reelId);
+  static std::string typeNameOf(const Cookie& log); ///< what a view shows; "<no row>" when it shows none
+
+  /// What @p work throws: kind and text, "none" when nothing.
+  static std::string errorOf(const std::function<void()>& work);
+  static std::vector<std::string> linesOf(const std::function<void()>& work); ///< the host calls it makes
+
+private:
+  std::shared_ptr<reelhost::Store> kept_;
+};
+
+} // namespace reeldb_tests
+
+#endif

@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "model/listeners.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "standalone/model/host_test.h"
+
+namespace {
+
+using namespace reeldb_tests;
+using Texts = std::vector<std::string>;
+
+class ListenersTest : public HostTest {};
+
+TEST_F(ListenersTest, WhatTheFirstThrowsPassesWhenAllHaveBeenTold)
+{
+  RecordingListener first, second, third;
+  first.onEvent = [](const std::string&) { throw std::out_of_range("first"); };
+  second.onEvent = [](const std::string&) { throw std::runtime_error("second"); };
+  EXPECT_THROW(reelhost::model::tellProjectEntry(), std::out_of_range);
+  EXPECT_EQ(third.heard, Texts{"entry"});
+  first.onEvent = second.onEvent = nullptr;
+  reelhost::model::tellProjectExit();
+  EXPECT_EQ(third.heard, (Texts{"entry", "exit"}));
+}
+
+// Places that became free while one event was told inside another are tidied up with the outer one.
+TEST_F(ListenersTest, EventsInsideEventsReachWhoIsThere)
+{
+  RecordingListener first, last;
+  auto going = std::make_unique<RecordingListener>();
+  first.onEvent = [&](const std::string& event) {
+    if (event != "entry")
+      return;
+    going.reset();
+    reelhost::model::tellProjectExit();
+  };
+  reelhost::model::tellProjectEntry();
+  EXPECT_EQ(first.heard, (Texts{"entry", "exit"}));
+  EXPECT_EQ(last.heard, (Texts{"exit", "entry"}));
+}
+
+TEST_F(ListenersTest, TheOtherEventsDoNothing)
+{
+  class Plain : public ProjectListener {
+  } plain;
+  ProjectListener& listener = plain;
+  listener.handleLogsModification(CookieVec());
+  listener.handleLogModification(Cookie(), EditModification(made));
+  listener.handleLogsDeletion(CookieVec(), "");
+  listener.handleLogDirtied(Cookie());
+  listener.handleLogStorage(Cookie(), true);
+  listener.handleProjectEntry();
+  listener.handleProjectExit();
+}
+
+} // namespace

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "host/text.h"
+
+#include "standalone/model/host_test.h"
+
+namespace {
+
+using namespace reeldb_tests;
+
+class TextsTest : public HostTest {};
+
+TEST_F(TextsTest, ThePrintGoesToStandardErrorAndNowhereElse)
+{
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  EXPECT_EQ(vorn_printf("Shot: %s  Changing reel from %s to %s\n", "E0000001", "a", "b"), 42);
+  EXPECT_EQ(vorn_printf("%s", ""), 0);
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Shot: E0000001  Changing reel from a to b\n");
+}
+
+TEST_F(TextsTest, APrintMayBeLong)
+{
+  const std::string text(100000, 'x');
+  ::testing::internal::CaptureStderr();
+  vorn_printf("%s\n", text.c_str());
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), text + "\n");
+}
+
+TEST_F(TextsTest, TheBuiltInTextOfAReelsNameIsReel)
+{
+  EXPECT_EQ(std::wstring(paddedResourceStrW(10043, nullptr, L" ", ResStrFmt(0)).c_str()), L"Reel ");
+}
+
+TEST_F(TextsTest, AnUnknownResourceIsItsPaddingAlone)
+{
+  EXPECT_EQ(std::wstring(paddedResourceStrW(1, L"<", L">", ResStrFmt(0)).c_str()), L"<>");
+}
+
+} // namespace

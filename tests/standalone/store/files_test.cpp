@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/files.h"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+
+TEST(Printable, ControlCharactersAreEscapedAndAllElseStays)
+{
+  EXPECT_EQ(printable("a b\xC3\xA9~"), "a b\xC3\xA9~");
+  EXPECT_EQ(printable(std::string_view("\0\x1F\x7F\n", 4)), "\\x00\\x1f\\x7f\\x0a");
+  EXPECT_EQ(printable("\xC2\x9B"), "\xC2\\x9b"); // U+009B, a control character in two bytes
+  EXPECT_EQ(printable("\xC2\xA0\xC3\x9B\x9B"), "\xC2\xA0\xC3\x9B\x9B");
+  EXPECT_EQ(printable(""), "");
+}
+
+TEST(SystemError, NamesSubjectFactAndCause)
+{
+  EXPECT_EQ(errorOf([] { throwSystemError(ErrorKind::Io, "a\nb", "cannot be read", ENOSPC); }),
+            "Io: a\\x0ab: cannot be read (No space left on device)");
+}
+
+TEST(WriteNewFile, MakesTheFile)
+{
+  const TempDir folder;
+  const std::string content(300'000, 'c');
+  writeNewFile(folder / "f", content);
+  EXPECT_EQ(bytesOf(folder / "f"), content);
+}
+
+TEST(WriteNewFile, WhatIsThereIsRefusedAndStays)
+{
+  const TempDir folder;
+  writeBytes(folder / "f", "old");
+  EXPECT_EQ(errorOf([&] { writeNewFile(folder / "f", "new"); }),
+            "Refused: " + (folder / "f").native() + ": cannot be made (File exists)");
+  EXPECT_EQ(bytesOf(folder / "f"), "old");
+  fs::create_symlink(folder / "elsewhere", folder / "link");
+  EXPECT_EQ(errorOf([&] { writeNewFile(folder / "link", "new"); }),
+            "Refused: " + (folder / "link").native() + ": cannot be made (File exists)");
+  EXPECT_FALSE(fs::exists(folder / "elsewhere"));
+}
+
+TEST(WriteNewFile, DiskFullLeavesNoFile)
+{
+  const TempMount mount("size=64k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  EXPECT_EQ(errorOf([&] { writeNewFile(mount / "f", std::string(200'000, 'x')); }),
+            "Io: " + (mount / "f").native() + ": cannot be written (No space left on device)");
+  EXPECT_FALSE(fs::exists(mount / "f"));
+}
+
+TEST(WriteNewFile, MissingFolder)
+{
+  EXPECT_EQ(errorOf([] { writeNewFile("/nonexistent-folder/f", ""); }),
+            "Io: /nonexistent-folder/f: cannot be made (No such file or directory)");
+}
+
+TEST(TemporaryFile, GoesUnlessKept)
+{
+  const TempDir folder;
+  writeBytes(folder / "a", "");
+  writeBytes(folder / "b", "");
+  {
+    const TemporaryFile gone(folder / "a");
+    TemporaryFile kept(folder / "b");
+    kept.keep();
+  }
+  EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"b"});
+}
+
+TEST(SyncFolder, MissingFolderIsAnError)
+{
+  const TempDir folder;
+  syncFolder(folder.path());
+  EXPECT_EQ(errorOf([&] { syncFolder(folder / "none"); }),
+            "Io: " + (folder / "none").native() + ": cannot be written (No such file or directory)");
+}
+
+TEST(FolderOf, PathsWithAndWithoutAFolder)
+{
+  EXPECT_EQ(folderOf("a/b"), "a");
+  EXPECT_EQ(folderOf("b"), ".");
+  EXPECT_EQ(folderOf("/b"), "/");
+}
+
+TEST(ReadRegularFile, WholeContent)
+{
+  const TempDir folder;
+  const std::string content = std::string(200'000, 'a') + std::string("\0b", 2);
+  writeBytes(folder / "f", content);
+  EXPECT_EQ(readRegularFile(folder / "f", content.size()), content);
+  fs::create_symlink(folder / "f", folder / "link");
+  EXPECT_EQ(readRegularFile(folder / "link", content.size()), content);
+  writeBytes(folder / "empty", "");
+  EXPECT_EQ(readRegularFile(folder / "empty", 0), "");
+}
+
+TEST(ReadRegularFile, LargerThanTheLimit)
+{
+  const TempDir folder;
+  writeBytes(folder / "f", "12345");
+  EXPECT_EQ(readRegularFile(folder / "f", 5), "12345");
+  EXPECT_EQ(errorOf([&] { readRegularFile(folder / "f", 4); }),
+            "Unreadable: " + (folder / "f").native() + ": too large (more than 4 bytes)");
+  writeBytes(folder / "sparse", "");
+  fs::resize_file(folder / "sparse", std::uintmax_t{4} << 30);
+  EXPECT_EQ(errorOf([&] { readRegularFile(folder / "sparse", 1000); }),
+            "Unreadable: " + (folder / "sparse").native() + ": too large (more than 1000 bytes)");
+}
+
+TEST(ReadRegularFile, AnythingElseIsRefusedWithoutWaiting)
+{
+  const TempDir folder;
+  const auto error = [&](const char* name) { return errorOf([&] { readRegularFile(folder / name, 10); }); };
+  EXPECT_EQ(error("none"),
+            "NotFound: " + (folder / "none").native() + ": cannot be opened (No such file or directory)");
+  fs::create_directory(folder / "d");
+  EXPECT_EQ(error("d"), "Unreadable: " + (folder / "d").native() + ": no regular file (a folder)");
+  ASSERT_EQ(::mkfifo((folder / "p").c_str(), 0600), 0);
+  EXPECT_EQ(error("p"), "Unreadable: " + (folder / "p").native() + ": no regular file (a named pipe)");
+  fs::create_symlink("/dev/zero", folder / "z");
+  EXPECT_EQ(error("z"), "Unreadable: " + (folder / "z").native() + ": no regular file (a device)");
+  fs::create_symlink("loop", folder / "loop");
+  EXPECT_EQ(error("loop"),
+            "Io: " + (folder / "loop").native() + ": cannot be opened (Too many levels of symbolic links)");
+}
+
+TEST(KindOfFile, Words)
+{
+  EXPECT_EQ(kindOfFile(S_IFREG | 0644), "");
+  EXPECT_EQ(kindOfFile(S_IFDIR), "a folder");
+  EXPECT_EQ(kindOfFile(S_IFIFO), "a named pipe");
+  EXPECT_EQ(kindOfFile(S_IFSOCK), "a socket");
+  EXPECT_EQ(kindOfFile(S_IFLNK), "a symbolic link");
+  EXPECT_EQ(kindOfFile(S_IFCHR), "a device");
+  EXPECT_EQ(kindOfFile(S_IFBLK), "a device");
+}
+
+TEST(FileDescriptorTest, ClosesWithItsOwner)
+{
+  int raw = -1;
+  {
+    const FileDescriptor fd(::open("/dev/null", O_RDONLY | O_CLOEXEC));
+    ASSERT_TRUE(fd.valid());
+    raw = fd.get();
+  }
+  EXPECT_EQ(::fcntl(raw, F_GETFD), -1);
+  EXPECT_FALSE(FileDescriptor(-1).valid());
+}
+
+} // namespace

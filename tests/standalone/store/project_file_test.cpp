@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/project_file.h"
+
+#include <gtest/gtest.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+
+TEST(InspectProjectFile, TellsPathSizeAndWhatLiesBeside)
+{
+  const TempDir folder;
+  const fs::path file = folder / "p";
+  writeBytes(file, "12345");
+  fs::create_symlink(file, folder / "link");
+  ProjectFile found = inspectProjectFile(folder / "link");
+  EXPECT_EQ(found.path, file.native());
+  EXPECT_TRUE(found.writable);
+  EXPECT_EQ(found.whyNot, "");
+  EXPECT_EQ(found.size, 5u);
+  EXPECT_EQ(found.logSize, 0u);
+  EXPECT_FALSE(found.hasLogIndex);
+  EXPECT_EQ(found.modified, modificationTime(file));
+  writeBytes(file.native() + "-wal", "123");
+  writeBytes(file.native() + "-shm", "");
+  found = inspectProjectFile(file);
+  EXPECT_EQ(found.logSize, 3u);
+  EXPECT_TRUE(found.hasLogIndex);
+}
+
+TEST(InspectProjectFile, ReadOnlyFileComesBeforeReadOnlyFolder)
+{
+  const TempDir folder;
+  const fs::path file = folder / "p";
+  writeBytes(file, "");
+  fs::permissions(folder.path(), fs::perms::owner_read | fs::perms::owner_exec);
+  EXPECT_FALSE(inspectProjectFile(file).writable);
+  EXPECT_EQ(inspectProjectFile(file).whyNot, "the mode of its folder allows no writing");
+  fs::permissions(file, fs::perms::owner_read);
+  EXPECT_EQ(inspectProjectFile(file).whyNot, "its mode allows no writing");
+}
+
+TEST(InspectProjectFile, RelativeNameOfTheWorkingFolder)
+{
+  const TempDir folder;
+  writeBytes(folder / "p", "");
+  const fs::path before = fs::current_path();
+  fs::current_path(folder.path());
+  const ProjectFile found = inspectProjectFile("p");
+  fs::current_path(before);
+  EXPECT_EQ(found.path, (folder / "p").native());
+  EXPECT_TRUE(found.writable);
+}
+
+} // namespace

@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+
+class SqliteCreate : public testing::Test {
+protected:
+  fs::path file() const { return folder_ / "new.reels"; }
+  fs::path folder() const { return folder_.path(); }
+  std::string createError() const
+  {
+    return errorOf([&] { createSqliteProject(file(), exampleInfo(), {}); });
+  }
+
+private:
+  TempDir folder_;
+};
+
+TEST_F(SqliteCreate, MakesOneFileAtRestInWriteAheadMode)
+{
+  createSqliteProject(file(), exampleInfo(), {{"k", "v"}});
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"new.reels"});
+  const std::string bytes = bytesOf(file());
+  EXPECT_EQ(bytes.substr(0, 15), "SQLite format 3");
+  EXPECT_EQ(bytes.substr(18, 2), "\x02\x02"); // write-ahead log for writing and reading
+  EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\1", 4));
+  EXPECT_EQ(bytes.substr(68, 4), "REEL");
+  struct stat status = {};
+  ASSERT_EQ(::stat(file().c_str(), &status), 0);
+  EXPECT_EQ(status.st_nlink, 1u);
+}
+
+TEST_F(SqliteCreate, FollowsTheUmask)
+{
+  const mode_t before = ::umask(027);
+  createSqliteProject(file(), exampleInfo(), {});
+  ::umask(before);
+  struct stat status = {};
+  ASSERT_EQ(::stat(file().c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640u);
+}
+
+TEST_F(SqliteCreate, WhatIsThereIsRefusedAndStays)
+{
+  writeBytes(file(), "mine");
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  EXPECT_EQ(bytesOf(file()), "mine");
+  fs::remove(file());
+  fs::create_directory(file());
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  fs::remove(file());
+  fs::create_symlink(folder() / "nowhere", file());
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"new.reels"});
+}
+
+TEST_F(SqliteCreate, LeftoversOfAnEarlierProjectAreRefused)
+{
+  for (const char* ending : {"-wal", "-shm", "-journal"}) {
+    const fs::path left = file().native() + ending;
+    writeBytes(left, "old");
+    EXPECT_EQ(createError(), "Refused: " + left.native() + ": left over from another project (move it away first)");
+    EXPECT_EQ(namesIn(folder()), std::vector<std::string>{left.filename().native()});
+    fs::remove(left);
+  }
+}
+
+TEST_F(SqliteCreate, MissingFolderIsAnError)
+{
+  const fs::path path = folder() / "none" / "new.reels";
+  EXPECT_EQ(errorOf([&] { createSqliteProject(path, exampleInfo(), {}); }),
+            "Io: " + path.native() + ": cannot be made (No such file or directory)");
+}
+
+TEST_F(SqliteCreate, NameThatIsTooLongForTheSystemIsAnError)
+{
+  const fs::path path = folder() / std::string(250, 'n');
+  EXPECT_EQ(errorOf([&] { createSqliteProject(path, exampleInfo(), {}); }),
+            "Io: " + path.native() + ": cannot be made (File name too long)");
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{});
+}
+
+TEST_F(SqliteCreate, RelativeAndOddNamesWork)
+{
+  const fs::path before = fs::current_path();
+  fs::current_path(folder());
+  const fs::path odd = "file:odd %41?mode=memory#x '\".reels";
+  createSqliteProject(odd, exampleInfo(), {});
+  const auto project = makeSqliteStore(odd);
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*project), std::vector<std::int64_t>{1});
+  fs::current_path(before);
+  EXPECT_TRUE(fs::exists(folder() / odd));
+}
+
+TEST_F(SqliteCreate, TwoAtOnceMakeOneProject)
+{
+  std::vector<std::unique_ptr<Child>> children;
+  for (int i = 0; i < 4; ++i)
+    children.push_back(std::make_unique<Child>([&] { createSqliteProject(file(), exampleInfo(), {}); }));
+  int made = 0;
+  for (const auto& child : children)
+    made += child->waitForExit() == 0 ? 1 : 0;
+  EXPECT_EQ(made, 1);
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"new.reels"});
+  EXPECT_EQ(makeSqliteStore(file())->check(), std::vector<std::string>{});
+}
+
+} // namespace

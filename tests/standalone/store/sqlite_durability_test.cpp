@@ -1,0 +1,346 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A commit is stored whole or not at all, whatever happens to the process, the disk or the write-ahead log.
+#include <memory>
+#include <random>
+
+#include <cerrno>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sqlite3.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+using Numbers = std::vector<std::int64_t>;
+
+Changes batch(std::int64_t first, int count)
+{
+  Changes changes;
+  for (int i = 0; i < count; ++i)
+    changes.logs.push_back(exampleLog(first + i, i % 2 == 0 ? 9 : 1));
+  return changes;
+}
+
+class SqliteDurability : public testing::Test {
+protected:
+  void SetUp() override { createSqliteProject(file(), exampleInfo(), {}); }
+  fs::path file() const { return folder_ / "main.reels"; }
+  fs::path folder() const { return folder_.path(); }
+  std::size_t countLogs(const fs::path& project) const
+  {
+    const auto opened = makeSqliteStore(project);
+    EXPECT_EQ(opened->check(), std::vector<std::string>{});
+    return numbersOf(*opened).size();
+  }
+
+private:
+  TempDir folder_;
+};
+
+TEST_F(SqliteDurability, CommitWithoutChangesWritesNothing)
+{
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, batch(1, 10));
+  }
+  const std::string bytes = bytesOf(file());
+  const std::int64_t time = modificationTime(file());
+  ::usleep(20'000); // a write would show in the time
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, {});
+    EXPECT_EQ(fs::file_size(file().native() + "-wal"), 0u);
+    project->begin(Access::Write, noPatience);
+    project->end();
+    EXPECT_EQ(fs::file_size(file().native() + "-wal"), 0u);
+  }
+  EXPECT_EQ(bytesOf(file()), bytes);
+  EXPECT_EQ(modificationTime(file()), time);
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"main.reels"});
+}
+
+TEST_F(SqliteDurability, KilledWriterLeavesItsCommitsToTheNextOpen)
+{
+  storeAndDie(file(), batch(1, 10));
+  EXPECT_EQ(countLogs(file()), 10u);
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"main.reels"}); // taken in and tidied up
+  EXPECT_EQ(countLogs(file()), 10u);
+}
+
+TEST_F(SqliteDurability, KilledBeforeCommitLeavesNothing)
+{
+  Child writer([&] {
+    const auto project = makeSqliteStore(file());
+    project->begin(Access::Write, noPatience);
+    ::raise(SIGKILL);
+  });
+  EXPECT_EQ(writer.waitForExit(), -1);
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Write, noPatience); // the lock died with its holder
+  EXPECT_EQ(project->nextNumber(), 1);
+}
+
+TEST_F(SqliteDurability, KilledAtAnyMomentEachCommitIsThereWholeOrNotAtAll)
+{
+  constexpr int perCommit = 25;
+  constexpr int rounds = 50;
+  auto* reported = static_cast<volatile std::int64_t*>(
+      ::mmap(nullptr, sizeof(std::int64_t), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+  ASSERT_NE(static_cast<volatile void*>(reported), MAP_FAILED);
+  *reported = 0;
+  std::mt19937 random(4711);
+  int cut = 0;
+  for (int round = 0; round < rounds; ++round) {
+    const std::int64_t before = *reported;
+    Child writer([&] {
+      const auto project = makeSqliteStore(file());
+      for (;;) {
+        project->begin(Access::Write, muchPatience);
+        const std::int64_t next = project->nextNumber();
+        Changes changes = batch(next, perCommit);
+        changes.options = {{"last", std::to_string(next + perCommit - 1)}};
+        project->commit(changes);
+        *reported = next + perCommit - 1;
+      }
+    });
+    ::usleep(static_cast<useconds_t>(random() % 60'000));
+    writer.kill();
+    const auto project = makeSqliteStore(file());
+    ASSERT_EQ(project->check(), std::vector<std::string>{}) << "round " << round;
+    project->begin(Access::Read, noPatience);
+    const std::int64_t last = project->nextNumber() - 1;
+    std::int64_t logs = 0;
+    project->readReels([&](StoredLog&&) { ++logs; });
+    project->readOthers([&](StoredLog&&) { ++logs; });
+    const KeyValues options = project->options();
+    project->end();
+    EXPECT_EQ(last % perCommit, 0) << "round " << round;
+    EXPECT_EQ(logs, last) << "round " << round;
+    EXPECT_EQ(options, last == 0 ? KeyValues{} : (KeyValues{{"last", std::to_string(last)}})) << "round " << round;
+    EXPECT_GE(last, static_cast<std::int64_t>(*reported)) << "round " << round; // what was reported is there
+    EXPECT_LE(last, *reported + perCommit) << "round " << round;
+    cut += *reported > before ? 1 : 0;
+    *reported = last;
+  }
+  EXPECT_GT(cut, rounds / 4) << "hardly any round came as far as a commit";
+  ::munmap(const_cast<std::int64_t*>(reported), sizeof(std::int64_t));
+}
+
+TEST_F(SqliteDurability, LogCutShortAnywhereHoldsTheStateOfAnEarlierCommit)
+{
+  constexpr int perCommit = 20;
+  Child writer([&] {
+    const auto project = makeSqliteStore(file());
+    for (int i = 0; i < 8; ++i)
+      store(*project, batch(1 + i * perCommit, perCommit));
+    ::raise(SIGKILL);
+  });
+  EXPECT_EQ(writer.waitForExit(), -1);
+  const std::string log = bytesOf(file().native() + "-wal");
+  ASSERT_GT(log.size(), 8u * 4096u);
+  std::mt19937 random(7);
+  std::size_t partial = 0;
+  for (int round = 0; round < 60; ++round) {
+    const std::size_t length = round == 0 ? log.size() : random() % log.size();
+    const fs::path copy = folder() / ("cut" + std::to_string(round) + ".reels");
+    fs::copy_file(file(), copy);
+    writeBytes(copy.native() + "-wal", std::string_view(log).substr(0, length));
+    const std::size_t logs = countLogs(copy);
+    EXPECT_EQ(logs % perCommit, 0u) << "cut to " << length << " of " << log.size();
+    EXPECT_LE(logs, 8u * perCommit);
+    partial += logs > 0 && logs < 8u * perCommit ? 1 : 0;
+    if (round == 0) {
+      EXPECT_EQ(logs, 8u * perCommit);
+    }
+  }
+  EXPECT_GT(partial, 20u);
+}
+
+TEST_F(SqliteDurability, LogWithADamagedFrameHoldsTheStateBeforeIt)
+{
+  constexpr int perCommit = 20;
+  Child writer([&] {
+    const auto project = makeSqliteStore(file());
+    for (int i = 0; i < 4; ++i)
+      store(*project, batch(1 + i * perCommit, perCommit));
+    ::raise(SIGKILL);
+  });
+  EXPECT_EQ(writer.waitForExit(), -1);
+  const std::string log = bytesOf(file().native() + "-wal");
+  std::mt19937 random(11);
+  for (int round = 0; round < 30; ++round) {
+    const fs::path copy = folder() / ("bad" + std::to_string(round) + ".reels");
+    fs::copy_file(file(), copy);
+    std::string damaged = log;
+    damaged[random() % damaged.size()] ^= 0x20;
+    writeBytes(copy.native() + "-wal", damaged);
+    const std::size_t logs = countLogs(copy);
+    EXPECT_EQ(logs % perCommit, 0u);
+    EXPECT_LE(logs, 4u * perCommit);
+  }
+}
+
+// --- Disk full, I/O errors
+// ---------------------------------------------------------------------------------------------
+
+/// Lets the n-th write of SQLite in this process, and all after it, fail.
+class WriteFault {
+public:
+  WriteFault(int n, int error)
+  {
+    left = n;
+    errorNumber = error;
+    hits = 0;
+    vfs_ = sqlite3_vfs_find(nullptr);
+    replace("write", reinterpret_cast<sqlite3_syscall_ptr>(&failingWrite), original[0]);
+    replace("pwrite", reinterpret_cast<sqlite3_syscall_ptr>(&failingPwrite), original[1]);
+    replace("pwrite64", reinterpret_cast<sqlite3_syscall_ptr>(&failingPwrite), original[2]);
+  }
+  ~WriteFault()
+  {
+    for (const char* name : {"write", "pwrite", "pwrite64"})
+      vfs_->xSetSystemCall(vfs_, name, nullptr);
+  }
+  WriteFault(const WriteFault&) = delete;
+  WriteFault& operator=(const WriteFault&) = delete;
+  static inline int hits = 0;
+
+private:
+  void replace(const char* name, sqlite3_syscall_ptr replacement, sqlite3_syscall_ptr& before)
+  {
+    before = vfs_->xGetSystemCall(vfs_, name);
+    if (before)
+      vfs_->xSetSystemCall(vfs_, name, replacement);
+  }
+  static bool fails()
+  {
+    if (--left > 0)
+      return false;
+    ++hits;
+    errno = errorNumber;
+    return true;
+  }
+  static ssize_t failingWrite(int fd, const void* bytes, size_t count)
+  {
+    return fails() ? -1 : ::write(fd, bytes, count);
+  }
+  static ssize_t failingPwrite(int fd, const void* bytes, size_t count, off_t at)
+  {
+    return fails() ? -1 : ::pwrite(fd, bytes, count, at);
+  }
+  static inline int left = 0;
+  static inline int errorNumber = 0;
+  sqlite3_vfs* vfs_;
+  sqlite3_syscall_ptr original[3] = {};
+};
+
+TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
+{
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, batch(1, 30));
+  }
+  const std::string atRest = bytesOf(file());
+  for (const int error : {ENOSPC, EIO}) {
+    const std::string expected =
+        "Io: " + file().native() +
+        (error == ENOSPC ? ": not stored (database or disk is full)" : ": not stored (disk I/O error)");
+    int refused = 0;
+    for (int n = 1;; ++n) {
+      writeBytes(file(), atRest);
+      std::string answer;
+      int hits = 0;
+      {
+        const auto project = makeSqliteStore(file());
+        project->begin(Access::Write, noPatience);
+        {
+          const WriteFault fault(n, error);
+          answer = errorOf([&] { project->commit(batch(31, 30)); });
+          hits = WriteFault::hits;
+        }
+        if (answer != "nothing") {
+          ++refused;
+          EXPECT_EQ(answer, expected) << "write " << n;
+          EXPECT_EQ(numbersOf(*project).size(), 30u) << "write " << n;
+          if (n % 2 == 0) { // the same store goes on when there is room again
+            store(*project, batch(31, 5));
+            EXPECT_EQ(numbersOf(*project).size(), 35u) << "write " << n;
+          }
+        }
+      }
+      const std::size_t logs = answer == "nothing" ? 60u : n % 2 == 0 ? 35u : 30u;
+      EXPECT_EQ(countLogs(file()), logs) << "write " << n;
+      if (hits == 0) {
+        EXPECT_EQ(answer, "nothing");
+        break;
+      }
+      ASSERT_LT(n, 1000);
+    }
+    EXPECT_GT(refused, 5);
+  }
+}
+
+TEST_F(SqliteDurability, WritesThatFailWhileClosingLeaveTheCommitInTheLog)
+{
+  const std::string atRest = bytesOf(file());
+  for (int n = 1;; ++n) {
+    for (const char* ending : {"-wal", "-shm"})
+      fs::remove(file().native() + ending);
+    writeBytes(file(), atRest);
+    int hits = 0;
+    {
+      auto project = makeSqliteStore(file());
+      store(*project, batch(1, 30));
+      const WriteFault fault(n, ENOSPC);
+      project.reset();
+      hits = WriteFault::hits;
+    }
+    EXPECT_EQ(countLogs(file()), 30u) << "write " << n;
+    if (hits == 0) {
+      EXPECT_GT(n, 3);
+      break;
+    }
+    ASSERT_LT(n, 1000);
+  }
+}
+
+TEST(SqliteDiskFull, CommitThatDoesNotFitIsRefusedAndTheProjectStays)
+{
+  const TempMount mount("size=512k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  const fs::path file = mount / "main.reels";
+  createSqliteProject(file, exampleInfo(), {});
+  {
+    const auto project = makeSqliteStore(file);
+    store(*project, batch(1, 20));
+    Changes large = batch(21, 20);
+    large.logs[5].name = std::string(2'000'000, 'x');
+    EXPECT_EQ(errorOf([&] { store(*project, large); }),
+              "Io: " + file.native() + ": not stored (database or disk is full)");
+    EXPECT_EQ(numbersOf(*project).size(), 20u);
+    store(*project, batch(21, 20));
+    EXPECT_EQ(project->check(), std::vector<std::string>{});
+  }
+  const auto project = makeSqliteStore(file);
+  EXPECT_EQ(numbersOf(*project).size(), 40u);
+}
+
+TEST(SqliteDiskFull, NewProjectThatDoesNotFitLeavesNothing)
+{
+  const TempMount mount("size=16k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  EXPECT_EQ(errorOf([&] { createSqliteProject(mount / "main.reels", exampleInfo(), {}); }),
+            "Io: " + (mount / "main.reels").native() + ": cannot be made (database or disk is full)");
+  EXPECT_EQ(namesIn(mount / ""), std::vector<std::string>{});
+}
+
+} // namespace

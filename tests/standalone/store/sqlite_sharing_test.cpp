@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// One project, several processes.
+#include <algorithm>
+#include <memory>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+namespace fs = std::filesystem;
+using Numbers = std::vector<std::int64_t>;
+
+class SqliteSharing : public testing::Test {
+protected:
+  void SetUp() override { createSqliteProject(file(), exampleInfo(), {}); }
+  fs::path file() const { return folder_ / "main.reels"; }
+  fs::path folder() const { return folder_.path(); }
+
+  /// A process that has begun to write and goes on holding the project.
+  Child holder() const
+  {
+    return Child([this] {
+      static std::unique_ptr<Store> held; // outlives the work
+      held = makeSqliteStore(file());
+      held->begin(Access::Write, muchPatience);
+    });
+  }
+
+  std::string busyError(pid_t pid) const
+  {
+    return "Busy: " + file().native() + ": held by another process (pid " + std::to_string(pid) + ", store_test";
+  }
+
+  /// What a process of its own gets that wants to write.
+  std::string errorElsewhere() const
+  {
+    const fs::path answer = folder_ / "answer";
+    Child other([&] {
+      const auto project = makeSqliteStore(file());
+      writeBytes(answer, errorOf([&] { project->begin(Access::Write, noPatience); }));
+    });
+    EXPECT_EQ(other.waitForExit(), 0);
+    return bytesOf(answer);
+  }
+
+  void storeElsewhere(std::int64_t number) const
+  {
+    Child other([&] {
+      const auto project = makeSqliteStore(file());
+      store(*project, logChanges({exampleLog(number, 9)}));
+    });
+    ASSERT_EQ(other.waitForExit(), 0);
+  }
+
+private:
+  TempDir folder_;
+};
+
+TEST_F(SqliteSharing, SecondWriterIsToldWhoHoldsTheProject)
+{
+  Child other = holder();
+  other.waitUntilDone();
+  const auto project = makeSqliteStore(file());
+  const std::string error = errorOf([&] { project->begin(Access::Write, noPatience); });
+  EXPECT_EQ(error.rfind(busyError(other.pid()), 0), 0u) << error;
+  EXPECT_EQ(error.back(), ')');
+  EXPECT_EQ(std::count(error.begin(), error.end(), '\0'), 0);
+}
+
+TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsPatience)
+{
+  Child other = holder();
+  other.waitUntilDone();
+  const auto project = makeSqliteStore(file());
+  const auto start = steady_clock::now();
+  EXPECT_EQ(errorOf([&] { project->begin(Access::Write, milliseconds(300)); }).rfind("Busy: ", 0), 0u);
+  const auto waited = steady_clock::now() - start;
+  EXPECT_GE(waited, milliseconds(290));
+  EXPECT_LT(waited, milliseconds(20000));
+}
+
+TEST_F(SqliteSharing, SecondWriterGoesOnWhenTheFirstIsDone)
+{
+  Child other([this] {
+    const auto project = makeSqliteStore(file());
+    project->begin(Access::Write, muchPatience);
+    writeBytes(folder() / "begun", "");
+    ::usleep(200'000);
+    project->commit(logChanges({exampleLog(1, 9)}));
+  });
+  while (!fs::exists(folder() / "begun"))
+    ::usleep(1000);
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Write, muchPatience);
+  EXPECT_EQ(project->nextNumber(), 2);
+  project->commit(logChanges({exampleLog(2, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2}));
+}
+
+TEST_F(SqliteSharing, BusyStoreWritesOnceTheHolderIsGone)
+{
+  const auto project = makeSqliteStore(file());
+  {
+    Child other = holder();
+    other.waitUntilDone();
+    EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }).rfind("Busy: ", 0), 0u);
+  }
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteSharing, BusyProjectIsRead)
+{
+  const auto before = makeSqliteStore(file());
+  store(*before, logChanges({exampleLog(1, 9)}));
+  Child other = holder();
+  other.waitUntilDone();
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Read, noPatience);
+  EXPECT_EQ(project->nextNumber(), 2);
+  project->end();
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+}
+
+TEST_F(SqliteSharing, ReaderKeepsNoWriterAwayAndItsSnapshotStays)
+{
+  const auto reader = makeSqliteStore(file());
+  store(*reader, logChanges({exampleLog(1, 9)}));
+  reader->begin(Access::Read, noPatience);
+  storeElsewhere(2);
+  EXPECT_EQ(reader->nextNumber(), 2);
+  int reels = 0;
+  reader->readReels([&](StoredLog&&) { ++reels; });
+  EXPECT_EQ(reels, 1);
+  reader->end();
+  EXPECT_EQ(numbersOf(*reader), (Numbers{1, 2}));
+}
+
+TEST_F(SqliteSharing, CommitOfAnotherProcessIsToldOnceAfterTheUse)
+{
+  const auto project = makeSqliteStore(file());
+  EXPECT_FALSE(project->changedElsewhere()); // nothing has begun
+  project->begin(Access::Read, noPatience);
+  storeElsewhere(1);
+  EXPECT_FALSE(project->changedElsewhere()); // the snapshot stays what it is
+  project->end();
+  EXPECT_TRUE(project->changedElsewhere());
+  EXPECT_FALSE(project->changedElsewhere());
+  storeElsewhere(2);
+  storeElsewhere(3);
+  EXPECT_TRUE(project->changedElsewhere());
+  EXPECT_FALSE(project->changedElsewhere());
+  storeElsewhere(4);
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4})); // begin sees it, so it is no news any more
+  EXPECT_FALSE(project->changedElsewhere());
+}
+
+TEST_F(SqliteSharing, UseWithoutChangesElsewhereIsNoNews)
+{
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project);
+  Child other([this] {
+    const auto reader = makeSqliteStore(file());
+    numbersOf(*reader);
+    store(*reader, {});
+  });
+  ASSERT_EQ(other.waitForExit(), 0);
+  EXPECT_FALSE(project->changedElsewhere());
+}
+
+TEST_F(SqliteSharing, CheckDoesNotSwallowTheNews)
+{
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project);
+  storeElsewhere(1);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  EXPECT_TRUE(project->changedElsewhere());
+}
+
+TEST_F(SqliteSharing, FileReplacedByAnotherIsNewsAndTheNewOneIsUsed)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9)}));
+  createSqliteProject(folder() / "other.reels", exampleInfo(), {});
+  {
+    const auto other = makeSqliteStore(folder() / "other.reels");
+    store(*other, logChanges({exampleLog(5, 9)}));
+  }
+  for (const char* ending : {"-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  fs::rename(folder() / "other.reels", file());
+  EXPECT_TRUE(project->changedElsewhere());
+  EXPECT_FALSE(project->changedElsewhere());
+  EXPECT_EQ(numbersOf(*project), (Numbers{5}));
+  store(*project, logChanges({exampleLog(6, 9)}));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())), (Numbers{5, 6}));
+}
+
+TEST_F(SqliteSharing, FileReplacedWithoutBeingAskedIsUsedFromTheNextBeginOn)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9)}));
+  for (const char* ending : {"", "-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  createSqliteProject(file(), exampleInfo(), {});
+  EXPECT_EQ(numbersOf(*project), (Numbers{}));
+}
+
+TEST_F(SqliteSharing, FileTakenAwayIsNewsAndThenNotFound)
+{
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project);
+  for (const char* ending : {"", "-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  EXPECT_TRUE(project->changedElsewhere());
+  EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }),
+            "NotFound: " + file().native() + ": no such project");
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{});
+}
+
+TEST_F(SqliteSharing, LinkAndFileAreOneProject)
+{
+  const fs::path link = folder() / "link.reels";
+  fs::create_symlink(file(), link);
+  const auto throughLink = makeSqliteStore(link);
+  store(*throughLink, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())), (Numbers{1}));
+  throughLink->begin(Access::Write, noPatience);
+  EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);
+}
+
+TEST_F(SqliteSharing, AskingWhoHoldsTheProjectDropsNoLock)
+{
+  const auto project = makeSqliteStore(file());
+  const auto second = makeSqliteStore(file());
+  project->begin(Access::Write, noPatience);
+  // Within one process the system names nobody.
+  EXPECT_EQ(errorOf([&] { second->begin(Access::Write, noPatience); }),
+            "Busy: " + file().native() + ": held by another process");
+  EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);
+  project->commit(logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(errorElsewhere(), "nothing");
+}
+
+TEST_F(SqliteSharing, RefusedSecondStoreDropsNoLockOfTheFirst)
+{
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Write, noPatience);
+  {
+    const auto second = makeSqliteStore(file());
+    second->begin(Access::Read, noPatience);
+    second->end();
+  }
+  EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);
+  project->commit(logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteSharing, TwoProcessesWritingInALoopLoseNothing)
+{
+  constexpr int commits = 40;
+  const auto writeMany = [this] {
+    const auto project = makeSqliteStore(file());
+    for (int i = 0; i < commits; ++i) {
+      project->begin(Access::Write, muchPatience);
+      project->commit(logChanges({exampleLog(project->nextNumber(), 9)}));
+    }
+  };
+  Child first(writeMany), second(writeMany);
+  const auto reader = makeSqliteStore(file());
+  std::size_t seen = 0;
+  for (int i = 0; i < 20; ++i) {
+    const Numbers numbers = numbersOf(*reader);
+    EXPECT_GE(numbers.size(), seen);
+    seen = numbers.size();
+    ::usleep(5000);
+  }
+  EXPECT_EQ(first.waitForExit(), 0);
+  EXPECT_EQ(second.waitForExit(), 0);
+  Numbers expected;
+  for (std::int64_t number = 1; number <= 2 * commits; ++number)
+    expected.push_back(number);
+  EXPECT_EQ(numbersOf(*reader), expected);
+  EXPECT_EQ(reader->check(), std::vector<std::string>{});
+}
+
+TEST_F(SqliteSharing, LastToLeaveLeavesOneFile)
+{
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, logChanges({exampleLog(1, 9)}));
+    storeElsewhere(2);
+    EXPECT_GT(namesIn(folder()).size(), 1u);
+  }
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"main.reels"});
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())), (Numbers{1, 2}));
+}
+
+} // namespace

@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/sqlite_store.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "standalone/store/support.h"
+
+namespace {
+
+using namespace reelhost;
+using namespace store_tests;
+namespace fs = std::filesystem;
+using Numbers = std::vector<std::int64_t>;
+
+class SqliteStoreTest : public testing::Test {
+protected:
+  void SetUp() override { createSqliteProject(file(), exampleInfo(), {}); }
+  fs::path file() const { return folder_ / "main.reels"; }
+
+private:
+  TempDir folder_;
+};
+
+TEST_F(SqliteStoreTest, WhatIsCommittedIsThereForTheNextStore)
+{
+  std::vector<std::string> reels, others;
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 1), exampleLog(3, 9)}));
+    Changes changes;
+    changes.deleted = {3};
+    changes.options = {{"k", "v"}};
+    store(*project, changes);
+    reels = reelsOf(*project);
+    others = othersOf(*project);
+  }
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(reelsOf(*project), reels);
+  EXPECT_EQ(othersOf(*project), others);
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->options(), (KeyValues{{"k", "v"}}));
+  EXPECT_EQ(project->lastDeletion(), (Numbers{3}));
+  EXPECT_EQ(project->nextNumber(), 4);
+  Changes changes;
+  changes.undelete = true;
+  project->commit(changes);
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 2}));
+}
+
+TEST_F(SqliteStoreTest, CommitOutsideAUseForWritingIsAMistakeOfTheCaller)
+{
+  const auto project = makeSqliteStore(file());
+  EXPECT_THROW(project->commit({}), std::logic_error);
+  project->begin(Access::Read, noPatience);
+  EXPECT_THROW(project->commit(logChanges({exampleLog(1, 9)})), std::logic_error);
+  project->end();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_THROW(project->commit({}), std::logic_error); // the commit has ended the use
+  EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteStoreTest, RefusedValueStoresNothingOfTheCommit)
+{
+  const auto project = makeSqliteStore(file());
+  runSql(file(), "CREATE UNIQUE INDEX one ON logs(name)");
+  StoredLog twin = exampleLog(2, 9);
+  twin.name = exampleLog(1, 9).name;
+  EXPECT_EQ(errorOf([&] {
+              store(*project, logChanges({exampleLog(1, 9), twin}));
+            }),
+            "Refused: " + file().native() + ": not stored (UNIQUE constraint failed: logs.name)");
+  EXPECT_EQ(numbersOf(*project), Numbers{});
+}
+
+TEST_F(SqliteStoreTest, CompactTakesTheFieldsOfItsLogsAlong)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  Changes changes;
+  changes.deleted = {1};
+  store(*project, changes);
+  Changes compact;
+  compact.compact = true;
+  store(*project, compact);
+  EXPECT_EQ(runSql(file(), "SELECT group_concat(DISTINCT log) FROM fields"), "2");
+}
+
+TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
+{
+  runSql(file(), "PRAGMA journal_mode = DELETE"); // as some tools leave a copy
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(numbersOf(*project), Numbers{});
+  store(*project, {});
+  EXPECT_EQ(bytesOf(file()).substr(18, 2), "\x01\x01");
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(bytesOf(file()).substr(18, 2), "\x02\x02");
+  EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteStoreTest, HolderOfAFileWithoutWriteAheadModeIsNamed)
+{
+  runSql(file(), "PRAGMA journal_mode = DELETE");
+  Child other([this] {
+    static std::unique_ptr<Store> held;
+    held = makeSqliteStore(file());
+    held->begin(Access::Write, noPatience);
+  });
+  other.waitUntilDone();
+  const auto project = makeSqliteStore(file());
+  const std::string error = errorOf([&] { project->begin(Access::Write, noPatience); });
+  EXPECT_EQ(error.rfind("Busy: " + file().native() + ": held by another process (pid " + std::to_string(other.pid()) +
+                            ", store_test",
+                        0),
+            0u)
+      << error;
+}
+
+TEST_F(SqliteStoreTest, CheckTellsWhatIsWrong)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
+  runSql(file(), "PRAGMA foreign_keys = 0; INSERT INTO fields VALUES(77, 'k', 'v'), (77, 'l', 'v'); "
+                 "UPDATE project SET value = 2 WHERE key = 'last_number'; "
+                 "UPDATE logs SET uuid = (SELECT uuid FROM logs WHERE number = 1), tag = 1 WHERE number = 2");
+  EXPECT_EQ(project->check(),
+            (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was not given out",
+                                      "log 2: the identity of another log"}));
+}
+
+TEST_F(SqliteStoreTest, CheckOfAFileThatIsNoProjectSaysSo)
+{
+  writeBytes(file(), "text");
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(project->check(), std::vector<std::string>{file().native() + ": no project (not an SQLite file)"});
+}
+
+TEST_F(SqliteStoreTest, CheckOfAFileCutShortSaysSo)
+{
+  const std::string content = bytesOf(file());
+  writeBytes(file(), content.substr(0, content.size() - 1));
+  EXPECT_EQ(makeSqliteStore(file())->check().back(), "only " + std::to_string(content.size() - 1) + " of " +
+                                                         std::to_string(content.size()) + " bytes are there");
+}
+
+TEST_F(SqliteStoreTest, CheckOfAMissingFileThrows)
+{
+  fs::remove(file());
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(errorOf([&] { project->check(); }), "NotFound: " + file().native() + ": no such project");
+}
+
+TEST_F(SqliteStoreTest, CheckFindsADamagedIndex)
+{
+  {
+    const auto project = makeSqliteStore(file());
+    store(*project, logChanges({exampleLog(1, 1), exampleLog(2, 1)}));
+  }
+  const auto root = static_cast<std::size_t>(
+      std::stoi(runSql(file(), "SELECT rootpage FROM sqlite_schema WHERE name = 'others_by_reel'")));
+  std::string content = bytesOf(file());
+  const std::size_t at = content.find("R1", (root - 1) * 4096);
+  ASSERT_LT(at, root * 4096);
+  content[at] = 'Z';
+  writeBytes(file(), content);
+  EXPECT_FALSE(makeSqliteStore(file())->check().empty());
+}
+
+} // namespace

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the tests of the stores share.
+#ifndef REELDB_TESTS_STANDALONE_STORE_SUPPORT_H
+#define REELDB_TESTS_STANDALONE_STORE_SUPPORT_H
+
+#include <chrono>
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <sys/types.h>
+
+#include "reelhost/store.h"
+
+namespace store_tests {
+
+/// A folder of the test's own; it goes with its owner.
+class TempDir {
+public:
+  TempDir();
+  ~TempDir();
+  TempDir(const TempDir&) = delete;
+  TempDir& operator=(const TempDir&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
+
+private:
+  std::filesystem::path path_;
+};
+
+/// A small file system mounted in a folder of its own, gone with its owner. mounted() is false where that is not
+/// allowed.
+class TempMount {
+public:
+  explicit TempMount(const std::string& options);
+  ~TempMount();
+  bool mounted() const { return mounted_; }
+  bool makeReadOnly();
+  std::filesystem::path operator/(std::string_view name) const { return folder_.path() / name; }
+
+private:
+  TempDir folder_;
+  bool mounted_ = false;
+};
+
+std::string bytesOf(const std::filesystem::path& file);
+void writeBytes(const std::filesystem::path& file, std::string_view bytes);
+std::int64_t modificationTime(const std::filesystem::path& file);      ///< nanoseconds
+std::vector<std::string> namesIn(const std::filesystem::path& folder); ///< sorted
+
+/// Runs @p sql on the file with SQLite itself; fails the test on an error. Answers the first column of the last row.
+std::string runSql(const std::filesystem::path& file, const std::string& sql);
+
+constexpr std::chrono::milliseconds noPatience(0);
+constexpr std::chrono::milliseconds muchPatience(30000);
+
+reelhost::ProjectInfo exampleInfo();
+
+/// A log whose every value is told by its number.
+reelhost::StoredLog exampleLog(std::int64_t number, int type);
+
+/// As one text, for comparing and for messages of failed tests.
+std::string describe(const reelhost::StoredLog& log);
+std::vector<std::string> reelsOf(reelhost::Store& store);    ///< each reel described; a use of its own
+std::vector<std::string> othersOf(reelhost::Store& store);   ///< likewise
+std::vector<std::int64_t> numbersOf(reelhost::Store& store); ///< of all logs, reels first; a use of its own
+
+/// begin for writing, commit.
+void store(reelhost::Store& store, const reelhost::Changes& changes);
+reelhost::Changes logChanges(std::vector<reelhost::StoredLog> logs);
+
+/// The kind and the text of the Error that @p work throws: "Busy: x: held by another process"; "nothing" without one.
+std::string errorOf(const std::function<void()>& work);
+
+/// A process of its own that runs @p work and then waits to be ended; killed and reaped with its owner. What the work
+/// throws ends it with status 1.
+class Child {
+public:
+  explicit Child(const std::function<void()>& work);
+  ~Child();
+  pid_t pid() const { return pid_; }
+  void waitUntilDone(); ///< returns when the work is done; the process goes on living
+  int waitForExit();    ///< lets the process exit; its status, -1 when it was killed
+  void kill();          ///< SIGKILL, and reaps it
+
+private:
+  pid_t pid_ = -1;
+  int done_ = -1;
+  int release_ = -1;
+  int keep_ = -1;
+};
+
+/// A process that stores @p changes and is killed before it closes the project: its write-ahead log stays behind.
+void storeAndDie(const std::filesystem::path& file, const reelhost::Changes& changes);
+
+} // namespace store_tests
+
+#endif
