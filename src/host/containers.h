@@ -121,7 +121,7 @@ public:
 
 private:
   Zr::Ptr<AssocListRep> rep_;
-  bool flag_;
+  [[maybe_unused]] bool flag_;
   unsigned pos_;
 };
 

@@ -43,6 +43,7 @@ public:
 class ODBViewRep : public Zr::InternalRefCount {
 public:
   explicit ODBViewRep(oledb*);
+  ~ODBViewRep() override;
   void displayRecordsAt(const std::vector<Cookie>&, int position);
   int numRows() const;
   const char* cellText(int row, const char* column) const; ///< the text or null; valid while the view shows the row

@@ -1,0 +1,338 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures.
+#include <fmt/core.h>
+#include <sqlite3.h>
+#include <strings.h>
+#include <sys/resource.h>
+
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <unordered_map>
+
+#include "ReelDbManager.h"
+#include "ReelTypeManager.h"
+#include "processes.h"
+#include "reelhost/host.h"
+#include "stopwatch.h"
+#include "subjects.h"
+#include "table.h"
+
+namespace reeldb_bench {
+
+namespace {
+
+const std::string bin = REELDB_BIN_DIR "/";
+
+ReelDbManager& manager()
+{
+  return *ReelDbManager::theReelDbManager();
+}
+
+/// Keeps a result from being optimised away.
+volatile std::size_t sink;
+
+void scanInstructions(Table& table)
+{
+  table.add({"lookup that finds nothing, 10000 reels",
+             "bare loop of the same host calls",
+             "instructions",
+             instructionsOf(bin + "scan_once library 10000"),
+             instructionsOf(bin + "scan_once bare 10000"),
+             1.05,
+             {}});
+}
+
+void scanTime(Table& table)
+{
+  constexpr int reels = 10000;
+  openProjectInMemory(reels, 0);
+  std::vector<std::string> ids;
+  for (int i = 0; i < reels; ++i)
+    ids.push_back(reelName(i));
+  const LightweightString<char> id("Z999999_Z");
+  const Pair times = sideBySide(
+      41, [&] { sink = manager().getCookieFromReelId(id).valid(); },
+      [&] {
+        std::size_t found = 0;
+        for (const std::string& have : ids)
+          found += strcasecmp(have.c_str(), id.c_str()) == 0;
+        sink = found;
+      });
+  table.add({"the same, time", "strcasecmp over an array of strings", "ms", times.ours, times.theirs, 6, {}});
+}
+
+/// How the cost of an operation grows between two sizes, against how its bare loop grows.
+template <class Ours, class Theirs>
+void growth(Table& table, const std::string& what, int small, int large, int shots, double target, Ours ours,
+            Theirs theirs)
+{
+  const auto measure = [&](int reels) {
+    openProjectInMemory(reels, shots);
+    const double work = static_cast<double>(reels) * (shots > 0 ? reels : 1);
+    const int rounds = work < 1e6 ? 15 : 3;
+    return sideBySide(rounds, ours, theirs);
+  };
+  const Pair a = measure(small);
+  const Pair b = measure(large);
+  table.add({fmt::format("{}, {} to {} reels", what, small, large), "growth of the bare loop", "x", b.ours / a.ours,
+             b.theirs / a.theirs, target, fmt::format("{:.4g} ms at {}, bare {:.4g} ms", b.ours, large, b.theirs)});
+}
+
+void listings(Table& table)
+{
+  const auto ids = [] {
+    std::vector<LightweightString<char>> out;
+    manager().getAllReelIds(out, true);
+    sink = out.size();
+  };
+  const auto bareIds = [] {
+    std::vector<LightweightString<char>> out;
+    bareIdentifiers(manager().reelList, out);
+    sink = out.size();
+  };
+  const auto compatible = [] {
+    std::vector<LightweightString<char>> out;
+    manager().getReelsCompatibleWithDevice(out, 0);
+    sink = out.size();
+  };
+  const auto bareCompatibles = [] {
+    std::vector<LightweightString<char>> out;
+    bareCompatible(manager().reelList, 0, out);
+    sink = out.size();
+  };
+  const auto referenced = [] {
+    sink = static_cast<std::size_t>(manager().getReelsReferenced(reelhost::allShots()).count());
+  };
+  const auto bareReferences = [] {
+    CookieVec out;
+    bareReferenced(manager().reelList, reelhost::allShots(), out);
+    sink = static_cast<std::size_t>(out.count());
+  };
+  for (const int large : {1000, 10000, 100000}) {
+    growth(table, "getAllReelIds", large / 10, large, 0, 1.2, ids, bareIds);
+    growth(table, "getReelsCompatibleWithDevice", large / 10, large, 0, 1.2, compatible, bareCompatibles);
+    if (large <= 10000)
+      growth(table, "getReelsReferenced", large / 10, large, 10, 1.2, referenced, bareReferences);
+  }
+}
+
+void writeLists(const Folder& folder, int clips)
+{
+  std::ofstream edl(folder / "list.edl"), plain(folder / "list.txt");
+  edl << "TITLE: BENCH\nFCM: NON-DROP FRAME\n";
+  for (int i = 0; i < clips; ++i) {
+    edl << fmt::format("{:06d}  {:<32} V     C        01:00:00:00 01:00:05:00 {:02d}:{:02d}:{:02d}:00 "
+                       "{:02d}:{:02d}:{:02d}:00\n",
+                       i + 1, reelName(i), 1 + i / 3600, i / 60 % 60, i % 60, 1 + i / 3600, i / 60 % 60, i % 60)
+        << fmt::format("* FROM CLIP NAME: shot {}\n", i);
+    plain << reelName(i) << "\tshot " << i << '\n';
+  }
+}
+
+void imports(Table& table)
+{
+  for (const int clips : {1000, 10000}) {
+    const Folder folder;
+    writeLists(folder, clips);
+    const std::string facility = folder.text("facility");
+    const std::string project = facility + "/projects/bench.reels";
+    run(bin + "reeldb init " + facility);
+    std::vector<double> ours, theirs;
+    for (int i = 0; i < (clips > 1000 ? 3 : 11); ++i) {
+      run("rm -f " + project + "*; " + bin + "reeldb -C " + facility + " project new bench");
+      ours.push_back(
+          timeOf([&] { run(bin + "reeldb -C " + facility + " -p bench import " + folder.text("list.edl")); }));
+      run("rm -f " + folder.text("plain.db") + "*");
+      theirs.push_back(
+          timeOf([&] { run(bin + "by_hand_import " + folder.text("list.txt") + " " + folder.text("plain.db")); }));
+    }
+    Row row{fmt::format("import of {} clips on new reels, process", clips),
+            "plain program on the SQLite C API",
+            "ms",
+            median(ours),
+            median(theirs),
+            {},
+            {}};
+    if (clips == 1000)
+      row.target = 2;
+    table.add(std::move(row));
+  }
+}
+
+/// Reads what a listing reads: the reels with their fields, and how many shots carry each identifier.
+std::size_t readRows(const std::string& file)
+{
+  sqlite3* db = nullptr;
+  sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+  std::size_t bytes = 0;
+  for (const char* const query :
+       {"SELECT * FROM logs WHERE type = 9 AND deletion IS NULL ORDER BY number",
+        "SELECT f.* FROM fields f JOIN logs l ON l.number = f.log WHERE l.type = 9 AND l.deletion IS NULL ORDER BY "
+        "f.log",
+        "SELECT reel_id, count(*) FROM logs WHERE type <> 9 AND deletion IS NULL GROUP BY reel_id COLLATE NOCASE"}) {
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(db, query, -1, &statement, nullptr) != SQLITE_OK)
+      throw std::runtime_error(sqlite3_errmsg(db));
+    const int columns = sqlite3_column_count(statement);
+    while (sqlite3_step(statement) == SQLITE_ROW)
+      for (int i = 0; i < columns; ++i) {
+        sqlite3_column_text(statement, i);
+        bytes += static_cast<std::size_t>(sqlite3_column_bytes(statement, i));
+      }
+    sqlite3_finalize(statement);
+  }
+  sqlite3_close(db);
+  return bytes;
+}
+
+double peakMegabytes()
+{
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) / 1024;
+}
+
+void opening(Table& table)
+{
+  constexpr int reels = 100000;
+  const Folder folder;
+  const std::string file = folder.text("large.reels");
+  writeProject(file, reels, 10);
+  const double before = peakMegabytes();
+  const Pair times = sideBySide(
+      3,
+      [&] {
+        reelhost::openProject(reelhost::makeSqliteStore(file), reelhost::Access::Read);
+        std::vector<LightweightString<char>> ids;
+        manager().getAllReelIds(ids, true);
+        sink = ids.size() + reelhost::shotCounts().size();
+        reelhost::closeProject();
+      },
+      [&] { sink = readRows(file); });
+  table.add({"open 100000 reels and 1000000 shots, list reels", "the same rows by the SQLite C API", "ms", times.ours,
+             times.theirs, 2,
+             fmt::format("peak memory of the process {:.0f} MB, {:.0f} MB before", peakMegabytes(), before)});
+}
+
+void typeFile(Table& table)
+{
+  constexpr int types = 100000;
+  const Folder folder;
+  const std::string file = folder.text("reeltype.dat");
+  {
+    std::ofstream out(file);
+    for (int i = 0; i < types; ++i)
+      out << "Bench type " << i << ":VideoChannels=1 AudioChannels=" << i % 16 << '\n';
+  }
+  const Pair times = sideBySide(
+      5,
+      [&] {
+        ReelTypeManager catalogue;
+        catalogue.load(file.c_str());
+        long long sum = 0;
+        for (int i = 0; i < types; ++i)
+          sum += catalogue.numVideoChans(fmt::format("Bench type {}", i).c_str());
+        sink = static_cast<std::size_t>(sum);
+      },
+      [&] {
+        std::unordered_map<std::string, std::string> catalogue;
+        std::ifstream in(file);
+        for (std::string line; std::getline(in, line);) {
+          const char* const colon = std::strchr(line.c_str(), ':');
+          catalogue[std::string(line.c_str(), colon)] = colon + 1;
+        }
+        long long sum = 0;
+        for (int i = 0; i < types; ++i) {
+          const std::string& params = catalogue[fmt::format("Bench type {}", i)];
+          const char* const at = std::strstr(params.c_str(), "VideoChannels=");
+          sum += at ? std::strtol(at + 14, nullptr, 10) : 0;
+        }
+        sink = static_cast<std::size_t>(sum);
+      });
+  table.add({"reel type file of 100000 types, load and ask each",
+             "getline, strchr and a hash map",
+             "ms",
+             times.ours,
+             times.theirs,
+             3,
+             {}});
+}
+
+class CountingClient : public ReelDbClient {
+public:
+  void reelDbChanged(LightweightString<char> id) override { heard += 1 + id.length(); }
+  std::size_t heard = 0;
+};
+
+void notification(Table& table)
+{
+  openProjectInMemory(0, 0);
+  std::vector<std::unique_ptr<CountingClient>> clients(10000);
+  for (auto& client : clients)
+    client = std::make_unique<CountingClient>();
+  const LightweightString<char> id("A001");
+  const Pair times = sideBySide(
+      41, [&] { manager().informReelDbChanged(id); },
+      [&] {
+        for (auto& client : clients)
+          static_cast<ReelDbClient&>(*client).reelDbChanged(id);
+      });
+  sink = clients.front()->heard;
+  table.add({"informReelDbChanged to 10000 clients",
+             "virtual calls with a string copy each",
+             "ms",
+             times.ours,
+             times.theirs,
+             1.5,
+             {}});
+}
+
+void listProcess(Table& table)
+{
+  const Folder folder;
+  const std::string facility = folder.text("facility");
+  run(bin + "reeldb init " + facility);
+  const std::string project = facility + "/projects/bench.reels";
+  writeProject(project, 400, 2);
+  const std::string select =
+      "sqlite3 -readonly " + project +
+      " 'SELECT l.reel_id, l.reel_type, l.video, l.audio, (SELECT count(*) FROM logs s WHERE s.type"
+      " <> 9 AND s.deletion IS NULL AND s.reel_id = l.reel_id COLLATE NOCASE) FROM logs l WHERE"
+      " l.type = 9 AND l.deletion IS NULL'";
+  const Pair times = sideBySide(
+      31, [&] { run(bin + "reeldb -C " + facility + " -p bench list"); }, [&] { run(select); });
+  table.add(
+      {"reeldb list of 400 reels, process", "the sqlite3 shell, the same rows", "ms", times.ours, times.theirs, 3, {}});
+}
+
+} // namespace
+
+} // namespace reeldb_bench
+
+int main()
+{
+  using namespace reeldb_bench;
+#ifndef NDEBUG
+  fmt::print(stderr, "bench: this is no release build: the figures say little\n");
+#endif
+  reelhost::startUp();
+  ReelDbManager::theReelDbManager();
+  try {
+    Table table;
+    scanInstructions(table);
+    scanTime(table);
+    listings(table);
+    imports(table);
+    opening(table);
+    typeFile(table);
+    notification(table);
+    listProcess(table);
+    reelhost::closeProject();
+    return table.finish() == 0 ? 0 : 1;
+  } catch (const std::exception& e) {
+    fmt::print(stderr, "bench: {}\n", e.what());
+    return 2;
+  }
+}

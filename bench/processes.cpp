@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "processes.h"
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace reeldb_bench {
+
+void run(const std::string& command, int status)
+{
+  const int ended = std::system((command + " >/dev/null 2>&1").c_str());
+  if (!WIFEXITED(ended) || WEXITSTATUS(ended) != status)
+    throw std::runtime_error(command + ": failed (exit status " + std::to_string(WEXITSTATUS(ended)) + ")");
+}
+
+double instructionsOf(const std::string& command)
+{
+  const Folder folder;
+  const std::string out = folder.text("callgrind.out");
+  run("GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX,-SSE4_2 valgrind --tool=callgrind --collect-atstart=no "
+      "--callgrind-out-file='" +
+      out + "' " + command);
+  std::ifstream in(out);
+  for (std::string line; std::getline(in, line);)
+    if (line.rfind("totals: ", 0) == 0)
+      return std::stod(line.substr(8));
+  throw std::runtime_error(command + ": callgrind wrote no totals");
+}
+
+Folder::Folder()
+{
+  std::string pattern = (std::filesystem::temp_directory_path() / "reeldb-bench-XXXXXX").string();
+  if (!mkdtemp(pattern.data()))
+    throw std::runtime_error(pattern + ": no folder");
+  path_ = pattern;
+}
+
+Folder::~Folder()
+{
+  std::filesystem::remove_all(path_);
+}
+
+} // namespace reeldb_bench
