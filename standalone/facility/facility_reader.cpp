@@ -113,15 +113,15 @@ void FacilityReader::readDevice(const TomlTable& table)
   DeviceSettings device;
   const auto number = table.number("number", 0, largestDeviceNumber);
   if (!number)
-    table.fail("number: a device needs one");
+    table.fail("number", "a device needs one");
   device.number = static_cast<int>(*number);
   const auto id = table.number("id", 1, UINT_MAX); // 0 names none
   if (!id)
-    table.fail("id: a device needs one");
+    table.fail("id", "a device needs one");
   device.id = static_cast<unsigned>(*id);
   const auto name = table.text("name");
   if (!name || isBlank(*name))
-    table.fail("name: a device needs one");
+    table.fail("name", "a device needs one");
   device.name = *name;
   device.portType = codeOf(table, "port", portWords, device.portType);
   device.inputType = codeOf(table, "input", inputWords, device.inputType);

@@ -14,7 +14,7 @@ std::string neededText(const TomlTable& entry, std::string_view key)
 {
   const auto text = entry.text(key);
   if (!text)
-    entry.fail(std::string(key) + ": missing");
+    entry.fail(key, "missing");
   return *text;
 }
 
@@ -43,7 +43,7 @@ std::vector<LabelMapEntry> readLabelMap(const std::filesystem::path& path)
     neededText(entry, "label");
     const auto inUse = entry.flag("in_use");
     if (!inUse)
-      entry.fail("in_use: missing");
+      entry.fail("in_use", "missing");
     entries.push_back({*inUse, neededCode(entry, "source", labelSourceCode, labelSourceWords),
                        neededCode(entry, "format", labelFormatCode, labelFormatWords)});
   }

@@ -58,8 +58,9 @@ public:
 
   std::vector<std::string> keys() const; ///< in the order of the file
   bool isArray(std::string_view key) const;
-  [[noreturn]] void fail(std::string_view key, const std::string& fact) const; ///< names the key's line
-  [[noreturn]] void fail(const std::string& fact) const;                       ///< names the table's line
+  [[noreturn]] void fail(std::string_view key,
+                         const std::string& fact) const; ///< the line of the key, else of the table
+  [[noreturn]] void fail(const std::string& fact) const; ///< names the table's line
 
 private:
   std::int64_t numberOf(std::string_view key, const toml::node& node, std::int64_t least, std::int64_t most) const;

@@ -180,7 +180,16 @@ void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig& config, b
 {
   hostCall(
       "ExtDeviceConfigurationManager::storeDevice", [&] { return nameOf(config) + ", " + reelhost::describe(flag); },
-      [&] { reelhost::model::setLastReel(settingsBehind(config).id, settingsBehind(config).lastReel); });
+      [&] {
+        const DeviceSettings& stored = settingsBehind(config);
+        reelhost::Facility& facility = reelhost::model::facilityOrNone();
+        for (DeviceSettings& device : facility.devices()) {
+          if (stored.id == 0 || device.id != stored.id)
+            continue;
+          device.lastReel = stored.lastReel; // counts at once, and is stored with the next commit
+          facility.setLastReel(stored.id, stored.lastReel);
+        }
+      });
 }
 
 IdStamp ExtDeviceConfigurationManager::DeviceChangedMsgParser(const NotifyMsg& message)

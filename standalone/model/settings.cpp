@@ -23,8 +23,8 @@ namespace {
 /// Where settings come from. The library asks while it is loaded, before any constructor of the program has run.
 struct Source {
   std::filesystem::path directory; ///< that the environment names; empty without one
-  std::optional<Facility> facility;
-  std::optional<Error> error;                      ///< why there is none
+  Facility facility;               ///< one without anything when there is none
+  std::optional<Error> error;      ///< why the named one is not it
 
   Source()
   {
@@ -67,22 +67,7 @@ void useFacility(Facility facility)
 
 Facility& model::facilityOrNone()
 {
-  Source& s = source();
-  if (!s.facility && !s.error)
-    s.facility.emplace();
-  static Facility& none = *new Facility;
-  return s.facility ? *s.facility : none;
-}
-
-void model::setLastReel(unsigned deviceId, const std::string& reel)
-{
-  Facility& facility = facilityOrNone();
-  for (DeviceSettings& device : facility.devices()) {
-    if (deviceId == 0 || device.id != deviceId)
-      continue;
-    device.lastReel = reel;
-    facility.setLastReel(deviceId, reel);
-  }
+  return source().facility;
 }
 
 } // namespace reelhost

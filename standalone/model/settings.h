@@ -10,10 +10,6 @@ namespace reelhost::model {
 /// for a bad facility, so it may be called while libraries are loaded.
 Facility& facilityOrNone();
 
-/// Gives a device its last reel, which counts at once and is stored with the next commit. An unknown device is ignored.
-void setLastReel(unsigned deviceId, const std::string& reel);
-
-
 } // namespace reelhost::model
 
 #endif

@@ -84,7 +84,7 @@ TEST_F(Create, UnknownDeviceIsRefusedWithThoseThatAre)
 {
   const ProcessResult result = reeldb({"create", "R1", "--device", "99"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err.compare(0, 48, "reeldb: 99: no such device (this facility has: 1"), 0) << result.err;
+  EXPECT_EQ(result.err.compare(0, 48, "reeldb: 99: no such device (this facility has: 0"), 0) << result.err;
   EXPECT_EQ(reelIds(), Words{});
 }
 

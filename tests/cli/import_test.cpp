@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "cli/command_fixture.h"
+#include "reelhost/store.h"
 
 namespace fs = std::filesystem;
 using namespace reeldb_tests;
@@ -126,9 +127,22 @@ TEST_F(Import, ReelWhoseShotsAreThereButNotItsRecordIsMadeAgain)
   dir_.write("cut.edl", threeShots);
   import("cut.edl");
   // Another program of the site took a record away and left its shots.
-  ASSERT_EQ(runProcess({"sqlite3", path("projects/main.reels"), ".tables"}).code, 0);
-  const std::string table = Json(projectBytes().empty()).dump();
-  ASSERT_EQ(table, "false");
+  const auto store = reelhost::makeSqliteStore(path("projects/main.reels"));
+  store->begin(reelhost::Access::Write, std::chrono::seconds(1));
+  reelhost::Changes changes;
+  store->readReels([&changes](reelhost::StoredLog&& log) {
+    if (log.fields.front().second == "A001")
+      changes.deleted.push_back(log.number);
+  });
+  ASSERT_EQ(changes.deleted.size(), 1u);
+  store->commit(changes);
+  ASSERT_EQ(reelIds(), Words{"B001"});
+
+  const Json report = import("cut.edl");
+  EXPECT_EQ(report.at("created"), Words{"A001"});
+  EXPECT_EQ(report.at("matched"), Words{"B001"});
+  EXPECT_EQ(report.at("shots_added"), 0);
+  EXPECT_EQ(reelIds(), (Words{"B001", "A001"}));
 }
 
 TEST_F(Import, BlackBarsAndGeneratedPicturesMakeNoReel)

@@ -161,9 +161,13 @@ TEST_F(Creation, ExistenceIsTestedBeforeTheBlanksAreCut)
 
 TEST_F(Creation, StarMeansGeneratedMaterialAndMakesNothing)
 {
+  const Cookie other = addReel("R0");
   const RecordingClient client(heard_);
-  for (const char* id : {"*", "A*B", "A*", "  *"})
-    EXPECT_EQ(operationsOf([&] { EXPECT_FALSE(create(id).valid()); }), Lines{"co_pid"}) << id;
+  for (const char* id : {"*", "A*B", "A*", "  *"}) {
+    const Lines lines = linesOf([&] { EXPECT_FALSE(create(id).valid()); });
+    EXPECT_EQ(listing(lines, {{other, "other"}}), listing(join({{mainThread()}, attributeRead("other", "R0")})))
+        << id << ": looked up first";
+  }
   EXPECT_EQ(heard_, Heard{});
 }
 
@@ -566,6 +570,16 @@ TEST_F(Creation, HandlerMayCreateAnotherReelWhichIsAnnouncedInFullFirst)
   EXPECT_EQ(heard_, (Heard{"first:some(a)", "second:some(a)", "first:dbC(a)", "first:some(b)", "second:some(b)",
                            "first:dbC(b)", "second:dbC(b)", "second:dbC(a)"}));
   EXPECT_EQ(reelIds(), (Lines{"a", "b"}));
+}
+
+TEST_F(Creation, OtherManagerTellsItsOwnClientsOfTheReelAndTheRecordTellsThoseOfTheProcess)
+{
+  const RecordingClient client(heard_);
+  ReelDbManager other;
+  EXPECT_TRUE(other.createNewReel("R1", -1).valid());
+  EXPECT_EQ(heard_, Heard{"some(R1)"});
+  EXPECT_EQ(other.reelList.count(), 1);
+  EXPECT_EQ(manager().reelList.count(), 0);
 }
 
 // --- When the host fails

@@ -112,11 +112,23 @@ TEST_F(LogTypes, LogThatDoesNotOpenButHasARowIsAReel)
   EXPECT_TRUE(isReel(reel));
 }
 
-TEST_F(LogTypes, OtherTypesAndInvalidCookiesAreNoReels)
+TEST_F(LogTypes, OtherTypesAreNoReels)
 {
-  for (int type : {0, 1, 2, 8, 10})
-    EXPECT_FALSE(isReel(addLog(type, "A001"))) << type;
-  EXPECT_FALSE(isReel(Cookie()));
+  for (int type : {0, 1, 2, 8, 10}) {
+    const Cookie log = addLog(type, "A001");
+    EXPECT_FALSE(isReel(log)) << type;
+    script().noRow(log);
+    EXPECT_FALSE(isReel(log)) << type << ", by the log itself";
+  }
+}
+
+TEST_F(LogTypes, InvalidCookieIsLookedForLikeAnyOther)
+{
+  const Lines lines = linesOf([this] { EXPECT_FALSE(isReel(Cookie())); });
+  EXPECT_EQ(listing(lines, {{Cookie(), "none"}}),
+            listing(join({columnLookup,
+                          {"projdb::operator[](none) -> null", "EditPtr::i_open(none, 0) -> not opened",
+                           "EditPtr::i_close()"}})));
 }
 
 // --- Does a set contain reels?

@@ -177,17 +177,20 @@ TEST_F(Renaming, NothingMarksALogDirty)
   EXPECT_EQ(countOf(operationsOf([this] { rename("A001", "B001"); }), "Edit::setDirty"), 0);
 }
 
-TEST_F(Renaming, LookupsKnowTheNewIdentifierWhenTheFirstNoticeArrives)
+TEST_F(Renaming, ReelIsRenamedWhenTheFirstNoticeArrives)
 {
-  addReel("A001");
+  const Cookie reel = addReel("A001");
   RecordingClient client(heard_);
   bool oldKnown = true;
   bool newKnown = false;
+  std::string name;
   client.onSome = [&](const std::string&) {
     oldKnown = manager().doesReelExist("A001");
     newKnown = manager().doesReelExist("B001");
+    name = logName(reel);
   };
   rename("A001", "B001");
+  EXPECT_EQ(name, "[reel] B001");
   EXPECT_FALSE(oldKnown);
   EXPECT_TRUE(newKnown);
 }
@@ -232,6 +235,19 @@ TEST_F(Renaming, HeldNotificationsStayUnsentButTheListIsRebuilt)
   manager().notifyHoldCount = 0;
   EXPECT_EQ(heard_, Heard{});
   EXPECT_EQ(reelIds(), (Lines{"B001", "A002"}));
+}
+
+TEST_F(Renaming, OtherManagerRenamesTheReelsOfItsOwnListAndTellsItsOwnClients)
+{
+  const Cookie reel = addReel("A001");
+  const RecordingClient client(heard_);
+  ReelDbManager other;
+  other.changeReelId("A001", "B001");
+  EXPECT_EQ(configText(reel, "reelid"), "A001");
+  other.buildReelList();
+  other.changeReelId("A001", "B001");
+  EXPECT_EQ(configText(reel, "reelid"), "B001");
+  EXPECT_EQ(heard_, Heard{});
 }
 
 TEST_F(Renaming, WithoutADatabaseItEndsAfterTheFirstNotice)
@@ -469,18 +485,34 @@ TEST_F(Copying, EmptyTargetCopiesNothingAndTellsNobody)
   EXPECT_EQ(manager().notifyHoldCount, 0);
 }
 
-TEST_F(Copying, UnknownSourceEmptiesTheTarget)
+TEST_F(Copying, UnknownOrEmptySourceEmptiesTheTarget)
 {
-  const Cookie to = addFullReel("to", "Tape");
-  const RecordingClient client(heard_);
-  copy("gone", "to");
-  EXPECT_EQ(text(ReelDbRec(to).typeName()), "");
-  EXPECT_EQ(configText(to, TR_REEL_AVAILABLE_FLAG), "0");
-  EXPECT_EQ(configText(to, TR_REC_INHIBIT_FLAG), "0");
-  EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "");
-  for (int i = 0; i < 6; ++i)
-    EXPECT_EQ(userField(to, i), "");
-  EXPECT_EQ(heard_, Heard{"some(to)"});
+  for (const char* source : {"gone", ""}) {
+    enterProject(std::string("COPY") + source);
+    const Cookie to = addFullReel("to", "Tape");
+    const RecordingClient client(heard_);
+    heard_.clear();
+    copy(source, "to");
+    EXPECT_EQ(text(ReelDbRec(to).typeName()), "");
+    EXPECT_EQ(configText(to, TR_REEL_AVAILABLE_FLAG), "0");
+    EXPECT_EQ(configText(to, TR_REC_INHIBIT_FLAG), "0");
+    EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "");
+    for (int i = 0; i < 6; ++i)
+      EXPECT_EQ(userField(to, i), "");
+    EXPECT_EQ(heard_, Heard{"some(to)"});
+  }
+}
+
+TEST_F(Copying, OtherManagerCopiesTheReelsOfItsOwnList)
+{
+  addFullReel("from", "Tape");
+  const Cookie to = addReel("to");
+  ReelDbManager other;
+  other.copyReelInfo("from", "to");
+  EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "<absent>");
+  other.buildReelList();
+  other.copyReelInfo("from", "to");
+  EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "map");
 }
 
 TEST_F(Copying, EmptiedTypeMakesTheLastDeviceDecideTheChannels)

@@ -118,7 +118,8 @@ struct Question {
 
 void PrintTo(const Question& asked, std::ostream* out)
 {
-  *out << ::testing::PrintToString(asked.params) << " asked for " << ::testing::PrintToString(asked.name);
+  *out << ::testing::PrintToString(std::string(asked.params)) << " asked for "
+       << ::testing::PrintToString(std::string(asked.name));
 }
 
 class CatalogueParam : public Catalogue, public ::testing::WithParamInterface<Question> {};

@@ -262,7 +262,7 @@ struct Lines {
 
 void PrintTo(const Lines& lines, std::ostream* out)
 {
-  *out << ::testing::PrintToString(lines.bytes);
+  *out << ::testing::PrintToString(std::string(lines.bytes));
 }
 
 class TypeFileLines : public TypeFile, public ::testing::WithParamInterface<Lines> {};
@@ -473,7 +473,8 @@ struct Token {
 
 void PrintTo(const Token& token, std::ostream* out)
 {
-  *out << ::testing::PrintToString(token.token) << " asked for " << ::testing::PrintToString(token.name);
+  *out << ::testing::PrintToString(std::string(token.token)) << " asked for "
+       << ::testing::PrintToString(std::string(token.name));
 }
 
 constexpr int untouched = -987;

@@ -66,7 +66,8 @@ TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
   }
   EXPECT_EQ(names,
             (std::vector<std::string>{"Tape 2ch", "Tape 4ch", "Tape 8ch", "Audio only", "Film 35", "Disc", "Live"}));
-  for (const DeviceSettings& device : Facility::read(folder.path()).devices())
+  const Facility facility = Facility::read(folder.path());
+  for (const DeviceSettings& device : facility.devices())
     for (const std::string& tape : device.tapes)
       EXPECT_EQ(std::count(names.begin(), names.end(), tape), 1) << tape;
 }
@@ -89,12 +90,13 @@ TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
       EXPECT_EQ(entry.source >= 3 && entry.source <= 5, over9Pin) << name;
       EXPECT_NE(entry.source, 1u) << name; // the device may be without video
       EXPECT_NE(entry.source, 2u) << name;
-      if (name.rfind("pal", 0) == 0)
-        EXPECT_TRUE(entry.format != 0 && entry.format != 10) << name;
-      if (name.rfind("nts", 0) == 0)
-        EXPECT_TRUE(entry.format != 1 && entry.format != 9) << name;
-      if (name.rfind("24f", 0) == 0)
-        EXPECT_EQ(entry.format, 2u) << name;
+      if (name.rfind("pal", 0) == 0) {
+        EXPECT_EQ(entry.format, 1u) << name; // 25 fps
+      } else if (name.rfind("nts", 0) == 0) {
+        EXPECT_EQ(entry.format, 0u) << name; // 30 fps
+      } else {
+        EXPECT_EQ(entry.format, 2u) << name; // 24 fps
+      }
     }
     EXPECT_GT(inUse, 0) << name;
   }

@@ -131,7 +131,7 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
   const std::string device = "[[device]]\nnumber = 0\nid = 1\nname = \"D\"\n"; // four lines
   const std::string second = device + "[[device]]\nnumber = 1\nid = 2\nname = \"E\"\n";
   const std::pair<std::string, std::string> cases[] = {
-      {"a = \n", "1: not valid TOML (Error while parsing key-value pair: expected value, saw '\\x5cn')"},
+      {"a = \n", "1: not valid TOML (Error while parsing key-value pair: expected value, saw '\\n')"},
       {"[facility]\nname = \"a\"\nname = \"b\"\n",
        "3: not valid TOML (Error while parsing key-value pair: cannot redefine existing string 'name')"},
       {"\n[system]\nkey = \"\xFF\"\n", "3: not valid TOML (Encountered invalid utf-8 sequence)"},

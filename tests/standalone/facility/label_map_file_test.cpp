@@ -87,7 +87,7 @@ TEST_F(LabelMapFile, EveryErrorNamesFileLineAndReason)
        ":3: entry.inuse: unknown key (known: label, in_use, source, format)"},
       {"version = 1\n" + entries(14), ":1: version: unknown key (known: entry)"},
       {"[entry]\nlabel = \"a\"\n", ":1: entry: tables [[entry]] are needed (this is a table)"},
-      {"[[entry]\n", ":1: not valid TOML (Error while parsing table header: expected ']', saw '\\x5cn')"},
+      {"[[entry]\n", ":1: not valid TOML (Error while parsing table header: expected ']', saw '\\n')"},
   };
   for (const auto& [content, message] : cases)
     EXPECT_EQ(errorFor(content), "Unreadable: " + file().native() + message) << content;

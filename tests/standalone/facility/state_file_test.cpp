@@ -78,16 +78,16 @@ TEST_F(StateFileTest, RandomTextsComeBackUnchanged)
   State all;
   for (int round = 0; round < 100; ++round) {
     std::string bytes, text;
-    for (unsigned i = random() % 30; i > 0; --i)
+    for (auto i = random() % 30; i > 0; --i)
       bytes.push_back(static_cast<char>(1 + random() % 255));
-    for (unsigned i = random() % 30; i > 0; --i) {
-      const unsigned point = 1 + random() % 0x7FF; // two bytes at most
+    for (auto i = random() % 30; i > 0; --i) {
+      const auto point = 1 + random() % 0x7FF; // two bytes at most
       if (point < 0x80)
         text.push_back(static_cast<char>(point));
       else
         text.append(1, static_cast<char>(0xC0 | point >> 6)).append(1, static_cast<char>(0x80 | (point & 0x3F)));
     }
-    const State changes = {{{text, bytes}}, {{1 + random() % 50, text}}};
+    const State changes = {{{text, bytes}}, {{static_cast<unsigned>(1 + random() % 50), text}}};
     all.system[text] = bytes;
     all.lastReel[changes.lastReel.begin()->first] = text;
     state().merge(changes);
@@ -118,7 +118,7 @@ TEST_F(StateFileTest, SameValuesLeaveTheFileAlone)
 TEST_F(StateFileTest, DamagedFileIsAnErrorAndIsNotOverwritten)
 {
   const std::pair<const char*, const char*> cases[] = {
-      {"[system]\nk = \n", ":2: not valid TOML (Error while parsing key-value pair: expected value, saw '\\x5cn')"},
+      {"[system]\nk = \n", ":2: not valid TOML (Error while parsing key-value pair: expected value, saw '\\n')"},
       {"[systen]\n", ":1: systen: unknown key (known: system, last_reel)"},
       {"[system]\nk = 1\n", ":2: system.k: a text is needed (this is a whole number)"},
       {"[system]\nk = [\"a\"]\n", ":2: system.k: a whole number is needed (this is a text)"},

@@ -1,0 +1,52 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Copy : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    output({"create", "A001"});
+    output({"create", "B001"});
+    output({"set", "A001", "type=Tape 4ch", "available=no", "inhibit=yes", "label-mapping=pal9pin", "0=x", "5=y",
+            "bin=shelf"});
+  }
+};
+
+TEST_F(Copy, TakesOverWhatIsKnownOfTheReelButNotItsPlace)
+{
+  EXPECT_EQ(output({"copy", "a001", "b001"}), "B001: now as A001\n");
+  Json from = reel("A001"), to = reel("B001");
+  EXPECT_EQ(to.at("bin"), "");
+  for (const char* key : {"type", "available", "inhibit", "label_mapping", "user_fields", "audio_channels"})
+    EXPECT_EQ(to.at(key), from.at(key)) << key;
+}
+
+TEST_F(Copy, SecondTimeChangesNothing)
+{
+  output({"copy", "A001", "B001"});
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"copy", "A001", "B001"}), "B001: is already as A001\n");
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Copy, UnknownReelsAreRefused)
+{
+  EXPECT_EQ(reeldb({"copy", "X", "B001"}).err, "reeldb: X: no such reel\n");
+  const ProcessResult result = reeldb({"copy", "A001", "X"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: X: no such reel\n");
+}
+
+TEST_F(Copy, JsonHasTheReelAsItIsNow)
+{
+  const Json report = json({"copy", "--json", "A001", "B001"});
+  EXPECT_EQ(report.at("stored"), true);
+  EXPECT_EQ(report.at("reel"), reel("B001"));
+}
+
+} // namespace

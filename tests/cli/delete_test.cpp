@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Delete : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                              event(2, "A001", "V", "01:00:02:00", "01:00:03:00") +
+                              event(3, "B001", "V", "01:00:00:00", "01:00:01:00") +
+                              event(4, "C001", "V", "01:00:00:00", "01:00:01:00"));
+    ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  }
+  std::string everything()
+  {
+    std::string all = output({"list", "--json"});
+    for (const std::string& id : reelIds())
+      all += output({"shots", "--json", id});
+    return all;
+  }
+};
+
+TEST_F(Delete, TakesReelsAndTheirShots)
+{
+  const ProcessResult result = reeldb({"delete", "a001", "--yes"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "REEL  SHOTS\n"
+                        "A001      2\n"
+                        "1 reel and 2 shots deleted (reeldb undelete brings them back)\n");
+  EXPECT_NE(result.err.find(" from Reel: A001\n"), std::string::npos) << result.err;
+  EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));
+}
+
+TEST_F(Delete, KeptReelAndItsShotsStay)
+{
+  const ProcessResult result = reeldb({"delete", "A001", "B001", "C001", "--keep", "b001", "--yes", "--json"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(Json::parse(result.out),
+            Json::parse(R"({"dry_run": false, "deleted": ["A001", "C001"], "shots": 3, "kept": ["B001"]})"));
+  EXPECT_NE(result.err.find("Couldn't delete reel: B001 because it was marked as in use.\n"), std::string::npos)
+      << result.err;
+  EXPECT_EQ(reelIds(), Words{"B001"});
+  EXPECT_EQ(reel("B001").at("shots"), 1);
+}
+
+TEST_F(Delete, KeepTakesOneReelEachTime)
+{
+  const ProcessResult result = reeldb({"delete", "--keep", "A001", "B001", "--keep", "C001", "--yes", "--json"});
+  EXPECT_EQ(Json::parse(result.out).at("deleted"), Words{"B001"});
+}
+
+TEST_F(Delete, NothingToDeleteIsRefused)
+{
+  const ProcessResult result = reeldb({"delete", "A001", "--keep", "A001", "--yes"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "A001: kept, with its shots\nnothing deleted\n");
+  EXPECT_EQ(reelIds().size(), 3u);
+}
+
+TEST_F(Delete, UnknownReelDeletesNothing)
+{
+  EXPECT_EQ(reeldb({"delete", "A001", "X", "--yes"}).err, "reeldb: X: no such reel\n");
+  EXPECT_EQ(reeldb({"delete", "A001", "--keep", "X", "--yes"}).code, 1);
+  EXPECT_EQ(reelIds().size(), 3u);
+}
+
+TEST_F(Delete, SameReelTwiceCountsOnce)
+{
+  EXPECT_EQ(Json::parse(reeldb({"delete", "A001", "a001", "--yes", "--json"}).out).at("deleted"), Words{"A001"});
+}
+
+TEST_F(Delete, WithoutATerminalNobodyIsAsked)
+{
+  ProcessSetting answering = setting_;
+  answering.input = "y\n";
+  const ProcessResult result = reeldb({"delete", "A001"}, answering);
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.err.find("reeldb: delete 1 reel and 2 shots? nobody to ask (standard input is no terminal; --yes "
+                            "says so beforehand)\n"),
+            std::string::npos)
+      << result.err;
+  EXPECT_EQ(reelIds().size(), 3u);
+}
+
+TEST_F(Delete, OnATerminalTheAnswerDecides)
+{
+  ProcessSetting terminal = setting_;
+  terminal.terminal = true;
+  terminal.input = "n\n";
+  ProcessResult result = reeldb({"delete", "A001"}, terminal);
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.out.find("delete 1 reel and 2 shots? [y/N] "), std::string::npos) << result.out;
+  EXPECT_EQ(reelIds().size(), 3u);
+  terminal.input = "y\n";
+  result = reeldb({"delete", "A001"}, terminal);
+  EXPECT_EQ(result.code, 0) << result.out;
+  EXPECT_EQ(reelIds().size(), 2u);
+}
+
+TEST_F(Delete, DryRunShowsWhatWouldGo)
+{
+  const std::string before = readFile("projects/main.reels");
+  const ProcessResult result = reeldb({"delete", "--dry-run", "A001", "B001", "--keep", "B001"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.out.find("B001: kept, with its shots\n"
+                            "dry run: 1 reel and 2 shots would go, the project stays as it was\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Delete, UndeleteRestoresEveryByte)
+{
+  const std::string before = everything();
+  ASSERT_EQ(reeldb({"delete", "A001", "B001", "--yes"}).code, 0);
+  EXPECT_EQ(output({"undelete"}), "2 reels and 3 shots brought back: A001, B001\n");
+  EXPECT_EQ(everything(), before);
+}
+
+TEST_F(Delete, UndeleteGoesBackDeletionByDeletion)
+{
+  reeldb({"delete", "A001", "--yes"});
+  reeldb({"delete", "B001", "--yes"});
+  EXPECT_EQ(json({"undelete", "--json"}), Json::parse(R"({"reels": ["B001"], "shots": 1})"));
+  EXPECT_EQ(json({"undelete", "--json"}), Json::parse(R"({"reels": ["A001"], "shots": 2})"));
+  const ProcessResult result = reeldb({"undelete"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: undelete: there is no deletion to bring back\n");
+}
+
+TEST_F(Delete, CompactRemovesForGood)
+{
+  reeldb({"delete", "A001", "--yes"});
+  EXPECT_EQ(output({"project", "compact"}), "3 deleted logs removed for good\n");
+  EXPECT_EQ(output({"project", "compact"}), "nothing to remove\n");
+  EXPECT_EQ(reeldb({"undelete"}).code, 1);
+  EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));
+}
+
+} // namespace

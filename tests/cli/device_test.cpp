@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Device : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n"
+                                "[[device]]\nnumber = 3\nid = 7\nname = \"Deck\"\nport = \"9-pin\"\ninput = \"none\"\n"
+                                "audio_inputs = 2\ntapes = [\"Tape 2ch\"]\n"
+                                "[[device]]\nnumber = 4\nid = 8\nname = \"Cam 2\"\nport = \"device-named\"\n"
+                                "input = \"sdi\"\naudio_inputs = 1\ntapes = [\"Live\", \"Tape 4ch\"]\n"
+                                "[[device]]\nnumber = 5\nid = 9\nname = \"Box\"\nport = \"1394\"\ninput = \"1394\"\n");
+  }
+};
+
+TEST_F(Device, ListAndDevicesAreTheSame)
+{
+  EXPECT_EQ(output({"device", "list"}), output({"devices"}));
+  EXPECT_EQ(json({"device", "list", "--json"}).size(), 3u);
+}
+
+TEST_F(Device, ShowHasOne)
+{
+  EXPECT_EQ(json({"device", "show", "3", "--json"}), Json::parse(R"({
+    "number": 3, "name": "Deck", "port": "9-pin", "input": "none", "audio_inputs": 2, "tapes": ["Tape 2ch"],
+    "label_map": "", "last_reel": ""})"));
+  EXPECT_EQ(output({"device", "show", "4"}), "NUMBER  NAME   PORT          INPUT  AUDIO  ACCEPTS\n"
+                                             "     4  Cam 2  device-named  sdi        1  Live, Tape 4ch\n");
+}
+
+TEST_F(Device, UnknownNumberIsRefused)
+{
+  const ProcessResult result = reeldb({"device", "show", "1"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: 1: no such device (this facility has: 3 Deck, 4 Cam 2, 5 Box)\n");
+}
+
+TEST_F(Device, ReelsAreThoseOfAnAcceptedOrUnknownType)
+{
+  for (const std::string id : {"two", "four", "none", "odd"})
+    output({"create", id});
+  output({"set", "two", "type=Tape 2ch"});
+  output({"set", "four", "type=Tape 4ch"});
+  output({"set", "none", "type="});
+  reeldb({"set", "odd", "type=Unheard of"});
+  EXPECT_EQ(json({"device", "reels", "3", "--json"}), Json::parse(R"([
+    {"id": "two", "type": "Tape 2ch"}, {"id": "none", "type": ""}, {"id": "odd", "type": "Unheard of"}])"));
+  EXPECT_EQ(json({"device", "reels", "3", "--why", "--json"}), Json::parse(R"([
+    {"id": "two", "type": "Tape 2ch", "accepted": true, "why": "the device accepts type \"Tape 2ch\""},
+    {"id": "four", "type": "Tape 4ch", "accepted": false, "why": "the device does not accept type \"Tape 4ch\""},
+    {"id": "none", "type": "", "accepted": true, "why": "the reel has no type"},
+    {"id": "odd", "type": "Unheard of", "accepted": true, "why": "type \"Unheard of\" is not in the catalogue"}])"));
+}
+
+TEST_F(Device, LiveMakesTheReelOnceAndTheDeviceRemembersIt)
+{
+  EXPECT_EQ(output({"device", "live", "4"}), "Cam 2 live feed\n");
+  const Json made = reel("Cam 2 live feed");
+  EXPECT_EQ(made.at("type"), "Live");
+  EXPECT_EQ(made.at("last_device"), "Cam 2");
+  EXPECT_EQ(json({"device", "show", "4", "--json"}).at("last_reel"), "Cam 2 live feed");
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"device", "live", "4"}), "Cam 2 live feed (was there already)\n");
+  EXPECT_EQ(reelIds().size(), 1u);
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Device, LiveIsRefusedForADeviceThatIsNoLiveSource)
+{
+  const ProcessResult result = reeldb({"device", "live", "3"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: Deck: no live source (\"Live\" is not among the types it accepts)\n");
+}
+
+TEST_F(Device, DeviceNamedPortGivesTheReelTheDevicesName)
+{
+  EXPECT_EQ(output({"create", "asked", "--device", "4"}), "Cam 2\n");
+  const ProcessResult result = reeldb({"create", "again", "--device", "4"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: \"Cam 2\": exists already\n");
+  EXPECT_EQ(reelIds(), Words{"Cam 2"});
+}
+
+TEST_F(Device, LabelMapIsTheUsualOneForPortAndRate)
+{
+  EXPECT_EQ(output({"device", "label-map", "3"}), "pal9pin\n");
+  EXPECT_EQ(output({"device", "label-map", "4"}), "paltofd\n");
+  output({"project", "new", "us", "--rate", "29.97"});
+  EXPECT_EQ(output({"-p", "us", "device", "label-map", "5"}), "ntsc1394\n");
+  EXPECT_EQ(json({"device", "label-map", "5", "--json"}), Json::parse(R"({"device": 5, "label_map": "pal1394"})"));
+}
+
+// --- Label maps
+// ------------------------------------------------------------------------------------------------------------------
+
+class LabelMapCommand : public Device {};
+
+TEST_F(LabelMapCommand, ListHasTheNineUsualOnes)
+{
+  const Json maps = json({"labelmap", "list", "--json"});
+  ASSERT_EQ(maps.size(), 9u);
+  EXPECT_EQ(maps.at(0).at("name"), "24f1394");
+  for (const Json& map : maps) {
+    EXPECT_TRUE(map.at("uses_vitc").is_boolean());
+    EXPECT_TRUE(map.at("fits_project").is_boolean());
+    EXPECT_FALSE(map.contains("fault"));
+  }
+}
+
+TEST_F(LabelMapCommand, CheckTellsWhatFits)
+{
+  const ProcessResult result = reeldb({"labelmap", "check", "pal9pin", "--device", "3", "--json"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  const Json report = Json::parse(result.out);
+  EXPECT_EQ(report.at("fits_project"), true);
+  EXPECT_EQ(report.at("fits_device"), true);
+}
+
+TEST_F(LabelMapCommand, CheckSaysWhyADeviceIsNotSuited)
+{
+  const ProcessResult result = reeldb({"labelmap", "check", "pal1394", "--device", "3"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "Label map <pal1394> requires 1394 labels - device <Deck> is not controllable via 1394\n");
+  EXPECT_NE(result.out.find("pal1394: does not fit the device Deck\n"), std::string::npos) << result.out;
+}
+
+TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefused)
+{
+  EXPECT_EQ(reeldb({"labelmap", "check", "nope"}).code, 1);
+  EXPECT_EQ(reeldb({"labelmap", "check", "../facility"}).code, 1);
+}
+
+TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
+{
+  dir_.write("labelmaps/bad.toml", "\n[[entry]]\nin_use = true\nsource = \"smoke signals\"\nformat = \"25 fps\"\n");
+  const ProcessResult result = reeldb({"labelmap", "check", "bad"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_NE(result.err.find("bad.toml:4"), std::string::npos) << result.err;
+  const ProcessResult list = reeldb({"labelmap", "list", "--json"});
+  EXPECT_EQ(list.code, 3);
+  EXPECT_EQ(Json::parse(list.out).size(), 10u);
+}
+
+TEST_F(LabelMapCommand, ReelsOwnMapComesBeforeTheDevices)
+{
+  output({"create", "R1"});
+  EXPECT_EQ(output({"label-map-for", "r1", "--device", "3"}), "pal9pin\n");
+  output({"set", "R1", "label-mapping=anything at all"});
+  EXPECT_EQ(output({"label-map-for", "R1", "--device", "3"}), "anything at all\n");
+  output({"set", "R1", "label-mapping=Device default"});
+  EXPECT_EQ(json({"label-map-for", "R1", "--device", "3", "--json"}),
+            Json::parse(R"({"reel": "R1", "device": 3, "label_map": "pal9pin"})"));
+  EXPECT_EQ(reeldb({"label-map-for", "X", "--device", "3"}).code, 1);
+  EXPECT_EQ(reeldb({"label-map-for", "R1"}).code, 2);
+}
+
+} // namespace

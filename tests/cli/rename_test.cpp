@@ -1,0 +1,106 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Rename : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: ONE\n" +
+                              event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
+    dir_.write("more.edl", event(1, "a001", "V", "02:00:00:00", "02:00:01:00") + "* FROM CLIP NAME: TWO\n");
+    ASSERT_EQ(reeldb({"import", "cut.edl", "more.edl"}).code, 0);
+  }
+  void expectRefusal(const Words& words, const std::string& message)
+  {
+    const std::string before = readFile("projects/main.reels");
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+    EXPECT_EQ(readFile("projects/main.reels"), before);
+  }
+};
+
+TEST_F(Rename, TakesItsShotsAlongWhateverTheirCase)
+{
+  const ProcessResult result = reeldb({"rename", "a001", "C001"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "Shot: ONE  Changing reel from A001 to C001\n"
+                        "Shot: TWO  Changing reel from A001 to C001\n");
+  EXPECT_EQ(result.out, "CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                        "ONE   V       01:00:00:00  01:00:01:00  01:00:00:00  01:00:01:00\n"
+                        "TWO   V       02:00:00:00  02:00:01:00  01:00:00:00  01:00:01:00\n"
+                        "A001 is now C001, in 2 shots too\n");
+  EXPECT_EQ(reelIds(), (Words{"C001", "B001"}));
+  EXPECT_EQ(reel("C001").at("shots"), 2);
+  EXPECT_EQ(reel("B001").at("shots"), 1);
+  EXPECT_EQ(json({"shots", "--json", "C001"}).at(1).at("reel"), "C001");
+}
+
+TEST_F(Rename, JsonListsTheShots)
+{
+  const ProcessResult result = reeldb({"rename", "A001", "C001", "--json"});
+  const Json report = Json::parse(result.out);
+  EXPECT_EQ(report.at("from"), "A001");
+  EXPECT_EQ(report.at("to"), "C001");
+  EXPECT_EQ(report.at("stored"), true);
+  ASSERT_EQ(report.at("shots").size(), 2u);
+  EXPECT_EQ(report.at("shots").at(0).at("clip"), "ONE");
+}
+
+TEST_F(Rename, DryRunChangesNothing)
+{
+  const std::string before = readFile("projects/main.reels");
+  const ProcessResult result = reeldb({"rename", "--dry-run", "A001", "C001"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.out.find("A001 is now C001, in 2 shots too\ndry run: the project stays as it was\n"),
+            std::string::npos)
+      << result.out;
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Rename, OtherSpellingOfItsOwnNameIsTaken)
+{
+  EXPECT_EQ(reeldb({"rename", "A001", "a001"}).code, 0);
+  EXPECT_EQ(reelIds(), (Words{"a001", "B001"}));
+  EXPECT_EQ(reel("a001").at("shots"), 2);
+}
+
+TEST_F(Rename, SameNameChangesNothing)
+{
+  EXPECT_EQ(output({"rename", "A001", "A001"}), "A001: is called that already\n");
+}
+
+TEST_F(Rename, NameOfAnotherReelIsRefused)
+{
+  expectRefusal({"rename", "A001", "b001"}, "B001: exists already");
+  expectRefusal({"rename", "A001", " B001 "}, "B001: exists already");
+}
+
+TEST_F(Rename, UnknownReelIsRefused)
+{
+  expectRefusal({"rename", "X", "Y"}, "X: no such reel");
+}
+
+TEST_F(Rename, NameThatMakesNoSenseIsRefused)
+{
+  expectRefusal({"rename", "A001", ""}, "\"\": no name for a reel (it is blank)");
+  expectRefusal({"rename", "A001", "  "}, "\"  \": no name for a reel (it is blank)");
+  expectRefusal({"rename", "A001", "A*"}, "A*: no name for a reel (a star denotes generated material)");
+  const std::string prefix(79, 'x');
+  expectRefusal({"rename", "A001", std::string(2048, 'x')},
+                prefix + "\xe2\x80\xa6: no name for a reel (it has 2048 bytes, 2047 are the most)");
+}
+
+TEST_F(Rename, OuterBlanksDoNotCount)
+{
+  EXPECT_EQ(reeldb({"rename", "A001", " C001 "}).code, 0);
+  EXPECT_EQ(reelIds(), (Words{"C001", "B001"}));
+}
+
+} // namespace

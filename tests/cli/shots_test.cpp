@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class Shots : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                              "* FROM CLIP NAME: KITCHEN WIDE\n* SOURCE FILE: kitchen.mov\n" +
+                              event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
+    dir_.write("more.edl", event(1, "a001", "A2", "02:00:00:00", "02:00:01:00") + "* FROM CLIP NAME: kitchen wide\n");
+    ASSERT_EQ(reeldb({"import", "cut.edl", "more.edl"}).code, 0);
+    ASSERT_EQ(reeldb({"create", "EMPTY"}).code, 0);
+  }
+};
+
+TEST_F(Shots, AllOfAReelWhateverTheirCase)
+{
+  const ProcessResult result = reeldb({"shots", "a001", "--json"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "");
+  const Json shots = Json::parse(result.out);
+  ASSERT_EQ(shots.size(), 2u);
+  EXPECT_EQ(shots.at(0).at("reel"), "A001");
+  EXPECT_EQ(shots.at(0).at("clip"), "KITCHEN WIDE");
+  EXPECT_EQ(shots.at(0).at("tracks"), "V");
+  EXPECT_EQ(shots.at(0).at("source_in"), "01:00:00:00");
+  EXPECT_EQ(shots.at(0).at("source_out"), "01:00:01:00");
+  EXPECT_EQ(shots.at(0).at("record_in"), "01:00:00:00");
+  EXPECT_EQ(shots.at(0).at("record_out"), "01:00:01:00");
+  EXPECT_EQ(shots.at(0).at("source_file"), "kitchen.mov");
+  EXPECT_EQ(shots.at(0).at("video_channels"), 1);
+  EXPECT_EQ(shots.at(1).at("reel"), "a001");
+  EXPECT_EQ(shots.at(1).at("audio_channels"), 1);
+}
+
+TEST_F(Shots, TableEndsWithTheirNumber)
+{
+  const std::string text = output({"shots", "A001"});
+  EXPECT_EQ(text.substr(0, 4), "CLIP");
+  EXPECT_NE(text.find("\nKITCHEN WIDE  V       01:00:00:00  01:00:01:00"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n2 shots from reel A001\n"), std::string::npos) << text;
+}
+
+TEST_F(Shots, ReelWithoutShotsHasNone)
+{
+  EXPECT_EQ(output({"shots", "EMPTY"}), "0 shots from reel EMPTY\n");
+  EXPECT_EQ(output({"shots", "EMPTY", "--json"}), "[]\n");
+}
+
+TEST_F(Shots, UnknownReelIsRefused)
+{
+  const ProcessResult result = reeldb({"shots", "X"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: X: no such reel\n");
+}
+
+class ReelsOf : public Shots {
+protected:
+  void SetUp() override
+  {
+    Shots::SetUp();
+    ASSERT_EQ(reeldb({"set", "B001", "type=Unheard of"}).code, 0);
+    ASSERT_EQ(reeldb({"set", "A001", "type=Tape 2ch", "bin=shelf"}).code, 0);
+  }
+};
+
+TEST_F(ReelsOf, ClipNamesFindTheirReelsInAnyCase)
+{
+  EXPECT_EQ(json({"reels-of", "--json", "Kitchen Wide"}), Json::parse(R"([
+    {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf"}])"));
+}
+
+TEST_F(ReelsOf, ListTellsWhatIsMissingUnavailableOrOfUnknownType)
+{
+  dir_.write("online.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                               event(2, "B001", "V", "01:00:00:00", "01:00:01:00") +
+                               event(3, "C001", "V", "01:00:00:00", "01:00:01:00") +
+                               event(4, "EMPTY", "V", "01:00:00:00", "01:00:01:00") +
+                               event(5, "C001", "V", "01:00:02:00", "01:00:03:00"));
+  output({"set", "EMPTY", "available=no"});
+  const std::string before = readFile("projects/main.reels");
+  const Json needs = json({"reels-of", "--json", "--file", "online.edl"});
+  ASSERT_EQ(needs.size(), 4u);
+  EXPECT_EQ(needs.at(0).at("state"), "ready");
+  EXPECT_EQ(needs.at(1).at("state"), "unknown type");
+  EXPECT_EQ(needs.at(2), Json::parse(R"({"id": "C001", "shots": 2, "state": "missing", "type": "", "bin": ""})"));
+  EXPECT_EQ(needs.at(3).at("state"), "unavailable");
+  const std::string text = output({"reels-of", "--file", "online.edl"});
+  EXPECT_NE(text.find("\nC001       2  missing       -\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n4 reels needed, 1 ready\n"), std::string::npos) << text;
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ReelsOf, ReelFindsItsOwnShots)
+{
+  EXPECT_EQ(json({"reels-of", "--json", "--reel", "a001"}).at(0).at("shots"), 2);
+}
+
+TEST_F(ReelsOf, NothingFoundIsRefused)
+{
+  EXPECT_EQ(reeldb({"reels-of", "no such clip"}).err, "reeldb: no such clip: no shot is called that\n");
+  EXPECT_EQ(reeldb({"reels-of", "no such clip"}).code, 1);
+  EXPECT_EQ(reeldb({"reels-of", "--reel", "EMPTY"}).code, 1);
+}
+
+TEST_F(ReelsOf, OneSourceMustBeGiven)
+{
+  EXPECT_EQ(reeldb({"reels-of"}).code, 2);
+  EXPECT_EQ(reeldb({"reels-of", "clip", "--reel", "A001"}).code, 2);
+}
+
+TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)
+{
+  dir_.write("bad.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                            "002  C001  V  C  01:00:99:00 01:00:01:00 01:00:00:00 01:00:01:00\n");
+  EXPECT_EQ(reeldb({"reels-of", "--file", "bad.edl"}).code, 4);
+}
+
+} // namespace
