@@ -33,8 +33,8 @@ check: test ## test again under the sanitizers and with the second compiler
 
 bench: ## print the benchmarks
 	@sh scripts/setup.sh bench
-	$(call build,release)
-	@echo "bench: no benchmark is written yet" >&2; exit 1
+	$(call build,bench)
+	build/bench/bin/reeldb_bench
 
 clean: ## remove everything that was built
 	rm -rf build

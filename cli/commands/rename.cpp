@@ -61,8 +61,8 @@ ExitCode run(const Options& options, const Globals& globals)
   }
   if (!shots.empty())
     printShots(materialOf(shots));
-  print(
-      fmt::format("{} is now {}, in {} too\n", displayText(before), displayText(after), counted(shots.count(), "shot")));
+  print(fmt::format("{} is now {}, in {} too\n", displayText(before), displayText(after),
+                    counted(shots.count(), "shot")));
   if (options.dryRun)
     print("dry run: the project stays as it was\n");
   return done;

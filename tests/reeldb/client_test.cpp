@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <type_traits>
+#include <utility>
 
 #include "reelhost/memory.h"
 #include "support/library_fixture.h"
@@ -36,6 +37,17 @@ public:
   int compare(const ArrayRec&) const override { return 0; }
   bool operator==(const ArrayRec&) const override { return true; }
   bool operator!=(const ArrayRec&) const override { return false; }
+};
+
+/// Sorts itself by its name, backwards.
+class SortingClient : public RecordingClient {
+public:
+  SortingClient(Heard& heard, std::string name) : RecordingClient(heard, name), sortName(std::move(name)) {}
+  int compare(const ArrayRec& other) const override
+  {
+    return static_cast<const SortingClient&>(other).sortName.compare(sortName);
+  }
+  const std::string sortName;
 };
 
 /// Keeps its interest to itself.
@@ -156,6 +168,17 @@ TEST_F(Clients, OfTheBaseClassDoNothing)
   EXPECT_EQ(registered(), (Registered{&plain}));
 }
 
+TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsTold)
+{
+  Client a(heard_, "", "R1");
+  a.ReelDbClient::reelDbChanged("R2");
+  a.ReelDbClient::ourReelDbRecChanged();
+  a.ReelDbClient::someReelDbRecChanged("R2");
+
+  manager().informReelDbRecChanged("R1");
+  EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
+}
+
 TEST_F(Clients, RegisteredTwiceHearEverythingTwice)
 {
   Client a(heard_, "a", "R1"), b(heard_, "b");
@@ -220,6 +243,19 @@ TEST_F(Clients, StayInOrderOfRegistrationWhateverTheirAddresses)
     }
   }
   EXPECT_EQ(registered(), inOrderMade);
+}
+
+TEST_F(Clients, TakeTheirPlaceInARegistryThatSomebodyMarkedSorted)
+{
+  ReelDbManager second;
+  second.clients.sorted(true);
+  SortingClient a(heard_, "a"), b(heard_, "b");
+  second.registerClient(&a);
+  second.registerClient(&b);
+
+  second.informReelDbRecChanged("R1");
+
+  EXPECT_EQ(heard_, (Heard{"b:some(R1)", "a:some(R1)"}));
 }
 
 // --- A second manager ------------------------------------------------------------------------------------------------

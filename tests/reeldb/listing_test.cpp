@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <functional>
 
-#include "support/library_fixture.h"
+#include "reeldb/reel_list_fixture.h"
 
 namespace reeldb_tests {
 
@@ -12,13 +12,7 @@ using Ids = std::vector<LightweightString<char>>;
 
 constexpr int deck = 7;
 
-std::string numbered(std::string text, int n)
-{
-  text += std::to_string(n);
-  return text;
-}
-
-class Listing : public LibraryTest {
+class Listing : public ReelListTest {
 protected:
   Listing() { deckAccepts({}); }
 
@@ -240,6 +234,23 @@ TEST_F(Listing, ReelsAreThoseListedWhenItBegan)
   manager().buildReelList();
   EXPECT_EQ(compatible(), (Texts{"A", "B", "C"}));
   EXPECT_EQ(0, manager().reelList.count());
+}
+
+TEST_F(Listing, ReelsAreThoseListedWhenItBeganAlsoWhenTheListIsRebuiltUnderneath)
+{
+  for (const char* const id : {"A", "B", "C"})
+    addReel(id);
+  for (const char* const operation : {"EditInfo::getAttrib", "ODBViewRep::displayRecordsAt"}) {
+    script().maskSearchResult.reset();
+    script().before = nullptr;
+    manager().buildReelList();
+    script().before = [&](const std::string& called, const std::string&) {
+      if (called == operation)
+        replaceReelList();
+    };
+    EXPECT_EQ(std::string(operation) == "EditInfo::getAttrib" ? all(true) : compatible(), (Texts{"A", "B", "C"}));
+    EXPECT_FALSE(manager().reelList[0].valid());
+  }
 }
 
 TEST_F(Listing, IsOfOneManagersListAlone)

@@ -4,7 +4,7 @@
 
 #include "ReelDbRec.h"
 #include "host/config.h"
-#include "support/library_fixture.h"
+#include "reeldb/reel_list_fixture.h"
 
 namespace reeldb_tests {
 
@@ -12,16 +12,10 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-std::string numbered(std::string text, int n)
-{
-  text += std::to_string(n);
-  return text;
-}
-
 /// One log looked at: opened, read, closed.
 const Texts oneLook{"EditInfo::EditInfo", "EditInfo::getAttrib", "EditPtr::i_close"};
 
-class Lookup : public LibraryTest {
+class Lookup : public ReelListTest {
 protected:
   std::string found(const char* id) { return text(manager().getCookieFromReelId(id)); }
 
@@ -192,18 +186,19 @@ TEST_F(Lookup, LooksAtTheLogsThatWereListedWhenItBegan)
   EXPECT_EQ(0, manager().reelList.count());
 }
 
-TEST_F(Lookup, CanBeRebuiltUnderneath)
+TEST_F(Lookup, LooksAtTheLogsItBeganWithAlsoWhenTheListIsRebuiltUnderneath)
 {
   addReel("A");
-  const Cookie last = addReel("B");
+  addReel("B");
+  const Cookie last = addReel("C");
   script().before = [&](const std::string& operation, const std::string&) {
-    if (operation == "EditInfo::getAttrib") {
-      addLog(9, "X");
-      manager().buildReelList();
-    }
+    if (operation == "EditInfo::getAttrib")
+      replaceReelList();
   };
 
-  EXPECT_EQ(text(last), found("B"));
+  EXPECT_EQ(text(last), found("C"));
+  EXPECT_EQ(3, manager().reelList.count());
+  EXPECT_EQ(invalid(), found("C"));
 }
 
 TEST_F(Lookup, IsOfOneManagersListAlone)

@@ -24,6 +24,11 @@ static_assert(offsetof(ReelType, numVideoChans) < offsetof(ReelType, numAudioCha
 static_assert(std::is_same_v<decltype(ReelType::numVideoChans), int>);
 static_assert(std::is_same_v<decltype(ReelType::numAudioChans), int>);
 
+/// The list's own mark, which only a derived class sees.
+struct Mark : ReelTypeManager {
+  static bool of(const ReelTypeManager& catalogue) { return catalogue.*&Mark::flag_; }
+};
+
 /// A catalogue of its own for each test, empty at the start.
 class Catalogue : public LibraryTest {
 protected:
@@ -60,6 +65,11 @@ TEST_F(Catalogue, TheOneIsTheExportedObject)
 {
   EXPECT_EQ(theReelTypeManager(), &theReelTypeManager_);
   EXPECT_EQ(theReelTypeManager(), theReelTypeManager());
+}
+
+TEST_F(Catalogue, ListIsNotMarked)
+{
+  EXPECT_FALSE(Mark::of(catalogue));
 }
 
 TEST_F(Catalogue, IsAFindOrCreateListByExactName)

@@ -46,7 +46,7 @@ TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
       {"a\xC2\x9B", "\"a\xC2\\x9b\": no name for a project (it holds a control character)"},
   };
   for (const auto& [name, message] : cases)
-    EXPECT_EQ(errorOf([&] { facility().projectFile(name); }), "Refused: " + message);
+    EXPECT_EQ(errorOf([&, &wanted = name] { facility().projectFile(wanted); }), "Refused: " + message);
   EXPECT_EQ(errorOf([&] { facility().projectFile(std::string(201, 'n')); }),
             "Refused: \"" + std::string(201, 'n') + "\": no name for a project (it is longer than 200 bytes)");
 }

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "host/action.h"
 #include "host/device.h"
 #include "host/project.h"
 #include "host/text.h"
@@ -206,7 +207,8 @@ TEST_F(EveryCall, OfTheDatabaseIsWritten)
               projdb& database = *EditManager::getProjdb();
               database.search(0x10040, 0xFFFEEF9F);
               shotsOf("R1");
-              database[shot_]->get_field(database.findField("Type"));
+              const unsigned short type = database.findField("Type");
+              database[shot_]->get_field(type);
               EXPECT_EQ(database[Cookie("Enothing", false)], nullptr);
               EditManager::updateProjdbRec(shot_);
               typeNameOf(reel_);

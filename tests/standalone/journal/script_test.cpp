@@ -2,6 +2,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include "host/action.h"
 #include "host/device.h"
 #include "host/project.h"
 #include "host/text.h"

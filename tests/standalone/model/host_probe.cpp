@@ -3,15 +3,13 @@
 // What the host answers before main, as a library asks that is being loaded: one answer a line. Then, in main, what
 // facility() says, and what became of starting up without the library.
 #include <cstdio>
-#include <string>
 
+#include "host/action.h"
 #include "host/config.h"
 #include "host/text.h"
 #include "reelhost/host.h"
 
 namespace {
-
-std::string type, folder;
 
 __attribute__((constructor(101))) void askBeforeAnythingElse()
 {

@@ -13,6 +13,7 @@ HostTest::HostTest()
 {
   Script::the().reset();
   Journal::the().record(false);
+  Journal::the().clear();
   useFacility(Facility());
   startUp();
 }

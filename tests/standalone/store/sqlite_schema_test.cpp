@@ -116,6 +116,20 @@ TEST_F(SqliteSchema, NewFileHasTheTablesOfVersion1)
   EXPECT_EQ(runSql(made, tables), runSql(file(), tables));
 }
 
+TEST_F(SqliteSchema, DocumentShowsTheTablesOfANewFile)
+{
+  const std::string text = bytesOf(fs::path(REELDB_SOURCE_DIR) / "docs/formats/project.md");
+  const std::size_t start = text.find("```sql\n") + 7;
+  const std::size_t end = text.find("```", start);
+  ASSERT_LT(start, end);
+  runSql(file(), text.substr(start, end - start));
+  const fs::path made = file().native() + ".new";
+  createSqliteProject(made, exampleInfo(), {});
+  const std::string tables = "SELECT group_concat(sql, ';') FROM "
+                             "(SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name)";
+  EXPECT_EQ(runSql(made, tables), runSql(file(), tables));
+}
+
 TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
 {
   createSqliteProject(file(), exampleInfo(), {{"o", "p"}});

@@ -3,6 +3,7 @@
 // One project, several processes.
 #include <algorithm>
 #include <memory>
+#include <stdexcept>
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -290,6 +291,88 @@ TEST_F(SqliteSharing, TwoProcessesWritingInALoopLoseNothing)
     expected.push_back(number);
   EXPECT_EQ(numbersOf(*reader), expected);
   EXPECT_EQ(reader->check(), std::vector<std::string>{});
+}
+
+/// A user who may read the project but write neither it nor its folder.
+class SqliteOtherUser : public SqliteSharing {
+protected:
+  void SetUp() override
+  {
+    if (::geteuid() != 0)
+      GTEST_SKIP() << "only root can try what another user may do";
+    SqliteSharing::SetUp();
+    store(*makeSqliteStore(file()), logChanges({exampleLog(1, 9)}));
+    fs::permissions(folder(), fs::perms::owner_all | fs::perms::others_read | fs::perms::others_exec);
+    fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
+  }
+
+  /// What @p work answers as that user.
+  std::string asOtherUser(const std::function<std::string()>& work) const
+  {
+    int answer[2];
+    EXPECT_EQ(::pipe(answer), 0);
+    Child other([&] {
+      if (::setgid(65534) != 0 || ::setuid(65534) != 0)
+        throw std::runtime_error("no other user");
+      const std::string text = work();
+      if (::write(answer[1], text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        throw std::runtime_error("no answer");
+    });
+    EXPECT_EQ(other.waitForExit(), 0);
+    ::close(answer[1]);
+    std::string text(1000, ' ');
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, ::read(answer[0], text.data(), text.size()))));
+    ::close(answer[0]);
+    return text;
+  }
+
+  std::string numbersSeen() const
+  {
+    return asOtherUser([this] {
+      const auto project = makeSqliteStore(file());
+      std::string out;
+      for (const std::int64_t number : numbersOf(*project))
+        out += std::to_string(number) + " ";
+      return out;
+    });
+  }
+};
+
+TEST_F(SqliteOtherUser, ReadsAProjectAtRestAndLeavesNothingBehind)
+{
+  EXPECT_EQ(numbersSeen(), "1 ");
+  EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"main.reels"});
+}
+
+TEST_F(SqliteOtherUser, ReadsABusyProjectAsItWasCommittedLast)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(2, 9)}));
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(numbersSeen(), "1 2 ");
+  project->commit(logChanges({exampleLog(3, 9)}));
+  EXPECT_EQ(numbersSeen(), "1 2 3 ");
+}
+
+TEST_F(SqliteOtherUser, ReadsWhatAKilledWriterLeft)
+{
+  storeAndDie(file(), logChanges({exampleLog(2, 9)}));
+  EXPECT_EQ(numbersSeen(), "1 2 ");
+}
+
+TEST_F(SqliteOtherUser, CannotWrite)
+{
+  const auto error = [this] {
+    return asOtherUser([this] {
+      const auto project = makeSqliteStore(file());
+      return errorOf([&] { project->begin(Access::Write, noPatience); });
+    });
+  };
+  EXPECT_EQ(error(), "ReadOnly: " + file().native() + ": read-only (Permission denied)");
+  fs::permissions(file(), fs::perms::others_write, fs::perm_options::add);
+  EXPECT_EQ(error(), "ReadOnly: " + file().native() + ": read-only (Permission denied)"); // for the folder
+  fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(error(), "Io: " + file().native() + ": cannot be opened (Permission denied)");
 }
 
 TEST_F(SqliteSharing, LastToLeaveLeavesOneFile)

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_TESTS_REELDB_REEL_LIST_FIXTURE_H
+#define REELDB_TESTS_REELDB_REEL_LIST_FIXTURE_H
+
+#include <string>
+#include <vector>
+
+#include "support/library_fixture.h"
+
+namespace reeldb_tests {
+
+/// For operations that walk the reel list.
+class ReelListTest : public LibraryTest {
+protected:
+  /// Rebuilds the reel list as one of as many invalid Cookies. The memory of the list before is put to other use, so
+  /// that whoever still reads there does not find the reels.
+  void replaceReelList()
+  {
+    const int count = manager().reelList.count();
+    script().maskSearchResult = invalidCookies(count);
+    manager().buildReelList();
+    for (int i = 0; i < 4; ++i)
+      otherUse_.push_back(invalidCookies(count));
+  }
+
+  static std::string numbered(std::string text, int n)
+  {
+    text += std::to_string(n);
+    return text;
+  }
+
+private:
+  static CookieVec invalidCookies(int count)
+  {
+    CookieVec cookies;
+    for (int i = 0; i < count; ++i)
+      cookies.add(Cookie());
+    return cookies;
+  }
+
+  std::vector<CookieVec> otherUse_;
+};
+
+} // namespace reeldb_tests
+
+#endif
