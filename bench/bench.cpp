@@ -6,6 +6,7 @@
 #include <strings.h>
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstring>
 #include <fstream>
 #include <memory>
@@ -311,24 +312,36 @@ void listProcess(Table& table)
 
 } // namespace reeldb_bench
 
-int main()
+/// reeldb_bench [SCENARIO...]: all scenarios, or those named.
+int main(int argc, char** argv)
 {
   using namespace reeldb_bench;
+  constexpr std::pair<const char*, void (*)(Table&)> scenarios[] = {
+      {"scan-instructions", scanInstructions},
+      {"scan-time", scanTime},
+      {"listings", listings},
+      {"imports", imports},
+      {"opening", opening},
+      {"type-file", typeFile},
+      {"notification", notification},
+      {"list-process", listProcess},
+  };
 #ifndef NDEBUG
   fmt::print(stderr, "bench: this is no release build: the figures say little\n");
 #endif
+  const std::vector<std::string_view> wanted(argv + 1, argv + argc);
+  for (const std::string_view name : wanted)
+    if (std::none_of(std::begin(scenarios), std::end(scenarios), [&](const auto& s) { return s.first == name; })) {
+      fmt::print(stderr, "bench: {}: no such scenario\n", name);
+      return 2;
+    }
   reelhost::startUp();
   ReelDbManager::theReelDbManager();
   try {
     Table table;
-    scanInstructions(table);
-    scanTime(table);
-    listings(table);
-    imports(table);
-    opening(table);
-    typeFile(table);
-    notification(table);
-    listProcess(table);
+    for (const auto& [name, run] : scenarios)
+      if (wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end())
+        run(table);
     reelhost::closeProject();
     return table.finish() == 0 ? 0 : 1;
   } catch (const std::exception& e) {

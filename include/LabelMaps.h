@@ -14,8 +14,8 @@ REELDB_EXPORT bool map_file_uses_vitc(const LightweightString<wchar_t>& mapName)
 /// Whether no entry in use conflicts with the project's frame rate; true when the map cannot be loaded.
 REELDB_EXPORT bool map_file_is_compatible_with_project(const LightweightString<wchar_t>& mapName);
 
-/// Whether the device's port and inputs can deliver every label in use. Prints one line that says why not; false, with
-/// a line, when the map cannot be loaded.
+/// Whether the device's port and inputs can deliver the labels in use; labels over 1394 are held against 9-pin devices
+/// only. Prints one line that says why not; false, with a line, when the map cannot be loaded.
 REELDB_EXPORT bool map_file_is_compatible_with_device(const LightweightString<wchar_t>& mapName, const IdStamp& device);
 
 /// The device's configured map if it is compatible, else the default for its port and the project's output frame rate.

@@ -83,8 +83,8 @@ public:
 
   /// Makes a reel. @p deviceId is a device whose audio inputs the reel gets as channels, or negative for none; a device
   /// of port type 2 gives the reel its own name as identifier. Empty result: the reel exists, the identifier is blank
-  /// or denotes generated material, or the call came from another thread; then the reel is made later, on the main
-  /// thread.
+  /// or denotes generated material, no project is open, or the call came from another thread; then the reel is made
+  /// later, on the main thread.
   ReelDbRec createNewReel(const LightweightString<char>& reelId, int deviceId);
   LightweightString<char> trimLeadingTrailingSpaces(LightweightString<char> s); ///< without blanks (0x20) at both ends
 

@@ -116,8 +116,7 @@ void addDelete(CommandLine& line)
   takeTexts(app, "ID", options->ids, "The reels")->required()->type_name("");
   takeTexts(app, "--keep", options->keep, "A reel to keep; may be given several times")
       ->type_name("ID")
-      ->expected(1)
-      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+      ->allow_extra_args(false); // one reel each time: those that follow are to be deleted
   takeFlag(app, "--yes,-y", options->yes, "Do not ask");
   takeFlag(app, "--dry-run", options->dryRun, "Show what would go and delete nothing");
   takeJson(app, options->json);

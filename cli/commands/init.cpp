@@ -27,7 +27,7 @@ ExitCode run(const Options& options, const Globals& globals)
     makeProject(facility, project, usualFrameRate);
   const std::string shown = displayText(folder);
   print(fmt::format("facility made in {}{}\n", shown,
-                    project.empty() ? "" : fmt::format(", with the project {} ({} frames)", project, usualFrameRate)));
+                    project.empty() ? "" : fmt::format(", with the project {} ({} fps)", project, usualFrameRate)));
   print(fmt::format("next: {}reeldb import FILE... brings in cut lists and log files; {}/facility.toml describes the "
                     "devices,\n      {}/devicedata/reeltype.dat the reel types\n",
                     folder == "." ? "" : fmt::format("cd {} and ", shown), shown, shown));

@@ -24,7 +24,7 @@ ExitCode makeNew(const NewOptions& options)
 {
   const reelhost::Facility& facility = requireFacility();
   makeProject(facility, options.name, options.rate);
-  print(fmt::format("project {} made ({} frames)\n", displayText(options.name),
+  print(fmt::format("project {} made ({} fps)\n", displayText(options.name),
                     frameRateName(facility, *facility.frameRateCode(options.rate))));
   if (options.name != facility.defaultProject())
     print(fmt::format("next: reeldb -p {} import FILE...\n", displayText(options.name)));

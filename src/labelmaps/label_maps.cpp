@@ -55,6 +55,15 @@ bool conflictsWithRate(std::uint32_t format, int rate)
   }
 }
 
+/// What a rejection names: the map, then the device.
+struct Names {
+  Names(const LightweightString<wchar_t>& mapName, const ExtDeviceConfig& config)
+      : map(toUTF8(mapName)), device(toUTF8(config.getTextName()))
+  {
+  }
+  const LightweightString<char> map, device;
+};
+
 enum class Family { Pal, Ntsc, Frame24 };
 
 Family familyOf(int rate)
@@ -73,7 +82,7 @@ Family familyOf(int rate)
   }
 }
 
-/// The names are used whole; "ntsc1394" has one letter more than its neighbours, as the installed files do.
+/// The names are used whole; "ntsc1394" has one letter more than its neighbours on purpose.
 const wchar_t* defaultMap(int port, Family family)
 {
   static constexpr const wchar_t* names[3][3] = {
@@ -110,23 +119,26 @@ bool map_file_is_compatible_with_device(const LightweightString<wchar_t>& mapNam
   }
   const ExtDeviceConfig config = theConfigurationManager().getConfig(device);
   if (config.getPortType() == port1394 && anyInUse(map, [](const Entry& e) { return !reads1394(e); })) {
-    vorn_printf("Label map <%s> not compatible with 1394 device <%s>\n", toUTF8(mapName).c_str(),
-                toUTF8(config.getTextName()).c_str());
+    const Names names(mapName, config);
+    vorn_printf("Label map <%s> not compatible with 1394 device <%s>\n", names.map.c_str(), names.device.c_str());
     return false;
   }
   if (config.getPortType() == port9Pin && anyInUse(map, reads1394)) {
-    vorn_printf("Label map <%s> requires 1394 labels - device <%s> is not controllable via 1394\n",
-                toUTF8(mapName).c_str(), toUTF8(config.getTextName()).c_str());
+    const Names names(mapName, config);
+    vorn_printf("Label map <%s> requires 1394 labels - device <%s> is not controllable via 1394\n", names.map.c_str(),
+                names.device.c_str());
     return false;
   }
   if (anyInUse(map, readsVitc) && config.getInputType() == noVideoInput) {
-    vorn_printf("Label map <%s> requires VITC - device <%s> has no video input\n", toUTF8(mapName).c_str(),
-                toUTF8(config.getTextName()).c_str());
+    const Names names(mapName, config);
+    vorn_printf("Label map <%s> requires VITC - device <%s> has no video input\n", names.map.c_str(),
+                names.device.c_str());
     return false;
   }
   if (config.getPortType() != port9Pin && anyInUse(map, reads9Pin)) {
-    vorn_printf("Label map <%s> requires 9-PIN labels - device <%s> is not controllable via 9-PIN\n",
-                toUTF8(mapName).c_str(), toUTF8(config.getTextName()).c_str());
+    const Names names(mapName, config);
+    vorn_printf("Label map <%s> requires 9-PIN labels - device <%s> is not controllable via 9-PIN\n", names.map.c_str(),
+                names.device.c_str());
     return false;
   }
   return true;

@@ -99,8 +99,10 @@ ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, in
 
 LightweightString<char> ReelDbManager::trimLeadingTrailingSpaces(LightweightString<char> s)
 {
-  if (!s.empty())
-    s = LightweightString<char>(s.c_str() + std::strspn(s.c_str(), " "));
+  if (!s.empty()) {
+    const std::size_t leading = std::strspn(s.c_str(), " ");
+    s = LightweightString<char>(s.c_str() + leading, s.length() - leading);
+  }
   trimTrailingSpaces(s);
   return s;
 }

@@ -9,7 +9,8 @@ namespace reeldb {
 /// The name of a reel's log: the host's word for a reel, a blank, the identifier.
 inline LightweightString<wchar_t> reelLogName(const LightweightString<char>& reelId)
 {
-  return paddedResourceStrW(ResId(10043), nullptr, L" ", ResStrFmt(0)) + Zr::WStringFromAscii(reelId.c_str());
+  const LightweightString<wchar_t> word = paddedResourceStrW(ResId(10043), nullptr, L" ", ResStrFmt(0));
+  return word + Zr::WStringFromAscii(reelId.c_str());
 }
 
 } // namespace reeldb

@@ -48,7 +48,8 @@ Cookie ReelDbManager::getCookieFromReelId(LightweightString<char> id)
 
 ReelDbRec ReelDbManager::getReelInfo(LightweightString<char> id)
 {
-  return getCookieFromReelId(id);
+  const Cookie reel = getCookieFromReelId(id);
+  return reel.valid() ? ReelDbRec(reel) : ReelDbRec();
 }
 
 bool ReelDbManager::doesReelExist(LightweightString<char> id)

@@ -128,6 +128,7 @@ bool reloadIfChangedElsewhere()
     return false;
   openedProject->letGo();
   replaceProject(std::make_unique<Project>(openedProject->store(), openedProject->access(), Access::Read));
+  openedProject->idle(); // who waited goes on waiting
   return true;
 }
 

@@ -127,26 +127,29 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
   const ProjectFile file = inspectProjectFile(path_);
   if (access == Access::Write && !file.writable)
     throw Error(ErrorKind::ReadOnly, subject() + ": read-only (" + file.whyNot + ")");
-  const Database::Mode mode = modeFor(file);
-  const bool asItLies = mode == Database::Mode::Immutable || mode == Database::Mode::Alone;
-  if (database_ && (mode != mode_ || asItLies || file.path != file_.path || database_->moved()))
-    close();
-  try {
-    use(file, mode, access, patience, look);
-  } catch (const Failure& failure) {
-    const Error error = errorFor("cannot be opened", failure);
-    end();
-    if (failure.cause() == Cause::Busy)
-      throw error;
-    close();
-    const bool noIndex = failure.cause() == Cause::CannotOpen || failure.cause() == Cause::ReadOnly;
-    if (mode != Database::Mode::ReadOnly || !noIndex || file.logSize > 0)
-      throw error;
-    guarded("cannot be opened", [&] { use(file, Database::Mode::Immutable, access, patience, look); });
-  } catch (...) {
-    end();
-    close();
-    throw;
+  Database::Mode mode = modeFor(file);
+  for (;;) {
+    try {
+      const bool asItLies = mode == Database::Mode::Immutable || mode == Database::Mode::Alone;
+      if (database_ && (mode != mode_ || asItLies || file.path != file_.path || database_->moved()))
+        close();
+      use(file, mode, access, patience, look);
+      return;
+    } catch (const Failure& failure) {
+      const Error error = errorFor("cannot be opened", failure);
+      end();
+      if (failure.cause() == Cause::Busy)
+        throw error;
+      close();
+      const bool noIndex = failure.cause() == Cause::CannotOpen || failure.cause() == Cause::ReadOnly;
+      if (mode != Database::Mode::ReadOnly || !noIndex || file.logSize > 0)
+        throw error;
+      mode = Database::Mode::Immutable; // the index is a remnant, or was made for others only; the file is whole
+    } catch (...) {
+      end();
+      close();
+      throw;
+    }
   }
 }
 

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstdio>
 #include <cstring>
 
 #include "host/text.h"
 
 namespace {
 
-/// The next character; EOF at the end and, for good, after an error.
+/// The next character; EOF at the end and, for good, after an error. A stream is read by one thread at a time.
 int read(FILE* file)
 {
-  return std::ferror(file) ? EOF : std::getc(file);
+  return ferror_unlocked(file) ? EOF : getc_unlocked(file);
 }
 
 /// The same, but leaves the character unread.
@@ -16,6 +17,44 @@ int peek(FILE* file)
 {
   const int c = read(file);
   return c == EOF ? EOF : std::ungetc(c, file);
+}
+
+/// Puts characters at the end of a buffer, many at a time.
+class Appender {
+public:
+  explicit Appender(GrowString& out) : out_(out) { out_ = ""; }
+  void put(char c)
+  {
+    if (c == '\0') { // ends a text, so it goes by itself
+      flush();
+      out_.append(c);
+      return;
+    }
+    chunk_[used_++] = c;
+    if (used_ == sizeof chunk_ - 1)
+      flush();
+  }
+  void flush()
+  {
+    chunk_[used_] = '\0';
+    if (used_ > 0)
+      out_.append(chunk_);
+    used_ = 0;
+  }
+
+private:
+  GrowString& out_;
+  char chunk_[256];
+  std::size_t used_ = 0;
+};
+
+/// Whether the character is one of these. There are hardly ever more than two.
+bool isOneOf(const char* separators, int c)
+{
+  for (; *separators; ++separators)
+    if (static_cast<unsigned char>(*separators) == c)
+      return true;
+  return false;
 }
 
 } // namespace
@@ -49,14 +88,16 @@ ByteStream& operator>>(ByteStream& in, GrowString& out)
   // A text in memory ends in a NUL that may be looked at.
   const auto lineFeedFollows = [&in] { return (in.file_ ? peek(in.file_) : *in.pos_) == '\n'; };
 
-  out = "";
+  const char* const separators = in.separators;
+  Appender piece(out);
   for (int c = next(); c != EOF; c = next()) {
-    if (c != '\0' && std::strchr(in.separators, c)) {
+    if (isOneOf(separators, c)) {
       if (c == '\r' && in.joinCrLf && lineFeedFollows())
         next();
       break;
     }
-    out.append(static_cast<char>(c));
+    piece.put(static_cast<char>(c));
   }
+  piece.flush();
   return in;
 }

@@ -72,7 +72,7 @@ TEST_F(Fields, DefaultNamesCountFrom1)
 {
   EXPECT_EQ(json({"fields", "--json"}).size(), 6u);
   EXPECT_EQ(field(0), Json::parse(R"({"key": 0, "name": "User field 1", "stored": "", "default": "User field 1"})"));
-  EXPECT_EQ(output({"fields"}).substr(0, 54), "KEY  NAME  DEFAULT\n  0  -     User field 1\n  1  -     U");
+  EXPECT_EQ(output({"fields"}).substr(0, 55), "KEY  NAME  DEFAULT\n  0  -     User field 1\n  1  -     U");
 }
 
 TEST_F(Fields, StoredNameIsShownAndKept)

@@ -75,9 +75,8 @@ std::string event(int number, const std::string& reel, const std::string& tracks
 {
   std::ostringstream line;
   line << std::setw(3) << std::setfill('0') << number << "  " << reel << "  " << tracks << "  C  " << in << ' ' << out
-       << " 01:00:00:00 01:00:01:00
-          ";
-          return line.str();
+       << " 01:00:00:00 01:00:01:00\n";
+  return line.str();
 }
 
 } // namespace reeldb_tests

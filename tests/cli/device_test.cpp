@@ -138,10 +138,11 @@ TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefused)
 
 TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
 {
-  dir_.write("labelmaps/bad.toml", "\n[[entry]]\nin_use = true\nsource = \"smoke signals\"\nformat = \"25 fps\"\n");
+  dir_.write("labelmaps/bad.toml",
+             "\n[[entry]]\nlabel = \"timecode\"\nin_use = true\nsource = \"smoke signals\"\nformat = \"25 fps\"\n");
   const ProcessResult result = reeldb({"labelmap", "check", "bad"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_NE(result.err.find("bad.toml:4"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("bad.toml:5"), std::string::npos) << result.err;
   const ProcessResult list = reeldb({"labelmap", "list", "--json"});
   EXPECT_EQ(list.code, 3);
   EXPECT_EQ(Json::parse(list.out).size(), 10u);

@@ -178,7 +178,8 @@ TEST_F(Help, EveryExampleRuns)
       EXPECT_EQ(example.compare(0, joined(path).size(), joined(path)), 0) << example;
       const ProcessResult result = runProcess({"sh", "-c", example}, inPath_);
       EXPECT_EQ(result.code, 0) << example << "\n" << result.err;
-      EXPECT_NE(result.out, "") << example;
+      // While nothing changes, watch has nothing to tell.
+      EXPECT_TRUE(!result.out.empty() || path == Words{"watch"}) << example;
       ++run;
     }
   }

@@ -80,7 +80,8 @@ TEST_F(ImportSamples, AllAtOnceLoseNothing)
   ASSERT_TRUE(result.code == 0 || result.code == 4) << result.err;
   int shots = 0;
   std::size_t reels = 0;
-  for (const Json& file : Json::parse(result.out).at("files")) {
+  const Json report = Json::parse(result.out);
+  for (const Json& file : report.at("files")) {
     shots += file.at("shots_added").get<int>();
     reels += file.at("created").size();
   }

@@ -13,7 +13,7 @@ class Init : public CommandTest {};
 TEST_F(Init, MakesAFacilityWithAProjectReadyForUse)
 {
   const std::string text = output({"init", "site"});
-  EXPECT_EQ(text.compare(0, 54, "facility made in site, with the project main (25 frame"), 0) << text;
+  EXPECT_EQ(text.compare(0, 53, "facility made in site, with the project main (25 fps)"), 0) << text;
   EXPECT_NE(text.find("reeldb import FILE"), std::string::npos) << text;
   for (const char* file :
        {"site/facility.toml", "site/devicedata/reeltype.dat", "site/labelmaps", "site/projects/main.reels"})

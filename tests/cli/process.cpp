@@ -135,12 +135,15 @@ int inputFile(const std::string& text)
 ProcessResult runProcess(const std::vector<std::string>& words, const ProcessSetting& setting)
 {
   const auto end = std::chrono::steady_clock::now() + patience;
-  const int in = inputFile(setting.input);
   const Pipe out = setting.terminal ? makeTerminal() : makePipe();
+  const bool typed = setting.terminal && !setting.input.empty();
+  const int in = typed ? fcntl(out.writing, F_DUPFD_CLOEXEC, 3) : inputFile(setting.input);
   const Pipe err = setting.terminal ? Pipe{} : makePipe();
   const int file = setting.outputFile.empty() ? -1 : open(setting.outputFile.c_str(), O_WRONLY | O_CLOEXEC);
   const pid_t id =
       start(words, setting, in, file >= 0 ? file : out.writing, setting.terminal ? out.writing : err.writing);
+  if (typed && write(out.reading, setting.input.data(), setting.input.size()) < 0)
+    throw std::runtime_error("terminal: cannot be typed at");
   for (const int number : {in, out.writing, err.writing, file})
     if (number >= 0)
       close(number);

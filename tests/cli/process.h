@@ -17,8 +17,9 @@ namespace reeldb_tests {
 struct ProcessSetting {
   std::filesystem::path folder = ".";
   std::map<std::string, std::string> environment;
-  std::string input;      ///< standard input; otherwise it is empty
-  bool terminal = false;  ///< standard output and error are one terminal of 80 columns
+  std::string input; ///< standard input; otherwise it is empty
+  bool terminal =
+      false; ///< standard output and error are one terminal of 80 columns, at which the input, if any, is typed
   std::string outputFile; ///< standard output goes there instead
 };
 

@@ -21,7 +21,7 @@ protected:
 
 TEST_F(ProjectCommand, NewProjectIsEmptyAndHasTheUsualRate)
 {
-  EXPECT_EQ(output({"project", "new", "film"}), "project film made (25 frames)\nnext: reeldb -p film import FILE...\n");
+  EXPECT_EQ(output({"project", "new", "film"}), "project film made (25 fps)\nnext: reeldb -p film import FILE...\n");
   EXPECT_EQ(project("film"), Json::parse(R"({"name": "film", "default": false, "rate": "25", "rate_code": 3})"));
   EXPECT_EQ(json({"list", "--json", "-p", "film"}), Json::array());
 }

@@ -30,8 +30,8 @@ TEST_F(Rename, TakesItsShotsAlongWhateverTheirCase)
 {
   const ProcessResult result = reeldb({"rename", "a001", "C001"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.err, "Shot: ONE  Changing reel from A001 to C001\n"
-                        "Shot: TWO  Changing reel from A001 to C001\n");
+  EXPECT_EQ(result.err, "Shot: E0000001  Changing reel from A001 to C001\n"
+                        "Shot: E0000005  Changing reel from A001 to C001\n");
   EXPECT_EQ(result.out, "CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
                         "ONE   V       01:00:00:00  01:00:01:00  01:00:00:00  01:00:01:00\n"
                         "TWO   V       02:00:00:00  02:00:01:00  01:00:00:00  01:00:01:00\n"

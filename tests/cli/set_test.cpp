@@ -113,7 +113,7 @@ TEST_F(Set, OneBadValueStoresNothing)
 TEST_F(Set, UserFieldsGoByNumberByPrefixAndByName)
 {
   output({"fields", "2=Scene"});
-  output({"set", "A001", "0=zero", "user-field.1=one", "scene=two", "User field 4=three", "USER_FIELD.4=four"});
+  output({"set", "A001", "0=zero", "user-field.1=one", "scene=two", "User field 4=three", "User-Field.4=four"});
   EXPECT_EQ(reel("A001").at("user_fields"),
             Json::parse(R"({"0": "zero", "1": "one", "2": "two", "3": "three", "4": "four"})"));
 }

@@ -47,7 +47,8 @@ TEST_F(Show, HasAllThatTheListHas)
 {
   output({"set", "A001", "2=x", "bin=y"});
   Json shown = json({"show", "--json", "A001"});
-  for (const auto& [key, value] : reel("A001").items())
+  const Json listed = reel("A001");
+  for (const auto& [key, value] : listed.items())
     EXPECT_EQ(shown.at(key), value) << key;
 }
 

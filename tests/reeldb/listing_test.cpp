@@ -244,6 +244,7 @@ TEST_F(Listing, ReelsAreThoseListedWhenItBeganAlsoWhenTheListIsRebuiltUnderneath
     script().maskSearchResult.reset();
     script().before = nullptr;
     manager().buildReelList();
+    holdReelListOnlyInTheManager();
     script().before = [&](const std::string& called, const std::string&) {
       if (called == operation)
         replaceReelList();

@@ -191,6 +191,7 @@ TEST_F(Lookup, LooksAtTheLogsItBeganWithAlsoWhenTheListIsRebuiltUnderneath)
   addReel("A");
   addReel("B");
   const Cookie last = addReel("C");
+  holdReelListOnlyInTheManager();
   script().before = [&](const std::string& operation, const std::string&) {
     if (operation == "EditInfo::getAttrib")
       replaceReelList();

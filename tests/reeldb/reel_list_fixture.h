@@ -12,6 +12,17 @@ namespace reeldb_tests {
 /// For operations that walk the reel list.
 class ReelListTest : public LibraryTest {
 protected:
+  /// Sees to it that nobody but the manager holds the reel list: once it is replaced, its memory is gone.
+  void holdReelListOnlyInTheManager()
+  {
+    CookieVec copy;
+    for (const Cookie& reel : manager().reelList)
+      copy.add(reel);
+    script().maskSearchResult = copy;
+    manager().buildReelList();
+    script().maskSearchResult.reset();
+  }
+
   /// Rebuilds the reel list as one of as many invalid Cookies. The memory of the list before is put to other use, so
   /// that whoever still reads there does not find the reels.
   void replaceReelList()

@@ -97,9 +97,9 @@ TEST_F(EditTest, EveryChangeIsToBeStored)
       {"name", [](Edit& edit) { edit.setName(L"n", false); }},
       {"reel type", [](Edit& edit) { edit.reelType("Tape"); }},
       {"channel", [](Edit& edit) { edit.addChan(video, nullptr, false, EditChanSubType(0), false, -1.0); }},
-      {"entire medium", [](Edit& edit) { edit.set_entire_medium(1); }},
       {"field", [](Edit& edit) { edit.config().set("k", "v", nullptr); }},
-      {"type", [](Edit& edit) { edit.redetermineLogType(); }},
+      {"type", [](Edit& edit) { edit.redetermineLogType(); }}, // by what was set it is no reel
+      {"entire medium", [](Edit& edit) { edit.set_entire_medium(1); }},
       {"said so", [](Edit& edit) { edit.setDirty(true); }},
   };
   const Cookie log = addLog(9, "R1");
