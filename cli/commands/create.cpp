@@ -54,12 +54,11 @@ ExitCode run(const Options& options, const Globals& globals)
   // The library compares the identifier as it was given, but stores it without outer blanks, or stores the device's
   // name: what it stored may be there already, and the second of two such reels is never found again.
   const std::string stored = text(made.reelId());
-  if (manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
+  if (stored != options.id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
     throw Failure(refused, fmt::format("{}: exists already", quoted(stored)));
-  const Reel reel = readReel(made, {});
   session.commit();
   if (options.json)
-    printJson(toJson(reel));
+    printJson(toJson(readReel(made, reelhost::shotCounts())));
   else
     print(fmt::format("{}\n", displayText(stored)));
   return done;

@@ -64,7 +64,6 @@ struct Edit::Impl final : reelhost::model::ConfigOwner {
   LightweightString<char> shownReelType; ///< the row's "Reel Type"
 
   // What the project keeps about the log.
-  bool isNew = false;                        ///< not in the store yet
   bool isDirty = false;                      ///< differs from what is stored
   bool isGone = false;                       ///< deleted; only handles that were open then still know it
   const std::string* indexedUnder = nullptr; ///< its place in the attribute index

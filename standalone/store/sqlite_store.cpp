@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_store.h"
 
+#include <algorithm>
+#include <chrono>
 #include <limits>
 #include <map>
 #include <stdexcept>
+#include <thread>
 
 #include "store/ascii.h"
 #include "store/files.h"
@@ -110,14 +113,27 @@ std::string SqliteStore::subject() const
 // --- Beginning and ending a use
 // ----------------------------------------------------------------------------------------
 
+// SQLite waits for a writer by itself, but answers at once where waiting could be for ever: when another process is
+// just recovering the log or closing the file behind itself. That is over in a moment, so it is tried again.
 void SqliteStore::begin(Access access, std::chrono::milliseconds patience)
 {
-  beginUse(access, patience, Look::WholeFile);
-  try {
-    seen_ = guarded("cannot be read", [this] { return seenNow(); });
-  } catch (...) {
-    end();
-    throw;
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point deadline = Clock::now() + patience;
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    try {
+      beginUse(access, std::max(left, std::chrono::milliseconds(0)), Look::WholeFile);
+      seen_ = guarded("cannot be read", [this] { return seenNow(); });
+      return;
+    } catch (const Error& error) {
+      end();
+      if (error.kind() != ErrorKind::Busy || Clock::now() >= deadline)
+        throw;
+    } catch (...) {
+      end();
+      throw;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
   }
 }
 
