@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <fmt/format.h>
+#include <optional>
 
 #include "commands/commands.h"
 #include "module/ask.h"
@@ -76,17 +78,43 @@ void show(const Deletion& deletion)
     print(fmt::format("{}: kept, with its shots\n", displayText(id)));
 }
 
-ExitCode run(const Options& options, const Globals& globals)
+std::string sizeOf(const Deletion& deletion)
 {
-  Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
-  const Deletion deletion = plan(session, options);
+  return counted(deletion.reels.size(), "reel") + " and " + counted(deletion.shots, "shot");
+}
+
+bool sameLogs(const CookieVec& a, const CookieVec& b)
+{
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const Cookie& x, const Cookie& y) { return x.compare(y) == 0; });
+}
+
+/// Shows what would go and asks. The project is only read meanwhile: nobody is kept waiting for the answer.
+Deletion confirmed(const Options& options, const Globals& globals)
+{
+  Session session(globals, reelhost::Access::Read);
+  Deletion deletion = plan(session, options);
   if (!options.json)
     show(deletion);
-  const std::string what = counted(deletion.reels.size(), "reel") + " and " + counted(deletion.shots, "shot");
+  if (!deletion.reels.empty() && !ask(fmt::format("delete {}?", sizeOf(deletion))))
+    throw Failure(refused, "delete: not confirmed, nothing deleted");
+  return deletion;
+}
+
+ExitCode run(const Options& options, const Globals& globals)
+{
+  std::optional<Deletion> agreed;
+  if (!options.yes && !options.dryRun)
+    agreed = confirmed(options, globals);
+  Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
+  const Deletion deletion = plan(session, options);
+  if (agreed && !sameLogs(agreed->logs, deletion.logs))
+    throw Failure(refused, "delete: nothing deleted (the project was changed while the answer was awaited)");
+  if (!agreed && !options.json)
+    show(deletion);
+  const std::string what = sizeOf(deletion);
   const bool any = !deletion.reels.empty();
   if (any && !options.dryRun) {
-    if (!options.yes && !ask(fmt::format("delete {}?", what)))
-      throw Failure(refused, "delete: not confirmed, nothing deleted");
     reelhost::deleteLogs(deletion.logs);
     session.manager().informReelDbChanged("");
     session.commit();

@@ -141,7 +141,11 @@ ExitCode run(const Options& options, const Globals& globals)
   if (needs.all().empty())
     throw Failure(refused, "reels-of: no such shots");
   report(options, needs.all());
-  return list && !list->rejected.empty() ? incomplete : done;
+  if (!list || list->rejected.empty())
+    return done;
+  for (const lists::Rejected& line : list->rejected)
+    complain(fmt::format("{}: line {} rejected: {} ({})", *options.file, line.line, line.reason, line.text));
+  return incomplete;
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include "module/counted.h"
 #include "module/display_text.h"
 #include "module/failure.h"
+#include "module/host_text.h"
 #include "module/reel.h"
 #include "module/session.h"
 
@@ -28,6 +29,26 @@ std::set<std::string> logsOf(const ReelDbManager& manager)
   return logs;
 }
 
+/// Throws Failure when a reel that comes back bears an identifier that another has by now: one of them could not be
+/// found any more.
+void requireFreeIdentifiers(ReelDbManager& manager, const std::set<std::string>& before)
+{
+  std::set<std::string> taken;
+  std::vector<std::string> back;
+  for (const Cookie& log : manager.reelList) {
+    std::string id = text(ReelDbRec(log).reelId());
+    if (before.count(log.asString(false).c_str()))
+      taken.insert(folded(id));
+    else
+      back.push_back(std::move(id));
+  }
+  for (const std::string& id : back)
+    if (taken.count(folded(id)))
+      throw Failure(
+          refused,
+          fmt::format("undelete: {}: another reel is called that by now, nothing brought back (rename it first)", id));
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
   Session session(globals, reelhost::Access::Write);
@@ -36,6 +57,7 @@ ExitCode run(const Options& options, const Globals& globals)
   if (count == 0)
     throw Failure(refused, "undelete: there is no deletion to bring back");
   session.manager().informReelDbChanged("");
+  requireFreeIdentifiers(session.manager(), before);
   std::vector<std::string> reels;
   for (const Cookie& log : session.manager().reelList)
     if (!before.count(log.asString(false).c_str()))

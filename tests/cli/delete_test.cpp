@@ -142,4 +142,19 @@ TEST_F(Delete, CompactRemovesForGood)
   EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));
 }
 
+TEST_F(Delete, UndeleteIsRefusedWhileAnotherReelBearsTheName)
+{
+  ASSERT_EQ(reeldb({"delete", "A001", "--yes"}).code, 0);
+  output({"create", "a001"});
+  const std::string before = everything();
+  const ProcessResult result = reeldb({"undelete"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: undelete: A001: another reel is called that by now, nothing brought back (rename it "
+                        "first)\n");
+  EXPECT_EQ(everything(), before);
+  ASSERT_EQ(reeldb({"rename", "a001", "X001"}).code, 0);
+  EXPECT_EQ(reeldb({"undelete"}).code, 0);
+  EXPECT_EQ(reelIds(), (Words{"A001", "B001", "C001", "X001"}));
+}
+
 } // namespace

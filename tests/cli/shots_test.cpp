@@ -119,7 +119,10 @@ TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)
 {
   dir_.write("bad.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                             "002  C001  V  C  01:00:99:00 01:00:01:00 01:00:00:00 01:00:01:00\n");
-  EXPECT_EQ(reeldb({"reels-of", "--file", "bad.edl"}).code, 4);
+  const ProcessResult result = reeldb({"reels-of", "--file", "bad.edl"});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_NE(result.err.find("reeldb: bad.edl: line 2 rejected: "), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("01:00:99:00"), std::string::npos) << result.err;
 }
 
 } // namespace
