@@ -2,11 +2,9 @@
 #include "store/sqlite_store.h"
 
 #include <algorithm>
-#include <chrono>
 #include <limits>
 #include <map>
 #include <stdexcept>
-#include <thread>
 
 #include "store/ascii.h"
 #include "store/files.h"
@@ -113,27 +111,14 @@ std::string SqliteStore::subject() const
 // --- Beginning and ending a use
 // ----------------------------------------------------------------------------------------
 
-// SQLite waits for a writer by itself, but answers at once where waiting could be for ever: when another process is
-// just recovering the log or closing the file behind itself. That is over in a moment, so it is tried again.
 void SqliteStore::begin(Access access, std::chrono::milliseconds patience)
 {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point deadline = Clock::now() + patience;
-  for (;;) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
-    try {
-      beginUse(access, std::max(left, std::chrono::milliseconds(0)), Look::WholeFile);
-      seen_ = guarded("cannot be read", [this] { return seenNow(); });
-      return;
-    } catch (const Error& error) {
-      end();
-      if (error.kind() != ErrorKind::Busy || Clock::now() >= deadline)
-        throw;
-    } catch (...) {
-      end();
-      throw;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+  beginUse(access, patience, Look::WholeFile);
+  try {
+    seen_ = guarded("cannot be read", [this] { return seenNow(); });
+  } catch (...) {
+    end();
+    throw;
   }
 }
 
@@ -172,22 +157,13 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
 void SqliteStore::use(const ProjectFile& file, Database::Mode mode, Access access, std::chrono::milliseconds patience,
                       Look look)
 {
-  if (!database_) {
+  const bool isNew = !database_;
+  if (isNew)
     database_.emplace(file.path, mode);
-    mode_ = mode;
-    file_ = file;
-    lookedAt_ = false;
-    // Until the file is known to be a project in order, nothing may move from its log into it.
-    database_->keepLogOnClose(file.logSize > 0);
-    const FileStart start = readFileStart(database_->readStart(100));
-    if (!start.isSqlite)
-      refuse(ErrorKind::Unreadable, "no project (not an SQLite file)");
-    if (start.applicationId != projectApplicationId)
-      refuse(ErrorKind::Unreadable, "no project (an SQLite file of another application)");
-    refuseUnknown(start.version);
-    database_->execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON");
-  }
+  // Before anything that may have to wait: another process may be closing the file behind itself.
   database_->setPatience(patience);
+  if (isNew)
+    greet(file, mode);
   startUse(access);
   if (!lookedAt_ && look == Look::WholeFile)
     lookOver();
@@ -196,6 +172,23 @@ void SqliteStore::use(const ProjectFile& file, Database::Mode mode, Access acces
     upgrade();
     startUse(access);
   }
+}
+
+/// The first look at a file that was just opened.
+void SqliteStore::greet(const ProjectFile& file, Database::Mode mode)
+{
+  mode_ = mode;
+  file_ = file;
+  lookedAt_ = false;
+  // Until the file is known to be a project in order, nothing may move from its log into it.
+  database_->keepLogOnClose(file.logSize > 0);
+  const FileStart start = readFileStart(database_->readStart(100));
+  if (!start.isSqlite)
+    refuse(ErrorKind::Unreadable, "no project (not an SQLite file)");
+  if (start.applicationId != projectApplicationId)
+    refuse(ErrorKind::Unreadable, "no project (an SQLite file of another application)");
+  refuseUnknown(start.version);
+  database_->execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON");
 }
 
 void SqliteStore::startUse(Access access)

@@ -52,6 +52,7 @@ private:
   void beginUse(Access access, std::chrono::milliseconds patience, Look look);
   void use(const ProjectFile& file, sqlite::Database::Mode mode, Access access, std::chrono::milliseconds patience,
            Look look);
+  void greet(const ProjectFile& file, sqlite::Database::Mode mode);
   void startUse(Access access);
   void refuseUnknown(std::int64_t version) const;
   void lookOver();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -116,6 +117,54 @@ TEST_F(SqliteSharing, BusyStoreWritesOnceTheHolderIsGone)
   }
   store(*project, logChanges({exampleLog(1, 9)}));
   EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteSharing, FirstUseWaitsForAProcessThatHasTheFileToItself)
+{
+  for (const Access access : {Access::Read, Access::Write}) {
+    // As a process does for a moment when it closes the file behind itself, or takes in a log that was left.
+    Child closing([this] {
+      const int fd = ::open(file().c_str(), O_RDWR | O_CLOEXEC);
+      struct flock lock = {};
+      lock.l_type = F_WRLCK;
+      lock.l_whence = SEEK_SET;
+      lock.l_start = 0x40000000;
+      lock.l_len = 512;
+      if (::fcntl(fd, F_SETLK, &lock) != 0)
+        throw std::runtime_error("no lock");
+      writeBytes(folder() / "locked", "");
+      ::usleep(200'000);
+      ::close(fd);
+    });
+    while (!fs::exists(folder() / "locked"))
+      ::usleep(1000);
+    const auto project = makeSqliteStore(file());
+    project->begin(access, muchPatience);
+    EXPECT_EQ(project->nextNumber(), 1);
+    EXPECT_EQ(closing.waitForExit(), 0);
+    fs::remove(folder() / "locked");
+  }
+}
+
+TEST_F(SqliteSharing, ProcessesThatOpenAndCloseInTurnAreNeverTurnedAway)
+{
+  constexpr int commits = 25;
+  const auto writeMany = [this] {
+    for (int i = 0; i < commits; ++i) {
+      const auto project = makeSqliteStore(file());
+      project->begin(Access::Write, muchPatience);
+      project->commit(logChanges({exampleLog(project->nextNumber(), 9)}));
+    }
+  };
+  const auto readMany = [this] {
+    for (int i = 0; i < commits; ++i)
+      numbersOf(*makeSqliteStore(file()));
+  };
+  Child first(writeMany), second(writeMany), reader(readMany);
+  EXPECT_EQ(first.waitForExit(), 0);
+  EXPECT_EQ(second.waitForExit(), 0);
+  EXPECT_EQ(reader.waitForExit(), 0);
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())).size(), 2u * commits);
 }
 
 TEST_F(SqliteSharing, BusyProjectIsRead)
