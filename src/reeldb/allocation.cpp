@@ -38,9 +38,14 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
   }
 }
 
-void* operator new[](std::size_t size, const std::nothrow_t& nothrow) noexcept
+// By way of the array form: what operator delete[] gives back was made by operator new[], whoever replaces the two.
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
-  return ::operator new(size, nothrow);
+  try {
+    return ::operator new[](size);
+  } catch (...) {
+    return nullptr;
+  }
 }
 
 void operator delete(void* p) noexcept

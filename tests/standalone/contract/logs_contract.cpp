@@ -32,7 +32,7 @@ void makeReel(Edit& edit, const char* id)
 }
 
 /// Hears of modified logs.
-class Listener : public ProjectListener {
+class Listener final : public ProjectListener {
 public:
   void handleLogModification(const Cookie& log, const EditModification& modification) override
   {

@@ -14,7 +14,7 @@ HOST_CONTRACT(Project);
 
 using Events = std::vector<std::string>;
 
-class Listener : public ProjectListener {
+class Listener final : public ProjectListener {
 public:
   Listener(Events& events, std::string name) : events_(events), name_(std::move(name)) {}
   void handleProjectEntry() override

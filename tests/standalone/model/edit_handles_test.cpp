@@ -46,6 +46,7 @@ TEST_F(EditHandles, WhatDidNotOpenIsNotCounted)
 // In a process of its own, for there the opening stays for good.
 TEST_F(EditHandles, AHandleDoesNotCloseByItself)
 {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   const Cookie log = addLog(9, "R1");
   const auto openAndForget = [&] {
     {

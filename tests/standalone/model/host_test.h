@@ -26,7 +26,7 @@ inline constexpr EditChanType video{1}, audio{2};
 inline constexpr EditModificationType made{59};
 
 /// Writes down what it is told; @p onEvent, when set, is called each time and may throw.
-class RecordingListener : public ProjectListener {
+class RecordingListener final : public ProjectListener {
 public:
   void handleLogModification(const Cookie& log, const EditModification& modification) override
   {
