@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The command is killed at any moment, and the log its database was writing is cut short anywhere: the project always
+// opens, is sound, and holds what was there before the command or what was there after it, never a part of the change.
+// REELDB_LONG_TESTS runs many more rounds.
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <thread>
+
+#include "cli/command_fixture.h"
+#include "reelhost/store.h"
+
+using namespace reeldb_tests;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::chrono::milliseconds patience{5000};
+
+int rounds(int few, int many)
+{
+  const char* wanted = std::getenv("REELDB_LONG_TESTS");
+  return wanted && *wanted ? many : few;
+}
+
+class PowerCut : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    random_.seed(seed_);
+  }
+
+  fs::path project() const { return dir_.path() / "projects" / "main.reels"; }
+
+  std::size_t below(std::size_t bound) { return random_() % bound; }
+
+  /// All that the project holds but the identities of its logs, which no two runs share.
+  static std::string contents(const fs::path& file)
+  {
+    const auto store = reelhost::makeSqliteStore(file);
+    EXPECT_EQ(store->check(), std::vector<std::string>{}) << file;
+    store->begin(reelhost::Access::Read, patience);
+    std::ostringstream out;
+    const auto write = [&](reelhost::StoredLog&& log) {
+      out << log.number << ' ' << log.type << ' ' << log.imported << ' ' << log.name << ' ' << log.reelType;
+      for (const auto& [key, value] : log.fields)
+        out << ' ' << key << '=' << value;
+      out << '\n';
+    };
+    store->readReels(write);
+    store->readOthers(write);
+    out << "bin " << store->binCount() << '\n';
+    store->readLastDeletion(write);
+    store->end();
+    return out.str();
+  }
+
+  /// A command that changes the project, and what it needs.
+  Words someChange()
+  {
+    const Words reels = reelIds();
+    switch (reels.size() < 4 ? 0 : below(5)) {
+    case 1:
+      return {"rename", reels[below(reels.size())], numbered("N", ++names_)};
+    case 2:
+      return {"delete", "--yes", reels[below(reels.size())], reels[below(reels.size())]};
+    case 3:
+      return {"undelete"};
+    case 4:
+      return {"set", reels[below(reels.size())], numbered("bin=b", ++names_)};
+    default:
+      break;
+    }
+    std::string list;
+    const std::size_t first = names_;
+    for (std::size_t i = 0; i < 60; ++i)
+      list += event(static_cast<int>(i) + 1, numbered("T", first + i % 12), "V", numbered("01:00:00:", 10 + i % 10),
+                    "01:00:01:00");
+    names_ += 8; // the next list shares a third of its reels with this one
+    dir_.write("list.edl", list);
+    return {"import", "list.edl"};
+  }
+
+  /// Puts the project as it is now, with the log beside it, into another facility's folder.
+  fs::path copyTo(const std::string& name)
+  {
+    const fs::path folder = dir_.path() / name;
+    fs::remove_all(folder);
+    fs::copy(dir_.path() / "facility.toml", (fs::create_directories(folder), folder / "facility.toml"));
+    fs::copy(dir_.path() / "devicedata", folder / "devicedata", fs::copy_options::recursive);
+    fs::copy(dir_.path() / "labelmaps", folder / "labelmaps", fs::copy_options::recursive);
+    fs::create_directories(folder / "projects");
+    for (const char* ending : {"", "-wal", "-shm"}) {
+      const fs::path from = project().native() + ending;
+      if (fs::exists(from))
+        fs::copy_file(from, folder / "projects" / from.filename());
+    }
+    return folder;
+  }
+
+  const unsigned seed_ = static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed());
+  std::mt19937 random_;
+  std::size_t names_ = 0;
+};
+
+TEST_F(PowerCut, KilledCommandLeavesWhatWasThereBeforeOrAfterIt)
+{
+  int before = 0, after = 0, cut = 0;
+  for (int round = 0; round < rounds(40, 400); ++round) {
+    const Words change = someChange();
+    const std::string was = contents(project());
+
+    // What it does when nobody disturbs it, and how long that takes here.
+    const fs::path undisturbed = copyTo("undisturbed");
+    Words line = {"-C", undisturbed.string()};
+    line.insert(line.end(), change.begin(), change.end());
+    const auto begin = std::chrono::steady_clock::now();
+    const int code = reeldb(line).code;
+    const auto whole = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - begin);
+    const std::string becomes = contents(undisturbed / "projects" / "main.reels");
+
+    Words words = {reeldbProgram};
+    words.insert(words.end(), change.begin(), change.end());
+    RunningProcess process(words, setting_);
+    std::this_thread::sleep_for(std::chrono::microseconds(below(static_cast<std::size_t>(whole.count()) * 5 / 4 + 1)));
+    process.signal(SIGKILL);
+    const ProcessResult result = process.wait();
+
+    // The log it leaves is cut, too, as a disk does that had not written all of it.
+    const std::string log = project().native() + "-wal";
+    if (fs::exists(log) && fs::file_size(log) > 0) {
+      for (int piece = 0; piece < 5; ++piece) {
+        const fs::path copy = copyTo("cut") / "projects" / "main.reels";
+        fs::remove(copy.native() + "-shm");
+        fs::resize_file(copy.native() + "-wal", below(fs::file_size(log)));
+        const std::string left = contents(copy);
+        ASSERT_TRUE(left == was || left == becomes) << change.at(0) << ", seed " << seed_ << ", round " << round;
+        ++cut;
+      }
+    }
+
+    const std::string is = contents(project());
+    ASSERT_TRUE(is == was || is == becomes) << change.at(0) << ", seed " << seed_ << ", round " << round;
+    if (result.code != -1) { // it was done before the kill came: what it reported is there
+      ASSERT_EQ(result.code, code) << change.at(0);
+      ASSERT_EQ(is, becomes) << change.at(0) << ", seed " << seed_ << ", round " << round;
+    }
+    ++(is == becomes && is != was ? after : before);
+  }
+  std::cout << before << " times what was before, " << after << " times what was after, " << cut << " logs cut (seed "
+            << seed_ << ")\n";
+  EXPECT_GT(before, 0);
+  EXPECT_GT(after, 0);
+}
+
+/// Writes its own reels into the project, one command each, as long as @p count lasts.
+void writeReels(const std::string& folder, const std::string& name, int count)
+{
+  ProcessSetting setting;
+  setting.folder = folder;
+  for (int i = 0; i < count; ++i) {
+    const std::string id = numbered(name, static_cast<std::size_t>(i));
+    ASSERT_EQ(runProcess({reeldbProgram, "create", id}, setting).code, 0) << id;
+    ASSERT_EQ(runProcess({reeldbProgram, "set", id, "bin=" + name}, setting).code, 0) << id;
+  }
+}
+
+TEST_F(PowerCut, TwoWritersInALoopLoseNothing)
+{
+  const int count = rounds(15, 150);
+  const std::string folder = dir_.path().string();
+  std::thread other([&] { writeReels(folder, "B", count); });
+  writeReels(folder, "A", count);
+  other.join();
+  EXPECT_EQ(reelIds().size(), static_cast<std::size_t>(2 * count));
+  for (const Json& entry : json({"list", "--json"}))
+    EXPECT_EQ(entry.at("bin"), entry.at("id").get<std::string>().substr(0, 1)) << entry;
+  EXPECT_EQ(reelhost::makeSqliteStore(project())->check(), std::vector<std::string>{});
+}
+
+} // namespace
