@@ -21,10 +21,11 @@ Zr::UUID uuidOf(const StoredLog& stored)
 } // namespace
 
 Edit::Impl::Impl(reelhost::model::Project& of, StoredLog&& stored)
-    : uuid(uuidOf(stored)), tag(stored.tag), kind(stored.kind), cookie(uuid, tag, kind), words(cookie), project(of),
-      number(stored.number), block(reelhost::model::blockOf(config)), type(stored.type), imported(stored.imported),
-      entireMedium(stored.entireMedium), original(stored.type != reelhost::model::reelType),
-      name(std::move(stored.name)), videoChannels(stored.videoChannels), audioChannels(stored.audioChannels),
+    : words(Cookie(uuidOf(stored), stored.tag, stored.kind)), uuid(uuidOf(stored)), tag(stored.tag), kind(stored.kind),
+      cookie(uuid, tag, kind), project(of), number(stored.number), block(reelhost::model::blockOf(config)),
+      type(stored.type), imported(stored.imported), entireMedium(stored.entireMedium),
+      original(stored.type != reelhost::model::reelType), name(std::move(stored.name)),
+      videoChannels(stored.videoChannels), audioChannels(stored.audioChannels),
       reelTypeName(stored.reelType.c_str()), rowImpl{this}, shownReelType(reelTypeName)
 {
   edit.impl = this;
@@ -32,7 +33,7 @@ Edit::Impl::Impl(reelhost::model::Project& of, StoredLog&& stored)
   block.assign(stored.fields);
   block.setOwner(this);
   if (const LightweightString<char>* const id = block.find(reelhost::model::reelIdKey()))
-    reelId = *id;
+    showReelId(*id);
 }
 
 StoredLog Edit::Impl::toStored() const
@@ -51,6 +52,12 @@ StoredLog Edit::Impl::toStored() const
   stored.reelType = reelTypeName.c_str();
   stored.fields = block.fields();
   return stored;
+}
+
+void Edit::Impl::showReelId(const LightweightString<char>& id)
+{
+  reelId = id;
+  reelIdText = reelId.c_str();
 }
 
 // The row's cell is what the type is read from; the key is there for other modules.
@@ -72,6 +79,6 @@ void Edit::Impl::configChanged(Key key)
 {
   if (key != reelhost::model::reelIdKey())
     return;
-  reelId = *block.find(key);
+  showReelId(*block.find(key));
   project.reelIdChanged(*this);
 }

@@ -26,24 +26,31 @@ struct dbrecord::Impl {
 };
 
 /// The log behind an Edit.
-struct Edit::Impl final : reelhost::model::ConfigOwner {
+struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   Impl(reelhost::model::Project& project, reelhost::StoredLog&& stored);
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
   reelhost::StoredLog toStored() const;
 
+  void showReelId(const LightweightString<char>& id);
   void setReelType(const LightweightString<char>& name, bool shownAtOnce);
 
   void configChanging() override;
   void configChanged(reelhost::model::Key key) override;
 
+  // What opening a log and reading its identifier touches comes first, so that it lies in one line of the cache: the
+  // library opens all reel logs, one after the other, to find one.
   Edit edit; ///< the one Edit that all openings share
+  const reelhost::model::CookieWords words;
+  LightweightString<char> reelId; ///< attribute 20: what the block holds under "reelid", or nothing
+  const char* reelIdText = "";    ///< the text of reelId, to be fetched before it is read
+  Edit::Impl* follower = nullptr; ///< the log made after this one; null for the last
+  bool isGone = false;            ///< deleted; only handles that were open then still know it
+
   const Zr::UUID uuid;
   const std::uint16_t tag;
   const char kind;
   const Cookie cookie;
-  const reelhost::model::CookieWords words;
-  LightweightString<char> reelId; ///< attribute 20: what the block holds under "reelid", or nothing
   reelhost::model::Project& project;
   const std::int64_t number;
 
@@ -65,7 +72,6 @@ struct Edit::Impl final : reelhost::model::ConfigOwner {
 
   // What the project keeps about the log.
   bool isDirty = false;                      ///< differs from what is stored
-  bool isGone = false;                       ///< deleted; only handles that were open then still know it
   const std::string* indexedUnder = nullptr; ///< its place in the attribute index
 };
 

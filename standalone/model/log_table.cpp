@@ -23,10 +23,14 @@ void LogTable::insert(Log& log)
         put(*slot.log);
   }
   put(log);
+  log.isGone = false;
   ++count_;
+  if (last_)
+    last_->follower = &log;
+  last_ = &log;
 }
 
-void LogTable::erase(const Log& log)
+void LogTable::erase(Log& log)
 {
   std::size_t hole = place(log.words);
   while (slots_[hole].log != &log) {
@@ -34,6 +38,7 @@ void LogTable::erase(const Log& log)
       return;
     hole = next(hole);
   }
+  log.isGone = true;
   // A search must not stop at the new hole before it came to what lies behind: that moves up.
   for (std::size_t i = next(hole); slots_[i].log; i = next(i)) {
     const std::size_t home = place(slots_[i].log->words);

@@ -9,13 +9,45 @@
 
 namespace reelhost::model {
 
-/// Finds a log by its Cookie: one array, searched from the hash on until a free place. The library opens logs by the
-/// thousand to find one reel, and this is what an opening costs.
+/// Finds a log by its Cookie. The library opens logs by the thousand to find one reel, and this is what an opening
+/// costs. It opens them in the order in which they were made, so the one made after the last one found is looked at
+/// first; all others are found in one array, searched from the hash on until a free place.
 class LogTable {
 public:
   LogTable() : slots_(16), shift_(64 - 4) {}
 
-  Log* find(const CookieWords& words) const
+  Log* find(const CookieWords& words)
+  {
+    Log* log = expected_;
+    if (!log || log->words != words || log->isGone) {
+      log = search(words);
+      if (!log)
+        return nullptr;
+    }
+    expect(log->follower);
+    return log;
+  }
+
+  void insert(Log& log); ///< REQUIRES: no log of this Cookie is in the table
+  void erase(Log& log);  ///< the log is gone from now on, unless it is in no table
+
+private:
+  struct Slot {
+    std::uint64_t first = 0, second = 0;
+    Log* log = nullptr; ///< null: the place is free
+  };
+
+  /// Has the processor fetch what is read next if the logs are opened in turn.
+  void expect(Log* log)
+  {
+    expected_ = log;
+    if (log) {
+      __builtin_prefetch(log->reelIdText);
+      __builtin_prefetch(log->follower);
+    }
+  }
+
+  Log* search(const CookieWords& words) const
   {
     for (std::size_t i = place(words);; i = next(i)) {
       const Slot& slot = slots_[i];
@@ -25,15 +57,6 @@ public:
         return slot.log;
     }
   }
-
-  void insert(Log& log); ///< REQUIRES: no log of this Cookie is in the table
-  void erase(const Log& log);
-
-private:
-  struct Slot {
-    std::uint64_t first = 0, second = 0;
-    Log* log = nullptr; ///< null: the place is free
-  };
 
   /// Names of logs differ in their last digits only. The multiplications carry that difference upwards, so the place is
   /// made of the uppermost bits.
@@ -48,6 +71,8 @@ private:
   std::vector<Slot> slots_; ///< a power of two, at most half of them taken
   unsigned shift_;          ///< 64 less its exponent
   std::size_t count_ = 0;
+  Log* last_ = nullptr;     ///< the log inserted last
+  Log* expected_ = nullptr; ///< the log made after the one found last; it may be gone
 };
 
 } // namespace reelhost::model

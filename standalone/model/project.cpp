@@ -290,7 +290,6 @@ CookieVec Project::erase(const CookieVec& cookies)
     gone.add(cookie);
     deleted_.insert(log->number);
     table_.erase(*log);
-    log->isGone = true;
     if (index_)
       index_->take(*log);
     if (log->type == reelType)

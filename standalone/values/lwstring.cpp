@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <charconv>
+#include <cstdint>
 #include <limits>
 #include <new>
 #include <string>
@@ -14,21 +15,23 @@ template <class CharT>
 struct LightweightString<CharT>::Body {
   using Traits = std::char_traits<CharT>;
 
+  // Short, so that a short text and its count lie in one line of the cache.
   int refs;
-  std::size_t length, capacity; // in elements, without the NUL; the text follows
+  std::uint32_t length, capacity; // in elements, without the NUL; the text follows
 
   CharT* text() { return reinterpret_cast<CharT*>(this + 1); }
+
+  static constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() - 1;
 
   /// A body with one holder and the empty text.
   static Body* make(std::size_t capacity)
   {
-    const std::size_t most = (std::numeric_limits<std::size_t>::max() - sizeof(Body)) / sizeof(CharT) - 1;
     if (capacity > most)
       throw std::bad_alloc();
     void* memory = OS()->allocator().allocate(sizeof(Body) + (capacity + 1) * sizeof(CharT));
     if (!memory)
       throw std::bad_alloc();
-    Body* body = ::new (memory) Body{1, 0, capacity};
+    Body* body = ::new (memory) Body{1, 0, static_cast<std::uint32_t>(capacity)};
     body->text()[0] = CharT();
     return body;
   }
@@ -54,7 +57,7 @@ struct LightweightString<CharT>::Body {
   void write(std::size_t at, const CharT* from, std::size_t count)
   {
     Traits::move(text() + at, from, count);
-    length = at + count;
+    length = static_cast<std::uint32_t>(at + count);
     text()[length] = CharT();
   }
 
@@ -68,7 +71,7 @@ struct LightweightString<CharT>::Body {
       body->write(at, from, count);
       return;
     }
-    Body* fresh = make(own ? std::max(needed, 2 * body->capacity) : needed);
+    Body* fresh = make(own ? std::max(needed, std::min<std::size_t>(2 * std::size_t{body->capacity}, most)) : needed);
     if (at)
       fresh->write(0, body->text(), at);
     fresh->write(at, from, count);
