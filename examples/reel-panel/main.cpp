@@ -1,0 +1,160 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A panel with the project's reels that follows changes while they are made: what a client of the library looks like.
+//
+//   REELDB_FACILITY=DIR reel-panel [PROJECT]
+//
+// It is a ReelDbClient: the library calls it when the reels change, and it only notes that it has to draw again. It
+// holds no lock; what other programs commit is picked up as soon as the host sees it.
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "ReelDbClient.h"
+#include "ReelDbManager.h"
+#include "reelhost/host.h"
+
+namespace {
+
+volatile std::sig_atomic_t ended = 0;
+
+/// The text without anything a terminal would take for a command.
+std::string shown(const char* text)
+{
+  std::string out = text;
+  std::replace_if(
+      out.begin(), out.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
+  return out;
+}
+
+/// Hears what happens to the reels. Handlers are called in the middle of changes, so they note and do not ask.
+class Panel final : public ReelDbClient {
+public:
+  void reelDbChanged(LightweightString<char>) override { stale_ = true; }
+  void someReelDbRecChanged(LightweightString<char> id) override
+  {
+    stale_ = true;
+    news_ = shown(id.c_str());
+  }
+
+  bool stale() const { return stale_; }
+
+  void scroll(int by) { first_ = std::max(0, first_ + by), stale_ = true; }
+
+  void draw(const std::string& project)
+  {
+    stale_ = false;
+    winsize size{};
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row < 4)
+      size.ws_row = 24, size.ws_col = 80;
+    std::vector<LightweightString<char>> ids;
+    ReelDbManager& manager = *ReelDbManager::theReelDbManager();
+    manager.getAllReelIds(ids, true);
+    first_ = std::min(first_, std::max(0, static_cast<int>(ids.size()) - 1));
+
+    std::string screen = "\x1b[H\x1b[2J"; // the cursor goes home, the screen is emptied
+    screen += "\x1b[1m" + shown(project.c_str()) + "\x1b[0m: " + std::to_string(ids.size()) + " reels" +
+              (news_.empty() ? "" : ", last changed: " + news_) + "\n";
+    const int rows = size.ws_row - 2;
+    for (int i = first_; i < std::min(static_cast<int>(ids.size()), first_ + rows); ++i) {
+      const auto& id = ids[static_cast<std::size_t>(i)];
+      ReelDbRec reel = manager.getReelInfo(id);
+      std::string line = shown(id.c_str());
+      line.resize(std::max<std::size_t>(line.size(), 24), ' ');
+      line += "  " + shown(reel.typeName().c_str()) + (reel.reelAvailable() ? "" : "  (not at hand)");
+      screen += line + "\n";
+    }
+    screen += "\x1b[7m up, down: scroll   q: end \x1b[0m";
+    std::fwrite(screen.data(), 1, screen.size(), stdout);
+    std::fflush(stdout);
+  }
+
+private:
+  bool stale_ = true;
+  int first_ = 0;
+  std::string news_;
+};
+
+/// Has the terminal hand over each key at once, and gives it back as it was.
+class Keys {
+public:
+  Keys() : isTerminal_(tcgetattr(STDIN_FILENO, &before_) == 0)
+  {
+    if (!isTerminal_)
+      return;
+    termios raw = before_;
+    raw.c_lflag &= static_cast<tcflag_t>(~(ICANON | ECHO));
+    tcsetattr(STDIN_FILENO, TCSANOW, &raw);
+  }
+  ~Keys()
+  {
+    if (isTerminal_)
+      tcsetattr(STDIN_FILENO, TCSANOW, &before_);
+    std::puts("");
+  }
+  Keys(const Keys&) = delete;
+  Keys& operator=(const Keys&) = delete;
+
+  /// The keys pressed within a moment; "q" when there will be no more.
+  std::string pressed() const
+  {
+    pollfd input{STDIN_FILENO, POLLIN, 0};
+    if (poll(&input, 1, 200) <= 0)
+      return {};
+    char keys[16];
+    const ssize_t count = read(STDIN_FILENO, keys, sizeof keys);
+    return count > 0 ? std::string(keys, static_cast<std::size_t>(count)) : "q";
+  }
+
+private:
+  termios before_{};
+  bool isTerminal_;
+};
+
+void run(const std::string& wanted)
+{
+  reelhost::startUp(); // this is the main thread
+  const std::string project = wanted.empty() ? reelhost::facility().defaultProject() : wanted;
+  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // listens to the project from now on
+  reelhost::openProject(project, reelhost::Access::Read);
+  Panel panel;
+  const Keys keys;
+  for (std::string key; ended == 0 && key != "q"; key = keys.pressed()) {
+    if (key == "\x1b[A" || key == "\x1b[B")
+      panel.scroll(key == "\x1b[A" ? -1 : 1);
+    reelhost::idle(); // keeps nobody from writing
+    if (reelhost::reloadIfChangedElsewhere())
+      manager.informReelDbChanged("");
+    if (panel.stale())
+      panel.draw(project);
+  }
+  reelhost::closeProject();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+  if (argc > 2 || (argc == 2 && argv[1][0] == '-')) {
+    std::fprintf(stderr, "usage: REELDB_FACILITY=DIR %s [PROJECT]\n", argv[0]);
+    return 2;
+  }
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    std::signal(signal, [](int) { ended = 1; });
+  try {
+    run(argc == 2 ? argv[1] : "");
+    return 0;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "reel-panel: %s\n", e.what());
+    return 1;
+  }
+}
