@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <climits>
 #include <cstdio>
 #include <cstring>
 
@@ -19,10 +20,28 @@ int peek(FILE* file)
   return c == EOF ? EOF : std::ungetc(c, file);
 }
 
+/// Which characters end a piece.
+class Separators {
+public:
+  explicit Separators(const char* characters)
+  {
+    for (; *characters; ++characters)
+      ends_[static_cast<unsigned char>(*characters)] = true;
+  }
+  bool contain(int c) const { return ends_[c]; }
+
+private:
+  bool ends_[UCHAR_MAX + 1] = {};
+};
+
 /// Puts characters at the end of a buffer, many at a time.
 class Appender {
 public:
-  explicit Appender(GrowString& out) : out_(out) { out_ = ""; }
+  explicit Appender(GrowString& out) : out_(out)
+  {
+    if (*static_cast<const char*>(out)) // an empty one needs no memory yet
+      out = "";
+  }
   void put(char c)
   {
     if (c == '\0') { // ends a text, so it goes by itself
@@ -47,15 +66,6 @@ private:
   char chunk_[256];
   std::size_t used_ = 0;
 };
-
-/// Whether the character is one of these. There are hardly ever more than two.
-bool isOneOf(const char* separators, int c)
-{
-  for (; *separators; ++separators)
-    if (static_cast<unsigned char>(*separators) == c)
-      return true;
-  return false;
-}
 
 } // namespace
 
@@ -82,22 +92,21 @@ ByteStream& operator>>(ByteStream& in, GrowString& out)
 {
   const auto next = [&in]() -> int {
     if (in.file_)
-      return read(in.file_);
+      return getc_unlocked(in.file_);
     return in.pos_ == in.end_ ? EOF : static_cast<unsigned char>(*in.pos_++);
   };
   // A text in memory ends in a NUL that may be looked at.
   const auto lineFeedFollows = [&in] { return (in.file_ ? peek(in.file_) : *in.pos_) == '\n'; };
 
-  const char* const separators = in.separators;
   Appender piece(out);
-  for (int c = next(); c != EOF; c = next()) {
-    if (isOneOf(separators, c)) {
-      if (c == '\r' && in.joinCrLf && lineFeedFollows())
-        next();
-      break;
-    }
+  if (in.file_ && ferror_unlocked(in.file_))
+    return in; // for good, though the next character might be read
+  const Separators separators(in.separators);
+  int c = next();
+  for (; c != EOF && !separators.contain(c); c = next())
     piece.put(static_cast<char>(c));
-  }
+  if (c == '\r' && in.joinCrLf && lineFeedFollows())
+    next();
   piece.flush();
   return in;
 }
