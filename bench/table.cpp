@@ -3,6 +3,7 @@
 
 #include <fmt/core.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -26,6 +27,14 @@ void Table::add(Row row)
   rows_.push_back(std::move(row));
 }
 
+void Table::addPoint(const std::string& series, const Point& point)
+{
+  auto at = std::find_if(series_.begin(), series_.end(), [&](const auto& one) { return one.first == series; });
+  if (at == series_.end())
+    at = series_.insert(at, {series, {}});
+  at->second.push_back(point);
+}
+
 int Table::finish() const
 {
   int targets = 0;
@@ -43,6 +52,13 @@ int Table::finish() const
       entry["met"] = row.met();
     }
     json["rows"].push_back(std::move(entry));
+  }
+  json["series"] = nlohmann::json::array();
+  for (const auto& [what, points] : series_) {
+    nlohmann::json list = nlohmann::json::array();
+    for (const Point& point : points)
+      list.push_back({{"reels", point.reels}, {"ours_ms", point.ours}, {"bare_ms", point.bare}});
+    json["series"].push_back({{"what", what}, {"points", std::move(list)}});
   }
   json["targets"] = targets;
   json["met"] = met;

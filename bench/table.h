@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace reeldb_bench {
@@ -24,14 +25,23 @@ struct Row {
   bool met() const { return !target || ratio() <= *target; }
 };
 
+/// What an operation and its bare loop cost in a project of this size, in milliseconds.
+struct Point {
+  int reels;
+  double ours, bare;
+};
+
 class Table {
 public:
   void add(Row row); ///< prints the row at once
+  /// Keeps a point of a curve for the file.
+  void addPoint(const std::string& series, const Point& point);
   /// Prints the last line, writes the file that BENCH_JSON names; the number of targets missed.
   int finish() const;
 
 private:
   std::vector<Row> rows_;
+  std::vector<std::pair<std::string, std::vector<Point>>> series_;
 };
 
 } // namespace reeldb_bench
