@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check bench clean
+.PHONY: run test check fuzz mutate bench package package-test abi-check abi-baseline clean
 JOBS ?= $(shell nproc)
 
 # $(call build,PRESET): configures and builds one preset
@@ -31,10 +31,37 @@ check: test ## test again under the sanitizers and with the second compiler
 	$(call build,clang-release)
 	ctest --preset clang-release
 
+fuzz: ## look for inputs that break something, FUZZ_SECONDS (20) for each target
+	@sh scripts/setup.sh check
+	$(call build,fuzz)
+	@sh scripts/fuzz.sh
+
+mutate: ## change the library in one place at a time and see the tests fail: MUTANTS=200 SEED=1 for a sample
+	@sh scripts/setup.sh test
+	@python3 scripts/mutate.py
+
 bench: ## print the benchmarks
 	@sh scripts/setup.sh bench
 	$(call build,bench)
 	build/bench/bin/reeldb_bench
+
+package: ## make the Debian packages, in build/package
+	@sh scripts/setup.sh package
+	rm -rf build/package/*.deb build/package/_CPack_Packages
+	$(call build,package)
+
+package-test: package ## install, use and remove them in a bare Debian root (needs root)
+	@sh scripts/test-packages.sh build/package
+
+abi-check: ## fail when programs or hosts that were built before would break
+	@sh scripts/setup.sh check
+	$(call build,abi)
+	@sh scripts/abi.sh check build/abi/lib/libreeldb.so
+
+abi-baseline: ## take what is now as what is promised: for a new major version
+	@sh scripts/setup.sh check
+	$(call build,abi)
+	@sh scripts/abi.sh baseline build/abi/lib/libreeldb.so
 
 clean: ## remove everything that was built
 	rm -rf build

@@ -5,7 +5,7 @@ function(reeldb_check_host host)
   set(source ${CMAKE_CURRENT_BINARY_DIR}/linkcheck_${host}.cpp)
   file(WRITE ${source} "int main() {}\n")
   add_executable(linkcheck_${host} ${source})
-  target_link_libraries(linkcheck_${host} PRIVATE reeldb ${host})
+  target_link_libraries(linkcheck_${host} PRIVATE reeldb::reeldb ${host})
   # bfd: mold passes over missing symbols of shared libraries without a word.
   target_link_options(linkcheck_${host} PRIVATE -fuse-ld=bfd LINKER:--no-allow-shlib-undefined LINKER:--no-as-needed)
 endfunction()

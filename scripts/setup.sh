@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Installs the Debian packages that a job needs and that are not there yet: setup.sh run|test|check|bench
+# Installs the Debian packages that a job needs and that are not there yet: setup.sh run|test|check|bench|package
 # As root, or through sudo; without either it says what to install and stops.
 set -eu
 
@@ -8,17 +8,19 @@ job=${1:-run}
 
 build="g++ cmake ninja-build make libsqlite3-dev libsqlitecpp-dev libtomlplusplus-dev libcli11-dev libfmt-dev
        nlohmann-json3-dev libutfcpp-dev"
-tests="libgtest-dev libgmock-dev binutils clang-format-14 procps"
+tests="libgtest-dev libgmock-dev binutils clang-format-14 pkg-config procps"
 check="clang-14 libclang-rt-14-dev clang-tidy-14 llvm-14 abigail-tools valgrind"
 bench="libbenchmark-dev valgrind sqlite3"
+package="debootstrap dpkg-dev file lintian"
 
 case $job in
 run) wanted=$build ;;
 test) wanted="$build $tests" ;;
 check) wanted="$build $tests $check" ;;
 bench) wanted="$build $bench" ;;
+package) wanted="$build $package" ;;
 *)
-  echo "setup: unknown job '$job' (run, test, check or bench)" >&2
+  echo "setup: unknown job '$job' (run, test, check, bench or package)" >&2
   exit 2
   ;;
 esac

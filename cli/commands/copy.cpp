@@ -5,6 +5,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/plain_text.h"
 #include "module/reel.h"
 #include "module/session.h"
 
@@ -17,13 +18,28 @@ struct Options {
   bool json = false;
 };
 
+/// Throws Failure when one of the texts to copy cannot be shown and handed on. The command takes none, but another
+/// program may have stored it.
+void requirePlainTexts(const Reel& reel)
+{
+  const auto require = [&reel](const std::string& value, const std::string& field) {
+    requirePlainText(value, fmt::format("{}: its {} cannot be copied", shortText(reel.id), field));
+  };
+  require(reel.type, "type");
+  require(reel.labelMapping, "label mapping");
+  for (std::size_t i = 0; i < userFieldCount; ++i)
+    require(reel.userFields[i], fmt::format("user field {}", i));
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
   Session session(globals, reelhost::Access::Write);
   // The library would copy an unknown reel too, and so empty the other.
-  const std::string from = text(session.requireReel(options.from).reelId());
+  ReelDbRec source = session.requireReel(options.from);
+  const std::string from = text(source.reelId());
   ReelDbRec target = session.requireReel(options.to);
   const std::string to = text(target.reelId());
+  requirePlainTexts(readReel(source, {}));
   session.manager().copyReelInfo(hostText(from), hostText(to));
   const Json reel = toJson(readReel(target, reelhost::shotCounts()));
   const bool stored = session.commit();

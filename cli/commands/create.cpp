@@ -5,9 +5,9 @@
 #include "module/device.h"
 #include "module/display_text.h"
 #include "module/failure.h"
-#include "module/field_limit.h"
 #include "module/host_text.h"
 #include "module/reel.h"
+#include "module/reel_name.h"
 #include "module/session.h"
 
 namespace reeldb::cli {
@@ -27,24 +27,18 @@ std::string quoted(const std::string& id)
   return '"' + shortText(id) + '"';
 }
 
-/// Why the library made no reel.
+/// Why the library made no reel of a name that is none too bad.
 [[noreturn]] void explain(ReelDbManager& manager, const std::string& id)
 {
   const LightweightString<char> asked = hostText(id);
   if (manager.doesReelExist(asked))
     throw Failure(refused, fmt::format("{}: exists already", quoted(text(manager.getReelInfo(asked).reelId()))));
-  if (manager.representsInternallyGeneratedMaterial(asked))
-    throw Failure(refused, fmt::format("{}: no reel made (a star denotes generated material)", quoted(id)));
-  if (manager.trimLeadingTrailingSpaces(asked).empty())
-    throw Failure(refused, fmt::format("{}: no reel made (the identifier is blank)", quoted(id)));
   throw Failure(refused, fmt::format("{}: no reel made", quoted(id)));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  if (options.id.size() > longestField)
-    throw Failure(refused, fmt::format("{}: no reel made (the identifier has {} bytes, {} are the most)",
-                                       quoted(options.id), options.id.size(), longestField));
+  checkedReelName(options.id);
   const int device = options.device ? requireDevice(requireFacility(), *options.device).number : noDevice;
   Session session(globals, reelhost::Access::Write);
   ReelDbManager& manager = session.manager();
@@ -56,6 +50,7 @@ ExitCode run(const Options& options, const Globals& globals)
   const std::string stored = text(made.reelId());
   if (stored != options.id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
     throw Failure(refused, fmt::format("{}: exists already", quoted(stored)));
+  warnOfSpecialName(stored);
   session.commit();
   if (options.json)
     printJson(toJson(readReel(made, reelhost::shotCounts())));
@@ -73,8 +68,10 @@ void addCreate(CommandLine& line)
       {.name = "create",
        .description = "Make a reel",
        .examples = {"reeldb create B007", "reeldb create \"Archive roll 3\" --device 1"},
-       .details = "Prints the identifier as it was stored: without outer blanks, or, for a device of port type\n"
-                  "\"device-named\", the device's own name. An identifier that starts with a dash goes behind \"--\"."},
+       .details = fmt::format(
+           "Prints the identifier as it was stored: without outer blanks, or, for a device of port type\n"
+           "\"device-named\", the device's own name. An identifier that starts with a dash goes behind \"--\".\n{}",
+           reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "ID", options->id, "The reel's identifier")->required()->type_name("");
   takeText(app, "--device", options->device, "The device whose audio inputs the reel gets as channels")

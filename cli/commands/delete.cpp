@@ -11,7 +11,6 @@
 #include "module/host_text.h"
 #include "module/session.h"
 #include "module/shot.h"
-#include "module/table.h"
 
 namespace reeldb::cli {
 
@@ -24,12 +23,28 @@ struct Options {
   bool json = false;
 };
 
-struct Deletion {
-  CookieVec logs;                 ///< reels, each followed by its shots
-  std::vector<std::string> reels; ///< identifiers of those that go
-  std::vector<std::string> kept;  ///< and of those that were asked for, but are kept back
-  std::size_t shots = 0;
+/// A reel that was asked for, and what becomes of it.
+struct Fate {
+  std::string id;
+  bool kept = false;
+  std::vector<reelhost::Material> shots; ///< recorded from it; they go or stay with it
 };
+
+struct Deletion {
+  CookieVec selection; ///< the reels that were asked for, each once
+  std::vector<Fate> fates;
+  CookieVec logs; ///< what goes: reels, each followed by its shots
+
+  bool any() const { return !logs.empty(); }
+  std::size_t reels() const
+  {
+    return static_cast<std::size_t>(
+        std::count_if(fates.begin(), fates.end(), [](const Fate& fate) { return !fate.kept; }));
+  }
+  std::size_t shots() const { return static_cast<std::size_t>(logs.count()) - reels(); }
+};
+
+constexpr const char* whyKept = "--keep";
 
 /// Marks the reels to keep in the records' own spelling: a mark counts letter for letter.
 void markKept(Session& session, const std::vector<std::string>& ids)
@@ -52,35 +67,78 @@ CookieVec select(Session& session, const std::vector<std::string>& ids)
   return selection;
 }
 
+/// What a deletion would come to. The library tells of each log as one that is about to go, so it is only asked when
+/// they go.
 Deletion plan(Session& session, const Options& options)
 {
   markKept(session, options.keep);
-  const CookieVec selection = select(session, options.ids);
   Deletion deletion;
-  for (const Cookie& log : selection) {
+  deletion.selection = select(session, options.ids);
+  for (const Cookie& log : deletion.selection) {
     const LightweightString<char> id = ReelDbRec(log).reelId();
-    (session.manager().reelInUse(id) ? deletion.kept : deletion.reels).push_back(text(id));
+    const CookieVec shots = shotsOf(text(id));
+    const bool kept = session.manager().reelInUse(id);
+    deletion.fates.push_back({text(id), kept, materialOf(shots)});
+    if (kept)
+      continue;
+    deletion.logs.add(log);
+    for (const Cookie& shot : shots)
+      deletion.logs.add(shot);
   }
-  deletion.logs = session.manager().buildSetOfReelsAndAssociatedShots(selection);
-  deletion.shots = static_cast<std::size_t>(deletion.logs.count()) - deletion.reels.size();
   return deletion;
+}
+
+void carryOut(Session& session, const Deletion& deletion)
+{
+  reelhost::deleteLogs(session.manager().buildSetOfReelsAndAssociatedShots(deletion.selection));
+  session.manager().informReelDbChanged("");
+  session.commit();
+}
+
+void show(const Fate& fate)
+{
+  constexpr std::size_t mostLines = 20; // of a reel of a thousand shots the first ones tell which reel it is
+  const std::string reel = displayText(fate.id);
+  const std::string shots = counted(fate.shots.size(), "shot");
+  if (fate.kept) {
+    print(fmt::format("{}: kept, with its {} ({})\n", reel, shots, whyKept));
+    return;
+  }
+  print(fmt::format("{}: {}\n", reel, shots));
+  const std::size_t lines = std::min(fate.shots.size(), mostLines);
+  if (lines > 0)
+    printShots({fate.shots.begin(), fate.shots.begin() + static_cast<std::ptrdiff_t>(lines)}, 2);
+  if (lines < fate.shots.size())
+    print(fmt::format("  and {} more (--json lists all)\n", fate.shots.size() - lines));
 }
 
 void show(const Deletion& deletion)
 {
-  if (!deletion.reels.empty()) {
-    Table table({{"REEL"}, {.title = "SHOTS", .number = true}});
-    for (const std::string& id : deletion.reels)
-      table.add({id, std::to_string(shotsOf(id).count())});
-    table.print();
+  for (const Fate& fate : deletion.fates)
+    show(fate);
+}
+
+Json toJson(const Deletion& deletion, bool dryRun)
+{
+  Json json = {{"dry_run", dryRun}};
+  json["deleted"] = Json::array();
+  json["shots"] = deletion.shots();
+  json["kept"] = Json::array();
+  json["reels"] = Json::array();
+  for (const Fate& fate : deletion.fates) {
+    json[fate.kept ? "kept" : "deleted"].push_back(fate.id);
+    Json reel = {{"id", fate.id}, {"kept", fate.kept}};
+    if (fate.kept)
+      reel["why"] = whyKept;
+    reel["shots"] = cli::toJson(fate.shots);
+    json["reels"].push_back(std::move(reel));
   }
-  for (const std::string& id : deletion.kept)
-    print(fmt::format("{}: kept, with its shots\n", displayText(id)));
+  return json;
 }
 
 std::string sizeOf(const Deletion& deletion)
 {
-  return counted(deletion.reels.size(), "reel") + " and " + counted(deletion.shots, "shot");
+  return counted(deletion.reels(), "reel") + " and " + counted(deletion.shots(), "shot");
 }
 
 bool sameLogs(const CookieVec& a, const CookieVec& b)
@@ -96,7 +154,7 @@ Deletion confirmed(const Options& options, const Globals& globals)
   Deletion deletion = plan(session, options);
   if (!options.json)
     show(deletion);
-  if (!deletion.reels.empty() && !ask(fmt::format("delete {}?", sizeOf(deletion))))
+  if (deletion.any() && !ask(fmt::format("delete {}?", sizeOf(deletion))))
     throw Failure(refused, "delete: not confirmed, nothing deleted");
   return deletion;
 }
@@ -113,17 +171,13 @@ ExitCode run(const Options& options, const Globals& globals)
   if (!agreed && !options.json)
     show(deletion);
   const std::string what = sizeOf(deletion);
-  const bool any = !deletion.reels.empty();
-  if (any && !options.dryRun) {
-    reelhost::deleteLogs(deletion.logs);
-    session.manager().informReelDbChanged("");
-    session.commit();
-  }
+  const bool any = deletion.any();
+  if (any && !options.dryRun)
+    carryOut(session, deletion);
   if (options.json)
-    printJson(
-        {{"dry_run", options.dryRun}, {"deleted", deletion.reels}, {"shots", deletion.shots}, {"kept", deletion.kept}});
+    printJson(toJson(deletion, options.dryRun));
   else if (!any)
-    print("nothing deleted\n");
+    print(options.dryRun ? "dry run: nothing would go\n" : "nothing deleted\n");
   else if (options.dryRun)
     print(fmt::format("dry run: {} would go, the project stays as it was\n", what));
   else
@@ -136,11 +190,13 @@ ExitCode run(const Options& options, const Globals& globals)
 void addDelete(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add({.name = "delete",
-                            .description = "Delete reels and the shots recorded from them",
-                            .examples = {"reeldb delete --dry-run A001 A002 --keep A002", "reeldb delete A001 --yes"},
-                            .details = "Shows what would go and asks. A reel that is kept stays, and so do its shots."},
-                           [options](const Globals& globals) { return run(*options, globals); });
+  CLI::App& app = line.add(
+      {.name = "delete",
+       .description = "Delete reels and the shots recorded from them",
+       .examples = {"reeldb delete --dry-run A001 A002 --keep A002", "reeldb delete A001 --yes"},
+       .details = "Shows the reels and shots that would go and asks. A reel that is kept stays, and so do its\n"
+                  "shots."},
+      [options](const Globals& globals) { return run(*options, globals); });
   takeTexts(app, "ID", options->ids, "The reels")->required()->type_name("");
   takeTexts(app, "--keep", options->keep, "A reel to keep; may be given several times")
       ->type_name("ID")

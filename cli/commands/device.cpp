@@ -11,6 +11,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/label_map.h"
 #include "module/reel.h"
 #include "module/session.h"
 #include "module/table.h"
@@ -35,8 +36,7 @@ ExitCode show(const Options& options)
   return done;
 }
 
-// --- The reels a device accepts
-// ----------------------------------------------------------------------------------------
+// --- The reels a device accepts --------------------------------------------------------------------------------------
 
 struct Verdict {
   Reel reel;
@@ -96,15 +96,12 @@ ExitCode reels(const Options& options, const Globals& globals)
   }
   if (options.json)
     printJson(json);
-  else if (table.empty())
-    print(fmt::format("{}: accepts none of the project's reels\n", displayText(device.name)));
   else
-    table.print();
+    table.printOr(fmt::format("{}: accepts none of the project's reels\n", displayText(device.name)));
   return done;
 }
 
-// --- Live feed and label map
-// -------------------------------------------------------------------------------------------
+// --- Live feed and label map -----------------------------------------------------------------------------------------
 
 ExitCode live(const Options& options, const Globals& globals)
 {
@@ -137,10 +134,7 @@ ExitCode labelMap(const Options& options, const Globals& globals)
   const reelhost::DeviceSettings device = requireDevice(requireFacility(), options.number);
   Session session(globals, reelhost::Access::Read);
   const std::string map = text(get_device_label_map_name(IdStamp(device.id)));
-  if (options.json)
-    printJson({{"device", device.number}, {"label_map", map}});
-  else
-    print(displayText(map) + "\n");
+  answerLabelMap({{"device", device.number}, {"label_map", map}}, map, options.json);
   return done;
 }
 
@@ -148,7 +142,7 @@ ExitCode labelMap(const Options& options, const Globals& globals)
 
 void addDevice(CommandLine& line)
 {
-  CLI::App& group = line.addGroup("device", "Ask about the devices of the facility");
+  CLI::App& group = line.addGroup("device", "Ask about the devices of the facility", "reeldb device list");
   addDeviceList(line, &group, "list");
 
   const auto add = [&](CommandInfo info, ExitCode (*run)(const Options&, const Globals&)) -> CLI::App& {
@@ -167,7 +161,7 @@ void addDevice(CommandLine& line)
   add({.name = "reels",
        .description = "List the reels a device accepts",
        .examples = {"reeldb device reels 0", "reeldb device reels 0 --why"},
-       .details = "A device accepts the types it lists, and every reel without a type that the catalogue knows."},
+       .details = "A device accepts the types it lists, and every reel whose type is not in the catalogue."},
       reels);
   add({.name = "live",
        .description = "Make or find a device's live-feed reel",
@@ -177,7 +171,8 @@ void addDevice(CommandLine& line)
   add({.name = "label-map",
        .description = "Show the label map that suits a device and the project",
        .examples = {"reeldb device label-map 0"},
-       .details = "The device's own map if it fits the device, else the usual one for its port and the frame rate."},
+       .details = "The device's own map if it fits the device, else the usual one for its port and the frame rate.\n"
+                  "A warning tells when the facility has no such map, or one that cannot be read."},
       labelMap);
 }
 

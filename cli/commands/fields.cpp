@@ -11,6 +11,7 @@
 #include "module/number.h"
 #include "module/output.h"
 #include "module/reel.h"
+#include "module/reel_field.h"
 #include "module/session.h"
 #include "module/table.h"
 
@@ -77,17 +78,42 @@ std::map<int, std::string> readAssignments(const std::vector<std::string>& texts
   return names;
 }
 
+/// Throws Failure when a name cannot be given to its field because `set` would mean another by it.
+void requireUnmistakable(const std::map<int, std::string>& names, const std::vector<Field>& fields)
+{
+  const auto nameOf = [&names](const Field& field) {
+    const auto wanted = names.find(field.number);
+    if (wanted == names.end())
+      return field.display;
+    return wanted->second.empty() ? defaultName(field.number) : wanted->second;
+  };
+  for (const auto& [number, name] : names) {
+    const std::string wanted = nameOf(fields.at(static_cast<std::size_t>(number)));
+    const std::string fact = fmt::format("\"{}\": no name for user field {}", shortText(wanted), number);
+    if (wanted.find_first_not_of(' ') == std::string::npos)
+      throw Failure(refused, fact + " (it is blank)");
+    if (isReservedFieldName(wanted))
+      throw Failure(refused, fact + " (reeldb set means another field by it)");
+    for (const Field& other : fields)
+      if (other.number != number && folded(nameOf(other)) == folded(wanted))
+        throw Failure(refused, fmt::format("{} (user field {} is called that)", fact, other.number));
+  }
+}
+
 ExitCode run(const Options& options)
 {
   reelhost::Facility& facility = requireFacility();
   const std::map<int, std::string> names = readAssignments(options.assignments);
+  requireUnmistakable(names, readFields(facility));
   for (const auto& [number, name] : names)
     if (facility.systemValue("reel_userfield" + std::to_string(number)) != name)
       ReelDbManager::theReelDbManager()->userFieldName(number, hostText(name));
-  if (facility.stateChanged())
+  if (facility.stateChanged()) {
     facility.saveState();
-  else if (!names.empty() && !options.json)
+    changesAreStored();
+  } else if (!names.empty() && !options.json) {
     print("nothing changed\n");
+  }
   report(options, readFields(facility));
   return done;
 }
@@ -102,7 +128,8 @@ void addFields(CommandLine& line)
        .description = "List or name the user fields of reels",
        .examples = {"reeldb fields", "reeldb fields 0=Scene 1=Take", "reeldb fields 1=", "reeldb fields --json"},
        .details = "The fields are numbered from 0; their default names count from 1. An empty name takes a name back.\n"
-                  "The names are the facility's and serve all its projects."},
+                  "The names are the facility's and serve all its projects. No two fields share one, letter case\n"
+                  "aside, and none has that of a field of reeldb set, or a number."},
       [options](const Globals&) { return run(*options); });
   takeTexts(app, "NUMBER=NAME", options->assignments, "Names to store")->type_name("");
   takeJson(app, options->json);

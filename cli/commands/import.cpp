@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
 #include <fmt/format.h>
 
 #include "commands/commands.h"
@@ -34,24 +36,48 @@ void report(const Options& options, const std::vector<Imported>& all, bool store
     printJson(json);
     return;
   }
+  const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
   for (const Imported& imported : all)
-    print(toText(imported, terminalColumns(stdout).value_or(usualColumns)));
+    print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
   if (!changes)
-    print("nothing new: the project stays as it was\n");
+    print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
   else if (!stored)
     print("dry run: the project stays as it was\n");
 }
 
+/// All files, before any is brought in: one that cannot be read leaves the project alone. Each that cannot is named.
+std::vector<lists::List> readAll(const std::vector<std::string>& files)
+{
+  std::vector<lists::List> lists;
+  std::vector<Failure> failures;
+  for (const std::string& file : files) {
+    try {
+      lists.push_back(readListFile(file));
+    } catch (const Failure& failure) {
+      failures.push_back(failure);
+    }
+  }
+  if (failures.empty())
+    return lists;
+  if (files.size() == 1)
+    throw failures.front();
+  for (const Failure& failure : failures)
+    complain(failure.what());
+  const bool damaged = std::any_of(failures.begin(), failures.end(),
+                                   [](const Failure& failure) { return failure.code() == unreadable; });
+  throw Failure(
+      damaged ? unreadable : refused,
+      fmt::format("import: nothing brought in ({} of {} files cannot be read)", failures.size(), files.size()));
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
-  // All files first: one that cannot be read leaves the project alone.
-  std::vector<lists::List> lists;
+  std::vector<lists::List> lists = readAll(options.files);
   std::size_t clips = 0;
   bool rejected = false;
-  for (const std::string& file : options.files) {
-    lists.push_back(readListFile(file));
-    clips += lists.back().clips.size();
-    rejected = rejected || !lists.back().rejected.empty();
+  for (const lists::List& list : lists) {
+    clips += list.clips.size();
+    rejected = rejected || !list.rejected.empty();
   }
   Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
   std::vector<Imported> all;
@@ -83,7 +109,8 @@ void addImport(CommandLine& line)
            "Reads cut lists (CMX3600 EDL) and log exchange files (ALE), told apart by what is in them. Every clip\n"
            "becomes a shot; one with the same reel, clip name, source in, source out and tracks as another is\n"
            "not added again, so the same file twice changes nothing. A bad line costs that line: it is reported\n"
-           "with its number, and the exit code is 4."},
+           "with its number, and the exit code is 4. A line that is odd but can be read is kept, with a warning.\n"
+           "A file that cannot be read costs the import: nothing is brought in, of none of the files."},
       [options](const Globals& globals) { return run(*options, globals); });
   takeTexts(app, "FILE", options->files, "The files")->required()->type_name("");
   takeFlag(app, "--dry-run", options->dryRun, "Report what would happen and change nothing");

@@ -8,6 +8,7 @@
 #include "module/output.h"
 #include "module/project_file.h"
 #include "module/session.h"
+#include "module/shell_word.h"
 
 namespace reeldb::cli {
 
@@ -20,17 +21,19 @@ struct Options {
 ExitCode run(const Options& options, const Globals& globals)
 {
   const std::string folder = options.folder.value_or(globals.facility.value_or("."));
-  reelhost::createFacility(folder);
+  reelhost::NewFacility made(folder);
   const reelhost::Facility facility = reelhost::Facility::read(folder);
   const std::string project = facility.defaultProject();
   if (!project.empty())
     makeProject(facility, project, usualFrameRate);
+  made.keep();
+  changesAreStored();
   const std::string shown = displayText(folder);
   print(fmt::format("facility made in {}{}\n", shown,
                     project.empty() ? "" : fmt::format(", with the project {} ({} fps)", project, usualFrameRate)));
   print(fmt::format("next: {}reeldb import FILE... brings in cut lists and log files; {}/facility.toml describes the "
                     "devices,\n      {}/devicedata/reeltype.dat the reel types\n",
-                    folder == "." ? "" : fmt::format("cd {} and ", shown), shown, shown));
+                    folder == "." ? "" : fmt::format("cd {} and ", shellWord(folder)), shown, shown));
   return done;
 }
 
@@ -43,8 +46,8 @@ void addInit(CommandLine& line)
       {.name = "init",
        .description = "Make a facility: configuration, reel types, label maps and a first project",
        .examples = {"reeldb init newsroom"},
-       .details = "Makes the folder if it is not there, and overwrites nothing. The folder is DIR, else the one given\n"
-                  "with -C, else the working folder.",
+       .details = "Makes the folder if it is not there, and overwrites nothing; when anything of it cannot be made,\n"
+                  "nothing is. The folder is DIR, else the one given with -C, else the working folder.",
        .needsFacility = false},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "DIR", options->folder, "The folder")->type_name("");

@@ -2,8 +2,8 @@
 #include "LabelMaps.h"
 #include "commands/commands.h"
 #include "module/device.h"
-#include "module/display_text.h"
 #include "module/host_text.h"
+#include "module/label_map.h"
 #include "module/session.h"
 
 namespace reeldb::cli {
@@ -21,10 +21,7 @@ ExitCode run(const Options& options, const Globals& globals)
   Session session(globals, reelhost::Access::Read);
   const LightweightString<char> id = session.requireReel(options.id).reelId();
   const std::string map = text(get_required_label_map_name(id, IdStamp(device.id)));
-  if (options.json)
-    printJson({{"reel", text(id)}, {"device", device.number}, {"label_map", map}});
-  else
-    print(displayText(map) + "\n");
+  answerLabelMap({{"reel", text(id)}, {"device", device.number}, {"label_map", map}}, map, options.json);
   return done;
 }
 
@@ -37,7 +34,8 @@ void addLabelMapFor(CommandLine& line)
       line.add({.name = "label-map-for",
                 .description = "Show the label map for a reel on a device",
                 .examples = {"reeldb label-map-for A001 --device 0"},
-                .details = "The reel's own map, if it names one, whether it fits or not; else the device's."},
+                .details = "The reel's own map, if it names one, whether it fits or not; else the device's.\n"
+                           "A warning tells when the facility has no such map, or one that cannot be read."},
                [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "REEL", options->id, "The reel")->required()->type_name("");
   takeText(app, "--device", options->device, "The device; reeldb devices lists them")->required()->type_name("NUMBER");

@@ -1,8 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
-#include <filesystem>
-#include <system_error>
-
 #include <fmt/format.h>
 
 #include "LabelMaps.h"
@@ -11,6 +7,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/label_map.h"
 #include "module/reel.h"
 #include "module/session.h"
 #include "module/table.h"
@@ -19,29 +16,7 @@ namespace reeldb::cli {
 
 namespace {
 
-namespace fs = std::filesystem;
-
-/// The file of a label map. Throws Failure for a name that leads out of the folder.
-fs::path fileOf(const reelhost::Facility& facility, const std::string& name)
-{
-  if (name.empty() || name == "." || name == ".." || name.find('/') != std::string::npos)
-    throw Failure(refused, fmt::format("\"{}\": no name for a label map", shortText(name)));
-  return facility.labelMapDirectory() / (name + ".toml");
-}
-
-std::vector<std::string> namesIn(const fs::path& folder)
-{
-  std::vector<std::string> names;
-  std::error_code none;
-  for (const auto& entry : fs::directory_iterator(folder, none))
-    if (entry.path().extension() == ".toml")
-      names.push_back(entry.path().stem().string());
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
-// --- list
-// --------------------------------------------------------------------------------------------------------------
+// --- list ------------------------------------------------------------------------------------------------------------
 
 struct ListOptions {
   bool json = false;
@@ -54,34 +29,27 @@ ExitCode list(const ListOptions& options, const Globals& globals)
   Json json = Json::array();
   Table table({{"LABEL MAP"}, {"VITC"}, {"FITS PROJECT"}, {.title = "FAULT", .optional = true}});
   ExitCode code = done;
-  for (const std::string& name : namesIn(facility.labelMapDirectory())) {
-    const LightweightString<wchar_t> map = wideHostText(name);
-    std::string fault;
-    try {
-      reelhost::readLabelMap(fileOf(facility, name));
-    } catch (const reelhost::Error& error) {
-      fault = error.what();
+  for (const std::string& name : labelMapNames(facility)) {
+    if (const auto fault = labelMapFault(facility, name)) {
       code = unreadable;
+      json.push_back({{"name", name}, {"uses_vitc", nullptr}, {"fits_project", nullptr}, {"fault", fault->what()}});
+      table.add({name, "-", "unreadable", fault->what()});
+      continue;
     }
+    const LightweightString<wchar_t> map = wideHostText(name);
     const bool vitc = map_file_uses_vitc(map);
     const bool fits = map_file_is_compatible_with_project(map);
-    Json entry = {{"name", name}, {"uses_vitc", vitc}, {"fits_project", fits}};
-    if (!fault.empty())
-      entry["fault"] = fault;
-    json.push_back(std::move(entry));
-    table.add({name, std::string(yesOrNo(vitc)), std::string(yesOrNo(fits)), fault});
+    json.push_back({{"name", name}, {"uses_vitc", vitc}, {"fits_project", fits}});
+    table.add({name, std::string(yesOrNo(vitc)), std::string(yesOrNo(fits))});
   }
   if (options.json)
     printJson(json);
-  else if (table.empty())
-    print("no label maps (the folder labelmaps of the facility holds them)\n");
   else
-    table.print();
+    table.printOr("no label maps (the folder labelmaps of the facility holds them)\n");
   return code;
 }
 
-// --- check
-// -------------------------------------------------------------------------------------------------------------
+// --- check -----------------------------------------------------------------------------------------------------------
 
 struct CheckOptions {
   std::string map;
@@ -93,7 +61,8 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
 {
   const reelhost::Facility& facility = requireFacility();
   const reelhost::DeviceSettings* device = options.device ? &requireDevice(facility, *options.device) : nullptr;
-  reelhost::readLabelMap(fileOf(facility, options.map)); // says which line is wrong, where the library only says no
+  if (const auto fault = labelMapFault(facility, options.map)) // names the line, where the library only says no
+    throw *fault;
   Session session(globals, reelhost::Access::Read);
   const LightweightString<wchar_t> map = wideHostText(options.map);
   const bool fitsProject = map_file_is_compatible_with_project(map);
@@ -122,13 +91,14 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
 
 void addLabelMap(CommandLine& line)
 {
-  CLI::App& group = line.addGroup("labelmap", "List or check label maps");
+  CLI::App& group = line.addGroup("labelmap", "List or check label maps", "reeldb labelmap list");
 
   const auto listOptions = std::make_shared<ListOptions>();
   CLI::App& listApp = line.add(group,
                                {.name = "list",
                                 .description = "List the label maps of the facility",
-                                .examples = {"reeldb labelmap list", "reeldb labelmap list --json"}},
+                                .examples = {"reeldb labelmap list", "reeldb labelmap list --json"},
+                                .details = "One that cannot be read is told with its fault, and the exit code is 3."},
                                [listOptions](const Globals& globals) { return list(*listOptions, globals); });
   takeJson(listApp, listOptions->json);
 

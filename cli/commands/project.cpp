@@ -8,6 +8,7 @@
 #include "module/output.h"
 #include "module/project_file.h"
 #include "module/session.h"
+#include "module/shell_word.h"
 #include "module/table.h"
 #include "reelhost/store.h"
 
@@ -27,7 +28,7 @@ ExitCode makeNew(const NewOptions& options)
   print(fmt::format("project {} made ({} fps)\n", displayText(options.name),
                     frameRateName(facility, *facility.frameRateCode(options.rate))));
   if (options.name != facility.defaultProject())
-    print(fmt::format("next: reeldb -p {} import FILE...\n", displayText(options.name)));
+    print(fmt::format("next: reeldb -p {} import FILE...\n", shellWord(options.name)));
   return done;
 }
 
@@ -76,10 +77,8 @@ ExitCode list(const ListOptions& options)
   }
   if (options.json)
     printJson(json);
-  else if (table.empty())
-    print("no projects (reeldb project new NAME makes one)\n");
   else
-    table.print();
+    table.printOr("no projects (reeldb project new NAME makes one)\n");
   return code;
 }
 
@@ -103,7 +102,7 @@ ExitCode compact(const CompactOptions& options, const Globals& globals)
 
 void addProject(CommandLine& line)
 {
-  CLI::App& group = line.addGroup("project", "Make, list or compact projects");
+  CLI::App& group = line.addGroup("project", "Make, list or compact projects", "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
   CLI::App& newApp = line.add(group,

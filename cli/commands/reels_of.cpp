@@ -121,11 +121,33 @@ void report(const Options& options, const std::vector<Need>& needs)
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), ready));
 }
 
+void tellRejected(const std::string& file, const lists::List& list)
+{
+  for (const lists::Rejected& line : list.rejected)
+    complain(fmt::format("{}: line {} rejected: {} ({})", file, line.line, line.reason, line.text));
+}
+
+/// Says why there is no reel to tell of.
+[[noreturn]] void tellNothingFound(const Options& options, Session& session)
+{
+  if (options.reel)
+    throw Failure(refused, fmt::format("{}: no shot was recorded from it",
+                                       shortText(text(session.requireReel(*options.reel).reelId()))));
+  throw Failure(refused, options.file ? fmt::format("{}: no clip in it has a reel", *options.file)
+                                      : "reels-of: none of these shots has a reel");
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
   const int sources = !options.clips.empty() + options.reel.has_value() + options.file.has_value();
-  if (sources != 1)
+  if (sources == 0)
     throw Failure(usage, "reels-of: say which shots: clip names, --reel ID or --file LIST");
+  if (sources > 1)
+    throw Failure(usage, "reels-of: only one of these at a time: clip names, --reel ID, --file LIST");
+  if (std::find(options.clips.begin(), options.clips.end(), "") != options.clips.end())
+    throw Failure(usage, "reels-of: \"\" is no name of a clip");
+  if (options.reel && options.reel->empty())
+    throw Failure(usage, "reels-of: \"\" is no reel");
   std::optional<lists::List> list;
   if (options.file)
     list = readListFile(*options.file);
@@ -138,14 +160,13 @@ ExitCode run(const Options& options, const Globals& globals)
     for (const Cookie& shot : shotsOf(*options.reel))
       needs.addShot(reelhost::materialOf(shot).reel);
   addClips(options.clips, needs);
+  if (!needs.all().empty())
+    report(options, needs.all());
+  if (list)
+    tellRejected(*options.file, *list);
   if (needs.all().empty())
-    throw Failure(refused, "reels-of: no such shots");
-  report(options, needs.all());
-  if (!list || list->rejected.empty())
-    return done;
-  for (const lists::Rejected& line : list->rejected)
-    complain(fmt::format("{}: line {} rejected: {} ({})", *options.file, line.line, line.reason, line.text));
-  return incomplete;
+    tellNothingFound(options, session);
+  return list && !list->rejected.empty() ? incomplete : done;
 }
 
 } // namespace

@@ -5,8 +5,8 @@
 #include "module/counted.h"
 #include "module/display_text.h"
 #include "module/failure.h"
-#include "module/field_limit.h"
 #include "module/host_text.h"
+#include "module/reel_name.h"
 #include "module/session.h"
 #include "module/shot.h"
 
@@ -20,38 +20,40 @@ struct Options {
   bool json = false;
 };
 
-/// The identifier as a new reel of that name would get it. The library takes any, so what makes no sense is refused
-/// here.
-std::string checkedNewId(ReelDbManager& manager, const ReelDbRec& reel, const std::string& asked)
+/// Throws Failure when another reel is called that. The library would take the name all the same.
+void requireFree(ReelDbManager& manager, const ReelDbRec& reel, const std::string& id)
 {
-  const std::string id = text(manager.trimLeadingTrailingSpaces(hostText(asked)));
-  if (id.empty())
-    throw Failure(refused, fmt::format("\"{}\": no name for a reel (it is blank)", shortText(asked)));
-  if (id.size() > longestField)
-    throw Failure(refused, fmt::format("{}: no name for a reel (it has {} bytes, {} are the most)", shortText(id),
-                                       id.size(), longestField));
-  if (manager.representsInternallyGeneratedMaterial(hostText(id)))
-    throw Failure(refused, fmt::format("{}: no name for a reel (a star denotes generated material)", shortText(id)));
   ReelDbRec other = manager.getReelInfo(hostText(id));
   if (other.valid() && other.compare(reel) != 0)
-    throw Failure(refused, fmt::format("{}: exists already", shortText(text(other.reelId()))));
-  return id;
+    throw Failure(refused, fmt::format("\"{}\": exists already", shortText(text(other.reelId()))));
+}
+
+/// The shots that bear the reel's identifier, as they are under the new one.
+std::vector<reelhost::Material> shotsUnder(const std::string& newId, const CookieVec& logs)
+{
+  std::vector<reelhost::Material> shots = materialOf(logs);
+  for (reelhost::Material& shot : shots)
+    shot.reel = newId;
+  return shots;
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
+  const std::string after = checkedReelName(options.newId);
   Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
   ReelDbManager& manager = session.manager();
   ReelDbRec reel = session.requireReel(options.oldId);
   const std::string before = text(reel.reelId());
-  const std::string after = checkedNewId(manager, reel, options.newId);
-  const CookieVec shots = before == after ? CookieVec() : shotsOf(before);
+  requireFree(manager, reel, after);
   if (before != after)
+    warnOfSpecialName(after);
+  const auto shots = shotsUnder(after, before == after ? CookieVec() : shotsOf(before));
+  if (before != after && !options.dryRun)
     manager.changeReelId(hostText(before), hostText(after));
   const bool stored = !options.dryRun && session.commit();
   if (options.json) {
     Json json = {{"from", before}, {"to", after}, {"dry_run", options.dryRun}, {"stored", stored}};
-    json["shots"] = toJson(materialOf(shots));
+    json["shots"] = toJson(shots);
     printJson(json);
     return done;
   }
@@ -60,9 +62,9 @@ ExitCode run(const Options& options, const Globals& globals)
     return done;
   }
   if (!shots.empty())
-    printShots(materialOf(shots));
-  print(fmt::format("{} is now {}, in {} too\n", displayText(before), displayText(after),
-                    counted(shots.count(), "shot")));
+    printShots(shots);
+  print(fmt::format("{} {} {}, in {} too\n", displayText(before), options.dryRun ? "would be" : "is now",
+                    displayText(after), counted(shots.size(), "shot")));
   if (options.dryRun)
     print("dry run: the project stays as it was\n");
   return done;
@@ -77,8 +79,10 @@ void addRename(CommandLine& line)
       {.name = "rename",
        .description = "Rename a reel, and every shot recorded from it",
        .examples = {"reeldb rename --dry-run A001 A001B", "reeldb rename A001 A001B", "reeldb rename A001B a001b"},
-       .details = "Outer blanks of the new name do not count. A name that another reel has, letter case aside, is\n"
-                  "refused; another spelling of the reel's own name is not."},
+       .details = fmt::format(
+           "Outer blanks of the new name do not count. A name that another reel has, letter case aside, is\n"
+           "refused; another spelling of the reel's own name is not.\n{}",
+           reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "OLD", options->oldId, "The reel")->required()->type_name("");
   takeText(app, "NEW", options->newId, "Its new identifier")->required()->type_name("");

@@ -97,7 +97,7 @@ void addSet(CommandLine& line)
   CLI::App& app = line.add(
       {.name = "set",
        .description = "Change what is known of a reel",
-       .examples = {"reeldb set A001 type=DigiBeta available=no", "reeldb set A001 0=12A bin=\"Shelf 4\"",
+       .examples = {"reeldb set A001 \"type=Tape 4ch\" available=no", "reeldb set A001 0=12A bin=\"Shelf 4\"",
                     "reeldb set A001 \"User field 2=rain\" user-field.2=night", "reeldb set A001 last-device="},
        .details = "Fields:\n"
                   "  type           a reel type; reeldb types lists them\n"

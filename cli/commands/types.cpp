@@ -1,4 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+#include <system_error>
+
 #include <fmt/format.h>
 
 #include "ReelTypeManager.h"
@@ -34,7 +37,10 @@ std::vector<Type> catalogue()
 
 ExitCode run(const Options& options)
 {
-  requireFacility();
+  const auto file = requireFacility().deviceDataDirectory() / "reeltype.dat";
+  std::error_code none;
+  if (!std::filesystem::exists(file, none))
+    complain(fmt::format("{}: not there, so there are no reel types", file.native()));
   const std::vector<Type> types = catalogue();
   if (options.json) {
     Json json = Json::array();
@@ -46,14 +52,10 @@ ExitCode run(const Options& options)
     printJson(json);
     return done;
   }
-  if (types.empty()) {
-    print("no reel types (devicedata/reeltype.dat of the facility lists them)\n");
-    return done;
-  }
   Table table({{"TYPE"}, {.title = "VIDEO", .number = true}, {.title = "AUDIO", .number = true}, {"PARAMETERS"}});
   for (const Type& type : types)
     table.add({type.name, std::to_string(type.videoChannels), std::to_string(type.audioChannels), type.parameters});
-  table.print();
+  table.printOr("no reel types (devicedata/reeltype.dat of the facility lists them)\n");
   return done;
 }
 

@@ -28,60 +28,129 @@ struct Options {
 
 constexpr std::chrono::milliseconds interval{200};
 
-/// All that is known of the reels, to tell what became of them.
-using Snapshot = std::map<std::string, Json>;
+struct Known {
+  std::string id;
+  Json state;
+};
+
+/// All that is known of the reels, by log, to tell what became of them: an identifier may change.
+using Snapshot = std::map<std::string, Known>;
+
+std::string nameOf(const Cookie& log)
+{
+  return log.asString(false).c_str();
+}
 
 Snapshot lookAt(const ReelDbManager& manager)
 {
   Snapshot snapshot;
-  for (const Reel& reel : readReels(manager, reelhost::shotCounts()))
-    snapshot.emplace(reel.id, toJson(reel));
+  const ShotCounts shots = reelhost::shotCounts();
+  for (const Cookie& log : manager.reelList) {
+    const Reel reel = readReel(ReelDbRec(log), shots);
+    Json state = toJson(reel);
+    state.erase("id");
+    if (!reel.id.empty())
+      snapshot[nameOf(log)] = {reel.id, std::move(state)};
+  }
   return snapshot;
 }
 
-/// Prints every notification as a line, at once.
+/// Prints every notification as a line, at once. With a reel of interest it tells of that one alone, also when it is
+/// renamed; once it is gone, of the next reel that bears its identifier.
 class Watcher : public ReelDbClient {
 public:
   Watcher(const Options& options, Session& session)
-      : ReelDbClient(options.reel ? hostText(*options.reel) : LightweightString<char>()), options_(options),
-        manager_(session.manager()), known_(lookAt(manager_))
+      : json_(options.json), reel_(options.reel), manager_(session.manager()), known_(lookAt(manager_))
   {
+    if (!reel_)
+      return;
+    ReelDbRec record = session.requireReel(*reel_);
+    follow(nameOf(record), text(record.reelId()));
   }
 
   void reelDbChanged(LightweightString<char> id) override
   {
     Snapshot now = lookAt(manager_);
-    for (const auto& [reel, state] : now) {
-      const auto before = known_.find(reel);
+    for (const auto& [log, before] : known_)
+      if (!now.count(log))
+        tellGone(log, before.id);
+    for (const auto& [log, reel] : now) {
+      const auto before = known_.find(log);
       if (before == known_.end())
-        tell("new", reel);
-      else if (before->second != state)
-        tell("changed", reel);
+        tell("new", log, reel.id);
+      else if (before->second.id != reel.id)
+        tellRenamed(log, before->second.id, reel.id);
+      if (before != known_.end() && before->second.state != reel.state)
+        tell("changed", log, reel.id);
     }
-    for (const auto& [reel, state] : known_)
-      if (!now.count(reel))
-        tell("gone", reel);
     known_ = std::move(now);
-    tell("database", text(id));
+    if (!reel_)
+      say("database", text(id));
   }
-  void ourReelDbRecChanged() override { tell("ours", options_.reel.value_or("")); }
-  void someReelDbRecChanged(LightweightString<char> id) override { tell("record", text(id)); }
+  void ourReelDbRecChanged() override { say("ours", reel_.value_or("")); }
+  void someReelDbRecChanged(LightweightString<char> id) override
+  {
+    if (!reel_ || bearsItsName(text(id)))
+      say("record", text(id));
+  }
 
 private:
-  void tell(const char* what, const std::string& reel)
+  bool bearsItsName(const std::string& reel) const { return folded(reel) == folded(*reel_); }
+
+  /// A log that bears the identifier of a reel of interest that is gone becomes the one of interest.
+  bool isOfInterest(const std::string& log, const std::string& reel)
   {
-    const bool ofInterest = !options_.reel || reel.empty() || folded(reel) == folded(*options_.reel);
-    if (!ofInterest)
-      return;
-    if (options_.json)
-      print(Json({{"what", what}, {"reel", reel}}).dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
-    else
-      print(fmt::format("{}{}\n", what, reel.empty() ? "" : " " + displayText(reel)));
-    if (!flushOutput())
-      throw Failure(unreadable, "watch: nobody listens");
+    if (!reel_)
+      return true;
+    if (log_.empty() && bearsItsName(reel))
+      follow(log, reel);
+    return log == log_;
   }
 
-  const Options& options_;
+  void follow(const std::string& log, const std::string& reel)
+  {
+    log_ = log;
+    reel_ = reel;
+    setReelIdOfInterest(hostText(reel)); // letter for letter
+  }
+
+  void tell(const char* what, const std::string& log, const std::string& reel)
+  {
+    if (isOfInterest(log, reel))
+      say(what, reel);
+  }
+
+  void tellGone(const std::string& log, const std::string& reel)
+  {
+    tell("gone", log, reel);
+    if (log == log_)
+      log_.clear();
+  }
+
+  void tellRenamed(const std::string& log, const std::string& before, const std::string& after)
+  {
+    if (!isOfInterest(log, after))
+      return;
+    if (reel_)
+      follow(log, after);
+    say({{"what", "renamed"}, {"reel", after}, {"from", before}},
+        fmt::format("renamed {} from {}", displayText(after), displayText(before)));
+  }
+
+  void say(const char* what, const std::string& reel)
+  {
+    say({{"what", what}, {"reel", reel}}, fmt::format("{}{}", what, reel.empty() ? "" : " " + displayText(reel)));
+  }
+  void say(const Json& json, const std::string& line)
+  {
+    print(json_ ? jsonLine(json) : line + "\n");
+    if (!flushOutput())
+      throw Failure(unreadable, "watch: ended (nobody can read it)");
+  }
+
+  const bool json_;
+  std::optional<std::string> reel_; ///< of interest, as its record spells it
+  std::string log_;                 ///< the log of that reel; empty while there is none
   ReelDbManager& manager_;
   Snapshot known_;
 };
@@ -146,10 +215,13 @@ void addWatch(CommandLine& line)
        .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json"},
        .details = "Hears of what any program commits to the project, and keeps none of them waiting. A line each:\n"
                   "  new REEL, changed REEL, gone REEL   what the change came to\n"
+                  "  renamed REEL from OLD               the reel is called REEL now\n"
                   "  database                            the reels were read anew\n"
-                  "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set"},
+                  "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set\n"
+                  "With --reel it tells of that reel alone, follows it when it is renamed, and waits for one of its\n"
+                  "name when it is gone."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeText(app, "--reel", options->reel, "The only reel of interest")->type_name("ID");
+  takeText(app, "--reel", options->reel, "The only reel of interest; it has to be there")->type_name("ID");
   takeText(app, "--for", options->seconds, "End after so many seconds")->type_name("SECONDS");
   takeFlag(app, "--json", options->json, "Report as JSON, an object a line");
 }

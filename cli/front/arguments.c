@@ -53,7 +53,7 @@ bool read_arguments(int argc, char** argv, struct arguments* arguments)
   // One place more than given, for the facility, and one for the null.
   arguments->values = calloc((size_t)argc + 3, sizeof(char*));
   if (!arguments->values) {
-    print_message(stderr, "out of memory");
+    print_message("out of memory");
     return false;
   }
   arguments->values[0] = argc > 0 ? argv[0] : (char*)"reeldb";
@@ -65,8 +65,12 @@ bool read_arguments(int argc, char** argv, struct arguments* arguments)
     if (names_facility(argv[i], &value)) {
       if (!value && i + 1 < argc)
         value = argv[++i];
+      if (arguments->facility) {
+        print_message("-C: given more than once (-C DIR names the facility)");
+        return false;
+      }
       if (!value || !*value) {
-        print_message(stderr, "-C: no folder given (-C DIR names the facility)");
+        print_message("-C: no folder given (-C DIR names the facility)");
         return false;
       }
       arguments->facility = value;
@@ -86,7 +90,7 @@ bool read_arguments(int argc, char** argv, struct arguments* arguments)
     arguments->without_facility = true;
   if (arguments->facility) {
     if (!put_facility_first(arguments)) {
-      print_message(stderr, "out of memory");
+      print_message("out of memory");
       return false;
     }
   } else {

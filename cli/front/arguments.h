@@ -13,7 +13,8 @@ struct arguments {
   char** values; ///< as given, but the facility stands first, as --facility=DIR; ends in a null
 };
 
-/// Reads the line. Everything after "--" is left alone. Answers false after it has said what is wrong.
+/// Reads the line; the facility may be given once. Everything after "--" is left alone. Answers false after it has said
+/// what is wrong.
 bool read_arguments(int argc, char** argv, struct arguments* arguments);
 void free_arguments(struct arguments* arguments);
 

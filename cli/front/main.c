@@ -3,7 +3,7 @@
 // The command's front. The library reads the facility while it is loaded and ends the process over some faults in it,
 // so the facility is found and looked at first, in plain C; then one module brings in commands, library and host.
 #define _GNU_SOURCE
-#include <stdio.h>
+#include <stdbool.h>
 #include <stdlib.h>
 
 #include "arguments.h"
@@ -13,14 +13,31 @@
 #include "type_file.h"
 
 /// Points the library to the facility, or to none.
-static void choose_facility(const struct arguments* arguments, struct refusal* refusal)
+static void choose_facility(const struct arguments* arguments, struct refusal* refusal, struct remarks* remarks)
 {
   char* facility = arguments->without_facility ? NULL : find_facility(arguments->facility, refusal);
-  if (facility && check_type_file(facility, refusal))
+  if (facility && check_type_file(facility, refusal, remarks))
     setenv("REELDB_FACILITY", facility, 1);
   else
     unsetenv("REELDB_FACILITY");
   free(facility);
+}
+
+/// Runs the line, unless the facility it needs was refused. Answers the exit code.
+static int run(const struct module* module, const struct arguments* arguments, const struct refusal* refusal,
+               const struct remarks* remarks)
+{
+  // A line that makes no sense is told before a facility that is not there.
+  const bool talks = refusal->code != 0 || remarks->count > 0;
+  if (talks && module->needs_facility(arguments->count, arguments->values)) {
+    if (refusal->code != 0) {
+      module->complain(refusal->text ? refusal->text : "out of memory");
+      return refusal->code;
+    }
+    for (size_t i = 0; i < remarks->count; ++i)
+      module->complain(remarks->texts[i]);
+  }
+  return module->run(arguments->count, arguments->values);
 }
 
 int main(int argc, char** argv)
@@ -31,19 +48,12 @@ int main(int argc, char** argv)
     return exit_usage;
   }
   struct refusal refusal = {0};
+  struct remarks remarks = {0};
   struct module module;
-  int code = exit_unreadable;
-  choose_facility(&arguments, &refusal);
-  if (load_module(&module)) {
-    // A line that makes no sense is told before a facility that is not there.
-    if (refusal.code != 0 && module.needs_facility(arguments.count, arguments.values)) {
-      print_message(stderr, refusal.text ? refusal.text : "out of memory");
-      code = refusal.code;
-    } else {
-      code = module.run(arguments.count, arguments.values);
-    }
-  }
+  choose_facility(&arguments, &refusal, &remarks);
+  const int code = load_module(&module) ? run(&module, &arguments, &refusal, &remarks) : exit_unreadable;
   free(refusal.text);
+  free_remarks(&remarks);
   free_arguments(&arguments);
   return code;
 }

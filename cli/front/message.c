@@ -3,6 +3,7 @@
 #include "message.h"
 
 #include <stdarg.h>
+#include <stdio.h>
 #include <stdlib.h>
 
 void refuse(struct refusal* refusal, int code, const char* format, ...)
@@ -16,19 +17,31 @@ void refuse(struct refusal* refusal, int code, const char* format, ...)
   refusal->code = code;
 }
 
-void print_message(FILE* to, const char* text)
+void remark(struct remarks* remarks, const char* format, ...)
 {
-  fputs("reeldb: ", to);
-  for (const unsigned char* c = (const unsigned char*)text; *c; ++c) {
-    // C2 80 to C2 9F are the UTF-8 forms of the C1 controls.
-    if (*c == 0xC2 && c[1] >= 0x80 && c[1] <= 0x9F) {
-      fprintf(to, "\\x%02x\\x%02x", c[0], c[1]);
-      ++c;
-    } else if (*c < 0x20 || *c == 0x7F) {
-      fprintf(to, "\\x%02x", *c);
-    } else {
-      fputc(*c, to);
-    }
-  }
-  fputc('\n', to);
+  char** texts = realloc(remarks->texts, (remarks->count + 1) * sizeof *texts);
+  if (!texts)
+    return;
+  remarks->texts = texts;
+  va_list arguments;
+  va_start(arguments, format);
+  if (vasprintf(&texts[remarks->count], format, arguments) >= 0)
+    ++remarks->count;
+  va_end(arguments);
+}
+
+void free_remarks(struct remarks* remarks)
+{
+  for (size_t i = 0; i < remarks->count; ++i)
+    free(remarks->texts[i]);
+  free(remarks->texts);
+  *remarks = (struct remarks){0};
+}
+
+void print_message(const char* text)
+{
+  fputs("reeldb: ", stderr);
+  for (const unsigned char* c = (const unsigned char*)text; *c; ++c)
+    fprintf(stderr, *c < 0x20 || *c > 0x7E ? "\\x%02x" : "%c", *c);
+  fputc('\n', stderr);
 }

@@ -36,7 +36,7 @@ static void* open_module(const char* folder)
       // Global: the library's operator new is the process's, as in a program that is linked to it.
       void* handle = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
       if (!handle)
-        print_message(stderr, dlerror());
+        print_message(dlerror());
       free(path);
       return handle;
     }
@@ -45,7 +45,7 @@ static void* open_module(const char* folder)
   char* text = NULL;
   if (asprintf(&text, "%s: libreelcli.so not found (looked in %s, %s and %s from there)", folder, places[0], places[1],
                places[2]) >= 0)
-    print_message(stderr, text);
+    print_message(text);
   free(text);
   return NULL;
 }
@@ -54,7 +54,7 @@ bool load_module(struct module* module)
 {
   char* folder = program_folder();
   if (!folder) {
-    print_message(stderr, "/proc/self/exe: cannot be read, so the command's module cannot be found");
+    print_message("/proc/self/exe: cannot be read, so the command's module cannot be found");
     return false;
   }
   void* handle = open_module(folder);
@@ -64,8 +64,9 @@ bool load_module(struct module* module)
   // The way to a function from dlsym that C allows.
   *(void**)&module->run = dlsym(handle, "reeldb_main");
   *(void**)&module->needs_facility = dlsym(handle, "reeldb_needs_facility");
-  if (!module->run || !module->needs_facility) {
-    print_message(stderr, "libreelcli.so: does not belong to this program (entry point missing)");
+  *(void**)&module->complain = dlsym(handle, "reeldb_complain");
+  if (!module->run || !module->needs_facility || !module->complain) {
+    print_message("libreelcli.so: does not belong to this program (entry point missing)");
     return false;
   }
   return true;

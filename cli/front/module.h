@@ -11,6 +11,7 @@
 struct module {
   reeldb_main_function* run;
   reeldb_needs_facility_function* needs_facility;
+  reeldb_complain_function* complain;
 };
 
 /// Loads the module from where it stands relative to this program. Answers false after it has said what is wrong.

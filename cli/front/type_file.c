@@ -4,23 +4,27 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 // The library trims a field in a buffer of this size and forms its warning in another; both with the terminator.
-static const size_t bufferSize = 2048;
+#define BUFFER_SIZE 2048u
+// As many channels as a reel can tell of.
+static const long mostChannels = 65535;
 static const char* const warning = "ReelTypeList Warning: %s: no parameters. Line %lu\n";
 
 /// One record as far as it has been read: "name:parameters", with anything after a second colon passed over.
 struct record {
   unsigned long line;
-  size_t name;       ///< bytes of the name field
-  size_t trimmed[2]; ///< bytes of name and parameters after their leading white space
-  int field;         ///< 0 name, 1 parameters, 2 the rest
-  bool has_more;     ///< whether anything follows the first colon
-  bool ended;        ///< at a NUL: the library's texts end there
+  size_t name;                  ///< bytes of the name field
+  size_t trimmed[2];            ///< bytes of name and parameters after their leading white space
+  int field;                    ///< 0 name, 1 parameters, 2 the rest
+  bool has_more;                ///< whether anything follows the first colon
+  char parameters[BUFFER_SIZE]; ///< as many of the trimmed bytes as fit, with a terminator
+  bool ended;                   ///< at a NUL: the library's texts end there
 };
 
 static bool is_white(int c)
@@ -44,17 +48,20 @@ static void add_byte(struct record* record, int c)
   }
   if (record->field == 0)
     ++record->name;
-  if (record->field < 2 && (record->trimmed[record->field] > 0 || !is_white(c)))
-    ++record->trimmed[record->field];
+  if (record->field < 2 && (record->trimmed[record->field] > 0 || !is_white(c))) {
+    const size_t place = record->trimmed[record->field]++;
+    if (record->field == 1 && place < sizeof record->parameters - 1)
+      record->parameters[place] = (char)c;
+  }
 }
 
 /// What is wrong with the record, for the refusal; null when nothing is.
 static const char* fault(const struct record* record)
 {
   if (record->has_more) {
-    if (record->trimmed[0] >= bufferSize)
+    if (record->trimmed[0] >= BUFFER_SIZE)
       return "the name is longer than 2047 bytes";
-    if (record->trimmed[1] >= bufferSize)
+    if (record->trimmed[1] >= BUFFER_SIZE)
       return "the parameters are longer than 2047 bytes";
     return NULL;
   }
@@ -62,12 +69,61 @@ static const char* fault(const struct record* record)
   if (record->name == 0 && record->field == 0)
     return NULL;
   const int fixed = snprintf(NULL, 0, warning, "", record->line);
-  if (fixed < 0 || (size_t)fixed + record->name >= bufferSize)
+  if (fixed < 0 || (size_t)fixed + record->name >= BUFFER_SIZE)
     return "the record has no parameters and is too long for the warning of that";
   return NULL;
 }
 
-static bool check_records(FILE* file, const char* path, struct refusal* refusal)
+/// The value that the library finds for the parameter: that of the first token whose text contains the name, case
+/// aside, and that has one. Null when there is none. The tokens are ended by terminators, of which the last is @p end.
+static const char* value_of(const char* name, const char* tokens, const char* end)
+{
+  for (; tokens < end; tokens += strlen(tokens) + 1) {
+    const char* equals = strchr(tokens, '=');
+    if (equals && equals[1] && strcasestr(tokens, name))
+      return equals + 1;
+  }
+  return NULL;
+}
+
+/// Remarks on a number of channels that is none, or that no reel can have. The library takes a number up to its first
+/// other character, as an int, and reads of the channels of a reel the low 16 bits.
+static void check_count(const char* name, const char* value, const char* path, unsigned long line,
+                        struct remarks* remarks)
+{
+  const int length = (int)strcspn(value, "=");
+  char* end = NULL;
+  const long number = strtol(value, &end, 10);
+  const int taken = (int)number;
+  if (end == value || end < value + length)
+    remark(remarks, "%s:%lu: %s: \"%.*s\" is no number (taken as %d)", path, line, name, length, value, taken);
+  else if (number < 0)
+    remark(remarks, "%s:%lu: %s: %.*s is no number of channels (none are added)", path, line, name, length, value);
+  else if (number > mostChannels)
+    remark(remarks, "%s:%lu: %s: %.*s are too many (%ld are the most; a reel would seem to have %d)", path, line, name,
+           length, value, mostChannels, taken < 0 ? 0 : (int)(taken & mostChannels));
+}
+
+static void check_counts(struct record* record, const char* path, struct remarks* remarks)
+{
+  if (!record->has_more)
+    return;
+  char* const text = record->parameters;
+  size_t length = strlen(text);
+  while (length > 0 && is_white((unsigned char)text[length - 1]))
+    text[--length] = '\0';
+  for (size_t i = 0; i < length; ++i)
+    if (text[i] == ' ')
+      text[i] = '\0';
+  static const char* const names[] = {"VideoChannels", "AudioChannels"};
+  for (size_t i = 0; i < sizeof names / sizeof *names; ++i) {
+    const char* value = value_of(names[i], text, text + length);
+    if (value)
+      check_count(names[i], value, path, record->line, remarks);
+  }
+}
+
+static bool check_records(FILE* file, const char* path, struct refusal* refusal, struct remarks* remarks)
 {
   struct record record = {.line = 1};
   int c;
@@ -82,6 +138,7 @@ static bool check_records(FILE* file, const char* path, struct refusal* refusal)
       refuse(refusal, exit_unreadable, "%s:%lu: %s", path, record.line, found);
       return false;
     }
+    check_counts(&record, path, remarks);
     // A CR directly followed by LF is one line end.
     if (c == '\r') {
       const int next = getc(file);
@@ -97,7 +154,7 @@ static bool check_records(FILE* file, const char* path, struct refusal* refusal)
   return true;
 }
 
-bool check_type_file(const char* facility, struct refusal* refusal)
+bool check_type_file(const char* facility, struct refusal* refusal, struct remarks* remarks)
 {
   char* path = NULL;
   if (asprintf(&path, "%s%sdevicedata/reeltype.dat", facility, strcmp(facility, "/") == 0 ? "" : "/") < 0) {
@@ -118,7 +175,7 @@ bool check_type_file(const char* facility, struct refusal* refusal)
   } else {
     FILE* file = fdopen(descriptor, "r");
     if (file) {
-      good = check_records(file, path, refusal);
+      good = check_records(file, path, refusal, remarks);
       fclose(file);
     } else {
       refuse(refusal, exit_unreadable, "%s: cannot be read (%s)", path, strerror(errno));

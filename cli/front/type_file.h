@@ -10,7 +10,7 @@
 
 /// The library reads devicedata/reeltype.dat of the facility while it is loaded, and a field that does not fit its
 /// buffers ends the process. Answers whether it can read the file, or that there is none; otherwise the refusal names
-/// file and line.
-bool check_type_file(const char* facility, struct refusal* refusal);
+/// file and line. Numbers of channels that the library takes for others are remarks, with file and line too.
+bool check_type_file(const char* facility, struct refusal* refusal, struct remarks* remarks);
 
 #endif

@@ -3,7 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
+#include <iterator>
+#include <optional>
+#include <system_error>
 #include <utility>
 
 #include "lists/collector.h"
@@ -37,13 +41,52 @@ constexpr std::array<std::string_view, kColumns> kTitles = {
     "TapeID", "Reel #", "Camroll", "Labroll", "Soundroll",
 };
 
+constexpr std::array kTimes = {Start, End};
+
+/// A heading with more is not believed.
+constexpr int kMostFramesASecond = 999;
+
+/// What tapes of a video format count, whatever the rate of the project.
+constexpr std::array<std::pair<std::string_view, int>, 2> kFormatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
+
 /// Columns that name the source of a row in other words.
 constexpr std::array kAliases = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
 
 /// What a source has when the log does not say: a picture.
 constexpr std::string_view kDefaultTracks = "V";
 
-using Cells = std::array<std::string_view, kColumns>;
+/// A row's cells of interest, without outer blanks; empty where the row has none.
+struct Cells {
+  std::array<std::string_view, kColumns> texts;
+  std::size_t count = 0; ///< of all cells of the row
+
+  std::string_view operator[](Column column) const { return texts[column]; }
+};
+
+/// "no 'Start', no 'End'"; `what` may stand before each.
+std::string lacking(const std::vector<Column>& columns, const std::string& what = "")
+{
+  std::string result;
+  for (Column column : columns)
+    result += (result.empty() ? "no " : ", no ") + what + "'" + std::string(kTitles[column]) + "'";
+  return result;
+}
+
+std::string withoutThem(const std::vector<Column>& columns)
+{
+  return columns.size() == 1 ? "without it" : "without them";
+}
+
+/// The frames that a rate such as "25" or "23.976" counts in a second; 0 when the text is no rate.
+int framesASecond(std::string_view rate)
+{
+  int whole = 0;
+  const auto [end, error] = std::from_chars(rate.data(), rate.data() + rate.size(), whole);
+  std::string_view rest(end, static_cast<std::size_t>(rate.data() + rate.size() - end));
+  if (error != std::errc() || whole < 0 || whole > kMostFramesASecond || (!rest.empty() && rest.front() != '.'))
+    return 0;
+  return whole + (rest.find_first_of("123456789") == std::string_view::npos ? 0 : 1);
+}
 
 std::string_view takeCell(std::string_view& row)
 {
@@ -69,16 +112,24 @@ private:
   void line(int number, std::string_view line);
   void heading(std::string_view line);
   void setting(std::string_view key, std::string_view value);
-  void titles(std::string_view line);
+  void titles(int number, std::string_view line);
   void row(int number, std::string_view line);
-  /// Why a cell is no timecode; empty when it is one, or is empty.
-  static std::string timecodeCellFault(Column column, std::string_view cell);
+  Cells cellsOf(std::string_view line) const;
+  bool hasColumn(Column column) const { return places_[column].has_value(); }
+  /// Why a row with these cells cannot be read; empty when it can.
+  std::string fault(const Cells& cells) const;
+  void warnOfTimes(int number, std::string_view line, const Cells& cells);
+  /// Why a row that ends early cannot; empty when it holds what it takes.
+  std::string cutFault(const Cells& cells) const;
 
   Collector collector_{Format::Ale};
   Section section_ = Section::None;
   std::string tape_; ///< of the heading, for rows without one
-  /// Where the columns of interest stand, from left to right.
+  int frames_ = 0;   ///< that the heading says a second has; 0 when it does not
+  /// Where the columns of interest stand, from left to right, and where each of them does.
   std::vector<std::pair<std::size_t, Column>> positions_;
+  std::array<std::optional<std::size_t>, kColumns> places_;
+  std::size_t titleCount_ = 0;
 };
 
 List Reader::read(std::string_view text)
@@ -119,7 +170,7 @@ void Reader::line(int number, std::string_view line)
       heading(line);
     return;
   case Section::Column:
-    titles(line);
+    titles(number, line);
     section_ = Section::Titles;
     return;
   case Section::Titles:
@@ -148,54 +199,100 @@ void Reader::setting(std::string_view key, std::string_view value)
 {
   if (sameName(key, "TAPE"))
     tape_ = clean(value);
+  if (sameName(key, "FPS"))
+    frames_ = std::max(frames_, framesASecond(trim(value)));
+  for (const auto& [format, frames] : kFormatFrames) {
+    if (sameName(key, "VIDEO_FORMAT") && sameName(trim(value), format))
+      frames_ = std::max(frames_, frames);
+  }
   if (sameName(key, "FIELD_DELIM") && !sameName(trim(value), "TABS"))
     throw Error("log file with the field delimiter " + inQuotes(trim(value)) + " (only TABS is understood)");
 }
 
-void Reader::titles(std::string_view line)
+void Reader::titles(int number, std::string_view line)
 {
-  std::array<bool, kColumns> known = {};
   bool otherCase = false;
-  for (std::size_t position = 0; !line.empty(); ++position) {
-    const std::string_view title = trim(takeCell(line));
+  std::string_view rest = trimRight(line);
+  for (std::size_t position = 0; !rest.empty(); ++position) {
+    const std::string_view title = trim(takeCell(rest));
+    titleCount_ = position + 1;
     otherCase = otherCase || sameName(title, kTitles[Name]);
     const auto found = std::find(kTitles.begin(), kTitles.end(), title);
     const auto column = static_cast<std::size_t>(found - kTitles.begin());
-    if (column == kColumns || known[column]) // the first of two columns with one title counts
+    if (column == kColumns || places_[column]) // the first of two columns with one title counts
       continue;
-    known[column] = true;
+    places_[column] = position;
     positions_.emplace_back(position, static_cast<Column>(column));
   }
-  if (!known[Name])
+  if (!hasColumn(Name))
     throw Error(otherCase ? "log file without a column 'Name' (the case of column titles counts)"
                           : "log file without a column 'Name'");
+  std::vector<Column> untimed;
+  std::copy_if(kTimes.begin(), kTimes.end(), std::back_inserter(untimed), [&](Column c) { return !hasColumn(c); });
+  if (!untimed.empty())
+    collector_.warn(number, line, lacking(untimed, "column ") + " (the rows are kept " + withoutThem(untimed) + ")");
+  if (!hasColumn(TracksColumn))
+    collector_.warn(number, line,
+                    lacking({TracksColumn}, "column ") + " (the rows are kept as " + std::string(kDefaultTracks) + ")");
 }
 
-std::string Reader::timecodeCellFault(Column column, std::string_view cell)
+Cells Reader::cellsOf(std::string_view line) const
 {
-  if (cell.empty())
+  Cells cells;
+  cells.count = static_cast<std::size_t>(std::count(line.begin(), line.end(), '\t')) + 1;
+  std::size_t position = 0;
+  for (const auto& [at, column] : positions_) {
+    for (; position < at; ++position)
+      takeCell(line);
+    cells.texts[column] = trim(takeCell(line));
+    ++position;
+  }
+  return cells;
+}
+
+std::string Reader::cutFault(const Cells& cells) const
+{
+  const auto isCut = [&](Column column) { return hasColumn(column) && *places_[column] >= cells.count; };
+  std::vector<Column> missing;
+  for (Column column : {Name, Start, End}) {
+    if (isCut(column))
+      missing.push_back(column);
+  }
+  if (tape_.empty() && cells[SourceFile].empty() && cells[SourceFilePath].empty()) {
+    for (Column column : {Tape, SourceFile, SourceFilePath}) {
+      if (hasColumn(column)) { // a log that has tapes names its sources by them
+        if (isCut(column))
+          missing.push_back(column);
+        break;
+      }
+    }
+  }
+  if (missing.empty())
     return {};
-  const std::string fault = timecodeFault(cell);
-  return fault.empty() ? fault
-                       : std::string(kTitles[column]) + " " + inQuotes(cell) + " is no timecode (" + fault + ")";
+  return "row has " + std::to_string(cells.count) + " of " + std::to_string(titleCount_) + " cells (" +
+         lacking(missing) + ")";
+}
+
+std::string Reader::fault(const Cells& cells) const
+{
+  if (std::string fault = cutFault(cells); !fault.empty())
+    return fault;
+  for (Column column : kTimes) {
+    if (cells[column].empty())
+      continue;
+    if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
+      return std::string(kTitles[column]) + " " + inQuotes(cells[column]) + " is no timecode (" + fault + ")";
+  }
+  if (!cells[TracksColumn].empty() && !parseLogTracks(cells[TracksColumn]))
+    return "unknown tracks " + inQuotes(cells[TracksColumn]);
+  return {};
 }
 
 void Reader::row(int number, std::string_view line)
 {
-  Cells cells;
-  std::string_view rest = line;
-  std::size_t position = 0;
-  for (const auto& [at, column] : positions_) {
-    for (; position < at; ++position)
-      takeCell(rest);
-    cells[column] = trim(takeCell(rest));
-    ++position;
-  }
-  for (Column column : {Start, End}) {
-    std::string fault = timecodeCellFault(column, cells[column]);
-    if (!fault.empty())
-      return collector_.reject(number, line, std::move(fault));
-  }
+  const Cells cells = cellsOf(line);
+  if (std::string fault = this->fault(cells); !fault.empty())
+    return collector_.reject(number, line, std::move(fault));
 
   Clip clip;
   clip.line = number;
@@ -204,7 +301,7 @@ void Reader::row(int number, std::string_view line)
   clip.sourceIn = cells[Start];
   clip.sourceOut = cells[End];
   clip.tracks = cells[TracksColumn].empty() ? std::string(kDefaultTracks) : clean(cells[TracksColumn]);
-  const Tracks tracks = parseTracks(clip.tracks, Digits::Number).value_or(Tracks());
+  const Tracks tracks = parseLogTracks(clip.tracks).value_or(Tracks());
   clip.videoChannels = tracks.video;
   clip.audioChannels = tracks.audio;
   for (Column column : kAliases)
@@ -218,7 +315,23 @@ void Reader::row(int number, std::string_view line)
     return collector_.special(tape, "AX without a clip name or source file", number);
   if (clip.reel.empty())
     return collector_.special(clip.clipName, "no tape and no source file", number);
-  collector_.clip(std::move(clip), line);
+  if (collector_.clip(std::move(clip), line))
+    warnOfTimes(number, line, cells);
+}
+
+void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
+{
+  std::vector<Column> empty;
+  for (Column column : kTimes) {
+    if (hasColumn(column) && cells[column].empty())
+      empty.push_back(column);
+    else if (frames_ > 0 && !cells[column].empty() && framesOf(cells[column]) >= frames_)
+      collector_.warn(number, line,
+                      std::string(kTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
+                          std::to_string(frames_) + " frames a second of the heading (kept as it is)");
+  }
+  if (!empty.empty())
+    collector_.warn(number, line, lacking(empty) + " (kept " + withoutThem(empty) + ")");
 }
 
 } // namespace

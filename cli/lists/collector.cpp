@@ -6,12 +6,10 @@
 
 #include "lists/names.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 
 namespace reeldb::lists {
 namespace {
-
-/// A rejected line is shown, not kept: this much of it.
-constexpr std::size_t kShownBytes = 1000;
 
 /// Keeps what is another name for the reel, each once.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
@@ -26,6 +24,38 @@ std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_v
   return aliases;
 }
 
+/// Why a name cannot be kept as it is; empty when it can.
+std::string nameFault(std::string_view what, std::string_view name)
+{
+  if (name.size() > kNameBytes)
+    return std::string(what) + " " + inQuotes(name) + " has " + std::to_string(name.size()) + " bytes (at most " +
+           std::to_string(kNameBytes) + ")";
+  if (const std::string_view control = firstControl(name); !control.empty())
+    return std::string(what) + " " + inQuotes(name) + " holds a control character (" + escaped(control) + ")";
+  return {};
+}
+
+/// The same for all names of a clip. Those that have a field of their own come first: the reel may be one of them.
+std::string namesFault(const Clip& clip)
+{
+  std::string fault = nameFault("clip name", clip.clipName);
+  if (fault.empty())
+    fault = nameFault("source file", clip.sourceFile);
+  if (fault.empty())
+    fault = nameFault("reel", clip.reel);
+  for (auto alias = clip.aliases.begin(); fault.empty() && alias != clip.aliases.end(); ++alias)
+    fault = nameFault("other name of the reel", *alias);
+  return fault;
+}
+
+std::string orderFault(std::string_view side, std::string_view in, std::string_view out)
+{
+  if (in.empty() || out.empty() || !isAfter(in, out))
+    return {};
+  return std::string(side) + " in " + std::string(in) + " is after " + std::string(side) + " out " + std::string(out) +
+         " (backwards, or past midnight)";
+}
+
 } // namespace
 
 bool Collector::clip(Clip clip, std::string_view text)
@@ -34,15 +64,13 @@ bool Collector::clip(Clip clip, std::string_view text)
     reject(clip.line, text, "no reel");
     return false;
   }
+  if (std::string fault = namesFault(clip); !fault.empty()) {
+    reject(clip.line, text, std::move(fault));
+    return false;
+  }
   const std::string_view reason = specialReason(clip.reel);
   if (!reason.empty()) {
     special(clip.reel, reason, clip.line);
-    return false;
-  }
-  if (clip.reel.size() > kIdentifierBytes) {
-    reject(clip.line, text,
-           "reel identifier of " + std::to_string(clip.reel.size()) + " bytes (at most " +
-               std::to_string(kIdentifierBytes) + ")");
     return false;
   }
   const std::string& first = spellings_.try_emplace(fold(clip.reel), clip.reel).first->second;
@@ -52,6 +80,7 @@ bool Collector::clip(Clip clip, std::string_view text)
     clip.reel = first;
   }
   clip.aliases = aliasesOf(std::move(clip.aliases), clip.reel);
+  warnOfOrder(clip, text);
   list_.clips.push_back(std::move(clip));
   return true;
 }
@@ -63,7 +92,7 @@ void Collector::special(std::string_view text, std::string_view reason, int line
   key += reason;
   const auto [entry, isNew] = specials_.try_emplace(std::move(key), list_.specials.size());
   if (isNew)
-    list_.specials.push_back({std::string(text), std::string(reason), 0, {}});
+    list_.specials.push_back({shortened(text, kShownBytes), std::string(reason), 0, {}});
   Special& known = list_.specials[entry->second];
   ++known.count;
   known.lines.push_back(line);
@@ -74,6 +103,20 @@ void Collector::reject(int line, std::string_view text, std::string reason)
   list_.rejected.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
 }
 
+void Collector::warn(int line, std::string_view text, std::string reason)
+{
+  list_.warnings.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
+}
+
+void Collector::warnOfOrder(const Clip& clip, std::string_view text)
+{
+  for (std::string fault :
+       {orderFault("source", clip.sourceIn, clip.sourceOut), orderFault("record", clip.recordIn, clip.recordOut)}) {
+    if (!fault.empty())
+      warn(clip.line, text, std::move(fault));
+  }
+}
+
 const std::string& Collector::spelling(const std::string& reel) const
 {
   const auto known = spellings_.find(fold(reel));
@@ -82,8 +125,9 @@ const std::string& Collector::spelling(const std::string& reel) const
 
 List Collector::finish()
 {
-  std::stable_sort(list_.rejected.begin(), list_.rejected.end(),
-                   [](const Rejected& a, const Rejected& b) { return a.line < b.line; });
+  const auto byLine = [](const auto& a, const auto& b) { return a.line < b.line; };
+  std::stable_sort(list_.rejected.begin(), list_.rejected.end(), byLine);
+  std::stable_sort(list_.warnings.begin(), list_.warnings.end(), byLine);
   return std::move(list_);
 }
 

@@ -20,20 +20,25 @@ public:
   List& list() { return list_; }
 
   /// Takes a clip with its identifier decided and its aliases in any number and state; `text` is its line. It becomes
-  /// a clip, a special when the identifier makes no reel, or a rejected line when it can be no identifier; true for the
-  /// first. The clip gets the spelling its reel had first, and its aliases are cleared of what is no other name.
+  /// a clip, a special when the identifier makes no reel, or a rejected line when one of its names is too long or holds
+  /// a control character; true for the first. The clip gets the spelling its reel had first, and its aliases are
+  /// cleared of what is no other name. An in point behind its out point is warned about.
   bool clip(Clip clip, std::string_view text);
 
   void special(std::string_view text, std::string_view reason, int line);
   void reject(int line, std::string_view text, std::string reason);
+  /// Tells something odd of a line that is kept.
+  void warn(int line, std::string_view text, std::string reason);
 
   /// The spelling that clips of this reel carry; the name itself when no clip has it.
   const std::string& spelling(const std::string& reel) const;
 
-  /// The list, with the rejected lines in order; to be called once.
+  /// The list, with the rejected lines and the warnings in order; to be called once.
   List finish();
 
 private:
+  void warnOfOrder(const Clip& clip, std::string_view text);
+
   List list_;
   std::unordered_map<std::string, std::string> spellings_; ///< folded name to the spelling used first
   std::unordered_set<std::string> otherSpellings_;         ///< reported

@@ -56,6 +56,13 @@ struct Known {
   bool reported = false;            ///< the ambiguity
 };
 
+/// Where a row of the source table stands, and where it was counted.
+struct TableRow {
+  int line = 0;
+  std::string_view text;
+  int* counter = nullptr;
+};
+
 class Reader {
 public:
   List read(std::string_view text);
@@ -66,7 +73,8 @@ private:
   void takeNote(std::optional<Note> note);
   /// True when the line is a statement; rejects it when it is a broken one.
   bool statement(int number, std::string_view line);
-  bool replacedReel(std::string_view statement);
+  /// Why the statement cannot be used; empty when it is.
+  std::string replacedReel(std::string_view statement);
   void closeEvent();
 
   void decide(const EventSource& source, Digits digits);
@@ -81,6 +89,7 @@ private:
   NoteJoiner notes_;
   std::vector<EventSource> sources_; ///< all complete events
   SourceTable table_;
+  std::vector<TableRow> tableRows_;                                    ///< in the order of the table
   std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement to the reels it replaces
 
   std::unordered_map<std::string, Known> known_;                      ///< by folded reel text
@@ -103,7 +112,11 @@ List Reader::read(std::string_view text)
     reels.insert(fold(clean(source.fields.reel)));
     channelNumbers = channelNumbers || hasChannelNumber(source.fields.channels);
   }
-  table_.settle([&](const std::string& folded) { return reels.contains(folded); });
+  for (UnusedRow& unused : table_.settle([&](const std::string& folded) { return reels.contains(folded); })) {
+    const TableRow& row = tableRows_[unused.row];
+    --*row.counter;
+    collector_.reject(row.line, row.text, std::move(unused.reason));
+  }
   for (const EventSource& source : sources_)
     decide(source, channelNumbers ? Digits::Number : Digits::Set);
   reportSharedNames();
@@ -171,15 +184,15 @@ bool Reader::statement(int number, std::string_view line)
   if (takeStatement(rest, kTitle)) {
     closeEvent();
     if (collector_.list().title.empty())
-      collector_.list().title = clean(rest);
+      collector_.list().title = shortened(rest, kShownBytes);
     ++counter;
     return true;
   }
   if (takeStatement(rest, kReplacedReel)) {
-    if (replacedReel(rest))
+    if (std::string fault = replacedReel(rest); fault.empty())
       ++counter;
     else
-      collector_.reject(number, line, "replaced reel without both names");
+      collector_.reject(number, line, std::move(fault));
     return true;
   }
   if (!rest.starts_with(kSourceMark))
@@ -188,30 +201,38 @@ bool Reader::statement(int number, std::string_view line)
   if (!takeStatement(rest, kSource))
     return false;
   closeEvent(); // notes below a row are the row's
-  if (table_.add(rest))
-    ++counter;
-  else
-    collector_.reject(number, line, "source row without a name");
+  if (std::string fault = table_.add(rest); !fault.empty()) {
+    collector_.reject(number, line, std::move(fault));
+    return true;
+  }
+  tableRows_.push_back({number, line, &counter});
+  ++counter;
   return true;
 }
 
-bool Reader::replacedReel(std::string_view statement)
+std::string Reader::replacedReel(std::string_view statement)
 {
+  const std::string fault = "replaced reel without both names";
   const auto sameLetter = [](char a, char b) { return sameName({&a, 1}, {&b, 1}); };
   const auto found =
       std::search(statement.begin(), statement.end(), kReplacedBy.begin(), kReplacedBy.end(), sameLetter);
   if (found == statement.end())
-    return false;
+    return fault;
   const auto at = static_cast<std::size_t>(found - statement.begin());
   const std::string reel = clean(statement.substr(0, at));
   std::string_view replacement = statement.substr(at);
   if (!takeStatement(replacement, kReplacedBy))
-    return false;
+    return fault;
   const std::string by = clean(replacement);
   if (reel.empty() || by.empty())
-    return false;
+    return fault;
+  if (const std::string_view control = firstControl(statement); !control.empty())
+    return "replaced reel with a control character (" + escaped(control) + ")";
+  if (reel.size() > kNameBytes)
+    return "replaced reel " + inQuotes(reel) + " has " + std::to_string(reel.size()) + " bytes (at most " +
+           std::to_string(kNameBytes) + ")";
   replaced_[fold(by)].push_back(reel);
-  return true;
+  return {};
 }
 
 void Reader::closeEvent()

@@ -109,6 +109,8 @@ std::string fieldsFault(std::string_view fields)
     return "no reel and no channels";
   if (parseTracks(channels, Digits::Set))
     return "no reel";
+  if (looksLikeTimecode(channels))
+    return "more than four timecodes (" + inQuotes(channels) + " stands before the source in)";
   return "unknown channels " + inQuotes(channels);
 }
 
@@ -161,7 +163,8 @@ std::string parseEvent(std::string_view line, EventLine& event)
     return fieldsFault(fields);
   const std::size_t characters = length(event.reel);
   if (characters > kReelLength)
-    return "reel of " + std::to_string(characters) + " characters (at most " + std::to_string(kReelLength) + ")";
+    return "reel " + inQuotes(event.reel) + " has " + std::to_string(characters) + " characters (at most " +
+           std::to_string(kReelLength) + ")";
   return {};
 }
 

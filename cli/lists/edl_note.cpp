@@ -10,8 +10,11 @@
 namespace reeldb::lists {
 namespace {
 
-/// Writers that wrap notes fill this many columns; one fewer remains when the last one held a blank that was dropped.
+/// Writers that wrap notes fill this many columns ...
 constexpr std::size_t kWrapColumn = 80;
+
+/// ... and not so few: what ends earlier was ended on purpose, however long the word that comes next.
+constexpr std::size_t kLeastWrapped = 60;
 
 constexpr std::array<std::pair<std::string_view, NoteKind>, 9> kKeys = {{
     {"FROM CLIP NAME", NoteKind::FromClipName},
@@ -81,9 +84,11 @@ Note parseNote(std::string_view text)
   return note;
 }
 
-/// Whether the text opens a note of its own: a known first word, or capitals up to a colon or an equals sign.
+/// Whether the text opens a note of its own: a star, a known first word, or capitals up to a colon or an equals sign.
 bool opensNote(std::string_view text)
 {
+  if (text.starts_with('*'))
+    return true;
   std::string_view rest = text;
   std::string_view first = takeFirst(rest);
   if (first.ends_with(',') || first.ends_with(':'))
@@ -107,7 +112,8 @@ std::optional<Note> NoteJoiner::line(std::string_view line)
   const std::string_view text = afterStar(line);
   const std::size_t width = length(line);
   if (continues(text)) {
-    if (width_ < kWrapColumn)
+    // A full line was cut where it stood; any other ended with a word, and the blank behind that was dropped.
+    if (width_ != kWrapColumn && !open_->empty() && !isBlank(open_->back()))
       *open_ += ' ';
     *open_ += text.substr(1);
     width_ = width;
@@ -130,9 +136,10 @@ std::optional<Note> NoteJoiner::flush()
 
 bool NoteJoiner::continues(std::string_view text) const
 {
-  if (!open_ || (width_ != kWrapColumn && width_ != kWrapColumn - 1))
+  if (!open_ || width_ < kLeastWrapped || !text.starts_with(' ') || trim(text).empty() || opensNote(trim(text)))
     return false;
-  return text.starts_with(' ') && !trim(text).empty() && !opensNote(trim(text));
+  std::string_view rest = text;
+  return width_ + 1 + length(takeFirst(rest)) > kWrapColumn;
 }
 
 } // namespace reeldb::lists

@@ -31,7 +31,11 @@ struct Note {
 /// Whether the line is a note. Blanks may stand before the star.
 bool isNote(std::string_view line);
 
-/// Puts notes that were wrapped at column 80 together again.
+/// Puts notes that were wrapped at column 80 together again, be it in the middle of a word or between two.
+///
+/// A line of 60 columns or more goes on in the next when that starts with "* ", opens no note of its own, and its first
+/// word would not have fitted into 80 columns any more: a writer that had room for the word and broke the line all the
+/// same began anew.
 class NoteJoiner {
 public:
   /// Takes a note line as it stands, outer blanks and all. Returns the note before it when that one is now complete.

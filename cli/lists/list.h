@@ -22,10 +22,10 @@ public:
 
 enum class Format { Edl, Ale };
 
-/// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8, without control
-/// characters and without outer blanks; an empty text means that the list does not say.
+/// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8 of at most 2,047
+/// bytes, without control characters and without outer blanks; an empty text means that the list does not say.
 struct Clip {
-  std::string reel;                 ///< the reel identifier: 1 to 2,047 bytes, in the spelling the list used first
+  std::string reel;                 ///< the reel identifier, never empty, in the spelling the list used first
   std::string clipName;             ///< what the editor calls it
   std::string sourceFile;           ///< as written, a path or a name
   std::string tracks;               ///< as written: "V", "A34", "VA1A2"
@@ -39,7 +39,7 @@ struct Clip {
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
 struct Special {
-  std::string text;       ///< what stands where the reel should be
+  std::string text;       ///< what stands where the reel should be, shown as in Rejected
   std::string reason;     ///< why that is no reel
   int count = 0;          ///< how many event lines or rows
   std::vector<int> lines; ///< their numbers
@@ -47,9 +47,16 @@ struct Special {
 
 /// A line that could not be read. The rest of the list is not affected.
 struct Rejected {
-  int line = 0;       ///< counted from 1
-  std::string text;   ///< the line without outer blanks, control characters as blanks, cut after 1,000 bytes with "..."
+  int line = 0;     ///< counted from 1
+  std::string text; ///< without outer blanks, tabs as blanks, other controls as \x1b; cut after 1,000 bytes with "..."
   std::string reason; ///< what is wrong, with the offending value
+};
+
+/// A line that was read and is in the list, but says something that is worth a look.
+struct Warning {
+  int line = 0;       ///< counted from 1
+  std::string text;   ///< as in Rejected
+  std::string reason; ///< what is odd, and what was made of it
 };
 
 /// Two spellings that differ only in ASCII case: the same reel. One entry for each further spelling.
@@ -77,17 +84,18 @@ struct Tally {
 
 struct List {
   Format format = Format::Edl;
-  std::string title;              ///< of a cut list; empty when it has none
+  std::string title;              ///< of a cut list, shown as in Rejected; empty when it has none
   std::vector<Clip> clips;        ///< in the order of their lines
   std::vector<Special> specials;  ///< in the order of first appearance, as all that follow
   std::vector<Rejected> rejected; ///< in the order of their lines
+  std::vector<Warning> warnings;  ///< likewise
   std::vector<Spelling> spellings;
   std::vector<Ambiguous> ambiguous;
   Tally tally;
 };
 
-/// The longest identifier a clip can carry, in bytes.
-inline constexpr std::size_t kIdentifierBytes = 2047;
+/// The longest name a clip can carry, in bytes: as much as a reel's fields give back whole.
+inline constexpr std::size_t kNameBytes = 2047;
 
 /// Tells the format from the content; nothing when it is neither. Takes text in UTF-8, UTF-16 with a byte order mark,
 /// or Latin-1.

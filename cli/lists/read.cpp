@@ -4,6 +4,7 @@
 #include "lists/ale.h"
 #include "lists/detect.h"
 #include "lists/edl.h"
+#include "lists/encoding.h"
 #include "lists/list.h"
 #include "lists/text.h"
 
@@ -24,6 +25,8 @@ List read(std::string_view bytes)
     return readEdl(text);
   if (format == Format::Ale)
     return readAle(text);
+  if (isUnmarkedUtf16(bytes))
+    throw Error("UTF-16 without a byte order mark (save it as UTF-8)");
   const bool binary = text.find('\0') != std::string::npos;
   throw Error(binary ? "neither a cut list (EDL) nor a log file (ALE) (it holds binary data)"
                      : "neither a cut list (EDL) nor a log file (ALE) (it has no event line and no Heading or Column)");

@@ -6,13 +6,14 @@
 #include <utility>
 
 #include "lists/edl_line.h"
+#include "lists/list.h"
 #include "lists/text.h"
 
 namespace reeldb::lists {
 namespace {
 
 /// Two reel fields of the widest kind, in bytes, and the blank between them.
-constexpr std::size_t kSearched = 2 * 4 * kReelLength + 1;
+constexpr std::size_t kLongestNames = 2 * 4 * kReelLength + 1;
 
 /// Names of more words than this are not searched for a sensible split: no list has them, and it keeps rows cheap.
 constexpr std::size_t kMostGaps = 64;
@@ -79,25 +80,41 @@ bool isCut(std::string_view a, std::string_view b)
 
 } // namespace
 
-bool SourceTable::add(std::string_view row)
+std::string SourceTable::add(std::string_view row)
 {
-  const std::string id = clean(takeId(row));
-  const std::string names = clean(row);
-  if (names.empty())
-    return false;
-  rows_.push_back({names, {}, {}, id});
-  return true;
+  Row added;
+  added.whole = clean(row);
+  if (const std::string_view control = firstControl(added.whole); !control.empty())
+    return "source row with a control character (" + escaped(control) + ")";
+  added.id = clean(takeId(row));
+  added.names = clean(row);
+  if (added.names.empty())
+    return "source row without a name";
+  if (added.names.size() > kLongestNames)
+    return "source row with names of " + std::to_string(added.names.size()) + " bytes (at most " +
+           std::to_string(kLongestNames) + ")";
+  if (added.id.size() > kNameBytes)
+    return "source row with an id of " + std::to_string(added.id.size()) + " bytes (at most " +
+           std::to_string(kNameBytes) + ")";
+  rows_.push_back(std::move(added));
+  return {};
 }
 
-void SourceTable::split(Row& row, const std::function<bool(const std::string&)>& isReel)
+void SourceTable::split(Row& row, const IsReel& isReel)
 {
+  if (isReel(fold(row.whole))) { // one name with blanks, of which the last part looked like an id
+    row.names = row.whole;
+    row.id.clear();
+  }
   const std::string_view names = row.names;
   const auto cutAt = [&](const Gap& gap) {
     row.first = std::string(names.substr(0, gap.at));
     row.second = std::string(names.substr(gap.at + gap.size));
+    row.single = false;
   };
   row.first = row.second = row.names;
-  if (names.size() > kSearched)
+  row.single = true;
+  if (isReel(fold(names)))
     return;
   const std::vector<Gap> gaps = gapsOf(names);
   std::vector<Gap> wide;
@@ -122,19 +139,40 @@ void SourceTable::split(Row& row, const std::function<bool(const std::string&)>&
   }
 }
 
-void SourceTable::settle(const std::function<bool(const std::string&)>& isReel)
+std::string SourceTable::fault(const Row& row, const IsReel& isReel)
 {
+  const bool isUsed = isReel(fold(row.first)) || isReel(fold(row.second));
+  if (row.single)
+    return isUsed ? std::string() : "source row with one name, and no event has the reel " + inQuotes(row.first);
+  if (!row.id.empty())
+    return {};
+  const std::string names = inQuotes(row.first) + " and " + inQuotes(row.second);
+  if (!isCut(row.first, row.second))
+    return "source row without an id, and " + names + " are not two forms of one name";
+  return isUsed ? std::string() : "source row without an id, and no event has the reels " + names;
+}
+
+std::vector<UnusedRow> SourceTable::settle(const IsReel& isReel)
+{
+  std::vector<UnusedRow> unused;
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     Row& row = rows_[i];
     split(row, isReel);
-    row.names.clear();
-    row.names.shrink_to_fit();
+    for (std::string* text : {&row.whole, &row.names}) {
+      text->clear();
+      text->shrink_to_fit();
+    }
+    if (std::string reason = fault(row, isReel); !reason.empty()) {
+      unused.push_back({i, std::move(reason)});
+      continue;
+    }
     const std::string first = fold(row.first);
     const std::string second = fold(row.second);
     byName_[first].push_back(i);
     if (second != first)
       byName_[second].push_back(i);
   }
+  return unused;
 }
 
 SourceMatch SourceTable::find(const std::string& reel) const

@@ -22,25 +22,40 @@ struct SourceMatch {
   std::vector<std::string> fits;  ///< the different longer names, when the rows that fit do not agree
 };
 
+/// A row of which no use can be made.
+struct UnusedRow {
+  std::size_t row = 0; ///< counted from 0, in the order of add()
+  std::string reason;
+};
+
 class SourceTable {
 public:
-  /// Takes what stands behind ">>> SOURCE". False when it holds no name.
-  bool add(std::string_view row);
+  using IsReel = std::function<bool(const std::string& folded)>;
+
+  /// Takes what stands behind ">>> SOURCE". Returns why it is no row, or an empty text.
+  std::string add(std::string_view row);
 
   /// Splits the names of the rows and makes find() ready; rows whose names hold single blanks need to know which texts
   /// are reels of the list. To be called once, after the last add().
-  void settle(const std::function<bool(const std::string& folded)>& isReel);
+  ///
+  /// Returns the rows that are left out: a row with one name, when no event has that reel, and a row without an id,
+  /// when neither name is the start of the other, so that one cannot tell what they say, or when no event has either. A
+  /// whole row of a source that the list does not use is none of these.
+  std::vector<UnusedRow> settle(const IsReel& isReel);
 
   SourceMatch find(const std::string& reel) const;
 
 private:
   struct Row {
-    std::string names; ///< before settle(): both names as they stand
-    std::string first, second;
-    std::string id; ///< may be empty
+    std::string whole;         ///< before settle(): all of it
+    std::string names;         ///< before settle(): what stands before the id
+    std::string first, second; ///< the same when the row has one name
+    std::string id;            ///< may be empty
+    bool single = false;
   };
 
-  static void split(Row& row, const std::function<bool(const std::string&)>& isReel);
+  static void split(Row& row, const IsReel& isReel);
+  static std::string fault(const Row& row, const IsReel& isReel);
 
   std::vector<Row> rows_;
   std::unordered_map<std::string, std::vector<std::size_t>> byName_; ///< folded name to rows, in order

@@ -2,86 +2,49 @@
 #include "lists/text.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <iterator>
-
-#include <utf8.h>
 
 namespace reeldb::lists {
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
-constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
-constexpr std::uint32_t kReplacement = 0xFFFD;
+constexpr std::string_view kBlanks = " \t";
+
+/// What devices fill records and files up with: NUL, the end mark and the form feed; and the blanks among these.
+constexpr std::string_view kPadding("\0\x1A\f \t", 5);
 
 char toUpper(char c)
 {
   return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-std::string fromLatin1(std::string_view bytes)
+/// The line without padding at its ends; blanks next to the text stay.
+std::string_view withoutPadding(std::string_view line)
 {
-  std::string text;
-  text.reserve(bytes.size() + bytes.size() / 8);
-  for (char c : bytes)
-    utf8::append(static_cast<std::uint32_t>(static_cast<unsigned char>(c)), std::back_inserter(text));
-  return text;
+  const std::size_t first = line.find_first_not_of(kPadding);
+  if (first == std::string_view::npos)
+    return {};
+  const std::size_t start = line.substr(0, first).find_last_not_of(kBlanks) + 1; // npos + 1 is 0
+  const std::size_t end = line.find_first_not_of(kBlanks, line.find_last_not_of(kPadding) + 1);
+  return line.substr(start, end == std::string_view::npos ? end : end - start);
 }
 
-/// Half a surrogate pair and half a code unit become U+FFFD.
-std::string fromUtf16(std::string_view bytes, bool bigEndian)
+/// How many bytes the control character at the front takes, tab not among them; 0 when there is none.
+std::size_t controlSize(std::string_view text)
 {
-  auto unit = [&](std::size_t at) {
-    auto high = static_cast<unsigned char>(bytes[at + (bigEndian ? 0 : 1)]);
-    auto low = static_cast<unsigned char>(bytes[at + (bigEndian ? 1 : 0)]);
-    return static_cast<std::uint32_t>(high << 8 | low);
-  };
-  std::string text;
-  text.reserve(bytes.size());
-  std::size_t at = 0;
-  for (; at + 1 < bytes.size(); at += 2) {
-    std::uint32_t point = unit(at);
-    if (point >= 0xD800 && point <= 0xDFFF) {
-      const bool first = point < 0xDC00 && at + 3 < bytes.size();
-      const std::uint32_t second = first ? unit(at + 2) : 0;
-      if (second >= 0xDC00 && second <= 0xDFFF) {
-        point = 0x10000 + ((point - 0xD800) << 10) + (second - 0xDC00);
-        at += 2;
-      } else {
-        point = kReplacement;
-      }
-    }
-    utf8::append(point, std::back_inserter(text));
-  }
-  if (at < bytes.size())
-    utf8::append(kReplacement, std::back_inserter(text));
-  return text;
+  const auto first = static_cast<unsigned char>(text.front());
+  if ((first < 0x20 && first != '\t') || first == 0x7F)
+    return 1;
+  const bool c1 = first == 0xC2 && text.size() > 1 && static_cast<unsigned char>(text[1]) < 0xA0; // U+0080 to U+009F
+  return c1 ? 2 : 0;
 }
 
 } // namespace
-
-std::string decode(std::string_view bytes)
-{
-  std::string text;
-  if (bytes.starts_with(kUtf16LittleMark) || bytes.starts_with(kUtf16BigMark)) {
-    text = fromUtf16(bytes.substr(2), bytes.starts_with(kUtf16BigMark));
-  } else {
-    if (bytes.starts_with(kUtf8Mark))
-      bytes.remove_prefix(kUtf8Mark.size());
-    text = utf8::is_valid(bytes.begin(), bytes.end()) ? std::string(bytes) : fromLatin1(bytes);
-  }
-  // The end mark and NUL count as blanks, so padding of any mix goes here.
-  text.resize(trimRight(text).size());
-  return text;
-}
 
 bool Lines::next(std::string_view& line)
 {
   if (rest_.empty())
     return false;
   const std::size_t end = std::min(rest_.find_first_of("\r\n"), rest_.size());
-  line = rest_.substr(0, end);
+  line = withoutPadding(rest_.substr(0, end));
   rest_.remove_prefix(end);
   if (rest_.starts_with("\r\n"))
     rest_.remove_prefix(2);
@@ -93,8 +56,7 @@ bool Lines::next(std::string_view& line)
 
 bool isBlank(char c)
 {
-  const auto byte = static_cast<unsigned char>(c);
-  return byte <= 0x20 || byte == 0x7F;
+  return c == ' ' || c == '\t';
 }
 
 bool isDigit(char c)
@@ -128,33 +90,55 @@ std::string_view trim(std::string_view text)
 
 std::string clean(std::string_view text)
 {
+  std::string result(trim(text));
+  std::replace(result.begin(), result.end(), '\t', ' ');
+  return result;
+}
+
+std::string escaped(std::string_view text)
+{
+  constexpr std::string_view kDigits = "0123456789abcdef";
   std::string result;
   result.reserve(text.size());
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    // C1 controls are 0xC2 0x80 to 0xC2 0x9F.
-    const bool c1 = text[at] == '\xC2' && at + 1 < text.size() && static_cast<unsigned char>(text[at + 1]) < 0xA0;
-    if (c1)
-      ++at;
-    result += c1 || isBlank(text[at]) ? ' ' : text[at];
+  while (!text.empty()) {
+    const std::size_t size = controlSize(text);
+    if (size == 0) {
+      result += text.front();
+      text.remove_prefix(1);
+      continue;
+    }
+    const auto code = static_cast<unsigned char>(text[size - 1]); // U+0080 to U+009F end in their own number
+    result += "\\x";
+    result += kDigits[code >> 4];
+    result += kDigits[code & 0xF];
+    text.remove_prefix(size);
   }
-  const std::string_view trimmed = trim(result);
-  return trimmed.size() == result.size() ? result : std::string(trimmed);
+  return result;
+}
+
+std::string_view firstControl(std::string_view text)
+{
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (controlSize(text.substr(at)) == 1)
+      return text.substr(at, 1);
+  }
+  return {};
 }
 
 std::string inQuotes(std::string_view text)
 {
-  constexpr std::size_t kShownBytes = 40;
-  return "'" + shortened(text, kShownBytes) + "'";
+  constexpr std::size_t kQuotedBytes = 40;
+  return "'" + shortened(text, kQuotedBytes) + "'";
 }
 
 std::string shortened(std::string_view text, std::size_t bytes)
 {
   if (text.size() <= bytes)
-    return clean(text);
+    return escaped(clean(text));
   std::size_t end = bytes;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
     --end;
-  return clean(text.substr(0, end)) + "...";
+  return escaped(clean(text.substr(0, end))) + "...";
 }
 
 std::string_view takeFirst(std::string_view& text)

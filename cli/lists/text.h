@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text as list files hold it: encodings, line ends, blanks, names compared without ASCII case.
+// Text as list files hold it: lines, blanks, control characters, names compared without ASCII case.
 #ifndef REELDB_LISTS_TEXT_H
 #define REELDB_LISTS_TEXT_H
 
@@ -10,11 +10,8 @@
 
 namespace reeldb::lists {
 
-/// The bytes as UTF-8, without byte order mark and without the end marks (0x1A, NUL) and blanks that pad the end.
-/// A byte order mark decides between UTF-8 and UTF-16; bytes that are not UTF-8 are read as Latin-1, all of them.
-std::string decode(std::string_view bytes);
-
-/// Splits a text into lines that end with CR, LF or CRLF, whichever comes; they may be mixed.
+/// Splits a text into lines that end with CR, LF or CRLF, whichever comes; they may be mixed. NUL, end marks (0x1A) and
+/// form feeds at either end of a line are padding, which goes.
 class Lines {
 public:
   explicit Lines(std::string_view text) : rest_(text) {}
@@ -28,7 +25,7 @@ private:
   int number_ = 0;
 };
 
-/// Blank, tab and every other ASCII control character.
+/// Blank or tab.
 bool isBlank(char c);
 bool isDigit(char c);
 bool isLetter(char c); ///< ASCII only
@@ -37,11 +34,20 @@ std::string_view trimLeft(std::string_view text);
 std::string_view trimRight(std::string_view text);
 std::string_view trim(std::string_view text);
 
-/// The text with a blank for every control character (C0, DEL and C1), without outer blanks.
+/// The text with a blank for every tab, without outer blanks.
 std::string clean(std::string_view text);
 
-/// The text clean, and cut between two characters with "..." when it has more bytes than this.
+/// The text with every control character (C0 but the tab, DEL and C1) written as \x1b.
+std::string escaped(std::string_view text);
+
+/// The first of those control characters but for C1, which a Latin-1 file may be full of; empty when there is none.
+std::string_view firstControl(std::string_view text);
+
+/// The text clean and escaped, and cut between two characters with "..." when it has more bytes than this.
 std::string shortened(std::string_view text, std::size_t bytes);
+
+/// How many bytes of a line, a title or what is no reel are shown.
+inline constexpr std::size_t kShownBytes = 1000;
 
 /// A piece of the list as a reason shows it: shortened to 40 bytes, in quotes.
 std::string inQuotes(std::string_view text);

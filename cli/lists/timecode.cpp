@@ -8,9 +8,24 @@
 namespace reeldb::lists {
 namespace {
 
+/// What the frames of a timecode can be at most: those of two digits count up to 60 in a second, those of three, which
+/// only higher rates write, up to 120.
+constexpr std::string_view kMostFrames = "59";
+constexpr std::string_view kMostFramesOfThree = "119";
+
 bool isSeparator(char c)
 {
   return c == ':' || c == ';' || c == '.' || c == ',';
+}
+
+/// hhmmssfff, so that the order of texts is the order of time.
+std::string digitsOf(std::string_view timecode)
+{
+  std::string digits;
+  for (const std::size_t part : {0U, 3U, 6U})
+    digits += timecode.substr(part, 2);
+  const std::string_view frames = timecode.substr(9);
+  return digits.append(3 - frames.size(), '0').append(frames);
 }
 
 } // namespace
@@ -22,11 +37,28 @@ std::string timecodeFault(std::string_view text)
                       std::count_if(text.begin(), text.end(), isDigit) == static_cast<std::ptrdiff_t>(text.size()) - 3;
   if (!shaped)
     return "not hh:mm:ss:ff";
+  if (text.substr(0, 2) > "23")
+    return "hours above 23";
   if (text[3] > '5')
     return "minutes above 59";
   if (text[6] > '5')
     return "seconds above 59";
-  return {};
+  const std::string_view frames = text.substr(9);
+  const std::string_view most = frames.size() == 2 ? kMostFrames : kMostFramesOfThree;
+  return frames > most ? "frames above " + std::string(most) : std::string();
+}
+
+int framesOf(std::string_view timecode)
+{
+  int frames = 0;
+  for (const char digit : timecode.substr(9))
+    frames = frames * 10 + (digit - '0');
+  return frames;
+}
+
+bool isAfter(std::string_view a, std::string_view b)
+{
+  return digitsOf(a) > digitsOf(b);
 }
 
 bool looksLikeTimecode(std::string_view text)

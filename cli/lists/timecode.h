@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Timecodes stay texts: which frame rate counts them is not the list's to say. This only tells whether one is written
-// as hh:mm:ss:ff.
+// as hh:mm:ss:ff, and which of two comes first.
 #ifndef REELDB_LISTS_TIMECODE_H
 #define REELDB_LISTS_TIMECODE_H
 
@@ -10,9 +10,15 @@
 
 namespace reeldb::lists {
 
-/// Why the text is no timecode, or an empty text when it is one: hh:mm:ss:ff with two or three digits of frames,
-/// minutes and seconds below 60, and each separator one of ':', ';', '.' and ','.
+/// Why the text is no timecode, or an empty text when it is one: hh:mm:ss:ff, hours below 24, minutes and seconds below
+/// 60, frames of two digits below 60 or of three below 120, and each separator one of ':', ';', '.' and ','.
 std::string timecodeFault(std::string_view text);
+
+/// The frames of a timecode without fault.
+int framesOf(std::string_view timecode);
+
+/// Whether timecode a counts a later frame of the day than b. Both are without fault.
+bool isAfter(std::string_view a, std::string_view b);
 
 /// Whether the text was meant as a timecode, good or bad: nothing but digits and three separators, or anything with two
 /// colons or semicolons.

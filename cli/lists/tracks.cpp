@@ -8,8 +8,11 @@
 namespace reeldb::lists {
 namespace {
 
-/// No list has more tracks than this many letters and digits can name.
+/// No list has more tracks than this many letters and digits can name ...
 constexpr std::size_t kLongest = 256;
+
+/// ... nor more by a range.
+constexpr int kMostTracks = 256;
 
 std::string_view takeDigits(std::string_view& text)
 {
@@ -25,7 +28,63 @@ bool risesFromOne(std::string_view digits)
          std::adjacent_find(digits.begin(), digits.end(), std::greater_equal<>()) == digits.end();
 }
 
+/// A track number, or nothing when it is none that a source can have.
+std::optional<int> trackNumber(std::string_view digits)
+{
+  constexpr std::size_t kMostDigits = 3;
+  int number = 0;
+  for (const char digit : digits.size() > kMostDigits ? std::string_view() : digits)
+    number = number * 10 + (digit - '0');
+  return number > 0 ? std::optional(number) : std::nullopt;
+}
+
+/// Takes "", "7", "1-8" or "1-A8" off the text that stands behind the kind of track. How many tracks these are;
+/// nothing when they are none.
+std::optional<int> takeTrackNumbers(std::string_view& text, char kind)
+{
+  const std::string_view first = takeDigits(text);
+  if (first.empty())
+    return 1;
+  const std::optional<int> from = trackNumber(first);
+  if (!from || !text.starts_with('-'))
+    return from ? std::optional(1) : std::nullopt;
+  text.remove_prefix(1);
+  if (startsWithName(text, {&kind, 1}))
+    text.remove_prefix(1);
+  const std::optional<int> to = trackNumber(takeDigits(text));
+  return to && *to >= *from ? std::optional(*to - *from + 1) : std::nullopt;
+}
+
 } // namespace
+
+std::optional<Tracks> parseLogTracks(std::string_view text)
+{
+  constexpr std::string_view kBetween = " ,/";
+  Tracks tracks;
+  if (sameName(text, "NONE"))
+    return tracks;
+  if (sameName(text, "B"))
+    return Tracks{1, 1};
+  if (text.empty() || text.size() > kLongest)
+    return std::nullopt;
+  while (!text.empty()) {
+    const char kind = text.front();
+    text.remove_prefix(1);
+    const std::optional<int> count = takeTrackNumbers(text, kind);
+    if (!count)
+      return std::nullopt;
+    if (kind == 'V' || kind == 'v')
+      tracks.video += *count;
+    else if (kind == 'A' || kind == 'a')
+      tracks.audio += *count;
+    else if (kind != 'D' && kind != 'd')
+      return std::nullopt;
+    if (tracks.video + tracks.audio > kMostTracks)
+      return std::nullopt;
+    text.remove_prefix(std::min(text.find_first_not_of(kBetween), text.size()));
+  }
+  return tracks;
+}
 
 std::optional<Tracks> parseTracks(std::string_view text, Digits digits)
 {

@@ -21,6 +21,11 @@ enum class Digits { Set, Number };
 /// no channels, "B" is V and A. Digits read as Set are one channel each when they rise from 1 to 9, else one number.
 std::optional<Tracks> parseTracks(std::string_view text, Digits digits);
 
+/// The same for the Tracks column of a log, which numbers every track and also writes ranges: "VA1A2", "V1 A1-8",
+/// "V1-3", "A1-A4", "VA1A2D1". Letters in either case; blanks, commas and slashes part the tracks. V is picture, A
+/// sound, and D (data) has no channels; "NONE" and "B" are as in cut lists.
+std::optional<Tracks> parseLogTracks(std::string_view text);
+
 /// Whether the field holds a number that can only be one channel (10, 11, 20), which tells how its list writes all.
 bool hasChannelNumber(std::string_view text);
 

@@ -6,6 +6,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/field_limit.h"
+#include "module/plain_text.h"
 
 namespace reeldb::cli {
 
@@ -15,6 +16,8 @@ Assignment parseAssignment(const std::string& argument)
   if (equals == std::string::npos || equals == 0)
     throw Failure(usage, fmt::format("\"{}\": not of the form field=value", shortText(argument)));
   Assignment result{argument.substr(0, equals), argument.substr(equals + 1)};
+  requirePlainText(result.value,
+                   fmt::format("{}: \"{}\" cannot be stored", shortText(result.field), shortText(result.value)));
   if (result.value.size() > longestField)
     throw Failure(refused, fmt::format("{}: value too long (it has {} bytes, {} are the most)", shortText(result.field),
                                        result.value.size(), longestField));

@@ -11,7 +11,8 @@ struct Assignment {
   std::string field, value;
 };
 
-/// Throws Failure (usage) when it is none, or when the value is longer than a field can give back.
+/// Throws Failure when it is none (usage), when the value cannot be shown and handed on (usage), or when it is longer
+/// than a field can give back.
 Assignment parseAssignment(const std::string& argument);
 
 } // namespace reeldb::cli

@@ -31,6 +31,12 @@ std::string marked(std::string argument)
   return needsMark(argument) ? mark + argument : argument;
 }
 
+/// "-p=NAME" as "--project=NAME": the parser would take the equals sign for part of the name, where -C=DIR does not.
+std::string longProject(const std::string& argument)
+{
+  return argument.compare(0, 3, "-p=") == 0 ? "--project=" + argument.substr(3) : argument;
+}
+
 std::string unmarked(const std::string& argument)
 {
   return !argument.empty() && argument.front() == mark ? argument.substr(1) : argument;
@@ -39,6 +45,7 @@ std::string unmarked(const std::string& argument)
 std::string examplesText(const CommandInfo& info)
 {
   std::string result = info.details.empty() ? "" : info.details + "\n\n";
+  result += "Every command takes -C DIR, -p PROJECT and --trace too; reeldb --help tells about them.\n\n";
   result += info.examples.size() > 1 ? "Examples:" : "Example:";
   for (const std::string& example : info.examples)
     result += "\n  " + example;
@@ -75,12 +82,23 @@ std::string fault(const CLI::App& root, const CLI::App& command, const CLI::Pars
   if (dynamic_cast<const CLI::RequiredError*>(&error) && missesCommand)
     return argument.empty() ? "no command given" : argument + ": no such command";
   if (dynamic_cast<const CLI::ExtrasError*>(&error) && !argument.empty())
-    return argument + ": not expected here";
+    return argument +
+           (command.get_option_no_throw(left.front()) ? ": not expected before the command" : ": not expected here");
   const std::string text = error.what();
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
     return text.substr(0, text.find(": ")) +
            (text.find("missing") != std::string::npos ? ": a value is missing" : ": given more than once");
   return text;
+}
+
+CLI::Option* takeResults(CLI::App& app, const std::string& name, const std::string& description,
+                         std::function<void(const CLI::results_t&)> take)
+{
+  const auto taken = [take = std::move(take)](const CLI::results_t& results) {
+    take(results);
+    return true;
+  };
+  return app.add_option(name, taken, description)->type_name("TEXT");
 }
 
 } // namespace
@@ -114,13 +132,13 @@ CLI::App& CommandLine::add(CLI::App& group, CommandInfo info, Run run)
   return app;
 }
 
-CLI::App& CommandLine::addGroup(const std::string& name, const std::string& description)
+CLI::App& CommandLine::addGroup(const std::string& name, const std::string& description, const std::string& example)
 {
   CLI::App& app = *app_.add_subcommand(name, description);
   app.group("Commands");
   app.fallthrough();
   app.require_subcommand(1);
-  app.footer(fmt::format("reeldb {} COMMAND --help tells about each.", name));
+  app.footer(fmt::format("reeldb {} COMMAND --help tells about each.\n\nExample:\n  {}", name, example));
   return app;
 }
 
@@ -134,12 +152,14 @@ const CLI::App& CommandLine::chosen() const
 
 Reading CommandLine::read(int argc, char** argv)
 {
-  std::vector<std::string> reversed;
-  for (int i = argc - 1; i > 0; --i)
-    reversed.push_back(marked(argv[i]));
+  std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
+  const auto options = std::find(arguments.begin(), arguments.end(), "--"); // what follows is left alone
+  std::transform(arguments.begin(), options, arguments.begin(), longProject);
+  std::transform(arguments.begin(), arguments.end(), arguments.begin(), marked);
+  std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
   Reading reading;
   try {
-    app_.parse(std::move(reversed));
+    app_.parse(std::move(arguments));
     const Entry& entry = commands_.at(&chosen());
     reading.run = entry.run;
     reading.needsFacility = entry.needsFacility;
@@ -159,44 +179,25 @@ Reading CommandLine::read(int argc, char** argv)
 
 CLI::Option* takeText(CLI::App& app, const std::string& name, std::string& value, const std::string& description)
 {
-  return app
-      .add_option(
-          name,
-          [&value](const CLI::results_t& results) {
-            value = unmarked(results.front());
-            return true;
-          },
-          description)
-      ->type_name("TEXT");
+  return takeResults(app, name, description,
+                     [&value](const CLI::results_t& results) { value = unmarked(results.front()); });
 }
 
 CLI::Option* takeText(CLI::App& app, const std::string& name, std::optional<std::string>& value,
                       const std::string& description)
 {
-  return app
-      .add_option(
-          name,
-          [&value](const CLI::results_t& results) {
-            value = unmarked(results.front());
-            return true;
-          },
-          description)
-      ->type_name("TEXT");
+  return takeResults(app, name, description,
+                     [&value](const CLI::results_t& results) { value = unmarked(results.front()); });
 }
 
 CLI::Option* takeTexts(CLI::App& app, const std::string& name, std::vector<std::string>& values,
                        const std::string& description)
 {
-  return app
-      .add_option(
-          name,
-          [&values](const CLI::results_t& results) {
-            values.clear();
-            std::transform(results.begin(), results.end(), std::back_inserter(values), unmarked);
-            return true;
-          },
-          description)
-      ->type_name("TEXT")
+  return takeResults(app, name, description,
+                     [&values](const CLI::results_t& results) {
+                       values.clear();
+                       std::transform(results.begin(), results.end(), std::back_inserter(values), unmarked);
+                     })
       ->expected(1, CLI::detail::expected_max_vector_size)
       ->allow_extra_args();
 }

@@ -51,8 +51,8 @@ public:
   /// Adds a command, or one that belongs to a group.
   CLI::App& add(CommandInfo info, Run run) { return add(app_, std::move(info), std::move(run)); }
   CLI::App& add(CLI::App& group, CommandInfo info, Run run);
-  /// Adds a word under which commands stand.
-  CLI::App& addGroup(const std::string& name, const std::string& description);
+  /// Adds a word under which commands stand. The example is a whole command line, like those of commands.
+  CLI::App& addGroup(const std::string& name, const std::string& description, const std::string& example);
 
   /// Reads a line as main gets it. Once.
   Reading read(int argc, char** argv);

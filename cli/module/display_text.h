@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text as it may go to a terminal. Identifiers and names are data from lists and other people: one that carries an
-// escape sequence must not move anybody's cursor.
+// Text as it goes to a terminal: the escaping is the host's, the widths are the command's own.
 #ifndef REELDB_CLI_DISPLAY_TEXT_H
 #define REELDB_CLI_DISPLAY_TEXT_H
 
@@ -9,13 +8,13 @@
 #include <string>
 #include <string_view>
 
+#include "reelhost/display_text.h"
+
 namespace reeldb::cli {
 
-/// The text as valid UTF-8 without control characters and without marks that change the direction of writing: these
-/// and bytes that are no UTF-8 are written as \n, \x1b, \u202e and the like. Everything else stays as it is.
-std::string displayText(std::string_view text);
+using reelhost::displayText;
 
-/// The same, cut to a length that suits a message.
+/// The displayText, cut to a length that suits a message.
 std::string shortText(std::string_view text);
 
 /// Columns that a displayText takes up on a terminal.

@@ -68,3 +68,8 @@ extern "C" __attribute__((visibility("default"))) int reeldb_needs_facility(int 
 {
   return reeldb::cli::CommandLine().read(argc, argv).needsFacility;
 }
+
+extern "C" __attribute__((visibility("default"))) void reeldb_complain(const char* message)
+{
+  reeldb::cli::complain(message);
+}

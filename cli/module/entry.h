@@ -10,6 +10,7 @@ extern "C" {
 
 typedef int reeldb_main_function(int argc, char** argv);
 typedef int reeldb_needs_facility_function(int argc, char** argv);
+typedef void reeldb_complain_function(const char* message);
 
 /** Runs the command line; the facility is the one in the environment variable REELDB_FACILITY. Answers the exit code.
  */
@@ -17,6 +18,9 @@ reeldb_main_function reeldb_main;
 
 /** Whether the line is well formed and its command works on a facility. Says nothing and does nothing. */
 reeldb_needs_facility_function reeldb_needs_facility;
+
+/** Writes "reeldb: " and the message, made fit for a terminal, to standard error. */
+reeldb_complain_function reeldb_complain;
 
 #ifdef __cplusplus
 }

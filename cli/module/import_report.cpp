@@ -22,8 +22,27 @@ std::string_view formatName(lists::Format format)
   return "";
 }
 
-/// The names behind the heading, with commas, in as many lines as they need.
-std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns)
+/// What a line of the list that says something of a source is called.
+std::string_view lineName(lists::Format format)
+{
+  switch (format) {
+  case lists::Format::Edl:
+    return "event";
+  case lists::Format::Ale:
+    return "row";
+  }
+  return "";
+}
+
+/// "created" or "would be created".
+std::string did(Mood mood, std::string_view verb)
+{
+  return mood == Mood::Fact ? std::string(verb) : fmt::format("would be {}", verb);
+}
+
+/// The names behind the heading, with commas, in as many lines as they need, each further one so far in.
+std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
+                    std::size_t indent)
 {
   std::string result = heading;
   std::size_t used = displayWidth(heading);
@@ -31,8 +50,8 @@ std::string wrapped(const std::string& heading, const std::vector<std::string>& 
     const std::string name = displayText(names[i]) + (i + 1 < names.size() ? "," : "");
     const std::size_t width = displayWidth(name) + 1;
     if (i > 0 && used + width > columns) {
-      result += "\n   ";
-      used = 3;
+      result += "\n" + std::string(indent - 1, ' ');
+      used = indent - 1;
     }
     result += " " + name;
     used += width;
@@ -40,11 +59,25 @@ std::string wrapped(const std::string& heading, const std::vector<std::string>& 
   return result + "\n";
 }
 
-std::string specialText(const lists::Special& special)
+std::string reelsText(const std::string& what, const std::vector<std::string>& reels, std::size_t columns)
 {
-  return fmt::format("    {}: {} ({}, {} {})\n", displayText(special.text), displayText(special.reason),
-                     counted(special.count, "event"), special.lines.size() == 1 ? "line" : "lines",
-                     fmt::join(special.lines, ", "));
+  constexpr std::size_t indent = 4;
+  if (reels.empty())
+    return {};
+  return wrapped(fmt::format("  {} {}:", counted(reels.size(), "reel"), what), reels, columns, indent);
+}
+
+std::string specialText(const lists::Special& special, std::string_view lineName, std::size_t columns)
+{
+  constexpr std::size_t indent = 6;
+  std::vector<std::string> numbers;
+  for (const int line : special.lines)
+    numbers.push_back(fmt::format("{}", line));
+  numbers.back() += ")";
+  const std::string heading =
+      fmt::format("    {}: {} ({}, {}", displayText(special.text), displayText(special.reason),
+                  counted(special.count, lineName), special.lines.size() == 1 ? "line" : "lines");
+  return wrapped(heading, numbers, columns, indent);
 }
 
 std::string ambiguousText(const lists::Ambiguous& ambiguous)
@@ -57,38 +90,52 @@ std::string ambiguousText(const lists::Ambiguous& ambiguous)
   return result + "\n";
 }
 
-std::string rejectedText(const lists::Rejected& rejected)
+/// Lines of the list, and what is to be said of each.
+template <class Remark>
+std::string remarksText(const std::string& what, const std::vector<Remark>& remarks)
 {
-  return fmt::format("    line {}: {}: {}\n", rejected.line, displayText(rejected.reason), displayText(rejected.text));
+  if (remarks.empty())
+    return {};
+  std::string result = fmt::format("  {} {}:\n", counted(remarks.size(), "line"), what);
+  for (const Remark& remark : remarks)
+    result += fmt::format("    line {}: {}: {}\n", remark.line, displayText(remark.reason), displayText(remark.text));
+  return result;
+}
+
+template <class Remark>
+Json remarksJson(const std::vector<Remark>& remarks)
+{
+  Json json = Json::array();
+  for (const Remark& remark : remarks)
+    json.push_back({{"line", remark.line}, {"text", remark.text}, {"reason", remark.reason}});
+  return json;
 }
 
 } // namespace
 
-std::string toText(const Imported& imported, std::size_t columns)
+std::string toText(const Imported& imported, std::size_t columns, Mood mood)
 {
   const lists::List& list = imported.list;
   std::string result =
-      fmt::format("{} ({}): {}, {} added, {} already there\n", displayText(imported.file), formatName(list.format),
-                  counted(list.clips.size(), "clip"), counted(imported.shotsAdded, "shot"), imported.shotsThere);
-  if (!imported.created.empty())
-    result +=
-        wrapped(fmt::format("  {} created:", counted(imported.created.size(), "reel")), imported.created, columns);
-  if (!imported.matched.empty())
-    result += wrapped(fmt::format("  {} already there:", counted(imported.matched.size(), "reel")), imported.matched,
-                      columns);
+      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), formatName(list.format),
+                  counted(list.clips.size(), "clip"), counted(imported.shotsAdded, "shot"), did(mood, "added"),
+                  imported.shotsThere - imported.shotsRepeated);
+  if (imported.shotsRepeated > 0)
+    result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
+  result += "\n";
+  result += reelsText(did(mood, "created"), imported.created, columns);
+  result += reelsText("already there", imported.matched, columns);
   if (!list.specials.empty())
     result += "  without a reel:\n";
   for (const lists::Special& special : list.specials)
-    result += specialText(special);
+    result += specialText(special, lineName(list.format), columns);
   for (const lists::Spelling& spelling : list.spellings)
     result +=
         fmt::format("  same reel, other spelling: {} is {}\n", displayText(spelling.other), displayText(spelling.reel));
   for (const lists::Ambiguous& ambiguous : list.ambiguous)
     result += ambiguousText(ambiguous);
-  if (!list.rejected.empty())
-    result += fmt::format("  {} rejected:\n", counted(list.rejected.size(), "line"));
-  for (const lists::Rejected& rejected : list.rejected)
-    result += rejectedText(rejected);
+  result += remarksText(did(mood, "kept") + " with a warning", list.warnings);
+  result += remarksText(did(mood, "rejected"), list.rejected);
   return result;
 }
 
@@ -102,6 +149,7 @@ Json toJson(const Imported& imported)
   json["clips"] = list.clips.size();
   json["shots_added"] = imported.shotsAdded;
   json["shots_there"] = imported.shotsThere;
+  json["shots_repeated"] = imported.shotsRepeated;
   json["created"] = imported.created;
   json["matched"] = imported.matched;
   json["special"] = Json::array();
@@ -117,9 +165,8 @@ Json toJson(const Imported& imported)
                                  {"reason", ambiguous.reason},
                                  {"names", ambiguous.names},
                                  {"source_ids", ambiguous.sourceIds}});
-  json["rejected"] = Json::array();
-  for (const lists::Rejected& rejected : list.rejected)
-    json["rejected"].push_back({{"line", rejected.line}, {"text", rejected.text}, {"reason", rejected.reason}});
+  json["warnings"] = remarksJson(list.warnings);
+  json["rejected"] = remarksJson(list.rejected);
   json["lines"] = {{"total", list.tally.lines},
                    {"blank", list.tally.blank},
                    {"headers", list.tally.headers},

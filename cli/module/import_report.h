@@ -2,13 +2,20 @@
 #ifndef REELDB_CLI_IMPORT_REPORT_H
 #define REELDB_CLI_IMPORT_REPORT_H
 
+#include <cstddef>
+#include <string>
+
 #include "module/imported.h"
 #include "module/output.h"
 
 namespace reeldb::cli {
 
-/// What became of the list, for people. Lines are at most so wide, unless one identifier alone is wider.
-std::string toText(const Imported& imported, std::size_t columns);
+/// Whether the report tells what was done, or what would be if it were.
+enum class Mood { Fact, Conditional };
+
+/// What became of the list, for people. Names are wrapped at so many columns; a line of the list that is shown is not.
+std::string toText(const Imported& imported, std::size_t columns, Mood mood);
+/// The same for programs. Its keys are the same for what would be done.
 Json toJson(const Imported& imported);
 
 } // namespace reeldb::cli

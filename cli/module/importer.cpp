@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string_view>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -75,11 +76,14 @@ Imported Importer::import(std::string file, lists::List list, Progress& progress
   result.file = std::move(file);
   result.list = std::move(list);
   const CreatedReels listener(result.created);
-  std::unordered_set<std::string> met;
+  std::unordered_set<std::string> met, metShots;
   for (const lists::Clip& clip : result.list.clips) {
     const bool missing = met.insert(folded(clip.reel)).second && !noteReel(clip.reel, result);
-    const bool added = bringIn(clip);
+    std::string key = shotKey(clip.reel, {clip.clipName, clip.sourceIn, clip.sourceOut, clip.tracks});
+    const bool repeated = !metShots.insert(key).second;
+    const bool added = bringIn(clip, std::move(key));
     ++(added ? result.shotsAdded : result.shotsThere);
+    result.shotsRepeated += repeated ? 1 : 0;
     // A shot that is there already may have outlived its reel's record, and of that shot the library hears nothing.
     if (missing && !added)
       manager_.createNewReel(hostText(clip.reel), noDevice);
@@ -100,9 +104,9 @@ bool Importer::noteReel(const std::string& id, Imported& result)
   return true;
 }
 
-bool Importer::bringIn(const lists::Clip& clip)
+bool Importer::bringIn(const lists::Clip& clip, std::string key)
 {
-  if (!shots_.insert(shotKey(clip.reel, {clip.clipName, clip.sourceIn, clip.sourceOut, clip.tracks})).second)
+  if (!shots_.insert(std::move(key)).second)
     return false;
   reelhost::importMaterial(material(clip));
   return true;

@@ -26,8 +26,8 @@ public:
 private:
   /// Notes a reel that is there, and how its record spells it; answers whether it is.
   bool noteReel(const std::string& id, Imported& result);
-  /// Makes the clip's shot, unless it is there already; answers whether it was made.
-  bool bringIn(const lists::Clip& clip);
+  /// Makes the clip's shot, unless one with that key is there already; answers whether it was made.
+  bool bringIn(const lists::Clip& clip, std::string key);
 
   ReelDbManager& manager_;
   std::unordered_set<std::string> shots_;

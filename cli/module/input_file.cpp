@@ -10,7 +10,6 @@
 
 #include <fmt/format.h>
 
-#include "module/display_text.h"
 #include "module/failure.h"
 
 namespace reeldb::cli {
@@ -37,7 +36,7 @@ private:
 
 [[noreturn]] void fail(const std::string& path, const std::string& cause, ExitCode code = unreadable)
 {
-  throw Failure(code, fmt::format("{}: cannot be read ({})", displayText(path), cause));
+  throw Failure(code, fmt::format("{}: cannot be read ({})", path.empty() ? "\"\"" : path, cause));
 }
 
 } // namespace

@@ -4,35 +4,92 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <string>
+
+#include <fmt/format.h>
+#include <utf8.h>
 
 #include "module/display_text.h"
 
 namespace reeldb::cli {
 
+namespace {
+
+bool stored = false;
+int failure = 0; ///< why standard output did not take something: the first cause
+bool told = false;
+
+void noteFailure()
+{
+  if (failure == 0)
+    failure = errno;
+}
+
+void flush()
+{
+  if (std::fflush(stdout) != 0)
+    noteFailure();
+}
+
+std::string dumped(const Json& value, int indent)
+{
+  const std::string text = value.dump(indent, ' ', false, Json::error_handler_t::replace);
+  std::string result;
+  result.reserve(text.size() + 1);
+  for (auto at = text.begin(); at != text.end();) {
+    const auto start = at;
+    // Below 0x7F stands what the dump has escaped itself, and its own line ends.
+    if (const char32_t c = utf8::next(at, text.end()); c >= 0x7F && reelhost::isShownEscaped(c))
+      result += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
+    else
+      result.append(start, at);
+  }
+  return result += '\n';
+}
+
+} // namespace
+
 void print(std::string_view text)
 {
-  std::fwrite(text.data(), 1, text.size(), stdout);
+  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+    noteFailure();
+}
+
+std::string jsonText(const Json& value)
+{
+  return dumped(value, 2);
+}
+
+std::string jsonLine(const Json& value)
+{
+  return dumped(value, -1);
 }
 
 void printJson(const Json& value)
 {
-  print(value.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+  print(jsonText(value));
 }
 
 void complain(std::string_view message)
 {
   const std::string line = "reeldb: " + displayText(message) + "\n";
-  std::fflush(stdout);
+  flush();
   std::fwrite(line.data(), 1, line.size(), stderr);
+}
+
+void changesAreStored()
+{
+  stored = true;
 }
 
 bool flushOutput()
 {
-  if (std::fflush(stdout) == 0 && !std::ferror(stdout))
-    return true;
-  complain(std::string("standard output: cannot be written (") + std::strerror(errno) + ")");
-  return false;
+  flush();
+  if (failure != 0 && !told) {
+    told = true;
+    complain(fmt::format("standard output: cannot be written ({}{})", std::strerror(failure),
+                         stored ? "; the changes are stored all the same" : ""));
+  }
+  return failure == 0;
 }
 
 } // namespace reeldb::cli

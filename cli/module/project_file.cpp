@@ -9,6 +9,8 @@
 
 #include "module/display_text.h"
 #include "module/failure.h"
+#include "module/output.h"
+#include "module/plain_text.h"
 #include "reelhost/store.h"
 
 namespace reeldb::cli {
@@ -39,6 +41,7 @@ void makeProject(const reelhost::Facility& facility, const std::string& name, co
     throw Failure(usage, fmt::format("\"{}\": no such frame rate (this facility has: {})", shortText(rate),
                                      fmt::join(known, ", ")));
   }
+  requirePlainText(name, fmt::format("\"{}\": no name for a project", shortText(name)));
   reelhost::ProjectInfo info;
   info.name = name;
   info.uuid = newUuid();
@@ -46,6 +49,7 @@ void makeProject(const reelhost::Facility& facility, const std::string& name, co
   info.outputFrameRate = *code;
   createSqliteProject(facility.projectFile(name), info,
                       {{"reeldb_defaultType", facility.configString("default_reel_type").value_or("")}});
+  changesAreStored();
 }
 
 std::string frameRateName(const reelhost::Facility& facility, int code)

@@ -12,8 +12,8 @@ namespace reeldb::cli {
 inline constexpr const char* usualFrameRate = "25";
 
 /// Makes the project in the facility, with everything that entering it would otherwise store: a new project is never
-/// changed by those who only read it. Throws Failure for a rate that the facility does not know, reelhost::Error for a
-/// name that is no plain file name or is taken.
+/// changed by those who only read it. Throws Failure for a rate that the facility does not know and for a
+/// name that cannot be shown, reelhost::Error for one that is no plain file name or is taken.
 void makeProject(const reelhost::Facility& facility, const std::string& name, const std::string& rate);
 
 /// The facility's name of a frame rate code, or the code itself.

@@ -11,6 +11,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/label_map.h"
 #include "module/number.h"
 #include "module/reel.h"
 #include "module/session.h"
@@ -51,6 +52,13 @@ ReelField textField(const std::string& name, Text (ReelDbRec::*get)(), void (Ree
 
 void anything(const std::string&) {}
 
+/// The library reads one text of a field as none.
+void checkNotNone(const std::string& field, const std::string& value, const std::string& none)
+{
+  if (value == none)
+    complain(fmt::format("{}: \"{}\" stands for none", field, none));
+}
+
 void checkType(const std::string& value)
 {
   if (!value.empty() && !isListedType(value))
@@ -68,17 +76,43 @@ void checkDevice(const std::string& value)
                                        devicesThereAre(facility)));
 }
 
+/// The library stores any text, and looks for a file of that name when the reel is to be captured.
+void checkLabelMap(const std::string& value)
+{
+  checkNotNone("label-mapping", value, "unknown");
+  if (value.empty() || value == "unknown" || value == "Device default")
+    return;
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (const auto fault = labelMapFault(requireFacility(), value))
+    complain(fmt::format("{}; stored all the same", fault->what()));
+  else if (!std::all_of(value.begin(), value.end(), isAscii))
+    complain(fmt::format("\"{}\": stored all the same, but a reel's label map is only found when its name is ASCII",
+                         shortText(value)));
+}
+
 std::vector<ReelField> fixedFields()
 {
   return {
       textField("type", &ReelDbRec::typeName, &ReelDbRec::typeName, checkType),
       flagField("available", &ReelDbRec::reelAvailable, &ReelDbRec::reelAvailable),
       flagField("inhibit", &ReelDbRec::recInhibit, &ReelDbRec::recInhibit),
-      textField("label-mapping", &ReelDbRec::labelMapping, &ReelDbRec::labelMapping, anything),
-      textField("bin", &ReelDbRec::binName, &ReelDbRec::binName, anything),
+      textField("label-mapping", &ReelDbRec::labelMapping, &ReelDbRec::labelMapping, checkLabelMap),
+      textField("bin", &ReelDbRec::binName, &ReelDbRec::binName,
+                [](const std::string& value) { checkNotNone("bin", value, "default"); }),
       {"last-device", checkDevice, [](ReelDbRec& reel) { return text(reel.lastDevice()); },
        [](ReelDbRec& reel, const std::string& value) { reel.lastDevice(wideHostText(value)); }},
   };
+}
+
+std::optional<ReelField> fixedField(const std::string& name)
+{
+  // JSON reports write the names with an underscore.
+  std::string wanted = folded(name);
+  std::replace(wanted.begin(), wanted.end(), '_', '-');
+  for (ReelField& field : fixedFields())
+    if (field.name == wanted)
+      return std::move(field);
+  return std::nullopt;
 }
 
 ReelField userField(int number)
@@ -88,15 +122,25 @@ ReelField userField(int number)
           [number](ReelDbRec& reel, const std::string& value) { reel.userField(number, hostText(value)); }};
 }
 
+constexpr std::string_view numberPrefix = "user-field.";
+
+bool isPrefixed(const std::string& name)
+{
+  return folded(name).compare(0, numberPrefix.size(), numberPrefix) == 0;
+}
+
+/// Whether the name is meant as the number of a user field.
+bool isNumber(const std::string& name)
+{
+  return isPrefixed(name) || name.find_first_not_of("-0123456789") == std::string::npos;
+}
+
 /// The number of a user field that is named by number; nothing when the name is no such thing.
 std::optional<int> numberOf(const std::string& name)
 {
-  constexpr std::string_view prefix = "user-field.";
-  const bool prefixed = folded(name).compare(0, prefix.size(), prefix) == 0;
-  const std::string digits = prefixed ? name.substr(prefix.size()) : name;
-  if (!prefixed && digits.find_first_not_of("-0123456789") != std::string::npos)
+  if (!isNumber(name))
     return std::nullopt;
-  const auto number = parseNumber(digits);
+  const auto number = parseNumber(isPrefixed(name) ? name.substr(numberPrefix.size()) : name);
   if (!number || *number >= static_cast<int>(userFieldCount))
     throw Failure(usage, fmt::format("{}: no such user field (they are numbered from 0 to {})", shortText(name),
                                      userFieldCount - 1));
@@ -119,14 +163,15 @@ std::optional<int> numberOfDisplayName(const std::string& name, ReelDbManager& m
 
 } // namespace
 
+bool isReservedFieldName(const std::string& name)
+{
+  return fixedField(name) || isNumber(name);
+}
+
 ReelField findReelField(const std::string& name, ReelDbManager& manager)
 {
-  // JSON reports write the names with an underscore.
-  std::string wanted = folded(name);
-  std::replace(wanted.begin(), wanted.end(), '_', '-');
-  for (ReelField& field : fixedFields())
-    if (field.name == wanted)
-      return std::move(field);
+  if (auto field = fixedField(name))
+    return *std::move(field);
   if (const auto number = numberOf(name))
     return userField(*number);
   if (const auto number = numberOfDisplayName(name, manager))

@@ -23,6 +23,9 @@ struct ReelField {
 /// aside. Throws Failure when there is none, or when two user fields are called that.
 ReelField findReelField(const std::string& name, ReelDbManager& manager);
 
+/// Whether findReelField takes the name for a fixed field or a number, so that no user field is found by it.
+bool isReservedFieldName(const std::string& name);
+
 } // namespace reeldb::cli
 
 #endif

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module/session.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,6 +12,9 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/output.h"
+#include "module/reel.h"
+#include "module/similar.h"
 
 namespace reeldb::cli {
 
@@ -20,6 +25,22 @@ std::string projectsThereAre(const reelhost::Facility& facility)
   const auto names = facility.projectNames();
   return names.empty() ? "this facility has none; reeldb project new NAME makes one"
                        : fmt::format("this facility has: {}", fmt::join(names, ", "));
+}
+
+std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
+{
+  constexpr std::size_t most = 5; // of a whole project of them nobody reads the rest
+  std::vector<std::string> all;
+  for (const Reel& reel : readReels(manager, {}))
+    all.push_back(reel.id);
+  const std::vector<std::string> similar = similarNames(id, all);
+  const bool needsQuotes = id.empty() || id.front() == ' ' || id.back() == ' ';
+  std::string message = fmt::format("{0}{1}{0}: no such reel", needsQuotes ? "\"" : "", shortText(id));
+  if (!similar.empty())
+    message += fmt::format(" (but there {} {}{})", similar.size() == 1 ? "is" : "are",
+                           fmt::join(similar.begin(), similar.begin() + std::min(most, similar.size()), ", "),
+                           similar.size() > most ? ", ..." : "");
+  return message;
 }
 
 } // namespace
@@ -60,14 +81,17 @@ ReelDbRec Session::requireReel(const std::string& id)
 {
   const ReelDbRec reel = manager().getReelInfo(hostText(id));
   if (!reel.valid())
-    throw Failure(refused, fmt::format("{}: no such reel", id.empty() ? "\"\"" : shortText(id)));
+    throw Failure(refused, noSuchReel(manager(), id));
   return reel;
 }
 
 bool Session::commit()
 {
   reelhost::runDeferredActions();
-  return reelhost::hasChanges() && reelhost::commit();
+  const bool stored = reelhost::hasChanges() && reelhost::commit();
+  if (stored)
+    changesAreStored();
+  return stored;
 }
 
 } // namespace reeldb::cli

@@ -29,7 +29,8 @@ public:
 
   ReelDbManager& manager() { return *ReelDbManager::theReelDbManager(); }
 
-  /// The record of a reel, letter case aside. Throws Failure when there is no such reel.
+  /// The record of a reel, letter case aside. Throws Failure when there is no such reel; it names those that may have
+  /// been meant.
   ReelDbRec requireReel(const std::string& id);
 
   /// Stores everything. Answers whether there was anything to store.

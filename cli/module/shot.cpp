@@ -78,7 +78,7 @@ Json toJson(const std::vector<reelhost::Material>& shots)
   return json;
 }
 
-void printShots(const std::vector<reelhost::Material>& shots)
+void printShots(const std::vector<reelhost::Material>& shots, std::size_t indent)
 {
   Table table({{"CLIP"},
                {"TRACKS"},
@@ -90,7 +90,7 @@ void printShots(const std::vector<reelhost::Material>& shots)
   for (const reelhost::Material& shot : shots)
     table.add({shot.name.empty() ? "-" : shot.name, shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn,
                shot.recordOut, shot.sourceFile});
-  table.print();
+  table.print(indent);
 }
 
 } // namespace reeldb::cli

@@ -20,8 +20,8 @@ CookieVec shotsOf(const std::string& reelId);
 Json toJson(const reelhost::Material& shot);
 Json toJson(const std::vector<reelhost::Material>& shots);
 
-/// Prints a table with a line for each.
-void printShots(const std::vector<reelhost::Material>& shots);
+/// Prints a table with a line for each, behind so many blanks.
+void printShots(const std::vector<reelhost::Material>& shots, std::size_t indent = 0);
 
 /// The clips behind the logs.
 std::vector<reelhost::Material> materialOf(const CookieVec& logs);

@@ -36,6 +36,12 @@ void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns
 
 } // namespace
 
+Table::Table(std::vector<Column> columns) : columns_(std::move(columns))
+{
+  for (Column& column : columns_)
+    column.title = displayText(column.title);
+}
+
 void Table::add(std::vector<std::string> row)
 {
   for (std::string& cell : row)
@@ -44,7 +50,7 @@ void Table::add(std::vector<std::string> row)
   rows_.push_back(std::move(row));
 }
 
-std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours) const
+std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours, std::size_t indent) const
 {
   std::vector<std::size_t> shown;
   std::vector<Column> columns;
@@ -63,10 +69,10 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
     widths.push_back(width);
   }
   if (terminalColumns)
-    shrink(widths, columns, *terminalColumns);
+    shrink(widths, columns, *terminalColumns - std::min(indent, *terminalColumns));
 
   const auto line = [&](const auto& cellAt) {
-    std::string result;
+    std::string result(indent, ' ');
     for (std::size_t i = 0; i < shown.size(); ++i) {
       const std::string cell = cutToWidth(cellAt(shown[i]), widths[i]);
       const std::string padding(widths[i] - displayWidth(cell), ' ');
@@ -84,9 +90,17 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
   return result;
 }
 
-void Table::print() const
+void Table::print(std::size_t indent) const
 {
-  cli::print(text(terminalColumns(stdout), showsColours(stdout)));
+  cli::print(text(terminalColumns(stdout), showsColours(stdout), indent));
+}
+
+void Table::printOr(std::string_view nothing) const
+{
+  if (empty())
+    cli::print(nothing);
+  else
+    print();
 }
 
 } // namespace reeldb::cli

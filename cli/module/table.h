@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace reeldb::cli {
@@ -20,16 +21,19 @@ struct Column {
 /// cut when a row would not fit; elsewhere nothing is ever cut.
 class Table {
 public:
-  explicit Table(std::vector<Column> columns) : columns_(std::move(columns)) {}
+  /// Titles and cells may hold any bytes.
+  explicit Table(std::vector<Column> columns);
 
-  /// A cell for each column. Any bytes.
+  /// A cell for each column.
   void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
 
-  /// The lines for a terminal of that many columns, or for anything else.
-  std::string text(std::optional<std::size_t> terminalColumns, bool colours) const;
+  /// The lines, each behind so many blanks, for a terminal of that many columns, or for anything else.
+  std::string text(std::optional<std::size_t> terminalColumns, bool colours, std::size_t indent = 0) const;
   /// Prints it on standard output.
-  void print() const;
+  void print(std::size_t indent = 0) const;
+  /// Prints it, or, without a row, the text.
+  void printOr(std::string_view nothing) const;
 
 private:
   std::vector<Column> columns_;

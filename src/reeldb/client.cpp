@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReelDbClient.h"
 
+#include <utility>
+
 #include "ReelDbManager.h"
 #include "reeldb/client_pass.h"
 
@@ -12,7 +14,8 @@ ReelDbClient::ReelDbClient()
 ReelDbClient::ReelDbClient(LightweightString<char> id)
 {
   ReelDbManager::theReelDbManager()->registerClient(this);
-  reelIdOfInterest_ = id;
+  // Moved, which cannot fail: a client that is never finished must not stay with the manager.
+  reelIdOfInterest_ = std::move(id);
 }
 
 ReelDbClient::~ReelDbClient()

@@ -26,7 +26,8 @@ ReelTypeManager* theReelTypeManager()
   return &theReelTypeManager_;
 }
 
-ReelTypeManager::ReelTypeManager() : AssocList(new AssocListRep(false))
+// Held by a pointer of our own until the list holds it, so that it goes if the list cannot be made.
+ReelTypeManager::ReelTypeManager() : AssocList(Zr::Ptr<AssocListRep>(new AssocListRep(false)).get())
 {
   flag_ = false;
   load(typeFilePath());

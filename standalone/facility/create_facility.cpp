@@ -2,11 +2,16 @@
 //
 // A new facility, with contents to start from and to change.
 #include <array>
+#include <cerrno>
 #include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "reelhost/display_text.h"
 #include "reelhost/facility.h"
 #include "store/files.h"
 
@@ -153,30 +158,83 @@ bool isThere(const std::filesystem::path& path)
 
 } // namespace
 
-void createFacility(const std::filesystem::path& dir)
+/// What has been made so far, to be taken away again.
+class NewFacility::Made {
+public:
+  Made() = default;
+  Made(const Made&) = delete;
+  Made& operator=(const Made&) = delete;
+  ~Made()
+  {
+    files_.clear();
+    while (!kept_ && !folders_.empty()) {
+      ::rmdir(folders_.back().c_str()); // not when somebody has put something there meanwhile
+      folders_.pop_back();
+    }
+  }
+
+  void folder(const std::filesystem::path& path)
+  {
+    const auto isFolder = [&path] {
+      std::error_code none;
+      return std::filesystem::is_directory(path, none);
+    };
+    if (isFolder())
+      return;
+    if (path.has_parent_path() && path.parent_path() != path)
+      folder(path.parent_path());
+    if (::mkdir(path.c_str(), 0777) == 0)
+      folders_.push_back(path);
+    else if (const int error = errno; !isFolder())
+      throwSystemError(ErrorKind::Io, path, "cannot be made", error);
+  }
+
+  void file(const std::filesystem::path& path, std::string_view content)
+  {
+    writeNewFile(path, content);
+    files_.emplace_back(path);
+  }
+
+  void keep()
+  {
+    for (TemporaryFile& file : files_)
+      file.keep();
+    kept_ = true;
+  }
+
+private:
+  std::vector<std::filesystem::path> folders_; ///< those above come first
+  std::deque<TemporaryFile> files_;
+  bool kept_ = false;
+};
+
+NewFacility::NewFacility(const std::filesystem::path& dir) : made_(std::make_unique<Made>())
 {
   if (isThere(dir / "facility.toml"))
-    throw Error(ErrorKind::Refused, printable(dir.native()) + ": is a facility already (it has a facility.toml)");
+    throw Error(ErrorKind::Refused, displayText(dir.native()) + ": is a facility already (it has a facility.toml)");
   const std::vector<NewFile> files = filesOfFacility();
   for (const NewFile& file : files)
     if (isThere(dir / file.name))
-      throw Error(ErrorKind::Refused, printable((dir / file.name).native()) + ": exists already");
+      throw Error(ErrorKind::Refused, displayText((dir / file.name).native()) + ": exists already");
 
-  for (const char* const folder : {"", "devicedata", "labelmaps", "projects"}) {
-    std::error_code error;
-    std::filesystem::create_directories(dir / folder, error);
-    if (error)
-      throwSystemError(ErrorKind::Io, dir / folder, "cannot be made", error.value());
-  }
-  std::deque<TemporaryFile> made; // gone again unless all are there
-  for (const NewFile& file : files) {
-    writeNewFile(dir / file.name, file.content);
-    made.emplace_back(dir / file.name);
-  }
+  for (const char* const folder : {"", "devicedata", "labelmaps", "projects"})
+    made_->folder(dir / folder);
+  for (const NewFile& file : files)
+    made_->file(dir / file.name, file.content);
   for (const char* const folder : {"devicedata", "labelmaps", ""})
     syncFolder(dir / folder);
-  for (TemporaryFile& file : made)
-    file.keep();
+}
+
+NewFacility::~NewFacility() = default;
+
+void NewFacility::keep()
+{
+  made_->keep();
+}
+
+void createFacility(const std::filesystem::path& dir)
+{
+  NewFacility(dir).keep();
 }
 
 } // namespace reelhost

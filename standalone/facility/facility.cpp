@@ -94,7 +94,8 @@ void Facility::saveState()
   if (!stateChanged())
     return;
   const State changes = {pendingSystem_, pendingLastReel_};
-  take(directory_.empty() ? changes : StateFile(directory_).merge(changes));
+  take(directory_.empty() ? merged({system_, storedLastReel_}, changes, {})
+                          : StateFile(directory_, configuredSystem_).merge(changes));
   pendingSystem_.clear();
   pendingLastReel_.clear();
 }
@@ -116,13 +117,12 @@ std::string Facility::storedLastReel(unsigned deviceId) const
 
 void Facility::take(const State& state)
 {
+  system_ = configuredSystem_;
   for (const auto& [key, value] : state.system)
     system_[key] = value;
-  for (const auto& [id, reel] : state.lastReel)
-    storedLastReel_[id] = reel;
+  storedLastReel_ = state.lastReel;
   for (DeviceSettings& device : devices_)
-    if (const auto found = state.lastReel.find(device.id); found != state.lastReel.end())
-      device.lastReel = found->second;
+    device.lastReel = storedLastReel(device.id);
 }
 
 } // namespace reelhost

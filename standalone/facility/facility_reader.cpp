@@ -7,6 +7,7 @@
 
 #include "facility/resources.h"
 #include "facility/state_file.h"
+#include "reelhost/display_text.h"
 #include "store/files.h"
 
 namespace reelhost {
@@ -43,7 +44,7 @@ int codeOf(const TomlTable& table, std::string_view key, const std::array<Word, 
       return word.code;
     known += (known.empty() ? "" : ", ") + std::string(word.word);
   }
-  table.fail(key, '"' + printable(*text) + "\" is no word for it (known: " + known + ")");
+  table.fail(key, '"' + displayText(*text) + "\" is no word for it (known: " + known + ")");
 }
 
 } // namespace
@@ -97,6 +98,8 @@ void FacilityReader::readFrameRates(const TomlTable& table)
     const std::int64_t code = *table.number(name, 0, 255);
     if (isBlank(name))
       table.fail(name, "a frame rate needs a name");
+    if (holdsControlCharacter(name))
+      table.fail(name, "the name of a frame rate holds a control character");
     facility_.frameRates_.emplace_back(name, static_cast<int>(code));
   }
 }
@@ -104,7 +107,7 @@ void FacilityReader::readFrameRates(const TomlTable& table)
 void FacilityReader::readSystem(const TomlTable& table)
 {
   for (const std::string& key : table.keys())
-    facility_.system_[key] = *table.text(key);
+    facility_.configuredSystem_[key] = *table.text(key);
 }
 
 void FacilityReader::readDevice(const TomlTable& table)

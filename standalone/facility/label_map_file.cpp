@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "facility/label_map_words.h"
 #include "facility/toml_file.h"
+#include "reelhost/display_text.h"
 #include "reelhost/facility.h"
 #include "store/files.h"
 
@@ -24,7 +25,7 @@ unsigned neededCode(const TomlTable& entry, std::string_view key, std::optional<
   const std::string word = neededText(entry, key);
   const auto code = codeOf(word);
   if (!code)
-    entry.fail(key, '"' + printable(word) + "\" is no word for it (known: " + words() + ")");
+    entry.fail(key, '"' + displayText(word) + "\" is no word for it (known: " + words() + ")");
   return *code;
 }
 

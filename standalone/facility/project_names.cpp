@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 
+#include "reelhost/display_text.h"
 #include "reelhost/facility.h"
 #include "store/files.h"
 
@@ -23,7 +24,7 @@ std::string flawOf(const std::string& name)
     return "it begins with a dot";
   if (name.find('/') != std::string::npos)
     return "it holds a slash";
-  if (printable(name) != name)
+  if (holdsControlCharacter(name))
     return "it holds a control character";
   return {};
 }
@@ -33,7 +34,7 @@ std::string flawOf(const std::string& name)
 std::filesystem::path Facility::projectFile(const std::string& name) const
 {
   if (const std::string flaw = flawOf(name); !flaw.empty())
-    throw Error(ErrorKind::Refused, "\"" + printable(name) + "\": no name for a project (" + flaw + ")");
+    throw Error(ErrorKind::Refused, "\"" + displayText(name) + "\": no name for a project (" + flaw + ")");
   return projectDirectory() / (name + std::string(suffix));
 }
 

@@ -14,6 +14,7 @@
 #include <utf8.h>
 
 #include "facility/toml_file.h"
+#include "reelhost/display_text.h"
 #include "store/files.h"
 
 namespace reelhost {
@@ -33,7 +34,7 @@ public:
       if (errno != EWOULDBLOCK && errno != EINTR)
         throwSystemError(ErrorKind::Io, file, "cannot be locked", errno);
       if (std::chrono::steady_clock::now() >= last)
-        throw Error(ErrorKind::Busy, printable(file.native()) + ": held by another process");
+        throw Error(ErrorKind::Busy, displayText(file.native()) + ": held by another process");
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
   }
@@ -83,12 +84,15 @@ std::string written(const State& state)
     put(system, key, value);
   for (const auto& [id, reel] : state.lastReel)
     put(lastReel, std::to_string(id), reel);
+  toml::table all;
+  if (!system.empty())
+    all.insert("system", std::move(system));
+  if (!lastReel.empty())
+    all.insert("last_reel", std::move(lastReel));
   std::ostringstream out;
   // Every text in the one quoting that can hold all of them.
   out << "# Written by reeldb; what it holds goes before facility.toml. Not to be edited while a command runs.\n\n"
-      << toml::toml_formatter(toml::table{{"system", system}, {"last_reel", lastReel}},
-                              toml::format_flags::allow_unicode_strings)
-      << "\n";
+      << toml::toml_formatter(all, toml::format_flags::allow_unicode_strings) << "\n";
   return out.str();
 }
 
@@ -99,6 +103,21 @@ bool isThere(const std::filesystem::path& path)
 }
 
 } // namespace
+
+State merged(State state, const State& changes, const std::map<std::string, std::string>& configured)
+{
+  for (const auto& [key, value] : changes.system)
+    state.system[key] = value;
+  for (const auto& [id, reel] : changes.lastReel)
+    state.lastReel[id] = reel;
+  std::erase_if(state.system, [&](const auto& setting) {
+    const auto& [key, value] = setting;
+    const auto hidden = configured.find(key);
+    return value.empty() && (hidden == configured.end() || hidden->second.empty());
+  });
+  std::erase_if(state.lastReel, [](const auto& device) { return device.second.empty(); });
+  return state;
+}
 
 State StateFile::read() const
 {
@@ -129,16 +148,12 @@ State StateFile::merge(const State& changes, std::chrono::milliseconds patience)
   for (const auto& [key, value] : changes.system)
     if (!utf8::is_valid(key))
       throw Error(ErrorKind::Refused,
-                  printable(file().native()) + ": \"" + printable(key) + "\" is no key (not UTF-8)");
+                  displayText(file().native()) + ": \"" + displayText(key) + "\" is no key (not UTF-8)");
   const MergeLock lock(facility_ / "state.lock", patience);
-  State state = read();
-  const std::string before = written(state);
-  for (const auto& [key, value] : changes.system)
-    state.system[key] = value;
-  for (const auto& [id, reel] : changes.lastReel)
-    state.lastReel[id] = reel;
+  const State old = read();
+  State state = merged(old, changes, configured_);
   const std::string after = written(state);
-  if (after == before && isThere(file()))
+  if (after == written(old) && isThere(file()))
     return state;
   TomlFile::requireReadable(file(), after);
   TemporaryFile fresh(facility_ / ".state.toml.new");

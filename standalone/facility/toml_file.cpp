@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "reelhost/display_text.h"
 #include "reelhost/error.h"
 #include "store/files.h"
 
@@ -50,20 +51,20 @@ TomlFile::TomlFile(std::filesystem::path path) : path_(std::move(path))
 {
   const std::string bytes = readRegularFile(path_, largestSize);
   if (hasTooManyDots(bytes))
-    throw Error(ErrorKind::Unreadable, printable(path_.native()) + ": too many dots (more than " +
+    throw Error(ErrorKind::Unreadable, displayText(path_.native()) + ": too many dots (more than " +
                                            std::to_string(mostDots) + "; keys cannot be nested that deep)");
   try {
     root_ = toml::parse(std::string_view(bytes));
   } catch (const toml::parse_error& e) {
-    throw Error(ErrorKind::Unreadable, printable(path_.native()) + ":" + std::to_string(e.source().begin.line) +
-                                           ": not valid TOML (" + printable(e.description()) + ")");
+    throw Error(ErrorKind::Unreadable, displayText(path_.native()) + ":" + std::to_string(e.source().begin.line) +
+                                           ": not valid TOML (" + displayText(e.description()) + ")");
   }
 }
 
 void TomlFile::requireReadable(const std::filesystem::path& path, std::string_view content)
 {
   if (content.size() > largestSize || hasTooManyDots(content))
-    throw Error(ErrorKind::Refused, printable(path.native()) + ": would become too large to be read again (" +
+    throw Error(ErrorKind::Refused, displayText(path.native()) + ": would become too large to be read again (" +
                                         std::to_string(content.size()) + " bytes)");
 }
 
@@ -71,7 +72,7 @@ void TomlFile::fail(const toml::node& at, const std::string& fact) const
 {
   const auto line = at.source().begin.line;
   throw Error(ErrorKind::Unreadable,
-              printable(path_.native()) + ":" + std::to_string(line > 0 ? line : 1) + ": " + fact);
+              displayText(path_.native()) + ":" + std::to_string(line > 0 ? line : 1) + ": " + fact);
 }
 
 TomlTable::TomlTable(const TomlFile& file, const toml::table& table, std::string name)
@@ -224,14 +225,14 @@ const std::string& TomlTable::textOf(std::string_view key, const toml::node& nod
 const std::string& TomlTable::checkedText(std::string_view key, const toml::node& node) const
 {
   const std::string& value = textOf(key, node);
-  if (const std::string shown = printable(value); shown != value)
-    file_.fail(node, nameOf(key) + ": \"" + shown + "\" holds a control character");
+  if (holdsControlCharacter(value))
+    file_.fail(node, nameOf(key) + ": \"" + displayText(value) + "\" holds a control character");
   return value;
 }
 
 std::string TomlTable::nameOf(std::string_view key) const
 {
-  return (name_.empty() ? "" : name_ + ".") + printable(key);
+  return (name_.empty() ? "" : name_ + ".") + displayText(key);
 }
 
 } // namespace reelhost

@@ -4,40 +4,19 @@
 #include <cstdio>
 
 #include "host/text.h"
+#include "reelhost/display_text.h"
 
 namespace reelhost {
 
 std::string quoted(std::string_view text)
 {
-  std::string out = "\"";
+  std::string marked;
   for (const char c : text) {
-    switch (c) {
-    case '"':
-      out += "\\\"";
-      break;
-    case '\\':
-      out += "\\\\";
-      break;
-    case '\n':
-      out += "\\n";
-      break;
-    case '\r':
-      out += "\\r";
-      break;
-    case '\t':
-      out += "\\t";
-      break;
-    default:
-      if (const auto byte = static_cast<unsigned char>(c); byte < 0x20 || byte == 0x7f) {
-        char octal[5];
-        std::snprintf(octal, sizeof octal, "\\%03o", static_cast<unsigned>(byte));
-        out += octal;
-      } else {
-        out += c;
-      }
-    }
+    if (c == '"' || c == '\\')
+      marked += '\\';
+    marked += c;
   }
-  return out += '"';
+  return '"' + displayText(marked) + '"';
 }
 
 std::string describe(Word word)

@@ -23,7 +23,7 @@ struct Word {
   const char* text;
 };
 
-/// The text in double quotes, with C escapes for quotes, backslashes and control characters. UTF-8 stays as it is.
+/// The text in double quotes, as displayText writes it, and with a backslash before quotes and backslashes.
 std::string quoted(std::string_view text);
 
 std::string describe(Word word);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
+#include <new>
 #include <utility>
 
 namespace reelhost::model {
@@ -28,6 +29,14 @@ std::string prefixFor(const std::array<unsigned char, 16>& project)
 bool byNumber(const Log* a, const Log* b)
 {
   return a->number < b->number;
+}
+
+/// Sees to it that one more element needs no memory.
+template <class T>
+void makeRoom(std::vector<T>& list)
+{
+  if (list.size() == list.capacity())
+    list.reserve(2 * list.size() + 8);
 }
 
 } // namespace
@@ -129,11 +138,15 @@ void Project::idle()
 Log& Project::add(StoredLog&& stored)
 {
   Log& log = logs_.emplace_back(*this, std::move(stored));
-  table_.insert(log);
+  try {
+    table_.insert(log);
+  } catch (...) {
+    logs_.pop_back(); // a log that nobody can find is none
+    throw;
+  }
   if (log.type == reelType)
     joinReels(log);
-  if (index_)
-    index_->refresh(log);
+  refreshIndex(log);
   return log;
 }
 
@@ -166,14 +179,17 @@ Log* Project::findAmongOthers(const Cookie& cookie)
   return table_.find(CookieWords(cookie));
 }
 
-// A new reel is almost always the last. In all other cases the list is made anew when it is next asked for.
+// A new reel is almost always the last. In all other cases, and without memory, the list is made anew when it is next
+// asked for.
 void Project::joinReels(const Log& log)
 {
-  if (reelsReady_ && log.number > lastReel_) {
+  if (!std::exchange(reelsReady_, false) || log.number <= lastReel_)
+    return;
+  try {
     reels_.add(log.cookie);
     lastReel_ = log.number;
-  } else {
-    reelsReady_ = false;
+    reelsReady_ = true;
+  } catch (const std::bad_alloc&) {
   }
 }
 
@@ -187,9 +203,11 @@ const CookieVec& Project::reels()
     std::sort(logs.begin(), logs.end(), byNumber);
     reels_ = CookieVec();
     lastReel_ = 0;
+    for (const Log* log : logs) {
+      reels_.add(log->cookie);
+      lastReel_ = log->number;
+    }
     reelsReady_ = true;
-    for (const Log* log : logs)
-      joinReels(*log);
   }
   return reels_;
 }
@@ -210,8 +228,13 @@ CookieVec Project::othersWithReelId(std::string_view id)
   if (!index_) {
     loadOthers();
     index_.emplace();
-    for (Log& log : logs_)
-      index_->refresh(log);
+    try {
+      for (Log& log : logs_)
+        index_->refresh(log);
+    } catch (...) {
+      dropIndex();
+      throw;
+    }
   }
   CookieVec cookies;
   for (const Log* log : index_->find(id))
@@ -249,6 +272,7 @@ Log& Project::create(StoredLog&& stored)
   stored.tag = 0;
   stored.kind = 'E';
   stored.number = nextNumber_++;
+  makeRoom(dirty_); // a log that is made is stored
   Log& log = add(std::move(stored));
   changing(log);
   return log;
@@ -263,10 +287,29 @@ void Project::changing(Log& log)
   log.isDirty = true;
 }
 
+// An index that lacks a log would hide it from every search: without memory for it there is none, until the next
+// search.
+void Project::refreshIndex(Log& log)
+{
+  if (!index_)
+    return;
+  try {
+    index_->refresh(log);
+  } catch (const std::bad_alloc&) {
+    dropIndex();
+  }
+}
+
+void Project::dropIndex()
+{
+  index_.reset();
+  for (Log& log : logs_)
+    log.indexedUnder = nullptr;
+}
+
 void Project::reelIdChanged(Log& log)
 {
-  if (index_)
-    index_->refresh(log);
+  refreshIndex(log);
 }
 
 void Project::typeChanged(Log& log)
@@ -275,8 +318,7 @@ void Project::typeChanged(Log& log)
     joinReels(log);
   else
     reelsReady_ = false;
-  if (index_)
-    index_->refresh(log);
+  refreshIndex(log);
 }
 
 CookieVec Project::erase(const CookieVec& cookies)
@@ -331,6 +373,7 @@ void Project::OptionsOwner::configChanging()
 {
   if (!project_.isClosed_)
     project_.useForChange();
+  makeRoom(project_.changedOptions_); // an option that is changed is stored
 }
 
 void Project::OptionsOwner::configChanged(Key key)

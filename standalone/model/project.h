@@ -89,6 +89,8 @@ private:
   Log& add(StoredLog&& log);
   void read(StoredLog&& log);
   void joinReels(const Log& log);
+  void refreshIndex(Log& log);
+  void dropIndex();
   void loadOthers();
   Log* findAmongOthers(const Cookie& cookie);
   Changes collect() const;

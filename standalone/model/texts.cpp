@@ -2,10 +2,12 @@
 #include <cstdarg>
 #include <cstdio>
 #include <string>
+#include <string_view>
 
 #include "host/text.h"
 #include "journal/host_call.h"
 #include "model/settings.h"
+#include "reelhost/display_text.h"
 
 using reelhost::describeAll;
 using reelhost::hostCall;
@@ -28,6 +30,13 @@ std::string formatted(const char* format, std::va_list arguments)
   std::vsnprintf(text.data(), text.size() + 1, format, again);
   va_end(again);
   return text;
+}
+
+/// The text as it may be printed. What ends it is the line end of the message; any other belongs to what it speaks of.
+std::string shown(std::string_view text)
+{
+  const bool ends = !text.empty() && text.back() == '\n';
+  return reelhost::displayText(text.substr(0, text.size() - ends)) + (ends ? "\n" : "");
 }
 
 } // namespace
@@ -53,7 +62,8 @@ int vorn_printf(const char* format, ...)
   return hostCall(
       "vorn_printf", [&] { return describeAll(text); },
       [&] {
-        const std::size_t written = std::fwrite(text.data(), 1, text.size(), stderr);
-        return written == text.size() ? static_cast<int>(written) : -1;
+        const std::string line = shown(text);
+        const std::size_t written = std::fwrite(line.data(), 1, line.size(), stderr);
+        return written == line.size() ? static_cast<int>(text.size()) : -1;
       });
 }

@@ -6,6 +6,7 @@
 
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -71,10 +72,12 @@ public:
 private:
   friend class FacilityReader;
   std::string storedLastReel(unsigned deviceId) const;
-  void take(const State& state); ///< what the state file holds goes before facility.toml
+  void take(const State& state); ///< these and no other values go before facility.toml
   std::filesystem::path directory_;
   std::string defaultProject_;
-  std::map<std::string, std::string> config_, system_, pendingSystem_;
+  std::map<std::string, std::string> config_;
+  std::map<std::string, std::string> configuredSystem_; ///< of facility.toml
+  std::map<std::string, std::string> system_, pendingSystem_;
   std::map<unsigned, std::string> texts_, storedLastReel_, pendingLastReel_;
   std::vector<std::pair<std::string, int>> frameRates_;
   std::vector<DeviceSettings> devices_;
@@ -83,9 +86,25 @@ private:
 /// The nearest folder from @p start upwards that holds a facility.toml.
 std::optional<std::filesystem::path> findFacility(const std::filesystem::path& start);
 
-/// Makes a facility in @p dir: facility.toml, devicedata/reeltype.dat, labelmaps/ with the nine default maps,
-/// projects/. Throws Error: Refused when there is one already or when one of these files exists, and nothing is made
-/// then; Io, and the files that were made are gone again. Never overwrites a file.
+/// A facility in the making: all of it, or nothing. What was made goes again with the owner, files and folders, unless
+/// keep() was called; what was there stays in any case.
+class NewFacility {
+public:
+  /// Makes a facility in @p dir: facility.toml, devicedata/reeltype.dat, labelmaps/ with the nine default maps,
+  /// projects/. Throws Error: Refused when there is one already or when one of these files exists; Io. Nothing is left
+  /// of it then. Never overwrites a file.
+  explicit NewFacility(const std::filesystem::path& dir);
+  ~NewFacility();
+  NewFacility(const NewFacility&) = delete;
+  NewFacility& operator=(const NewFacility&) = delete;
+  void keep();
+
+private:
+  class Made;
+  std::unique_ptr<Made> made_;
+};
+
+/// Makes a facility, as above, and keeps it.
 void createFacility(const std::filesystem::path& dir);
 
 /// One entry of a label map file.

@@ -26,7 +26,7 @@ namespace reelhost {
 struct Call {
   std::string
       operation; ///< as declared: "EditPtr::i_open", "configb::set", "vorn_printf", "EditModifier::~EditModifier"
-  std::string arguments; ///< comma separated; texts in double quotes with C escapes, Cookies in their text form
+  std::string arguments; ///< comma separated; texts in double quotes with escapes, Cookies in their text form
   std::string result;    ///< empty when there is none; "threw TYPE" when the operation threw
   std::string line() const;
 };

@@ -12,8 +12,12 @@ std::int64_t allocations(); ///< successful allocate calls since the process beg
 std::int64_t releases();    ///< release calls with a pointer
 std::int64_t countsUp();    ///< incRef calls
 std::int64_t countsDown();  ///< decRef calls
+/// Holders there are now of shared bodies (texts, storages of Cookies) and of counted objects. What was done and undone
+/// leaves it as it was.
+std::int64_t holders();
 /// The n-th allocation from now (from 1) answers null, once. 0: none.
 void failAllocation(std::int64_t n);
+bool allocationWillFail(); ///< whether failAllocation's n-th is still to come
 
 } // namespace reelhost
 

@@ -8,28 +8,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace reelhost {
+#include "reelhost/display_text.h"
 
-std::string printable(std::string_view text)
-{
-  static const char digits[] = "0123456789abcdef";
-  std::string out;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const auto byte = static_cast<unsigned char>(text[i]);
-    // 0xC2 0x80 to 0xC2 0x9F are the control characters U+0080 to U+009F in UTF-8.
-    const bool secondOfControl =
-        byte >= 0x80 && byte <= 0x9F && i > 0 && static_cast<unsigned char>(text[i - 1]) == 0xC2;
-    if (byte < 0x20 || byte == 0x7F || secondOfControl)
-      out.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
-    else
-      out.push_back(text[i]);
-  }
-  return out;
-}
+namespace reelhost {
 
 void throwSystemError(ErrorKind kind, const std::filesystem::path& subject, const std::string& fact, int error)
 {
-  throw Error(kind, printable(subject.native()) + ": " + fact + " (" + std::generic_category().message(error) + ")");
+  throw Error(kind, displayText(subject.native()) + ": " + fact + " (" + std::generic_category().message(error) + ")");
 }
 
 FileDescriptor::~FileDescriptor()
@@ -102,7 +87,7 @@ void requireRegularFile(const std::filesystem::path& path)
   }
   if (!S_ISREG(status.st_mode))
     throw Error(ErrorKind::Unreadable,
-                printable(path.native()) + ": no regular file (" + kindOfFile(status.st_mode) + ")");
+                displayText(path.native()) + ": no regular file (" + kindOfFile(status.st_mode) + ")");
 }
 
 std::string readRegularFile(const std::filesystem::path& path, std::size_t limit)
@@ -125,7 +110,7 @@ std::string readRegularFile(const std::filesystem::path& path, std::size_t limit
     content.append(buffer, static_cast<std::size_t>(got));
     if (content.size() > limit)
       throw Error(ErrorKind::Unreadable,
-                  printable(path.native()) + ": too large (more than " + std::to_string(limit) + " bytes)");
+                  displayText(path.native()) + ": too large (more than " + std::to_string(limit) + " bytes)");
   }
 }
 

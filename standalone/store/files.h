@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the stores and the facility share about files: names in messages, descriptors, and writing that survives a power
-// cut. Any thread.
+// What the stores and the facility share about files: descriptors, reading, and writing that survives a power cut. Any
+// thread.
 #ifndef REELDB_STORE_FILES_H
 #define REELDB_STORE_FILES_H
 
@@ -12,9 +12,6 @@
 #include "reelhost/error.h"
 
 namespace reelhost {
-
-/// @p text with its control characters as \xNN: what a file is called or holds must not steer a terminal.
-std::string printable(std::string_view text);
 
 /// Throws Error of @p kind, "SUBJECT: FACT (text of the errno @p error)".
 [[noreturn]] void throwSystemError(ErrorKind kind, const std::filesystem::path& subject, const std::string& fact,

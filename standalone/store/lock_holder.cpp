@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "reelhost/display_text.h"
 #include "store/files.h"
 #include "store/project_file.h"
 
@@ -59,7 +60,7 @@ std::string commandOf(pid_t pid)
   constexpr std::size_t longest = 120; // a list of a thousand files helps nobody
   if (line.size() > longest)
     line = line.substr(0, longest) + "...";
-  return printable(line);
+  return displayText(line);
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "reelhost/display_text.h"
 #include "store/files.h"
 
 namespace reelhost {
@@ -37,7 +38,7 @@ bool inspectCompanion(const std::filesystem::path& subject, const std::string& p
     return false;
   // A link in its place would have SQLite write to somewhere else.
   if (!S_ISREG(status.st_mode))
-    throw Error(ErrorKind::Unreadable, printable(subject.native()) + ": damaged (" + printable(path) + " is " +
+    throw Error(ErrorKind::Unreadable, displayText(subject.native()) + ": damaged (" + displayText(path) + " is " +
                                            kindOfFile(status.st_mode) + ")");
   return true;
 }
@@ -49,11 +50,12 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
   struct stat status = {};
   if (::stat(path.c_str(), &status) != 0) {
     if (errno == ENOENT || errno == ENOTDIR)
-      throw Error(ErrorKind::NotFound, printable(path.native()) + ": no such project");
+      throw Error(ErrorKind::NotFound, displayText(path.native()) + ": no such project");
     throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
   }
   if (!S_ISREG(status.st_mode))
-    throw Error(ErrorKind::Unreadable, printable(path.native()) + ": no project (" + kindOfFile(status.st_mode) + ")");
+    throw Error(ErrorKind::Unreadable,
+                displayText(path.native()) + ": no project (" + kindOfFile(status.st_mode) + ")");
   if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
     throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
 
@@ -63,7 +65,7 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
   if (error)
     throwSystemError(ErrorKind::Io, path, "cannot be opened", error.value());
   if (file.path.size() > longestProjectPath)
-    throw Error(ErrorKind::Io, printable(path.native()) + ": cannot be opened (its full path is longer than " +
+    throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be opened (its full path is longer than " +
                                    std::to_string(longestProjectPath) + " bytes)");
   file.size = static_cast<std::uintmax_t>(status.st_size);
   file.modified = static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;

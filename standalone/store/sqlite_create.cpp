@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "reelhost/display_text.h"
 #include "reelhost/store.h"
 #include "store/files.h"
 #include "store/project_file.h"
@@ -67,7 +68,7 @@ void publish(TemporaryFile& file, const std::filesystem::path& path)
     }
   }
   if (errno == EEXIST)
-    throw Error(ErrorKind::Refused, printable(path.native()) + ": exists already");
+    throw Error(ErrorKind::Refused, displayText(path.native()) + ": exists already");
   throwSystemError(ErrorKind::Io, path, "cannot be made", errno);
 }
 
@@ -76,12 +77,12 @@ void publish(TemporaryFile& file, const std::filesystem::path& path)
 void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
 {
   if (taken(path))
-    throw Error(ErrorKind::Refused, printable(path.native()) + ": exists already");
+    throw Error(ErrorKind::Refused, displayText(path.native()) + ": exists already");
   // The write-ahead log of an earlier project of this name would be taken for this one's.
   for (const char* ending : {"-wal", "-shm", "-journal"})
     if (const std::filesystem::path left = path.native() + ending; taken(left))
       throw Error(ErrorKind::Refused,
-                  printable(left.native()) + ": left over from another project (move it away first)");
+                  displayText(left.native()) + ": left over from another project (move it away first)");
 
   std::error_code error;
   const std::filesystem::path folder = std::filesystem::canonical(folderOf(path), error);
@@ -89,7 +90,7 @@ void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& i
     throwSystemError(ErrorKind::Io, path, "cannot be made", error.value());
   TemporaryFile file(nameBeside(folder / path.filename()));
   if (file.path().native().size() > longestProjectPath)
-    throw Error(ErrorKind::Io, printable(path.native()) + ": cannot be made (its full path is too long)");
+    throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be made (its full path is too long)");
   TemporaryFile journal(file.path().native() + "-journal"), log(file.path().native() + "-wal"),
       index(file.path().native() + "-shm");
   if (const FileDescriptor made(::open(file.path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
@@ -99,7 +100,7 @@ void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& i
     Database database(file.path().native(), Database::Mode::ReadWrite);
     fill(database, info, options);
   } catch (const sqlite::Failure& failure) {
-    throw Error(ErrorKind::Io, printable(path.native()) + ": cannot be made (" + failure.what() + ")");
+    throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be made (" + failure.what() + ")");
   }
   publish(file, path);
   syncFolder(folder);

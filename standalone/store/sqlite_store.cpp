@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 
+#include "reelhost/display_text.h"
 #include "store/ascii.h"
 #include "store/files.h"
 #include "store/log_fields.h"
@@ -85,7 +86,7 @@ std::vector<std::string> problemsFrom(Database& database, const char* sql)
       const std::size_t end = std::min(text.find('\n'), text.size());
       const std::string_view line = text.substr(0, end);
       if (line != "ok" && line.substr(0, 3) != "***")
-        problems.push_back(printable(line));
+        problems.push_back(displayText(line));
       text.remove_prefix(std::min(end + 1, text.size()));
     }
   }
@@ -105,7 +106,7 @@ SqliteStore::~SqliteStore()
 
 std::string SqliteStore::subject() const
 {
-  return printable(path_.native());
+  return displayText(path_.native());
 }
 
 // --- Beginning and ending a use
@@ -584,7 +585,7 @@ void SqliteStore::refuse(ErrorKind kind, const std::string& fact) const
 
 Error SqliteStore::errorFor(const char* fact, const Failure& failure)
 {
-  std::string cause = printable(failure.what());
+  std::string cause = displayText(failure.what());
   switch (failure.cause()) {
   case Cause::Busy: {
     const std::string holder = writeLockHolder(file_.path);

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "reelhost/memory.h"
+#include "values/holders.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ auto addTo(Atomic&& number, int step)
   return number.fetch_add(step, std::memory_order_acq_rel) + step;
 }
 
-constinit std::atomic<std::int64_t> allocateCalls, releaseCalls, incRefCalls, decRefCalls;
+constinit std::atomic<std::int64_t> allocateCalls, releaseCalls, incRefCalls, decRefCalls, firstHolders;
 constinit std::atomic<std::int64_t> untilFailure; // 0: no allocation is to fail
 
 /// Whether this is the allocation that was told to fail.
@@ -110,9 +111,24 @@ std::int64_t countsDown()
   return decRefCalls.load(std::memory_order_relaxed);
 }
 
+void countFirstHolder()
+{
+  addTo(firstHolders, 1);
+}
+
+std::int64_t holders()
+{
+  return firstHolders.load(std::memory_order_relaxed) + countsUp() - countsDown();
+}
+
 void failAllocation(std::int64_t n)
 {
   untilFailure.store(n, std::memory_order_relaxed);
+}
+
+bool allocationWillFail()
+{
+  return untilFailure.load(std::memory_order_relaxed) > 0;
 }
 
 } // namespace reelhost

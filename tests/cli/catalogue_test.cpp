@@ -96,6 +96,60 @@ TEST_F(Fields, SameNameAgainSaysThatNothingChanged)
   EXPECT_EQ(output({"fields", "0=Scene"}).substr(0, 16), "nothing changed\n");
 }
 
+TEST_F(Fields, NameThatSetWouldTakeForAnotherFieldIsRefused)
+{
+  dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[system]\nreel_userfield4 = \"Light\"\n");
+  output({"fields", "1=Take"});
+  const auto expectNoName = [this](const Words& assignments, const std::string& message) {
+    Words words = {"fields"};
+    words.insert(words.end(), assignments.begin(), assignments.end());
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+    EXPECT_EQ(field(0).at("stored"), "");
+  };
+  const auto fact = [](const std::string& name) { return "\"" + name + "\": no name for user field 0 "; };
+  for (const std::string name : {"bin", "Type", "LABEL_mapping", "last-device", "available", "inhibit"})
+    expectNoName({"0=" + name}, fact(name) + "(reeldb set means another field by it)");
+  for (const std::string name : {"3", "0", "99", "-1", "user-field.0", "User-Field.x"})
+    expectNoName({"0=" + name}, fact(name) + "(reeldb set means another field by it)");
+  expectNoName({"0= "}, fact(" ") + "(it is blank)");
+  expectNoName({"0=tAKE"}, fact("tAKE") + "(user field 1 is called that)");
+  expectNoName({"0=light"}, fact("light") + "(user field 4 is called that)");
+  expectNoName({"0=user field 3"}, fact("user field 3") + "(user field 2 is called that)");
+  expectNoName({"0=Scene", "3=scene"}, fact("Scene") + "(user field 3 is called that)");
+  // Taken back, field 1 would be called what field 5 is.
+  output({"fields", "5=x"});
+  expectNoName({"1=", "5=User field 2"}, "\"User field 2\": no name for user field 1 (user field 5 is called that)");
+  EXPECT_EQ(field(1).at("name"), "Take");
+}
+
+TEST_F(Fields, NamesMayChangePlacesAndTakeWhatBecomesFree)
+{
+  output({"fields", "0=Scene", "1=Take"});
+  output({"fields", "0=Take", "1=Scene"});
+  EXPECT_EQ(field(0).at("name"), "Take");
+  output({"fields", "2=Weather", "3=User field 3"});
+  EXPECT_EQ(field(3).at("name"), "User field 3");
+}
+
+TEST_F(Fields, NameThatCannotBeHandedOnIsAUsageError)
+{
+  const ProcessResult result = reeldb({"fields", "0=a\x1b"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: 0: \"a\\x1b\" cannot be stored (it holds a control character)\n");
+  EXPECT_EQ(field(0).at("stored"), "");
+}
+
+TEST_F(Fields, NameTakenBackLeavesNothingInTheStateFile)
+{
+  output({"fields", "0=Scene"});
+  EXPECT_NE(readFile("state.toml").find("reel_userfield0"), std::string::npos);
+  output({"fields", "0="});
+  EXPECT_EQ(readFile("state.toml").find("reel_userfield"), std::string::npos);
+}
+
 TEST_F(Fields, NamesServeEveryProject)
 {
   output({"project", "new", "film"});

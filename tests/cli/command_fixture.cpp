@@ -47,6 +47,16 @@ void FacilityTest::SetUp()
                                         "Live:VideoChannels=1\n");
 }
 
+void FacilityTest::expectRefusal(const Words& words, const std::string& message, int code)
+{
+  const std::string before = readFile("projects/main.reels");
+  const ProcessResult result = reeldb(words);
+  EXPECT_EQ(result.code, code) << message;
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
 Json FacilityTest::reel(const std::string& id)
 {
   for (const Json& entry : json({"list", "--json"}))

@@ -48,6 +48,9 @@ class FacilityTest : public CommandTest {
 protected:
   void SetUp() override;
 
+  /// Runs it, expects that exit code, this message on standard error and nothing else, and that the project's file
+  /// keeps its bytes.
+  void expectRefusal(const Words& words, const std::string& message, int code = 1);
   /// The reel of that identifier out of `list --json`; null when there is none.
   Json reel(const std::string& id);
   /// Identifiers of all reels, in order.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/command_fixture.h"
+#include "cli/stored_field.h"
 
 using namespace reeldb_tests;
 
@@ -40,6 +41,18 @@ TEST_F(Copy, UnknownReelsAreRefused)
   const ProcessResult result = reeldb({"copy", "A001", "X"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err, "reeldb: X: no such reel\n");
+}
+
+TEST_F(Copy, TextThatCannotBeHandedOnIsNotSpread)
+{
+  setStored(path("projects/main.reels"), "A001", "reel_userfield5", "y\x1b");
+  expectRefusal({"copy", "A001", "B001"}, "A001: its user field 5 cannot be copied (it holds a control character)", 2);
+}
+
+TEST_F(Copy, ReelOfAnOddNameIsFound)
+{
+  respell(path("projects/main.reels"), "A001", "a\xff");
+  EXPECT_EQ(output({"copy", "a\xff", "B001"}), "B001: now as a\\xff\n");
 }
 
 TEST_F(Copy, JsonHasTheReelAsItIsNow)

@@ -2,23 +2,13 @@
 #include <sstream>
 
 #include "cli/command_fixture.h"
+#include "cli/stored_field.h"
 
 using namespace reeldb_tests;
 
 namespace {
 
-class Create : public FacilityTest {
-protected:
-  void expectRefusal(const Words& words, const std::string& message)
-  {
-    const std::string before = readFile("projects/main.reels");
-    const ProcessResult result = reeldb(words);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
-    EXPECT_EQ(readFile("projects/main.reels"), before);
-  }
-};
+class Create : public FacilityTest {};
 
 TEST_F(Create, MakesAReelThatIsAvailableAndNotInhibited)
 {
@@ -51,13 +41,55 @@ TEST_F(Create, ReelThatIsThereWithoutTheBlanksIsRefused)
 
 TEST_F(Create, BlankIdentifierIsRefused)
 {
-  expectRefusal({"create", "   "}, "\"   \": no reel made (the identifier is blank)");
-  expectRefusal({"create", ""}, "\"\": no reel made (the identifier is blank)");
+  expectRefusal({"create", "   "}, "\"   \": no name for a reel (it is blank)");
+  expectRefusal({"create", ""}, "\"\": no name for a reel (it is blank)");
 }
 
 TEST_F(Create, StarIsRefused)
 {
-  expectRefusal({"create", "A*B"}, "\"A*B\": no reel made (a star denotes generated material)");
+  expectRefusal({"create", "A*B"}, "\"A*B\": no name for a reel (a star denotes generated material)");
+}
+
+TEST_F(Create, IdentifierThatCannotBeHandedOnIsAUsageError)
+{
+  for (const auto& [id, shown] : std::vector<std::pair<std::string, std::string>>{
+           {"a\nb", "a\\nb"}, {"\x01", "\\x01"}, {"R\x7f", "R\\x7f"}, {"\xc2\x9b", "\\u009b"}, {"\tR1", "\\tR1"}})
+    expectRefusal({"create", id}, "\"" + shown + "\": no name for a reel (it holds a control character)", 2);
+  expectRefusal({"create", "R\xff"}, "\"R\\xff\": no name for a reel (it is not UTF-8)", 2);
+  EXPECT_EQ(output({"create", "M\xc3\x9cLLER \xd7\x90\xe2\x80\x8f"}), "M\xc3\x9cLLER \xd7\x90\\u200f\n");
+}
+
+TEST_F(Create, NameThatCutListsUseForNoReelIsTakenWithAWarning)
+{
+  const auto expectWarning = [this](const std::string& id, const std::string& meaning) {
+    const ProcessResult result = reeldb({"create", id});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.out, id + "\n");
+    EXPECT_EQ(result.err, "reeldb: " + id +
+                              ": taken all the same, but no import will mean this reel by it (in cut lists it means: " +
+                              meaning + ")\n");
+  };
+  expectWarning("BL", "black");
+  expectWarning("Black", "black");
+  expectWarning("BARS", "colour bars");
+  expectWarning("gen", "generated");
+  expectWarning("AX", "a source without a tape");
+  EXPECT_EQ(reelIds().size(), 5u);
+  // None of the list's events is this reel.
+  dir_.write("cut.edl", event(1, "BL", "V", "00:00:00:00", "00:00:01:00"));
+  EXPECT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(reel("BL").at("shots"), 0);
+}
+
+TEST_F(Create, ReportThatIsLostSaysThatTheReelIsMade)
+{
+  ProcessSetting full = setting_;
+  full.outputFile = "/dev/full";
+  const ProcessResult result = reeldb({"create", "R1"}, full);
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, "reeldb: standard output: cannot be written (No space left on device; the changes are stored "
+                        "all the same)\n");
+  EXPECT_EQ(reelIds(), Words{"R1"});
 }
 
 TEST_F(Create, IdentifierOf2047BytesIsWholeAndOf2048IsRefused)
@@ -67,7 +99,7 @@ TEST_F(Create, IdentifierOf2047BytesIsWholeAndOf2048IsRefused)
   EXPECT_EQ(reelIds(), Words{longest});
   const ProcessResult result = reeldb({"create", longest + "x"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_NE(result.err.find("no reel made (the identifier has 2048 bytes, 2047 are the most)"), std::string::npos)
+  EXPECT_NE(result.err.find("no name for a reel (it has 2048 bytes, 2047 are the most)"), std::string::npos)
       << result.err;
 }
 
@@ -148,6 +180,17 @@ TEST_F(Create, TraceShowsTheHostCallsInTheirOrder)
   EXPECT_NE(line("Edit::set_reelid(").find("0, \"R1\")"), std::string::npos) << result.err;
   EXPECT_NE(line("Edit::setName(").find("\"Reel R1\""), std::string::npos) << result.err;
   EXPECT_NE(line("Edit::setChangeDescription(").find("59, true"), std::string::npos) << result.err;
+}
+
+TEST_F(Create, TraceIsUtf8WithoutControlCharactersWhateverIsInTheProject)
+{
+  output({"create", "R1"});
+  respell(path("projects/main.reels"), "R1", "a\x1b[2J\xff\n");
+  const ProcessResult result = reeldb({"--trace", "create", "R2"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.err.find("\"a\\x1b[2J\\xff\\n\""), std::string::npos) << result.err;
+  EXPECT_EQ(result.err.find('\x1b'), std::string::npos);
+  EXPECT_EQ(result.err.find('\xff'), std::string::npos);
 }
 
 TEST_F(Create, TraceIsOffUnlessAskedFor)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+
 #include "cli/command_fixture.h"
 
 using namespace reeldb_tests;
@@ -29,8 +31,10 @@ TEST_F(Delete, TakesReelsAndTheirShots)
 {
   const ProcessResult result = reeldb({"delete", "a001", "--yes"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.out, "REEL  SHOTS\n"
-                        "A001      2\n"
+  EXPECT_EQ(result.out, "A001: 2 shots\n"
+                        "  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                        "  -     V       01:00:00:00  01:00:01:00  01:00:00:00  01:00:01:00\n"
+                        "  -     V       01:00:02:00  01:00:03:00  01:00:00:00  01:00:01:00\n"
                         "1 reel and 2 shots deleted (reeldb undelete brings them back)\n");
   EXPECT_NE(result.err.find(" from Reel: A001\n"), std::string::npos) << result.err;
   EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));
@@ -40,8 +44,20 @@ TEST_F(Delete, KeptReelAndItsShotsStay)
 {
   const ProcessResult result = reeldb({"delete", "A001", "B001", "C001", "--keep", "b001", "--yes", "--json"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(Json::parse(result.out),
-            Json::parse(R"({"dry_run": false, "deleted": ["A001", "C001"], "shots": 3, "kept": ["B001"]})"));
+  Json report = Json::parse(result.out);
+  const Json reels = report.at("reels");
+  report.erase("reels");
+  EXPECT_EQ(report, Json::parse(R"({"dry_run": false, "deleted": ["A001", "C001"], "shots": 3, "kept": ["B001"]})"));
+  ASSERT_EQ(reels.size(), 3u);
+  EXPECT_EQ(reels.at(0).at("id"), "A001");
+  EXPECT_EQ(reels.at(0).at("kept"), false);
+  EXPECT_FALSE(reels.at(0).contains("why"));
+  ASSERT_EQ(reels.at(0).at("shots").size(), 2u);
+  EXPECT_EQ(reels.at(0).at("shots").at(1).at("source_in"), "01:00:02:00");
+  EXPECT_EQ(reels.at(1).at("id"), "B001");
+  EXPECT_EQ(reels.at(1).at("kept"), true);
+  EXPECT_EQ(reels.at(1).at("why"), "--keep");
+  EXPECT_EQ(reels.at(1).at("shots").size(), 1u);
   EXPECT_NE(result.err.find("Couldn't delete reel: B001 because it was marked as in use.\n"), std::string::npos)
       << result.err;
   EXPECT_EQ(reelIds(), Words{"B001"});
@@ -58,7 +74,7 @@ TEST_F(Delete, NothingToDeleteIsRefused)
 {
   const ProcessResult result = reeldb({"delete", "A001", "--keep", "A001", "--yes"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.out, "A001: kept, with its shots\nnothing deleted\n");
+  EXPECT_EQ(result.out, "A001: kept, with its 2 shots (--keep)\nnothing deleted\n");
   EXPECT_EQ(reelIds().size(), 3u);
 }
 
@@ -107,11 +123,35 @@ TEST_F(Delete, DryRunShowsWhatWouldGo)
   const std::string before = readFile("projects/main.reels");
   const ProcessResult result = reeldb({"delete", "--dry-run", "A001", "B001", "--keep", "B001"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_NE(result.out.find("B001: kept, with its shots\n"
+  EXPECT_NE(result.out.find("B001: kept, with its 1 shot (--keep)\n"
                             "dry run: 1 reel and 2 shots would go, the project stays as it was\n"),
             std::string::npos)
       << result.out;
+  EXPECT_EQ(result.err, "");
   EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Delete, OfManyShotsTheFirstTwentyAreShownAndJsonHasAll)
+{
+  std::string list;
+  for (int i = 1; i <= 21; ++i)
+    list += event(i, "MANY", "V", "02:00:" + std::to_string(i + 10) + ":00", "02:01:00:00");
+  dir_.write("many.edl", list);
+  ASSERT_EQ(reeldb({"import", "many.edl"}).code, 0);
+  const std::string text = reeldb({"delete", "--dry-run", "MANY"}).out;
+  EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + 1 + 20 + 1 + 1) << text;
+  EXPECT_NE(text.find("  02:00:30:00  02:01:00:00  01:00:00:00  01:00:01:00\n  and 1 more (--json lists all)\n"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(Json::parse(reeldb({"delete", "--dry-run", "--json", "MANY"}).out).at("reels").at(0).at("shots").size(),
+            21u);
+}
+
+TEST_F(Delete, DryRunThatKeepsAllSaysThatNothingWouldGo)
+{
+  const ProcessResult result = reeldb({"delete", "--dry-run", "C001", "--keep", "C001"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "C001: kept, with its 1 shot (--keep)\ndry run: nothing would go\n");
 }
 
 TEST_F(Delete, UndeleteRestoresEveryByte)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
 #include "cli/command_fixture.h"
 
 using namespace reeldb_tests;
@@ -130,10 +132,18 @@ TEST_F(LabelMapCommand, CheckSaysWhyADeviceIsNotSuited)
   EXPECT_NE(result.out.find("pal1394: does not fit the device Deck\n"), std::string::npos) << result.out;
 }
 
-TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefused)
+const std::string nine = "24f1394, 24f9pin, 24ftofd, nts9pin, ntsc1394, ntstofd, pal1394, pal9pin, paltofd";
+
+TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefusedWithThoseThatAre)
 {
-  EXPECT_EQ(reeldb({"labelmap", "check", "nope"}).code, 1);
-  EXPECT_EQ(reeldb({"labelmap", "check", "../facility"}).code, 1);
+  for (const std::string name : {"nope", "../facility", "", "."}) {
+    const ProcessResult result = reeldb({"labelmap", "check", name});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.err, "reeldb: \"" + name + "\": no such label map (this facility has: " + nine + ")\n");
+  }
+  std::filesystem::remove_all(path("labelmaps"));
+  EXPECT_EQ(reeldb({"labelmap", "check", "nope"}).err,
+            "reeldb: \"nope\": no such label map (this facility has none)\n");
 }
 
 TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
@@ -145,15 +155,44 @@ TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
   EXPECT_NE(result.err.find("bad.toml:5"), std::string::npos) << result.err;
   const ProcessResult list = reeldb({"labelmap", "list", "--json"});
   EXPECT_EQ(list.code, 3);
-  EXPECT_EQ(Json::parse(list.out).size(), 10u);
+  const Json maps = Json::parse(list.out);
+  ASSERT_EQ(maps.size(), 10u);
+  const Json& bad = maps.at(3);
+  EXPECT_EQ(bad.at("name"), "bad");
+  EXPECT_TRUE(bad.at("uses_vitc").is_null());
+  EXPECT_TRUE(bad.at("fits_project").is_null());
+  EXPECT_NE(bad.at("fault").get<std::string>().find("bad.toml:5"), std::string::npos);
+  const std::string text = reeldb({"labelmap", "list"}).out;
+  EXPECT_NE(text.find("\nbad        -     unreadable    "), std::string::npos) << text;
+  EXPECT_NE(text.find("bad.toml:5: entry.source: \"smoke signals\""), std::string::npos) << text;
+}
+
+TEST_F(LabelMapCommand, AnswerThatIsNoMapOfTheFacilityComesWithAWarning)
+{
+  std::filesystem::remove(path("labelmaps/pal9pin.toml"));
+  const std::string fault = "\"pal9pin\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "
+                            "ntsc1394, ntstofd, pal1394, paltofd)";
+  ProcessResult result = reeldb({"device", "label-map", "3"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "pal9pin\n");
+  EXPECT_EQ(result.err, "reeldb: " + fault + "\n");
+  output({"create", "R1"});
+  result = reeldb({"label-map-for", "R1", "--device", "3", "--json"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "reeldb: " + fault + "\n");
+  EXPECT_EQ(Json::parse(result.out), Json({{"reel", "R1"}, {"device", 3}, {"label_map", "pal9pin"}, {"fault", fault}}));
+  dir_.write("labelmaps/pal9pin.toml", "x =");
+  result = reeldb({"device", "label-map", "3"});
+  EXPECT_EQ(result.out, "pal9pin\n");
+  EXPECT_NE(result.err.find("pal9pin.toml:1: not valid TOML"), std::string::npos) << result.err;
 }
 
 TEST_F(LabelMapCommand, ReelsOwnMapComesBeforeTheDevices)
 {
   output({"create", "R1"});
   EXPECT_EQ(output({"label-map-for", "r1", "--device", "3"}), "pal9pin\n");
-  output({"set", "R1", "label-mapping=anything at all"});
-  EXPECT_EQ(output({"label-map-for", "R1", "--device", "3"}), "anything at all\n");
+  reeldb({"set", "R1", "label-mapping=anything at all"});
+  EXPECT_EQ(reeldb({"label-map-for", "R1", "--device", "3"}).out, "anything at all\n");
   output({"set", "R1", "label-mapping=Device default"});
   EXPECT_EQ(json({"label-map-for", "R1", "--device", "3", "--json"}),
             Json::parse(R"({"reel": "R1", "device": 3, "label_map": "pal9pin"})"));

@@ -42,11 +42,17 @@ TEST_F(Front, OptionIsTakenInEveryFormBeforeAndAfterTheCommand)
     EXPECT_EQ(firstReel(words, setting_), "R1") << words[0] << " " << words[1];
 }
 
-TEST_F(Front, LastOfTwoFoldersCounts)
+TEST_F(Front, TwoFoldersAreAUsageError)
 {
   mark("one", "R1");
   mark("two", "R2");
-  EXPECT_EQ(firstReel({"-C", "one", "list", "--json", "-C", "two"}, setting_), "R2");
+  for (const Words& words :
+       std::vector<Words>{{"-C", "one", "list", "-C", "two"}, {"-Cone", "list", "--facility=one"}}) {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: -C: given more than once (-C DIR names the facility)\n");
+  }
 }
 
 TEST_F(Front, OptionComesBeforeEnvironmentBeforeWorkingFolder)
@@ -134,7 +140,20 @@ TEST_F(Front, EnvironmentIsRefusedLikeTheOption)
 TEST_F(Front, ControlCharactersOfAPathAreEscapedInTheMessage)
 {
   const ProcessResult result = reeldb({"-C", "a\x1b[31m\n\xc2\x9b", "list"});
-  EXPECT_EQ(result.err, "reeldb: a\\x1b[31m\\x0a\\xc2\\x9b: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: a\\x1b[31m\\n\\u009b: no facility (no such folder)\n");
+}
+
+TEST_F(Front, ModuleThatIsMissingIsToldInAsciiAlone)
+{
+  const std::string folder = path("lone \x1b\xc3\xa9");
+  fs::create_directory(folder);
+  fs::copy_file(reeldbProgram, folder + "/reeldb");
+  const ProcessResult result = runProcess({folder + "/reeldb", "--version"}, setting_);
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.out, "");
+  const std::string expected =
+      "reeldb: " + fs::canonical(dir_.path()).string() + "/lone \\x1b\\xc3\\xa9: libreelcli.so not found (looked in ";
+  EXPECT_EQ(result.err.rfind(expected, 0), 0u) << result.err;
 }
 
 TEST_F(Front, PipeInPlaceOfTheFileIsRefusedWithoutWaiting)
@@ -215,6 +234,13 @@ protected:
     EXPECT_EQ(result.code, 3);
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "reeldb: " + typeFile_ + message + "\n");
+  }
+  /// Warnings of records without parameters are the library's own.
+  void expectNoRemark(const std::string& bytes)
+  {
+    const ProcessResult result = typesWith(bytes);
+    EXPECT_EQ(result.code, 0) << result.err;
+    EXPECT_EQ(result.err.find("reeldb: "), std::string::npos) << result.err;
   }
   void expectTypes(const std::string& bytes, std::size_t count)
   {
@@ -324,7 +350,67 @@ TEST_F(FrontTypeFile, TextBehindANulDoesNotCount)
 TEST_F(FrontTypeFile, MissingFileIsGood)
 {
   fs::remove(typeFile_);
-  EXPECT_EQ(output({"-C", "one", "types", "--json"}), "[]\n");
+  EXPECT_EQ(output({"-C", "one", "create", "R1"}), "R1\n");
+}
+
+TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
+{
+  fs::remove(typeFile_);
+  for (const Words& words : std::vector<Words>{{"-C", "one", "types"}, {"-C", "one", "types", "--json"}}) {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not there, so there are no reel types\n");
+  }
+}
+
+/// What the library takes for a number of channels stands in the list of types; what was meant may be another.
+TEST_F(FrontTypeFile, NumberOfChannelsThatIsTakenForAnotherIsRemarkedOn)
+{
+  const auto expectRemark = [this](const std::string& parameters, const std::string& remark, int video, int audio) {
+    const ProcessResult result = typesWith("ok:VideoChannels=65535 AudioChannels=0\n\nodd:" + parameters + "\n");
+    EXPECT_EQ(result.code, 0) << parameters;
+    EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ":3: " + remark + "\n") << parameters;
+    const Json type = Json::parse(result.out).at(1);
+    EXPECT_EQ(type.at("video_channels"), video) << parameters;
+    EXPECT_EQ(type.at("audio_channels"), audio) << parameters;
+  };
+  expectRemark("VideoChannels=1 AudioChannels=x", "AudioChannels: \"x\" is no number (taken as 0)", 1, 0);
+  expectRemark("VideoChannels=2x AudioChannels=3", "VideoChannels: \"2x\" is no number (taken as 2)", 2, 3);
+  expectRemark("videochannels==4", "VideoChannels: \"\" is no number (taken as 0)", 0, 0);
+  expectRemark("VideoChannels=0x10", "VideoChannels: \"0x10\" is no number (taken as 0)", 0, 0);
+  expectRemark("VideoChannels=\x1b", "VideoChannels: \"\\x1b\" is no number (taken as 0)", 0, 0);
+  expectRemark("VideoChannels=65536",
+               "VideoChannels: 65536 are too many (65535 are the most; a reel would seem to have 0)", 65536, 0);
+  expectRemark("AudioChannels=70000:AudioChannels=x",
+               "AudioChannels: 70000 are too many (65535 are the most; a reel would seem to have 4464)", 0, 70000);
+  expectRemark("AudioChannels=4294967297",
+               "AudioChannels: 4294967297 are too many (65535 are the most; a reel would seem to have 1)", 0, 1);
+  expectRemark("AudioChannels=99999999999999999999",
+               "AudioChannels: 99999999999999999999 are too many (65535 are the most; a reel would seem to have 0)", 0,
+               -1);
+  expectRemark("AudioChannels=-3", "AudioChannels: -3 is no number of channels (none are added)", 0, -3);
+}
+
+TEST_F(FrontTypeFile, OnlyTheTokenThatTheLibraryReadsIsLookedAt)
+{
+  expectNoRemark("a:VideoChannels VideoChannels= MaxVideoChannels=2 VideoChannels=x AudioChannels=1=x\n");
+  expectNoRemark("a:Depth=ten  VideoChannels=1 \t\nb:VideoChannels=+1 AudioChannels=\t7\n");
+  expectNoRemark("VideoChannels=x\n:\nc:VideoChannels = x\n");
+}
+
+TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreRemarkedOnWhereTheFacilityIsUsed)
+{
+  dir_.write("one/devicedata/reeltype.dat", "a:VideoChannels=x AudioChannels=y\r\nb:AudioChannels=z");
+  const std::string said = "reeldb: " + typeFile_ + ":1: VideoChannels: \"x\" is no number (taken as 0)\n" +
+                           "reeldb: " + typeFile_ + ":1: AudioChannels: \"y\" is no number (taken as 0)\n" +
+                           "reeldb: " + typeFile_ + ":2: AudioChannels: \"z\" is no number (taken as 0)\n";
+  const ProcessResult result = reeldb({"-C", "one", "list", "--json"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "[]\n");
+  EXPECT_EQ(result.err, said);
+  EXPECT_EQ(reeldb({"-C", "one", "list", "--help"}).err, "");
+  EXPECT_EQ(reeldb({"-C", "one", "frobnicate"}).err,
+            "reeldb: \"frobnicate\": no such command (reeldb --help tells more)\n");
 }
 
 TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)

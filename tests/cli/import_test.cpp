@@ -82,7 +82,19 @@ TEST_F(Import, SameShotTwiceInOneFileIsAddedOnce)
   EXPECT_EQ(report.at("clips"), 4);
   EXPECT_EQ(report.at("shots_added"), 3);
   EXPECT_EQ(report.at("shots_there"), 1);
+  EXPECT_EQ(report.at("shots_repeated"), 1);
   EXPECT_EQ(report.at("spellings"), Json::parse(R"([{"reel": "A001", "other": "a001"}])"));
+}
+
+TEST_F(Import, RepeatedShotsAreToldFromThoseThatWereThere)
+{
+  dir_.write("cut.edl", threeShots + event(4, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  const std::string start = "cut.edl (edl): 4 clips, ";
+  EXPECT_EQ(output({"import", "cut.edl"}),
+            start + "3 shots added, 0 already there, 1 repeated in the list\n  2 reels created: A001, B001\n");
+  EXPECT_EQ(output({"import", "cut.edl"}), start + "0 shots added, 3 already there, 1 repeated in the list\n"
+                                                   "  2 reels already there: A001, B001\n"
+                                                   "nothing new: the project stays as it was\n");
 }
 
 TEST_F(Import, ShotDiffersByReelNameInOutAndTracks)
@@ -184,10 +196,30 @@ TEST_F(Import, DryRunShowsTheSameReportAndChangesNothing)
   EXPECT_EQ(dry.at("dry_run"), true);
   EXPECT_EQ(dry.at("stored"), false);
   const std::string text = output({"import", "--dry-run", "cut.edl"});
-  EXPECT_NE(text.find("\ndry run: the project stays as it was\n"), std::string::npos) << text;
+  EXPECT_EQ(text, "cut.edl (edl): 3 clips, 3 shots would be added, 0 already there\n"
+                  "  2 reels would be created: A001, B001\n"
+                  "dry run: the project stays as it was\n");
   EXPECT_EQ(reelIds(), Words{});
   const Json real = json({"import", "--json", "cut.edl"});
   EXPECT_EQ(dry.at("files"), real.at("files"));
+  EXPECT_EQ(output({"import", "--dry-run", "cut.edl"}),
+            "cut.edl (edl): 3 clips, 0 shots would be added, 3 already there\n"
+            "  2 reels already there: A001, B001\n"
+            "dry run: there would be nothing new\n");
+}
+
+TEST_F(Import, OddLineIsKeptWithAWarningAndIsNoFailure)
+{
+  const std::string odd = event(1, "A001", "V", "23:59:59:00", "00:00:01:00");
+  dir_.write("cut.edl", odd);
+  const Json report = import("cut.edl");
+  EXPECT_EQ(report.at("created"), Words{"A001"});
+  EXPECT_EQ(report.at("rejected"), Words{});
+  ASSERT_EQ(report.at("warnings").size(), 1u);
+  EXPECT_EQ(report.at("warnings").at(0).at("line"), 1);
+  EXPECT_EQ(report.at("warnings").at(0).at("text"), odd.substr(0, odd.size() - 1));
+  EXPECT_EQ(report.at("warnings").at(0).at("reason"),
+            "source in 23:59:59:00 is after source out 00:00:01:00 (backwards, or past midnight)");
 }
 
 TEST_F(Import, HumanReportNamesEverything)
@@ -241,6 +273,45 @@ TEST_F(Import, FileThatCannotBeReadChangesNothing)
     EXPECT_EQ(result.err.compare(0, 10 + file.size(), "reeldb: " + file + ": "), 0) << result.err;
   }
   EXPECT_EQ(projectBytes(), before);
+}
+
+TEST_F(Import, EveryFileThatCannotBeReadIsNamed)
+{
+  dir_.write("cut.edl", threeShots);
+  dir_.write("noise.edl", "nothing of a list\n");
+  const std::string before = projectBytes();
+  ProcessResult result = reeldb({"import", "missing.edl", "cut.edl", "noise.edl"});
+  EXPECT_EQ(result.code, 3) << "the worse of the two";
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "reeldb: missing.edl: cannot be read (No such file or directory)\n"
+                        "reeldb: noise.edl: neither a cut list (EDL) nor a log file (ALE) (it has no event line and no "
+                        "Heading or Column)\n"
+                        "reeldb: import: nothing brought in (2 of 3 files cannot be read)\n");
+  result = reeldb({"import", "--json", "lost.edl", "cut.edl"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err, "reeldb: lost.edl: cannot be read (No such file or directory)\n"
+                        "reeldb: import: nothing brought in (1 of 2 files cannot be read)\n");
+  EXPECT_EQ(projectBytes(), before);
+}
+
+TEST_F(Import, TheOnlyFileThatCannotBeReadIsAllThereIsToSay)
+{
+  EXPECT_EQ(reeldb({"import", "lost.edl"}).err, "reeldb: lost.edl: cannot be read (No such file or directory)\n");
+}
+
+TEST_F(Import, NameTheProjectCannotHoldCostsItsLineAndIsNotCut)
+{
+  const std::string fits(2047, 'n');
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: " + fits + "\n" +
+                            event(2, "B001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: n" + fits + "\n");
+  const Json report = import("cut.edl", 4);
+  EXPECT_EQ(report.at("created"), Words{"A001"});
+  EXPECT_EQ(report.at("rejected").at(0).at("reason"),
+            "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");
+  const Json shots = json({"shots", "--json", "A001"});
+  ASSERT_EQ(shots.size(), 1u);
+  EXPECT_EQ(shots.at(0).at("clip"), fits);
 }
 
 TEST_F(Import, EmptyFileIsNoList)

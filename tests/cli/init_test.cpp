@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <filesystem>
 
 #include "cli/command_fixture.h"
@@ -53,6 +54,44 @@ TEST_F(Init, SecondTimeIsRefusedAndChangesNothing)
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err.compare(0, 8, "reeldb: "), 0);
   EXPECT_EQ(readFile("site/devicedata/reeltype.dat"), "mine:VideoChannels=1\n");
+}
+
+TEST_F(Init, ProjectThatCannotBeMadeLeavesNothing)
+{
+  dir_.write("site/projects/main.reels", "mine");
+  const ProcessResult result = reeldb({"init", "site"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_NE(result.err.find("site/projects/main.reels: exists already"), std::string::npos) << result.err;
+  std::vector<std::string> left;
+  for (const auto& entry : fs::recursive_directory_iterator(path("site")))
+    left.push_back(fs::relative(entry.path(), path("site")).string());
+  std::sort(left.begin(), left.end());
+  EXPECT_EQ(left, (std::vector<std::string>{"projects", "projects/main.reels"}));
+  EXPECT_EQ(readFile("site/projects/main.reels"), "mine");
+}
+
+TEST_F(Init, FolderThatCannotBeMadeLeavesNothing)
+{
+  dir_.write("a/labelmaps", "mine");
+  const ProcessResult result = reeldb({"init", "a"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err, "reeldb: a/labelmaps: cannot be made (File exists)\n");
+  EXPECT_FALSE(fs::exists(path("a/devicedata")));
+  dir_.write("file", "mine");
+  EXPECT_EQ(reeldb({"init", "file/deeper"}).code, 3);
+  EXPECT_EQ(readFile("file"), "mine");
+}
+
+TEST_F(Init, HintIsReadyToBeTyped)
+{
+  for (const auto& [folder, word] : std::vector<std::pair<std::string, std::string>>{{"my studio", "'my studio'"},
+                                                                                     {"it's", "'it'\\''s'"},
+                                                                                     {"plain-1.2", "plain-1.2"},
+                                                                                     {"a\x1b\n", "$'a\\x1b\\n'"}}) {
+    const std::string text = output({"init", folder});
+    EXPECT_NE(text.find("\nnext: cd " + word + " and reeldb import"), std::string::npos) << text;
+  }
 }
 
 TEST_F(Init, FacilityOfTheEnvironmentIsNotTouched)

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include "cli/command_fixture.h"
+#include "cli/stored_field.h"
 
 namespace fs = std::filesystem;
 using namespace reeldb_tests;
@@ -84,7 +85,8 @@ TEST_F(ListCommand, WideCharactersLineUp)
 
 TEST_F(ListCommand, ControlCharactersNeverReachTheTable)
 {
-  output({"create", "x\x1b[31m\ny"});
+  output({"create", "odd"});
+  respell(path("projects/main.reels"), "odd", "x\x1b[31m\ny");
   const std::string text = output({"list"});
   EXPECT_NE(text.find("x\\x1b[31m\\ny"), std::string::npos) << text;
   EXPECT_EQ(text.find('\x1b'), std::string::npos);
@@ -93,7 +95,8 @@ TEST_F(ListCommand, ControlCharactersNeverReachTheTable)
 
 TEST_F(ListCommand, BytesThatAreNoUtf8AreReplacedInJsonAndEscapedInTheTable)
 {
-  output({"create", "x\xffy"});
+  output({"create", "odd"});
+  respell(path("projects/main.reels"), "odd", "x\xffy");
   EXPECT_EQ(reelIds(), (Words{"A001", "x\xef\xbf\xbdy"}));
   EXPECT_NE(output({"list"}).find("x\\xffy"), std::string::npos);
 }

@@ -163,8 +163,11 @@ ProcessResult runProcess(const std::vector<std::string>& words, const ProcessSet
 RunningProcess::RunningProcess(const std::vector<std::string>& words, const ProcessSetting& setting)
 {
   const int nothing = open("/dev/null", O_RDWR | O_CLOEXEC);
-  id_ = start(words, setting, nothing, nothing, nothing);
+  const int file = setting.outputFile.empty() ? -1 : open(setting.outputFile.c_str(), O_WRONLY | O_CLOEXEC);
+  id_ = start(words, setting, nothing, file >= 0 ? file : nothing, nothing);
   close(nothing);
+  if (file >= 0)
+    close(file);
 }
 
 RunningProcess::~RunningProcess()

@@ -20,7 +20,7 @@ struct ProcessSetting {
   std::string input; ///< standard input; otherwise it is empty
   bool terminal =
       false; ///< standard output and error are one terminal of 80 columns, at which the input, if any, is typed
-  std::string outputFile; ///< standard output goes there instead
+  std::string outputFile; ///< standard output goes there instead; the file is there already
 };
 
 struct ProcessResult {
@@ -33,7 +33,7 @@ struct ProcessResult {
 /// Runs a program to its end. A process that takes longer than two minutes is killed; its signal then says so.
 ProcessResult runProcess(const std::vector<std::string>& words, const ProcessSetting& setting = {});
 
-/// A process that is still running, for tests that end it. Its output is thrown away.
+/// A process that is still running, for tests that end it. Its output is thrown away, unless it goes to a file.
 class RunningProcess {
 public:
   RunningProcess(const std::vector<std::string>& words, const ProcessSetting& setting);

@@ -61,6 +61,31 @@ TEST_F(ProjectCommand, NameThatIsNoFileNameIsRefused)
   EXPECT_EQ(json({"project", "list", "--json"}).size(), 1u);
 }
 
+TEST_F(ProjectCommand, NameThatCannotBeHandedOnIsAUsageError)
+{
+  for (const auto& [name, message] : std::vector<std::pair<std::string, std::string>>{
+           {"a\x1b", "\"a\\x1b\": no name for a project (it holds a control character)"},
+           {"a\xff", "\"a\\xff\": no name for a project (it is not UTF-8)"}}) {
+    const ProcessResult result = reeldb({"project", "new", name});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
+  }
+  EXPECT_EQ(json({"project", "list", "--json"}).size(), 1u);
+}
+
+TEST_F(ProjectCommand, ProjectOfAnOddNameIsFound)
+{
+  fs::rename(path("projects/main.reels"), path("projects/a\xff.reels"));
+  EXPECT_EQ(json({"-p", "a\xff", "list", "--json"}), Json::array());
+}
+
+TEST_F(ProjectCommand, HintIsReadyToBeTyped)
+{
+  EXPECT_EQ(output({"project", "new", "my film's"}),
+            "project my film's made (25 fps)\nnext: reeldb -p 'my film'\\''s' import FILE...\n");
+  EXPECT_EQ(json({"-p", "my film's", "list", "--json"}), Json::array());
+}
+
 TEST_F(ProjectCommand, NewProjectIsNotChangedByThoseWhoRead)
 {
   output({"project", "new", "film"});

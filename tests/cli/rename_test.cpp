@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "cli/command_fixture.h"
+#include "cli/stored_field.h"
 
 using namespace reeldb_tests;
 
@@ -14,15 +15,6 @@ protected:
                               event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
     dir_.write("more.edl", event(1, "a001", "V", "02:00:00:00", "02:00:01:00") + "* FROM CLIP NAME: TWO\n");
     ASSERT_EQ(reeldb({"import", "cut.edl", "more.edl"}).code, 0);
-  }
-  void expectRefusal(const Words& words, const std::string& message)
-  {
-    const std::string before = readFile("projects/main.reels");
-    const ProcessResult result = reeldb(words);
-    EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
-    EXPECT_EQ(readFile("projects/main.reels"), before);
   }
 };
 
@@ -58,10 +50,24 @@ TEST_F(Rename, DryRunChangesNothing)
   const std::string before = readFile("projects/main.reels");
   const ProcessResult result = reeldb({"rename", "--dry-run", "A001", "C001"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_NE(result.out.find("A001 is now C001, in 2 shots too\ndry run: the project stays as it was\n"),
+  EXPECT_NE(result.out.find("A001 would be C001, in 2 shots too\ndry run: the project stays as it was\n"),
             std::string::npos)
       << result.out;
+  EXPECT_NE(result.out.find("\nONE   V       01:00:00:00"), std::string::npos) << result.out;
+  EXPECT_EQ(result.err, "");
   EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(Rename, DryRunReportsTheShotsAsTheRenamingWould)
+{
+  Json would = json({"rename", "--dry-run", "A001", "C001", "--json"});
+  EXPECT_EQ(would.at("dry_run"), true);
+  EXPECT_EQ(would.at("stored"), false);
+  EXPECT_EQ(would.at("shots").at(1).at("reel"), "C001");
+  would["dry_run"] = false;
+  would["stored"] = true;
+  EXPECT_EQ(Json::parse(reeldb({"rename", "A001", "C001", "--json"}).out), would);
+  EXPECT_EQ(json({"shots", "C001", "--json"}), would.at("shots"));
 }
 
 TEST_F(Rename, OtherSpellingOfItsOwnNameIsTaken)
@@ -78,8 +84,8 @@ TEST_F(Rename, SameNameChangesNothing)
 
 TEST_F(Rename, NameOfAnotherReelIsRefused)
 {
-  expectRefusal({"rename", "A001", "b001"}, "B001: exists already");
-  expectRefusal({"rename", "A001", " B001 "}, "B001: exists already");
+  expectRefusal({"rename", "A001", "b001"}, "\"B001\": exists already");
+  expectRefusal({"rename", "A001", " B001 "}, "\"B001\": exists already");
 }
 
 TEST_F(Rename, UnknownReelIsRefused)
@@ -91,10 +97,48 @@ TEST_F(Rename, NameThatMakesNoSenseIsRefused)
 {
   expectRefusal({"rename", "A001", ""}, "\"\": no name for a reel (it is blank)");
   expectRefusal({"rename", "A001", "  "}, "\"  \": no name for a reel (it is blank)");
-  expectRefusal({"rename", "A001", "A*"}, "A*: no name for a reel (a star denotes generated material)");
+  expectRefusal({"rename", "A001", "A*"}, "\"A*\": no name for a reel (a star denotes generated material)");
   const std::string prefix(79, 'x');
   expectRefusal({"rename", "A001", std::string(2048, 'x')},
-                prefix + "\xe2\x80\xa6: no name for a reel (it has 2048 bytes, 2047 are the most)");
+                "\"" + prefix + "\xe2\x80\xa6\": no name for a reel (it has 2048 bytes, 2047 are the most)");
+}
+
+TEST_F(Rename, NameThatCannotBeHandedOnIsAUsageError)
+{
+  expectRefusal({"rename", "A001", "A\x1b"}, "\"A\\x1b\": no name for a reel (it holds a control character)", 2);
+  expectRefusal({"rename", "A001", "A\xff"}, "\"A\\xff\": no name for a reel (it is not UTF-8)", 2);
+  expectRefusal({"rename", "--dry-run", "A001", "\n"}, "\"\\n\": no name for a reel (it holds a control character)", 2);
+}
+
+TEST_F(Rename, ReelOfAnOddNameIsFoundAndGetsAnother)
+{
+  respell(path("projects/main.reels"), "B001", "b\x1b\xff");
+  const ProcessResult result = reeldb({"rename", "B\x1b\xff", "C001"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_NE(result.out.find("\nb\\x1b\\xff is now C001, in 1 shot too\n"), std::string::npos) << result.out;
+  EXPECT_EQ(reelIds(), (Words{"A001", "C001"}));
+}
+
+TEST_F(Rename, LibrarysOwnLinesAreEscapedToo)
+{
+  respell(path("projects/main.reels"), "A001", "a\nb\x1b\xff");
+  const ProcessResult result = reeldb({"rename", "a\nb\x1b\xff", "C001"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err.substr(0, result.err.find('\n') + 1),
+            "Shot: E0000001  Changing reel from a\\nb\\x1b\\xff to C001\n");
+}
+
+TEST_F(Rename, NameThatCutListsUseForNoReelIsTakenWithAWarning)
+{
+  const std::string warning =
+      "reeldb: BARS: taken all the same, but no import will mean this reel by it (in cut lists it means: colour "
+      "bars)\n";
+  EXPECT_EQ(reeldb({"rename", "--dry-run", "B001", "BARS"}).err, warning);
+  const ProcessResult result = reeldb({"rename", "B001", "BARS"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err.substr(0, warning.size()), warning);
+  EXPECT_EQ(reelIds(), (Words{"A001", "BARS"}));
+  EXPECT_EQ(reeldb({"rename", "BARS", "BARS"}).err, "");
 }
 
 TEST_F(Rename, OuterBlanksDoNotCount)

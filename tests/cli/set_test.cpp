@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <filesystem>
+
 #include "cli/command_fixture.h"
+#include "cli/stored_field.h"
 
 using namespace reeldb_tests;
 
@@ -133,7 +136,9 @@ TEST_F(Set, UserFieldNumberOutOfRangeIsAUsageError)
 
 TEST_F(Set, NameThatTwoUserFieldsHaveIsRefused)
 {
-  output({"fields", "0=Scene", "3=scene"});
+  dir_.write(
+      "facility.toml",
+      "[facility]\ndefault_project = \"main\"\n[system]\nreel_userfield0 = \"Scene\"\nreel_userfield3 = \"scene\"\n");
   expectRefusal(1, {"Scene=x"}, "Scene: two user fields are called that (say user-field.0 or user-field.3 instead)\n");
 }
 
@@ -159,11 +164,63 @@ TEST_F(Set, EmptyValueTakesTheValueAway)
   EXPECT_EQ(reel("A001").at("user_fields"), Json::object());
 }
 
-TEST_F(Set, ValueMayHoldEqualsSignsBlanksAndAnyBytes)
+TEST_F(Set, ValueMayHoldEqualsSignsAndBlanks)
 {
-  const std::string value = " a=b \xc3\xa9 \x1b[2J\n";
-  EXPECT_EQ(output({"set", "A001", "bin=" + value}), "A001: bin:  a=b \xc3\xa9 \\x1b[2J\\n (was -)\n");
+  const std::string value = " a=b \xc3\xa9 ";
+  EXPECT_EQ(output({"set", "A001", "bin=" + value}), "A001: bin:  a=b \xc3\xa9  (was -)\n");
   EXPECT_EQ(reel("A001").at("bin"), value);
+}
+
+TEST_F(Set, ValueThatCannotBeHandedOnIsAUsageError)
+{
+  expectRefusal(2, {"bin=a\x1b[2J"}, "bin: \"a\\x1b[2J\" cannot be stored (it holds a control character)\n");
+  expectRefusal(2, {"available=no", "type=\xff"}, "type: \"\\xff\" cannot be stored (it is not UTF-8)\n");
+  expectRefusal(2, {"0=\n"}, "0: \"\\n\" cannot be stored (it holds a control character)\n");
+  EXPECT_EQ(reel("A001").at("available"), true);
+}
+
+TEST_F(Set, ReelOfAnOddNameIsFoundAndItsOddValueMended)
+{
+  output({"set", "A001", "bin=x"});
+  setStored(path("projects/main.reels"), "A001", "profile_bin_name", "x\x1b");
+  respell(path("projects/main.reels"), "A001", "a\xff");
+  EXPECT_EQ(output({"set", "a\xff", "bin=y"}), "a\\xff: bin: y (was x\\x1b)\n");
+}
+
+TEST_F(Set, LabelMapThatCannotBeReadIsStoredWithAWarning)
+{
+  ProcessResult result = reeldb({"set", "A001", "label-mapping=nope"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "A001: label-mapping: nope (was -)\n");
+  EXPECT_EQ(result.err, "reeldb: \"nope\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "
+                        "ntsc1394, ntstofd, pal1394, pal9pin, paltofd); stored all the same\n");
+  EXPECT_EQ(reel("A001").at("label_mapping"), "nope");
+  dir_.write("labelmaps/bad.toml", "x =");
+  result = reeldb({"set", "A001", "label-mapping=bad"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_NE(result.err.find("bad.toml:1: not valid TOML"), std::string::npos) << result.err;
+  for (const std::string good : {"pal9pin", "Device default", ""})
+    EXPECT_EQ(reeldb({"set", "A001", "label-mapping=" + good}).err, "") << good;
+}
+
+TEST_F(Set, TextThatTheLibraryReadsAsNoneIsWarnedOf)
+{
+  ProcessResult result = reeldb({"set", "A001", "bin=default", "label-mapping=unknown"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err,
+            "reeldb: bin: \"default\" stands for none\nreeldb: label-mapping: \"unknown\" stands for none\n");
+  EXPECT_EQ(reel("A001").at("bin"), "");
+  EXPECT_EQ(reel("A001").at("label_mapping"), "");
+  EXPECT_EQ(reeldb({"set", "A001", "bin=unknown"}).err, "");
+  EXPECT_EQ(reel("A001").at("bin"), "unknown");
+}
+
+TEST_F(Set, LabelMapWhoseNameTheLibraryCannotFindIsWarnedOf)
+{
+  std::filesystem::copy_file(path("labelmaps/pal9pin.toml"), path("labelmaps/caf\xc3\xa9.toml"));
+  EXPECT_EQ(
+      reeldb({"set", "A001", "label-mapping=caf\xc3\xa9"}).err,
+      "reeldb: \"caf\xc3\xa9\": stored all the same, but a reel's label map is only found when its name is ASCII\n");
 }
 
 TEST_F(Set, ValueThatWouldBeCutIsRefused)

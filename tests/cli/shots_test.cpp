@@ -106,13 +106,41 @@ TEST_F(ReelsOf, NothingFoundIsRefused)
 {
   EXPECT_EQ(reeldb({"reels-of", "no such clip"}).err, "reeldb: no such clip: no shot is called that\n");
   EXPECT_EQ(reeldb({"reels-of", "no such clip"}).code, 1);
-  EXPECT_EQ(reeldb({"reels-of", "--reel", "EMPTY"}).code, 1);
+  const ProcessResult result = reeldb({"reels-of", "--reel", "EMPTY"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: EMPTY: no shot was recorded from it\n");
+  EXPECT_EQ(reeldb({"reels-of", "--reel", "X"}).err, "reeldb: X: no such reel\n");
+}
+
+TEST_F(ReelsOf, EmptyNameIsAUsageError)
+{
+  // B001's shot has no name.
+  ProcessResult result = reeldb({"reels-of", ""});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: reels-of: \"\" is no name of a clip\n");
+  EXPECT_EQ(reeldb({"reels-of", "KITCHEN WIDE", ""}).code, 2);
+  result = reeldb({"reels-of", "--reel", ""});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: reels-of: \"\" is no reel\n");
+}
+
+TEST_F(ReelsOf, ListWithoutAClipTellsItsRejectedLinesAndThatNothingIsThere)
+{
+  dir_.write("bad.edl", "TITLE: x\n" + event(1, "BL", "V", "01:00:00:00", "01:00:01:00") +
+                            "002  C001  V  C  01:00:99:00 01:00:01:00 01:00:00:00 01:00:01:00\n");
+  const ProcessResult result = reeldb({"reels-of", "--file", "bad.edl"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(result.err.compare(0, 33, "reeldb: bad.edl: line 3 rejected:"), 0) << result.err;
+  EXPECT_NE(result.err.find("\nreeldb: bad.edl: no clip in it has a reel\n"), std::string::npos) << result.err;
 }
 
 TEST_F(ReelsOf, OneSourceMustBeGiven)
 {
   EXPECT_EQ(reeldb({"reels-of"}).code, 2);
-  EXPECT_EQ(reeldb({"reels-of", "clip", "--reel", "A001"}).code, 2);
+  const ProcessResult result = reeldb({"reels-of", "clip", "--reel", "A001"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: reels-of: only one of these at a time: clip names, --reel ID, --file LIST\n");
 }
 
 TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)

@@ -110,7 +110,7 @@ TEST(Ale, ARowsTapeGoesBeforeTheHeadingsTapeBeforeTheSourceFile)
 
 TEST(Ale, ARowWithoutTapeAndFileIsReported)
 {
-  const List list = readWhole(log("Name|Tape|Source File", "Lost| |\nLost\nAlso\n"));
+  const List list = readWhole(log("Name|Tape|Source File", "Lost| |\nLost|\nAlso||\n"));
   EXPECT_TRUE(list.clips.empty());
   ASSERT_EQ(list.specials.size(), 2u);
   EXPECT_EQ(list.specials[0].text, "Lost");
@@ -143,24 +143,142 @@ TEST(Ale, MissingTracksAreOnePicture)
   }
 }
 
-TEST(Ale, TracksAreNumbersAndUnknownOnesAreKeptUncounted)
+TEST(Ale, TracksAreNumbersAndMayBeRanges)
 {
-  const List list = readWhole(log("Name|Tape|Tracks", "a|T|VA1A12\nb|T|A1-4\nc|T|D\n"));
+  const List list = readWhole(log("Name|Tape|Tracks", "a|T|VA1A12\nb|T|V1 A1-8\nc|T|D\nd|T|va1a2\n"));
   EXPECT_EQ(list.clips[0].audioChannels, 2);
-  EXPECT_EQ(list.clips[1].tracks, "A1-4");
-  EXPECT_EQ(list.clips[1].audioChannels, 0);
+  EXPECT_EQ(list.clips[1].tracks, "V1 A1-8");
+  EXPECT_EQ(list.clips[1].audioChannels, 8);
   EXPECT_EQ(list.clips[2].tracks, "D");
   EXPECT_EQ(list.clips[2].videoChannels, 0);
+  EXPECT_EQ(list.clips[3].tracks, "va1a2");
+  EXPECT_EQ(list.clips[3].audioChannels, 2);
 }
 
-TEST(Ale, MissingStartAndEndAreEmpty)
+TEST(Ale, UnknownTracksCostThatRow)
 {
-  for (const std::string& text : {log("Name|Tape", "a|T\n"), log("Name|Tape|Start|End", "a|T||\n")}) {
-    const List list = readWhole(text);
-    ASSERT_EQ(list.clips.size(), 1u);
-    EXPECT_EQ(list.clips[0].sourceIn, "");
-    EXPECT_EQ(list.clips[0].sourceOut, "");
-  }
+  const List list = readWhole(log("Name|Tape|Tracks", "a|T|XYZ\nb|T|V\nc|T|A2-1\n"));
+  EXPECT_EQ(clipNames(list), Strings{"b"});
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].line, 8);
+  EXPECT_EQ(list.rejected[0].text, "a T XYZ");
+  EXPECT_EQ(list.rejected[0].reason, "unknown tracks 'XYZ'");
+  EXPECT_EQ(list.rejected[1].reason, "unknown tracks 'A2-1'");
+}
+
+TEST(Ale, EmptyStartAndEndAreKeptWithAWarning)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End", "a|T|V||\nb|T|V|01:00:00:00|\nc|BL|V||\n"
+                                                                "d|T|V|01:00:00:00|01:00:01:00\n"));
+  EXPECT_EQ(clipNames(list), (Strings{"a", "b", "d"}));
+  EXPECT_EQ(list.clips[0].sourceIn, "");
+  EXPECT_EQ(list.clips[0].sourceOut, "");
+  EXPECT_TRUE(list.rejected.empty());
+  ASSERT_EQ(list.warnings.size(), 2u) << "black has no clip to lack times";
+  EXPECT_EQ(list.warnings[0].line, 8);
+  EXPECT_EQ(list.warnings[0].text, "a T V");
+  EXPECT_EQ(list.warnings[0].reason, "no 'Start', no 'End' (kept without them)");
+  EXPECT_EQ(list.warnings[1].line, 9);
+  EXPECT_EQ(list.warnings[1].reason, "no 'End' (kept without it)");
+}
+
+TEST(Ale, MissingRequiredColumnsAreWarnedAboutOnce)
+{
+  const List list = readWhole(log("Name|Tape", "a|T\nb|T\n"));
+  EXPECT_EQ(clipNames(list), (Strings{"a", "b"}));
+  ASSERT_EQ(list.warnings.size(), 2u);
+  EXPECT_EQ(list.warnings[0].line, 5);
+  EXPECT_EQ(list.warnings[0].text, "Name Tape");
+  EXPECT_EQ(list.warnings[0].reason, "no column 'Start', no column 'End' (the rows are kept without them)");
+  EXPECT_EQ(list.warnings[1].line, 5);
+  EXPECT_EQ(list.warnings[1].reason, "no column 'Tracks' (the rows are kept as V)");
+}
+
+TEST(Ale, OneMissingTimeColumnIsNamedAlone)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|Duration", "a|T|V|01:00:00:00|00:00:01:00\n"));
+  ASSERT_EQ(list.warnings.size(), 1u);
+  EXPECT_EQ(list.warnings[0].reason, "no column 'End' (the rows are kept without it)");
+}
+
+TEST(Ale, AnEndBeforeItsStartIsKeptWithAWarning)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End", "a|T|V|23:59:00:00|00:01:00:00\n"));
+  EXPECT_EQ(list.clips.size(), 1u);
+  EXPECT_EQ(list.warnings.at(0).reason,
+            "source in 23:59:00:00 is after source out 00:01:00:00 (backwards, or past midnight)");
+}
+
+/// What the timecode is warned of in a log with this heading.
+std::string frameWarning(const std::string& heading, const std::string& end)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End", "a|T|V|00:00:00:00|" + end + "\n", heading));
+  EXPECT_EQ(list.clips.size(), 1u) << "the row is kept";
+  return list.warnings.empty() ? "" : list.warnings.at(0).reason;
+}
+
+TEST(Ale, FramesBeyondTheHeadingsRateAreKeptWithAWarning)
+{
+  EXPECT_EQ(frameWarning("FPS|25\n", "01:00:00:24"), "");
+  EXPECT_EQ(frameWarning("FPS|25\n", "01:00:00:25"),
+            "End 01:00:00:25 counts more than the 25 frames a second of the heading (kept as it is)");
+  EXPECT_EQ(frameWarning("FPS|29.97\n", "01:00:00;29"), "");
+  EXPECT_EQ(frameWarning("FPS|29.97\n", "01:00:00;30"),
+            "End 01:00:00;30 counts more than the 30 frames a second of the heading (kept as it is)");
+  EXPECT_EQ(frameWarning("FPS|25.00\n", "01:00:00:25").substr(0, 37), "End 01:00:00:25 counts more than the ");
+  EXPECT_EQ(frameWarning("FPS|120\n", "01:00:00:119"), "");
+}
+
+TEST(Ale, TapesOfAFormatKeepTheirOwnCount)
+{
+  EXPECT_EQ(frameWarning("VIDEO_FORMAT|NTSC\nFPS|24\n", "23:59:59:29"), "");
+  EXPECT_NE(frameWarning("VIDEO_FORMAT|NTSC\nFPS|24\n", "23:59:59:30"), "");
+  EXPECT_EQ(frameWarning("FPS|24\nVIDEO_FORMAT|PAL\n", "23:59:59:24"), "");
+  EXPECT_NE(frameWarning("FPS|24\nVIDEO_FORMAT|PAL\n", "23:59:59:25"), "");
+}
+
+TEST(Ale, WithoutARateInTheHeadingFramesAreNotCompared)
+{
+  for (const char* heading : {"", "FPS|\n", "FPS|fast\n", "FPS|25 or so\n", "FPS|-25\n", "FPS|1000\n",
+                              "FPS|99999999999999999999\n", "VIDEO_FORMAT|1080\n"})
+    EXPECT_EQ(frameWarning(heading, "01:00:00:59"), "") << heading;
+}
+
+TEST(Ale, ARowThatEndsBeforeANeededCellIsRejected)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End|Source File|Comments",
+                                  "a\nb|T\nc|T|V|01:00:00:00\nd|T|V|01:00:00:00|01:00:01:00\n"
+                                  "e||V|01:00:00:00|01:00:01:00\n"));
+  EXPECT_EQ(clipNames(list), Strings{"d"});
+  ASSERT_EQ(list.rejected.size(), 3u);
+  EXPECT_EQ(list.rejected[0].line, 8);
+  EXPECT_EQ(list.rejected[0].text, "a");
+  EXPECT_EQ(list.rejected[0].reason, "row has 1 of 7 cells (no 'Start', no 'End', no 'Tape')");
+  EXPECT_EQ(list.rejected[1].reason, "row has 2 of 7 cells (no 'Start', no 'End')");
+  EXPECT_EQ(list.rejected[2].reason, "row has 4 of 7 cells (no 'End')");
+  ASSERT_EQ(list.specials.size(), 1u) << "its tape cell is there, and empty";
+  EXPECT_EQ(list.specials[0].text, "e");
+}
+
+TEST(Ale, ATapeThatIsCutOffIsNeededWhenNothingElseNamesTheSource)
+{
+  const std::string titles = "Start|End|Name|Source File|Tape|Tracks";
+  const std::string start = "01:00:00:00|01:00:01:00|";
+  EXPECT_EQ(readWhole(log(titles, start + "a\n")).rejected.at(0).reason, "row has 3 of 6 cells (no 'Tape')");
+  EXPECT_EQ(reels(readWhole(log(titles, start + "a\n", "TAPE|T9\n"))), Strings{"T9"});
+  EXPECT_EQ(reels(readWhole(log(titles, start + "a|f.mov\n"))), Strings{"f.mov"});
+  EXPECT_EQ(readWhole(log(titles, "01:00:00:00|01:00:01:00\n")).rejected.at(0).reason,
+            "row has 2 of 6 cells (no 'Name', no 'Tape')");
+  EXPECT_EQ(readWhole(log("Name|Start|End|Source File|x|", "a|01:00:00:00|01:00:01:00\n")).rejected.at(0).reason,
+            "row has 3 of 5 cells (no 'Source File')")
+      << "without a Tape column; titles end with the last one";
+}
+
+TEST(Ale, EmptyCellsAtTheEndOfTheLastRowAreCells)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End", "a|T|V||"));
+  EXPECT_EQ(clipNames(list), Strings{"a"});
+  EXPECT_TRUE(list.rejected.empty());
 }
 
 TEST(Ale, ABadTimecodeCostsThatRow)
@@ -174,6 +292,15 @@ TEST(Ale, ABadTimecodeCostsThatRow)
   EXPECT_EQ(list.rejected[0].reason, "End '10:00:00' is no timecode (not hh:mm:ss:ff)");
   EXPECT_EQ(list.rejected[1].reason, "Start '1:00' is no timecode (not hh:mm:ss:ff)");
   EXPECT_EQ(list.rejected[2].reason, "End '01:00:75:00' is no timecode (seconds above 59)");
+}
+
+TEST(Ale, TimecodesOutOfRangeCostThatRow)
+{
+  const List list = readWhole(log("Name|Tape|Start|End", "a|T|24:00:00:00|24:00:01:00\n"
+                                                         "b|T|01:00:00:00|01:00:00:60\n"));
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].reason, "Start '24:00:00:00' is no timecode (hours above 23)");
+  EXPECT_EQ(list.rejected[1].reason, "End '01:00:00:60' is no timecode (frames above 59)");
 }
 
 TEST(Ale, ALongBadTimecodeIsShownCutBetweenCharacters)
@@ -216,18 +343,28 @@ TEST(Ale, SpellingsThatDifferInCaseAreOneReel)
   EXPECT_EQ(list.spellings[0].other, "TAPE1");
 }
 
-TEST(Ale, AnIdentifierOfMoreThan2047BytesIsRejected)
+TEST(Ale, NamesOfMoreThan2047BytesCostThatRow)
 {
-  const List list = readWhole(log("Name|Tape", "a|" + std::string(2048, 'T') + "\nb|T\n"));
-  EXPECT_EQ(reels(list), Strings{"T"});
-  EXPECT_EQ(list.rejected.at(0).reason, "reel identifier of 2048 bytes (at most 2047)");
+  const List list =
+      readWhole(log("Name|Tape", "a|" + std::string(2048, 'T') + "\n" + std::string(2048, 'n') + "|T\nb|T\n"));
+  EXPECT_EQ(clipNames(list), Strings{"b"});
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].reason, "reel '" + std::string(40, 'T') + "...' has 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[1].reason, "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");
 }
 
-TEST(Ale, ControlCharactersInACellBecomeBlanks)
+TEST(Ale, ControlCharactersInNamesCostThatRowAndInOtherCellsNothing)
 {
-  EXPECT_EQ(reels(readWhole(log("Name|Tape", "a|T\x01"
-                                             "1\n"))),
-            Strings{"T 1"});
+  const List list = readWhole(log("Name|Tape|Camroll|Tracks|Comments",
+                                  "a|T\x01"
+                                  "1|||\nb\x1B|T|||\nc|T|x\vy||\nd|T||V\x02|\ne|T|c|V|line\vline\n"));
+  EXPECT_EQ(clipNames(list), Strings{"e"});
+  ASSERT_EQ(list.rejected.size(), 4u);
+  EXPECT_EQ(list.rejected[0].text, "a T\\x011");
+  EXPECT_EQ(list.rejected[0].reason, "reel 'T\\x011' holds a control character (\\x01)");
+  EXPECT_EQ(list.rejected[1].reason, "clip name 'b\\x1b' holds a control character (\\x1b)");
+  EXPECT_EQ(list.rejected[2].reason, "other name of the reel 'x\\x0by' holds a control character (\\x0b)");
+  EXPECT_EQ(list.rejected[3].reason, "unknown tracks 'V\\x02'");
 }
 
 TEST(Ale, WithoutSectionsOrTheNameColumnNothingCanBeRead)

@@ -72,6 +72,106 @@ TEST(Collector, SpecialsOfOneTextAndReasonAreOneEntry)
   EXPECT_EQ(list.specials[2].reason, "two");
 }
 
+TEST(Collector, NamesHaveAtMost2047Bytes)
+{
+  Collector collector(Format::Ale);
+  Clip name = clipOf("R", 1);
+  name.clipName = std::string(2048, 'n');
+  Clip file = clipOf("R", 2);
+  file.sourceFile = std::string(3000, 'f');
+  Clip fits = clipOf("R", 4, {std::string(2047, 'a')});
+  fits.clipName = std::string(2047, 'n');
+  fits.sourceFile = std::string(2047, 'f');
+  EXPECT_FALSE(collector.clip(name, "one"));
+  EXPECT_FALSE(collector.clip(file, "two"));
+  EXPECT_FALSE(collector.clip(clipOf("R", 3, {"A", std::string(2048, 'a')}), "three"));
+  EXPECT_TRUE(collector.clip(fits, "four"));
+  const List list = collector.finish();
+  ASSERT_EQ(list.rejected.size(), 3u);
+  EXPECT_EQ(list.rejected[0].text, "one");
+  EXPECT_EQ(list.rejected[0].reason, "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[1].reason, "source file '" + std::string(40, 'f') + "...' has 3000 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[2].reason,
+            "other name of the reel '" + std::string(40, 'a') + "...' has 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.clips.at(0).clipName.size(), 2047u);
+}
+
+TEST(Collector, NamesHoldNoControlCharacters)
+{
+  Collector collector(Format::Edl);
+  Clip name = clipOf("R", 2);
+  name.clipName = std::string("a\0b", 3);
+  Clip file = clipOf("R", 3);
+  file.sourceFile = "f\x7F";
+  EXPECT_FALSE(collector.clip(clipOf("A\x1B[2J*", 1), "the \x1B line"));
+  EXPECT_FALSE(collector.clip(name, ""));
+  EXPECT_FALSE(collector.clip(file, ""));
+  EXPECT_FALSE(collector.clip(clipOf("R", 4, {"\x1B"}), ""));
+  const List list = collector.finish();
+  EXPECT_TRUE(list.specials.empty());
+  ASSERT_EQ(list.rejected.size(), 4u);
+  EXPECT_EQ(list.rejected[0].text, "the \\x1b line");
+  EXPECT_EQ(list.rejected[0].reason, "reel 'A\\x1b[2J*' holds a control character (\\x1b)");
+  EXPECT_EQ(list.rejected[1].reason, "clip name 'a\\x00b' holds a control character (\\x00)");
+  EXPECT_EQ(list.rejected[2].reason, "source file 'f\\x7f' holds a control character (\\x7f)");
+  EXPECT_EQ(list.rejected[3].reason, "other name of the reel '\\x1b' holds a control character (\\x1b)");
+}
+
+TEST(Collector, AReelNamedByItsClipOrFileIsFaultyByThatField)
+{
+  Collector collector(Format::Edl);
+  Clip name = clipOf("a\x01", 1);
+  name.clipName = name.reel;
+  Clip file = clipOf("b\x01", 2);
+  file.sourceFile = file.reel;
+  EXPECT_FALSE(collector.clip(name, ""));
+  EXPECT_FALSE(collector.clip(file, ""));
+  const List list = collector.finish();
+  EXPECT_EQ(list.rejected.at(0).reason, "clip name 'a\\x01' holds a control character (\\x01)");
+  EXPECT_EQ(list.rejected.at(1).reason, "source file 'b\\x01' holds a control character (\\x01)");
+}
+
+TEST(Collector, AnInPointBehindItsOutPointIsKeptWithAWarning)
+{
+  const auto timed = [](int line, const char* in, const char* out, const char* recordIn, const char* recordOut) {
+    Clip clip = clipOf("R", line);
+    clip.sourceIn = in;
+    clip.sourceOut = out;
+    clip.recordIn = recordIn;
+    clip.recordOut = recordOut;
+    return clip;
+  };
+  Collector collector(Format::Edl);
+  EXPECT_TRUE(collector.clip(timed(9, "23:59:50:00", "00:00:10:00", "10:00:00:00", "10:00:20:00"), "past"));
+  EXPECT_TRUE(collector.clip(timed(3, "01:00:00:00", "01:00:01:00", "10:00:01:00", "10:00:00:00"), " back\t"));
+  EXPECT_TRUE(collector.clip(timed(4, "01:00:00:00", "01:00:00:00", "10:00:00:00", "10:00:00:00"), "same"));
+  EXPECT_TRUE(collector.clip(timed(5, "01:00:00:00", "", "", "10:00:00:00"), "half"));
+  collector.special("BL", "black", 6);
+  const List list = collector.finish();
+  EXPECT_EQ(list.clips.size(), 4u);
+  EXPECT_TRUE(list.rejected.empty());
+  ASSERT_EQ(list.warnings.size(), 2u) << "in the order of the lines";
+  EXPECT_EQ(list.warnings[0].line, 3);
+  EXPECT_EQ(list.warnings[0].text, "back");
+  EXPECT_EQ(list.warnings[0].reason,
+            "record in 10:00:01:00 is after record out 10:00:00:00 (backwards, or past midnight)");
+  EXPECT_EQ(list.warnings[1].line, 9);
+  EXPECT_EQ(list.warnings[1].reason,
+            "source in 23:59:50:00 is after source out 00:00:10:00 (backwards, or past midnight)");
+}
+
+TEST(Collector, SpecialTextsAreEscapedAndCut)
+{
+  Collector collector(Format::Ale);
+  collector.special("Lost\x1B", "no tape and no source file", 1);
+  collector.special(std::string(1001, 'L'), "no tape and no source file", 2);
+  collector.special(std::string(1002, 'L'), "no tape and no source file", 3);
+  const List list = collector.finish();
+  ASSERT_EQ(list.specials.size(), 3u) << "the whole texts tell them apart";
+  EXPECT_EQ(list.specials[0].text, "Lost\\x1b");
+  EXPECT_EQ(list.specials[1].text, std::string(1000, 'L') + "...");
+}
+
 TEST(Collector, IdentifiersHaveOneTo2047Bytes)
 {
   Collector collector(Format::Edl);
@@ -82,13 +182,13 @@ TEST(Collector, IdentifiersHaveOneTo2047Bytes)
   ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].reason, "no reel");
   EXPECT_EQ(list.rejected[0].text, "empty");
-  EXPECT_EQ(list.rejected[1].reason, "reel identifier of 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[1].reason, "reel '" + std::string(40, 'R') + "...' has 2048 bytes (at most 2047)");
 }
 
 TEST(Collector, RejectedLinesComeInOrderCleanAndCutBetweenCharacters)
 {
   Collector collector(Format::Edl);
-  collector.reject(9, "  a\tb \x1A", "late");
+  collector.reject(9, "  a\tb ", "late");
   collector.reject(2,
                    std::string(999, 'x') + "\xC3\xBC"
                                            "yy",

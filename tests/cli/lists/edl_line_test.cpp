@@ -112,7 +112,7 @@ TEST(ParseEvent, ReelsOf129CharactersFitAndLongerOnesDoNot)
   for (int i = 0; i < 129; ++i)
     reel += "\xC3\xBC";
   EXPECT_EQ(read(reel + " V C"), reel + "|V|cut");
-  EXPECT_EQ(read(reel + "x V C"), "reel of 130 characters (at most 129)");
+  EXPECT_EQ(read(reel + "x V C"), "reel '" + reel.substr(0, 40) + "...' has 130 characters (at most 129)");
 }
 
 TEST(ParseEvent, MissingFieldsAreNamed)
@@ -123,7 +123,7 @@ TEST(ParseEvent, MissingFieldsAreNamed)
   EXPECT_EQ(read("C"), "no reel and no channels");
   EXPECT_EQ(read("TAPE C"), "unknown channels 'TAPE'");
   EXPECT_EQ(read("TAPE X9 C"), "unknown channels 'X9'");
-  EXPECT_EQ(read("TAPE V C 01:00:00:00"), "unknown channels '01:00:00:00'");
+  EXPECT_EQ(read("TAPE V C 01:00:00:00"), "more than four timecodes ('01:00:00:00' stands before the source in)");
 }
 
 TEST(ParseEvent, TheBadTimecodeIsNamed)
@@ -134,6 +134,10 @@ TEST(ParseEvent, TheBadTimecodeIsNamed)
             "source in '0l:00:00:00' is no timecode (not hh:mm:ss:ff)");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:00:00 10:00:61:00 10:00:01:00"),
             "record in '10:00:61:00' is no timecode (seconds above 59)");
+  EXPECT_EQ(fault("001 R V C 24:00:00:00 24:00:01:00 10:00:00:00 10:00:01:00"),
+            "source in '24:00:00:00' is no timecode (hours above 23)");
+  EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:00;60"),
+            "record out '10:00:00;60' is no timecode (frames above 59)");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:00:00 10:00:00:00 10:00:01"),
             "record out '10:00:01' is no timecode (not hh:mm:ss:ff)");
 }

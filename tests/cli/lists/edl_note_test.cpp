@@ -65,11 +65,11 @@ TEST(Note, OtherNotesCarryNothing)
   }
 }
 
-TEST(Note, NullIsNoValueAndControlsAreBlanks)
+TEST(Note, NullIsNoValueAndTabsAreBlanks)
 {
   EXPECT_EQ(note("* SOURCE FILE: (NULL)").kind, NoteKind::SourceFile);
   EXPECT_EQ(note("* SOURCE FILE: (NULL)").value, "");
-  EXPECT_EQ(note("* SOURCE FILE:\ta\tb\x1B").value, "a b");
+  EXPECT_EQ(note("* SOURCE FILE:\ta\tb\x1B").value, "a b\x1B") << "for the clip to judge";
 }
 
 TEST(Note, ReelIsClipWithAndWithoutColon)
@@ -135,16 +135,38 @@ TEST(NoteJoiner, CapitalsAloneDoNotOpenANote)
     EXPECT_EQ(notes({wide(80), std::string("* ") + next}).at(0).value, wide(80).substr(18) + next);
 }
 
-TEST(NoteJoiner, ShorterAndLongerLinesAreComplete)
+TEST(NoteJoiner, ALineGoesOnWhenTheNextWordDidNotFit)
 {
-  for (std::size_t width : {78u, 81u, 120u})
-    EXPECT_EQ(notes({wide(width), "* rest"}).at(0).value, wide(width).substr(18)) << width;
+  const auto joined = [](std::size_t width, const std::string& next) {
+    return notes({wide(width), "* " + next + " of it"}).at(0).value == wide(width).substr(18) + " " + next + " of it";
+  };
+  EXPECT_TRUE(joined(79, "r"));
+  EXPECT_TRUE(joined(76, "rest"));
+  EXPECT_FALSE(joined(75, "rest")) << "76 to 80 were free for it";
+  EXPECT_TRUE(joined(75, "rest\xC3\xBC")) << "columns are characters";
+  EXPECT_TRUE(joined(60, std::string(20, 'r')));
+  EXPECT_FALSE(joined(60, std::string(19, 'r')));
+  EXPECT_FALSE(joined(59, std::string(70, 'r'))) << "no line is that short because of its wrapping";
+}
+
+TEST(NoteJoiner, ALongerLineGoesOnToo)
+{
+  for (std::size_t width : {81u, 120u})
+    EXPECT_EQ(notes({wide(width), "* rest"}).at(0).value, wide(width).substr(18) + " rest") << width;
+  EXPECT_EQ(notes({wide(81) + " ", "* rest"}).at(0).value, wide(81).substr(18) + " rest") << "one blank is enough";
+}
+
+TEST(NoteJoiner, AWideLineWithNothingBehindTheStarTakesWhatFollows)
+{
+  EXPECT_EQ(notes({std::string(79, ' ') + "*", "* FROM CLIP NAME: A"}).at(1).value, "A");
+  EXPECT_EQ(notes({std::string(70, ' ') + "*", "* elevenchars"}).size(), 1u);
 }
 
 TEST(NoteJoiner, ANoteOfItsOwnDoesNotJoin)
 {
-  for (const char* next : {"* TO CLIP NAME: B", "* PATCH R: FROM SOURCE 1 TO RECORD 2", "* A12 VOL = +3.0 DB",
-                           "* Z_9: X", "*", "* ", "*nothing", "* BLEND, DISSOLVE", "* REEL X IS CLIP Y", "* ASC_SAT 1"})
+  for (const char* next :
+       {"* TO CLIP NAME: B", "* PATCH R: FROM SOURCE 1 TO RECORD 2", "* A12 VOL = +3.0 DB", "* Z_9: X", "*", "* ",
+        "*nothing", "* BLEND, DISSOLVE", "* REEL X IS CLIP Y", "* ASC_SAT 1", "* * FREEZE FRAME", "** FREEZE FRAME"})
     EXPECT_EQ(notes({wide(80), next}).at(0).value, wide(80).substr(18)) << next;
 }
 

@@ -314,32 +314,127 @@ TEST(Edl, SpellingsThatDifferInCaseAreOneReel)
   EXPECT_EQ(list.spellings[0].other, "B014C003");
 }
 
-TEST(Edl, ControlCharactersInsideAReelBecomeBlanks)
+TEST(Edl, TabsInsideNamesBecomeBlanks)
 {
-  const List list = readWhole(event("001", "A\tB\x01"
-                                           "C\xC2\x9B"
-                                           "D V C") +
-                              "* FROM CLIP NAME: x\ty\n");
-  EXPECT_EQ(reels(list), Strings{"A B C D"});
+  const List list = readWhole(event("001", "A\tB V C") + "* FROM CLIP NAME: x\ty\n");
+  EXPECT_EQ(reels(list), Strings{"A B"});
   EXPECT_EQ(list.clips[0].clipName, "x y");
 }
 
-TEST(Edl, AReelOfControlCharactersAloneIsRejected)
+TEST(Edl, ControlCharactersInNamesCostTheirEvent)
 {
-  const List list = readWhole(event("001", "\xC2\x9B V C"));
-  ASSERT_EQ(list.rejected.size(), 1u);
-  EXPECT_EQ(list.rejected[0].reason, "no reel");
+  const List list =
+      readWhole("TITLE: A \x1B CUT\n" +
+                event("001", "A\x01"
+                             "B V C") +
+                event("002", "\x1B[31mA V C") + event("003", "A V C") + "* FROM CLIP NAME: x\x7Fy\n* COMMENT: z\x01\n" +
+                event("004", "A V C") + "* SOURCE FILE: f\x02\n" + event("005", "A V C") + "* REEL: A\vB\n" +
+                event("006", "B V C") + "* COMMENT: \x01\n" + event("007", "C1\x02 V C"));
+  EXPECT_EQ(list.title, "A \\x1b CUT");
+  EXPECT_EQ(reels(list), Strings{"B"});
+  ASSERT_EQ(list.rejected.size(), 6u);
+  EXPECT_EQ(list.rejected[0].line, 2);
+  EXPECT_EQ(list.rejected[0].text, "001  A\\x01B V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].reason, "reel 'A\\x01B' holds a control character (\\x01)");
+  EXPECT_EQ(list.rejected[1].reason, "reel '\\x1b[31mA' holds a control character (\\x1b)");
+  EXPECT_EQ(list.rejected[2].line, 4);
+  EXPECT_EQ(list.rejected[2].reason, "clip name 'x\\x7fy' holds a control character (\\x7f)");
+  EXPECT_EQ(list.rejected[3].reason, "source file 'f\\x02' holds a control character (\\x02)");
+  EXPECT_EQ(list.rejected[4].reason, "reel 'A\\x0bB' holds a control character (\\x0b)");
+  EXPECT_EQ(list.rejected[5].reason, "reel 'C1\\x02' holds a control character (\\x02)");
 }
 
-TEST(Edl, AnIdentifierOfMoreThan2047BytesIsRejected)
+TEST(Edl, ControlCharactersInOtherFieldsAreNoFields)
+{
+  const List list =
+      readWhole(event("001", "A V\x01 C") + "002  A V C 01:00:00:00\x01 01:00:01:00 10:00:00:00 10:00:01:00\n");
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].reason, "unknown channels 'V\\x01'");
+  EXPECT_EQ(list.rejected[1].reason, "source in '01:00:00:00\\x01' is no timecode (not hh:mm:ss:ff)");
+}
+
+TEST(Edl, ControlCharactersInTheTablesCostTheirLine)
+{
+  const List list =
+      readWhole(event("001", "A V C") + ">>> SOURCE A\x01LONG A id\nFINAL CUT PRO REEL: A\x02 REPLACED BY: A\n");
+  EXPECT_EQ(reels(list), Strings{"A"});
+  ASSERT_EQ(list.rejected.size(), 2u);
+  EXPECT_EQ(list.rejected[0].reason, "source row with a control character (\\x01)");
+  EXPECT_EQ(list.rejected[1].reason, "replaced reel with a control character (\\x02)");
+}
+
+TEST(Edl, PaddingAroundLinesIsNone)
+{
+  const List list = readWhole(std::string("\f\0", 2) + "TITLE: X\x1A\n" + "\f\n" + std::string("\0\0 ", 3) +
+                              event("001", "A V C") + std::string("* FROM CLIP NAME: a\0 \0\n", 23));
+  EXPECT_EQ(list.title, "X");
+  EXPECT_EQ(reels(list), Strings{"A"});
+  EXPECT_EQ(clipNames(list), Strings{"a"});
+  EXPECT_EQ(list.tally.blank, 1);
+}
+
+TEST(Edl, NamesOfMoreThan2047BytesCostTheirEvent)
 {
   const List list = readWhole(event("001", "AX V C") + "* SOURCE FILE: " + std::string(2048, 'f') + "\n" +
-                              event("002", "AX V C") + "* SOURCE FILE: " + std::string(2047, 'f') + "\n");
+                              event("002", "AX V C") + "* SOURCE FILE: " + std::string(2047, 'f') + "\n" +
+                              event("003", "A V C") + "* FROM CLIP NAME: " + std::string(2048, 'n') + "\n");
   EXPECT_EQ(list.clips.size(), 1u);
-  ASSERT_EQ(list.rejected.size(), 1u);
+  ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].line, 1);
   EXPECT_EQ(list.rejected[0].text, "001  AX V C " + kTimecodes);
-  EXPECT_EQ(list.rejected[0].reason, "reel identifier of 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[0].reason, "source file '" + std::string(40, 'f') + "...' has 2048 bytes (at most 2047)");
+  EXPECT_EQ(list.rejected[1].line, 5);
+  EXPECT_EQ(list.rejected[1].reason, "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");
+}
+
+TEST(Edl, AReplacedReelOfMoreThan2047BytesIsRejected)
+{
+  const List list =
+      readWhole(event("001", "A V C") + "FINAL CUT PRO REEL: " + std::string(2048, 'r') + " REPLACED BY: A\n");
+  EXPECT_EQ(reels(list), Strings{"A"});
+  EXPECT_EQ(list.rejected.at(0).reason,
+            "replaced reel '" + std::string(40, 'r') + "...' has 2048 bytes (at most 2047)");
+}
+
+TEST(Edl, ATitleOfAnyLengthIsShownCut)
+{
+  EXPECT_EQ(readWhole("TITLE: " + std::string(1001, 't') + "\n" + event("001", "A V C")).title,
+            std::string(1000, 't') + "...");
+}
+
+TEST(Edl, ReversedEventsAndMidnightAreKeptWithAWarning)
+{
+  const List list = readWhole("001  A V C 02:00:00:00 01:00:00:00 10:00:00:00 10:00:01:00\nM2 A -025.0 02:00:00:00\n"
+                              "002  B V C 23:59:50:00 00:00:10:00 10:00:01:00 10:00:21:00\n"
+                              "003  BL V C 00:00:01:00 00:00:00:00 10:00:21:00 10:00:22:00\n");
+  EXPECT_EQ(reels(list), (Strings{"A", "B"}));
+  EXPECT_TRUE(list.rejected.empty());
+  ASSERT_EQ(list.warnings.size(), 2u);
+  EXPECT_EQ(list.warnings[0].line, 1);
+  EXPECT_EQ(list.warnings[0].text, "001  A V C 02:00:00:00 01:00:00:00 10:00:00:00 10:00:01:00");
+  EXPECT_EQ(list.warnings[1].line, 3);
+}
+
+TEST(Edl, SourceRowsOfWhichNoUseCanBeMadeAreRejected)
+{
+  const List list = readWhole(">>> SOURCE NOBODY\n" + event("001", "A001 V C") + "* REEL: NOTE\n" +
+                              event("002", "B001 V C") + event("003", "B001_X V C") +
+                              ">>> SOURCE A001\n>>> SOURCE C001\n>>> SOURCE B001_LONG B001\n>>> SOURCE B001_X OTHER\n"
+                              ">>> SOURCE D001_LONG D001\n>>> SOURCE E001 E001 id5\n");
+  EXPECT_EQ(reels(list), (Strings{"A001", "B001_LONG", "B001_X"})) << "a single name is that reel's own";
+  ASSERT_EQ(list.rejected.size(), 4u);
+  EXPECT_EQ(list.rejected[0].line, 1);
+  EXPECT_EQ(list.rejected[0].text, ">>> SOURCE NOBODY");
+  EXPECT_EQ(list.rejected[0].reason, "source row with one name, and no event has the reel 'NOBODY'");
+  EXPECT_EQ(list.rejected[1].line, 7);
+  EXPECT_EQ(list.rejected[1].reason, "source row with one name, and no event has the reel 'C001'");
+  EXPECT_EQ(list.rejected[2].line, 9);
+  EXPECT_EQ(list.rejected[2].reason,
+            "source row without an id, and 'B001_X' and 'OTHER' are not two forms of one name");
+  EXPECT_EQ(list.rejected[3].line, 10);
+  EXPECT_EQ(list.rejected[3].reason, "source row without an id, and no event has the reels 'D001_LONG' and 'D001'");
+  EXPECT_EQ(list.tally.statements, 3);
+  EXPECT_EQ(list.tally.headers, 0);
 }
 
 TEST(Edl, AWrappedClipNameIsWhole)
@@ -365,7 +460,8 @@ TEST(Edl, OneLineOfMegabytesCostsThatLine)
   EXPECT_EQ(reels(list), (Strings{"A", "B"}));
   ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].text.size(), 1003u);
-  EXPECT_EQ(list.rejected[0].reason, "reel of " + std::to_string(many.size()) + " characters (at most 129)");
+  EXPECT_EQ(list.rejected[0].reason,
+            "reel '" + std::string(40, 'R') + "...' has " + std::to_string(many.size()) + " characters (at most 129)");
 }
 
 } // namespace

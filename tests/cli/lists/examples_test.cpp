@@ -82,6 +82,9 @@ TEST(Examples, TheLogHasEveryKindOfRow)
                                      "Lost: no tape and no source file"}));
   ASSERT_EQ(list.rejected.size(), 1u);
   EXPECT_EQ(list.rejected[0].reason, "End '06:10:75:00' is no timecode (seconds above 59)");
+  ASSERT_EQ(list.warnings.size(), 1u);
+  EXPECT_EQ(list.warnings[0].line, 18);
+  EXPECT_EQ(list.warnings[0].reason, "no 'Start', no 'End' (kept without them)");
   ASSERT_EQ(list.spellings.size(), 1u);
   EXPECT_EQ(list.spellings[0].other, "a021c011_210609_h1kv");
 }

@@ -12,6 +12,7 @@
 
 #include "lists/list.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 #include "support.h"
 
 using namespace reeldb::lists;
@@ -72,25 +73,40 @@ private:
   std::mt19937 random_;
 };
 
+void expectShowable(const std::string& text, const std::string& reason)
+{
+  ASSERT_FALSE(reason.empty());
+  for (const std::string* each : {&text, &reason}) {
+    ASSERT_TRUE(utf8::is_valid(each->begin(), each->end()));
+    ASSERT_EQ(firstControl(*each), "");
+  }
+}
+
 void expectSound(const List& list)
 {
   EXPECT_EQ(accountedLines(list), list.tally.lines);
   for (const Clip& clip : list.clips) {
     ASSERT_FALSE(clip.reel.empty());
-    ASSERT_LE(clip.reel.size(), kIdentifierBytes);
-    ASSERT_EQ(clean(clip.reel), clip.reel) << "control characters or outer blanks";
-    ASSERT_TRUE(utf8::is_valid(clip.reel.begin(), clip.reel.end()));
+    for (const std::string* name : {&clip.reel, &clip.clipName, &clip.sourceFile}) {
+      ASSERT_LE(name->size(), kNameBytes);
+      ASSERT_EQ(clean(*name), *name) << "tabs or outer blanks";
+      ASSERT_EQ(firstControl(*name), "");
+      ASSERT_TRUE(utf8::is_valid(name->begin(), name->end()));
+    }
+    for (const std::string* time : {&clip.sourceIn, &clip.sourceOut, &clip.recordIn, &clip.recordOut})
+      ASSERT_TRUE(time->empty() || timecodeFault(*time).empty()) << *time;
     ASSERT_EQ(clip.reel.find('*'), std::string::npos);
     ASSERT_GE(clip.line, 1);
     ASSERT_LE(clip.line, list.tally.lines);
   }
-  for (const Rejected& rejected : list.rejected) {
-    ASSERT_FALSE(rejected.reason.empty());
-    ASSERT_TRUE(utf8::is_valid(rejected.text.begin(), rejected.text.end()));
-    ASSERT_TRUE(utf8::is_valid(rejected.reason.begin(), rejected.reason.end()));
-  }
-  for (const Special& special : list.specials)
+  for (const Rejected& rejected : list.rejected)
+    expectShowable(rejected.text, rejected.reason);
+  for (const Warning& warning : list.warnings)
+    expectShowable(warning.text, warning.reason);
+  for (const Special& special : list.specials) {
+    expectShowable(special.text, special.reason);
     ASSERT_EQ(static_cast<std::size_t>(special.count), special.lines.size());
+  }
 }
 
 class Mutation : public testing::TestWithParam<const char*> {};

@@ -39,6 +39,16 @@ TEST(Read, NeitherFormatIsAnError)
             "neither a cut list (EDL) nor a log file (ALE) (it holds binary data)");
 }
 
+TEST(Read, Utf16WithoutAMarkSaysWhatToDo)
+{
+  std::string bytes;
+  for (char c : "TITLE: X\n" + event("001", "R V C")) {
+    bytes += c;
+    bytes += '\0';
+  }
+  EXPECT_EQ(failure(bytes), "UTF-16 without a byte order mark (save it as UTF-8)");
+}
+
 TEST(Read, TellsTheFormatFromTheContent)
 {
   EXPECT_EQ(read(event("001", "R V C")).format, Format::Edl);

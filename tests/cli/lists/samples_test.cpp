@@ -83,6 +83,7 @@ TEST_P(Samples, GivesExactlyItsReels)
   EXPECT_EQ(distinctReels(list).size(), sample.reels);
   EXPECT_EQ(digest(distinctReels(list)), sample.digest);
   EXPECT_TRUE(list.rejected.empty());
+  EXPECT_TRUE(list.warnings.empty());
   EXPECT_TRUE(list.spellings.empty());
   EXPECT_TRUE(list.ambiguous.empty());
 }

@@ -22,57 +22,6 @@ std::vector<std::pair<int, std::string>> split(std::string_view text)
 
 using Numbered = std::vector<std::pair<int, std::string>>;
 
-TEST(Decode, Utf8StaysAsItIs)
-{
-  EXPECT_EQ(decode("K\xC3\xBCste"), "K\xC3\xBCste");
-}
-
-TEST(Decode, ByteOrderMarkIsDropped)
-{
-  EXPECT_EQ(decode("\xEF\xBB\xBFTITLE"), "TITLE");
-}
-
-TEST(Decode, OneBadByteMakesAllOfItLatin1)
-{
-  EXPECT_EQ(decode("\xC3\xBC and \xFC"), "\xC3\x83\xC2\xBC and \xC3\xBC");
-}
-
-TEST(Decode, ByteOrderMarkBeforeLatin1IsDropped)
-{
-  EXPECT_EQ(decode("\xEF\xBB\xBF\xE9"), "\xC3\xA9");
-}
-
-TEST(Decode, Utf16LittleEndian)
-{
-  EXPECT_EQ(decode(std::string_view("\xFF\xFE\x41\x00\xFC\x00\x3D\xD8\x00\xDE", 10)), "A\xC3\xBC\xF0\x9F\x98\x80");
-}
-
-TEST(Decode, Utf16BigEndian)
-{
-  EXPECT_EQ(decode(std::string_view("\xFE\xFF\x00\x41\x00\xFC", 6)), "A\xC3\xBC");
-}
-
-TEST(Decode, Utf16WithLoneSurrogatesAndHalfAUnitGivesReplacements)
-{
-  EXPECT_EQ(decode(std::string_view("\xFF\xFE\x00\xDC\x41\x00\x00\xD8\x42\x00\x43", 11)), "\xEF\xBF\xBD"
-                                                                                          "A"
-                                                                                          "\xEF\xBF\xBD"
-                                                                                          "B"
-                                                                                          "\xEF\xBF\xBD");
-  EXPECT_EQ(decode(std::string_view("\xFF\xFE\x00\xD8", 4)), "\xEF\xBF\xBD");
-}
-
-TEST(Decode, EndMarksNulsAndBlanksAtTheEndAreDropped)
-{
-  EXPECT_EQ(decode(std::string_view("A\r\n\x1A\x1A\0\0 \r\n\x1A", 11)), "A");
-  EXPECT_EQ(decode(std::string_view("\0\x1A", 2)), "");
-}
-
-TEST(Decode, AnEndMarkInTheMiddleCutsNothing)
-{
-  EXPECT_EQ(decode("A\n\x1A\nB"), "A\n\x1A\nB");
-}
-
 TEST(Lines, CrLfAndCrlfEachEndOneLine)
 {
   EXPECT_EQ(split("a\rb\nc\r\nd\n\re"), (Numbered{{1, "a"}, {2, "b"}, {3, "c"}, {4, "d"}, {5, ""}, {6, "e"}}));
@@ -85,35 +34,45 @@ TEST(Lines, LastLineNeedsNoEndAndAnEndAddsNoLine)
   EXPECT_EQ(split(""), Numbered{});
 }
 
-TEST(Trim, BlanksTabsAndControlsGo)
+TEST(Lines, PaddingAtEitherEndGoesAndBlanksNextToTheTextStay)
 {
-  EXPECT_EQ(trim(" \t a b\x1A\x7F "), "a b");
+  EXPECT_EQ(split(std::string_view("\f  a \t\0 \x1A\n\0\0 \f\n b \0c\n", 20)),
+            (Numbered{{1, "  a \t"}, {2, ""}, {3, std::string(" b \0c", 5)}}));
+}
+
+TEST(Trim, BlanksAndTabsGo)
+{
+  EXPECT_EQ(trim(" \t a b \t "), "a b");
+  EXPECT_EQ(trim("\x01 a \x1B"), "\x01 a \x1B") << "other controls are not blanks";
   EXPECT_EQ(trim(" \t "), "");
   EXPECT_EQ(trimLeft(" a "), "a ");
   EXPECT_EQ(trimRight(" a "), " a");
 }
 
-TEST(Clean, ControlsInsideBecomeBlanks)
+TEST(Clean, TabsBecomeBlanksAndOuterBlanksGo)
 {
-  EXPECT_EQ(clean("A\tB\x01"
-                  "C\x7F"
-                  "D"),
-            "A B C D");
-  EXPECT_EQ(clean("A\xC2\x9B"
-                  "B\xC2\x80\xC2\xA0"
-                  "C"),
-            "A B \xC2\xA0"
-            "C");
+  EXPECT_EQ(clean("\t A\tB\x01 C\t "), "A B\x01 C");
 }
 
-TEST(Clean, OuterControlsGo)
+TEST(Escaped, EveryControlButTheTabIsWrittenOut)
 {
-  EXPECT_EQ(clean("\t\xC2\x85 A  B \x1B"), "A  B");
+  EXPECT_EQ(escaped(std::string_view("a\0b\x1F\x7F\tK\xC3\xBC", 9)), "a\\x00b\\x1f\\x7f\tK\xC3\xBC");
+  EXPECT_EQ(escaped("\xC2\x80\xC2\x9F\xC2\xA0"), "\\x80\\x9f\xC2\xA0");
 }
 
-TEST(Shortened, CutsBetweenCharactersAndCleans)
+TEST(FirstControl, IsFoundAndTabsAndLettersAreNone)
+{
+  EXPECT_EQ(firstControl("a\tb \xC3\xBC\xC2\xA0"), "");
+  EXPECT_EQ(firstControl("a\x01\x02"), "\x01");
+  EXPECT_EQ(firstControl("a\x7F"), "\x7F");
+  EXPECT_EQ(firstControl("\xC3\xBC\xC2\x9B"), "") << "a byte of Latin-1";
+}
+
+TEST(Shortened, CutsBetweenCharactersCleansAndEscapes)
 {
   EXPECT_EQ(shortened("a\tb", 3), "a b");
+  EXPECT_EQ(shortened("a\x1B", 2), "a\\x1b");
+  EXPECT_EQ(shortened("a\x1B, long", 2), "a\\x1b...");
   EXPECT_EQ(shortened("abcd", 3), "abc...");
   EXPECT_EQ(shortened("ab\xC3\xBC"
                       "c",

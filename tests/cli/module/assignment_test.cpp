@@ -38,6 +38,13 @@ TEST(ParseAssignment, NoEqualsSignOrNoFieldIsAUsageError)
   EXPECT_EQ(codeOf(""), usage);
 }
 
+TEST(ParseAssignment, ValueThatCannotBeHandedOnIsAUsageError)
+{
+  EXPECT_EQ(codeOf("bin=\x1b"), usage);
+  EXPECT_EQ(codeOf("bin=\xff"), usage);
+  EXPECT_EQ(codeOf("bin=caf\xc3\xa9"), done);
+}
+
 TEST(ParseAssignment, ValueOf2047BytesPassesAndOf2048IsRefused)
 {
   EXPECT_EQ(codeOf("bin=" + std::string(2047, 'x')), done);

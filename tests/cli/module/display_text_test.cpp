@@ -10,32 +10,6 @@ using namespace reeldb::cli;
 
 namespace {
 
-TEST(DisplayText, PlainTextStays)
-{
-  EXPECT_EQ(displayText("A001 caf\xc3\xa9 \xe3\x83\x86 \\n"), "A001 caf\xc3\xa9 \xe3\x83\x86 \\n");
-}
-
-TEST(DisplayText, ControlCharactersAreEscaped)
-{
-  EXPECT_EQ(displayText("a\nb\rc\td\x1b[31m\x7f\x01"), "a\\nb\\rc\\td\\x1b[31m\\x7f\\x01");
-  EXPECT_EQ(displayText(std::string_view("a\0b", 3)), "a\\x00b");
-  EXPECT_EQ(displayText("\xc2\x80\xc2\x9b\xc2\x9f\xc2\xa0"), "\\x80\\x9b\\x9f\xc2\xa0");
-}
-
-TEST(DisplayText, MarksOfDirectionAndLineSeparatorsAreEscaped)
-{
-  EXPECT_EQ(displayText("a\xe2\x80\xae"
-                        "b\xe2\x81\xa6\xe2\x80\xa8"),
-            "a\\u202eb\\u2066\\u2028");
-}
-
-TEST(DisplayText, BytesThatAreNoUtf8AreEscaped)
-{
-  EXPECT_EQ(displayText("a\xff\xc3"), "a\\xff\\xc3");
-  EXPECT_EQ(displayText("\xed\xa0\x80"), "\\xed\\xa0\\x80");
-  EXPECT_EQ(displayText("\xc3("), "\\xc3(");
-}
-
 TEST(DisplayWidth, CountsColumns)
 {
   EXPECT_EQ(displayWidth(""), 0u);

@@ -28,9 +28,19 @@ TEST(Table, OptionalColumnIsLeftOutUnlessUsed)
 
 TEST(Table, CellsAreMadeFitForATerminal)
 {
-  Table table({{"NAME"}});
+  Table table({{"NA\xffME"}});
   table.add({"a\x1b\n"});
-  EXPECT_EQ(table.text(std::nullopt, false), "NAME\na\\x1b\\n\n");
+  EXPECT_EQ(table.text(std::nullopt, false), "NA\\xffME\na\\x1b\\n\n");
+}
+
+TEST(Table, LinesStandBehindTheIndentWhichATerminalHasToHoldToo)
+{
+  Table table({{"N"}, {"TEXT"}});
+  table.add({"1", "twelve chars"});
+  EXPECT_EQ(table.text(std::nullopt, false, 2), "  N  TEXT\n  1  twelve chars\n");
+  EXPECT_EQ(table.text(17, false, 2), "  N  TEXT\n  1  twelve chars\n");
+  EXPECT_EQ(table.text(16, false, 2), "  N  TEXT\n  1  twelve cha\xe2\x80\xa6\n");
+  EXPECT_EQ(table.text(1, false, 2), "  N  TEXT\n  1  twelve \xe2\x80\xa6\n");
 }
 
 TEST(Table, TitlesAreBoldWithColours)

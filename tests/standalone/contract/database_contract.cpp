@@ -55,6 +55,16 @@ TEST_P(Database, TheReelLogsAreExactlyThoseInOrder)
   host().addLog(0, "");
   reels.add(host().addLog(9, ""));
   EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
+}
+
+TEST_P(Database, StoredReelLogsAreExactlyThoseInOrder)
+{
+  HOST_NEEDS(Storage);
+  host().openEmptyProject("A");
+  CookieVec reels;
+  reels.add(host().addLog(9, "b"));
+  host().addLog(1, "b");
+  reels.add(host().addLog(9, "a"));
   host().storeAndReopen();
   EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
 }
@@ -80,6 +90,13 @@ TEST_P(Database, ShotsAreFoundWithoutRegardToCase)
     EXPECT_TRUE(holds(shotsOf(id), lower)) << id;
     EXPECT_TRUE(holds(shotsOf(id), upper)) << id;
   }
+}
+
+TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
+{
+  HOST_NEEDS(Storage);
+  host().openEmptyProject("A");
+  const Cookie lower = host().addLog(1, "a001");
   host().storeAndReopen();
   EXPECT_TRUE(holds(shotsOf("A001"), lower));
 }
@@ -99,6 +116,9 @@ TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
   host().addLog(1, "");
   host().addLog(0, "");
   host().addLog(1, "A001");
+  const Cookie emptied = host().addLog(1, "B002");
+  withLog(emptied, [](Edit& edit) { edit.set_reelid(0, ""); });
+  EditManager::updateProjdbRec(emptied);
   EXPECT_EQ(shotsOf("").count(), 0);
 }
 
@@ -168,6 +188,14 @@ TEST_P(Database, AViewShowsTheReelTypeAtOnce)
   });
   EditManager::updateProjdbRec(reel);
   EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
+}
+
+TEST_P(Database, AViewShowsTheReelTypeThatWasStored)
+{
+  HOST_NEEDS(Storage);
+  host().openEmptyProject("A");
+  const Cookie reel = host().addLog(9, "R1");
+  withLog(reel, [](Edit& edit) { edit.reelType("Tape 4ch"); });
   host().storeAndReopen();
   EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
 }

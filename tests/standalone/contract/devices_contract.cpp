@@ -56,6 +56,7 @@ void expectNone(const ExtDeviceConfig& config)
 
 TEST_P(Devices, AreFoundByNumberByStampAndByName)
 {
+  HOST_NEEDS(Devices);
   host().addDevice(deck());
   const ExtDeviceConfigurationManager& manager = theConfigurationManager();
   expectDeck(manager.getConfig(3));
@@ -63,8 +64,24 @@ TEST_P(Devices, AreFoundByNumberByStampAndByName)
   EXPECT_EQ(manager.findConfigForName(L"Deck \u00e9"), 3);
 }
 
+TEST_P(Devices, WhereThereAreNoneAllAreUnknownAndHaveNothing)
+{
+  ExtDeviceConfigurationManager& manager = theConfigurationManager();
+  expectNone(manager.getConfig(0));
+  expectNone(manager.getConfig(-1));
+  expectNone(manager.getConfig(IdStamp()));
+  expectNone(manager.getConfig(IdStamp(42)));
+  EXPECT_EQ(manager.findConfigForName(L"Deck"), -1);
+  EXPECT_EQ(manager.findConfigForName(L""), -1);
+  ExtDeviceConfig config = manager.getConfig(0);
+  config.setLastReel("R1");
+  manager.storeDevice(config, false);
+  expectNone(manager.getConfig(0));
+}
+
 TEST_P(Devices, UnknownOnesHaveNothing)
 {
+  HOST_NEEDS(Devices);
   host().addDevice(deck());
   Device nameless;
   nameless.number = 0;
@@ -83,6 +100,7 @@ TEST_P(Devices, UnknownOnesHaveNothing)
 
 TEST_P(Devices, AConfigurationIsACopyUntilItIsStored)
 {
+  HOST_NEEDS(Devices);
   host().addDevice(deck());
   ExtDeviceConfig config = theConfigurationManager().getConfig(3);
   const ExtDeviceConfig before(config);
@@ -96,6 +114,7 @@ TEST_P(Devices, AConfigurationIsACopyUntilItIsStored)
 
 TEST_P(Devices, AConfigurationOutlivesTheDeviceItCameFrom)
 {
+  HOST_NEEDS(Devices);
   ExtDeviceConfig kept;
   expectNone(kept);
   {
@@ -108,6 +127,7 @@ TEST_P(Devices, AConfigurationOutlivesTheDeviceItCameFrom)
 
 TEST_P(Devices, ADeviceIsStoredByItsIdentityNotByItsName)
 {
+  HOST_NEEDS(Devices);
   host().addDevice(deck());
   Device other;
   other.number = 4;
@@ -125,6 +145,7 @@ TEST_P(Devices, ADeviceIsStoredByItsIdentityNotByItsName)
 
 TEST_P(Devices, AnUnknownDeviceIsNotStored)
 {
+  HOST_NEEDS(Devices);
   Device nameless;
   nameless.number = 0;
   nameless.id = 7;
@@ -138,6 +159,7 @@ TEST_P(Devices, AnUnknownDeviceIsNotStored)
 
 TEST_P(Devices, AMessageTellsItsDevice)
 {
+  HOST_NEEDS(Devices);
   const IdStamp known = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(42));
   EXPECT_TRUE(known.valid());
   const IdStamp none = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(0));
@@ -156,6 +178,7 @@ std::vector<LabelMappingSet::Entry> entries()
 
 TEST_P(Devices, ALabelMapIsLoadedByName)
 {
+  HOST_NEEDS(LabelMaps);
   host().addLabelMap("mine", entries());
   LabelMappingSet map;
   ASSERT_TRUE(map.load(L"mine"));

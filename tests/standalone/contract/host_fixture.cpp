@@ -1,7 +1,53 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host_fixture.h"
 
+#include <stdexcept>
+
 namespace host_contract {
+
+namespace {
+
+[[noreturn]] void missing(const char* what)
+{
+  throw std::logic_error(std::string(what) + ": neither is it in the set-up, nor does lacks() say that it need not be");
+}
+
+} // namespace
+
+std::string HostSetUp::lacks(Ability) const
+{
+  return {};
+}
+
+void HostSetUp::storeAndReopen()
+{
+  missing("storeAndReopen");
+}
+
+void HostSetUp::addDevice(const Device&)
+{
+  missing("addDevice");
+}
+
+void HostSetUp::renameDevice(unsigned, const std::string&)
+{
+  missing("renameDevice");
+}
+
+std::string HostSetUp::lastReelOf(unsigned)
+{
+  missing("lastReelOf");
+}
+
+const NotifyMsg& HostSetUp::messageAbout(unsigned)
+{
+  missing("messageAbout");
+}
+
+void HostSetUp::addLabelMap(const std::string&, const std::vector<LabelMappingSet::Entry>&)
+{
+  missing("addLabelMap");
+}
 
 std::string Contract::reelIdOf(const Cookie& log)
 {

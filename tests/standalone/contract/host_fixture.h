@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The host contract: what the library relies on of any host, one case a promise. The cases are written against the host
-// headers alone; what else they need, they ask of this interface. To try another host, write a HostSetUp for it, define
-// hosts(), and link the suite with the host.
+// headers alone; what else they need, they ask of this interface. To try a host, write a HostSetUp for it, define
+// hosts(), and link both with the suite and the host: with CMake, reeldb_add_host_contract(NAME SETUP file.cpp HOST
+// host) does it.
 #ifndef REELDB_CONTRACT_HOST_FIXTURE_H
 #define REELDB_CONTRACT_HOST_FIXTURE_H
 
@@ -20,6 +21,13 @@
 
 namespace host_contract {
 
+/// What a host may do without. Everything else is needed by every host.
+enum class Ability {
+  Storage,   ///< a project outlives its being open
+  Devices,   ///< external devices, and messages about them
+  LabelMaps, ///< label maps that can be loaded
+};
+
 struct Device {
   int number = 0;
   unsigned id = 0;
@@ -32,31 +40,39 @@ struct Device {
 };
 
 /// Brings the host into the state that a case starts from. Each case has one of its own; nothing of an earlier case may
-/// shine through, but for numbers that are never given out twice.
+/// shine through, but for numbers that are never given out twice. When a case begins, no project is open and no device
+/// is there.
 class HostSetUp {
 public:
   virtual ~HostSetUp() = default;
+
+  /// Why the host does without this; empty: it has it. A case that needs what the host lacks is skipped, and says so.
+  virtual std::string lacks(Ability ability) const;
 
   /// A new, empty project is opened and entered; a project that was open is left first. @p name makes it another
   /// project than one of another name, and the same as one of the same name.
   virtual void openEmptyProject(const std::string& name, int frameRate = 3, int outputFrameRate = 4) = 0;
   virtual void closeProject() = 0; ///< leaves the open project
-  virtual void
-  storeAndReopen() = 0; ///< stores what was changed, leaves the project and opens it again as it was stored
 
   /// A log that another module made: of this type (9 reel, 1 material), with this identifier unless it is empty.
   virtual Cookie addLog(int type, const std::string& reelId) = 0;
 
-  virtual void addDevice(const Device& device) = 0;
-  virtual void renameDevice(unsigned id, const std::string& name) = 0;
-  virtual std::string lastReelOf(unsigned deviceId) = 0;        ///< as the host now has it
-  virtual const NotifyMsg& messageAbout(unsigned deviceId) = 0; ///< "this device changed"; valid until the next call
-
-  /// Makes a label map that can be loaded by this name.
-  virtual void addLabelMap(const std::string& name, const std::vector<LabelMappingSet::Entry>& entries) = 0;
-
   virtual std::wstring textOfResource(unsigned id) = 0;
   virtual void runDeferredActions() = 0; ///< as the host does when the main thread comes back to it
+
+  // What follows is called only where lacks() does not say that the host does without it; it then has to be there.
+
+  /// Storage: stores what was changed, leaves the project and opens it again as it was stored.
+  virtual void storeAndReopen();
+
+  /// Devices
+  virtual void addDevice(const Device& device);
+  virtual void renameDevice(unsigned id, const std::string& name);
+  virtual std::string lastReelOf(unsigned deviceId);        ///< as the host now has it
+  virtual const NotifyMsg& messageAbout(unsigned deviceId); ///< "this device changed"; valid until the next call
+
+  /// LabelMaps: makes a label map that can be loaded by this name.
+  virtual void addLabelMap(const std::string& name, const std::vector<LabelMappingSet::Entry>& entries);
 };
 
 struct Host {
@@ -97,6 +113,11 @@ inline constexpr EditChanType video{1}, audio{2};
 inline constexpr EditModificationType made{59};
 
 } // namespace host_contract
+
+/// First in a case: skips it, with the host's reason, where the host lacks what the case is about.
+#define HOST_NEEDS(ability)                                                                                            \
+  if (const std::string why = host().lacks(host_contract::Ability::ability); !why.empty())                             \
+  GTEST_SKIP() << GetParam().name << ": " << why
 
 /// One suite of cases, run against every host.
 #define HOST_CONTRACT(Suite)                                                                                           \

@@ -230,6 +230,7 @@ TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 // The library marks logs dirty for some changes and not for others: all of them count.
 TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
 {
+  HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   Cookie fresh;
   {

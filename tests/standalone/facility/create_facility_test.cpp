@@ -145,7 +145,37 @@ TEST(CreateFacility, FolderThatCannotBeMadeIsAnError)
   EXPECT_EQ(errorOf([&] { createFacility(folder / "file"); }).rfind("Io: " + (folder / "file").native(), 0), 0u);
 }
 
-TEST(CreateFacility, DiskFullLeavesNoFile)
+TEST(CreateFacility, FailureTakesBackTheFoldersThatWereMadeAndNoOthers)
+{
+  const TempDir folder;
+  fs::create_directory(folder / "a");
+  fs::create_directory(folder / "a/b");
+  writeBytes(folder / "a/b/labelmaps", "mine");
+  EXPECT_EQ(errorOf([&] { createFacility(folder / "a/b"); }),
+            "Io: " + (folder / "a/b/labelmaps").native() + ": cannot be made (File exists)");
+  EXPECT_EQ(namesIn(folder / "a/b"), std::vector<std::string>{"labelmaps"});
+  EXPECT_EQ(bytesOf(folder / "a/b/labelmaps"), "mine");
+}
+
+TEST(CreateFacility, WhatIsNotKeptIsGoneAgain)
+{
+  const TempDir folder;
+  fs::create_directory(folder / "site");
+  fs::create_directory(folder / "site/labelmaps");
+  writeBytes(folder / "site/labelmaps/mine.toml", "mine");
+  {
+    const NewFacility inPlace(folder / "site");
+    const NewFacility below(folder / "new/er/site/");
+    EXPECT_TRUE(fs::exists(folder / "site/facility.toml"));
+    EXPECT_TRUE(fs::exists(folder / "new/er/site/facility.toml"));
+    writeBytes(folder / "new/theirs", "");
+  }
+  EXPECT_EQ(namesIn(folder / "site"), std::vector<std::string>{"labelmaps"});
+  EXPECT_EQ(namesIn(folder / "site/labelmaps"), std::vector<std::string>{"mine.toml"});
+  EXPECT_EQ(namesIn(folder / "new"), std::vector<std::string>{"theirs"});
+}
+
+TEST(CreateFacility, DiskFullLeavesNothing)
 {
   const TempMount mount("size=12k");
   if (!mount.mounted())
@@ -153,8 +183,7 @@ TEST(CreateFacility, DiskFullLeavesNoFile)
   const std::string error = errorOf([&] { createFacility(mount / ""); });
   EXPECT_EQ(error.rfind("Io: ", 0), 0u) << error;
   EXPECT_NE(error.find("(No space left on device)"), std::string::npos) << error;
-  for (const auto& entry : fs::recursive_directory_iterator(mount / ""))
-    EXPECT_TRUE(entry.is_directory()) << entry;
+  EXPECT_TRUE(namesIn(mount / "").empty());
 }
 
 } // namespace

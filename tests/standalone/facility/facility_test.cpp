@@ -146,6 +146,55 @@ TEST_F(FacilityTest, SavingTakesOverWhatAnotherProcessStored)
   EXPECT_EQ(third.systemValue("b"), "second");
 }
 
+TEST_F(FacilityTest, ValueThatIsTakenAwayLeavesNothingBehind)
+{
+  Facility facility = read();
+  facility.setSystemValue("a", "1");
+  facility.setSystemValue("reel_userfield0", "Take");
+  facility.setLastReel(5, "R1");
+  facility.saveState();
+  facility.setSystemValue("a", "");
+  facility.setSystemValue("reel_userfield0", "");
+  facility.setLastReel(5, "");
+  facility.saveState();
+  EXPECT_EQ(facility.systemValue("a"), "");
+  EXPECT_EQ(facility.systemValue("reel_userfield0"), "");
+  EXPECT_EQ(facility.devices()[0].lastReel, "");
+  // Only the value that facility.toml has would come back without an entry.
+  const std::string state = bytesOf(folder() / "state.toml");
+  EXPECT_NE(state.find("[system]\nreel_userfield0 = \"\"\n"), std::string::npos) << state;
+  EXPECT_EQ(state.find("R1"), std::string::npos) << state;
+  EXPECT_EQ(state.find("5 ="), std::string::npos) << state;
+  EXPECT_EQ(state.find("a ="), std::string::npos) << state;
+}
+
+TEST_F(FacilityTest, SavingForgetsWhatAnotherProcessTookAway)
+{
+  Facility first = read();
+  first.setSystemValue("a", "1");
+  first.setLastReel(5, "R1");
+  first.saveState();
+  Facility second = read();
+  second.setSystemValue("a", "");
+  second.setLastReel(5, "");
+  second.saveState();
+  first.setSystemValue("b", "2");
+  first.saveState();
+  EXPECT_EQ(first.systemValue("a"), "");
+  EXPECT_EQ(first.devices()[0].lastReel, "");
+}
+
+TEST_F(FacilityTest, WithoutAFacilityValuesLastAsLongAsTheObject)
+{
+  Facility none;
+  none.setSystemValue("a", "1");
+  none.saveState();
+  none.setSystemValue("b", "2");
+  none.saveState();
+  EXPECT_EQ(none.systemValue("a"), "1");
+  EXPECT_EQ(none.systemValue("b"), "2");
+}
+
 TEST_F(FacilityTest, SavingWithoutChangesMakesNoFile)
 {
   Facility facility = read();

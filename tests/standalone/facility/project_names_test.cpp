@@ -41,14 +41,19 @@ TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
       {".hidden", "\".hidden\": no name for a project (it begins with a dot)"},
       {"a/b", "\"a/b\": no name for a project (it holds a slash)"},
       {"/etc/x", "\"/etc/x\": no name for a project (it holds a slash)"},
-      {"a\nb", "\"a\\x0ab\": no name for a project (it holds a control character)"},
+      {"a\nb", "\"a\\nb\": no name for a project (it holds a control character)"},
       {std::string("a\0b", 3), "\"a\\x00b\": no name for a project (it holds a control character)"},
-      {"a\xC2\x9B", "\"a\xC2\\x9b\": no name for a project (it holds a control character)"},
+      {"a\xC2\x9B", "\"a\\u009b\": no name for a project (it holds a control character)"},
   };
   for (const auto& [name, message] : cases)
     EXPECT_EQ(errorOf([&, &wanted = name] { facility().projectFile(wanted); }), "Refused: " + message);
   EXPECT_EQ(errorOf([&] { facility().projectFile(std::string(201, 'n')); }),
             "Refused: \"" + std::string(201, 'n') + "\": no name for a project (it is longer than 200 bytes)");
+}
+
+TEST_F(ProjectNames, MarksOfDirectionAreNoControlCharacters)
+{
+  EXPECT_EQ(facility().projectFile("\xE2\x80\x8F\xD7\x90"), projects() / "\xE2\x80\x8F\xD7\x90.reels");
 }
 
 TEST_F(ProjectNames, ProjectsAreListedSorted)

@@ -14,7 +14,7 @@ TEST(Describe, TextsAreQuotedWithEscapes)
 {
   EXPECT_EQ(quoted("R1"), "\"R1\"");
   EXPECT_EQ(quoted("a\"b\\c\n\r\t"), "\"a\\\"b\\\\c\\n\\r\\t\"");
-  EXPECT_EQ(quoted("\x01\x1f\x7f"), "\"\\001\\037\\177\"");
+  EXPECT_EQ(quoted("\x01\x1f\x7f\xff\xc2\x9b\xe2\x80\xae"), "\"\\x01\\x1f\\x7f\\xff\\u009b\\u202e\"");
   EXPECT_EQ(quoted("caf\xC3\xA9"), "\"caf\xC3\xA9\"");
 }
 

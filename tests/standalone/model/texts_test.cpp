@@ -19,6 +19,15 @@ TEST_F(TextsTest, ThePrintGoesToStandardErrorAndNowhereElse)
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Shot: E0000001  Changing reel from a to b\n");
 }
 
+TEST_F(TextsTest, WhatMustNotReachATerminalIsPrintedEscapedButTheLineEndThatEndsTheMessage)
+{
+  ::testing::internal::CaptureStderr();
+  EXPECT_EQ(vorn_printf("from %s to %s\n", "a\x1b[2J\nb", "caf\xC3\xA9\xFF"), 23);
+  EXPECT_EQ(vorn_printf("%s", "no line end\n\n"), 13);
+  EXPECT_EQ(vorn_printf("%s", "\n"), 1);
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "from a\\x1b[2J\\nb to caf\xC3\xA9\\xff\nno line end\\n\n\n");
+}
+
 TEST_F(TextsTest, APrintMayBeLong)
 {
   const std::string text(100000, 'x');

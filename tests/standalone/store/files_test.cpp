@@ -16,19 +16,10 @@ using namespace reelhost;
 using namespace store_tests;
 namespace fs = std::filesystem;
 
-TEST(Printable, ControlCharactersAreEscapedAndAllElseStays)
-{
-  EXPECT_EQ(printable("a b\xC3\xA9~"), "a b\xC3\xA9~");
-  EXPECT_EQ(printable(std::string_view("\0\x1F\x7F\n", 4)), "\\x00\\x1f\\x7f\\x0a");
-  EXPECT_EQ(printable("\xC2\x9B"), "\xC2\\x9b"); // U+009B, a control character in two bytes
-  EXPECT_EQ(printable("\xC2\xA0\xC3\x9B\x9B"), "\xC2\xA0\xC3\x9B\x9B");
-  EXPECT_EQ(printable(""), "");
-}
-
 TEST(SystemError, NamesSubjectFactAndCause)
 {
   EXPECT_EQ(errorOf([] { throwSystemError(ErrorKind::Io, "a\nb", "cannot be read", ENOSPC); }),
-            "Io: a\\x0ab: cannot be read (No space left on device)");
+            "Io: a\\nb: cannot be read (No space left on device)");
 }
 
 TEST(WriteNewFile, MakesTheFile)

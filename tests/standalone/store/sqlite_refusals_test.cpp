@@ -412,9 +412,9 @@ TEST_F(SqliteRefusals, PathTooLongForSqlite)
 TEST_F(SqliteRefusals, ControlCharactersOfANameAreShownEscaped)
 {
   const auto project = makeSqliteStore(folder() / "a\nb\x1B[2J.reels");
-  EXPECT_EQ(project->subject(), (folder() / "a\\x0ab\\x1b[2J.reels").native());
+  EXPECT_EQ(project->subject(), (folder() / "a\\nb\\x1b[2J.reels").native());
   EXPECT_EQ(errorOf([&] { project->begin(Access::Read, noPatience); }),
-            "NotFound: " + (folder() / "a\\x0ab\\x1b[2J.reels").native() + ": no such project");
+            "NotFound: " + (folder() / "a\\nb\\x1b[2J.reels").native() + ": no such project");
 }
 
 TEST_F(SqliteRefusals, UseGoesOnAfterARefusalWithTheNextBegin)

@@ -156,6 +156,36 @@ TEST(FailAllocation, ZeroTakesItBack)
   OS()->allocator().release(p);
 }
 
+TEST(FailAllocation, WillFailUntilItDid)
+{
+  EXPECT_FALSE(reelhost::allocationWillFail());
+  reelhost::failAllocation(2);
+  OS()->allocator().release(OS()->allocator().allocate(8));
+  EXPECT_TRUE(reelhost::allocationWillFail());
+  EXPECT_EQ(OS()->allocator().allocate(8), nullptr);
+  EXPECT_FALSE(reelhost::allocationWillFail());
+}
+
+TEST(Holders, OfTextsStoragesAndObjectsAreCountedWhileTheyAreThere)
+{
+  const std::int64_t before = reelhost::holders();
+  {
+    const LightweightString<char> empty;
+    EXPECT_EQ(reelhost::holders() - before, 0) << "nothing is held without a body";
+    const LightweightString<char> text("a text");
+    const LightweightString<char> copy = text;
+    EXPECT_EQ(reelhost::holders() - before, 2);
+    CookieVec logs;
+    logs.add(Cookie("E1", false));
+    const CookieVec shared = logs;
+    EXPECT_EQ(reelhost::holders() - before, 4);
+    logs.add(Cookie("E2", false));
+    const Zr::Ptr<AssocListRep> object(new AssocListRep(false));
+    EXPECT_EQ(reelhost::holders() - before, 5);
+  }
+  EXPECT_EQ(reelhost::holders() - before, 0);
+}
+
 TEST(RefCounts, UpAndDownGiveWhatRemains)
 {
   int count = 1;

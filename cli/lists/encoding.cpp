@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/encoding.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+
+#include <utf8.h>
+
+namespace reeldb::lists {
+namespace {
+
+constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
+constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
+constexpr std::uint32_t kReplacement = 0xFFFD;
+
+std::string fromLatin1(std::string_view bytes)
+{
+  std::string text;
+  text.reserve(bytes.size() + bytes.size() / 8);
+  for (char c : bytes)
+    utf8::append(std::uint32_t{static_cast<unsigned char>(c)}, std::back_inserter(text));
+  return text;
+}
+
+/// Half a surrogate pair and half a code unit become U+FFFD.
+std::string fromUtf16(std::string_view bytes, bool bigEndian)
+{
+  auto unit = [&](std::size_t at) {
+    auto high = static_cast<unsigned char>(bytes[at + (bigEndian ? 0 : 1)]);
+    auto low = static_cast<unsigned char>(bytes[at + (bigEndian ? 1 : 0)]);
+    return static_cast<std::uint32_t>(high << 8 | low);
+  };
+  std::string text;
+  text.reserve(bytes.size());
+  std::size_t at = 0;
+  for (; at + 1 < bytes.size(); at += 2) {
+    std::uint32_t point = unit(at);
+    if (point >= 0xD800 && point <= 0xDFFF) {
+      const bool first = point < 0xDC00 && at + 3 < bytes.size();
+      const std::uint32_t second = first ? unit(at + 2) : 0;
+      if (second >= 0xDC00 && second <= 0xDFFF) {
+        point = 0x10000 + ((point - 0xD800) << 10) + (second - 0xDC00);
+        at += 2;
+      } else {
+        point = kReplacement;
+      }
+    }
+    utf8::append(point, std::back_inserter(text));
+  }
+  if (at < bytes.size())
+    utf8::append(kReplacement, std::back_inserter(text));
+  return text;
+}
+
+} // namespace
+
+std::string decode(std::string_view bytes)
+{
+  std::string text;
+  if (bytes.starts_with(kUtf16LittleMark) || bytes.starts_with(kUtf16BigMark)) {
+    text = fromUtf16(bytes.substr(2), bytes.starts_with(kUtf16BigMark));
+  } else {
+    if (bytes.starts_with(kUtf8Mark))
+      bytes.remove_prefix(kUtf8Mark.size());
+    text = utf8::is_valid(bytes.begin(), bytes.end()) ? std::string(bytes) : fromLatin1(bytes);
+  }
+  // The blanks of the last line stay: there the tabs are cells, and a blank may be the last column of a wrapped note.
+  constexpr std::string_view kPadding("\0\x1A\f \t\r\n", 7);
+  const std::size_t end = text.find_last_not_of(kPadding);
+  if (end == std::string::npos)
+    return {};
+  text.resize(std::min(text.find_first_not_of(" \t", end + 1), text.size()));
+  return text;
+}
+
+bool isUnmarkedUtf16(std::string_view bytes)
+{
+  // The letters, digits and line ends that a list begins with have a zero byte beside each.
+  constexpr std::size_t kLooked = 64;
+  const std::string_view start = bytes.substr(0, std::min(bytes.size(), kLooked) & ~std::size_t{1});
+  std::array<std::size_t, 2> zeros = {};
+  for (std::size_t i = 0; i < start.size(); ++i)
+    zeros[i % 2] += start[i] == '\0' ? 1 : 0;
+  return !start.empty() &&
+         ((zeros[0] == start.size() / 2 && zeros[1] == 0) || (zeros[1] == start.size() / 2 && zeros[0] == 0));
+}
+
+} // namespace reeldb::lists

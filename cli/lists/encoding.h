@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_LISTS_ENCODING_H
+#define REELDB_LISTS_ENCODING_H
+
+#include <string>
+#include <string_view>
+
+namespace reeldb::lists {
+
+/// The bytes as UTF-8, without byte order mark and without what pads the end: end marks (0x1A), NUL, line ends, and
+/// the blanks among these.
+///
+/// A byte order mark decides between UTF-8 and UTF-16. Bytes that are not UTF-8 are read as Latin-1, all of them.
+std::string decode(std::string_view bytes);
+
+/// Whether the bytes are plain text in UTF-16, either way round, to which the byte order mark is missing.
+bool isUnmarkedUtf16(std::string_view bytes);
+
+} // namespace reeldb::lists
+
+#endif

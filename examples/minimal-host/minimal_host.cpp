@@ -1,0 +1,399 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// All that the library asks of a host and that reeldb::host-values does not have. Read it from top to bottom, or copy
+// it and put your application in the place of the project below. docs/embedding.md tells what each operation promises.
+#include "minimal_host.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <utility>
+#include <vector>
+
+#include "MainThread.h"
+#include "host/action.h"
+#include "host/device.h"
+#include "host/events.h"
+#include "host/projdb.h"
+#include "host/project.h"
+#include "host/text.h"
+
+using Text = LightweightString<char>;
+using WideText = LightweightString<wchar_t>;
+
+// --- 1. What there is: one project, its logs, and what belongs to no project ----------------------------------------
+//
+// A log is the Edit that the library sees, the row it has in the database, and what both show. They are one object, so
+// a change is seen everywhere at once: by other openings of the log, by views, by searches.
+
+struct dbrecord::Impl {
+  const Edit::Impl& log;
+};
+
+struct Edit::Impl {
+  Zr::UUID uuid;
+  Cookie cookie{uuid, 0, 'E'};
+  int type = 0; // 9 a reel, 1 material
+  bool imported = false, entireMedium = false, original = true;
+  Text reelType;
+  int videoChannels = 0, audioChannels = 0;
+  configb config;
+  EditModificationType change{}; // what was done, once somebody says so
+  Edit edit{this};
+  dbrecord::Impl rowOfThis{*this};
+  dbrecord row{&rowOfThis};
+
+  explicit Impl(const Zr::UUID& id) : uuid(id) {}
+  const char* reelId() const { return config.in("reelid"); } // one value, by whichever way it is asked for or set
+};
+
+class oledb {};
+
+namespace {
+
+using Log = Edit::Impl;
+
+struct Project {
+  Cookie cookie;
+  int frameRate, outputFrameRate;
+  configb options;
+  std::vector<std::unique_ptr<Log>> logs; // in the order in which they were made
+
+  Log* add() {
+    static unsigned last = 0; // never given out twice: the Cookie of a log that is gone names no other
+    const unsigned number = ++last;
+    Zr::UUID uuid;
+    std::memcpy(uuid.bytes, &number, sizeof number);
+    return logs.emplace_back(std::make_unique<Log>(uuid)).get();
+  }
+};
+
+struct State {
+  std::unique_ptr<Project> project;
+  std::unique_ptr<configb> noOptions;
+  std::map<std::string, std::string> systemSettings;
+  std::vector<ProjectListener*> listeners;
+  std::mutex mutex; // of what is deferred
+  std::vector<Zr::Ptr<iExecutableAction>> deferred;
+};
+
+/// Made when it is first asked for and never destroyed: listeners come before main() and go after it.
+State& state() {
+  static State& instance = *new State;
+  return instance;
+}
+
+// Names to call the host by; there is nothing in them.
+projdb database{};
+oledb tables;
+SystemCfg systemCfg;
+ExtDeviceConfigurationManager configurations;
+
+Log* findLog(const Cookie& cookie) {
+  if (state().project)
+    for (const auto& log : state().project->logs)
+      if (log->cookie.compare(cookie) == 0)
+        return log.get();
+  return nullptr;
+}
+
+template <class Wanted> CookieVec logsWhere(const Wanted& wanted) {
+  CookieVec found;
+  for (const auto& log : state().project->logs)
+    if (wanted(*log))
+      found.add(log->cookie);
+  return found;
+}
+
+// --- 2. Events: the host tells, the library listens -----------------------------------------------------------------
+/// Tells every listener that is there now, but for those that others end meanwhile.
+template <class Event> void tell(const Event& event) {
+  const std::vector<ProjectListener*> told = state().listeners;
+  for (ProjectListener* listener : told)
+    if (const auto& there = state().listeners; std::find(there.begin(), there.end(), listener) != there.end())
+      event(*listener);
+}
+
+void tellOfModification(const Log& log, EditModificationType type) {
+  tell([&](ProjectListener& listener) { listener.handleLogModification(log.cookie, EditModification(type)); });
+}
+
+} // namespace
+
+ProjectListener::ProjectListener() { state().listeners.push_back(this); }
+ProjectListener::~ProjectListener() {
+  auto& listeners = state().listeners;
+  listeners.erase(std::remove(listeners.begin(), listeners.end(), this), listeners.end());
+}
+void ProjectListener::handleLogsModification(const CookieVec&) {}
+void ProjectListener::handleLogModification(const Cookie&, const EditModification&) {}
+void ProjectListener::handleLogsDeletion(const CookieVec&, Text) {}
+void ProjectListener::handleLogDirtied(const Cookie&) {}
+void ProjectListener::handleLogStorage(const Cookie&, bool) {}
+void ProjectListener::handleProjectEntry() {}
+void ProjectListener::handleProjectExit() {}
+
+void minimal_host::enterProject(const std::string& name, int frameRate, int outputFrameRate) {
+  leaveProject();
+  Zr::UUID uuid;
+  std::copy_n(name.begin(), std::min(name.size(), sizeof uuid.bytes), uuid.bytes);
+  state().project.reset(new Project{Cookie(uuid, 0, 'P'), frameRate, outputFrameRate, {}, {}});
+  tell([](ProjectListener& listener) { listener.handleProjectEntry(); }); // who is told can use the project already
+}
+void minimal_host::leaveProject() {
+  if (state().project)
+    tell([](ProjectListener& listener) { listener.handleProjectExit(); });
+  state().project.reset();
+}
+Cookie minimal_host::addLog(int type, const std::string& reelId) {
+  Log* const log = state().project->add();
+  log->type = type;
+  if (!reelId.empty())
+    log->config.set("reelid", reelId.c_str(), nullptr);
+  return log->cookie;
+}
+Cookie minimal_host::importClip(const std::string& reelId) {
+  Log* const clip = findLog(addLog(1, reelId));
+  clip->imported = true;
+  tellOfModification(*clip, EditModificationType(59));
+  return clip->cookie;
+}
+
+// --- 3. Threads: what any thread leaves for the main thread ---------------------------------------------------------
+int co_pid() {
+  static std::atomic<int> last{0}; // small numbers: of the system's own, 16 bits would not tell all threads apart
+  thread_local const int own = ++last;
+  return own;
+}
+void minimal_host::startUp() { glib_pid = co_pid() & 0xFFFF; } // masked, as the library compares it
+
+void defer(const Zr::Ptr<iExecutableAction>& action) {
+  const std::lock_guard lock(state().mutex);
+  state().deferred.push_back(action);
+}
+void minimal_host::runDeferred() {
+  std::unique_lock lock(state().mutex);
+  const auto actions = std::exchange(state().deferred, {});
+  lock.unlock();
+  for (const auto& action : actions) // an action may defer another: it runs without the lock
+    action->execute();
+}
+
+// --- 4. Settings ----------------------------------------------------------------------------------------------------
+// The library asks for these two while it is loaded: nothing of the program has been constructed yet.
+const char* config_string(const char*, const char* defaultValue) { return defaultValue; }
+WideText getDeviceDataDirectory(iSettings::eType) { return L"/etc/minimal-host/"; } // where reeltype.dat may be
+
+SystemCfg& SystemCfg::theConfig() { return systemCfg; }
+Text SystemCfg::get(const Text& key) const { return state().systemSettings[key.c_str()].c_str(); }
+void SystemCfg::set(const Text& key, const Text& value) { state().systemSettings[key.c_str()] = value.c_str(); }
+
+/// The first form of in() answers non-null when the key is there. All others answer 0 then, and 1 when it is not.
+struct configb::Impl {
+  std::map<std::string, std::string> texts;
+};
+configb::configb() : impl_(new Impl) {}
+configb::~configb() { delete impl_; }
+const char* configb::in(const char* key) const {
+  const auto found = impl_->texts.find(key);
+  return found == impl_->texts.end() ? nullptr : found->second.c_str();
+}
+int configb::in(const char* key, char* buffer) const {
+  if (in(key))
+    std::snprintf(buffer, 2048, "%s", in(key)); // as much as the library has room for
+  return in(key) ? 0 : 1;
+}
+int configb::in(const char* key, int& value) const {
+  if (in(key))
+    value = static_cast<int>(std::strtol(in(key), nullptr, 10));
+  return in(key) ? 0 : 1;
+}
+int configb::in(const char* key, strp_field& value) const {
+  if (in(key))
+    value.set(in(key));
+  return in(key) ? 0 : 1;
+}
+void configb::set(const char* key, const char* value, const char*) {
+  impl_->texts[key] = std::string(value ? value : ""); // by way of a copy: the value may be a text of this block
+}
+void configb::set(const char* key, const strp_field& value) { set(key, value.text(), nullptr); }
+
+// --- 5. Logs --------------------------------------------------------------------------------------------------------
+configb& Edit::config() { return impl->config; }
+const Zr::UUID& Edit::uuid() const { return impl->uuid; }
+std::uint16_t Edit::cookieTag() const { return 0; }
+char Edit::cookieKind() const { return 'E'; }
+eLogType Edit::getLogType() const { return eLogType(impl->type); }
+bool Edit::isImported() const { return impl->imported; }
+void Edit::get_reelid(strp_field& out, int, int) const { impl->config.in("reelid", out); }
+void Edit::set_reelid(int, const char* id) { impl->config.set("reelid", id, nullptr); }
+void Edit::setName(const WideText&, bool) {} // nobody asks this host for it again
+void Edit::reelType(const Text& type) { impl->reelType = type; }
+void Edit::set_entire_medium(int entire) { impl->entireMedium = entire != 0; }
+void Edit::make_original(bool original, bool) { impl->original = original; }
+void Edit::redetermineLogType() { impl->type = impl->entireMedium && !impl->original ? 9 : impl->imported ? 1 : 0; }
+void Edit::setChangeDescription(EditModificationType type, bool) { impl->change = type; }
+void Edit::setDirty(bool) {} // a host that stores its logs notes here that this one has to be stored
+int Edit::getNumChans(EditChanType type) const { return type == 1 ? impl->videoChannels : impl->audioChannels; }
+void Edit::addChan(EditChanType type, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double) {
+  ++(type == 1 ? impl->videoChannels : impl->audioChannels);
+}
+eLogType Edit::getLogTypeFromString(const Text& text) {
+  return eLogType(std::strcmp(text.c_str(), "Reel") == 0 ? 9 : std::strcmp(text.c_str(), "Material") == 0 ? 1 : 0);
+}
+
+// A handle never closes by itself. A host that stores its logs counts the openings of each, and lets go of it when the
+// last is closed; here there is nothing to do.
+EditPtr::EditPtr() : edit_(nullptr) {}
+EditPtr::~EditPtr() {}
+void EditPtr::i_open(const Cookie& cookie, eEditOpenBehaviour) {
+  Log* const log = findLog(cookie);
+  edit_ = log ? &log->edit : nullptr;
+}
+void EditPtr::i_close() { edit_ = nullptr; }
+EditPtr& EditPtr::operator=(Edit* edit) {
+  edit_ = edit;
+  return *this;
+}
+Edit* EditPtr::get() const { return edit_; }
+Edit* EditPtr::operator->() const { return edit_; }
+EditPtr::operator bool() const { return edit_ != nullptr; }
+EditInfo::EditInfo(const Cookie& cookie, eEditOpenBehaviour behaviour) { i_open(cookie, behaviour); }
+Text EditInfo::getAttrib(LogAttributes::eLogAttribute attribute) const {
+  return edit_ && attribute == 20 ? edit_->impl->reelId() : nullptr; // asked for also where the log did not open
+}
+
+// A new log is in the project from its start: all that is left to its modifier's end is to say what was done.
+EditModifier::EditModifier(Edit* edit) : edit_(edit) {}
+EditModifier::~EditModifier() {
+  try {
+    if (edit_ && edit_->impl->change != 0)
+      tellOfModification(*edit_->impl, edit_->impl->change);
+  } catch (...) { // a listener failed; a destructor has nobody to tell
+  }
+}
+Edit* EditModifier::get() const { return edit_; }
+
+// --- 6. The database ------------------------------------------------------------------------------------------------
+projdb* EditManager::getProjdb() { return state().project ? &database : nullptr; }
+EditModifier EditManager::makeNewEdit(const Cookie&) {
+  return EditModifier(state().project ? &state().project->add()->edit : nullptr);
+}
+void EditManager::updateProjdbRec(const Cookie&) {} // a row shows the log itself
+configb& EditManager::ProjOpts() {
+  state().noOptions.reset(new configb); // what is set where there is no project is gone
+  return state().project ? state().project->options : *state().noOptions;
+}
+Cookie get_project_cookie() { return state().project ? state().project->cookie : Cookie(); }
+WideText getFilenameForCookie(const Cookie& log, Cookie) { return fromUTF8(log.asString(false)); }
+int Zr::CurrentProject::getFrameRate(Revision) { return state().project ? state().project->frameRate : -1; }
+int Zr::CurrentProject::getOutputImageZRFrameRate() { return state().project ? state().project->outputFrameRate : -1; }
+
+// All reels, in their order: the library asks nothing else by numbers.
+CookieVec projdb::search(unsigned, unsigned) {
+  return logsWhere([](const Log& log) { return log.type == 9; });
+}
+
+/// What a search asks for. Only a member of Map may look behind it; the friend is how the search does.
+struct LogAttributes::Map::Impl {
+  Text reelId;
+  static const Text& of(const Map& map) { return map.impl_->reelId; }
+  friend const Text& reelIdIn(const Map& map) { return of(map); }
+};
+namespace LogAttributes {
+const Text& reelIdIn(const Map& map);
+}
+LogAttributes::Map::Map() : impl_(new Impl) {}
+LogAttributes::Map::Map(const Map& other) : impl_(new Impl(*other.impl_)) {}
+LogAttributes::Map& LogAttributes::Map::operator=(const Map& other) {
+  *impl_ = *other.impl_;
+  return *this;
+}
+LogAttributes::Map::~Map() { delete impl_; }
+void LogAttributes::Map::add(eLogAttribute, Text value) { impl_->reelId = value; } // the library asks for no other
+projdb::SearchCriteria::SearchCriteria() : first(0), second(0) {}
+
+// The shots of a reel. What is found is deleted with the reel: so never a reel itself, and nothing at all for the empty
+// identifier, which every log without a reel would match.
+CookieVec projdb::search(const SearchCriteria& criteria) {
+  const Text& id = reelIdIn(criteria.attributes);
+  return logsWhere([&](const Log& log) {
+    return !id.empty() && log.type != 9 && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
+  });
+}
+
+dbrecord* projdb::operator[](const Cookie& cookie) {
+  Log* const log = findLog(cookie);
+  return log ? &log->row : nullptr;
+}
+unsigned short projdb::findField(const char* name) const { return std::strcmp(name, "Type") == 0 ? 1 : 0; }
+const char* dbrecord::get_field(unsigned short column) const {
+  return column != 1 ? nullptr : impl->log.type == 9 ? "Reel" : impl->log.type == 1 ? "Material" : "Edit";
+}
+
+/// A view keeps the texts it shows. Copies share their body, so that costs no more than a count.
+struct ODBViewRep::Impl {
+  std::vector<Text> reelTypes;
+};
+oledb* projdb::database() { return &tables; }
+ODBViewRep::ODBViewRep(oledb*) : impl_(new Impl) {}
+ODBViewRep::~ODBViewRep() { delete impl_; }
+void ODBViewRep::displayRecordsAt(const std::vector<Cookie>& logs, int) {
+  impl_->reelTypes.clear();
+  for (const Cookie& cookie : logs)
+    if (const Log* const log = findLog(cookie))
+      impl_->reelTypes.push_back(log->reelType);
+}
+int ODBViewRep::numRows() const { return static_cast<int>(impl_->reelTypes.size()); }
+const char* ODBViewRep::cellText(int row, const char* column) const {
+  const bool shown = row >= 0 && row < numRows() && std::strcmp(column, "Reel Type") == 0;
+  return shown ? impl_->reelTypes[static_cast<std::size_t>(row)].c_str() : nullptr;
+}
+ODBView::ODBView(ODBViewRep* rep) : rep_(rep) {}
+ODBView::~ODBView() {}
+ODBViewRep* ODBView::operator->() const { return rep_.get(); }
+
+// --- 7. Texts -------------------------------------------------------------------------------------------------------
+int vorn_printf(const char* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  const int length = std::vfprintf(stderr, format, arguments);
+  va_end(arguments);
+  return length;
+}
+WideText paddedResourceStrW(ResId, const wchar_t* before, const wchar_t* after, ResStrFmt) {
+  return WideText(before) + WideText(L"Reel") + WideText(after); // asked for one text only: how reels are named
+}
+
+// --- 8. Devices: this host has none, and answers each question with nothing -----------------------------------------
+ExtDeviceConfig::ExtDeviceConfig() : impl_(nullptr) {}
+ExtDeviceConfig::ExtDeviceConfig(const ExtDeviceConfig&) : impl_(nullptr) {}
+ExtDeviceConfig& ExtDeviceConfig::operator=(const ExtDeviceConfig&) { return *this; }
+ExtDeviceConfig::~ExtDeviceConfig() {}
+StringList ExtDeviceConfig::getTapeList() const { return StringList(); }
+WideText ExtDeviceConfig::getTextName() const { return WideText(); }
+int ExtDeviceConfig::getPortType() const { return 3; }  // none
+int ExtDeviceConfig::getInputType() const { return 9; } // none: any other gives a channel to reels without a device
+int ExtDeviceConfig::getNumConnectedAudioInputs() const { return 0; }
+WideText ExtDeviceConfig::getLabelMapping() const { return WideText(); }
+void ExtDeviceConfig::setLastReel(Text) {}
+ExtDeviceConfig ExtDeviceConfigurationManager::getConfig(int) const { return ExtDeviceConfig(); }
+ExtDeviceConfig ExtDeviceConfigurationManager::getConfig(IdStamp) const { return ExtDeviceConfig(); }
+int ExtDeviceConfigurationManager::findConfigForName(const WideText&) const { return -1; }
+void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig&, bool) {}
+IdStamp ExtDeviceConfigurationManager::DeviceChangedMsgParser(const NotifyMsg&) { return IdStamp(); }
+ExtDeviceConfigurationManager& theConfigurationManager() { return configurations; }
+void resetDevices() {}
+LabelMappingSet::LabelMappingSet() : entries() {}
+bool LabelMappingSet::load(const WideText&) { // this host knows no label maps either
+  std::fill(entries, entries + numEntries, Entry());
+  return false;
+}

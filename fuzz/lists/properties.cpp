@@ -1,0 +1,307 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/properties.h"
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+#include <vector>
+
+#include <utf8.h>
+
+#include "lists/encoding.h"
+#include "lists/text.h"
+#include "support/check.h"
+
+namespace reeldb_fuzz {
+
+using namespace reeldb::lists;
+
+namespace {
+
+/// The pieces of decoded text: CR, LF and CR LF end one, and nothing after the last end is none.
+std::vector<std::string> piecesOf(const std::string& text)
+{
+  std::vector<std::string> lines;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
+    lines.push_back(text.substr(at, end - at));
+    at = end + (text.compare(end, 2, "\r\n") == 0 ? 2 : 1);
+  }
+  return lines;
+}
+
+bool isControl(char32_t point)
+{
+  return point < 0x20 || point == 0x7F;
+}
+
+bool isLatinControl(char32_t point)
+{
+  return point >= 0x80 && point < 0xA0;
+}
+
+/// Throws unless the text is UTF-8 that has neither control characters nor outer blanks.
+///
+/// What a list names may have those of Latin-1, which are letters and quotation marks where the list comes from;
+/// whoever shows it takes care of them.
+void requireClean(const std::string& text, const char* what)
+{
+  require(utf8::is_valid(text), what, "is no UTF-8", text);
+  const std::u32string points = utf8::utf8to32(text);
+  require(std::none_of(points.begin(), points.end(), isControl), what, "holds a control character", text);
+  require(text.empty() || (text.front() != ' ' && text.back() != ' '), what, "has outer blanks", text);
+}
+
+/// The same for a text that is kept as it is.
+void requireName(const std::string& text, const char* what)
+{
+  requireClean(text, what);
+  require(text.size() <= kNameBytes, what, "is too long", text);
+}
+
+/// The same for a text that is there to be shown. Each of the 1,000 bytes of a line may take four to be written.
+void requireShown(const std::string& text, const char* what)
+{
+  requireClean(text, what);
+  const std::u32string points = utf8::utf8to32(text);
+  require(std::none_of(points.begin(), points.end(), isLatinControl), what, "holds a control character", text);
+  require(text.size() <= 4003, what, "is too long", text);
+}
+
+void requireReason(const std::string& text, const char* what)
+{
+  requireShown(text, what);
+  require(!text.empty(), what, "is empty");
+}
+
+void requireTimecode(const std::string& text, const char* what)
+{
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  require(text.empty() ||
+              ((text.size() == 11 || text.size() == 12) &&
+               std::count_if(text.begin(), text.end(), isDigit) == static_cast<std::ptrdiff_t>(text.size()) - 3),
+          what, "is no timecode", text);
+}
+
+/// Sees to it that each line is one thing only.
+class Taken {
+public:
+  explicit Taken(int lines) : lines_(lines) {}
+
+  void take(int line, const char* what)
+  {
+    require(line >= 1 && line <= lines_, what, "of line", line, "which does not exist");
+    require(taken_.insert(line).second, what, "of line", line, "which is something else as well");
+  }
+
+  int count() const { return static_cast<int>(taken_.size()); }
+
+private:
+  int lines_;
+  std::set<int> taken_;
+};
+
+void requireAliases(const Clip& clip)
+{
+  std::set<std::string> seen = {fold(clip.reel)};
+  for (const std::string& alias : clip.aliases) {
+    requireName(alias, "alias");
+    require(!alias.empty(), "alias is empty");
+    require(seen.insert(fold(alias)).second, "alias is the reel or is there twice", alias);
+  }
+}
+
+void requireClip(const Clip& clip)
+{
+  requireName(clip.reel, "reel");
+  require(!clip.reel.empty(), "reel is empty");
+  static const std::set<std::string> noReels = {"AX", "BL", "BLACK", "BARS", "GEN"};
+  require(noReels.count(fold(clip.reel)) == 0, "reel is none", clip.reel);
+  require(clip.reel.find('*') == std::string::npos, "reel denotes generated material", clip.reel);
+  requireName(clip.clipName, "clip name");
+  requireName(clip.sourceFile, "source file");
+  requireName(clip.tracks, "tracks");
+  for (const std::string* timecode : {&clip.sourceIn, &clip.sourceOut, &clip.recordIn, &clip.recordOut})
+    requireTimecode(*timecode, "timecode");
+  requireAliases(clip);
+  // The longest track text that is read has 256 letters and digits.
+  require(clip.videoChannels >= 0 && clip.videoChannels <= 256, "video channels", clip.videoChannels);
+  require(clip.audioChannels >= 0 && clip.audioChannels <= 256, "audio channels", clip.audioChannels);
+}
+
+std::string flat(const std::vector<std::string>& texts)
+{
+  std::string all;
+  for (const std::string& text : texts)
+    all += "\n  " + shown(text);
+  return all;
+}
+
+/// All of a list as one text: equal lists, equal texts.
+std::string textOf(const List& list)
+{
+  std::ostringstream text;
+  text << (list.format == Format::Edl ? "EDL " : "ALE ") << shown(list.title);
+  for (const Clip& c : list.clips)
+    text << "\nclip " << c.line << ' ' << flat({c.reel, c.clipName, c.sourceFile, c.tracks, c.sourceIn, c.sourceOut})
+         << flat({c.recordIn, c.recordOut}) << " aliases" << flat(c.aliases) << "\n " << c.videoChannels << ' '
+         << c.audioChannels;
+  for (const Special& s : list.specials)
+    text << "\nspecial " << flat({s.text, s.reason}) << ' ' << s.count << ' ' << shown(s.lines);
+  for (const Rejected& r : list.rejected)
+    text << "\nrejected " << r.line << flat({r.text, r.reason});
+  for (const Warning& w : list.warnings)
+    text << "\nwarning " << w.line << flat({w.text, w.reason});
+  for (const Spelling& s : list.spellings)
+    text << "\nspelling " << flat({s.reel, s.other});
+  for (const Ambiguous& a : list.ambiguous)
+    text << "\nambiguous " << flat({a.reel, a.reason}) << " names" << flat(a.names) << " ids" << flat(a.sourceIds);
+  const Tally& t = list.tally;
+  text << "\nlines " << t.lines << ", blank " << t.blank << ", headers " << t.headers << ", notes " << t.notes
+       << ", statements " << t.statements;
+  return text.str();
+}
+
+std::string utf16Of(const std::string& text)
+{
+  std::u16string units;
+  utf8::utf8to16(text.begin(), text.end(), std::back_inserter(units));
+  std::string bytes = "\xFE\xFF";
+  for (const char16_t unit : units) {
+    bytes += static_cast<char>(unit >> 8);
+    bytes += static_cast<char>(unit & 0xFF);
+  }
+  return bytes;
+}
+
+void requireSameList(const std::string& form, const List& list, const char* what)
+{
+  const std::optional<List> other = readList(form);
+  require(other.has_value(), what, "is no list any more");
+  const std::string got = textOf(*other), wanted = textOf(list);
+  require(got == wanted, what, "is read as\n", got.c_str(), "\nand should be\n", wanted.c_str());
+}
+
+} // namespace
+
+std::optional<List> readList(const std::string& bytes)
+{
+  try {
+    List list = read(bytes);
+    require(detect(bytes) == list.format, "the format detected is not the one read");
+    return list;
+  } catch (const Error& error) {
+    requireReason(error.what(), "reason why it is no list");
+    return {};
+  }
+}
+
+std::vector<std::string> linesOf(const std::string& bytes)
+{
+  const std::string text = decode(bytes);
+  std::vector<std::string> all;
+  Lines lines(text);
+  for (std::string_view line; lines.next(line);)
+    all.emplace_back(line);
+  return all;
+}
+
+void requireSound(const List& list, const std::string& bytes)
+{
+  const std::vector<std::string> lines = piecesOf(decode(bytes));
+  requireEqual(list.tally.lines, static_cast<int>(lines.size()), "number of lines");
+  const auto isBlankLine = [](const std::string& line) {
+    return line.find_first_not_of(std::string("\0\x1A\f\t ", 5)) == std::string::npos;
+  };
+  requireEqual(list.tally.blank, static_cast<int>(std::count_if(lines.begin(), lines.end(), isBlankLine)),
+               "number of blank lines");
+  requireShown(list.title, "title");
+
+  Taken taken(list.tally.lines);
+  std::map<std::string, std::string> spelling; // of each reel, by its folded name
+  int last = 0;
+  for (const Clip& clip : list.clips) {
+    taken.take(clip.line, "clip");
+    require(clip.line > last, "clips are not in the order of their lines");
+    last = clip.line;
+    requireClip(clip);
+    requireEqual(clip.reel, spelling.try_emplace(fold(clip.reel), clip.reel).first->second, "spelling of a reel");
+  }
+  for (const Special& special : list.specials) {
+    requireShown(special.text, "text of what is no reel");
+    requireReason(special.reason, "reason why it is no reel");
+    requireEqual(special.count, static_cast<int>(special.lines.size()), "number of lines of what is no reel");
+    for (const int line : special.lines)
+      taken.take(line, "what is no reel");
+  }
+  last = 0;
+  for (const Rejected& rejected : list.rejected) {
+    taken.take(rejected.line, "rejected");
+    require(rejected.line > last, "rejected lines are not in order");
+    last = rejected.line;
+    requireReason(rejected.text, "text of a rejected line");
+    requireReason(rejected.reason, "reason for a rejected line");
+  }
+  last = 1;
+  for (const Warning& warning : list.warnings) {
+    require(warning.line >= last && warning.line <= list.tally.lines, "warnings are not in the order of their lines");
+    last = warning.line;
+    requireReason(warning.text, "text of a line that is warned of");
+    requireReason(warning.reason, "reason of a warning");
+  }
+  const Tally& tally = list.tally;
+  requireEqual(taken.count() + tally.blank + tally.headers + tally.notes + tally.statements, tally.lines,
+               "number of lines that went somewhere");
+
+  for (const Spelling& other : list.spellings) {
+    requireEqual(fold(other.other), fold(other.reel), "further spelling");
+    require(other.other != other.reel, "further spelling is the first");
+    requireEqual(other.reel, spelling[fold(other.reel)], "first spelling");
+  }
+  for (const Ambiguous& ambiguous : list.ambiguous) {
+    requireEqual(ambiguous.reel, spelling[fold(ambiguous.reel)], "ambiguous reel");
+    requireReason(ambiguous.reason, "reason of the ambiguity");
+    require(ambiguous.names.size() != 1, "a single name is not ambiguous");
+    require(ambiguous.names.size() + ambiguous.sourceIds.size() >= 2, "nothing is ambiguous");
+    for (const std::string& name : ambiguous.names)
+      requireName(name, "ambiguous name");
+    for (const std::string& id : ambiguous.sourceIds)
+      requireName(id, "id of a source");
+  }
+}
+
+void requireSameInOtherForms(const List& list, const std::string& bytes)
+{
+  const std::string text = decode(bytes);
+  require(utf8::is_valid(text), "decoded text is no UTF-8");
+  requireSameList(utf16Of(text), list, "the list in UTF-16");
+  std::string other = "\xEF\xBB\xBF";
+  for (const std::string& line : piecesOf(text))
+    other += line + "\r\n";
+  requireSameList(other, list, "the list with CR LF and a byte order mark");
+}
+
+void requireSameClips(const List& again, const List& list, bool whole)
+{
+  requireEqual(again.rejected.size(), std::size_t{0}, "rejected lines of what was written");
+  requireEqual(again.specials.size(), std::size_t{0}, "lines of what was written that are no reel");
+  requireEqual(again.clips.size(), list.clips.size(), "clips of what was written");
+  for (std::size_t i = 0; i < list.clips.size(); ++i) {
+    const Clip &got = again.clips[i], &wanted = list.clips[i];
+    requireEqual(got.reel, wanted.reel, "reel, written and read again");
+    requireEqual(got.clipName, wanted.clipName, "clip name, written and read again");
+    requireEqual(got.tracks, wanted.tracks, "tracks, written and read again");
+    requireEqual(got.sourceIn, wanted.sourceIn, "source in, written and read again");
+    requireEqual(got.sourceOut, wanted.sourceOut, "source out, written and read again");
+    requireEqual(got.recordIn, wanted.recordIn, "record in, written and read again");
+    requireEqual(got.recordOut, wanted.recordOut, "record out, written and read again");
+    if (!whole)
+      continue;
+    requireEqual(got.sourceFile, wanted.sourceFile, "source file, written and read again");
+    requireEqual(got.videoChannels, wanted.videoChannels, "video channels, written and read again");
+    requireEqual(got.audioChannels, wanted.audioChannels, "audio channels, written and read again");
+  }
+}
+
+} // namespace reeldb_fuzz

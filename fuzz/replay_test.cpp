@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Gives a fuzz target every input that is kept for it: the corpus a fuzzer starts from, and what fuzzers have found. It
+// needs no fuzzer, so every build of the tests has it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::vector<fs::path> filesIn(const char* room)
+{
+  const fs::path folder = fs::path(FUZZ_FOLDER) / room / FUZZ_TARGET;
+  std::vector<fs::path> files;
+  if (fs::exists(folder))
+    std::copy(fs::directory_iterator(folder), fs::directory_iterator(), std::back_inserter(files));
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+void replay(const std::vector<fs::path>& files)
+{
+  for (const fs::path& file : files) {
+    std::cout << file.native() << std::endl; // seen when the target takes the process with it
+    std::ifstream in(file, std::ios::binary);
+    ASSERT_TRUE(in) << file << ": cannot be opened";
+    const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    // In a buffer of its own, at the end of which a reader that goes too far is caught.
+    const std::vector<std::uint8_t> data(bytes.begin(), bytes.end());
+    try {
+      EXPECT_EQ(LLVMFuzzerTestOneInput(data.data(), data.size()), 0) << file;
+    } catch (const std::exception& broken) {
+      ADD_FAILURE() << file << ":\n" << broken.what();
+    }
+  }
+}
+
+TEST(Replay, CorpusHolds)
+{
+  const std::vector<fs::path> files = filesIn("corpus");
+  ASSERT_FALSE(files.empty()) << "no corpus: fuzz/corpus/" << FUZZ_TARGET;
+  replay(files);
+}
+
+TEST(Replay, WhatWasFoundIsFoundNoMore)
+{
+  replay(filesIn("findings"));
+}
+
+TEST(Replay, NothingAtAllHolds)
+{
+  EXPECT_EQ(LLVMFuzzerTestOneInput(nullptr, 0), 0);
+}
+
+} // namespace

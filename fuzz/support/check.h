@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How a fuzz target says that something is not as it should be: it throws. A fuzzer takes that for a finding, and the
+// test that replays the corpus for a failure.
+#ifndef REELDB_FUZZ_SUPPORT_CHECK_H
+#define REELDB_FUZZ_SUPPORT_CHECK_H
+
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace reeldb_fuzz {
+
+class Broken : public std::logic_error {
+public:
+  using std::logic_error::logic_error;
+};
+
+template <class T>
+std::string shown(const T& value)
+{
+  if constexpr (std::is_integral_v<T>)
+    return std::to_string(value);
+  std::ostringstream text;
+  text << value;
+  return text.str();
+}
+
+/// A word.
+inline std::string shown(const char* word)
+{
+  return word;
+}
+
+/// In quotes, with every byte that is no plain ASCII as \xNN.
+inline std::string shown(const std::string& value)
+{
+  static const char digits[] = "0123456789abcdef";
+  std::string text = "\"";
+  for (const char c : value) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= 0x20 && byte < 0x7F)
+      text += c;
+    else
+      text.append("\\x").append(1, digits[byte >> 4]).append(1, digits[byte & 15]);
+  }
+  return text + "\"";
+}
+
+template <class T>
+std::string shown(const std::vector<T>& values)
+{
+  std::string text = "[";
+  for (const T& value : values)
+    text += (text.size() > 1 ? ", " : "") + shown(value);
+  return text + "]";
+}
+
+/// Throws Broken, with @p parts one after the other, unless the condition holds: words as they are (const char*),
+/// values as shown. Nothing is put together before it is needed.
+template <class... Parts>
+void require(bool holds, const Parts&... parts)
+{
+  if (holds)
+    return;
+  std::string text;
+  ((text += (text.empty() ? "" : " ") + shown(parts)), ...);
+  throw Broken(text);
+}
+
+template <class Got, class Wanted, class... Parts>
+void requireEqual(const Got& got, const Wanted& wanted, const Parts&... what)
+{
+  require(got == wanted, what..., "is", got, "and should be", wanted);
+}
+
+} // namespace reeldb_fuzz
+
+#endif

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The program as its users meet it.
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+
+#include <nlohmann/json.hpp>
+
+#include "cli/process.h"
+
+using reeldb_tests::ProcessResult;
+using reeldb_tests::runProcess;
+
+namespace {
+
+ProcessResult check(std::vector<std::string> words)
+{
+  words.insert(words.begin(), HOST_CHECK);
+  return runProcess(words);
+}
+
+bool holds(const std::string& text, const std::string& part)
+{
+  return text.find(part) != std::string::npos;
+}
+
+} // namespace
+
+TEST(HostCheck, TheStandaloneHostHasAll)
+{
+  const ProcessResult result = check({STANDALONE_HOST, HOST_VALUES});
+  EXPECT_EQ(result.code, 0) << result.out << result.err;
+  EXPECT_TRUE(holds(result.out, "symbols that it asks of a host are there\n")) << result.out;
+  EXPECT_EQ(result.err, "");
+}
+
+TEST(HostCheck, WithoutItsValuesAHostIsNotWhole)
+{
+  const ProcessResult result = check({STANDALONE_HOST});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_TRUE(holds(result.out, "\nmissing:\n  Array::Array()\n")) << result.out;
+  EXPECT_FALSE(holds(result.out, "  co_pid()\n")) << result.out;
+  EXPECT_TRUE(holds(result.out, "needs libreelhostvalues.so.14 (name it, too, if it is a part of the host)\n"))
+      << result.out;
+}
+
+TEST(HostCheck, TheValuesAloneAreNoHost)
+{
+  const ProcessResult result = check({HOST_VALUES});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_TRUE(holds(result.out, "\n  co_pid()\n")) << result.out;
+  EXPECT_FALSE(holds(result.out, "Array::Array()")) << result.out;
+  EXPECT_FALSE(holds(result.out, "with other parameters")) << result.out;
+}
+
+TEST(HostCheck, MistakesAreToldApart)
+{
+  const ProcessResult result = check({BROKEN_HOST, HOST_VALUES});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_TRUE(holds(result.out, "there with other parameters only:\n"
+                                "  Edit::isImported() const\n"
+                                "      there is: Edit::isImported()\n"
+                                "  Edit::setDirty(bool)\n"
+                                "      there is: Edit::setDirty(int)\n"))
+      << result.out;
+  EXPECT_TRUE(holds(result.out, "\n  Edit::make_original(bool, bool)\n")) << result.out;
+  EXPECT_FALSE(holds(result.out, "co_pid")) << result.out;
+}
+
+TEST(HostCheck, AsJsonItCanBeRead)
+{
+  const ProcessResult result = check({"--json", BROKEN_HOST, HOST_VALUES});
+  EXPECT_EQ(result.code, 1);
+  const auto json = nlohmann::json::parse(result.out);
+  EXPECT_EQ(json["hosts"], nlohmann::json({BROKEN_HOST, HOST_VALUES}));
+  EXPECT_GT(json["asked"], json["unmet"].size());
+  int others = 0;
+  for (const auto& unmet : json["unmet"])
+    others += static_cast<int>(unmet["others"].size());
+  EXPECT_EQ(others, 2);
+}
+
+TEST(HostCheck, AnotherLibraryMayBeNamed)
+{
+  // The values ask nothing of a host but what they have themselves.
+  const ProcessResult result = check({"--library", HOST_VALUES, HOST_VALUES});
+  EXPECT_EQ(result.code, 0) << result.out << result.err;
+  EXPECT_EQ(result.out.rfind(std::string(HOST_VALUES) + ": all ", 0), 0u) << result.out;
+}
+
+TEST(HostCheck, WhatCannotBeReadIsNotChecked)
+{
+  const ProcessResult gone = check({"no/such/lib.so"});
+  EXPECT_EQ(gone.code, 2);
+  EXPECT_EQ(gone.err, "reeldb-host-check: no/such/lib.so: cannot be opened (No such file or directory)\n");
+  EXPECT_EQ(gone.out, "");
+  EXPECT_EQ(check({"/"}).err, "reeldb-host-check: /: is a folder\n");
+  EXPECT_EQ(check({"--library", "/proc/self/status", HOST_VALUES}).code, 2);
+}
+
+TEST(HostCheck, ALineThatMakesNoSenseIsNotChecked)
+{
+  EXPECT_EQ(check({}).code, 2);
+  EXPECT_EQ(check({"--no-such-option", HOST_VALUES}).code, 2);
+}
+
+TEST(HostCheck, TheManualPageHasEveryOptionOfTheHelp)
+{
+  std::ifstream file(MANUAL_PAGE);
+  const std::string page{std::istreambuf_iterator<char>(file), {}};
+  const std::string help = check({"--help"}).out;
+  int options = 0;
+  for (std::size_t at = help.find("--"); at != std::string::npos; at = help.find("--", at + 2)) {
+    const std::string name = help.substr(at + 2, help.find_first_of(" \n", at) - at - 2);
+    EXPECT_TRUE(holds(page, "\\-\\-" + name)) << name;
+    ++options;
+  }
+  EXPECT_EQ(options, 3);
+}
+
+TEST(HostCheck, TheHelpTellsTheExitCodes)
+{
+  const ProcessResult result = check({"--help"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_TRUE(holds(result.out, "Exit code: 0 all are there, 1 some are not, 2 it could not be checked.\n"))
+      << result.out;
+  EXPECT_EQ(result.err, "");
+}

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "host_check/dynamic_symbols.h"
+#include "host_check/report.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int allThere = 0, somethingMissing = 1, notChecked = 2;
+
+/// The library that this program was installed with, or built with.
+fs::path libraryBeside()
+{
+  const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
+  for (const char* const place : {REELDB_LIBRARY_FOLDER, "../lib"}) {
+    const fs::path file = (folder / place / REELDB_LIBRARY).lexically_normal();
+    if (fs::exists(file))
+      return file;
+  }
+  throw std::runtime_error(folder.string() + ": " REELDB_LIBRARY " not found (looked in " REELDB_LIBRARY_FOLDER
+                                             " and ../lib from there; --library names one)");
+}
+
+/// Whether the library is the compiler's runtime or the system's: no part of any host.
+bool isRuntime(const std::string& library)
+{
+  for (const char* const name : {"libstdc++.so", "libgcc_s.so", "libm.so", "libc.so", "libc++", "libpthread.so",
+                                 "libdl.so", "librt.so", "ld-linux", "libasan.so", "libtsan.so", "libubsan.so"})
+    if (library.rfind(name, 0) == 0)
+      return true;
+  return false;
+}
+
+/// What libraries are named by, in each other and on the command line: the file name, and what links lead to.
+std::vector<std::string> namesOf(const std::vector<std::string>& files)
+{
+  std::vector<std::string> names;
+  for (const std::string& file : files) {
+    names.push_back(fs::path(file).filename().string());
+    names.push_back(fs::weakly_canonical(file).filename().string());
+  }
+  return names;
+}
+
+host_check::Report check(const fs::path& library, const std::vector<std::string>& hosts)
+{
+  host_check::Report report;
+  report.library = library.string();
+  report.hosts = hosts;
+  const std::vector<std::string> known = namesOf(hosts);
+  std::set<std::string> offered;
+  for (const std::string& host : hosts) {
+    host_check::DynamicSymbols symbols = host_check::readDynamicSymbols(host);
+    offered.merge(symbols.offered);
+    for (const std::string& needed : symbols.libraries) {
+      // libx.so.14 may have been named as libx.so.14.0.0, or the other way round.
+      const auto isIt = [&](const std::string& name) {
+        return name.rfind(needed, 0) == 0 || needed.rfind(name, 0) == 0;
+      };
+      if (!isRuntime(needed) && needed != REELDB_LIBRARY && std::none_of(known.begin(), known.end(), isIt))
+        report.notLookedAt.push_back(host + " needs " + needed);
+    }
+  }
+  const std::set<std::string> asked = host_check::readDynamicSymbols(library).asked;
+  report.asked = asked.size();
+  report.unmet = host_check::unmet(asked, offered);
+  return report;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+  CLI::App app(
+      "Says which symbols the reel database asks of a host and does not get, and which are there with other\n"
+      "parameters only. Results, layouts and the order of virtual functions are no part of a symbol: the host\n"
+      "contract suite is for these.",
+      "reeldb-host-check");
+  std::vector<std::string> hosts;
+  std::string library;
+  bool json = false;
+  app.add_option("LIB", hosts, "the libraries that make up the host; a program that is a host will do, too")
+      ->required()
+      ->type_name("");
+  app.add_option("--library", library, "the reel database; by default the one this program came with")
+      ->type_name("FILE");
+  app.add_flag("--json", json, "answer as JSON");
+  app.footer("Exit code: 0 all are there, 1 some are not, 2 it could not be checked.");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& e) {
+    return app.exit(e) == 0 ? allThere : notChecked;
+  }
+  try {
+    const host_check::Report report = check(library.empty() ? libraryBeside() : fs::path(library), hosts);
+    std::fputs((json ? asJson(report) : asText(report)).c_str(), stdout);
+    if (std::fflush(stdout) != 0)
+      throw std::runtime_error("standard output: cannot be written");
+    return report.unmet.empty() ? allThere : somethingMissing;
+  } catch (const std::exception& e) {
+    std::fprintf(stderr, "reeldb-host-check: %s\n", e.what());
+    return notChecked;
+  }
+}

@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_HOST_CHECK_REPORT_H
+#define REELDB_HOST_CHECK_REPORT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "host_check/compare.h"
+
+namespace host_check {
+
+struct Report {
+  std::string library;            ///< the reel database that asks
+  std::vector<std::string> hosts; ///< the files that were looked at
+  std::size_t asked = 0;          ///< how many symbols the library asks of a host
+  std::vector<Unmet> unmet;
+  /// Libraries that a host names as needed and that were not looked at: "libx.so needs liby.so".
+  std::vector<std::string> notLookedAt;
+};
+
+std::string asText(const Report& report); ///< for people; ends in a newline
+std::string asJson(const Report& report); ///< one object, with a newline at its end
+
+} // namespace host_check
+
+#endif
