@@ -22,6 +22,8 @@ public:
   virtual void disarm() = 0;            ///< happened stays what it is
 
   virtual bool throws() const { return true; } ///< whether the operation ends in an exception
+  /// Whether the host may keep it to itself, if everything comes out as it would have without.
+  virtual bool hostMayDoWithout() const { return false; }
   /// Whether it is the one that was thrown: type and value. Empty when it is, else what it is.
   virtual std::string differs(const std::exception_ptr& thrown) const = 0;
   virtual bool isJournaled() const { return true; } ///< whether the journal may be on meanwhile
@@ -56,10 +58,11 @@ private:
   bool happened_ = false, armed_ = false;
 };
 
-/// The n-th request for memory is refused.
+/// The n-th request for memory is refused. A host may have wanted it for something it can make again.
 class AllocationFails final : public FaultKind {
 public:
   const char* name() const override { return "allocations that failed"; }
+  bool hostMayDoWithout() const override { return true; }
   void arm(std::int64_t n) override;
   bool happened() const override;
   void disarm() override;

@@ -59,8 +59,8 @@ public:
   CookieSet logSet;
   IdStamp stamp;
   std::optional<CreateNewReelAction> action;
-  reelhost::Script& hostScript = reelhost::Script::the();
-  Text typeFile; ///< path of a type file with all kinds of records
+  reelhost::Script& hostScript = reelhost::Script::the(); ///< to be asked without being watched from then on
+  Text typeFile;                                          ///< path of a type file with all kinds of records
 
   // --- What it answers
   std::variant<std::monostate, bool, int, Text, Wide, Cookie, CookieVec> answer;
@@ -84,9 +84,8 @@ public:
   State state();
   std::string nameOf(const Cookie& log) const;                            ///< what this scene calls a log
   static std::string difference(const State& before, const State& after); ///< a line for each value that differs
-  /// The manager's reel list, as names in their order.
-  std::string reelList();
-  std::string reelsOfTheDatabase();
+  std::string reelList();                                                 ///< the manager's, as names in their order
+  std::string reelsOfTheDatabase();                                       ///< likewise
 
   std::function<bool()> faultHappened; ///< asked when the host reports a change
 
@@ -95,17 +94,16 @@ protected:
   ~Scene() override;
 
 private:
+  static void forgetManager();
   void addLogs();
   void clearAnswers();
-  void (*fill_)(Scene&) = nullptr;
-  static void forgetManager();
-
   std::vector<Cookie> allLogs() const;
   std::string withNames(std::string lines) const; ///< each Cookie written as the name of its log
 
   TempDir folder_;
   reelhost::Facility facility_;
-  std::map<std::string, Cookie> logs_;
+  std::map<std::string, Cookie> logs_; ///< by what this scene calls them
+  void (*fill_)(Scene&) = nullptr;
   std::optional<ReportWatch> firstWatch_, lastWatch_;
 };
 
