@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check fuzz mutate bench package package-test abi-check abi-baseline clean
+.PHONY: run test check check-long asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline clean
 JOBS ?= $(shell nproc)
 
 # $(call build,PRESET): configures and builds one preset
@@ -22,14 +22,47 @@ test: ## build and pass every test
 	cmake --build --preset release -j $(JOBS)
 	ctest --preset release
 
-check: test ## test again under the sanitizers and with the second compiler
+check: test asan coverage threads instructions abi-check ## all of it, in minutes: sanitizers, coverage, counts, ABI, fuzzing, mutants
+	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
+	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
+
+check-long: check ## all of it, in hours: what docs/reliability.md has its figures from
+	REELDB_LONG_TESTS=1 ctest --preset release
+	$(call build,tsan)
+	ctest --preset tsan
+	sh scripts/memcheck.sh build/release
+	@FUZZ_SECONDS=300 $(MAKE) --no-print-directory fuzz
+	@$(MAKE) --no-print-directory mutate
+	@$(MAKE) --no-print-directory package-test
+
+asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check
 	$(call build,asan)
 	ctest --preset asan
-	$(call build,tsan)
-	ctest --preset tsan
-	$(call build,clang-release)
-	ctest --preset clang-release
+
+coverage: ## test with the second compiler and see which lines and branches the tests run
+	@sh scripts/setup.sh check
+	$(call build,coverage)
+	rm -rf build/coverage/profiles
+	ctest --preset coverage
+	python3 scripts/coverage.py build/coverage
+
+threads: ## test what runs on several threads with ThreadSanitizer
+	@sh scripts/setup.sh check
+	cmake --preset tsan >/dev/null
+	cmake --build --preset tsan -j $(JOBS) --target reeldb_test_changes reeldb_test_faults values_test
+	cd build/tsan && for test in reeldb_test_changes values_test; do ./bin/$$test --gtest_brief=1 || exit 1; done
+	cd build/tsan && ./bin/reeldb_test_faults --gtest_brief=1 --gtest_filter='Worker*'
+
+instructions: ## compare the library's instruction counts with the stored ones
+	@sh scripts/setup.sh bench
+	$(call build,bench)
+	python3 scripts/instructions.py build/bench
+
+instructions-baseline: ## store the instruction counts as they are now
+	@sh scripts/setup.sh bench
+	$(call build,bench)
+	python3 scripts/instructions.py build/bench --renew
 
 fuzz: ## look for inputs that break something, FUZZ_SECONDS (20) for each target
 	@sh scripts/setup.sh check
