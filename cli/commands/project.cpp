@@ -98,11 +98,30 @@ ExitCode compact(const CompactOptions& options, const Globals& globals)
   return done;
 }
 
+struct CheckOptions {
+  bool json = false;
+};
+
+ExitCode check(const CheckOptions& options, const Globals& globals)
+{
+  const reelhost::Facility& facility = requireFacility();
+  const std::string name = requireProject(globals);
+  const std::vector<std::string> problems = reelhost::makeSqliteStore(facility.projectFile(name))->check();
+  if (options.json)
+    printJson({{"project", name}, {"sound", problems.empty()}, {"problems", problems}});
+  else if (problems.empty())
+    print(fmt::format("{}: sound\n", displayText(name)));
+  else
+    for (const std::string& problem : problems)
+      print(fmt::format("{}: {}\n", displayText(name), displayText(problem)));
+  return problems.empty() ? done : unreadable;
+}
+
 } // namespace
 
 void addProject(CommandLine& line)
 {
-  CLI::App& group = line.addGroup("project", "Make, list or compact projects", "reeldb project list");
+  CLI::App& group = line.addGroup("project", "Make, list, check or compact projects", "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
   CLI::App& newApp = line.add(group,
@@ -122,6 +141,16 @@ void addProject(CommandLine& line)
                                 .examples = {"reeldb project list", "reeldb project list --json"}},
                                [listOptions](const Globals&) { return list(*listOptions); });
   takeJson(listApp, listOptions->json);
+
+  const auto checkOptions = std::make_shared<CheckOptions>();
+  CLI::App& checkApp =
+      line.add(group,
+               {.name = "check",
+                .description = "Look a project's file over from its first page to its last",
+                .examples = {"reeldb project check"},
+                .details = "Says that it is sound, or names each fault and ends with exit code 3. Changes nothing."},
+               [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
+  takeJson(checkApp, checkOptions->json);
 
   const auto compactOptions = std::make_shared<CompactOptions>();
   CLI::App& compactApp =

@@ -116,6 +116,7 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb project",
                           "reeldb project new",
                           "reeldb project list",
+                          "reeldb project check",
                           "reeldb project compact",
                           "reeldb import",
                           "reeldb list",

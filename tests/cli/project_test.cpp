@@ -128,4 +128,39 @@ TEST_F(ProjectCommand, ListTellsADamagedProjectAndGoesOn)
   EXPECT_FALSE(list.at(1).contains("fault"));
 }
 
+TEST_F(ProjectCommand, CheckOfASoundProjectSaysSoAndChangesNothing)
+{
+  output({"create", "A1"});
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"project", "check"}), "main: sound\n");
+  EXPECT_EQ(json({"project", "check", "--json"}),
+            (Json{{"project", "main"}, {"sound", true}, {"problems", Json::array()}}));
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ProjectCommand, CheckOfADamagedProjectNamesTheFault)
+{
+  for (int i = 0; i < 40; ++i)
+    output({"create", numbered("R", static_cast<std::size_t>(i))});
+  std::string bytes = readFile("projects/main.reels");
+  ASSERT_GT(bytes.size(), 3 * 4096u);
+  bytes.replace(bytes.size() - 4096, 4096, 4096, 'x');
+  dir_.write("projects/main.reels", bytes);
+  const ProcessResult result = reeldb({"project", "check", "--json"});
+  EXPECT_EQ(result.code, 3);
+  const Json json = Json::parse(result.out);
+  EXPECT_EQ(json.at("sound"), false);
+  EXPECT_FALSE(json.at("problems").empty());
+  const ProcessResult shown = reeldb({"project", "check"});
+  EXPECT_EQ(shown.code, 3);
+  EXPECT_EQ(shown.out.substr(0, 6), "main: ");
+}
+
+TEST_F(ProjectCommand, CheckOfNoProjectIsRefused)
+{
+  const ProcessResult result = reeldb({"-p", "nosuch", "project", "check"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.err.find("nosuch: no such project"), std::string::npos) << result.err;
+}
+
 } // namespace
