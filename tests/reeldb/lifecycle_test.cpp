@@ -483,7 +483,7 @@ TEST_F(Lifecycle, NewManagerHasReadNothing)
 
   // In memory that was used before: what is not set shows.
   struct InPlace {
-    void operator()(ReelDbManager* made) const { made->~ReelDbManager(); }
+    void operator()(ReelDbManager* made) const { made->ReelDbManager::~ReelDbManager(); }
   };
   alignas(ReelDbManager) unsigned char place[sizeof(ReelDbManager)];
   std::fill(std::begin(place), std::end(place), static_cast<unsigned char>(0xAA));
