@@ -68,13 +68,13 @@ def measure(build, root, tools):
     for line in run(*common[:2], "-format=lcov", *common[2:]).splitlines():
         tag, _, rest = line.partition(":")
         if tag == "SF":
-            name = str(pathlib.Path(rest).relative_to(root))
+            name = str(pathlib.Path(rest).resolve().relative_to(root))
         elif tag == "DA":
             number, count = rest.split(",")[:2]
             lines = sources[name].lines
             lines[int(number)] = lines.get(int(number), 0) + int(count)
     for file in json.loads(run(*common[:2], "-format=text", *common[2:]))["data"][0]["files"]:
-        source = sources[str(pathlib.Path(file["filename"]).relative_to(root))]
+        source = sources[str(pathlib.Path(file["filename"]).resolve().relative_to(root))]
         for first, column, last, end, taken, not_taken, *_ in file["branches"]:
             counts = source.branches[(first, column, last, end)]
             counts[0] += taken

@@ -263,7 +263,7 @@ TEST_F(LabelMaps, ProjectTestAsksForTheProjectsRateNotTheOutputs)
 TEST_F(LabelMaps, MapThatCannotBeLoadedFitsNoDeviceAndSaysSo)
 {
   map({});
-  EXPECT_EQ(callsOf([this] { EXPECT_FALSE(map_file_is_compatible_with_device(L"gone", IdStamp(101))); }),
+  EXPECT_EQ(callsOf([] { EXPECT_FALSE(map_file_is_compatible_with_device(L"gone", IdStamp(101))); }),
             (Texts{"LabelMappingSet::load(\"gone\") -> false",
                    "vorn_printf(\"Invalid label mapping file name <gone>\\n\")"}));
 }
