@@ -39,17 +39,19 @@ TEST_F(WorkerCreation, EveryReelIsThereOnceWhileTheMainThreadRunsTheQueue)
   const RecordingClient client(heard);
   std::atomic<int> atWork = workers;
   std::atomic<int> valid = 0;
+  std::atomic<int> runsWithWorkers = 0;
   std::vector<std::thread> threads;
   for (int worker = 0; worker < workers; ++worker)
     threads.emplace_back([&, worker] {
       for (int i = 0; i < reelsOfEach; ++i) {
+        while (i == reelsOfEach / 2 && runsWithWorkers == 0) // so that the main thread surely has to do while they work
+          std::this_thread::yield();
         const LightweightString<char> id = idOf(worker, i).c_str();
         valid += manager().createNewReel(id, -1).valid();
       }
       --atWork;
     });
   int run = 0;
-  int runsWithWorkers = 0;
   while (atWork > 0) {
     const int now = reelhost::runDeferredActions();
     run += now;
