@@ -30,7 +30,7 @@ void warnNoParameters(ReelTypeManager& catalogue, const char* name, int line)
 {
   char text[bufferSize];
   const int length = std::snprintf(text, sizeof text, "ReelTypeList Warning: %s: no parameters. Line %d\n", name, line);
-  if (length < 0 || static_cast<std::size_t>(length) >= sizeof text)
+  if (static_cast<std::size_t>(length) >= sizeof text) // also when it is negative
     std::abort();
   catalogue.errMsg(text);
 }

@@ -452,6 +452,21 @@ TEST_F(Catalogue, AllNamesWithoutMemoryGiveAWholeListSoFar)
 // --- StringRec
 // ----------------------------------------------------------------------------------------------------------
 
+TEST_F(Catalogue, WithoutAListEndsQuietly)
+{
+  class Emptied : public ReelTypeManager {
+  public:
+    Emptied() { rep_ = nullptr; }
+    bool hasList() const { return rep_.get() != nullptr; }
+  };
+  const std::int64_t before = reelhost::holders();
+  {
+    const Emptied emptied;
+    EXPECT_FALSE(emptied.hasList());
+  }
+  EXPECT_EQ(reelhost::holders(), before);
+}
+
 TEST(ElementOfAStringList, ComparesByteByByte)
 {
   const StringRec upper("Tape"), lower("tape"), same("Tape"), empty(""), none((LightweightString<char>()));
