@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <set>
+
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "LabelMaps.h"
 #include "commands/commands.h"
@@ -8,6 +11,7 @@
 #include "module/failure.h"
 #include "module/host_text.h"
 #include "module/label_map.h"
+#include "module/project_file.h"
 #include "module/reel.h"
 #include "module/session.h"
 #include "module/table.h"
@@ -57,6 +61,17 @@ struct CheckOptions {
   bool json = false;
 };
 
+/// What the map counts in, against what the project counts in: why the one does not fit the other.
+std::string whyNotThisProject(const reelhost::Facility& facility, const std::string& map)
+{
+  std::set<std::string> formats;
+  for (const reelhost::LabelMapEntry& entry : reelhost::readLabelMap(labelMapFile(facility, map)))
+    if (entry.inUse)
+      formats.insert(reelhost::labelFormatWord(entry.format));
+  return fmt::format("the project runs at {} fps, the labels it reads are {}",
+                     frameRateName(facility, reelhost::projectInfo().frameRate), fmt::join(formats, ", "));
+}
+
 ExitCode check(const CheckOptions& options, const Globals& globals)
 {
   const reelhost::Facility& facility = requireFacility();
@@ -69,8 +84,11 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
   // The library prints the one line that says why not.
   const bool fitsDevice = !device || map_file_is_compatible_with_device(map, IdStamp(device->id));
   const bool vitc = map_file_uses_vitc(map);
+  const std::string why = fitsProject ? "" : whyNotThisProject(facility, options.map);
   if (options.json) {
     Json json = {{"name", options.map}, {"uses_vitc", vitc}, {"fits_project", fitsProject}};
+    if (!fitsProject)
+      json["why"] = why;
     if (device) {
       json["device"] = device->number;
       json["fits_device"] = fitsDevice;
@@ -78,7 +96,8 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
     printJson(json);
   } else {
     const std::string name = displayText(options.map);
-    print(fmt::format("{}: {} the project's frame rate\n", name, fitsProject ? "fits" : "does not fit"));
+    print(fmt::format("{}: {} the project's frame rate{}\n", name, fitsProject ? "fits" : "does not fit",
+                      fitsProject ? "" : " (" + why + ")"));
     if (device)
       print(
           fmt::format("{}: {} the device {}\n", name, fitsDevice ? "fits" : "does not fit", displayText(device->name)));

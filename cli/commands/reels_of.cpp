@@ -3,6 +3,7 @@
 #include <map>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "commands/commands.h"
 #include "module/counted.h"
@@ -32,14 +33,23 @@ struct Need {
   std::optional<Reel> reel;
 };
 
-/// What stands in the way of using the reel; empty when nothing does.
-std::string trouble(const Need& need)
+/// Everything that stands in the way of using the reel; empty when nothing does.
+std::vector<std::string> troubles(const Need& need)
 {
   if (!need.reel)
-    return "missing";
+    return {"missing"};
+  std::vector<std::string> troubles;
   if (!need.reel->available)
-    return "unavailable";
-  return isListedType(need.reel->type) ? "" : "unknown type";
+    troubles.push_back("unavailable");
+  if (!isListedType(need.reel->type))
+    troubles.push_back("unknown type");
+  return troubles;
+}
+
+std::string stateOf(const Need& need)
+{
+  const std::vector<std::string> found = troubles(need);
+  return found.empty() ? "ready" : fmt::format("{}", fmt::join(found, ", "));
 }
 
 class Needs {
@@ -92,10 +102,9 @@ void addClips(const std::vector<std::string>& names, Needs& needs)
 
 Json toJson(const Need& need)
 {
-  const std::string fault = trouble(need);
   return {{"id", need.id},
           {"shots", need.shots},
-          {"state", fault.empty() ? "ready" : fault},
+          {"state", stateOf(need)},
           {"type", need.reel ? need.reel->type : ""},
           {"bin", need.reel ? need.reel->bin : ""}};
 }
@@ -110,7 +119,7 @@ void report(const Options& options, const std::vector<Need>& needs)
     const Json& entry = json.back();
     const std::string type = entry.at("type");
     table.add({need.id, std::to_string(need.shots), entry.at("state"), type.empty() ? "-" : type, entry.at("bin")});
-    ready += trouble(need).empty();
+    ready += troubles(need).empty();
   }
   if (options.json) {
     printJson(json);
@@ -121,8 +130,15 @@ void report(const Options& options, const std::vector<Need>& needs)
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), ready));
 }
 
-void tellRejected(const std::string& file, const lists::List& list)
+/// What of the list is in no reel: sources that are none, or that nobody can tell, and lines that could not be read.
+void tellTheRest(const std::string& file, const lists::List& list)
 {
+  for (const lists::Special& special : list.specials)
+    complain(fmt::format("{}: {} needs no reel: {} ({}, {} {})", file, special.text, special.reason,
+                         counted(special.count, "clip"), special.lines.size() == 1 ? "line" : "lines",
+                         fmt::join(special.lines, ", ")));
+  for (const lists::Warning& line : list.warnings)
+    complain(fmt::format("{}: line {}: {} ({})", file, line.line, line.reason, line.text));
   for (const lists::Rejected& line : list.rejected)
     complain(fmt::format("{}: line {} rejected: {} ({})", file, line.line, line.reason, line.text));
 }
@@ -163,7 +179,7 @@ ExitCode run(const Options& options, const Globals& globals)
   if (!needs.all().empty())
     report(options, needs.all());
   if (list)
-    tellRejected(*options.file, *list);
+    tellTheRest(*options.file, *list);
   if (needs.all().empty())
     tellNothingFound(options, session);
   return list && !list->rejected.empty() ? incomplete : done;
@@ -179,8 +195,9 @@ void addReelsOf(CommandLine& line)
        .description = "List the reels that shots or a list need, and which of them are not ready",
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
                     "reeldb reels-of --file evening.edl --json"},
-       .details = "A reel is missing (no record of it), unavailable, of unknown type, or ready. A list need not have\n"
-                  "been imported."},
+       .details =
+           "A reel is missing (no record of it), unavailable, of unknown type, the last two perhaps at once, or\n"
+           "ready. A list need not have been imported; what of it is in no reel is told on standard error."},
       [options](const Globals& globals) { return run(*options, globals); });
   takeTexts(app, "CLIP", options->clips, "Clip names of shots in the project")->type_name("");
   takeText(app, "--reel", options->reel, "The shots recorded from this reel")->type_name("ID");

@@ -213,13 +213,15 @@ void addWatch(CommandLine& line)
       {.name = "watch",
        .description = "Show changes to the reels as they are made",
        .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json"},
-       .details = "Hears of what any program commits to the project, and keeps none of them waiting. A line each:\n"
-                  "  new REEL, changed REEL, gone REEL   what the change came to\n"
-                  "  renamed REEL from OLD               the reel is called REEL now\n"
-                  "  database                            the reels were read anew\n"
-                  "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set\n"
-                  "With --reel it tells of that reel alone, follows it when it is renamed, and waits for one of its\n"
-                  "name when it is gone."},
+       .details =
+           "Hears of what any program commits to the project, and keeps none of them waiting. A line each:\n"
+           "  new REEL, changed REEL, gone REEL   what the change came to\n"
+           "  renamed REEL from OLD               the reel is called REEL now\n"
+           "  database                            the reels were read anew\n"
+           "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set by this\n"
+           "                                      process; other processes are told by the lines above\n"
+           "With --reel it tells of that reel alone, follows it when it is renamed, and waits for one of its\n"
+           "name when it is gone."},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "--reel", options->reel, "The only reel of interest; it has to be there")->type_name("ID");
   takeText(app, "--for", options->seconds, "End after so many seconds")->type_name("SECONDS");

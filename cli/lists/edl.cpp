@@ -285,11 +285,12 @@ void Reader::decide(const EventSource& source, Digits digits)
   clip.reel = reel;
   if (!known.identifier.empty())
     clip.reel = known.identifier;
-  else if (!known.settled && !source.reelNote.empty())
+  else if (!known.settled && !source.reelNote.empty() && !isAuxiliary(source.reelNote))
     clip.reel = source.reelNote;
   const bool auxiliary = isAuxiliary(clip.reel);
   if (auxiliary) {
-    clip.reel = source.sourceFile.empty() ? source.clipName : source.sourceFile;
+    // A source file or a clip that is called AX, too, tells nothing.
+    clip.reel = source.sourceFile.empty() || isAuxiliary(source.sourceFile) ? source.clipName : source.sourceFile;
     if (clip.reel.empty() || isAuxiliary(clip.reel)) {
       collector_.special(reel, "AX without a clip name or source file", source.line);
       return;

@@ -148,7 +148,7 @@ Json toJson(const Imported& imported)
   json["title"] = list.title;
   json["clips"] = list.clips.size();
   json["shots_added"] = imported.shotsAdded;
-  json["shots_there"] = imported.shotsThere;
+  json["shots_there"] = imported.shotsThere - imported.shotsRepeated;
   json["shots_repeated"] = imported.shotsRepeated;
   json["created"] = imported.created;
   json["matched"] = imported.matched;

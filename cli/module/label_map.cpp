@@ -2,7 +2,6 @@
 #include "module/label_map.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <system_error>
 
 #include <fmt/format.h>
@@ -38,6 +37,11 @@ std::vector<std::string> labelMapNames(const reelhost::Facility& facility)
   return names;
 }
 
+fs::path labelMapFile(const reelhost::Facility& facility, const std::string& name)
+{
+  return facility.labelMapDirectory() / (name + suffix);
+}
+
 std::optional<Failure> labelMapFault(const reelhost::Facility& facility, const std::string& name)
 {
   // A name that leads out of the folder names nothing in it.
@@ -45,7 +49,7 @@ std::optional<Failure> labelMapFault(const reelhost::Facility& facility, const s
   if (std::find(names.begin(), names.end(), name) == names.end())
     return Failure(refused, fmt::format("\"{}\": no such label map ({})", shortText(name), mapsThereAre(facility)));
   try {
-    reelhost::readLabelMap(facility.labelMapDirectory() / (name + suffix));
+    reelhost::readLabelMap(labelMapFile(facility, name));
     return std::nullopt;
   } catch (const reelhost::Error& error) {
     return Failure(unreadable, error.what());

@@ -4,6 +4,7 @@
 #ifndef REELDB_CLI_LABEL_MAP_H
 #define REELDB_CLI_LABEL_MAP_H
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@ namespace reeldb::cli {
 
 /// The names of the label maps there are, sorted, whether they can be read or not.
 std::vector<std::string> labelMapNames(const reelhost::Facility& facility);
+
+/// Its file, whether it is there or not.
+std::filesystem::path labelMapFile(const reelhost::Facility& facility, const std::string& name);
 
 /// Why the map cannot be read: there is none of that name (refused), or its file is wrong (unreadable; the message
 /// names file and line). Nothing when it can.

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "reelhost/facility.h"
+
 namespace reelhost {
 
 namespace {
@@ -43,6 +45,11 @@ std::optional<unsigned> labelSourceCode(std::string_view word)
 std::optional<unsigned> labelFormatCode(std::string_view word)
 {
   return codeOf(formats, word);
+}
+
+std::string labelFormatWord(unsigned code)
+{
+  return code < formats.size() ? std::string(formats[code]) : std::to_string(code);
 }
 
 std::string labelSourceWords()

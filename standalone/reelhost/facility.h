@@ -116,6 +116,8 @@ struct LabelMapEntry {
 /// Reads a label map file: always fourteen entries. Throws Error (NotFound, Unreadable, Io) that names file, line and
 /// what is wrong.
 std::vector<LabelMapEntry> readLabelMap(const std::filesystem::path& file);
+/// The word for a format code in label map files; the number itself when there is none.
+std::string labelFormatWord(unsigned code);
 
 } // namespace reelhost
 

@@ -124,6 +124,18 @@ TEST_F(LabelMapCommand, CheckTellsWhatFits)
   EXPECT_EQ(report.at("fits_device"), true);
 }
 
+TEST_F(LabelMapCommand, CheckSaysWhyTheProjectIsNotSuited)
+{
+  const std::string why = "the project runs at 25 fps, the labels it reads are 30 fps";
+  const ProcessResult result = reeldb({"labelmap", "check", "nts9pin"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.out.find("nts9pin: does not fit the project's frame rate (" + why + ")\n"), std::string::npos)
+      << result.out;
+  const ProcessResult report = reeldb({"labelmap", "check", "nts9pin", "--json"});
+  EXPECT_EQ(Json::parse(report.out).at("why"), why);
+  EXPECT_FALSE(json({"labelmap", "check", "pal9pin", "--json"}).contains("why"));
+}
+
 TEST_F(LabelMapCommand, CheckSaysWhyADeviceIsNotSuited)
 {
   const ProcessResult result = reeldb({"labelmap", "check", "pal1394", "--device", "3"});

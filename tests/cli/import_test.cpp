@@ -81,7 +81,8 @@ TEST_F(Import, SameShotTwiceInOneFileIsAddedOnce)
   const Json report = import("cut.edl");
   EXPECT_EQ(report.at("clips"), 4);
   EXPECT_EQ(report.at("shots_added"), 3);
-  EXPECT_EQ(report.at("shots_there"), 1);
+  EXPECT_EQ(report.at("shots_there"), 0);
+  EXPECT_EQ(report.at("shots_repeated"), 1);
   EXPECT_EQ(report.at("shots_repeated"), 1);
   EXPECT_EQ(report.at("spellings"), Json::parse(R"([{"reel": "A001", "other": "a001"}])"));
 }

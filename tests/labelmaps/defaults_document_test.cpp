@@ -2,6 +2,7 @@
 //
 // docs/label-map-defaults.md is what the library answers, written down: this test makes the document and compares.
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -17,6 +18,9 @@ constexpr const char* file = REELDB_DOCS "/label-map-defaults.md";
 constexpr int lowestRate = -1;
 constexpr int highestRate = 11;
 constexpr int portTypes = 4;
+constexpr int rateFamilies[] = {3, 4, 2}; // 25, 29.97 and 24 frames a second
+constexpr const char* maps[] = {"pal9pin", "nts9pin", "24f9pin", "pal1394", "ntsc1394",
+                                "24f1394", "paltofd", "ntstofd", "24ftofd"};
 
 constexpr const char* head = R"(# Default label maps
 
@@ -30,12 +34,38 @@ Port types other than 0 and 1 are all alike; codes that are not in the table are
 |---|---|---|---|---|
 )";
 
+constexpr const char* configured = R"(
+## Devices with a configured map
+
+What the same function, and `reeldb device label-map`, answers for a device that is configured with one of the usual maps,
+as `reeldb init` writes them, in projects of each family of frame rates. The configured map is answered when it fits the
+device, whatever the project's rate is; otherwise the answer is that of the table above.
+
+| Configured map | 9-pin, 25 | 9-pin, 29.97 | 9-pin, 24 | 1394, 25 | 1394, 29.97 | 1394, 24 | no port, 25 | no port, 29.97 | no port, 24 |
+|---|---|---|---|---|---|---|---|---|---|
+)";
+
 class DefaultsDocument : public LibraryTest {
 protected:
-  std::string answer(int portType, int rate)
+  /// In a facility with the usual maps.
+  DefaultsDocument()
+  {
+    std::string pattern = (std::filesystem::temp_directory_path() / "labelmaps.XXXXXX").string();
+    dir_ = mkdtemp(pattern.data());
+    reelhost::createFacility(dir_);
+    reelhost::useFacility(reelhost::Facility::read(dir_));
+  }
+  ~DefaultsDocument() override
+  {
+    reelhost::useFacility(reelhost::Facility());
+    std::filesystem::remove_all(dir_);
+  }
+
+  std::string answer(int portType, int rate, const std::string& map = {})
   {
     reelhost::DeviceSettings settings = device(1, "Deck");
     settings.portType = portType;
+    settings.labelMap = map;
     setDevices({settings});
     script().outputFrameRate = rate;
     return text(toUTF8(get_device_label_map_name(IdStamp(settings.id))));
@@ -51,8 +81,19 @@ protected:
         out << " | `" << answer(portType, rate) << "`";
       out << " |\n";
     }
+    out << configured;
+    for (const char* const map : maps) {
+      out << "| `" << map << '`';
+      for (const int portType : {0, 1, 3})
+        for (const int rate : rateFamilies)
+          out << " | `" << answer(portType, rate, map) << '`';
+      out << " |\n";
+    }
     return out.str();
   }
+
+private:
+  std::filesystem::path dir_;
 };
 
 TEST_F(DefaultsDocument, SaysWhatTheLibraryAnswers)

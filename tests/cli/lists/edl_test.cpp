@@ -321,6 +321,14 @@ TEST(Edl, TabsInsideNamesBecomeBlanks)
   EXPECT_EQ(list.clips[0].clipName, "x y");
 }
 
+TEST(Edl, ASourceFileOrReelNoteThatSaysAxTellsNothing)
+{
+  const List list = readWhole(event("001", "AX V C") + "* FROM CLIP NAME: REALNAME\n* SOURCE FILE: AX\n" +
+                              event("002", "TAPE9 V C") + "* REEL: AX\n");
+  EXPECT_EQ(reels(list), (Strings{"REALNAME", "TAPE9"}));
+  EXPECT_TRUE(list.specials.empty());
+}
+
 TEST(Edl, ControlCharactersInNamesCostTheirEvent)
 {
   const List list =

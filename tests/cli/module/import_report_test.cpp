@@ -108,7 +108,7 @@ TEST(ImportReport, JsonHasEveryKey)
 {
   const Json json = toJson(sample());
   EXPECT_EQ(json, Json::parse(R"({
-    "file": "cut.edl", "format": "edl", "title": "", "clips": 5, "shots_added": 1, "shots_there": 4,
+    "file": "cut.edl", "format": "edl", "title": "", "clips": 5, "shots_added": 1, "shots_there": 1,
     "shots_repeated": 3,
     "created": ["A", "B"], "matched": ["C"],
     "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
