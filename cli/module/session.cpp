@@ -33,13 +33,14 @@ std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
   std::vector<std::string> all;
   for (const Reel& reel : readReels(manager, {}))
     all.push_back(reel.id);
-  const std::vector<std::string> similar = similarNames(id, all);
+  std::vector<std::string> similar = similarNames(id, all);
+  const bool more = similar.size() > most;
+  similar.resize(std::min(most, similar.size()));
   const bool needsQuotes = id.empty() || id.front() == ' ' || id.back() == ' ';
   std::string message = fmt::format("{0}{1}{0}: no such reel", needsQuotes ? "\"" : "", shortText(id));
   if (!similar.empty())
-    message += fmt::format(" (but there {} {}{})", similar.size() == 1 ? "is" : "are",
-                           fmt::join(similar.begin(), similar.begin() + std::min(most, similar.size()), ", "),
-                           similar.size() > most ? ", ..." : "");
+    message += fmt::format(" (but there {} {}{})", similar.size() == 1 ? "is" : "are", fmt::join(similar, ", "),
+                           more ? ", ..." : "");
   return message;
 }
 

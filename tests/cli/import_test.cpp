@@ -83,7 +83,6 @@ TEST_F(Import, SameShotTwiceInOneFileIsAddedOnce)
   EXPECT_EQ(report.at("shots_added"), 3);
   EXPECT_EQ(report.at("shots_there"), 0);
   EXPECT_EQ(report.at("shots_repeated"), 1);
-  EXPECT_EQ(report.at("shots_repeated"), 1);
   EXPECT_EQ(report.at("spellings"), Json::parse(R"([{"reel": "A001", "other": "a001"}])"));
 }
 

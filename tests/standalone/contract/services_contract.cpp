@@ -122,4 +122,19 @@ TEST_P(Services, AnObjectEndsWithItsLastHolder)
   EXPECT_EQ(alive, 0);
 }
 
+TEST_P(Services, AnObjectIsHeldByWhatItIsDerivedFromToo)
+{
+  int alive = 0;
+  {
+    Zr::Ptr<Counted> made(new Counted(alive));
+    const Zr::Ptr<Zr::InternalRefCount> held(made);
+    made = nullptr;
+    EXPECT_EQ(alive, 1);
+    EXPECT_NE(held.get(), nullptr);
+    const Zr::Ptr<Zr::InternalRefCount> none(made);
+    EXPECT_EQ(none.get(), nullptr);
+  }
+  EXPECT_EQ(alive, 0);
+}
+
 } // namespace
