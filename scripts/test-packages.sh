@@ -79,9 +79,10 @@ lintian --allow-root --fail-on error "$runtime" "$development" "$tool" || fail "
 # --- The bare root
 if [ ! -e "$pristine/etc/debian_version" ]; then
   step "debootstrap into $pristine"
-  rm -rf --one-file-system "$pristine"
-  mkdir -p "$pristine"
-  quietly debootstrap --variant=minbase bookworm "$pristine"
+  rm -rf --one-file-system "$pristine" "$pristine.begun"
+  mkdir -p "$(dirname "$pristine")"
+  quietly debootstrap --variant=minbase bookworm "$(realpath "$pristine.begun")"
+  mv "$pristine.begun" "$pristine"
 fi
 step "a copy of the bare root"
 mkdir -p "$root" "$pristine.fetched/partial"

@@ -32,14 +32,21 @@ enum Column : std::size_t {
   Camroll,
   Labroll,
   Soundroll,
+  TracksAsWritten, ///< these and AlsoCalled are what this program adds: see docs/formats/export.md
+  CutRecordIn,
+  CutRecordOut,
   kColumns,
+  AlsoCalled, ///< "Reel Also Called 1", 2, ...: the one column of which there may be several
 };
 
 /// The titles as written; their case counts.
 constexpr std::array<std::string_view, kColumns> kTitles = {
-    "Name",   "Tape",   "Tracks",  "Start",   "End",       "Source File", "Source File Path",
-    "TapeID", "Reel #", "Camroll", "Labroll", "Soundroll",
+    "Name",           "Tape",   "Tracks",  "Start",   "End",       "Source File",       "Source File Path",
+    "TapeID",         "Reel #", "Camroll", "Labroll", "Soundroll", "Tracks As Written", "Cut Record In",
+    "Cut Record Out",
 };
+
+constexpr std::string_view kAlsoCalled = "Reel Also Called ";
 
 constexpr std::array kTimes = {Start, End};
 
@@ -58,6 +65,7 @@ constexpr std::string_view kDefaultTracks = "V";
 /// A row's cells of interest, without outer blanks; empty where the row has none.
 struct Cells {
   std::array<std::string_view, kColumns> texts;
+  std::vector<std::string_view> alsoCalled;
   std::size_t count = 0; ///< of all cells of the row
 
   std::string_view operator[](Column column) const { return texts[column]; }
@@ -219,6 +227,8 @@ void Reader::titles(int number, std::string_view line)
     otherCase = otherCase || sameName(title, kTitles[Name]);
     const auto found = std::find(kTitles.begin(), kTitles.end(), title);
     const auto column = static_cast<std::size_t>(found - kTitles.begin());
+    if (title.starts_with(kAlsoCalled))
+      positions_.emplace_back(position, AlsoCalled);
     if (column == kColumns || places_[column]) // the first of two columns with one title counts
       continue;
     places_[column] = position;
@@ -244,7 +254,11 @@ Cells Reader::cellsOf(std::string_view line) const
   for (const auto& [at, column] : positions_) {
     for (; position < at; ++position)
       takeCell(line);
-    cells.texts[column] = trim(takeCell(line));
+    const std::string_view cell = trim(takeCell(line));
+    if (column == AlsoCalled)
+      cells.alsoCalled.push_back(cell);
+    else
+      cells.texts[column] = cell;
     ++position;
   }
   return cells;
@@ -277,7 +291,7 @@ std::string Reader::fault(const Cells& cells) const
 {
   if (std::string fault = cutFault(cells); !fault.empty())
     return fault;
-  for (Column column : kTimes) {
+  for (Column column : {Start, End, CutRecordIn, CutRecordOut}) {
     if (cells[column].empty())
       continue;
     if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
@@ -304,6 +318,13 @@ void Reader::row(int number, std::string_view line)
   const Tracks tracks = parseLogTracks(clip.tracks).value_or(Tracks());
   clip.videoChannels = tracks.video;
   clip.audioChannels = tracks.audio;
+  if (const std::string_view written = cells[TracksAsWritten];
+      !written.empty() && written.size() <= kNameBytes && firstControl(written).empty())
+    clip.tracks = clean(written);
+  clip.recordIn = cells[CutRecordIn];
+  clip.recordOut = cells[CutRecordOut];
+  for (const std::string_view name : cells.alsoCalled)
+    clip.aliases.push_back(clean(name));
   for (Column column : kAliases)
     clip.aliases.push_back(clean(cells[column]));
 
@@ -311,8 +332,8 @@ void Reader::row(int number, std::string_view line)
   clip.reel = !tape.empty() && !isAuxiliary(tape) ? tape : clip.sourceFile;
   if (clip.reel.empty() && isAuxiliary(tape))
     clip.reel = clip.clipName;
-  if (isAuxiliary(tape) && (clip.reel.empty() || isAuxiliary(clip.reel)))
-    return collector_.special(tape, "AX without a clip name or source file", number);
+  if (isAuxiliary(clip.reel) || (clip.reel.empty() && isAuxiliary(tape)))
+    return collector_.special(isAuxiliary(tape) ? tape : clip.reel, "AX without a clip name or source file", number);
   if (clip.reel.empty())
     return collector_.special(clip.clipName, "no tape and no source file", number);
   if (collector_.clip(std::move(clip), line))

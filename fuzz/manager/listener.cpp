@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "manager/driver.h"
+#include "reelhost/host.h"
 
 namespace reeldb_fuzz {
 
@@ -28,7 +29,10 @@ void Listener::ourReelDbRecChanged()
 
 void Listener::someReelDbRecChanged(LightweightString<char> id)
 {
-  note("some(" + std::string(id.c_str()) + ")");
+  // What a client finds when it looks tells whether it was told before or after the change.
+  ReelDbRec reel = driver_.manager_.getReelInfo(id);
+  note("some(" + std::string(id.c_str()) + ") sees " + reel.typeName().c_str() + " " +
+       std::to_string(reelhost::materialOf(reel).audioChannels) + " " + std::to_string(reel.reelAvailable()));
   if (as_.habit == Habit::BringsOneWhenRecChanges && !as_.done) {
     as_.done = true;
     driver_.newListener({id.c_str(), Habit::Listens, {}});

@@ -194,6 +194,13 @@ void World::hear(int client, const std::string& what)
   heard.push_back(std::to_string(client) + ":" + what);
 }
 
+std::string World::seenOf(Number reel)
+{
+  const ModelLog* const log = find(reel);
+  return typeName(reel) + " " + std::to_string(log ? log->audio : 0) + " " +
+         std::to_string(flag(reel, "reel_available_flag"));
+}
+
 void World::informChanged(const std::string& changed)
 {
   buildList();
@@ -225,7 +232,7 @@ void World::informRecord(const std::string& changed)
         continue;
       }
     }
-    hear(client, "some(" + changed + ")");
+    hear(client, "some(" + changed + ") sees " + seenOf(lookUp(changed)));
     if (ModelClient& person = people.at(client); person.habit == Habit::BringsOneWhenRecChanges && !person.done) {
       person.done = true;
       newClient({changed, Habit::Listens, {}});

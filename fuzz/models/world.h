@@ -140,6 +140,7 @@ private:
   const reelhost::DeviceSettings& deviceNamed(const std::string& name) const;
   void notify(Number log) { informRecord(id(log)); }
   void hear(int client, const std::string& what);
+  std::string seenOf(Number reel); ///< what a client that looks at the reel finds
   Numbers shotsOf(const std::string& id) const;
 
   /// What lasts only when it is committed, of the facility.

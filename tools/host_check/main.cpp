@@ -3,11 +3,13 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <CLI/CLI.hpp>
+#include <fmt/format.h>
 
 #include "host_check/dynamic_symbols.h"
 #include "host_check/report.h"
@@ -23,7 +25,7 @@ fs::path libraryBeside()
 {
   const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
   for (const char* const place : {REELDB_LIBRARY_FOLDER, "../lib"}) {
-    const fs::path file = (folder / place / REELDB_LIBRARY).lexically_normal();
+    fs::path file = (folder / place / REELDB_LIBRARY).lexically_normal();
     if (fs::exists(file))
       return file;
   }
@@ -68,7 +70,7 @@ host_check::Report check(const fs::path& library, const std::vector<std::string>
         return name.rfind(needed, 0) == 0 || needed.rfind(name, 0) == 0;
       };
       if (!isRuntime(needed) && needed != REELDB_LIBRARY && std::none_of(known.begin(), known.end(), isIt))
-        report.notLookedAt.push_back(host + " needs " + needed);
+        report.notLookedAt.push_back(fmt::format("{} needs {}", host, needed));
     }
   }
   const std::set<std::string> asked = host_check::readDynamicSymbols(library).asked;

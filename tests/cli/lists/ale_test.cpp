@@ -133,6 +133,16 @@ TEST(Ale, PlaceholdersStarsAndAxAreAsInCutLists)
   EXPECT_EQ(list.specials[4].reason, "AX without a clip name or source file");
 }
 
+TEST(Ale, AxForASourceFileIsNoReelWhateverTheTapeSays)
+{
+  const List list = readWhole(log("Name|Tape|Source File", "a||AX\nb|AX|ax\nc|T|AX\n"));
+  EXPECT_EQ(reels(list), Strings{"T"});
+  ASSERT_EQ(list.specials.size(), 1u);
+  EXPECT_EQ(list.specials[0].text, "AX");
+  EXPECT_EQ(list.specials[0].reason, "AX without a clip name or source file");
+  EXPECT_EQ(list.specials[0].lines, (std::vector<int>{8, 9}));
+}
+
 TEST(Ale, MissingTracksAreOnePicture)
 {
   for (const std::string& text : {log("Name|Tape", "a|T\n"), log("Name|Tape|Tracks", "a|T|\n")}) {
