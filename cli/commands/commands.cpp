@@ -8,6 +8,8 @@ void addCommands(CommandLine& line)
   addInit(line);
   addProject(line);
   addImport(line);
+  addDiff(line);
+  addExport(line);
   addList(line);
   addShow(line);
   addCreate(line);
@@ -15,6 +17,7 @@ void addCommands(CommandLine& line)
   addRename(line);
   addCopy(line);
   addShots(line);
+  addWhich(line);
   addReelsOf(line);
   addDelete(line);
   addUndelete(line);

@@ -11,6 +11,8 @@ namespace reeldb::cli {
 void addInit(CommandLine& line);
 void addProject(CommandLine& line);
 void addImport(CommandLine& line);
+void addDiff(CommandLine& line);
+void addExport(CommandLine& line);
 void addList(CommandLine& line);
 void addShow(CommandLine& line);
 void addCreate(CommandLine& line);
@@ -18,6 +20,7 @@ void addSet(CommandLine& line);
 void addRename(CommandLine& line);
 void addCopy(CommandLine& line);
 void addShots(CommandLine& line);
+void addWhich(CommandLine& line);
 void addReelsOf(CommandLine& line);
 void addDelete(CommandLine& line);
 void addUndelete(CommandLine& line);

@@ -6,6 +6,7 @@
 #include "module/display_text.h"
 #include "module/failure.h"
 #include "module/host_text.h"
+#include "module/old_names.h"
 #include "module/reel_name.h"
 #include "module/session.h"
 #include "module/shot.h"
@@ -48,8 +49,11 @@ ExitCode run(const Options& options, const Globals& globals)
   if (before != after)
     warnOfSpecialName(after);
   const auto shots = shotsUnder(after, before == after ? CookieVec() : shotsOf(before));
-  if (before != after && !options.dryRun)
+  if (before != after && !options.dryRun) {
     manager.changeReelId(hostText(before), hostText(after));
+    if (folded(before) != folded(after))
+      keepOldName(reel, before);
+  }
   const bool stored = !options.dryRun && session.commit();
   if (options.json) {
     Json json = {{"from", before}, {"to", after}, {"dry_run", options.dryRun}, {"stored", stored}};
@@ -81,7 +85,8 @@ void addRename(CommandLine& line)
        .examples = {"reeldb rename --dry-run A001 A001B", "reeldb rename A001 A001B", "reeldb rename A001B a001b"},
        .details = fmt::format(
            "Outer blanks of the new name do not count. A name that another reel has, letter case aside, is\n"
-           "refused; another spelling of the reel's own name is not.\n{}",
+           "refused; another spelling of the reel's own name is not. reeldb which still finds the reel by the\n"
+           "old name.\n{}",
            reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "OLD", options->oldId, "The reel")->required()->type_name("");

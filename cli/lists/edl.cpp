@@ -48,6 +48,7 @@ bool takeStatement(std::string_view& line, std::string_view statement)
 /// What the source table and the replaced reels say of a reel text.
 struct Known {
   std::string identifier;           ///< empty: the reel text itself
+  bool mapped = false;              ///< the list's own map says so: the reel text is no name but in this list
   bool settled = false;             ///< neither a REEL note nor anything else may change it
   std::vector<std::string> aliases; ///< the other names of its rows
   std::vector<std::string> ids;     ///< the ids of its rows
@@ -62,6 +63,18 @@ struct TableRow {
   std::string_view text;
   int* counter = nullptr;
 };
+
+/// Empties the timecodes that the note NO TIMECODE names: the event has something in their place because it must.
+void takeAway(std::string_view names, Clip& clip)
+{
+  for (const auto& [name, timecode] : {std::pair(std::string_view("SOURCE IN"), &clip.sourceIn),
+                                       std::pair(std::string_view("SOURCE OUT"), &clip.sourceOut),
+                                       std::pair(std::string_view("RECORD IN"), &clip.recordIn),
+                                       std::pair(std::string_view("RECORD OUT"), &clip.recordOut)}) {
+    if (names.find(name) != std::string_view::npos)
+      timecode->clear();
+  }
+}
 
 class Reader {
 public:
@@ -79,6 +92,8 @@ private:
 
   void decide(const EventSource& source, Digits digits);
   Known& lookUp(const std::string& reel);
+  /// Takes the one reel that a name stands for, or the choice of them and why there is one.
+  static void settle(Known& known, const std::vector<std::string>& originals, std::string_view reason);
   void reportAmbiguous(Known& known, const std::string& reel);
   void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
   void reportSharedNames();
@@ -92,6 +107,7 @@ private:
   std::vector<TableRow> tableRows_;                                    ///< in the order of the table
   std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement to the reels it replaces
 
+  std::unordered_map<std::string, std::vector<std::string>> map_;     ///< folded name to what REEL MAP says it means
   std::unordered_map<std::string, Known> known_;                      ///< by folded reel text
   std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier to an entry of ids_
   std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
@@ -166,7 +182,9 @@ void Reader::event(int number, std::string_view line)
 
 void Reader::takeNote(std::optional<Note> note)
 {
-  if (note && !event_.empty())
+  if (note && note->kind == NoteKind::ReelMap)
+    map_[fold(note->reel)].push_back(std::move(note->value));
+  else if (note && !event_.empty())
     event_.note(std::move(*note));
 }
 
@@ -247,6 +265,11 @@ Known& Reader::lookUp(const std::string& reel)
   Known& known = entry->second;
   if (!isNew)
     return known;
+  if (const auto mapped = map_.find(fold(reel)); mapped != map_.end()) {
+    known.mapped = known.settled = true;
+    settle(known, mapped->second, "the map of the list gives the name to several reels");
+    return known;
+  }
   if (SourceMatch match = table_.find(reel); match.found) {
     known.settled = true;
     known.identifier = std::move(match.identifier);
@@ -259,18 +282,23 @@ Known& Reader::lookUp(const std::string& reel)
   }
   if (const auto replaced = replaced_.find(fold(reel)); replaced != replaced_.end()) {
     known.settled = true;
-    std::unordered_set<std::string> seen;
-    for (const std::string& original : replaced->second) {
-      if (seen.insert(fold(original)).second)
-        known.fits.push_back(original);
-    }
-    known.reason = "the name replaces several reels of the list";
-    if (known.fits.size() == 1) {
-      known.identifier = known.fits.front();
-      known.fits.clear();
-    }
+    settle(known, replaced->second, "the name replaces several reels of the list");
   }
   return known;
+}
+
+void Reader::settle(Known& known, const std::vector<std::string>& originals, std::string_view reason)
+{
+  std::unordered_set<std::string> seen;
+  for (const std::string& original : originals) {
+    if (seen.insert(fold(original)).second)
+      known.fits.push_back(original);
+  }
+  known.reason = reason;
+  if (known.fits.size() == 1) {
+    known.identifier = known.fits.front();
+    known.fits.clear();
+  }
 }
 
 void Reader::decide(const EventSource& source, Digits digits)
@@ -298,7 +326,9 @@ void Reader::decide(const EventSource& source, Digits digits)
   }
 
   clip.aliases = known.aliases;
-  for (const std::string* name : {&reel, &source.reelNote, &source.otherReel, &source.sourceFile})
+  clip.aliases.insert(clip.aliases.end(), source.alsoCalled.begin(), source.alsoCalled.end());
+  const std::string unmapped = known.mapped ? std::string() : reel;
+  for (const std::string* name : {&unmapped, &source.reelNote, &source.otherReel, &source.sourceFile})
     clip.aliases.push_back(*name);
   clip.clipName = source.clipName;
   clip.sourceFile = source.sourceFile;
@@ -310,6 +340,9 @@ void Reader::decide(const EventSource& source, Digits digits)
   clip.sourceOut = source.fields.timecodes[1];
   clip.recordIn = source.fields.timecodes[2];
   clip.recordOut = source.fields.timecodes[3];
+  if (!source.tracks.empty() && source.tracks.size() <= kNameBytes && firstControl(source.tracks).empty())
+    clip.tracks = source.tracks;
+  takeAway(source.noTimecode, clip);
   clip.line = source.line;
 
   const std::string identifier = clip.reel;

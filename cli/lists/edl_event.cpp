@@ -74,6 +74,8 @@ struct Piles {
   Pile fromName, toName, keyName, fromFile, toFile;
   Texts sourceFiles, reels;
   std::vector<std::pair<std::string, std::string>> reelIsClip;
+  Texts alsoCalled;
+  std::string tracks, noTimecode;
 };
 
 Piles sorted(std::vector<Note>& notes)
@@ -105,6 +107,16 @@ Piles sorted(std::vector<Note>& notes)
     case NoteKind::ReelIsClip:
       piles.reelIsClip.emplace_back(std::move(note.reel), std::move(note.value));
       break;
+    case NoteKind::AlsoCalled:
+      piles.alsoCalled.push_back(std::move(note.value));
+      break;
+    case NoteKind::Tracks:
+      piles.tracks = std::move(note.value);
+      break;
+    case NoteKind::NoTimecode:
+      piles.noTimecode = std::move(note.value);
+      break;
+    case NoteKind::ReelMap: // it is the list's, not the event's
     case NoteKind::Other:
       break;
     }
@@ -250,6 +262,9 @@ std::vector<EventSource> EdlEvent::finish()
       sources_[i].sourceFile = side.sourceFile;
       sources_[i].reelNote = side.reelNote;
       sources_[i].otherReel = side.otherReel;
+      sources_[i].alsoCalled = piles.alsoCalled;
+      sources_[i].tracks = piles.tracks;
+      sources_[i].noTimecode = piles.noTimecode;
     }
   }
   notes_.clear();

@@ -21,8 +21,11 @@ struct EventSource {
   EventLine fields;
   std::string clipName;
   std::string sourceFile;
-  std::string reelNote;  ///< * REEL:
-  std::string otherReel; ///< * REEL x IS CLIP y: the x; the y is the clip name when there is no other
+  std::string reelNote;                ///< * REEL:
+  std::string otherReel;               ///< * REEL x IS CLIP y: the x; the y is the clip name when there is no other
+  std::vector<std::string> alsoCalled; ///< * REEL ALSO CALLED:
+  std::string tracks;                  ///< * TRACKS AS WRITTEN:
+  std::string noTimecode;              ///< * NO TIMECODE:
 };
 
 class EdlEvent {
@@ -42,6 +45,8 @@ public:
   /// takes one that is left over, or the one that black cannot use. SOURCE FILE and REEL notes go to the sides in
   /// order; one alone is for the first side, unless that is black or only the second side has a clip name. Sides of the
   /// same reel share a source file and a REEL note; AX sides do so only when they are the same clip.
+  ///
+  /// The notes that this program writes (REEL ALSO CALLED, TRACKS AS WRITTEN, NO TIMECODE) hold for every line.
   std::vector<EventSource> finish();
 
 private:

@@ -16,7 +16,7 @@ constexpr std::size_t kWrapColumn = 80;
 /// ... and not so few: what ends earlier was ended on purpose, however long the word that comes next.
 constexpr std::size_t kLeastWrapped = 60;
 
-constexpr std::array<std::pair<std::string_view, NoteKind>, 9> kKeys = {{
+constexpr std::array<std::pair<std::string_view, NoteKind>, 12> kKeys = {{
     {"FROM CLIP NAME", NoteKind::FromClipName},
     {"TO CLIP NAME", NoteKind::ToClipName},
     {"KEY CLIP NAME", NoteKind::KeyClipName},
@@ -26,7 +26,12 @@ constexpr std::array<std::pair<std::string_view, NoteKind>, 9> kKeys = {{
     {"TO FILE", NoteKind::ToFile},
     {"TO CLIP", NoteKind::ToFile},
     {"REEL", NoteKind::Reel},
+    {"REEL ALSO CALLED", NoteKind::AlsoCalled},
+    {"TRACKS AS WRITTEN", NoteKind::Tracks},
+    {"NO TIMECODE", NoteKind::NoTimecode},
 }};
+
+constexpr std::string_view kReelMap = "REEL MAP";
 
 /// First words of notes that carry no name, and no colon either: these do not continue the note above.
 constexpr std::array<std::string_view, 10> kOpeners = {
@@ -62,10 +67,28 @@ bool readReelIsClip(std::string_view text, Note& note)
   return true;
 }
 
+/// REEL MAP: x = y, where x is a single word and y is whatever follows.
+bool readReelMap(std::string_view text, Note& note)
+{
+  const std::size_t colon = text.find(':');
+  if (colon == std::string_view::npos || !sameName(trimRight(text.substr(0, colon)), kReelMap))
+    return false;
+  std::string_view rest = text.substr(colon + 1);
+  note.reel = clean(takeFirst(rest));
+  if (takeFirst(rest) != "=" || rest.empty())
+    return false;
+  note.kind = NoteKind::ReelMap;
+  note.value = clean(rest);
+  return true;
+}
+
 Note parseNote(std::string_view text)
 {
   Note note;
   text = trim(text);
+  if (readReelMap(text, note))
+    return note;
+  note.reel.clear();
   std::string_view rest = text;
   if (sameName(takeFirst(rest), "REEL") && readReelIsClip(rest, note))
     return note;

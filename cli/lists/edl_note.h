@@ -19,13 +19,17 @@ enum class NoteKind {
   ToFile,   ///< TO FILE, TO CLIP
   Reel,
   ReelIsClip, ///< REEL x IS CLIP y
+  ReelMap,    ///< REEL MAP: x = y
+  AlsoCalled, ///< REEL ALSO CALLED: another name of the reel
+  Tracks,     ///< TRACKS AS WRITTEN
+  NoTimecode, ///< NO TIMECODE: which of the four the event does not have
   Other,
 };
 
 struct Note {
   NoteKind kind = NoteKind::Other;
   std::string value; ///< clean; empty also when written as (NULL)
-  std::string reel;  ///< the x of REEL x IS CLIP y
+  std::string reel;  ///< the x of REEL x IS CLIP y and of REEL MAP: x = y
 };
 
 /// Whether the line is a note. Blanks may stand before the star.

@@ -1,15 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module/importer.h"
 
-#include <initializer_list>
-#include <string_view>
 #include <utility>
-
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "ReelDbClient.h"
 #include "module/host_text.h"
+#include "module/shot_key.h"
 #include "reelhost/host.h"
 
 namespace reeldb::cli {
@@ -32,42 +28,12 @@ private:
   std::vector<std::string>& ids_;
 };
 
-/// Equal for the same shot. No text holds the divider.
-std::string shotKey(const std::string& reel, std::initializer_list<std::string_view> rest)
-{
-  std::string key = folded(reel);
-  for (const std::string_view part : rest) {
-    key += '\0';
-    key += part;
-  }
-  return key;
-}
-
-reelhost::Material material(const lists::Clip& clip)
-{
-  reelhost::Material result;
-  result.reel = clip.reel;
-  result.name = clip.clipName;
-  result.sourceFile = clip.sourceFile;
-  result.sourceIn = clip.sourceIn;
-  result.sourceOut = clip.sourceOut;
-  result.recordIn = clip.recordIn;
-  result.recordOut = clip.recordOut;
-  result.tracks = clip.tracks;
-  result.aliases = fmt::format("{}", fmt::join(clip.aliases, "\n"));
-  result.videoChannels = clip.videoChannels;
-  result.audioChannels = clip.audioChannels;
-  return result;
-}
-
 } // namespace
 
 Importer::Importer(ReelDbManager& manager) : manager_(manager)
 {
-  for (const Cookie& log : reelhost::allShots()) {
-    const reelhost::Material shot = reelhost::materialOf(log);
-    shots_.insert(shotKey(shot.reel, {shot.name, shot.sourceIn, shot.sourceOut, shot.tracks}));
-  }
+  for (const Cookie& log : reelhost::allShots())
+    shots_.insert(shotKey(reelhost::materialOf(log)));
 }
 
 Imported Importer::import(std::string file, lists::List list, Progress& progress)
@@ -79,7 +45,7 @@ Imported Importer::import(std::string file, lists::List list, Progress& progress
   std::unordered_set<std::string> met, metShots;
   for (const lists::Clip& clip : result.list.clips) {
     const bool missing = met.insert(folded(clip.reel)).second && !noteReel(clip.reel, result);
-    std::string key = shotKey(clip.reel, {clip.clipName, clip.sourceIn, clip.sourceOut, clip.tracks});
+    std::string key = shotKey(clip);
     const bool repeated = !metShots.insert(key).second;
     const bool added = bringIn(clip, std::move(key));
     ++(added ? result.shotsAdded : result.shotsThere);

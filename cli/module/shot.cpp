@@ -47,14 +47,19 @@ std::vector<reelhost::Material> materialOf(const CookieVec& logs)
   return result;
 }
 
-Json toJson(const reelhost::Material& shot)
+std::vector<std::string> aliasesOf(const reelhost::Material& shot)
 {
-  Json aliases = Json::array();
+  std::vector<std::string> aliases;
   for (std::size_t at = 0; at < shot.aliases.size();) {
     const std::size_t end = std::min(shot.aliases.find('\n', at), shot.aliases.size());
     aliases.push_back(shot.aliases.substr(at, end - at));
     at = end + 1;
   }
+  return aliases;
+}
+
+Json toJson(const reelhost::Material& shot)
+{
   Json json;
   json["reel"] = shot.reel;
   json["clip"] = shot.name;
@@ -64,7 +69,7 @@ Json toJson(const reelhost::Material& shot)
   json["record_in"] = shot.recordIn;
   json["record_out"] = shot.recordOut;
   json["source_file"] = shot.sourceFile;
-  json["aliases"] = std::move(aliases);
+  json["aliases"] = aliasesOf(shot);
   json["video_channels"] = shot.videoChannels;
   json["audio_channels"] = shot.audioChannels;
   return json;

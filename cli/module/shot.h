@@ -17,6 +17,9 @@ namespace reeldb::cli {
 /// in its deletion, where it speaks of deleting.
 CookieVec shotsOf(const std::string& reelId);
 
+/// The other names of its reel that the shot carries.
+std::vector<std::string> aliasesOf(const reelhost::Material& shot);
+
 Json toJson(const reelhost::Material& shot);
 Json toJson(const std::vector<reelhost::Material>& shots);
 

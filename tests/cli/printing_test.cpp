@@ -54,6 +54,11 @@ TEST_F(Printing, OddReelIsShownWithEscapesByEveryCommand)
                                        {"shots", odd},
                                        {"shots", odd, "--json"},
                                        {"reels-of", "--reel", odd},
+                                       {"which", odd},
+                                       {"which", odd, "--json"},
+                                       {"diff", "--gone", "cut.edl"},
+                                       {"diff", "--gone", "cut.edl", "--json"},
+                                       {"export", "--json"},
                                        {"device", "list"},
                                        {"device", "reels", "0", "--why"},
                                        {"device", "reels", "0", "--why", "--json"},
@@ -103,6 +108,10 @@ TEST_F(Printing, OddArgumentIsShownWithEscapesInEveryMessage)
                                        {"project", "new", "x", "--rate", odd},
                                        {"watch", "--for", odd},
                                        {"import", odd},
+                                       {"which", odd},
+                                       {"diff", odd},
+                                       {"export", "--csv", "-o", odd + "/x"},
+                                       {"export", "--edl", "--reel-length", odd},
                                        {"init", odd}};
   for (const Words& words : commands) {
     SCOPED_TRACE(words[0]);

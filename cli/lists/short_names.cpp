@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/short_names.h"
+
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "lists/names.h"
+#include "lists/text.h"
+
+namespace reeldb::lists {
+namespace {
+
+constexpr std::size_t kDigitsField = 3;
+constexpr int kHighestNumber = 998;
+
+/// The narrow fields know capitals and digits alone.
+constexpr std::size_t kWidestNarrow = 8;
+
+/// What a name starts with when nothing of the identifier can be written.
+constexpr std::string_view kNameless = "REEL";
+
+bool isReserved(std::string_view name)
+{
+  return isAuxiliary(name) || !placeholderReason(name).empty();
+}
+
+std::string padded(int number)
+{
+  const std::string digits = std::to_string(number);
+  return std::string(kDigitsField - digits.size(), '0') + digits;
+}
+
+/// The identifier in the field's characters, of any length.
+std::string spelt(std::string_view reel, bool narrow)
+{
+  std::string result;
+  for (const char c : narrow ? fold(reel) : std::string(reel)) {
+    if (isDigit(c) || isLetter(c) || (!narrow && std::string_view("_.-&").find(c) != std::string_view::npos))
+      result += c;
+    else if (!narrow && (static_cast<unsigned char>(c) & 0xC0) != 0x80) // one for each character
+      result += '_';
+  }
+  return result;
+}
+
+class Namer {
+public:
+  Namer(const std::vector<std::string>& reels, std::size_t field)
+      : reels_(reels), field_(field), narrow_(field <= kWidestNarrow), names_(reels.size())
+  {
+  }
+
+  std::optional<std::vector<std::string>> run()
+  {
+    for (std::size_t i = 0; i < reels_.size(); ++i)
+      keep(i);
+    for (std::size_t i = 0; i < reels_.size(); ++i)
+      if (names_[i].empty() && !(field_ == kDigitsField ? takeNumber(i) : takeName(i)))
+        return std::nullopt;
+    return std::move(names_);
+  }
+
+private:
+  void give(std::size_t reel, std::string name)
+  {
+    taken_.insert(fold(name));
+    names_[reel] = std::move(name);
+  }
+
+  /// An identifier that is a name of the field as it stands.
+  void keep(std::size_t i)
+  {
+    std::string name = spelt(reels_[i], narrow_);
+    const bool fits = !name.empty() && name.size() <= field_ && sameName(name, reels_[i]) && !isReserved(name);
+    const bool isNumber = field_ != kDigitsField || (name.size() == kDigitsField && name != "000" && name != "999" &&
+                                                     name.find_first_not_of("0123456789") == std::string::npos);
+    if (fits && isNumber)
+      give(i, std::move(name));
+    else
+      ++cuts_[fold(name.substr(0, field_))];
+  }
+
+  bool takeNumber(std::size_t i)
+  {
+    while (number_ <= kHighestNumber && taken_.contains(padded(number_)))
+      ++number_;
+    if (number_ > kHighestNumber)
+      return false;
+    give(i, padded(number_));
+    return true;
+  }
+
+  bool takeName(std::size_t i)
+  {
+    std::string name = spelt(reels_[i], narrow_);
+    std::string cut = name.substr(0, field_);
+    if (!cut.empty() && cuts_.at(fold(cut)) == 1 && !taken_.contains(fold(cut)) && !isReserved(cut)) {
+      give(i, std::move(cut));
+      return true;
+    }
+    if (name.empty())
+      name = kNameless;
+    const std::string divider = narrow_ ? "" : "_";
+    for (std::size_t digits = 1; digits + divider.size() <= field_; ++digits) {
+      const std::string head = name.substr(0, field_ - digits - divider.size()) + divider;
+      // Names of one head are numbered through, so that no number is tried twice.
+      std::size_t& next = next_.try_emplace(fold(head), 1).first->second;
+      for (; std::to_string(next).size() <= digits; ++next) {
+        std::string numbered = head + std::to_string(next);
+        // What another reel would be cut to must not come to mean this one.
+        if (taken_.contains(fold(numbered)) || cuts_.contains(fold(numbered)))
+          continue;
+        give(i, std::move(numbered));
+        return true;
+      }
+    }
+    return false;
+  }
+
+  const std::vector<std::string>& reels_;
+  std::size_t field_;
+  bool narrow_;
+  std::vector<std::string> names_;
+  std::unordered_set<std::string> taken_;             ///< folded
+  std::unordered_map<std::string, int> cuts_;         ///< folded cut forms of the reels that do not fit, and how many
+  std::unordered_map<std::string, std::size_t> next_; ///< folded head to the number that comes next
+  int number_ = 1;
+};
+
+} // namespace
+
+std::optional<std::vector<std::string>> shortReelNames(const std::vector<std::string>& reels, std::size_t field)
+{
+  return Namer(reels, field).run();
+}
+
+} // namespace reeldb::lists

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/writable.h"
+
+#include <unordered_set>
+#include <utility>
+
+#include "lists/encoding.h"
+#include "lists/names.h"
+#include "lists/text.h"
+#include "lists/timecode.h"
+
+namespace reeldb::lists {
+namespace {
+
+std::string subjectOf(const Clip& clip)
+{
+  return "clip " + inQuotes(clip.clipName) + " of reel " + inQuotes(clip.reel);
+}
+
+/// Why no list can hold the clip; empty when one can.
+std::string clipFault(const Clip& clip)
+{
+  if (clip.reel.empty())
+    return "it has no reel";
+  for (const auto& [what, timecode] :
+       {std::pair("source in", &clip.sourceIn), std::pair("source out", &clip.sourceOut),
+        std::pair("record in", &clip.recordIn), std::pair("record out", &clip.recordOut)})
+    if (!timecode->empty())
+      if (const std::string fault = timecodeFault(*timecode); !fault.empty())
+        return std::string(what) + " " + inQuotes(*timecode) + " is no timecode: " + fault;
+  return {};
+}
+
+} // namespace
+
+std::string writableText(const std::string& text)
+{
+  std::string result = decode(text);
+  for (char& c : result)
+    if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
+      c = ' ';
+  return clean(result);
+}
+
+std::vector<Clip> writableClips(std::vector<Clip> clips, Written& written)
+{
+  std::unordered_set<std::string> told;
+  const auto mend = [&](std::string& text) {
+    std::string writable = writableText(text);
+    if (writable != text && told.insert(text).second)
+      written.remarks.push_back(inQuotes(text) + ": written as " + inQuotes(writable) +
+                                " (a list cannot hold it as it is)");
+    text = std::move(writable);
+  };
+  std::vector<Clip> result;
+  for (Clip& clip : clips) {
+    if (const std::string fault = clipFault(clip); !fault.empty()) {
+      written.leftOut.push_back(subjectOf(clip) + ": left out (" + fault + ")");
+      continue;
+    }
+    for (std::string* text : {&clip.reel, &clip.clipName, &clip.sourceFile, &clip.tracks})
+      mend(*text);
+    for (std::string& alias : clip.aliases)
+      mend(alias);
+    const std::string_view reason =
+        isAuxiliary(clip.reel) ? std::string_view("a source without a tape") : specialReason(clip.reel);
+    if (!reason.empty() && told.insert(clip.reel).second)
+      written.remarks.push_back("reel " + inQuotes(clip.reel) +
+                                ": an import will not mean it (in lists it means: " + std::string(reason) + ")");
+    result.push_back(std::move(clip));
+  }
+  written.clips = result.size();
+  return result;
+}
+
+} // namespace reeldb::lists

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Writes cut lists and log files that the readers of this folder read back as the same clips.
+#ifndef REELDB_LISTS_WRITE_H
+#define REELDB_LISTS_WRITE_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "lists/list.h"
+
+namespace reeldb::lists {
+
+/// A list as text. The clips are those that it holds, and what had to be done to them.
+struct Written {
+  std::string text;                 ///< UTF-8
+  std::size_t clips = 0;            ///< how many are in it
+  std::vector<std::string> remarks; ///< what is otherwise in the list than in the clips: "subject: fact (cause)"
+  std::vector<std::string> leftOut; ///< clips that no list can hold, likewise
+};
+
+/// The text as lists hold it: UTF-8 without control characters and outer blanks.
+std::string writableText(const std::string& text);
+
+/// Writes a cut list with reel names for a field of that many characters, one of kReelFields. Where these are not the
+/// identifiers, notes at the head tell which is which. Throws Error when the field has fewer names than there are
+/// reels.
+Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);
+
+/// Writes a log file. The rate is that of the project, "25", "23.98".
+Written writeAle(const std::string& rate, const std::vector<Clip>& clips);
+
+} // namespace reeldb::lists
+
+#endif

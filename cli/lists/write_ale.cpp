@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <functional>
+#include <string_view>
+
+#include "lists/text.h"
+#include "lists/tracks.h"
+#include "lists/writable.h"
+
+namespace reeldb::lists {
+namespace {
+
+/// What logs hold by their published rules. Real ones have more of both.
+constexpr std::size_t kLongestClipName = 32;
+constexpr std::size_t kMostColumns = 64;
+
+bool isTracksCell(const Clip& clip)
+{
+  const auto tracks = parseLogTracks(clip.tracks);
+  return tracks && tracks->video == clip.videoChannels && tracks->audio == clip.audioChannels;
+}
+
+/// Every channel with its number: V, VA1A2.
+std::string tracksOf(const Clip& clip)
+{
+  std::string result;
+  for (int i = 1; i <= clip.videoChannels; ++i)
+    result += clip.videoChannels == 1 ? "V" : "V" + std::to_string(i);
+  for (int i = 1; i <= clip.audioChannels; ++i)
+    result += "A" + std::to_string(i);
+  return result.empty() ? "NONE" : result;
+}
+
+/// Whether the source file is one of the reel's other names: the reader takes the column for that.
+bool namesTheReel(const Clip& clip)
+{
+  return sameName(clip.sourceFile, clip.reel) ||
+         std::any_of(clip.aliases.begin(), clip.aliases.end(),
+                     [&](const std::string& alias) { return sameName(alias, clip.sourceFile); });
+}
+
+struct OutColumn {
+  std::string title;
+  std::function<std::string(const Clip&)> cell;
+  bool required = false;
+};
+
+std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
+{
+  std::vector<OutColumn> columns = {
+      {"Name", [](const Clip& clip) { return clip.clipName; }, true},
+      {"Tracks", [](const Clip& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
+      {"Start", [](const Clip& clip) { return clip.sourceIn; }, true},
+      {"End", [](const Clip& clip) { return clip.sourceOut; }, true},
+      {"Tape", [](const Clip& clip) { return clip.reel; }, true},
+      {"Source File", [](const Clip& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
+      {"Source File Path", [](const Clip& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
+      {"Tracks As Written", [](const Clip& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
+      {"Cut Record In", [](const Clip& clip) { return clip.recordIn; }},
+      {"Cut Record Out", [](const Clip& clip) { return clip.recordOut; }},
+  };
+  std::size_t aliases = 0;
+  for (const Clip& clip : clips)
+    aliases = std::max(aliases, clip.aliases.size());
+  for (std::size_t i = 0; i < aliases; ++i)
+    columns.push_back({"Reel Also Called " + std::to_string(i + 1),
+                       [i](const Clip& clip) { return i < clip.aliases.size() ? clip.aliases[i] : std::string(); }});
+  std::erase_if(columns, [&](const OutColumn& column) {
+    return !column.required &&
+           std::none_of(clips.begin(), clips.end(), [&](const Clip& clip) { return !column.cell(clip).empty(); });
+  });
+  return columns;
+}
+
+void addRow(std::string& text, const std::vector<OutColumn>& columns,
+            const std::function<std::string(const OutColumn&)>& cell)
+{
+  for (std::size_t i = 0; i < columns.size(); ++i)
+    text += (i == 0 ? "" : "\t") + cell(columns[i]);
+  text += "\n";
+}
+
+void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_t columns)
+{
+  const auto isLong = [](const Clip& clip) { return length(clip.clipName) > kLongestClipName; };
+  if (const auto count = std::count_if(clips.begin(), clips.end(), isLong); count > 0)
+    written.remarks.push_back(std::to_string(count) + " clip names: longer than " + std::to_string(kLongestClipName) +
+                              " characters (other programs may cut them)");
+  if (columns > kMostColumns)
+    written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(kMostColumns) +
+                              " (other programs may not read all of them)");
+}
+
+} // namespace
+
+Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
+{
+  Written written;
+  const std::vector<Clip> writable = writableClips(clips, written);
+  const std::vector<OutColumn> columns = columnsFor(writable);
+  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t" + rate + "\n\nColumn\n";
+  addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
+  written.text += "\nData\n";
+  for (const Clip& clip : writable)
+    addRow(written.text, columns, [&](const OutColumn& column) { return column.cell(clip); });
+  remarkOnLimits(written, writable, columns.size());
+  return written;
+}
+
+} // namespace reeldb::lists

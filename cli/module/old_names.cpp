@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "module/old_names.h"
+
+#include <algorithm>
+
+#include "module/host_text.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+/// A key for each name: a value is read back whole only as far as a single name goes.
+LightweightString<char> keyOf(std::size_t number)
+{
+  return hostText("reel_old_name" + std::to_string(number));
+}
+
+} // namespace
+
+std::vector<std::string> oldNamesOf(ReelDbRec reel)
+{
+  std::vector<std::string> names;
+  for (LightweightString<char> name; reel.getStringValFromEdit(keyOf(names.size()), name);)
+    names.push_back(text(name));
+  return names;
+}
+
+void keepOldName(ReelDbRec reel, const std::string& name)
+{
+  const std::vector<std::string> names = oldNamesOf(reel);
+  const auto isSame = [&](const std::string& other) { return folded(other) == folded(name); };
+  if (std::none_of(names.begin(), names.end(), isSame))
+    reel.setStringValInEdit(keyOf(names.size()), hostText(name));
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+std::string clip(int number, const std::string& reel, const std::string& in, const std::string& name)
+{
+  return event(number, reel, "V", in, "23:00:00:00") + "* FROM CLIP NAME: " + name + "\n";
+}
+
+class Diff : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    dir_.write("one.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "02:00:00:00", "TWO") +
+                              clip(3, "B001", "01:00:00:00", "THREE"));
+    dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\n\nColumn\nName\tTracks\tStart\tEnd\tTape\n\nData\n"
+                             "shot\tV\t01:00:00:00\t01:00:05:00\tA001\n");
+    ASSERT_EQ(reeldb({"import", "one.edl", "rushes.ale"}).code, 0);
+  }
+
+  /// The diff as JSON; the project keeps its bytes.
+  Json diff(Words words, int code = 0)
+  {
+    const std::string before = readFile("projects/main.reels");
+    words.insert(words.begin(), {"diff", "--json"});
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, code);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(readFile("projects/main.reels"), before);
+    return Json::parse(result.out);
+  }
+};
+
+Words clipsOf(const Json& shots)
+{
+  Words names;
+  for (const Json& shot : shots)
+    names.push_back(shot.at("clip"));
+  return names;
+}
+
+TEST_F(Diff, ListThatWasImportedHasNoDifferences)
+{
+  EXPECT_EQ(output({"diff", "one.edl"}), "no differences\n");
+  EXPECT_EQ(output({"diff", "--gone", "one.edl", "rushes.ale"}), "no differences\n");
+  EXPECT_EQ(diff({"one.edl"}), Json::parse(R"({"files": ["one.edl"], "equal": true, "reels_new": [], "reels_gone": null,
+              "spellings": [], "shots_added": [], "shots_gone": [], "rejected": []})"));
+}
+
+TEST_F(Diff, NewVersionTellsReelsAndShotsThatAreNewAndShotsThatWent)
+{
+  dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "03:00:00:00", "FOUR") +
+                            clip(3, "C001", "01:00:00:00", "FIVE"));
+  EXPECT_EQ(output({"diff", "two.edl"}), "1 reel new:\n"
+                                         "  C001\n"
+                                         "2 shots added:\n"
+                                         "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                                         "  A001  FOUR  V       03:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
+                                         "  C001  FIVE  V       01:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
+                                         "1 shot no longer there:\n"
+                                         "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                                         "  A001  TWO   V       02:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n");
+  const Json report = diff({"two.edl"});
+  EXPECT_EQ(report.at("equal"), false);
+  EXPECT_EQ(report.at("reels_new"), Json::parse(R"([{"reel": "C001", "candidates": []}])"));
+  EXPECT_EQ(clipsOf(report.at("shots_added")), (Words{"FOUR", "FIVE"}));
+  EXPECT_EQ(clipsOf(report.at("shots_gone")), Words{"TWO"});
+}
+
+TEST_F(Diff, GoneTellsReelsThatNoFileNamesWithTheirShots)
+{
+  dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "02:00:00:00", "TWO"));
+  EXPECT_EQ(diff({"two.edl"}).at("equal"), true);
+  const Json report = diff({"--gone", "two.edl"});
+  EXPECT_EQ(report.at("reels_gone"), Words{"B001"});
+  EXPECT_EQ(clipsOf(report.at("shots_gone")), Words{"THREE"});
+  EXPECT_NE(output({"diff", "--gone", "two.edl"}).find("1 reel gone:\n  B001\n"), std::string::npos);
+}
+
+TEST_F(Diff, SeveralFilesAreTakenTogether)
+{
+  dir_.write("a.edl", clip(1, "A001", "01:00:00:00", "ONE"));
+  dir_.write("b.edl", clip(1, "A001", "02:00:00:00", "TWO") + clip(2, "B001", "01:00:00:00", "THREE"));
+  EXPECT_EQ(diff({"--gone", "a.edl", "b.edl"}).at("equal"), true);
+  EXPECT_EQ(clipsOf(diff({"a.edl"}).at("shots_gone")), Words{"TWO"});
+}
+
+TEST_F(Diff, LogIsComparedWithTheShotsOfLogs)
+{
+  dir_.write("new.ale", "Heading\nFIELD_DELIM\tTABS\n\nColumn\nName\tTracks\tStart\tEnd\tTape\n\nData\n"
+                        "other\tV\t01:00:00:00\t01:00:05:00\tA001\n");
+  const Json report = diff({"--gone", "new.ale"});
+  EXPECT_EQ(clipsOf(report.at("shots_added")), Words{"other"});
+  EXPECT_EQ(clipsOf(report.at("shots_gone")), Words{"shot"});
+  EXPECT_EQ(report.at("reels_gone"), Words{});
+}
+
+TEST_F(Diff, OtherSpellingIsToldAndMakesNoReel)
+{
+  dir_.write("two.edl", clip(1, "a001", "01:00:00:00", "ONE") + clip(2, "A001", "02:00:00:00", "TWO"));
+  const Json report = diff({"two.edl"});
+  EXPECT_EQ(report.at("reels_new"), Json::array());
+  EXPECT_EQ(report.at("spellings"), Json::parse(R"([{"reel": "A001", "other": "a001"}])"));
+  EXPECT_EQ(report.at("shots_added"), Json::array());
+  EXPECT_EQ(report.at("shots_gone"), Json::array());
+  dir_.write("two.edl", clip(1, "a001", "01:00:00:00", "ONE") + clip(2, "a001", "02:00:00:00", "TWO"));
+  EXPECT_EQ(output({"diff", "two.edl"}), "same reel, other spelling:\n  a001 is A001\n");
+}
+
+TEST_F(Diff, NewReelThatGoesByAnotherNameIsToldSo)
+{
+  ASSERT_EQ(reeldb({"rename", "B001", "C001_210609_H1KV"}).code, 0);
+  EXPECT_NE(output({"diff", "one.edl"}).find("1 reel new:\n  B001 (perhaps C001_210609_H1KV: old name)\n"),
+            std::string::npos);
+  EXPECT_EQ(diff({"one.edl"}).at("reels_new").at(0).at("candidates").at(0).at("reasons"), Words{"old-name"});
+}
+
+TEST_F(Diff, ShotTwiceInTheListIsAddedOnce)
+{
+  dir_.write("two.edl", clip(1, "C001", "01:00:00:00", "X") + clip(2, "c001", "01:00:00:00", "X"));
+  EXPECT_EQ(diff({"two.edl"}).at("shots_added").size(), 1u);
+  EXPECT_EQ(diff({"two.edl", "two.edl"}).at("reels_new").size(), 1u);
+}
+
+TEST_F(Diff, RejectedLinesAreToldAndMakeTheExitCodeFour)
+{
+  dir_.write("bad.edl", readFile("one.edl") + "004  A001  V  C  01:00:00:00\n");
+  const ProcessResult result = reeldb({"diff", "bad.edl"});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_EQ(result.out, "no differences\n");
+  EXPECT_EQ(result.err, "reeldb: bad.edl: line 7 rejected: fewer than four timecodes (1) (004  A001  V  C  "
+                        "01:00:00:00)\n");
+  const Json report = diff({"bad.edl"}, 4);
+  EXPECT_EQ(report.at("rejected").at(0).at("file"), "bad.edl");
+  EXPECT_EQ(report.at("rejected").at(0).at("line"), 7);
+}
+
+TEST_F(Diff, FileThatCannotBeReadIsRefused)
+{
+  expectRefusal({"diff", "one.edl", "none.edl"}, "none.edl: cannot be read (No such file or directory)");
+}
+
+} // namespace

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <set>
+
+#include "cli/command_fixture.h"
+#include "cli/stored_field.h"
+
+namespace fs = std::filesystem;
+using namespace reeldb_tests;
+
+namespace {
+
+const Words reelLengths = {"3", "6", "8", "32", "129"};
+
+std::vector<fs::path> listsIn(const fs::path& folder)
+{
+  std::vector<fs::path> files;
+  for (const auto& entry : fs::directory_iterator(folder))
+    if (entry.is_regular_file() && (entry.path().extension() == ".edl" || entry.path().extension() == ".ale"))
+      files.push_back(entry.path());
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+class Export : public FacilityTest {
+protected:
+  /// Identifiers of the reels, and the shots: what a list carries.
+  Json contents(const std::string& project)
+  {
+    const Json all = json({"-p", project, "export", "--json"});
+    Json reels = Json::array();
+    for (const Json& reel : all.at("reels"))
+      reels.push_back({reel.at("id"), reel.at("shots")});
+    return {{"reels", std::move(reels)}, {"shots", all.at("shots")}};
+  }
+
+  /// Exports the project with these options and imports that in a project of its own, which is then as the first is.
+  void expectSameAfter(const Words& options, const std::string& project)
+  {
+    SCOPED_TRACE(testing::PrintToString(options));
+    Words words = {"-p", project, "export", "-o", "out"};
+    words.insert(words.end(), options.begin(), options.end());
+    ASSERT_EQ(reeldb(words).code, 0);
+    const std::string copy = numbered("copy", ++copies_);
+    output({"project", "new", copy});
+    const ProcessResult imported = reeldb({"-p", copy, "import", "--json", "out"});
+    fs::remove(path("out"));
+    ASSERT_EQ(imported.code, 0) << imported.out;
+    const Json report = Json::parse(imported.out).at("files").at(0);
+    EXPECT_EQ(report.at("special"), Json::array());
+    EXPECT_EQ(report.at("ambiguous"), Json::array());
+    EXPECT_EQ(report.at("spellings"), Json::array());
+    EXPECT_EQ(contents(copy), contents(project));
+  }
+
+  void expectRoundTrips(const fs::path& list)
+  {
+    SCOPED_TRACE(list.filename().string());
+    const std::string project = numbered("list", ++lists_);
+    output({"project", "new", project});
+    const int code = reeldb({"-p", project, "import", list.string()}).code;
+    ASSERT_TRUE(code == 0 || code == 4);
+    expectSameAfter({"--ale"}, project);
+    for (const std::string& length : reelLengths)
+      expectSameAfter({"--edl", "--reel-length", length}, project);
+  }
+
+  std::size_t copies_ = 0, lists_ = 0;
+};
+
+TEST_F(Export, EveryExampleComesBackAsTheSameReelsAndShots)
+{
+  const auto files = listsIn(REELDB_EXAMPLES);
+  ASSERT_GE(files.size(), 3u);
+  for (const fs::path& file : files)
+    expectRoundTrips(file);
+}
+
+TEST_F(Export, EverySampleComesBackAsTheSameReelsAndShots)
+{
+  const char* const folder = std::getenv("REELDB_SAMPLES");
+  if (!folder || listsIn(folder).empty())
+    GTEST_SKIP() << "REELDB_SAMPLES names no folder with lists";
+  for (const fs::path& file : listsIn(folder))
+    expectRoundTrips(file);
+}
+
+TEST_F(Export, CutListHasAMapOfTheNamesThatDoNotFit)
+{
+  dir_.write("cut.edl", "TITLE: X\n" + event(1, "A021C012_210609_H1KV", "V", "01:00:00:00", "01:00:01:00") +
+                            "* FROM CLIP NAME: ONE\n" + event(2, "B001", "AA/V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(output({"export", "--edl"}),
+            "TITLE: main\n"
+            "FCM: NON-DROP FRAME\n"
+            "* REEL MAP: A021C012 = A021C012_210609_H1KV\n"
+            "001  A021C012 V     C        01:00:00:00 01:00:01:00 01:00:00:00 01:00:01:00\n"
+            "* FROM CLIP NAME: ONE\n"
+            "002  B001     AA/V  C        02:00:00:00 02:00:01:00 01:00:00:00 01:00:01:00\n");
+  EXPECT_NE(output({"export", "--edl", "--reel-length", "32"})
+                .find("\n000001  A021C012_210609_H1KV             V     C        01:00:00:00"),
+            std::string::npos);
+}
+
+TEST_F(Export, LogHasTheRequiredColumnsAndThoseThatAreUsed)
+{
+  dir_.write("cut.ale", "Heading\nFIELD_DELIM\tTABS\n\nColumn\nName\tTracks\tStart\tEnd\tTape\n\nData\n"
+                        "one\tVA1A2\t01:00:00:00\t01:00:05:00\tA001\n");
+  ASSERT_EQ(reeldb({"import", "cut.ale"}).code, 0);
+  EXPECT_EQ(output({"export", "--ale"}),
+            "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t25\n\nColumn\n"
+            "Name\tTracks\tStart\tEnd\tTape\n\nData\n"
+            "one\tVA1A2\t01:00:00:00\t01:00:05:00\tA001\n");
+}
+
+TEST_F(Export, TableQuotesWhatItMust)
+{
+  dir_.write("cut.edl", event(1, "A\"1", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: one, two\n");
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(output({"export", "--csv"}),
+            "reel,clip,tracks,source_in,source_out,record_in,record_out,source_file,aliases,video_channels,"
+            "audio_channels\r\n"
+            "\"A\"\"1\",\"one, two\",V,01:00:00:00,01:00:01:00,01:00:00:00,01:00:01:00,,,1,0\r\n");
+  ASSERT_EQ(reeldb({"rename", "A\"1", "B1"}).code, 0);
+  ASSERT_EQ(reeldb({"set", "B1", "0=12A"}).code, 0);
+  EXPECT_EQ(output({"export", "--csv", "--reels"}),
+            "id,type,available,inhibit,label_mapping,bin,last_device,video_channels,audio_channels,user_field_0,"
+            "user_field_1,user_field_2,user_field_3,user_field_4,user_field_5,shots,old_names\r\n"
+            "B1,Tape 2ch,yes,no,,,,1,2,12A,,,,,,1,\"A\"\"1\"\r\n");
+}
+
+TEST_F(Export, JsonHoldsReelsAndShots)
+{
+  output({"create", "A001"});
+  const Json all = json({"export", "--json"});
+  EXPECT_EQ(all.at("project"), "main");
+  EXPECT_EQ(all.at("frame_rate"), "25");
+  EXPECT_EQ(all.at("reels").at(0).at("id"), "A001");
+  EXPECT_EQ(all.at("reels").at(0).at("old_names"), Json::array());
+  EXPECT_EQ(all.at("shots"), Json::array());
+  EXPECT_FALSE(json({"export", "--json", "--reels"}).contains("shots"));
+}
+
+TEST_F(Export, EmptyProjectMakesListsThatCanBeRead)
+{
+  for (const char* format : {"--edl", "--ale"})
+    expectSameAfter({format}, "main");
+}
+
+TEST_F(Export, ReelWithoutAShotIsToldOf)
+{
+  output({"create", "A001"});
+  const ProcessResult result = reeldb({"export", "--edl"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "reeldb: 1 reel without a shot: not in the list\n");
+}
+
+TEST_F(Export, OldNamesAndSpellingsOfShotsDoNotSplitAReel)
+{
+  dir_.write("a.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  dir_.write("b.edl", event(1, "a001", "V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "a.edl", "b.edl"}).code, 0);
+  const std::string list = output({"export", "--edl"});
+  EXPECT_EQ(list.find("a001"), std::string::npos) << list;
+  EXPECT_EQ(list.find("REEL MAP"), std::string::npos) << list;
+}
+
+TEST_F(Export, TextThatNoListCanHoldIsWrittenWithoutControlCharactersAndToldOf)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  respell(path("projects/main.reels"), "A001", "A\t0\n1");
+  for (const char* format : {"--edl", "--ale"}) {
+    const ProcessResult result = reeldb({"export", format, "--force", "-o", "out"});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.err, "reeldb: 'A 0\\x0a1': written as 'A 0 1' (a list cannot hold it as it is)\n");
+    const Json report = json({"import", "--dry-run", "--json", "out"});
+    EXPECT_EQ(report.at("files").at(0).at("created"), Words{"A 0 1"});
+  }
+}
+
+TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndToldOf)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: ONE\n" +
+                            event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  setStored(path("projects/main.reels"), "A001", "source_in", "soon");
+  const ProcessResult result = reeldb({"export", "--edl"});
+  EXPECT_EQ(result.code, 4);
+  EXPECT_EQ(result.err,
+            "reeldb: clip 'ONE' of reel 'A001': left out (source in 'soon' is no timecode: not hh:mm:ss:ff)\n");
+  EXPECT_NE(result.out.find("\n001  B001 "), std::string::npos);
+}
+
+TEST_F(Export, ReelThatListsMeanOtherwiseIsToldOf)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A001", "BARS"}).code, 0);
+  EXPECT_EQ(reeldb({"export", "--edl"}).err,
+            "reeldb: reel 'BARS': an import will not mean it (in lists it means: colour bars)\n");
+}
+
+TEST_F(Export, FileIsWrittenOnceAndReplacedOnlyByForce)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(output({"export", "--edl", "-o", "out.edl"}), "out.edl: 1 shot\n");
+  EXPECT_EQ(readFile("out.edl"), output({"export", "--edl"}));
+  dir_.write("out.edl", "mine");
+  expectRefusal({"export", "--edl", "-o", "out.edl"}, "out.edl: exists already (--force replaces it)");
+  EXPECT_EQ(readFile("out.edl"), "mine");
+  EXPECT_EQ(output({"export", "--edl", "--output", "out.edl", "--force"}), "out.edl: 1 shot\n");
+  EXPECT_EQ(readFile("out.edl"), output({"export", "--edl"}));
+}
+
+TEST_F(Export, ForceReplacesWhatALinkNames)
+{
+  dir_.write("mine", "mine");
+  fs::create_symlink("mine", path("link"));
+  EXPECT_EQ(output({"export", "--csv", "-o", "link", "--force"}), "link: 0 shots\n");
+  EXPECT_TRUE(fs::is_symlink(path("link")));
+  EXPECT_EQ(readFile("mine"), output({"export", "--csv"}));
+}
+
+TEST_F(Export, FileThatCannotBeWrittenLeavesNothingBehind)
+{
+  expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be written (No such file or directory)", 3);
+  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: a folder");
+  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: no regular file");
+  expectRefusal({"export", "--csv", "-o", ""}, "\"\": cannot be written (No such file or directory)", 3);
+  std::set<std::string> files;
+  for (const auto& entry : fs::directory_iterator(dir_.path()))
+    files.insert(entry.path().filename().string());
+  EXPECT_EQ(files.count("out"), 0u);
+  for (const std::string& name : files)
+    EXPECT_EQ(name.find("out."), std::string::npos) << name;
+}
+
+TEST_F(Export, MoreReelsThanNumbersAreRefused)
+{
+  std::string list;
+  for (int i = 1; i <= 999; ++i)
+    list += event(i, numbered("TAPE", static_cast<std::size_t>(i)), "V", "01:00:00:00", "01:00:01:00");
+  dir_.write("cut.edl", list);
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  expectRefusal({"export", "--edl", "--reel-length", "3", "-o", "out"},
+                "export: nothing written (999 reels are more than a field of 3 has names for)");
+  EXPECT_FALSE(fs::exists(path("out")));
+}
+
+TEST_F(Export, OptionsThatMakeNoSenseAreUsageErrors)
+{
+  const std::string which = "export: say which format: one of --edl, --ale, --csv, --json";
+  expectRefusal({"export"}, which, 2);
+  expectRefusal({"export", "--edl", "--ale"}, which, 2);
+  expectRefusal({"export", "--edl", "--reel-length", "7"}, "7: no length of a reel field (there are 3, 6, 8, 32, 129)",
+                2);
+  expectRefusal({"export", "--ale", "--reel-length", "8"}, "export: --reel-length is for --edl", 2);
+  expectRefusal({"export", "--edl", "--reels"}, "export: --reels is for --csv and --json (lists are of shots)", 2);
+  expectRefusal({"export", "--csv", "--force"}, "export: --force is for -o FILE", 2);
+}
+
+} // namespace

@@ -1,0 +1,193 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "lists/write.h"
+
+#include <tuple>
+
+#include <gtest/gtest.h>
+
+#include "lists/short_names.h"
+#include "support.h"
+
+using namespace reeldb::lists;
+using namespace reeldb::lists::test;
+
+namespace {
+
+Clip clipOf(const std::string& reel, const std::string& name, const std::string& tracks, int video, int audio)
+{
+  Clip clip;
+  clip.reel = reel;
+  clip.clipName = name;
+  clip.tracks = tracks;
+  clip.sourceIn = "01:00:00:00";
+  clip.sourceOut = "01:00:01:00";
+  clip.recordIn = "10:00:00:00";
+  clip.recordOut = "10:00:01:00";
+  clip.videoChannels = video;
+  clip.audioChannels = audio;
+  return clip;
+}
+
+auto valuesOf(const Clip& clip)
+{
+  return std::tuple(clip.reel, clip.clipName, clip.sourceFile, clip.tracks, clip.sourceIn, clip.sourceOut,
+                    clip.recordIn, clip.recordOut, clip.aliases, clip.videoChannels, clip.audioChannels);
+}
+
+void expectSame(const List& list, const std::vector<Clip>& clips)
+{
+  EXPECT_TRUE(list.rejected.empty());
+  EXPECT_TRUE(list.specials.empty());
+  EXPECT_TRUE(list.ambiguous.empty());
+  EXPECT_EQ(accountedLines(list), list.tally.lines);
+  ASSERT_EQ(list.clips.size(), clips.size());
+  for (std::size_t i = 0; i < clips.size(); ++i)
+    EXPECT_EQ(valuesOf(list.clips[i]), valuesOf(clips[i])) << i;
+}
+
+void expectRoundTrips(const std::vector<Clip>& clips)
+{
+  for (const std::size_t field : kReelFields) {
+    SCOPED_TRACE(field);
+    const Written written = writeEdl("TEST", clips, field);
+    EXPECT_EQ(written.clips, clips.size());
+    EXPECT_EQ(written.remarks, Strings{});
+    expectSame(read(written.text), clips);
+  }
+  SCOPED_TRACE("log");
+  expectSame(read(writeAle("25", clips).text), clips);
+}
+
+TEST(Write, ReelsOfAnySpellingComeBack)
+{
+  std::vector<Clip> clips;
+  for (const char* reel :
+       {"A021C012_210609_H1KV", "A021C012_210610_H1KV", "\xc3\x86r\xc3\xb8 7", "\xe6\x97\xa5", "a001",
+        "lighthouse plan (final).tif", "x = y", "REEL 1 IS CLIP 2", "(NULL)", "V", "001", "C", "K B"})
+    clips.push_back(clipOf(reel, "", "V", 1, 0));
+  expectRoundTrips(clips);
+}
+
+TEST(Write, LongNamesAreNotTakenForWrappedNotes)
+{
+  std::vector<Clip> clips = {clipOf(std::string(120, 'x') + " y", std::string(70, 'n') + " m", "V", 1, 0),
+                             clipOf(std::string(120, 'x') + " z", std::string(66, 'n'), "V", 1, 0)};
+  clips.front().sourceFile = std::string(64, 's') + " t.mov";
+  clips.front().aliases = {std::string(64, 'a') + " b", clips.front().sourceFile};
+  clips.back().aliases = {std::string(64, 'a') + " c"};
+  expectSame(read(writeEdl("", clips, 8).text), clips);
+  expectSame(read(writeAle("25", clips).text), clips);
+}
+
+TEST(Write, OtherNamesComeBackInTheirOrder)
+{
+  Clip clip = clipOf("A021C012_210609_H1KV", "ONE", "V", 1, 0);
+  clip.aliases = {"A021C012", "one.mov", "SR007"};
+  clip.sourceFile = "one.mov";
+  expectRoundTrips({clip});
+}
+
+TEST(Write, TracksOfTheOtherFormatComeBackWithTheirChannels)
+{
+  expectRoundTrips({clipOf("A", "", "VA1A2", 1, 2), clipOf("B", "", "V1 A1-8", 1, 8), clipOf("C1", "", "AA/V", 1, 2),
+                    clipOf("D1", "", "A1234V", 1, 4), clipOf("E", "", "NONE", 0, 0), clipOf("F", "", "D", 0, 0),
+                    clipOf("G", "", "B", 1, 1)});
+}
+
+TEST(Write, ChannelNumbersThatReadTwoWaysComeBackAsTheyWere)
+{
+  expectRoundTrips({clipOf("A", "", "A12", 0, 2), clipOf("B", "", "A12", 0, 1), clipOf("C1", "", "A10", 0, 1)});
+}
+
+TEST(Write, TimecodesThatAreNotThereComeBackEmpty)
+{
+  Clip source = clipOf("A", "", "V", 1, 0), none = clipOf("B", "", "V", 1, 0), half = clipOf("C1", "", "V", 1, 0);
+  source.recordIn = source.recordOut = "";
+  none.sourceIn = none.sourceOut = none.recordIn = none.recordOut = "";
+  half.sourceOut = half.recordIn = "";
+  expectRoundTrips({source, none, half});
+  const std::string text = writeEdl("", {source}, 8).text;
+  EXPECT_NE(text.find(" 01:00:00:00 01:00:01:00 01:00:00:00 01:00:01:00\n* NO TIMECODE: RECORD IN, RECORD OUT\n"),
+            std::string::npos)
+      << text;
+}
+
+TEST(Write, DropFrameIsSaidWhereItChanges)
+{
+  Clip drop = clipOf("A", "", "V", 1, 0);
+  drop.sourceIn = "01:00:00;00";
+  const std::string text = writeEdl("", {clipOf("A", "", "V", 1, 0), drop, drop}, 8).text;
+  EXPECT_EQ(text.find("FCM: NON-DROP FRAME\n001"), text.find("FCM"));
+  const std::size_t change = text.find("\nFCM: DROP FRAME\n002");
+  ASSERT_NE(change, std::string::npos) << text;
+  EXPECT_EQ(text.find("FCM", change + 4), std::string::npos);
+}
+
+TEST(Write, MoreEventsThanTheDeviceTakesAreWrittenAndRemarkedOn)
+{
+  std::vector<Clip> clips(1000, clipOf("A", "", "V", 1, 0));
+  const Written written = writeEdl("", clips, 8);
+  EXPECT_EQ(written.remarks,
+            Strings{"1000 events: more than the 999 of lists with a reel field of 8 (other programs may "
+                    "not read all of them)"});
+  EXPECT_EQ(read(written.text).clips.size(), 1000u);
+  EXPECT_EQ(writeEdl("", clips, 6).remarks, Strings{});
+  EXPECT_EQ(writeEdl("", clips, 32).remarks, Strings{});
+}
+
+TEST(Write, ClipNamesLongerThanLogsHaveAreWrittenAndRemarkedOn)
+{
+  const std::vector<Clip> clips = {clipOf("A", std::string(33, 'n'), "V", 1, 0),
+                                   clipOf("A", std::string(32, 'n'), "V", 1, 0)};
+  const Written written = writeAle("25", clips);
+  EXPECT_EQ(written.remarks, Strings{"1 clip names: longer than 32 characters (other programs may cut them)"});
+  expectSame(read(written.text), clips);
+}
+
+TEST(Write, ClipWithoutAReelIsLeftOut)
+{
+  const Written written = writeEdl("", {clipOf("", "ONE", "V", 1, 0)}, 8);
+  EXPECT_EQ(written.clips, 0u);
+  EXPECT_EQ(written.leftOut, Strings{"clip 'ONE' of reel '': left out (it has no reel)"});
+}
+
+TEST(Write, TextThatIsNoUtf8IsReadAsLatin1AndRemarkedOn)
+{
+  const Written written = writeAle("25", {clipOf("K\xdcSTE", "", "V", 1, 0)});
+  EXPECT_EQ(read(written.text).clips.at(0).reel, "K\xc3\x9cSTE");
+  EXPECT_EQ(written.remarks.size(), 1u);
+}
+
+TEST(ReelMap, TellsTheReelOfANameWhereverItStandsAndTheNameIsNoOtherName)
+{
+  const List list =
+      read("TITLE: X\n" + event("001", "A1 V C") + event("002", "a1 V C") + "*reel map: A1 =  LONG A 1\n" +
+           ">>> SOURCE A1_TABLE    A1 060a2b340101010501010d4313000000\n");
+  EXPECT_EQ(reels(list), (Strings{"LONG A 1", "LONG A 1"}));
+  EXPECT_EQ(list.clips[0].aliases, Strings{});
+  EXPECT_TRUE(list.spellings.empty());
+}
+
+TEST(ReelMap, TwoReelsForOneNameAreAmbiguous)
+{
+  const List list =
+      read("TITLE: X\n* REEL MAP: A1 = ONE\n* REEL MAP: A1 = TWO\n* REEL MAP: A1 = one\n" + event("001", "A1 V C"));
+  EXPECT_EQ(reels(list), Strings{"A1"});
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"ONE", "TWO"}));
+  EXPECT_EQ(list.ambiguous[0].reason, "the map of the list gives the name to several reels");
+}
+
+TEST(ReelMap, NoteThatIsNoneIsPassedOver)
+{
+  EXPECT_EQ(reels(read("TITLE: X\n* REEL MAP: A1 ONE\n* REEL MAP: A1 =\n* REEL MAP\n" + event("001", "A1 V C"))),
+            Strings{"A1"});
+}
+
+TEST(ReelMap, BlackStaysBlack)
+{
+  const List list = read("TITLE: X\n* REEL MAP: BL = ONE\n" + event("001", "BL V C"));
+  EXPECT_EQ(specialLines(list), 1);
+}
+
+} // namespace
