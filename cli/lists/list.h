@@ -23,7 +23,8 @@ public:
 enum class Format { Edl, Ale };
 
 /// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8 of at most 2,047
-/// bytes, without control characters and without outer blanks; an empty text means that the list does not say.
+/// bytes, without control characters (but for U+0080 to U+009F, which Latin-1 may hold) and without outer blanks; an
+/// empty text means that the list does not say.
 struct Clip {
   std::string reel;                 ///< the reel identifier, never empty, in the spelling the list used first
   std::string clipName;             ///< what the editor calls it
