@@ -69,7 +69,7 @@ fuzz: ## look for inputs that break something, FUZZ_SECONDS (20) for each target
 	@sh scripts/fuzz.sh
 
 mutate: ## change the library in one place at a time and see the tests fail: MUTANTS=200 SEED=1 for a sample
-	@sh scripts/setup.sh test
+	@sh scripts/setup.sh check
 	@python3 scripts/mutate.py
 
 bench: ## print the benchmarks

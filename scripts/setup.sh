@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
 # Installs the Debian packages that a job needs and that are not there yet: setup.sh run|test|check|bench|package
-# As root, or through sudo; without either it says what to install and stops.
+# As root, or through sudo; without either it says what to install and stops. The names are those of Debian 12; Ubuntu
+# 24.04 has the same ones, which was not tried.
 set -eu
 
 job=${1:-run}
@@ -9,8 +10,8 @@ job=${1:-run}
 build="g++ cmake ninja-build make libsqlite3-dev libsqlitecpp-dev libtomlplusplus-dev libcli11-dev libfmt-dev
        nlohmann-json3-dev libutfcpp-dev"
 tests="libgtest-dev libgmock-dev binutils clang-format-14 pkg-config procps"
-check="clang-14 libclang-rt-14-dev clang-tidy-14 llvm-14 abigail-tools valgrind"
-bench="libbenchmark-dev valgrind sqlite3"
+check="clang-14 libclang-rt-14-dev clang-tidy-14 llvm-14 abigail-tools python3 valgrind"
+bench="python3 valgrind sqlite3"
 package="debootstrap dpkg-dev file lintian"
 
 case $job in
