@@ -134,7 +134,7 @@ void report(const Options& options, const std::vector<Need>& needs)
 void tellTheRest(const std::string& file, const lists::List& list)
 {
   for (const lists::Special& special : list.specials)
-    complain(fmt::format("{}: {} needs no reel: {} ({}, {} {})", file, special.text, special.reason,
+    complain(fmt::format("{}: {}: no reel ({}; {}, {} {})", file, special.text, special.reason,
                          counted(special.count, "clip"), special.lines.size() == 1 ? "line" : "lines",
                          fmt::join(special.lines, ", ")));
   for (const lists::Warning& line : list.warnings)

@@ -113,12 +113,16 @@ TEST_F(ReelsOf, SourcesOfAListThatAreNoReelAreTold)
   const ProcessResult result = reeldb({"reels-of", "--json", "--file", "online.edl"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(Json::parse(result.out).size(), 1u);
-  EXPECT_NE(result.err.find("reeldb: online.edl: BL needs no reel: "), std::string::npos) << result.err;
-  EXPECT_NE(result.err.find("reeldb: online.edl: AX needs no reel: AX without a clip name or source file (1 clip, line "
+  EXPECT_NE(result.err.find("reeldb: online.edl: BL: no reel (black; 1 clip, line 2)\n"), std::string::npos)
+      << result.err;
+  EXPECT_NE(result.err.find("reeldb: online.edl: AX: no reel (AX without a clip name or source file; 1 clip, line "
                             "3)\n"),
             std::string::npos)
       << result.err;
-  EXPECT_NE(result.err.find("reeldb: online.edl: A*1 needs no reel: "), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("reeldb: online.edl: A*1: no reel (a star denotes internally generated material; "
+                            "1 clip, line 4)\n"),
+            std::string::npos)
+      << result.err;
 }
 
 TEST_F(ReelsOf, ReelFindsItsOwnShots)
@@ -155,7 +159,7 @@ TEST_F(ReelsOf, ListWithoutAClipTellsItsRejectedLinesAndThatNothingIsThere)
   const ProcessResult result = reeldb({"reels-of", "--file", "bad.edl"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err.find("reeldb: bad.edl: BL needs no reel: "), 0u) << result.err;
+  EXPECT_EQ(result.err.find("reeldb: bad.edl: BL: no reel (black; 1 clip, line 2)\n"), 0u) << result.err;
   EXPECT_NE(result.err.find("\nreeldb: bad.edl: line 3 rejected:"), std::string::npos) << result.err;
   EXPECT_NE(result.err.find("\nreeldb: bad.edl: no clip in it has a reel\n"), std::string::npos) << result.err;
 }
