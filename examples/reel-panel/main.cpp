@@ -21,20 +21,14 @@
 
 #include "ReelDbClient.h"
 #include "ReelDbManager.h"
+#include "reelhost/display_text.h"
 #include "reelhost/host.h"
+
+using reelhost::displayText;
 
 namespace {
 
 volatile std::sig_atomic_t ended = 0;
-
-/// The text without anything a terminal would take for a command.
-std::string shown(const char* text)
-{
-  std::string out = text;
-  std::replace_if(
-      out.begin(), out.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; }, '?');
-  return out;
-}
 
 /// Hears what happens to the reels. Handlers are called in the middle of changes, so they note and do not ask.
 class Panel final : public ReelDbClient {
@@ -43,7 +37,7 @@ public:
   void someReelDbRecChanged(LightweightString<char> id) override
   {
     stale_ = true;
-    news_ = shown(id.c_str());
+    news_ = displayText(id.c_str());
   }
 
   bool stale() const { return stale_; }
@@ -62,15 +56,15 @@ public:
     first_ = std::min(first_, std::max(0, static_cast<int>(ids.size()) - 1));
 
     std::string screen = "\x1b[H\x1b[2J"; // the cursor goes home, the screen is emptied
-    screen += "\x1b[1m" + shown(project.c_str()) + "\x1b[0m: " + std::to_string(ids.size()) + " reels" +
+    screen += "\x1b[1m" + displayText(project.c_str()) + "\x1b[0m: " + std::to_string(ids.size()) + " reels" +
               (news_.empty() ? "" : ", last changed: " + news_) + "\n";
     const int rows = size.ws_row - 2;
     for (int i = first_; i < std::min(static_cast<int>(ids.size()), first_ + rows); ++i) {
       const auto& id = ids[static_cast<std::size_t>(i)];
       ReelDbRec reel = manager.getReelInfo(id);
-      std::string line = shown(id.c_str());
+      std::string line = displayText(id.c_str());
       line.resize(std::max<std::size_t>(line.size(), 24), ' ');
-      line += "  " + shown(reel.typeName().c_str()) + (reel.reelAvailable() ? "" : "  (not at hand)");
+      line += "  " + displayText(reel.typeName().c_str()) + (reel.reelAvailable() ? "" : "  (not at hand)");
       screen += line + "\n";
     }
     screen += "\x1b[7m up, down: scroll   q: end \x1b[0m";
