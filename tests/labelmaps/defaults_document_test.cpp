@@ -2,12 +2,12 @@
 //
 // docs/label-map-defaults.md is what the library answers, written down: this test makes the document and compares.
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <sstream>
 
 #include "LabelMaps.h"
 #include "host/text.h"
+#include "labelmaps/facility_folder.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
@@ -47,20 +47,6 @@ device, whatever the project's rate is; otherwise the answer is that of the tabl
 
 class DefaultsDocument : public LibraryTest {
 protected:
-  /// In a facility with the usual maps.
-  DefaultsDocument()
-  {
-    std::string pattern = (std::filesystem::temp_directory_path() / "labelmaps.XXXXXX").string();
-    dir_ = mkdtemp(pattern.data());
-    reelhost::createFacility(dir_);
-    reelhost::useFacility(reelhost::Facility::read(dir_));
-  }
-  ~DefaultsDocument() override
-  {
-    reelhost::useFacility(reelhost::Facility());
-    std::filesystem::remove_all(dir_);
-  }
-
   std::string answer(int portType, int rate, const std::string& map = {})
   {
     reelhost::DeviceSettings settings = device(1, "Deck");
@@ -93,7 +79,7 @@ protected:
   }
 
 private:
-  std::filesystem::path dir_;
+  const FacilityFolder facility_;
 };
 
 TEST_F(DefaultsDocument, SaysWhatTheLibraryAnswers)

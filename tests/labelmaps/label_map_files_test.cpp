@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The same questions asked of label map files, in a facility on disk.
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 
 #include "LabelMaps.h"
 #include "host/text.h"
+#include "labelmaps/facility_folder.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
@@ -15,23 +14,10 @@ namespace {
 
 class LabelMapFiles : public LibraryTest {
 protected:
-  LabelMapFiles()
-  {
-    std::string pattern = (std::filesystem::temp_directory_path() / "labelmaps.XXXXXX").string();
-    dir_ = mkdtemp(pattern.data());
-    reelhost::createFacility(dir_);
-    reelhost::useFacility(reelhost::Facility::read(dir_));
-  }
-  ~LabelMapFiles() override
-  {
-    reelhost::useFacility(reelhost::Facility());
-    std::filesystem::remove_all(dir_);
-  }
-
   /// Writes a map file whose first entry is the one given; the others, thirteen as a rule, are not in use.
   void writeMap(const std::string& name, const std::string& source, const std::string& format, int others = 13)
   {
-    std::ofstream out(dir_ / "labelmaps" / (name + ".toml"));
+    std::ofstream out(facility_.path() / "labelmaps" / (name + ".toml"));
     out << entry("first", true, source, format);
     for (int i = 0; i < others; ++i)
       out << entry("other", false, "none", "text");
@@ -53,7 +39,7 @@ private:
            "\"\nformat = \"" + format + "\"\n";
   }
 
-  std::filesystem::path dir_;
+  const FacilityFolder facility_;
 };
 
 TEST_F(LabelMapFiles, WordsOfTheFileDecide)
