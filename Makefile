@@ -28,6 +28,8 @@ check: test asan coverage threads instructions abi-check ## all of it, in minute
 
 check-long: check ## all of it, in hours: what docs/reliability.md has its figures from
 	REELDB_LONG_TESTS=1 ctest --preset release
+	$(call build,clang-release)
+	ctest --preset clang-release
 	$(call build,tsan)
 	ctest --preset tsan
 	sh scripts/memcheck.sh build/release

@@ -8,7 +8,7 @@
 # abi.sh baseline LIBRARY    makes both baselines anew (make abi-baseline)
 # abi.sh self-test           plants changes in copies of the headers: what breaks must be found, what does not must pass
 #
-# Exits with 1 on a break, with 77 when something that it needs is not on this machine.
+# Exits with 1 on a break and when a tool is missing, with 77 on a machine that the baselines say nothing of.
 set -eu
 export LC_ALL=C
 
@@ -30,7 +30,7 @@ fail() {
 }
 
 for tool in abidw abidiff g++ readelf; do
-  command -v $tool >/dev/null || skip "$tool: not found (packages abigail-tools, g++, binutils)"
+  command -v $tool >/dev/null || fail "$tool: not found (packages abigail-tools, g++, binutils)"
 done
 [ "$(uname -m)" = $machine ] || skip "the baselines are those of $machine, and this is $(uname -m)"
 
