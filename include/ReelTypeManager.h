@@ -27,8 +27,8 @@ public:
   ReelTypeManager& operator=(const ReelTypeManager&) = delete;
 
   void getAllReelTypes(StringList& list); ///< appends every type name; clears nothing and sorts nothing
-  ReelType
-  type(const unsigned& index); ///< by position; beyond the end: the empty name without channels, which is then listed
+  /// By position; beyond the end: the empty name without channels, which is then listed.
+  ReelType type(const unsigned& index);
   ReelType type(const LightweightString<char>& name);
 
   /// True, with @p value set, when the first parameter token that contains @p paramName (in any case) and carries a
