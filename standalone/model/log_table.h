@@ -28,8 +28,9 @@ public:
     return log;
   }
 
-  void insert(Log& log); ///< REQUIRES: no log of this Cookie is in the table
-  void erase(Log& log);  ///< the log is gone from now on, unless it is in no table
+  /// REQUIRES: no log of this Cookie is in the table. Without memory for it nothing has changed: the log may go again.
+  void insert(Log& log);
+  void erase(Log& log); ///< the log is gone from now on, unless it is in no table
 
 private:
   struct Slot {
