@@ -50,9 +50,16 @@ Content readContent(Session& session)
   Content content;
   content.project = reelhost::projectInfo().name;
   content.rate = frameRateName(requireFacility(), reelhost::projectInfo().frameRate);
-  content.reels = readReels(session.manager(), reelhost::shotCounts());
-  for (const Reel& reel : content.reels)
-    content.oldNames.push_back(oldNamesOf(session.manager().getReelInfo(hostText(reel.id))));
+  // By record, not by name: of two reels that differ in case a lookup finds the first.
+  const ShotCounts shots = reelhost::shotCounts();
+  for (const Cookie& log : session.manager().reelList) {
+    const ReelDbRec record(log);
+    Reel reel = readReel(record, shots);
+    if (reel.id.empty())
+      continue;
+    content.reels.push_back(std::move(reel));
+    content.oldNames.push_back(oldNamesOf(record));
+  }
   content.shots = materialOf(reelhost::allShots());
   return content;
 }

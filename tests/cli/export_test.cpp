@@ -131,6 +131,19 @@ TEST_F(Export, TableQuotesWhatItMust)
             "B1,Tape 2ch,yes,no,,,,1,2,12A,,,,,,1,\"A\"\"1\"\r\n");
 }
 
+TEST_F(Export, ReelsThatDifferInCaseHaveTheirOwnOldNames)
+{
+  for (const char* const number : {"1", "2"}) {
+    output({"create", std::string("A") + number});
+    output({"rename", std::string("A") + number, std::string("N") + number});
+  }
+  respell(path("projects/main.reels"), "N2", "n1");
+  const Json reels = json({"export", "--json"}).at("reels");
+  ASSERT_EQ(reels.size(), 2u);
+  EXPECT_EQ(reels.at(0).at("old_names"), Words{"A1"});
+  EXPECT_EQ(reels.at(1).at("old_names"), Words{"A2"});
+}
+
 TEST_F(Export, JsonHoldsReelsAndShots)
 {
   output({"create", "A001"});
