@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module/importer.h"
 
+#include <functional>
 #include <utility>
+#include <vector>
 
 #include "ReelDbClient.h"
 #include "module/host_text.h"
@@ -17,21 +19,26 @@ constexpr int noDevice = -1;
 /// Hears which reels the library makes.
 class CreatedReels : public ReelDbClient {
 public:
-  explicit CreatedReels(std::vector<std::string>& ids) : ids_(ids) {}
+  using Hear = std::function<void(std::string id)>;
+  explicit CreatedReels(Hear hear) : hear_(std::move(hear)) {}
   void reelDbChanged(LightweightString<char> id) override
   {
     if (!id.empty())
-      ids_.push_back(text(id));
+      hear_(text(id));
   }
 
 private:
-  std::vector<std::string>& ids_;
+  Hear hear_;
 };
 
 } // namespace
 
 Importer::Importer(ReelDbManager& manager) : manager_(manager)
 {
+  std::vector<LightweightString<char>> ids;
+  manager_.getAllReelIds(ids, true);
+  for (const LightweightString<char>& id : ids)
+    addReel(text(id));
   for (const Cookie& log : reelhost::allShots())
     shots_.insert(shotKey(reelhost::materialOf(log)));
 }
@@ -41,7 +48,10 @@ Imported Importer::import(std::string file, lists::List list, Progress& progress
   Imported result;
   result.file = std::move(file);
   result.list = std::move(list);
-  const CreatedReels listener(result.created);
+  const CreatedReels listener([&](const std::string& id) {
+    addReel(id);
+    result.created.push_back(id);
+  });
   std::unordered_set<std::string> met, metShots;
   for (const lists::Clip& clip : result.list.clips) {
     const bool missing = met.insert(folded(clip.reel)).second && !noteReel(clip.reel, result);
@@ -58,12 +68,17 @@ Imported Importer::import(std::string file, lists::List list, Progress& progress
   return result;
 }
 
+void Importer::addReel(const std::string& id)
+{
+  reels_.try_emplace(folded(id), id);
+}
+
 bool Importer::noteReel(const std::string& id, Imported& result)
 {
-  ReelDbRec record = manager_.getReelInfo(hostText(id));
-  if (!record.valid())
+  const auto found = reels_.find(folded(id));
+  if (found == reels_.end())
     return false;
-  const std::string spelling = text(record.reelId());
+  const std::string& spelling = found->second;
   if (spelling != id)
     result.list.spellings.push_back({spelling, id});
   result.matched.push_back(spelling);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -20,7 +21,7 @@ int peek(FILE* file)
   return c == EOF ? EOF : std::ungetc(c, file);
 }
 
-/// Which characters end a piece.
+/// Which characters end a piece of a file.
 class Separators {
 public:
   explicit Separators(const char* characters)
@@ -33,6 +34,16 @@ public:
 private:
   bool ends_[UCHAR_MAX + 1] = {};
 };
+
+/// Where the first of the separators is, or the end. There are one or two of them, so a search for each is quicker than
+/// a look at each character.
+const char* findSeparator(const char* from, const char* end, const char* separators)
+{
+  for (; *separators && from != end; ++separators)
+    if (const void* const found = std::memchr(from, *separators, static_cast<std::size_t>(end - from)))
+      end = static_cast<const char*>(found);
+  return end;
+}
 
 /// Puts characters at the end of a buffer, many at a time.
 class Appender {
@@ -53,6 +64,22 @@ public:
     if (used_ == sizeof chunk_ - 1)
       flush();
   }
+  void put(const char* from, const char* end)
+  {
+    while (from != end) {
+      if (*from == '\0') {
+        put(*from++);
+        continue;
+      }
+      const std::size_t left = std::min(static_cast<std::size_t>(end - from), sizeof chunk_ - 1 - used_);
+      const std::size_t length = strnlen(from, left);
+      std::memcpy(chunk_ + used_, from, length);
+      used_ += length;
+      from += length;
+      if (used_ == sizeof chunk_ - 1)
+        flush();
+    }
+  }
   void flush()
   {
     chunk_[used_] = '\0';
@@ -66,6 +93,28 @@ private:
   char chunk_[256];
   std::size_t used_ = 0;
 };
+
+void readPiece(FILE* file, const char* separators, bool joinCrLf, Appender& piece)
+{
+  if (ferror_unlocked(file))
+    return; // for good, though the next character might be read
+  const Separators ends(separators);
+  int c = getc_unlocked(file);
+  for (; c != EOF && !ends.contain(c); c = getc_unlocked(file))
+    piece.put(static_cast<char>(c));
+  if (c == '\r' && joinCrLf && peek(file) == '\n')
+    static_cast<void>(getc_unlocked(file));
+}
+
+/// The same from memory; answers where the next piece begins. The text ends in a NUL that may be looked at.
+const char* cutPiece(const char* from, const char* end, const char* separators, bool joinCrLf, Appender& piece)
+{
+  const char* const separator = findSeparator(from, end, separators);
+  piece.put(from, separator);
+  if (separator == end)
+    return end;
+  return separator + (*separator == '\r' && joinCrLf && separator[1] == '\n' ? 2 : 1);
+}
 
 } // namespace
 
@@ -90,23 +139,11 @@ bool ByteStream::atEnd() const
 
 ByteStream& operator>>(ByteStream& in, GrowString& out)
 {
-  const auto next = [&in]() -> int {
-    if (in.file_)
-      return getc_unlocked(in.file_);
-    return in.pos_ == in.end_ ? EOF : static_cast<unsigned char>(*in.pos_++);
-  };
-  // A text in memory ends in a NUL that may be looked at.
-  const auto lineFeedFollows = [&in] { return (in.file_ ? peek(in.file_) : *in.pos_) == '\n'; };
-
   Appender piece(out);
-  if (in.file_ && ferror_unlocked(in.file_))
-    return in; // for good, though the next character might be read
-  const Separators separators(in.separators);
-  int c = next();
-  for (; c != EOF && !separators.contain(c); c = next())
-    piece.put(static_cast<char>(c));
-  if (c == '\r' && in.joinCrLf && lineFeedFollows())
-    next();
+  if (in.file_)
+    readPiece(in.file_, in.separators, in.joinCrLf, piece);
+  else
+    in.pos_ = cutPiece(in.pos_, in.end_, in.separators, in.joinCrLf, piece);
   piece.flush();
   return in;
 }
