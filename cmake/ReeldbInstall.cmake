@@ -73,15 +73,20 @@ endfunction()
 reeldb_install_link(examples ${CMAKE_INSTALL_FULL_DATADIR}/reeldb/examples)
 reeldb_install_link(include ${CMAKE_INSTALL_FULL_INCLUDEDIR}/reeldb)
 
-# --- The command brings its own program and module; with it go the lists to try it on and, where the build has made
-# them in its folder share/ as they are to lie below the prefix, manual pages and completions.
+# --- The command brings its own program and module; with it go the lists to try it on, what shells need to complete its
+# lines, and its manual pages, which the build makes.
 file(GLOB lists CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/examples/*.edl ${PROJECT_SOURCE_DIR}/examples/*.ale ${PROJECT_SOURCE_DIR}/examples/*.csv)
 install(FILES ${lists} DESTINATION ${data_dir}/examples COMPONENT tool)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT tool OPTIONAL)
+set(completions ${PROJECT_SOURCE_DIR}/cli/completions)
+install(FILES ${completions}/reeldb.bash RENAME reeldb
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT tool)
+install(FILES ${completions}/_reeldb DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT tool)
+install(FILES ${completions}/reeldb.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tool)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT tool)
 
 # --- Documents, in the folders in which their links lead to each other: those about using the command go with it
-set(tool_documents index.md glossary.md performance.md formats pictures)
+set(tool_documents index.md commands glossary.md performance.md formats pictures)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGES.md ${PROJECT_SOURCE_DIR}/LICENSE
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 install(FILES ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

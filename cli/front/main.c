@@ -40,18 +40,30 @@ static int run(const struct module* module, const struct arguments* arguments, c
   return module->run(arguments->count, arguments->values);
 }
 
+/// Shells ask what may follow on a line by running it so far, with this in the environment.
+static bool is_being_typed(void)
+{
+  const char* set = getenv("REELDB_COMPLETE");
+  return set && *set;
+}
+
 int main(int argc, char** argv)
 {
+  const bool is_typed = is_being_typed();
   struct arguments arguments;
-  if (!read_arguments(argc, argv, &arguments)) {
+  if (!read_arguments(argc, argv, &arguments) && !is_typed) {
     free_arguments(&arguments);
     return exit_usage;
   }
+  if (is_typed)
+    arguments.without_facility = false; // what follows may be a name out of it
   struct refusal refusal = {0};
   struct remarks remarks = {0};
   struct module module;
   choose_facility(&arguments, &refusal, &remarks);
-  const int code = load_module(&module) ? run(&module, &arguments, &refusal, &remarks) : exit_unreadable;
+  int code = exit_unreadable;
+  if (load_module(&module))
+    code = is_typed ? module.complete(argc, argv) : run(&module, &arguments, &refusal, &remarks);
   free(refusal.text);
   free_remarks(&remarks);
   free_arguments(&arguments);

@@ -63,9 +63,10 @@ bool load_module(struct module* module)
     return false;
   // The way to a function from dlsym that C allows.
   *(void**)&module->run = dlsym(handle, "reeldb_main");
+  *(void**)&module->complete = dlsym(handle, "reeldb_complete");
   *(void**)&module->needs_facility = dlsym(handle, "reeldb_needs_facility");
   *(void**)&module->complain = dlsym(handle, "reeldb_complain");
-  if (!module->run || !module->needs_facility || !module->complain) {
+  if (!module->run || !module->complete || !module->needs_facility || !module->complain) {
     print_message("libreelcli.so: does not belong to this program (entry point missing)");
     return false;
   }

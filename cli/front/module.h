@@ -10,6 +10,7 @@
 
 struct module {
   reeldb_main_function* run;
+  reeldb_main_function* complete;
   reeldb_needs_facility_function* needs_facility;
   reeldb_complain_function* complain;
 };

@@ -13,6 +13,7 @@
 
 #include <CLI/App.hpp>
 
+#include "module/completion.h"
 #include "module/exit_code.h"
 
 namespace reeldb::cli {
@@ -57,6 +58,9 @@ public:
   /// Reads a line as main gets it. Once.
   Reading read(int argc, char** argv);
   const Globals& globals() const { return globals_; }
+
+  /// What may stand in place of the last of these words, or go on from it.
+  Completion complete(const std::vector<std::string>& words) const { return completionOf(app_, words); }
 
 private:
   struct Entry {

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "module/entry.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <new>
 
 #include "module/command_line.h"
+#include "module/completion_values.h"
+#include "module/display_text.h"
 #include "module/failure.h"
 #include "module/output.h"
 #include "reelhost/host.h"
@@ -54,6 +57,36 @@ ExitCode runLine(int argc, char** argv)
   return flushOutput() ? code : unreadable;
 }
 
+std::vector<CompletionWord> completionWords(const Completion& completion)
+{
+  if (!completion.words.empty())
+    return completion.words;
+  try {
+    reelhost::startUp();
+    return completionValues(completion);
+  } catch (const std::exception&) {
+    return {}; // without a facility, say; who runs the line is told
+  }
+}
+
+/// A word that shows its own bytes and fits into one line.
+bool canBeTyped(const std::string& word)
+{
+  return displayText(word) == word;
+}
+
+ExitCode complete(int argc, char** argv)
+{
+  const Completion completion = CommandLine().complete(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
+  print(completion.value == ValueKind::File     ? "files\n"
+        : completion.value == ValueKind::Folder ? "folders\n"
+                                                : "words\n");
+  for (const CompletionWord& candidate : completionWords(completion))
+    if (canBeTyped(candidate.word) && candidate.word.compare(0, completion.typed.size(), completion.typed) == 0)
+      print(completion.start + candidate.word + '\t' + displayText(candidate.description) + '\n');
+  return flushOutput() ? done : unreadable;
+}
+
 } // namespace
 
 } // namespace reeldb::cli
@@ -62,6 +95,11 @@ ExitCode runLine(int argc, char** argv)
 extern "C" __attribute__((visibility("default"))) int reeldb_main(int argc, char** argv)
 {
   return reeldb::cli::runLine(argc, argv);
+}
+
+extern "C" __attribute__((visibility("default"))) int reeldb_complete(int argc, char** argv)
+{
+  return reeldb::cli::complete(argc, argv);
 }
 
 extern "C" __attribute__((visibility("default"))) int reeldb_needs_facility(int argc, char** argv)

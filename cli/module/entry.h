@@ -19,6 +19,11 @@ reeldb_main_function reeldb_main;
 /** Whether the line is well formed and its command works on a facility. Says nothing and does nothing. */
 reeldb_needs_facility_function reeldb_needs_facility;
 
+/** Prints what may follow on the line, whose last word is being typed: a line "words", "files" or "folders", which says
+ * where the words come from that may stand there, and then those that reeldb knows, each with a tab and its
+ * description. Says nothing of what is wrong. Answers the exit code. */
+reeldb_main_function reeldb_complete;
+
 /** Writes "reeldb: " and the message, made fit for a terminal, to standard error. */
 reeldb_complain_function reeldb_complain;
 

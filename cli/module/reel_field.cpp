@@ -163,6 +163,16 @@ std::optional<int> numberOfDisplayName(const std::string& name, ReelDbManager& m
 
 } // namespace
 
+std::vector<std::string> reelFieldNames()
+{
+  std::vector<std::string> names;
+  for (const ReelField& field : fixedFields())
+    names.push_back(field.name);
+  for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
+    names.push_back(userField(i).name);
+  return names;
+}
+
 bool isReservedFieldName(const std::string& name)
 {
   return fixedField(name) || isNumber(name);

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "ReelDbManager.h"
 #include "ReelDbRec.h"
@@ -22,6 +23,9 @@ struct ReelField {
 /// The field of that name: one of the fixed names, a user field by its number, or by its display name, letter case
 /// aside. Throws Failure when there is none, or when two user fields are called that.
 ReelField findReelField(const std::string& name, ReelDbManager& manager);
+
+/// The fixed names, then those of the user fields by number.
+std::vector<std::string> reelFieldNames();
 
 /// Whether findReelField takes the name for a fixed field or a number, so that no user field is found by it.
 bool isReservedFieldName(const std::string& name);

@@ -69,13 +69,20 @@ $LIBDIR/cmake/reeldb/reeldbConfigVersion.cmake
 $LIBDIR/pkgconfig/reeldb.pc
 $LIBDIR/pkgconfig/reeldb-host.pc
 $LIBDIR/pkgconfig/reeldb-host-values.pc
+share/bash-completion/completions/reeldb
 share/doc/reeldb/LICENSE
+share/doc/reeldb/docs/commands/import.md
 share/doc/reeldb/docs/embedding.md
+share/fish/vendor_completions.d/reeldb.fish
+share/man/man1/reeldb.1
+share/man/man1/reeldb-device-show.1
+share/man/man1/reeldb-host-check.1
 share/reeldb/examples/consumer/CMakeLists.txt
 share/reeldb/examples/minimal-host/minimal_host.cpp
 share/reeldb/examples/cut-list.edl
 share/reeldb/host-contract/host_fixture.h
 share/reeldb/host-contract/logs_contract.cpp
+share/zsh/vendor-completions/_reeldb
 END
   [ ! -e "$moved/share/reeldb/host-contract/standalone_host.cpp" ] || fail "a host's own set-up is installed"
   echo "install_test: $(find "$moved" -type f | wc -l) files"

@@ -1,0 +1,18 @@
+# SPDX-License-Identifier: Apache-2.0
+# fish completion for reeldb: the command itself says what may follow.
+
+function __reeldb_complete
+    set -l words (commandline -opc)
+    set -l typed (commandline -ct | string unescape | string collect --allow-empty)
+    set -l lines (REELDB_COMPLETE=1 $words[1] $words[2..-1] "$typed" 2>/dev/null)
+    switch "$lines[1]"
+        case files
+            __fish_complete_path "$typed"
+        case folders
+            __fish_complete_directories "$typed"
+        case words
+            test (count $lines) -gt 1; and printf '%s\n' $lines[2..-1]
+    end
+end
+
+complete -c reeldb -f -a '(__reeldb_complete)'
