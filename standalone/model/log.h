@@ -44,7 +44,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   const reelhost::model::CookieWords words;
   LightweightString<char> reelId; ///< attribute 20: what the block holds under "reelid", or nothing
   const char* reelIdText = "";    ///< the text of reelId, to be fetched before it is read
-  Edit::Impl* follower = nullptr; ///< the log made after this one; null for the last
+  Edit::Impl* follower = nullptr; ///< the log that is likely to be opened next; may be null
   bool isGone = false;            ///< deleted; only handles that were open then still know it
 
   const Zr::UUID uuid;

@@ -10,22 +10,28 @@
 namespace reelhost::model {
 
 /// Finds a log by its Cookie. The library opens logs by the thousand to find one reel, and this is what an opening
-/// costs. It opens them in the order in which they were made, so the one made after the last one found is looked at
-/// first; all others are found in one array, searched from the hash on until a free place.
+/// costs. It opens them in one order again and again, so the one that came after the last one found, when that was
+/// found before, is looked at first; the first time it is the one that was made after it. What is looked for several
+/// times in a row comes next. All others are found in one array, searched from the hash on until a free place.
 class LogTable {
 public:
   LogTable() : slots_(16), shift_(64 - 4) {}
 
   Log* find(const CookieWords& words)
   {
-    Log* log = expected_;
-    if (!log || log->words != words || log->isGone) {
-      log = search(words);
+    if (!isThere(expected_, words)) {
+      if (isThere(found_, words))
+        return found_;
+      Log* const log = search(words);
       if (!log)
         return nullptr;
+      if (found_)
+        found_->follower = log;
+      expected_ = log;
     }
-    expect(log->follower);
-    return log;
+    found_ = expected_;
+    expect(found_->follower);
+    return found_;
   }
 
   /// REQUIRES: no log of this Cookie is in the table. Without memory for it nothing has changed: the log may go again.
@@ -37,6 +43,8 @@ private:
     std::uint64_t first = 0, second = 0;
     Log* log = nullptr; ///< null: the place is free
   };
+
+  static bool isThere(const Log* log, const CookieWords& words) { return log && log->words == words && !log->isGone; }
 
   /// Has the processor fetch what is read next if the logs are opened in turn.
   void expect(Log* log)
@@ -73,7 +81,8 @@ private:
   unsigned shift_;          ///< 64 less its exponent
   std::size_t count_ = 0;
   Log* last_ = nullptr;     ///< the log inserted last
-  Log* expected_ = nullptr; ///< the log made after the one found last; it may be gone
+  Log* found_ = nullptr;    ///< the log found last; it may be gone
+  Log* expected_ = nullptr; ///< its follower; likewise
 };
 
 } // namespace reelhost::model

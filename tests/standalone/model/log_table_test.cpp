@@ -87,6 +87,34 @@ TEST_F(LogTableTest, ATagMakesAnotherLog)
   EXPECT_EQ(table.find(tagged.words), &tagged);
 }
 
+TEST_F(LogTableTest, TheOrderOfOpeningIsRemembered)
+{
+  LogTable table;
+  Log &first = make(1), &between = make(2), &last = make(3);
+  for (Log* log : {&first, &between, &last})
+    table.insert(*log);
+  EXPECT_EQ(first.follower, &between) << "the one made after it, as long as nobody opens another";
+  for (Log* log : {&first, &last, &last, &first})
+    EXPECT_EQ(table.find(log->words), log);
+  EXPECT_EQ(first.follower, &last);
+  EXPECT_EQ(last.follower, &first) << "opening one again is no step";
+  EXPECT_EQ(table.find(between.words), &between);
+  EXPECT_EQ(first.follower, &between);
+}
+
+TEST_F(LogTableTest, ALogThatIsGoneIsNotFoundWhereItWasExpected)
+{
+  LogTable table;
+  Log &first = make(1), &second = make(2);
+  for (Log* log : {&first, &second})
+    table.insert(*log);
+  EXPECT_EQ(table.find(first.words), &first);
+  table.erase(second);
+  EXPECT_EQ(table.find(second.words), nullptr) << "expected next";
+  table.erase(first);
+  EXPECT_EQ(table.find(first.words), nullptr) << "found last";
+}
+
 TEST_F(LogTableTest, TakingOutALogThatIsNotInItChangesNothing)
 {
   LogTable table;
