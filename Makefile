@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check check-long asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages clean
+.PHONY: run test check check-long asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages reference clean
 JOBS ?= $(shell nproc)
 
 # $(call build,PRESET): configures and builds one preset
@@ -22,7 +22,7 @@ test: ## build and pass every test
 	cmake --build --preset release -j $(JOBS)
 	ctest --preset release
 
-check: test asan coverage threads instructions abi-check ## all of it, in minutes: sanitizers, coverage, counts, ABI, fuzzing, mutants
+check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, comments, fuzzing, mutants
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
 
@@ -102,6 +102,10 @@ pages: ## write docs/commands anew, out of what the command says of itself
 	cmake --preset release >/dev/null
 	cmake --build --preset release -j $(JOBS) --target reeldb_command
 	sh tools/pages/pages.sh markdown build/release/bin/reeldb docs/commands
+
+reference: ## build the reference of the headers, in build/reference; what has no comment fails it
+	@sh scripts/setup.sh check
+	@sh scripts/reference.sh
 
 clean: ## remove everything that was built
 	rm -rf build

@@ -91,6 +91,7 @@ install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGES.md $
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 install(FILES ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)
 file(GLOB documents CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/docs/*)
+list(REMOVE_ITEM documents Doxyfile) # for making the reference, which needs the sources
 foreach(document IN LISTS documents)
   if(document IN_LIST tool_documents)
     set(component tool)

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+/// @file
+/// What makes a declaration an exported one.
 #ifndef REELDB_EXPORT_H
 #define REELDB_EXPORT_H
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// The host's reference-counted strings. Reel identifiers and type names are narrow (bytes, UTF-8 by convention), device
-// and file names wide (one 32-bit code point each).
+/// @file
+/// The host's reference-counted strings. Reel identifiers and type names are narrow (bytes, UTF-8 by convention),
+/// device and file names wide (one 32-bit code point each).
 #ifndef REELDB_HOST_LWSTRING_H
 #define REELDB_HOST_LWSTRING_H
 
@@ -17,38 +17,45 @@ class LightweightString {
 public:
   LightweightString();                  ///< empty, without a body
   LightweightString(const CharT* text); ///< copies the text; null or "" gives no body. Implicit by design.
+  /// Copies @p len elements; null or none gives no body. A NUL among them ends the text for who reads c_str().
   LightweightString(const CharT* text, std::size_t len);
-  LightweightString(const LightweightString& other); ///< shares the body
-  LightweightString(LightweightString&& other) noexcept;
-  ~LightweightString();
-  LightweightString& operator=(const LightweightString& other); ///< self-assignment does nothing
-  LightweightString& operator=(LightweightString&& other) noexcept;
-  LightweightString& operator=(const CharT* text); ///< reuses an unshared body that has room
-  const CharT* c_str() const;                      ///< never null, NUL terminated; "" without a body
+  LightweightString(const LightweightString& other);                ///< shares the body
+  LightweightString(LightweightString&& other) noexcept;            ///< takes the body; @p other is empty then
+  ~LightweightString();                                             ///< lets go of the body; the last holder frees it
+  LightweightString& operator=(const LightweightString& other);     ///< shares the body; self-assignment does nothing
+  LightweightString& operator=(LightweightString&& other) noexcept; ///< takes the body; moved to itself it keeps it
+  LightweightString& operator=(const CharT* text); ///< copies the text, into an unshared body that has room
+  const CharT* c_str() const;                      ///< never null, NUL terminated; valid until the next change
   std::size_t length() const;                      ///< in elements; 0 without a body
-  bool empty() const;
-  CharT* writable(); ///< the text for changing in place; detaches a shared body. Null without a body.
-  LightweightString& append(const CharT* text);
-  LightweightString& append(const LightweightString& text);
+  bool empty() const;                              ///< whether the length is 0
+  /// The text for changing in place, at its length; detaches a shared body first, so no other string changes. Null
+  /// without a body.
+  CharT* writable();
+  LightweightString& append(const CharT* text);             ///< null appends nothing; @p text may lie in this string
+  LightweightString& append(const LightweightString& text); ///< @p text may be this string
 
 private:
   struct Body; ///< the count, the length, the capacity, then the text
   Body* body_;
 };
 
+/// The two texts, one behind the other.
 template <class CharT>
 LightweightString<CharT> operator+(const LightweightString<CharT>&, const LightweightString<CharT>&);
-LightweightString<char> operator+(const char*, const LightweightString<char>&);
-LightweightString<char> operator+(const LightweightString<char>&, const char*);
-LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&, const wchar_t*);
+LightweightString<char> operator+(const char*, const LightweightString<char>&);          ///< the same; null: no text
+LightweightString<char> operator+(const LightweightString<char>&, const char*);          ///< the same; null: no text
+LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&, const wchar_t*); ///< the same; null: no text
 
 /// Appends the decimal form of a number. A character is a number too: `s += 'x'` appends "120".
 LightweightString<char>& operator+=(LightweightString<char>&, int);
 
+// The host instantiates them: no further functions.
+/// @cond instantiations
 extern template class LightweightString<char>;
 extern template class LightweightString<wchar_t>;
 extern template LightweightString<char> operator+(const LightweightString<char>&, const LightweightString<char>&);
 extern template LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&,
                                                      const LightweightString<wchar_t>&);
+/// @endcond
 
 #endif

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Memory and reference counts: the services every other part of the host rests on.
-//
-// These are the first things called in a process and the last: the library's operator new arrives here before any
-// constructor of the program has run, and its operator delete after all destructors have. A host therefore keeps
-// whatever stands behind OS() free of constructors, of operator new and of containers.
+/// @file
+/// Memory and reference counts: the services every other part of the host rests on.
+///
+/// These are the first things called in a process and the last: the library's operator new arrives here before any
+/// constructor of the program has run, and its operator delete after all destructors have. A host therefore keeps
+/// whatever stands behind OS() free of constructors, of operator new and of containers.
 #ifndef REELDB_HOST_OS_H
 #define REELDB_HOST_OS_H
 
@@ -20,7 +20,7 @@ public:
   virtual void release(void* p) = 0;
 
 protected:
-  ~iAllocator() = default;
+  ~iAllocator() = default; ///< the host's own; never deleted by who calls it
 };
 
 /// Counts of shared bodies. The count lives in the body; the service alone changes it, so that the host decides
@@ -28,26 +28,26 @@ protected:
 /// worker thread and down on the main thread.
 class iRefCountService {
 public:
-  /// Adds one to *address.
+  /// Adds one to `*address`.
   virtual void incRef(int* address) = 0;
-  /// Takes one from *address and returns what remains; the caller frees the body when that is 0.
+  /// Takes one from `*address` and returns what remains; the caller frees the body when that is 0.
   virtual int decRef(int* address) = 0;
 
 protected:
-  ~iRefCountService() = default;
+  ~iRefCountService() = default; ///< the host's own
 };
 
 /// The services that OS() hands out.
 class iHostServices {
 public:
-  virtual iAllocator& allocator() = 0;
-  virtual iRefCountService& refCounts() = 0;
+  virtual iAllocator& allocator() = 0;       ///< always the same one
+  virtual iRefCountService& refCounts() = 0; ///< always the same one
 
 protected:
-  ~iHostServices() = default;
+  ~iHostServices() = default; ///< the host's own
 };
 
-/// The host's services: never null, usable from any thread, before main() and after exit().
+/// The host's services: never null, always the same, usable from any thread, before main() and after exit().
 iHostServices* OS();
 
 #endif

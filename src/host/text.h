@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Conversions, the host's own texts, the debug print, and the byte stream that files and parameters are read with.
+/// @file
+/// Conversions, the host's own texts, the debug print, and the byte stream that files and parameters are read with.
+/// The library calls them on the main thread, and on the thread that loads it. What has to grow throws std::bad_alloc
+/// when there is no memory.
 #ifndef REELDB_HOST_TEXT_H
 #define REELDB_HOST_TEXT_H
 
@@ -10,7 +12,7 @@
 
 #include "lwstring.h"
 
-/// Wide to UTF-8. A value outside Unicode becomes U+FFFD.
+/// Wide to UTF-8. A value outside Unicode, or a surrogate, becomes U+FFFD.
 LightweightString<char> toUTF8(const LightweightString<wchar_t>&);
 /// UTF-8 to wide. Each byte that is not part of a well-formed sequence becomes U+FFFD.
 LightweightString<wchar_t> fromUTF8(const LightweightString<char>&);
@@ -24,31 +26,34 @@ namespace Zr {
 LightweightString<wchar_t> WStringFromAscii(const char*);
 } // namespace Zr
 
-using ResId = unsigned int;
+using ResId = unsigned int; ///< names a text of the host; 10043 is its word for a reel
+/// How a text of the host is written. The library passes 0 alone.
 enum ResStrFmt : int {};
 
-/// The host's text of resource @p id between @p before and @p after, either of which may be null.
+/// The host's text of resource @p id, in the user's language, between @p before and @p after, either of which may be
+/// null. An unknown one is empty. Main thread only.
 LightweightString<wchar_t> paddedResourceStrW(ResId id, const wchar_t* before, const wchar_t* after, ResStrFmt);
 
-/// Prints to the host's debug output, as printf does. The library's messages end in a newline.
+/// Prints to the host's debug output, as printf does, and answers the number of bytes or a negative number. The
+/// library's messages end in a newline; it ignores the answer.
 int vorn_printf(const char* format, ...)
 #ifdef __GNUC__
     __attribute__((format(printf, 1, 2)))
 #endif
     ;
 
-/// A growable character buffer.
+/// A growable character buffer, in memory of OS()->allocator().
 class GrowString {
 public:
-  GrowString();
-  GrowString(const GrowString&);
-  ~GrowString();
-  GrowString& operator=(const GrowString&);
-  GrowString& operator=(const char*); ///< replaces the text; null gives the empty text
-  void append(const char*);
-  void append(char);
-  GrowString& operator<<(unsigned); ///< appends the decimal form
-  operator const char*() const;     ///< never null, NUL terminated; valid until the next change
+  GrowString();                             ///< the empty text
+  GrowString(const GrowString&);            ///< copies the text
+  ~GrowString();                            ///< ends the text
+  GrowString& operator=(const GrowString&); ///< copies the text
+  GrowString& operator=(const char*);       ///< replaces the text; null gives the empty text
+  void append(const char*);                 ///< null appends nothing; may lie in this buffer
+  void append(char);                        ///< one character
+  GrowString& operator<<(unsigned);         ///< appends the decimal form
+  operator const char*() const;             ///< never null, NUL terminated; valid until the next change
 
 private:
   char* text_;
@@ -60,15 +65,16 @@ class ByteStream {
 public:
   explicit ByteStream(FILE*);       ///< borrows the file and never closes it; a read error counts as the end
   explicit ByteStream(GrowString&); ///< borrows the buffer, which must stay as it is while it is read
-  explicit ByteStream(const LightweightString<char>&);
-  ~ByteStream();
-  ByteStream(const ByteStream&) = delete;
+  explicit ByteStream(const LightweightString<char>&); ///< holds the text, whatever the caller does with his string
+  ~ByteStream();                                       ///< closes nothing; the file may be closed by now
+  ByteStream(const ByteStream&) = delete;              ///< not copied: it has a place in its text
   ByteStream& operator=(const ByteStream&) = delete;
 
   GrowString separators; ///< empty by default; each character of it is a separator by itself
   bool joinCrLf = false; ///< whether a CR directly followed by LF counts as one separator
   bool atEnd() const;    ///< whether no unread character remains; true at once over an empty text
 
+  /// Reads a piece; see below.
   friend ByteStream& operator>>(ByteStream&, GrowString&);
 
 private:
@@ -78,7 +84,8 @@ private:
   LightweightString<char> held_;
 };
 
-/// Replaces the text of the buffer by the characters up to the next separator or the end, and consumes that separator.
+/// Replaces the text of the buffer by the characters up to the next separator or the end, and consumes that separator,
+/// one only. At the end the text is empty.
 ByteStream& operator>>(ByteStream&, GrowString&);
 
 #endif

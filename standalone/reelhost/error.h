@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+/// @file
+/// How the standalone host fails.
 #ifndef REELHOST_ERROR_H
 #define REELHOST_ERROR_H
 
@@ -17,11 +19,11 @@ enum class ErrorKind {
   Io,         ///< the system refused a read or a write (disk full, permission)
 };
 
-/// The one exception of the standalone host. what() reads "subject: fact (cause)".
+/// The one exception of the standalone host; std::bad_alloc passes. what() reads "subject: fact (cause)".
 class Error : public std::runtime_error {
 public:
-  Error(ErrorKind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {}
-  ErrorKind kind() const { return kind_; }
+  Error(ErrorKind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {} ///< says @p what as it is
+  ErrorKind kind() const { return kind_; }                                                  ///< what kind of failure
 
 private:
   ErrorKind kind_;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// A facility: the folder with the site's configuration, its devices, its reel types, its label maps and its projects.
+/// @file
+/// A facility: the folder with the site's configuration, its devices, its reel types, its label maps and its projects.
+/// Texts are UTF-8. Main thread only.
 #ifndef REELHOST_FACILITY_H
 #define REELHOST_FACILITY_H
 
@@ -15,7 +16,7 @@
 
 namespace reelhost {
 
-struct State;
+struct State; ///< what the state file holds; the host's own
 
 /// One external device as the facility describes it.
 struct DeviceSettings {
@@ -30,42 +31,46 @@ struct DeviceSettings {
   std::string lastReel;           ///< from the state file; may be empty
 };
 
-/// facility.toml and the state file beside it, read. Unknown keys and wrong types throw Error (Unreadable) with file,
-/// line and key; a folder without the file throws Error (NotFound). Hand-written files are never written; what commands
+/// facility.toml and the state file beside it, read; a value. Hand-written files are never written; what commands
 /// change goes to the state file.
 class Facility {
 public:
   Facility(); ///< no facility: no devices, no projects, built-in texts and frame rates
+  /// Reads the folder's files. Unknown keys and wrong types throw Error (Unreadable) with file, line and key; a folder
+  /// without facility.toml throws Error (NotFound); what the system refuses to read, Error (Io).
   static Facility read(const std::filesystem::path& dir);
 
-  const std::filesystem::path& directory() const { return directory_; } ///< empty without a facility
+  const std::filesystem::path& directory() const { return directory_; } ///< absolute; empty without a facility
   std::filesystem::path deviceDataDirectory() const;                    ///< ends in '/'
-  std::filesystem::path labelMapDirectory() const;
-  std::filesystem::path projectDirectory() const;
-  std::filesystem::path
-  projectFile(const std::string& name) const;    ///< throws Error (Refused) for a name that is no plain file name
-  std::vector<std::string> projectNames() const; ///< sorted
-  const std::string& defaultProject() const { return defaultProject_; } ///< empty when the facility names none
+  std::filesystem::path labelMapDirectory() const;                      ///< where NAME.toml is the label map NAME
+  std::filesystem::path projectDirectory() const;                       ///< where NAME.reels is the project NAME
+  /// The file of the project, which need not be there. Throws Error (Refused) for a name that is no plain file name:
+  /// one that is empty, longer than 200 bytes, begins with a dot, or holds a slash or a control character.
+  std::filesystem::path projectFile(const std::string& name) const;
+  /// The names of the project files that are there, sorted by their bytes; none when the folder cannot be read.
+  std::vector<std::string> projectNames() const;
+  /// The project of who names none; empty when the facility names none.
+  const std::string& defaultProject() const { return defaultProject_; }
 
-  std::optional<std::string> configString(const std::string& key) const; ///< "default_reel_type" and the like
-  const std::string& resourceText(unsigned id) const;                    ///< text of a resource, UTF-8; 10043 is "Reel"
-  const std::vector<std::pair<std::string, int>>& frameRates() const
-  {
-    return frameRates_;
-  } ///< names and codes, in order
-  std::optional<int>
-  frameRateCode(const std::string& nameOrCode) const; ///< a name comes before a code; both must be known
+  std::optional<std::string> configString(const std::string& key) const; ///< "default_reel_type" and the like, if set
+  const std::string& resourceText(unsigned id) const; ///< 10043 is "Reel"; empty: there is no such text
+  /// Names and codes of the frame rates, in the order of the file.
+  const std::vector<std::pair<std::string, int>>& frameRates() const { return frameRates_; }
+  /// The code of a frame rate. A name comes before a code; both must be known.
+  std::optional<int> frameRateCode(const std::string& nameOrCode) const;
 
-  const std::vector<DeviceSettings>& devices() const { return devices_; }
-  std::vector<DeviceSettings>& devices() { return devices_; }
+  const std::vector<DeviceSettings>& devices() const { return devices_; } ///< in the order of the file
+  std::vector<DeviceSettings>& devices() { return devices_; }             ///< changes last as long as this object
 
-  std::string systemValue(const std::string& key) const;                 ///< empty when nothing is stored
+  std::string systemValue(const std::string& key) const; ///< what is pending, else stored; empty: nothing is
   void setSystemValue(const std::string& key, const std::string& value); ///< pending until saveState
   void setLastReel(unsigned deviceId, const std::string& reel);          ///< pending until saveState
   bool stateChanged() const; ///< whether a pending value differs from what is stored
   /// Merges the pending values into the state file, replaces it by rename, and takes over what other processes have
   /// stored meanwhile. Without a facility the values last as long as this object. Throws Error: Busy when another
-  /// process is merging and does not come to an end, Unreadable when the file is damaged (it then stays as it is), Io.
+  /// process is merging and does not come to an end, Unreadable when the file is damaged (it then stays as it is),
+  /// Refused when a key is not UTF-8 or the file would become too large to be read again, Io. Nothing is stored then,
+  /// and the values are still pending.
   void saveState();
   void dropState(); ///< forgets the pending values; the devices have their stored last reels again
 
@@ -83,7 +88,7 @@ private:
   std::vector<DeviceSettings> devices_;
 };
 
-/// The nearest folder from @p start upwards that holds a facility.toml.
+/// The nearest folder from @p start upwards that holds a facility.toml, absolute. The file is not read.
 std::optional<std::filesystem::path> findFacility(const std::filesystem::path& start);
 
 /// A facility in the making: all of it, or nothing. What was made goes again with the owner, files and folders, unless
@@ -94,24 +99,24 @@ public:
   /// projects/. Throws Error: Refused when there is one already or when one of these files exists; Io. Nothing is left
   /// of it then. Never overwrites a file.
   explicit NewFacility(const std::filesystem::path& dir);
-  ~NewFacility();
-  NewFacility(const NewFacility&) = delete;
+  ~NewFacility(); ///< takes away what was made and not kept; folders only when nobody has put something there
+  NewFacility(const NewFacility&) = delete; ///< not copied: what was made goes once
   NewFacility& operator=(const NewFacility&) = delete;
-  void keep();
+  void keep(); ///< from here on all that was made stays
 
 private:
   class Made;
   std::unique_ptr<Made> made_;
 };
 
-/// Makes a facility, as above, and keeps it.
+/// Makes a facility, as NewFacility does and with its errors, and keeps it.
 void createFacility(const std::filesystem::path& dir);
 
-/// One entry of a label map file.
+/// One entry of a label map file; docs/formats/labelmap.md has the words for the codes.
 struct LabelMapEntry {
-  bool inUse = false;
-  unsigned source = 0;
-  unsigned format = 0;
+  bool inUse = false;  ///< whether the entry counts
+  unsigned source = 0; ///< code of where the label is read, 0 to 9
+  unsigned format = 0; ///< code of what it counts, 0 to 10
 };
 /// Reads a label map file: always fourteen entries. Throws Error (NotFound, Unreadable, Io) that names file, line and
 /// what is wrong.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// What the host's memory and count services have done: for tests and benchmarks. Any thread.
+/// @file
+/// What the host's memory and count services have done: for tests and benchmarks. Any thread.
 #ifndef REELHOST_MEMORY_H
 #define REELHOST_MEMORY_H
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Where projects are kept. The model asks for whole logs and hands back whole logs; how they are stored is the store's
-// business alone. Main thread only.
+/// @file
+/// Where projects are kept. The model asks for whole logs and hands back whole logs; how they are stored is the store's
+/// business alone. Main thread only.
 #ifndef REELHOST_STORE_H
 #define REELHOST_STORE_H
 
@@ -19,8 +19,10 @@
 
 namespace reelhost {
 
+/// Keys, each once, with a text each.
 using KeyValues = std::vector<std::pair<std::string, std::string>>;
 
+/// What a project is.
 struct ProjectInfo {
   std::string name;                     ///< UTF-8
   std::array<unsigned char, 16> uuid{}; ///< what the project's Cookie is made of
@@ -32,15 +34,15 @@ struct ProjectInfo {
 struct StoredLog {
   std::int64_t number = 0;              ///< 1, 2, 3, ... in the order of creation; never given out twice
   std::array<unsigned char, 16> uuid{}; ///< with tag and kind: the log's Cookie
-  std::uint16_t tag = 0;
-  char kind = 'E';
-  int type = 0; ///< log type: 9 reel, 1 material, 0 not classified
-  bool imported = false;
-  bool entireMedium = false;
-  std::string name;
-  int videoChannels = 0;
-  int audioChannels = 0;
-  std::string reelType; ///< what the row shows as "Reel Type"
+  std::uint16_t tag = 0;                ///< the Cookie's tag
+  char kind = 'E';                      ///< the Cookie's kind, not 'I'
+  int type = 0;                         ///< log type: 9 reel, 1 material, 0 not classified
+  bool imported = false;                ///< whether it came in from elsewhere
+  bool entireMedium = false;            ///< whether it stands for the whole medium
+  std::string name;                     ///< display name
+  int videoChannels = 0;                ///< how many
+  int audioChannels = 0;                ///< how many
+  std::string reelType;                 ///< what the row shows as "Reel Type"
   /// The configuration block, "reelid" included; each key once. Stores answer it in one order, whatever the order it
   /// came in: "reelid", "source_file", "source_in", "source_out", "record_in", "record_out", "tracks", "aliases", then
   /// all other keys by their bytes.
@@ -56,14 +58,21 @@ struct Changes {
   bool undelete = false;             ///< the last deletion comes back out of the bin
   bool compact = false;              ///< the bin is emptied for good
   KeyValues options;                 ///< project options that were set
+  /// Whether nothing changed.
   bool empty() const { return logs.empty() && deleted.empty() && !undelete && !compact && options.empty(); }
 };
 
-enum class Access { Read, Write };
+/// What a project is used for.
+enum class Access {
+  Read, ///< nothing is stored
+  Write ///< changes are stored, and nobody else writes meanwhile
+};
 
+/// Keeps one project. begin, then reading as often as wanted, then end or commit; and again. What throws Error in a use
+/// leaves it begun, but for commit.
 class Store {
 public:
-  virtual ~Store() = default;
+  virtual ~Store() = default; ///< ends a use that was begun, keeping no changes
 
   /// How messages name the project: the file's path, or "memory".
   virtual std::string subject() const = 0;
@@ -76,8 +85,11 @@ public:
   /// Ends the use without keeping changes; does nothing when not begun. Never throws.
   virtual void end() noexcept = 0;
 
-  // REQUIRES: begun.
-  virtual ProjectInfo info() = 0;
+  /// @name Reading
+  /// REQUIRES: begun. Throws Error: Unreadable when what is read is damaged, Io. What @p sink throws passes.
+  /// @{
+
+  virtual ProjectInfo info() = 0;        ///< what the project is
   virtual KeyValues options() = 0;       ///< ordered by key
   virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the bin included
   virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;  ///< logs of type 9 by number, bin excluded
@@ -87,24 +99,29 @@ public:
   virtual std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() = 0;
   /// Numbers of the logs in the last deletion that is still in the bin, ascending.
   virtual std::vector<std::int64_t> lastDeletion() = 0;
-  virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0;
-  virtual std::int64_t binCount() = 0; ///< logs in the bin
+  virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0; ///< the same logs, by number
+  virtual std::int64_t binCount() = 0;                                             ///< logs in the bin
+
+  /// @}
 
   /// Stores the changes, whole and durable, or throws and stores none of them; ends the use either way. Without any
-  /// change nothing is written. REQUIRES: begun for writing; log numbers are positive.
+  /// change nothing is written. Throws Error: Busy, ReadOnly, Refused, Unreadable, Io. REQUIRES: begun for writing; log
+  /// numbers are positive.
   virtual void commit(const Changes& changes) = 0;
 
   /// Whether another process has committed since the last begin or the last true answer of this. Needs no begin; during
   /// a use the answer is false, for its snapshot stays what it is, and what others did meanwhile is told after end().
+  /// Throws Error when that cannot be found out.
   virtual bool changedElsewhere() = 0;
-  /// Looks the whole project over; an empty result means that nothing is wrong. Needs no begin.
+  /// Looks the whole project over: one line for each thing that is wrong, none when nothing is. Needs no begin. Throws
+  /// Error, not Unreadable, when it cannot look.
   virtual std::vector<std::string> check() = 0;
 };
 
-/// A project that lives as long as the store. Tests, benchmarks and dry runs use it.
+/// A project that lives as long as the store, empty at first but for @p options. Tests, benchmarks and dry runs use it.
 std::unique_ptr<Store> makeMemoryStore(const ProjectInfo& info, const KeyValues& options = {});
 
-/// The project in the file @p path. Nothing is read before begin.
+/// The project in the SQLite file @p path. Nothing is read before begin, and no file need be there.
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
 
 /// Makes the project file @p path, whole or not at all. Throws Error: Refused when it exists or when files of an
