@@ -12,6 +12,8 @@
 
 // The library trims a field in a buffer of this size and forms its warning in another; both with the terminator.
 #define BUFFER_SIZE 2048u
+// Bytes. Some twenty thousand types fit; a file beyond it lists none, and the library would take it into memory.
+static const size_t largestSize = 1 << 20;
 // As many channels as a reel can tell of.
 static const long mostChannels = 65535;
 static const char* const warning = "ReelTypeList Warning: %s: no parameters. Line %lu\n";
@@ -126,9 +128,18 @@ static void check_counts(struct record* record, const char* path, struct remarks
 static bool check_records(FILE* file, const char* path, struct refusal* refusal, struct remarks* remarks)
 {
   struct record record = {.line = 1};
-  int c;
+  size_t size = 0;
+  int c = EOF;
   do {
+    const int previous = c;
     c = getc(file);
+    if (c != EOF && ++size > largestSize) {
+      refuse(refusal, exit_unreadable, "%s: too large (more than %zu bytes)", path, largestSize);
+      return false;
+    }
+    // A CR directly followed by LF is one line end.
+    if (c == '\n' && previous == '\r')
+      continue;
     if (c != EOF && c != '\r' && c != '\n') {
       add_byte(&record, c);
       continue;
@@ -139,12 +150,6 @@ static bool check_records(FILE* file, const char* path, struct refusal* refusal,
       return false;
     }
     check_counts(&record, path, remarks);
-    // A CR directly followed by LF is one line end.
-    if (c == '\r') {
-      const int next = getc(file);
-      if (next != '\n')
-        ungetc(next, file);
-    }
     record = (struct record){.line = record.line + 1};
   } while (c != EOF);
   if (ferror(file)) {
@@ -163,23 +168,23 @@ bool check_type_file(const char* facility, struct refusal* refusal, struct remar
   }
   bool good = false;
   struct stat status;
-  // Opened without waiting: a pipe of that name must not hold the command up.
-  const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) {
+  // Opening alone can do something to a device, so the look comes first; O_NONBLOCK because it may have changed since.
+  if (stat(path, &status) != 0) {
     good = errno == ENOENT || errno == ENOTDIR;
     if (!good)
       refuse(refusal, exit_unreadable, "%s: cannot be read (%s)", path, strerror(errno));
-  } else if (fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+  } else if (!S_ISREG(status.st_mode)) {
     refuse(refusal, exit_unreadable, "%s: cannot be read (no regular file)", path);
-    close(descriptor);
   } else {
-    FILE* file = fdopen(descriptor, "r");
+    const int descriptor = open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    FILE* file = descriptor < 0 ? NULL : fdopen(descriptor, "r");
     if (file) {
       good = check_records(file, path, refusal, remarks);
       fclose(file);
     } else {
       refuse(refusal, exit_unreadable, "%s: cannot be read (%s)", path, strerror(errno));
-      close(descriptor);
+      if (descriptor >= 0)
+        close(descriptor);
     }
   }
   free(path);

@@ -20,7 +20,10 @@ constexpr off_t largest = off_t{256} << 20; // a list of a hundred thousand even
 
 class Descriptor {
 public:
-  explicit Descriptor(const std::string& path) : number_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+  explicit Descriptor(const std::string& path)
+      : number_(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC))
+  {
+  }
   ~Descriptor()
   {
     if (number_ >= 0)
@@ -43,16 +46,17 @@ private:
 
 std::string readInputFile(const std::string& path)
 {
-  const Descriptor file(path);
-  if (file < 0)
-    fail(path, std::strerror(errno), errno == ENOENT ? refused : unreadable);
+  // Opening alone can do something to a device, so the look comes first; O_NONBLOCK because it may have changed since.
   struct stat status {};
-  if (fstat(file, &status) != 0)
-    fail(path, std::strerror(errno));
+  if (stat(path.c_str(), &status) != 0)
+    fail(path, std::strerror(errno), errno == ENOENT ? refused : unreadable);
   if (!S_ISREG(status.st_mode))
     fail(path, S_ISDIR(status.st_mode) ? "a folder" : "no regular file");
   if (status.st_size > largest)
     fail(path, fmt::format("{} bytes are too many for a list", status.st_size));
+  const Descriptor file(path);
+  if (file < 0)
+    fail(path, std::strerror(errno));
   std::string bytes;
   char buffer[1 << 16];
   for (;;) {

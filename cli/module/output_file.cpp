@@ -98,6 +98,8 @@ void writeOutputFile(const std::string& path, std::string_view bytes, bool repla
     target = fs::canonical(path, error).string(); // a link stays, and what it names is replaced
     if (error)
       fail(path, error.value());
+  } else if (lstat(path.c_str(), &status) == 0) {
+    refuse(path, "a link that leads to no file"); // nothing to replace, and the link is not ours to take away
   }
   NewFile file(target);
   if (!file || !file.write(bytes))

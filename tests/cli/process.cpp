@@ -10,6 +10,7 @@
 #include <pty.h>
 #include <stdexcept>
 #include <string_view>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -153,8 +154,10 @@ ProcessResult runProcess(const std::vector<std::string>& words, const ProcessSet
   if (err.reading >= 0)
     close(err.reading);
   int status = 0;
-  waitpid(id, &status, 0);
+  rusage usage{};
+  wait4(id, &status, 0, &usage);
   ProcessResult result = resultOf(status);
+  result.peakKilobytes = usage.ru_maxrss;
   result.out = std::move(texts.out);
   result.err = std::move(texts.err);
   return result;

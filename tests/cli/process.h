@@ -28,6 +28,7 @@ struct ProcessResult {
   int signal = 0;  ///< that signal
   std::string out; ///< with a terminal: everything
   std::string err;
+  long peakKilobytes = 0; ///< of memory that it had at a time
 };
 
 /// Runs a program to its end. A process that takes longer than two minutes is killed; its signal then says so.
