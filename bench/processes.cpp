@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace reeldb_bench {
@@ -14,6 +15,18 @@ void run(const std::string& command, int status)
   const int ended = std::system((command + " >/dev/null 2>&1").c_str());
   if (!WIFEXITED(ended) || WEXITSTATUS(ended) != status)
     throw std::runtime_error(command + ": failed (exit status " + std::to_string(WEXITSTATUS(ended)) + ")");
+}
+
+std::string outputOf(const std::string& command)
+{
+  const Folder folder;
+  const std::string file = folder.text("out");
+  const int ended = std::system((command + " >" + file).c_str());
+  if (!WIFEXITED(ended) || WEXITSTATUS(ended) != 0)
+    throw std::runtime_error(command + ": failed");
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
 }
 
 double instructionsOf(const std::string& command)

@@ -10,7 +10,7 @@ latter are listed in tests/mutants/equivalent.txt, one a line, and are not run:
 
     src/room/file.cpp | old -> new | the text of the source line | why nobody can tell
 
-Where one line holds the same token several times, "#2" behind the change means the second. An entry that no longer
+Where a file has the same change on the same text several times, "#2" behind the change means the second. An entry that no longer
 stands for any mutant is an error.
 
 A mutant that does not compile is none and does not count. Tests that take longer than five times what they took on
@@ -48,10 +48,13 @@ SOURCES = ("src/*/*.cpp", "src/*/*.cpp.in", "src/*/*.h", "include/*.h")
 
 # Tests of a folder of sources that does not mirror them by name.
 ROOMS = {"host": ("standalone/values", "standalone/contract", "abi"), "include": ("abi", "reeldb", "reelrec")}
+# What happens while the library is loaded is tried where programs are loaded.
+ALSO = {"src/reeldb/lifecycle.cpp": ("reeltypes",)}
 MEMORY = 8 << 30  # what a test program may ask for: a mutant may ask without end
 
 # Run on what all tests of its folder have passed.
-LAST = ("reeldb_test_faults", "EveryHostCallThrows.*:EveryLogRefusesToOpen.*:EveryAllocationFails.*:Operations.*")
+LAST = ("reeldb_test_faults", "EveryHostCallThrows.*:EveryLogRefusesToOpen.*:EveryAllocationFails.*:Operations.*:"
+        "EveryCallFromTheLibraryThrows.*")
 
 
 def fail(message):
@@ -197,7 +200,7 @@ class Source:
         seen = collections.Counter()
         numbered = []
         for mutant in ordered:
-            key = (mutant.line, mutant.change)
+            key = (mutant.text, mutant.change)
             seen[key] += 1
             if seen[key] > 1:
                 mutant = dataclasses.replace(mutant, change=f"{mutant.change} #{seen[key]}")
@@ -558,7 +561,7 @@ class Tests:
     def rooms_of(self, name):
         parts = pathlib.PurePath(name).parts
         room = "include" if parts[0] == "include" else parts[1]
-        return ROOMS.get(room, (room,))
+        return ROOMS.get(room, (room,)) + ALSO.get(name, ())
 
     def programs_of(self, name):
         """Test programs of the source, those with the tests of the very file first."""

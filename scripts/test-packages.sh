@@ -101,6 +101,10 @@ apt install "/packages/$(basename "$runtime")" "/packages/$(basename "$tool")"
 for package in "$runtime" "$tool"; do
   dpkg-deb -f "$package" Package | xargs chroot "$root" dpkg -L
 done >"$work/ours"
+for file in man/man1/reeldb.1.gz man/man1/reeldb-import.1.gz bash-completion/completions/reeldb \
+  zsh/vendor-completions/_reeldb fish/vendor_completions.d/reeldb.fish; do
+  grep -qx "/usr/share/$file" "$work/ours" || fail "$file: not in the package"
+done
 in_root reeldb --version
 quietly in_root sh -euc '
   cd /tmp

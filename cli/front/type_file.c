@@ -12,8 +12,8 @@
 
 // The library trims a field in a buffer of this size and forms its warning in another; both with the terminator.
 #define BUFFER_SIZE 2048u
-// Bytes. Some twenty thousand types fit; a file beyond it lists none, and the library would take it into memory.
-static const size_t largestSize = 1 << 20;
+// Bytes. More than a million types fit; a file beyond it lists none, and the library would take it into memory.
+static const size_t largestSize = (size_t)64 << 20;
 // As many channels as a reel can tell of.
 static const long mostChannels = 65535;
 static const char* const warning = "ReelTypeList Warning: %s: no parameters. Line %lu\n";

@@ -603,6 +603,14 @@ TEST_F(LabelMaps, UnknownOrEmptyReelGivesTheDevicesMap)
   EXPECT_EQ(required("", id), "M");
 }
 
+TEST_F(LabelMaps, UnknownReelOpensNoLog)
+{
+  const IdStamp id = theDevice(0);
+  const Texts forDevice = callsOf([&] { get_device_label_map_name(id); });
+  EXPECT_EQ(callsOf([&] { get_required_label_map_name("no such reel", id); }), forDevice)
+      << "an empty list of reels is no reason to ask for anything but the device";
+}
+
 TEST_F(LabelMaps, IncompatibleDeviceMapPrintsItsLineForAReelToo)
 {
   map({from(9)});

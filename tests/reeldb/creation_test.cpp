@@ -70,6 +70,12 @@ TEST_F(Creation, TrimKeepsAllOtherWhiteSpace)
   EXPECT_EQ(trimmed("\n R1\r"), "\n R1\r");
 }
 
+TEST_F(Creation, TrimKeepsMarks)
+{
+  EXPECT_EQ(trimmed(" ~R1~ "), "~R1~");
+  EXPECT_EQ(trimmed("_R1."), "_R1.");
+}
+
 TEST_F(Creation, TrimLeavesTheCallersStringAlone)
 {
   const LightweightString<char> blanks = "  R1  ";

@@ -91,6 +91,12 @@ TEST_F(TypeFile, EmptyLinesAreSkippedInSilence)
   EXPECT_EQ(entries(), Entries());
 }
 
+TEST_F(TypeFile, MarksOtherThanColonAndLineBreakEndNothing)
+{
+  EXPECT_EQ(load("a~b;c|d:X=1~Y=2;\tZ=3\n"), Printed());
+  EXPECT_EQ(entries(), (Entries{{"a~b;c|d", "X=1~Y=2;\tZ=3"}}));
+}
+
 TEST_F(TypeFile, LastLineWithoutLineBreakCounts)
 {
   EXPECT_EQ(load("a:A=1\nb:B=2"), Printed());
