@@ -47,14 +47,17 @@ LISTED = "tests/mutants/equivalent.txt"
 SOURCES = ("src/*/*.cpp", "src/*/*.cpp.in", "src/*/*.h", "include/*.h")
 
 # Tests of a folder of sources that does not mirror them by name.
-ROOMS = {"host": ("standalone/values", "standalone/contract", "abi"), "include": ("abi", "reeldb", "reelrec")}
+ROOMS = {"host": ("standalone/values", "abi"), "include": ("abi", "reeldb", "reelrec")}
 # What happens while the library is loaded is tried where programs are loaded.
 ALSO = {"src/reeldb/lifecycle.cpp": ("reeltypes",)}
 MEMORY = 8 << 30  # what a test program may ask for: a mutant may ask without end
 
 # Run on what all tests of its folder have passed.
-LAST = ("reeldb_test_faults", "EveryHostCallThrows.*:EveryLogRefusesToOpen.*:EveryAllocationFails.*:Operations.*:"
-        "EveryCallFromTheLibraryThrows.*")
+LAST = (
+    ("host_contract", "*"),
+    ("reeldb_test_faults", "EveryHostCallThrows.*:EveryLogRefusesToOpen.*:EveryAllocationFails.*:Operations.*:"
+                           "EveryCallFromTheLibraryThrows.*"),
+)
 
 
 def fail(message):
@@ -585,13 +588,17 @@ class Tests:
             test = next(s for s in sources if pathlib.PurePath(s).name == f"{stem}_test.cpp")
             suites = suites_in(self.workshop.tree / test)
             stages += [Stage(program, suites), Stage(program, f"*-{suites}")]
-        stages += [Stage(program, "*") for program in others]
-        if LAST[0] in self.workshop.programs:
-            stages.append(Stage(*LAST))
-        return stages
+        return stages + [Stage(program, "*") for program in others]
+
+    def last_stages(self):
+        return [Stage(program, suites) for program, suites in LAST if program in self.workshop.programs]
+
+    def last_targets(self):
+        return [stage.program for stage in self.last_stages()]
 
     def targets(self, names):
-        wanted = {LAST[0]} & set(self.workshop.programs)
+        """The test programs of these sources, but for the last ones."""
+        wanted = set()
         for name in names:
             for group in self.programs_of(name):
                 wanted.update(group)
@@ -620,8 +627,8 @@ class Tests:
 
     def measure(self, names):
         """Runs every stage on the unchanged library. It must pass; how long it takes decides what is too long."""
-        for name in names:
-            for stage in self.stages(name):
+        for stages in [self.stages(name) for name in names] + [self.last_stages()]:
+            for stage in stages:
                 key = (stage.program, stage.filter)
                 if key in self.taken:
                     continue
@@ -630,9 +637,9 @@ class Tests:
                     fail(f"{stage.program} --gtest_filter='{stage.filter}': fails on the unchanged library")
                 self.taken[key] = time.monotonic() - begun
 
-    def kills(self, mutant):
+    def kills(self, stages):
         """The stage that notices the change, or nothing."""
-        for stage in self.stages(mutant.file):
+        for stage in stages:
             limit = max(10.0, 5 * self.taken[(stage.program, stage.filter)])
             if not self.passes(stage, limit):
                 return stage
@@ -652,8 +659,13 @@ class Run:
         self.unbuilt = 0
         self.survivors = []
 
-    def judge(self, mutant):
-        stage = self.tests.kills(mutant)
+    def judge(self, mutant, last_are_built=lambda: True):
+        """Counts the mutant, which is built; the last tests are built when they are needed."""
+        stage = self.tests.kills(self.tests.stages(mutant.file))
+        if not stage and not last_are_built():
+            self.unbuilt += 1
+            return
+        stage = stage or self.tests.kills(self.tests.last_stages())
         if stage:
             self.killed += 1
         else:
@@ -705,13 +717,13 @@ class Run:
             try:
                 copy.write_text(mutant.apply(self.workshop.texts))
                 if self.workshop.try_build(*self.tests.targets([mutant.file])):
-                    self.judge(mutant)
+                    self.judge(mutant, lambda: self.workshop.try_build(*self.tests.last_targets()))
                 else:
                     self.unbuilt += 1
             finally:
                 copy.write_text(self.workshop.texts[mutant.file])
         if mutants:
-            self.workshop.build(*self.tests.targets({mutant.file for mutant in mutants}))
+            self.workshop.build(*self.tests.targets({mutant.file for mutant in mutants}), *self.tests.last_targets())
 
 
 def arguments_of(argv):
@@ -770,7 +782,7 @@ def main(argv):
     workshop = Workshop(arguments.build.resolve(), arguments.jobs, texts)
     tests = Tests(workshop)
     files = sorted({mutant.file for mutant in mutants})
-    workshop.build("reeldb", *tests.targets(files))
+    workshop.build("reeldb", *tests.targets(files), *tests.last_targets())
     tests.measure(files)
     print(f"{len(mutants)} mutants in {len(files)} files", flush=True)
 

@@ -42,6 +42,8 @@ int vorn_printf(const char* format, ...)
 #endif
     ;
 
+class ByteStream;
+
 /// A growable character buffer, in memory of OS()->allocator().
 class GrowString {
 public:
@@ -55,9 +57,14 @@ public:
   GrowString& operator<<(unsigned);         ///< appends the decimal form
   operator const char*() const;             ///< never null, NUL terminated; valid until the next change
 
+  friend ByteStream& operator>>(ByteStream&, GrowString&); ///< fills it
+
 private:
-  char* text_;
-  std::size_t length_, capacity_;
+  /// Writes @p count characters at @p at, where the text then ends. They may lie in this buffer.
+  void put(std::size_t at, const char* from, std::size_t count);
+
+  char* text_;                    ///< null for a text that never was
+  std::size_t length_, capacity_; ///< capacity 0: the text is not this buffer's own
 };
 
 /// Reads pieces of text that are divided by single separator characters.

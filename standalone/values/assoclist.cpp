@@ -46,18 +46,18 @@ Zr::Ptr<AssocListRep::Entry> AssocListRep::find(const LightweightString<char>& k
 
 AssocListRep::Entry& AssocListRep::findOrCreate(const LightweightString<char>& key)
 {
-  if (const Zr::Ptr<Entry> found = find(key))
-    return *found;
-  const Zr::Ptr<Entry> entry(new Entry);
-  entry->key = key;
-  impl_->inOrder.push_back(entry);
+  const auto [place, isNew] = impl_->byKey.try_emplace(key);
+  if (!isNew)
+    return *place->second;
   try {
-    impl_->byKey.emplace(key, entry);
+    place->second = new Entry;
+    place->second->key = key;
+    impl_->inOrder.push_back(place->second);
   } catch (...) {
-    impl_->inOrder.pop_back();
+    impl_->byKey.erase(place);
     throw;
   }
-  return *entry;
+  return *place->second;
 }
 
 AssocListRep::Entry* AssocListRep::entry(unsigned index) const

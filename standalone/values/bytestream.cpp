@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <utility>
 
 #include "host/text.h"
 
@@ -45,72 +45,32 @@ const char* findSeparator(const char* from, const char* end, const char* separat
   return end;
 }
 
-/// Puts characters at the end of a buffer, many at a time.
-class Appender {
-public:
-  explicit Appender(GrowString& out) : out_(out)
-  {
-    if (*static_cast<const char*>(out)) // an empty one needs no memory yet
-      out = "";
-  }
-  void put(char c)
-  {
-    if (c == '\0') { // ends a text, so it goes by itself
-      flush();
-      out_.append(c);
-      return;
-    }
-    chunk_[used_++] = c;
-    if (used_ == sizeof chunk_ - 1)
-      flush();
-  }
-  void put(const char* from, const char* end)
-  {
-    while (from != end) {
-      if (*from == '\0') {
-        put(*from++);
-        continue;
-      }
-      const std::size_t left = std::min(static_cast<std::size_t>(end - from), sizeof chunk_ - 1 - used_);
-      const std::size_t length = strnlen(from, left);
-      std::memcpy(chunk_ + used_, from, length);
-      used_ += length;
-      from += length;
-      if (used_ == sizeof chunk_ - 1)
-        flush();
-    }
-  }
-  void flush()
-  {
-    chunk_[used_] = '\0';
-    if (used_ > 0)
-      out_.append(chunk_);
-    used_ = 0;
-  }
-
-private:
-  GrowString& out_;
-  char chunk_[256];
-  std::size_t used_ = 0;
-};
-
-void readPiece(FILE* file, const char* separators, bool joinCrLf, Appender& piece)
+/// Hands what comes before the next separator of a file to @p append, piece by piece, and takes the separator.
+template <class Append>
+void readPiece(FILE* file, const char* separators, bool joinCrLf, const Append& append)
 {
   if (ferror_unlocked(file))
     return; // for good, though the next character might be read
   const Separators ends(separators);
+  char chunk[256];
+  std::size_t used = 0;
   int c = getc_unlocked(file);
-  for (; c != EOF && !ends.contain(c); c = getc_unlocked(file))
-    piece.put(static_cast<char>(c));
+  for (; c != EOF && !ends.contain(c); c = getc_unlocked(file)) {
+    chunk[used++] = static_cast<char>(c);
+    if (used == sizeof chunk)
+      append(chunk, std::exchange(used, 0));
+  }
+  append(chunk, used);
   if (c == '\r' && joinCrLf && peek(file) == '\n')
     static_cast<void>(getc_unlocked(file));
 }
 
 /// The same from memory; answers where the next piece begins. The text ends in a NUL that may be looked at.
-const char* cutPiece(const char* from, const char* end, const char* separators, bool joinCrLf, Appender& piece)
+template <class Append>
+const char* cutPiece(const char* from, const char* end, const char* separators, bool joinCrLf, const Append& append)
 {
   const char* const separator = findSeparator(from, end, separators);
-  piece.put(from, separator);
+  append(from, static_cast<std::size_t>(separator - from));
   if (separator == end)
     return end;
   return separator + (*separator == '\r' && joinCrLf && separator[1] == '\n' ? 2 : 1);
@@ -139,11 +99,15 @@ bool ByteStream::atEnd() const
 
 ByteStream& operator>>(ByteStream& in, GrowString& out)
 {
-  Appender piece(out);
+  const auto append = [&out](const char* from, std::size_t count) {
+    if (count) // nothing needs no memory
+      out.put(out.length_, from, count);
+  };
+  if (out.length_)
+    out = "";
   if (in.file_)
-    readPiece(in.file_, in.separators, in.joinCrLf, piece);
+    readPiece(in.file_, in.separators, in.joinCrLf, append);
   else
-    in.pos_ = cutPiece(in.pos_, in.end_, in.separators, in.joinCrLf, piece);
-  piece.flush();
+    in.pos_ = cutPiece(in.pos_, in.end_, in.separators, in.joinCrLf, append);
   return in;
 }

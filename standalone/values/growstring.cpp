@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <charconv>
+#include <climits>
 #include <cstring>
+#include <iterator>
 #include <limits>
 #include <new>
 
@@ -10,31 +12,51 @@
 
 namespace {
 
-/// Writes @p count characters at @p at, where the text then ends; a buffer that is too small is replaced by a larger
-/// one. @p from may lie in the buffer.
-void put(char*& text, std::size_t& length, std::size_t& capacity, std::size_t at, const char* from, std::size_t count)
+/// Texts of one character, which separators often are: they need no memory. Nothing is written there.
+class SingleCharacters {
+public:
+  constexpr SingleCharacters()
+  {
+    for (std::size_t i = 0; i < std::size(texts_); ++i)
+      texts_[i][0] = static_cast<char>(i);
+  }
+  char* of(char c) { return texts_[static_cast<unsigned char>(c)]; }
+
+private:
+  char texts_[UCHAR_MAX + 1][2] = {};
+};
+
+constinit SingleCharacters singleCharacters;
+
+} // namespace
+
+void GrowString::put(std::size_t at, const char* from, std::size_t count)
 {
   const std::size_t needed = at + count + 1;
-  char* const previous = text;
-  if (needed > capacity) {
-    const std::size_t larger = std::max({needed, 2 * capacity, std::size_t{32}});
+  if (capacity_ == 0 && needed == 2) {
+    text_ = singleCharacters.of(at == 0 ? *from : *text_);
+    length_ = 1;
+    return;
+  }
+  char* const previous = text_;
+  const std::size_t owned = capacity_;
+  if (needed > capacity_) {
+    const std::size_t larger = std::max({needed, 2 * capacity_, std::size_t{32}});
     char* fresh = static_cast<char*>(OS()->allocator().allocate(larger));
     if (!fresh)
       throw std::bad_alloc();
     if (at)
-      std::memcpy(fresh, text, at);
-    text = fresh;
-    capacity = larger;
+      std::memcpy(fresh, text_, at);
+    text_ = fresh;
+    capacity_ = larger;
   }
   if (count)
-    std::memmove(text + at, from, count);
-  length = at + count;
-  text[length] = '\0';
-  if (previous != text)
+    std::memmove(text_ + at, from, count);
+  length_ = at + count;
+  text_[length_] = '\0';
+  if (previous != text_ && owned)
     OS()->allocator().release(previous);
 }
-
-} // namespace
 
 GrowString::GrowString() : text_(nullptr), length_(0), capacity_(0) {}
 
@@ -45,37 +67,38 @@ GrowString::GrowString(const GrowString& other) : GrowString()
 
 GrowString::~GrowString()
 {
-  OS()->allocator().release(text_);
+  if (capacity_)
+    OS()->allocator().release(text_);
 }
 
 GrowString& GrowString::operator=(const GrowString& other)
 {
-  put(text_, length_, capacity_, 0, other.text_, other.length_);
+  put(0, other.text_, other.length_);
   return *this;
 }
 
 GrowString& GrowString::operator=(const char* text)
 {
-  put(text_, length_, capacity_, 0, text, text ? std::strlen(text) : 0);
+  put(0, text, text ? std::strlen(text) : 0);
   return *this;
 }
 
 void GrowString::append(const char* text)
 {
   if (text)
-    put(text_, length_, capacity_, length_, text, std::strlen(text));
+    put(length_, text, std::strlen(text));
 }
 
 void GrowString::append(char c)
 {
-  put(text_, length_, capacity_, length_, &c, 1);
+  put(length_, &c, 1);
 }
 
 GrowString& GrowString::operator<<(unsigned number)
 {
   char digits[std::numeric_limits<unsigned>::digits10 + 1];
   const char* const end = std::to_chars(digits, digits + sizeof digits, number).ptr;
-  put(text_, length_, capacity_, length_, digits, static_cast<std::size_t>(end - digits));
+  put(length_, digits, static_cast<std::size_t>(end - digits));
   return *this;
 }
 

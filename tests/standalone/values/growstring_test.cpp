@@ -15,6 +15,28 @@ TEST(GrowString, NewIsEmptyWithoutMemory)
   EXPECT_EQ(ledger.allocations(), 0);
 }
 
+TEST(GrowString, OneCharacterNeedsNoMemoryAndIsItsOwn)
+{
+  const Ledger ledger;
+  GrowString one, same;
+  one.append('x');
+  same = "x";
+  const GrowString copy(same);
+  EXPECT_EQ(ledger.allocations(), 0);
+  one.append('y');
+  EXPECT_STREQ(one, "xy");
+  EXPECT_STREQ(same, "x");
+  EXPECT_STREQ(copy, "x");
+  same.append("");
+  EXPECT_STREQ(same, "x");
+  one = "z";
+  EXPECT_STREQ(one, "z");
+  same = "";
+  EXPECT_STREQ(same, "");
+  same.append('\xff');
+  EXPECT_STREQ(same, "\xff");
+}
+
 TEST(GrowString, AssignedTextReplaces)
 {
   GrowString text;
@@ -101,7 +123,7 @@ TEST(GrowString, WithoutMemoryTheTextStaysAndNothingLeaks)
   EXPECT_STREQ(text, "kept");
   EXPECT_EQ(failEachAllocation([&] {
               GrowString first;
-              first = "a";
+              first = "ab";
               first.append(longer.c_str());
               const GrowString second(first);
             }),
