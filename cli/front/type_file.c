@@ -88,6 +88,15 @@ static const char* value_of(const char* name, const char* tokens, const char* en
   return NULL;
 }
 
+/// Whether a token names the parameter: with blanks around the "=" the number is in another.
+static bool is_named(const char* name, const char* tokens, const char* end)
+{
+  for (; tokens < end; tokens += strlen(tokens) + 1)
+    if (strcasestr(tokens, name))
+      return true;
+  return false;
+}
+
 /// Remarks on a number of channels that is none, or that no reel can have. The library takes a number up to its first
 /// other character, as an int, and reads of the channels of a reel the low 16 bits.
 static void check_count(const char* name, const char* value, const char* path, unsigned long line,
@@ -122,6 +131,9 @@ static void check_counts(struct record* record, const char* path, struct remarks
     const char* value = value_of(names[i], text, text + length);
     if (value)
       check_count(names[i], value, path, record->line, remarks);
+    else if (is_named(names[i], text, text + length))
+      remark(remarks, "%s:%lu: %s: no number (it follows the \"=\" at once; none are added)", path, record->line,
+             names[i]);
   }
 }
 

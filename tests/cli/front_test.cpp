@@ -388,6 +388,10 @@ TEST_F(FrontTypeFile, NumberOfChannelsThatIsTakenForAnotherIsRemarkedOn)
   expectRemark("AudioChannels=99999999999999999999",
                "AudioChannels: 99999999999999999999 are too many (65535 are the most; a reel would seem to have 0)", 0,
                -1);
+  const std::string none = ": no number (it follows the \"=\" at once; none are added)";
+  expectRemark("VideoChannels = 2 AudioChannels=1", "VideoChannels" + none, 0, 1);
+  expectRemark("audiochannels =2", "AudioChannels" + none, 0, 0);
+  expectRemark("AudioChannels=", "AudioChannels" + none, 0, 0);
   expectRemark("AudioChannels=-3", "AudioChannels: -3 is no number of channels (none are added)", 0, -3);
 }
 
@@ -395,7 +399,7 @@ TEST_F(FrontTypeFile, OnlyTheTokenThatTheLibraryReadsIsLookedAt)
 {
   expectNoRemark("a:VideoChannels VideoChannels= MaxVideoChannels=2 VideoChannels=x AudioChannels=1=x\n");
   expectNoRemark("a:Depth=ten  VideoChannels=1 \t\nb:VideoChannels=+1 AudioChannels=\t7\n");
-  expectNoRemark("VideoChannels=x\n:\nc:VideoChannels = x\n");
+  expectNoRemark("VideoChannels=x\n:\n");
 }
 
 TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreRemarkedOnWhereTheFacilityIsUsed)
