@@ -73,9 +73,11 @@ void addWhich(CommandLine& line)
        .examples = {"reeldb which a001", "reeldb which A002 --json"},
        .details =
            "All reels that the name may mean, for the strongest of these reasons first: it is the identifier; it\n"
-           "differs from it in the case of letters; it is the identifier cut to 6, 8, 32 or 129 characters; a\n"
-           "list gave it as another name of the reel (its source table, a note, a column); the reel was called\n"
-           "that before it was renamed. Nothing is found: exit code 1."},
+           "differs from it in the case of letters; it is what a list with names of 6, 8, 32 or 129 characters\n"
+           "leaves of the identifier; a list gave it as another name of the reel (its source table, a note, a\n"
+           "column); the reel was called that, or what a list leaves of that, before it was renamed. Where the\n"
+           "strongest reason holds for several reels the name is ambiguous, and the exit code 0 all the same.\n"
+           "Nothing is found: exit code 1."},
       [options](const Globals& globals) { return run(*options, globals); });
   takeText(app, "TEXT", options->name, "The name")->required()->type_name("");
   takeJson(app, options->json);

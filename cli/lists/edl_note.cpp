@@ -48,7 +48,7 @@ std::string_view afterStar(std::string_view line)
 std::string valueOf(std::string_view text)
 {
   std::string value = clean(text);
-  return sameName(value, "(NULL)") ? std::string() : value;
+  return saysNothing(value) ? std::string() : value;
 }
 
 /// REEL x IS CLIP y, with or without a colon after REEL; `text` starts behind that.
@@ -124,6 +124,11 @@ bool opensNote(std::string_view text)
 }
 
 } // namespace
+
+bool saysNothing(std::string_view value)
+{
+  return value.empty() || sameName(value, "(NULL)");
+}
 
 bool isNote(std::string_view line)
 {

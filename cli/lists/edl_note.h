@@ -32,6 +32,9 @@ struct Note {
   std::string reel;  ///< the x of REEL x IS CLIP y and of REEL MAP: x = y
 };
 
+/// Whether a note with this value says nothing: other programs write (NULL) where they have none.
+bool saysNothing(std::string_view value);
+
 /// Whether the line is a note. Blanks may stand before the star.
 bool isNote(std::string_view line);
 

@@ -130,6 +130,11 @@ private:
 
 } // namespace
 
+std::string fieldForm(std::string_view reel, std::size_t field)
+{
+  return spelt(reel, field <= kWidestNarrow).substr(0, field);
+}
+
 std::optional<std::vector<std::string>> shortReelNames(const std::vector<std::string>& reels, std::size_t field)
 {
   return Namer(reels, field).run();

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
+#include "lists/edl_note.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
 #include "lists/tracks.h"
@@ -162,6 +164,21 @@ void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
                               " of some lists with numbered reels (other programs may not read all of them)");
 }
 
+/// Texts that a note cannot give back.
+void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
+{
+  std::set<std::string> told;
+  const auto look = [&](const std::string& text) {
+    if (!text.empty() && saysNothing(text) && told.insert(text).second)
+      written.remarks.push_back(inQuotes(text) + ": in a cut list it means none (an import will not read it back)");
+  };
+  for (const Clip& clip : clips) {
+    look(clip.clipName);
+    look(clip.sourceFile);
+    std::for_each(clip.aliases.begin(), clip.aliases.end(), look);
+  }
+}
+
 } // namespace
 
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField)
@@ -169,6 +186,7 @@ Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::
   Written written;
   const std::vector<Clip> writable = writableClips(clips, written);
   written.text = Writer(writable, reelField).run(writableText(title));
+  remarkOnNothing(written, writable);
   remarkOnLimits(written, reelField, reelsOf(writable).size());
   return written;
 }

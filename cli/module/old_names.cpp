@@ -15,9 +15,7 @@ LightweightString<char> keyOf(std::size_t number)
   return hostText("reel_old_name" + std::to_string(number));
 }
 
-} // namespace
-
-std::vector<std::string> oldNamesOf(ReelDbRec reel)
+std::vector<std::string> keptNames(ReelDbRec& reel)
 {
   std::vector<std::string> names;
   for (LightweightString<char> name; reel.getStringValFromEdit(keyOf(names.size()), name);)
@@ -25,9 +23,18 @@ std::vector<std::string> oldNamesOf(ReelDbRec reel)
   return names;
 }
 
+} // namespace
+
+std::vector<std::string> oldNamesOf(ReelDbRec reel)
+{
+  std::vector<std::string> names = keptNames(reel);
+  names.erase(std::remove(names.begin(), names.end(), text(reel.reelId())), names.end()); // one that came back
+  return names;
+}
+
 void keepOldName(ReelDbRec reel, const std::string& name)
 {
-  const std::vector<std::string> names = oldNamesOf(reel);
+  const std::vector<std::string> names = keptNames(reel);
   const auto isSame = [&](const std::string& other) { return folded(other) == folded(name); };
   if (std::none_of(names.begin(), names.end(), isSame))
     reel.setStringValInEdit(keyOf(names.size()), hostText(name));

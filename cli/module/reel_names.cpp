@@ -6,6 +6,7 @@
 #include <map>
 
 #include "lists/edl_line.h"
+#include "lists/short_names.h"
 #include "lists/text.h"
 
 namespace reeldb::cli {
@@ -52,11 +53,23 @@ void ReelNames::addReel(const std::string& id, const std::vector<std::string>& o
   const std::string folded = lists::fold(id);
   byId_.try_emplace(folded, entry);
   link(folded, entry, Reason::Case);
-  for (const std::size_t length : cutLengths)
-    if (const std::string_view cut = cutForm(id, length); !cut.empty())
-      link(lists::fold(cut), entry, Reason::Cut);
-  for (const std::string& name : oldNames)
+  linkCuts(id, entry, Reason::Cut);
+  for (const std::string& name : oldNames) {
     link(lists::fold(name), entry, Reason::OldName);
+    linkCuts(name, entry, Reason::OldName);
+  }
+}
+
+void ReelNames::linkCuts(const std::string& name, std::size_t entry, Reason reason)
+{
+  const std::string whole = lists::fold(name);
+  for (const std::size_t length : cutLengths) {
+    if (const std::string_view cut = cutForm(name, length); !cut.empty())
+      link(lists::fold(cut), entry, reason);
+    const std::string form = lists::fold(lists::fieldForm(name, length));
+    if (!form.empty() && form != whole)
+      link(form, entry, reason);
+  }
 }
 
 void ReelNames::addAlias(const std::string& name, const std::string& reel)

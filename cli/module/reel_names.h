@@ -16,9 +16,9 @@ namespace reeldb::cli {
 enum class Reason {
   Exact,   ///< it is the reel's identifier
   Case,    ///< it differs from the identifier in the case of ASCII letters only
-  Cut,     ///< it is what a list with names of 6, 8, 32 or 129 characters makes of the identifier
+  Cut,     ///< it is what a list with names of 6, 8, 32 or 129 characters leaves of the identifier
   Alias,   ///< a list gave it as another name of the reel
-  OldName, ///< the reel was called that before it was renamed
+  OldName, ///< the reel was called that, or what a list leaves of that, before it was renamed
 };
 
 /// "exact", "case", "cut", "alias", "old-name"
@@ -50,6 +50,8 @@ private:
     std::size_t entry;
     Reason reason;
   };
+  /// The forms that the reel fields of lists leave of a name.
+  void linkCuts(const std::string& name, std::size_t entry, Reason reason);
   void link(const std::string& foldedName, std::size_t entry, Reason reason);
 
   std::vector<Entry> entries_;

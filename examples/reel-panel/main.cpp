@@ -12,10 +12,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <cwchar>
 #include <exception>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -29,6 +32,26 @@ using reelhost::displayText;
 namespace {
 
 volatile std::sig_atomic_t ended = 0;
+volatile std::sig_atomic_t resized = 0;
+
+/// The start of a line that fits into so many columns of the terminal, filled with blanks if it is to fill them. The
+/// text is a displayText: it holds no control characters.
+std::string fitted(const std::string& line, int columns, bool fill)
+{
+  std::string result;
+  std::mbstate_t state{};
+  for (std::size_t at = 0; at < line.size();) {
+    wchar_t character = 0;
+    const std::size_t bytes = std::mbrtowc(&character, line.data() + at, line.size() - at, &state);
+    const int width = bytes <= line.size() ? std::max(0, wcwidth(character)) : -1;
+    if (width < 0 || width > columns)
+      break;
+    result.append(line, at, bytes);
+    at += bytes;
+    columns -= width;
+  }
+  return fill ? result + std::string(static_cast<std::size_t>(columns), ' ') : result;
+}
 
 /// Hears what happens to the reels. Handlers are called in the middle of changes, so they note and do not ask.
 class Panel final : public ReelDbClient {
@@ -41,6 +64,7 @@ public:
   }
 
   bool stale() const { return stale_; }
+  void redraw() { stale_ = true; }
 
   void scroll(int by) { first_ = std::max(0, first_ + by), stale_ = true; }
 
@@ -48,7 +72,7 @@ public:
   {
     stale_ = false;
     winsize size{};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row < 4)
+    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_row < 4 || size.ws_col == 0)
       size.ws_row = 24, size.ws_col = 80;
     std::vector<LightweightString<char>> ids;
     ReelDbManager& manager = *ReelDbManager::theReelDbManager();
@@ -56,23 +80,26 @@ public:
     first_ = std::min(first_, std::max(0, static_cast<int>(ids.size()) - 1));
 
     std::string screen = "\x1b[H\x1b[2J"; // the cursor goes home, the screen is emptied
-    screen += "\x1b[1m" + displayText(project.c_str()) + "\x1b[0m: " + std::to_string(ids.size()) + " reels" +
-              (news_.empty() ? "" : ", last changed: " + news_) + "\n";
+    screen += fitted(displayText(project.c_str()) + ": " + std::to_string(ids.size()) + " reels" +
+                         (news_.empty() ? "" : ", last changed: " + news_),
+                     size.ws_col, false) +
+              "\n";
     const int rows = size.ws_row - 2;
     for (int i = first_; i < std::min(static_cast<int>(ids.size()), first_ + rows); ++i) {
       const auto& id = ids[static_cast<std::size_t>(i)];
       ReelDbRec reel = manager.getReelInfo(id);
-      std::string line = displayText(id.c_str());
-      line.resize(std::max<std::size_t>(line.size(), 24), ' ');
-      line += "  " + displayText(reel.typeName().c_str()) + (reel.reelAvailable() ? "" : "  (not at hand)");
-      screen += line + "\n";
+      const std::string line = fitted(displayText(id.c_str()), idColumns, true) + "  " +
+                               displayText(reel.typeName().c_str()) + (reel.reelAvailable() ? "" : "  (not at hand)");
+      screen += fitted(line, size.ws_col, false) + "\n";
     }
-    screen += "\x1b[7m up, down: scroll   q: end \x1b[0m";
+    screen += "\x1b[7m" + fitted(" up, down: scroll   q: end ", size.ws_col, false) + "\x1b[0m";
     std::fwrite(screen.data(), 1, screen.size(), stdout);
     std::fflush(stdout);
   }
 
 private:
+  static constexpr int idColumns = 24;
+
   bool stale_ = true;
   int first_ = 0;
   std::string news_;
@@ -117,6 +144,8 @@ private:
 void run(const std::string& wanted)
 {
   reelhost::startUp(); // this is the main thread
+  if (reelhost::facility().directory().empty())
+    throw std::runtime_error("REELDB_FACILITY: names no facility");
   const std::string project = wanted.empty() ? reelhost::facility().defaultProject() : wanted;
   ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // listens to the project from now on
   reelhost::openProject(project, reelhost::Access::Read);
@@ -128,6 +157,10 @@ void run(const std::string& wanted)
     reelhost::idle(); // keeps nobody from writing
     if (reelhost::reloadIfChangedElsewhere())
       manager.informReelDbChanged("");
+    if (resized) {
+      resized = 0;
+      panel.redraw();
+    }
     if (panel.stale())
       panel.draw(project);
   }
@@ -144,6 +177,8 @@ int main(int argc, char** argv)
   }
   for (const int signal : {SIGINT, SIGTERM, SIGHUP})
     std::signal(signal, [](int) { ended = 1; });
+  std::signal(SIGWINCH, [](int) { resized = 1; });
+  std::setlocale(LC_CTYPE, "C.UTF-8"); // how wide characters are; all texts are UTF-8
   try {
     run(argc == 2 ? argv[1] : "");
     return 0;

@@ -169,6 +169,9 @@ TEST_F(Shells, BashQuotesWordsAndKeepsWhatItCutThemAt)
 {
   if (!isHere("bash"))
     GTEST_SKIP() << "no bash here";
+  output({"create", "it's"});
+  output({"create", "say\"so"});
+  std::filesystem::create_directory_symlink(".", path("a b"));
   // compopt works while a key is pressed only; here it says what it was asked for.
   dir_.write("try.bash", "source " + scripts + R"(/reeldb.bash
 compopt() { options+=" $*"; }
@@ -181,6 +184,14 @@ try() {
 try undel
 try show 'Tape\ '
 try show '"Tape '
+try show "'T:"
+try show '"say'
+try show "'it"
+try show it
+try -C '"a b"' show Tape
+try -C '~/a\ b' show Tape
+try -C '$HOME/"a b"' show Tape
+try -C '$(touch ran)' show ''
 try show T : ''
 try reels-of --reel = T
 try set T : 9 ava
@@ -192,6 +203,14 @@ try init proj
   EXPECT_EQ(runProcess({"bash", "--norc", "try.bash"}, shell_).out, "<undelete>\n"
                                                                     "<Tape\\ 7>\n"
                                                                     "<Tape 7>\n"
+                                                                    "<T:9>\n"
+                                                                    "<say\\\"so>\n"
+                                                                    "<>\n"
+                                                                    "<it\\'s>\n"
+                                                                    "<Tape\\ 7>\n"
+                                                                    "<Tape\\ 7>\n"
+                                                                    "<Tape\\ 7>\n"
+                                                                    "<>\n"
                                                                     "<9>\n"
                                                                     "<Tape\\ 7><T:9>\n"
                                                                     "<available=> -o nospace\n"
@@ -216,6 +235,9 @@ TEST_F(Shells, FishDescribesWords)
   if (!isHere("fish"))
     GTEST_SKIP() << "no fish here";
   dir_.write("try.fish", "source " + scripts + R"(/reeldb.fish
+complete -C'reeldb device sh'
+complete -C'reeldb device show '
+complete -C'reeldb -C ~/ show T:'
 complete -C'reeldb undel'
 complete -C'reeldb show Tape\ '
 complete -C'reeldb show T:'
@@ -225,7 +247,11 @@ complete -C'reeldb import facility.t'
 complete -C'reeldb init proj'
 )");
   const ProcessResult result = runProcess({"fish", "--no-config", "try.fish"}, shell_);
-  EXPECT_EQ(result.out, "undelete\tBring the last deletion back\n"
+  EXPECT_EQ(result.out, "show\tShow one device\n"
+                        "0\tDeck 1\n"
+                        "1\tCamera 1\n"
+                        "T:9\tTape 2ch\n"
+                        "undelete\tBring the last deletion back\n"
                         "Tape 7\tTape 2ch\n"
                         "T:9\tTape 2ch\n"
                         "type=Audio only\n"
@@ -240,6 +266,8 @@ TEST_F(Shells, ZshCompletesWhatIsTypedAtATerminal)
 {
   if (!isHere("zsh"))
     GTEST_SKIP() << "no zsh here";
+  output({"create", "say\"so"});
+  output({"create", "back\\slash"});
   dir_.write("try.zsh", R"(zmodload zsh/zpty
 zpty inner zsh -f -i
 type() { # type KEYS: runs that line and prints what came out until it was done
@@ -251,13 +279,16 @@ type() { # type KEYS: runs that line and prints what came out until it was done
 type "fpath=()" + scripts + R"( \$fpath); autoload -Uz compinit; compinit -u -D"
 type $'reeldb undel\t --help'
 type $'reeldb show Tape\\ \t'
-type $'reeldb show T:\t'
+type $'reeldb -C ~/ show T:\t'
+type $'reeldb show "say\t'
+type $'reeldb show back\t'
 type $'reeldb set T:9 ava\tno'
 type $'cat facility.t\t | grep -c default; reeldb import /dev/nul\t'
 )");
   const std::string screen = runProcess({"zsh", "-f", "try.zsh"}, shell_).out;
-  for (const char* const shown : {"Bring the last deletion back", "reel            Tape 7", "reel            T:9",
-                                  "T:9: available: no (was yes)", "/dev/null: "})
+  for (const char* const shown :
+       {"Bring the last deletion back", "reel            Tape 7", "reel            T:9", "reel            say\"so",
+        "reel            back\\slash", "T:9: available: no (was yes)", "/dev/null: "})
     EXPECT_NE(screen.find(shown), std::string::npos) << shown << "\n" << screen;
 }
 

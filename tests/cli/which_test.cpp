@@ -74,6 +74,14 @@ TEST_F(Which, OldNameFindsTheReelAfterEveryRename)
   EXPECT_EQ(json({"which", "D001", "--json"}).at("candidates").at(0).at("reasons"), Words{"case"});
 }
 
+TEST_F(Which, NameThatCameBackIsNoOldName)
+{
+  for (const Words& names : {Words{"B001", "C001"}, Words{"C001", "B001"}})
+    ASSERT_EQ(reeldb({"rename", names[0], names[1]}).code, 0);
+  for (const Json& reel : json({"export", "--json"}).at("reels"))
+    EXPECT_EQ(reel.at("old_names"), reel.at("id") == "B001" ? Words{"C001"} : Words()) << reel;
+}
+
 TEST_F(Which, OldNamesAreStoredOnceEachUnderKeysOfTheirOwn)
 {
   for (const Words& names :

@@ -96,6 +96,24 @@ TEST_F(ReelPanel, ShowsTheReelsAndFollowsWhatOthersCommit)
   EXPECT_EQ(panel.exitCode(), 0);
 }
 
+TEST_F(ReelPanel, WithoutAFacilitySaysSo)
+{
+  const ProcessResult result = runProcess({REELDB_PANEL}, setting_);
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reel-panel: REELDB_FACILITY: names no facility\n");
+}
+
+TEST_F(ReelPanel, ColumnsStandBelowEachOtherWhateverTheScript)
+{
+  output({"create", "A001"});
+  output({"create", "CAF\xC3\x89 \xE6\x97\xA5\xE6\x9C\xAC"}); // two letters of it take two columns each
+  AtTerminal panel(REELDB_PANEL, dir_.path().string());
+  EXPECT_TRUE(panel.shows("A001" + std::string(22, ' ') + "Tape 2ch"));
+  EXPECT_TRUE(panel.shows("\xE6\x97\xA5\xE6\x9C\xAC" + std::string(17, ' ') + "Tape 2ch"));
+  panel.type("q");
+  EXPECT_EQ(panel.exitCode(), 0);
+}
+
 TEST_F(ReelPanel, ScrollsWithTheArrows)
 {
   for (int i = 0; i < 30; ++i)

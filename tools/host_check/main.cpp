@@ -74,6 +74,8 @@ host_check::Report check(const fs::path& library, const std::vector<std::string>
     }
   }
   const std::set<std::string> asked = host_check::readDynamicSymbols(library).asked;
+  if (asked.empty())
+    throw std::runtime_error(library.string() + ": asks nothing of a host (is it the reel database?)");
   report.asked = asked.size();
   report.unmet = host_check::unmet(asked, offered);
   return report;

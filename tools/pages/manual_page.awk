@@ -31,6 +31,7 @@ function end_list()
 
 NR == 1 {
   name = $0
+  sub(/\.$/, "", name)
   next
 }
 
@@ -56,6 +57,7 @@ NR == 1 {
   section = ""
   in_list = 0
   open = 0
+  in_item = 0
   next
 }
 
@@ -83,10 +85,27 @@ in_list && /^  / { # what goes on from the line before
   next
 }
 
+/^  [^ ]/ { # an item among paragraphs: a form and what it means, in columns
+  line = substr($0, 3)
+  at = match(line, /  +/)
+  put(".TP\n.B " escaped(at ? substr(line, 1, at - 1) : line))
+  if (at)
+    put(escaped(substr(line, at + RLENGTH)))
+  in_item = 1
+  next
+}
+
+in_item && /^  / {
+  sub(/^ +/, "")
+  put(escaped($0))
+  next
+}
+
 { # a paragraph: of a section when it follows it directly, otherwise of the description
-  if (!open || in_list)
+  if (!open || in_list || in_item)
     put(".PP")
   open = 1
+  in_item = 0
   in_list = 0
   put(escaped($0))
 }
@@ -102,6 +121,13 @@ END {
   print ".SH DESCRIPTION\n" escaped(name) "."
   printf "%s", description
   printf "%s", sections
+  if (parent == "") {
+    print ".SH ENVIRONMENT\n.TP\n.B REELDB_FACILITY"
+    print "The facility to work in, when \\-C names none."
+    print ".TP\n.B NO_COLOR\nAnything: no colours."
+  } else {
+    print ".SH EXIT STATUS\nAs for\n.BR reeldb (1)."
+  }
   related = parent (parent != "" && children != "" ? " " : "") children
   if (related != "") {
     print ".SH SEE ALSO"

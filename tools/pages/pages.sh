@@ -22,6 +22,7 @@ manual_page() { # manual_page PARENT CHILDREN COMMAND...
   shift 2
   page=$(echo reeldb "$@" | tr ' ' '-')
   pages=
+  [ $# != 0 ] || pages=' reeldb-host-check'
   for child in $children; do
     pages="$pages $page-$child"
   done

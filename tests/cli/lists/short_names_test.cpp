@@ -18,6 +18,15 @@ Strings names(const Strings& reels, std::size_t field)
   return shortReelNames(reels, field).value_or(Strings{"too many"});
 }
 
+TEST(ShortNames, FieldFormIsWhatTheFieldLeaves)
+{
+  EXPECT_EQ(fieldForm("a-1_long name", 6), "A1LONG");
+  EXPECT_EQ(fieldForm("a-1_long name", 8), "A1LONGNA");
+  EXPECT_EQ(fieldForm("a-1_long n\xC3\xA4me", 32), "a-1_long_n_me");
+  EXPECT_EQ(fieldForm(std::string(130, 'x'), 129), std::string(129, 'x'));
+  EXPECT_EQ(fieldForm("--", 8), "");
+}
+
 TEST(ShortNames, NameThatFitsStays)
 {
   EXPECT_EQ(names({"A001", "12345678", "B"}, 8), (Strings{"A001", "12345678", "B"}));

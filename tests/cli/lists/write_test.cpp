@@ -190,4 +190,14 @@ TEST(ReelMap, BlackStaysBlack)
   EXPECT_EQ(specialLines(list), 1);
 }
 
+TEST(WriteEdl, TextThatMeansNoneIsTold)
+{
+  Clip clip = clipOf("A", "(null)", "V", 1, 0);
+  clip.sourceFile = "(NULL)";
+  EXPECT_EQ(writeEdl("", {clip, clip}, 8).remarks,
+            (std::vector<std::string>{"'(null)': in a cut list it means none (an import will not read it back)",
+                                      "'(NULL)': in a cut list it means none (an import will not read it back)"}));
+  EXPECT_TRUE(writeAle("25", {clip}).remarks.empty());
+}
+
 } // namespace

@@ -116,6 +116,27 @@ TEST(ReelNames, ReelIsListedOnceWithAllItsReasons)
   EXPECT_EQ(found.front().reasons, (Reasons{Reason::Cut, Reason::Alias, Reason::OldName}));
 }
 
+TEST(ReelNames, WhatAFieldLeavesOfANameIsACutForm)
+{
+  ReelNames names;
+  names.addReel("Boone_Smith/2", {});
+  EXPECT_EQ(names.find("BOONESMI").front().reasons, Reasons{Reason::Cut});
+  EXPECT_EQ(names.find("BOONES").front().reasons, Reasons{Reason::Cut});
+  EXPECT_EQ(names.find("boone_smith_2").front().reasons, Reasons{Reason::Cut});
+  EXPECT_TRUE(names.find("BOONESM").empty()) << "no field has seven characters";
+}
+
+TEST(ReelNames, CutFormOfAnOldNameIsAnOldName)
+{
+  ReelNames names;
+  names.addReel("B1", {"TAPEONE_LONG"});
+  names.addReel("TAPEONE_LENGTHY", {});
+  const auto found = names.find("TAPEON");
+  EXPECT_EQ(reelsOf(found), (std::vector<std::string>{"TAPEONE_LENGTHY", "B1"}));
+  EXPECT_EQ(found.back().reasons, Reasons{Reason::OldName});
+  EXPECT_EQ(reelsOf(names.find("TAPEONE_LONG")), std::vector<std::string>{"B1"});
+}
+
 TEST(ReelNames, OldNameThatCameBackIsNoReasonOfItsOwn)
 {
   ReelNames names;

@@ -36,6 +36,14 @@ TEST(HostCheck, TheStandaloneHostHasAll)
   EXPECT_EQ(result.err, "");
 }
 
+TEST(HostCheck, LibraryThatAsksNothingIsNotTheReelDatabase)
+{
+  const ProcessResult result = check({"--library", HOST_VALUES, STANDALONE_HOST});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.out, "");
+  EXPECT_TRUE(holds(result.err, ": asks nothing of a host (is it the reel database?)\n")) << result.err;
+}
+
 TEST(HostCheck, WithoutItsValuesAHostIsNotWhole)
 {
   const ProcessResult result = check({STANDALONE_HOST});
@@ -84,10 +92,9 @@ TEST(HostCheck, AsJsonItCanBeRead)
 
 TEST(HostCheck, AnotherLibraryMayBeNamed)
 {
-  // The values ask nothing of a host but what they have themselves.
-  const ProcessResult result = check({"--library", HOST_VALUES, HOST_VALUES});
+  const ProcessResult result = check({"--library", REELDB_LIBRARY, STANDALONE_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 0) << result.out << result.err;
-  EXPECT_EQ(result.out.rfind(std::string(HOST_VALUES) + ": all ", 0), 0u) << result.out;
+  EXPECT_EQ(result.out.rfind(std::string(REELDB_LIBRARY) + ": all ", 0), 0u) << result.out;
 }
 
 TEST(HostCheck, WhatCannotBeReadIsNotChecked)
