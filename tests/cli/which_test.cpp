@@ -78,7 +78,8 @@ TEST_F(Which, NameThatCameBackIsNoOldName)
 {
   for (const Words& names : {Words{"B001", "C001"}, Words{"C001", "B001"}})
     ASSERT_EQ(reeldb({"rename", names[0], names[1]}).code, 0);
-  for (const Json& reel : json({"export", "--json"}).at("reels"))
+  const Json reels = json({"export", "--json"}).at("reels");
+  for (const Json& reel : reels)
     EXPECT_EQ(reel.at("old_names"), reel.at("id") == "B001" ? Words{"C001"} : Words()) << reel;
 }
 
