@@ -21,6 +21,7 @@
 #include "module/reel.h"
 #include "module/session.h"
 #include "module/shot.h"
+#include "module/shot_key.h"
 #include "module/terminal.h"
 
 namespace reeldb::cli {
@@ -62,23 +63,6 @@ Content readContent(Session& session)
   }
   content.shots = materialOf(reelhost::allShots());
   return content;
-}
-
-lists::Clip clipOf(const reelhost::Material& shot)
-{
-  lists::Clip clip;
-  clip.reel = shot.reel;
-  clip.clipName = shot.name;
-  clip.sourceFile = shot.sourceFile;
-  clip.tracks = shot.tracks;
-  clip.sourceIn = shot.sourceIn;
-  clip.sourceOut = shot.sourceOut;
-  clip.recordIn = shot.recordIn;
-  clip.recordOut = shot.recordOut;
-  clip.aliases = aliasesOf(shot);
-  clip.videoChannels = shot.videoChannels;
-  clip.audioChannels = shot.audioChannels;
-  return clip;
 }
 
 /// The shots, with reels spelled as their records are.

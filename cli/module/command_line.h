@@ -39,7 +39,7 @@ struct CommandInfo {
 /// What a command line came to.
 struct Reading {
   Run run;                    ///< empty when there is nothing to run
-  bool needsFacility = false; ///<
+  bool needsFacility = false; ///< whether what is to be run works on a facility
   ExitCode code = done;       ///< when there is nothing to run
   std::string text;           ///< when there is nothing to run: help or version, for standard output
   std::string message;        ///< or what is wrong with the line

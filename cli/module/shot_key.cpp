@@ -8,6 +8,7 @@
 #include <fmt/ranges.h>
 
 #include "module/host_text.h"
+#include "module/shot.h"
 
 namespace reeldb::cli {
 
@@ -51,6 +52,23 @@ reelhost::Material material(const lists::Clip& clip)
   result.videoChannels = clip.videoChannels;
   result.audioChannels = clip.audioChannels;
   return result;
+}
+
+lists::Clip clipOf(const reelhost::Material& shot)
+{
+  lists::Clip clip;
+  clip.reel = shot.reel;
+  clip.clipName = shot.name;
+  clip.sourceFile = shot.sourceFile;
+  clip.tracks = shot.tracks;
+  clip.sourceIn = shot.sourceIn;
+  clip.sourceOut = shot.sourceOut;
+  clip.recordIn = shot.recordIn;
+  clip.recordOut = shot.recordOut;
+  clip.aliases = aliasesOf(shot);
+  clip.videoChannels = shot.videoChannels;
+  clip.audioChannels = shot.audioChannels;
+  return clip;
 }
 
 } // namespace reeldb::cli

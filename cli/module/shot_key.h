@@ -16,6 +16,9 @@ std::string shotKey(const lists::Clip& clip);
 /// The shot that a clip becomes.
 reelhost::Material material(const lists::Clip& clip);
 
+/// The clip that becomes the shot: the way back.
+lists::Clip clipOf(const reelhost::Material& shot);
+
 } // namespace reeldb::cli
 
 #endif
