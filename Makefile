@@ -1,42 +1,56 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check check-long asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages reference clean
+.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages reference clean
 JOBS ?= $(shell nproc)
+LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
-# $(call build,PRESET): configures and builds one preset
+# $(call build,PRESET[,OPTIONS]): configures and builds one preset
 define build
-	cmake --preset $(1) >/dev/null
+	cmake --preset $(1) $(2) >/dev/null
 	cmake --build --preset $(1) -j $(JOBS)
 endef
 
 run: ## build and run the main job: import the example lists and show their reels
 	@sh scripts/setup.sh run
-	cmake --preset release -DREELDB_TESTS=OFF >/dev/null
-	cmake --build --preset release -j $(JOBS)
+	$(call build,release,-DREELDB_TESTS=OFF)
 	@sh scripts/run.sh
 
 test: ## build and pass every test
 	@sh scripts/setup.sh test
-	cmake --preset release -DREELDB_TESTS=ON >/dev/null
-	cmake --build --preset release -j $(JOBS)
+	$(call build,release,-DREELDB_TESTS=ON)
 	ctest --preset release
 
-check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, comments, fuzzing, mutants
+check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, comments, valgrind, fuzzing, mutants
+	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
 	@if [ "$$(id -u)" = 0 ]; then $(MAKE) --no-print-directory package-test; \
 	  else echo "check: the packages are not tried: that needs root (make package-test)"; fi
 
-check-long: check ## all of it, in hours: what docs/reliability.md has its figures from
-	REELDB_LONG_TESTS=1 ctest --preset release
-	$(call build,clang-release)
-	ctest --preset clang-release
-	$(call build,tsan)
-	ctest --preset tsan
-	sh scripts/memcheck.sh build/release
+check-long: check test-long second-compiler tsan memcheck ## all of it, in hours: what docs/reliability.md has its figures from
 	@FUZZ_SECONDS=300 $(MAKE) --no-print-directory fuzz
 	@$(MAKE) --no-print-directory mutate
+
+test-long: ## pass every test, with hundreds of power cuts instead of some
+	@sh scripts/setup.sh test
+	$(call build,release,-DREELDB_TESTS=ON)
+	REELDB_LONG_TESTS=1 ctest --preset release
+
+second-compiler: ## test what the second compiler makes of it, optimised
+	@sh scripts/setup.sh check
+	$(call build,clang-release)
+	ctest --preset clang-release
+
+tsan: ## test with ThreadSanitizer
+	@sh scripts/setup.sh check
+	$(call build,tsan)
+	ctest --preset tsan
+
+memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some programs
+	@sh scripts/setup.sh check
+	$(call build,release,-DREELDB_TESTS=ON)
+	@sh scripts/memcheck.sh build/release $(PROGRAMS)
 
 asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check
@@ -50,7 +64,7 @@ coverage: ## test with the second compiler and see which lines and branches the 
 	ctest --preset coverage
 	python3 scripts/coverage.py build/coverage
 
-threads: ## test what runs on several threads with ThreadSanitizer
+threads: ## test what runs on several threads with ThreadSanitizer, a part of tsan
 	@sh scripts/setup.sh check
 	cmake --preset tsan >/dev/null
 	cmake --build --preset tsan -j $(JOBS) --target reeldb_test_changes reeldb_test_workers values_test

@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Runs fuzz targets that the preset fuzz has built, one after the other: fuzz.sh [TARGET...], all without a name.
+# Runs fuzz targets that the preset fuzz has built, JOBS (all processors) at a time: fuzz.sh [TARGET...], all without a
+# name.
 #
 # Each runs for FUZZ_SECONDS (20) seconds. It starts from fuzz/corpus, fuzz/findings and what earlier runs left in
 # build/fuzz/corpus; what it finds goes to build/fuzz/findings/TARGET. Exit status 1: something was found.
@@ -9,6 +10,7 @@ cd "$(dirname "$0")/.."
 
 seconds=${FUZZ_SECONDS:-20}
 build=${FUZZ_BUILD:-build/fuzz}
+jobs=${JOBS:-$(nproc)}
 if [ $# = 0 ]; then
   for source in fuzz/targets/*.cpp; do
     set -- "$@" "$(basename "$source" .cpp)"
@@ -20,7 +22,6 @@ scratch=$(mktemp -d -p /dev/shm reeldb-fuzz-XXXXXX 2>/dev/null || mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 trap 'exit 130' INT TERM
 
-export TMPDIR="$scratch"
 export UBSAN_OPTIONS=print_stacktrace=1
 ASAN_SYMBOLIZER_PATH=${ASAN_SYMBOLIZER_PATH:-$(command -v llvm-symbolizer-14 || true)}
 export ASAN_SYMBOLIZER_PATH
@@ -31,17 +32,15 @@ count_files()
   find "$1" -type f | wc -l
 }
 
-status=0
-for target in "$@"; do
+# run TARGET: fuzzes it and leaves its report in the scratch folder; "broken" there says that something was found
+run()
+{
+  target=$1
   program=$build/bin/fuzz_$target
-  if [ ! -x "$program" ]; then
-    echo "fuzz: $program: not there (cmake --preset fuzz && cmake --build --preset fuzz)" >&2
-    exit 2
-  fi
   corpus=$build/corpus/$target
   findings=$build/findings/$target
   log=$build/log/$target
-  mkdir -p "$corpus" "$findings" "$build/log"
+  mkdir -p "$corpus" "$findings" "$build/log" "$scratch/$target"
   before=$(count_files "$findings")
 
   set -- "$corpus" "fuzz/corpus/$target"
@@ -52,16 +51,38 @@ for target in "$@"; do
   done
   # Everything here takes time in proportion to its input: ten seconds are for one that does not.
   failed=0
-  "$program" "$@" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 -artifact_prefix="$findings/" \
-    >"$log" 2>&1 || failed=$?
+  TMPDIR="$scratch/$target" "$program" "$@" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \
+    -artifact_prefix="$findings/" >"$log" 2>&1 || failed=$?
 
   runs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log" | tail -n 1)
   found=$(($(count_files "$findings") - before))
   printf '%-12s %10s runs, %s findings\n' "$target" "${runs:-no}" "$found"
   if [ "$failed" != 0 ] || [ -z "$runs" ]; then
-    status=1
+    : >"$scratch/broken"
     sed -n -e 's/^ *what(): */  /p' -e 's/^SUMMARY: /  /p' -e 's/^.*Test unit written to /  /p' "$log"
     echo "  more in $log"
   fi
+}
+
+for target in "$@"; do
+  if [ ! -x "$build/bin/fuzz_$target" ]; then
+    echo "fuzz: $build/bin/fuzz_$target: not there (cmake --preset fuzz && cmake --build --preset fuzz)" >&2
+    exit 2
+  fi
 done
-exit $status
+total=0
+while [ $# -gt 0 ]; do
+  started=
+  while [ $# -gt 0 ] && [ "$(echo "$started" | wc -w)" -lt "$jobs" ]; do
+    run "$1" >"$scratch/report.$1" &
+    started="$started $1"
+    shift
+  done
+  wait
+  for target in $started; do
+    cat "$scratch/report.$target"
+    total=$((total + $(awk 'NR == 1 { print $2 + 0 }' "$scratch/report.$target")))
+  done
+done
+echo "fuzz: $total runs in all"
+[ ! -e "$scratch/broken" ]

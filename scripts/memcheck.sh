@@ -1,7 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Runs every test program of a build under valgrind, and the programs that they start: memcheck.sh BUILD_DIR [PROGRAM...]
-# Nothing is suppressed. Left out is the program that tries the library's operator new: valgrind puts its own there.
+# Runs the test programs of a build under valgrind, and the programs that they start: memcheck.sh BUILD_DIR [PROGRAM...]
+#
+# Each program's tests are shared out among JOBS (all) processors. Nothing is suppressed. Left out is the program that
+# tries the library's operator new: valgrind puts its own there.
 set -eu
 
 build=$1
@@ -11,24 +13,55 @@ command -v valgrind >/dev/null || {
   exit 2
 }
 if [ $# = 0 ]; then
-  # shellcheck disable=SC2046 # a list of words
-  set -- $(cd "$build/bin" && ls | grep -E '_test$|_test_|^host_contract$' | grep -v '^reeldb_test_allocation$')
-  echo "memcheck: reeldb_test_allocation: left out (it tries the operator new that valgrind replaces)"
+  for path in "$build"/bin/*_test "$build"/bin/*_test_* "$build"/bin/*_contract; do
+    case $path in
+      */reeldb_test_allocation) echo "memcheck: reeldb_test_allocation: left out (it tries the operator new that valgrind replaces)" ;;
+      *) set -- "$@" "$(basename "$path")" ;;
+    esac
+  done
 fi
+jobs=${JOBS:-$(nproc)}
+logs=$(mktemp -d)
+trap 'rm -rf "$logs"' EXIT
+trap 'exit 130' INT TERM
+
+# part PROGRAM NUMBER: runs one of the parts of a program's tests. What valgrind has to say of a process goes to a file
+# of that process, since the tests read what a command prints.
+part()
+{
+  GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$2 valgrind --quiet --error-exitcode=99 --log-file="$logs/said.%p" \
+    --leak-check=full --show-leak-kinds=definite,indirect --errors-for-leak-kinds=definite,indirect \
+    --trace-children=yes --trace-children-skip='/bin/*,/usr/bin/*,/usr/lib/gcc*' \
+    "$build/bin/$1" >"$logs/printed.$2" 2>&1 || : >"$logs/failed.$2"
+}
+
+# count WHAT: how many tests PASSED or were SKIPPED
+count()
+{
+  sed -n "s/^\\[  $1 *\\] \\([0-9]*\\) tests*[.,].*/\\1/p" "$logs"/printed.* | awk '{ n += $1 } END { print n + 0 }'
+}
+
 failed=
 for program in "$@"; do
-  log=$(mktemp)
-  if valgrind --quiet --error-exitcode=99 --leak-check=full --show-leak-kinds=definite,indirect \
-    --errors-for-leak-kinds=definite,indirect --child-silent-after-fork=no --trace-children=yes \
-    --trace-children-skip='/bin/*,/usr/bin/*,/usr/lib/gcc*' \
-    "$build/bin/$program" --gtest_brief=1 >"$log" 2>&1 && ! grep -q '^==[0-9]*== [A-Z]' "$log"; then
-    echo "memcheck: $program: clean"
-  else
+  begun=$(date +%s)
+  number=0
+  while [ "$number" -lt "$jobs" ]; do
+    part "$program" "$number" &
+    number=$((number + 1))
+  done
+  wait
+  # A system call that valgrind does not know is no fault of the program.
+  said=$(cat "$logs"/said.* | grep -v -e 'noted but unhandled' -e 'This could cause spurious value errors' \
+    -e 'README_MISSING_SYSCALL_OR_IOCTL' || true)
+  if [ -n "$said" ] || [ -n "$(find "$logs" -name 'failed.*')" ] || [ "$(count PASSED)" = 0 ]; then
     echo "memcheck: $program: not clean" >&2
-    cat "$log" >&2
+    grep -hv -e '^\[ RUN ' -e '^\[       OK ' "$logs"/printed.* >&2 || true
+    printf '%s\n' "$said" >&2
     failed="$failed $program"
+  else
+    echo "memcheck: $program: clean: $(count PASSED) passed, $(count SKIPPED) skipped, $(($(date +%s) - begun)) s"
   fi
-  rm -f "$log"
+  rm -f "$logs"/*
 done
 [ -z "$failed" ] || {
   echo "memcheck: not clean:$failed" >&2

@@ -659,13 +659,15 @@ class Run:
         self.unbuilt = 0
         self.survivors = []
 
-    def judge(self, mutant, last_are_built=lambda: True):
-        """Counts the mutant, which is built; the last tests are built when they are needed."""
-        stage = self.tests.kills(self.tests.stages(mutant.file))
-        if not stage and not last_are_built():
-            self.unbuilt += 1
-            return
-        stage = stage or self.tests.kills(self.tests.last_stages())
+    def judge(self, mutant, built_anew=None):
+        """Counts the mutant, whose library is built. What passes everything is tried again when it is built anew."""
+        stages = self.tests.stages(mutant.file) + self.tests.last_stages()
+        stage = self.tests.kills(stages)
+        if not stage and built_anew:
+            if not built_anew():
+                self.unbuilt += 1
+                return
+            stage = self.tests.kills(stages)
         if stage:
             self.killed += 1
         else:
@@ -711,19 +713,33 @@ class Run:
             shutil.copy2(kept, library)
 
     def headers(self, mutants):
-        """Mutants of what several sources include: changed in the copy of the tree, built like any change."""
+        """Mutants of what several sources include: changed in the copy of the tree, built like any change.
+
+        The library comes first, between a host and tests that know nothing of the change, which is how a host meets a
+        library. What they do not notice may be in their own copy of the header: then everything is built with it.
+        """
+        targets = {name: (*self.tests.targets([name]), *self.tests.last_targets()) for name in {m.file for m in mutants}}
+        changed = set()  # what tests were built with a change and have to be built again
+
         for mutant in mutants:
             copy = self.workshop.tree / mutant.file
             try:
                 copy.write_text(mutant.apply(self.workshop.texts))
-                if self.workshop.try_build(*self.tests.targets([mutant.file])):
-                    self.judge(mutant, lambda: self.workshop.try_build(*self.tests.last_targets()))
+                if self.workshop.try_build("reeldb"):
+                    self.judge(mutant, lambda: self.try_everything(changed, targets[mutant.file]))
                 else:
                     self.unbuilt += 1
             finally:
                 copy.write_text(self.workshop.texts[mutant.file])
+                if changed:
+                    self.workshop.build(*changed)
+                    changed.clear()
         if mutants:
-            self.workshop.build(*self.tests.targets({mutant.file for mutant in mutants}), *self.tests.last_targets())
+            self.workshop.build("reeldb")
+
+    def try_everything(self, changed, targets):
+        changed.update(targets)
+        return self.workshop.try_build(*targets)
 
 
 def arguments_of(argv):
