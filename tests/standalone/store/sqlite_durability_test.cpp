@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A commit is stored whole or not at all, whatever happens to the process, the disk or the write-ahead log.
+#include <iostream>
 #include <memory>
 #include <random>
 
 #include <cerrno>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sqlite3.h>
@@ -287,6 +289,7 @@ TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
       ASSERT_LT(n, 1000);
     }
     EXPECT_GT(refused, 5);
+    std::cout << refused << " writes failed in turn (" << std::strerror(error) << ")\n";
   }
 }
 

@@ -2,6 +2,7 @@
 //
 // What is no project, or cannot be used now, gets an error that says so and stays as it was.
 #include <algorithm>
+#include <iostream>
 #include <map>
 #include <memory>
 
@@ -258,6 +259,7 @@ TEST_F(SqliteRefusals, EveryPageOverwrittenInTurnIsDamage)
       EXPECT_EQ(everything(), before) << "page " << page;
     }
   }
+  std::cout << pages - 1 << " pages overwritten in turn\n";
 }
 
 TEST_F(SqliteRefusals, TablesOverwrittenInTheFirstPage)
