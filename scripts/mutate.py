@@ -637,13 +637,9 @@ class Tests:
                     fail(f"{stage.program} --gtest_filter='{stage.filter}': fails on the unchanged library")
                 self.taken[key] = time.monotonic() - begun
 
-    def kills(self, stages):
-        """The stage that notices the change, or nothing."""
-        for stage in stages:
-            limit = max(10.0, 5 * self.taken[(stage.program, stage.filter)])
-            if not self.passes(stage, limit):
-                return stage
-        return None
+    def kills(self, stage):
+        """Whether the stage notices the change."""
+        return not self.passes(stage, max(10.0, 5 * self.taken[(stage.program, stage.filter)]))
 
 
 # --- The run -----------------------------------------------------------------------------------------------------
@@ -659,23 +655,24 @@ class Run:
         self.unbuilt = 0
         self.survivors = []
 
-    def judge(self, mutant, built_anew=None):
-        """Counts the mutant, whose library is built. What passes everything is tried again when it is built anew."""
-        stages = self.tests.stages(mutant.file) + self.tests.last_stages()
-        stage = self.tests.kills(stages)
-        if not stage and built_anew:
-            if not built_anew():
+    def judge(self, mutant, build=lambda program: True):
+        """Counts the mutant. Each test program is built when it is its turn."""
+        noticed = None
+        for stage in self.tests.stages(mutant.file) + self.tests.last_stages():
+            if not build(stage.program):
                 self.unbuilt += 1
                 return
-            stage = self.tests.kills(stages)
-        if stage:
+            if self.tests.kills(stage):
+                noticed = stage
+                break
+        if noticed:
             self.killed += 1
         else:
             self.survivors.append(mutant)
-        if self.verbose or not stage:
-            print(f"{'killed' if stage else 'SURVIVED'}  {mutant}", flush=True)
-            if stage:
-                print(f"    by {stage.program} {stage.filter[:60]}", flush=True)
+        if self.verbose or not noticed:
+            print(f"{'killed' if noticed else 'SURVIVED'}  {mutant}", flush=True)
+            if noticed:
+                print(f"    by {noticed.program} {noticed.filter[:60]}", flush=True)
         self.report_progress()
 
     def report_progress(self):
@@ -713,33 +710,14 @@ class Run:
             shutil.copy2(kept, library)
 
     def headers(self, mutants):
-        """Mutants of what several sources include: changed in the copy of the tree, built like any change.
-
-        The library comes first, between a host and tests that know nothing of the change, which is how a host meets a
-        library. What they do not notice may be in their own copy of the header: then everything is built with it.
-        """
-        targets = {name: (*self.tests.targets([name]), *self.tests.last_targets()) for name in {m.file for m in mutants}}
-        changed = set()  # what tests were built with a change and have to be built again
-
+        """Mutants of what several sources include: changed in the copy of the tree, built like any change."""
         for mutant in mutants:
             copy = self.workshop.tree / mutant.file
             try:
                 copy.write_text(mutant.apply(self.workshop.texts))
-                if self.workshop.try_build("reeldb"):
-                    self.judge(mutant, lambda: self.try_everything(changed, targets[mutant.file]))
-                else:
-                    self.unbuilt += 1
+                self.judge(mutant, self.workshop.try_build)
             finally:
                 copy.write_text(self.workshop.texts[mutant.file])
-                if changed:
-                    self.workshop.build(*changed)
-                    changed.clear()
-        if mutants:
-            self.workshop.build("reeldb")
-
-    def try_everything(self, changed, targets):
-        changed.update(targets)
-        return self.workshop.try_build(*targets)
 
 
 def arguments_of(argv):
