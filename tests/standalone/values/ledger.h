@@ -35,7 +35,7 @@ inline bool newIsRouted()
 
 #define NEEDS_ROUTED_NEW                                                                                               \
   if (!newIsRouted())                                                                                                  \
-  GTEST_SKIP() << "operator new of this build is the sanitizer's and does not go through OS()"
+  GTEST_SKIP() << "a sanitizer or valgrind has put its operator new in the place of the one that goes through OS()"
 
 /// Whether @p action ends in std::bad_alloc when its n-th allocation (from 1) fails.
 template <class Action>
