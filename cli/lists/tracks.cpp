@@ -28,31 +28,33 @@ bool risesFromOne(std::string_view digits)
          std::adjacent_find(digits.begin(), digits.end(), std::greater_equal<>()) == digits.end();
 }
 
-/// A track number, or nothing when it is none that a source can have.
-std::optional<int> trackNumber(std::string_view digits)
+/// A track number; 0 when it is none that a source can have.
+int trackNumber(std::string_view digits)
 {
   constexpr std::size_t kMostDigits = 3;
   int number = 0;
   for (const char digit : digits.size() > kMostDigits ? std::string_view() : digits)
     number = number * 10 + (digit - '0');
-  return number > 0 ? std::optional(number) : std::nullopt;
+  return number;
 }
 
 /// Takes "", "7", "1-8" or "1-A8" off the text that stands behind the kind of track. How many tracks these are;
-/// nothing when they are none.
-std::optional<int> takeTrackNumbers(std::string_view& text, char kind)
+/// 0 when they are none.
+int takeTrackNumbers(std::string_view& text, char kind)
 {
   const std::string_view first = takeDigits(text);
   if (first.empty())
     return 1;
-  const std::optional<int> from = trackNumber(first);
-  if (!from || !text.starts_with('-'))
-    return from ? std::optional(1) : std::nullopt;
+  const int from = trackNumber(first);
+  if (from == 0)
+    return 0;
+  if (!text.starts_with('-'))
+    return 1;
   text.remove_prefix(1);
   if (startsWithName(text, {&kind, 1}))
     text.remove_prefix(1);
-  const std::optional<int> to = trackNumber(takeDigits(text));
-  return to && *to >= *from ? std::optional(*to - *from + 1) : std::nullopt;
+  const int to = trackNumber(takeDigits(text));
+  return to >= from ? to - from + 1 : 0;
 }
 
 } // namespace
@@ -70,13 +72,13 @@ std::optional<Tracks> parseLogTracks(std::string_view text)
   while (!text.empty()) {
     const char kind = text.front();
     text.remove_prefix(1);
-    const std::optional<int> count = takeTrackNumbers(text, kind);
-    if (!count)
+    const int count = takeTrackNumbers(text, kind);
+    if (count == 0)
       return std::nullopt;
     if (kind == 'V' || kind == 'v')
-      tracks.video += *count;
+      tracks.video += count;
     else if (kind == 'A' || kind == 'a')
-      tracks.audio += *count;
+      tracks.audio += count;
     else if (kind != 'D' && kind != 'd')
       return std::nullopt;
     if (tracks.video + tracks.audio > kMostTracks)

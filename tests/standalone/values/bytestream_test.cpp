@@ -125,6 +125,20 @@ TEST(ByteStream, LinesAndFields)
   }
 }
 
+TEST(ByteStream, NewOneTakesCrAndLfAsTwo)
+{
+  ByteStream stream(LightweightString<char>("a\r\nb"));
+  EXPECT_FALSE(stream.joinCrLf);
+  stream.separators = "\r\n";
+  GrowString piece;
+  Pieces pieces;
+  while (!stream.atEnd()) {
+    stream >> piece;
+    pieces.emplace_back(piece);
+  }
+  EXPECT_EQ(pieces, (Pieces{"a", "", "b"}));
+}
+
 TEST(ByteStream, EveryShortTextReadsAsTheModelSays)
 {
   const std::string alphabet = "a:\r\n";
