@@ -43,7 +43,7 @@ trap 'exit 130' INT TERM
 # of that process, since the tests read what a command prints.
 part()
 {
-  GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$2 valgrind --quiet --error-exitcode=99 --log-file="$logs/said.%p" \
+  GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$2 valgrind --quiet --vgdb=no --error-exitcode=99 --log-file="$logs/said.%p" \
     --leak-check=full --show-leak-kinds=definite,indirect --errors-for-leak-kinds=definite,indirect \
     --trace-children=yes --trace-children-skip='/bin/*,/usr/bin/*,/usr/lib/gcc*' \
     "$build/bin/$1" >"$logs/printed.$2" 2>&1 || : >"$logs/failed.$2"
