@@ -2,11 +2,11 @@
 # bash completion for reeldb: the command itself says what may follow.
 
 # Sets REPLY to what the shell would make of a word: without quotes, with "~" and variables filled in. Nothing is run: a
-# word that holds a command is left as it is.
+# word that holds a command is left as it is, and so is one that begins with an operator, such as a redirection.
 _reeldb_unquoted() {
   REPLY=$1
   case $1 in
-  *'`'* | *'$('* | *'${'* | *'<('* | *'>('*) ;;
+  *'`'* | *'$('* | *'${'* | *'<('* | *'>('* | ['<>&;|']*) ;;
   *) eval "REPLY=$1" 2>/dev/null || REPLY=$1 ;;
   esac
 }

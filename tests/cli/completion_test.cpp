@@ -192,6 +192,7 @@ try -C '"a b"' show Tape
 try -C '~/a\ b' show Tape
 try -C '$HOME/"a b"' show Tape
 try -C '$(touch ran)' show ''
+try -C '>' : made show ''
 try show T : ''
 try reels-of --reel = T
 try set T : 9 ava
@@ -211,6 +212,7 @@ try init proj
                                                                     "<Tape\\ 7>\n"
                                                                     "<Tape\\ 7>\n"
                                                                     "<>\n"
+                                                                    "<>\n"
                                                                     "<9>\n"
                                                                     "<Tape\\ 7><T:9>\n"
                                                                     "<available=> -o nospace\n"
@@ -218,6 +220,8 @@ try init proj
                                                                     "<main>\n"
                                                                     "<facility.toml> -o filenames\n"
                                                                     "<projects> -o filenames\n");
+  EXPECT_FALSE(std::filesystem::exists(path("ran"))) << "a command was run";
+  EXPECT_FALSE(std::filesystem::exists(path(":made"))) << "a redirection was done";
 }
 
 TEST_F(Shells, BashCompletesWhatIsTypedAtATerminal)
