@@ -30,9 +30,8 @@ if [ -z "${GTEST_FILTER:-}" ]; then
   echo "memcheck: PowerCut, ImportKilled: left out (what is killed cannot say what it lost)"
   echo "memcheck: HostileFiles.ListThatGrows*: left out (the list grows faster than it is read)"
   echo "memcheck: five tests of who holds a project: left out (it is valgrind by name)"
-  GTEST_FILTER='-PowerCut.*:ImportKilled.*:HostileFiles.ListThatGrows*:SqliteStoreTest.HolderOfAFile*:SqliteSharing.Second'
-  GTEST_FILTER=$GTEST_FILTER'WriterIsToldWho*:SqliteSharing.LinkAndFileAreOneProject:SqliteSharing.*DropsNoLock*'
-  export GTEST_FILTER
+  holders='SqliteStoreTest.HolderOfAFile*:SqliteSharing.SecondWriterIsToldWho*:SqliteSharing.LinkAndFileAreOneProject'
+  export GTEST_FILTER="-PowerCut.*:ImportKilled.*:HostileFiles.ListThatGrows*:$holders:SqliteSharing.*DropsNoLock*"
 fi
 jobs=${JOBS:-$(nproc)}
 logs=$(mktemp -d)
