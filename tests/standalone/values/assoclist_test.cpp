@@ -6,7 +6,7 @@
 
 #include "host/containers.h"
 #include "host/text.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

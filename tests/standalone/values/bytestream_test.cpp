@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/text.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

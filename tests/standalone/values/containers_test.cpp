@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

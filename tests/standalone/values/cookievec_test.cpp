@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/cookie.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/text.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 TEST(GrowString, NewIsEmptyWithoutMemory)
 {

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "host/containers.h"
 #include "host/cookie.h"
 #include "host/lwstring.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/action.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

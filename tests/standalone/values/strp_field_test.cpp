@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "host/config.h"
-#include "ledger.h"
+#include "support/ledger.h"
 
 TEST(StrpField, NewHoldsNoText)
 {

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "ledger.h"
+#include "support/ledger.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How the tests of this folder look at memory and counts. All of the program's operator new goes to OS()->allocator()
+// How tests look at memory and counts. All of the program's operator new goes to OS()->allocator()
 // too (routed_new.cpp), as in a program that is linked with the library; a test that counts on that says
 // NEEDS_ROUTED_NEW.
-#ifndef REELDB_TESTS_VALUES_LEDGER_H
-#define REELDB_TESTS_VALUES_LEDGER_H
+#ifndef REELDB_TESTS_SUPPORT_LEDGER_H
+#define REELDB_TESTS_SUPPORT_LEDGER_H
 
 #include <gtest/gtest.h>
 
