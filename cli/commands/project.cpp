@@ -47,8 +47,8 @@ Project look(const reelhost::Facility& facility, const std::string& name)
   Project project;
   project.name = name;
   project.isDefault = name == facility.defaultProject();
-  const auto store = reelhost::makeSqliteStore(facility.projectFile(name));
   try {
+    const auto store = reelhost::makeSqliteStore(facility.projectFile(name));
     store->begin(reelhost::Access::Read, {});
     project.code = store->info().frameRate;
     project.rate = frameRateName(facility, project.code);

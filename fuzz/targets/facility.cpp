@@ -85,7 +85,7 @@ void requireSound(const Facility& facility)
 {
   requirePrintable(facility.defaultProject(), "default project");
   if (!facility.defaultProject().empty())
-    facility.projectFile(facility.defaultProject()); // throws for a name that is none
+    Facility::requireProjectName(facility.defaultProject());
   requirePrintable(facility.configString("default_reel_type").value_or(""), "default reel type");
   requirePrintable(facility.resourceText(wordForReel), "word for a reel");
   require(!facility.stateChanged(), "reading a facility changes its state");

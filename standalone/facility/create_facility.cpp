@@ -217,7 +217,14 @@ NewFacility::NewFacility(const std::filesystem::path& dir) : made_(std::make_uni
     if (isThere(dir / file.name))
       throw Error(ErrorKind::Refused, displayText((dir / file.name).native()) + ": exists already");
 
-  for (const char* const folder : {"", "devicedata", "labelmaps", "projects"})
+  constexpr std::array folders = {"devicedata", "labelmaps", "projects"};
+  for (const char* const folder : folders)
+    if (std::error_code none; std::filesystem::is_symlink(dir / folder, none))
+      throw Error(ErrorKind::Refused,
+                  displayText((dir / folder).native()) + ": is a link (a new facility has folders of its own)");
+
+  made_->folder(dir);
+  for (const char* const folder : folders)
     made_->folder(dir / folder);
   for (const NewFile& file : files)
     made_->file(dir / file.name, file.content);

@@ -74,7 +74,7 @@ void FacilityReader::readFacility(const TomlTable& table)
   table.text("name");
   if (const auto name = table.text("default_project")) {
     try {
-      facility_.projectFile(*name);
+      Facility::requireProjectName(*name);
     } catch (const Error& e) {
       table.fail("default_project", e.what());
     }

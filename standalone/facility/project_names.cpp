@@ -31,11 +31,23 @@ std::string flawOf(const std::string& name)
 
 } // namespace
 
-std::filesystem::path Facility::projectFile(const std::string& name) const
+void Facility::requireProjectName(const std::string& name)
 {
   if (const std::string flaw = flawOf(name); !flaw.empty())
     throw Error(ErrorKind::Refused, "\"" + displayText(name) + "\": no name for a project (" + flaw + ")");
-  return projectDirectory() / (name + std::string(suffix));
+}
+
+std::filesystem::path Facility::projectFile(const std::string& name) const
+{
+  requireProjectName(name);
+  const std::filesystem::path file = projectDirectory() / (name + std::string(suffix));
+  std::error_code error, homeless; // what cannot be followed, the store cannot open
+  const std::filesystem::path real = std::filesystem::weakly_canonical(file, error);
+  const std::filesystem::path home = std::filesystem::weakly_canonical(directory_, homeless);
+  if (!error && !homeless && std::mismatch(home.begin(), home.end(), real.begin(), real.end()).first != home.end())
+    throw Error(ErrorKind::Refused,
+                displayText(file.native()) + ": leads out of the facility (to " + displayText(real.native()) + ")");
+  return file;
 }
 
 std::vector<std::string> Facility::projectNames() const

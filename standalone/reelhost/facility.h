@@ -44,8 +44,11 @@ public:
   std::filesystem::path deviceDataDirectory() const;                    ///< ends in '/'
   std::filesystem::path labelMapDirectory() const;                      ///< where NAME.toml is the label map NAME
   std::filesystem::path projectDirectory() const;                       ///< where NAME.reels is the project NAME
-  /// The file of the project, which need not be there. Throws Error (Refused) for a name that is no plain file name:
-  /// one that is empty, longer than 200 bytes, begins with a dot, or holds a slash or a control character.
+  /// Throws Error (Refused) for a name that is no plain file name: one that is empty, longer than 200 bytes, begins
+  /// with a dot, or holds a slash or a control character.
+  static void requireProjectName(const std::string& name);
+  /// The file of the project, which need not be there. Throws Error (Refused) for what requireProjectName() refuses,
+  /// and where links lead out of the facility: nothing beyond it is written.
   std::filesystem::path projectFile(const std::string& name) const;
   /// The names of the project files that are there, sorted by their bytes; none when the folder cannot be read.
   std::vector<std::string> projectNames() const;

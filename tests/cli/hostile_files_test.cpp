@@ -227,7 +227,7 @@ TEST_F(HugeFile, IsNoLabelMap)
 
 TEST_F(HugeFile, IsNoProject)
 {
-  link("projects/huge.reels", outside("huge"));
+  fs::rename(outside("huge"), path("projects/huge.reels"));
   const std::string fault = site_ + "projects/huge.reels: no project (not an SQLite file)";
   expectEachError({{"-p", "huge", "list"}, {"-p", "huge", "create", "R1"}, {"-p", "huge", "import", "cut.edl"}}, 3,
                   fault);
@@ -368,15 +368,62 @@ TEST_F(HostileFiles, WhatIsNoFileIsNoLabelMap)
 
 TEST_F(HostileFiles, WhatIsNoProjectIsNotTouchedThroughALink)
 {
+  dir_.write("cut.txt", oneShot);
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {"/dev/zero", 3, site_ + "projects/odd.reels: no project (a device)"},
-      {outside_.path().native(), 3, site_ + "projects/odd.reels: no project (a folder)"},
-      {outside("cut.edl"), 3, site_ + "projects/odd.reels: no project (not an SQLite file)"},
+      {site_ + "devicedata", 3, site_ + "projects/odd.reels: no project (a folder)"},
+      {site_ + "cut.txt", 3, site_ + "projects/odd.reels: no project (not an SQLite file)"},
       {outside("nothing"), 1, "odd: no such project (this facility has: main)"}};
   for (const auto& [target, code, message] : targets) {
     link("projects/odd.reels", target);
     expectEachError({{"-p", "odd", "list"}, {"-p", "odd", "create", "R1"}, {"-p", "odd", "import", "cut.edl"}}, code,
                     message);
+    expectError({"project", "new", "odd"}, 1, site_ + "projects/odd.reels: exists already");
+  }
+}
+
+TEST_F(HostileFiles, LinkInTheFacilityIsTheProjectItLeadsTo)
+{
+  link("projects/other.reels", "main.reels");
+  EXPECT_EQ(answer({"-p", "other", "create", "R1"}), "R1\n");
+  EXPECT_NE(answer({"list"}).find("R1"), std::string::npos);
+}
+
+TEST_F(HostileFiles, WhatLinksHaveOutsideTheFacilityIsNotOpened)
+{
+  fs::copy_file(path("projects/main.reels"), outside("main.reels"));
+  for (const std::string& target :
+       {outside("main.reels"), outside("cut.edl"), outside_.path().native(), std::string("/dev/zero")}) {
+    link("projects/odd.reels", target);
+    const std::string fault = site_ + "projects/odd.reels: leads out of the facility (to " + target + ")";
+    expectEachError({{"-p", "odd", "list"},
+                     {"-p", "odd", "create", "R1"},
+                     {"-p", "odd", "import", "cut.edl"},
+                     {"-p", "odd", "project", "check"},
+                     {"-p", "odd", "project", "compact"},
+                     {"project", "new", "odd"}},
+                    1, fault);
+  }
+  link("projects/odd.reels", outside("main.reels"));
+  const ProcessResult listed = attempt({"project", "list", "--json"});
+  EXPECT_EQ(listed.code, 3);
+  EXPECT_EQ(Json::parse(listed.out).at(1).at("fault"),
+            site_ + "projects/odd.reels: leads out of the facility (to " + outside("main.reels") + ")");
+
+  link("projects", outside_.path().native());
+  expectEachError({{"list"}, {"create", "R1"}, {"import", "cut.edl"}}, 1,
+                  site_ + "projects/main.reels: leads out of the facility (to " + outside("main.reels") + ")");
+  expectError({"project", "new", "new"}, 1,
+              site_ + "projects/new.reels: leads out of the facility (to " + outside("new.reels") + ")");
+}
+
+TEST_F(HostileFiles, WhatIsNoRegularFileIsNoProject)
+{
+  const std::vector<std::pair<std::string, std::string>> kinds = {{"folder", "a folder"}, {"pipe", "a named pipe"}};
+  fs::create_directory(path("projects/folder.reels"));
+  ASSERT_EQ(mkfifo(path("projects/pipe.reels").c_str(), 0600), 0);
+  for (const auto& [name, kind] : kinds) {
+    const std::string fault = site_ + "projects/" + name + ".reels: no project (" + kind + ")";
+    expectEachError({{"-p", name, "list"}, {"-p", name, "create", "R1"}, {"-p", name, "import", "cut.edl"}}, 3, fault);
     expectError({"project", "new", "odd"}, 1, site_ + "projects/odd.reels: exists already");
   }
 }
@@ -466,8 +513,11 @@ TEST_F(HostileFiles, FacilityIsMadeNowhereElse)
   fs::remove(path("new"));
   for (const char* name : {"devicedata", "labelmaps", "projects"}) {
     fs::create_directory(path("new"));
-    link(std::string("new/") + name, outside("nothing"));
-    expectError({"init", "new"}, 3, std::string("new/") + name + ": cannot be made (File exists)");
+    for (const std::string& target : {outside("nothing"), outside_.path().native(), std::string(".")}) {
+      link(std::string("new/") + name, target);
+      expectError({"init", "new"}, 1,
+                  std::string("new/") + name + ": is a link (a new facility has folders of its own)");
+    }
     fs::remove_all(path("new"));
   }
   for (const char* name : {"devicedata/reeltype.dat", "labelmaps/pal9pin.toml"})

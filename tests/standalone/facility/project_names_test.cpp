@@ -51,6 +51,52 @@ TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
             "Refused: \"" + std::string(201, 'n') + "\": no name for a project (it is longer than 200 bytes)");
 }
 
+TEST_F(ProjectNames, LinkIsFollowedWithinTheFacilityOnly)
+{
+  const TempDir elsewhere;
+  const std::string real = fs::canonical(elsewhere.path()).native();
+  fs::create_symlink("main.reels", projects() / "near.reels");
+  fs::create_symlink("nowhere", projects() / "gone.reels");
+  fs::create_symlink("loop.reels", projects() / "loop.reels");
+  writeBytes(elsewhere / "far.reels", "");
+  fs::create_symlink(elsewhere / "far.reels", projects() / "far.reels");
+  for (const std::string name : {"near", "gone", "loop"})
+    EXPECT_EQ(facility().projectFile(name), projects() / (name + ".reels"));
+  EXPECT_EQ(errorOf([&] { facility().projectFile("far"); }),
+            "Refused: " + (projects() / "far.reels").native() + ": leads out of the facility (to " + real +
+                "/far.reels)");
+}
+
+TEST_F(ProjectNames, FolderThatIsALinkToElsewhereHoldsNoProjects)
+{
+  const TempDir elsewhere;
+  const std::string real = fs::canonical(elsewhere.path()).native();
+  fs::remove(projects());
+  fs::create_symlink(elsewhere.path(), projects());
+  EXPECT_EQ(errorOf([&] { facility().projectFile("new"); }),
+            "Refused: " + (projects() / "new.reels").native() + ": leads out of the facility (to " + real +
+                "/new.reels)");
+}
+
+TEST_F(ProjectNames, FolderWhoseNameBeginsLikeTheFacilitysIsElsewhere)
+{
+  const fs::path beside = projects().parent_path().native() + "2";
+  fs::create_directory(beside);
+  writeBytes(beside / "far.reels", "");
+  fs::create_symlink(beside / "far.reels", projects() / "far.reels");
+  EXPECT_NE(errorOf([&] { facility().projectFile("far"); }).find(": leads out of the facility (to "),
+            std::string::npos);
+  fs::remove_all(beside);
+}
+
+TEST_F(ProjectNames, FacilityBehindALinkHasItsProjects)
+{
+  const TempDir elsewhere;
+  const fs::path link = elsewhere / "link";
+  fs::create_directory_symlink(projects().parent_path(), link);
+  EXPECT_EQ(Facility::read(link).projectFile("main"), link / "projects" / "main.reels");
+}
+
 TEST_F(ProjectNames, MarksOfDirectionAreNoControlCharacters)
 {
   EXPECT_EQ(facility().projectFile("\xE2\x80\x8F\xD7\x90"), projects() / "\xE2\x80\x8F\xD7\x90.reels");
