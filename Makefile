@@ -11,6 +11,11 @@ define build
 	cmake --build --preset $(1) -j $(JOBS)
 endef
 
+# $(call test,PRESET): runs the tests of one preset, and says why some were skipped
+define test
+	ctest --preset $(1); status=$$?; sh scripts/skipped.sh build/$(1); exit $$status
+endef
+
 run: ## build and run the main job: import the example lists and show their reels
 	@sh scripts/setup.sh run
 	$(call build,release,-DREELDB_TESTS=OFF)
@@ -19,7 +24,7 @@ run: ## build and run the main job: import the example lists and show their reel
 test: ## build and pass every test
 	@sh scripts/setup.sh test
 	$(call build,release,-DREELDB_TESTS=ON)
-	ctest --preset release
+	$(call test,release)
 
 check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, comments, valgrind, fuzzing, mutants
 	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
@@ -32,20 +37,21 @@ check-long: check test-long second-compiler tsan memcheck ## all of it, in hours
 	@FUZZ_SECONDS=300 $(MAKE) --no-print-directory fuzz
 	@$(MAKE) --no-print-directory mutate
 
+test-long: export REELDB_LONG_TESTS = 1
 test-long: ## pass every test, with hundreds of power cuts instead of some
 	@sh scripts/setup.sh test
 	$(call build,release,-DREELDB_TESTS=ON)
-	REELDB_LONG_TESTS=1 ctest --preset release
+	$(call test,release)
 
 second-compiler: ## test what the second compiler makes of it, optimised
 	@sh scripts/setup.sh check
 	$(call build,clang-release)
-	ctest --preset clang-release
+	$(call test,clang-release)
 
 tsan: ## test with ThreadSanitizer
 	@sh scripts/setup.sh check
 	$(call build,tsan)
-	ctest --preset tsan
+	$(call test,tsan)
 
 memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some programs
 	@sh scripts/setup.sh check
@@ -55,13 +61,13 @@ memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some pr
 asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check
 	$(call build,asan)
-	ctest --preset asan
+	$(call test,asan)
 
 coverage: ## test with the second compiler and see which lines and branches the tests run
 	@sh scripts/setup.sh check
 	$(call build,coverage)
 	rm -rf build/coverage/profiles
-	ctest --preset coverage
+	$(call test,coverage)
 	python3 scripts/coverage.py build/coverage
 
 threads: ## test what runs on several threads with ThreadSanitizer, a part of tsan
