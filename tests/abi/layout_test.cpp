@@ -125,9 +125,6 @@ void* slot(const void* object, std::size_t n)
 
 /// Calls the function in a slot as a member function of the object.
 template <class R = void, class... A>
-#ifdef __clang__
-__attribute__((no_sanitize("undefined"))) // the type is what is put to the test
-#endif
 R callSlot(void* object, std::size_t n, A... arguments)
 {
   return reinterpret_cast<R (*)(void*, A...)>(slot(object, n))(object, arguments...);
