@@ -3,11 +3,10 @@
 // The program's own configb::in(key, strp_field&) is found before the host's, which answers unless a test does.
 #include "reelrec/field_answer.h"
 
-#include <dlfcn.h>
-
 #include <optional>
 
 #include "host/config.h"
+#include "support/hosts_own.h"
 
 namespace reeldb_tests {
 namespace {
@@ -40,7 +39,7 @@ int configb::in(const char* key, strp_field& value) const
       value.set(answer->text);
     return answer->status;
   }
-  using HostsIn = int (*)(const configb*, const char*, strp_field&);
-  static const auto hostsIn = reinterpret_cast<HostsIn>(dlsym(RTLD_NEXT, "_ZNK7configb2inEPKcR10strp_field"));
+  static const auto hostsIn =
+      reeldb_tests::hostsOwn<int(const configb*, const char*, strp_field&)>("_ZNK7configb2inEPKcR10strp_field");
   return hostsIn(this, key, value);
 }

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What the library passes to the host without the standalone host making anything of it. The program answers for the
+// operations that take it, so a case sees what came. A program of its own: the answers hold for all of it.
+#include <cstring>
+#include <utility>
+
+#include "MainThread.h"
+#include "host/action.h"
+#include "host/events.h"
+#include "journal/watch.h"
+#include "support/hosts_own.h"
+#include "support/library_fixture.h"
+
+namespace {
+
+struct Passed {
+  Zr::Ptr<iExecutableAction> deferred;
+  std::vector<std::pair<std::string, bool>> readTexts; ///< of which Cookies were made
+  std::vector<bool> writtenTexts;
+};
+
+Passed& passed()
+{
+  static Passed& arguments = *new Passed;
+  return arguments;
+}
+
+} // namespace
+
+void defer(const Zr::Ptr<iExecutableAction>& action)
+{
+  passed().deferred = action;
+}
+
+Cookie::Cookie(const char* text, bool flag) : tag_(0), kind_('I')
+{
+  passed().readTexts.emplace_back(text, flag);
+  reeldb_tests::hostsOwn<void(Cookie*, const char*, bool)>("_ZN6CookieC1EPKcb")(this, text, flag);
+}
+
+LightweightString<char> Cookie::asString(bool flag) const
+{
+  passed().writtenTexts.push_back(flag);
+  return reeldb_tests::hostsOwn<LightweightString<char>(const Cookie*, bool)>("_ZNK6Cookie8asStringEb")(this, flag);
+}
+
+namespace reeldb_tests {
+
+namespace {
+
+class HostArguments : public LibraryTest {
+protected:
+  ~HostArguments() override { passed() = {}; }
+
+  /// The device for which the deferred action is to make its reel: where compiled programs find it.
+  static int deferredDevice()
+  {
+    int device = 0;
+    if (const iExecutableAction* const action = passed().deferred.get())
+      std::memcpy(&device, reinterpret_cast<const char*>(action) + 16, sizeof device);
+    return device;
+  }
+};
+
+TEST_F(HostArguments, CreationDeferredForImportedMaterialIsForNoDevice)
+{
+  const Cookie shot = addShot("R1");
+  script().coPid = [] { return glib_pid + 1; };
+  manager().handleLogModification(shot, EditModification(EditModificationType(59)));
+  EXPECT_EQ(deferredDevice(), -1);
+}
+
+TEST_F(HostArguments, CreationDeferredForALiveSourceIsForNoDevice)
+{
+  reelhost::DeviceSettings camera = device(4, "Cam 2");
+  camera.tapes = {"Live"};
+  setDevices({camera});
+  script().coPid = [] { return glib_pid + 1; };
+  manager().checkLiveDeviceMedia(4);
+  EXPECT_EQ(deferredDevice(), -1);
+}
+
+TEST_F(HostArguments, PlaceholderProjectIsReadFromItsTextWithFalse)
+{
+  passed().readTexts.clear();
+  manager().handleProjectEntry();
+  EXPECT_EQ(passed().readTexts, (std::vector<std::pair<std::string, bool>>{{"P0001000", false}}));
+}
+
+TEST_F(HostArguments, ShotIsPrintedByItsTextWithFalse)
+{
+  const Cookie reel = addReel("R1");
+  addShot("R1");
+  CookieVec shots;
+  reelhost::watch(reelhost::Watcher::Script, false); // the host writes Cookies for who watches
+  passed().writtenTexts.clear();
+  manager().addShotsFromReel(reel, shots);
+  EXPECT_EQ(shots.count(), 1);
+  EXPECT_EQ(passed().writtenTexts, std::vector<bool>{false});
+}
+
+} // namespace
+
+} // namespace reeldb_tests
