@@ -132,6 +132,30 @@ TEST_F(LiveMedia, ReelOfThatNameInAnotherCaseIsEnough)
   EXPECT_EQ(lastReel(), "");
 }
 
+TEST_F(LiveMedia, OtherManagerMakesTheReelThatItsOwnListLacksAndListsItItself)
+{
+  addReel("Cam 2 live feed");
+  setCamera("Cam 2");
+  const RecordingClient client(heard_);
+  ReelDbManager other;
+  other.checkLiveDeviceMedia(camera);
+  EXPECT_EQ(other.reelList.count(), 2);
+  EXPECT_EQ(manager().reelList.count(), 1);
+  EXPECT_EQ(countOf(heard_, "dbC(Cam 2 live feed)"), 0) << "each manager tells its own clients of a new reel";
+}
+
+TEST_F(LiveMedia, OtherManagerMakesNoReelThatItsOwnListHolds)
+{
+  ReelDbManager other;
+  addLog(9, "Cam 2 live feed");
+  other.buildReelList();
+  setCamera("Cam 2");
+  other.checkLiveDeviceMedia(camera);
+  manager().buildReelList();
+  EXPECT_EQ(reelIds(), Lines{"Cam 2 live feed"});
+  EXPECT_EQ(lastReel(), "");
+}
+
 TEST_F(LiveMedia, ClientsHearOfTheCreationThenOfTypeAndDevice)
 {
   setCamera("Cam 2");
