@@ -6,9 +6,26 @@
 #include <ostream>
 #include <utility>
 
+#include "host/projdb.h"
 #include "host/text.h"
 #include "reelrec/field_answer.h"
 #include "reelrec/record_fixture.h"
+#include "support/hosts_own.h"
+
+namespace reeldb_tests {
+namespace {
+
+const oledb* viewed = nullptr; // by the view that was made last
+
+} // namespace
+} // namespace reeldb_tests
+
+// The program's own is found before the host's, which makes nothing of the database.
+ODBViewRep::ODBViewRep(oledb* database) : impl_(nullptr)
+{
+  reeldb_tests::viewed = database;
+  reeldb_tests::hostsOwn<void(ODBViewRep*, oledb*)>("_ZN10ODBViewRepC1EP5oledb")(this, database);
+}
 
 namespace reeldb_tests {
 namespace {
@@ -495,6 +512,14 @@ TEST_F(Attributes, EqualUserFieldIsNeitherWrittenNorTold)
   EXPECT_EQ(heard, Heard());
 }
 
+TEST_F(Attributes, UserFieldThatDiffersInCaseIsWrittenAndTold)
+{
+  ReelDbRec rec = reelWith({{"reel_userfield2", "text"}});
+  rec.userField(2, "Text");
+  EXPECT_EQ(configText(reel, "reel_userfield2"), "Text");
+  EXPECT_EQ(heard, (Heard{"some(R1)"}));
+}
+
 TEST_F(Attributes, EmptyUserFieldReplacesAText)
 {
   ReelDbRec rec = reelWith({{"reel_userfield2", "text"}});
@@ -709,6 +734,15 @@ TEST_F(Attributes, TypeIsReadFromTheRow)
   ReelDbRec rec = reelWith({{"reel_type", "from the log"}}, "from the row");
   EXPECT_EQ(text(rec.typeName()), "from the row");
   EXPECT_EQ(stepsOf([&] { rec.typeName(); }), readType(reel));
+}
+
+TEST_F(Attributes, TypeIsReadInAViewOnTheTablesOfTheProjectsDatabase)
+{
+  ReelDbRec rec = reelWith({});
+  viewed = nullptr;
+  rec.typeName();
+  EXPECT_NE(viewed, nullptr);
+  EXPECT_EQ(viewed, EditManager::getProjdb()->database());
 }
 
 TEST_F(Attributes, TypeWithoutCellOrRowOrDatabaseIsEmpty)

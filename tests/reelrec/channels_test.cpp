@@ -2,7 +2,9 @@
 //
 // Channels follow the reel's type, else its last device, and only ever grow.
 #include <climits>
+#include <iterator>
 
+#include "host/edit.h"
 #include "reelrec/record_fixture.h"
 
 namespace reeldb_tests {
@@ -102,6 +104,27 @@ TEST_F(Channels, AudioIsAddedBeforeVideo)
   EXPECT_EQ(stepsOf([&] { rec.updateNumChansInReel(); }),
             byType({addChannel(reel, 2), addChannel(reel, 2), addChannel(reel, 1), addChannel(reel, 1)}));
   EXPECT_EQ(videoAndAudio(), Pair(2, 2));
+}
+
+TEST_F(Channels, AudioIsThatOfTheTypeAsReadTheSecondTimeAndVideoThatOfTheThird)
+{
+  define("channels test: read once", "VideoChannels=1 AudioChannels=1");
+  define("channels test: read twice", "VideoChannels=2 AudioChannels=3");
+  define("channels test: read thrice", "VideoChannels=4 AudioChannels=5");
+  ReelDbRec rec = reelWith(0, 0, "channels test: before");
+  const char* const types[] = {"channels test: read once", "channels test: read twice", "channels test: read thrice"};
+  const char* const* next = types;
+  script().before = [&](const std::string& operation, const std::string&) {
+    if (operation != "ODBViewRep::displayRecordsAt" || next == std::end(types))
+      return;
+    EditPtr log;
+    log.i_open(reel, eEditOpenBehaviour(0));
+    log->reelType(*next++);
+    log.i_close();
+  };
+  rec.updateNumChansInReel();
+  EXPECT_EQ(next, std::end(types));
+  EXPECT_EQ(videoAndAudio(), Pair(4, 3));
 }
 
 TEST_F(Channels, WantedChannelsThatAreThereChangeNothing)
