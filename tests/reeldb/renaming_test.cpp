@@ -282,6 +282,22 @@ TEST_F(Renaming, ReelThatDoesNotOpenForItsNameKeepsItAndTheRestGoesOn)
   EXPECT_EQ(heard_, (Heard{"some(A001)", "dbC()"}));
 }
 
+TEST_F(Renaming, ReelThatDoesNotOpenForItsNameIsClosedOnceAfterEverythingElse)
+{
+  addReel("A001");
+  addShot("A001");
+  const std::string closed = "EditPtr::i_close()";
+  RecordingClient client(heard_);
+  std::vector<int> closedWhenTold;
+  client.onSome =
+      client.onDbChanged = [&](const std::string&) { closedWhenTold.push_back(countOf(journal().lines(), closed)); };
+  script().failOpenNumber(4);
+  const Lines lines = linesOf([this] { rename("A001", "B001"); });
+  EXPECT_EQ(closedWhenTold, (std::vector<int>{0, 0}));
+  EXPECT_EQ(countOf(lines, closed), 1);
+  EXPECT_EQ(lines.back(), closed);
+}
+
 TEST_F(Renaming, ReelThatDoesNotOpenForItsIdentifierKeepsItAndTheRestGoesOn)
 {
   const Cookie reel = addReel("A001");
