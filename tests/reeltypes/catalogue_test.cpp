@@ -2,12 +2,33 @@
 //
 // Questions to the catalogue: parameters, channel counts, types by position and by name, all names.
 #include <cstddef>
+#include <new>
 #include <ostream>
 #include <type_traits>
 
 #include "reelhost/memory.h"
 #include "reeltypes/known_type.h"
+#include "support/hosts_own.h"
+#include "support/ledger.h"
 #include "support/library_fixture.h"
+
+namespace reeldb_tests {
+namespace {
+
+bool flagOfTheBody = true; // of the one made last
+bool listFails = false;
+
+} // namespace
+} // namespace reeldb_tests
+
+// The program's own are found before the host's. A list comes marked, so that it shows what the library makes of that.
+AssocListRep::AssocListRep(bool flag) : impl_(nullptr)
+{
+  reeldb_tests::flagOfTheBody = flag;
+  reeldb_tests::hostsOwn<void(AssocListRep*, bool)>("_ZN12AssocListRepC1Eb")(this, flag);
+}
+
+AssocList::AssocList(AssocListRep* rep) : rep_(reeldb_tests::listFails ? throw std::bad_alloc() : rep), flag_(true) {}
 
 namespace reeldb_tests {
 namespace {
@@ -70,6 +91,21 @@ TEST_F(Catalogue, TheOneIsTheExportedObject)
 TEST_F(Catalogue, ListIsNotMarked)
 {
   EXPECT_FALSE(Mark::of(catalogue));
+}
+
+TEST_F(Catalogue, BodyOfTheListIsMadeWithFalse)
+{
+  EXPECT_FALSE(flagOfTheBody);
+}
+
+TEST_F(Catalogue, BodyGoesWhenTheListCannotBeMade)
+{
+  NEEDS_ROUTED_NEW;
+  const Ledger ledger;
+  listFails = true;
+  EXPECT_THROW(ReelTypeManager(), std::bad_alloc);
+  listFails = false;
+  EXPECT_EQ(ledger.open(), 0);
 }
 
 TEST_F(Catalogue, IsAFindOrCreateListByExactName)
