@@ -2,13 +2,34 @@
 #include "ReelDbClient.h"
 
 #include <memory>
+#include <new>
 #include <type_traits>
 #include <utility>
 
 #include "reelhost/memory.h"
+#include "support/hosts_own.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
+
+namespace {
+
+bool textsCanBeAssigned = true;
+
+} // namespace
+
+using Text = LightweightString<char>;
+
+// The program's own is found before the host's. A host may need memory to assign a text.
+Text& assign(Text* to, const Text& from) asm("_ZN17LightweightStringIcEaSERKS0_");
+
+Text& assign(Text* to, const Text& from)
+{
+  static const auto hosts = hostsOwn<Text&(Text*, const Text&)>("_ZN17LightweightStringIcEaSERKS0_");
+  if (!textsCanBeAssigned)
+    throw std::bad_alloc();
+  return hosts(to, from);
+}
 
 namespace {
 
@@ -72,6 +93,18 @@ TEST_F(Clients, RegisterWhenMadeAndUnregisterWhenEnded)
     b.reset();
     EXPECT_EQ(registered(), (Registered{&a, &c}));
   }
+  EXPECT_EQ(registered(), Registered{});
+}
+
+TEST_F(Clients, ThatCannotKeepTheirReelForLackOfMemoryAreNotRegistered)
+{
+  const LightweightString<char> id("R1");
+  textsCanBeAssigned = false;
+  try {
+    const ReelDbClient a(id);
+  } catch (const std::bad_alloc&) {
+  }
+  textsCanBeAssigned = true;
   EXPECT_EQ(registered(), Registered{});
 }
 
