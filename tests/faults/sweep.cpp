@@ -72,13 +72,14 @@ std::set<std::string> changedLogs(const Scene::State& before, const Scene::State
   return names;
 }
 
-/// Whether a log of this identifier, as it was or as it is, is not as it was.
+/// Whether a log of this identifier, as it was or as it is, is not as it was. Material carries the identifier of its
+/// reel and does not count.
 bool hasChanged(const std::string& id, const Scene::State& before, const Scene::State& after)
 {
   for (const std::string& log : changedLogs(before, after))
     for (const Scene::State* state : {&before, &after}) {
       const auto found = state->find(log + ": reelid");
-      if (found != state->end() && sameId(found->second, id))
+      if (found != state->end() && sameId(found->second, id) && state->at(log + ": log type") != "1")
         return true;
     }
   return false;
@@ -136,11 +137,12 @@ void Sweep::warmUp(FaultKind& kind)
   }
 }
 
-void Sweep::runClean(const Scenario& scenario, int hold)
+int Sweep::runClean(const Scenario& scenario, int hold)
 {
   HostCallThrows nothing;
   set(scenario, hold);
   Outcome outcome = act({scenario, nothing, hold}, 0);
+  const int openings = journal().count("EditPtr::i_open") + journal().count("EditInfo::EditInfo");
   journal().record(false);
   EXPECT_EQ(outcome.thrown, nullptr);
   outcome.after = state();
@@ -150,6 +152,7 @@ void Sweep::runClean(const Scenario& scenario, int hold)
   EXPECT_EQ(cleanChanges_, scenario.changes);
   EXPECT_EQ(joinedLines(heard()), hold == 0 ? scenario.heard : "");
   clear();
+  return openings;
 }
 
 int Sweep::failEach(const Scenario& scenario, FaultKind& kind, int hold)
@@ -231,12 +234,17 @@ void Sweep::checkNotices(const Run& run, const Outcome& outcome)
   const Scenario& scenario = run.scenario;
   for (const std::string& notice : all) {
     const std::string reelId = idIn(notice);
+    const bool isOfTheSet = notice.compare(0, 4, "dbC(") == 0;
+    if (isOfTheSet) {
+      EXPECT_EQ(reelList(), reelsOfTheDatabase()) << "clients heard of a list that was not rebuilt: " << notice;
+    }
+    // Without an identifier a notice says that the list was rebuilt and nothing of any reel.
     if (scenario.callerTells || reelId.empty())
       continue;
     const bool mayBeTold = !run.kind.throws() && scenario.toldWithoutChange;
     EXPECT_TRUE(hasChanged(reelId, outcome.before, outcome.after) || mayBeTold)
         << "clients heard what is not so: " << notice;
-    if (notice.compare(0, 4, "dbC(") == 0) {
+    if (isOfTheSet) {
       EXPECT_TRUE(manager().doesReelExist(reelId.c_str()))
           << "clients heard of a reel that is not in the list: " << notice;
     }

@@ -14,8 +14,9 @@ protected:
   /// Has the process make what it makes once and keeps.
   void warmUp(FaultKind& kind);
 
-  /// Runs the scenario without a fault and compares what comes of it with what the scenario says.
-  void runClean(const Scenario& scenario, int hold);
+  /// Runs the scenario without a fault and compares what comes of it with what the scenario says. Answers how often it
+  /// opened a log.
+  int runClean(const Scenario& scenario, int hold);
 
   /// Runs the scenario again and again, each time in a project of its own: the first time what can fail first fails,
   /// then what can fail next, until a run meets no fault. Every time
@@ -23,7 +24,8 @@ protected:
   ///   without what it was refused;
   /// - every log that was opened is closed, and every modification ended;
   /// - the notification hold is as it was, and while notifications are held nobody hears anything;
-  /// - nobody hears of a change that was not made, but for what the scenario gives a reason for;
+  /// - nobody hears of a change that was not made, but for what the scenario gives a reason for, and who hears of the
+  ///   set of reels finds the database's in the manager's list;
   /// - the manager's list is the one of before or the database's, and every lookup agrees with it;
   /// - the operation can be run again, and then all is as if it had been run once, but for what the scenario gives a
   ///   reason for; other operations work;

@@ -17,8 +17,8 @@ protected:
   /// there were.
   void failBeneathAll(FaultKind& kind);
 
-  /// What is to be said of an operation with so many faults.
-  virtual void check(const Scenario&, int) {}
+  /// What is to be said of an operation with so many faults, and so many openings of logs when nothing fails.
+  virtual void check(const Scenario& scenario, int faults, int openings) = 0;
 };
 
 void Faults::failBeneathAll(FaultKind& kind)
@@ -29,18 +29,19 @@ void Faults::failBeneathAll(FaultKind& kind)
   std::map<std::string, int> faults;
   int total = 0;
   for (const Scenario& scenario : allScenarios()) {
-    int here = 0;
+    int here = 0, openings = 0;
     for (const int hold : {0, 1}) {
       if (hold != 0 && (!*scenario.heard || scenario.changesWhenTold))
         continue;
       SCOPED_TRACE(::testing::Message() << scenario << (hold ? ", while notifications are held" : ""));
-      runClean(scenario, hold);
+      openings += runClean(scenario, hold);
       here += failEach(scenario, kind, hold);
     }
-    check(scenario, here);
+    check(scenario, here, openings);
     faults[scenario.operation] += here;
     total += here;
   }
+  EXPECT_GT(total, 0);
   for (const auto& [operation, count] : faults)
     std::printf("%7d  %s\n", count, operation.c_str());
   std::printf("%7d  %s, beneath %zu operations\n", total, kind.name(), faults.size());
@@ -48,7 +49,7 @@ void Faults::failBeneathAll(FaultKind& kind)
 }
 
 class EveryHostCallThrows : public Faults {
-  void check(const Scenario& scenario, int faults) override
+  void check(const Scenario& scenario, int faults, int) override
   {
     EXPECT_EQ(faults == 0, scenario.noHostCall != nullptr) << scenario << " made " << faults << " host calls";
   }
@@ -60,7 +61,12 @@ TEST_F(EveryHostCallThrows, Once)
   failBeneathAll(kind);
 }
 
-using EveryLogRefusesToOpen = Faults;
+class EveryLogRefusesToOpen : public Faults {
+  void check(const Scenario& scenario, int faults, int openings) override
+  {
+    EXPECT_EQ(faults, openings) << scenario << " opened more or fewer logs than did not open";
+  }
+};
 
 TEST_F(EveryLogRefusesToOpen, Once)
 {
@@ -68,7 +74,12 @@ TEST_F(EveryLogRefusesToOpen, Once)
   failBeneathAll(kind);
 }
 
-using EveryAllocationFails = Faults;
+class EveryAllocationFails : public Faults {
+  void check(const Scenario& scenario, int faults, int) override
+  {
+    EXPECT_TRUE(faults > 0 || !scenario.withoutMemory) << scenario << " asked for no memory";
+  }
+};
 
 TEST_F(EveryAllocationFails, Once)
 {
@@ -76,7 +87,12 @@ TEST_F(EveryAllocationFails, Once)
   failBeneathAll(kind);
 }
 
-using EveryCallFromTheLibraryThrows = Faults;
+class EveryCallFromTheLibraryThrows : public Faults {
+  void check(const Scenario& scenario, int faults, int) override
+  {
+    EXPECT_TRUE(faults > 0 || scenario.noHostCall) << scenario << " called nothing of the host's";
+  }
+};
 
 TEST_F(EveryCallFromTheLibraryThrows, Once)
 {
