@@ -183,7 +183,7 @@ Number Driver::anyLog()
 
 Numbers Driver::someLogs()
 {
-  Numbers logs(bytes_.below(8));
+  Numbers logs(bytes_.below(8)); // none, one, and enough for duplicates and order, of the few logs a run makes
   for (Number& log : logs)
     log = anyLog();
   return logs;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReelDbManager.h"
 #include "host/device.h"
+#include "reeldb/identifier.h"
 #include "reelrec/open_log.h"
+#include "reelrec/text_equality.h"
 #include "reeltypes/known_type.h"
 
 namespace {
@@ -22,7 +24,7 @@ void ReelDbManager::getAllReelIds(std::vector<LightweightString<char>>& out, boo
     if (id.empty())
       continue;
     // Live or not is asked by identifier: of two reels that differ in case only, the first decides for both.
-    if (!includeLive && representsLiveMaterial(id))
+    if (!includeLive && reeldb::sameText(getReelInfo(id).typeName(), reeldb::liveType))
       continue;
     out.push_back(id);
   }

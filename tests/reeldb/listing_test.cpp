@@ -134,6 +134,13 @@ TEST_F(Listing, ReelThatDoesNotOpenIsLeftOut)
   EXPECT_EQ(all(false), (Texts{"A", "C"}));
 }
 
+TEST_F(Listing, ReelThatIsNotFoundAgainIsNotLiveThoughItsTypeIsAskedFor)
+{
+  addReel("A", "Live");
+  script().failOpenNumber(2);
+  EXPECT_EQ(1, callsOf("ODBViewRep::ODBViewRep", [&] { EXPECT_EQ(all(false), (Texts{"A"})); }));
+}
+
 TEST_F(Listing, WithoutDatabaseNoReelIsLive)
 {
   addReel("A", "Live");
