@@ -350,22 +350,6 @@ TEST_F(Import, ClipNameFileTimecodesAndTracksAreKeptWithTheShot)
   EXPECT_EQ(import("cut.edl").at("shots_added"), 1);
 }
 
-TEST_F(Import, BusyProjectIsRefusedButMayBeRead)
-{
-  dir_.write("cut.edl", threeShots);
-  import("cut.edl");
-  std::string large;
-  for (std::size_t i = 1; i <= 20000; ++i)
-    large += event(static_cast<int>(i), numbered("T", i % 4000), "V", "01:00:00:00", "01:00:01:00");
-  dir_.write("large.edl", large);
-  const RunningProcess writer({reeldbProgram, "import", "large.edl"}, setting_);
-  // While the writer is at it: reading is always possible, and sees what was committed before or after.
-  for (int i = 0; i < 10; ++i) {
-    const Json list = json({"list", "--json"});
-    EXPECT_TRUE(list.size() == 2u || list.size() == 4002u) << list.size();
-  }
-}
-
 TEST_F(Import, ProgressShowsOnATerminalOnly)
 {
   std::string large;

@@ -41,6 +41,7 @@ public:
   ~RunningProcess(); ///< kills it if it still runs
   RunningProcess(const RunningProcess&) = delete;
   RunningProcess& operator=(const RunningProcess&) = delete;
+  pid_t id() const { return id_; }
   void signal(int number);
   ProcessResult wait(); ///< code and signal
 
