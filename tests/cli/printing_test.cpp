@@ -32,12 +32,26 @@ protected:
 
   void expectHarmless(const Words& words)
   {
-    const ProcessResult result = reeldb(words);
+    expectHarmless(reeldb(words), "");
+    expectHarmlessOnATerminal(words);
+  }
+
+  std::string expectHarmlessOnATerminal(const Words& words)
+  {
+    ProcessSetting terminal = setting_;
+    terminal.terminal = true;
+    const ProcessResult result = reeldb(words, terminal);
+    expectHarmless(result, "\r"); // the terminal's own, before each line feed
+    return result.out;
+  }
+
+  static void expectHarmless(const ProcessResult& result, const std::string& lineEnd)
+  {
     EXPECT_EQ(result.signal, 0);
     std::istringstream lines(result.out + result.err);
     int count = 0;
     for (std::string line; std::getline(lines, line); ++count)
-      EXPECT_EQ(line, reelhost::displayText(line));
+      EXPECT_EQ(line, reelhost::displayText(line.substr(0, line.size() - lineEnd.size())) + lineEnd);
     EXPECT_GT(count, 0);
   }
 };
@@ -59,7 +73,14 @@ TEST_F(Printing, OddReelIsShownWithEscapesByEveryCommand)
                                        {"diff", "--gone", "cut.edl"},
                                        {"diff", "--gone", "cut.edl", "--json"},
                                        {"export", "--json"},
+                                       {"devices"},
                                        {"device", "list"},
+                                       {"device", "show", "0"},
+                                       {"device", "show", "1", "--json"},
+                                       {"device", "live", "1"},
+                                       {"device", "live", "1", "--json"},
+                                       {"device", "label-map", "0"},
+                                       {"device", "label-map", "0", "--json"},
                                        {"device", "reels", "0", "--why"},
                                        {"device", "reels", "0", "--why", "--json"},
                                        {"labelmap", "list"},
@@ -72,6 +93,8 @@ TEST_F(Printing, OddReelIsShownWithEscapesByEveryCommand)
                                        {"rename", "--dry-run", odd, "X"},
                                        {"delete", "--dry-run", odd},
                                        {"delete", "--dry-run", odd, "--keep", odd},
+                                       {"project", "check"},
+                                       {"project", "check", "--json"},
                                        {"watch", "--reel", odd, "--for", "0"}};
   for (const Words& words : commands) {
     SCOPED_TRACE(words[0]);
@@ -80,10 +103,26 @@ TEST_F(Printing, OddReelIsShownWithEscapesByEveryCommand)
     traced.insert(traced.begin(), "--trace");
     expectHarmless(traced);
   }
-  for (const Words& words :
-       std::vector<Words>{{"delete", odd, "--yes"}, {"undelete"}, {"rename", odd, "X"}, {"project", "list"}}) {
+  for (const Words& words : std::vector<Words>{
+           {"delete", odd, "--yes"}, {"undelete"}, {"rename", odd, "X"}, {"project", "list"}, {"project", "compact"}}) {
     SCOPED_TRACE(words[0]);
     expectHarmless(words);
+  }
+}
+
+/// Elsewhere it is a file's content, which is handed through as it is.
+TEST_F(Printing, OddShotIsExportedWithEscapesToATerminal)
+{
+  setStored(path("projects/main.reels"), odd, "source_in", "01:00:00:00"); // otherwise lists leave it out
+  for (const Words& words : std::vector<Words>{{"export", "--edl", "--reel-length", "129"},
+                                               {"export", "--ale"},
+                                               {"export", "--csv"},
+                                               {"export", "--csv", "--reels"}}) {
+    SCOPED_TRACE(testing::PrintToString(words));
+    const std::string shown = expectHarmlessOnATerminal(words);
+    const std::string handedOn = reeldb(words).out;
+    EXPECT_NE(handedOn.find("\xc2\x9b"), std::string::npos) << handedOn;
+    EXPECT_NE(shown.find("\\u009b"), std::string::npos) << shown;
   }
 }
 
