@@ -4,6 +4,8 @@
 #include <iostream>
 #include <memory>
 #include <random>
+#include <set>
+#include <tuple>
 
 #include <cerrno>
 #include <cstring>
@@ -11,6 +13,7 @@
 #include <signal.h>
 #include <sqlite3.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "standalone/store/support.h"
@@ -28,6 +31,26 @@ Changes batch(std::int64_t first, int count)
   for (int i = 0; i < count; ++i)
     changes.logs.push_back(exampleLog(first + i, i % 2 == 0 ? 9 : 1));
   return changes;
+}
+
+std::uint32_t bigEndian(std::string_view bytes)
+{
+  std::uint32_t value = 0;
+  for (const char byte : bytes.substr(0, 4))
+    value = value << 8 | static_cast<unsigned char>(byte);
+  return value;
+}
+
+/// How many commits lie whole in the first @p size bytes of a write-ahead log: after its header come frames, each a
+/// page behind a header of its own, and the last frame of a commit says how many pages the database then has.
+std::size_t commitsIn(std::string_view log, std::size_t size)
+{
+  constexpr std::size_t logHeader = 32, pageSizeAt = 8, frameHeader = 24, commitAt = 4;
+  const std::size_t frame = frameHeader + bigEndian(log.substr(pageSizeAt));
+  std::size_t commits = 0;
+  for (std::size_t at = logHeader; at + frame <= size; at += frame)
+    commits += bigEndian(log.substr(at + commitAt)) != 0 ? 1 : 0;
+  return commits;
 }
 
 class SqliteDurability : public testing::Test {
@@ -149,7 +172,7 @@ TEST_F(SqliteDurability, LogCutShortAnywhereHoldsTheStateOfAnEarlierCommit)
   });
   EXPECT_EQ(writer.waitForExit(), -1);
   const std::string log = bytesOf(file().native() + "-wal");
-  ASSERT_GT(log.size(), 8u * 4096u);
+  ASSERT_EQ(commitsIn(log, log.size()), 8u);
   std::mt19937 random(7);
   std::size_t partial = 0;
   for (int round = 0; round < 60; ++round) {
@@ -157,13 +180,9 @@ TEST_F(SqliteDurability, LogCutShortAnywhereHoldsTheStateOfAnEarlierCommit)
     const fs::path copy = folder() / ("cut" + std::to_string(round) + ".reels");
     fs::copy_file(file(), copy);
     writeBytes(copy.native() + "-wal", std::string_view(log).substr(0, length));
-    const std::size_t logs = countLogs(copy);
-    EXPECT_EQ(logs % perCommit, 0u) << "cut to " << length << " of " << log.size();
-    EXPECT_LE(logs, 8u * perCommit);
-    partial += logs > 0 && logs < 8u * perCommit ? 1 : 0;
-    if (round == 0) {
-      EXPECT_EQ(logs, 8u * perCommit);
-    }
+    const std::size_t commits = commitsIn(log, length);
+    EXPECT_EQ(countLogs(copy), commits * perCommit) << "cut to " << length << " of " << log.size();
+    partial += commits > 0 && commits < 8 ? 1 : 0;
   }
   EXPECT_GT(partial, 20u);
 }
@@ -179,71 +198,88 @@ TEST_F(SqliteDurability, LogWithADamagedFrameHoldsTheStateBeforeIt)
   });
   EXPECT_EQ(writer.waitForExit(), -1);
   const std::string log = bytesOf(file().native() + "-wal");
+  ASSERT_EQ(commitsIn(log, log.size()), 4u);
   std::mt19937 random(11);
-  for (int round = 0; round < 30; ++round) {
+  std::set<std::size_t> seen;
+  for (int round = 0; round < 40; ++round) {
     const fs::path copy = folder() / ("bad" + std::to_string(round) + ".reels");
     fs::copy_file(file(), copy);
+    const std::size_t place = random() % (round < 8 ? 32 : log.size()); // the log's own header is short
     std::string damaged = log;
-    damaged[random() % damaged.size()] ^= 0x20;
+    damaged[place] ^= 0x20;
     writeBytes(copy.native() + "-wal", damaged);
-    const std::size_t logs = countLogs(copy);
-    EXPECT_EQ(logs % perCommit, 0u);
-    EXPECT_LE(logs, 4u * perCommit);
+    const std::size_t commits = commitsIn(log, place);
+    EXPECT_EQ(countLogs(copy), commits * perCommit) << "byte " << place << " of " << log.size();
+    seen.insert(commits);
   }
+  EXPECT_EQ(seen, (std::set<std::size_t>{0, 1, 2, 3}));
 }
 
 // --- Disk full, I/O errors
 // ---------------------------------------------------------------------------------------------
 
-/// Lets the n-th write of SQLite in this process, and all after it, fail.
-class WriteFault {
+/// Lets the n-th call of a kind that SQLite makes in this process, and all after it, fail.
+class Fault {
 public:
-  WriteFault(int n, int error)
+  enum Kind { Write, Truncate, Sync };
+
+  Fault(Kind kind, int n, int error)
   {
+    failing = kind;
     left = n;
     errorNumber = error;
     hits = 0;
     vfs_ = sqlite3_vfs_find(nullptr);
-    replace("write", reinterpret_cast<sqlite3_syscall_ptr>(&failingWrite), original[0]);
-    replace("pwrite", reinterpret_cast<sqlite3_syscall_ptr>(&failingPwrite), original[1]);
-    replace("pwrite64", reinterpret_cast<sqlite3_syscall_ptr>(&failingPwrite), original[2]);
+    for (const Replacement& call : calls)
+      if (vfs_->xGetSystemCall(vfs_, call.name))
+        vfs_->xSetSystemCall(vfs_, call.name, call.function);
   }
-  ~WriteFault()
+  ~Fault()
   {
-    for (const char* name : {"write", "pwrite", "pwrite64"})
-      vfs_->xSetSystemCall(vfs_, name, nullptr);
+    left = 0;
+    for (const Replacement& call : calls)
+      vfs_->xSetSystemCall(vfs_, call.name, nullptr);
   }
-  WriteFault(const WriteFault&) = delete;
-  WriteFault& operator=(const WriteFault&) = delete;
-  static inline int hits = 0;
+  Fault(const Fault&) = delete;
+  Fault& operator=(const Fault&) = delete;
 
-private:
-  void replace(const char* name, sqlite3_syscall_ptr replacement, sqlite3_syscall_ptr& before)
+  static bool fails(Kind kind)
   {
-    before = vfs_->xGetSystemCall(vfs_, name);
-    if (before)
-      vfs_->xSetSystemCall(vfs_, name, replacement);
-  }
-  static bool fails()
-  {
-    if (--left > 0)
+    if (kind != failing || left == 0)
       return false;
+    if (left > 1) {
+      --left;
+      return false;
+    }
     ++hits;
     errno = errorNumber;
     return true;
   }
-  static ssize_t failingWrite(int fd, const void* bytes, size_t count)
+  static inline int hits = 0;
+
+private:
+  static ssize_t write(int fd, const void* bytes, size_t count)
   {
-    return fails() ? -1 : ::write(fd, bytes, count);
+    return fails(Write) ? -1 : ::write(fd, bytes, count);
   }
-  static ssize_t failingPwrite(int fd, const void* bytes, size_t count, off_t at)
+  static ssize_t pwrite(int fd, const void* bytes, size_t count, off_t at)
   {
-    return fails() ? -1 : ::pwrite(fd, bytes, count, at);
+    return fails(Write) ? -1 : ::pwrite(fd, bytes, count, at);
   }
-  static inline int left = 0;
+  static int ftruncate(int fd, off_t size) { return fails(Truncate) ? -1 : ::ftruncate(fd, size); }
+
+  struct Replacement {
+    const char* name;
+    sqlite3_syscall_ptr function;
+  };
+  static inline const Replacement calls[] = {{"write", reinterpret_cast<sqlite3_syscall_ptr>(&write)},
+                                             {"pwrite", reinterpret_cast<sqlite3_syscall_ptr>(&pwrite)},
+                                             {"pwrite64", reinterpret_cast<sqlite3_syscall_ptr>(&pwrite)},
+                                             {"ftruncate", reinterpret_cast<sqlite3_syscall_ptr>(&ftruncate)}};
+  static inline Kind failing = Write;
+  static inline int left = 0; ///< the call that fails first; 0: none does
   static inline int errorNumber = 0;
   sqlite3_vfs* vfs_;
-  sqlite3_syscall_ptr original[3] = {};
 };
 
 TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
@@ -266,9 +302,9 @@ TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
         const auto project = makeSqliteStore(file());
         project->begin(Access::Write, noPatience);
         {
-          const WriteFault fault(n, error);
+          const Fault fault(Fault::Write, n, error);
           answer = errorOf([&] { project->commit(batch(31, 30)); });
-          hits = WriteFault::hits;
+          hits = Fault::hits;
         }
         if (answer != "nothing") {
           ++refused;
@@ -293,28 +329,65 @@ TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
   }
 }
 
-TEST_F(SqliteDurability, WritesThatFailWhileClosingLeaveTheCommitInTheLog)
+TEST_F(SqliteDurability, EveryTruncateAndSyncThatFailsInTurnLosesNothing)
+{
+  store(*makeSqliteStore(file()), batch(1, 30));
+  const std::string atRest = bytesOf(file());
+  for (const auto& [kind, call, fact] :
+       {std::tuple(Fault::Truncate, "truncate", "cannot be opened"), std::tuple(Fault::Sync, "sync", "not stored")}) {
+    int refused = 0;
+    for (int n = 1;; ++n) {
+      SCOPED_TRACE(std::string(call) + " " + std::to_string(n));
+      writeBytes(file(), atRest);
+      std::string answer;
+      int hits = 0;
+      {
+        const Fault fault(kind, n, EIO);
+        answer = errorOf([&] { store(*makeSqliteStore(file()), batch(31, 30)); }); // opened, stored and closed
+        hits = Fault::hits;
+      }
+      const std::size_t logs = answer == "nothing" ? 60 : 30;
+      EXPECT_EQ(countLogs(file()), logs);
+      if (answer != "nothing") {
+        ++refused;
+        EXPECT_EQ(answer, "Io: " + file().native() + ": " + fact + " (disk I/O error)");
+      }
+      store(*makeSqliteStore(file()), batch(61, 5));
+      EXPECT_EQ(countLogs(file()), logs + 5);
+      if (hits == 0) {
+        EXPECT_EQ(answer, "nothing");
+        EXPECT_GT(n, 2); // one that is refused and one while closing, at least
+        break;
+      }
+      ASSERT_LT(n, 1000);
+    }
+    EXPECT_GT(refused, 0);
+  }
+}
+
+TEST_F(SqliteDurability, CallsThatFailWhileClosingLeaveTheCommitInTheLog)
 {
   const std::string atRest = bytesOf(file());
-  for (int n = 1;; ++n) {
-    for (const char* ending : {"-wal", "-shm"})
-      fs::remove(file().native() + ending);
-    writeBytes(file(), atRest);
-    int hits = 0;
-    {
-      auto project = makeSqliteStore(file());
-      store(*project, batch(1, 30));
-      const WriteFault fault(n, ENOSPC);
-      project.reset();
-      hits = WriteFault::hits;
+  for (const auto& [kind, calls] : {std::pair(Fault::Write, 3), std::pair(Fault::Sync, 1)})
+    for (int n = 1;; ++n) {
+      for (const char* ending : {"-wal", "-shm"})
+        fs::remove(file().native() + ending);
+      writeBytes(file(), atRest);
+      int hits = 0;
+      {
+        auto project = makeSqliteStore(file());
+        store(*project, batch(1, 30));
+        const Fault fault(kind, n, ENOSPC);
+        project.reset();
+        hits = Fault::hits;
+      }
+      EXPECT_EQ(countLogs(file()), 30u) << "call " << n;
+      if (hits == 0) {
+        EXPECT_GT(n, calls);
+        break;
+      }
+      ASSERT_LT(n, 1000);
     }
-    EXPECT_EQ(countLogs(file()), 30u) << "write " << n;
-    if (hits == 0) {
-      EXPECT_GT(n, 3);
-      break;
-    }
-    ASSERT_LT(n, 1000);
-  }
 }
 
 TEST(SqliteDiskFull, CommitThatDoesNotFitIsRefusedAndTheProjectStays)
@@ -350,3 +423,14 @@ TEST(SqliteDiskFull, NewProjectThatDoesNotFitLeavesNothing)
 }
 
 } // namespace
+
+// SQLite calls these by name, not through its table: what stands in the program is what it finds.
+int fsync(int fd)
+{
+  return Fault::fails(Fault::Sync) ? -1 : static_cast<int>(::syscall(SYS_fsync, fd));
+}
+
+int fdatasync(int fd)
+{
+  return Fault::fails(Fault::Sync) ? -1 : static_cast<int>(::syscall(SYS_fdatasync, fd));
+}
