@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/files.h"
 
+#include <atomic>
 #include <cerrno>
+#include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -110,6 +112,44 @@ TEST(ReadRegularFile, LargerThanTheLimit)
   fs::resize_file(folder / "sparse", std::uintmax_t{4} << 30);
   EXPECT_EQ(errorOf([&] { readRegularFile(folder / "sparse", 1000); }),
             "Unreadable: " + (folder / "sparse").native() + ": too large (more than 1000 bytes)");
+}
+
+TEST(ReadRegularFile, FileThatGrowsMeanwhileIsReadAsFarAsItGoesOrIsTooLarge)
+{
+  const TempDir folder;
+  constexpr std::size_t pieceSize = 1 << 16, start = 64 * pieceSize, most = 4096 * pieceSize;
+  writeBytes(folder / "f", std::string(start, 'x'));
+  const auto size = [&] { return static_cast<std::size_t>(fs::file_size(folder / "f")); };
+  std::atomic<bool> stop = false;
+  std::thread writer([&] {
+    const FileDescriptor file(::open((folder / "f").c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+    const std::string piece(pieceSize, 'x');
+    for (std::size_t end = start; !stop && end < most; end += pieceSize) {
+      EXPECT_EQ(::write(file.get(), piece.data(), pieceSize), static_cast<ssize_t>(pieceSize));
+      ::usleep(500);
+    }
+  });
+  bool grew = false;
+  while (!grew && size() < most) {
+    const std::size_t before = size();
+    const std::string content = readRegularFile(folder / "f", most);
+    const std::size_t after = size();
+    EXPECT_GE(content.size(), before);
+    EXPECT_LE(content.size(), after);
+    EXPECT_EQ(content.find_first_not_of('x'), std::string::npos);
+    grew = content.size() > before;
+  }
+  EXPECT_TRUE(grew);
+  std::string error = "nothing";
+  std::size_t limit = 0;
+  while (error == "nothing" && size() < most) {
+    limit = size(); // of a look that came before the reading
+    error = errorOf([&] { readRegularFile(folder / "f", limit); });
+  }
+  EXPECT_EQ(error,
+            "Unreadable: " + (folder / "f").native() + ": too large (more than " + std::to_string(limit) + " bytes)");
+  stop = true;
+  writer.join();
 }
 
 TEST(ReadRegularFile, AnythingElseIsRefusedWithoutWaiting)
