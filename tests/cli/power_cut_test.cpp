@@ -159,6 +159,8 @@ TEST_F(PowerCut, KilledCommandLeavesWhatWasThereBeforeOrAfterIt)
             << seed_ << ")\n";
   EXPECT_GT(before, 0);
   EXPECT_GT(after, 0);
+  // The log is there for a moment only, between the first write and the last: few kills may all miss it, many do not.
+  EXPECT_GE(cut, rounds(0, 1));
 }
 
 /// Writes its own reels into the project, one command each, as long as @p count lasts.
