@@ -2,6 +2,7 @@
 #include "store/sqlite.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <climits>
 #include <system_error>
 
@@ -28,6 +29,8 @@ Cause causeOf(int code)
     return Cause::ReadOnly;
   case SQLITE_CANTOPEN:
     return Cause::CannotOpen;
+  case SQLITE_FULL:
+    return Cause::Full;
   case SQLITE_CONSTRAINT:
   case SQLITE_MISMATCH:
     return Cause::Constraint;
@@ -38,10 +41,13 @@ Cause causeOf(int code)
 
 [[noreturn]] void fail(sqlite3* database, int code)
 {
+  const int system = sqlite3_system_errno(database); // of the last call that failed for it; 0 without a database
+  const bool systemRefused = (code & 0xFF) == SQLITE_CANTOPEN || (code & 0xFF) == SQLITE_IOERR;
+  if (systemRefused && system == ENOSPC)
+    throw Failure(Cause::Full, sqlite3_errstr(SQLITE_FULL)); // whatever it was that it made or made longer
   std::string text = database ? sqlite3_errmsg(database) : sqlite3_errstr(code);
-  if ((code & 0xFF) == SQLITE_CANTOPEN) // otherwise the system's error may be an older one
-    if (const int system = sqlite3_system_errno(database); system != 0)
-      text += ": " + std::generic_category().message(system);
+  if ((code & 0xFF) == SQLITE_CANTOPEN && system != 0) // otherwise the system's error may be an older one
+    text += ": " + std::generic_category().message(system);
   throw Failure(causeOf(code), text);
 }
 
@@ -90,7 +96,8 @@ void Database::Closer::operator()(sqlite3* handle) const
 
 Database::Database(const std::string& absolutePath, Mode mode)
 {
-  const int access = mode == Mode::ReadWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
+  const bool writable = mode == Mode::ReadWrite || mode == Mode::Exclusive; // the lock takes it, too
+  const int access = writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(uri(absolutePath, mode).c_str(), &opened,
                                    access | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -101,7 +108,7 @@ Database::Database(const std::string& absolutePath, Mode mode)
   sqlite3_db_config(opened, SQLITE_DBCONFIG_ENABLE_VIEW, 0, nullptr);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
   sqlite3_db_config(opened, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
-  if (mode == Mode::Alone)
+  if (mode == Mode::Alone || mode == Mode::Exclusive)
     execute("PRAGMA locking_mode = EXCLUSIVE"); // keeps the index of the log in memory
 }
 

@@ -24,7 +24,8 @@ enum class Cause {
   ReadOnly,   ///< it cannot be written
   CannotOpen, ///< it, or a file that goes with it, cannot be opened
   Constraint, ///< a value that the schema forbids
-  Other,      ///< the system refused a read or a write, the disk is full, memory is short
+  Full,       ///< the disk is: there is no room for it, or for a file that goes with it
+  Other,      ///< the system refused a read or a write, memory is short
 };
 
 /// A call of SQLite that failed; what() is SQLite's own text, followed by the system's where it has one.
@@ -45,6 +46,7 @@ public:
     ReadOnly,  ///< the file itself is never written; locks and the write-ahead log are shared as usual
     Immutable, ///< the file as it lies: no locks, no write-ahead log
     Alone,     ///< the file and its write-ahead log, without any lock and without the index file of the log
+    Exclusive, ///< likewise without the index file, but locked: nobody else gets at the file while it is open
   };
 
   /// Opens the existing file @p absolutePath; reads nothing that takes a lock.

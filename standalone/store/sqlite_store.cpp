@@ -75,6 +75,12 @@ Database::Mode modeFor(const ProjectFile& file)
   return file.logSize > 0 ? Database::Mode::Alone : Database::Mode::Immutable;
 }
 
+/// Whether other processes may use the file while it is open, and SQLite counts the versions they make of it.
+bool isShared(Database::Mode mode)
+{
+  return mode == Database::Mode::ReadWrite || mode == Database::Mode::ReadOnly;
+}
+
 /// The lines of an integrity check without their headings; empty when all is well.
 std::vector<std::string> problemsFrom(Database& database, const char* sql)
 {
@@ -132,8 +138,7 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
   Database::Mode mode = modeFor(file);
   for (;;) {
     try {
-      const bool asItLies = mode == Database::Mode::Immutable || mode == Database::Mode::Alone;
-      if (database_ && (mode != mode_ || asItLies || file.path != file_.path || database_->moved()))
+      if (database_ && (mode != mode_ || !isShared(mode) || file.path != file_.path || database_->moved()))
         close();
       use(file, mode, access, patience, look);
       return;
@@ -144,9 +149,12 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
         throw error;
       close();
       const bool noIndex = failure.cause() == Cause::CannotOpen || failure.cause() == Cause::ReadOnly;
-      if (mode != Database::Mode::ReadOnly || !noIndex || file.logSize > 0)
+      if (mode == Database::Mode::ReadOnly && noIndex && file.logSize == 0)
+        mode = Database::Mode::Immutable; // the index is a remnant, or was made for others only; the file is whole
+      else if (mode == Database::Mode::ReadWrite && access == Access::Read && failure.cause() == Cause::Full)
+        mode = Database::Mode::Exclusive; // there is no room for the index
+      else
         throw error;
-      mode = Database::Mode::Immutable; // the index is a remnant, or was made for others only; the file is whole
     } catch (...) {
       end();
       close();
@@ -169,7 +177,7 @@ void SqliteStore::use(const ProjectFile& file, Database::Mode mode, Access acces
   if (!lookedAt_ && look == Look::WholeFile)
     lookOver();
   if (database_->integer("PRAGMA user_version") < static_cast<std::int64_t>(steps_.size())) {
-    end();
+    endUse();
     upgrade();
     startUse(access);
   }
@@ -236,7 +244,7 @@ void SqliteStore::lookOver()
 void SqliteStore::upgrade()
 {
   const auto version = database_->integer("PRAGMA user_version");
-  if (mode_ != Database::Mode::ReadWrite)
+  if (!file_.writable)
     refuse(ErrorKind::Unreadable, "of an older version (" + std::to_string(version) +
                                       ") and cannot be brought up to date (" + file_.whyNot + ")");
   startUse(Access::Write);
@@ -246,6 +254,13 @@ void SqliteStore::upgrade()
 }
 
 void SqliteStore::end() noexcept
+{
+  endUse();
+  if (mode_ == Database::Mode::Exclusive)
+    database_.reset(); // others wait for it
+}
+
+void SqliteStore::endUse() noexcept
 {
   if (use_ == Use::None)
     return;
@@ -498,7 +513,7 @@ void SqliteStore::shareAgain() noexcept
 
 SqliteStore::Seen SqliteStore::seenNow()
 {
-  if (mode_ == Database::Mode::Immutable || mode_ == Database::Mode::Alone) {
+  if (!isShared(mode_)) {
     const ProjectFile file = inspectProjectFile(path_);
     return {file.modified, static_cast<std::int64_t>(file.size + file.logSize)};
   }
@@ -510,7 +525,7 @@ bool SqliteStore::changedElsewhere()
   if (use_ != Use::None || !seen_)
     return false;
   return guarded("cannot be read", [this] {
-    if (!database_ || database_->moved()) {
+    if (mode_ != Database::Mode::Exclusive && (!database_ || database_->moved())) {
       close();
       seen_.reset();
       return true;
@@ -604,6 +619,7 @@ Error SqliteStore::errorFor(const char* fact, const Failure& failure)
   case Cause::Constraint:
     return Error(ErrorKind::Refused, subject() + ": " + fact + " (" + cause + ")");
   case Cause::CannotOpen:
+  case Cause::Full:
   case Cause::Other:
     break;
   }

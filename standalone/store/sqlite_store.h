@@ -58,6 +58,7 @@ private:
   void lookOver();
   std::string cutShort();
   void upgrade();
+  void endUse() noexcept;
   void close() noexcept;
   std::int64_t lastNumber();
   void readLogs(const char* condition, const std::function<void(StoredLog&&)>& sink);

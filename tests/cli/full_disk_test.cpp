@@ -86,6 +86,28 @@ TEST_F(SmallDisk, ExportThatDoesNotFitKeepsTheOldFile)
                     "out: cannot be written (No space left on device)");
 }
 
+TEST_F(SmallDisk, FullDiskIsReadAndNotWritten)
+{
+  const Words readers[] = {{"list"}, {"show", "A001"}, {"export", "--json"}, {"project", "list"}};
+  std::vector<std::string> answers;
+  for (const Words& words : readers)
+    answers.push_back(output(words));
+  fillUpTo(0);
+  for (std::size_t i = 0; i < answers.size(); ++i)
+    EXPECT_EQ(output(readers[i]), answers[i]);
+  const std::string before = bytesOf(project());
+  for (const Words& words : std::vector<Words>{{"set", "A001", "bin=x"}, {"delete", "A001", "--yes"}}) {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 3);
+    EXPECT_EQ(result.err, "reeldb: " + project() + ": cannot be opened (database or disk is full)\n");
+    EXPECT_EQ(bytesOf(project()), before);
+    EXPECT_EQ(output({"project", "check"}), "main: sound\n");
+  }
+  fs::remove(disk_ / "filling");
+  output({"set", "A001", "bin=x"});
+  EXPECT_EQ(namesIn(disk_ / "projects"), Words{"main.reels"});
+}
+
 TEST_F(SmallDisk, ReadOnlyDiskIsReadAndNotWritten)
 {
   const Words readers[] = {{"list"}, {"show", "A001"}, {"export", "--json"}, {"project", "check"}};

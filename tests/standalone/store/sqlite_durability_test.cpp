@@ -412,6 +412,47 @@ TEST(SqliteDiskFull, CommitThatDoesNotFitIsRefusedAndTheProjectStays)
   EXPECT_EQ(numbersOf(*project).size(), 40u);
 }
 
+TEST(SqliteDiskFull, ProjectIsReadAndItsReaderKeepsNobodyAwayAfterwards)
+{
+  const TempMount mount("size=512k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  const fs::path file = mount / "main.reels";
+  createSqliteProject(file, exampleInfo(), {});
+  store(*makeSqliteStore(file), batch(1, 2));
+  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
+  const auto project = makeSqliteStore(file);
+  EXPECT_EQ(numbersOf(*project).size(), 2u);
+  EXPECT_FALSE(project->changedElsewhere());
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }),
+            "Io: " + file.native() + ": cannot be opened (database or disk is full)");
+  EXPECT_EQ(numbersOf(*project).size(), 2u);
+  EXPECT_FALSE(project->changedElsewhere());
+  fs::remove(mount / "filling");
+  Child other([&] { store(*makeSqliteStore(file), batch(3, 1)); });
+  EXPECT_EQ(other.waitForExit(), 0);
+  EXPECT_TRUE(project->changedElsewhere());
+  store(*project, batch(4, 1));
+  EXPECT_EQ(numbersOf(*project).size(), 4u);
+}
+
+TEST(SqliteDiskFull, UnfinishedLogIsReadWithoutRoom)
+{
+  const TempMount mount("size=512k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  const fs::path file = mount / "main.reels";
+  createSqliteProject(file, exampleInfo(), {});
+  storeAndDie(file, batch(1, 2));
+  fs::remove(file.native() + "-shm");
+  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file)).size(), 2u);
+  fs::remove(mount / "filling");
+  store(*makeSqliteStore(file), batch(3, 1));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file)).size(), 3u);
+}
+
 TEST(SqliteDiskFull, NewProjectThatDoesNotFitLeavesNothing)
 {
   const TempMount mount("size=16k");
