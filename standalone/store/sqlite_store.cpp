@@ -5,6 +5,9 @@
 #include <limits>
 #include <map>
 #include <stdexcept>
+#include <thread>
+
+#include <unistd.h>
 
 #include "reelhost/display_text.h"
 #include "store/ascii.h"
@@ -26,6 +29,10 @@ constexpr std::uintmax_t lookOverLimit = 8 * 1024 * 1024;
 
 /// check() only reads: it waits for nobody but another process in the middle of a recovery.
 constexpr std::chrono::seconds checkPatience(5);
+
+/// Milliseconds between two attempts to have the file to oneself, at most: not the same for everybody, or they would
+/// meet again and again.
+constexpr int mostPause = 8;
 
 // The columns of a log, as written and read. The leading keys start at firstLeadingColumn.
 constexpr std::string_view logColumns =
@@ -136,6 +143,7 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
   if (access == Access::Write && !file.writable)
     throw Error(ErrorKind::ReadOnly, subject() + ": read-only (" + file.whyNot + ")");
   Database::Mode mode = modeFor(file);
+  const auto last = std::chrono::steady_clock::now() + patience;
   for (;;) {
     try {
       if (database_ && (mode != mode_ || !isShared(mode) || file.path != file_.path || database_->moved()))
@@ -145,8 +153,13 @@ void SqliteStore::beginUse(Access access, std::chrono::milliseconds patience, Lo
     } catch (const Failure& failure) {
       const Error error = errorFor("cannot be opened", failure);
       end();
-      if (failure.cause() == Cause::Busy)
-        throw error;
+      if (failure.cause() == Cause::Busy) {
+        if (mode != Database::Mode::Exclusive || std::chrono::steady_clock::now() >= last)
+          throw error;
+        // Not in SQLite, which would go on sharing the file while it waits: two could do that for ever.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1 + ::getpid() % mostPause));
+        continue;
+      }
       close();
       const bool noIndex = failure.cause() == Cause::CannotOpen || failure.cause() == Cause::ReadOnly;
       if (mode == Database::Mode::ReadOnly && noIndex && file.logSize == 0)
@@ -170,7 +183,7 @@ void SqliteStore::use(const ProjectFile& file, Database::Mode mode, Access acces
   if (isNew)
     database_.emplace(file.path, mode);
   // Before anything that may have to wait: another process may be closing the file behind itself.
-  database_->setPatience(patience);
+  database_->setPatience(mode == Database::Mode::Exclusive ? std::chrono::milliseconds(0) : patience);
   if (isNew)
     greet(file, mode);
   startUse(access);

@@ -437,6 +437,25 @@ TEST(SqliteDiskFull, ProjectIsReadAndItsReaderKeepsNobodyAwayAfterwards)
   EXPECT_EQ(numbersOf(*project).size(), 4u);
 }
 
+TEST(SqliteDiskFull, ReadersWaitForOneAnother)
+{
+  const TempMount mount("size=512k");
+  if (!mount.mounted())
+    GTEST_SKIP() << "mounting a file system is not allowed here";
+  const fs::path file = mount / "main.reels";
+  createSqliteProject(file, exampleInfo(), {});
+  store(*makeSqliteStore(file), batch(1, 2));
+  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
+  const auto readOften = [&] {
+    for (int i = 0; i < 50; ++i)
+      if (numbersOf(*makeSqliteStore(file)).size() != 2)
+        throw std::runtime_error("not all of it");
+  };
+  Child one(readOften), another(readOften);
+  EXPECT_EQ(one.waitForExit(), 0);
+  EXPECT_EQ(another.waitForExit(), 0);
+}
+
 TEST(SqliteDiskFull, UnfinishedLogIsReadWithoutRoom)
 {
   const TempMount mount("size=512k");
