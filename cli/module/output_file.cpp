@@ -31,6 +31,15 @@ namespace fs = std::filesystem;
   throw Failure(refused, fmt::format("{}: {}", path, fact));
 }
 
+/// The permissions of a file that is made without others being asked for.
+mode_t usualMode()
+{
+  const mode_t mask = umask(0);
+  umask(mask);
+  constexpr mode_t everybody = 0666;
+  return everybody & ~mask;
+}
+
 /// A file of a name that nobody has; gone again unless it is given another one.
 class NewFile {
 public:
@@ -48,7 +57,7 @@ public:
 
   explicit operator bool() const { return number_ >= 0; }
 
-  bool write(std::string_view bytes)
+  bool write(std::string_view bytes, mode_t mode)
   {
     while (!bytes.empty()) {
       const ssize_t count = ::write(number_, bytes.data(), bytes.size());
@@ -56,10 +65,7 @@ public:
         return false;
       bytes.remove_prefix(count < 0 ? 0 : static_cast<std::size_t>(count));
     }
-    const mode_t mask = umask(0);
-    umask(mask);
-    constexpr mode_t everybody = 0666;
-    return fchmod(number_, everybody & ~mask) == 0 && fsync(number_) == 0;
+    return fchmod(number_, mode) == 0 && fsync(number_) == 0;
   }
 
   /// Takes the name; one that is taken only when it is to be replaced.
@@ -86,6 +92,7 @@ void writeOutputFile(const std::string& path, std::string_view bytes, bool repla
 {
   const std::string taken = "exists already (--force replaces it)";
   std::string target = path;
+  mode_t mode = usualMode();
   struct stat status {};
   if (stat(path.c_str(), &status) == 0) {
     if (S_ISDIR(status.st_mode))
@@ -98,11 +105,12 @@ void writeOutputFile(const std::string& path, std::string_view bytes, bool repla
     target = fs::canonical(path, error).string(); // a link stays, and what it names is replaced
     if (error)
       fail(path, error.value());
+    mode = status.st_mode & 0777; // who may not read what was there may not read what comes in its place
   } else if (lstat(path.c_str(), &status) == 0) {
     refuse(path, "a link that leads to no file"); // nothing to replace, and the link is not ours to take away
   }
   NewFile file(target);
-  if (!file || !file.write(bytes))
+  if (!file || !file.write(bytes, mode))
     fail(path, errno);
   if (!file.takeName(target, replace)) {
     if (errno == EEXIST)

@@ -238,6 +238,19 @@ TEST_F(Export, ForceReplacesWhatALinkNames)
   EXPECT_EQ(readFile("mine"), output({"export", "--csv"}));
 }
 
+TEST_F(Export, FileThatIsReplacedKeepsItsPermissions)
+{
+  output({"export", "--csv", "-o", "mine"});
+  const fs::perms usual = fs::status(path("mine")).permissions();
+  EXPECT_EQ(usual & fs::perms::owner_all, fs::perms::owner_read | fs::perms::owner_write);
+  for (const fs::perms kept : {fs::perms::owner_read | fs::perms::owner_write, fs::perms::owner_all}) {
+    ASSERT_NE(kept, usual);
+    fs::permissions(path("mine"), kept);
+    output({"export", "--csv", "-o", "mine", "--force"});
+    EXPECT_EQ(fs::status(path("mine")).permissions(), kept);
+  }
+}
+
 TEST_F(Export, FileThatCannotBeWrittenLeavesNothingBehind)
 {
   expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be written (No such file or directory)", 3);

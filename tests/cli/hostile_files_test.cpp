@@ -424,7 +424,7 @@ TEST_F(HostileFiles, WhatIsNoRegularFileIsNoProject)
   for (const auto& [name, kind] : kinds) {
     const std::string fault = site_ + "projects/" + name + ".reels: no project (" + kind + ")";
     expectEachError({{"-p", name, "list"}, {"-p", name, "create", "R1"}, {"-p", name, "import", "cut.edl"}}, 3, fault);
-    expectError({"project", "new", "odd"}, 1, site_ + "projects/odd.reels: exists already");
+    expectError({"project", "new", name}, 1, site_ + "projects/" + name + ".reels: exists already");
   }
 }
 

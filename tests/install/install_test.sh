@@ -170,7 +170,8 @@ pkg_config)
   export PKG_CONFIG_PATH
   cd "$work"
   # shellcheck disable=SC2046 # a list of words
-  "$CXX" "$moved/share/reeldb/examples/consumer/main.cpp" $("$PKG_CONFIG" --cflags --libs reeldb-host) -o pkg_consumer
+  "$CXX" -std=c++17 "$moved/share/reeldb/examples/consumer/main.cpp" -o pkg_consumer \
+    $("$PKG_CONFIG" --cflags --libs reeldb-host)
   LD_LIBRARY_PATH=$lib ./pkg_consumer >"$work/$step.out"
   consumer_says | expect_output "$work/$step.out"
   for package in reeldb reeldb-host reeldb-host-values; do

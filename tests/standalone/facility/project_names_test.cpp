@@ -62,9 +62,9 @@ TEST_F(ProjectNames, LinkIsFollowedWithinTheFacilityOnly)
   fs::create_symlink(elsewhere / "far.reels", projects() / "far.reels");
   for (const std::string name : {"near", "gone", "loop"})
     EXPECT_EQ(facility().projectFile(name), projects() / (name + ".reels"));
-  EXPECT_EQ(errorOf([&] { facility().projectFile("far"); }),
-            "Refused: " + (projects() / "far.reels").native() + ": leads out of the facility (to " + real +
-                "/far.reels)");
+  EXPECT_EQ(errorOf([&] { facility().projectFile("far"); }), "Refused: " + (projects() / "far.reels").native() +
+                                                                 ": leads out of the facility (to " + real +
+                                                                 "/far.reels)");
 }
 
 TEST_F(ProjectNames, FolderThatIsALinkToElsewhereHoldsNoProjects)
@@ -73,9 +73,9 @@ TEST_F(ProjectNames, FolderThatIsALinkToElsewhereHoldsNoProjects)
   const std::string real = fs::canonical(elsewhere.path()).native();
   fs::remove(projects());
   fs::create_symlink(elsewhere.path(), projects());
-  EXPECT_EQ(errorOf([&] { facility().projectFile("new"); }),
-            "Refused: " + (projects() / "new.reels").native() + ": leads out of the facility (to " + real +
-                "/new.reels)");
+  EXPECT_EQ(errorOf([&] { facility().projectFile("new"); }), "Refused: " + (projects() / "new.reels").native() +
+                                                                 ": leads out of the facility (to " + real +
+                                                                 "/new.reels)");
 }
 
 TEST_F(ProjectNames, FolderWhoseNameBeginsLikeTheFacilitysIsElsewhere)
