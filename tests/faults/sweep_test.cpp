@@ -6,6 +6,7 @@
 #include "faults/library_calls.h"
 #include "faults/sweep.h"
 #include "reelhost/memory.h"
+#include "support/ledger.h"
 
 namespace reeldb_tests {
 
@@ -77,7 +78,8 @@ TEST_F(EveryLogRefusesToOpen, Once)
 class EveryAllocationFails : public Faults {
   void check(const Scenario& scenario, int faults, int) override
   {
-    EXPECT_TRUE(faults > 0 || !scenario.withoutMemory) << scenario << " asked for no memory";
+    // Where a sanitizer's operator new stands before the library's, the host sees nothing of that one.
+    EXPECT_TRUE(faults > 0 || !scenario.withoutMemory || !newIsRouted()) << scenario << " asked for no memory";
   }
 };
 

@@ -8,6 +8,7 @@
 #include "MainThread.h"
 #include "host/action.h"
 #include "host/events.h"
+#include "host/projdb.h"
 #include "journal/watch.h"
 #include "support/hosts_own.h"
 #include "support/library_fixture.h"
@@ -18,6 +19,7 @@ struct Passed {
   Zr::Ptr<iExecutableAction> deferred;
   std::vector<std::pair<std::string, bool>> readTexts; ///< of which Cookies were made
   std::vector<bool> writtenTexts;
+  std::vector<const oledb*> viewed;
 };
 
 Passed& passed()
@@ -43,6 +45,13 @@ LightweightString<char> Cookie::asString(bool flag) const
 {
   passed().writtenTexts.push_back(flag);
   return reeldb_tests::hostsOwn<LightweightString<char>(const Cookie*, bool)>("_ZNK6Cookie8asStringEb")(this, flag);
+}
+
+// The host's makes the object anew: nothing may fail in it here, or the base would be taken down twice.
+ODBViewRep::ODBViewRep(oledb* database) : impl_(nullptr)
+{
+  passed().viewed.push_back(database);
+  reeldb_tests::hostsOwn<void(ODBViewRep*, oledb*)>("_ZN10ODBViewRepC1EP5oledb")(this, database);
 }
 
 namespace reeldb_tests {
@@ -86,6 +95,16 @@ TEST_F(HostArguments, PlaceholderProjectIsReadFromItsTextWithFalse)
   passed().readTexts.clear();
   manager().handleProjectEntry();
   EXPECT_EQ(passed().readTexts, (std::vector<std::pair<std::string, bool>>{{"P0001000", false}}));
+}
+
+TEST_F(HostArguments, TypeIsReadInAViewOnTheTablesOfTheProjectsDatabase)
+{
+  ReelDbRec reel = addReel("R1");
+  passed().viewed.clear();
+  reel.typeName();
+  ASSERT_EQ(passed().viewed.size(), 1u);
+  EXPECT_NE(passed().viewed[0], nullptr);
+  EXPECT_EQ(passed().viewed[0], EditManager::getProjdb()->database());
 }
 
 TEST_F(HostArguments, ShotIsPrintedByItsTextWithFalse)

@@ -6,26 +6,9 @@
 #include <ostream>
 #include <utility>
 
-#include "host/projdb.h"
 #include "host/text.h"
 #include "reelrec/field_answer.h"
 #include "reelrec/record_fixture.h"
-#include "support/hosts_own.h"
-
-namespace reeldb_tests {
-namespace {
-
-const oledb* viewed = nullptr; // by the view that was made last
-
-} // namespace
-} // namespace reeldb_tests
-
-// The program's own is found before the host's, which makes nothing of the database.
-ODBViewRep::ODBViewRep(oledb* database) : impl_(nullptr)
-{
-  reeldb_tests::viewed = database;
-  reeldb_tests::hostsOwn<void(ODBViewRep*, oledb*)>("_ZN10ODBViewRepC1EP5oledb")(this, database);
-}
 
 namespace reeldb_tests {
 namespace {
@@ -734,15 +717,6 @@ TEST_F(Attributes, TypeIsReadFromTheRow)
   ReelDbRec rec = reelWith({{"reel_type", "from the log"}}, "from the row");
   EXPECT_EQ(text(rec.typeName()), "from the row");
   EXPECT_EQ(stepsOf([&] { rec.typeName(); }), readType(reel));
-}
-
-TEST_F(Attributes, TypeIsReadInAViewOnTheTablesOfTheProjectsDatabase)
-{
-  ReelDbRec rec = reelWith({});
-  viewed = nullptr;
-  rec.typeName();
-  EXPECT_NE(viewed, nullptr);
-  EXPECT_EQ(viewed, EditManager::getProjdb()->database());
 }
 
 TEST_F(Attributes, TypeWithoutCellOrRowOrDatabaseIsEmpty)

@@ -390,65 +390,72 @@ TEST_F(SqliteDurability, CallsThatFailWhileClosingLeaveTheCommitInTheLog)
     }
 }
 
-TEST(SqliteDiskFull, CommitThatDoesNotFitIsRefusedAndTheProjectStays)
-{
-  const TempMount mount("size=512k");
-  if (!mount.mounted())
-    GTEST_SKIP() << "mounting a file system is not allowed here";
-  const fs::path file = mount / "main.reels";
-  createSqliteProject(file, exampleInfo(), {});
+/// A project on a disk of half a megabyte.
+class SqliteDiskFull : public testing::Test {
+protected:
+  void SetUp() override
   {
-    const auto project = makeSqliteStore(file);
+    if (!disk_.mounted())
+      GTEST_SKIP() << "mounting a file system is not allowed here";
+    createSqliteProject(file(), exampleInfo(), {});
+  }
+
+  fs::path file() const { return disk_ / "main.reels"; }
+
+  /// Leaves no room on the disk, until makeRoom().
+  void fill() { writeBytes(filling(), std::string(fs::space(file()).available, 'x')); }
+  void makeRoom() { fs::remove(filling()); }
+
+private:
+  fs::path filling() const { return disk_ / "filling"; }
+
+  const TempMount disk_{"size=512k"};
+};
+
+TEST_F(SqliteDiskFull, CommitThatDoesNotFitIsRefusedAndTheProjectStays)
+{
+  {
+    const auto project = makeSqliteStore(file());
     store(*project, batch(1, 20));
     Changes large = batch(21, 20);
     large.logs[5].name = std::string(2'000'000, 'x');
     EXPECT_EQ(errorOf([&] { store(*project, large); }),
-              "Io: " + file.native() + ": not stored (database or disk is full)");
+              "Io: " + file().native() + ": not stored (database or disk is full)");
     EXPECT_EQ(numbersOf(*project).size(), 20u);
     store(*project, batch(21, 20));
     EXPECT_EQ(project->check(), std::vector<std::string>{});
   }
-  const auto project = makeSqliteStore(file);
+  const auto project = makeSqliteStore(file());
   EXPECT_EQ(numbersOf(*project).size(), 40u);
 }
 
-TEST(SqliteDiskFull, ProjectIsReadAndItsReaderKeepsNobodyAwayAfterwards)
+TEST_F(SqliteDiskFull, ProjectIsReadAndItsReaderKeepsNobodyAwayAfterwards)
 {
-  const TempMount mount("size=512k");
-  if (!mount.mounted())
-    GTEST_SKIP() << "mounting a file system is not allowed here";
-  const fs::path file = mount / "main.reels";
-  createSqliteProject(file, exampleInfo(), {});
-  store(*makeSqliteStore(file), batch(1, 2));
-  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
-  const auto project = makeSqliteStore(file);
+  store(*makeSqliteStore(file()), batch(1, 2));
+  fill();
+  const auto project = makeSqliteStore(file());
   EXPECT_EQ(numbersOf(*project).size(), 2u);
   EXPECT_FALSE(project->changedElsewhere());
   EXPECT_EQ(project->check(), std::vector<std::string>{});
   EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }),
-            "Io: " + file.native() + ": cannot be opened (database or disk is full)");
+            "Io: " + file().native() + ": cannot be opened (database or disk is full)");
   EXPECT_EQ(numbersOf(*project).size(), 2u);
   EXPECT_FALSE(project->changedElsewhere());
-  fs::remove(mount / "filling");
-  Child other([&] { store(*makeSqliteStore(file), batch(3, 1)); });
+  makeRoom();
+  Child other([&] { store(*makeSqliteStore(file()), batch(3, 1)); });
   EXPECT_EQ(other.waitForExit(), 0);
   EXPECT_TRUE(project->changedElsewhere());
   store(*project, batch(4, 1));
   EXPECT_EQ(numbersOf(*project).size(), 4u);
 }
 
-TEST(SqliteDiskFull, ReadersWaitForOneAnother)
+TEST_F(SqliteDiskFull, ReadersWaitForOneAnother)
 {
-  const TempMount mount("size=512k");
-  if (!mount.mounted())
-    GTEST_SKIP() << "mounting a file system is not allowed here";
-  const fs::path file = mount / "main.reels";
-  createSqliteProject(file, exampleInfo(), {});
-  store(*makeSqliteStore(file), batch(1, 2));
-  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
+  store(*makeSqliteStore(file()), batch(1, 2));
+  fill();
   const auto readOften = [&] {
     for (int i = 0; i < 50; ++i)
-      if (numbersOf(*makeSqliteStore(file)).size() != 2)
+      if (numbersOf(*makeSqliteStore(file())).size() != 2)
         throw std::runtime_error("not all of it");
   };
   Child one(readOften), another(readOften);
@@ -456,23 +463,18 @@ TEST(SqliteDiskFull, ReadersWaitForOneAnother)
   EXPECT_EQ(another.waitForExit(), 0);
 }
 
-TEST(SqliteDiskFull, UnfinishedLogIsReadWithoutRoom)
+TEST_F(SqliteDiskFull, UnfinishedLogIsReadWithoutRoom)
 {
-  const TempMount mount("size=512k");
-  if (!mount.mounted())
-    GTEST_SKIP() << "mounting a file system is not allowed here";
-  const fs::path file = mount / "main.reels";
-  createSqliteProject(file, exampleInfo(), {});
-  storeAndDie(file, batch(1, 2));
-  fs::remove(file.native() + "-shm");
-  writeBytes(mount / "filling", std::string(fs::space(file).available, 'x'));
-  EXPECT_EQ(numbersOf(*makeSqliteStore(file)).size(), 2u);
-  fs::remove(mount / "filling");
-  store(*makeSqliteStore(file), batch(3, 1));
-  EXPECT_EQ(numbersOf(*makeSqliteStore(file)).size(), 3u);
+  storeAndDie(file(), batch(1, 2));
+  fs::remove(file().native() + "-shm");
+  fill();
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())).size(), 2u);
+  makeRoom();
+  store(*makeSqliteStore(file()), batch(3, 1));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())).size(), 3u);
 }
 
-TEST(SqliteDiskFull, NewProjectThatDoesNotFitLeavesNothing)
+TEST(SqliteDiskFullFromTheStart, NewProjectLeavesNothing)
 {
   const TempMount mount("size=16k");
   if (!mount.mounted())
