@@ -5,7 +5,7 @@
 #
 # Each program's tests are shared out among JOBS (all) processors; GTEST_FILTER chooses others than here. An error is
 # memory that is misused, or lost (definitely or with what is): what a static still points to at the end is not. Nothing
-# is suppressed. What is left out is said first.
+# of ours is suppressed, only what a shell loses itself. What is left out is said first.
 set -eu
 
 build=$1
@@ -41,8 +41,13 @@ if [ -z "${GTEST_FILTER:-}" ]; then
 fi
 jobs=${JOBS:-$(nproc)}
 logs=$(mktemp -d)
-trap 'rm -rf "$logs"' EXIT
+shells=$(mktemp)
+trap 'rm -rf "$logs" "$shells"' EXIT
 trap 'exit 130' INT TERM
+for shell in bash dash fish zsh; do
+  printf '{\n  lost by %s itself\n  Memcheck:Leak\n  match-leak-kinds: definite,indirect\n  ...\n  obj:*/bin/%s*\n}\n' \
+    $shell $shell
+done >"$shells"
 
 # part PROGRAM NUMBER: runs one of the parts of a program's tests. What valgrind has to say of a process goes to a file
 # of that process, since the tests read what a command prints.
@@ -50,7 +55,7 @@ part()
 {
   GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$2 valgrind --quiet --vgdb=no --error-exitcode=99 --log-file="$logs/said.%p" \
     --leak-check=full --show-leak-kinds=definite,indirect --errors-for-leak-kinds=definite,indirect \
-    --trace-children=yes --trace-children-skip="$others" \
+    --trace-children=yes --trace-children-skip="$others" --suppressions="$shells" \
     "$build/bin/$1" >"$logs/printed.$2" 2>&1 || : >"$logs/failed.$2"
 }
 
