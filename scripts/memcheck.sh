@@ -25,7 +25,7 @@ if [ $# = 0 ]; then
   echo "memcheck: abi.*, install.*, pages.*, format: left out (scripts about files; what commands they start, others do)"
 fi
 echo "memcheck: compilers, cmake, python, fish: run as they are, with what they start"
-others='*/fish,*/c++,*/g++*,*/clang*,*/cmake,*/python3*,/usr/lib/gcc*'
+others='*/fish,*/c++,*/g++*,*/clang++*,/usr/lib/llvm*,*/cmake,*/python3*,/usr/lib/gcc*'
 # The C library's comparison of wide texts reads whole vectors, beyond the end of what it was given, where AVX2 is there.
 export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2
 
