@@ -1,0 +1,21 @@
+# SPDX-License-Identifier: Apache-2.0
+# The rooms of the house, and who may see whom. The compiler enforces it: a room is a target, and the folder that this
+# makes for it holds a link to each room it may see, and nothing else. An include that leads elsewhere is not found.
+
+# reeldb_room_sees(TARGET PUBLIC|PRIVATE ROOM...): TARGET includes the headers of each ROOM, a folder of the project or
+# one header of it, by its own name: "lists/list.h" of lists, "text/table.h" of cli/text. PUBLIC: so does what is linked
+# to it.
+function(reeldb_room_sees target scope)
+  string(TOLOWER ${scope} kind)
+  set(view ${PROJECT_BINARY_DIR}/rooms/${target}/${kind})
+  file(REMOVE_RECURSE ${view}) # with the links to what it may no longer see
+  file(MAKE_DIRECTORY ${view})
+  foreach(room IN LISTS ARGN)
+    if(NOT EXISTS ${PROJECT_SOURCE_DIR}/${room})
+      message(FATAL_ERROR "${target}: ${room}: no such room")
+    endif()
+    get_filename_component(name ${room} NAME)
+    file(CREATE_LINK ${PROJECT_SOURCE_DIR}/${room} ${view}/${name} SYMBOLIC)
+  endforeach()
+  target_include_directories(${target} ${scope} $<BUILD_INTERFACE:${view}>)
+endfunction()
