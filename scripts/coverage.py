@@ -17,7 +17,7 @@ import subprocess
 import sys
 
 WHOLE = ("include", "src")
-LINES_FLOOR = {"standalone": 92.0, "cli": 92.0}
+LINES_FLOOR = {"standalone": 92.0, "lists": 92.0, "cli": 92.0}
 
 
 def run(*command):
@@ -61,7 +61,8 @@ def measure(build, root, tools):
     common = [tools["cov"], "export", f"-instr-profile={merged}", objects[0]]
     for path in objects[1:]:
         common += ["-object", path]
-    common += [root / room for room in WHOLE + tuple(LINES_FLOOR)]
+    # Headers are known by the links through which a room sees them.
+    common += [build / "rooms"] + [root / room for room in WHOLE + tuple(LINES_FLOOR)]
 
     sources = collections.defaultdict(Source)
     name = None
