@@ -4,7 +4,7 @@
 #ifndef REELDB_CLI_COMMANDS_H
 #define REELDB_CLI_COMMANDS_H
 
-#include "module/command_line.h"
+#include "line/command_line.h"
 
 namespace reeldb::cli {
 

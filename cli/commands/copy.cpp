@@ -2,12 +2,12 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/plain_text.h"
-#include "module/reel.h"
-#include "module/session.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/plain_text.h"
+#include "app/reel.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -2,13 +2,13 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/device.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/reel.h"
-#include "module/reel_name.h"
-#include "module/session.h"
+#include "app/device.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/reel.h"
+#include "app/reel_name.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -4,13 +4,13 @@
 #include <optional>
 
 #include "commands/commands.h"
-#include "module/ask.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/session.h"
-#include "module/shot.h"
+#include "text/ask.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/session.h"
+#include "app/shot.h"
 
 namespace reeldb::cli {
 

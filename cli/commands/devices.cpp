@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
-#include "module/device.h"
-#include "module/output.h"
-#include "module/session.h"
+#include "app/device.h"
+#include "text/output.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -2,14 +2,14 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/known_names.h"
-#include "module/list_diff.h"
-#include "module/list_file.h"
-#include "module/session.h"
-#include "module/shot.h"
-#include "module/table.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "app/known_names.h"
+#include "app/list_diff.h"
+#include "app/list_file.h"
+#include "app/session.h"
+#include "app/shot.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

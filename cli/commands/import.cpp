@@ -4,13 +4,13 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/import_report.h"
-#include "module/importer.h"
-#include "module/list_file.h"
-#include "module/session.h"
-#include "module/terminal.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "text/import_report.h"
+#include "app/importer.h"
+#include "app/list_file.h"
+#include "app/session.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 

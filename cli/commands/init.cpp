@@ -4,11 +4,11 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/display_text.h"
-#include "module/output.h"
-#include "module/project_file.h"
-#include "module/session.h"
-#include "module/shell_word.h"
+#include "text/display_text.h"
+#include "text/output.h"
+#include "app/project_file.h"
+#include "app/session.h"
+#include "text/shell_word.h"
 
 namespace reeldb::cli {
 

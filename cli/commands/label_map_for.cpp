@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LabelMaps.h"
 #include "commands/commands.h"
-#include "module/device.h"
-#include "module/host_text.h"
-#include "module/label_map.h"
-#include "module/session.h"
+#include "app/device.h"
+#include "app/host_text.h"
+#include "app/label_map.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -6,15 +6,15 @@
 
 #include "LabelMaps.h"
 #include "commands/commands.h"
-#include "module/device.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/label_map.h"
-#include "module/project_file.h"
-#include "module/reel.h"
-#include "module/session.h"
-#include "module/table.h"
+#include "app/device.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/label_map.h"
+#include "app/project_file.h"
+#include "app/reel.h"
+#include "app/session.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

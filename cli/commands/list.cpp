@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/host_text.h"
-#include "module/reel.h"
-#include "module/session.h"
-#include "module/table.h"
+#include "text/counted.h"
+#include "app/host_text.h"
+#include "app/reel.h"
+#include "app/session.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

@@ -2,14 +2,14 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/output.h"
-#include "module/project_file.h"
-#include "module/session.h"
-#include "module/shell_word.h"
-#include "module/table.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "text/output.h"
+#include "app/project_file.h"
+#include "app/session.h"
+#include "text/shell_word.h"
+#include "text/table.h"
 #include "reelhost/store.h"
 
 namespace reeldb::cli {

@@ -6,15 +6,15 @@
 #include <fmt/ranges.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/list_file.h"
-#include "module/reel.h"
-#include "module/session.h"
-#include "module/shot.h"
-#include "module/table.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/list_file.h"
+#include "app/reel.h"
+#include "app/session.h"
+#include "app/shot.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

@@ -2,14 +2,14 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/old_names.h"
-#include "module/reel_name.h"
-#include "module/session.h"
-#include "module/shot.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/old_names.h"
+#include "app/reel_name.h"
+#include "app/session.h"
+#include "app/shot.h"
 
 namespace reeldb::cli {
 

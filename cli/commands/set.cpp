@@ -2,13 +2,13 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/assignment.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/output.h"
-#include "module/reel_field.h"
-#include "module/session.h"
+#include "line/assignment.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "text/output.h"
+#include "app/reel_field.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -2,11 +2,11 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/host_text.h"
-#include "module/session.h"
-#include "module/shot.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "app/host_text.h"
+#include "app/session.h"
+#include "app/shot.h"
 
 namespace reeldb::cli {
 

@@ -2,10 +2,10 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/display_text.h"
-#include "module/host_text.h"
-#include "module/reel.h"
-#include "module/session.h"
+#include "text/display_text.h"
+#include "app/host_text.h"
+#include "app/reel.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -6,10 +6,10 @@
 
 #include "ReelTypeManager.h"
 #include "commands/commands.h"
-#include "module/host_text.h"
-#include "module/output.h"
-#include "module/session.h"
-#include "module/table.h"
+#include "app/host_text.h"
+#include "text/output.h"
+#include "app/session.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

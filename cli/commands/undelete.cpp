@@ -6,12 +6,12 @@
 #include <fmt/format.h>
 
 #include "commands/commands.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/reel.h"
-#include "module/session.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/reel.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -9,12 +9,12 @@
 
 #include "ReelDbClient.h"
 #include "commands/commands.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/number.h"
-#include "module/reel.h"
-#include "module/session.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/number.h"
+#include "app/reel.h"
+#include "app/session.h"
 
 namespace reeldb::cli {
 

@@ -3,14 +3,14 @@
 
 #include "commands/commands.h"
 #include "lists/names.h"
-#include "module/counted.h"
-#include "module/display_text.h"
-#include "module/failure.h"
-#include "module/host_text.h"
-#include "module/known_names.h"
-#include "module/reel.h"
-#include "module/session.h"
-#include "module/table.h"
+#include "text/counted.h"
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "app/host_text.h"
+#include "app/known_names.h"
+#include "app/reel.h"
+#include "app/session.h"
+#include "text/table.h"
 
 namespace reeldb::cli {
 

@@ -6,7 +6,7 @@
 
 #include <stddef.h>
 
-/// The exit codes of the command that the front gives itself; module/exit_code.h has them all.
+/// The exit codes of the command that the front gives itself; line/exit_code.h has them all.
 enum { exit_refused = 1, exit_usage = 2, exit_unreadable = 3 };
 
 /// Why there is no facility to work with. An empty refusal has the code 0.

@@ -6,7 +6,7 @@
 
 #include <stdbool.h>
 
-#include "module/entry.h"
+#include "line/entry.h"
 
 struct module {
   reeldb_main_function* run;

@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "line/completion.h"
+
+#include <map>
+#include <string_view>
+
+namespace reeldb::cli {
+
+namespace {
+
+bool takesValue(const CLI::Option& option)
+{
+  return option.get_items_expected_max() > 0;
+}
+
+/// The name of the option in an argument, and whether its value is in there as well.
+struct Argument {
+  std::string name;
+  bool hasValue;
+  std::size_t valueAt;
+};
+
+Argument split(const std::string& argument)
+{
+  const std::size_t equals = argument.find('=');
+  if (equals != std::string::npos)
+    return {argument.substr(0, equals), true, equals + 1};
+  const bool isShort = argument.size() > 2 && argument[1] != '-';
+  return isShort ? Argument{argument.substr(0, 2), true, 2} : Argument{argument, false, argument.size()};
+}
+
+/// Goes along the words before the one that is typed.
+class Walk {
+public:
+  explicit Walk(const CLI::App& root) : root_(root), app_(&root) {}
+
+  void pass(const std::string& word)
+  {
+    if (const CLI::Option* const option = std::exchange(awaiting_, nullptr))
+      note(*option, word);
+    else if (!onlyArguments_ && word == "--")
+      onlyArguments_ = true;
+    else if (!onlyArguments_ && word.size() > 1 && word.front() == '-')
+      passOption(word);
+    else if (hasCommands())
+      descend(word);
+    else
+      ++arguments_;
+  }
+
+  Completion complete(const std::string& word) const
+  {
+    Completion result;
+    result.project = project_;
+    result.typed = word;
+    if (!app_)
+      return result;
+    if (awaiting_)
+      result.value = valueKindOf(awaiting_->get_type_name());
+    else if (!onlyArguments_ && word.size() > 1 && word.front() == '-' && split(word).hasValue)
+      completeAttached(word, result);
+    else if (!onlyArguments_ && !word.empty() && word.front() == '-')
+      result.words = options();
+    else if (hasCommands())
+      result.words = commands();
+    else if (const CLI::Option* const argument = argumentAt(arguments_))
+      result.value = valueKindOf(argument->get_name(true));
+    else if (!onlyArguments_)
+      result.words = options();
+    return result;
+  }
+
+private:
+  bool hasCommands() const
+  {
+    return app_ && !app_->get_subcommands([](const CLI::App*) { return true; }).empty();
+  }
+
+  void descend(const std::string& word)
+  {
+    const CLI::App* next = nullptr;
+    for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; }))
+      if (command->get_name() == word)
+        next = command;
+    app_ = next;
+    arguments_ = 0;
+  }
+
+  /// The option of the command, or of any command.
+  const CLI::Option* find(const std::string& name) const
+  {
+    for (const CLI::App* const app : {app_, &root_})
+      if (const CLI::Option* const option = app ? app->get_option_no_throw(name) : nullptr)
+        return option;
+    return nullptr;
+  }
+
+  void passOption(const std::string& word)
+  {
+    const Argument argument = split(word);
+    const CLI::Option* const option = find(argument.name);
+    if (!option || !takesValue(*option))
+      return;
+    if (argument.hasValue)
+      note(*option, word.substr(argument.valueAt));
+    else
+      awaiting_ = option;
+  }
+
+  void note(const CLI::Option& option, const std::string& value)
+  {
+    if (option.check_lname("project"))
+      project_ = value;
+  }
+
+  void completeAttached(const std::string& word, Completion& result) const
+  {
+    const Argument argument = split(word);
+    const CLI::Option* const option = find(argument.name);
+    if (!option || !takesValue(*option))
+      return;
+    result.start = word.substr(0, argument.valueAt);
+    result.typed = word.substr(argument.valueAt);
+    result.value = valueKindOf(option->get_type_name());
+  }
+
+  const CLI::Option* argumentAt(std::size_t index) const
+  {
+    std::size_t at = 0;
+    for (const CLI::Option* const option : app_->get_options())
+      if (option->get_positional() && (at++ == index || option->get_items_expected_max() > 1))
+        return option;
+    return nullptr;
+  }
+
+  std::vector<CompletionWord> commands() const
+  {
+    std::vector<CompletionWord> words;
+    for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; }))
+      words.push_back({command->get_name(), command->get_description()});
+    return words;
+  }
+
+  /// Every option by its long name; behind a command also those that go with any.
+  std::vector<CompletionWord> options() const
+  {
+    std::vector<CompletionWord> words;
+    const auto add = [&](const CLI::App& app, bool all) {
+      for (const CLI::Option* const option : app.get_options())
+        if (!option->get_positional() && (all || !isForRootAlone(*option)))
+          words.push_back({"--" + option->get_lnames().front(), option->get_description()});
+    };
+    add(*app_, true);
+    if (app_ != &root_)
+      add(root_, false);
+    return words;
+  }
+
+  bool isForRootAlone(const CLI::Option& option) const
+  {
+    return &option == root_.get_help_ptr() || option.check_lname("version");
+  }
+
+  const CLI::App& root_;
+  const CLI::App* app_;                   ///< null: behind a word that is no command
+  const CLI::Option* awaiting_ = nullptr; ///< the option whose value comes next
+  std::size_t arguments_ = 0;
+  bool onlyArguments_ = false; ///< behind "--"
+  std::optional<std::string> project_;
+};
+
+} // namespace
+
+ValueKind valueKindOf(const std::string& metavariable)
+{
+  static const std::map<std::string_view, ValueKind> kinds = {
+      {"ID", ValueKind::Reel},           {"REEL", ValueKind::Reel},    {"OLD", ValueKind::Reel},
+      {"FROM", ValueKind::Reel},         {"TO", ValueKind::Reel},      {"NUMBER", ValueKind::Device},
+      {"PROJECT", ValueKind::Project},   {"MAP", ValueKind::LabelMap}, {"CODE|NAME", ValueKind::FrameRate},
+      {"FIELD=VALUE", ValueKind::Field}, {"FILE", ValueKind::File},    {"LIST", ValueKind::File},
+      {"DIR", ValueKind::Folder},
+  };
+  const auto found = kinds.find(metavariable);
+  return found == kinds.end() ? ValueKind::Other : found->second;
+}
+
+Completion completionOf(const CLI::App& root, const std::vector<std::string>& words)
+{
+  Walk walk(root);
+  for (std::size_t i = 0; i + 1 < words.size(); ++i)
+    walk.pass(words[i]);
+  return walk.complete(words.empty() ? std::string() : words.back());
+}
+
+} // namespace reeldb::cli

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text/ask.h"
+
+#include <cstdio>
+#include <iostream>
+
+#include <fmt/format.h>
+
+#include "text/display_text.h"
+#include "line/failure.h"
+#include "text/output.h"
+#include "text/terminal.h"
+
+namespace reeldb::cli {
+
+bool ask(const std::string& question)
+{
+  if (!isTerminal(stdin))
+    throw Failure(refused, question + " nobody to ask (standard input is no terminal; --yes says so beforehand)");
+  flushOutput();
+  fmt::print(stderr, "{} [y/N] ", displayText(question));
+  std::fflush(stderr);
+  std::string answer;
+  std::getline(std::cin, answer);
+  return answer == "y" || answer == "Y" || answer == "yes";
+}
+
+} // namespace reeldb::cli
