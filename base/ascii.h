@@ -42,6 +42,12 @@ constexpr bool sameName(std::string_view a, std::string_view b)
   return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return toLower(x) == toLower(y); });
 }
 
+/// Whether @p text begins with @p start, but for the case of ASCII letters.
+constexpr bool startsWithName(std::string_view text, std::string_view start)
+{
+  return sameName(text.substr(0, start.size()), start);
+}
+
 } // namespace reeldb::base
 
 #endif
