@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "base/ascii.h"
+
 namespace reelhost::model {
 
 namespace {
@@ -14,21 +16,12 @@ bool byNumber(const Log* a, const Log* b)
 
 } // namespace
 
-std::string folded(std::string_view text)
-{
-  std::string result(text);
-  for (char& c : result)
-    if (c >= 'A' && c <= 'Z')
-      c = static_cast<char>(c - 'A' + 'a');
-  return result;
-}
-
 void AttributeIndex::refresh(Log& log)
 {
   take(log);
   if (log.isGone || log.type == reelType || log.reelId.empty())
     return;
-  auto& [key, group] = *logs_.try_emplace(folded(log.reelId.c_str())).first;
+  auto& [key, group] = *logs_.try_emplace(reeldb::base::fold(log.reelId.c_str())).first;
   group.insert(std::upper_bound(group.begin(), group.end(), &log, byNumber), &log);
   log.indexedUnder = &key;
 }
@@ -45,7 +38,7 @@ void AttributeIndex::take(Log& log)
 const std::vector<Log*>& AttributeIndex::find(std::string_view id) const
 {
   static const auto& none = *new std::vector<Log*>;
-  const auto found = logs_.find(folded(id));
+  const auto found = logs_.find(reeldb::base::fold(id));
   return found == logs_.end() ? none : found->second;
 }
 

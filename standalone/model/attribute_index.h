@@ -11,9 +11,6 @@
 
 namespace reelhost::model {
 
-/// The text with ASCII letters in lower case.
-std::string folded(std::string_view text);
-
 /// The logs other than reel logs by their reel identifier, without regard to ASCII case, each group by number.
 /// Identifiers that are empty are not in it.
 class AttributeIndex {

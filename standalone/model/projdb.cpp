@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "base/ascii.h"
 #include "journal/host_call.h"
 #include "model/log.h"
 #include "model/log_types.h"
@@ -62,8 +63,7 @@ LightweightString<char> reelIdIn(const reelhost::model::SearchAttributes& attrib
 {
   LightweightString<char> wanted;
   for (const auto& [attribute, value] : attributes) {
-    const bool same =
-        wanted.empty() || reelhost::model::folded(wanted.c_str()) == reelhost::model::folded(value.c_str());
+    const bool same = wanted.empty() || reeldb::base::sameName(wanted.c_str(), value.c_str());
     if (attribute != reelIdAttribute || value.empty() || !same)
       return {};
     wanted = value;

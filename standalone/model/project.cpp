@@ -7,6 +7,8 @@
 #include <new>
 #include <utility>
 
+#include "base/ascii.h"
+
 namespace reelhost::model {
 
 namespace {
@@ -252,7 +254,7 @@ std::unordered_map<std::string, std::int64_t> Project::countOthersByReelId()
   } else {
     for (const Log* log : others())
       if (!log->reelId.empty())
-        ++counts[folded(log->reelId.c_str())];
+        ++counts[reeldb::base::fold(log->reelId.c_str())];
   }
   return counts;
 }

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <map>
 
+#include "base/ascii.h"
 #include "reelhost/store.h"
-#include "store/ascii.h"
 #include "store/log_fields.h"
 
 namespace reelhost {
@@ -50,7 +50,7 @@ public:
         continue;
       for (const auto& [key, value] : record.log.fields)
         if (key == leadingKeys[0] && !value.empty())
-          ++counts[asciiLower(value)];
+          ++counts[reeldb::base::fold(value)];
     }
     return {counts.begin(), counts.end()};
   }

@@ -9,8 +9,8 @@
 
 #include <unistd.h>
 
+#include "base/ascii.h"
 #include "reelhost/display_text.h"
-#include "store/ascii.h"
 #include "store/files.h"
 #include "store/log_fields.h"
 
@@ -400,7 +400,7 @@ std::vector<std::pair<std::string, std::int64_t>> SqliteStore::countOthersByReel
     Statement rows(*database_, "SELECT reel_id, count(*) FROM logs WHERE type <> 9 AND deletion IS NULL "
                                "AND reel_id <> '' GROUP BY reel_id COLLATE NOCASE ORDER BY reel_id COLLATE NOCASE");
     while (rows.step())
-      counts.emplace_back(asciiLower(rows.text(0)), rows.integer(1));
+      counts.emplace_back(reeldb::base::fold(rows.text(0)), rows.integer(1));
     return counts;
   });
 }

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "store/ascii.h"
-
 namespace {
 
 using namespace reelhost;
@@ -23,11 +21,6 @@ TEST(Arranged, LeadingKeysFirstThenByBytesAndTheLastOfTwins)
   EXPECT_EQ(arranged({{"b", "1"}, {"aliases", "2"}, {"\xFF", "3"}, {"reelid", "4"}, {"B", "5"}, {"b", "6"}, {"", "7"}}),
             (KeyValues{{"reelid", "4"}, {"aliases", "2"}, {"", "7"}, {"B", "5"}, {"b", "6"}, {"\xFF", "3"}}));
   EXPECT_EQ(arranged({}), KeyValues{});
-}
-
-TEST(AsciiLower, OnlyTheLettersAToZ)
-{
-  EXPECT_EQ(asciiLower("AZ@[az09 \xC3\x89"), "az@[az09 \xC3\x89");
 }
 
 } // namespace
