@@ -5,6 +5,7 @@
 #include <array>
 #include <map>
 
+#include "base/ascii.h"
 #include "lists/edl_line.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
@@ -50,23 +51,23 @@ void ReelNames::addReel(const std::string& id, const std::vector<std::string>& o
 {
   const std::size_t entry = entries_.size();
   entries_.push_back({id, true});
-  const std::string folded = lists::fold(id);
+  const std::string folded = base::fold(id);
   byId_.try_emplace(folded, entry);
   link(folded, entry, Reason::Case);
   linkCuts(id, entry, Reason::Cut);
   for (const std::string& name : oldNames) {
-    link(lists::fold(name), entry, Reason::OldName);
+    link(base::fold(name), entry, Reason::OldName);
     linkCuts(name, entry, Reason::OldName);
   }
 }
 
 void ReelNames::linkCuts(const std::string& name, std::size_t entry, Reason reason)
 {
-  const std::string whole = lists::fold(name);
+  const std::string whole = base::fold(name);
   for (const std::size_t length : cutLengths) {
     if (const std::string_view cut = cutForm(name, length); !cut.empty())
-      link(lists::fold(cut), entry, reason);
-    const std::string form = lists::fold(lists::fieldForm(name, length));
+      link(base::fold(cut), entry, reason);
+    const std::string form = base::fold(lists::fieldForm(name, length));
     if (!form.empty() && form != whole)
       link(form, entry, reason);
   }
@@ -74,15 +75,15 @@ void ReelNames::linkCuts(const std::string& name, std::size_t entry, Reason reas
 
 void ReelNames::addAlias(const std::string& name, const std::string& reel)
 {
-  const auto [found, isNew] = byId_.try_emplace(lists::fold(reel), entries_.size());
+  const auto [found, isNew] = byId_.try_emplace(base::fold(reel), entries_.size());
   if (isNew)
     entries_.push_back({reel, false});
-  link(lists::fold(name), found->second, Reason::Alias);
+  link(base::fold(name), found->second, Reason::Alias);
 }
 
 void ReelNames::link(const std::string& foldedName, std::size_t entry, Reason reason)
 {
-  if (reason > Reason::Cut && foldedName == lists::fold(entries_[entry].id)) // a name that came back
+  if (reason > Reason::Cut && foldedName == base::fold(entries_[entry].id)) // a name that came back
     return;
   std::vector<Link>& links = byName_[foldedName];
   // The shots of a reel come one after the other, and most say the same.
@@ -94,10 +95,10 @@ void ReelNames::link(const std::string& foldedName, std::size_t entry, Reason re
 std::vector<Candidate> ReelNames::find(std::string_view name) const
 {
   std::string wanted(lists::trim(name));
-  auto found = byName_.find(lists::fold(wanted));
+  auto found = byName_.find(base::fold(wanted));
   if (found == byName_.end()) { // in lists a tab is a blank
     wanted = lists::clean(name);
-    found = byName_.find(lists::fold(wanted));
+    found = byName_.find(base::fold(wanted));
   }
   if (found == byName_.end())
     return {};

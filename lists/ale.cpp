@@ -10,6 +10,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/collector.h"
 #include "lists/names.h"
 #include "lists/text.h"
@@ -107,7 +108,7 @@ std::string_view takeCell(std::string_view& row)
 /// A line that names a section, and nothing else.
 bool isSection(std::string_view line, std::string_view section)
 {
-  return sameName(trim(line), section);
+  return base::sameName(trim(line), section);
 }
 
 class Reader {
@@ -205,15 +206,15 @@ void Reader::heading(std::string_view line)
 
 void Reader::setting(std::string_view key, std::string_view value)
 {
-  if (sameName(key, "TAPE"))
+  if (base::sameName(key, "TAPE"))
     tape_ = clean(value);
-  if (sameName(key, "FPS"))
+  if (base::sameName(key, "FPS"))
     frames_ = std::max(frames_, framesASecond(trim(value)));
   for (const auto& [format, frames] : kFormatFrames) {
-    if (sameName(key, "VIDEO_FORMAT") && sameName(trim(value), format))
+    if (base::sameName(key, "VIDEO_FORMAT") && base::sameName(trim(value), format))
       frames_ = std::max(frames_, frames);
   }
-  if (sameName(key, "FIELD_DELIM") && !sameName(trim(value), "TABS"))
+  if (base::sameName(key, "FIELD_DELIM") && !base::sameName(trim(value), "TABS"))
     throw Error("log file with the field delimiter " + inQuotes(trim(value)) + " (only TABS is understood)");
 }
 
@@ -224,7 +225,7 @@ void Reader::titles(int number, std::string_view line)
   for (std::size_t position = 0; !rest.empty(); ++position) {
     const std::string_view title = trim(takeCell(rest));
     titleCount_ = position + 1;
-    otherCase = otherCase || sameName(title, kTitles[Name]);
+    otherCase = otherCase || base::sameName(title, kTitles[Name]);
     const auto found = std::find(kTitles.begin(), kTitles.end(), title);
     const auto column = static_cast<std::size_t>(found - kTitles.begin());
     if (title.starts_with(kAlsoCalled))
@@ -360,7 +361,7 @@ void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
 bool startsLog(std::string_view line)
 {
   const std::string_view first = trim(takeCell(line));
-  return sameName(first, "Heading") || sameName(first, "Column");
+  return base::sameName(first, "Heading") || base::sameName(first, "Column");
 }
 
 List readAle(std::string_view text)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -14,11 +15,11 @@ namespace {
 /// Keeps what is another name for the reel, each once.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
 {
-  std::unordered_set<std::string> seen = {fold(reel)};
+  std::unordered_set<std::string> seen = {base::fold(reel)};
   std::vector<std::string> aliases;
   for (std::string& name : names) {
     const bool isName = !name.empty() && !isAuxiliary(name) && placeholderReason(name).empty();
-    if (isName && seen.insert(fold(name)).second)
+    if (isName && seen.insert(base::fold(name)).second)
       aliases.push_back(std::move(name));
   }
   return aliases;
@@ -73,7 +74,7 @@ bool Collector::clip(Clip clip, std::string_view text)
     special(clip.reel, reason, clip.line);
     return false;
   }
-  const std::string& first = spellings_.try_emplace(fold(clip.reel), clip.reel).first->second;
+  const std::string& first = spellings_.try_emplace(base::fold(clip.reel), clip.reel).first->second;
   if (first != clip.reel) {
     if (otherSpellings_.insert(clip.reel).second)
       list_.spellings.push_back({first, clip.reel});
@@ -87,7 +88,7 @@ bool Collector::clip(Clip clip, std::string_view text)
 
 void Collector::special(std::string_view text, std::string_view reason, int line)
 {
-  std::string key = fold(text);
+  std::string key = base::fold(text);
   key += '\n';
   key += reason;
   const auto [entry, isNew] = specials_.try_emplace(std::move(key), list_.specials.size());
@@ -119,7 +120,7 @@ void Collector::warnOfOrder(const Clip& clip, std::string_view text)
 
 const std::string& Collector::spelling(const std::string& reel) const
 {
-  const auto known = spellings_.find(fold(reel));
+  const auto known = spellings_.find(base::fold(reel));
   return known == spellings_.end() ? reel : known->second;
 }
 

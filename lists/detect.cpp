@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lists/detect.h"
 
+#include "base/ascii.h"
 #include "lists/ale.h"
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
@@ -19,10 +20,10 @@ std::optional<Format> detectText(std::string_view text)
       continue;
     if (first && startsLog(line))
       return Format::Ale;
-    if (startsWithName(trimmed, "FCM:") || (beginsLikeEvent(trimmed) && countTimecodes(trimmed) >= 2))
+    if (base::startsWithName(trimmed, "FCM:") || (beginsLikeEvent(trimmed) && countTimecodes(trimmed) >= 2))
       return Format::Edl;
     if (first)
-      emptyCut = startsWithName(trimmed, "TITLE:");
+      emptyCut = base::startsWithName(trimmed, "TITLE:");
     else
       emptyCut = emptyCut && (isNote(trimmed) || beginsLikeEvent(trimmed));
     first = false;

@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/collector.h"
 #include "lists/edl_event.h"
 #include "lists/edl_line.h"
@@ -33,7 +34,7 @@ constexpr std::string_view kReplacedBy = "REPLACED BY";
 /// Whether the line starts with the statement as a whole word; takes it and a colon off then.
 bool takeStatement(std::string_view& line, std::string_view statement)
 {
-  if (!startsWithName(line, statement))
+  if (!base::startsWithName(line, statement))
     return false;
   std::string_view rest = line.substr(statement.size());
   if (!rest.empty() && !isBlank(rest.front()) && rest.front() != ':')
@@ -125,7 +126,7 @@ List Reader::read(std::string_view text)
   std::unordered_set<std::string> reels;
   bool channelNumbers = false;
   for (const EventSource& source : sources_) {
-    reels.insert(fold(clean(source.fields.reel)));
+    reels.insert(base::fold(clean(source.fields.reel)));
     channelNumbers = channelNumbers || hasChannelNumber(source.fields.channels);
   }
   for (UnusedRow& unused : table_.settle([&](const std::string& folded) { return reels.contains(folded); })) {
@@ -183,7 +184,7 @@ void Reader::event(int number, std::string_view line)
 void Reader::takeNote(std::optional<Note> note)
 {
   if (note && note->kind == NoteKind::ReelMap)
-    map_[fold(note->reel)].push_back(std::move(note->value));
+    map_[base::fold(note->reel)].push_back(std::move(note->value));
   else if (note && !event_.empty())
     event_.note(std::move(*note));
 }
@@ -231,7 +232,7 @@ bool Reader::statement(int number, std::string_view line)
 std::string Reader::replacedReel(std::string_view statement)
 {
   const std::string fault = "replaced reel without both names";
-  const auto sameLetter = [](char a, char b) { return sameName({&a, 1}, {&b, 1}); };
+  const auto sameLetter = [](char a, char b) { return base::toLower(a) == base::toLower(b); };
   const auto found =
       std::search(statement.begin(), statement.end(), kReplacedBy.begin(), kReplacedBy.end(), sameLetter);
   if (found == statement.end())
@@ -249,7 +250,7 @@ std::string Reader::replacedReel(std::string_view statement)
   if (reel.size() > kNameBytes)
     return "replaced reel " + inQuotes(reel) + " has " + std::to_string(reel.size()) + " bytes (at most " +
            std::to_string(kNameBytes) + ")";
-  replaced_[fold(by)].push_back(reel);
+  replaced_[base::fold(by)].push_back(reel);
   return {};
 }
 
@@ -261,11 +262,11 @@ void Reader::closeEvent()
 
 Known& Reader::lookUp(const std::string& reel)
 {
-  const auto [entry, isNew] = known_.try_emplace(fold(reel));
+  const auto [entry, isNew] = known_.try_emplace(base::fold(reel));
   Known& known = entry->second;
   if (!isNew)
     return known;
-  if (const auto mapped = map_.find(fold(reel)); mapped != map_.end()) {
+  if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
     known.mapped = known.settled = true;
     settle(known, mapped->second, "the map of the list gives the name to several reels");
     return known;
@@ -280,7 +281,7 @@ Known& Reader::lookUp(const std::string& reel)
       known.aliases = std::move(match.names);
     return known;
   }
-  if (const auto replaced = replaced_.find(fold(reel)); replaced != replaced_.end()) {
+  if (const auto replaced = replaced_.find(base::fold(reel)); replaced != replaced_.end()) {
     known.settled = true;
     settle(known, replaced->second, "the name replaces several reels of the list");
   }
@@ -291,7 +292,7 @@ void Reader::settle(Known& known, const std::vector<std::string>& originals, std
 {
   std::unordered_set<std::string> seen;
   for (const std::string& original : originals) {
-    if (seen.insert(fold(original)).second)
+    if (seen.insert(base::fold(original)).second)
       known.fits.push_back(original);
   }
   known.reason = reason;
@@ -366,7 +367,7 @@ void Reader::noteIds(const std::string& identifier, const std::vector<std::strin
 {
   if (ids.empty())
     return;
-  const auto [entry, isNew] = idsOf_.try_emplace(fold(identifier), ids_.size());
+  const auto [entry, isNew] = idsOf_.try_emplace(base::fold(identifier), ids_.size());
   if (isNew)
     ids_.emplace_back(identifier, std::vector<std::string>());
   std::vector<std::string>& all = ids_[entry->second].second;
@@ -379,7 +380,7 @@ void Reader::reportSharedNames()
     std::unordered_set<std::string> seen;
     std::vector<std::string> distinct;
     for (std::string& id : ids) {
-      if (seen.insert(fold(id)).second)
+      if (seen.insert(base::fold(id)).second)
         distinct.push_back(std::move(id));
     }
     if (distinct.size() > 1)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/names.h"
 #include "lists/text.h"
 
@@ -50,7 +51,7 @@ std::vector<Side> sidesOf(const std::vector<EventSource>& sources)
   for (std::size_t i = 0; i < sources.size(); ++i) {
     const EventLine& fields = sources[i].fields;
     const Role role = roleOf(fields.transition);
-    if (sides.empty() || sides.back().role != role || !sameName(sides.back().reel, fields.reel)) {
+    if (sides.empty() || sides.back().role != role || !base::sameName(sides.back().reel, fields.reel)) {
       Side side;
       side.role = role;
       side.reel = fields.reel;
@@ -179,7 +180,7 @@ void dealInOrder(std::vector<Side>& sides, Field field, const Texts& texts)
 void dealReelNotes(std::vector<Side>& sides, const Texts& texts)
 {
   if (texts.size() == 1 && !texts.front().empty()) {
-    const auto isLonger = [&](const Side& side) { return startsWithName(texts.front(), side.reel); };
+    const auto isLonger = [&](const Side& side) { return base::startsWithName(texts.front(), side.reel); };
     if (std::count_if(sides.begin(), sides.end(), isLonger) == 1) {
       std::find_if(sides.begin(), sides.end(), isLonger)->reelNote = texts.front();
       return;
@@ -191,7 +192,7 @@ void dealReelNotes(std::vector<Side>& sides, const Texts& texts)
 /// Sides of the same reel are the same source, but for AX, where only the same clip is.
 bool sameSource(const Side& a, const Side& b)
 {
-  return sameName(a.reel, b.reel) && (!isAuxiliary(a.reel) || sameName(a.clipName, b.clipName));
+  return base::sameName(a.reel, b.reel) && (!isAuxiliary(a.reel) || base::sameName(a.clipName, b.clipName));
 }
 
 void share(std::vector<Side>& sides, Field field)
@@ -215,7 +216,7 @@ bool EdlEvent::takes(const EventLine& fields) const
   if (fields.transition != Transition::Cut)
     return true;
   const EventLine& above = sources_.back().fields;
-  return !noted_ && above.transition == Transition::Cut && sameName(above.reel, fields.reel) &&
+  return !noted_ && above.transition == Transition::Cut && base::sameName(above.reel, fields.reel) &&
          above.timecodes[2] == fields.timecodes[2];
 }
 

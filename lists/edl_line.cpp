@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "base/ascii.h"
 #include "lists/list.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -29,15 +30,15 @@ std::size_t numberDigits(std::string_view word)
 
 std::optional<Transition> transitionOf(std::string_view word)
 {
-  if (sameName(word, "C"))
+  if (base::sameName(word, "C"))
     return Transition::Cut;
-  if (sameName(word, "D"))
+  if (base::sameName(word, "D"))
     return Transition::Into;
-  if (startsWithName(word, "W") && word.size() <= 4 && (word.size() == 1 || allDigits(word.substr(1))))
+  if (base::startsWithName(word, "W") && word.size() <= 4 && (word.size() == 1 || allDigits(word.substr(1))))
     return Transition::Into;
-  if (sameName(word, "KB"))
+  if (base::sameName(word, "KB"))
     return Transition::Background;
-  if (sameName(word, "K") || sameName(word, "KO"))
+  if (base::sameName(word, "K") || base::sameName(word, "KO"))
     return Transition::Key;
   return std::nullopt;
 }
@@ -47,11 +48,11 @@ bool takeTransition(std::string_view& fields, Transition& transition)
 {
   std::string_view rest = fields;
   const std::string_view last = takeLast(rest);
-  if (sameName(last, "B") || sameName(last, "O")) {
+  if (base::sameName(last, "B") || base::sameName(last, "O")) {
     const std::string_view before = takeLast(rest);
-    if (!sameName(before, "K"))
+    if (!base::sameName(before, "K"))
       return false;
-    transition = sameName(last, "B") ? Transition::Background : Transition::Key;
+    transition = base::sameName(last, "B") ? Transition::Background : Transition::Key;
     fields = rest;
     return true;
   }

@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/text.h"
 
 namespace reeldb::lists {
@@ -55,9 +56,8 @@ std::string valueOf(std::string_view text)
 bool readReelIsClip(std::string_view text, Note& note)
 {
   constexpr std::string_view kMiddle = " IS CLIP ";
-  const auto found = std::search(text.begin(), text.end(), kMiddle.begin(), kMiddle.end(), [](char a, char b) {
-    return sameName({&a, 1}, {&b, 1});
-  });
+  const auto found = std::search(text.begin(), text.end(), kMiddle.begin(), kMiddle.end(),
+                                 [](char a, char b) { return base::toLower(a) == base::toLower(b); });
   if (found == text.end())
     return false;
   const auto at = static_cast<std::size_t>(found - text.begin());
@@ -71,7 +71,7 @@ bool readReelIsClip(std::string_view text, Note& note)
 bool readReelMap(std::string_view text, Note& note)
 {
   const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || !sameName(trimRight(text.substr(0, colon)), kReelMap))
+  if (colon == std::string_view::npos || !base::sameName(trimRight(text.substr(0, colon)), kReelMap))
     return false;
   std::string_view rest = text.substr(colon + 1);
   note.reel = clean(takeFirst(rest));
@@ -90,13 +90,14 @@ Note parseNote(std::string_view text)
     return note;
   note.reel.clear();
   std::string_view rest = text;
-  if (sameName(takeFirst(rest), "REEL") && readReelIsClip(rest, note))
+  if (base::sameName(takeFirst(rest), "REEL") && readReelIsClip(rest, note))
     return note;
   const std::size_t colon = text.find(':');
   if (colon == std::string_view::npos)
     return note;
   const std::string_view key = trimRight(text.substr(0, colon));
-  const auto known = std::find_if(kKeys.begin(), kKeys.end(), [&](const auto& k) { return sameName(k.first, key); });
+  const auto known =
+      std::find_if(kKeys.begin(), kKeys.end(), [&](const auto& k) { return base::sameName(k.first, key); });
   if (known == kKeys.end())
     return note;
   rest = text.substr(colon + 1);
@@ -127,7 +128,7 @@ bool opensNote(std::string_view text)
 
 bool saysNothing(std::string_view value)
 {
-  return value.empty() || sameName(value, "(NULL)");
+  return value.empty() || base::sameName(value, "(NULL)");
 }
 
 bool isNote(std::string_view line)

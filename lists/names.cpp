@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lists/names.h"
 
-#include "lists/text.h"
+#include "base/ascii.h"
 
 namespace reeldb::lists {
 
 std::string_view placeholderReason(std::string_view reelText)
 {
-  if (sameName(reelText, "BL") || sameName(reelText, "BLACK"))
+  if (base::sameName(reelText, "BL") || base::sameName(reelText, "BLACK"))
     return "black";
-  if (sameName(reelText, "BARS"))
+  if (base::sameName(reelText, "BARS"))
     return "colour bars";
-  if (sameName(reelText, "GEN"))
+  if (base::sameName(reelText, "GEN"))
     return "generated";
   return {};
 }
@@ -26,7 +26,7 @@ std::string_view specialReason(std::string_view identifier)
 
 bool isAuxiliary(std::string_view name)
 {
-  return sameName(name, "AX");
+  return base::sameName(name, "AX");
 }
 
 } // namespace reeldb::lists

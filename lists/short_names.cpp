@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
+#include "base/ascii.h"
 #include "lists/names.h"
 #include "lists/text.h"
 
@@ -35,7 +36,7 @@ std::string padded(int number)
 std::string spelt(std::string_view reel, bool narrow)
 {
   std::string result;
-  for (const char c : narrow ? fold(reel) : std::string(reel)) {
+  for (const char c : narrow ? base::upperCase(reel) : std::string(reel)) {
     if (isDigit(c) || isLetter(c) || (!narrow && std::string_view("_.-&").find(c) != std::string_view::npos))
       result += c;
     else if (!narrow && (static_cast<unsigned char>(c) & 0xC0) != 0x80) // one for each character
@@ -64,7 +65,7 @@ public:
 private:
   void give(std::size_t reel, std::string name)
   {
-    taken_.insert(fold(name));
+    taken_.insert(base::fold(name));
     names_[reel] = std::move(name);
   }
 
@@ -72,13 +73,13 @@ private:
   void keep(std::size_t i)
   {
     std::string name = spelt(reels_[i], narrow_);
-    const bool fits = !name.empty() && name.size() <= field_ && sameName(name, reels_[i]) && !isReserved(name);
+    const bool fits = !name.empty() && name.size() <= field_ && base::sameName(name, reels_[i]) && !isReserved(name);
     const bool isNumber = field_ != kDigitsField || (name.size() == kDigitsField && name != "000" && name != "999" &&
                                                      name.find_first_not_of("0123456789") == std::string::npos);
     if (fits && isNumber)
       give(i, std::move(name));
     else
-      ++cuts_[fold(name.substr(0, field_))];
+      ++cuts_[base::fold(name.substr(0, field_))];
   }
 
   bool takeNumber(std::size_t i)
@@ -95,7 +96,7 @@ private:
   {
     std::string name = spelt(reels_[i], narrow_);
     std::string cut = name.substr(0, field_);
-    if (!cut.empty() && cuts_.at(fold(cut)) == 1 && !taken_.contains(fold(cut)) && !isReserved(cut)) {
+    if (!cut.empty() && cuts_.at(base::fold(cut)) == 1 && !taken_.contains(base::fold(cut)) && !isReserved(cut)) {
       give(i, std::move(cut));
       return true;
     }
@@ -105,11 +106,11 @@ private:
     for (std::size_t digits = 1; digits + divider.size() <= field_; ++digits) {
       const std::string head = name.substr(0, field_ - digits - divider.size()) + divider;
       // Names of one head are numbered through, so that no number is tried twice.
-      std::size_t& next = next_.try_emplace(fold(head), 1).first->second;
+      std::size_t& next = next_.try_emplace(base::fold(head), 1).first->second;
       for (; std::to_string(next).size() <= digits; ++next) {
         std::string numbered = head + std::to_string(next);
         // What another reel would be cut to must not come to mean this one.
-        if (taken_.contains(fold(numbered)) || cuts_.contains(fold(numbered)))
+        if (taken_.contains(base::fold(numbered)) || cuts_.contains(base::fold(numbered)))
           continue;
         give(i, std::move(numbered));
         return true;

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/edl_line.h"
 #include "lists/list.h"
 #include "lists/text.h"
@@ -75,7 +76,7 @@ std::vector<Gap> gapsOf(std::string_view text)
 /// One name is the start of the other: that is how cut names come about.
 bool isCut(std::string_view a, std::string_view b)
 {
-  return startsWithName(a, b) || startsWithName(b, a);
+  return base::startsWithName(a, b) || base::startsWithName(b, a);
 }
 
 } // namespace
@@ -102,7 +103,7 @@ std::string SourceTable::add(std::string_view row)
 
 void SourceTable::split(Row& row, const IsReel& isReel)
 {
-  if (isReel(fold(row.whole))) { // one name with blanks, of which the last part looked like an id
+  if (isReel(base::fold(row.whole))) { // one name with blanks, of which the last part looked like an id
     row.names = row.whole;
     row.id.clear();
   }
@@ -114,7 +115,7 @@ void SourceTable::split(Row& row, const IsReel& isReel)
   };
   row.first = row.second = row.names;
   row.single = true;
-  if (isReel(fold(names)))
+  if (isReel(base::fold(names)))
     return;
   const std::vector<Gap> gaps = gapsOf(names);
   std::vector<Gap> wide;
@@ -126,7 +127,7 @@ void SourceTable::split(Row& row, const IsReel& isReel)
   if (gaps.size() > kMostGaps)
     return;
   for (const Gap& gap : gaps) {
-    if (isReel(fold(names.substr(0, gap.at))) && isReel(fold(names.substr(gap.at + gap.size))))
+    if (isReel(base::fold(names.substr(0, gap.at))) && isReel(base::fold(names.substr(gap.at + gap.size))))
       return cutAt(gap);
   }
   for (const Gap& gap : gaps) {
@@ -134,14 +135,14 @@ void SourceTable::split(Row& row, const IsReel& isReel)
       return cutAt(gap);
   }
   for (const Gap& gap : gaps) {
-    if (isReel(fold(names.substr(0, gap.at))) || isReel(fold(names.substr(gap.at + gap.size))))
+    if (isReel(base::fold(names.substr(0, gap.at))) || isReel(base::fold(names.substr(gap.at + gap.size))))
       return cutAt(gap);
   }
 }
 
 std::string SourceTable::fault(const Row& row, const IsReel& isReel)
 {
-  const bool isUsed = isReel(fold(row.first)) || isReel(fold(row.second));
+  const bool isUsed = isReel(base::fold(row.first)) || isReel(base::fold(row.second));
   if (row.single)
     return isUsed ? std::string() : "source row with one name, and no event has the reel " + inQuotes(row.first);
   if (!row.id.empty())
@@ -166,8 +167,8 @@ std::vector<UnusedRow> SourceTable::settle(const IsReel& isReel)
       unused.push_back({i, std::move(reason)});
       continue;
     }
-    const std::string first = fold(row.first);
-    const std::string second = fold(row.second);
+    const std::string first = base::fold(row.first);
+    const std::string second = base::fold(row.second);
     byName_[first].push_back(i);
     if (second != first)
       byName_[second].push_back(i);
@@ -178,7 +179,7 @@ std::vector<UnusedRow> SourceTable::settle(const IsReel& isReel)
 SourceMatch SourceTable::find(const std::string& reel) const
 {
   SourceMatch match;
-  const auto bucket = byName_.find(fold(reel));
+  const auto bucket = byName_.find(base::fold(reel));
   if (bucket == byName_.end())
     return match;
   match.found = true;
@@ -191,7 +192,7 @@ SourceMatch SourceTable::find(const std::string& reel) const
   // Rows in which the reel text is the whole name go before rows in which it is the cut one.
   std::vector<const Row*> rows;
   for (std::size_t i : bucket->second) {
-    if (sameName(longer(rows_[i]), reel))
+    if (base::sameName(longer(rows_[i]), reel))
       rows.push_back(&rows_[i]);
   }
   if (rows.empty()) {
@@ -201,17 +202,17 @@ SourceMatch SourceTable::find(const std::string& reel) const
 
   std::unordered_set<std::string> seenNames, seenIds, seenFits;
   for (const Row* row : rows) {
-    if (seenFits.insert(fold(longer(*row))).second)
+    if (seenFits.insert(base::fold(longer(*row))).second)
       match.fits.push_back(longer(*row));
-    if (!row->id.empty() && seenIds.insert(fold(row->id)).second)
+    if (!row->id.empty() && seenIds.insert(base::fold(row->id)).second)
       match.ids.push_back(row->id);
     for (const std::string* name : {&row->first, &row->second}) {
-      if (seenNames.insert(fold(*name)).second)
+      if (seenNames.insert(base::fold(*name)).second)
         match.names.push_back(*name);
     }
   }
   if (match.fits.size() == 1) {
-    if (!sameName(match.fits.front(), reel))
+    if (!base::sameName(match.fits.front(), reel))
       match.identifier = match.fits.front();
     match.fits.clear();
   }

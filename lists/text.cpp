@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "base/ascii.h"
+
 namespace reeldb::lists {
 namespace {
 
@@ -10,11 +12,6 @@ constexpr std::string_view kBlanks = " \t";
 
 /// What devices fill records and files up with: NUL, the end mark and the form feed; and the blanks among these.
 constexpr std::string_view kPadding("\0\x1A\f \t", 5);
-
-char toUpper(char c)
-{
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 /// The line without padding at its ends; blanks next to the text stay.
 std::string_view withoutPadding(std::string_view line)
@@ -66,7 +63,7 @@ bool isDigit(char c)
 
 bool isLetter(char c)
 {
-  return toUpper(c) >= 'A' && toUpper(c) <= 'Z';
+  return base::toUpper(c) >= 'A' && base::toUpper(c) <= 'Z';
 }
 
 std::string_view trimLeft(std::string_view text)
@@ -159,24 +156,6 @@ std::string_view takeLast(std::string_view& text)
   const std::string_view token = text.substr(text.size() - size);
   text = trimRight(text.substr(0, text.size() - size));
   return token;
-}
-
-std::string fold(std::string_view text)
-{
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), toUpper);
-  return result;
-}
-
-bool sameName(std::string_view a, std::string_view b)
-{
-  return a.size() == b.size() &&
-         std::equal(a.begin(), a.end(), b.begin(), [](char x, char y) { return toUpper(x) == toUpper(y); });
-}
-
-bool startsWithName(std::string_view text, std::string_view start)
-{
-  return text.size() >= start.size() && sameName(text.substr(0, start.size()), start);
 }
 
 std::size_t length(std::string_view text)

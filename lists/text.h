@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text as list files hold it: lines, blanks, control characters, names compared without ASCII case.
+// Text as list files hold it: lines, blanks, control characters.
 #ifndef REELDB_LISTS_TEXT_H
 #define REELDB_LISTS_TEXT_H
 
@@ -55,11 +55,6 @@ std::string inQuotes(std::string_view text);
 /// Takes the first or the last run of non-blanks off the text, and the blanks around it. Empty when there is none.
 std::string_view takeFirst(std::string_view& text);
 std::string_view takeLast(std::string_view& text);
-
-/// ASCII letters in upper case; equal results mean equal names.
-std::string fold(std::string_view text);
-bool sameName(std::string_view a, std::string_view b);
-bool startsWithName(std::string_view text, std::string_view start);
 
 /// The number of code points.
 std::size_t length(std::string_view text);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/ascii.h"
 #include "lists/text.h"
 
 namespace reeldb::lists {
@@ -51,7 +52,7 @@ int takeTrackNumbers(std::string_view& text, char kind)
   if (!text.starts_with('-'))
     return 1;
   text.remove_prefix(1);
-  if (startsWithName(text, {&kind, 1}))
+  if (base::startsWithName(text, {&kind, 1}))
     text.remove_prefix(1);
   const int to = trackNumber(takeDigits(text));
   return to >= from ? to - from + 1 : 0;
@@ -63,9 +64,9 @@ std::optional<Tracks> parseLogTracks(std::string_view text)
 {
   constexpr std::string_view kBetween = " ,/";
   Tracks tracks;
-  if (sameName(text, "NONE"))
+  if (base::sameName(text, "NONE"))
     return tracks;
-  if (sameName(text, "B"))
+  if (base::sameName(text, "B"))
     return Tracks{1, 1};
   if (text.empty() || text.size() > kLongest)
     return std::nullopt;
@@ -91,7 +92,7 @@ std::optional<Tracks> parseLogTracks(std::string_view text)
 std::optional<Tracks> parseTracks(std::string_view text, Digits digits)
 {
   Tracks tracks;
-  if (sameName(text, "NONE") || sameName(text, "D"))
+  if (base::sameName(text, "NONE") || base::sameName(text, "D"))
     return tracks;
   if (text.empty() || text.size() > kLongest || text.back() == '/')
     return std::nullopt;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <string_view>
 
+#include "base/ascii.h"
 #include "lists/text.h"
 #include "lists/tracks.h"
 #include "lists/writable.h"
@@ -34,9 +35,9 @@ std::string tracksOf(const Clip& clip)
 /// Whether the source file is one of the reel's other names: the reader takes the column for that.
 bool namesTheReel(const Clip& clip)
 {
-  return sameName(clip.sourceFile, clip.reel) ||
+  return base::sameName(clip.sourceFile, clip.reel) ||
          std::any_of(clip.aliases.begin(), clip.aliases.end(),
-                     [&](const std::string& alias) { return sameName(alias, clip.sourceFile); });
+                     [&](const std::string& alias) { return base::sameName(alias, clip.sourceFile); });
 }
 
 struct OutColumn {

@@ -5,6 +5,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "base/ascii.h"
 #include "lists/edl_note.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
@@ -23,7 +24,7 @@ std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
   std::vector<std::string> reels;
   std::unordered_set<std::string> seen;
   for (const Clip& clip : clips)
-    if (seen.insert(fold(clip.reel)).second)
+    if (seen.insert(base::fold(clip.reel)).second)
       reels.push_back(clip.reel);
   return reels;
 }
@@ -64,7 +65,7 @@ public:
       throw Error(std::to_string(reels.size()) + " reels are more than a field of " + std::to_string(reelField) +
                   " has names for");
     for (std::size_t i = 0; i < reels.size(); ++i) {
-      names_[fold(reels[i])] = (*names)[i];
+      names_[base::fold(reels[i])] = (*names)[i];
       if ((*names)[i] != reels[i])
         map_ += "* REEL MAP: " + (*names)[i] + " = " + reels[i] + "\n";
     }
@@ -106,7 +107,7 @@ private:
     const std::size_t width = field_ < wideField ? digits : wideDigits;
     number.insert(0, width - std::min(width, number.size()), '0');
     const bool literal = isChannelField(clip, digits_);
-    text_ += number + "  " + padded(names_.at(fold(clip.reel)), std::min(field_, wideField)) + " " +
+    text_ += number + "  " + padded(names_.at(base::fold(clip.reel)), std::min(field_, wideField)) + " " +
              padded(literal ? clip.tracks : channelsOf(clip), kChannelColumns) + " C        ";
     timecodes(clip);
     if (!literal && !clip.tracks.empty())

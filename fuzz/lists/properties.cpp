@@ -9,6 +9,7 @@
 
 #include <utf8.h>
 
+#include "base/ascii.h"
 #include "lists/encoding.h"
 #include "lists/text.h"
 #include "support/check.h"
@@ -16,6 +17,7 @@
 namespace reeldb_fuzz {
 
 using namespace reeldb::lists;
+using reeldb::base::fold;
 
 namespace {
 
@@ -117,7 +119,7 @@ void requireClip(const Clip& clip)
   requireName(clip.reel, "reel");
   require(!clip.reel.empty(), "reel is empty");
   static const std::set<std::string> noReels = {"AX", "BL", "BLACK", "BARS", "GEN"};
-  require(noReels.count(fold(clip.reel)) == 0, "reel is none", clip.reel);
+  require(noReels.count(reeldb::base::upperCase(clip.reel)) == 0, "reel is none", clip.reel);
   require(clip.reel.find('*') == std::string::npos, "reel denotes generated material", clip.reel);
   requireName(clip.clipName, "clip name");
   requireName(clip.sourceFile, "source file");

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <iterator>
 
+#include "base/ascii.h"
 #include "lists/properties.h"
 #include "lists/text.h"
 #include "support/bytes.h"
@@ -15,6 +16,7 @@ namespace {
 
 using namespace reeldb_fuzz;
 using namespace reeldb::lists;
+using reeldb::base::sameName;
 
 std::vector<std::string> cellsOf(const std::string& line)
 {

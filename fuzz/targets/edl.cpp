@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "base/ascii.h"
 #include "lists/properties.h"
 #include "lists/text.h"
 #include "support/bytes.h"
@@ -14,6 +15,7 @@ namespace {
 
 using namespace reeldb_fuzz;
 using namespace reeldb::lists;
+using reeldb::base::sameName;
 
 /// The last four words of an event are its timecodes.
 void requireTimecodes(const List& list, const std::vector<std::string>& lines)
@@ -47,7 +49,7 @@ std::string written(const List& list)
 bool canBeWritten(const List& list)
 {
   for (const Clip& clip : list.clips)
-    if (fold(clip.reel) == "(NULL)")
+    if (sameName(clip.reel, "(NULL)"))
       return false;
   return true;
 }

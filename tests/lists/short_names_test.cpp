@@ -5,9 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "base/ascii.h"
 #include "lists/text.h"
 #include "support.h"
 
+using reeldb::base::fold;
 using namespace reeldb::lists;
 using reeldb::lists::test::Strings;
 

@@ -93,25 +93,6 @@ TEST(Take, FirstAndLastWordsComeOffWithTheirBlanks)
   EXPECT_EQ(takeFirst(text), "");
 }
 
-TEST(Fold, AsciiLettersOnly)
-{
-  EXPECT_EQ(fold("aZ9_\xC3\xBC"), "AZ9_\xC3\xBC");
-}
-
-TEST(SameName, IgnoresAsciiCaseAlone)
-{
-  EXPECT_TRUE(sameName("b014C", "B014c"));
-  EXPECT_FALSE(sameName("b014", "b014c"));
-  EXPECT_FALSE(sameName("\xC3\xBC", "\xC3\x9C"));
-  EXPECT_FALSE(sameName("[", "{"));
-}
-
-TEST(StartsWithName, IgnoresCaseAndNeedsTheWholeStart)
-{
-  EXPECT_TRUE(startsWithName("fcm: x", "FCM"));
-  EXPECT_FALSE(startsWithName("FC", "FCM"));
-}
-
 TEST(Length, CountsCodePoints)
 {
   EXPECT_EQ(length("K\xC3\xBC\xF0\x9F\x98\x80"), 3u);
