@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/display_text.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -32,7 +33,7 @@ std::string nameFault(std::string_view what, std::string_view name)
     return std::string(what) + " " + inQuotes(name) + " has " + std::to_string(name.size()) + " bytes (at most " +
            std::to_string(kNameBytes) + ")";
   if (const std::string_view control = firstControl(name); !control.empty())
-    return std::string(what) + " " + inQuotes(name) + " holds a control character (" + escaped(control) + ")";
+    return std::string(what) + " " + inQuotes(name) + " holds a control character (" + base::displayText(control) + ")";
   return {};
 }
 

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/display_text.h"
 #include "lists/collector.h"
 #include "lists/edl_event.h"
 #include "lists/edl_line.h"
@@ -246,7 +247,7 @@ std::string Reader::replacedReel(std::string_view statement)
   if (reel.empty() || by.empty())
     return fault;
   if (const std::string_view control = firstControl(statement); !control.empty())
-    return "replaced reel with a control character (" + escaped(control) + ")";
+    return "replaced reel with a control character (" + base::displayText(control) + ")";
   if (reel.size() > kNameBytes)
     return "replaced reel " + inQuotes(reel) + " has " + std::to_string(reel.size()) + " bytes (at most " +
            std::to_string(kNameBytes) + ")";

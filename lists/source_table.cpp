@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/display_text.h"
 #include "lists/edl_line.h"
 #include "lists/list.h"
 #include "lists/text.h"
@@ -86,7 +87,7 @@ std::string SourceTable::add(std::string_view row)
   Row added;
   added.whole = clean(row);
   if (const std::string_view control = firstControl(added.whole); !control.empty())
-    return "source row with a control character (" + escaped(control) + ")";
+    return "source row with a control character (" + base::displayText(control) + ")";
   added.id = clean(takeId(row));
   added.names = clean(row);
   if (added.names.empty())

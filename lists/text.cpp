@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/ascii.h"
+#include "base/display_text.h"
 
 namespace reeldb::lists {
 namespace {
@@ -22,16 +23,6 @@ std::string_view withoutPadding(std::string_view line)
   const std::size_t start = line.substr(0, first).find_last_not_of(kBlanks) + 1; // npos + 1 is 0
   const std::size_t end = line.find_first_not_of(kBlanks, line.find_last_not_of(kPadding) + 1);
   return line.substr(start, end == std::string_view::npos ? end : end - start);
-}
-
-/// How many bytes the control character at the front takes, tab not among them; 0 when there is none.
-std::size_t controlSize(std::string_view text)
-{
-  const auto first = static_cast<unsigned char>(text.front());
-  if ((first < 0x20 && first != '\t') || first == 0x7F)
-    return 1;
-  const bool c1 = first == 0xC2 && text.size() > 1 && static_cast<unsigned char>(text[1]) < 0xA0; // U+0080 to U+009F
-  return c1 ? 2 : 0;
 }
 
 } // namespace
@@ -92,34 +83,13 @@ std::string clean(std::string_view text)
   return result;
 }
 
-std::string escaped(std::string_view text)
-{
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string result;
-  result.reserve(text.size());
-  while (!text.empty()) {
-    const std::size_t size = controlSize(text);
-    if (size == 0) {
-      result += text.front();
-      text.remove_prefix(1);
-      continue;
-    }
-    const auto code = static_cast<unsigned char>(text[size - 1]); // U+0080 to U+009F end in their own number
-    result += "\\x";
-    result += kDigits[code >> 4];
-    result += kDigits[code & 0xF];
-    text.remove_prefix(size);
-  }
-  return result;
-}
-
 std::string_view firstControl(std::string_view text)
 {
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (controlSize(text.substr(at)) == 1)
-      return text.substr(at, 1);
-  }
-  return {};
+  const auto found = std::find_if(text.begin(), text.end(), [](char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte < 0x20 && c != '\t') || byte == 0x7F;
+  });
+  return text.substr(static_cast<std::size_t>(found - text.begin()), 1);
 }
 
 std::string inQuotes(std::string_view text)
@@ -131,11 +101,11 @@ std::string inQuotes(std::string_view text)
 std::string shortened(std::string_view text, std::size_t bytes)
 {
   if (text.size() <= bytes)
-    return escaped(clean(text));
+    return base::displayText(clean(text));
   std::size_t end = bytes;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80)
     --end;
-  return escaped(clean(text.substr(0, end))) + "...";
+  return base::displayText(clean(text.substr(0, end))) + "...";
 }
 
 std::string_view takeFirst(std::string_view& text)

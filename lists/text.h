@@ -37,13 +37,12 @@ std::string_view trim(std::string_view text);
 /// The text with a blank for every tab, without outer blanks.
 std::string clean(std::string_view text);
 
-/// The text with every control character (C0 but the tab, DEL and C1) written as \x1b.
-std::string escaped(std::string_view text);
-
-/// The first of those control characters but for C1, which a Latin-1 file may be full of; empty when there is none.
+/// The first control character of ASCII but the tab; empty when there is none. Those of Latin-1 are let pass: a file
+/// may be full of them.
 std::string_view firstControl(std::string_view text);
 
-/// The text clean and escaped, and cut between two characters with "..." when it has more bytes than this.
+/// The text clean and as base::displayText shows it, cut between two characters with "..." when it has more bytes than
+/// this.
 std::string shortened(std::string_view text, std::size_t bytes);
 
 /// How many bytes of a line, a title or what is no reel are shown.

@@ -10,6 +10,7 @@
 #include <utf8.h>
 
 #include "base/ascii.h"
+#include "base/display_text.h"
 #include "lists/encoding.h"
 #include "lists/text.h"
 #include "support/check.h"
@@ -38,11 +39,6 @@ bool isControl(char32_t point)
   return point < 0x20 || point == 0x7F;
 }
 
-bool isLatinControl(char32_t point)
-{
-  return point >= 0x80 && point < 0xA0;
-}
-
 /// Throws unless the text is UTF-8 that has neither control characters nor outer blanks.
 ///
 /// What a list names may have those of Latin-1, which are letters and quotation marks where the list comes from;
@@ -67,7 +63,7 @@ void requireShown(const std::string& text, const char* what)
 {
   requireClean(text, what);
   const std::u32string points = utf8::utf8to32(text);
-  require(std::none_of(points.begin(), points.end(), isLatinControl), what, "holds a control character", text);
+  require(std::none_of(points.begin(), points.end(), reeldb::base::isShownEscaped), what, "is not escaped", text);
   require(text.size() <= 4003, what, "is too long", text);
 }
 

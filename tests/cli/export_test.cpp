@@ -188,7 +188,7 @@ TEST_F(Export, TextThatNoListCanHoldIsWrittenWithoutControlCharactersAndToldOf)
   for (const char* format : {"--edl", "--ale"}) {
     const ProcessResult result = reeldb({"export", format, "--force", "-o", "out"});
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.err, "reeldb: 'A 0\\x0a1': written as 'A 0 1' (a list cannot hold it as it is)\n");
+    EXPECT_EQ(result.err, "reeldb: 'A 0\\n1': written as 'A 0 1' (a list cannot hold it as it is)\n");
     const Json report = json({"import", "--dry-run", "--json", "out"});
     EXPECT_EQ(report.at("files").at(0).at("created"), Words{"A 0 1"});
   }

@@ -54,12 +54,6 @@ TEST(Clean, TabsBecomeBlanksAndOuterBlanksGo)
   EXPECT_EQ(clean("\t A\tB\x01 C\t "), "A B\x01 C");
 }
 
-TEST(Escaped, EveryControlButTheTabIsWrittenOut)
-{
-  EXPECT_EQ(escaped(std::string_view("a\0b\x1F\x7F\tK\xC3\xBC", 9)), "a\\x00b\\x1f\\x7f\tK\xC3\xBC");
-  EXPECT_EQ(escaped("\xC2\x80\xC2\x9F\xC2\xA0"), "\\x80\\x9f\xC2\xA0");
-}
-
 TEST(FirstControl, IsFoundAndTabsAndLettersAreNone)
 {
   EXPECT_EQ(firstControl("a\tb \xC3\xBC\xC2\xA0"), "");
@@ -73,6 +67,8 @@ TEST(Shortened, CutsBetweenCharactersCleansAndEscapes)
   EXPECT_EQ(shortened("a\tb", 3), "a b");
   EXPECT_EQ(shortened("a\x1B", 2), "a\\x1b");
   EXPECT_EQ(shortened("a\x1B, long", 2), "a\\x1b...");
+  EXPECT_EQ(shortened("a\xC2\x9B", 3), "a\\u009b") << "a control character of Latin-1";
+  EXPECT_EQ(shortened("a\xE2\x80\xAE", 4), "a\\u202e") << "a mark of direction";
   EXPECT_EQ(shortened("abcd", 3), "abc...");
   EXPECT_EQ(shortened("ab\xC3\xBC"
                       "c",
