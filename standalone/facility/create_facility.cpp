@@ -13,7 +13,7 @@
 
 #include "reelhost/display_text.h"
 #include "reelhost/facility.h"
-#include "store/files.h"
+#include "store/file_error.h"
 
 namespace reelhost {
 
@@ -186,25 +186,25 @@ public:
     if (::mkdir(path.c_str(), 0777) == 0)
       folders_.push_back(path);
     else if (const int error = errno; !isFolder())
-      throwSystemError(ErrorKind::Io, path, "cannot be made", error);
+      throw base::FileError(path, "cannot be made", error);
   }
 
   void file(const std::filesystem::path& path, std::string_view content)
   {
-    writeNewFile(path, content);
+    base::writeNewFile(path, content);
     files_.emplace_back(path);
   }
 
   void keep()
   {
-    for (TemporaryFile& file : files_)
+    for (base::TemporaryFile& file : files_)
       file.keep();
     kept_ = true;
   }
 
 private:
   std::vector<std::filesystem::path> folders_; ///< those above come first
-  std::deque<TemporaryFile> files_;
+  std::deque<base::TemporaryFile> files_;
   bool kept_ = false;
 };
 
@@ -223,13 +223,15 @@ NewFacility::NewFacility(const std::filesystem::path& dir) : made_(std::make_uni
       throw Error(ErrorKind::Refused,
                   displayText((dir / folder).native()) + ": is a link (a new facility has folders of its own)");
 
-  made_->folder(dir);
-  for (const char* const folder : folders)
-    made_->folder(dir / folder);
-  for (const NewFile& file : files)
-    made_->file(dir / file.name, file.content);
-  for (const char* const folder : {"devicedata", "labelmaps", ""})
-    syncFolder(dir / folder);
+  withHostErrors([&] {
+    made_->folder(dir);
+    for (const char* const folder : folders)
+      made_->folder(dir / folder);
+    for (const NewFile& file : files)
+      made_->file(dir / file.name, file.content);
+    for (const char* const folder : {"devicedata", "labelmaps", ""})
+      base::syncFolder(dir / folder);
+  });
 }
 
 NewFacility::~NewFacility() = default;

@@ -8,7 +8,6 @@
 #include "facility/resources.h"
 #include "facility/state_file.h"
 #include "reelhost/display_text.h"
-#include "store/files.h"
 
 namespace reelhost {
 

@@ -3,7 +3,6 @@
 #include "facility/toml_file.h"
 #include "reelhost/display_text.h"
 #include "reelhost/facility.h"
-#include "store/files.h"
 
 namespace reelhost {
 

@@ -3,7 +3,6 @@
 
 #include <cerrno>
 #include <charconv>
-#include <cstdio>
 #include <sstream>
 #include <thread>
 
@@ -15,7 +14,7 @@
 
 #include "facility/toml_file.h"
 #include "reelhost/display_text.h"
-#include "store/files.h"
+#include "store/file_error.h"
 
 namespace reelhost {
 
@@ -28,11 +27,11 @@ public:
       : fd_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0666))
   {
     if (!fd_.valid())
-      throwSystemError(ErrorKind::Io, file, "cannot be opened", errno);
+      throw hostError(base::FileError(file, "cannot be opened", errno));
     const auto last = std::chrono::steady_clock::now() + patience;
     while (::flock(fd_.get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno != EWOULDBLOCK && errno != EINTR)
-        throwSystemError(ErrorKind::Io, file, "cannot be locked", errno);
+        throw hostError(base::FileError(file, "cannot be locked", errno));
       if (std::chrono::steady_clock::now() >= last)
         throw Error(ErrorKind::Busy, displayText(file.native()) + ": held by another process");
       std::this_thread::sleep_for(std::chrono::milliseconds(5));
@@ -40,7 +39,7 @@ public:
   }
 
 private:
-  FileDescriptor fd_;
+  base::FileDescriptor fd_;
 };
 
 // A text is written as a text. TOML holds UTF-8 only, so bytes that are none are written as an array of numbers.
@@ -156,13 +155,10 @@ State StateFile::merge(const State& changes, std::chrono::milliseconds patience)
   if (after == written(old) && isThere(file()))
     return state;
   TomlFile::requireReadable(file(), after);
-  TemporaryFile fresh(facility_ / ".state.toml.new");
-  ::unlink(fresh.path().c_str()); // of a process that was killed here; the lock keeps all others away
-  writeNewFile(fresh.path(), after);
-  if (std::rename(fresh.path().c_str(), file().c_str()) != 0)
-    throwSystemError(ErrorKind::Io, file(), "cannot be replaced", errno);
-  fresh.keep();
-  syncFolder(facility_);
+  withHostErrors([&] {
+    // The lock keeps all others away from the name of the new file.
+    base::replaceFile(file(), after, base::IfThere::ReplaceLink, facility_ / ".state.toml.new");
+  });
   return state;
 }
 

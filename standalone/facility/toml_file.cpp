@@ -5,7 +5,7 @@
 
 #include "reelhost/display_text.h"
 #include "reelhost/error.h"
-#include "store/files.h"
+#include "store/file_error.h"
 
 namespace reelhost {
 
@@ -49,7 +49,7 @@ std::string typeWord(const toml::node& node)
 
 TomlFile::TomlFile(std::filesystem::path path) : path_(std::move(path))
 {
-  const std::string bytes = readRegularFile(path_, largestSize);
+  const std::string bytes = withHostErrors([this] { return base::readRegularFile(path_, largestSize); });
   if (hasTooManyDots(bytes))
     throw Error(ErrorKind::Unreadable, displayText(path_.native()) + ": too many dots (more than " +
                                            std::to_string(mostDots) + "; keys cannot be nested that deep)");

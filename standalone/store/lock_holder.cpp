@@ -11,7 +11,6 @@
 #include <unistd.h>
 
 #include "reelhost/display_text.h"
-#include "store/files.h"
 #include "store/project_file.h"
 
 namespace reelhost {

@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 #include "reelhost/display_text.h"
-#include "store/files.h"
+#include "store/file_error.h"
 
 namespace reelhost {
 
@@ -39,7 +39,7 @@ bool inspectCompanion(const std::filesystem::path& subject, const std::string& p
   // A link in its place would have SQLite write to somewhere else.
   if (!S_ISREG(status.st_mode))
     throw Error(ErrorKind::Unreadable, displayText(subject.native()) + ": damaged (" + displayText(path) + " is " +
-                                           kindOfFile(status.st_mode) + ")");
+                                           base::kindOfFile(status.st_mode) + ")");
   return true;
 }
 
@@ -51,19 +51,19 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
   if (::stat(path.c_str(), &status) != 0) {
     if (errno == ENOENT || errno == ENOTDIR)
       throw Error(ErrorKind::NotFound, displayText(path.native()) + ": no such project");
-    throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+    throw hostError(base::FileError(path, "cannot be opened", errno));
   }
   if (!S_ISREG(status.st_mode))
     throw Error(ErrorKind::Unreadable,
-                displayText(path.native()) + ": no project (" + kindOfFile(status.st_mode) + ")");
+                displayText(path.native()) + ": no project (" + base::kindOfFile(status.st_mode) + ")");
   if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
-    throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+    throw hostError(base::FileError(path, "cannot be opened", errno));
 
   ProjectFile file;
   std::error_code error;
   file.path = std::filesystem::canonical(path, error).native();
   if (error)
-    throwSystemError(ErrorKind::Io, path, "cannot be opened", error.value());
+    throw hostError(base::FileError(path, "cannot be opened", error.value()));
   if (file.path.size() > longestProjectPath)
     throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be opened (its full path is longer than " +
                                    std::to_string(longestProjectPath) + " bytes)");
@@ -72,10 +72,10 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
 
   file.whyNot = whyNotWritable(file.path, status.st_mode, "its mode allows no writing");
   if (file.whyNot.empty()) {
-    const std::string folder = folderOf(file.path).native();
+    const std::string folder = base::folderOf(file.path).native();
     struct stat folderStatus = {};
     if (::stat(folder.c_str(), &folderStatus) != 0)
-      throwSystemError(ErrorKind::Io, path, "cannot be opened", errno);
+      throw hostError(base::FileError(path, "cannot be opened", errno));
     file.whyNot = whyNotWritable(folder, folderStatus.st_mode, "the mode of its folder allows no writing");
   }
   file.writable = file.whyNot.empty();

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include "reelhost/display_text.h"
 #include "reelhost/store.h"
-#include "store/files.h"
+#include "store/file_error.h"
 #include "store/project_file.h"
 #include "store/sqlite.h"
 #include "store/sqlite_schema.h"
@@ -20,21 +15,6 @@ namespace {
 
 using sqlite::Database;
 using sqlite::Statement;
-
-/// Whether anything has the name, a link to nowhere included.
-bool taken(const std::filesystem::path& path)
-{
-  struct stat status = {};
-  return ::lstat(path.c_str(), &status) == 0;
-}
-
-/// A name beside @p path that nobody else uses.
-std::filesystem::path nameBeside(const std::filesystem::path& path)
-{
-  static std::atomic<unsigned> counter{0};
-  return folderOf(path) /
-         ("." + path.filename().native() + ".new-" + std::to_string(::getpid()) + "-" + std::to_string(counter++));
-}
 
 void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
 {
@@ -56,54 +36,47 @@ void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
   database.execute("PRAGMA journal_mode = WAL");
 }
 
-/// Gives the finished file its name, which nothing may have yet.
-void publish(TemporaryFile& file, const std::filesystem::path& path)
+void createProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
 {
-  if (::link(file.path().c_str(), path.c_str()) == 0)
-    return;
-  if (errno != EEXIST) { // the file system knows no second names
-    if (::renameat2(AT_FDCWD, file.path().c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-      file.keep();
-      return;
-    }
+  const auto isTaken = [&path](const std::filesystem::path& name) {
+    struct stat status = {};
+    if (::lstat(name.c_str(), &status) == 0)
+      return true;
+    if (errno == ENAMETOOLONG)
+      throw base::FileError(path, "cannot be made", errno);
+    return false;
+  };
+  if (isTaken(path))
+    throw base::FileError(base::FileFault::Exists, path, "exists already");
+  // The write-ahead log of an earlier project of this name would be taken for this one's.
+  for (const char* ending : {"-wal", "-shm", "-journal"})
+    if (const std::filesystem::path left = path.native() + ending; isTaken(left))
+      throw base::FileError(base::FileFault::Exists, left, "left over from another project", "move it away first");
+
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::canonical(base::folderOf(path), error);
+  if (error)
+    throw base::FileError(path, "cannot be made", error.value());
+  base::TemporaryFile file = base::newFileBeside(folder / path.filename());
+  const std::string place = file.path().native();
+  if (place.size() > longestProjectPath)
+    throw base::FileError(base::FileFault::System, path, "cannot be made", "its full path is too long");
+  const base::TemporaryFile journal(place + "-journal"), log(place + "-wal"), index(place + "-shm");
+  try {
+    Database database(place, Database::Mode::ReadWrite);
+    fill(database, info, options);
+  } catch (const sqlite::Failure& failure) {
+    throw base::FileError(base::FileFault::System, path, "cannot be made", failure.what());
   }
-  if (errno == EEXIST)
-    throw Error(ErrorKind::Refused, displayText(path.native()) + ": exists already");
-  throwSystemError(ErrorKind::Io, path, "cannot be made", errno);
+  base::nameNewFile(file, path);
+  base::syncFolder(folder);
 }
 
 } // namespace
 
 void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
 {
-  if (taken(path))
-    throw Error(ErrorKind::Refused, displayText(path.native()) + ": exists already");
-  // The write-ahead log of an earlier project of this name would be taken for this one's.
-  for (const char* ending : {"-wal", "-shm", "-journal"})
-    if (const std::filesystem::path left = path.native() + ending; taken(left))
-      throw Error(ErrorKind::Refused,
-                  displayText(left.native()) + ": left over from another project (move it away first)");
-
-  std::error_code error;
-  const std::filesystem::path folder = std::filesystem::canonical(folderOf(path), error);
-  if (error)
-    throwSystemError(ErrorKind::Io, path, "cannot be made", error.value());
-  TemporaryFile file(nameBeside(folder / path.filename()));
-  if (file.path().native().size() > longestProjectPath)
-    throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be made (its full path is too long)");
-  TemporaryFile journal(file.path().native() + "-journal"), log(file.path().native() + "-wal"),
-      index(file.path().native() + "-shm");
-  if (const FileDescriptor made(::open(file.path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-      !made.valid())
-    throwSystemError(ErrorKind::Io, path, "cannot be made", errno);
-  try {
-    Database database(file.path().native(), Database::Mode::ReadWrite);
-    fill(database, info, options);
-  } catch (const sqlite::Failure& failure) {
-    throw Error(ErrorKind::Io, displayText(path.native()) + ": cannot be made (" + failure.what() + ")");
-  }
-  publish(file, path);
-  syncFolder(folder);
+  withHostErrors([&] { createProject(path, info, options); });
 }
 
 } // namespace reelhost

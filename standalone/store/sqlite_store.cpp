@@ -11,7 +11,6 @@
 
 #include "base/ascii.h"
 #include "reelhost/display_text.h"
-#include "store/files.h"
 #include "store/log_fields.h"
 
 namespace reelhost {

@@ -11,9 +11,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "base/files.h"
 #include "facility/toml_file.h"
 #include "standalone/store/support.h"
-#include "store/files.h"
 
 namespace {
 
@@ -191,7 +191,8 @@ TEST_F(StateFileTest, LockFileThatIsALinkIsNotFollowed)
 
 TEST_F(StateFileTest, MergeWaitsForTheLockAndThenGivesUp)
 {
-  const FileDescriptor lock(::open((folder() / "state.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  const reeldb::base::FileDescriptor lock(
+      ::open((folder() / "state.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   ASSERT_EQ(::flock(lock.get(), LOCK_EX), 0);
   EXPECT_EQ(errorOf([&] {
               state().merge({{{"a", "1"}}, {}}, std::chrono::milliseconds(50));
@@ -267,7 +268,7 @@ TEST_F(StateFileTest, DiskFullKeepsTheOldFile)
   EXPECT_EQ(errorOf([&] {
               small.merge({{{"b", std::string(100'000, 'x')}}, {}});
             }),
-            "Io: " + (mount / ".state.toml.new").native() + ": cannot be written (No space left on device)");
+            "Io: " + (mount / "state.toml").native() + ": cannot be written (No space left on device)");
   EXPECT_EQ(small.read().system, (std::map<std::string, std::string>{{"a", "1"}}));
   EXPECT_EQ(namesIn(mount / ""), (std::vector<std::string>{"state.lock", "state.toml"}));
 }

@@ -7,8 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "base/files.h"
 #include "standalone/store/support.h"
-#include "store/files.h"
 #include "store/project_file.h"
 
 namespace {
@@ -69,7 +69,8 @@ TEST(WriteLockHolder, NobodyHoldsAnything)
   const TempDir folder;
   writeBytes(folder / "p", "");
   writeBytes(folder / "p-shm", "");
-  const FileDescriptor file(::open((folder / "p").c_str(), O_RDWR)), index(::open((folder / "p-shm").c_str(), O_RDWR));
+  const reeldb::base::FileDescriptor file(::open((folder / "p").c_str(), O_RDWR)),
+      index(::open((folder / "p-shm").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "");
 }
 
@@ -77,7 +78,7 @@ TEST(WriteLockHolder, HolderOfTheIndexWithItsCommand)
 {
   const TempDir folder;
   const LockingShell shell(folder / "p-shm", writeByteOfTheIndex, 1, {"cut.edl"});
-  const FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
+  const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "pid " + std::to_string(shell.pid()) + script + " cut.edl");
 }
 
@@ -85,7 +86,7 @@ TEST(WriteLockHolder, HolderOfTheFileItself)
 {
   const TempDir folder;
   const LockingShell shell(folder / "p", lockBytesOfTheFile + 1, 1, {});
-  const FileDescriptor file(::open((folder / "p").c_str(), O_RDWR));
+  const reeldb::base::FileDescriptor file(::open((folder / "p").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "pid " + std::to_string(shell.pid()) + script);
 }
 
@@ -94,7 +95,7 @@ TEST(WriteLockHolder, OtherBytesDoNotCount)
   const TempDir folder;
   const LockingShell before(folder / "p-shm", writeByteOfTheIndex - 1, 1, {});
   const LockingShell after(folder / "p-shm", writeByteOfTheIndex + 1, 8, {});
-  const FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
+  const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "");
 }
 
@@ -102,7 +103,7 @@ TEST(WriteLockHolder, CommandIsCutAndItsControlCharactersAreEscaped)
 {
   const TempDir folder;
   const LockingShell shell(folder / "p-shm", writeByteOfTheIndex, 1, {"a\x1B[2Jb", std::string(500, 'x')});
-  const FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
+  const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
   const std::string holder = writeLockHolder((folder / "p").native());
   const std::string start = "pid " + std::to_string(shell.pid()) + script + " a\\x1b[2Jb ";
   EXPECT_EQ(holder.substr(0, start.size()), start);
