@@ -4,6 +4,8 @@
 #include <cstring>
 #include <unordered_set>
 
+#include "reelhost/material.h"
+
 namespace reelhost::model {
 
 namespace {
@@ -29,7 +31,7 @@ Key internKey(std::string_view text)
 
 Key reelIdKey()
 {
-  static const Key key = internKey("reelid");
+  static const Key key = internKey(shotTexts.front().key);
   return key;
 }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string>
-#include <utility>
 
 #include "model/listeners.h"
 #include "model/log.h"
@@ -13,13 +12,6 @@ using model::Log;
 using model::Project;
 
 namespace {
-
-// The keys under which a clip's texts are kept in its log.
-constexpr std::pair<const char*, std::string Material::*> textKeys[] = {
-    {"reelid", &Material::reel},          {"source_file", &Material::sourceFile}, {"source_in", &Material::sourceIn},
-    {"source_out", &Material::sourceOut}, {"record_in", &Material::recordIn},     {"record_out", &Material::recordOut},
-    {"tracks", &Material::tracks},        {"aliases", &Material::aliases},
-};
 
 constexpr EditModificationType imported{59};
 
@@ -34,7 +26,7 @@ Cookie importMaterial(const Material& material)
   log.name = material.name;
   log.videoChannels = material.videoChannels;
   log.audioChannels = material.audioChannels;
-  for (const auto& [key, member] : textKeys)
+  for (const auto& [key, member] : shotTexts)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
   const Cookie cookie = project.create(std::move(log)).cookie;
@@ -51,7 +43,7 @@ Material materialOf(const Cookie& cookie)
   material.name = log->name;
   material.videoChannels = log->videoChannels;
   material.audioChannels = log->audioChannels;
-  for (const auto& [key, member] : textKeys)
+  for (const auto& [key, member] : shotTexts)
     if (const LightweightString<char>* const text = log->block.find(key))
       material.*member = text->c_str();
   return material;

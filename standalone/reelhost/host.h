@@ -21,6 +21,7 @@
 #include "host/cookie.h"
 #include "reelhost/error.h"
 #include "reelhost/facility.h"
+#include "reelhost/material.h"
 #include "reelhost/store.h"
 
 namespace reelhost {
@@ -84,21 +85,6 @@ int runDeferredActions();
 /// @}
 /// @name Material
 /// @{
-
-/// A clip of imported material: one shot. All texts UTF-8; timecodes as written.
-struct Material {
-  std::string reel;       ///< reel identifier; empty: none
-  std::string name;       ///< clip name
-  std::string sourceFile, ///< file the clip comes from
-      sourceIn,           ///< timecode of its start on the reel
-      sourceOut,          ///< timecode of its end on the reel
-      recordIn,           ///< timecode of its start in the cut
-      recordOut,          ///< timecode of its end in the cut
-      tracks;             ///< which tracks it is on
-  std::string aliases;    ///< other names of the reel, one a line
-  int videoChannels = 0,  ///< how many
-      audioChannels = 0;  ///< how many
-};
 
 /// Makes an imported material log and reports it to the listeners as modification 59, as a host does when a clip comes
 /// in; the library answers by making the reel. Exceptions of listeners pass; the log stays.

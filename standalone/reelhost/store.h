@@ -43,9 +43,8 @@ struct StoredLog {
   int videoChannels = 0;                ///< how many
   int audioChannels = 0;                ///< how many
   std::string reelType;                 ///< what the row shows as "Reel Type"
-  /// The configuration block, "reelid" included; each key once. Stores answer it in one order, whatever the order it
-  /// came in: "reelid", "source_file", "source_in", "source_out", "record_in", "record_out", "tracks", "aliases", then
-  /// all other keys by their bytes.
+  /// The configuration block, "reelid" included; each key once. Stores return it in one order, whatever the order it
+  /// came in: the keys of shotTexts (reelhost/material.h), then all others by their bytes.
   KeyValues fields;
 };
 

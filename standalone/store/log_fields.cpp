@@ -8,7 +8,9 @@ namespace reelhost {
 
 std::size_t leadingPlace(std::string_view key)
 {
-  return static_cast<std::size_t>(std::find(leadingKeys.begin(), leadingKeys.end(), key) - leadingKeys.begin());
+  const auto found =
+      std::find_if(shotTexts.begin(), shotTexts.end(), [key](const ShotText& t) { return key == t.key; });
+  return static_cast<std::size_t>(found - shotTexts.begin());
 }
 
 KeyValues arranged(const KeyValues& fields)

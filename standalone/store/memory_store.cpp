@@ -49,7 +49,7 @@ public:
       if (record.deletion != 0 || record.log.type == reelLog)
         continue;
       for (const auto& [key, value] : record.log.fields)
-        if (key == leadingKeys[0] && !value.empty())
+        if (key == shotTexts.front().key && !value.empty())
           ++counts[reeldb::base::fold(value)];
     }
     return {counts.begin(), counts.end()};

@@ -2,6 +2,7 @@
 #include "store/sqlite_store.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 #include <map>
 #include <stdexcept>
@@ -33,12 +34,45 @@ constexpr std::chrono::seconds checkPatience(5);
 /// meet again and again.
 constexpr int mostPause = 8;
 
-// The columns of a log, as written and read. The leading keys start at firstLeadingColumn.
-constexpr std::string_view logColumns =
-    "number, type, uuid, tag, kind, imported, entire_medium, name, reel_type, video, audio, "
-    "reel_id, source_file, source_in, source_out, record_in, record_out, tracks, aliases";
-constexpr int firstLeadingColumn = 11;
-constexpr int columnCount = firstLeadingColumn + static_cast<int>(leadingKeys.size());
+// The columns of a log, as written and read: those that every log fills, then the texts of a shot.
+constexpr std::array<std::string_view, 11> plainColumns = {
+    "number", "type", "uuid", "tag", "kind", "imported", "entire_medium", "name", "reel_type", "video", "audio"};
+constexpr int firstTextColumn = static_cast<int>(plainColumns.size());
+constexpr int columnCount = firstTextColumn + static_cast<int>(shotTexts.size());
+
+std::vector<std::string> logColumns()
+{
+  std::vector<std::string> columns(plainColumns.begin(), plainColumns.end());
+  for (const ShotText& text : shotTexts)
+    columns.emplace_back(text.text == &Material::reel ? "reel_id" : text.key);
+  return columns;
+}
+
+/// What @p make makes of each name, with commas between.
+template <class Make>
+std::string listOf(const std::vector<std::string>& names, Make make)
+{
+  std::string list;
+  for (const std::string& name : names)
+    list += (list.empty() ? "" : ", ") + make(name);
+  return list;
+}
+
+std::string listOf(const std::vector<std::string>& names)
+{
+  return listOf(names, [](const std::string& name) { return name; });
+}
+
+/// Stores a log under its number, over the one that has it.
+std::string sqlToStoreLog()
+{
+  std::vector<std::string> columns = logColumns();
+  std::string sql = "INSERT INTO logs(" + listOf(columns) + ") VALUES(" +
+                    listOf(columns, [](const std::string&) { return std::string("?"); });
+  columns.erase(columns.begin());
+  return sql + ") ON CONFLICT(number) DO UPDATE SET " +
+         listOf(columns, [](const std::string& column) { return column + " = excluded." + column; });
+}
 
 /// The keys of logs that are no columns, read alongside the logs in ascending order of the number.
 class FieldRows {
@@ -361,13 +395,11 @@ void SqliteStore::readLastDeletion(const std::function<void(StoredLog&&)>& sink)
 void SqliteStore::readLogs(const char* condition, const std::function<void(StoredLog&&)>& sink)
 {
   guarded("cannot be read", [&] {
-    std::string sql = "SELECT ";
-    sql.append(logColumns).append(" FROM logs WHERE ").append(condition).append(" ORDER BY number");
-    Statement rows(*database_, sql);
+    Statement rows(*database_, "SELECT " + listOf(logColumns()) + " FROM logs WHERE " + condition + " ORDER BY number");
     FieldRows fields(*database_);
     while (rows.step()) {
       StoredLog log;
-      log.fields.reserve(leadingKeys.size());
+      log.fields.reserve(shotTexts.size());
       log.number = rows.integer(0);
       log.type = static_cast<int>(rows.integer(1));
       const std::string_view uuid = rows.text(2);
@@ -383,9 +415,9 @@ void SqliteStore::readLogs(const char* condition, const std::function<void(Store
       log.reelType = rows.text(8);
       log.videoChannels = static_cast<int>(rows.integer(9));
       log.audioChannels = static_cast<int>(rows.integer(10));
-      for (std::size_t i = 0; i < leadingKeys.size(); ++i)
-        if (const int column = firstLeadingColumn + static_cast<int>(i); !rows.isNull(column))
-          log.fields.emplace_back(leadingKeys[i], rows.text(column));
+      for (std::size_t i = 0; i < shotTexts.size(); ++i)
+        if (const int column = firstTextColumn + static_cast<int>(i); !rows.isNull(column))
+          log.fields.emplace_back(shotTexts[i].key, rows.text(column));
       fields.appendTo(log.fields, log.number);
       sink(std::move(log));
     }
@@ -473,17 +505,7 @@ void SqliteStore::write(const Changes& changes)
 void SqliteStore::writeLogs(const std::vector<StoredLog>& logs)
 {
   Database& database = *database_;
-  std::string sql = "INSERT INTO logs(";
-  sql.append(logColumns).append(") VALUES(?1");
-  for (int i = 2; i <= columnCount; ++i)
-    sql += ", ?" + std::to_string(i);
-  sql += ") ON CONFLICT(number) DO UPDATE SET type = excluded.type, uuid = excluded.uuid, tag = excluded.tag, "
-         "kind = excluded.kind, imported = excluded.imported, entire_medium = excluded.entire_medium, "
-         "name = excluded.name, reel_type = excluded.reel_type, video = excluded.video, audio = excluded.audio, "
-         "reel_id = excluded.reel_id, source_file = excluded.source_file, source_in = excluded.source_in, "
-         "source_out = excluded.source_out, record_in = excluded.record_in, record_out = excluded.record_out, "
-         "tracks = excluded.tracks, aliases = excluded.aliases";
-  Statement put(database, sql);
+  Statement put(database, sqlToStoreLog());
   Statement dropFields(database, "DELETE FROM fields WHERE log = ?1");
   Statement putField(database, "INSERT OR REPLACE INTO fields(log, key, value) VALUES(?1, ?2, ?3)");
   const std::int64_t lastBefore = lastNumber();
@@ -493,16 +515,16 @@ void SqliteStore::writeLogs(const std::vector<StoredLog>& logs)
     put.bind(4, log.tag).bind(5, std::string_view(&log.kind, 1)).bind(6, log.imported ? 1 : 0);
     put.bind(7, log.entireMedium ? 1 : 0).bind(8, log.name).bind(9, log.reelType);
     put.bind(10, log.videoChannels).bind(11, log.audioChannels);
-    for (int column = firstLeadingColumn; column < columnCount; ++column)
+    for (int column = firstTextColumn; column < columnCount; ++column)
       put.bindNull(column + 1);
     for (const auto& [key, value] : log.fields)
-      if (const std::size_t place = leadingPlace(key); place < leadingKeys.size())
-        put.bind(firstLeadingColumn + static_cast<int>(place) + 1, value);
+      if (const std::size_t place = leadingPlace(key); place < shotTexts.size())
+        put.bind(firstTextColumn + static_cast<int>(place) + 1, value);
     put.run();
     if (log.number <= lastBefore)
       dropFields.bind(1, log.number).run();
     for (const auto& [key, value] : log.fields)
-      if (leadingPlace(key) == leadingKeys.size())
+      if (leadingPlace(key) == shotTexts.size())
         putField.bind(1, log.number).bind(2, key).bind(3, value).run();
     last = std::max(last, log.number);
   }

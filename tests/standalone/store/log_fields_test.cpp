@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/log_fields.h"
 
+#include <iterator>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -11,9 +13,18 @@ TEST(LeadingPlace, KnownAndOtherKeys)
 {
   EXPECT_EQ(leadingPlace("reelid"), 0u);
   EXPECT_EQ(leadingPlace("aliases"), 7u);
-  EXPECT_EQ(leadingPlace("reel_type"), leadingKeys.size());
-  EXPECT_EQ(leadingPlace("REELID"), leadingKeys.size());
-  EXPECT_EQ(leadingPlace(""), leadingKeys.size());
+  EXPECT_EQ(leadingPlace("reel_type"), shotTexts.size());
+  EXPECT_EQ(leadingPlace("REELID"), shotTexts.size());
+  EXPECT_EQ(leadingPlace(""), shotTexts.size());
+}
+
+// In a project file that was written by any version of this program, these are columns.
+TEST(LeadingPlace, ReleasedKeysKeepTheirPlaces)
+{
+  const char* const released[] = {"reelid",    "source_file", "source_in", "source_out",
+                                  "record_in", "record_out",  "tracks",    "aliases"};
+  for (std::size_t i = 0; i < std::size(released); ++i)
+    EXPECT_EQ(leadingPlace(released[i]), i) << released[i];
 }
 
 TEST(Arranged, LeadingKeysFirstThenByBytesAndTheLastOfTwins)
