@@ -3,40 +3,13 @@
 
 #include <algorithm>
 
-#include "host/projdb.h"
-#include "app/host_text.h"
 #include "text/table.h"
 
 namespace reeldb::cli {
 
-namespace {
-
-constexpr auto reelIdAttribute = LogAttributes::eLogAttribute(20);
-
-std::string reelOf(const Cookie& shot)
-{
-  EditInfo info(shot, eEditOpenBehaviour(0));
-  const std::string id = text(info.getAttrib(reelIdAttribute));
-  info.i_close();
-  return id;
-}
-
-} // namespace
-
 CookieVec shotsOf(const std::string& reelId)
 {
-  CookieVec shots;
-  projdb* const database = EditManager::getProjdb();
-  if (!database)
-    return shots;
-  projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(reelIdAttribute, hostText(reelId));
-  for (const Cookie& shot : database->search(criteria))
-    if (folded(reelOf(shot)) == folded(reelId))
-      shots.add(shot);
-  return shots;
+  return reelhost::shotsOf(reelId);
 }
 
 std::vector<reelhost::Material> materialOf(const CookieVec& logs)

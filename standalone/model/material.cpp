@@ -58,6 +58,11 @@ CookieVec allShots()
   return shots;
 }
 
+CookieVec shotsOf(const std::string& reelId)
+{
+  return model::openedProject ? model::openedProject->othersWithReelId(reelId) : CookieVec();
+}
+
 std::unordered_map<std::string, std::int64_t> shotCounts()
 {
   return model::openedProject ? model::openedProject->countOthersByReelId()

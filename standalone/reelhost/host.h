@@ -93,6 +93,10 @@ Cookie importMaterial(const Material& material);
 Material materialOf(const Cookie& log);
 /// All logs other than reel logs, in the order of creation; none without a project.
 CookieVec allShots();
+/// The logs other than reel logs that carry the identifier, the case of ASCII letters aside, in the order of creation.
+/// None for an empty identifier, and none without a project. Throws Error (Unreadable, Io, Busy) when they have to be
+/// read and cannot be.
+CookieVec shotsOf(const std::string& reelId);
 /// How many logs other than reel logs carry each identifier, keyed by the identifier with ASCII letters in lower case.
 /// Empty without a project.
 std::unordered_map<std::string, std::int64_t> shotCounts();

@@ -101,6 +101,46 @@ TEST_F(MaterialTest, ShotsAreAllLogsButReelsInOrder)
   EXPECT_EQ(texts(reelhost::allShots()), texts(shots));
 }
 
+TEST_F(MaterialTest, ShotsOfAReelAreThoseWithItsIdentifierInOrder)
+{
+  CookieVec shots;
+  shots.add(addLog(1, "a001"));
+  addLog(9, "A001");
+  shots.add(addLog(0, "A001"));
+  addLog(1, "A0012");
+  addLog(1, "");
+  const Cookie late = addLog(1, "B002");
+  shots.add(reelhost::importMaterial(clip("A001")));
+  EXPECT_EQ(texts(reelhost::shotsOf("A001")), texts(shots));
+  EXPECT_EQ(texts(reelhost::shotsOf("a001")), texts(shots));
+  reelhost::commit();
+  reopen();
+  EXPECT_EQ(texts(reelhost::shotsOf("a001")), texts(shots));
+  EXPECT_EQ(reelhost::shotsOf("B002").count(), 1);
+  rename(late, "A002");
+  EXPECT_EQ(reelhost::shotsOf("B002").count(), 0);
+  EXPECT_EQ(reelhost::shotsOf("a002").count(), 1);
+}
+
+TEST_F(MaterialTest, ShotsOfAReelAreFoundWithoutAHostCall)
+{
+  addLog(1, "R1");
+  EXPECT_EQ(linesOf([&] { reelhost::shotsOf("R1"); }), std::vector<std::string>{});
+}
+
+TEST_F(MaterialTest, EmptyIdentifierHasNoShots)
+{
+  addLog(1, "");
+  EXPECT_EQ(reelhost::shotsOf("").count(), 0);
+  EXPECT_EQ(reelhost::shotsOf("R1").count(), 0);
+}
+
+TEST_F(MaterialTest, NoProjectHasNoShots)
+{
+  reelhost::closeProject();
+  EXPECT_EQ(reelhost::shotsOf("R1").count(), 0);
+}
+
 using Counts = std::unordered_map<std::string, std::int64_t>;
 
 TEST_F(MaterialTest, ShotsAreCountedByIdentifierWithoutRegardToCase)
