@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Between the host's strings and the standard library's.
-#ifndef REELDB_CLI_HOST_TEXT_H
-#define REELDB_CLI_HOST_TEXT_H
+// Between the host's strings and the standard library's. For the sources of this room.
+#ifndef REELDB_APP_HOST_TEXT_H
+#define REELDB_APP_HOST_TEXT_H
 
 #include <string>
 
 #include "host/lwstring.h"
 #include "host/text.h"
 
-namespace reeldb::cli {
+namespace reeldb::app {
 
 inline std::string text(const LightweightString<char>& s)
 {
@@ -28,9 +28,6 @@ inline LightweightString<wchar_t> wideHostText(const std::string& s)
   return fromUTF8(hostText(s));
 }
 
-/// ASCII letters in lower case: equal results name the same reel.
-std::string folded(std::string s);
-
-} // namespace reeldb::cli
+} // namespace reeldb::app
 
 #endif

@@ -1,16 +1,30 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef REELDB_CLI_PLAIN_TEXT_H
-#define REELDB_CLI_PLAIN_TEXT_H
+//
+// What may be stored. For the sources of this room.
+#ifndef REELDB_APP_PLAIN_TEXT_H
+#define REELDB_APP_PLAIN_TEXT_H
 
+#include <cstddef>
 #include <string>
-#include <string_view>
 
-namespace reeldb::cli {
+#include <fmt/format.h>
 
-/// Throws Failure (usage), "FACT (cause)", unless the text can be shown and handed on as it is: UTF-8 without control
-/// characters. To be asked of every text that a command is to store; what is stored already is found as it is.
-void requirePlainText(const std::string& text, std::string_view fact);
+#include "app/error.h"
+#include "base/display_text.h"
 
-} // namespace reeldb::cli
+namespace reeldb::app {
+
+/// The longest text, in bytes, that the library reads back whole from a field: its buffers have 2,048 bytes.
+inline constexpr std::size_t longestField = 2047;
+
+/// Throws Error (Invalid), "FACT (cause)", unless the text can be shown and handed on as it is: UTF-8 without control
+/// characters. Every text that is to be stored goes through here; what is stored already is found as it is.
+inline void requirePlainText(const std::string& text, std::string_view fact)
+{
+  if (const std::string_view flaw = base::textFlaw(text); !flaw.empty())
+    throw Error(ErrorKind::Invalid, fmt::format("{} ({})", fact, flaw));
+}
+
+} // namespace reeldb::app
 
 #endif

@@ -1,24 +1,28 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/session.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <system_error>
-#include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "text/display_text.h"
-#include "line/failure.h"
-#include "app/host_text.h"
-#include "text/output.h"
-#include "app/reel.h"
-#include "app/similar.h"
+#include "ReelDbManager.h"
+#include "app/facility.h"
+#include "app/host_errors.h"
+#include "base/text_width.h"
+#include "reelhost/host.h"
 
-namespace reeldb::cli {
+namespace reeldb::app {
 
 namespace {
+
+std::string workingFolder()
+{
+  std::error_code error;
+  const std::filesystem::path folder = std::filesystem::current_path(error);
+  return error ? fmt::format("the working folder ({})", error.message()) : folder.native();
+}
 
 std::string projectsThereAre(const reelhost::Facility& facility)
 {
@@ -27,50 +31,42 @@ std::string projectsThereAre(const reelhost::Facility& facility)
                        : fmt::format("this facility has: {}", fmt::join(names, ", "));
 }
 
-std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
-{
-  constexpr std::size_t most = 5; // of a whole project of them nobody reads the rest
-  std::vector<std::string> all;
-  for (const Reel& reel : readReels(manager, {}))
-    all.push_back(reel.id);
-  std::vector<std::string> similar = similarNames(id, all);
-  const bool more = similar.size() > most;
-  similar.resize(std::min(most, similar.size()));
-  const bool needsQuotes = id.empty() || id.front() == ' ' || id.back() == ' ';
-  std::string message = fmt::format("{0}{1}{0}: no such reel", needsQuotes ? "\"" : "", shortText(id));
-  if (!similar.empty())
-    message += fmt::format(" (but there {} {}{})", similar.size() == 1 ? "is" : "are", fmt::join(similar, ", "),
-                           more ? ", ..." : "");
-  return message;
-}
-
 } // namespace
 
 reelhost::Facility& requireFacility()
 {
-  reelhost::Facility& facility = reelhost::facility();
-  if (facility.directory().empty())
-    throw Failure(refused, "no facility (-C DIR or REELDB_FACILITY names one; reeldb init makes one)");
-  return facility;
+  return guarded([]() -> reelhost::Facility& {
+    reelhost::Facility& facility = reelhost::facility();
+    if (facility.directory().empty())
+      throw Error(ErrorKind::Refused, fmt::format("{}: no facility (facility.toml not found here or above; reeldb init "
+                                                  "makes one, -C DIR or REELDB_FACILITY names one)",
+                                                  workingFolder()));
+    return facility;
+  });
 }
 
-std::string requireProject(const Globals& globals)
+std::string chosenProject(const std::optional<std::string>& asked)
 {
-  const reelhost::Facility& facility = requireFacility();
-  const std::string name = globals.project.value_or(facility.defaultProject());
-  if (name.empty())
-    throw Failure(refused, fmt::format("no project chosen (-p names one; {})", projectsThereAre(facility)));
-  std::error_code none;
-  if (!std::filesystem::exists(facility.projectFile(name), none))
-    throw Failure(refused, fmt::format("{}: no such project ({})", shortText(name), projectsThereAre(facility)));
-  return name;
+  return guarded([&] {
+    const reelhost::Facility& facility = requireFacility();
+    std::string name = asked.value_or(facility.defaultProject());
+    if (name.empty())
+      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p names one; {})", projectsThereAre(facility)));
+    std::error_code none;
+    if (!std::filesystem::exists(facility.projectFile(name), none))
+      throw Error(ErrorKind::NotFound,
+                  fmt::format("{}: no such project ({})", base::shortText(name), projectsThereAre(facility)));
+    return name;
+  });
 }
 
-Session::Session(const Globals& globals, reelhost::Access access)
+Session::Session(const std::optional<std::string>& project, Access access)
 {
-  const std::string project = requireProject(globals);
-  manager(); // before the project is entered, so that it hears of that
-  reelhost::openProject(project, access);
+  guarded([&] {
+    const std::string name = chosenProject(project);
+    manager(); // before the project is entered, so that it hears of that
+    reelhost::openProject(name, access == Access::Write ? reelhost::Access::Write : reelhost::Access::Read);
+  });
 }
 
 Session::~Session()
@@ -78,21 +74,17 @@ Session::~Session()
   reelhost::closeProject();
 }
 
-ReelDbRec Session::requireReel(const std::string& id)
+ReelDbManager& Session::manager()
 {
-  const ReelDbRec reel = manager().getReelInfo(hostText(id));
-  if (!reel.valid())
-    throw Failure(refused, noSuchReel(manager(), id));
-  return reel;
+  return *ReelDbManager::theReelDbManager();
 }
 
 bool Session::commit()
 {
-  reelhost::runDeferredActions();
-  const bool stored = reelhost::hasChanges() && reelhost::commit();
-  if (stored)
-    changesAreStored();
-  return stored;
+  return guarded([] {
+    reelhost::runDeferredActions();
+    return reelhost::hasChanges() && reelhost::commit();
+  });
 }
 
-} // namespace reeldb::cli
+} // namespace reeldb::app

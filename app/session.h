@@ -1,42 +1,39 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A command at work on a project.
-#ifndef REELDB_CLI_SESSION_H
-#define REELDB_CLI_SESSION_H
+// An operation at work on a project.
+#ifndef REELDB_APP_SESSION_H
+#define REELDB_APP_SESSION_H
 
+#include <optional>
 #include <string>
 
-#include "ReelDbManager.h"
-#include "line/command_line.h"
-#include "reelhost/host.h"
+class ReelDbManager;
 
-namespace reeldb::cli {
+namespace reeldb::app {
 
-/// The facility of the process. Throws Failure when there is none, reelhost::Error when it is bad.
-reelhost::Facility& requireFacility();
+/// The name of the project to work on: @p asked, else the facility's default. Throws Error (Refused), which lists the
+/// projects there are, when there is no default or no project of that name.
+std::string chosenProject(const std::optional<std::string>& asked);
 
-/// The name of the project to work on: chosen with -p, else the facility's default. Throws Failure, which lists the
-/// projects there are, when it names none or one that is not there.
-std::string requireProject(const Globals& globals);
+enum class Access { Read, Write };
 
-/// Has the project open from its beginning to its end. What was not committed is dropped.
+/// Has a project open from its beginning to its end. What was not committed is dropped. One at a time, on the main
+/// thread.
 class Session {
 public:
-  Session(const Globals& globals, reelhost::Access access);
+  /// Opens the chosenProject and enters it. Throws Error also when the project cannot be opened for this access.
+  Session(const std::optional<std::string>& project, Access access);
   ~Session();
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  ReelDbManager& manager() { return *ReelDbManager::theReelDbManager(); }
+  /// The library's manager. It belongs to the process.
+  ReelDbManager& manager();
 
-  /// The record of a reel, letter case aside. Throws Failure when there is no such reel; it names those that may have
-  /// been meant.
-  ReelDbRec requireReel(const std::string& id);
-
-  /// Stores everything. Answers whether there was anything to store.
+  /// Runs what was deferred and stores everything as one transaction. Returns whether there was anything to store.
   bool commit();
 };
 
-} // namespace reeldb::cli
+} // namespace reeldb::app
 
 #endif

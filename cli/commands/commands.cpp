@@ -6,7 +6,6 @@ namespace reeldb::cli {
 void addCommands(CommandLine& line)
 {
   addInit(line);
-  addProject(line);
   addImport(line);
   addDiff(line);
   addExport(line);
@@ -21,13 +20,13 @@ void addCommands(CommandLine& line)
   addReelsOf(line);
   addDelete(line);
   addUndelete(line);
-  addTypes(line);
-  addDevices(line);
+  addWatch(line);
+  addProject(line);
   addDevice(line);
   addLabelMap(line);
-  addLabelMapFor(line);
-  addFields(line);
-  addWatch(line);
+  addType(line);
+  addField(line);
+  line.addHelp();
 }
 
 } // namespace reeldb::cli

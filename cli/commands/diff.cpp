@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <fmt/format.h>
 
-#include "commands/commands.h"
+#include "app/diff.h"
+#include "app/json/json.h"
+#include "base/display_text.h"
+#include "commands/tables.h"
 #include "text/counted.h"
-#include "text/display_text.h"
-#include "app/known_names.h"
-#include "app/list_diff.h"
-#include "app/list_file.h"
-#include "app/session.h"
-#include "app/shot.h"
+#include "text/output.h"
 #include "text/table.h"
 
 namespace reeldb::cli {
 
 namespace {
+
+using base::displayText;
 
 struct Options {
   std::vector<std::string> files;
@@ -21,7 +23,7 @@ struct Options {
   bool json = false;
 };
 
-std::string newReelText(const NewReel& reel)
+std::string newReelText(const app::NewReel& reel)
 {
   std::string result = "  " + displayText(reel.id);
   for (std::size_t i = 0; i < reel.candidates.size(); ++i)
@@ -30,7 +32,7 @@ std::string newReelText(const NewReel& reel)
   return result + (reel.candidates.empty() ? "\n" : ")\n");
 }
 
-void printShotsOf(const std::string& heading, const std::vector<reelhost::Material>& shots)
+void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
 {
   constexpr std::size_t indent = 2;
   if (shots.empty())
@@ -43,17 +45,17 @@ void printShotsOf(const std::string& heading, const std::vector<reelhost::Materi
                {"SOURCE OUT"},
                {.title = "RECORD IN", .optional = true},
                {.title = "RECORD OUT", .optional = true}});
-  for (const reelhost::Material& shot : shots)
-    table.add({shot.reel, shot.name.empty() ? "-" : shot.name, shot.tracks, shot.sourceIn, shot.sourceOut,
-               shot.recordIn, shot.recordOut});
+  for (const app::Shot& shot : shots)
+    table.add(
+        {shot.reel, orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut});
   table.print(indent);
 }
 
-void printDiff(const ListDiff& diff)
+void printDiff(const app::ListDiff& diff)
 {
   if (!diff.newReels.empty())
     print(fmt::format("{} new:\n", counted(diff.newReels.size(), "reel")));
-  for (const NewReel& reel : diff.newReels)
+  for (const app::NewReel& reel : diff.newReels)
     print(newReelText(reel));
   if (!diff.goneReels.empty())
     print(fmt::format("{} gone:\n", counted(diff.goneReels.size(), "reel")));
@@ -67,54 +69,22 @@ void printDiff(const ListDiff& diff)
   printShotsOf("no longer there", diff.missing);
   if (diff.empty())
     print("no differences\n");
-}
-
-Json rejectedJson(const std::vector<std::string>& files, const std::vector<lists::List>& lists)
-{
-  Json json = Json::array();
-  for (std::size_t i = 0; i < lists.size(); ++i)
-    for (const lists::Rejected& line : lists[i].rejected)
-      json.push_back({{"file", files[i]}, {"line", line.line}, {"text", line.text}, {"reason", line.reason}});
-  return json;
-}
-
-Json diffJson(const ListDiff& diff, const Options& options)
-{
-  Json json;
-  json["files"] = options.files;
-  json["equal"] = diff.empty();
-  json["reels_new"] = Json::array();
-  for (const NewReel& reel : diff.newReels)
-    json["reels_new"].push_back({{"reel", reel.id}, {"candidates", toJson(reel.candidates)}});
-  json["reels_gone"] = options.gone ? Json(diff.goneReels) : Json(nullptr);
-  json["spellings"] = Json::array();
-  for (const lists::Spelling& spelling : diff.spellings)
-    json["spellings"].push_back({{"reel", spelling.reel}, {"other", spelling.other}});
-  json["shots_added"] = toJson(diff.added);
-  json["shots_gone"] = toJson(diff.missing);
-  return json;
+  for (const auto& [file, line] : diff.rejected)
+    complain(fmt::format("{}: line {} rejected: {} ({})", file, line.line, line.reason, line.text));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  std::vector<lists::List> lists;
-  for (const std::string& file : options.files)
-    lists.push_back(readListFile(file));
-  Session session(globals, reelhost::Access::Read);
-  const ListDiff diff = compareLists(lists, session.manager(), options.gone);
-  const Json rejected = rejectedJson(options.files, lists);
-  if (options.json) {
-    Json json = diffJson(diff, options);
-    json["rejected"] = rejected;
-    printJson(json);
-    return rejected.empty() ? done : incomplete;
-  }
-  printDiff(diff);
-  for (const Json& line : rejected)
-    complain(fmt::format("{}: line {} rejected: {} ({})", line.at("file").get<std::string>(),
-                         line.at("line").get<int>(), line.at("reason").get<std::string>(),
-                         line.at("text").get<std::string>()));
-  return rejected.empty() ? done : incomplete;
+  app::ListFiles files = app::readListFiles(options.files);
+  if (!files.failures.empty())
+    throw files.failures.front();
+  app::Session session(globals.project, app::Access::Read);
+  const app::ListDiff diff = app::compareLists(session, files.read, options.gone);
+  if (options.json)
+    print(app::jsonText(diff));
+  else
+    printDiff(diff);
+  return diff.rejected.empty() ? done : incomplete;
 }
 
 } // namespace
@@ -122,7 +92,7 @@ ExitCode run(const Options& options, const Globals& globals)
 void addDiff(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "diff",
        .description = "Tell what a new version of a cut list or log file changes against the project",
        .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl", "reeldb diff --json rushes.ale"},
@@ -134,9 +104,9 @@ void addDiff(CommandLine& line)
            "of them names are gone, with their shots. Nothing is changed; the exit code is 0 with differences and\n"
            "without, 4 when lines were rejected."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeTexts(app, "FILE", options->files, "The lists")->required()->type_name("");
-  takeFlag(app, "--gone", options->gone, "Also tell of reels that none of the files names");
-  takeJson(app, options->json);
+  command.texts("FILE", options->files, "The lists").required().shownAs("");
+  command.flag("--gone", options->gone, "Also tell of reels that none of the files names");
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

@@ -1,27 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <algorithm>
 #include <cstdio>
-#include <unordered_map>
 
-#include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include "commands/commands.h"
-#include "lists/short_names.h"
-#include "lists/write.h"
+#include <fmt/format.h>
+
+#include "app/export.h"
+#include "app/json/json.h"
+#include "app/list_files.h"
+#include "base/number.h"
+#include "base/text_width.h"
+#include "commands/tables.h"
 #include "text/counted.h"
-#include "text/csv.h"
-#include "text/display_text.h"
-#include "line/failure.h"
-#include "app/host_text.h"
-#include "app/number.h"
-#include "app/old_names.h"
-#include "app/output_file.h"
-#include "app/project_file.h"
-#include "app/reel.h"
-#include "app/session.h"
-#include "app/shot.h"
-#include "app/shot_key.h"
+#include "text/output.h"
 #include "text/terminal.h"
 
 namespace reeldb::cli {
@@ -37,142 +31,45 @@ struct Options {
 
 constexpr std::size_t usualReelLength = 8;
 
-/// The project, as it is written.
-struct Content {
-  std::string project;
-  std::string rate;
-  std::vector<Reel> reels;
-  std::vector<std::vector<std::string>> oldNames; ///< of each reel
-  std::vector<reelhost::Material> shots;
-};
-
-Content readContent(Session& session)
+[[noreturn]] void refuse(const std::string& what)
 {
-  Content content;
-  content.project = reelhost::projectInfo().name;
-  content.rate = frameRateName(requireFacility(), reelhost::projectInfo().frameRate);
-  // By record, not by name: of two reels that differ in case a lookup finds the first.
-  const ShotCounts shots = reelhost::shotCounts();
-  for (const Cookie& log : session.manager().reelList) {
-    const ReelDbRec record(log);
-    Reel reel = readReel(record, shots);
-    if (reel.id.empty())
-      continue;
-    content.reels.push_back(std::move(reel));
-    content.oldNames.push_back(oldNamesOf(record));
-  }
-  content.shots = materialOf(reelhost::allShots());
-  return content;
-}
-
-/// The shots, with reels spelled as their records are.
-std::vector<lists::Clip> clipsOf(const Content& content)
-{
-  std::unordered_map<std::string, std::string> spellings;
-  for (const Reel& reel : content.reels)
-    spellings.try_emplace(folded(reel.id), reel.id);
-  std::vector<lists::Clip> clips;
-  for (const reelhost::Material& shot : content.shots) {
-    clips.push_back(clipOf(shot));
-    if (const auto found = spellings.find(folded(shot.reel)); found != spellings.end())
-      clips.back().reel = found->second;
-  }
-  return clips;
-}
-
-std::string reelsCsv(const Content& content)
-{
-  std::vector<std::string> titles = {"id",  "type",        "available",      "inhibit",       "label_mapping",
-                                     "bin", "last_device", "video_channels", "audio_channels"};
-  for (std::size_t i = 0; i < userFieldCount; ++i)
-    titles.push_back(fmt::format("user_field_{}", i));
-  titles.insert(titles.end(), {"shots", "old_names"});
-  std::string text = csvRow(titles);
-  for (std::size_t i = 0; i < content.reels.size(); ++i) {
-    const Reel& reel = content.reels[i];
-    std::vector<std::string> row = {reel.id,
-                                    reel.type,
-                                    std::string(yesOrNo(reel.available)),
-                                    std::string(yesOrNo(reel.inhibit)),
-                                    reel.labelMapping,
-                                    reel.bin,
-                                    reel.lastDevice,
-                                    std::to_string(reel.videoChannels),
-                                    std::to_string(reel.audioChannels)};
-    row.insert(row.end(), reel.userFields.begin(), reel.userFields.end());
-    row.push_back(std::to_string(reel.shots));
-    row.push_back(fmt::format("{}", fmt::join(content.oldNames[i], "\n")));
-    text += csvRow(row);
-  }
-  return text;
-}
-
-std::string shotsCsv(const Content& content)
-{
-  std::string text = csvRow({"reel", "clip", "tracks", "source_in", "source_out", "record_in", "record_out",
-                             "source_file", "aliases", "video_channels", "audio_channels"});
-  for (const reelhost::Material& shot : content.shots)
-    text +=
-        csvRow({shot.reel, shot.name, shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut,
-                shot.sourceFile, shot.aliases, std::to_string(shot.videoChannels), std::to_string(shot.audioChannels)});
-  return text;
-}
-
-std::string contentJson(const Content& content, bool reelsOnly)
-{
-  Json json = {{"project", content.project}, {"frame_rate", content.rate}};
-  json["reels"] = Json::array();
-  for (std::size_t i = 0; i < content.reels.size(); ++i) {
-    json["reels"].push_back(toJson(content.reels[i]));
-    json["reels"].back()["old_names"] = content.oldNames[i];
-  }
-  if (!reelsOnly)
-    json["shots"] = toJson(content.shots);
-  return jsonText(json);
+  throw app::Error(app::ErrorKind::Invalid, what);
 }
 
 std::size_t readReelLength(const Options& options)
 {
   if (!options.reelLength)
     return usualReelLength;
-  const auto& fields = lists::kReelFields;
-  const auto number = parseNumber(*options.reelLength);
-  const auto found = std::find(fields.begin(), fields.end(), static_cast<std::size_t>(number.value_or(0)));
-  if (found == fields.end())
-    throw Failure(usage, fmt::format("{}: no length of a reel field (there are {})", shortText(*options.reelLength),
-                                     fmt::join(fields, ", ")));
+  const std::vector<std::size_t>& lengths = app::reelLengths();
+  const auto number = base::parseNumber(*options.reelLength);
+  const auto found = std::find(lengths.begin(), lengths.end(), static_cast<std::size_t>(number.value_or(0)));
+  if (found == lengths.end())
+    refuse(fmt::format("{}: no length of a reel field (there are {})", base::shortText(*options.reelLength),
+                       fmt::join(lengths, ", ")));
   return *found;
 }
 
 void checkOptions(const Options& options)
 {
   if (options.edl + options.ale + options.csv + options.json != 1)
-    throw Failure(usage, "export: say which format: one of --edl, --ale, --csv, --json");
+    refuse("export: say which format: one of --edl, --ale, --csv, --json");
   if (options.reelLength && !options.edl)
-    throw Failure(usage, "export: --reel-length is for --edl");
+    refuse("export: --reel-length is for --edl");
   if (options.reelsOnly && (options.edl || options.ale))
-    throw Failure(usage, "export: --reels is for --csv and --json (lists are of shots)");
+    refuse("export: --reels is for --csv and --json (lists are of shots)");
   if (options.force && !options.file)
-    throw Failure(usage, "export: --force is for -o FILE");
+    refuse("export: --force is for -o FILE");
 }
 
-/// Reels that no shot speaks of are in no list.
-void tellShotless(const Content& content)
+app::Written write(const Options& options, const app::ProjectContent& content, std::size_t reelLength)
 {
-  const auto count =
-      std::count_if(content.reels.begin(), content.reels.end(), [](const Reel& reel) { return reel.shots == 0; });
-  if (count > 0)
-    complain(fmt::format("{} without a shot: not in the list", counted(count, "reel")));
-}
-
-lists::Written writeList(const Options& options, const Content& content, std::size_t reelLength)
-{
-  try {
-    return options.edl ? lists::writeEdl(content.project, clipsOf(content), reelLength)
-                       : lists::writeAle(content.rate, clipsOf(content));
-  } catch (const lists::Error& error) {
-    throw Failure(refused, fmt::format("export: nothing written ({})", error.what()));
-  }
+  if (options.edl)
+    return app::writeEdl(content, reelLength);
+  if (options.ale)
+    return app::writeAle(content);
+  if (options.json)
+    return {app::jsonText(content), content.shots.size(), {}, {}};
+  return options.reelsOnly ? app::writeReelsCsv(content) : app::writeShotsCsv(content);
 }
 
 /// A terminal gets no control characters, whatever the project holds.
@@ -182,7 +79,7 @@ void printBytes(const std::string& text)
     return print(text);
   for (std::size_t at = 0; at < text.size();) {
     const std::size_t end = std::min(text.find('\n', at), text.size());
-    print(displayText(text.substr(at, end - at)) + "\n");
+    print(base::displayText(text.substr(at, end - at)) + "\n");
     at = end + 1;
   }
 }
@@ -191,35 +88,20 @@ ExitCode run(const Options& options, const Globals& globals)
 {
   checkOptions(options);
   const std::size_t reelLength = readReelLength(options);
-  Session session(globals, reelhost::Access::Read);
-  const Content content = readContent(session);
-  std::string text;
-  std::size_t shots = content.shots.size();
-  std::vector<std::string> remarks, leftOut;
-  if (options.edl || options.ale) {
-    lists::Written written = writeList(options, content, reelLength);
-    text = std::move(written.text);
-    shots = written.clips;
-    remarks = std::move(written.remarks);
-    leftOut = std::move(written.leftOut);
-  } else {
-    text = options.json        ? contentJson(content, options.reelsOnly)
-           : options.reelsOnly ? reelsCsv(content)
-                               : shotsCsv(content);
-  }
+  app::Session session(globals.project, app::Access::Read);
+  app::ProjectContent content = app::readContent(session);
+  content.reelsOnly = options.reelsOnly;
+  const app::Written written = write(options, content, reelLength);
   if (options.file) {
-    writeOutputFile(*options.file, text, options.force);
-    print(fmt::format("{}: {}\n", displayText(*options.file),
-                      options.reelsOnly ? counted(content.reels.size(), "reel") : counted(shots, "shot")));
+    app::writeOutputFile(*options.file, written.text, options.force);
+    print(fmt::format("{}: {}\n", base::displayText(*options.file),
+                      options.reelsOnly ? counted(content.reels.size(), "reel") : counted(written.shots, "shot")));
   } else {
-    printBytes(text);
+    printBytes(written.text);
   }
-  if (options.edl || options.ale)
-    tellShotless(content);
-  for (const std::vector<std::string>* messages : {&remarks, &leftOut})
-    for (const std::string& message : *messages)
-      complain(message);
-  return leftOut.empty() ? done : incomplete;
+  complainOf(written.remarks);
+  complainOf(written.leftOut);
+  return written.leftOut.empty() ? done : incomplete;
 }
 
 } // namespace
@@ -227,7 +109,7 @@ ExitCode run(const Options& options, const Globals& globals)
 void addExport(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "export",
        .description = "Write the reels and shots of the project as a cut list, a log file, a table or JSON",
        .examples = {"reeldb export --edl --reel-length 32 -o cut.edl", "reeldb export --ale -o rushes-out.ale",
@@ -238,15 +120,15 @@ void addExport(CommandLine& line)
                   "as the same reels and shots. A table (RFC 4180) is of shots, or of reels. A file is written whole\n"
                   "or not at all. What a list cannot hold is told; a shot that is left out makes the exit code 4."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeFlag(app, "--edl", options->edl, "A cut list (CMX3600 EDL)");
-  takeFlag(app, "--ale", options->ale, "A log exchange file (ALE)");
-  takeFlag(app, "--csv", options->csv, "A table of the shots");
-  takeFlag(app, "--json", options->json, "Reels and shots as JSON");
-  takeFlag(app, "--reels", options->reelsOnly, "The reels alone, for --csv and --json");
-  takeText(app, "--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
-      ->type_name("N");
-  takeText(app, "-o,--output", options->file, "The file to write; without it, standard output")->type_name("FILE");
-  takeFlag(app, "--force", options->force, "Replace the file if it is there");
+  command.flag("--edl", options->edl, "A cut list (CMX3600 EDL)");
+  command.flag("--ale", options->ale, "A log exchange file (ALE)");
+  command.flag("--csv", options->csv, "A table of the shots");
+  command.flag("--json", options->json, "Reels and shots as JSON");
+  command.flag("--reels", options->reelsOnly, "The reels alone, for --csv and --json");
+  command.text("--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
+      .shownAs("N");
+  command.text("-o,--output", options->file, "The file to write; without it, standard output").shownAs("FILE");
+  command.flag("--force", options->force, "Replace the file if it is there");
 }
 
 } // namespace reeldb::cli

@@ -1,15 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <algorithm>
 
 #include <fmt/format.h>
 
-#include "commands/commands.h"
-#include "text/display_text.h"
-#include "line/failure.h"
-#include "text/import_report.h"
-#include "app/importer.h"
-#include "app/list_file.h"
-#include "app/session.h"
+#include "app/import.h"
+#include "app/json/json.h"
+#include "commands/import_report.h"
+#include "commands/tables.h"
+#include "text/output.h"
+#include "text/progress.h"
 #include "text/terminal.h"
 
 namespace reeldb::cli {
@@ -24,75 +25,54 @@ struct Options {
 
 constexpr std::size_t usualColumns = 100;
 
-void report(const Options& options, const std::vector<Imported>& all, bool stored, bool changes)
+void show(const Options& options, const app::ImportReport& report)
 {
   if (options.json) {
-    Json json;
-    json["dry_run"] = options.dryRun;
-    json["stored"] = stored;
-    json["files"] = Json::array();
-    for (const Imported& imported : all)
-      json["files"].push_back(toJson(imported));
-    printJson(json);
+    print(app::jsonText(report));
     return;
   }
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
-  for (const Imported& imported : all)
+  for (const app::ImportedList& imported : report.lists)
     print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
-  if (!changes)
+  if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
-  else if (!stored)
+  else if (!report.stored)
     print("dry run: the project stays as it was\n");
 }
 
 /// All files, before any is brought in: one that cannot be read leaves the project alone. Each that cannot is named.
-std::vector<lists::List> readAll(const std::vector<std::string>& files)
+std::vector<app::ListFile> readAll(const std::vector<std::string>& paths)
 {
-  std::vector<lists::List> lists;
-  std::vector<Failure> failures;
-  for (const std::string& file : files) {
-    try {
-      lists.push_back(readListFile(file));
-    } catch (const Failure& failure) {
-      failures.push_back(failure);
-    }
-  }
+  app::ListFiles files = app::readListFiles(paths);
+  const std::vector<app::Error>& failures = files.failures;
   if (failures.empty())
-    return lists;
-  if (files.size() == 1)
+    return std::move(files.read);
+  if (paths.size() == 1)
     throw failures.front();
-  for (const Failure& failure : failures)
+  for (const app::Error& failure : failures)
     complain(failure.what());
-  const bool damaged = std::any_of(failures.begin(), failures.end(),
-                                   [](const Failure& failure) { return failure.code() == unreadable; });
-  throw Failure(
-      damaged ? unreadable : refused,
-      fmt::format("import: nothing brought in ({} of {} files cannot be read)", failures.size(), files.size()));
+  const auto damaged = std::find_if(failures.begin(), failures.end(),
+                                    [](const app::Error& failure) { return exitCodeOf(failure.kind()) == unreadable; });
+  throw app::Error(
+      damaged == failures.end() ? failures.front().kind() : damaged->kind(),
+      fmt::format("import: nothing brought in ({} of {} files cannot be read)", failures.size(), paths.size()));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  std::vector<lists::List> lists = readAll(options.files);
-  std::size_t clips = 0;
-  bool rejected = false;
-  for (const lists::List& list : lists) {
-    clips += list.clips.size();
-    rejected = rejected || !list.rejected.empty();
-  }
-  Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
-  std::vector<Imported> all;
-  {
-    Progress progress("importing", clips);
-    Importer importer(session.manager());
-    for (std::size_t i = 0; i < lists.size(); ++i)
-      all.push_back(importer.import(options.files[i], std::move(lists[i]), progress));
-  }
-  bool changes = false;
-  for (const Imported& imported : all)
-    changes = changes || imported.shotsAdded > 0 || !imported.created.empty();
-  const bool stored = !options.dryRun && session.commit();
-  report(options, all, stored, changes);
-  return rejected ? incomplete : done;
+  std::vector<app::ListFile> files = readAll(options.files);
+  app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
+  const app::ImportReport report = [&] {
+    ProgressBar bar("importing");
+    return app::importLists(session, std::move(files), options.dryRun, [&](std::size_t done, std::size_t total) {
+      bar.show(done, total);
+      return true;
+    });
+  }();
+  if (report.stored)
+    changesAreStored();
+  show(options, report);
+  return report.rejectedLines() ? incomplete : done;
 }
 
 } // namespace
@@ -100,7 +80,7 @@ ExitCode run(const Options& options, const Globals& globals)
 void addImport(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "import",
        .description = "Bring in cut lists and log files, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
@@ -112,9 +92,9 @@ void addImport(CommandLine& line)
            "with its number, and the exit code is 4. A line that is odd but can be read is kept, with a warning.\n"
            "A file that cannot be read costs the import: nothing is brought in, of none of the files."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeTexts(app, "FILE", options->files, "The files")->required()->type_name("");
-  takeFlag(app, "--dry-run", options->dryRun, "Report what would happen and change nothing");
-  takeJson(app, options->json);
+  command.texts("FILE", options->files, "The files").required().shownAs("");
+  command.flag("--dry-run", options->dryRun, "Report what would happen and change nothing");
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

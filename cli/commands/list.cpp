@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
+
+#include "app/json/json.h"
+#include "app/reels.h"
+#include "commands/tables.h"
 #include "text/counted.h"
-#include "app/host_text.h"
-#include "app/reel.h"
-#include "app/session.h"
+#include "text/output.h"
 #include "text/table.h"
 
 namespace reeldb::cli {
@@ -14,7 +16,7 @@ struct Options {
   bool json = false;
 };
 
-void printTable(const std::vector<Reel>& reels, ReelDbManager& manager)
+void printTable(const std::vector<app::Reel>& reels)
 {
   std::vector<Column> columns = {{"REEL"}, {"TYPE"}, {"AVAILABLE"}, {"INHIBIT"}};
   columns.push_back({.title = "SHOTS", .number = true});
@@ -22,12 +24,12 @@ void printTable(const std::vector<Reel>& reels, ReelDbManager& manager)
   columns.push_back({.title = "AUDIO", .number = true});
   for (const char* title : {"LAST DEVICE", "LABEL MAP", "BIN"})
     columns.push_back({.title = title, .optional = true});
-  for (std::size_t i = 0; i < userFieldCount; ++i)
-    columns.push_back({.title = text(manager.userFieldName(static_cast<int>(i))), .optional = true});
+  for (const std::string& name : app::userFieldNames())
+    columns.push_back({.title = name, .optional = true});
   Table table(std::move(columns));
-  for (const Reel& reel : reels) {
+  for (const app::Reel& reel : reels) {
     std::vector<std::string> row = {reel.id,
-                                    reel.type.empty() ? "-" : reel.type,
+                                    orDash(reel.type),
                                     std::string(yesOrNo(reel.available)),
                                     std::string(yesOrNo(reel.inhibit)),
                                     std::to_string(reel.shots),
@@ -45,18 +47,14 @@ void printTable(const std::vector<Reel>& reels, ReelDbManager& manager)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  Session session(globals, reelhost::Access::Read);
-  const std::vector<Reel> reels = readReels(session.manager(), reelhost::shotCounts());
-  if (options.json) {
-    Json json = Json::array();
-    for (const Reel& reel : reels)
-      json.push_back(toJson(reel));
-    printJson(json);
-  } else if (reels.empty()) {
+  app::Session session(globals.project, app::Access::Read);
+  const std::vector<app::Reel> reels = app::listReels(session);
+  if (options.json)
+    print(app::jsonText(reels));
+  else if (reels.empty())
     print("no reels yet (reeldb import FILE makes them, or reeldb create ID)\n");
-  } else {
-    printTable(reels, session.manager());
-  }
+  else
+    printTable(reels);
   return done;
 }
 
@@ -65,13 +63,13 @@ ExitCode run(const Options& options, const Globals& globals)
 void addList(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "list",
        .description = "List the reels of the project",
        .examples = {"reeldb list", "reeldb list --json"},
        .details = "Channels are those of the reel's own log. Shots are counted by identifier, letter case aside."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeJson(app, options->json);
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

@@ -1,19 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <fmt/format.h>
 
-#include "commands/commands.h"
+#include "app/json/json.h"
+#include "app/reels.h"
+#include "app/rename.h"
+#include "base/display_text.h"
+#include "commands/tables.h"
 #include "text/counted.h"
-#include "text/display_text.h"
-#include "line/failure.h"
-#include "app/host_text.h"
-#include "app/old_names.h"
-#include "app/reel_name.h"
-#include "app/session.h"
-#include "app/shot.h"
+#include "text/output.h"
 
 namespace reeldb::cli {
 
 namespace {
+
+using base::displayText;
 
 struct Options {
   std::string oldId, newId;
@@ -21,56 +23,31 @@ struct Options {
   bool json = false;
 };
 
-/// Throws Failure when another reel is called that. The library would take the name all the same.
-void requireFree(ReelDbManager& manager, const ReelDbRec& reel, const std::string& id)
+void report(const app::Renamed& renamed)
 {
-  ReelDbRec other = manager.getReelInfo(hostText(id));
-  if (other.valid() && other.compare(reel) != 0)
-    throw Failure(refused, fmt::format("\"{}\": exists already", shortText(text(other.reelId()))));
-}
-
-/// The shots that bear the reel's identifier, as they are under the new one.
-std::vector<reelhost::Material> shotsUnder(const std::string& newId, const CookieVec& logs)
-{
-  std::vector<reelhost::Material> shots = materialOf(logs);
-  for (reelhost::Material& shot : shots)
-    shot.reel = newId;
-  return shots;
+  if (renamed.from == renamed.to) {
+    print(fmt::format("{}: is called that already\n", displayText(renamed.from)));
+    return;
+  }
+  if (!renamed.shots.empty())
+    printShots(renamed.shots);
+  print(fmt::format("{} {} {}, in {} too\n", displayText(renamed.from), renamed.dryRun ? "would be" : "is now",
+                    displayText(renamed.to), counted(renamed.shots.size(), "shot")));
+  if (renamed.dryRun)
+    print("dry run: the project stays as it was\n");
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  const std::string after = checkedReelName(options.newId);
-  Session session(globals, options.dryRun ? reelhost::Access::Read : reelhost::Access::Write);
-  ReelDbManager& manager = session.manager();
-  ReelDbRec reel = session.requireReel(options.oldId);
-  const std::string before = text(reel.reelId());
-  requireFree(manager, reel, after);
-  if (before != after)
-    warnOfSpecialName(after);
-  const auto shots = shotsUnder(after, before == after ? CookieVec() : shotsOf(before));
-  if (before != after && !options.dryRun) {
-    manager.changeReelId(hostText(before), hostText(after));
-    if (folded(before) != folded(after))
-      keepOldName(reel, before);
-  }
-  const bool stored = !options.dryRun && session.commit();
-  if (options.json) {
-    Json json = {{"from", before}, {"to", after}, {"dry_run", options.dryRun}, {"stored", stored}};
-    json["shots"] = toJson(shots);
-    printJson(json);
-    return done;
-  }
-  if (before == after) {
-    print(fmt::format("{}: is called that already\n", displayText(before)));
-    return done;
-  }
-  if (!shots.empty())
-    printShots(shots);
-  print(fmt::format("{} {} {}, in {} too\n", displayText(before), options.dryRun ? "would be" : "is now",
-                    displayText(after), counted(shots.size(), "shot")));
-  if (options.dryRun)
-    print("dry run: the project stays as it was\n");
+  app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
+  const app::Renamed renamed = app::renameReel(session, options.oldId, options.newId, options.dryRun);
+  if (renamed.stored)
+    changesAreStored();
+  complainOf(renamed.remarks);
+  if (options.json)
+    print(app::jsonText(renamed));
+  else
+    report(renamed);
   return done;
 }
 
@@ -79,7 +56,7 @@ ExitCode run(const Options& options, const Globals& globals)
 void addRename(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "rename",
        .description = "Rename a reel, and every shot recorded from it",
        .examples = {"reeldb rename --dry-run A001 A001B", "reeldb rename A001 A001B", "reeldb rename A001B a001b"},
@@ -87,12 +64,12 @@ void addRename(CommandLine& line)
            "Outer blanks of the new name do not count. A name that another reel has, letter case aside, is\n"
            "refused; another spelling of the reel's own name is not. reeldb which still finds the reel by the\n"
            "old name.\n{}",
-           reelNameRule)},
+           app::reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeText(app, "OLD", options->oldId, "The reel")->required()->type_name("");
-  takeText(app, "NEW", options->newId, "Its new identifier")->required()->type_name("");
-  takeFlag(app, "--dry-run", options->dryRun, "Report what would happen and change nothing");
-  takeJson(app, options->json);
+  command.text("OLD", options->oldId, "The reel").required().shownAs("");
+  command.text("NEW", options->newId, "Its new identifier").required().shownAs("");
+  command.flag("--dry-run", options->dryRun, "Report what would happen and change nothing");
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <fmt/format.h>
 
-#include "commands/commands.h"
+#include "app/json/json.h"
+#include "app/reel_fields.h"
+#include "base/display_text.h"
+#include "commands/tables.h"
 #include "line/assignment.h"
-#include "text/display_text.h"
-#include "line/failure.h"
-#include "app/host_text.h"
 #include "text/output.h"
-#include "app/reel_field.h"
-#include "app/session.h"
 
 namespace reeldb::cli {
 
@@ -20,72 +20,25 @@ struct Options {
   bool json = false;
 };
 
-struct Change {
-  std::string field, before, after;
-  bool changed;
-};
-
-struct Wanted {
-  ReelField field;
-  std::string value;
-};
-
-/// Everything is looked at before anything is written.
-std::vector<Wanted> readAssignments(const std::vector<std::string>& texts, ReelDbManager& manager)
+void printChanges(const app::ChangedReel& changed)
 {
-  std::vector<Wanted> result;
-  for (const std::string& given : texts) {
-    Assignment assignment = parseAssignment(given);
-    ReelField field = findReelField(assignment.field, manager);
-    field.check(assignment.value);
-    for (const Wanted& other : result)
-      if (other.field.name == field.name)
-        throw Failure(usage, fmt::format("{}: given twice", field.name));
-    result.push_back({std::move(field), std::move(assignment.value)});
-  }
-  return result;
-}
-
-Json toJson(const std::string& id, const std::vector<Change>& changes)
-{
-  Json json;
-  json["id"] = id;
-  json["changed"] = Json::array();
-  json["unchanged"] = Json::array();
-  for (const Change& change : changes) {
-    if (change.changed)
-      json["changed"].push_back({{"field", change.field}, {"from", change.before}, {"to", change.after}});
-    else
-      json["unchanged"].push_back({{"field", change.field}, {"value", change.after}});
-  }
-  return json;
-}
-
-void printChanges(const std::string& id, const std::vector<Change>& changes)
-{
-  const auto shown = [](const std::string& value) { return value.empty() ? "-" : displayText(value); };
-  for (const Change& change : changes)
-    print(fmt::format("{}: {}: {} ({})\n", displayText(id), change.field, shown(change.after),
-                      change.changed ? "was " + shown(change.before) : "already so"));
+  const auto shown = [](const std::string& value) { return base::displayText(orDash(value)); };
+  for (const app::FieldChange& change : changed.changes)
+    print(fmt::format("{}: {}: {} ({})\n", base::displayText(changed.id), change.field, shown(change.after),
+                      change.changed() ? "was " + shown(change.before) : "already so"));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  Session session(globals, reelhost::Access::Write);
-  ReelDbRec reel = session.requireReel(options.id);
-  const std::string id = text(reel.reelId());
-  std::vector<Change> changes;
-  for (const Wanted& wanted : readAssignments(options.assignments, session.manager())) {
-    const std::string before = wanted.field.read(reel);
-    wanted.field.write(reel, wanted.value);
-    const std::string after = wanted.field.read(reel);
-    changes.push_back({wanted.field.name, before, after, before != after});
-  }
-  session.commit();
+  const std::vector<app::Assignment> assignments = parseAssignments(options.assignments);
+  app::Session session(globals.project, app::Access::Write);
+  const app::ChangedReel changed = app::changeReel(session, options.id, assignments);
+  changesAreStored();
+  complainOf(changed.remarks);
   if (options.json)
-    printJson(toJson(id, changes));
+    print(app::jsonText(changed));
   else
-    printChanges(id, changes);
+    printChanges(changed);
   return done;
 }
 
@@ -94,26 +47,27 @@ ExitCode run(const Options& options, const Globals& globals)
 void addSet(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add(
+  Command command = line.add(
       {.name = "set",
        .description = "Change what is known of a reel",
        .examples = {"reeldb set A001 \"type=Tape 4ch\" available=no", "reeldb set A001 0=12A bin=\"Shelf 4\"",
                     "reeldb set A001 \"User field 2=rain\" user-field.2=night", "reeldb set A001 last-device="},
-       .details = "Fields:\n"
-                  "  type           a reel type; reeldb types lists them\n"
-                  "  available      yes or no: whether the reel is at hand\n"
-                  "  inhibit        yes or no: whether recording on it is inhibited\n"
-                  "  label-mapping  a label map, or \"Device default\"\n"
-                  "  bin            a bin\n"
-                  "  last-device    the name of a device; reeldb devices lists them\n"
-                  "  user-field.N   user field N, counted from 0; also N alone, or the field's name as reeldb fields\n"
-                  "                 shows it, letter case aside\n"
-                  "An empty value takes the value away. Channels are added to suit a new type or device, never\n"
-                  "removed. Nothing is written unless every field and value makes sense."},
+       .details =
+           "Fields:\n"
+           "  type           a reel type; reeldb type list lists them\n"
+           "  available      yes or no: whether the reel is at hand\n"
+           "  inhibit        yes or no: whether recording on it is inhibited\n"
+           "  label-map      a label map, or \"Device default\"\n"
+           "  bin            a bin\n"
+           "  last-device    the name of a device; reeldb device list lists them\n"
+           "  user-field.N   user field N, counted from 0; also N alone, or the field's name as reeldb field list\n"
+           "                 shows it, letter case aside\n"
+           "An empty value takes the value away. Channels are added to suit a new type or device, never\n"
+           "removed. Nothing is written unless every field and value makes sense."},
       [options](const Globals& globals) { return run(*options, globals); });
-  takeText(app, "ID", options->id, "The reel")->required()->type_name("");
-  takeTexts(app, "FIELD=VALUE", options->assignments, "What to change")->required()->type_name("");
-  takeJson(app, options->json);
+  command.text("ID", options->id, "The reel").required().shownAs("");
+  command.texts("FIELD=VALUE", options->assignments, "What to change").required().shownAs("");
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

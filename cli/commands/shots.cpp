@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "commands/commands.h"
+
 #include <fmt/format.h>
 
-#include "commands/commands.h"
+#include "app/json/json.h"
+#include "app/shots.h"
+#include "base/display_text.h"
+#include "commands/tables.h"
 #include "text/counted.h"
-#include "text/display_text.h"
-#include "app/host_text.h"
-#include "app/session.h"
-#include "app/shot.h"
+#include "text/output.h"
 
 namespace reeldb::cli {
 
@@ -19,16 +21,15 @@ struct Options {
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  Session session(globals, reelhost::Access::Read);
-  const std::string id = text(session.requireReel(options.id).reelId());
-  const auto shots = materialOf(shotsOf(id));
+  app::Session session(globals.project, app::Access::Read);
+  const app::ReelShots found = app::shotsOfReel(session, options.id);
   if (options.json) {
-    printJson(toJson(shots));
+    print(app::jsonText(found.shots));
     return done;
   }
-  if (!shots.empty())
-    printShots(shots);
-  print(fmt::format("{} from reel {}\n", counted(shots.size(), "shot"), displayText(id)));
+  if (!found.shots.empty())
+    printShots(found.shots);
+  print(fmt::format("{} from reel {}\n", counted(found.shots.size(), "shot"), base::displayText(found.reel)));
   return done;
 }
 
@@ -37,12 +38,12 @@ ExitCode run(const Options& options, const Globals& globals)
 void addShots(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  CLI::App& app = line.add({.name = "shots",
-                            .description = "List the shots recorded from a reel",
-                            .examples = {"reeldb shots A001", "reeldb shots --json A001"}},
-                           [options](const Globals& globals) { return run(*options, globals); });
-  takeText(app, "ID", options->id, "The reel")->required()->type_name("");
-  takeJson(app, options->json);
+  Command command = line.add({.name = "shots",
+                              .description = "List the shots recorded from a reel",
+                              .examples = {"reeldb shots A001", "reeldb shots --json A001"}},
+                             [options](const Globals& globals) { return run(*options, globals); });
+  command.text("ID", options->id, "The reel").required().shownAs("");
+  command.json(options->json);
 }
 
 } // namespace reeldb::cli

@@ -3,17 +3,17 @@
 #define REELDB_CLI_ASSIGNMENT_H
 
 #include <string>
+#include <vector>
+
+#include "app/reel_fields.h"
 
 namespace reeldb::cli {
 
-/// An argument of the form field=value; the value may hold further equals signs and may be empty.
-struct Assignment {
-  std::string field, value;
-};
+/// An argument of the form field=value; the value may hold further equals signs and may be empty. Throws app::Error
+/// (Invalid) for another one.
+app::Assignment parseAssignment(const std::string& argument);
 
-/// Throws Failure when it is none (usage), when the value cannot be shown and handed on (usage), or when it is longer
-/// than a field can give back.
-Assignment parseAssignment(const std::string& argument);
+std::vector<app::Assignment> parseAssignments(const std::vector<std::string>& arguments);
 
 } // namespace reeldb::cli
 

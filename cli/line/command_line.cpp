@@ -2,15 +2,17 @@
 #include "line/command_line.h"
 
 #include <algorithm>
+#include <map>
 #include <string_view>
 
+#include <CLI/App.hpp>
 #include <CLI/Config.hpp>
 #include <CLI/Formatter.hpp>
 #include <fmt/format.h>
 
-#include "ReelDbVersion.h"
-#include "commands/commands.h"
-#include "text/display_text.h"
+#include "app/process.h"
+#include "base/text_width.h"
+#include "line/guess.h"
 
 namespace reeldb::cli {
 
@@ -73,22 +75,39 @@ std::string path(const CLI::App& app)
   return app.get_parent() ? path(*app.get_parent()) + " " + app.get_name() : app.get_name();
 }
 
+bool hasCommands(const CLI::App& app)
+{
+  return !app.get_subcommands([](const CLI::App*) { return true; }).empty();
+}
+
+/// "WORD": no such command, and the one that may have been meant.
+std::string unknownCommand(const CLI::App& group, const std::string& word)
+{
+  std::vector<std::string> names;
+  for (const CLI::App* const command : group.get_subcommands([](const CLI::App*) { return true; }))
+    names.push_back(command->get_name());
+  const std::string meant = guess(word, names);
+  return fmt::format("\"{}\": no such command ({}{} --help tells more)", base::shortText(word),
+                     meant.empty() ? "" : "perhaps " + meant + "; ", path(group));
+}
+
+/// What is wrong with the line, with what to do.
 std::string fault(const CLI::App& root, const CLI::App& command, const CLI::ParseError& error)
 {
+  const std::string hint = " (" + path(command) + " --help tells more)";
   std::vector<std::string> left = root.remaining(true);
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
-  const std::string argument = left.empty() ? "" : '"' + shortText(unmarked(left.front())) + '"';
-  const bool missesCommand = !command.get_subcommands([](const CLI::App*) { return true; }).empty();
-  if (dynamic_cast<const CLI::RequiredError*>(&error) && missesCommand)
-    return argument.empty() ? "no command given" : argument + ": no such command";
-  if (dynamic_cast<const CLI::ExtrasError*>(&error) && !argument.empty())
-    return argument +
-           (command.get_option_no_throw(left.front()) ? ": not expected before the command" : ": not expected here");
+  if (dynamic_cast<const CLI::RequiredError*>(&error) && hasCommands(command))
+    return left.empty() ? "no command given" + hint : unknownCommand(command, unmarked(left.front()));
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) && !left.empty())
+    return '"' + base::shortText(unmarked(left.front())) + '"' +
+           (command.get_option_no_throw(left.front()) ? ": not expected before the command" : ": not expected here") +
+           hint;
   const std::string text = error.what();
   if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
     return text.substr(0, text.find(": ")) +
-           (text.find("missing") != std::string::npos ? ": a value is missing" : ": given more than once");
-  return text;
+           (text.find("missing") != std::string::npos ? ": a value is missing" : ": given more than once") + hint;
+  return text + hint;
 }
 
 CLI::Option* takeResults(CLI::App& app, const std::string& name, const std::string& description,
@@ -103,51 +122,112 @@ CLI::Option* takeResults(CLI::App& app, const std::string& name, const std::stri
 
 } // namespace
 
-CommandLine::CommandLine()
-    : app_("Reels of a project: imports cut lists and log files, and keeps what is known of each reel.", "reeldb")
+struct CommandLine::Parser {
+  struct Entry {
+    Run run;
+    bool needsFacility;
+  };
+
+  CLI::App app{"Reels of a project: imports cut lists and log files, and keeps what is known of each reel.", "reeldb"};
+  Globals globals;
+  std::map<const CLI::App*, Entry> commands;
+  CLI::App* help = nullptr;
+  std::vector<std::string> helpWords;
+
+  const CLI::App& chosen() const
+  {
+    const CLI::App* found = &app;
+    while (!found->get_subcommands().empty())
+      found = found->get_subcommands().back();
+    return *found;
+  }
+
+  /// The help of the command that the words name.
+  Reading helpFor(const std::vector<std::string>& words)
+  {
+    CLI::App* found = &app;
+    for (const std::string& word : words) {
+      const auto named = found->get_subcommands([&](const CLI::App* command) { return command->get_name() == word; });
+      if (named.empty()) {
+        Reading reading;
+        reading.code = usage;
+        reading.message = "help: " + unknownCommand(*found, word);
+        return reading;
+      }
+      found = named.front();
+    }
+    Reading reading;
+    reading.text = found->get_formatter()->make_help(found, path(*found), CLI::AppFormatMode::Normal);
+    return reading;
+  }
+};
+
+CommandLine::CommandLine() : parser_(std::make_unique<Parser>())
 {
+  CLI::App& app = parser_->app;
   auto formatter = std::make_shared<CLI::Formatter>();
   formatter->label("Positionals", "Arguments");
   formatter->label("SUBCOMMAND", "COMMAND");
   formatter->column_width(28);
-  app_.formatter(formatter);
-  app_.set_help_flag("-h,--help", "Show this text, or that of a command");
-  app_.set_version_flag(
-      "--version", [] { return std::string("reeldb ") + reeldbDllVersionStr(); }, "Show the version of the library");
-  app_.require_subcommand(1);
-  app_.footer(generalHelp);
-  takeText(app_, "-C,--facility", globals_.facility, "The facility to work in")->type_name("DIR");
-  takeText(app_, "-p,--project", globals_.project, "The project to work on")->type_name("PROJECT");
-  takeFlag(app_, "--trace", globals_.trace, "Show every call of the library to its host on standard error");
-  addCommands(*this);
+  app.formatter(formatter);
+  app.set_help_flag("-h,--help", "Show this text, or that of a command");
+  app.set_version_flag(
+      "--version", [] { return "reeldb " + app::libraryVersion(); }, "Show the version of the library");
+  app.require_subcommand(1);
+  app.footer(generalHelp);
+  Command root(&app);
+  root.text("-C,--facility", parser_->globals.facility, "The facility to work in").shownAs("DIR");
+  root.text("-p,--project", parser_->globals.project, "The project to work on").shownAs("PROJECT");
+  root.flag("--trace", parser_->globals.trace, "Show every call of the library to its host on standard error");
 }
 
-CLI::App& CommandLine::add(CLI::App& group, CommandInfo info, Run run)
+CommandLine::~CommandLine() = default;
+
+Command CommandLine::add(CommandInfo info, Run run)
 {
-  CLI::App& app = *group.add_subcommand(info.name, info.description);
+  return add(Command(&parser_->app), std::move(info), std::move(run));
+}
+
+Command CommandLine::add(const Command& group, CommandInfo info, Run run)
+{
+  CLI::App& app = *group.app_->add_subcommand(info.name, info.description);
   app.group("Commands");
   app.fallthrough();
   app.footer(examplesText(info));
-  commands_[&app] = {std::move(run), info.needsFacility};
-  return app;
+  parser_->commands[&app] = {std::move(run), info.needsFacility};
+  return Command(&app);
 }
 
-CLI::App& CommandLine::addGroup(const std::string& name, const std::string& description, const std::string& example)
+Command CommandLine::addGroup(const std::string& name, const std::string& description, const std::string& example)
 {
-  CLI::App& app = *app_.add_subcommand(name, description);
+  CLI::App& app = *parser_->app.add_subcommand(name, description);
   app.group("Commands");
   app.fallthrough();
   app.require_subcommand(1);
   app.footer(fmt::format("reeldb {} COMMAND --help tells about each.\n\nExample:\n  {}", name, example));
-  return app;
+  return Command(&app);
 }
 
-const CLI::App& CommandLine::chosen() const
+void CommandLine::addHelp()
 {
-  const CLI::App* app = &app_;
-  while (!app->get_subcommands().empty())
-    app = app->get_subcommands().back();
-  return *app;
+  Command help = add({.name = "help",
+                      .description = "Show the help of a command",
+                      .examples = {"reeldb help import", "reeldb help project new"},
+                      .details = "Without a command it shows the general help, as reeldb --help does.",
+                      .needsFacility = false},
+                     {});
+  help.texts("COMMAND", parser_->helpWords, "The command").shownAs("");
+  parser_->help = help.app_;
+}
+
+const Globals& CommandLine::globals() const
+{
+  return parser_->globals;
+}
+
+Completion CommandLine::complete(const std::vector<std::string>& words) const
+{
+  return completionOf(parser_->app, words);
 }
 
 Reading CommandLine::read(int argc, char** argv)
@@ -158,58 +238,92 @@ Reading CommandLine::read(int argc, char** argv)
   std::transform(arguments.begin(), arguments.end(), arguments.begin(), marked);
   std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
   Reading reading;
+  CLI::App& app = parser_->app;
+  const auto refuse = [&](const std::string& what) {
+    const CLI::App& command = parser_->chosen();
+    const std::string words = path(command);
+    const std::string subject = &command == &app ? "" : words.substr(words.find(' ') + 1) + ": ";
+    reading.code = usage;
+    reading.message = subject + what;
+  };
   try {
-    app_.parse(std::move(arguments));
-    const Entry& entry = commands_.at(&chosen());
+    app.parse(std::move(arguments));
+    const CLI::App& command = parser_->chosen();
+    if (&command == parser_->help)
+      return parser_->helpFor(parser_->helpWords);
+    if (parser_->globals.facility && parser_->globals.facility->empty()) {
+      refuse("-C: no folder given (-C DIR names the facility)");
+      return reading;
+    }
+    const Parser::Entry& entry = parser_->commands.at(&command);
     reading.run = entry.run;
     reading.needsFacility = entry.needsFacility;
   } catch (const CLI::CallForHelp&) {
-    reading.text = app_.help();
+    const CLI::App& command = parser_->chosen();
+    const std::vector<std::string> left = app.remaining(true);
+    if (hasCommands(command) && !left.empty())
+      refuse(unknownCommand(command, unmarked(left.front())));
+    else
+      reading.text = app.help();
   } catch (const CLI::CallForVersion& version) {
     reading.text = std::string(version.what()) + "\n";
   } catch (const CLI::ParseError& error) {
-    const CLI::App& command = chosen();
-    const std::string words = path(command);
-    const std::string subject = &command == &app_ ? "" : words.substr(words.find(' ') + 1) + ": ";
-    reading.code = usage;
-    reading.message = subject + fault(app_, command, error) + " (" + words + " --help tells more)";
+    refuse(fault(app, parser_->chosen(), error));
   }
   return reading;
 }
 
-CLI::Option* takeText(CLI::App& app, const std::string& name, std::string& value, const std::string& description)
+// --- What commands take ----------------------------------------------------------------------------
+
+Argument& Argument::required()
 {
-  return takeResults(app, name, description,
-                     [&value](const CLI::results_t& results) { value = unmarked(results.front()); });
+  option_->required();
+  return *this;
 }
 
-CLI::Option* takeText(CLI::App& app, const std::string& name, std::optional<std::string>& value,
-                      const std::string& description)
+Argument& Argument::shownAs(const std::string& metavariable)
 {
-  return takeResults(app, name, description,
-                     [&value](const CLI::results_t& results) { value = unmarked(results.front()); });
+  option_->type_name(metavariable);
+  return *this;
 }
 
-CLI::Option* takeTexts(CLI::App& app, const std::string& name, std::vector<std::string>& values,
-                       const std::string& description)
+Argument& Argument::oneEachTime()
 {
-  return takeResults(app, name, description,
-                     [&values](const CLI::results_t& results) {
-                       values.clear();
-                       std::transform(results.begin(), results.end(), std::back_inserter(values), unmarked);
-                     })
-      ->expected(1, CLI::detail::expected_max_vector_size)
-      ->allow_extra_args();
+  option_->allow_extra_args(false);
+  return *this;
 }
 
-void takeFlag(CLI::App& app, const std::string& name, bool& value, const std::string& description)
+Argument Command::text(const std::string& name, std::string& value, const std::string& description)
 {
-  app.add_flag(name, value, description);
+  return Argument(takeResults(*app_, name, description,
+                              [&value](const CLI::results_t& results) { value = unmarked(results.front()); }));
 }
 
-void takeJson(CLI::App& app, bool& value)
+Argument Command::text(const std::string& name, std::optional<std::string>& value, const std::string& description)
 {
-  takeFlag(app, "--json", value, "Report as JSON");
+  return Argument(takeResults(*app_, name, description,
+                              [&value](const CLI::results_t& results) { value = unmarked(results.front()); }));
+}
+
+Argument Command::texts(const std::string& name, std::vector<std::string>& values, const std::string& description)
+{
+  return Argument(takeResults(*app_, name, description,
+                              [&values](const CLI::results_t& results) {
+                                values.clear();
+                                std::transform(results.begin(), results.end(), std::back_inserter(values), unmarked);
+                              })
+                      ->expected(1, CLI::detail::expected_max_vector_size)
+                      ->allow_extra_args());
+}
+
+void Command::flag(const std::string& name, bool& value, const std::string& description)
+{
+  app_->add_flag(name, value, description);
+}
+
+void Command::json(bool& value)
+{
+  flag("--json", value, "Report as JSON");
 }
 
 } // namespace reeldb::cli

@@ -5,27 +5,23 @@
 #define REELDB_CLI_COMMAND_LINE_H
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include <CLI/App.hpp>
-
 #include "line/completion.h"
 #include "line/exit_code.h"
+#include "line/globals.h"
+
+namespace CLI {
+class App;
+class Option;
+} // namespace CLI
 
 namespace reeldb::cli {
 
-/// What can be said with any command.
-struct Globals {
-  std::optional<std::string> facility; ///< the folder given with -C; the front has resolved it, only init asks
-  std::optional<std::string> project;  ///< given with -p
-  bool trace = false;
-};
-
-/// Carries a command out. Throws Failure or reelhost::Error when it cannot.
+/// Carries a command out. Throws app::Error when it cannot.
 using Run = std::function<ExitCode(const Globals&)>;
 
 struct CommandInfo {
@@ -45,47 +41,64 @@ struct Reading {
   std::string message;        ///< or what is wrong with the line
 };
 
+/// An argument or option of a command, while the command is put together.
+class Argument {
+public:
+  explicit Argument(CLI::Option* option) : option_(option) {}
+  Argument& required();
+  /// What help calls the value: "NUMBER". It decides, too, what a shell completes there.
+  Argument& shownAs(const std::string& metavariable);
+  /// A repeatable option takes one value each time: the words that follow belong to something else.
+  Argument& oneEachTime();
+
+private:
+  CLI::Option* option_;
+};
+
+/// A command or a group of commands, while the command line is put together. Values come as texts, byte for byte.
+class Command {
+public:
+  explicit Command(CLI::App* app) : app_(app) {}
+
+  /// A positional argument or an option, by its name: "ID", "--rate".
+  Argument text(const std::string& name, std::string& value, const std::string& description);
+  Argument text(const std::string& name, std::optional<std::string>& value, const std::string& description);
+  /// Any number of them, at least one if it is given.
+  Argument texts(const std::string& name, std::vector<std::string>& values, const std::string& description);
+  void flag(const std::string& name, bool& value, const std::string& description);
+  /// The flag --json of every command that lists or reports.
+  void json(bool& value);
+
+private:
+  friend class CommandLine;
+  CLI::App* app_;
+};
+
 class CommandLine {
 public:
   CommandLine();
+  ~CommandLine();
 
   /// Adds a command, or one that belongs to a group.
-  CLI::App& add(CommandInfo info, Run run) { return add(app_, std::move(info), std::move(run)); }
-  CLI::App& add(CLI::App& group, CommandInfo info, Run run);
-  /// Adds a word under which commands stand. The example is a whole command line, like those of commands.
-  CLI::App& addGroup(const std::string& name, const std::string& description, const std::string& example);
+  Command add(CommandInfo info, Run run);
+  Command add(const Command& group, CommandInfo info, Run run);
+  /// Adds a noun under which commands stand. The example is a whole command line, like those of commands.
+  Command addGroup(const std::string& name, const std::string& description, const std::string& example);
+
+  /// Adds the command help, which shows the help of any other.
+  void addHelp();
 
   /// Reads a line as main gets it. Once.
   Reading read(int argc, char** argv);
-  const Globals& globals() const { return globals_; }
+  const Globals& globals() const;
 
   /// What may stand in place of the last of these words, or go on from it.
-  Completion complete(const std::vector<std::string>& words) const { return completionOf(app_, words); }
+  Completion complete(const std::vector<std::string>& words) const;
 
 private:
-  struct Entry {
-    Run run;
-    bool needsFacility;
-  };
-  const CLI::App& chosen() const;
-
-  CLI::App app_;
-  Globals globals_;
-  std::map<const CLI::App*, Entry> commands_;
+  struct Parser;
+  std::unique_ptr<Parser> parser_;
 };
-
-// --- What commands take. All values come as texts, byte for byte -----------------------------------------------------
-
-/// A positional argument or an option, by its name: "ID", "--rate".
-CLI::Option* takeText(CLI::App& app, const std::string& name, std::string& value, const std::string& description);
-CLI::Option* takeText(CLI::App& app, const std::string& name, std::optional<std::string>& value,
-                      const std::string& description);
-/// Any number of them, at least one if it is given.
-CLI::Option* takeTexts(CLI::App& app, const std::string& name, std::vector<std::string>& values,
-                       const std::string& description);
-void takeFlag(CLI::App& app, const std::string& name, bool& value, const std::string& description);
-/// The flag --json of every command that lists or reports.
-void takeJson(CLI::App& app, bool& value);
 
 } // namespace reeldb::cli
 

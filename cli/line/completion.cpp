@@ -3,8 +3,13 @@
 
 #include <map>
 #include <string_view>
+#include <utility>
+
+#include <CLI/App.hpp>
 
 namespace reeldb::cli {
+
+using app::ValueKind;
 
 namespace {
 
@@ -133,18 +138,18 @@ private:
     return nullptr;
   }
 
-  std::vector<CompletionWord> commands() const
+  std::vector<app::Choice> commands() const
   {
-    std::vector<CompletionWord> words;
+    std::vector<app::Choice> words;
     for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; }))
       words.push_back({command->get_name(), command->get_description()});
     return words;
   }
 
   /// Every option by its long name; behind a command also those that go with any.
-  std::vector<CompletionWord> options() const
+  std::vector<app::Choice> options() const
   {
-    std::vector<CompletionWord> words;
+    std::vector<app::Choice> words;
     const auto add = [&](const CLI::App& app, bool all) {
       for (const CLI::Option* const option : app.get_options())
         if (!option->get_positional() && (all || !isForRootAlone(*option)))

@@ -8,26 +8,22 @@
 #include <string>
 #include <vector>
 
-#include <CLI/App.hpp>
+#include "app/completion.h"
+
+namespace CLI {
+class App;
+} // namespace CLI
 
 namespace reeldb::cli {
 
-/// What a value names. Help shows it as a word in capitals, and that word decides.
-enum class ValueKind { Other, Reel, Device, Project, LabelMap, FrameRate, Field, File, Folder };
-
-/// The kind of value that help calls so.
-ValueKind valueKindOf(const std::string& metavariable);
-
-struct CompletionWord {
-  std::string word;
-  std::string description; ///< one line; may be empty
-};
+/// The kind of value that help calls so: the word in capitals decides.
+app::ValueKind valueKindOf(const std::string& metavariable);
 
 struct Completion {
   std::string start; ///< what the word typed begins with before the value: "", "--project="
   std::string typed; ///< what there is of the value
-  ValueKind value = ValueKind::Other;
-  std::vector<CompletionWord> words;  ///< commands or options that may stand there instead of a value
+  app::ValueKind value = app::ValueKind::Other;
+  std::vector<app::Choice> words;     ///< commands or options that may stand there instead of a value
   std::optional<std::string> project; ///< that an option before it has chosen
 };
 

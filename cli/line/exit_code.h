@@ -2,9 +2,11 @@
 #ifndef REELDB_CLI_EXIT_CODE_H
 #define REELDB_CLI_EXIT_CODE_H
 
+#include "app/error.h"
+
 namespace reeldb::cli {
 
-/// What the command tells its caller. The codes are documented in `reeldb --help` and stay as they are.
+/// How the command ends. The codes are documented in `reeldb --help` and stay as they are.
 enum ExitCode : int {
   done = 0,
   refused = 1,    ///< nothing found, or the request makes no sense as things are
@@ -12,6 +14,26 @@ enum ExitCode : int {
   unreadable = 3, ///< damaged or unreadable data, or the system refused a read or write
   incomplete = 4, ///< done, but some input lines were rejected
 };
+
+/// The exit code for an error of an operation.
+constexpr ExitCode exitCodeOf(app::ErrorKind kind)
+{
+  using app::ErrorKind;
+  switch (kind) {
+  case ErrorKind::Invalid:
+    return usage;
+  case ErrorKind::NotFound:
+  case ErrorKind::Refused:
+  case ErrorKind::ReadOnly:
+  case ErrorKind::Busy:
+  case ErrorKind::Cancelled:
+    return refused;
+  case ErrorKind::Unreadable:
+  case ErrorKind::Io:
+    return unreadable;
+  }
+  return unreadable;
+}
 
 } // namespace reeldb::cli
 

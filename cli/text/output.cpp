@@ -6,9 +6,8 @@
 #include <cstring>
 
 #include <fmt/format.h>
-#include <utf8.h>
 
-#include "text/display_text.h"
+#include "base/display_text.h"
 
 namespace reeldb::cli {
 
@@ -30,22 +29,6 @@ void flush()
     noteFailure();
 }
 
-std::string dumped(const Json& value, int indent)
-{
-  const std::string text = value.dump(indent, ' ', false, Json::error_handler_t::replace);
-  std::string result;
-  result.reserve(text.size() + 1);
-  for (auto at = text.begin(); at != text.end();) {
-    const auto start = at;
-    // Below 0x7F stands what the dump has escaped itself, and its own line ends.
-    if (const char32_t c = utf8::next(at, text.end()); c >= 0x7F && reelhost::isShownEscaped(c))
-      result += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
-    else
-      result.append(start, at);
-  }
-  return result += '\n';
-}
-
 } // namespace
 
 void print(std::string_view text)
@@ -54,24 +37,9 @@ void print(std::string_view text)
     noteFailure();
 }
 
-std::string jsonText(const Json& value)
-{
-  return dumped(value, 2);
-}
-
-std::string jsonLine(const Json& value)
-{
-  return dumped(value, -1);
-}
-
-void printJson(const Json& value)
-{
-  print(jsonText(value));
-}
-
 void complain(std::string_view message)
 {
-  const std::string line = "reeldb: " + displayText(message) + "\n";
+  const std::string line = "reeldb: " + base::displayText(message) + "\n";
   flush();
   std::fwrite(line.data(), 1, line.size(), stderr);
 }

@@ -18,33 +18,26 @@ constexpr std::size_t barColumns = 30;
 
 } // namespace
 
-Progress::Progress(std::string what, std::size_t total)
-    : what_(std::move(what)), total_(total), wanted_(total > 0 && isCapableTerminal(stderr)),
-      next_(Clock::now() + patience)
+ProgressBar::ProgressBar(std::string what)
+    : what_(std::move(what)), wanted_(isCapableTerminal(stderr)), next_(Clock::now() + patience)
 {
 }
 
-Progress::~Progress()
+ProgressBar::~ProgressBar()
 {
   if (visible_)
     fmt::print(stderr, "\r\x1b[K");
 }
 
-void Progress::advance()
+void ProgressBar::show(std::size_t done, std::size_t total)
 {
-  ++finished_;
-  if (!wanted_ || Clock::now() < next_)
+  if (!wanted_ || total == 0 || Clock::now() < next_)
     return;
   visible_ = true;
-  draw();
-  next_ = Clock::now() + interval;
-}
-
-void Progress::draw() const
-{
-  const std::size_t filled = barColumns * finished_ / total_;
-  fmt::print(stderr, "\r{} [{:<{}}] {}/{}", what_, std::string(filled, '#'), barColumns, finished_, total_);
+  const std::string filled(barColumns * done / total, '#');
+  fmt::print(stderr, "\r{} [{:<{}}] {}/{}", what_, filled, barColumns, done, total);
   std::fflush(stderr);
+  next_ = Clock::now() + interval;
 }
 
 } // namespace reeldb::cli

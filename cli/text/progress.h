@@ -10,23 +10,20 @@ namespace reeldb::cli {
 
 /// A bar on standard error while work goes on. It shows only on a terminal, only when the work takes long, and leaves
 /// no trace when it ends.
-class Progress {
+class ProgressBar {
 public:
-  Progress(std::string what, std::size_t total);
-  ~Progress();
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
+  explicit ProgressBar(std::string what);
+  ~ProgressBar();
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
 
-  /// One more piece is done.
-  void advance();
+  /// Shows how much is done, at most ten times a second.
+  void show(std::size_t done, std::size_t total);
 
 private:
   using Clock = std::chrono::steady_clock;
-  void draw() const;
 
   std::string what_;
-  std::size_t total_;
-  std::size_t finished_ = 0;
   bool wanted_;
   bool visible_ = false;
   Clock::time_point next_;

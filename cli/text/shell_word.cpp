@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "text/display_text.h"
+#include "base/display_text.h"
 
 namespace reeldb::cli {
 
@@ -29,8 +29,8 @@ std::string replaced(std::string_view text, char what, std::string_view with)
 
 std::string shellWord(std::string_view text)
 {
-  if (displayText(text) != text)
-    return "$'" + replaced(displayText(replaced(text, '\\', "\\\\")), '\'', "\\'") + "'";
+  if (base::displayText(text) != text)
+    return "$'" + replaced(base::displayText(replaced(text, '\\', "\\\\")), '\'', "\\'") + "'";
   if (!text.empty() && std::all_of(text.begin(), text.end(), isHarmless))
     return std::string(text);
   return "'" + replaced(text, '\'', "'\\''") + "'";

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-#include "text/display_text.h"
+#include "base/text_width.h"
 #include "text/output.h"
 #include "text/terminal.h"
 
@@ -39,13 +39,13 @@ void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns
 Table::Table(std::vector<Column> columns) : columns_(std::move(columns))
 {
   for (Column& column : columns_)
-    column.title = displayText(column.title);
+    column.title = base::displayText(column.title);
 }
 
 void Table::add(std::vector<std::string> row)
 {
   for (std::string& cell : row)
-    cell = displayText(cell);
+    cell = base::displayText(cell);
   row.resize(columns_.size());
   rows_.push_back(std::move(row));
 }
@@ -56,11 +56,11 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
   std::vector<Column> columns;
   std::vector<std::size_t> widths;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    std::size_t width = displayWidth(columns_[i].title);
+    std::size_t width = base::displayWidth(columns_[i].title);
     bool used = !columns_[i].optional;
     for (const auto& row : rows_) {
       used = used || !row[i].empty();
-      width = std::max(width, displayWidth(row[i]));
+      width = std::max(width, base::displayWidth(row[i]));
     }
     if (!used)
       continue;
@@ -74,8 +74,8 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
   const auto line = [&](const auto& cellAt) {
     std::string result(indent, ' ');
     for (std::size_t i = 0; i < shown.size(); ++i) {
-      const std::string cell = cutToWidth(cellAt(shown[i]), widths[i]);
-      const std::string padding(widths[i] - displayWidth(cell), ' ');
+      const std::string cell = base::cutToWidth(cellAt(shown[i]), widths[i]);
+      const std::string padding(widths[i] - base::displayWidth(cell), ' ');
       result.append(i ? gap : 0, ' ');
       result += columns[i].number ? padding : cell;
       result += columns[i].number ? cell : padding;

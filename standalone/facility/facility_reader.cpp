@@ -46,10 +46,27 @@ int codeOf(const TomlTable& table, std::string_view key, const std::array<Word, 
   table.fail(key, '"' + displayText(*text) + "\" is no word for it (known: " + known + ")");
 }
 
+/// Throws Error (NotFound) when the folder is not a facility.
+void requireFacilityFile(const std::filesystem::path& dir)
+{
+  const auto refuse = [&](const std::string& cause) {
+    throw Error(ErrorKind::NotFound, displayText(dir.native()) + ": no facility (" + cause + ")");
+  };
+  std::error_code error;
+  if (std::filesystem::exists(dir / "facility.toml", error) || error)
+    return; // what keeps it from being read is found when it is
+  if (!std::filesystem::exists(dir, error))
+    refuse("no such folder");
+  if (!std::filesystem::is_directory(dir, error))
+    refuse("not a folder");
+  refuse("facility.toml not found");
+}
+
 } // namespace
 
 FacilityReader::FacilityReader(const std::filesystem::path& dir)
 {
+  requireFacilityFile(dir);
   facility_.directory_ = dir;
   const TomlFile file(dir / "facility.toml");
   const TomlTable root(file, file.root(), "");

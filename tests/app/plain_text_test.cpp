@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "line/failure.h"
-
-using namespace reeldb::cli;
+using namespace reeldb::app;
 
 namespace {
 
@@ -14,9 +12,9 @@ std::string refusalOf(const std::string& text)
   try {
     requirePlainText(text, "x: no name");
     return "";
-  } catch (const Failure& failure) {
-    EXPECT_EQ(failure.code(), usage);
-    return failure.what();
+  } catch (const Error& error) {
+    EXPECT_EQ(error.kind(), ErrorKind::Invalid);
+    return error.what();
   }
 }
 

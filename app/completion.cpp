@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/completion.h"
+
+#include "app/devices.h"
+#include "app/label_maps.h"
+#include "app/projects.h"
+#include "app/reel_fields.h"
+#include "app/reels.h"
+#include "app/session.h"
+#include "app/types.h"
+
+namespace reeldb::app {
+
+namespace {
+
+std::vector<Choice> reels(const std::optional<std::string>& project)
+{
+  Session session(project, Access::Read);
+  std::vector<Choice> result;
+  for (const Reel& reel : listReels(session))
+    result.push_back({reel.id, reel.type});
+  return result;
+}
+
+std::vector<Choice> deviceNumbers()
+{
+  std::vector<Choice> result;
+  for (const Device& device : listDevices())
+    result.push_back({std::to_string(device.number), device.name});
+  return result;
+}
+
+std::vector<Choice> rates()
+{
+  std::vector<Choice> result;
+  for (const FrameRate& rate : frameRates())
+    result.push_back({rate.name, "code " + std::to_string(rate.code)});
+  return result;
+}
+
+std::vector<Choice> plain(const std::vector<std::string>& names)
+{
+  std::vector<Choice> result;
+  for (const std::string& name : names)
+    result.push_back({name, ""});
+  return result;
+}
+
+std::vector<std::string> typeNames()
+{
+  std::vector<std::string> names;
+  for (const ReelType& type : listTypes().types)
+    names.push_back(type.name);
+  return names;
+}
+
+std::vector<std::string> deviceNames()
+{
+  std::vector<std::string> names;
+  for (const Device& device : listDevices())
+    names.push_back(device.name);
+  return names;
+}
+
+std::vector<std::string> fieldValues(const std::string& field)
+{
+  if (field == "type")
+    return typeNames();
+  if (field == "available" || field == "inhibit")
+    return {"yes", "no"};
+  if (field == "label-map")
+    return labelMapNames();
+  if (field == "last-device")
+    return deviceNames();
+  return {};
+}
+
+/// The names of fields, or what the field that is typed may be set to.
+std::vector<Choice> assignments(const std::string& typed)
+{
+  const std::size_t equals = typed.find('=');
+  std::vector<std::string> names;
+  if (equals == std::string::npos) {
+    names = reelFieldNames();
+    for (std::string& name : names)
+      name += '=';
+  } else {
+    names = fieldValues(typed.substr(0, equals));
+    for (std::string& name : names)
+      name = typed.substr(0, equals + 1) + name;
+  }
+  return plain(names);
+}
+
+} // namespace
+
+std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std::optional<std::string>& project)
+{
+  switch (kind) {
+  case ValueKind::Reel:
+    return reels(project);
+  case ValueKind::Device:
+    return deviceNumbers();
+  case ValueKind::Project:
+    return plain(projectNames());
+  case ValueKind::LabelMap:
+    return plain(labelMapNames());
+  case ValueKind::FrameRate:
+    return rates();
+  case ValueKind::Field:
+    return assignments(typed);
+  case ValueKind::Other:
+  case ValueKind::File:
+  case ValueKind::Folder:
+    break;
+  }
+  return {};
+}
+
+} // namespace reeldb::app

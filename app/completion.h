@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What a value may be: for faces that offer choices while one is typed.
+#ifndef REELDB_APP_COMPLETION_H
+#define REELDB_APP_COMPLETION_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace reeldb::app {
+
+/// What a value names.
+enum class ValueKind { Other, Reel, Device, Project, LabelMap, FrameRate, Field, File, Folder };
+
+struct Choice {
+  std::string word;
+  std::string description; ///< one line; may be empty
+};
+
+/// The values of that kind in the facility and its project, whatever has been typed of them but for an assignment
+/// "field=value", of which @p typed decides which half is meant. None for files and folders, which a shell knows.
+/// Throws Error when they cannot be read.
+std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std::optional<std::string>& project);
+
+} // namespace reeldb::app
+
+#endif

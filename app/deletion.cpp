@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/deletion.h"
+
+#include <algorithm>
+#include <set>
+
+#include <fmt/format.h>
+
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+
+namespace reeldb::app {
+
+namespace {
+
+std::string nameOf(const Cookie& log)
+{
+  return log.asString(false).c_str();
+}
+
+CookieVec select(ReelDbManager& manager, const std::vector<std::string>& ids)
+{
+  CookieVec selection;
+  for (const std::string& id : ids) {
+    const ReelDbRec reel = requireReel(manager, id);
+    bool there = false;
+    for (const Cookie& other : selection)
+      there = there || other.compare(reel) == 0;
+    if (!there)
+      selection.add(reel);
+  }
+  return selection;
+}
+
+std::set<std::string> logsOf(const ReelDbManager& manager)
+{
+  std::set<std::string> logs;
+  for (const Cookie& log : manager.reelList)
+    logs.insert(nameOf(log));
+  return logs;
+}
+
+/// Throws Error when a reel that comes back bears an identifier that another has by now: one of them could not be found
+/// any more.
+void requireFreeIdentifiers(const ReelDbManager& manager, const std::set<std::string>& before)
+{
+  std::set<std::string> taken;
+  std::vector<std::string> back;
+  for (const Cookie& log : manager.reelList) {
+    std::string id = text(ReelDbRec(log).reelId());
+    if (before.count(nameOf(log)) != 0)
+      taken.insert(base::fold(id));
+    else
+      back.push_back(std::move(id));
+  }
+  for (const std::string& id : back)
+    if (taken.count(base::fold(id)) != 0)
+      throw Error(ErrorKind::Refused, fmt::format("undelete: {}: another reel is called that by now, nothing brought "
+                                                  "back (rename it first)",
+                                                  id));
+}
+
+} // namespace
+
+std::size_t DeletionPlan::reelCount() const
+{
+  return static_cast<std::size_t>(
+      std::count_if(items.begin(), items.end(), [](const Item& item) { return !item.kept; }));
+}
+
+DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep)
+{
+  return guarded([&] {
+    ReelDbManager& manager = session.manager();
+    DeletionPlan plan;
+    plan.reels = reels;
+    plan.keep = keep;
+    // In the records' own spelling: a mark counts letter for letter.
+    for (const std::string& id : keep)
+      manager.reelInUse(requireReel(manager, id).reelId(), true);
+    // The library reports each log as one that is about to go, so it is only asked when they go.
+    for (const Cookie& log : select(manager, reels)) {
+      const LightweightString<char> id = ReelDbRec(log).reelId();
+      const CookieVec shots = reelhost::shotsOf(text(id));
+      const bool kept = manager.reelInUse(id);
+      plan.items.push_back({text(id), kept, shotsFrom(shots)});
+      if (kept)
+        continue;
+      plan.logs.push_back(nameOf(log));
+      for (const Cookie& shot : shots)
+        plan.logs.push_back(nameOf(shot));
+    }
+    return plan;
+  });
+}
+
+void carryOut(Session& session, const DeletionPlan& plan)
+{
+  guarded([&] {
+    if (planDeletion(session, plan.reels, plan.keep).logs != plan.logs)
+      throw Error(ErrorKind::Refused, "delete: nothing deleted (the project was changed while the answer was awaited)");
+    if (plan.empty())
+      return;
+    ReelDbManager& manager = session.manager();
+    reelhost::deleteLogs(manager.buildSetOfReelsAndAssociatedShots(select(manager, plan.reels)));
+    manager.informReelDbChanged("");
+    session.commit();
+  });
+}
+
+Undeleted undelete(Session& session)
+{
+  return guarded([&] {
+    ReelDbManager& manager = session.manager();
+    const std::set<std::string> before = logsOf(manager);
+    const int count = reelhost::undelete();
+    if (count == 0)
+      throw Error(ErrorKind::Refused, "undelete: there is no deletion to bring back");
+    manager.informReelDbChanged("");
+    requireFreeIdentifiers(manager, before);
+    Undeleted result;
+    for (const Cookie& log : manager.reelList)
+      if (before.count(nameOf(log)) == 0)
+        result.reels.push_back(text(ReelDbRec(log).reelId()));
+    result.shots = static_cast<std::size_t>(count) - result.reels.size();
+    session.commit();
+    return result;
+  });
+}
+
+} // namespace reeldb::app

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Deleting reels with the shots recorded from them, and bringing them back.
+#ifndef REELDB_APP_DELETION_H
+#define REELDB_APP_DELETION_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "app/session.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// What a deletion comes to: a value that can be shown before it is carried out.
+struct DeletionPlan {
+  struct Item {
+    std::string reel;        ///< the identifier as its record spells it
+    bool kept = false;       ///< it stays, with its shots
+    std::vector<Shot> shots; ///< recorded from it; they go or stay with it
+  };
+  std::vector<std::string> reels, keep; ///< as asked
+  bool dryRun = false;                  ///< it is only shown; for reports
+  std::vector<Item> items;              ///< the reels that were asked for, each once
+  std::vector<std::string> logs;        ///< what goes, by the text form of the log: reels, each followed by its shots
+
+  bool empty() const { return logs.empty(); }
+  std::size_t reelCount() const; ///< how many reels go
+  std::size_t shotCount() const { return logs.size() - reelCount(); }
+};
+
+/// Looks up what deleting these reels would take away; those in @p keep stay, and so do their shots. Changes nothing.
+/// Throws Error (NotFound) for a reel that is not there, in either list.
+DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reels,
+                          const std::vector<std::string>& keep);
+
+/// Carries the plan out and stores it. Throws Error (Refused) when the project has moved on, so that other logs would
+/// go than the plan says; nothing is deleted then. REQUIRES: a session for writing.
+void carryOut(Session& session, const DeletionPlan& plan);
+
+struct Undeleted {
+  std::vector<std::string> reels; ///< identifiers, in the order of the project
+  std::size_t shots = 0;
+};
+
+/// Brings the last deletion back and stores that. Throws Error (Refused) when there is none, and when a reel that would
+/// come back has an identifier that another reel has by now. REQUIRES: a session for writing.
+Undeleted undelete(Session& session);
+
+} // namespace reeldb::app
+
+#endif

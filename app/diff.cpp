@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/diff.h"
+
+#include <algorithm>
+#include <optional>
+#include <unordered_set>
+
+#include "ReelDbManager.h"
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+
+namespace reeldb::app {
+
+namespace {
+
+lists::Format formatOf(const Shot& shot)
+{
+  return shot.recordIn.empty() && shot.recordOut.empty() ? lists::Format::Ale : lists::Format::Edl;
+}
+
+class Comparison {
+public:
+  Comparison(Session& session, bool whole) : session_(session), shots_(allShots(session))
+  {
+    diff_.whole = whole;
+    for (const Shot& shot : shots_)
+      there_.insert(shotKey(shot));
+  }
+
+  void add(const lists::List& list)
+  {
+    formats_.push_back(list.format);
+    for (const lists::Clip& clip : list.clips) {
+      addReel(clip.reel);
+      const std::string key = shotKey(clip);
+      if (listed_.insert(key).second && !there_.contains(key))
+        diff_.added.push_back(clip);
+    }
+    for (const lists::Spelling& spelling : list.spellings)
+      addSpelling({spellingOf(spelling.reel).value_or(spelling.reel), spelling.other});
+  }
+
+  ListDiff finish()
+  {
+    std::unordered_set<std::string> told;
+    for (const Shot& shot : shots_) {
+      if (shot.reel.empty() || std::find(formats_.begin(), formats_.end(), formatOf(shot)) == formats_.end())
+        continue;
+      const bool named = reels_.contains(base::fold(shot.reel));
+      if ((named || diff_.whole) && !listed_.contains(shotKey(shot)))
+        diff_.missing.push_back(shot);
+      if (!named && diff_.whole && told.insert(base::fold(shot.reel)).second)
+        diff_.goneReels.push_back(spellingOf(shot.reel).value_or(shot.reel));
+    }
+    return std::move(diff_);
+  }
+
+private:
+  std::optional<std::string> spellingOf(const std::string& id)
+  {
+    ReelDbRec record = session_.manager().getReelInfo(hostText(id));
+    return record.valid() ? std::optional(text(record.reelId())) : std::nullopt;
+  }
+
+  void addReel(const std::string& id)
+  {
+    if (!reels_.insert(base::fold(id)).second)
+      return;
+    if (const auto spelling = spellingOf(id)) {
+      addSpelling({*spelling, id});
+      return;
+    }
+    if (!names_)
+      names_ = knownNames(session_);
+    diff_.newReels.push_back({id, names_->find(id)});
+  }
+
+  void addSpelling(const lists::Spelling& spelling)
+  {
+    if (spelling.reel != spelling.other && spellings_.insert(spelling.reel + '\0' + spelling.other).second)
+      diff_.spellings.push_back(spelling);
+  }
+
+  Session& session_;
+  std::vector<Shot> shots_;                        ///< of the project
+  std::unordered_set<std::string> there_, listed_; ///< keys of shots
+  std::unordered_set<std::string> reels_;          ///< that the lists name, folded
+  std::unordered_set<std::string> spellings_;      ///< that are told
+  std::vector<lists::Format> formats_;
+  std::optional<ReelNames> names_; ///< gathered for the first new reel
+  ListDiff diff_;
+};
+
+} // namespace
+
+ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole)
+{
+  return guarded([&] {
+    Comparison comparison(session, whole);
+    for (const ListFile& file : files)
+      comparison.add(file.list);
+    ListDiff diff = comparison.finish();
+    for (const ListFile& file : files) {
+      diff.files.push_back(file.path);
+      for (const lists::Rejected& line : file.list.rejected)
+        diff.rejected.push_back({file.path, line});
+    }
+    return diff;
+  });
+}
+
+} // namespace reeldb::app

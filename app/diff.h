@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What bringing lists in would change, and what of the project they no longer name.
+#ifndef REELDB_APP_DIFF_H
+#define REELDB_APP_DIFF_H
+
+#include <string>
+#include <vector>
+
+#include "app/list_files.h"
+#include "app/names.h"
+#include "app/session.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// A reel that an import would make.
+struct NewReel {
+  std::string id;
+  std::vector<Candidate> candidates; ///< reels that are there and that the name may mean all the same
+};
+
+/// A line of a list that could not be read.
+struct RejectedLine {
+  std::string file;
+  lists::Rejected line;
+};
+
+struct ListDiff {
+  std::vector<std::string> files;         ///< the lists
+  bool whole = false;                     ///< as compareLists was asked
+  std::vector<NewReel> newReels;          ///< in the order of the lists
+  std::vector<std::string> goneReels;     ///< in the order of the project
+  std::vector<lists::Spelling> spellings; ///< as the record spells it, and as a list does; or two spellings of lists
+  std::vector<Shot> added;                ///< shots that the project does not have, in the order of the lists
+  std::vector<Shot> missing;              ///< shots of the project that no list has, in its order
+  std::vector<RejectedLine> rejected;     ///< in the order of the lists
+
+  /// Whether there is no difference.
+  bool empty() const
+  {
+    return newReels.empty() && goneReels.empty() && spellings.empty() && added.empty() && missing.empty();
+  }
+};
+
+/// Compares the lists, taken together, with the open project. Changes nothing. Throws Error.
+///
+/// A shot with a record in or out comes from a cut list, any other from a log file; missing and gone is only what comes
+/// from lists of the kinds compared, for a cut says nothing of what a log holds. Shots are missing when a list names
+/// their reel. With @p whole the lists are all there is: shots of any reel may be missing, and a reel is gone when all
+/// of its shots that count are.
+ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole);
+
+} // namespace reeldb::app
+
+#endif

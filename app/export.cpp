@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/export.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "app/host_errors.h"
+#include "app/projects.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+#include "lists/csv.h"
+#include "lists/short_names.h"
+#include "lists/write.h"
+
+namespace reeldb::app {
+
+namespace {
+
+/// The shots, with reels spelled as their records are.
+std::vector<lists::Clip> clipsOf(const ProjectContent& content)
+{
+  std::unordered_map<std::string, std::string> spellings;
+  for (const Reel& reel : content.reels)
+    spellings.try_emplace(base::fold(reel.id), reel.id);
+  std::vector<lists::Clip> clips = content.shots;
+  for (lists::Clip& clip : clips)
+    if (const auto found = spellings.find(base::fold(clip.reel)); found != spellings.end())
+      clip.reel = found->second;
+  return clips;
+}
+
+std::string wordOf(bool flag)
+{
+  return flag ? "yes" : "no";
+}
+
+/// Adds the remark on reels that no shot speaks of: they are in no list.
+Written listFrom(lists::Written written, const ProjectContent& content)
+{
+  Written result{std::move(written.text), written.clips, {}, std::move(written.leftOut)};
+  const auto shotless =
+      std::count_if(content.reels.begin(), content.reels.end(), [](const Reel& reel) { return reel.shots == 0; });
+  if (shotless > 0)
+    result.remarks.push_back(
+        fmt::format("{} reel{} without a shot: not in the list", shotless, shotless == 1 ? "" : "s"));
+  result.remarks.insert(result.remarks.end(), written.remarks.begin(), written.remarks.end());
+  return result;
+}
+
+template <class Write>
+Written listBy(const ProjectContent& content, Write write)
+{
+  try {
+    return listFrom(write(clipsOf(content)), content);
+  } catch (const lists::Error& error) {
+    throw Error(ErrorKind::Refused, fmt::format("export: nothing written ({})", error.what()));
+  }
+}
+
+} // namespace
+
+ProjectContent readContent(Session& session)
+{
+  return guarded([&] {
+    ProjectContent content;
+    content.project = reelhost::projectInfo().name;
+    content.rate = frameRateName(reelhost::projectInfo().frameRate);
+    const ShotCounts shots = reelhost::shotCounts();
+    for (const Cookie& log : session.manager().reelList) {
+      const ReelDbRec record(log);
+      Reel reel = readReel(record, shots);
+      if (reel.id.empty())
+        continue;
+      content.reels.push_back(std::move(reel));
+      content.oldNames.push_back(oldNamesOf(record));
+    }
+    content.shots = allShots(session);
+    return content;
+  });
+}
+
+const std::vector<std::size_t>& reelLengths()
+{
+  static const std::vector<std::size_t> lengths(lists::kReelFields.begin(), lists::kReelFields.end());
+  return lengths;
+}
+
+Written writeEdl(const ProjectContent& content, std::size_t reelLength)
+{
+  return listBy(content, [&](const std::vector<lists::Clip>& clips) {
+    return lists::writeEdl(content.project, clips, reelLength);
+  });
+}
+
+Written writeAle(const ProjectContent& content)
+{
+  return listBy(content, [&](const std::vector<lists::Clip>& clips) { return lists::writeAle(content.rate, clips); });
+}
+
+Written writeReelsCsv(const ProjectContent& content)
+{
+  std::vector<std::string> titles = {"id",  "type",        "available",      "inhibit",       "label_mapping",
+                                     "bin", "last_device", "video_channels", "audio_channels"};
+  for (std::size_t i = 0; i < userFieldCount; ++i)
+    titles.push_back(fmt::format("user_field_{}", i));
+  titles.insert(titles.end(), {"shots", "old_names"});
+  Written written{lists::csvRow(titles), content.shots.size(), {}, {}};
+  for (std::size_t i = 0; i < content.reels.size(); ++i) {
+    const Reel& reel = content.reels[i];
+    std::vector<std::string> row = {reel.id,
+                                    reel.type,
+                                    wordOf(reel.available),
+                                    wordOf(reel.inhibit),
+                                    reel.labelMapping,
+                                    reel.bin,
+                                    reel.lastDevice,
+                                    std::to_string(reel.videoChannels),
+                                    std::to_string(reel.audioChannels)};
+    row.insert(row.end(), reel.userFields.begin(), reel.userFields.end());
+    row.push_back(std::to_string(reel.shots));
+    row.push_back(fmt::format("{}", fmt::join(content.oldNames[i], "\n")));
+    written.text += lists::csvRow(row);
+  }
+  return written;
+}
+
+Written writeShotsCsv(const ProjectContent& content)
+{
+  Written written{lists::csvRow({"reel", "clip", "tracks", "source_in", "source_out", "record_in", "record_out",
+                                 "source_file", "aliases", "video_channels", "audio_channels"}),
+                  content.shots.size(),
+                  {},
+                  {}};
+  for (const Shot& shot : content.shots)
+    written.text += lists::csvRow({shot.reel, shot.clipName, shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn,
+                                   shot.recordOut, shot.sourceFile, fmt::format("{}", fmt::join(shot.aliases, "\n")),
+                                   std::to_string(shot.videoChannels), std::to_string(shot.audioChannels)});
+  return written;
+}
+
+} // namespace reeldb::app

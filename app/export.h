@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The project as other programs read it.
+#ifndef REELDB_APP_EXPORT_H
+#define REELDB_APP_EXPORT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "app/reels.h"
+#include "app/session.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// The project, as it is written.
+struct ProjectContent {
+  std::string project;
+  std::string rate;
+  std::vector<Reel> reels;
+  std::vector<std::vector<std::string>> oldNames; ///< of each reel
+  bool reelsOnly = false;                         ///< the shots are left out; for reports
+  std::vector<Shot> shots;
+};
+
+/// Everything, in the project's order. By record, not by name: of two reels that differ in case a lookup finds the
+/// first.
+ProjectContent readContent(Session& session);
+
+/// A list or a table as text, and what had to be done to what it holds.
+struct Written {
+  std::string text;
+  std::size_t shots = 0;            ///< how many are in it
+  std::vector<std::string> remarks; ///< what is otherwise in it than in the project: "subject: fact (cause)"
+  std::vector<std::string> leftOut; ///< shots that it cannot hold, likewise
+};
+
+/// The lengths of reel names that cut lists have.
+const std::vector<std::size_t>& reelLengths();
+
+/// A cut list (CMX3600 EDL) with reel names of that many characters, one of reelLengths. Throws Error (Refused) when
+/// the field has fewer names than there are reels.
+Written writeEdl(const ProjectContent& content, std::size_t reelLength);
+/// A log exchange file (ALE).
+Written writeAle(const ProjectContent& content);
+/// Tables of the shots and of the reels, as RFC 4180 has them.
+Written writeShotsCsv(const ProjectContent& content);
+Written writeReelsCsv(const ProjectContent& content);
+
+} // namespace reeldb::app
+
+#endif

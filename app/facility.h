@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The facility of the process. For the sources of this room.
+#ifndef REELDB_APP_FACILITY_H
+#define REELDB_APP_FACILITY_H
+
+#include "reelhost/facility.h"
+
+namespace reeldb::app {
+
+/// The facility of the process. Throws Error: Refused when there is none, else what keeps it from being read.
+reelhost::Facility& requireFacility();
+
+} // namespace reeldb::app
+
+#endif

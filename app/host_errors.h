@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The host's errors as this room's own. For the sources of this room.
+#ifndef REELDB_APP_HOST_ERRORS_H
+#define REELDB_APP_HOST_ERRORS_H
+
+#include "app/error.h"
+#include "reelhost/error.h"
+
+namespace reeldb::app {
+
+/// The same error, as this room's.
+Error errorFrom(const reelhost::Error& error);
+
+/// Runs the work of an operation; the host's errors leave it as this room's.
+template <class Work>
+auto guarded(Work work) -> decltype(work())
+{
+  try {
+    return work();
+  } catch (const reelhost::Error& error) {
+    throw errorFrom(error);
+  }
+}
+
+} // namespace reeldb::app
+
+#endif

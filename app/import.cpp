@@ -1,0 +1,147 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/import.h"
+
+#include <algorithm>
+#include <functional>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "ReelDbClient.h"
+#include "ReelDbManager.h"
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+#include "reelhost/host.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr int noDevice = -1;
+
+/// Hears which reels the library makes.
+class CreatedReels : public ReelDbClient {
+public:
+  using Hear = std::function<void(std::string id)>;
+  explicit CreatedReels(Hear hear) : hear_(std::move(hear)) {}
+  void reelDbChanged(LightweightString<char> id) override
+  {
+    if (!id.empty())
+      hear_(text(id));
+  }
+
+private:
+  Hear hear_;
+};
+
+class Importer {
+public:
+  /// Looks over the reels and the shots that are there.
+  Importer(Session& session, std::size_t clips, const Progress& progress)
+      : manager_(session.manager()), clips_(clips), progress_(progress)
+  {
+    std::vector<LightweightString<char>> ids;
+    manager_.getAllReelIds(ids, true);
+    for (const LightweightString<char>& id : ids)
+      addReel(text(id));
+    for (const Shot& shot : allShots(session))
+      shots_.insert(shotKey(shot));
+  }
+
+  ImportedList import(ListFile file)
+  {
+    ImportedList result;
+    result.file = std::move(file.path);
+    result.list = std::move(file.list);
+    const CreatedReels listener([&](const std::string& id) {
+      addReel(id);
+      result.created.push_back(id);
+    });
+    std::unordered_set<std::string> met, metShots;
+    for (const lists::Clip& clip : result.list.clips) {
+      const bool missing = met.insert(base::fold(clip.reel)).second && !noteReel(clip.reel, result);
+      std::string key = shotKey(clip);
+      const bool repeated = !metShots.insert(key).second;
+      const bool added = bringIn(clip, std::move(key));
+      ++(added ? result.shotsAdded : result.shotsThere);
+      result.shotsRepeated += repeated ? 1 : 0;
+      // A shot that is there already may have outlived its reel's record, and of that shot the library hears nothing.
+      if (missing && !added)
+        manager_.createNewReel(hostText(clip.reel), noDevice);
+      advance();
+    }
+    result.clips = result.list.clips.size();
+    result.list.clips.clear();
+    return result;
+  }
+
+private:
+  void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
+
+  /// Notes a reel that is there, and how its record spells it. Returns whether it is there.
+  bool noteReel(const std::string& id, ImportedList& result)
+  {
+    const auto found = reels_.find(base::fold(id));
+    if (found == reels_.end())
+      return false;
+    const std::string& spelling = found->second;
+    if (spelling != id)
+      result.list.spellings.push_back({spelling, id});
+    result.matched.push_back(spelling);
+    return true;
+  }
+
+  /// Makes the clip's shot, unless one with that key is there already. Returns whether it was made.
+  bool bringIn(const lists::Clip& clip, std::string key)
+  {
+    if (!shots_.insert(std::move(key)).second)
+      return false;
+    reelhost::importMaterial(materialFrom(clip));
+    return true;
+  }
+
+  void advance()
+  {
+    ++done_;
+    if (progress_ && !progress_(done_, clips_))
+      throw Error(ErrorKind::Cancelled, "import: cancelled, nothing brought in");
+  }
+
+  ReelDbManager& manager_;
+  std::size_t clips_, done_ = 0;
+  const Progress& progress_;
+  /// How each reel is spelt, by its folded identifier: asking the library opens every log for every reel of a list.
+  std::unordered_map<std::string, std::string> reels_;
+  std::unordered_set<std::string> shots_; ///< keys
+};
+
+} // namespace
+
+bool ImportReport::rejectedLines() const
+{
+  return std::any_of(lists.begin(), lists.end(),
+                     [](const ImportedList& imported) { return !imported.list.rejected.empty(); });
+}
+
+ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress)
+{
+  return guarded([&] {
+    std::size_t clips = 0;
+    for (const ListFile& file : files)
+      clips += file.list.clips.size();
+    Importer importer(session, clips, progress);
+    ImportReport report;
+    report.dryRun = dryRun;
+    for (ListFile& file : files) {
+      report.lists.push_back(importer.import(std::move(file)));
+      const ImportedList& imported = report.lists.back();
+      report.changes = report.changes || imported.shotsAdded > 0 || !imported.created.empty();
+    }
+    report.stored = !dryRun && session.commit();
+    return report;
+  });
+}
+
+} // namespace reeldb::app

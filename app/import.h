@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Brings the clips of lists into the open project.
+#ifndef REELDB_APP_IMPORT_H
+#define REELDB_APP_IMPORT_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "app/list_files.h"
+#include "app/progress.h"
+#include "app/session.h"
+
+namespace reeldb::app {
+
+/// What became of one list.
+struct ImportedList {
+  std::string file;
+  lists::List list; ///< as it was read, without the clips; its spellings also name those that differ from a record's
+  std::size_t clips = 0;
+  std::size_t shotsAdded = 0;
+  std::size_t shotsThere = 0;       ///< clips whose shot was there already, from another list or earlier in this one
+  std::size_t shotsRepeated = 0;    ///< those of them whose shot came earlier in this one
+  std::vector<std::string> created; ///< identifiers of the reels that were made, in order
+  std::vector<std::string> matched; ///< of the reels that were there before the list came, as their records spell them
+};
+
+/// What became of all of them.
+struct ImportReport {
+  std::vector<ImportedList> lists;
+  bool dryRun = false;
+  bool changes = false; ///< the lists bring something new
+  bool stored = false;  ///< and it is stored
+
+  bool rejectedLines() const; ///< whether a line of any list was rejected
+};
+
+/// Reports every new clip to the host as imported material; the library makes the reels. A shot is the same as another
+/// when reel (ASCII case aside), clip name, source in, source out and tracks are equal; it is not added twice. All of
+/// it is one transaction. With @p dryRun nothing is stored, and the report says what would be. Throws Error; nothing is
+/// stored then. REQUIRES: a session for writing, unless it is a dry run.
+ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {});
+
+} // namespace reeldb::app
+
+#endif

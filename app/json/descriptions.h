@@ -1,0 +1,523 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The keys of each result. For json.cpp.
+#ifndef REELDB_APP_JSON_DESCRIPTIONS_H
+#define REELDB_APP_JSON_DESCRIPTIONS_H
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+#include <string_view>
+
+#include "app/deletion.h"
+#include "app/devices.h"
+#include "app/diff.h"
+#include "app/export.h"
+#include "app/import.h"
+#include "app/json/io.h"
+#include "app/label_maps.h"
+#include "app/names.h"
+#include "app/needs.h"
+#include "app/projects.h"
+#include "app/reel_fields.h"
+#include "app/reels.h"
+#include "app/rename.h"
+#include "app/shots.h"
+#include "app/types.h"
+#include "app/watch.h"
+
+namespace reeldb::lists {
+
+template <class Io, app::json::Like<Clip> R>
+void describe(Io& io, R& shot)
+{
+  io("reel", shot.reel);
+  io("clip", shot.clipName);
+  io("tracks", shot.tracks);
+  io("source_in", shot.sourceIn);
+  io("source_out", shot.sourceOut);
+  io("record_in", shot.recordIn);
+  io("record_out", shot.recordOut);
+  io("source_file", shot.sourceFile);
+  io("aliases", shot.aliases);
+  io("video_channels", shot.videoChannels);
+  io("audio_channels", shot.audioChannels);
+}
+
+template <class Io, app::json::Like<Special> R>
+void describe(Io& io, R& special)
+{
+  io("text", special.text);
+  io("reason", special.reason);
+  io("count", special.count);
+  io("lines", special.lines);
+}
+
+template <class Io, app::json::Like<Spelling> R>
+void describe(Io& io, R& spelling)
+{
+  io("reel", spelling.reel);
+  io("other", spelling.other);
+}
+
+template <class Io, app::json::Like<Ambiguous> R>
+void describe(Io& io, R& ambiguous)
+{
+  io("reel", ambiguous.reel);
+  io("reason", ambiguous.reason);
+  io("names", ambiguous.names);
+  io("source_ids", ambiguous.sourceIds);
+}
+
+template <class Io, class R>
+requires app::json::Like<R, Rejected> || app::json::Like<R, Warning>
+void describe(Io& io, R& remark)
+{
+  io("line", remark.line);
+  io("text", remark.text);
+  io("reason", remark.reason);
+}
+
+template <class Io, app::json::Like<Tally> R>
+void describe(Io& io, R& tally)
+{
+  io("total", tally.lines);
+  io("blank", tally.blank);
+  io("headers", tally.headers);
+  io("notes", tally.notes);
+  io("statements", tally.statements);
+}
+
+} // namespace reeldb::lists
+
+namespace reeldb::app {
+
+using json::Like;
+using json::Value;
+
+/// Reads one of some words. Throws std::invalid_argument for another one.
+template <class Enum, std::size_t size>
+Enum fromWord(const Value& json, const std::array<Enum, size>& all)
+{
+  const auto& word = json.get_ref<const std::string&>();
+  for (const Enum one : all)
+    if (wordOf(one) == word)
+      return one;
+  throw std::invalid_argument("unknown word \"" + word + "\"");
+}
+
+// --- Reels -----------------------------------------------------------------------------------------
+
+template <class Io, Like<Reel> R>
+void describe(Io& io, R& reel)
+{
+  io("id", reel.id);
+  io("type", reel.type);
+  io("available", reel.available);
+  io("inhibit", reel.inhibit);
+  io("label_mapping", reel.labelMapping);
+  io("bin", reel.bin);
+  io("last_device", reel.lastDevice);
+  io("video_channels", reel.videoChannels);
+  io("audio_channels", reel.audioChannels);
+  // Those that are not empty, by number.
+  if constexpr (Io::writes) {
+    Value fields = Value::object();
+    for (std::size_t i = 0; i < userFieldCount; ++i)
+      if (!reel.userFields[i].empty())
+        fields[std::to_string(i)] = reel.userFields[i];
+    io.json()["user_fields"] = std::move(fields);
+  } else {
+    for (const auto& [number, field] : io.json().at("user_fields").items())
+      reel.userFields.at(std::stoul(number)) = field.template get<std::string>();
+  }
+  io("shots", reel.shots);
+}
+
+template <class Io, Like<ReelDetails> R>
+void describe(Io& io, R& details)
+{
+  describe(io, details.reel);
+  io("known_type", details.knownType);
+  io("live", details.live);
+}
+
+template <class Io, Like<CreatedReel> R>
+void describe(Io& io, R& created)
+{
+  describe(io, created.reel);
+}
+
+template <class Io, Like<CopiedReel> R>
+void describe(Io& io, R& copied)
+{
+  io("from", copied.from);
+  io("to", copied.to);
+  io("stored", copied.stored);
+  io("reel", copied.reel);
+}
+
+template <class Io, Like<LiveReel> R>
+void describe(Io& io, R& live)
+{
+  describe(io, live.reel);
+  io("created", live.created);
+}
+
+template <class Io, Like<ChangedReel> R>
+void describe(Io& io, R& changed)
+{
+  // One field goes by another name here than for people: reports have always called it that.
+  const auto renamed = [](std::string_view field, std::string_view from, std::string_view to) {
+    return std::string(field == from ? to : field);
+  };
+  io("id", changed.id);
+  if constexpr (Io::writes) {
+    Value& json = io.json();
+    json["changed"] = Value::array();
+    json["unchanged"] = Value::array();
+    for (const FieldChange& change : changed.changes) {
+      const std::string field = renamed(change.field, "label-map", "label-mapping");
+      if (change.changed())
+        json["changed"].push_back({{"field", field}, {"from", change.before}, {"to", change.after}});
+      else
+        json["unchanged"].push_back({{"field", field}, {"value", change.after}});
+    }
+  } else {
+    const auto fieldOf = [&](const Value& change) {
+      return renamed(change.at("field").template get_ref<const std::string&>(), "label-mapping", "label-map");
+    };
+    for (const Value& change : io.json().at("changed"))
+      changed.changes.push_back({fieldOf(change), change.at("from"), change.at("to")});
+    for (const Value& change : io.json().at("unchanged"))
+      changed.changes.push_back({fieldOf(change), change.at("value"), change.at("value")});
+  }
+}
+
+template <class Io, Like<UserField> R>
+void describe(Io& io, R& field)
+{
+  io("key", field.number);
+  io("name", field.display);
+  io("stored", field.stored);
+  io("default", field.defaultName);
+}
+
+template <class Io, Like<Renamed> R>
+void describe(Io& io, R& renamed)
+{
+  io("from", renamed.from);
+  io("to", renamed.to);
+  io("dry_run", renamed.dryRun);
+  io("stored", renamed.stored);
+  io("shots", renamed.shots);
+}
+
+template <class Io, Like<Need> R>
+void describe(Io& io, R& need)
+{
+  io("id", need.id);
+  io("shots", need.shots);
+  if constexpr (Io::writes) {
+    io("state", need.state());
+    io("type", need.reel ? need.reel->type : std::string());
+    io("bin", need.reel ? need.reel->bin : std::string());
+  } else {
+    std::string state;
+    io("state", state);
+    for (const char* trouble : {"missing", "unavailable", "unknown type"})
+      if (state.find(trouble) != std::string::npos)
+        need.troubles.emplace_back(trouble);
+    if (state == "missing")
+      return;
+    Reel& reel = need.reel.emplace();
+    reel.id = need.id;
+    reel.available = state.find("unavailable") == std::string::npos;
+    io("type", reel.type);
+    io("bin", reel.bin);
+  }
+}
+
+template <class Io, Like<ReelType> R>
+void describe(Io& io, R& type)
+{
+  io("name", type.name);
+  io("video_channels", type.videoChannels);
+  io("audio_channels", type.audioChannels);
+  io("parameters", type.parameters);
+}
+
+// --- Names -----------------------------------------------------------------------------------------
+
+template <class Io, Like<Candidate> R>
+void describe(Io& io, R& candidate)
+{
+  io("reel", candidate.reel);
+  if constexpr (Io::writes) {
+    Value reasons = Value::array();
+    for (const Reason reason : candidate.reasons)
+      reasons.push_back(wordOf(reason));
+    io.json()["reasons"] = std::move(reasons);
+  } else {
+    constexpr std::array all = {Reason::Exact, Reason::Case, Reason::Cut, Reason::Alias, Reason::OldName};
+    for (const Value& reason : io.json().at("reasons"))
+      candidate.reasons.push_back(fromWord(reason, all));
+  }
+  io("record", candidate.isThere);
+}
+
+template <class Io, Like<NameMeaning> R>
+void describe(Io& io, R& meaning)
+{
+  io("name", meaning.name);
+  if constexpr (Io::writes) {
+    const Candidate* const one = theOne(meaning.candidates);
+    io.json()["reel"] = one ? Value(one->reel) : Value(nullptr);
+    io("candidates", meaning.candidates);
+    for (std::size_t i = 0; i < meaning.shots.size(); ++i)
+      io.json()["candidates"][i]["shots"] = meaning.shots[i];
+  } else {
+    io("candidates", meaning.candidates);
+    for (const Value& candidate : io.json().at("candidates"))
+      meaning.shots.push_back(candidate.at("shots"));
+  }
+}
+
+// --- Lists -----------------------------------------------------------------------------------------
+
+template <class Io, Like<ImportedList> R>
+void describe(Io& io, R& imported)
+{
+  auto& list = imported.list;
+  io("file", imported.file);
+  if constexpr (Io::writes) {
+    io.json()["format"] = list.format == lists::Format::Edl ? "edl" : "ale";
+  } else {
+    list.format = io.json().at("format") == "edl" ? lists::Format::Edl : lists::Format::Ale;
+  }
+  io("title", list.title);
+  io("clips", imported.clips);
+  io("shots_added", imported.shotsAdded);
+  if constexpr (Io::writes) {
+    io("shots_there", imported.shotsThere - imported.shotsRepeated);
+    io("shots_repeated", imported.shotsRepeated);
+  } else {
+    io("shots_there", imported.shotsThere);
+    io("shots_repeated", imported.shotsRepeated);
+    imported.shotsThere += imported.shotsRepeated;
+  }
+  io("created", imported.created);
+  io("matched", imported.matched);
+  io("special", list.specials);
+  io("spellings", list.spellings);
+  io("ambiguous", list.ambiguous);
+  io("warnings", list.warnings);
+  io("rejected", list.rejected);
+  io("lines", list.tally);
+}
+
+template <class Io, Like<ImportReport> R>
+void describe(Io& io, R& report)
+{
+  io("dry_run", report.dryRun);
+  io("stored", report.stored);
+  io("files", report.lists);
+  if constexpr (!Io::writes)
+    report.changes = std::any_of(report.lists.begin(), report.lists.end(), [](const ImportedList& imported) {
+      return imported.shotsAdded > 0 || !imported.created.empty();
+    });
+}
+
+template <class Io, Like<NewReel> R>
+void describe(Io& io, R& reel)
+{
+  io("reel", reel.id);
+  io("candidates", reel.candidates);
+}
+
+template <class Io, Like<RejectedLine> R>
+void describe(Io& io, R& rejected)
+{
+  io("file", rejected.file);
+  describe(io, rejected.line);
+}
+
+template <class Io, Like<ListDiff> R>
+void describe(Io& io, R& diff)
+{
+  io("files", diff.files);
+  if constexpr (Io::writes)
+    io.json()["equal"] = diff.empty();
+  io("reels_new", diff.newReels);
+  if constexpr (Io::writes) {
+    io.json()["reels_gone"] = diff.whole ? json::write(diff.goneReels) : Value(nullptr);
+  } else {
+    diff.whole = !io.json().at("reels_gone").is_null();
+    if (diff.whole)
+      io("reels_gone", diff.goneReels);
+  }
+  io("spellings", diff.spellings);
+  io("shots_added", diff.added);
+  io("shots_gone", diff.missing);
+  io("rejected", diff.rejected);
+}
+
+template <class Io, Like<ProjectContent> R>
+void describe(Io& io, R& content)
+{
+  io("project", content.project);
+  io("frame_rate", content.rate);
+  io("reels", content.reels);
+  if constexpr (Io::writes) {
+    for (std::size_t i = 0; i < content.reels.size(); ++i)
+      io.json()["reels"][i]["old_names"] = content.oldNames[i];
+    if (!content.reelsOnly)
+      io("shots", content.shots);
+  } else {
+    for (const Value& reel : io.json().at("reels"))
+      json::read(reel.at("old_names"), content.oldNames.emplace_back());
+    content.reelsOnly = !io.json().contains("shots");
+    if (!content.reelsOnly)
+      io("shots", content.shots);
+  }
+}
+
+// --- Deletions -------------------------------------------------------------------------------------
+
+/// Why a reel is kept. There is one way.
+inline constexpr const char* whyKept = "--keep";
+
+template <class Io, Like<DeletionPlan::Item> R>
+void describe(Io& io, R& item)
+{
+  io("id", item.reel);
+  io("kept", item.kept);
+  if constexpr (Io::writes)
+    if (item.kept)
+      io.json()["why"] = whyKept;
+  io("shots", item.shots);
+}
+
+template <class Io, Like<DeletionPlan> R>
+void describe(Io& io, R& plan)
+{
+  io("dry_run", plan.dryRun);
+  if constexpr (Io::writes) {
+    std::vector<std::string> deleted, kept;
+    for (const DeletionPlan::Item& item : plan.items)
+      (item.kept ? kept : deleted).push_back(item.reel);
+    io("deleted", deleted);
+    io("shots", plan.shotCount());
+    io("kept", kept);
+  }
+  io("reels", plan.items);
+}
+
+template <class Io, Like<Undeleted> R>
+void describe(Io& io, R& undeleted)
+{
+  io("reels", undeleted.reels);
+  io("shots", undeleted.shots);
+}
+
+template <class Io, Like<Compacted> R>
+void describe(Io& io, R& compacted)
+{
+  io("gone", compacted.gone);
+}
+
+// --- The facility ----------------------------------------------------------------------------------
+
+template <class Io, Like<Device> R>
+void describe(Io& io, R& device)
+{
+  io("number", device.number);
+  io("name", device.name);
+  io("port", device.port);
+  io("input", device.input);
+  io("audio_inputs", device.audioInputs);
+  io("tapes", device.tapes);
+  io("label_map", device.labelMap);
+  io("last_reel", device.lastReel);
+}
+
+template <class Io, Like<Verdict> R>
+void describe(Io& io, R& verdict)
+{
+  io("id", verdict.reel.id);
+  io("type", verdict.reel.type);
+  io("accepted", verdict.accepted);
+  io("why", verdict.why);
+}
+
+template <class Io, Like<LabelMap> R>
+void describe(Io& io, R& map)
+{
+  io("name", map.name);
+  if constexpr (Io::writes) {
+    io.json()["uses_vitc"] = map.fault.empty() ? Value(map.usesVitc) : Value(nullptr);
+    io.json()["fits_project"] = map.fault.empty() ? Value(map.fitsProject) : Value(nullptr);
+  } else if (!io.json().contains("fault")) {
+    io("uses_vitc", map.usesVitc);
+    io("fits_project", map.fitsProject);
+  }
+  io.optional("fault", map.fault);
+}
+
+template <class Io, Like<LabelMapCheck> R>
+void describe(Io& io, R& check)
+{
+  describe(io, check.map);
+  io.optional("why", check.why);
+  io.optional("device", check.device);
+  if (check.device)
+    io("fits_device", check.fitsDevice);
+}
+
+template <class Io, Like<NeededLabelMap> R>
+void describe(Io& io, R& needed)
+{
+  io.optional("reel", needed.reel);
+  io("device", needed.device);
+  io("label_map", needed.map);
+  io.optional("fault", needed.fault);
+}
+
+template <class Io, Like<Project> R>
+void describe(Io& io, R& project)
+{
+  io("name", project.name);
+  io("default", project.isDefault);
+  io("rate", project.rate);
+  io("rate_code", project.rateCode);
+  io.optional("fault", project.fault);
+}
+
+template <class Io, Like<ProjectCheck> R>
+void describe(Io& io, R& check)
+{
+  io("project", check.project);
+  if constexpr (Io::writes)
+    io.json()["sound"] = check.problems.empty();
+  io("problems", check.problems);
+}
+
+template <class Io, Like<ReelEvent> R>
+void describe(Io& io, R& event)
+{
+  using What = ReelEvent::What;
+  if constexpr (Io::writes) {
+    io.json()["what"] = wordOf(event.what);
+  } else {
+    constexpr std::array all = {What::New,      What::Changed, What::Gone, What::Renamed,
+                                What::Database, What::Record,  What::Ours};
+    event.what = fromWord(io.json().at("what"), all);
+  }
+  io("reel", event.reel);
+  if (event.what == What::Renamed)
+    io("from", event.from);
+}
+
+} // namespace reeldb::app
+
+#endif

@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A result is described once, by a function describe(io, result) that names its keys; Writer and Reader follow it. For
+// the sources of this folder.
+#ifndef REELDB_APP_JSON_IO_H
+#define REELDB_APP_JSON_IO_H
+
+#include <concepts>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace reeldb::app::json {
+
+/// Objects keep the order in which their keys were set.
+using Value = nlohmann::ordered_json;
+
+/// T or const T: a description serves both ways.
+template <class R, class T>
+concept Like = std::same_as<std::remove_const_t<R>, T>;
+
+template <class T>
+inline constexpr bool isVector = false;
+template <class T>
+inline constexpr bool isVector<std::vector<T>> = true;
+
+template <class T>
+Value write(const T& value);
+template <class T>
+void read(const Value& json, T& value);
+
+/// Sets the keys of an object.
+class Writer {
+public:
+  static constexpr bool writes = true;
+  explicit Writer(Value& json) : json_(json) {}
+
+  template <class T>
+  void operator()(const char* key, const T& value)
+  {
+    json_[key] = write(value);
+  }
+  /// Only when there is a value.
+  template <class T>
+  void optional(const char* key, const std::optional<T>& value)
+  {
+    if (value)
+      json_[key] = write(*value);
+  }
+  /// Only when the text is not empty.
+  void optional(const char* key, const std::string& text)
+  {
+    if (!text.empty())
+      json_[key] = text;
+  }
+  Value& json() { return json_; }
+
+private:
+  Value& json_;
+};
+
+/// Reads the keys of an object. Throws nlohmann's exceptions.
+class Reader {
+public:
+  static constexpr bool writes = false;
+  explicit Reader(const Value& json) : json_(json) {}
+
+  template <class T>
+  void operator()(const char* key, T& value)
+  {
+    read(json_.at(key), value);
+  }
+  template <class T>
+  void optional(const char* key, std::optional<T>& value)
+  {
+    if (json_.contains(key))
+      read(json_.at(key), value.emplace());
+  }
+  void optional(const char* key, std::string& text)
+  {
+    if (json_.contains(key))
+      text = json_.at(key).get<std::string>();
+  }
+  const Value& json() const { return json_; }
+
+private:
+  const Value& json_;
+};
+
+template <class T>
+Value write(const T& value)
+{
+  if constexpr (isVector<T>) {
+    Value json = Value::array();
+    for (const auto& element : value)
+      json.push_back(write(element));
+    return json;
+  } else if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, std::string>) {
+    return value;
+  } else {
+    Value json = Value::object();
+    Writer writer(json);
+    describe(writer, value);
+    return json;
+  }
+}
+
+template <class T>
+void read(const Value& json, T& value)
+{
+  if constexpr (isVector<T>) {
+    for (const Value& element : json.get_ref<const Value::array_t&>())
+      read(element, value.emplace_back());
+  } else if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, std::string>) {
+    value = json.get<T>();
+  } else {
+    Reader reader(json);
+    describe(reader, value);
+  }
+}
+
+} // namespace reeldb::app::json
+
+#endif

@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/json/json.h"
+
+#include <fmt/format.h>
+#include <utf8.h>
+
+#include "app/error.h"
+#include "app/json/descriptions.h"
+#include "base/display_text.h"
+
+namespace reeldb::app {
+
+namespace {
+
+std::string dumped(const Value& value, int indent)
+{
+  const std::string text = value.dump(indent, ' ', false, Value::error_handler_t::replace);
+  std::string result;
+  result.reserve(text.size() + 1);
+  for (auto at = text.begin(); at != text.end();) {
+    const auto start = at;
+    // Below 0x7F stands what the dump has escaped itself, and its own line ends.
+    if (const char32_t c = utf8::next(at, text.end()); c >= 0x7F && base::isShownEscaped(c))
+      result += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
+    else
+      result.append(start, at);
+  }
+  return result += '\n';
+}
+
+} // namespace
+
+template <class T>
+std::string jsonText(const T& result)
+{
+  return dumped(json::write(result), 2);
+}
+
+template <class T>
+std::string jsonLine(const T& result)
+{
+  return dumped(json::write(result), -1);
+}
+
+template <class T>
+T fromJson(std::string_view text)
+{
+  try {
+    T result;
+    json::read(Value::parse(text), result);
+    return result;
+  } catch (const nlohmann::json::exception& error) {
+    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not such a report ({})", error.what()));
+  } catch (const std::logic_error& error) { // a number of a user field that is none
+    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not such a report ({})", error.what()));
+  }
+}
+
+/// One line for each result that has a face in JSON.
+#define REELDB_JSON_RESULT(...)                                                                                        \
+  template std::string jsonText(const __VA_ARGS__&);                                                                   \
+  template std::string jsonLine(const __VA_ARGS__&);                                                                   \
+  template __VA_ARGS__ fromJson(std::string_view);
+#define REELDB_JSON_RESULTS(...)                                                                                       \
+  REELDB_JSON_RESULT(__VA_ARGS__)                                                                                      \
+  REELDB_JSON_RESULT(std::vector<__VA_ARGS__>)
+
+REELDB_JSON_RESULTS(Device)
+REELDB_JSON_RESULTS(LabelMap)
+REELDB_JSON_RESULTS(Need)
+REELDB_JSON_RESULTS(Project)
+REELDB_JSON_RESULTS(Reel)
+REELDB_JSON_RESULTS(ReelType)
+REELDB_JSON_RESULTS(Shot)
+REELDB_JSON_RESULTS(UserField)
+REELDB_JSON_RESULTS(Verdict)
+REELDB_JSON_RESULT(ChangedReel)
+REELDB_JSON_RESULT(Compacted)
+REELDB_JSON_RESULT(CopiedReel)
+REELDB_JSON_RESULT(CreatedReel)
+REELDB_JSON_RESULT(DeletionPlan)
+REELDB_JSON_RESULT(ImportReport)
+REELDB_JSON_RESULT(LabelMapCheck)
+REELDB_JSON_RESULT(ListDiff)
+REELDB_JSON_RESULT(LiveReel)
+REELDB_JSON_RESULT(NameMeaning)
+REELDB_JSON_RESULT(NeededLabelMap)
+REELDB_JSON_RESULT(ProjectCheck)
+REELDB_JSON_RESULT(ProjectContent)
+REELDB_JSON_RESULT(ReelDetails)
+REELDB_JSON_RESULT(ReelEvent)
+REELDB_JSON_RESULT(Renamed)
+REELDB_JSON_RESULT(Undeleted)
+
+} // namespace reeldb::app

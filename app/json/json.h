@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Results of operations as JSON, and back: for reports, for export, and for programs that ask. Keys never go, and never
+// change their name, type or meaning; new ones may come.
+#ifndef REELDB_APP_JSON_JSON_H
+#define REELDB_APP_JSON_JSON_H
+
+#include <string>
+#include <string_view>
+
+namespace reeldb::app {
+
+/// The result as JSON text with a line end, indented by two blanks. Bytes that are not UTF-8 become U+FFFD; characters
+/// that must not reach a terminal are written as \u009b and the like, which means the same. T is a result of this room,
+/// or a std::vector of one.
+template <class T>
+std::string jsonText(const T& result);
+
+/// The same in one line.
+template <class T>
+std::string jsonLine(const T& result);
+
+/// The result that such a text was made of, as far as the text holds it: a report of an import counts the clips and
+/// does not list them, say. Throws Error (Unreadable) for a text that is not JSON, or not of that result: a key that is
+/// missing, or a value of another type. Keys that it does not know are passed over.
+template <class T>
+T fromJson(std::string_view text);
+
+} // namespace reeldb::app
+
+#endif

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/list_files.h"
+
+#include <fmt/format.h>
+
+#include "base/files.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr std::size_t largestList = std::size_t{256} << 20; // a list of a hundred thousand events has some 20 MB
+
+ErrorKind kindFrom(base::FileFault fault)
+{
+  switch (fault) {
+  case base::FileFault::NotFound:
+    return ErrorKind::NotFound;
+  case base::FileFault::Exists:
+    return ErrorKind::Refused;
+  case base::FileFault::NotRegular:
+  case base::FileFault::TooLarge:
+    return ErrorKind::Unreadable;
+  case base::FileFault::System:
+    return ErrorKind::Io;
+  }
+  return ErrorKind::Io;
+}
+
+} // namespace
+
+ListFile readListFile(const std::string& path)
+{
+  try {
+    return {path, lists::read(base::readRegularFile(path, largestList))};
+  } catch (const base::FileError& error) {
+    throw Error(kindFrom(error.fault()), error.what());
+  } catch (const lists::Error& error) {
+    throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
+  }
+}
+
+ListFiles readListFiles(const std::vector<std::string>& paths)
+{
+  ListFiles files;
+  for (const std::string& path : paths) {
+    try {
+      files.read.push_back(readListFile(path));
+    } catch (const Error& error) {
+      files.failures.push_back(error);
+    }
+  }
+  return files;
+}
+
+void writeOutputFile(const std::string& path, std::string_view bytes, bool replace)
+{
+  try {
+    base::replaceFile(path, bytes, replace ? base::IfThere::Replace : base::IfThere::Refuse);
+  } catch (const base::FileError& error) {
+    if (error.fault() == base::FileFault::Exists)
+      throw Error(ErrorKind::Refused, fmt::format("{} (--force replaces it)", error.what()));
+    throw Error(error.fault() == base::FileFault::System ? ErrorKind::Io : ErrorKind::Refused, error.what());
+  }
+}
+
+} // namespace reeldb::app

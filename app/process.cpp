@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/process.h"
+
+#include "ReelDbVersion.h"
+#include "reelhost/host.h"
+#include "reelhost/journal.h"
+
+namespace reeldb::app {
+
+void startUp()
+{
+  reelhost::startUp();
+}
+
+std::string libraryVersion()
+{
+  return reeldbDllVersionStr();
+}
+
+void traceHostCalls(std::FILE* file)
+{
+  reelhost::Journal::the().traceTo(file);
+}
+
+} // namespace reeldb::app

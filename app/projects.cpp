@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/projects.h"
+
+#include <array>
+#include <random>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "app/facility.h"
+#include "app/host_errors.h"
+#include "app/plain_text.h"
+#include "base/text_width.h"
+#include "reelhost/host.h"
+#include "reelhost/store.h"
+
+namespace reeldb::app {
+
+namespace {
+
+std::array<unsigned char, 16> newUuid()
+{
+  std::random_device source;
+  std::array<unsigned char, 16> bytes{};
+  for (unsigned char& byte : bytes)
+    byte = static_cast<unsigned char>(source());
+  // Marks it as a random one.
+  bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
+  bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
+  return bytes;
+}
+
+std::string nameOfRate(const reelhost::Facility& facility, int code)
+{
+  for (const auto& [name, known] : facility.frameRates())
+    if (known == code)
+      return name;
+  return std::to_string(code);
+}
+
+std::string makeProjectIn(const reelhost::Facility& facility, const std::string& name, const std::string& rate)
+{
+  const auto code = facility.frameRateCode(rate);
+  if (!code) {
+    std::vector<std::string> known;
+    for (const auto& [rateName, rateCode] : facility.frameRates())
+      known.push_back(fmt::format("{} (code {})", rateName, rateCode));
+    throw Error(ErrorKind::Invalid, fmt::format("\"{}\": no such frame rate (this facility has: {})",
+                                                base::shortText(rate), fmt::join(known, ", ")));
+  }
+  requirePlainText(name, fmt::format("\"{}\": no name for a project", base::shortText(name)));
+  reelhost::ProjectInfo info;
+  info.name = name;
+  info.uuid = newUuid();
+  info.frameRate = *code;
+  info.outputFrameRate = *code;
+  createSqliteProject(facility.projectFile(name), info,
+                      {{"reeldb_defaultType", facility.configString("default_reel_type").value_or("")}});
+  return nameOfRate(facility, *code);
+}
+
+Project look(const reelhost::Facility& facility, const std::string& name)
+{
+  Project project;
+  project.name = name;
+  project.isDefault = name == facility.defaultProject();
+  try {
+    const auto store = reelhost::makeSqliteStore(facility.projectFile(name));
+    store->begin(reelhost::Access::Read, {});
+    project.rateCode = store->info().frameRate;
+    project.rate = nameOfRate(facility, project.rateCode);
+    store->end();
+  } catch (const reelhost::Error& error) {
+    project.fault = error.what();
+  }
+  return project;
+}
+
+} // namespace
+
+NewFacilityReport makeFacility(const std::string& folder)
+{
+  return guarded([&] {
+    reelhost::NewFacility made(folder);
+    const reelhost::Facility facility = reelhost::Facility::read(folder);
+    NewFacilityReport report;
+    report.project = facility.defaultProject();
+    if (!report.project.empty())
+      report.rate = makeProjectIn(facility, report.project, usualFrameRate);
+    made.keep();
+    return report;
+  });
+}
+
+std::string makeProject(const std::string& name, const std::string& rate)
+{
+  return guarded([&] { return makeProjectIn(requireFacility(), name, rate); });
+}
+
+std::string frameRateName(int code)
+{
+  return nameOfRate(requireFacility(), code);
+}
+
+std::vector<FrameRate> frameRates()
+{
+  std::vector<FrameRate> rates;
+  for (const auto& [name, code] : requireFacility().frameRates())
+    rates.push_back({name, code});
+  return rates;
+}
+
+std::vector<Project> listProjects()
+{
+  return guarded([] {
+    const reelhost::Facility& facility = requireFacility();
+    std::vector<Project> projects;
+    for (const std::string& name : facility.projectNames())
+      projects.push_back(look(facility, name));
+    return projects;
+  });
+}
+
+std::vector<std::string> projectNames()
+{
+  return requireFacility().projectNames();
+}
+
+std::string defaultProject()
+{
+  return requireFacility().defaultProject();
+}
+
+ProjectCheck checkProject(const std::optional<std::string>& project)
+{
+  return guarded([&] {
+    ProjectCheck check;
+    check.project = chosenProject(project);
+    check.problems = reelhost::makeSqliteStore(requireFacility().projectFile(check.project))->check();
+    return check;
+  });
+}
+
+Compacted compactProject(Session& session)
+{
+  return guarded([&] {
+    const Compacted compacted{reelhost::compact()};
+    session.commit();
+    return compacted;
+  });
+}
+
+} // namespace reeldb::app

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Facilities and their projects.
+#ifndef REELDB_APP_PROJECTS_H
+#define REELDB_APP_PROJECTS_H
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/session.h"
+
+namespace reeldb::app {
+
+/// The frame rate of a new project when nobody says another, as the facility names it.
+inline constexpr const char* usualFrameRate = "25";
+
+struct NewFacilityReport {
+  std::string project; ///< the first project; empty when facility.toml names no default
+  std::string rate;    ///< its frame rate
+};
+
+/// Makes a facility in the folder: configuration, reel types, label maps and a first project. When anything of it
+/// cannot be made, nothing is. Overwrites nothing. Throws Error: Refused when something is there already, Io.
+NewFacilityReport makeFacility(const std::string& folder);
+
+/// Makes the project in the facility of the process, with everything that entering it would otherwise store: a new
+/// project is never changed by those who only read it. Returns the facility's name of its frame rate. Throws Error:
+/// Invalid for a rate that the facility does not know and for a name that cannot be shown, Refused for a name that is
+/// no plain file name or is taken, Io.
+std::string makeProject(const std::string& name, const std::string& rate);
+
+/// The facility's name of a frame rate code, or the code itself.
+std::string frameRateName(int code);
+
+struct FrameRate {
+  std::string name;
+  int code = -1;
+};
+
+/// The frame rates that the facility knows, in the order of its file.
+std::vector<FrameRate> frameRates();
+
+struct Project {
+  std::string name;
+  bool isDefault = false;
+  std::string rate;  ///< the facility's name of its frame rate
+  int rateCode = -1; ///< what its file says
+  std::string fault; ///< why it cannot be read; then it has no rate
+};
+
+/// The projects of the facility, by name. One that cannot be read says why.
+std::vector<Project> listProjects();
+
+/// The names of the facility's projects, by name; no file is read.
+std::vector<std::string> projectNames();
+
+/// The name of the facility's default project; empty when it has none.
+std::string defaultProject();
+
+struct ProjectCheck {
+  std::string project;
+  std::vector<std::string> problems; ///< a line for each; empty when the project is sound
+};
+
+/// Reads the project's file from its first page to its last. Changes nothing. Throws Error when it cannot be read at
+/// all.
+ProjectCheck checkProject(const std::optional<std::string>& project);
+
+struct Compacted {
+  int gone = 0; ///< how many deleted logs
+};
+
+/// Empties the trash for good and stores that. REQUIRES: a session for writing.
+Compacted compactProject(Session& session);
+
+} // namespace reeldb::app
+
+#endif

@@ -1,0 +1,334 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/reel_fields.h"
+
+#include <algorithm>
+#include <functional>
+#include <map>
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "app/device_settings.h"
+#include "app/facility.h"
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/label_maps.h"
+#include "app/plain_text.h"
+#include "app/reel_records.h"
+#include "base/ascii.h"
+#include "base/number.h"
+#include "base/text_width.h"
+
+namespace reeldb::app {
+
+namespace {
+
+using Remarks = std::vector<std::string>;
+
+/// Throws Error for a value that cannot be, and remarks on a doubtful one.
+using Check = std::function<void(const std::string&, Remarks&)>;
+
+struct ReelField {
+  std::string name; ///< the one name of the field, whatever it is called in a request
+  Check check;
+  std::function<std::string(ReelDbRec&)> read;
+  std::function<void(ReelDbRec&, const std::string&)> write; ///< the value has passed the check
+};
+
+std::optional<bool> parseFlag(const std::string& value)
+{
+  const std::string word = base::fold(value);
+  if (word == "yes" || word == "true" || word == "on" || word == "1")
+    return true;
+  if (word == "no" || word == "false" || word == "off" || word == "0")
+    return false;
+  return std::nullopt;
+}
+
+ReelField flagField(const std::string& name, bool (ReelDbRec::*get)(), void (ReelDbRec::*put)(bool))
+{
+  return {name,
+          [name](const std::string& value, Remarks&) {
+            if (!parseFlag(value))
+              throw Error(ErrorKind::Invalid,
+                          fmt::format("{}: \"{}\" is neither yes nor no", name, base::shortText(value)));
+          },
+          [get](ReelDbRec& reel) { return std::string((reel.*get)() ? "yes" : "no"); },
+          [put](ReelDbRec& reel, const std::string& value) { (reel.*put)(parseFlag(value).value()); }};
+}
+
+using Text = LightweightString<char>;
+
+ReelField textField(const std::string& name, Text (ReelDbRec::*get)(), void (ReelDbRec::*put)(Text), Check check)
+{
+  return {name, std::move(check), [get](ReelDbRec& reel) { return text((reel.*get)()); },
+          [put](ReelDbRec& reel, const std::string& value) { (reel.*put)(hostText(value)); }};
+}
+
+void anything(const std::string&, Remarks&) {}
+
+/// The library reads one text of a field as none.
+void checkNotNone(const std::string& field, const std::string& value, const std::string& none, Remarks& remarks)
+{
+  if (value == none)
+    remarks.push_back(fmt::format("{}: \"{}\" stands for none", field, none));
+}
+
+void checkType(const std::string& value, Remarks& remarks)
+{
+  if (!value.empty() && !isListedType(value))
+    remarks.push_back(
+        fmt::format("{}: not in the reel type catalogue (stored all the same; reeldb type list lists what is)",
+                    base::shortText(value)));
+}
+
+void checkDevice(const std::string& value, Remarks&)
+{
+  const reelhost::Facility& facility = requireFacility();
+  const auto& devices = facility.devices();
+  if (!value.empty() && std::none_of(devices.begin(), devices.end(),
+                                     [&value](const reelhost::DeviceSettings& device) { return device.name == value; }))
+    throw Error(ErrorKind::Refused, fmt::format("last-device: no device is called \"{}\" ({})", base::shortText(value),
+                                                devicesThereAre(facility)));
+}
+
+/// The library stores any text, and looks for a file of that name when the reel is to be captured.
+void checkLabelMap(const std::string& value, Remarks& remarks)
+{
+  checkNotNone("label-map", value, "unknown", remarks);
+  if (value.empty() || value == "unknown" || value == "Device default")
+    return;
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (const auto fault = labelMapFault(value))
+    remarks.push_back(fmt::format("{}; stored all the same", fault->what()));
+  else if (!std::all_of(value.begin(), value.end(), isAscii))
+    remarks.push_back(
+        fmt::format("\"{}\": stored all the same, but a reel's label map is only found when its name is ASCII",
+                    base::shortText(value)));
+}
+
+std::vector<ReelField> fixedFields()
+{
+  return {
+      textField("type", &ReelDbRec::typeName, &ReelDbRec::typeName, checkType),
+      flagField("available", &ReelDbRec::reelAvailable, &ReelDbRec::reelAvailable),
+      flagField("inhibit", &ReelDbRec::recInhibit, &ReelDbRec::recInhibit),
+      textField("label-map", &ReelDbRec::labelMapping, &ReelDbRec::labelMapping, checkLabelMap),
+      textField("bin", &ReelDbRec::binName, &ReelDbRec::binName,
+                [](const std::string& value, Remarks& remarks) { checkNotNone("bin", value, "default", remarks); }),
+      {"last-device", checkDevice, [](ReelDbRec& reel) { return text(reel.lastDevice()); },
+       [](ReelDbRec& reel, const std::string& value) { reel.lastDevice(wideHostText(value)); }},
+  };
+}
+
+std::optional<ReelField> fixedField(const std::string& name)
+{
+  // JSON reports write the names with an underscore, and one of them in another way.
+  std::string wanted = base::fold(name);
+  std::replace(wanted.begin(), wanted.end(), '_', '-');
+  if (wanted == "label-mapping")
+    wanted = "label-map";
+  for (ReelField& field : fixedFields())
+    if (field.name == wanted)
+      return std::move(field);
+  return std::nullopt;
+}
+
+ReelField userField(int number)
+{
+  return {fmt::format("user-field.{}", number), anything,
+          [number](ReelDbRec& reel) { return text(reel.userField(number)); },
+          [number](ReelDbRec& reel, const std::string& value) { reel.userField(number, hostText(value)); }};
+}
+
+constexpr std::string_view numberPrefix = "user-field.";
+
+bool isPrefixed(const std::string& name)
+{
+  return base::fold(name).compare(0, numberPrefix.size(), numberPrefix) == 0;
+}
+
+/// Whether the name is meant as the number of a user field.
+bool isNumber(const std::string& name)
+{
+  return isPrefixed(name) || name.find_first_not_of("-0123456789") == std::string::npos;
+}
+
+/// The number of a user field that is named by number; nothing when the name is no such thing.
+std::optional<int> numberOf(const std::string& name)
+{
+  if (!isNumber(name))
+    return std::nullopt;
+  const auto number = base::parseNumber(isPrefixed(name) ? name.substr(numberPrefix.size()) : name);
+  if (!number || *number >= static_cast<int>(userFieldCount))
+    throw Error(ErrorKind::Invalid, fmt::format("{}: no such user field (they are numbered from 0 to {})",
+                                                base::shortText(name), userFieldCount - 1));
+  return number;
+}
+
+std::optional<int> numberOfDisplayName(const std::string& name)
+{
+  std::optional<int> found;
+  for (int i = 0; i < static_cast<int>(userFieldCount); ++i) {
+    if (!base::sameName(text(ReelDbManager::theReelDbManager()->userFieldName(i)), name))
+      continue;
+    if (found)
+      throw Error(ErrorKind::Refused, fmt::format("{}: two user fields are called that (say {} or {} instead)",
+                                                  base::shortText(name), userField(*found).name, userField(i).name));
+    found = i;
+  }
+  return found;
+}
+
+bool meansField(const std::string& name)
+{
+  return fixedField(name) || isNumber(name);
+}
+
+/// The field of that name. Throws Error when there is none, or when two user fields are called that.
+ReelField findField(const std::string& name)
+{
+  if (auto field = fixedField(name))
+    return *std::move(field);
+  if (const auto number = numberOf(name))
+    return userField(*number);
+  if (const auto number = numberOfDisplayName(name))
+    return userField(*number);
+  throw Error(ErrorKind::Invalid,
+              fmt::format("{}: no such field (type, available, inhibit, label-mapping, bin, last-device, user-field.0 "
+                          "to user-field.{}, or the name of a user field)",
+                          base::shortText(name), userFieldCount - 1));
+}
+
+/// Throws Error when the value cannot be shown and handed on, or is longer than a field can give back.
+void requireStorable(const Assignment& assignment)
+{
+  const std::string field = base::shortText(assignment.field);
+  requirePlainText(assignment.value,
+                   fmt::format("{}: \"{}\" cannot be stored", field, base::shortText(assignment.value)));
+  if (assignment.value.size() > longestField)
+    throw Error(ErrorKind::Refused, fmt::format("{}: value too long (it has {} bytes, {} are the most)", field,
+                                                assignment.value.size(), longestField));
+}
+
+struct Wanted {
+  ReelField field;
+  std::string value;
+};
+
+std::vector<Wanted> checkAssignments(const std::vector<Assignment>& assignments, Remarks& remarks)
+{
+  std::vector<Wanted> result;
+  for (const Assignment& assignment : assignments) {
+    requireStorable(assignment);
+    ReelField field = findField(assignment.field);
+    field.check(assignment.value, remarks);
+    for (const Wanted& other : result)
+      if (other.field.name == field.name)
+        throw Error(ErrorKind::Invalid, fmt::format("{}: given twice", field.name));
+    result.push_back({std::move(field), assignment.value});
+  }
+  return result;
+}
+
+std::string systemKey(int number)
+{
+  return "reel_userfield" + std::to_string(number);
+}
+
+/// The numbers and names to store. Everything is checked before anything is changed.
+std::map<int, std::string> checkNames(const std::vector<Assignment>& assignments)
+{
+  std::map<int, std::string> names;
+  for (const Assignment& assignment : assignments) {
+    requireStorable(assignment);
+    const auto number = base::parseNumber(assignment.field);
+    if (!number || *number >= static_cast<int>(userFieldCount))
+      throw Error(ErrorKind::Invalid, fmt::format("{}: no such user field (they are numbered from 0 to {})",
+                                                  base::shortText(assignment.field), userFieldCount - 1));
+    if (!names.emplace(*number, assignment.value).second)
+      throw Error(ErrorKind::Invalid, fmt::format("{}: given twice", *number));
+  }
+  return names;
+}
+
+/// Throws Error when a name cannot be given to its field because changeReel would mean another by it.
+void requireUnmistakable(const std::map<int, std::string>& names, const std::vector<UserField>& fields)
+{
+  const auto nameOf = [&names](const UserField& field) {
+    const auto wanted = names.find(field.number);
+    if (wanted == names.end())
+      return field.display;
+    return wanted->second.empty() ? field.defaultName : wanted->second;
+  };
+  for (const auto& [number, name] : names) {
+    const std::string wanted = nameOf(fields.at(static_cast<std::size_t>(number)));
+    const std::string fact = fmt::format("\"{}\": no name for user field {}", base::shortText(wanted), number);
+    if (wanted.find_first_not_of(' ') == std::string::npos)
+      throw Error(ErrorKind::Refused, fact + " (it is blank)");
+    if (meansField(wanted))
+      throw Error(ErrorKind::Refused, fact + " (reeldb set means another field by it)");
+    for (const UserField& other : fields)
+      if (other.number != number && base::sameName(nameOf(other), wanted))
+        throw Error(ErrorKind::Refused, fmt::format("{} (user field {} is called that)", fact, other.number));
+  }
+}
+
+} // namespace
+
+ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments)
+{
+  return guarded([&] {
+    ReelDbRec reel = requireReel(session.manager(), id);
+    ChangedReel result;
+    result.id = text(reel.reelId());
+    for (const Wanted& wanted : checkAssignments(assignments, result.remarks)) {
+      FieldChange change{wanted.field.name, wanted.field.read(reel), {}};
+      wanted.field.write(reel, wanted.value);
+      change.after = wanted.field.read(reel);
+      result.changes.push_back(std::move(change));
+    }
+    session.commit();
+    return result;
+  });
+}
+
+std::vector<std::string> reelFieldNames()
+{
+  std::vector<std::string> names;
+  for (const ReelField& field : fixedFields())
+    names.push_back(field.name);
+  for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
+    names.push_back(userField(i).name);
+  return names;
+}
+
+std::vector<UserField> listUserFields()
+{
+  const reelhost::Facility& facility = requireFacility();
+  const auto display = userFieldNames();
+  std::vector<UserField> fields;
+  for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
+    fields.push_back({i, facility.systemValue(systemKey(i)), display[static_cast<std::size_t>(i)],
+                      fmt::format("User field {}", i + 1)});
+  return fields;
+}
+
+NamedUserFields nameUserFields(const std::vector<Assignment>& assignments)
+{
+  return guarded([&] {
+    reelhost::Facility& facility = requireFacility();
+    const std::map<int, std::string> names = checkNames(assignments);
+    requireUnmistakable(names, listUserFields());
+    for (const auto& [number, name] : names)
+      if (facility.systemValue(systemKey(number)) != name)
+        ReelDbManager::theReelDbManager()->userFieldName(number, hostText(name));
+    NamedUserFields result;
+    result.stored = facility.stateChanged();
+    facility.saveState();
+    result.fields = listUserFields();
+    return result;
+  });
+}
+
+} // namespace reeldb::app

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Changing what is known of a reel, and what its user fields are called.
+#ifndef REELDB_APP_REEL_FIELDS_H
+#define REELDB_APP_REEL_FIELDS_H
+
+#include <string>
+#include <vector>
+
+#include "app/reels.h"
+#include "app/session.h"
+
+namespace reeldb::app {
+
+/// A field by any of its names, and the text to store there; an empty one takes the value away.
+struct Assignment {
+  std::string field, value;
+};
+
+struct FieldChange {
+  std::string field;         ///< the one name of the field
+  std::string before, after; ///< as the library reads them; equal when nothing changed
+  bool changed() const { return before != after; }
+};
+
+struct ChangedReel {
+  std::string id; ///< as the record spells it
+  std::vector<FieldChange> changes;
+  std::vector<std::string> remarks; ///< what is doubtful about a value; each "subject: fact (cause)"
+};
+
+/// Changes fields of a reel and stores that. Every field and value is checked before anything is written. The fields
+/// are type, available, inhibit, label-map, bin, last-device and user-field.N; the names of JSON reports, the
+/// number of a user field and its display name, letter case aside, name them, too. Throws Error: NotFound, Invalid for
+/// a field or a value that cannot be, Refused. REQUIRES: a session for writing.
+ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments);
+
+/// The names of the fields that changeReel takes, user fields by number.
+std::vector<std::string> reelFieldNames();
+
+/// A user field of the facility.
+struct UserField {
+  int number = 0;
+  std::string stored;      ///< the name that was given to it; empty: none
+  std::string display;     ///< what the library calls it
+  std::string defaultName; ///< what it is called when no name is stored; counts from 1
+};
+
+std::vector<UserField> listUserFields();
+
+struct NamedUserFields {
+  std::vector<UserField> fields; ///< all of them, afterwards
+  bool stored = false;
+};
+
+/// Names user fields by their numbers and stores that in the facility; an empty name takes a name back. Throws Error:
+/// Invalid for a number that is none, Refused for a name that is blank, that another field has (letter case aside), or
+/// that means another field to changeReel.
+NamedUserFields nameUserFields(const std::vector<Assignment>& assignments);
+
+} // namespace reeldb::app
+
+#endif

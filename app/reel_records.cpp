@@ -1,0 +1,173 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/reel_records.h"
+
+#include <algorithm>
+#include <cwctype>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <utf8.h>
+
+#include "ReelTypeManager.h"
+#include "app/host_text.h"
+#include "app/plain_text.h"
+#include "base/ascii.h"
+#include "base/character_locale.h"
+#include "base/text_width.h"
+#include "host/edit.h"
+#include "lists/names.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr auto videoChannel = EditChanType(1);
+constexpr auto audioChannel = EditChanType(2);
+
+/// A log, open for as long as this lives; false when it could not be opened.
+class OpenLog {
+public:
+  explicit OpenLog(const Cookie& log) { edit_.i_open(log, eEditOpenBehaviour(0)); }
+  ~OpenLog() { edit_.i_close(); }
+  OpenLog(const OpenLog&) = delete;
+  OpenLog& operator=(const OpenLog&) = delete;
+  explicit operator bool() const { return edit_.get() != nullptr; }
+  int channels(EditChanType type) const { return edit_->getNumChans(type) & 0xFFFF; }
+
+private:
+  EditPtr edit_;
+};
+
+std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
+{
+  constexpr std::size_t most = 5; // of a whole project of them nobody reads the rest
+  std::vector<std::string> all;
+  for (const Cookie& log : manager.reelList)
+    if (std::string other = text(ReelDbRec(log).reelId()); !other.empty())
+      all.push_back(std::move(other));
+  std::vector<std::string> similar = similarNames(id, all);
+  const bool more = similar.size() > most;
+  similar.resize(std::min(most, similar.size()));
+  const bool needsQuotes = id.empty() || id.front() == ' ' || id.back() == ' ';
+  std::string message = fmt::format("{0}{1}{0}: no such reel", needsQuotes ? "\"" : "", base::shortText(id));
+  if (!similar.empty())
+    message += fmt::format(" (but there {} {}{})", similar.size() == 1 ? "is" : "are", fmt::join(similar, ", "),
+                           more ? ", ..." : "");
+  return message;
+}
+
+/// Letters and digits alone, in lower case. Bytes that are not UTF-8 do not count.
+std::u32string essence(std::string_view text)
+{
+  const base::CharacterLocale locale;
+  std::u32string result;
+  const std::string valid = utf8::replace_invalid(text);
+  for (auto at = valid.begin(); at != valid.end();)
+    if (const auto c = static_cast<wint_t>(utf8::next(at, valid.end())); std::iswalnum(c))
+      result += static_cast<char32_t>(std::towlower(c));
+  return result;
+}
+
+/// A key for each old name: a value is read back whole only as far as a single name goes.
+LightweightString<char> oldNameKey(std::size_t number)
+{
+  return hostText("reel_old_name" + std::to_string(number));
+}
+
+std::vector<std::string> keptNames(ReelDbRec& reel)
+{
+  std::vector<std::string> names;
+  for (LightweightString<char> name; reel.getStringValFromEdit(oldNameKey(names.size()), name);)
+    names.push_back(text(name));
+  return names;
+}
+
+} // namespace
+
+Reel readReel(ReelDbRec record, const ShotCounts& shots)
+{
+  Reel reel;
+  reel.id = text(record.reelId());
+  reel.type = text(record.typeName());
+  reel.available = record.reelAvailable();
+  reel.inhibit = record.recInhibit();
+  reel.labelMapping = text(record.labelMapping());
+  reel.bin = text(record.binName());
+  reel.lastDevice = text(record.lastDevice());
+  for (std::size_t i = 0; i < userFieldCount; ++i)
+    reel.userFields[i] = text(record.userField(static_cast<int>(i)));
+  if (const OpenLog log(record); log) {
+    reel.videoChannels = log.channels(videoChannel);
+    reel.audioChannels = log.channels(audioChannel);
+  }
+  if (const auto found = shots.find(base::fold(reel.id)); found != shots.end())
+    reel.shots = found->second;
+  return reel;
+}
+
+ReelDbRec requireReel(ReelDbManager& manager, const std::string& id)
+{
+  const ReelDbRec reel = manager.getReelInfo(hostText(id));
+  if (!reel.valid())
+    throw Error(ErrorKind::NotFound, noSuchReel(manager, id));
+  return reel;
+}
+
+bool isListedType(const std::string& type)
+{
+  return static_cast<bool>(theReelTypeManager()->rep()->find(hostText(type)));
+}
+
+std::string checkedReelName(const std::string& asked)
+{
+  ReelDbManager& manager = *ReelDbManager::theReelDbManager();
+  const std::string fact = fmt::format("\"{}\": no name for a reel", base::shortText(asked));
+  requirePlainText(asked, fact);
+  std::string id = text(manager.trimLeadingTrailingSpaces(hostText(asked)));
+  if (id.empty())
+    throw Error(ErrorKind::Refused, fact + " (it is blank)");
+  if (asked.size() > longestField)
+    throw Error(ErrorKind::Refused,
+                fmt::format("{} (it has {} bytes, {} are the most)", fact, asked.size(), longestField));
+  if (manager.representsInternallyGeneratedMaterial(hostText(id)))
+    throw Error(ErrorKind::Refused, fact + " (a star denotes generated material)");
+  return id;
+}
+
+void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remarks)
+{
+  const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);
+  if (!meaning.empty())
+    remarks.push_back(
+        fmt::format("{}: taken all the same, but no import will mean this reel by it (in cut lists it means: {})",
+                    base::shortText(id), meaning));
+}
+
+std::vector<std::string> similarNames(std::string_view meant, const std::vector<std::string>& names)
+{
+  std::vector<std::string> result;
+  const std::u32string wanted = essence(meant);
+  if (wanted.empty())
+    return result;
+  for (const std::string& name : names)
+    if (essence(name) == wanted)
+      result.push_back(name);
+  return result;
+}
+
+std::vector<std::string> oldNamesOf(ReelDbRec reel)
+{
+  std::vector<std::string> names = keptNames(reel);
+  names.erase(std::remove(names.begin(), names.end(), text(reel.reelId())), names.end()); // one that came back
+  return names;
+}
+
+void keepOldName(ReelDbRec reel, const std::string& name)
+{
+  const std::vector<std::string> names = keptNames(reel);
+  const auto isSame = [&](const std::string& other) { return base::sameName(other, name); };
+  if (std::none_of(names.begin(), names.end(), isSame))
+    reel.setStringValInEdit(oldNameKey(names.size()), hostText(name));
+}
+
+} // namespace reeldb::app

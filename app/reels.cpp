@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/reels.h"
+
+#include <fmt/format.h>
+
+#include "app/device_settings.h"
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/plain_text.h"
+#include "app/reel_records.h"
+#include "base/text_width.h"
+#include "reelhost/host.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr int noDevice = -1;
+
+/// What ReelDbManager::checkReelValid returns for a reel whose type is in the catalogue.
+constexpr int validReel = 0;
+
+std::string quoted(const std::string& id)
+{
+  return '"' + base::shortText(id) + '"';
+}
+
+/// Throws the Error that explains why the library refused a name that passed our checks.
+[[noreturn]] void explainRefusal(ReelDbManager& manager, const std::string& id)
+{
+  const LightweightString<char> asked = hostText(id);
+  if (manager.doesReelExist(asked))
+    throw Error(ErrorKind::Refused,
+                fmt::format("{}: exists already", quoted(text(manager.getReelInfo(asked).reelId()))));
+  throw Error(ErrorKind::Refused, fmt::format("{}: no reel made", quoted(id)));
+}
+
+/// Throws Error when one of the texts to copy cannot be shown and handed on. This room stores none, but another program
+/// may have.
+void requirePlainTexts(const Reel& reel)
+{
+  const auto require = [&reel](const std::string& value, const std::string& field) {
+    requirePlainText(value, fmt::format("{}: its {} cannot be copied", base::shortText(reel.id), field));
+  };
+  require(reel.type, "type");
+  require(reel.labelMapping, "label mapping");
+  for (std::size_t i = 0; i < userFieldCount; ++i)
+    require(reel.userFields[i], fmt::format("user field {}", i));
+}
+
+} // namespace
+
+std::vector<Reel> listReels(Session& session)
+{
+  return guarded([&] {
+    const ShotCounts shots = reelhost::shotCounts();
+    std::vector<Reel> reels;
+    for (const Cookie& log : session.manager().reelList)
+      if (Reel reel = readReel(ReelDbRec(log), shots); !reel.id.empty())
+        reels.push_back(std::move(reel));
+    return reels;
+  });
+}
+
+ReelDetails showReel(Session& session, const std::string& id)
+{
+  return guarded([&] {
+    ReelDbManager& manager = session.manager();
+    ReelDetails details;
+    details.reel = readReel(requireReel(manager, id), reelhost::shotCounts());
+    details.knownType = manager.checkReelValid(hostText(id)) == validReel;
+    details.live = manager.representsLiveMaterial(hostText(id));
+    return details;
+  });
+}
+
+std::array<std::string, userFieldCount> userFieldNames()
+{
+  std::array<std::string, userFieldCount> names;
+  for (std::size_t i = 0; i < userFieldCount; ++i)
+    names[i] = text(ReelDbManager::theReelDbManager()->userFieldName(static_cast<int>(i)));
+  return names;
+}
+
+CreatedReel createReel(Session& session, const std::string& id, const std::optional<std::string>& device)
+{
+  return guarded([&] {
+    checkedReelName(id);
+    const int number = device ? requireDevice(*device).number : noDevice;
+    ReelDbManager& manager = session.manager();
+    ReelDbRec made = manager.createNewReel(hostText(id), number);
+    if (!made.valid())
+      explainRefusal(manager, id);
+    // The library compares the identifier as it was given, but stores it without outer blanks, or stores the device's
+    // name: what it stored may be there already, and the second of two such reels is never found again.
+    const std::string stored = text(made.reelId());
+    if (stored != id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
+      throw Error(ErrorKind::Refused, fmt::format("{}: exists already", quoted(stored)));
+    CreatedReel result;
+    remarkOnSpecialName(stored, result.remarks);
+    session.commit();
+    result.reel = readReel(made, reelhost::shotCounts());
+    return result;
+  });
+}
+
+CopiedReel copyReel(Session& session, const std::string& from, const std::string& to)
+{
+  return guarded([&] {
+    ReelDbManager& manager = session.manager();
+    // The library would copy an unknown reel too, and so empty the other.
+    ReelDbRec source = requireReel(manager, from);
+    ReelDbRec target = requireReel(manager, to);
+    CopiedReel result;
+    result.from = text(source.reelId());
+    result.to = text(target.reelId());
+    requirePlainTexts(readReel(source, {}));
+    manager.copyReelInfo(hostText(result.from), hostText(result.to));
+    result.reel = readReel(target, reelhost::shotCounts());
+    result.stored = session.commit();
+    return result;
+  });
+}
+
+} // namespace reeldb::app

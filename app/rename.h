@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_APP_RENAME_H
+#define REELDB_APP_RENAME_H
+
+#include <string>
+#include <vector>
+
+#include "app/session.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// What became of a reel that was renamed, or would become of it.
+struct Renamed {
+  std::string from, to;
+  bool dryRun = false;
+  bool stored = false;              ///< false also when the reel is called that already
+  std::vector<Shot> shots;          ///< those that bear the identifier, as they are under the new one
+  std::vector<std::string> remarks; ///< what is doubtful about the new name; each "subject: fact (cause)"
+};
+
+/// Renames a reel and every shot recorded from it, and stores that. Outer blanks of the new name do not count. The old
+/// name is kept, so that whichReel finds the reel by it. Throws Error: NotFound; Invalid or Refused for a name that
+/// breaks the rule of reels.h; Refused when another reel has it, letter case aside. With @p dryRun nothing changes.
+/// REQUIRES: a session for writing, unless it is a dry run.
+Renamed renameReel(Session& session, const std::string& from, const std::string& to, bool dryRun);
+
+} // namespace reeldb::app
+
+#endif

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/shots.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr char divider = '\n'; ///< between the other names that a shot carries; no name holds it
+
+std::vector<std::string> divided(const std::string& text)
+{
+  std::vector<std::string> parts;
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t end = std::min(text.find(divider, at), text.size());
+    parts.push_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  return parts;
+}
+
+} // namespace
+
+reelhost::Material materialFrom(const Shot& shot)
+{
+  reelhost::Material material;
+  material.reel = shot.reel;
+  material.name = shot.clipName;
+  material.sourceFile = shot.sourceFile;
+  material.sourceIn = shot.sourceIn;
+  material.sourceOut = shot.sourceOut;
+  material.recordIn = shot.recordIn;
+  material.recordOut = shot.recordOut;
+  material.tracks = shot.tracks;
+  material.aliases = fmt::format("{}", fmt::join(shot.aliases, std::string_view(&divider, 1)));
+  material.videoChannels = shot.videoChannels;
+  material.audioChannels = shot.audioChannels;
+  return material;
+}
+
+Shot shotFrom(const reelhost::Material& material)
+{
+  Shot shot;
+  shot.reel = material.reel;
+  shot.clipName = material.name;
+  shot.sourceFile = material.sourceFile;
+  shot.tracks = material.tracks;
+  shot.sourceIn = material.sourceIn;
+  shot.sourceOut = material.sourceOut;
+  shot.recordIn = material.recordIn;
+  shot.recordOut = material.recordOut;
+  shot.aliases = divided(material.aliases);
+  shot.videoChannels = material.videoChannels;
+  shot.audioChannels = material.audioChannels;
+  return shot;
+}
+
+std::vector<Shot> shotsFrom(const CookieVec& logs)
+{
+  std::vector<Shot> shots;
+  for (const Cookie& log : logs)
+    shots.push_back(shotFrom(reelhost::materialOf(log)));
+  return shots;
+}
+
+std::string shotKey(const Shot& shot)
+{
+  std::string key = base::fold(shot.reel);
+  for (const std::string* part : {&shot.clipName, &shot.sourceIn, &shot.sourceOut, &shot.tracks}) {
+    key += '\0'; // no text holds it
+    key += *part;
+  }
+  return key;
+}
+
+ReelShots shotsOfReel(Session& session, const std::string& id)
+{
+  return guarded([&] {
+    ReelShots result;
+    result.reel = text(requireReel(session.manager(), id).reelId());
+    result.shots = shotsFrom(reelhost::shotsOf(result.reel));
+    return result;
+  });
+}
+
+std::vector<Shot> allShots(Session&)
+{
+  return guarded([] { return shotsFrom(reelhost::allShots()); });
+}
+
+} // namespace reeldb::app

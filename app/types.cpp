@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/types.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include <fmt/format.h>
+
+#include "ReelTypeManager.h"
+#include "app/facility.h"
+#include "app/host_text.h"
+
+namespace reeldb::app {
+
+ReelTypes listTypes()
+{
+  ReelTypes result;
+  const auto file = requireFacility().deviceDataDirectory() / "reeltype.dat";
+  std::error_code none;
+  if (!std::filesystem::exists(file, none))
+    result.remarks.push_back(fmt::format("{}: not there, so there are no reel types", file.native()));
+  // Only names that are listed are asked for: asking for another would list it.
+  ReelTypeManager& types = *theReelTypeManager();
+  for (AssocListIter it(types); const AssocListRep::Entry* entry = *it; ++it)
+    result.types.push_back(
+        {text(entry->key), types.numVideoChans(entry->key), types.numAudioChans(entry->key), text(entry->value)});
+  return result;
+}
+
+} // namespace reeldb::app

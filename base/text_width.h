@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// How wide a text is on a terminal. All texts here are displayTexts: valid UTF-8 without control characters.
+#ifndef REELDB_BASE_TEXT_WIDTH_H
+#define REELDB_BASE_TEXT_WIDTH_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include <wchar.h>
+
+#include <utf8.h>
+
+#include "base/character_locale.h"
+#include "base/display_text.h"
+
+namespace reeldb::base {
+
+/// Columns that the character takes up. REQUIRES: a CharacterLocale lives.
+inline std::size_t columnsOf(char32_t c)
+{
+  if (c < 0x7F)
+    return 1;
+  const int width = wcwidth(static_cast<wchar_t>(c));
+  return width < 0 ? 1 : static_cast<std::size_t>(width);
+}
+
+/// Columns that the text takes up.
+inline std::size_t displayWidth(std::string_view text)
+{
+  const CharacterLocale locale;
+  std::size_t columns = 0;
+  for (auto at = text.begin(); at != text.end();)
+    columns += columnsOf(utf8::next(at, text.end()));
+  return columns;
+}
+
+/// The longest start of the text that fits into @p columns (at least 1), with an ellipsis when something is left.
+inline std::string cutToWidth(std::string_view text, std::size_t columns)
+{
+  const CharacterLocale locale;
+  std::size_t used = 0;
+  auto cut = text.begin(); // as much as leaves room for the ellipsis
+  for (auto at = text.begin(); at != text.end();) {
+    used += columnsOf(utf8::next(at, text.end()));
+    if (used > columns)
+      return std::string(text.begin(), cut) + "…";
+    if (used < columns)
+      cut = at;
+  }
+  return std::string(text);
+}
+
+/// Any text as a displayText, cut to a length that suits a message.
+inline std::string shortText(std::string_view text)
+{
+  constexpr std::size_t messageColumns = 80;
+  return cutToWidth(displayText(text), messageColumns);
+}
+
+} // namespace reeldb::base
+
+#endif

@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/entry.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <new>
+
+#include "app/completion.h"
+#include "app/process.h"
+#include "base/display_text.h"
+#include "commands/commands.h"
+#include "text/output.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+ExitCode fail(ExitCode code, const char* message)
+{
+  complain(message);
+  return code;
+}
+
+ExitCode carryOut(const Reading& reading, const Globals& globals)
+{
+  try {
+    app::startUp();
+    if (globals.trace)
+      app::traceHostCalls(stderr);
+    return reading.run(globals);
+  } catch (const app::Error& error) {
+    return fail(exitCodeOf(error.kind()), error.what());
+  } catch (const std::bad_alloc&) {
+    return fail(unreadable, "out of memory");
+  } catch (const std::exception& error) {
+    return fail(unreadable, error.what());
+  }
+}
+
+ExitCode runLine(int argc, char** argv)
+{
+  CommandLine line;
+  addCommands(line);
+  const Reading reading = line.read(argc, argv);
+  ExitCode code = reading.code;
+  if (reading.run)
+    code = carryOut(reading, line.globals());
+  else if (!reading.message.empty())
+    complain(reading.message);
+  else
+    print(reading.text);
+  app::traceHostCalls(nullptr);
+  return flushOutput() ? code : unreadable;
+}
+
+std::vector<app::Choice> choicesFor(const Completion& completion)
+{
+  if (!completion.words.empty())
+    return completion.words;
+  try {
+    app::startUp();
+    return app::choices(completion.value, completion.typed, completion.project);
+  } catch (const std::exception&) {
+    return {}; // without a facility, say; who runs the line hears of it
+  }
+}
+
+/// Whether the word shows its own bytes and fits into one line.
+bool canBeTyped(const std::string& word)
+{
+  return base::displayText(word) == word;
+}
+
+ExitCode complete(int argc, char** argv)
+{
+  CommandLine line;
+  addCommands(line);
+  const Completion completion = line.complete(std::vector<std::string>(argv + std::min(argc, 1), argv + argc));
+  print(completion.value == app::ValueKind::File     ? "files\n"
+        : completion.value == app::ValueKind::Folder ? "folders\n"
+                                                     : "words\n");
+  for (const app::Choice& choice : choicesFor(completion))
+    if (canBeTyped(choice.word) && choice.word.compare(0, completion.typed.size(), completion.typed) == 0)
+      print(completion.start + choice.word + '\t' + base::displayText(choice.description) + '\n');
+  return flushOutput() ? done : unreadable;
+}
+
+} // namespace
+
+} // namespace reeldb::cli
+
+// The commands catch everything they throw; what comes here anyway ends the process in std::terminate.
+extern "C" __attribute__((visibility("default"))) int reeldb_main(int argc, char** argv)
+{
+  return reeldb::cli::runLine(argc, argv);
+}
+
+extern "C" __attribute__((visibility("default"))) int reeldb_complete(int argc, char** argv)
+{
+  return reeldb::cli::complete(argc, argv);
+}

@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/import_report.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "base/text_width.h"
+#include "text/counted.h"
+
+namespace reeldb::cli {
+
+using base::displayText;
+using base::displayWidth;
+
+namespace {
+
+std::string_view formatName(lists::Format format)
+{
+  switch (format) {
+  case lists::Format::Edl:
+    return "edl";
+  case lists::Format::Ale:
+    return "ale";
+  }
+  return "";
+}
+
+/// What a line of the list that says something of a source is called.
+std::string_view lineName(lists::Format format)
+{
+  switch (format) {
+  case lists::Format::Edl:
+    return "event";
+  case lists::Format::Ale:
+    return "row";
+  }
+  return "";
+}
+
+/// "created" or "would be created".
+std::string did(Mood mood, std::string_view verb)
+{
+  return mood == Mood::Fact ? std::string(verb) : fmt::format("would be {}", verb);
+}
+
+/// The names behind the heading, with commas, in as many lines as they need, each further one so far in.
+std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
+                    std::size_t indent)
+{
+  std::string result = heading;
+  std::size_t used = displayWidth(heading);
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const std::string name = displayText(names[i]) + (i + 1 < names.size() ? "," : "");
+    const std::size_t width = displayWidth(name) + 1;
+    if (i > 0 && used + width > columns) {
+      result += "\n" + std::string(indent - 1, ' ');
+      used = indent - 1;
+    }
+    result += " " + name;
+    used += width;
+  }
+  return result + "\n";
+}
+
+std::string reelsText(const std::string& what, const std::vector<std::string>& reels, std::size_t columns)
+{
+  constexpr std::size_t indent = 4;
+  if (reels.empty())
+    return {};
+  return wrapped(fmt::format("  {} {}:", counted(reels.size(), "reel"), what), reels, columns, indent);
+}
+
+std::string specialText(const lists::Special& special, std::string_view lineName, std::size_t columns)
+{
+  constexpr std::size_t indent = 6;
+  std::vector<std::string> numbers;
+  for (const int line : special.lines)
+    numbers.push_back(fmt::format("{}", line));
+  numbers.back() += ")";
+  const std::string heading =
+      fmt::format("    {}: {} ({}, {}", displayText(special.text), displayText(special.reason),
+                  counted(special.count, lineName), special.lines.size() == 1 ? "line" : "lines");
+  return wrapped(heading, numbers, columns, indent);
+}
+
+std::string ambiguousText(const lists::Ambiguous& ambiguous)
+{
+  std::string result = fmt::format("  ambiguous: {}: {}", displayText(ambiguous.reel), displayText(ambiguous.reason));
+  if (!ambiguous.names.empty())
+    result += displayText(fmt::format(" (names {})", fmt::join(ambiguous.names, ", ")));
+  if (!ambiguous.sourceIds.empty())
+    result += displayText(fmt::format(" (sources {})", fmt::join(ambiguous.sourceIds, ", ")));
+  return result + "\n";
+}
+
+/// Lines of the list, and what is to be said of each.
+template <class Remark>
+std::string remarksText(const std::string& what, const std::vector<Remark>& remarks)
+{
+  if (remarks.empty())
+    return {};
+  std::string result = fmt::format("  {} {}:\n", counted(remarks.size(), "line"), what);
+  for (const Remark& remark : remarks)
+    result += fmt::format("    line {}: {}: {}\n", remark.line, displayText(remark.reason), displayText(remark.text));
+  return result;
+}
+
+} // namespace
+
+std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
+{
+  const lists::List& list = imported.list;
+  std::string result =
+      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), formatName(list.format),
+                  counted(imported.clips, "clip"), counted(imported.shotsAdded, "shot"), did(mood, "added"),
+                  imported.shotsThere - imported.shotsRepeated);
+  if (imported.shotsRepeated > 0)
+    result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
+  result += "\n";
+  result += reelsText(did(mood, "created"), imported.created, columns);
+  result += reelsText("already there", imported.matched, columns);
+  if (!list.specials.empty())
+    result += "  without a reel:\n";
+  for (const lists::Special& special : list.specials)
+    result += specialText(special, lineName(list.format), columns);
+  for (const lists::Spelling& spelling : list.spellings)
+    result +=
+        fmt::format("  same reel, other spelling: {} is {}\n", displayText(spelling.other), displayText(spelling.reel));
+  for (const lists::Ambiguous& ambiguous : list.ambiguous)
+    result += ambiguousText(ambiguous);
+  result += remarksText(did(mood, "kept") + " with a warning", list.warnings);
+  result += remarksText(did(mood, "rejected"), list.rejected);
+  return result;
+}
+
+} // namespace reeldb::cli

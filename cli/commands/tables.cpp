@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/tables.h"
+
+#include "text/output.h"
+#include "text/table.h"
+
+namespace reeldb::cli {
+
+namespace {
+
+std::string_view phraseOf(app::Reason reason)
+{
+  switch (reason) {
+  case app::Reason::Exact:
+    return "exact";
+  case app::Reason::Case:
+    return "differs in case";
+  case app::Reason::Cut:
+    return "cut form";
+  case app::Reason::Alias:
+    return "other name in a list";
+  case app::Reason::OldName:
+    return "old name";
+  }
+  return "";
+}
+
+} // namespace
+
+std::string_view yesOrNo(bool value)
+{
+  return value ? "yes" : "no";
+}
+
+std::string orDash(const std::string& text)
+{
+  return text.empty() ? "-" : text;
+}
+
+void printShots(const std::vector<app::Shot>& shots, std::size_t indent)
+{
+  Table table({{"CLIP"},
+               {"TRACKS"},
+               {"SOURCE IN"},
+               {"SOURCE OUT"},
+               {.title = "RECORD IN", .optional = true},
+               {.title = "RECORD OUT", .optional = true},
+               {.title = "SOURCE FILE", .optional = true}});
+  for (const app::Shot& shot : shots)
+    table.add({orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut,
+               shot.sourceFile});
+  table.print(indent);
+}
+
+std::string reasonsText(const app::Candidate& candidate)
+{
+  std::string result;
+  for (const app::Reason reason : candidate.reasons) {
+    result += result.empty() ? "" : ", ";
+    result += phraseOf(reason);
+  }
+  return candidate.isThere ? result : result + " (no record of the reel)";
+}
+
+void complainOf(const std::vector<std::string>& messages)
+{
+  for (const std::string& message : messages)
+    complain(message);
+}
+
+} // namespace reeldb::cli

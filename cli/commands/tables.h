@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What several commands show in the same way.
+#ifndef REELDB_CLI_TABLES_H
+#define REELDB_CLI_TABLES_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/names.h"
+#include "app/shots.h"
+
+namespace reeldb::cli {
+
+std::string_view yesOrNo(bool value);
+
+/// The text, or a dash for an empty one.
+std::string orDash(const std::string& text);
+
+/// Prints a table with a line for each shot, indented by @p indent blanks.
+void printShots(const std::vector<app::Shot>& shots, std::size_t indent = 0);
+
+/// Why a name stands for a reel, in words: "cut form, other name in a list".
+std::string reasonsText(const app::Candidate& candidate);
+
+/// Writes each message to standard error.
+void complainOf(const std::vector<std::string>& messages);
+
+} // namespace reeldb::cli
+
+#endif

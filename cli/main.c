@@ -1,0 +1,135 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The program. It names the facility to the library, which reads it while it is loaded, and then loads one module with
+// commands, library and host, as an application loads its modules. It is C and links neither: the library's operator
+// new has to be the one of the process.
+#define _GNU_SOURCE
+#include <dlfcn.h>
+#include <stdbool.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "commands/entry.h"
+
+enum { exit_unreadable = 3 };
+
+/// Writes the message to standard error in ASCII alone: nothing that could escape it is loaded yet.
+static void print_message(const char* text)
+{
+  fputs("reeldb: ", stderr);
+  for (const unsigned char* c = (const unsigned char*)text; *c; ++c)
+    fprintf(stderr, *c < 0x20 || *c > 0x7E ? "\\x%02x" : "%c", *c);
+  fputc('\n', stderr);
+}
+
+static bool starts_with(const char* text, const char* start)
+{
+  return strncmp(text, start, strlen(start)) == 0;
+}
+
+/// The folder that the first -C of the line names; null without one. The module reads the whole line again and reports
+/// what is wrong with it.
+static const char* asked_facility(int argc, char** argv)
+{
+  for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i) {
+    const char* const argument = argv[i];
+    const bool has_next = i + 1 < argc;
+    if (strcmp(argument, "-C") == 0 || strcmp(argument, "--facility") == 0)
+      return has_next ? argv[i + 1] : NULL;
+    if (starts_with(argument, "--facility="))
+      return argument + strlen("--facility=");
+    if (starts_with(argument, "-C"))
+      return argument + (argument[2] == '=' ? 3 : 2);
+    if ((strcmp(argument, "-p") == 0 || strcmp(argument, "--project") == 0) && has_next)
+      ++i; // a project may be called -C
+  }
+  return NULL;
+}
+
+/// The nearest folder with a facility.toml, from the working folder upwards; null when there is none. The caller frees
+/// it.
+static char* nearest_facility(void)
+{
+  char* folder = getcwd(NULL, 0);
+  while (folder) {
+    char* file = NULL;
+    struct stat status;
+    const bool found = asprintf(&file, "%s/facility.toml", folder) >= 0 && stat(file, &status) == 0;
+    free(file);
+    if (found)
+      return folder;
+    char* const slash = strrchr(folder, '/');
+    if (!slash || !slash[1])
+      break;
+    slash[slash == folder] = '\0';
+  }
+  free(folder);
+  return NULL;
+}
+
+/// Names the facility to the host: the one that was asked for, else the one of the environment, else the nearest.
+static void choose_facility(int argc, char** argv)
+{
+  const char* const asked = asked_facility(argc, argv);
+  const char* const given = getenv("REELDB_FACILITY");
+  if (asked) {
+    setenv("REELDB_FACILITY", asked, 1);
+  } else if (!given || !*given) {
+    char* nearest = nearest_facility();
+    if (nearest)
+      setenv("REELDB_FACILITY", nearest, 1);
+    else
+      unsetenv("REELDB_FACILITY");
+    free(nearest);
+  }
+}
+
+/// Loads the module from one of its places, seen from the program's folder: the build tree, the same folder, the
+/// installed tree. Null after a message.
+static void* load_module(void)
+{
+  static const char* const places[] = {"../lib", ".", REELDB_MODULE_FOLDER};
+  char program[4096];
+  const ssize_t length = readlink("/proc/self/exe", program, sizeof program - 1);
+  if (length < 0) {
+    print_message("/proc/self/exe: cannot be read, so the command's module cannot be found");
+    return NULL;
+  }
+  program[length] = '\0';
+  *strrchr(program, '/') = '\0';
+  char path[sizeof program + 256];
+  for (size_t i = 0; i < sizeof places / sizeof *places; ++i) {
+    snprintf(path, sizeof path, "%s/%s/libreelcli.so", program, places[i]);
+    if (access(path, F_OK) != 0)
+      continue;
+    // Global: the library's operator new is the process's, as in a program that is linked to it.
+    void* const module = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
+    if (!module)
+      print_message(dlerror());
+    return module;
+  }
+  snprintf(path, sizeof path, "%s: libreelcli.so not found (looked in %s, %s and %s from there)", program, places[0],
+           places[1], places[2]);
+  print_message(path);
+  return NULL;
+}
+
+int main(int argc, char** argv)
+{
+  choose_facility(argc, argv);
+  void* const module = load_module();
+  if (!module)
+    return exit_unreadable;
+  // Shells ask what may follow on a line by running it so far, with this in the environment.
+  const char* const typed = getenv("REELDB_COMPLETE");
+  reeldb_main_function* run = NULL;
+  *(void**)&run = dlsym(module, typed && *typed ? "reeldb_complete" : "reeldb_main"); // the way that C allows
+  if (!run) {
+    print_message("libreelcli.so: does not belong to this program (entry point missing)");
+    return exit_unreadable;
+  }
+  return run(argc, argv);
+}

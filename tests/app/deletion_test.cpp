@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/deletion.h"
+
+#include "tests/app/app_fixture.h"
+
+using namespace reeldb;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class Deletion : public reeldb_tests::AppTest {
+protected:
+  void SetUp() override
+  {
+    AppTest::SetUp();
+    import({"A001", "B002", "A001"});
+  }
+
+  static app::DeletionPlan plan(const Names& reels, const Names& keep = {})
+  {
+    app::Session session({}, app::Access::Read);
+    return app::planDeletion(session, reels, keep);
+  }
+};
+
+TEST_F(Deletion, PlanShowsWhatGoesAndChangesNothing)
+{
+  const app::DeletionPlan found = plan({"a001", "A001"});
+  ASSERT_EQ(found.items.size(), 1u);
+  EXPECT_EQ(found.items.front().reel, "A001");
+  EXPECT_EQ(found.items.front().shots.size(), 2u);
+  EXPECT_EQ(found.reelCount(), 1u);
+  EXPECT_EQ(found.shotCount(), 2u);
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002"}));
+}
+
+TEST_F(Deletion, KeptReelStaysWithItsShots)
+{
+  const app::DeletionPlan found = plan({"A001", "B002"}, {"B002"});
+  EXPECT_EQ(found.reelCount(), 1u);
+  EXPECT_TRUE(found.items.back().kept);
+  {
+    app::Session session({}, app::Access::Write);
+    app::carryOut(session, found);
+  }
+  EXPECT_EQ(reelIds(), Names{"B002"});
+}
+
+TEST_F(Deletion, PlanIsRefusedWhenTheProjectHasMovedOn)
+{
+  const app::DeletionPlan found = plan({"B002"});
+  import({"C003", "C004", "C005", "B002"}); // one more shot of B002
+  {
+    app::Session session({}, app::Access::Write);
+    const app::Error error = errorOf([&] { app::carryOut(session, found); });
+    EXPECT_EQ(error.kind(), app::ErrorKind::Refused);
+    EXPECT_STREQ(error.what(), "delete: nothing deleted (the project was changed while the answer was awaited)");
+  }
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002", "C003", "C004", "C005"}));
+}
+
+TEST_F(Deletion, UndeleteBringsReelsAndShotsBack)
+{
+  {
+    app::Session session({}, app::Access::Write);
+    app::carryOut(session, app::planDeletion(session, {"A001"}, {}));
+  }
+  EXPECT_EQ(reelIds(), Names{"B002"});
+  app::Session session({}, app::Access::Write);
+  const app::Undeleted back = app::undelete(session);
+  EXPECT_EQ(back.reels, Names{"A001"});
+  EXPECT_EQ(back.shots, 2u);
+  EXPECT_EQ(errorOf([&] { app::undelete(session); }).kind(), app::ErrorKind::Refused);
+}
+
+TEST_F(Deletion, UnknownReelIsNamed)
+{
+  const app::Error error = errorOf([] { plan({"A-001"}); });
+  EXPECT_EQ(error.kind(), app::ErrorKind::NotFound);
+  EXPECT_STREQ(error.what(), "A-001: no such reel (but there is A001)");
+}
+
+} // namespace

@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/json/json.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "app/deletion.h"
+#include "app/devices.h"
+#include "app/diff.h"
+#include "app/error.h"
+#include "app/export.h"
+#include "app/import.h"
+#include "app/label_maps.h"
+#include "app/names.h"
+#include "app/needs.h"
+#include "app/projects.h"
+#include "app/reel_fields.h"
+#include "app/rename.h"
+#include "app/types.h"
+#include "app/watch.h"
+
+using namespace reeldb;
+using namespace reeldb::app;
+
+namespace {
+
+// --- What each result looks like -------------------------------------------------------------------
+
+Reel sampleReel()
+{
+  Reel reel;
+  reel.id = "A001";
+  reel.type = "Tape 2ch";
+  reel.available = true;
+  reel.labelMapping = "pal9pin";
+  reel.bin = "Shelf 4";
+  reel.lastDevice = "Deck A";
+  reel.videoChannels = 1;
+  reel.audioChannels = 2;
+  reel.userFields[1] = "rain";
+  reel.shots = 3;
+  return reel;
+}
+
+constexpr const char* reelKeys =
+    R"("id": "A001", "type": "Tape 2ch", "available": true, "inhibit": false, "label_mapping": "pal9pin",
+       "bin": "Shelf 4", "last_device": "Deck A", "video_channels": 1, "audio_channels": 2,
+       "user_fields": {"1": "rain"}, "shots": 3)";
+
+Shot sampleShot()
+{
+  Shot shot;
+  shot.reel = "A001";
+  shot.clipName = "WIDE";
+  shot.tracks = "V";
+  shot.sourceIn = "01:00:00:00";
+  shot.sourceOut = "01:00:01:00";
+  shot.recordIn = "10:00:00:00";
+  shot.recordOut = "10:00:01:00";
+  shot.sourceFile = "a.mov";
+  shot.aliases = {"A1", "A-1"};
+  shot.videoChannels = 1;
+  return shot;
+}
+
+constexpr const char* shotObject =
+    R"({"reel": "A001", "clip": "WIDE", "tracks": "V", "source_in": "01:00:00:00", "source_out": "01:00:01:00",
+        "record_in": "10:00:00:00", "record_out": "10:00:01:00", "source_file": "a.mov", "aliases": ["A1", "A-1"],
+        "video_channels": 1, "audio_channels": 0})";
+
+Candidate sampleCandidate()
+{
+  return {"A001", false, {Reason::Cut, Reason::OldName}};
+}
+
+constexpr const char* candidateKeys = R"("reel": "A001", "reasons": ["cut", "old-name"], "record": false)";
+
+ImportReport sampleImport()
+{
+  ImportedList imported;
+  imported.file = "cut.edl";
+  imported.clips = 5;
+  imported.shotsAdded = 1;
+  imported.shotsThere = 4;
+  imported.shotsRepeated = 3;
+  imported.created = {"A", "B"};
+  imported.matched = {"C"};
+  imported.list.title = "EVENING";
+  imported.list.specials = {{"BL", "black", 2, {3, 5}}};
+  imported.list.spellings = {{"A", "a"}};
+  imported.list.ambiguous = {{"SHORT", "stands for several sources", {"SHORT_1", "SHORT_2"}, {"11", "12"}}};
+  imported.list.warnings = {{6, "odd\tline", "looks odd"}};
+  imported.list.rejected = {{7, "bad\tline", "no timecodes"}};
+  imported.list.tally = {20, 1, 2, 3, 4};
+  return {{imported}, true, true, false};
+}
+
+constexpr const char* importObject = R"({"dry_run": true, "stored": false, "files": [
+    {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
+     "shots_repeated": 3, "created": ["A", "B"], "matched": ["C"],
+     "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
+     "spellings": [{"reel": "A", "other": "a"}],
+     "ambiguous": [{"reel": "SHORT", "reason": "stands for several sources", "names": ["SHORT_1", "SHORT_2"],
+                    "source_ids": ["11", "12"]}],
+     "warnings": [{"line": 6, "text": "odd\tline", "reason": "looks odd"}],
+     "rejected": [{"line": 7, "text": "bad\tline", "reason": "no timecodes"}],
+     "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4}}]})";
+
+/// The result as that text, keys in that order; and the text read back is the same result again.
+template <class T>
+void expectJson(const T& result, const std::string& expected)
+{
+  const std::string text = jsonText(result);
+  EXPECT_EQ(text, nlohmann::ordered_json::parse(expected).dump(2) + "\n");
+  EXPECT_EQ(jsonText(fromJson<T>(text)), text);
+}
+
+std::string object(const std::string& keys)
+{
+  return "{" + keys + "}";
+}
+
+TEST(Json, Reel)
+{
+  expectJson(sampleReel(), object(reelKeys));
+  EXPECT_EQ(fromJson<Reel>(jsonText(sampleReel())), sampleReel());
+  expectJson(std::vector<Reel>{sampleReel(), sampleReel()}, "[{" + std::string(reelKeys) + "}, {" + reelKeys + "}]");
+  expectJson(std::vector<Reel>(), "[]");
+}
+
+TEST(Json, ReelWithWhatTheLibrarySaysOfIt)
+{
+  expectJson(ReelDetails{sampleReel(), true, false},
+             object(std::string(reelKeys) + R"(, "known_type": true, "live": false)"));
+  expectJson(LiveReel{sampleReel(), true}, object(std::string(reelKeys) + R"(, "created": true)"));
+  expectJson(CreatedReel{sampleReel(), {"a remark is no part of it"}}, object(reelKeys));
+  expectJson(CopiedReel{"A001", "A002", true, sampleReel()},
+             R"({"from": "A001", "to": "A002", "stored": true, "reel": {)" + std::string(reelKeys) + "}}");
+}
+
+TEST(Json, ChangedReelNamesFieldsAsReportsAlwaysHave)
+{
+  const ChangedReel changed{"A001", {{"label-map", "", "pal9pin"}, {"bin", "x", "x"}}, {}};
+  expectJson(changed, R"({"id": "A001", "changed": [{"field": "label-mapping", "from": "", "to": "pal9pin"}],
+                          "unchanged": [{"field": "bin", "value": "x"}]})");
+  EXPECT_EQ(fromJson<ChangedReel>(jsonText(changed)).changes.front().field, "label-map");
+}
+
+TEST(Json, RenamedReel)
+{
+  expectJson(Renamed{"A001", "B001", false, true, {sampleShot()}, {}},
+             R"({"from": "A001", "to": "B001", "dry_run": false, "stored": true, "shots": [)" +
+                 std::string(shotObject) + "]}");
+}
+
+TEST(Json, Shots)
+{
+  expectJson(std::vector<Shot>{sampleShot()}, "[" + std::string(shotObject) + "]");
+}
+
+TEST(Json, NeedsSayTheStateInOneText)
+{
+  Reel away = sampleReel();
+  away.available = false;
+  expectJson(std::vector<Need>{{"A001", 2, sampleReel(), {}},
+                               {"A002", 1, std::nullopt, {"missing"}},
+                               {"A003", 1, away, {"unavailable", "unknown type"}}},
+             R"([{"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "Shelf 4"},
+                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": ""},
+                 {"id": "A003", "shots": 1, "state": "unavailable, unknown type", "type": "Tape 2ch",
+                  "bin": "Shelf 4"}])");
+}
+
+TEST(Json, NameMeaningHasTheOneReelOrNull)
+{
+  expectJson(NameMeaning{"a1", {sampleCandidate()}, {7}},
+             R"({"name": "a1", "reel": "A001", "candidates": [{)" + std::string(candidateKeys) + R"(, "shots": 7}]})");
+  expectJson(NameMeaning{"a1", {sampleCandidate(), sampleCandidate()}, {7, 8}},
+             R"({"name": "a1", "reel": null, "candidates": [{)" + std::string(candidateKeys) + R"(, "shots": 7}, {)" +
+                 candidateKeys + R"(, "shots": 8}]})");
+}
+
+TEST(Json, Import)
+{
+  expectJson(sampleImport(), importObject);
+  EXPECT_TRUE(fromJson<ImportReport>(importObject).changes);
+}
+
+TEST(Json, Differences)
+{
+  ListDiff diff;
+  diff.files = {"cut.edl"};
+  diff.newReels = {{"B1", {sampleCandidate()}}};
+  diff.spellings = {{"A", "a"}};
+  diff.added = {sampleShot()};
+  diff.rejected = {{"cut.edl", {7, "bad", "no timecodes"}}};
+  const std::string head = R"({"files": ["cut.edl"], "equal": false, "reels_new": [{"reel": "B1", "candidates": [{)" +
+                           std::string(candidateKeys) + R"(}]}], "reels_gone": )";
+  const std::string rest = R"(, "spellings": [{"reel": "A", "other": "a"}], "shots_added": [)" +
+                           std::string(shotObject) + R"(], "shots_gone": [],
+      "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}]})";
+  expectJson(diff, head + "null" + rest);
+  diff.whole = true;
+  diff.goneReels = {"C1"};
+  expectJson(diff, head + R"(["C1"])" + rest);
+}
+
+TEST(Json, ProjectContentWithAndWithoutShots)
+{
+  ProjectContent content{"main", "25", {sampleReel()}, {{"A000"}}, false, {sampleShot()}};
+  const std::string head =
+      R"({"project": "main", "frame_rate": "25", "reels": [{)" + std::string(reelKeys) + R"(, "old_names": ["A000"]}])";
+  expectJson(content, head + R"(, "shots": [)" + shotObject + "]}");
+  content.reelsOnly = true;
+  expectJson(content, head + "}");
+}
+
+TEST(Json, Deletions)
+{
+  DeletionPlan plan;
+  plan.items = {{"A001", false, {sampleShot()}}, {"B002", true, {}}};
+  plan.logs = {"E1", "E2"};
+  EXPECT_EQ(jsonText(plan),
+            nlohmann::ordered_json::parse(
+                R"({"dry_run": false, "deleted": ["A001"], "shots": 1, "kept": ["B002"],
+                    "reels": [{"id": "A001", "kept": false, "shots": [)" +
+                std::string(shotObject) + R"(]}, {"id": "B002", "kept": true, "why": "--keep", "shots": []}]})")
+                    .dump(2) +
+                "\n");
+  expectJson(Undeleted{{"A001"}, 2}, R"({"reels": ["A001"], "shots": 2})");
+  expectJson(Compacted{3}, R"({"gone": 3})");
+}
+
+TEST(Json, TheFacility)
+{
+  expectJson(Device{1, "Deck A", "9-pin", "sdi", 4, {"Tape 2ch"}, "pal9pin", "A001"},
+             R"({"number": 1, "name": "Deck A", "port": "9-pin", "input": "sdi", "audio_inputs": 4,
+                 "tapes": ["Tape 2ch"], "label_map": "pal9pin", "last_reel": "A001"})");
+  expectJson(std::vector<Verdict>{{sampleReel(), true, "the device accepts type \"Tape 2ch\""}},
+             R"([{"id": "A001", "type": "Tape 2ch", "accepted": true,
+                  "why": "the device accepts type \"Tape 2ch\""}])");
+  expectJson(std::vector<LabelMap>{{"pal9pin", true, false, ""}, {"odd", false, false, "odd.toml:1: wrong"}},
+             R"([{"name": "pal9pin", "uses_vitc": true, "fits_project": false},
+                 {"name": "odd", "uses_vitc": null, "fits_project": null, "fault": "odd.toml:1: wrong"}])");
+  expectJson(LabelMapCheck{{"pal9pin", true, false, ""}, "wrong rate", 1, "Deck A", true},
+             R"({"name": "pal9pin", "uses_vitc": true, "fits_project": false, "why": "wrong rate", "device": 1,
+                 "fits_device": true})");
+  expectJson(NeededLabelMap{"A001", 1, "pal9pin", ""}, R"({"reel": "A001", "device": 1, "label_map": "pal9pin"})");
+  expectJson(NeededLabelMap{std::nullopt, 1, "odd", "no such map"},
+             R"({"device": 1, "label_map": "odd", "fault": "no such map"})");
+  expectJson(std::vector<ReelType>{{"Tape 2ch", 1, 2, "VideoChannels=1"}},
+             R"([{"name": "Tape 2ch", "video_channels": 1, "audio_channels": 2, "parameters": "VideoChannels=1"}])");
+  expectJson(std::vector<UserField>{{0, "", "User field 1", "User field 1"}},
+             R"([{"key": 0, "name": "User field 1", "stored": "", "default": "User field 1"}])");
+  expectJson(std::vector<Project>{{"main", true, "25", 3, ""}, {"odd", false, "", -1, "damaged"}},
+             R"([{"name": "main", "default": true, "rate": "25", "rate_code": 3},
+                 {"name": "odd", "default": false, "rate": "", "rate_code": -1, "fault": "damaged"}])");
+  expectJson(ProjectCheck{"main", {"page 3: damaged"}},
+             R"({"project": "main", "sound": false, "problems": ["page 3: damaged"]})");
+}
+
+TEST(Json, EventsAreALineEach)
+{
+  EXPECT_EQ(jsonLine(ReelEvent{ReelEvent::What::Renamed, "B", "A"}),
+            "{\"what\":\"renamed\",\"reel\":\"B\",\"from\":\"A\"}\n");
+  EXPECT_EQ(jsonLine(ReelEvent{ReelEvent::What::New, "B", ""}), "{\"what\":\"new\",\"reel\":\"B\"}\n");
+  for (const ReelEvent::What what : {ReelEvent::What::New, ReelEvent::What::Changed, ReelEvent::What::Gone,
+                                     ReelEvent::What::Database, ReelEvent::What::Record, ReelEvent::What::Ours})
+    EXPECT_EQ(fromJson<ReelEvent>(jsonLine(ReelEvent{what, "B", ""})).what, what);
+}
+
+// --- Bytes -----------------------------------------------------------------------------------------
+
+TEST(JsonText, WhatSteersATerminalIsEscapedAndMeansTheSame)
+{
+  Reel reel;
+  reel.id = "\x1b \x7f \xc2\x9b \xe2\x80\xae \xe2\x80\xa8 caf\xc3\xa9 \xf0\x9f\x8e\x9e";
+  const std::string line = jsonLine(reel);
+  EXPECT_EQ(line.substr(0, line.find("\",\"type")),
+            "{\"id\":\"\\u001b \\u007f \\u009b \\u202e \\u2028 caf\xc3\xa9 \xf0\x9f\x8e\x9e");
+  EXPECT_EQ(fromJson<Reel>(line).id, reel.id);
+}
+
+TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
+{
+  Reel reel;
+  reel.id = "a\xff";
+  EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
+}
+
+// --- What is no such report ------------------------------------------------------------------------
+
+template <class T>
+void expectRefused(const std::string& text)
+{
+  try {
+    fromJson<T>(text);
+    ADD_FAILURE() << text << ": was read";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not such a report (", 0), 0u) << error.what();
+  }
+}
+
+TEST(FromJson, TextThatIsNotJsonIsRefused)
+{
+  expectRefused<Reel>("");
+  expectRefused<Reel>("{");
+  expectRefused<Reel>("{\"id\": \"\xff\"}");
+}
+
+TEST(FromJson, MissingKeyOrAnotherTypeIsRefused)
+{
+  expectRefused<Compacted>("{}");
+  expectRefused<Compacted>(R"({"gone": "three"})");
+  expectRefused<Compacted>("[]");
+  expectRefused<std::vector<Reel>>("{}");
+}
+
+TEST(FromJson, UnknownWordOrNumberOfAUserFieldIsRefused)
+{
+  expectRefused<ReelEvent>(R"({"what": "exploded", "reel": "A"})");
+  std::string text = jsonText(sampleReel());
+  text.replace(text.find("\"1\": \"rain\""), 3, "\"6\"");
+  expectRefused<Reel>(text);
+  text.replace(text.find("\"6\": \"rain\""), 3, "\"x\"");
+  expectRefused<Reel>(text);
+}
+
+TEST(FromJson, KeysThatAreNotKnownArePassedOver)
+{
+  EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "new": [1, 2]})").gone, 3);
+}
+
+} // namespace

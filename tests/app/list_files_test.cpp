@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/list_files.h"
+
+#include <filesystem>
+
+#include "tests/app/app_fixture.h"
+
+using namespace reeldb;
+
+namespace {
+
+class ListFiles : public reeldb_tests::AppTest {
+protected:
+  void SetUp() override {}
+
+  std::string path(const std::string& name) const { return (folder_.path() / name).string(); }
+  app::ErrorKind kindOfReading(const std::string& name) const
+  {
+    return errorOf([&] { app::readListFile(path(name)); }).kind();
+  }
+};
+
+TEST_F(ListFiles, ListIsReadWithItsPath)
+{
+  const std::string file = cutList("cut.edl", {"A001", "B002"});
+  const app::ListFile read = app::readListFile(file);
+  EXPECT_EQ(read.path, file);
+  EXPECT_EQ(read.list.clips.size(), 2u);
+}
+
+TEST_F(ListFiles, WhatCannotBeReadIsOfTheRightKind)
+{
+  folder_.write("empty.edl", "");
+  EXPECT_EQ(kindOfReading("missing.edl"), app::ErrorKind::NotFound);
+  EXPECT_EQ(kindOfReading("."), app::ErrorKind::Unreadable);
+  EXPECT_EQ(kindOfReading("empty.edl"), app::ErrorKind::Unreadable);
+}
+
+TEST_F(ListFiles, EachFileOfSeveralThatCannotBeReadIsReported)
+{
+  const app::ListFiles files = app::readListFiles({path("a.edl"), cutList("cut.edl", {"A001"}), path("b.edl")});
+  EXPECT_EQ(files.read.size(), 1u);
+  ASSERT_EQ(files.failures.size(), 2u);
+  EXPECT_EQ(std::string(files.failures.front().what()).rfind(path("a.edl") + ": ", 0), 0u);
+}
+
+TEST_F(ListFiles, FileIsWrittenAndReplacedOnlyWhenThatIsAsked)
+{
+  app::writeOutputFile(path("out"), "one", false);
+  const app::Error error = errorOf([&] { app::writeOutputFile(path("out"), "two", false); });
+  EXPECT_EQ(error.kind(), app::ErrorKind::Refused);
+  EXPECT_EQ(std::filesystem::file_size(path("out")), 3u);
+  app::writeOutputFile(path("out"), "three", true);
+  EXPECT_EQ(std::filesystem::file_size(path("out")), 5u);
+}
+
+} // namespace
