@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "reeldb/shot_search.h"
 
+#include "host/codes.h"
 #include "host/projdb.h"
 #include "reeldb/identifier.h"
 #include "reelrec/open_log.h"
@@ -10,9 +11,9 @@ namespace reeldb {
 CookieVec findShots(projdb& db, const LightweightString<char>& reelId)
 {
   projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(LogAttributes::eLogAttribute(20), reelId);
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, reelId);
   return db.search(criteria);
 }
 
