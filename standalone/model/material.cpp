@@ -2,6 +2,7 @@
 #include <string>
 #include <utility>
 
+#include "host/codes.h"
 #include "model/listeners.h"
 #include "model/log.h"
 #include "model/project.h"
@@ -21,15 +22,13 @@ constexpr std::pair<const char*, std::string Material::*> textKeys[] = {
     {"tracks", &Material::tracks},        {"aliases", &Material::aliases},
 };
 
-constexpr EditModificationType imported{59};
-
 } // namespace
 
 Cookie importMaterial(const Material& material)
 {
   Project& project = model::requireProject("import");
   StoredLog log;
-  log.type = model::materialType;
+  log.type = codes::materialLog;
   log.imported = true;
   log.name = material.name;
   log.videoChannels = material.videoChannels;
@@ -38,7 +37,7 @@ Cookie importMaterial(const Material& material)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
   const Cookie cookie = project.create(std::move(log)).cookie;
-  model::tellLogModification(cookie, EditModification(imported));
+  model::tellLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
 }
 
