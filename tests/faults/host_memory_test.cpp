@@ -3,6 +3,7 @@
 // The standalone host without memory: what a project shows is what it finds and what it stores.
 #include <algorithm>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
@@ -20,12 +21,12 @@ using Texts = std::vector<std::string>;
 Texts shown()
 {
   Texts lines;
-  CookieVec logs = EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  CookieVec logs = EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
   for (const Cookie& shot : reelhost::allShots())
     logs.add(shot);
   for (const Cookie& log : logs) {
     EditPtr edit;
-    edit.i_open(log, eEditOpenBehaviour(0));
+    edit.i_open(log, codes::openAsUsual);
     const char* const id = edit ? edit->config().in("reelid") : "does not open";
     lines.push_back(std::string(log.asString(false).c_str()) + " " + (id ? id : "-"));
     edit.i_close();
@@ -38,9 +39,9 @@ Texts shown()
 CookieVec shotsOf(const char* reel)
 {
   projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(LogAttributes::eLogAttribute(20), reel);
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, reel);
   return EditManager::getProjdb()->search(criteria);
 }
 
@@ -129,7 +130,7 @@ TEST_F(HostMemory, NewIdentifierIsFoundAndStored)
 {
   failEach([this] {
     EditPtr edit;
-    edit.i_open(last_, eEditOpenBehaviour(0));
+    edit.i_open(last_, codes::openAsUsual);
     try {
       edit->set_reelid(0, "B");
     } catch (...) {

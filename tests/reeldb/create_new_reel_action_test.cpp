@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "MainThread.h"
+#include "host/codes.h"
 #include "host/config.h"
 #include "host/projdb.h"
 #include "reeldb/changes_fixture.h"
@@ -106,7 +107,7 @@ TEST_F(Deferral, IdentifierTravelsUntrimmed)
 TEST_F(Deferral, DeviceTravelsToo)
 {
   reelhost::DeviceSettings settings = device(7, "CAM");
-  settings.portType = 2;
+  settings.portType = codes::portNamingReel;
   settings.audioInputs = 3;
   setDevices({settings});
   pretendOtherThread();

@@ -7,6 +7,7 @@
 
 #include "MainThread.h"
 #include "host/action.h"
+#include "host/codes.h"
 #include "host/events.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
@@ -76,7 +77,7 @@ TEST_F(HostArguments, CreationDeferredForImportedMaterialIsForNoDevice)
 {
   const Cookie shot = addShot("R1");
   script().coPid = [] { return glib_pid + 1; };
-  manager().handleLogModification(shot, EditModification(EditModificationType(59)));
+  manager().handleLogModification(shot, EditModification(codes::madeOrImported));
   EXPECT_EQ(deferredDevice(), -1);
 }
 
