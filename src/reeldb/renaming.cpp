@@ -4,7 +4,7 @@
 #include "host/text.h"
 #include "reeldb/log_name.h"
 #include "reeldb/notification_hold.h"
-#include "reeldb/shot_search.h"
+#include "reeldb/shots.h"
 #include "reelrec/open_log.h"
 
 using reeldb::OpenLog;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "reeldb/shot_search.h"
+#include "reeldb/shots.h"
 
 #include "host/codes.h"
 #include "host/projdb.h"

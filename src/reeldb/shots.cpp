@@ -3,7 +3,7 @@
 #include "host/projdb.h"
 #include "host/text.h"
 #include "reeldb/log_types.h"
-#include "reeldb/shot_search.h"
+#include "reeldb/shots.h"
 #include "reelrec/open_log.h"
 
 using reeldb::LogTypes;
