@@ -10,7 +10,7 @@
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "host/text.h"
-#include "reeldb/log_name.h"
+#include "reeldb/identifier.h"
 #include "reelrec/config_access.h"
 #include "reelrec/open_log.h"
 #include "reelrec/text_equality.h"
@@ -61,6 +61,18 @@ void writeLog(Edit* log, const NewReel& reel)
 }
 
 } // namespace
+
+CreateNewReelAction::CreateNewReelAction(const LightweightString<char>& reelId, int deviceId)
+    : reelId_(reelId), deviceId_(deviceId)
+{
+}
+
+CreateNewReelAction::~CreateNewReelAction() = default;
+
+void CreateNewReelAction::execute()
+{
+  ReelDbManager::theReelDbManager()->createNewReel(reelId_, deviceId_);
+}
 
 ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, int deviceId)
 {
