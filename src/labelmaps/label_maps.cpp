@@ -82,7 +82,7 @@ Family familyOf(int rate)
 /// The names are used whole; "ntsc1394" has one letter more than its neighbours on purpose.
 const wchar_t* defaultMap(int port, Family family)
 {
-  static constexpr const wchar_t* names[3][3] = {
+  static constexpr const wchar_t* names[][3] = {
       {L"pal9pin", L"nts9pin", L"24f9pin"},
       {L"pal1394", L"ntsc1394", L"24f1394"},
       {L"paltofd", L"ntstofd", L"24ftofd"},
