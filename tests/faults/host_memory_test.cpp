@@ -7,8 +7,8 @@
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
-#include "reelhost/memory.h"
 #include "standalone/model/forwarding_store.h"
+#include "support/counting_services.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
@@ -78,13 +78,13 @@ protected:
         SCOPED_TRACE(std::to_string(logs) + " logs, allocation " + std::to_string(n));
         open(logs);
         reelhost::watch(reelhost::Watcher::Script, false);
-        reelhost::failAllocation(n);
+        failAllocation(n);
         try {
           change();
         } catch (const std::bad_alloc&) {
         }
-        const bool happened = !reelhost::allocationWillFail();
-        reelhost::failAllocation(0);
+        const bool happened = !allocationWillFail();
+        failAllocation(0);
         faults += happened;
         expectWhole();
         change();

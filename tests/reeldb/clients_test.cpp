@@ -7,7 +7,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 #include "support/hosts_own.h"
 #include "support/library_fixture.h"
 
@@ -149,25 +149,25 @@ TEST_F(Clients, KeepTheReelTheyAreGivenAgain)
   const LightweightString<char> id("R1");
   Client a(heard_);
   a.setReelIdOfInterest(id);
-  const std::int64_t held = reelhost::countsUp() - reelhost::countsDown();
+  const std::int64_t held = countsUp() - countsDown();
 
   a.setReelIdOfInterest(id);
 
-  EXPECT_EQ(0, reelhost::countsUp() - reelhost::countsDown() - held);
+  EXPECT_EQ(0, countsUp() - countsDown() - held);
   manager().informReelDbRecChanged("R1");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
 TEST_F(Clients, ShareTheTextOfTheReelAndLetItGo)
 {
-  const auto held = [] { return reelhost::countsUp() - reelhost::countsDown(); };
+  const auto held = [] { return countsUp() - countsDown(); };
   const LightweightString<char> id("R1");
   ReelDbClient first; // makes room among the clients
-  const std::int64_t allocatedBefore = reelhost::allocations(), heldBefore = held();
+  const std::int64_t allocatedBefore = allocations(), heldBefore = held();
   std::int64_t allocatedThen, heldThen;
   {
     ReelDbClient a(id);
-    allocatedThen = reelhost::allocations();
+    allocatedThen = allocations();
     heldThen = held();
   }
   const std::int64_t heldAfter = held();

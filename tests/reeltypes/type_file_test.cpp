@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "host/text.h"
-#include "reelhost/memory.h"
 #include "reeltypes/temp_dir.h"
+#include "support/counting_services.h"
 #include "support/hosts_own.h"
 #include "support/library_fixture.h"
 
@@ -222,13 +222,13 @@ TEST_F(TypeFile, FileIsClosedWhenMemoryRunsOut)
   int failures = 0;
   for (std::int64_t n = 1; ranOut; ++n, ++failures) {
     ranOut = false;
-    reelhost::failAllocation(n);
+    failAllocation(n);
     try {
       catalogue.load(given);
     } catch (const std::bad_alloc&) {
       ranOut = true;
     }
-    reelhost::failAllocation(0);
+    failAllocation(0);
     ASSERT_EQ(openFiles(), before) << "with allocation " << n << " failing";
   }
   EXPECT_GT(failures, 5);
