@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "host/device.h"
 #include "host/edit.h"
 #include "host/projdb.h"
@@ -88,9 +89,9 @@ private:
 
 LightweightString<char> attribute(const Cookie& log)
 {
-  EditInfo info(log, eEditOpenBehaviour(0));
+  EditInfo info(log, codes::openAsUsual);
   const Closer closer(info);
-  return info.getAttrib(LogAttributes::eLogAttribute(20));
+  return info.getAttrib(codes::reelIdAttribute);
 }
 
 } // namespace
@@ -148,7 +149,7 @@ void bareCompatible(const CookieVec& reels, int device, std::vector<LightweightS
       continue;
     EditPtr log;
     const Closer closer(log);
-    log.i_open(reel, eEditOpenBehaviour(0));
+    log.i_open(reel, codes::openAsUsual);
     strp_field field;
     log->config().in("reelid", field);
     out.push_back(field.text());

@@ -7,11 +7,11 @@
 #include "ReelDbExport.h"
 
 /// The id of the host's main thread. The library defines it, zero at load, and never writes it; the host stores
-/// `co_pid() & 0xFFFF` of its main thread here before it makes reels, and before other threads do: it is read without a
-/// lock.
+/// `co_pid() & codes::threadMask` of its main thread here before it makes reels, and before other threads do: it is
+/// read without a lock.
 ///
-/// Only the low 16 bits of co_pid() are compared with it. A host that stores an id above 65,535 unmasked makes every
-/// thread a stranger: each creation is deferred, and deferred again when it is run.
+/// Only the bits of codes::threadMask in co_pid() are compared with it. A host that stores an id above 65,535 unmasked
+/// makes every thread a stranger: each creation is deferred, and deferred again when it is run.
 extern REELDB_EXPORT int glib_pid;
 
 #endif

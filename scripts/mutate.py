@@ -45,7 +45,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 LISTED = "tests/mutants/equivalent.txt"
-SOURCES = ("src/*/*.cpp", "src/*/*.cpp.in", "src/*/*.h", "include/*.h")
+SOURCES = ("src/*/*.cpp", "src/*/*.h", "include/*.h")
 
 # Tests of a folder of sources that does not mirror them by name.
 ROOMS = {"host": ("standalone/values", "abi"), "include": ("abi", "reeldb", "reelrec")}

@@ -20,6 +20,7 @@
 
 #include "MainThread.h"
 #include "host/action.h"
+#include "host/codes.h"
 #include "host/device.h"
 #include "host/events.h"
 #include "host/projdb.h"
@@ -41,7 +42,7 @@ struct dbrecord::Impl {
 struct Edit::Impl {
   Zr::UUID uuid;
   Cookie cookie{uuid, 0, 'E'};
-  int type = 0; // 9 a reel, 1 material
+  eLogType type{}; // a reel, material, or neither
   bool imported = false, entireMedium = false, original = true;
   Text reelType;
   int videoChannels = 0, audioChannels = 0;
@@ -155,15 +156,15 @@ void minimal_host::leaveProject() {
 }
 Cookie minimal_host::addLog(int type, const std::string& reelId) {
   Log* const log = state().project->add();
-  log->type = type;
+  log->type = eLogType(type);
   if (!reelId.empty())
     log->config.set("reelid", reelId.c_str(), nullptr);
   return log->cookie;
 }
 Cookie minimal_host::importClip(const std::string& reelId) {
-  Log* const clip = findLog(addLog(1, reelId));
+  Log* const clip = findLog(addLog(codes::materialLog, reelId));
   clip->imported = true;
-  tellOfModification(*clip, EditModificationType(59));
+  tellOfModification(*clip, codes::madeOrImported);
   return clip->cookie;
 }
 
@@ -173,7 +174,7 @@ int co_pid() {
   thread_local const int own = ++last;
   return own;
 }
-void minimal_host::startUp() { glib_pid = co_pid() & 0xFFFF; } // masked, as the library compares it
+void minimal_host::startUp() { glib_pid = co_pid() & codes::threadMask; } // masked, as the library compares it
 
 void defer(const Zr::Ptr<iExecutableAction>& action) {
   const std::lock_guard lock(state().mutex);
@@ -208,7 +209,7 @@ const char* configb::in(const char* key) const {
 }
 int configb::in(const char* key, char* buffer) const {
   if (in(key))
-    std::snprintf(buffer, 2048, "%s", in(key)); // as much as the library has room for
+    std::snprintf(buffer, codes::textBufferSize, "%s", in(key));
   return in(key) ? 0 : 1;
 }
 int configb::in(const char* key, int& value) const {
@@ -231,7 +232,7 @@ configb& Edit::config() { return impl->config; }
 const Zr::UUID& Edit::uuid() const { return impl->uuid; }
 std::uint16_t Edit::cookieTag() const { return 0; }
 char Edit::cookieKind() const { return 'E'; }
-eLogType Edit::getLogType() const { return eLogType(impl->type); }
+eLogType Edit::getLogType() const { return impl->type; }
 bool Edit::isImported() const { return impl->imported; }
 void Edit::get_reelid(strp_field& out, int, int) const { impl->config.in("reelid", out); }
 void Edit::set_reelid(int, const char* id) { impl->config.set("reelid", id, nullptr); }
@@ -239,15 +240,22 @@ void Edit::setName(const WideText&, bool) {} // nobody asks this host for it aga
 void Edit::reelType(const Text& type) { impl->reelType = type; }
 void Edit::set_entire_medium(int entire) { impl->entireMedium = entire != 0; }
 void Edit::make_original(bool original, bool) { impl->original = original; }
-void Edit::redetermineLogType() { impl->type = impl->entireMedium && !impl->original ? 9 : impl->imported ? 1 : 0; }
+void Edit::redetermineLogType() {
+  const bool reel = impl->entireMedium && !impl->original;
+  impl->type = reel ? codes::reelLog : impl->imported ? codes::materialLog : eLogType{};
+}
 void Edit::setChangeDescription(EditModificationType type, bool) { impl->change = type; }
 void Edit::setDirty(bool) {} // a host that stores its logs notes here that this one has to be stored
-int Edit::getNumChans(EditChanType type) const { return type == 1 ? impl->videoChannels : impl->audioChannels; }
+int Edit::getNumChans(EditChanType type) const {
+  return type == codes::videoChannel ? impl->videoChannels : impl->audioChannels;
+}
 void Edit::addChan(EditChanType type, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double) {
-  ++(type == 1 ? impl->videoChannels : impl->audioChannels);
+  ++(type == codes::videoChannel ? impl->videoChannels : impl->audioChannels);
 }
 eLogType Edit::getLogTypeFromString(const Text& text) {
-  return eLogType(std::strcmp(text.c_str(), "Reel") == 0 ? 9 : std::strcmp(text.c_str(), "Material") == 0 ? 1 : 0);
+  if (std::strcmp(text.c_str(), "Reel") == 0)
+    return codes::reelLog;
+  return std::strcmp(text.c_str(), "Material") == 0 ? codes::materialLog : eLogType{};
 }
 
 // A handle never closes by itself. A host that stores its logs counts the openings of each, and lets go of it when the
@@ -268,7 +276,9 @@ Edit* EditPtr::operator->() const { return edit_; }
 EditPtr::operator bool() const { return edit_ != nullptr; }
 EditInfo::EditInfo(const Cookie& cookie, eEditOpenBehaviour behaviour) { i_open(cookie, behaviour); }
 Text EditInfo::getAttrib(LogAttributes::eLogAttribute attribute) const {
-  return edit_ && attribute == 20 ? edit_->impl->reelId() : nullptr; // asked for also where the log did not open
+  if (!edit_) // asked for also where the log did not open
+    return Text();
+  return attribute == codes::reelIdAttribute ? edit_->impl->reelId() : nullptr;
 }
 
 // A new log is in the project from its start: all that is left to its modifier's end is to say what was done.
@@ -294,12 +304,16 @@ configb& EditManager::ProjOpts() {
 }
 Cookie get_project_cookie() { return state().project ? state().project->cookie : Cookie(); }
 WideText getFilenameForCookie(const Cookie& log, Cookie) { return fromUTF8(log.asString(false)); }
-int Zr::CurrentProject::getFrameRate(Revision) { return state().project ? state().project->frameRate : -1; }
-int Zr::CurrentProject::getOutputImageZRFrameRate() { return state().project ? state().project->outputFrameRate : -1; }
+int Zr::CurrentProject::getFrameRate(Revision) {
+  return state().project ? state().project->frameRate : codes::noFrameRate;
+}
+int Zr::CurrentProject::getOutputImageZRFrameRate() {
+  return state().project ? state().project->outputFrameRate : codes::noFrameRate;
+}
 
 // All reels, in their order: the library asks nothing else by numbers.
 CookieVec projdb::search(unsigned, unsigned) {
-  return logsWhere([](const Log& log) { return log.type == 9; });
+  return logsWhere([](const Log& log) { return log.type == codes::reelLog; });
 }
 
 /// What a search asks for. Only a member of Map may look behind it; the friend is how the search does.
@@ -326,7 +340,7 @@ projdb::SearchCriteria::SearchCriteria() : first(0), second(0) {}
 CookieVec projdb::search(const SearchCriteria& criteria) {
   const Text& id = reelIdIn(criteria.attributes);
   return logsWhere([&](const Log& log) {
-    return !id.empty() && log.type != 9 && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
+    return !id.empty() && log.type != codes::reelLog && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
   });
 }
 
@@ -336,7 +350,10 @@ dbrecord* projdb::operator[](const Cookie& cookie) {
 }
 unsigned short projdb::findField(const char* name) const { return std::strcmp(name, "Type") == 0 ? 1 : 0; }
 const char* dbrecord::get_field(unsigned short column) const {
-  return column != 1 ? nullptr : impl->log.type == 9 ? "Reel" : impl->log.type == 1 ? "Material" : "Edit";
+  return column != 1                            ? nullptr
+         : impl->log.type == codes::reelLog     ? "Reel"
+         : impl->log.type == codes::materialLog ? "Material"
+                                                : "Edit";
 }
 
 /// A view keeps the texts it shows. Copies share their body, so that costs no more than a count.
@@ -380,8 +397,10 @@ ExtDeviceConfig& ExtDeviceConfig::operator=(const ExtDeviceConfig&) { return *th
 ExtDeviceConfig::~ExtDeviceConfig() {}
 StringList ExtDeviceConfig::getTapeList() const { return StringList(); }
 WideText ExtDeviceConfig::getTextName() const { return WideText(); }
-int ExtDeviceConfig::getPortType() const { return 3; }  // none
-int ExtDeviceConfig::getInputType() const { return 9; } // none: any other gives a channel to reels without a device
+int ExtDeviceConfig::getPortType() const { return codes::noPort; }
+int ExtDeviceConfig::getInputType() const {
+  return codes::noVideoInput; // any other number gives a channel to reels without a device
+}
 int ExtDeviceConfig::getNumConnectedAudioInputs() const { return 0; }
 WideText ExtDeviceConfig::getLabelMapping() const { return WideText(); }
 void ExtDeviceConfig::setLastReel(Text) {}

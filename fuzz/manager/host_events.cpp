@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "manager/driver.h"
 #include "manager/vocabulary.h"
 #include "models/reel_types.h"
@@ -45,7 +46,7 @@ void Driver::addLog()
 {
   if (!world_.open)
     return;
-  constexpr int types[] = {reelLog, materialLog, 0, 3};
+  constexpr int types[] = {codes::reelLog, codes::materialLog, 0, 3};
   ModelLog log;
   log.type = types[bytes_.below(4)];
   log.imported = bytes_.flag();

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/text.h"
 #include "manager/driver.h"
@@ -160,7 +161,7 @@ void Driver::compareRecord(Number log)
 
   const ModelLog* const wanted = world_.find(log);
   EditPtr edit;
-  edit.i_open(cookie(log), eEditOpenBehaviour(0));
+  edit.i_open(cookie(log), codes::openAsUsual);
   const bool opened = bool(edit);
   const int type = opened ? edit->getLogType() : 0;
   edit.i_close();

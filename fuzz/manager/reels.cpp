@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Operations that change reels by way of the manager.
+#include "host/codes.h"
 #include "host/edit.h"
 #include "manager/driver.h"
 #include "manager/vocabulary.h"
@@ -88,7 +89,7 @@ void Driver::nameUserField()
 void Driver::modifyLog()
 {
   const Number log = anyLog();
-  const int modification = bytes_.flag() ? 59 : 1;
+  const int modification = bytes_.flag() ? int{codes::madeOrImported} : 1;
   with(log, modification);
   manager_.handleLogModification(cookie(log), EditModification(EditModificationType(modification)));
   world_.handleModification(log, modification);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "host/codes.h"
 #include "models/reel_types.h"
 
 namespace reeldb_fuzz {
@@ -102,13 +103,13 @@ Number World::addLog(const ModelLog& log)
 Number World::import(const std::string& reel, const std::string& name)
 {
   ModelLog log;
-  log.type = materialLog;
+  log.type = codes::materialLog;
   log.imported = true;
   log.name = name;
   if (!reel.empty())
     log.fields["reelid"] = reel;
   const Number number = addLog(log);
-  handleModification(number, 59);
+  handleModification(number, codes::madeOrImported);
   return number;
 }
 
@@ -334,7 +335,7 @@ void World::updateChannels(Number number)
   } else {
     const DeviceSettings& device = deviceNamed(text(number, "reel_last_device"));
     audio = device.audioInputs;
-    video = device.inputType == 9 ? 0 : 1;
+    video = device.inputType == codes::noVideoInput ? 0 : 1;
   }
   log->audio = std::max(log->audio, audio);
   log->video = std::max(log->video, video);
@@ -445,12 +446,12 @@ Number World::create(const std::string& requested, int deviceNumber)
     return 0;
 
   ModelLog log;
-  log.type = reelLog;
+  log.type = codes::reelLog;
   log.name = "Reel " + byteWise(trimmed);
   std::string stored = trimmed;
   if (const DeviceSettings& device = deviceOf(deviceNumber); deviceNumber >= 0) {
     log.audio = device.audioInputs;
-    if (device.portType == 2) {
+    if (device.portType == codes::portNamingReel) {
       stored = device.name;
       if (device.name == trimmed)
         log.name = byteWise(trimmed);
@@ -467,7 +468,7 @@ Number World::create(const std::string& requested, int deviceNumber)
 void World::handleModification(Number number, int modification)
 {
   const ModelLog* const log = find(number);
-  if (modification == 59 && log && log->type == materialLog && log->imported)
+  if (modification == codes::madeOrImported && log && log->type == codes::materialLog && log->imported)
     create(id(number), -1);
 }
 
@@ -516,7 +517,7 @@ void World::copy(const std::string& from, const std::string& to)
 
 bool World::isReel(Number log) const
 {
-  return exists(log) && logs[static_cast<std::size_t>(log) - 1].type == reelLog;
+  return exists(log) && logs[static_cast<std::size_t>(log) - 1].type == codes::reelLog;
 }
 
 std::map<std::string, std::int64_t> World::shotCounts() const

@@ -23,8 +23,6 @@ using Number = int;
 using Numbers = std::vector<Number>;
 using Texts = std::vector<std::string>;
 
-inline constexpr int reelLog = 9, materialLog = 1;
-
 struct ModelLog {
   int type = 0;
   bool imported = false;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <set>
 
+#include "host/codes.h"
 #include "reelhost/facility.h"
 #include "reeltypes/temp_dir.h"
 #include "support/bytes.h"
@@ -18,7 +19,6 @@ using namespace reeldb_fuzz;
 using reelhost::DeviceSettings;
 using reelhost::Facility;
 
-constexpr unsigned wordForReel = 10043;
 constexpr int userFields = 10; ///< those whose display names are looked at
 
 std::string userFieldKey(int n)
@@ -87,7 +87,7 @@ void requireSound(const Facility& facility)
   if (!facility.defaultProject().empty())
     Facility::requireProjectName(facility.defaultProject());
   requirePrintable(facility.configString("default_reel_type").value_or(""), "default reel type");
-  requirePrintable(facility.resourceText(wordForReel), "word for a reel");
+  requirePrintable(facility.resourceText(codes::wordForReel), "word for a reel");
   require(!facility.stateChanged(), "reading a facility changes its state");
   requireFrameRates(facility);
   requireDevices(facility.devices());
@@ -112,7 +112,7 @@ std::string written(const Facility& facility)
     text += "default_project=" + tomlText(facility.defaultProject()) + "\n";
   if (const auto type = facility.configString("default_reel_type"))
     text += "default_reel_type=" + tomlText(*type) + "\n";
-  text += "[texts]\nreel=" + tomlText(facility.resourceText(wordForReel)) + "\n[frame_rates]\n";
+  text += "[texts]\nreel=" + tomlText(facility.resourceText(codes::wordForReel)) + "\n[frame_rates]\n";
   for (const auto& [name, code] : facility.frameRates())
     text += tomlText(name) + "=" + std::to_string(code) + "\n";
   text += "[system]\n";

@@ -7,6 +7,7 @@
 #include "MainThread.h"
 #include "ReelDbManager.h"
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "models/reel_types.h"
 #include "reelhost/host.h"
 #include "support/bytes.h"
@@ -55,7 +56,7 @@ void requireReel(ReelDbManager& manager, const std::string& text)
   }
   require(reel.valid(), "no reel was made");
   // Reading gives as much of an identifier as is supported.
-  requireEqual(std::string(reel.reelId().c_str()), id.substr(0, 2047), "identifier of the reel");
+  requireEqual(std::string(reel.reelId().c_str()), id.substr(0, codes::longestText), "identifier of the reel");
   require(manager.doesReelExist(id.c_str()), "the reel is not found");
   require(!manager.createNewReel(id.c_str(), -1).valid(), "the reel was made twice");
   // Whether a reel exists is asked before blanks are taken off, so a text with blanks makes another of the same name.

@@ -23,8 +23,8 @@ public:
 /// it when the action has run. Callable on any thread. Must not run the action before it returns.
 void defer(const Zr::Ptr<iExecutableAction>&);
 
-/// The calling thread's id, the same each time; callable on any thread. The library compares its low 16 bits with
-/// `glib_pid`, so they have to differ from those of every other thread.
+/// The calling thread's id, the same each time; callable on any thread. The library compares its bits in
+/// codes::threadMask with `glib_pid`, so they have to differ from those of every other thread.
 int co_pid();
 
 #endif

@@ -33,8 +33,8 @@ public:
   configb(const configb&) = delete; ///< not copied: it belongs to one log or project
   configb& operator=(const configb&) = delete;
   const char* in(const char* key) const; ///< the text; null when the key is absent. Valid until the next set.
-  /// 0 on success. Writes at most 2,048 bytes, NUL included: what is longer is cut. @p buffer has that size and comes
-  /// zeroed; it is left alone when the key is absent.
+  /// 0 on success. Writes at most codes::textBufferSize bytes, NUL included: what is longer is cut. @p buffer has that
+  /// size and comes zeroed; it is left alone when the key is absent.
   int in(const char* key, char* buffer) const;
   /// 0 on success: @p value is the text read as decimal, 0 without digits. Left alone when the key is absent.
   int in(const char* key, int& value) const;
@@ -65,12 +65,12 @@ public:
 /// Names the settings of the host by number.
 class iSettings {
 public:
-  /// Which settings. The library asks for those of number 1 alone.
+  /// Which settings. The library asks for codes::deviceData alone.
   enum eType : int {};
 };
 
-/// The folder of device data files, ending in a separator; it need not exist. The library asks with 1. Callable while
-/// libraries are being loaded.
+/// The folder of device data files, ending in a separator; it need not exist. The library asks with codes::deviceData.
+/// Callable while libraries are being loaded.
 LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType);
 
 #endif

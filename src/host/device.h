@@ -21,8 +21,8 @@ public:
   ~ExtDeviceConfig();                                 ///< stores nothing
   StringList getTapeList() const;                     ///< the reel types the device accepts, "Live" for a live feed
   LightweightString<wchar_t> getTextName() const;     ///< the device's display name; empty when unknown
-  int getPortType() const;                            ///< 0 9-pin, 1 1394, 2 the device names the reel, others none
-  int getInputType() const;                           ///< 9: no video input
+  int getPortType() const;                            ///< codes::port9Pin and its neighbours
+  int getInputType() const;                           ///< codes::noVideoInput, or any other number
   int getNumConnectedAudioInputs() const;             ///< not negative; each gives a new reel a channel
   LightweightString<wchar_t> getLabelMapping() const; ///< the configured label map; may be empty
   void setLastReel(LightweightString<char>);          ///< the identifier of the reel the device is to remember
@@ -58,8 +58,8 @@ public:
   /// One label.
   struct Entry {
     std::uint8_t inUse;   ///< 0: the entry does not count
-    std::uint32_t source; ///< 1, 2 VITC; 3, 4, 5 over a 9-pin port; 9 over a 1394 port
-    std::uint32_t format; ///< what the label counts: 0 and 10, and 1 and 9, are tested against the project's frame rate
+    std::uint32_t source; ///< where the label is read: codes::fromVitc and its neighbours
+    std::uint32_t format; ///< what the label counts: codes::counts30Fps and its neighbours
   };
   static const int numEntries = 14; ///< of every map
   LabelMappingSet();                ///< all entries zero

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
 /// Edits: the objects behind the logs of a project, and the handles that open and close them. Main thread only.
+/// codes.h names the values of the enumerations.
 #ifndef REELDB_HOST_EDIT_H
 #define REELDB_HOST_EDIT_H
 
@@ -11,15 +12,15 @@
 #include "lwstring.h"
 #include "refcount.h"
 
-/// How a log is opened. 0: the default way.
+/// How a log is opened.
 enum eEditOpenBehaviour : int {};
-/// What was done to a log. 59: it was made or imported.
+/// What was done to a log.
 enum EditModificationType : int {};
-/// What a channel carries. 1 video, 2 audio.
+/// What a channel carries.
 enum EditChanType : int {};
 /// What kind of channel of its type it is. The library passes 0 alone.
 enum EditChanSubType : int {};
-/// What a log stands for. 1 a material log, 9 a reel log.
+/// What a log stands for.
 enum eLogType : int {};
 
 /// The content of a channel; the library only passes null in its place.
@@ -27,7 +28,7 @@ class Cel : public Zr::InternalRefCount {};
 
 /// What a search may ask of logs.
 namespace LogAttributes {
-/// One attribute of a log. 20: the reel identifier.
+/// One attribute of a log.
 enum eLogAttribute : int {};
 
 /// The attributes and values a search asks for.
@@ -58,8 +59,8 @@ public:
   bool isImported() const; ///< whether the log came in from elsewhere
   /// The reel identifier; @p out is left alone when there is none. Called as (field, 0, -1).
   void get_reelid(strp_field& out, int, int) const;
-  /// Stores the reel identifier: attribute 20 and the key "reelid" of config() are the same value. Called as (0, id),
-  /// @p id never null.
+  /// Stores the reel identifier: codes::reelIdAttribute and the key "reelid" of config() are the same value. Called as
+  /// (0, id), @p id never null.
   void set_reelid(int slot, const char* id);
   void setName(const LightweightString<wchar_t>&, bool); ///< the log's display name; called with false
   void set_entire_medium(int);                           ///< whether the log stands for the whole medium; called with 1
@@ -69,7 +70,7 @@ public:
   void setChangeDescription(EditModificationType, bool);
   void setDirty(bool);                           ///< the log needs saving
   void reelType(const LightweightString<char>&); ///< the reel type; the column "Reel Type" shows it at once
-  int getNumChans(EditChanType) const;           ///< how many channels of the type; the low 16 bits count
+  int getNumChans(EditChanType) const;           ///< how many channels of the type; only codes::channelCountMask counts
   /// Adds one channel at the end. Called as (type, null, false, 0, false, -1.0).
   void addChan(EditChanType, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double);
   const Zr::UUID& uuid() const;    ///< with the next two: what the log's Cookie is made of

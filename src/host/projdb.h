@@ -30,12 +30,12 @@ public:
   class SearchCriteria {
   public:
     SearchCriteria(); ///< both numbers 0, no attribute
-    /// 1, with a second number of 102350: every log that is no reel log.
+    /// Called with codes::shotSearchFirst and codes::shotSearchSecond: every log that is no reel log.
     int first, second;             ///< see the first number
     LogAttributes::Map attributes; ///< which all have to be there
   };
-  /// Called as (0x10040, 0xFFFEEF9F): exactly the reel logs, in the order of the database, which stays: new ones come
-  /// at the end.
+  /// Called with codes::reelSearchMask and codes::reelSearchMaskOff: exactly the reel logs, in the order of the
+  /// database, which stays: new ones come at the end.
   CookieVec search(unsigned, unsigned);
   /// The logs that may have these attributes, ASCII letters without regard to case. Near matches are allowed, the
   /// caller compares again; none may be missing, and nothing is found for an empty value.

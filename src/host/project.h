@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Properties of the current project. Main thread only.
+/// Properties of the current project. Main thread only. Without a project both rates are codes::noFrameRate.
 #ifndef REELDB_HOST_PROJECT_H
 #define REELDB_HOST_PROJECT_H
 
@@ -9,8 +9,8 @@ namespace Zr {
 namespace CurrentProject {
 /// Which state of the project. The library passes 0 alone.
 enum Revision : int {};
-int getFrameRate(Revision);      ///< the frame rate code; called with 0; -1 when there is no project
-int getOutputImageZRFrameRate(); ///< the output's frame rate code; -1 when there is no project
+int getFrameRate(Revision);      ///< the frame rate code, such as codes::rate25; called with 0
+int getOutputImageZRFrameRate(); ///< the output's frame rate code
 } // namespace CurrentProject
 } // namespace Zr
 

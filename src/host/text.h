@@ -26,7 +26,7 @@ namespace Zr {
 LightweightString<wchar_t> WStringFromAscii(const char*);
 } // namespace Zr
 
-using ResId = unsigned int; ///< names a text of the host; 10043 is its word for a reel
+using ResId = unsigned int; ///< names a text of the host
 /// How a text of the host is written. The library passes 0 alone.
 enum ResStrFmt : int {};
 

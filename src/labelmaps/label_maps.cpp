@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "ReelDbManager.h"
+#include "host/codes.h"
 #include "host/device.h"
 #include "host/project.h"
 #include "host/text.h"
@@ -14,23 +15,19 @@ namespace {
 
 using Entry = LabelMappingSet::Entry;
 
-constexpr int port9Pin = 0;
-constexpr int port1394 = 1;
-constexpr int noVideoInput = 9;
-
 bool readsVitc(const Entry& e)
 {
-  return e.source == 1 || e.source == 2;
+  return e.source == codes::fromVitc || e.source == codes::fromVitc2;
 }
 
 bool reads9Pin(const Entry& e)
 {
-  return e.source >= 3 && e.source <= 5;
+  return e.source >= codes::from9PinLtc && e.source <= codes::from9PinTimer;
 }
 
 bool reads1394(const Entry& e)
 {
-  return e.source == 9;
+  return e.source == codes::from1394;
 }
 
 /// Whether some entry in use is such.
@@ -44,12 +41,12 @@ bool anyInUse(const LabelMappingSet& map, Test test)
 bool conflictsWithRate(std::uint32_t format, int rate)
 {
   switch (rate) {
-  case 3:
-  case 8:
-    return format == 0 || format == 10;
-  case 4:
-  case 9:
-    return format == 1 || format == 9;
+  case codes::rate25:
+  case codes::rate50:
+    return format == codes::counts30Fps || format == codes::counts60Fps;
+  case codes::rate2997:
+  case codes::rate5994:
+    return format == codes::counts25Fps || format == codes::counts50Fps;
   default:
     return false;
   }
@@ -69,13 +66,13 @@ enum class Family { Pal, Ntsc, Frame24 };
 Family familyOf(int rate)
 {
   switch (rate) {
-  case 3:
-  case 8:
+  case codes::rate25:
+  case codes::rate50:
     return Family::Pal;
-  case 4:
-  case 5:
-  case 9:
-  case 10:
+  case codes::rate2997:
+  case codes::rate30:
+  case codes::rate5994:
+  case codes::rate60:
     return Family::Ntsc;
   default:
     return Family::Frame24;
@@ -85,12 +82,12 @@ Family familyOf(int rate)
 /// The names are used whole; "ntsc1394" has one letter more than its neighbours on purpose.
 const wchar_t* defaultMap(int port, Family family)
 {
-  static constexpr const wchar_t* names[3][3] = {
+  static constexpr const wchar_t* names[][3] = {
       {L"pal9pin", L"nts9pin", L"24f9pin"},
       {L"pal1394", L"ntsc1394", L"24f1394"},
       {L"paltofd", L"ntstofd", L"24ftofd"},
   };
-  const int row = port == port9Pin ? 0 : port == port1394 ? 1 : 2;
+  const int row = port == codes::port9Pin ? 0 : port == codes::port1394 ? 1 : 2;
   return names[row][static_cast<int>(family)];
 }
 
@@ -118,24 +115,24 @@ bool map_file_is_compatible_with_device(const LightweightString<wchar_t>& mapNam
     return false;
   }
   const ExtDeviceConfig config = theConfigurationManager().getConfig(device);
-  if (config.getPortType() == port1394 && anyInUse(map, [](const Entry& e) { return !reads1394(e); })) {
+  if (config.getPortType() == codes::port1394 && anyInUse(map, [](const Entry& e) { return !reads1394(e); })) {
     const Names names(mapName, config);
     vorn_printf("Label map <%s> not compatible with 1394 device <%s>\n", names.map.c_str(), names.device.c_str());
     return false;
   }
-  if (config.getPortType() == port9Pin && anyInUse(map, reads1394)) {
+  if (config.getPortType() == codes::port9Pin && anyInUse(map, reads1394)) {
     const Names names(mapName, config);
     vorn_printf("Label map <%s> requires 1394 labels - device <%s> is not controllable via 1394\n", names.map.c_str(),
                 names.device.c_str());
     return false;
   }
-  if (anyInUse(map, readsVitc) && config.getInputType() == noVideoInput) {
+  if (anyInUse(map, readsVitc) && config.getInputType() == codes::noVideoInput) {
     const Names names(mapName, config);
     vorn_printf("Label map <%s> requires VITC - device <%s> has no video input\n", names.map.c_str(),
                 names.device.c_str());
     return false;
   }
-  if (config.getPortType() != port9Pin && anyInUse(map, reads9Pin)) {
+  if (config.getPortType() != codes::port9Pin && anyInUse(map, reads9Pin)) {
     const Names names(mapName, config);
     vorn_printf("Label map <%s> requires 9-PIN labels - device <%s> is not controllable via 9-PIN\n", names.map.c_str(),
                 names.device.c_str());

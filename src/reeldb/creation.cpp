@@ -4,12 +4,13 @@
 #include "CreateNewReelAction.h"
 #include "MainThread.h"
 #include "ReelDbManager.h"
+#include "host/codes.h"
 #include "host/config.h"
 #include "host/device.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "host/text.h"
-#include "reeldb/log_name.h"
+#include "reeldb/identifier.h"
 #include "reelrec/config_access.h"
 #include "reelrec/open_log.h"
 #include "reelrec/text_equality.h"
@@ -20,20 +21,15 @@ using reeldb::sameText;
 
 namespace {
 
-constexpr EditModificationType logMadeOrImported = EditModificationType(59);
-constexpr eLogType materialLog = eLogType(1);
-constexpr EditChanType audioChannel = EditChanType(2);
-constexpr int portThatNamesTheReel = 2;
-
 bool onMainThread()
 {
-  return (co_pid() & 0xFFFF) == glib_pid;
+  return (co_pid() & codes::threadMask) == glib_pid;
 }
 
 void addAudioChannels(Edit* log, int count)
 {
   for (int i = 0; i < count; ++i)
-    OpenLog(log)->addChan(audioChannel, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
+    reeldb::addChannel(OpenLog(log), codes::audioChannel);
 }
 
 struct NewReel {
@@ -46,7 +42,7 @@ NewReel fromDevice(Edit* log, const LightweightString<char>& requested, int devi
 {
   const ExtDeviceConfig config = theConfigurationManager().getConfig(deviceId);
   addAudioChannels(log, config.getNumConnectedAudioInputs());
-  if (config.getPortType() != portThatNamesTheReel)
+  if (config.getPortType() != codes::portNamingReel)
     return {requested, reelLogName(requested)};
   const LightweightString<char> deviceName = toUTF8(config.getTextName());
   if (sameText(toUTF8(config.getTextName()), requested))
@@ -65,6 +61,18 @@ void writeLog(Edit* log, const NewReel& reel)
 }
 
 } // namespace
+
+CreateNewReelAction::CreateNewReelAction(const LightweightString<char>& reelId, int deviceId)
+    : reelId_(reelId), deviceId_(deviceId)
+{
+}
+
+CreateNewReelAction::~CreateNewReelAction() = default;
+
+void CreateNewReelAction::execute()
+{
+  ReelDbManager::theReelDbManager()->createNewReel(reelId_, deviceId_);
+}
 
 ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, int deviceId)
 {
@@ -92,7 +100,7 @@ ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, in
   rec.recInhibit(false);
   rec.reelAvailable(true);
   rec.typeName(reeldb::textOf(EditManager::ProjOpts(), "reeldb_defaultType"));
-  OpenLog(log)->setChangeDescription(logMadeOrImported, true);
+  OpenLog(log)->setChangeDescription(codes::madeOrImported, true);
   informReelDbChanged(reel.id);
   return rec;
 }
@@ -109,10 +117,10 @@ LightweightString<char> ReelDbManager::trimLeadingTrailingSpaces(LightweightStri
 
 void ReelDbManager::handleLogModification(const Cookie& log, const EditModification& mod)
 {
-  if (mod.type() != logMadeOrImported)
+  if (mod.type() != codes::madeOrImported)
     return;
   const OpenLog material(log);
-  if (!material || material->getLogType() != materialLog || !material->isImported())
+  if (!material || material->getLogType() != codes::materialLog || !material->isImported())
     return;
   strp_field reelId;
   material->get_reelid(reelId, 0, -1);

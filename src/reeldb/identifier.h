@@ -4,7 +4,9 @@
 
 #include <strings.h>
 
+#include "host/codes.h"
 #include "host/lwstring.h"
+#include "host/text.h"
 
 namespace reeldb {
 
@@ -12,6 +14,13 @@ namespace reeldb {
 inline bool sameReelId(const LightweightString<char>& a, const LightweightString<char>& b)
 {
   return strcasecmp(a.c_str(), b.c_str()) == 0;
+}
+
+/// The name of a reel's log: the host's word for a reel, a blank, the identifier.
+inline LightweightString<wchar_t> reelLogName(const LightweightString<char>& reelId)
+{
+  const LightweightString<wchar_t> word = paddedResourceStrW(codes::wordForReel, nullptr, L" ", ResStrFmt(0));
+  return word + Zr::WStringFromAscii(reelId.c_str());
 }
 
 /// Whether a reel's type makes it a live feed, and a device's tape list makes the device a live source.

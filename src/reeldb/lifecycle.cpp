@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReelDbManager.h"
+#include "host/codes.h"
 #include "host/config.h"
 #include "host/device.h"
 #include "host/projdb.h"
@@ -59,7 +60,7 @@ void ReelDbManager::buildReelList()
 {
   projdb* const db = EditManager::getProjdb();
   if (db)
-    reelList = db->search(0x10040, 0xFFFEEF9F);
+    reelList = db->search(codes::reelSearchMask, codes::reelSearchMaskOff);
 }
 
 bool ReelDbManager::handleDeviceChange(const NotifyMsg& msg)

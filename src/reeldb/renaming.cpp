@@ -2,9 +2,8 @@
 #include "ReelDbManager.h"
 #include "host/projdb.h"
 #include "host/text.h"
-#include "reeldb/log_name.h"
-#include "reeldb/notification_hold.h"
-#include "reeldb/shot_search.h"
+#include "reeldb/identifier.h"
+#include "reeldb/shots.h"
 #include "reelrec/open_log.h"
 
 using reeldb::OpenLog;
@@ -12,6 +11,23 @@ using reeldb::OpenLog;
 namespace {
 
 constexpr int copiedUserFields = 6;
+
+/// Holds back the manager's notifications for as long as this lives, exceptions included: a count left up would make
+/// every client deaf for good. The count never falls below 0.
+class NotificationHold {
+public:
+  explicit NotificationHold(int& count) : count_(count) { ++count_; }
+  ~NotificationHold()
+  {
+    if (count_ > 0)
+      --count_;
+  }
+  NotificationHold(const NotificationHold&) = delete;
+  NotificationHold& operator=(const NotificationHold&) = delete;
+
+private:
+  int& count_;
+};
 
 void renameShot(const Cookie& shot, const LightweightString<char>& oldId, const LightweightString<char>& newId)
 {
@@ -52,7 +68,7 @@ void ReelDbManager::changeReelId(LightweightString<char> oldId, LightweightStrin
 void ReelDbManager::copyReelInfo(LightweightString<char> fromId, LightweightString<char> toId)
 {
   {
-    const reeldb::NotificationHold hold(notifyHoldCount);
+    const NotificationHold hold(notifyHoldCount);
     ReelDbRec from = getReelInfo(fromId);
     ReelDbRec to = getReelInfo(toId);
     if (to.valid()) {

@@ -1,12 +1,55 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "reeldb/shots.h"
+
 #include "ReelDbManager.h"
+#include "host/codes.h"
 #include "host/projdb.h"
 #include "host/text.h"
-#include "reeldb/log_types.h"
-#include "reeldb/shot_search.h"
+#include "reeldb/identifier.h"
 #include "reelrec/open_log.h"
 
-using reeldb::LogTypes;
+namespace {
+
+/// Tells reel logs from others: by the database's row where there is one, else by opening the log. The row's column is
+/// looked up once, when this is made.
+class LogTypes {
+public:
+  LogTypes() : db_(EditManager::getProjdb()), typeColumn_(db_ ? db_->findField("Type") : 0) {}
+
+  /// False also for a log that cannot be opened.
+  bool isReel(const Cookie& log) const
+  {
+    if (db_)
+      if (const dbrecord* row = (*db_)[log])
+        return Edit::getLogTypeFromString(row->get_field(typeColumn_)) == codes::reelLog;
+    const reeldb::OpenLog opened(log);
+    return opened && opened->getLogType() == codes::reelLog;
+  }
+
+private:
+  projdb* db_; ///< null when no database is open
+  unsigned short typeColumn_;
+};
+
+} // namespace
+
+namespace reeldb {
+
+CookieVec findShots(projdb& db, const LightweightString<char>& reelId)
+{
+  projdb::SearchCriteria criteria;
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, reelId);
+  return db.search(criteria);
+}
+
+bool isRecordedFrom(const Cookie& shot, const LightweightString<char>& reelId)
+{
+  return sameReelId(reelAttribute(shot), reelId);
+}
+
+} // namespace reeldb
 
 bool ReelDbManager::doesCookieSetContainReels(CookieSet& set)
 {

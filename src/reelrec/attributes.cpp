@@ -5,6 +5,7 @@
 
 #include "ReelDbManager.h"
 #include "ReelDbRec.h"
+#include "host/codes.h"
 #include "host/projdb.h"
 #include "host/text.h"
 #include "reelrec/open_log.h"
@@ -14,8 +15,6 @@ using reeldb::OpenLog;
 using reeldb::sameText;
 
 namespace {
-
-constexpr std::size_t longestReelId = 2047;
 
 LightweightString<char> userFieldKey(int n)
 {
@@ -53,7 +52,7 @@ LightweightString<char> ReelDbRec::reelId()
   strp_field field;
   if (!getStrpFieldValFromEdit(TR_REEL_ID, field) || !field.text())
     return {};
-  return LightweightString<char>(field.text(), strnlen(field.text(), longestReelId));
+  return LightweightString<char>(field.text(), strnlen(field.text(), codes::longestText));
 }
 
 void ReelDbRec::reelId(LightweightString<char> id)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "ReelDbRec.h"
+#include "host/codes.h"
 #include "host/device.h"
 #include "host/projdb.h"
 #include "reelrec/open_log.h"
@@ -8,10 +9,6 @@
 using reeldb::OpenLog;
 
 namespace {
-
-constexpr EditChanType video = EditChanType(1);
-constexpr EditChanType audio = EditChanType(2);
-constexpr int noVideoInput = 9;
 
 struct ChannelCounts {
   long long audio;
@@ -24,7 +21,7 @@ ChannelCounts wantedByDevice(ReelDbRec& rec)
   const int device = theConfigurationManager().findConfigForName(name);
   const ExtDeviceConfig config = theConfigurationManager().getConfig(device);
   const int audioInputs = config.getNumConnectedAudioInputs();
-  return {audioInputs, config.getInputType() != noVideoInput ? 1 : 0};
+  return {audioInputs, config.getInputType() != codes::noVideoInput ? 1 : 0};
 }
 
 ChannelCounts wanted(ReelDbRec& rec)
@@ -41,14 +38,14 @@ ChannelCounts wanted(ReelDbRec& rec)
 
 int present(const OpenLog& log, EditChanType type)
 {
-  return log->getNumChans(type) & 0xFFFF;
+  return log->getNumChans(type) & codes::channelCountMask;
 }
 
 /// Adds that many channels; none when the number is not positive.
 void addChannels(const OpenLog& log, EditChanType type, long long missing)
 {
   for (long long i = 0; i < missing; ++i)
-    log->addChan(type, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
+    reeldb::addChannel(log, type);
 }
 
 } // namespace
@@ -59,10 +56,10 @@ void ReelDbRec::updateNumChansInReel()
   if (!log)
     return;
   const ChannelCounts counts = wanted(*this);
-  const long long missingAudio = counts.audio - present(log, audio);
-  const long long missingVideo = counts.video - present(log, video);
-  addChannels(log, audio, missingAudio);
-  addChannels(log, video, missingVideo);
+  const long long missingAudio = counts.audio - present(log, codes::audioChannel);
+  const long long missingVideo = counts.video - present(log, codes::videoChannel);
+  addChannels(log, codes::audioChannel, missingAudio);
+  addChannels(log, codes::videoChannel, missingVideo);
   if (missingAudio > 0 || missingVideo > 0)
     EditManager::updateProjdbRec(*this);
 }

@@ -5,6 +5,7 @@
 #ifndef REELDB_REELREC_OPEN_LOG_H
 #define REELDB_REELREC_OPEN_LOG_H
 
+#include "host/codes.h"
 #include "host/edit.h"
 
 namespace reeldb {
@@ -24,7 +25,7 @@ private:
 /// A log held open for as long as this lives. False when the log did not open.
 class OpenLog {
 public:
-  explicit OpenLog(const Cookie& log) : closer_(handle_) { handle_.i_open(log, eEditOpenBehaviour(0)); }
+  explicit OpenLog(const Cookie& log) : closer_(handle_) { handle_.i_open(log, codes::openAsUsual); }
   /// Takes hold of a log that is open already.
   explicit OpenLog(Edit* edit) : closer_(handle_) { handle_ = edit; }
 
@@ -36,12 +37,18 @@ private:
   LogCloser closer_;
 };
 
+/// Adds one channel at the end of the log.
+inline void addChannel(const OpenLog& log, EditChanType type)
+{
+  log->addChan(type, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
+}
+
 /// The reel identifier of a log as its attribute shows it; empty when unset or when the log does not open.
 inline LightweightString<char> reelAttribute(const Cookie& log)
 {
-  EditInfo info(log, eEditOpenBehaviour(0));
+  EditInfo info(log, codes::openAsUsual);
   const LogCloser closer(info);
-  return info.getAttrib(LogAttributes::eLogAttribute(20));
+  return info.getAttrib(codes::reelIdAttribute);
 }
 
 } // namespace reeldb

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "ReelDbRec.h"
+#include "host/codes.h"
 #include "reelrec/config_access.h"
 #include "reelrec/open_log.h"
 
@@ -52,7 +53,7 @@ bool ReelDbRec::getStringValFromEdit(LightweightString<char> key, LightweightStr
   const OpenLog log(*this);
   if (!log)
     return false;
-  char text[2048] = {};
+  char text[codes::textBufferSize] = {};
   const bool found = readValue(log->config(), key.c_str(), text);
   // Whatever the answer was: a key that is not there leaves the buffer, and so the result, empty.
   out = text;

@@ -2,6 +2,7 @@
 #include <memory>
 
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "host/config.h"
 #include "host/text.h"
 
@@ -14,7 +15,7 @@ const LightweightString<char> audioChannels("AudioChannels");
 
 LightweightString<char> typeFilePath()
 {
-  return toUTF8(getDeviceDataDirectory(iSettings::eType(1)) + L"reeltype.dat");
+  return toUTF8(getDeviceDataDirectory(codes::deviceData) + L"reeltype.dat");
 }
 
 } // namespace

@@ -4,15 +4,16 @@
 #include <algorithm>
 #include <charconv>
 
-#include "facility/resources.h"
 #include "facility/state_file.h"
+#include "host/codes.h"
 
 namespace reelhost {
 
-// The codes fall into families: 3 and 8 are PAL, 4, 5, 9 and 10 NTSC, all others 24 frame.
 Facility::Facility()
-    : texts_{{wordForReel, "Reel"}}, frameRates_{{"25", 3},    {"29.97", 4}, {"30", 5},    {"24", 6},
-                                                 {"23.98", 7}, {"50", 8},    {"59.94", 9}, {"60", 10}}
+    : texts_{{codes::wordForReel, "Reel"}}, frameRates_{{"25", codes::rate25},      {"29.97", codes::rate2997},
+                                                        {"30", codes::rate30},      {"24", codes::rate24},
+                                                        {"23.98", codes::rate2398}, {"50", codes::rate50},
+                                                        {"59.94", codes::rate5994}, {"60", codes::rate60}}
 {
 }
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <climits>
 
-#include "facility/resources.h"
 #include "facility/state_file.h"
+#include "host/codes.h"
 #include "reelhost/display_text.h"
 
 namespace reelhost {
@@ -18,9 +18,17 @@ struct Word {
   int code;
 };
 
-constexpr std::array<Word, 4> portWords = {{{"9-pin", 0}, {"1394", 1}, {"device-named", 2}, {"none", 3}}};
-constexpr std::array<Word, 7> inputWords = {
-    {{"composite", 0}, {"s-video", 1}, {"component", 2}, {"sdi", 3}, {"hdmi", 4}, {"1394", 5}, {"none", 9}}};
+constexpr std::array<Word, 4> portWords = {{{"9-pin", codes::port9Pin},
+                                            {"1394", codes::port1394},
+                                            {"device-named", codes::portNamingReel},
+                                            {"none", codes::noPort}}};
+constexpr std::array<Word, 7> inputWords = {{{"composite", 0},
+                                             {"s-video", 1},
+                                             {"component", 2},
+                                             {"sdi", 3},
+                                             {"hdmi", 4},
+                                             {"1394", 5},
+                                             {"none", codes::noVideoInput}}};
 
 // A device number is an index into a list that people keep by hand, and a deck has no more inputs than this.
 constexpr std::int64_t largestDeviceNumber = 9999;
@@ -104,7 +112,7 @@ void FacilityReader::readTexts(const TomlTable& table)
 {
   table.allowOnly({"reel"});
   if (const auto text = table.text("reel"))
-    facility_.texts_[wordForReel] = *text;
+    facility_.texts_[codes::wordForReel] = *text;
 }
 
 void FacilityReader::readFrameRates(const TomlTable& table)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "model/attribute_index.h"
 
+#include "host/codes.h"
+
 #include <algorithm>
 
 #include "base/ascii.h"
@@ -19,7 +21,7 @@ bool byNumber(const Log* a, const Log* b)
 void AttributeIndex::refresh(Log& log)
 {
   take(log);
-  if (log.isGone || log.type == reelType || log.reelId.empty())
+  if (log.isGone || log.type == codes::reelLog || log.reelId.empty())
     return;
   auto& [key, group] = *logs_.try_emplace(reeldb::base::fold(log.reelId.c_str())).first;
   group.insert(std::upper_bound(group.begin(), group.end(), &log, byNumber), &log);

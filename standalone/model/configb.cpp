@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "host/codes.h"
 #include "host/config.h"
 #include "journal/host_call.h"
 #include "model/config_block.h"
@@ -33,7 +34,6 @@ ConfigBlock& blockOf(const configb& config)
 
 namespace {
 
-constexpr std::size_t bufferSize = 2048; // what a caller of in(key, buffer) provides
 constexpr int success = 0, absent = 1;
 
 /// What an operation with an out-argument did: its status and what it wrote, if it wrote.
@@ -55,7 +55,7 @@ std::string describe(const Read<T>& read)
 /// What fits of the text.
 const char* copyTo(char* buffer, const char* text)
 {
-  const std::size_t length = std::min(std::strlen(text), bufferSize - 1);
+  const std::size_t length = std::min(std::strlen(text), codes::longestText);
   std::memcpy(buffer, text, length);
   buffer[length] = '\0';
   return buffer;
@@ -98,7 +98,7 @@ int configb::in(const char* key, char* buffer) const
   };
   const auto answer = [&]() -> std::optional<Outcome> {
     Script& script = Script::the();
-    script.configBufferWasZero &= std::all_of(buffer, buffer + bufferSize, [](char c) { return c == '\0'; });
+    script.configBufferWasZero &= std::all_of(buffer, buffer + codes::textBufferSize, [](char c) { return c == '\0'; });
     const Script::TextAnswer* const scripted = answerFor(script.configText, key);
     if (!scripted)
       return std::nullopt;

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "host/codes.h"
 #include "host/projdb.h"
 #include "host/project.h"
 #include "host/text.h"
@@ -11,10 +12,6 @@ using reelhost::noArguments;
 using reelhost::Script;
 using reelhost::model::Log;
 using reelhost::model::openedProject;
-
-namespace {
-constexpr int noRate = -1;
-}
 
 Cookie get_project_cookie()
 {
@@ -37,13 +34,14 @@ int Zr::CurrentProject::getFrameRate(Revision revision)
 {
   return hostCall(
       "Zr::CurrentProject::getFrameRate", [&] { return describeAll(revision); },
-      [] { return openedProject ? openedProject->info().frameRate : noRate; }, [] { return Script::the().frameRate; });
+      [] { return openedProject ? openedProject->info().frameRate : codes::noFrameRate; },
+      [] { return Script::the().frameRate; });
 }
 
 int Zr::CurrentProject::getOutputImageZRFrameRate()
 {
   return hostCall(
       "Zr::CurrentProject::getOutputImageZRFrameRate", noArguments,
-      [] { return openedProject ? openedProject->info().outputFrameRate : noRate; },
+      [] { return openedProject ? openedProject->info().outputFrameRate : codes::noFrameRate; },
       [] { return Script::the().outputFrameRate; });
 }

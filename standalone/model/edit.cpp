@@ -3,6 +3,7 @@
 
 #include <cstring>
 
+#include "host/codes.h"
 #include "host/text.h"
 #include "journal/host_call.h"
 #include "model/log.h"
@@ -25,8 +26,6 @@ void change(Log& log, T& member, const T& value)
   log.project.changing(log);
   member = value;
 }
-
-constexpr EditChanType videoChannel{1}, audioChannel{2};
 
 } // namespace
 
@@ -115,7 +114,7 @@ void Edit::redetermineLogType()
       "Edit::redetermineLogType", [&] { return describeAll(impl->cookie); },
       [&] {
         const bool reel = impl->entireMedium && !impl->original;
-        const int type = reel ? reelhost::model::reelType : impl->imported ? reelhost::model::materialType : 0;
+        const int type = reel ? int{codes::reelLog} : impl->imported ? int{codes::materialLog} : 0;
         if (type == impl->type)
           return;
         change(*impl, impl->type, type);
@@ -156,9 +155,11 @@ int Edit::getNumChans(EditChanType type) const
 {
   return hostCall(
       "Edit::getNumChans", [&] { return describeAll(impl->cookie, type); },
-      [&] { return type == videoChannel   ? impl->videoChannels
-                   : type == audioChannel ? impl->audioChannels
-                                          : 0; });
+      [&] {
+        return type == codes::videoChannel   ? impl->videoChannels
+               : type == codes::audioChannel ? impl->audioChannels
+                                             : 0;
+      });
 }
 
 void Edit::addChan(EditChanType type, Zr::Ptr<Cel> cel, bool flag, EditChanSubType subType, bool otherFlag,
@@ -167,9 +168,9 @@ void Edit::addChan(EditChanType type, Zr::Ptr<Cel> cel, bool flag, EditChanSubTy
   hostCall(
       "Edit::addChan", [&] { return describeAll(impl->cookie, type, cel, flag, subType, otherFlag, value); },
       [&] {
-        if (type == videoChannel)
+        if (type == codes::videoChannel)
           change(*impl, impl->videoChannels, impl->videoChannels + 1);
-        else if (type == audioChannel)
+        else if (type == codes::audioChannel)
           change(*impl, impl->audioChannels, impl->audioChannels + 1);
       });
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "journal/host_call.h"
 #include "model/listeners.h"
@@ -20,8 +21,6 @@ namespace {
 
 constinit std::int64_t openLogCount = 0;
 constinit std::int64_t openModifierCount = 0;
-
-constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
 
 Edit* findEdit(const Cookie& cookie)
 {
@@ -131,9 +130,9 @@ LightweightString<char> EditInfo::getAttrib(LogAttributes::eLogAttribute attribu
   return hostCall(
       "EditInfo::getAttrib",
       [&] { return edit_ ? describeAll(edit_->impl->cookie, attribute) : describeAll(attribute); },
-      [&] { return edit_ && attribute == reelIdAttribute ? edit_->impl->reelId : Text(); },
+      [&] { return edit_ && attribute == codes::reelIdAttribute ? edit_->impl->reelId : Text(); },
       [&]() -> std::optional<Text> {
-        if (!edit_ || attribute != reelIdAttribute)
+        if (!edit_ || attribute != codes::reelIdAttribute)
           return std::nullopt;
         const std::optional<std::string> text = reelhost::scripted::attributeOf(edit_->impl->cookie);
         return text ? std::optional(Text(text->c_str())) : std::nullopt;

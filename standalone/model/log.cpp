@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/codes.h"
 #include "model/project.h"
 
 using reelhost::StoredLog;
@@ -24,9 +25,9 @@ Edit::Impl::Impl(reelhost::model::Project& of, StoredLog&& stored)
     : words(Cookie(uuidOf(stored), stored.tag, stored.kind)), uuid(uuidOf(stored)), tag(stored.tag), kind(stored.kind),
       cookie(uuid, tag, kind), project(of), number(stored.number), block(reelhost::model::blockOf(config)),
       type(stored.type), imported(stored.imported), entireMedium(stored.entireMedium),
-      original(stored.type != reelhost::model::reelType), name(std::move(stored.name)),
-      videoChannels(stored.videoChannels), audioChannels(stored.audioChannels),
-      reelTypeName(stored.reelType.c_str()), rowImpl{this}, shownReelType(reelTypeName)
+      original(stored.type != codes::reelLog), name(std::move(stored.name)), videoChannels(stored.videoChannels),
+      audioChannels(stored.audioChannels), reelTypeName(stored.reelType.c_str()), rowImpl{this},
+      shownReelType(reelTypeName)
 {
   edit.impl = this;
   row.impl = &rowImpl;

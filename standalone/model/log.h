@@ -17,8 +17,6 @@ namespace reelhost::model {
 class Project;
 using Log = Edit::Impl;
 
-constexpr int materialType = 1, reelType = 9;
-
 } // namespace reelhost::model
 
 struct dbrecord::Impl {
@@ -42,7 +40,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   // library opens all reel logs, one after the other, to find one.
   Edit edit; ///< the one Edit that all openings share
   const reelhost::model::CookieWords words;
-  LightweightString<char> reelId; ///< attribute 20: what the block holds under "reelid", or nothing
+  LightweightString<char> reelId; ///< what the block holds under "reelid", or nothing
   const char* reelIdText = "";    ///< the text of reelId, to be fetched before it is read
   Edit::Impl* follower = nullptr; ///< the log that is likely to be opened next; may be null
   bool isGone = false;            ///< deleted; only handles that were open then still know it

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "host/codes.h"
 #include "model/log.h"
 
 namespace reelhost::model {
@@ -12,12 +13,14 @@ namespace reelhost::model {
 
 inline const char* textOf(int type)
 {
-  return type == reelType ? "Reel" : type == materialType ? "Material" : "";
+  return type == codes::reelLog ? "Reel" : type == codes::materialLog ? "Material" : "";
 }
 
 inline int logTypeOf(const char* text)
 {
-  return std::strcmp(text, "Reel") == 0 ? reelType : std::strcmp(text, "Material") == 0 ? materialType : 0;
+  return std::strcmp(text, "Reel") == 0       ? int{codes::reelLog}
+         : std::strcmp(text, "Material") == 0 ? int{codes::materialLog}
+                                              : 0;
 }
 
 } // namespace reelhost::model

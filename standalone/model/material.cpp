@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string>
 
+#include "host/codes.h"
 #include "model/listeners.h"
 #include "model/log.h"
 #include "model/project.h"
@@ -11,17 +12,11 @@ namespace reelhost {
 using model::Log;
 using model::Project;
 
-namespace {
-
-constexpr EditModificationType imported{59};
-
-} // namespace
-
 Cookie importMaterial(const Material& material)
 {
   Project& project = model::requireProject("import");
   StoredLog log;
-  log.type = model::materialType;
+  log.type = codes::materialLog;
   log.imported = true;
   log.name = material.name;
   log.videoChannels = material.videoChannels;
@@ -30,7 +25,7 @@ Cookie importMaterial(const Material& material)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
   const Cookie cookie = project.create(std::move(log)).cookie;
-  model::tellLogModification(cookie, EditModification(imported));
+  model::tellLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
 }
 

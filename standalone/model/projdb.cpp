@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/ascii.h"
+#include "host/codes.h"
 #include "journal/host_call.h"
 #include "model/log.h"
 #include "model/log_types.h"
@@ -26,12 +27,6 @@ namespace {
 
 // The columns of a row. 0 is none.
 constexpr unsigned short noColumn = 0, typeColumn = 1, reelTypeColumn = 2;
-
-// The one pair of masks, and the one pair of numbers, that this database knows.
-constexpr unsigned reelMask = 0x10040, reelMaskOff = 0xFFFEEF9F;
-constexpr int shotsFirst = 1, shotsSecond = 102350;
-
-constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
 
 // Which project they are about is asked when they are used: there is one open at a time.
 projdb database_{};
@@ -64,7 +59,7 @@ LightweightString<char> reelIdIn(const reelhost::model::SearchAttributes& attrib
   LightweightString<char> wanted;
   for (const auto& [attribute, value] : attributes) {
     const bool same = wanted.empty() || reeldb::base::sameName(wanted.c_str(), value.c_str());
-    if (attribute != reelIdAttribute || value.empty() || !same)
+    if (attribute != codes::reelIdAttribute || value.empty() || !same)
       return {};
     wanted = value;
   }
@@ -104,7 +99,7 @@ CookieVec projdb::search(unsigned mask, unsigned maskOff)
         return std::string(text);
       },
       [&] {
-        const bool known = openedProject && mask == reelMask && maskOff == reelMaskOff;
+        const bool known = openedProject && mask == codes::reelSearchMask && maskOff == codes::reelSearchMaskOff;
         return known ? openedProject->reels() : CookieVec();
       },
       [] { return Script::the().maskSearchResult; });
@@ -116,7 +111,8 @@ CookieVec projdb::search(const SearchCriteria& criteria)
       "projdb::search", [&] { return textOf(criteria); },
       [&] {
         const LightweightString<char> id = reelIdIn(reelhost::model::attributesIn(criteria.attributes));
-        const bool known = openedProject && criteria.first == shotsFirst && criteria.second == shotsSecond;
+        const bool known =
+            openedProject && criteria.first == codes::shotSearchFirst && criteria.second == codes::shotSearchSecond;
         return known && !id.empty() ? openedProject->othersWithReelId(id.c_str()) : CookieVec();
       },
       [] { return Script::the().attributeSearchResult; });

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "model/project.h"
 
+#include "host/codes.h"
+
 #include <algorithm>
 #include <cinttypes>
 #include <cstdio>
@@ -146,7 +148,7 @@ Log& Project::add(StoredLog&& stored)
     logs_.pop_back(); // a log that nobody can find is none
     throw;
   }
-  if (log.type == reelType)
+  if (log.type == codes::reelLog)
     joinReels(log);
   refreshIndex(log);
   return log;
@@ -200,7 +202,7 @@ const CookieVec& Project::reels()
   if (!reelsReady_) {
     std::vector<const Log*> logs;
     for (const Log& log : logs_)
-      if (log.type == reelType && !log.isGone)
+      if (log.type == codes::reelLog && !log.isGone)
         logs.push_back(&log);
     std::sort(logs.begin(), logs.end(), byNumber);
     reels_ = CookieVec();
@@ -219,7 +221,7 @@ std::vector<Log*> Project::others()
   loadOthers();
   std::vector<Log*> logs;
   for (Log& log : logs_)
-    if (log.type != reelType && !log.isGone)
+    if (log.type != codes::reelLog && !log.isGone)
       logs.push_back(&log);
   std::sort(logs.begin(), logs.end(), byNumber);
   return logs;
@@ -316,7 +318,7 @@ void Project::reelIdChanged(Log& log)
 
 void Project::typeChanged(Log& log)
 {
-  if (log.type == reelType)
+  if (log.type == codes::reelLog)
     joinReels(log);
   else
     reelsReady_ = false;
@@ -336,7 +338,7 @@ CookieVec Project::erase(const CookieVec& cookies)
     table_.erase(*log);
     if (index_)
       index_->take(*log);
-    if (log->type == reelType)
+    if (log->type == codes::reelLog)
       reelsReady_ = false;
   }
   return gone;

@@ -3,16 +3,16 @@
 #define REELHOST_MODEL_THREAD_NUMBERS_H
 
 #include <atomic>
-#include <cstdint>
-#include <limits>
+
+#include "host/codes.h"
 
 namespace reelhost::model {
 
-/// Gives out thread numbers: 1, 2, 3, ... The library looks at the low 16 bits only, so all threads beyond the last
-/// number share it: none of them is ever taken for the main thread.
+/// Gives out thread numbers: 1, 2, 3, ... The library looks at the bits of codes::threadMask only, so all threads
+/// beyond the last number share it: none of them is ever taken for the main thread.
 class ThreadNumbers {
 public:
-  static constexpr int last = std::numeric_limits<std::uint16_t>::max();
+  static constexpr int last = codes::threadMask;
 
   int next()
   {

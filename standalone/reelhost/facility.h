@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "host/codes.h"
 #include "reelhost/error.h"
 
 namespace reelhost {
@@ -20,15 +21,15 @@ struct State; ///< what the state file holds; the host's own
 
 /// One external device as the facility describes it.
 struct DeviceSettings {
-  int number = -1;                ///< the index that getConfig(int) takes; not negative
-  unsigned id = 0;                ///< the device's identity, not 0; stays when name or number change
-  std::string name;               ///< display name, UTF-8
-  int portType = 3;               ///< 0 "9-pin", 1 "1394", 2 "device-named", 3 "none"
-  int inputType = 9;              ///< 9 "none"; the words and the other codes are in docs/formats/facility.md
-  int audioInputs = 0;            ///< connected audio inputs
-  std::vector<std::string> tapes; ///< reel types the device accepts
-  std::string labelMap;           ///< configured label map, may be empty
-  std::string lastReel;           ///< from the state file; may be empty
+  int number = -1;                     ///< the index that getConfig(int) takes; not negative
+  unsigned id = 0;                     ///< the device's identity, not 0; stays when name or number change
+  std::string name;                    ///< display name, UTF-8
+  int portType = codes::noPort;        ///< codes::port9Pin and its neighbours
+  int inputType = codes::noVideoInput; ///< the words and the other codes are in docs/formats/facility.md
+  int audioInputs = 0;                 ///< connected audio inputs
+  std::vector<std::string> tapes;      ///< reel types the device accepts
+  std::string labelMap;                ///< configured label map, may be empty
+  std::string lastReel;                ///< from the state file; may be empty
 };
 
 /// facility.toml and the state file beside it, read; a value. Hand-written files are never written; what commands
@@ -56,7 +57,7 @@ public:
   const std::string& defaultProject() const { return defaultProject_; }
 
   std::optional<std::string> configString(const std::string& key) const; ///< "default_reel_type" and the like, if set
-  const std::string& resourceText(unsigned id) const; ///< 10043 is "Reel"; empty: there is no such text
+  const std::string& resourceText(unsigned id) const; ///< codes::wordForReel is "Reel"; empty: there is no such text
   /// Names and codes of the frame rates, in the order of the file.
   const std::vector<std::pair<std::string, int>>& frameRates() const { return frameRates_; }
   /// The code of a frame rate. A name comes before a code; both must be known.

@@ -29,8 +29,8 @@ namespace reelhost {
 /// @name Start-up
 /// @{
 
-/// Makes the calling thread the main thread: stores `co_pid() & 0xFFFF` in the library's glib_pid. Until this was
-/// called every reel creation is deferred. Does nothing where the library is not loaded.
+/// Makes the calling thread the main thread: stores `co_pid() & codes::threadMask` in the library's glib_pid. Until
+/// this was called every reel creation is deferred. Does nothing where the library is not loaded.
 void startUp();
 
 /// The facility of the process: the one given to useFacility, else the folder in the environment variable
@@ -86,8 +86,8 @@ int runDeferredActions();
 /// @name Material
 /// @{
 
-/// Makes an imported material log and reports it to the listeners as modification 59, as a host does when a clip comes
-/// in; the library answers by making the reel. Exceptions of listeners pass; the log stays.
+/// Makes an imported material log and reports it to the listeners as codes::madeOrImported, as a host does when a clip
+/// comes in; the library answers by making the reel. Exceptions of listeners pass; the log stays.
 Cookie importMaterial(const Material& material);
 /// The clip behind a log; empty texts for what it does not hold, and for a log that does not exist.
 Material materialOf(const Cookie& log);

@@ -8,7 +8,6 @@
 
 #include "host/cookie.h"
 #include "host/os.h"
-#include "values/holders.h"
 
 /// The Cookies follow the head. Several vectors may hold one storage, each with a count of its own: it sees the first
 /// so many Cookies, and those no other vector changes. What lies behind its count is another vector's, if anyone's.
@@ -22,9 +21,7 @@ struct LightweightVector<Cookie>::Storage {
     void* memory = OS()->allocator().allocate(sizeof(Storage) + static_cast<std::size_t>(capacity) * sizeof(Cookie));
     if (!memory)
       throw std::bad_alloc();
-    Storage* s = ::new (memory) Storage{1, capacity, 0};
-    reelhost::countFirstHolder();
-    return s;
+    return ::new (memory) Storage{1, capacity, 0};
   }
 
   static Storage* share(Storage* s)

@@ -10,7 +10,6 @@
 #include <string>
 
 #include "host/os.h"
-#include "values/holders.h"
 
 template <class CharT>
 struct LightweightString<CharT>::Body {
@@ -33,7 +32,6 @@ struct LightweightString<CharT>::Body {
     if (!memory)
       throw std::bad_alloc();
     Body* body = ::new (memory) Body{1, 0, static_cast<std::uint32_t>(capacity)};
-    reelhost::countFirstHolder();
     body->text()[0] = CharT();
     return body;
   }

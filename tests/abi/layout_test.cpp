@@ -15,6 +15,7 @@
 #include "MainThread.h"
 #include "ReelDbVersion.h"
 #include "ReelTypeManager.h"
+#include "host/codes.h"
 #include "host/events.h"
 #include "host/projdb.h"
 #include "host/text.h"
@@ -37,6 +38,24 @@ static_assert(sizeof(AssocList) == 16 && sizeof(AssocListRep::Entry) == 32);
 static_assert(sizeof(LabelMappingSet) == 14 * 12 && offsetof(LabelMappingSet::Entry, source) == 4 &&
               offsetof(LabelMappingSet::Entry, format) == 8);
 static_assert(sizeof(IdStamp) == 4 && sizeof(EditModification) == 4);
+
+// --- Numbers of the boundary: each is compiled into libraries and hosts
+static_assert(codes::openAsUsual == 0 && codes::materialLog == 1 && codes::reelLog == 9);
+static_assert(codes::reelIdAttribute == 20 && codes::madeOrImported == 59);
+static_assert(codes::videoChannel == 1 && codes::audioChannel == 2 && codes::channelCountMask == 0xFFFF);
+static_assert(codes::reelSearchMask == 0x10040 && codes::reelSearchMaskOff == 0xFFFEEF9F);
+static_assert(codes::shotSearchFirst == 1 && codes::shotSearchSecond == 102350);
+static_assert(codes::wordForReel == 10043 && codes::textBufferSize == 2048 && codes::longestText == 2047);
+static_assert(codes::deviceData == 1 && codes::threadMask == 0xFFFF);
+static_assert(codes::port9Pin == 0 && codes::port1394 == 1 && codes::portNamingReel == 2 && codes::noPort == 3);
+static_assert(codes::noVideoInput == 9);
+static_assert(codes::noFrameRate == -1 && codes::rate25 == 3 && codes::rate2997 == 4 && codes::rate30 == 5);
+static_assert(codes::rate24 == 6 && codes::rate2398 == 7 && codes::rate50 == 8);
+static_assert(codes::rate5994 == 9 && codes::rate60 == 10);
+static_assert(codes::fromVitc == 1 && codes::fromVitc2 == 2 && codes::from1394 == 9);
+static_assert(codes::from9PinLtc == 3 && codes::from9PinVitc == 4 && codes::from9PinTimer == 5);
+static_assert(codes::counts30Fps == 0 && codes::counts25Fps == 1 && codes::counts50Fps == 9 &&
+              codes::counts60Fps == 10);
 
 // --- The library's own classes
 static_assert(sizeof(ReelDbClient) == sizeof(ArrayRec) + sizeof(LightweightString<char>));

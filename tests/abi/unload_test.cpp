@@ -13,7 +13,7 @@
 #include "ReelTypeManager.h"
 #include "reelhost/facility.h"
 #include "reelhost/host.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ private:
 /// What the host has given out and not got back.
 std::int64_t inUse()
 {
-  return reelhost::allocations() - reelhost::releases();
+  return reeldb_tests::memoryInUse();
 }
 
 bool isLoaded()

@@ -11,7 +11,7 @@
 #include "faults/library_calls.h"
 #include "journal/watch.h"
 #include "reelhost/journal.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 namespace reeldb_tests {
 
@@ -105,19 +105,19 @@ void AllocationFails::arm(std::int64_t n)
 {
   reelhost::watch(reelhost::Watcher::Script, false);
   armed_ = true;
-  reelhost::failAllocation(n);
+  failAllocation(n);
 }
 
 bool AllocationFails::happened() const
 {
-  return armed_ ? !reelhost::allocationWillFail() : happened_;
+  return armed_ ? !allocationWillFail() : happened_;
 }
 
 void AllocationFails::disarm()
 {
   happened_ = happened();
   armed_ = false;
-  reelhost::failAllocation(0);
+  failAllocation(0);
 }
 
 std::string AllocationFails::differs(const std::exception_ptr& thrown) const

@@ -3,11 +3,12 @@
 // The standalone host without memory: what a project shows is what it finds and what it stores.
 #include <algorithm>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
-#include "reelhost/memory.h"
 #include "standalone/model/forwarding_store.h"
+#include "support/counting_services.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
@@ -20,12 +21,12 @@ using Texts = std::vector<std::string>;
 Texts shown()
 {
   Texts lines;
-  CookieVec logs = EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  CookieVec logs = EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
   for (const Cookie& shot : reelhost::allShots())
     logs.add(shot);
   for (const Cookie& log : logs) {
     EditPtr edit;
-    edit.i_open(log, eEditOpenBehaviour(0));
+    edit.i_open(log, codes::openAsUsual);
     const char* const id = edit ? edit->config().in("reelid") : "does not open";
     lines.push_back(std::string(log.asString(false).c_str()) + " " + (id ? id : "-"));
     edit.i_close();
@@ -38,9 +39,9 @@ Texts shown()
 CookieVec shotsOf(const char* reel)
 {
   projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(LogAttributes::eLogAttribute(20), reel);
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, reel);
   return EditManager::getProjdb()->search(criteria);
 }
 
@@ -77,13 +78,13 @@ protected:
         SCOPED_TRACE(std::to_string(logs) + " logs, allocation " + std::to_string(n));
         open(logs);
         reelhost::watch(reelhost::Watcher::Script, false);
-        reelhost::failAllocation(n);
+        failAllocation(n);
         try {
           change();
         } catch (const std::bad_alloc&) {
         }
-        const bool happened = !reelhost::allocationWillFail();
-        reelhost::failAllocation(0);
+        const bool happened = !allocationWillFail();
+        failAllocation(0);
         faults += happened;
         expectWhole();
         change();
@@ -129,7 +130,7 @@ TEST_F(HostMemory, NewIdentifierIsFoundAndStored)
 {
   failEach([this] {
     EditPtr edit;
-    edit.i_open(last_, eEditOpenBehaviour(0));
+    edit.i_open(last_, codes::openAsUsual);
     try {
       edit->set_reelid(0, "B");
     } catch (...) {

@@ -12,7 +12,7 @@
 #include "ReelDbManager.h"
 #include "ReelTypeManager.h"
 #include "host/text.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ void meet(const char* operation)
 const char* config_string(const char*, const char*)
 {
   if (const char* const n = std::getenv("FAIL_ALLOCATION"))
-    reelhost::failAllocation(std::atoll(n));
+    reeldb_tests::failAllocation(std::atoll(n));
   meet("config_string");
   return std::getenv("DEFAULT_TYPE");
 }
@@ -54,8 +54,8 @@ int vorn_printf(const char* format, ...)
 
 int main()
 {
-  const bool isStillToCome = reelhost::allocationWillFail();
-  reelhost::failAllocation(0);
+  const bool isStillToCome = reeldb_tests::allocationWillFail();
+  reeldb_tests::failAllocation(0);
   std::printf("%s\n", ReelDbManager::systemWideDefaultReelType_.c_str());
   const AssocListRep& types = *theReelTypeManager()->rep();
   for (unsigned i = 0; i < types.count(); ++i)

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "faults/scene.h"
+#include "host/codes.h"
 #include "reelhost/notify_msg.h"
 
 namespace reeldb_tests {
@@ -65,7 +66,7 @@ std::vector<Scenario> lifecycle()
       {.operation = "ReelDbManager::handleLogModification(Cookie const&, EditModification const&)",
        .situation = "imported material of a reel nobody knows",
        .arrange = [](Scene& s) { s.importClip("R9"); },
-       .act = [](Scene& s) { s.manager().handleLogModification(s.rec, EditModification(EditModificationType(59))); },
+       .act = [](Scene& s) { s.manager().handleLogModification(s.rec, EditModification(codes::madeOrImported)); },
        .changes = "new 1: audio - -> '2'\n"
                   "new 1: log type - -> '9'\n"
                   "new 1: name - -> 'Reel R9'\n"
@@ -80,7 +81,7 @@ std::vector<Scenario> lifecycle()
       {.operation = "ReelDbManager::handleLogModification(Cookie const&, EditModification const&)",
        .situation = "the reel is there",
        .arrange = [](Scene& s) { s.importClip("r1"); },
-       .act = [](Scene& s) { s.manager().handleLogModification(s.rec, EditModification(EditModificationType(59))); },
+       .act = [](Scene& s) { s.manager().handleLogModification(s.rec, EditModification(codes::madeOrImported)); },
        .doneByHalves = "a reel that was not found for a log that did not open is made a second time"},
       {.operation = "ReelDbManager::handleProjectEntry()",
        .situation = "another project than last time",

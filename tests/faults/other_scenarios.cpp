@@ -6,6 +6,7 @@
 #include "LabelMaps.h"
 #include "ReelDbVersion.h"
 #include "faults/scene.h"
+#include "host/codes.h"
 #include "host/text.h"
 
 namespace reeldb_tests {
@@ -258,7 +259,7 @@ std::vector<Scenario> labelMaps()
        .wide = L"vitc",
        .arrange =
            [](Scene& s) {
-             reelhost::facility().devices()[1].inputType = 9;
+             reelhost::facility().devices()[1].inputType = codes::noVideoInput;
              s.stamp = IdStamp(102);
            },
        .act = test,

@@ -6,6 +6,7 @@
 
 #include "MainThread.h"
 #include "faults/answering_host.h"
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "host/text.h"
@@ -78,11 +79,11 @@ Scene::Scene()
   devices[0].audioInputs = 4;
   devices[0].tapes = {"F2", "Live"};
   devices[0].labelMap = "9pin";
-  devices[1].portType = 2;
+  devices[1].portType = codes::portNamingReel;
   devices[1].audioInputs = 1;
   devices[1].tapes = {"Live"};
-  devices[2].portType = 1;
-  devices[2].inputType = 9;
+  devices[2].portType = codes::port1394;
+  devices[2].inputType = codes::noVideoInput;
   devices[2].labelMap = "vitc";
   firstWatch_.emplace(ReportWatch::Place::First, [this] { return faultHappened && faultHappened(); });
 }
@@ -248,7 +249,7 @@ std::vector<Cookie> Scene::allLogs() const
   std::vector<Cookie> all;
   if (!reelhost::projectIsOpen())
     return all;
-  const CookieVec reels = EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  const CookieVec reels = EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
   const CookieVec others = reelhost::allShots();
   all.assign(reels.begin(), reels.end());
   all.insert(all.end(), others.begin(), others.end());
@@ -332,7 +333,7 @@ std::string Scene::reelsOfTheDatabase()
 {
   std::vector<std::string> names;
   if (reelhost::projectIsOpen())
-    for (const Cookie& reel : EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F))
+    for (const Cookie& reel : EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff))
       names.push_back(nameOf(reel));
   return joined(names);
 }
@@ -343,7 +344,7 @@ Scene::State Scene::state()
   for (const Cookie& log : allLogs()) {
     const std::string name = nameOf(log) + ": ";
     EditPtr edit;
-    edit.i_open(log, eEditOpenBehaviour(0));
+    edit.i_open(log, codes::openAsUsual);
     all[name + "log type"] = std::to_string(edit->getLogType());
     for (const char* key : keys)
       if (const char* const found = edit->config().in(key))

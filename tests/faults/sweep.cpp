@@ -10,7 +10,7 @@
 #include "faults/answering_host.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 namespace reeldb_tests {
 
@@ -25,8 +25,8 @@ int failures()
 
 /// What is held of the host's memory and of shared bodies.
 struct Held {
-  std::int64_t memory = reelhost::allocations() - reelhost::releases();
-  std::int64_t shares = reelhost::holders();
+  std::int64_t memory = memoryInUse();
+  std::int64_t shares = furtherHolders();
 };
 
 std::string joinedLines(const std::vector<std::string>& lines)

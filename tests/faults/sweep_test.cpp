@@ -5,7 +5,6 @@
 
 #include "faults/library_calls.h"
 #include "faults/sweep.h"
-#include "reelhost/memory.h"
 #include "support/ledger.h"
 
 namespace reeldb_tests {

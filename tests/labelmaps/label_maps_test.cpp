@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "LabelMaps.h"
 
+#include "host/codes.h"
 #include "host/text.h"
 #include "support/library_fixture.h"
 
@@ -13,7 +14,6 @@ using Texts = std::vector<std::string>;
 
 constexpr std::uint32_t sourceNobodyTests = 6;
 constexpr std::uint32_t formatNobodyTests = 5;
-constexpr int noVideoInput = 9;
 constexpr int someVideoInput = 3;
 
 /// What the test of a map against a device answers, and what it prints.
@@ -306,7 +306,7 @@ TEST_F(LabelMaps, OtherPortsAreNotTestedFor1394Labels)
 {
   map({from(9)});
   for (int port : {-1, 2, 3, 7})
-    EXPECT_EQ(verdictOn(theDevice(port, noVideoInput)), accepted) << port;
+    EXPECT_EQ(verdictOn(theDevice(port, codes::noVideoInput)), accepted) << port;
 }
 
 TEST_F(LabelMaps, Source1394NotInUseCountsAsNone)
@@ -320,7 +320,7 @@ TEST_F(LabelMaps, VitcNeedsAVideoInputOnEveryPortBut1394)
   for (int port : {-1, 0, 2, 3})
     for (std::uint32_t source : {1u, 2u}) {
       map({from(source)});
-      EXPECT_EQ(verdictOn(theDevice(port, noVideoInput)),
+      EXPECT_EQ(verdictOn(theDevice(port, codes::noVideoInput)),
                 rejected("\"Label map <M> requires VITC - device <D> has no video input\\n\""))
           << "port " << port << ", source " << source;
       EXPECT_EQ(verdictOn(theDevice(port, someVideoInput)), accepted) << "port " << port << ", source " << source;
@@ -330,13 +330,13 @@ TEST_F(LabelMaps, VitcNeedsAVideoInputOnEveryPortBut1394)
 TEST_F(LabelMaps, DeviceWithoutVideoInputIsFineForAMapWithoutVitcInUse)
 {
   map({unusedFrom(1), from(5)});
-  EXPECT_EQ(verdictOn(theDevice(0, noVideoInput)), accepted);
+  EXPECT_EQ(verdictOn(theDevice(0, codes::noVideoInput)), accepted);
 }
 
 TEST_F(LabelMaps, Vitc1394DeviceHearsOfThe1394LabelsFirst)
 {
   map({from(1)});
-  EXPECT_EQ(verdictOn(theDevice(1, noVideoInput)),
+  EXPECT_EQ(verdictOn(theDevice(1, codes::noVideoInput)),
             rejected("\"Label map <M> not compatible with 1394 device <D>\\n\""));
 }
 
@@ -377,9 +377,9 @@ TEST_F(LabelMaps, VitcAnd9PinTogetherAreTestedInThatOrder)
 {
   map({from(3), from(1)});
   const Verdict needsVideo = rejected("\"Label map <M> requires VITC - device <D> has no video input\\n\"");
-  EXPECT_EQ(verdictOn(theDevice(0, noVideoInput)), needsVideo);
+  EXPECT_EQ(verdictOn(theDevice(0, codes::noVideoInput)), needsVideo);
   EXPECT_EQ(verdictOn(theDevice(0, someVideoInput)), accepted);
-  EXPECT_EQ(verdictOn(theDevice(2, noVideoInput)), needsVideo);
+  EXPECT_EQ(verdictOn(theDevice(2, codes::noVideoInput)), needsVideo);
   EXPECT_EQ(verdictOn(theDevice(2, someVideoInput)),
             rejected("\"Label map <M> requires 9-PIN labels - device <D> is not controllable via 9-PIN\\n\""));
 }
@@ -436,14 +436,14 @@ TEST_F(LabelMaps, HostCallsEndWithTheFirstRejection)
 {
   const Texts begin = after({loaded}, deviceAsked);
   map({from(1), from(3), from(9)});
-  EXPECT_EQ(callsOf([id = theDevice(1, noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
+  EXPECT_EQ(callsOf([id = theDevice(1, codes::noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
             after(begin, {portAsked + "1", nameAsked,
                           "vorn_printf(\"Label map <M> not compatible with 1394 device <D>\\n\")"}));
-  EXPECT_EQ(callsOf([id = theDevice(0, noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
+  EXPECT_EQ(callsOf([id = theDevice(0, codes::noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
             after(begin, {portAsked + "0", portAsked + "0", nameAsked,
                           "vorn_printf(\"Label map <M> requires 1394 labels - device <D> is not controllable via "
                           "1394\\n\")"}));
-  EXPECT_EQ(callsOf([id = theDevice(2, noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
+  EXPECT_EQ(callsOf([id = theDevice(2, codes::noVideoInput)] { map_file_is_compatible_with_device(L"M", id); }),
             after(begin, {portAsked + "2", portAsked + "2", inputAsked + "9", nameAsked,
                           "vorn_printf(\"Label map <M> requires VITC - device <D> has no video input\\n\")"}));
   EXPECT_EQ(callsOf([id = theDevice(2)] { map_file_is_compatible_with_device(L"M", id); }),

@@ -2,6 +2,7 @@
 #include "reeldb/changes_fixture.h"
 
 #include "MainThread.h"
+#include "host/codes.h"
 #include "host/edit.h"
 
 namespace reeldb_tests {
@@ -97,8 +98,8 @@ std::string ChangesTest::mainThread()
 
 std::string ChangesTest::attributeOf(const Cookie& log)
 {
-  EditInfo info(log, eEditOpenBehaviour(0));
-  const std::string result = text(info.getAttrib(LogAttributes::eLogAttribute(20)));
+  EditInfo info(log, codes::openAsUsual);
+  const std::string result = text(info.getAttrib(codes::reelIdAttribute));
   info.i_close();
   return result;
 }

@@ -10,7 +10,7 @@
 
 #include "ReelDbManager.h"
 #include "reelhost/host.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 namespace reeldb_tests {
 
@@ -27,10 +27,9 @@ struct Cost {
 Cost costOf(const std::function<void()>& action)
 {
   action();
-  const Cost before{reelhost::allocations(), reelhost::countsUp(), reelhost::countsDown()};
+  const Cost before{allocations(), countsUp(), countsDown()};
   action();
-  return {reelhost::allocations() - before.allocations, reelhost::countsUp() - before.up,
-          reelhost::countsDown() - before.down};
+  return {allocations() - before.allocations, countsUp() - before.up, countsDown() - before.down};
 }
 
 class ScanCost : public ::testing::Test {

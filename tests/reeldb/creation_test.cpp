@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include "MainThread.h"
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "host/text.h"
@@ -104,7 +105,7 @@ TEST_F(Creation, NewReelIsAReelLogNamedAfterTheHostsWord)
   const ReelDbRec reel = create(" R1 ");
   EXPECT_EQ(logName(reel), "[reel] R1");
   EditPtr log;
-  log.i_open(reel, eEditOpenBehaviour(0));
+  log.i_open(reel, codes::openAsUsual);
   EXPECT_EQ(log->getLogType(), eLogType(9));
   log.i_close();
 }
@@ -726,7 +727,7 @@ TEST_F(LogModification, CreationGoesToTheManagerOfTheProcess)
   const Cookie shot = addShot("R1");
   const RecordingClient client(heard_);
   ReelDbManager other;
-  other.handleLogModification(shot, EditModification(EditModificationType(59)));
+  other.handleLogModification(shot, EditModification(codes::madeOrImported));
   EXPECT_EQ(heard_, (Heard{"some(R1)", "dbC(R1)"}));
   EXPECT_EQ(other.reelList.count(), 0);
   EXPECT_EQ(reelIds(), Lines{"R1"});

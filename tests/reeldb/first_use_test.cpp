@@ -6,6 +6,24 @@
 
 namespace reeldb_tests {
 
+TEST(FirstUse, ShotsWithoutAnIdentifierMakeNoManager)
+{
+  reelhost::useFacility(reelhost::Facility());
+  reelhost::openProject(reelhost::makeMemoryStore({}, {}), reelhost::Access::Write);
+  reelhost::StoredLog reel;
+  reel.type = 9;
+  reelhost::addLog(reel);
+  CookieVec shots;
+  shots.add(reelhost::importMaterial({}));
+
+  ReelDbManager own;
+  own.buildReelList();
+  ASSERT_EQ(1, own.reelList.count());
+  EXPECT_EQ(0, own.getReelsReferenced(shots).count());
+  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
+  reelhost::closeProject();
+}
+
 TEST(FirstUse, FirstClientMakesTheManagerWhichThenHearsTheHost)
 {
   EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);

@@ -7,6 +7,7 @@
 
 #include "MainThread.h"
 #include "host/action.h"
+#include "host/codes.h"
 #include "host/events.h"
 #include "host/projdb.h"
 #include "journal/watch.h"
@@ -20,6 +21,7 @@ struct Passed {
   std::vector<std::pair<std::string, bool>> readTexts; ///< of which Cookies were made
   std::vector<bool> writtenTexts;
   std::vector<const oledb*> viewed;
+  int partsOfTexts = 0; ///< texts made of so many characters of another
 };
 
 Passed& passed()
@@ -45,6 +47,16 @@ LightweightString<char> Cookie::asString(bool flag) const
 {
   passed().writtenTexts.push_back(flag);
   return reeldb_tests::hostsOwn<LightweightString<char>(const Cookie*, bool)>("_ZNK6Cookie8asStringEb")(this, flag);
+}
+
+void makeText(LightweightString<char>* text, const char* from,
+              std::size_t length) asm("_ZN17LightweightStringIcEC1EPKcm");
+
+void makeText(LightweightString<char>* text, const char* from, std::size_t length)
+{
+  ++passed().partsOfTexts;
+  using Make = void(LightweightString<char>*, const char*, std::size_t);
+  reeldb_tests::hostsOwn<Make>("_ZN17LightweightStringIcEC1EPKcm")(text, from, length);
 }
 
 // The host's makes the object anew: nothing may fail in it here, or the base would be taken down twice.
@@ -76,7 +88,7 @@ TEST_F(HostArguments, CreationDeferredForImportedMaterialIsForNoDevice)
 {
   const Cookie shot = addShot("R1");
   script().coPid = [] { return glib_pid + 1; };
-  manager().handleLogModification(shot, EditModification(EditModificationType(59)));
+  manager().handleLogModification(shot, EditModification(codes::madeOrImported));
   EXPECT_EQ(deferredDevice(), -1);
 }
 
@@ -95,6 +107,16 @@ TEST_F(HostArguments, PlaceholderProjectIsReadFromItsTextWithFalse)
   passed().readTexts.clear();
   manager().handleProjectEntry();
   EXPECT_EQ(passed().readTexts, (std::vector<std::pair<std::string, bool>>{{"P0001000", false}}));
+}
+
+TEST_F(HostArguments, EmptyIdentifierIsTrimmedWithoutMakingAnother)
+{
+  const LightweightString<char> empty, id("R1");
+  passed().partsOfTexts = 0;
+  manager().trimLeadingTrailingSpaces(empty);
+  EXPECT_EQ(passed().partsOfTexts, 0);
+  manager().trimLeadingTrailingSpaces(id);
+  EXPECT_EQ(passed().partsOfTexts, 1);
 }
 
 TEST_F(HostArguments, TypeIsReadInAViewOnTheTablesOfTheProjectsDatabase)

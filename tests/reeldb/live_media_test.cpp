@@ -3,6 +3,7 @@
 
 #include "MainThread.h"
 #include "ReelDbRec.h"
+#include "host/codes.h"
 #include "reeldb/changes_fixture.h"
 
 namespace reeldb_tests {
@@ -17,8 +18,8 @@ protected:
   void setCamera(const std::string& name, std::vector<std::string> tapes = {"Tape", "Live"}, int audioInputs = 0)
   {
     reelhost::DeviceSettings settings = device(camera, name);
-    settings.portType = 2;
-    settings.inputType = 9;
+    settings.portType = codes::portNamingReel;
+    settings.inputType = codes::noVideoInput;
     settings.audioInputs = audioInputs;
     settings.tapes = std::move(tapes);
     setDevices({settings});

@@ -4,6 +4,7 @@
 #include <climits>
 #include <iterator>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "reelrec/record_fixture.h"
 
@@ -118,7 +119,7 @@ TEST_F(Channels, AudioIsThatOfTheTypeAsReadTheSecondTimeAndVideoThatOfTheThird)
     if (operation != "ODBViewRep::displayRecordsAt" || next == std::end(types))
       return;
     EditPtr log;
-    log.i_open(reel, eEditOpenBehaviour(0));
+    log.i_open(reel, codes::openAsUsual);
     log->reelType(*next++);
     log.i_close();
   };

@@ -3,6 +3,7 @@
 // Opening and closing logs: one close for each open, on every path.
 #include "reelrec/open_log.h"
 
+#include "host/codes.h"
 #include "reelrec/record_fixture.h"
 
 namespace reeldb_tests {
@@ -120,7 +121,7 @@ TEST_F(OpenLogs, CloserClosesTheHandleItWasGiven)
   EditPtr handle;
   {
     const LogCloser closer(handle);
-    handle.i_open(reel, eEditOpenBehaviour(0));
+    handle.i_open(reel, codes::openAsUsual);
     EXPECT_EQ(reelhost::openLogs(), 1);
   }
   EXPECT_EQ(reelhost::openLogs(), 0);

@@ -6,8 +6,8 @@
 #include <ostream>
 #include <type_traits>
 
-#include "reelhost/memory.h"
 #include "reeltypes/known_type.h"
+#include "support/counting_services.h"
 #include "support/hosts_own.h"
 #include "support/ledger.h"
 #include "support/library_fixture.h"
@@ -465,22 +465,22 @@ TEST_F(Catalogue, AllNamesWithoutMemoryGiveAWholeListSoFar)
   int failures = 0;
   for (std::int64_t n = 1; ranOut; ++n, ++failures) {
     ranOut = false;
-    const std::int64_t held = reelhost::allocations() - reelhost::releases();
+    const std::int64_t held = memoryInUse();
     {
       StringList list;
-      reelhost::failAllocation(n);
+      failAllocation(n);
       try {
         catalogue.getAllReelTypes(list);
       } catch (const std::bad_alloc&) {
         ranOut = true;
       }
-      reelhost::failAllocation(0);
+      failAllocation(0);
       const Names got = texts(list);
       ASSERT_LE(got.size(), all.size());
       EXPECT_EQ(got, Names(all.begin(), all.begin() + static_cast<std::ptrdiff_t>(got.size())));
       EXPECT_EQ(got.size() < all.size(), ranOut);
     }
-    EXPECT_EQ(reelhost::allocations() - reelhost::releases(), held) << "with allocation " << n << " failing";
+    EXPECT_EQ(memoryInUse(), held) << "with allocation " << n << " failing";
   }
   EXPECT_GE(failures, 10);
 }
@@ -495,12 +495,13 @@ TEST_F(Catalogue, WithoutAListEndsQuietly)
     Emptied() { rep_ = nullptr; }
     bool hasList() const { return rep_.get() != nullptr; }
   };
-  const std::int64_t before = reelhost::holders();
+  const std::int64_t used = memoryInUse(), holders = furtherHolders();
   {
     const Emptied emptied;
     EXPECT_FALSE(emptied.hasList());
   }
-  EXPECT_EQ(reelhost::holders(), before);
+  EXPECT_EQ(memoryInUse(), used);
+  EXPECT_EQ(furtherHolders(), holders);
 }
 
 TEST(ElementOfAStringList, ComparesByteByByte)

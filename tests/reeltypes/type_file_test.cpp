@@ -4,24 +4,55 @@
 #include <csignal>
 #include <filesystem>
 #include <iterator>
+#include <optional>
 #include <ostream>
 #include <utility>
 
-#include "reelhost/memory.h"
+#include "host/text.h"
 #include "reeltypes/temp_dir.h"
+#include "support/counting_services.h"
+#include "support/hosts_own.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
 namespace {
-
-using Entries = std::vector<std::pair<std::string, std::string>>;
-using Printed = std::vector<std::string>;
 
 int openFiles()
 {
   const std::filesystem::directory_iterator files("/proc/self/fd");
   return static_cast<int>(std::distance(begin(files), end(files)));
 }
+
+/// The streams that the library made on files, and how many files were open when the last stream ended.
+struct Streams {
+  int onFiles = 0;
+  std::optional<int> openFilesAtEnd;
+  bool watched = false; ///< looking takes memory, and a stream may end because there is none
+} streams;
+
+} // namespace
+
+// The program's own are found before the host's.
+void makeStream(ByteStream* stream, FILE* file) asm("_ZN10ByteStreamC1EP8_IO_FILE");
+void endStream(ByteStream* stream) asm("_ZN10ByteStreamD1Ev");
+
+void makeStream(ByteStream* stream, FILE* file)
+{
+  ++streams.onFiles;
+  hostsOwn<void(ByteStream*, FILE*)>("_ZN10ByteStreamC1EP8_IO_FILE")(stream, file);
+}
+
+void endStream(ByteStream* stream)
+{
+  if (streams.watched)
+    streams.openFilesAtEnd = openFiles();
+  hostsOwn<void(ByteStream*)>("_ZN10ByteStreamD1Ev")(stream);
+}
+
+namespace {
+
+using Entries = std::vector<std::pair<std::string, std::string>>;
+using Printed = std::vector<std::string>;
 
 /// A catalogue of its own for each test, empty at the start.
 class TypeFile : public LibraryTest {
@@ -165,6 +196,23 @@ TEST_F(TypeFile, FileIsClosedAfterReading)
   EXPECT_EQ(openFiles(), before);
 }
 
+TEST_F(TypeFile, FileIsClosedBeforeTheStreamOnItEnds)
+{
+  const int before = openFiles();
+  streams = {0, {}, true};
+  load("a:A=1\n");
+  streams.watched = false;
+  EXPECT_EQ(streams.onFiles, 1);
+  EXPECT_EQ(streams.openFilesAtEnd, before);
+}
+
+TEST_F(TypeFile, FileThatCannotBeOpenedGetsNoStream)
+{
+  streams = {};
+  catalogue.load((dir.path() / "no such file").c_str());
+  EXPECT_EQ(streams.onFiles, 0);
+}
+
 TEST_F(TypeFile, FileIsClosedWhenMemoryRunsOut)
 {
   const std::string path = dir.write("reeltype.dat", "a:A=1\nb:B=2\n");
@@ -174,13 +222,13 @@ TEST_F(TypeFile, FileIsClosedWhenMemoryRunsOut)
   int failures = 0;
   for (std::int64_t n = 1; ranOut; ++n, ++failures) {
     ranOut = false;
-    reelhost::failAllocation(n);
+    failAllocation(n);
     try {
       catalogue.load(given);
     } catch (const std::bad_alloc&) {
       ranOut = true;
     }
-    reelhost::failAllocation(0);
+    failAllocation(0);
     ASSERT_EQ(openFiles(), before) << "with allocation " << n << " failing";
   }
   EXPECT_GT(failures, 5);

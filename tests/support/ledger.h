@@ -11,19 +11,19 @@
 #include <cstdint>
 #include <new>
 
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 
 /// What happened since it was made.
 class Ledger {
 public:
-  std::int64_t allocations() const { return reelhost::allocations() - allocations_; }
-  std::int64_t open() const { return allocations() - (reelhost::releases() - releases_); } ///< not yet released
-  std::int64_t countsUp() const { return reelhost::countsUp() - up_; }
-  std::int64_t countsDown() const { return reelhost::countsDown() - down_; }
+  std::int64_t allocations() const { return reeldb_tests::allocations() - allocations_; }
+  std::int64_t open() const { return allocations() - (reeldb_tests::releases() - releases_); } ///< not yet released
+  std::int64_t countsUp() const { return reeldb_tests::countsUp() - up_; }
+  std::int64_t countsDown() const { return reeldb_tests::countsDown() - down_; }
 
 private:
-  std::int64_t allocations_ = reelhost::allocations(), releases_ = reelhost::releases();
-  std::int64_t up_ = reelhost::countsUp(), down_ = reelhost::countsDown();
+  std::int64_t allocations_ = reeldb_tests::allocations(), releases_ = reeldb_tests::releases();
+  std::int64_t up_ = reeldb_tests::countsUp(), down_ = reeldb_tests::countsDown();
 };
 
 inline bool newIsRouted()
@@ -42,13 +42,13 @@ template <class Action>
 bool failsAt(int n, Action action)
 {
   bool failed = false;
-  reelhost::failAllocation(n);
+  reeldb_tests::failAllocation(n);
   try {
     action();
   } catch (const std::bad_alloc&) {
     failed = true;
   }
-  reelhost::failAllocation(0);
+  reeldb_tests::failAllocation(0);
   return failed;
 }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/projdb.h"
 #include "host/text.h"
@@ -53,14 +54,14 @@ void LibraryTest::enterProject(const std::string& name, const reelhost::KeyValue
 
 Cookie LibraryTest::addReel(const std::string& id, const std::string& type, const reelhost::KeyValues& fields)
 {
-  const Cookie cookie = addLog(9, id, type, fields);
+  const Cookie cookie = addLog(codes::reelLog, id, type, fields);
   manager().buildReelList();
   return cookie;
 }
 
 Cookie LibraryTest::addShot(const std::string& reel, const std::string& name, bool imported)
 {
-  return addLog(1, reel, {}, {}, imported, name);
+  return addLog(codes::materialLog, reel, {}, {}, imported, name);
 }
 
 Cookie LibraryTest::addLog(int type, const std::string& id, const std::string& reelType,
@@ -88,7 +89,7 @@ reelhost::DeviceSettings LibraryTest::device(int number, const std::string& name
   settings.number = number;
   settings.id = static_cast<unsigned>(number) + 100;
   settings.name = name;
-  settings.portType = 0;
+  settings.portType = codes::port9Pin;
   settings.inputType = 3;
   return settings;
 }
@@ -96,7 +97,7 @@ reelhost::DeviceSettings LibraryTest::device(int number, const std::string& name
 std::string LibraryTest::configText(const Cookie& log, const char* key)
 {
   EditPtr edit;
-  edit.i_open(log, eEditOpenBehaviour(0));
+  edit.i_open(log, codes::openAsUsual);
   const char* const text = edit ? edit->config().in(key) : nullptr;
   const std::string result = text ? text : "<absent>";
   edit.i_close();
@@ -106,7 +107,7 @@ std::string LibraryTest::configText(const Cookie& log, const char* key)
 int LibraryTest::channels(const Cookie& log, int type)
 {
   EditPtr edit;
-  edit.i_open(log, eEditOpenBehaviour(0));
+  edit.i_open(log, codes::openAsUsual);
   const int count = edit ? edit->getNumChans(EditChanType(type)) : -1;
   edit.i_close();
   return count;

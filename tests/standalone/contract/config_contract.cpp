@@ -9,12 +9,10 @@ namespace {
 
 HOST_CONTRACT(Config);
 
-constexpr std::size_t bufferSize = 2048; // what the library hands over, zeroed
-
 TEST_P(Config, AnAbsentKeyIsNullAndLeavesTheOutArgumentsAlone)
 {
   const configb block;
-  char buffer[bufferSize] = {};
+  char buffer[codes::textBufferSize] = {};
   int number = 7;
   strp_field field;
   field.set("old");
@@ -30,7 +28,7 @@ TEST_P(Config, APresentKeyIsReadInEveryForm)
 {
   configb block;
   block.set("reel_available_flag", "1", nullptr);
-  char buffer[bufferSize] = {};
+  char buffer[codes::textBufferSize] = {};
   int number = 0;
   strp_field field;
   EXPECT_STREQ(block.in("reel_available_flag"), "1");
@@ -46,7 +44,7 @@ TEST_P(Config, AKeyWithTheEmptyTextIsPresent)
 {
   configb block;
   block.set("reeldb_defaultType", "", nullptr);
-  char buffer[bufferSize] = {};
+  char buffer[codes::textBufferSize] = {};
   int number = 7;
   ASSERT_NE(block.in("reeldb_defaultType"), nullptr);
   EXPECT_STREQ(block.in("reeldb_defaultType"), "");
@@ -98,11 +96,11 @@ TEST_P(Config, ALongTextIsCutToTheBuffer)
   configb block;
   const std::string text(3000, 'x');
   block.set("long", text.c_str(), nullptr);
-  char buffer[bufferSize + 1] = {};
-  buffer[bufferSize] = '!';
+  char buffer[codes::textBufferSize + 1] = {};
+  buffer[codes::textBufferSize] = '!';
   EXPECT_EQ(block.in("long", buffer), 0);
-  EXPECT_EQ(std::strlen(buffer), bufferSize - 1);
-  EXPECT_EQ(buffer[bufferSize], '!');
+  EXPECT_EQ(std::strlen(buffer), codes::longestText);
+  EXPECT_EQ(buffer[codes::textBufferSize], '!');
   EXPECT_STREQ(block.in("long"), text.c_str());
 }
 
@@ -126,7 +124,7 @@ TEST_P(Config, ASettingOfTheHostThatIsNotThereIsTheDefault)
 
 TEST_P(Config, TheFolderOfDeviceDataEndsInASeparator)
 {
-  const LightweightString<wchar_t> folder = getDeviceDataDirectory(iSettings::eType(1));
+  const LightweightString<wchar_t> folder = getDeviceDataDirectory(codes::deviceData);
   ASSERT_FALSE(folder.empty());
   EXPECT_EQ(folder.c_str()[folder.length() - 1], L'/');
 }

@@ -8,24 +8,22 @@
 
 namespace {
 
-using host_contract::reelIdAttribute;
-
 HOST_CONTRACT(Database);
 
 using Texts = std::vector<std::string>;
 
 CookieVec reelLogs()
 {
-  return EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  return EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
 }
 
 /// The search for the shots of a reel, as the library makes it.
 CookieVec shotsOf(const char* id)
 {
   projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(reelIdAttribute, id);
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, id);
   return EditManager::getProjdb()->search(criteria);
 }
 
@@ -49,11 +47,11 @@ TEST_P(Database, TheReelLogsAreExactlyThoseInOrder)
   host().openEmptyProject("A");
   EXPECT_EQ(reelLogs().count(), 0);
   CookieVec reels;
-  reels.add(host().addLog(9, "b"));
-  host().addLog(1, "b");
-  reels.add(host().addLog(9, "a"));
+  reels.add(host().addLog(codes::reelLog, "b"));
+  host().addLog(codes::materialLog, "b");
+  reels.add(host().addLog(codes::reelLog, "a"));
   host().addLog(0, "");
-  reels.add(host().addLog(9, ""));
+  reels.add(host().addLog(codes::reelLog, ""));
   EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
 }
 
@@ -62,9 +60,9 @@ TEST_P(Database, StoredReelLogsAreExactlyThoseInOrder)
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   CookieVec reels;
-  reels.add(host().addLog(9, "b"));
-  host().addLog(1, "b");
-  reels.add(host().addLog(9, "a"));
+  reels.add(host().addLog(codes::reelLog, "b"));
+  host().addLog(codes::materialLog, "b");
+  reels.add(host().addLog(codes::reelLog, "a"));
   host().storeAndReopen();
   EXPECT_EQ(textsOf(reelLogs()), textsOf(reels));
 }
@@ -72,9 +70,9 @@ TEST_P(Database, StoredReelLogsAreExactlyThoseInOrder)
 TEST_P(Database, AListOfReelsStaysAsItWas)
 {
   host().openEmptyProject("A");
-  host().addLog(9, "a");
+  host().addLog(codes::reelLog, "a");
   const CookieVec before = reelLogs();
-  const Cookie second = host().addLog(9, "b");
+  const Cookie second = host().addLog(codes::reelLog, "b");
   EXPECT_EQ(before.count(), 1);
   ASSERT_EQ(reelLogs().count(), 2);
   EXPECT_EQ(reelLogs()[1].compare(second), 0);
@@ -84,8 +82,8 @@ TEST_P(Database, AListOfReelsStaysAsItWas)
 TEST_P(Database, ShotsAreFoundWithoutRegardToCase)
 {
   host().openEmptyProject("A");
-  const Cookie lower = host().addLog(1, "a001"), upper = host().addLog(1, "A001");
-  host().addLog(1, "B002");
+  const Cookie lower = host().addLog(codes::materialLog, "a001"), upper = host().addLog(codes::materialLog, "A001");
+  host().addLog(codes::materialLog, "B002");
   for (const char* id : {"A001", "a001"}) {
     EXPECT_TRUE(holds(shotsOf(id), lower)) << id;
     EXPECT_TRUE(holds(shotsOf(id), upper)) << id;
@@ -96,7 +94,7 @@ TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
 {
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
-  const Cookie lower = host().addLog(1, "a001");
+  const Cookie lower = host().addLog(codes::materialLog, "a001");
   host().storeAndReopen();
   EXPECT_TRUE(holds(shotsOf("A001"), lower));
 }
@@ -105,7 +103,7 @@ TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
 TEST_P(Database, AReelLogIsNoShot)
 {
   host().openEmptyProject("A");
-  const Cookie reel = host().addLog(9, "A001");
+  const Cookie reel = host().addLog(codes::reelLog, "A001");
   EXPECT_FALSE(holds(shotsOf("A001"), reel));
 }
 
@@ -113,10 +111,10 @@ TEST_P(Database, AReelLogIsNoShot)
 TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
 {
   host().openEmptyProject("A");
-  host().addLog(1, "");
+  host().addLog(codes::materialLog, "");
   host().addLog(0, "");
-  host().addLog(1, "A001");
-  const Cookie emptied = host().addLog(1, "B002");
+  host().addLog(codes::materialLog, "A001");
+  const Cookie emptied = host().addLog(codes::materialLog, "B002");
   withLog(emptied, [](Edit& edit) { edit.set_reelid(0, ""); });
   EditManager::updateProjdbRec(emptied);
   EXPECT_EQ(shotsOf("").count(), 0);
@@ -125,7 +123,7 @@ TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
 TEST_P(Database, ARenamedShotIsFoundUnderItsNewIdentifier)
 {
   host().openEmptyProject("A");
-  const Cookie shot = host().addLog(1, "A001");
+  const Cookie shot = host().addLog(codes::materialLog, "A001");
   EXPECT_TRUE(holds(shotsOf("A001"), shot));
   withLog(shot, [](Edit& edit) { edit.set_reelid(0, "B002"); });
   EditManager::updateProjdbRec(shot);
@@ -140,8 +138,8 @@ TEST_P(Database, RowsTellTheTypesOfLogs)
     dbrecord* const row = (*EditManager::getProjdb())[log];
     return row ? Edit::getLogTypeFromString(row->get_field(column)) : eLogType(-1);
   };
-  EXPECT_EQ(typeOf(host().addLog(9, "R1")), 9);
-  EXPECT_EQ(typeOf(host().addLog(1, "R1")), 1);
+  EXPECT_EQ(typeOf(host().addLog(codes::reelLog, "R1")), 9);
+  EXPECT_EQ(typeOf(host().addLog(codes::materialLog, "R1")), 1);
   EXPECT_NE(typeOf(host().addLog(0, "")), 9);
 }
 
@@ -180,7 +178,7 @@ std::string typeNameOf(const Cookie& log)
 TEST_P(Database, AViewShowsTheReelTypeAtOnce)
 {
   host().openEmptyProject("A");
-  const Cookie reel = host().addLog(9, "R1");
+  const Cookie reel = host().addLog(codes::reelLog, "R1");
   EXPECT_EQ(typeNameOf(reel), "");
   withLog(reel, [&](Edit& edit) {
     edit.reelType("Tape 4ch");
@@ -194,7 +192,7 @@ TEST_P(Database, AViewShowsTheReelTypeThatWasStored)
 {
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
-  const Cookie reel = host().addLog(9, "R1");
+  const Cookie reel = host().addLog(codes::reelLog, "R1");
   withLog(reel, [](Edit& edit) { edit.reelType("Tape 4ch"); });
   host().storeAndReopen();
   EXPECT_EQ(typeNameOf(reel), "Tape 4ch");
@@ -203,7 +201,7 @@ TEST_P(Database, AViewShowsTheReelTypeThatWasStored)
 TEST_P(Database, TheReelTypeIsNotReadFromTheConfiguration)
 {
   host().openEmptyProject("A");
-  const Cookie reel = host().addLog(9, "R1");
+  const Cookie reel = host().addLog(codes::reelLog, "R1");
   withLog(reel, [](Edit& edit) {
     edit.reelType("Tape");
     edit.config().set("reel_type", "Z", nullptr);
@@ -220,7 +218,7 @@ TEST_P(Database, AViewShowsNoRowOfWhatIsNotThere)
 TEST_P(Database, ACellStaysWhileTheViewShowsIt)
 {
   host().openEmptyProject("A");
-  const Cookie reel = host().addLog(9, "R1");
+  const Cookie reel = host().addLog(codes::reelLog, "R1");
   withLog(reel, [](Edit& edit) { edit.reelType("a name longer than any small buffer would hold"); });
   const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
   view->displayRecordsAt({reel}, 0);
@@ -234,7 +232,7 @@ TEST_P(Database, ACellStaysWhileTheViewShowsIt)
 TEST_P(Database, AViewTellsItsRowsApart)
 {
   host().openEmptyProject("A");
-  const Cookie first = host().addLog(9, "R1"), second = host().addLog(9, "R2");
+  const Cookie first = host().addLog(codes::reelLog, "R1"), second = host().addLog(codes::reelLog, "R2");
   withLog(second, [](Edit& edit) { edit.reelType("Tape"); });
   const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
   view->displayRecordsAt({first, second}, 0);

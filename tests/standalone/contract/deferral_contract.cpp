@@ -31,7 +31,7 @@ TEST_P(Deferral, AThreadHasOneNumberAndAnotherThreadAnother)
   std::thread second([&] { others[1] = co_pid(); });
   second.join();
   for (int other : others)
-    EXPECT_NE(other & 0xFFFF, own & 0xFFFF); // the library compares the low 16 bits
+    EXPECT_NE(other & codes::threadMask, own & codes::threadMask);
 }
 
 TEST_P(Deferral, AnActionRunsOnceAndLater)

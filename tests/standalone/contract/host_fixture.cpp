@@ -51,8 +51,8 @@ void HostSetUp::addLabelMap(const std::string&, const std::vector<LabelMappingSe
 
 std::string Contract::reelIdOf(const Cookie& log)
 {
-  EditInfo info(log, openAsUsual);
-  const std::string id = info.getAttrib(reelIdAttribute).c_str();
+  EditInfo info(log, codes::openAsUsual);
+  const std::string id = info.getAttrib(codes::reelIdAttribute).c_str();
   info.i_close();
   return id;
 }
@@ -60,7 +60,7 @@ std::string Contract::reelIdOf(const Cookie& log)
 bool Contract::opens(const Cookie& log)
 {
   EditPtr edit;
-  edit.i_open(log, openAsUsual);
+  edit.i_open(log, codes::openAsUsual);
   const bool opened = edit.get() != nullptr;
   edit.i_close();
   return opened;
@@ -74,7 +74,7 @@ Cookie Contract::cookieOf(const Edit& edit)
 void Contract::withLog(const Cookie& log, const std::function<void(Edit&)>& work)
 {
   EditPtr edit;
-  edit.i_open(log, openAsUsual);
+  edit.i_open(log, codes::openAsUsual);
   if (edit)
     work(*edit.get());
   else

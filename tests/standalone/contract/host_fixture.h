@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "host/codes.h"
 #include "host/cookie.h"
 #include "host/device.h"
 #include "host/edit.h"
@@ -32,8 +33,8 @@ struct Device {
   int number = 0;
   unsigned id = 0;
   std::string name; ///< UTF-8
-  int portType = 3;
-  int inputType = 9;
+  int portType = codes::noPort;
+  int inputType = codes::noVideoInput;
   int audioInputs = 0;
   std::vector<std::string> tapes;
   std::string labelMap;
@@ -51,10 +52,12 @@ public:
 
   /// A new, empty project is opened and entered; a project that was open is left first. @p name makes it another
   /// project than one of another name, and the same as one of the same name.
-  virtual void openEmptyProject(const std::string& name, int frameRate = 3, int outputFrameRate = 4) = 0;
+  virtual void openEmptyProject(const std::string& name, int frameRate = codes::rate25,
+                                int outputFrameRate = codes::rate2997) = 0;
   virtual void closeProject() = 0; ///< leaves the open project
 
-  /// A log that another module made: of this type (9 reel, 1 material), with this identifier unless it is empty.
+  /// A log that another module made: of this type (codes::reelLog, codes::materialLog), with this identifier unless it
+  /// is empty.
   virtual Cookie addLog(int type, const std::string& reelId) = 0;
 
   virtual std::wstring textOfResource(unsigned id) = 0;
@@ -93,7 +96,7 @@ class Contract : public ::testing::TestWithParam<Host> {
 protected:
   HostSetUp& host() { return *host_; }
 
-  /// The text of an attribute 20, read as the library reads it.
+  /// The reel identifier of a log, read as the library reads it.
   static std::string reelIdOf(const Cookie& log);
   static bool opens(const Cookie& log);
   /// What a new log's Cookie is made of.
@@ -105,12 +108,6 @@ protected:
 private:
   std::unique_ptr<HostSetUp> host_ = GetParam().make();
 };
-
-// What the library asks for, by the numbers it uses.
-inline constexpr eEditOpenBehaviour openAsUsual{0};
-inline constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
-inline constexpr EditChanType video{1}, audio{2};
-inline constexpr EditModificationType made{59};
 
 } // namespace host_contract
 

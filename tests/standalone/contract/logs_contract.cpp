@@ -9,17 +9,11 @@
 
 namespace {
 
-using host_contract::audio;
-using host_contract::made;
-using host_contract::openAsUsual;
-using host_contract::reelIdAttribute;
-using host_contract::video;
-
 HOST_CONTRACT(Logs);
 
 CookieVec reelLogs()
 {
-  return EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  return EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
 }
 
 void makeReel(Edit& edit, const char* id)
@@ -76,12 +70,12 @@ TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
     const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
     cookie = cookieOf(*modifier.get());
     makeReel(*modifier.get(), "R1");
-    modifier.get()->setChangeDescription(made, true);
+    modifier.get()->setChangeDescription(codes::madeOrImported, true);
     EXPECT_TRUE(listener.heard.empty());
   }
   ASSERT_EQ(listener.heard.size(), 1u);
   EXPECT_EQ(listener.heard[0].first.compare(cookie), 0);
-  EXPECT_EQ(listener.heard[0].second, made);
+  EXPECT_EQ(listener.heard[0].second, codes::madeOrImported);
 }
 
 TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
@@ -91,7 +85,7 @@ TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
   listener.failing = true;
   {
     const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-    modifier.get()->setChangeDescription(made, true);
+    modifier.get()->setChangeDescription(codes::madeOrImported, true);
   }
   EXPECT_EQ(listener.heard.size(), 1u);
 }
@@ -101,8 +95,8 @@ TEST_P(Logs, ANewLogIsEmpty)
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
-  EXPECT_EQ(edit.getNumChans(video) & 0xFFFF, 0);
-  EXPECT_EQ(edit.getNumChans(audio) & 0xFFFF, 0);
+  EXPECT_EQ(edit.getNumChans(codes::videoChannel) & codes::channelCountMask, 0);
+  EXPECT_EQ(edit.getNumChans(codes::audioChannel) & codes::channelCountMask, 0);
   EXPECT_EQ(edit.config().in("reelid"), nullptr);
   EXPECT_NE(edit.getLogType(), 9);
   EXPECT_FALSE(edit.isImported());
@@ -122,7 +116,7 @@ TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
 TEST_P(Logs, WithoutAProjectNothingOpens)
 {
   host().openEmptyProject("A");
-  const Cookie log = host().addLog(9, "R1");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
   host().closeProject();
   EXPECT_FALSE(opens(log));
   EXPECT_EQ(reelIdOf(log), "");
@@ -131,10 +125,10 @@ TEST_P(Logs, WithoutAProjectNothingOpens)
 TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
 {
   host().openEmptyProject("A");
-  const Cookie log = host().addLog(9, "R1");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
   EditPtr outer, inner;
-  outer.i_open(log, openAsUsual);
-  inner.i_open(log, openAsUsual);
+  outer.i_open(log, codes::openAsUsual);
+  inner.i_open(log, codes::openAsUsual);
   ASSERT_NE(outer.get(), nullptr);
   EXPECT_EQ(outer.get(), inner.get());
   EXPECT_EQ(outer.operator->(), outer.get());
@@ -160,7 +154,7 @@ TEST_P(Logs, AHandleTakesHoldOfAnOpenLog)
 TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
 {
   host().openEmptyProject("A");
-  const Cookie log = host().addLog(9, "R1");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
   const auto expect = [&](const char* id) {
     withLog(log, [&](Edit& edit) {
       EXPECT_STREQ(edit.config().in("reelid"), id);
@@ -182,28 +176,28 @@ TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
 TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 {
   host().openEmptyProject("A");
-  const Cookie log = host().addLog(9, "R1");
-  EditInfo info(log, openAsUsual);
-  const LightweightString<char> id = info.getAttrib(reelIdAttribute);
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  EditInfo info(log, codes::openAsUsual);
+  const LightweightString<char> id = info.getAttrib(codes::reelIdAttribute);
   info->set_reelid(0, "R2");
   EXPECT_STREQ(id.c_str(), "R1");
-  EXPECT_STREQ(info.getAttrib(reelIdAttribute).c_str(), "R2");
+  EXPECT_STREQ(info.getAttrib(codes::reelIdAttribute).c_str(), "R2");
   info.i_close();
 }
 
 TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
 {
   host().openEmptyProject("A");
-  const Cookie log = host().addLog(9, "R1");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
   withLog(log, [&](Edit& edit) {
     edit.config().set("key", "x", nullptr);
-    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
-    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
-    edit.addChan(video, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(codes::audioChannel, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(codes::audioChannel, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(codes::videoChannel, nullptr, false, EditChanSubType(0), false, -1.0);
     withLog(log, [](Edit& other) {
       EXPECT_STREQ(other.config().in("key"), "x");
-      EXPECT_EQ(other.getNumChans(audio) & 0xFFFF, 2);
-      EXPECT_EQ(other.getNumChans(video) & 0xFFFF, 1);
+      EXPECT_EQ(other.getNumChans(codes::audioChannel) & codes::channelCountMask, 2);
+      EXPECT_EQ(other.getNumChans(codes::videoChannel) & codes::channelCountMask, 1);
     });
   });
 }
@@ -223,8 +217,8 @@ TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
 TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 {
   host().openEmptyProject("A");
-  withLog(host().addLog(9, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 9); });
-  withLog(host().addLog(1, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 1); });
+  withLog(host().addLog(codes::reelLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 9); });
+  withLog(host().addLog(codes::materialLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 1); });
 }
 
 // The library marks logs dirty for some changes and not for others: all of them count.
@@ -238,12 +232,12 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
     fresh = cookieOf(*modifier.get());
     makeReel(*modifier.get(), "NEW");
   }
-  const Cookie log = host().addLog(9, "OLD");
-  const Cookie shot = host().addLog(1, "OLD");
+  const Cookie log = host().addLog(codes::reelLog, "OLD");
+  const Cookie shot = host().addLog(codes::materialLog, "OLD");
   host().storeAndReopen();
   withLog(log, [](Edit& edit) {
     edit.set_reelid(0, "RENAMED");
-    edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
+    edit.addChan(codes::audioChannel, nullptr, false, EditChanSubType(0), false, -1.0);
     edit.reelType("Tape");
   });
   withLog(shot, [](Edit& edit) { edit.config().set("key", "x", nullptr); });
@@ -252,14 +246,14 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
             (std::vector<std::string>{fresh.asString(false).c_str(), log.asString(false).c_str()}));
   EXPECT_EQ(reelIdOf(fresh), "NEW");
   EXPECT_EQ(reelIdOf(log), "RENAMED");
-  withLog(log, [](Edit& edit) { EXPECT_EQ(edit.getNumChans(audio) & 0xFFFF, 1); });
+  withLog(log, [](Edit& edit) { EXPECT_EQ(edit.getNumChans(codes::audioChannel) & codes::channelCountMask, 1); });
   withLog(shot, [](Edit& edit) { EXPECT_STREQ(edit.config().in("key"), "x"); });
 }
 
 TEST_P(Logs, EachHasAFileNameOfItsOwn)
 {
   host().openEmptyProject("A");
-  const Cookie first = host().addLog(1, "R1"), second = host().addLog(1, "R1");
+  const Cookie first = host().addLog(codes::materialLog, "R1"), second = host().addLog(codes::materialLog, "R1");
   const std::wstring name = getFilenameForCookie(first, Cookie()).c_str();
   EXPECT_FALSE(name.empty());
   EXPECT_NE(name, getFilenameForCookie(second, Cookie()).c_str());

@@ -73,10 +73,10 @@ TEST_P(Texts, WideningTakesByteByByte)
 
 TEST_P(Texts, AResourceTextStandsBetweenItsPadding)
 {
-  const std::wstring text = host().textOfResource(10043);
-  EXPECT_EQ(wide(paddedResourceStrW(10043, nullptr, L" ", ResStrFmt(0))), text + L" ");
-  EXPECT_EQ(wide(paddedResourceStrW(10043, L"<", L">", ResStrFmt(0))), L"<" + text + L">");
-  EXPECT_EQ(wide(paddedResourceStrW(10043, nullptr, nullptr, ResStrFmt(0))), text);
+  const std::wstring text = host().textOfResource(codes::wordForReel);
+  EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, nullptr, L" ", ResStrFmt(0))), text + L" ");
+  EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, L"<", L">", ResStrFmt(0))), L"<" + text + L">");
+  EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, nullptr, nullptr, ResStrFmt(0))), text);
 }
 
 TEST_P(Texts, ThePrintTakesAFormatAndAnswersTheLength)

@@ -60,7 +60,7 @@ TEST_F(JournalTest, CallsMadeInsideACallFollowIt)
   listener.onEvent = [](const std::string&) { get_project_cookie(); };
   Texts lines = linesOf([] {
     const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-    modifier.get()->setChangeDescription(made, true);
+    modifier.get()->setChangeDescription(codes::madeOrImported, true);
   });
   ASSERT_EQ(lines.size(), 4u);
   EXPECT_EQ(lines[2].substr(0, 30), "EditModifier::~EditModifier(E" + lines[2].substr(29, 1));
@@ -77,7 +77,7 @@ TEST_F(JournalTest, ClearInsideACallLosesThatCallAlone)
   const Texts lines = linesOf([] {
     {
       const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-      modifier.get()->setChangeDescription(made, true);
+      modifier.get()->setChangeDescription(codes::madeOrImported, true);
     }
     get_project_cookie();
   });
@@ -92,7 +92,7 @@ TEST_F(JournalTest, ATraceIsWrittenAsCallsReturn)
   ASSERT_NE(file, nullptr);
   Journal::the().traceTo(file);
   EditPtr handle;
-  handle.i_open(Cookie("Enothing", false), openAsUsual);
+  handle.i_open(Cookie("Enothing", false), codes::openAsUsual);
   handle.i_close();
   Journal::the().traceTo(nullptr);
   co_pid();
@@ -144,7 +144,7 @@ TEST_F(EveryCall, OfLogsIsWritten)
 {
   EXPECT_EQ(lines([&] {
               EditPtr handle, other;
-              handle.i_open(reel_, openAsUsual);
+              handle.i_open(reel_, codes::openAsUsual);
               other = handle.get();
               other.i_close();
               other.i_close();
@@ -158,16 +158,16 @@ TEST_F(EveryCall, OfLogsIsWritten)
               edit.set_entire_medium(1);
               edit.make_original(false, false);
               edit.redetermineLogType();
-              edit.setChangeDescription(made, true);
+              edit.setChangeDescription(codes::madeOrImported, true);
               edit.setDirty(true);
               edit.reelType("Tape");
-              edit.getNumChans(audio);
-              edit.addChan(audio, nullptr, false, EditChanSubType(0), false, -1.0);
+              edit.getNumChans(codes::audioChannel);
+              edit.addChan(codes::audioChannel, nullptr, false, EditChanSubType(0), false, -1.0);
               handle.i_close();
-              EditInfo info(reel_, openAsUsual);
-              info.getAttrib(reelIdAttribute);
+              EditInfo info(reel_, codes::openAsUsual);
+              info.getAttrib(codes::reelIdAttribute);
               info.i_close();
-              info.getAttrib(reelIdAttribute);
+              info.getAttrib(codes::reelIdAttribute);
               Edit::getLogTypeFromString("Reel");
               {
                 const EditModifier none(nullptr);

@@ -31,11 +31,11 @@ void work(const Cookie& log)
     EditPtr& handle;
     ~Closer() { handle.i_close(); }
   } const closer{handle};
-  handle.i_open(log, openAsUsual);
+  handle.i_open(log, codes::openAsUsual);
   handle->set_reelid(0, "X");
   handle->config().set("k", "v", nullptr);
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-  modifier.get()->setChangeDescription(made, true);
+  modifier.get()->setChangeDescription(codes::madeOrImported, true);
   const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
   view->displayRecordsAt({log}, 0);
   view->cellText(0, "Reel Type");
@@ -84,7 +84,7 @@ TEST_F(ScriptTest, ClosingAndEndingNeitherThrowNorCount)
 {
   const Cookie log = addLog(9, "R1");
   EditPtr handle;
-  handle.i_open(log, openAsUsual);
+  handle.i_open(log, codes::openAsUsual);
   script().throwAt(1);
   handle.i_close();
   {
@@ -98,7 +98,7 @@ TEST_F(ScriptTest, AnOpeningThatThrowsIsNotOpen)
 {
   const Cookie log = addLog(9, "R1");
   script().throwAt(1);
-  EXPECT_THROW(EditInfo(log, openAsUsual), ScriptedFault);
+  EXPECT_THROW(EditInfo(log, codes::openAsUsual), ScriptedFault);
   EXPECT_EQ(reelhost::openLogs(), 0);
 }
 

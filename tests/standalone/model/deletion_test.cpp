@@ -180,7 +180,7 @@ TEST_F(DeletionTest, AnOpenLogThatIsDeletedTakesNoFurtherPart)
   reelhost::commit();
   shotsOf("R1");
   EditPtr handle;
-  handle.i_open(shot, openAsUsual);
+  handle.i_open(shot, codes::openAsUsual);
   reelhost::deleteLogs(these({shot}));
   handle->set_reelid(0, "R2");
   handle->redetermineLogType();

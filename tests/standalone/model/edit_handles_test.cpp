@@ -18,11 +18,11 @@ TEST_F(EditHandles, OpeningsAreCountedUntilTheyAreClosed)
 {
   const Cookie log = addLog(9, "R1");
   EditPtr first, second;
-  first.i_open(log, openAsUsual);
+  first.i_open(log, codes::openAsUsual);
   second = first.get();
   EXPECT_EQ(openLogs(), 2);
   {
-    EditInfo info(log, openAsUsual);
+    EditInfo info(log, codes::openAsUsual);
     EXPECT_EQ(openLogs(), 3);
     info.i_close();
   }
@@ -36,7 +36,7 @@ TEST_F(EditHandles, OpeningsAreCountedUntilTheyAreClosed)
 TEST_F(EditHandles, WhatDidNotOpenIsNotCounted)
 {
   EditPtr handle;
-  handle.i_open(Cookie(), openAsUsual);
+  handle.i_open(Cookie(), codes::openAsUsual);
   EXPECT_EQ(openLogs(), 0);
   handle.i_close();
   handle = nullptr;
@@ -51,7 +51,7 @@ TEST_F(EditHandles, AHandleDoesNotCloseByItself)
   const auto openAndForget = [&] {
     {
       EditPtr handle;
-      handle.i_open(log, openAsUsual);
+      handle.i_open(log, codes::openAsUsual);
     }
     std::_Exit(openLogs() == 1 ? 0 : 1);
   };
@@ -77,11 +77,11 @@ TEST_F(EditHandles, OnlyWhatWasSaidOfAChangeIsReported)
     log = Cookie(modifier.get()->uuid(), modifier.get()->cookieTag(), modifier.get()->cookieKind());
   }
   EXPECT_TRUE(listener.heard.empty());
-  withLog(log, [](Edit& edit) { edit.setChangeDescription(made, true); });
+  withLog(log, [](Edit& edit) { edit.setChangeDescription(codes::madeOrImported, true); });
   EXPECT_TRUE(listener.heard.empty()); // the change has not ended
   {
     EditPtr handle;
-    handle.i_open(log, openAsUsual);
+    handle.i_open(log, codes::openAsUsual);
     {
       const EditModifier modifier(handle.get());
     }
@@ -96,7 +96,7 @@ TEST_F(EditHandles, OnlyWhatWasSaidOfAChangeIsReported)
 TEST_F(EditHandles, ATypeThatIsNotTheIdentifierHasNoText)
 {
   const Cookie log = addLog(9, "R1");
-  EditInfo info(log, openAsUsual);
+  EditInfo info(log, codes::openAsUsual);
   EXPECT_STREQ(info.getAttrib(LogAttributes::eLogAttribute(21)).c_str(), "");
   info.i_close();
 }
@@ -106,7 +106,7 @@ TEST_F(EditHandles, AnOpenLogOutlivesItsProject)
 {
   const Cookie log = addLog(9, "R1");
   EditPtr handle;
-  handle.i_open(log, openAsUsual);
+  handle.i_open(log, codes::openAsUsual);
   reelhost::closeProject();
   EXPECT_STREQ(handle->config().in("reelid"), "R1");
   handle->set_reelid(0, "R2");
@@ -124,7 +124,7 @@ TEST_F(EditHandles, AChangeThatEndsAfterItsProjectIsNotReported)
   RecordingListener listener;
   {
     const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-    modifier.get()->setChangeDescription(made, true);
+    modifier.get()->setChangeDescription(codes::madeOrImported, true);
     openMemory();
   }
   EXPECT_EQ(listener.heard, (std::vector<std::string>{"exit", "entry"}));

@@ -84,8 +84,8 @@ TEST_F(EditTest, ChannelsOfOtherTypesCountForNothing)
   withLog(log, [](Edit& edit) {
     edit.addChan(EditChanType(3), nullptr, false, EditChanSubType(0), false, -1.0);
     EXPECT_EQ(edit.getNumChans(EditChanType(3)), 0);
-    EXPECT_EQ(edit.getNumChans(video), 0);
-    EXPECT_EQ(edit.getNumChans(audio), 0);
+    EXPECT_EQ(edit.getNumChans(codes::videoChannel), 0);
+    EXPECT_EQ(edit.getNumChans(codes::audioChannel), 0);
   });
 }
 
@@ -96,7 +96,8 @@ TEST_F(EditTest, EveryChangeIsToBeStored)
       {"identifier", [](Edit& edit) { edit.set_reelid(0, "R2"); }},
       {"name", [](Edit& edit) { edit.setName(L"n", false); }},
       {"reel type", [](Edit& edit) { edit.reelType("Tape"); }},
-      {"channel", [](Edit& edit) { edit.addChan(video, nullptr, false, EditChanSubType(0), false, -1.0); }},
+      {"channel",
+       [](Edit& edit) { edit.addChan(codes::videoChannel, nullptr, false, EditChanSubType(0), false, -1.0); }},
       {"field", [](Edit& edit) { edit.config().set("k", "v", nullptr); }},
       {"type", [](Edit& edit) { edit.redetermineLogType(); }}, // by what was set it is no reel
       {"entire medium", [](Edit& edit) { edit.set_entire_medium(1); }},

@@ -74,8 +74,8 @@ std::vector<std::string> HostTest::texts(const CookieVec& logs)
 
 std::string HostTest::reelIdOf(const Cookie& log)
 {
-  EditInfo info(log, openAsUsual);
-  const std::string id = info.getAttrib(reelIdAttribute).c_str();
+  EditInfo info(log, codes::openAsUsual);
+  const std::string id = info.getAttrib(codes::reelIdAttribute).c_str();
   info.i_close();
   return id;
 }
@@ -93,7 +93,7 @@ std::string HostTest::fieldOf(const Cookie& log, const char* key)
 bool HostTest::opens(const Cookie& log)
 {
   EditPtr edit;
-  edit.i_open(log, openAsUsual);
+  edit.i_open(log, codes::openAsUsual);
   const bool opened = edit.get() != nullptr;
   edit.i_close();
   return opened;
@@ -102,7 +102,7 @@ bool HostTest::opens(const Cookie& log)
 void HostTest::withLog(const Cookie& log, const std::function<void(Edit&)>& work)
 {
   EditPtr edit;
-  edit.i_open(log, openAsUsual);
+  edit.i_open(log, codes::openAsUsual);
   struct Closer {
     EditPtr& handle;
     ~Closer() { handle.i_close(); }
@@ -118,15 +118,15 @@ void HostTest::rename(const Cookie& log, const char* reelId)
 
 CookieVec HostTest::reels()
 {
-  return EditManager::getProjdb()->search(0x10040, 0xFFFEEF9F);
+  return EditManager::getProjdb()->search(codes::reelSearchMask, codes::reelSearchMaskOff);
 }
 
 CookieVec HostTest::shotsOf(const char* reelId)
 {
   projdb::SearchCriteria criteria;
-  criteria.first = 1;
-  criteria.second = 102350;
-  criteria.attributes.add(reelIdAttribute, reelId);
+  criteria.first = codes::shotSearchFirst;
+  criteria.second = codes::shotSearchSecond;
+  criteria.attributes.add(codes::reelIdAttribute, reelId);
   return EditManager::getProjdb()->search(criteria);
 }
 

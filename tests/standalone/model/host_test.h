@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "host/codes.h"
 #include "host/edit.h"
 #include "host/events.h"
 #include "host/projdb.h"
@@ -19,11 +20,6 @@
 #include "reelhost/journal.h"
 
 namespace reeldb_tests {
-
-inline constexpr eEditOpenBehaviour openAsUsual{0};
-inline constexpr LogAttributes::eLogAttribute reelIdAttribute{20};
-inline constexpr EditChanType video{1}, audio{2};
-inline constexpr EditModificationType made{59};
 
 /// Writes down what it is told; @p onEvent, when set, is called each time and may throw.
 class RecordingListener final : public ProjectListener {

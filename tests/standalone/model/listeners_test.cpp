@@ -47,7 +47,7 @@ TEST_F(ListenersTest, TheOtherEventsDoNothing)
   } plain;
   ProjectListener& listener = plain;
   listener.handleLogsModification(CookieVec());
-  listener.handleLogModification(Cookie(), EditModification(made));
+  listener.handleLogModification(Cookie(), EditModification(codes::madeOrImported));
   listener.handleLogsDeletion(CookieVec(), "");
   listener.handleLogDirtied(Cookie());
   listener.handleLogStorage(Cookie(), true);

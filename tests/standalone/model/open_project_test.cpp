@@ -195,8 +195,8 @@ TEST_F(OpenProject, AllOfALogComesBack)
   EXPECT_EQ(fieldOf(cookie, "empty"), "");
   EXPECT_EQ(fieldOf(cookie, "other"), "<absent>");
   withLog(cookie, [](Edit& edit) {
-    EXPECT_EQ(edit.getNumChans(video), 1);
-    EXPECT_EQ(edit.getNumChans(audio), 4);
+    EXPECT_EQ(edit.getNumChans(codes::videoChannel), 1);
+    EXPECT_EQ(edit.getNumChans(codes::audioChannel), 4);
     EXPECT_EQ(edit.getLogType(), 9);
     EXPECT_EQ(edit.cookieKind(), 'E');
     EXPECT_EQ(edit.cookieTag(), 0);
@@ -275,9 +275,9 @@ TEST_F(OpenProject, AChangeThatCannotBeginIsNotMade)
   withLog(log, [](Edit& edit) {
     EXPECT_THROW(edit.set_reelid(0, "R2"), Error);
     EXPECT_THROW(edit.setName(L"x", false), Error);
-    EXPECT_THROW(edit.addChan(video, nullptr, false, EditChanSubType(0), false, -1.0), Error);
+    EXPECT_THROW(edit.addChan(codes::videoChannel, nullptr, false, EditChanSubType(0), false, -1.0), Error);
     EXPECT_THROW(edit.reelType("Tape"), Error);
-    EXPECT_EQ(edit.getNumChans(video), 0);
+    EXPECT_EQ(edit.getNumChans(codes::videoChannel), 0);
   });
   EXPECT_THROW(EditManager::ProjOpts().set("a", "1", nullptr), Error);
   EXPECT_THROW(addLog(9, "R2"), Error);

@@ -58,9 +58,9 @@ TEST_F(ProjdbTest, ASearchMayBeCopied)
   projdb::SearchCriteria criteria;
   criteria.first = 1;
   criteria.second = 102350;
-  criteria.attributes.add(reelIdAttribute, "R1");
+  criteria.attributes.add(codes::reelIdAttribute, "R1");
   projdb::SearchCriteria copy(criteria);
-  criteria.attributes.add(reelIdAttribute, "R2");
+  criteria.attributes.add(codes::reelIdAttribute, "R2");
   EXPECT_EQ(EditManager::getProjdb()->search(copy).count(), 1);
   copy = criteria;
   EXPECT_EQ(EditManager::getProjdb()->search(copy).count(), 0);

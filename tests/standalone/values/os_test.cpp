@@ -12,7 +12,6 @@
 #include "host/containers.h"
 #include "host/cookie.h"
 #include "host/lwstring.h"
-#include "support/ledger.h"
 
 namespace {
 
@@ -113,97 +112,20 @@ TEST(Allocator, MemoryIsThatOfMallocAndFree)
   OS()->allocator().release(std::malloc(10));
 }
 
-TEST(Allocator, ReleaseOfNullDoesNothing)
-{
-  const Ledger ledger;
-  OS()->allocator().release(nullptr);
-  EXPECT_EQ(ledger.open(), 0);
-}
-
-TEST(Allocator, CallsAreCounted)
-{
-  const Ledger ledger;
-  void* a = OS()->allocator().allocate(1);
-  void* b = OS()->allocator().allocate(2);
-  EXPECT_EQ(ledger.allocations(), 2);
-  EXPECT_EQ(ledger.open(), 2);
-  OS()->allocator().release(a);
-  EXPECT_EQ(ledger.open(), 1);
-  OS()->allocator().release(b);
-  EXPECT_EQ(ledger.open(), 0);
-}
-
-TEST(FailAllocation, TheThirdFromNowFailsOnceAndIsNotCounted)
-{
-  void* got[5];
-  reelhost::failAllocation(3);
-  const Ledger ledger;
-  for (void*& p : got)
-    p = OS()->allocator().allocate(8);
-  EXPECT_EQ(ledger.allocations(), 4);
-  for (int i = 0; i < 5; ++i)
-    EXPECT_EQ(got[i] == nullptr, i == 2) << i;
-  for (void* p : got)
-    OS()->allocator().release(p);
-}
-
-TEST(FailAllocation, ZeroTakesItBack)
-{
-  reelhost::failAllocation(1);
-  reelhost::failAllocation(0);
-  void* p = OS()->allocator().allocate(8);
-  EXPECT_NE(p, nullptr);
-  OS()->allocator().release(p);
-}
-
-TEST(FailAllocation, WillFailUntilItDid)
-{
-  EXPECT_FALSE(reelhost::allocationWillFail());
-  reelhost::failAllocation(2);
-  OS()->allocator().release(OS()->allocator().allocate(8));
-  EXPECT_TRUE(reelhost::allocationWillFail());
-  EXPECT_EQ(OS()->allocator().allocate(8), nullptr);
-  EXPECT_FALSE(reelhost::allocationWillFail());
-}
-
-TEST(Holders, OfTextsStoragesAndObjectsAreCountedWhileTheyAreThere)
-{
-  const std::int64_t before = reelhost::holders();
-  {
-    const LightweightString<char> empty;
-    EXPECT_EQ(reelhost::holders() - before, 0) << "nothing is held without a body";
-    const LightweightString<char> text("a text");
-    const LightweightString<char> copy = text;
-    EXPECT_EQ(reelhost::holders() - before, 2);
-    CookieVec logs;
-    logs.add(Cookie("E1", false));
-    const CookieVec shared = logs;
-    EXPECT_EQ(reelhost::holders() - before, 4);
-    logs.add(Cookie("E2", false));
-    const Zr::Ptr<AssocListRep> object(new AssocListRep(false));
-    EXPECT_EQ(reelhost::holders() - before, 5);
-  }
-  EXPECT_EQ(reelhost::holders() - before, 0);
-}
-
 TEST(RefCounts, UpAndDownGiveWhatRemains)
 {
   int count = 1;
-  const Ledger ledger;
   OS()->refCounts().incRef(&count);
   EXPECT_EQ(count, 2);
   EXPECT_EQ(OS()->refCounts().decRef(&count), 1);
   EXPECT_EQ(OS()->refCounts().decRef(&count), 0);
   EXPECT_EQ(count, 0);
-  EXPECT_EQ(ledger.countsUp(), 1);
-  EXPECT_EQ(ledger.countsDown(), 2);
 }
 
-TEST(HostServices, ManyThreadsLoseNoCount)
+TEST(RefCounts, ManyThreadsLoseNoCount)
 {
   constexpr int threads = 4, rounds = 20000;
   int count = 1;
-  const Ledger ledger;
   std::vector<std::thread> running;
   for (int t = 0; t < threads; ++t)
     running.emplace_back([&count] {
@@ -217,7 +139,4 @@ TEST(HostServices, ManyThreadsLoseNoCount)
   for (std::thread& thread : running)
     thread.join();
   EXPECT_EQ(count, 1 + threads * rounds / 2);
-  EXPECT_EQ(ledger.countsUp(), threads * rounds);
-  EXPECT_EQ(ledger.countsDown(), threads * rounds / 2);
-  EXPECT_GE(ledger.allocations(), threads * rounds);
 }

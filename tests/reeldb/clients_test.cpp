@@ -3,10 +3,11 @@
 
 #include <memory>
 #include <new>
+#include <stdexcept>
 #include <type_traits>
 #include <utility>
 
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 #include "support/hosts_own.h"
 #include "support/library_fixture.h"
 
@@ -148,25 +149,25 @@ TEST_F(Clients, KeepTheReelTheyAreGivenAgain)
   const LightweightString<char> id("R1");
   Client a(heard_);
   a.setReelIdOfInterest(id);
-  const std::int64_t held = reelhost::countsUp() - reelhost::countsDown();
+  const std::int64_t held = countsUp() - countsDown();
 
   a.setReelIdOfInterest(id);
 
-  EXPECT_EQ(0, reelhost::countsUp() - reelhost::countsDown() - held);
+  EXPECT_EQ(0, countsUp() - countsDown() - held);
   manager().informReelDbRecChanged("R1");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
 TEST_F(Clients, ShareTheTextOfTheReelAndLetItGo)
 {
-  const auto held = [] { return reelhost::countsUp() - reelhost::countsDown(); };
+  const auto held = [] { return countsUp() - countsDown(); };
   const LightweightString<char> id("R1");
   ReelDbClient first; // makes room among the clients
-  const std::int64_t allocatedBefore = reelhost::allocations(), heldBefore = held();
+  const std::int64_t allocatedBefore = allocations(), heldBefore = held();
   std::int64_t allocatedThen, heldThen;
   {
     ReelDbClient a(id);
-    allocatedThen = reelhost::allocations();
+    allocatedThen = allocations();
     heldThen = held();
   }
   const std::int64_t heldAfter = held();
@@ -348,6 +349,197 @@ TEST_F(Clients, HoldOfASecondManagerIsItsOwn)
   manager().informReelDbRecChanged("R1");
 
   EXPECT_EQ(heard_, (Heard{"some(R1)"}));
+}
+
+// --- Clients that end, or leave, while a notification pass is at them
+
+namespace {
+
+class ClientPasses : public LibraryTest {
+protected:
+  std::unique_ptr<Client> interested(const char* name) { return std::make_unique<Client>(heard_, name, "R1"); }
+  void changeRecord() { manager().informReelDbRecChanged("R1"); }
+
+  Heard heard_;
+};
+
+} // namespace
+
+TEST_F(ClientPasses, ClientThatEndsInItsOwnHandlerIsNotCalledAgain)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  a->onOur = [&] { a.reset(); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "c:our()", "c:some(R1)"}));
+  EXPECT_EQ(2U, manager().clients.count());
+}
+
+TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
+{
+  auto a = interested("a");
+  a->onOur = [&] { a.reset(); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()"}));
+  EXPECT_EQ(0U, manager().clients.count());
+}
+
+TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillToldTheRest)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  a->onOur = [&] { manager().deRegisterClient(a.get()); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)", "c:our()", "c:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ClientPutInThePlaceOfOneThatEndedIsToldInItsTurnOnly)
+{
+  auto a = interested("a");
+  std::unique_ptr<Client> next;
+  a->onOur = [&] {
+    // What is needed after the end of a, and with it of this handler, is kept beside it.
+    Heard& heard = heard_;
+    std::unique_ptr<Client>& place = next;
+    a.reset();
+    place = std::make_unique<Client>(heard, "next", "R1"); // may well get the address that has just become free
+  };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()"})) << "the new one stands where the pass has been";
+  changeRecord();
+  EXPECT_EQ(heard_, (Heard{"a:our()", "next:our()", "next:some(R1)"}));
+}
+
+TEST_F(ClientPasses, AnotherClientEndingDoesNotCostTheCurrentOneItsCall)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  a->onOur = [&] { c.reset(); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)", "b:our()", "b:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ClientThatEndsInANestedPassIsNotCalledByTheOuterOne)
+{
+  auto a = interested("a"), b = interested("b");
+  int depth = 0;
+  a->onOur = [&] {
+    if (++depth == 1)
+      changeRecord();
+    else
+      a.reset();
+  };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()"})) << "b stands where both passes have been";
+}
+
+TEST_F(ClientPasses, ClientEndedByAnotherInANestedPassIsNotCalledByTheOuterOne)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  bool nested = false;
+  a->onOur = [&] {
+    if (!std::exchange(nested, true))
+      changeRecord();
+  };
+  b->onSome = [&](const std::string&) { a.reset(); };
+
+  changeRecord();
+
+  // The end of a moves the others up: the nested pass misses c, the outer one b.
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:some(R1)", "b:our()", "b:some(R1)", "c:our()", "c:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ClientThatEndsThreePassesDeepIsLeftByAllOfThem)
+{
+  auto a = interested("a");
+  auto b = interested("b");
+  int depth = 0;
+  a->onOur = [&] {
+    if (++depth < 3)
+      changeRecord();
+    else
+      b.reset(), a.reset();
+  };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:our()"}));
+  EXPECT_EQ(0U, manager().clients.count());
+}
+
+TEST_F(ClientPasses, PassesAtDifferentClientsEachForgetTheirOwn)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  bool nested = false;
+  a->onOur = [&] {
+    if (!std::exchange(nested, true))
+      changeRecord();
+  };
+  b->onOur = [&] { b.reset(); }; // in the nested pass; the outer one is at a
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:some(R1)", "b:our()", "a:some(R1)", "c:our()", "c:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ReelSetChangeInsideARecordChangeLeavesTheEndedClientAlone)
+{
+  auto a = interested("a"), b = interested("b");
+  a->onOur = [&] { manager().informReelDbChanged("R2"); };
+  a->onDbChanged = [&](const std::string&) { a.reset(); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:dbC(R2)"})) << "b stands where both passes have been";
+}
+
+TEST_F(ClientPasses, PassThatAnExceptionEndedIsForgotten)
+{
+  auto a = interested("a"), b = interested("b");
+  a->onOur = [&] { throw std::domain_error("a handler"); };
+  EXPECT_THROW(changeRecord(), std::domain_error);
+
+  // No pass is left that would take note of the end of a, or call b on its behalf.
+  a.reset();
+  heard_.clear();
+  changeRecord();
+  EXPECT_EQ(heard_, (Heard{"b:our()", "b:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ExceptionOfANestedPassLeavesTheOuterOneInPlace)
+{
+  auto a = interested("a"), b = interested("b"), c = interested("c");
+  bool nested = false;
+  a->onOur = [&] {
+    if (std::exchange(nested, true))
+      return;
+    EXPECT_THROW(changeRecord(), std::domain_error);
+    a.reset();
+  };
+  b->onSome = [](const std::string&) { throw std::domain_error("a handler"); };
+
+  changeRecord();
+
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:some(R1)", "b:our()", "b:some(R1)", "c:our()", "c:some(R1)"}));
+}
+
+TEST_F(ClientPasses, ClientsThatEndOutsideAnyPassNeedNone)
+{
+  auto a = interested("a");
+  changeRecord();
+  a.reset();
+  EXPECT_EQ(0U, manager().clients.count());
+  changeRecord();
+  EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)"}));
 }
 
 static_assert(!std::is_copy_constructible_v<ReelDbClient> && !std::is_copy_assignable_v<ReelDbClient>,

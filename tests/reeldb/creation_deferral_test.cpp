@@ -12,10 +12,11 @@
 #include <thread>
 
 #include "MainThread.h"
+#include "host/codes.h"
 #include "host/config.h"
 #include "host/projdb.h"
 #include "reeldb/changes_fixture.h"
-#include "reelhost/memory.h"
+#include "support/counting_services.h"
 #include "support/ledger.h"
 
 namespace reeldb_tests {
@@ -106,7 +107,7 @@ TEST_F(Deferral, IdentifierTravelsUntrimmed)
 TEST_F(Deferral, DeviceTravelsToo)
 {
   reelhost::DeviceSettings settings = device(7, "CAM");
-  settings.portType = 2;
+  settings.portType = codes::portNamingReel;
   settings.audioInputs = 3;
   setDevices({settings});
   pretendOtherThread();
@@ -156,11 +157,11 @@ TEST_F(Deferral, ActionTheHostDropsReleasesEverything)
   pretendOtherThread();
   script().swallowDeferred = true;
   const LightweightString<char> id = "an identifier";
-  const std::int64_t up = reelhost::countsUp();
-  const std::int64_t down = reelhost::countsDown();
+  const std::int64_t up = countsUp();
+  const std::int64_t down = countsDown();
   EXPECT_FALSE(manager().createNewReel(id, -1).valid());
-  EXPECT_EQ(reelhost::countsUp() - up, reelhost::countsDown() - down);
-  EXPECT_GE(reelhost::countsUp() - up, 2) << "the action holds the identifier, somebody holds the action";
+  EXPECT_EQ(countsUp() - up, countsDown() - down);
+  EXPECT_GE(countsUp() - up, 2) << "the action holds the identifier, somebody holds the action";
   EXPECT_EQ(reelhost::deferredActions(), 0);
 }
 
@@ -169,12 +170,12 @@ TEST_F(Deferral, FailureOfEitherHostCallPassesAndDefersNothing)
   pretendOtherThread();
   const LightweightString<char> id = "an identifier";
   for (int n : {1, 2}) {
-    const std::int64_t up = reelhost::countsUp();
-    const std::int64_t down = reelhost::countsDown();
+    const std::int64_t up = countsUp();
+    const std::int64_t down = countsDown();
     script().throwAt(n);
     EXPECT_THROW(manager().createNewReel(id, -1), reelhost::ScriptedFault) << n;
     script().throwAt(0);
-    EXPECT_EQ(reelhost::countsUp() - up, reelhost::countsDown() - down) << n;
+    EXPECT_EQ(countsUp() - up, countsDown() - down) << n;
     EXPECT_EQ(reelhost::deferredActions(), 0) << n;
   }
   create("R2");
@@ -197,15 +198,15 @@ TEST_F(Deferral, ActionKeepsTheIdentifierAlive)
 TEST_F(Deferral, ActionSharesTheCallersTextAndLetsGoOfItAtItsEnd)
 {
   const LightweightString<char> id = "R1";
-  const std::int64_t up = reelhost::countsUp();
-  const std::int64_t down = reelhost::countsDown();
+  const std::int64_t up = countsUp();
+  const std::int64_t down = countsDown();
   {
     const CreateNewReelAction action(id, -1);
-    EXPECT_EQ(reelhost::countsUp() - up, 1);
-    EXPECT_EQ(reelhost::countsDown() - down, 0);
+    EXPECT_EQ(countsUp() - up, 1);
+    EXPECT_EQ(countsDown() - down, 0);
   }
-  EXPECT_EQ(reelhost::countsUp() - up, 1);
-  EXPECT_EQ(reelhost::countsDown() - down, 1);
+  EXPECT_EQ(countsUp() - up, 1);
+  EXPECT_EQ(countsDown() - down, 1);
 }
 
 TEST_F(Deferral, ActionMakesTheReelWithItsDevice)
@@ -338,11 +339,11 @@ TEST_F(Deferral, OnAWorkerTheActionIsAllThatIsAllocated)
   std::thread([&] {
     const LightweightString<char> id = "an identifier that is longer than a short string";
     ReelDbManager& reels = manager();
-    allocated = -reelhost::allocations();
-    released = -reelhost::releases();
+    allocated = -allocations();
+    released = -releases();
     reels.createNewReel(id, -1);
-    allocated += reelhost::allocations();
-    released += reelhost::releases();
+    allocated += allocations();
+    released += releases();
   }).join();
   EXPECT_EQ(allocated, 1);
   EXPECT_EQ(released, 1) << "the host dropped the action";

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef REELDB_REELDB_SHOT_SEARCH_H
-#define REELDB_REELDB_SHOT_SEARCH_H
+#ifndef REELDB_REELDB_SHOTS_H
+#define REELDB_REELDB_SHOTS_H
 
 #include "host/cookie.h"
 #include "host/lwstring.h"
