@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures.
+// The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures,
+// BENCH_GROWTH one for the curves that bench/growth.gp draws.
 #include <fmt/core.h>
 #include <sqlite3.h>
 #include <strings.h>
