@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages reference clean
+.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
@@ -117,12 +117,6 @@ abi-baseline: ## take what is now as what is promised: for a new major version
 	@sh scripts/setup.sh check
 	$(call build,abi)
 	@sh scripts/abi.sh baseline build/abi/lib/libreeldb.so
-
-pages: ## write docs/commands anew, out of what the command says of itself
-	@sh scripts/setup.sh run
-	cmake --preset release >/dev/null
-	cmake --build --preset release -j $(JOBS) --target reeldb_command
-	sh tools/pages/pages.sh markdown build/release/bin/reeldb docs/commands
 
 reference: ## build the reference of the headers, in build/reference; what has no comment fails it
 	@sh scripts/setup.sh check
