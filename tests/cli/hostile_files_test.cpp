@@ -174,7 +174,7 @@ protected:
     return result.out;
   }
 
-  TempDir outside_;
+  TempFolder outside_;
   std::string site_; ///< as messages name the facility, with a slash
 };
 
@@ -503,7 +503,7 @@ TEST_F(HostileFiles, ExportLeavesALinkThatLeadsToNoFile)
 
 TEST_F(HostileFiles, FacilityIsMadeInTheFolderThatALinkNames)
 {
-  TempDir place;
+  TempFolder place;
   link("new", place.path().native());
   EXPECT_EQ(attempt({"init", "new"}).code, 0);
   EXPECT_TRUE(fs::is_symlink(path("new")));

@@ -16,8 +16,8 @@
 #include "CreateNewReelAction.h"
 #include "faults/listening.h"
 #include "faults/scenario.h"
-#include "reeltypes/temp_dir.h"
 #include "support/library_fixture.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 
@@ -100,7 +100,7 @@ private:
   std::vector<Cookie> allLogs() const;
   std::string withNames(std::string lines) const; ///< each Cookie written as the name of its log
 
-  TempDir folder_;
+  TempFolder folder_;
   reelhost::Facility facility_;
   std::map<std::string, Cookie> logs_; ///< by what this scene calls them
   void (*fill_)(Scene&) = nullptr;

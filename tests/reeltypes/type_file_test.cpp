@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "reelhost/memory.h"
-#include "reeltypes/temp_dir.h"
 #include "support/library_fixture.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 namespace {
@@ -51,7 +51,7 @@ protected:
     return "\"ReelTypeList Warning: " + name + ": no parameters. Line " + std::to_string(line) + "\\n\"";
   }
 
-  TempDir dir;
+  TempFolder dir;
   ReelTypeManager catalogue;
 };
 
