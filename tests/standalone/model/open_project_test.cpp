@@ -4,7 +4,7 @@
 #include "host/project.h"
 #include "standalone/model/forwarding_store.h"
 #include "standalone/model/host_test.h"
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace {
 
