@@ -66,7 +66,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteDurability, CommitWithoutChangesWritesNothing)

@@ -88,7 +88,7 @@ protected:
   std::size_t pageSize() const { return 4096; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteRefusals, NoSuchFileIsNotFoundAndNotMade)
