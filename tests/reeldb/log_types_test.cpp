@@ -41,7 +41,7 @@ protected:
   const Lines columnLookup = {"EditManager::getProjdb() -> database", "projdb::findField(\"Type\") -> 1"};
 };
 
-// --- Where the type comes from
+// --- Where the type comes from -------------------------------------------------------------------
 
 TEST_F(LogTypes, RowsTypeDecidesWithoutOpeningTheLog)
 {
@@ -131,7 +131,7 @@ TEST_F(LogTypes, InvalidCookieIsLookedForLikeAnyOther)
                            "EditPtr::i_close()"}})));
 }
 
-// --- Does a set contain reels?
+// --- Does a set contain reels? -------------------------------------------------------------------
 
 TEST_F(LogTypes, SetContainsReelsWhenOneMemberIsAReel)
 {
@@ -157,7 +157,7 @@ TEST_F(LogTypes, WalkEndsAtTheFirstReelAndTheColumnIsLookedUpOnce)
             listing(join({columnLookup, rowRead("shot", "\"Material\"", "1"), rowRead("first", "\"Reel\"", "9")})));
 }
 
-// --- Removing reels
+// --- Removing reels ------------------------------------------------------------------------------
 
 TEST_F(LogTypes, AdjacentReelsAreAllRemovedAndShotsKeepTheirOrder)
 {
@@ -208,7 +208,7 @@ TEST_F(LogTypes, RemovalLooksTheColumnUpOnceAndAtEachLogOnce)
   EXPECT_EQ(linesOf([&] { removeReels({}); }), columnLookup);
 }
 
-// --- Host calls that fail
+// --- Host calls that fail ------------------------------------------------------------------------
 
 TEST_F(LogTypes, EachHostCallMayThrow)
 {

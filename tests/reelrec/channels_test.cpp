@@ -78,8 +78,7 @@ TEST_F(Channels, CookieOfTheInvalidKindFollowsTheDeviceWhateverItsTypeIs)
   EXPECT_EQ(videoAndAudio(), Pair(1, 2));
 }
 
-// --- By type
-// ----------------------------------------------------------------------------------------------------------------
+// --- By type -------------------------------------------------------------------------------------
 
 TEST_F(Channels, MissingAudioOfTheTypeIsAddedAndTheRowRefreshedOnce)
 {
@@ -203,8 +202,7 @@ TEST_F(Channels, TypeThatAQuestionAddedToTheCatalogueWantsNone)
   EXPECT_EQ(videoAndAudio(), Pair(0, 0));
 }
 
-// --- By device
-// --------------------------------------------------------------------------------------------------------------
+// --- By device -----------------------------------------------------------------------------------
 
 TEST_F(Channels, UnknownTypeAsksTheLastDeviceAndIsNotAddedToTheCatalogue)
 {
@@ -291,8 +289,7 @@ TEST_F(Channels, WithoutADatabaseTheLastDeviceIsAsked)
   EXPECT_EQ(videoAndAudio(), Pair(1, 1));
 }
 
-// --- Failures
-// ---------------------------------------------------------------------------------------------------------------
+// --- Failures ------------------------------------------------------------------------------------
 
 TEST_F(Channels, LogThatDoesNotOpenIsClosedAndLeftAlone)
 {

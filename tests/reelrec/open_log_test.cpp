@@ -127,8 +127,7 @@ TEST_F(OpenLogs, CloserClosesTheHandleItWasGiven)
   EXPECT_FALSE(handle);
 }
 
-// --- The attribute
-// --------------------------------------------------------------------------------------------------------
+// --- The attribute -------------------------------------------------------------------------------
 
 TEST_F(OpenLogs, AttributeIsTheReelId)
 {

@@ -57,7 +57,7 @@ protected:
 
 using TypeFileDeathTest = TypeFile;
 
-// --- Files ----------------------------------------------------------------------------------------------------------
+// --- Files ---------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, MissingFileChangesNothingAndPrintsNothing)
 {
@@ -187,8 +187,7 @@ TEST_F(TypeFile, FileIsClosedWhenMemoryRunsOut)
   EXPECT_EQ(entries(), (Entries{{"a", "A=1"}, {"b", "B=2"}}));
 }
 
-// --- Records
-// ----------------------------------------------------------------------------------------------------------
+// --- Records -------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, RecordWithoutColonWarns)
 {
@@ -258,8 +257,7 @@ TEST_F(TypeFile, TextAfterASecondColonIsIgnored)
   EXPECT_EQ(entries(), (Entries{{"Film 35", "VideoChannels=1"}}));
 }
 
-// --- Line numbers
-// -----------------------------------------------------------------------------------------------------
+// --- Line numbers --------------------------------------------------------------------------------
 
 struct Lines {
   const char* bytes;
@@ -296,8 +294,7 @@ TEST_F(TypeFile, EachFileCountsFromOne)
   EXPECT_EQ(load("S\n"), (Printed{warning("S", 1)}));
 }
 
-// --- add
-// ----------------------------------------------------------------------------------------------------------------
+// --- add -----------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, AddTrimsBoth)
 {
@@ -337,8 +334,7 @@ TEST_F(TypeFile, ReplacedParametersStayInTheirBodyWhenTheyFit)
   EXPECT_STREQ(body, "VideoChannels=2");
 }
 
-// --- chopSpaces
-// ---------------------------------------------------------------------------------------------------------
+// --- chopSpaces ----------------------------------------------------------------------------------
 
 TEST_F(TypeFile, ChopTakesWhiteSpaceAtBothEndsOnly)
 {
@@ -378,8 +374,7 @@ TEST_F(TypeFile, ChopLeavesAStringThatSharesTheBodyAlone)
   EXPECT_STREQ(result.c_str(), "a");
 }
 
-// --- Limits
-// -------------------------------------------------------------------------------------------------------------
+// --- Limits --------------------------------------------------------------------------------------
 
 const std::string longest(2047, 'x');
 const std::string blanks(5000, ' ');
@@ -467,8 +462,7 @@ TEST_F(TypeFileDeathTest, AddOf2048BytesAborts)
   EXPECT_ABORT(catalogue.add("n", (longest + "x").c_str()));
 }
 
-// --- parseParamToken
-// ----------------------------------------------------------------------------------------------------
+// --- parseParamToken -----------------------------------------------------------------------------
 
 struct Token {
   const char* token;
@@ -548,8 +542,7 @@ TEST_F(TypeFile, TokenAndNameOfTheCallerKeepTheirCase)
   EXPECT_STREQ(name.c_str(), "VideoChannels");
 }
 
-// --- errMsg
-// -------------------------------------------------------------------------------------------------------------
+// --- errMsg --------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, MessageIsPrintedLetterForLetter)
 {

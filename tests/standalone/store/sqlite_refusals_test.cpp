@@ -430,8 +430,7 @@ TEST_F(SqliteRefusals, UseGoesOnAfterARefusalWithTheNextBegin)
   EXPECT_EQ(numbersOf(*project), (std::vector<std::int64_t>{1, 2, 3}));
 }
 
-// --- Read-only
-// ---------------------------------------------------------------------------------------------------------
+// --- Read-only -----------------------------------------------------------------------------------
 
 class SqliteReadOnly : public SqliteRefusals {
 protected:
