@@ -15,10 +15,10 @@ class NotifyMsg;
 /// The configuration of one device, by value: a change stays in the copy until it is stored. It outlives the device.
 class ExtDeviceConfig {
 public:
-  ExtDeviceConfig();                                  ///< of no device: without inputs, port, tapes and name
-  ExtDeviceConfig(const ExtDeviceConfig&);            ///< a copy of its own
-  ExtDeviceConfig& operator=(const ExtDeviceConfig&); ///< a copy of its own
-  ~ExtDeviceConfig();                                 ///< stores nothing
+  ExtDeviceConfig(); ///< of no device: without inputs, port, tapes and name
+  ExtDeviceConfig(const ExtDeviceConfig&);
+  ExtDeviceConfig& operator=(const ExtDeviceConfig&);
+  ~ExtDeviceConfig();
   StringList getTapeList() const;                     ///< the reel types the device accepts, "Live" for a live feed
   LightweightString<wchar_t> getTextName() const;     ///< the device's display name; empty when unknown
   int getPortType() const;                            ///< 0 9-pin, 1 1394, 2 the device names the reel, others none
@@ -61,8 +61,8 @@ public:
     std::uint32_t source; ///< 1, 2 VITC; 3, 4, 5 over a 9-pin port; 9 over a 1394 port
     std::uint32_t format; ///< what the label counts: 0 and 10, and 1 and 9, are tested against the project's frame rate
   };
-  static const int numEntries = 14; ///< of every map
-  LabelMappingSet();                ///< all entries zero
+  static const int numEntries = 14;
+  LabelMappingSet(); ///< all entries zero
   /// Resets the entries and loads the map of this name, which is that of a file without folder and ending. False when
   /// there is no such map or it cannot be loaded; the entries then stay reset. Throws nothing for that.
   bool load(const LightweightString<wchar_t>& name);

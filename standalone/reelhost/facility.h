@@ -20,12 +20,12 @@ struct State; ///< what the state file holds; the host's own
 
 /// One external device as the facility describes it.
 struct DeviceSettings {
-  int number = -1;                ///< the index that getConfig(int) takes; not negative
-  unsigned id = 0;                ///< the device's identity, not 0; stays when name or number change
-  std::string name;               ///< display name, UTF-8
-  int portType = 3;               ///< 0 "9-pin", 1 "1394", 2 "device-named", 3 "none"
-  int inputType = 9;              ///< 9 "none"; the words and the other codes are in docs/formats/facility.md
-  int audioInputs = 0;            ///< connected audio inputs
+  int number = -1;   ///< the index that getConfig(int) takes; not negative
+  unsigned id = 0;   ///< the device's identity, not 0; stays when name or number change
+  std::string name;  ///< display name, UTF-8
+  int portType = 3;  ///< 0 "9-pin", 1 "1394", 2 "device-named", 3 "none"
+  int inputType = 9; ///< 9 "none"; the words and the other codes are in docs/formats/facility.md
+  int audioInputs = 0;
   std::vector<std::string> tapes; ///< reel types the device accepts
   std::string labelMap;           ///< configured label map, may be empty
   std::string lastReel;           ///< from the state file; may be empty
@@ -117,7 +117,7 @@ void createFacility(const std::filesystem::path& dir);
 
 /// One entry of a label map file; docs/formats/labelmap.md has the words for the codes.
 struct LabelMapEntry {
-  bool inUse = false;  ///< whether the entry counts
+  bool inUse = false;
   unsigned source = 0; ///< code of where the label is read, 0 to 9
   unsigned format = 0; ///< code of what it counts, 0 to 10
 };
