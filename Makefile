@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline pages reference clean
+.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
@@ -26,7 +26,7 @@ test: ## build and pass every test
 	$(call build,release,-DREELDB_TESTS=ON)
 	$(call test,release)
 
-check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, comments, valgrind, fuzzing, mutants
+check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
 	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
@@ -118,15 +118,12 @@ abi-baseline: ## take what is now as what is promised: for a new major version
 	$(call build,abi)
 	@sh scripts/abi.sh baseline build/abi/lib/libreeldb.so
 
-pages: ## write docs/commands anew, out of what the command says of itself
-	@sh scripts/setup.sh run
-	cmake --preset release >/dev/null
-	cmake --build --preset release -j $(JOBS) --target reeldb_command
-	sh tools/pages/pages.sh markdown build/release/bin/reeldb docs/commands
-
-reference: ## build the reference of the headers, in build/reference; what has no comment fails it
+reference: ## build the reference of the headers, in build/reference; what doxygen warns of fails it
 	@sh scripts/setup.sh check
-	@sh scripts/reference.sh
+	rm -rf build/reference
+	mkdir -p build/reference
+	doxygen docs/Doxyfile
+	@echo "reference: build/reference/index.html"
 
 clean: ## remove everything that was built
 	rm -rf build

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures.
+// The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures,
+// BENCH_GROWTH one for the curves that bench/growth.gp draws.
 #include <fmt/core.h>
 #include <sqlite3.h>
 #include <strings.h>
@@ -18,11 +19,14 @@
 #include "reelhost/host.h"
 #include "stopwatch.h"
 #include "subjects.h"
+#include "support/temp_folder.h"
 #include "table.h"
 
 namespace reeldb_bench {
 
 namespace {
+
+using reeldb_tests::TempFolder;
 
 const std::string bin = REELDB_BIN_DIR "/";
 
@@ -122,7 +126,7 @@ void listings(Table& table)
   }
 }
 
-void writeLists(const Folder& folder, int clips)
+void writeLists(const TempFolder& folder, int clips)
 {
   std::ofstream edl(folder / "list.edl"), plain(folder / "list.txt");
   edl << "TITLE: BENCH\nFCM: NON-DROP FRAME\n";
@@ -138,19 +142,20 @@ void writeLists(const Folder& folder, int clips)
 void imports(Table& table)
 {
   for (const int clips : {1000, 10000}) {
-    const Folder folder;
+    const TempFolder folder;
     writeLists(folder, clips);
-    const std::string facility = folder.text("facility");
+    const std::string facility = folder / "facility";
     const std::string project = facility + "/projects/bench.reels";
     run(bin + "reeldb init " + facility);
     std::vector<double> ours, theirs;
     for (int i = 0; i < (clips > 1000 ? 3 : 11); ++i) {
       run("rm -f " + project + "*; " + bin + "reeldb -C " + facility + " project new bench");
       ours.push_back(
-          timeOf([&] { run(bin + "reeldb -C " + facility + " -p bench import " + folder.text("list.edl")); }));
-      run("rm -f " + folder.text("plain.db") + "*");
-      theirs.push_back(
-          timeOf([&] { run(bin + "by_hand_import " + folder.text("list.txt") + " " + folder.text("plain.db")); }));
+          timeOf([&] { run(bin + "reeldb -C " + facility + " -p bench import " + (folder / "list.edl").string()); }));
+      run("rm -f " + (folder / "plain.db").string() + "*");
+      theirs.push_back(timeOf([&] {
+        run(bin + "by_hand_import " + (folder / "list.txt").string() + " " + (folder / "plain.db").string());
+      }));
     }
     Row row{fmt::format("import of {} clips on new reels, process", clips),
             "plain program on the SQLite C API",
@@ -203,8 +208,8 @@ std::string memoryOf(const std::string& file, int reels, int shots)
 void opening(Table& table)
 {
   constexpr int reels = 100000;
-  const Folder folder;
-  const std::string file = folder.text("large.reels");
+  const TempFolder folder;
+  const std::string file = folder / "large.reels";
   writeProject(file, reels, 10);
   const Pair times = sideBySide(
       3,
@@ -223,8 +228,8 @@ void opening(Table& table)
 void typeFile(Table& table)
 {
   constexpr int types = 100000;
-  const Folder folder;
-  const std::string file = folder.text("reeltype.dat");
+  const TempFolder folder;
+  const std::string file = folder / "reeltype.dat";
   {
     std::ofstream out(file);
     for (int i = 0; i < types; ++i)
@@ -295,8 +300,8 @@ void notification(Table& table)
 
 void listProcess(Table& table)
 {
-  const Folder folder;
-  const std::string facility = folder.text("facility");
+  const TempFolder folder;
+  const std::string facility = folder / "facility";
   run(bin + "reeldb init " + facility);
   const std::string project = facility + "/projects/bench.reels";
   writeProject(project, 400, 2);

@@ -8,7 +8,11 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "support/temp_folder.h"
+
 namespace reeldb_bench {
+
+using reeldb_tests::TempFolder;
 
 void run(const std::string& command, int status)
 {
@@ -19,8 +23,8 @@ void run(const std::string& command, int status)
 
 std::string outputOf(const std::string& command)
 {
-  const Folder folder;
-  const std::string file = folder.text("out");
+  const TempFolder folder;
+  const std::string file = folder / "out";
   const int ended = std::system((command + " >" + file).c_str());
   if (!WIFEXITED(ended) || WEXITSTATUS(ended) != 0)
     throw std::runtime_error(command + ": failed");
@@ -31,8 +35,8 @@ std::string outputOf(const std::string& command)
 
 double instructionsOf(const std::string& command)
 {
-  const Folder folder;
-  const std::string out = folder.text("callgrind.out");
+  const TempFolder folder;
+  const std::string out = folder / "callgrind.out";
   run("GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX,-SSE4_2 valgrind --tool=callgrind --collect-atstart=no "
       "--callgrind-out-file='" +
       out + "' " + command);
@@ -41,19 +45,6 @@ double instructionsOf(const std::string& command)
     if (line.rfind("totals: ", 0) == 0)
       return std::stod(line.substr(8));
   throw std::runtime_error(command + ": callgrind wrote no totals");
-}
-
-Folder::Folder()
-{
-  std::string pattern = (std::filesystem::temp_directory_path() / "reeldb-bench-XXXXXX").string();
-  if (!mkdtemp(pattern.data()))
-    throw std::runtime_error(pattern + ": no folder");
-  path_ = pattern;
-}
-
-Folder::~Folder()
-{
-  std::filesystem::remove_all(path_);
 }
 
 } // namespace reeldb_bench

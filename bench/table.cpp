@@ -11,6 +11,22 @@
 
 namespace reeldb_bench {
 
+namespace {
+
+/// Writes the text to the file that the environment variable names, if it names one.
+void writeWanted(const char* variable, const std::string& text)
+{
+  const char* const file = std::getenv(variable);
+  if (!file)
+    return;
+  std::ofstream out(file);
+  out << text << std::flush;
+  if (!out)
+    fmt::print(stderr, "bench: {}: cannot be written\n", file);
+}
+
+} // namespace
+
 void Table::add(Row row)
 {
   if (rows_.empty())
@@ -53,21 +69,16 @@ int Table::finish() const
     }
     json["rows"].push_back(std::move(entry));
   }
-  json["series"] = nlohmann::json::array();
-  for (const auto& [what, points] : series_) {
-    nlohmann::json list = nlohmann::json::array();
-    for (const Point& point : points)
-      list.push_back({{"reels", point.reels}, {"ours_ms", point.ours}, {"bare_ms", point.bare}});
-    json["series"].push_back({{"what", what}, {"points", std::move(list)}});
-  }
   json["targets"] = targets;
   json["met"] = met;
-  if (const char* const file = std::getenv("BENCH_JSON")) {
-    std::ofstream out(file);
-    out << json.dump(2) << '\n';
-    if (!out)
-      fmt::print(stderr, "bench: {}: cannot be written\n", file);
+  std::string curves = "# reels, milliseconds, milliseconds of the bare loop\n";
+  for (const auto& [what, points] : series_) {
+    curves += fmt::format("\n\n\"{}\"\n", what);
+    for (const Point& point : points)
+      curves += fmt::format("{} {:.4g} {:.4g}\n", point.reels, point.ours, point.bare);
   }
+  writeWanted("BENCH_JSON", json.dump(2) + '\n');
+  writeWanted("BENCH_GROWTH", curves);
   fmt::print("{} of {} targets met\n", met, targets);
   return targets - met;
 }

@@ -36,7 +36,8 @@ public:
   void add(Row row); ///< prints the row at once
   /// Keeps a point of a curve for the file.
   void addPoint(const std::string& series, const Point& point);
-  /// Prints the last line, writes the file that BENCH_JSON names; the number of targets missed.
+  /// Prints the last line and writes the files that BENCH_JSON (figures) and BENCH_GROWTH (curves) name. Returns the
+  /// number of targets missed.
   int finish() const;
 
 private:

@@ -3,7 +3,7 @@
 # does not provide fails the build and is named by the linker. The library itself links no host.
 function(reeldb_check_host host)
   set(source ${CMAKE_CURRENT_BINARY_DIR}/linkcheck_${host}.cpp)
-  file(WRITE ${source} "int main() {}\n")
+  file(CONFIGURE OUTPUT ${source} CONTENT "int main() {}\n")
   add_executable(linkcheck_${host} ${source})
   target_link_libraries(linkcheck_${host} PRIVATE reeldb::reeldb ${host})
   # bfd: mold passes over missing symbols of shared libraries without a word.

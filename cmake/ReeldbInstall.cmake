@@ -86,7 +86,7 @@ install(FILES ${completions}/reeldb.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fi
 install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT tool)
 
 # --- Documents, in the folders in which their links lead to each other: those about using the command go with it
-set(tool_documents index.md commands glossary.md performance.md formats pictures)
+set(tool_documents index.md glossary.md performance.md formats pictures)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGES.md ${PROJECT_SOURCE_DIR}/LICENSE
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)
 install(FILES ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT development)

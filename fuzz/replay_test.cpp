@@ -20,9 +20,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<fs::path> filesIn(const char* room)
+std::vector<fs::path> filesIn(const fs::path& folder)
 {
-  const fs::path folder = fs::path(FUZZ_FOLDER) / room / FUZZ_TARGET;
   std::vector<fs::path> files;
   if (fs::exists(folder))
     std::copy(fs::directory_iterator(folder), fs::directory_iterator(), std::back_inserter(files));
@@ -49,14 +48,22 @@ void replay(const std::vector<fs::path>& files)
 
 TEST(Replay, CorpusHolds)
 {
-  const std::vector<fs::path> files = filesIn("corpus");
+  const std::vector<fs::path> files = filesIn(fs::path(FUZZ_FOLDER) / "corpus" / FUZZ_TARGET);
   ASSERT_FALSE(files.empty()) << "no corpus: fuzz/corpus/" << FUZZ_TARGET;
+  replay(files);
+}
+
+TEST(Replay, PackedCorpusHolds)
+{
+  const std::vector<fs::path> files = filesIn(fs::path(FUZZ_UNPACKED) / FUZZ_TARGET);
+  ASSERT_FALSE(files.empty()) << "no inputs: fuzz/corpus/" << FUZZ_TARGET
+                              << ".tar.gz (scripts/pack_corpus.sh makes it)";
   replay(files);
 }
 
 TEST(Replay, WhatWasFoundIsFoundNoMore)
 {
-  replay(filesIn("findings"));
+  replay(filesIn(fs::path(FUZZ_FOLDER) / "findings" / FUZZ_TARGET));
 }
 
 TEST(Replay, NothingAtAllHolds)

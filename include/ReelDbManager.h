@@ -71,7 +71,7 @@ public:
 
   Cookie getCookieFromReelId(LightweightString<char> id); ///< invalid when there is no such reel
   ReelDbRec getReelInfo(LightweightString<char> id);      ///< empty when there is no such reel
-  bool doesReelExist(LightweightString<char> id);         ///< whether the reel is found
+  bool doesReelExist(LightweightString<char> id);
   int checkReelValid(LightweightString<char> id); ///< 0 valid, 1 no such reel, 4 its type is not in the catalogue
   /// Whether the reel's type is exactly "Live"; false when there is no such reel.
   bool representsLiveMaterial(LightweightString<char> id);
@@ -98,11 +98,11 @@ public:
   /// identifier, and those that do not open, are left out. Of reels whose identifiers differ in case only, the type of
   /// the first counts.
   void getAllReelIds(std::vector<LightweightString<char>>& out, bool includeLive);
-  void getAllReelIds(StringList& out, bool includeLive); ///< the same
+  void getAllReelIds(StringList& out, bool includeLive);
   /// Identifiers of the reels whose type the device accepts or the catalogue does not know, in list order; an empty
   /// one for a log that has none or does not open. An unknown device accepts no type.
   void getReelsCompatibleWithDevice(std::vector<LightweightString<char>>& out, int device);
-  void getReelsCompatibleWithDevice(StringList& out, int device); ///< the same
+  void getReelsCompatibleWithDevice(StringList& out, int device);
 
   /// @}
   /// @name Creation

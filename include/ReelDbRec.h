@@ -53,7 +53,7 @@ public:
   /// by convention; of a text in the log's configuration block, at most 2,047 are read.
   /// @{
 
-  LightweightString<char> reelId(); ///< the identifier
+  LightweightString<char> reelId();
   /// Stores the identifier and refreshes the database row; tells nobody. ReelDbManager::changeReelId renames a reel.
   void reelId(LightweightString<char> id);
 

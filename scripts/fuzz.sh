@@ -3,8 +3,9 @@
 # Runs fuzz targets that the preset fuzz has built, JOBS (all processors) at a time: fuzz.sh [TARGET...], all without a
 # name.
 #
-# Each runs for FUZZ_SECONDS (20) seconds. It starts from fuzz/corpus, fuzz/findings and what earlier runs left in
-# build/fuzz/corpus; what it finds goes to build/fuzz/findings/TARGET. Exit status 1: something was found.
+# Each runs for FUZZ_SECONDS (20) seconds. It starts from fuzz/corpus, packed inputs too, from fuzz/findings and from what
+# earlier runs left in build/fuzz/corpus; what it finds goes to build/fuzz/findings/TARGET. Exit status 1: something was
+# found.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -44,6 +45,7 @@ run()
   before=$(count_files "$findings")
 
   set -- "$corpus" "fuzz/corpus/$target"
+  [ ! -d "$build/fuzz/unpacked/$target" ] || set -- "$@" "$build/fuzz/unpacked/$target"
   [ ! -d "fuzz/findings/$target" ] || set -- "$@" "fuzz/findings/$target"
   [ ! -f "fuzz/dictionaries/$target.dict" ] || set -- "$@" "-dict=fuzz/dictionaries/$target.dict"
   for option in $(sed 's/#.*//' "fuzz/targets/$target.options"); do

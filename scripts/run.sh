@@ -15,3 +15,6 @@ status=0
 [ "$status" = 0 ] || [ "$status" = 4 ] || exit "$status"
 echo
 "$reeldb" -C "$facility" list
+echo
+echo 'To type reeldb alone:'
+echo "  export PATH=\"$(cd "$(dirname "$reeldb")" && pwd):\$PATH\""

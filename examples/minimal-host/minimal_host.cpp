@@ -30,7 +30,7 @@
 using Text = LightweightString<char>;
 using WideText = LightweightString<wchar_t>;
 
-// --- 1. What there is: one project, its logs, and what belongs to no project ----------------------------------------
+// --- 1. What there is: one project, its logs, and what belongs to no project ---------------------
 //
 // A log is the Edit that the library sees, the row it has in the database, and what both show. They are one object, so
 // a change is seen everywhere at once: by other openings of the log, by views, by searches.
@@ -114,7 +114,7 @@ template <class Wanted> CookieVec logsWhere(const Wanted& wanted) {
   return found;
 }
 
-// --- 2. Events: the host tells, the library listens -----------------------------------------------------------------
+// --- 2. Events: the host tells, the library listens ----------------------------------------------
 /// Tells every listener that is there now, but for those that others end meanwhile.
 template <class Event> void tell(const Event& event) {
   const std::vector<ProjectListener*> told = state().listeners;
@@ -168,7 +168,7 @@ Cookie minimal_host::importClip(const std::string& reelId) {
   return clip->cookie;
 }
 
-// --- 3. Threads: what any thread leaves for the main thread ---------------------------------------------------------
+// --- 3. Threads: what any thread leaves for the main thread --------------------------------------
 int co_pid() {
   static std::atomic<int> last{0}; // small numbers: of the system's own, 16 bits would not tell all threads apart
   thread_local const int own = ++last;
@@ -188,7 +188,7 @@ void minimal_host::runDeferred() {
     action->execute();
 }
 
-// --- 4. Settings ----------------------------------------------------------------------------------------------------
+// --- 4. Settings ---------------------------------------------------------------------------------
 // The library asks for these two while it is loaded: nothing of the program has been constructed yet.
 const char* config_string(const char*, const char* defaultValue) { return defaultValue; }
 WideText getDeviceDataDirectory(iSettings::eType) { return L"/etc/minimal-host/"; } // where reeltype.dat may be
@@ -227,7 +227,7 @@ void configb::set(const char* key, const char* value, const char*) {
 }
 void configb::set(const char* key, const strp_field& value) { set(key, value.text(), nullptr); }
 
-// --- 5. Logs --------------------------------------------------------------------------------------------------------
+// --- 5. Logs -------------------------------------------------------------------------------------
 configb& Edit::config() { return impl->config; }
 const Zr::UUID& Edit::uuid() const { return impl->uuid; }
 std::uint16_t Edit::cookieTag() const { return 0; }
@@ -292,7 +292,7 @@ EditModifier::~EditModifier() {
 }
 Edit* EditModifier::get() const { return edit_; }
 
-// --- 6. The database ------------------------------------------------------------------------------------------------
+// --- 6. The database -----------------------------------------------------------------------------
 projdb* EditManager::getProjdb() { return state().project ? &database : nullptr; }
 EditModifier EditManager::makeNewEdit(const Cookie&) {
   return EditModifier(state().project ? &state().project->add()->edit : nullptr);
@@ -378,7 +378,7 @@ ODBView::ODBView(ODBViewRep* rep) : rep_(rep) {}
 ODBView::~ODBView() {}
 ODBViewRep* ODBView::operator->() const { return rep_.get(); }
 
-// --- 7. Texts -------------------------------------------------------------------------------------------------------
+// --- 7. Texts ------------------------------------------------------------------------------------
 int vorn_printf(const char* format, ...) {
   va_list arguments;
   va_start(arguments, format);
@@ -390,7 +390,7 @@ WideText paddedResourceStrW(ResId, const wchar_t* before, const wchar_t* after, 
   return WideText(before) + WideText(L"Reel") + WideText(after); // asked for one text only: how reels are named
 }
 
-// --- 8. Devices: this host has none, and answers each question with nothing -----------------------------------------
+// --- 8. Devices: this host has none, and answers each question with nothing ----------------------
 ExtDeviceConfig::ExtDeviceConfig() : impl_(nullptr) {}
 ExtDeviceConfig::ExtDeviceConfig(const ExtDeviceConfig&) : impl_(nullptr) {}
 ExtDeviceConfig& ExtDeviceConfig::operator=(const ExtDeviceConfig&) { return *this; }

@@ -37,7 +37,7 @@ private:
   };
   static const std::vector<Operation>& operations();
 
-  // --- Operations that change reels by way of the manager: reels.cpp
+  // --- Operations that change reels by way of the manager: reels.cpp -----------------------------
   void createReel();
   void createReelOffThread();
   void renameReel();
@@ -52,7 +52,7 @@ private:
   void informRecordChanged();
   void enterAgain();
 
-  // --- Operations on one record: records.cpp
+  // --- Operations on one record: records.cpp -----------------------------------------------------
   void setTypeName();
   void setFlag();
   void setLabelMapping();
@@ -66,7 +66,7 @@ private:
   void storeField();
   void readValues();
 
-  // --- Questions: questions.cpp
+  // --- Questions: questions.cpp ------------------------------------------------------------------
   void lookUp();
   void list();
   void listForDevice();
@@ -78,7 +78,7 @@ private:
   void askType();
   void compareAll();
 
-  // --- What the host does: host_events.cpp
+  // --- What the host does: host_events.cpp -------------------------------------------------------
   void import();
   void addLog();
   void eraseLogs();
@@ -96,7 +96,7 @@ private:
   void deRegisterClient();
   void follow();
 
-  // --- What the operations share
+  // --- What the operations share -----------------------------------------------------------------
   /// Writes down the arguments of the operation, for the message when it goes wrong.
   template <class... Arguments>
   void with(const Arguments&... arguments)

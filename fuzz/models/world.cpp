@@ -57,7 +57,7 @@ World::World(std::vector<DeviceSettings> d, std::string systemWideType)
 {
 }
 
-// --- The host's part
+// --- The host's part -----------------------------------------------------------------------------
 
 void World::enter(const std::string& name, const std::optional<std::string>& defaultTypeOption)
 {
@@ -163,7 +163,7 @@ int World::runDeferred()
   return count;
 }
 
-// --- Clients
+// --- Clients -------------------------------------------------------------------------------------
 
 int World::newClient(const ModelClient& client)
 {
@@ -241,7 +241,7 @@ void World::informRecord(const std::string& changed)
   }
 }
 
-// --- One record
+// --- One record ----------------------------------------------------------------------------------
 
 std::string World::text(Number log, const std::string& key) const
 {
@@ -341,7 +341,7 @@ void World::updateChannels(Number number)
   log->video = std::max(log->video, video);
 }
 
-// --- The catalogue
+// --- The catalogue -------------------------------------------------------------------------------
 
 bool World::isKnownType(const std::string& name) const
 {
@@ -368,7 +368,7 @@ int World::channelsOf(const std::string& type, const std::string& param)
   return 0;
 }
 
-// --- The manager
+// --- The manager ---------------------------------------------------------------------------------
 
 void World::handleEntry()
 {

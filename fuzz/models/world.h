@@ -53,7 +53,7 @@ class World {
 public:
   World(std::vector<reelhost::DeviceSettings> devices, std::string systemWideType);
 
-  // --- What there is
+  // --- What there is -----------------------------------------------------------------------------
   bool open = false;                 ///< a project
   bool databaseGone = false;         ///< the host answers no database
   bool offMain = false;              ///< calls come from another thread
@@ -73,7 +73,7 @@ public:
   std::string prefix; ///< what the text of a log's Cookie begins with; eight digits of its number follow
   Texts heard, printed;
 
-  // --- The host's part
+  // --- The host's part ---------------------------------------------------------------------------
   void enter(const std::string& name, const std::optional<std::string>& defaultTypeOption);
   void leave();
   Number addLog(const ModelLog& log);
@@ -85,7 +85,7 @@ public:
   bool exists(Number log) const;
   ModelLog* find(Number log); ///< null when there is no such log
 
-  // --- Clients
+  // --- Clients -----------------------------------------------------------------------------------
   int newClient(const ModelClient& client);
   void endClient(int client);
   void registerClient(int client);
@@ -93,7 +93,7 @@ public:
   void informChanged(const std::string& id);
   void informRecord(const std::string& id);
 
-  // --- One record
+  // --- One record --------------------------------------------------------------------------------
   std::string id(Number log) const;
   std::string text(Number log, const std::string& key) const;
   std::string typeName(Number log) const;
@@ -107,12 +107,12 @@ public:
   void setLastDevice(Number log, const std::string& value);
   void updateChannels(Number log);
 
-  // --- The catalogue
+  // --- The catalogue -----------------------------------------------------------------------------
   bool isKnownType(const std::string& name) const;
   void addType(const std::string& name, const std::string& params);
   int channelsOf(const std::string& type, const std::string& param); ///< lists the type when it was not
 
-  // --- The manager
+  // --- The manager -------------------------------------------------------------------------------
   void handleEntry();
   void buildList();
   Number lookUp(const std::string& id) const;

@@ -7,10 +7,10 @@
 
 #include "host/codes.h"
 #include "reelhost/facility.h"
-#include "reeltypes/temp_dir.h"
 #include "support/bytes.h"
 #include "support/check.h"
 #include "support/config_error.h"
+#include "support/temp_folder.h"
 #include "support/toml_text.h"
 
 namespace {
@@ -127,7 +127,7 @@ std::string written(const Facility& facility)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-  static const reeldb_tests::TempDir folder;
+  static const reeldb_tests::TempFolder folder;
   const std::string bytes = allOf(data, size);
   const std::string path = folder.write("facility.toml", bytes);
   Facility facility;

@@ -8,10 +8,10 @@
 
 #include "host/device.h"
 #include "reelhost/host.h"
-#include "reeltypes/temp_dir.h"
 #include "support/bytes.h"
 #include "support/check.h"
 #include "support/config_error.h"
+#include "support/temp_folder.h"
 #include "support/toml_text.h"
 
 namespace {
@@ -37,7 +37,7 @@ public:
   std::string write(const std::string& bytes) const { return folder_.write("labelmaps/map.toml", bytes); }
 
 private:
-  reeldb_tests::TempDir folder_;
+  reeldb_tests::TempFolder folder_;
 };
 
 void requireSame(const Entries& got, const Entries& wanted, const char* what)

@@ -6,10 +6,10 @@
 
 #include "ReelTypeManager.h"
 #include "models/reel_types.h"
-#include "reeltypes/temp_dir.h"
 #include "support/bytes.h"
 #include "support/check.h"
 #include "support/own_host.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ public:
 
   void load(const std::string& bytes)
   {
-    static const reeldb_tests::TempDir folder;
+    static const reeldb_tests::TempFolder folder;
     const std::string path = folder.write("reeltype.dat", bytes);
     types_.load(path.c_str());
   }

@@ -15,8 +15,8 @@ public:
 /// An action the host runs later, once.
 class iExecutableAction : public iObject {
 public:
-  ~iExecutableAction() override; ///< likewise
-  virtual void execute() = 0;    ///< does the work; called on the main thread
+  ~iExecutableAction() override;
+  virtual void execute() = 0; ///< does the work; called on the main thread
 };
 
 /// Queues the action for the main thread, behind those that wait already; takes a reference of its own and lets go of

@@ -12,11 +12,11 @@
 /// field then keeps what it had.
 class strp_field {
 public:
-  strp_field();                             ///< without text
-  strp_field(const strp_field&);            ///< copies the text
-  strp_field& operator=(const strp_field&); ///< copies the text; assigned to itself it keeps it
-  ~strp_field();                            ///< gives the text back
-  void set(const char*);                    ///< copies the text, which may be the field's own; null: no text
+  strp_field(); ///< without text
+  strp_field(const strp_field&);
+  strp_field& operator=(const strp_field&);
+  ~strp_field();
+  void set(const char*);    ///< copies the text, which may be the field's own; null: no text
   const char* text() const; ///< null when the field holds no text; valid until the next change of the field
 
 private:
@@ -28,7 +28,7 @@ private:
 /// there, the others answer 0.
 class configb {
 public:
-  configb();                        ///< without keys
+  configb();
   ~configb();                       ///< ends the texts that `in` has answered
   configb(const configb&) = delete; ///< not copied: it belongs to one log or project
   configb& operator=(const configb&) = delete;

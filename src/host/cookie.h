@@ -15,9 +15,9 @@ namespace Zr {
 /// Sixteen bytes that name one object for good.
 class UUID {
 public:
-  UUID();                         ///< all bytes zero
-  UUID(const UUID&);              ///< the same bytes
-  UUID& operator=(const UUID&);   ///< the same bytes
+  UUID(); ///< all bytes zero
+  UUID(const UUID&);
+  UUID& operator=(const UUID&);
   int compare(const UUID&) const; ///< 0 when equal, else the sign of the byte order
   unsigned char bytes[16];        ///< the name, in the order in which it is written
 };
@@ -53,29 +53,29 @@ class LightweightVector;
 template <>
 class LightweightVector<Cookie> {
 public:
-  LightweightVector();                                    ///< without storage
-  LightweightVector(const LightweightVector&);            ///< shares the storage
-  LightweightVector& operator=(const LightweightVector&); ///< shares the storage
-  ~LightweightVector();                                   ///< the last holder frees the storage
-  struct Storage;                                         ///< the host's business
-  Storage* storage;                                       ///< null as long as there was no Cookie
+  LightweightVector();
+  LightweightVector(const LightweightVector&);
+  LightweightVector& operator=(const LightweightVector&);
+  ~LightweightVector(); ///< the last holder frees the storage
+  struct Storage;
+  Storage* storage; ///< null as long as there was no Cookie
 };
 
 /// A vector of Cookies. Copies share the storage; a change detaches it first, so no other copy sees it.
 class CookieVec {
 public:
-  CookieVec();                               ///< empty
-  CookieVec(const CookieVec&);               ///< shares the storage
-  CookieVec& operator=(const CookieVec&);    ///< shares the storage
-  ~CookieVec();                              ///< lets go of the storage
-  int count() const;                         ///< how many Cookies
-  bool empty() const;                        ///< whether there are none
+  CookieVec();
+  CookieVec(const CookieVec&);
+  CookieVec& operator=(const CookieVec&);
+  ~CookieVec();
+  int count() const;
+  bool empty() const;
   const Cookie& operator[](int index) const; ///< @p index from 0 to count() - 1; valid until the next change
   const Cookie* begin() const;               ///< the first Cookie, the others behind it; valid until the next change
-  const Cookie* end() const;                 ///< behind the last one
-  void add(const Cookie&);                   ///< at the end; it may be one of this vector
-  void remove(const Cookie&);                ///< the first equal Cookie, if any
-  void clear();                              ///< count 0; the storage is kept
+  const Cookie* end() const;
+  void add(const Cookie&);    ///< at the end; it may be one of this vector
+  void remove(const Cookie&); ///< the first equal Cookie, if any
+  void clear();               ///< count 0; the storage is kept
 
 private:
   LightweightVector<Cookie> items_;
@@ -86,8 +86,8 @@ private:
 class CookieSetRep : public Zr::InternalRefCount {
 public:
   const Cookie& operator[](int index) const; ///< @p index from 0 to count() - 1; valid until the next insert
-  int count() const;                         ///< how many Cookies
-  void insert(const Cookie&);                ///< does nothing when an equal Cookie is there
+  int count() const;
+  void insert(const Cookie&); ///< does nothing when an equal Cookie is there
 
 private:
   CookieVec items_;
@@ -99,8 +99,8 @@ class CookieSet {
 public:
   CookieSet();                      ///< empty, with a body of its own
   CookieSetRep* operator->() const; ///< the body; never null
-  CookieSetRep& operator*() const;  ///< the body
-  void insert(const Cookie&);       ///< at the end; does nothing when an equal Cookie is there
+  CookieSetRep& operator*() const;
+  void insert(const Cookie&); ///< at the end; does nothing when an equal Cookie is there
 
 private:
   Zr::Ptr<CookieSetRep> rep_;
@@ -109,11 +109,11 @@ private:
 /// Names one device configuration; 0 names none.
 class IdStamp {
 public:
-  IdStamp();                          ///< invalid
-  explicit IdStamp(unsigned value);   ///< the device's identity, by which the host finds it
-  IdStamp(const IdStamp&);            ///< the same device
-  IdStamp& operator=(const IdStamp&); ///< the same device
-  bool valid() const;                 ///< whether the value is not 0; there need be no such device
+  IdStamp();                        ///< invalid
+  explicit IdStamp(unsigned value); ///< the device's identity, by which the host finds it
+  IdStamp(const IdStamp&);
+  IdStamp& operator=(const IdStamp&);
+  bool valid() const; ///< whether the value is not 0; there need be no such device
 
 private:
   unsigned value_;

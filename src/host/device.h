@@ -15,10 +15,10 @@ class NotifyMsg;
 /// The configuration of one device, by value: a change stays in the copy until it is stored. It outlives the device.
 class ExtDeviceConfig {
 public:
-  ExtDeviceConfig();                                  ///< of no device: without inputs, port, tapes and name
-  ExtDeviceConfig(const ExtDeviceConfig&);            ///< a copy of its own
-  ExtDeviceConfig& operator=(const ExtDeviceConfig&); ///< a copy of its own
-  ~ExtDeviceConfig();                                 ///< stores nothing
+  ExtDeviceConfig(); ///< of no device: without inputs, port, tapes and name
+  ExtDeviceConfig(const ExtDeviceConfig&);
+  ExtDeviceConfig& operator=(const ExtDeviceConfig&);
+  ~ExtDeviceConfig();
   StringList getTapeList() const;                     ///< the reel types the device accepts, "Live" for a live feed
   LightweightString<wchar_t> getTextName() const;     ///< the device's display name; empty when unknown
   int getPortType() const;                            ///< codes::port9Pin and its neighbours
@@ -61,8 +61,8 @@ public:
     std::uint32_t source; ///< where the label is read: codes::fromVitc and its neighbours
     std::uint32_t format; ///< what the label counts: codes::counts30Fps and its neighbours
   };
-  static const int numEntries = 14; ///< of every map
-  LabelMappingSet();                ///< all entries zero
+  static const int numEntries = 14;
+  LabelMappingSet(); ///< all entries zero
   /// Resets the entries and loads the map of this name, which is that of a file without folder and ending. False when
   /// there is no such map or it cannot be loaded; the entries then stay reset. Throws nothing for that.
   bool load(const LightweightString<wchar_t>& name);

@@ -34,10 +34,10 @@ enum eLogAttribute : int {};
 /// The attributes and values a search asks for.
 class Map {
 public:
-  Map();                      ///< asks for nothing
-  Map(const Map&);            ///< a copy of its own
-  Map& operator=(const Map&); ///< a copy of its own
-  ~Map();                     ///< ends what was asked for
+  Map();
+  Map(const Map&);
+  Map& operator=(const Map&);
+  ~Map();
   /// Asks for logs whose attribute has this value, too. A search for the empty identifier answers nothing.
   void add(eLogAttribute, LightweightString<char> value);
 
@@ -73,33 +73,33 @@ public:
   int getNumChans(EditChanType) const;           ///< how many channels of the type; only codes::channelCountMask counts
   /// Adds one channel at the end. Called as (type, null, false, 0, false, -1.0).
   void addChan(EditChanType, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double);
-  const Zr::UUID& uuid() const;    ///< with the next two: what the log's Cookie is made of
-  std::uint16_t cookieTag() const; ///< the Cookie's tag
-  char cookieKind() const;         ///< the Cookie's kind, not 'I'
+  const Zr::UUID& uuid() const; ///< with the next two: what the log's Cookie is made of
+  std::uint16_t cookieTag() const;
+  char cookieKind() const; ///< the Cookie's kind, not 'I'
 
-  struct Impl; ///< the host's business
-  Impl* impl;  ///< the host's business
+  struct Impl;
+  Impl* impl;
 };
 
 /// A handle on an open log. It does not close by itself: every i_open is paired with an i_close, also when the log did
 /// not open. Nested openings of one log are allowed.
 class EditPtr {
 public:
-  EditPtr();                        ///< empty
-  ~EditPtr();                       ///< closes nothing
+  EditPtr();
+  ~EditPtr();
   EditPtr(const EditPtr&) = delete; ///< not copied: each opening is closed once
   EditPtr& operator=(const EditPtr&) = delete;
   /// Opens the log. Afterwards get() is null when it cannot be opened: there is no such log, no project is open, the
   /// Cookie is invalid. Throws nothing for that.
   void i_open(const Cookie&, eEditOpenBehaviour);
-  void i_close();                 ///< never throws; does nothing on an empty handle
-  EditPtr& operator=(Edit*);      ///< takes hold of a log that is open already: one more opening; null: none
-  Edit* get() const;              ///< the open log, or null
-  Edit* operator->() const;       ///< the open log; not of an empty handle
-  explicit operator bool() const; ///< whether a log is open
+  void i_close();            ///< never throws; does nothing on an empty handle
+  EditPtr& operator=(Edit*); ///< takes hold of a log that is open already: one more opening; null: none
+  Edit* get() const;         ///< the open log, or null
+  Edit* operator->() const;  ///< the open log; not of an empty handle
+  explicit operator bool() const;
 
 protected:
-  Edit* edit_; ///< null when no log is open
+  Edit* edit_;
 };
 
 /// A log opened for reading its attributes; closed with i_close like any other.

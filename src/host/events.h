@@ -11,8 +11,8 @@
 /// The description of one change to a log.
 class EditModification {
 public:
-  explicit EditModification(EditModificationType t) : type_(t) {} ///< of this type
-  EditModificationType type() const { return type_; }             ///< what was done to the log
+  explicit EditModification(EditModificationType t) : type_(t) {}
+  EditModificationType type() const { return type_; }
 
 private:
   EditModificationType type_;
@@ -27,12 +27,12 @@ class NotifyMsg;
 /// one that goes hears nothing more. Each event does nothing unless overridden.
 class ProjectListener {
 public:
-  virtual void handleLogsModification(const CookieVec&); ///< several logs were modified at once
+  virtual void handleLogsModification(const CookieVec&);
   /// The log was made, imported or modified; it is there already.
   virtual void handleLogModification(const Cookie&, const EditModification&);
   /// The logs were deleted; none of them opens any more. The text is the host's own.
   virtual void handleLogsDeletion(const CookieVec&, LightweightString<char>);
-  virtual void handleLogDirtied(const Cookie&);       ///< the log was marked dirty
+  virtual void handleLogDirtied(const Cookie&);
   virtual void handleLogStorage(const Cookie&, bool); ///< the log was stored; the flag is the host's own
   virtual void handleProjectEntry();                  ///< a project was entered; it is there already
   virtual void handleProjectExit();                   ///< the project is about to be left; it is still there

@@ -19,15 +19,15 @@ public:
   LightweightString(const CharT* text); ///< copies the text; null or "" gives no body. Implicit by design.
   /// Copies @p len elements; null or none gives no body. A NUL among them ends the text for who reads c_str().
   LightweightString(const CharT* text, std::size_t len);
-  LightweightString(const LightweightString& other);                ///< shares the body
-  LightweightString(LightweightString&& other) noexcept;            ///< takes the body; @p other is empty then
-  ~LightweightString();                                             ///< lets go of the body; the last holder frees it
-  LightweightString& operator=(const LightweightString& other);     ///< shares the body; self-assignment does nothing
+  LightweightString(const LightweightString& other);
+  LightweightString(LightweightString&& other) noexcept; ///< takes the body; @p other is empty then
+  ~LightweightString();
+  LightweightString& operator=(const LightweightString& other);
   LightweightString& operator=(LightweightString&& other) noexcept; ///< takes the body; moved to itself it keeps it
   LightweightString& operator=(const CharT* text); ///< copies the text, into an unshared body that has room
   const CharT* c_str() const;                      ///< never null, NUL terminated; valid until the next change
   std::size_t length() const;                      ///< in elements; 0 without a body
-  bool empty() const;                              ///< whether the length is 0
+  bool empty() const;
   /// The text for changing in place, at its length; detaches a shared body first, so no other string changes. Null
   /// without a body.
   CharT* writable();

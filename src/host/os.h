@@ -34,7 +34,7 @@ public:
   virtual int decRef(int* address) = 0;
 
 protected:
-  ~iRefCountService() = default; ///< the host's own
+  ~iRefCountService() = default;
 };
 
 /// The services that OS() hands out.
@@ -44,7 +44,7 @@ public:
   virtual iRefCountService& refCounts() = 0; ///< always the same one
 
 protected:
-  ~iHostServices() = default; ///< the host's own
+  ~iHostServices() = default;
 };
 
 /// The host's services: never null, always the same, usable from any thread, before main() and after exit().

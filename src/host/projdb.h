@@ -19,8 +19,8 @@ public:
   /// The text of the column that projdb::findField names; null when the row has no such field. Valid until the database
   /// changes.
   const char* get_field(unsigned short column) const;
-  struct Impl; ///< the host's business
-  Impl* impl;  ///< the host's business
+  struct Impl;
+  Impl* impl;
 };
 
 /// The database of the open project.
@@ -31,7 +31,7 @@ public:
   public:
     SearchCriteria(); ///< both numbers 0, no attribute
     /// Called with codes::shotSearchFirst and codes::shotSearchSecond: every log that is no reel log.
-    int first, second;             ///< see the first number
+    int first, second;
     LogAttributes::Map attributes; ///< which all have to be there
   };
   /// Called with codes::reelSearchMask and codes::reelSearchMaskOff: exactly the reel logs, in the order of the
@@ -43,8 +43,8 @@ public:
   dbrecord* operator[](const Cookie&);              ///< null when the Cookie has no row
   unsigned short findField(const char* name) const; ///< the column of a field, such as "Type", for get_field
   oledb* database();                                ///< for views; never null
-  struct Impl;                                      ///< the host's business
-  Impl* impl;                                       ///< the host's business
+  struct Impl;
+  Impl* impl;
 };
 
 /// The shared body of a view.
@@ -55,7 +55,7 @@ public:
   /// Shows the rows of these logs from @p position on, in place of what it showed there; logs without a row are passed
   /// over. Called with 0.
   void displayRecordsAt(const std::vector<Cookie>&, int position);
-  int numRows() const; ///< how many rows it shows
+  int numRows() const;
   /// The text of the column with this name, such as "Reel Type". Null when there is no such row or column. Valid while
   /// the view shows the row, also when the log changes.
   const char* cellText(int row, const char* column) const;
@@ -68,9 +68,9 @@ private:
 /// A view on some rows of the database.
 class ODBView {
 public:
-  explicit ODBView(ODBViewRep*);  ///< shares the body, which is not null
-  ~ODBView();                     ///< lets go of the body
-  ODBViewRep* operator->() const; ///< the body
+  explicit ODBView(ODBViewRep*); ///< shares the body, which is not null
+  ~ODBView();
+  ODBViewRep* operator->() const;
 
 private:
   Zr::Ptr<ODBViewRep> rep_;

@@ -11,12 +11,12 @@ namespace Zr {
 /// Counting goes through OS()->refCounts() and so is as thread-safe as that service.
 class InternalRefCount {
 public:
-  InternalRefCount();                                 ///< without a holder
+  InternalRefCount();
   InternalRefCount(const InternalRefCount&) = delete; ///< not copied: holders hold one object
   InternalRefCount& operator=(const InternalRefCount&) = delete;
   virtual ~InternalRefCount(); ///< by release; directly only when nobody held it
-  void addRef() const;         ///< one holder more
-  void release() const;        ///< deletes the object when no holder remains
+  void addRef() const;
+  void release() const; ///< deletes the object when no holder remains
 
 private:
   mutable int refs_;
@@ -27,14 +27,13 @@ private:
 template <class T>
 class Ptr {
 public:
-  Ptr() : p_(nullptr) {} ///< null
+  Ptr() : p_(nullptr) {}
   /// Becomes a holder of the object, also of a new one. Implicit by design.
   Ptr(T* p) : p_(p)
   {
     if (p_)
       p_->addRef();
   }
-  /// One holder more.
   Ptr(const Ptr& o) : p_(o.p_)
   {
     if (p_)
@@ -47,7 +46,6 @@ public:
     if (p_)
       p_->addRef();
   }
-  /// Lets go of its object and holds the other's.
   Ptr& operator=(Ptr o)
   {
     T* t = p_;
@@ -55,16 +53,15 @@ public:
     o.p_ = t;
     return *this;
   }
-  /// Lets go of the object, which ends with its last holder.
   ~Ptr()
   {
     if (p_)
       p_->release();
   }
-  T* get() const { return p_; }                            ///< the object or null; the Ptr goes on holding it
-  T* operator->() const { return p_; }                     ///< the object; not of a null Ptr
-  T& operator*() const { return *p_; }                     ///< the object; not of a null Ptr
-  explicit operator bool() const { return p_ != nullptr; } ///< whether it is not null
+  T* get() const { return p_; }        ///< the object or null; the Ptr goes on holding it
+  T* operator->() const { return p_; } ///< the object; not of a null Ptr
+  T& operator*() const { return *p_; } ///< the object; not of a null Ptr
+  explicit operator bool() const { return p_ != nullptr; }
 
 private:
   T* p_;

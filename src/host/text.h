@@ -47,17 +47,17 @@ class ByteStream;
 /// A growable character buffer, in memory of OS()->allocator().
 class GrowString {
 public:
-  GrowString();                             ///< the empty text
-  GrowString(const GrowString&);            ///< copies the text
-  ~GrowString();                            ///< ends the text
-  GrowString& operator=(const GrowString&); ///< copies the text
-  GrowString& operator=(const char*);       ///< replaces the text; null gives the empty text
-  void append(const char*);                 ///< null appends nothing; may lie in this buffer
-  void append(char);                        ///< one character
-  GrowString& operator<<(unsigned);         ///< appends the decimal form
-  operator const char*() const;             ///< never null, NUL terminated; valid until the next change
+  GrowString();
+  GrowString(const GrowString&);
+  ~GrowString();
+  GrowString& operator=(const GrowString&);
+  GrowString& operator=(const char*); ///< replaces the text; null gives the empty text
+  void append(const char*);           ///< null appends nothing; may lie in this buffer
+  void append(char);
+  GrowString& operator<<(unsigned); ///< appends the decimal form
+  operator const char*() const;     ///< never null, NUL terminated; valid until the next change
 
-  friend ByteStream& operator>>(ByteStream&, GrowString&); ///< fills it
+  friend ByteStream& operator>>(ByteStream&, GrowString&);
 
 private:
   /// Writes @p count characters at @p at, where the text then ends. They may lie in this buffer.
@@ -81,7 +81,6 @@ public:
   bool joinCrLf = false; ///< whether a CR directly followed by LF counts as one separator
   bool atEnd() const;    ///< whether no unread character remains; true at once over an empty text
 
-  /// Reads a piece; see below.
   friend ByteStream& operator>>(ByteStream&, GrowString&);
 
 private:

@@ -54,8 +54,7 @@ std::string Call::line() const
   return text;
 }
 
-// --- One call
-// ----------------------------------------------------------------------------------------------------------------
+// --- One call ------------------------------------------------------------------------------------
 
 CallRecord::CallRecord(const char* operation, std::string arguments) : number_(0), isKept_(false)
 {
@@ -81,8 +80,7 @@ void CallRecord::ended(std::string result)
     k.calls[number_ - k.firstNumber].result = call_.result;
 }
 
-// --- What tests read
-// ----------------------------------------------------------------------------------------------------------------
+// --- What tests read -----------------------------------------------------------------------------
 
 Journal& Journal::the()
 {

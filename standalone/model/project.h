@@ -44,7 +44,7 @@ public:
   const Cookie& cookie() const { return cookie_; }
   configb& options() { return options_; }
 
-  // --- Finding
+  // --- Finding -----------------------------------------------------------------------------------
   Log* find(const Cookie& cookie) ///< null when there is no such log
   {
     Log* const log = table_.find(CookieWords(cookie));
@@ -55,7 +55,7 @@ public:
   CookieVec othersWithReelId(std::string_view id); ///< those with this identifier, in any ASCII case
   std::unordered_map<std::string, std::int64_t> countOthersByReelId();
 
-  // --- Changing. Each throws Error when another process keeps the project or has changed it.
+  // --- Changing. Each throws Error when another process keeps the project or has changed it. -----
   Log& create(StoredLog&& log);           ///< number and Cookie are given here
   void changing(Log& log);                ///< to be called before a change that is to be stored
   void reelIdChanged(Log& log);           ///< to be called after the change
@@ -64,7 +64,7 @@ public:
   int undelete();
   int compact();
 
-  // --- Storing
+  // --- Storing -----------------------------------------------------------------------------------
   bool hasChanges() const;
   bool commit(); ///< whether anything was stored
   void idle();

@@ -22,8 +22,8 @@ enum class ErrorKind {
 /// The one exception of the standalone host; std::bad_alloc passes. what() reads "subject: fact (cause)".
 class Error : public std::runtime_error {
 public:
-  Error(ErrorKind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {} ///< says @p what as it is
-  ErrorKind kind() const { return kind_; }                                                  ///< what kind of failure
+  Error(ErrorKind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {}
+  ErrorKind kind() const { return kind_; }
 
 private:
   ErrorKind kind_;

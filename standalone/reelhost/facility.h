@@ -118,7 +118,7 @@ void createFacility(const std::filesystem::path& dir);
 
 /// One entry of a label map file; docs/formats/labelmap.md has the words for the codes.
 struct LabelMapEntry {
-  bool inUse = false;  ///< whether the entry counts
+  bool inUse = false;
   unsigned source = 0; ///< code of where the label is read, 0 to 9
   unsigned format = 0; ///< code of what it counts, 0 to 10
 };

@@ -58,7 +58,7 @@ void openProject(const std::string& name, Access access);
 /// Leaves the project (listeners hear handleProjectExit) and drops what was not committed, of the facility's state too.
 /// Does nothing without one. Exceptions of listeners are swallowed.
 void closeProject() noexcept;
-bool projectIsOpen();             ///< whether a project is open
+bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< where it is kept; belongs to the project. REQUIRES: a project is open
 

@@ -40,8 +40,8 @@ public:
   void clear();                           ///< forgets what was kept
   std::vector<Call> calls() const;        ///< a copy of what was kept; a call that has not returned yet has no result
   std::vector<std::string> lines() const; ///< the same calls as Call::line writes them
-  std::vector<std::string> operations() const; ///< the operation names alone
-  int count(std::string_view operation) const; ///< how many calls of the operation were kept
+  std::vector<std::string> operations() const;
+  int count(std::string_view operation) const;
 };
 
 /// Thrown by the host operation that the script chose.

@@ -10,7 +10,7 @@ class NotifyMsg {
 public:
   /// Of the device with this reelhost::DeviceSettings::id; 0: no device in particular.
   explicit NotifyMsg(unsigned deviceId) : deviceId_(deviceId) {}
-  unsigned deviceId() const { return deviceId_; } ///< as it was given
+  unsigned deviceId() const { return deviceId_; }
 
 private:
   unsigned deviceId_;

@@ -34,15 +34,15 @@ struct ProjectInfo {
 struct StoredLog {
   std::int64_t number = 0;              ///< 1, 2, 3, ... in the order of creation; never given out twice
   std::array<unsigned char, 16> uuid{}; ///< with tag and kind: the log's Cookie
-  std::uint16_t tag = 0;                ///< the Cookie's tag
-  char kind = 'E';                      ///< the Cookie's kind, not 'I'
-  int type = 0;                         ///< log type: 9 reel, 1 material, 0 not classified
-  bool imported = false;                ///< whether it came in from elsewhere
-  bool entireMedium = false;            ///< whether it stands for the whole medium
-  std::string name;                     ///< display name
-  int videoChannels = 0;                ///< how many
-  int audioChannels = 0;                ///< how many
-  std::string reelType;                 ///< what the row shows as "Reel Type"
+  std::uint16_t tag = 0;
+  char kind = 'E';           ///< the Cookie's kind, not 'I'
+  int type = 0;              ///< log type: 9 reel, 1 material, 0 not classified
+  bool imported = false;     ///< whether it came in from elsewhere
+  bool entireMedium = false; ///< whether it stands for the whole medium
+  std::string name;          ///< display name
+  int videoChannels = 0;
+  int audioChannels = 0;
+  std::string reelType; ///< what the row shows as "Reel Type"
   /// The configuration block, "reelid" included; each key once. Stores return it in one order, whatever the order it
   /// came in: the keys of shotTexts (reelhost/material.h), then all others by their bytes.
   KeyValues fields;
@@ -57,7 +57,6 @@ struct Changes {
   bool undelete = false;             ///< the last deletion comes back out of the bin
   bool compact = false;              ///< the bin is emptied for good
   KeyValues options;                 ///< project options that were set
-  /// Whether nothing changed.
   bool empty() const { return logs.empty() && deleted.empty() && !undelete && !compact && options.empty(); }
 };
 
@@ -88,7 +87,7 @@ public:
   /// REQUIRES: begun. Throws Error: Unreadable when what is read is damaged, Io. What @p sink throws passes.
   /// @{
 
-  virtual ProjectInfo info() = 0;        ///< what the project is
+  virtual ProjectInfo info() = 0;
   virtual KeyValues options() = 0;       ///< ordered by key
   virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the bin included
   virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;  ///< logs of type 9 by number, bin excluded

@@ -28,8 +28,9 @@ int UUID::compare(const UUID& other) const
 
 } // namespace Zr
 
-// --- The text form: the kind, then the name that the bytes spell ("P0001000") or the bytes and the tag in hexadecimal
-// digits ("E{000102030405060708090a0b0c0d0e0f.0001}"). Each Cookie has one text and each text one Cookie.
+// --- The text form -------------------------------------------------------------------------------
+// The kind, then the name that the bytes spell ("P0001000") or the bytes and the tag in hexadecimal digits
+// ("E{000102030405060708090a0b0c0d0e0f.0001}"). Each Cookie has one text and each text one Cookie.
 
 namespace {
 

@@ -22,7 +22,7 @@
 
 void exportedHeaders(CreateNewReelAction&, ReelDbClient&, ReelDbManager&, ReelDbRec&, ReelType&, ReelTypeManager&) {}
 
-// --- The host interface, header by header
+// --- The host interface, header by header --------------------------------------------------------
 void action(iObject&, iExecutableAction&) {}
 void config(strp_field&, configb&, SystemCfg&) {}
 void containers(ArrayRec&, StringRec&, Array&, StringList&, AssocListRep&, AssocListRep::Entry&, AssocList&,

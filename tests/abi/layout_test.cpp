@@ -29,7 +29,7 @@ namespace {
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 
-// --- Values of the boundary: a library and a host agree on these
+// --- Values of the boundary: a library and a host agree on these ---------------------------------
 static_assert(sizeof(LightweightString<char>) == sizeof(void*) && sizeof(LightweightString<wchar_t>) == sizeof(void*));
 static_assert(sizeof(Zr::UUID) == 16 && sizeof(Cookie) == 20 && alignof(Cookie) == 2);
 static_assert(sizeof(CookieVec) == 16 && sizeof(Array) == 24 && sizeof(StringList) == sizeof(Array));
@@ -57,7 +57,7 @@ static_assert(codes::from9PinLtc == 3 && codes::from9PinVitc == 4 && codes::from
 static_assert(codes::counts30Fps == 0 && codes::counts25Fps == 1 && codes::counts50Fps == 9 &&
               codes::counts60Fps == 10);
 
-// --- The library's own classes
+// --- The library's own classes -------------------------------------------------------------------
 static_assert(sizeof(ReelDbClient) == sizeof(ArrayRec) + sizeof(LightweightString<char>));
 
 static_assert(offsetof(ReelDbManager, reelList) == 8);
@@ -79,21 +79,21 @@ static_assert(offsetof(ReelType, name) == 0 && offsetof(ReelType, numVideoChans)
 
 #pragma GCC diagnostic pop
 
-// --- Inheritance
+// --- Inheritance ---------------------------------------------------------------------------------
 static_assert(std::is_base_of_v<ProjectListener, ReelDbManager> && !std::has_virtual_destructor_v<ReelDbManager>);
 static_assert(std::is_base_of_v<ArrayRec, ReelDbClient> && std::has_virtual_destructor_v<ReelDbClient>);
 static_assert(std::is_base_of_v<iExecutableAction, CreateNewReelAction>);
 static_assert(std::is_base_of_v<iObject, iExecutableAction> && std::is_base_of_v<Zr::InternalRefCount, iObject>);
 static_assert(std::is_base_of_v<EditPtr, EditInfo> && std::is_base_of_v<Array, StringList>);
 
-// --- Copies
+// --- Copies --------------------------------------------------------------------------------------
 static_assert(!std::is_copy_constructible_v<ReelDbClient> && !std::is_copy_assignable_v<ReelDbClient>);
 static_assert(!std::is_copy_constructible_v<ReelDbManager> && !std::is_copy_assignable_v<ReelDbManager>);
 static_assert(!std::is_copy_constructible_v<ReelTypeManager> && !std::is_copy_assignable_v<ReelTypeManager>);
 static_assert(!std::is_copy_constructible_v<EditModifier> && !std::is_move_constructible_v<EditModifier>);
 static_assert(std::is_copy_constructible_v<ReelDbRec> && std::is_copy_assignable_v<ReelDbRec>);
 
-// --- Shapes of declarations that callers depend on
+// --- Shapes of declarations that callers depend on -----------------------------------------------
 template <class T>
 using Text = LightweightString<T>;
 using Ids = std::vector<Text<char>>;
@@ -125,7 +125,7 @@ using Member = R (C::*)(A...);
 [[maybe_unused]] constexpr Member<ReelType, ReelTypeManager, const unsigned&> byIndex = &ReelTypeManager::type;
 [[maybe_unused]] constexpr Member<ReelType, ReelTypeManager, const Text<char>&> byName = &ReelTypeManager::type;
 
-// --- Reading objects as a compiled program would
+// --- Reading objects as a compiled program would -------------------------------------------------
 
 /// What lies at this offset in an object.
 template <class T>

@@ -7,36 +7,15 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <string>
 
 #include "ReelDbManager.h"
 #include "ReelTypeManager.h"
 #include "reelhost/facility.h"
 #include "reelhost/host.h"
 #include "support/counting_services.h"
+#include "support/temp_folder.h"
 
 namespace {
-
-/// A folder of this test alone.
-class TemporaryFolder {
-public:
-  TemporaryFolder()
-  {
-    std::string name = (std::filesystem::temp_directory_path() / "reeldb-unload-XXXXXX").string();
-    path_ = mkdtemp(name.data()) ? name : std::string();
-  }
-  ~TemporaryFolder()
-  {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-
-private:
-  std::filesystem::path path_;
-};
 
 /// What the host has given out and not got back.
 std::int64_t inUse()
@@ -64,9 +43,8 @@ T* find(void* library, const char* name)
 
 TEST(Unload, GivesBackEverythingAndCanBeLoadedAgain)
 {
-  const TemporaryFolder folder;
-  ASSERT_FALSE(folder.path().empty());
-  const std::filesystem::path site = folder.path() / "site";
+  const reeldb_tests::TempFolder folder;
+  const std::filesystem::path site = folder / "site";
   reelhost::createFacility(site);
   ASSERT_EQ(0, setenv("REELDB_FACILITY", site.c_str(), 1));
   ASSERT_EQ(site, reelhost::facility().directory());

@@ -14,7 +14,7 @@
 #include <sys/resource.h>
 #include <sys/syscall.h>
 
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace {
 

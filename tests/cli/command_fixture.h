@@ -9,7 +9,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cli/process.h"
-#include "reeltypes/temp_dir.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 
@@ -31,7 +31,7 @@ protected:
   std::string path(const std::string& name) const { return (dir_.path() / name).string(); }
   std::string readFile(const std::string& name) const;
 
-  TempDir dir_;
+  TempFolder dir_;
   ProcessSetting setting_ = inFolder(dir_.path());
 
 private:

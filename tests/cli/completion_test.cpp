@@ -142,7 +142,7 @@ TEST_F(Completion, NothingIsChanged)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
-// --- The shells ------------------------------------------------------------------------------------------------------
+// --- The shells ----------------------------------------------------------------------------------
 
 class Shells : public Completion {
 protected:

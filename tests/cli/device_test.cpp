@@ -98,8 +98,7 @@ TEST_F(Device, LabelMapIsTheUsualOneForPortAndRate)
   EXPECT_EQ(json({"device", "label-map", "5", "--json"}), Json::parse(R"({"device": 5, "label_map": "pal1394"})"));
 }
 
-// --- Label maps
-// ------------------------------------------------------------------------------------------------------------------
+// --- Label maps ----------------------------------------------------------------------------------
 
 class LabelMapCommand : public Device {};
 

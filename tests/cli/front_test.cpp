@@ -213,8 +213,7 @@ TEST_F(Front, BrokenFacilityDoesNoHarmToWhatNeedsNone)
   }
 }
 
-// --- The type file
-// ---------------------------------------------------------------------------------------------------------------------
+// --- The type file -------------------------------------------------------------------------------
 
 class FrontTypeFile : public Front {
 protected:

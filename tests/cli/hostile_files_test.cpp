@@ -174,7 +174,7 @@ protected:
     return result.out;
   }
 
-  TempDir outside_;
+  TempFolder outside_;
   std::string site_; ///< as messages name the facility, with a slash
 };
 
@@ -184,7 +184,7 @@ std::vector<Words> readersOf(const std::string& file)
   return {{"import", file}, {"import", "--dry-run", file}, {"diff", file}, {"reels-of", "--file", file}};
 }
 
-// --- Far too large ---------------------------------------------------------------------------------------------------
+// --- Far too large -------------------------------------------------------------------------------
 
 class HugeFile : public HostileFiles {
 protected:
@@ -281,7 +281,7 @@ TEST_F(HostileFiles, ReelTypesOfSixtyFourMebibytesAreReadAndOfOneByteMoreNot)
   expectError({"types"}, 3, site_ + "devicedata/reeltype.dat: too large (more than 67108864 bytes)");
 }
 
-// --- Links, devices, folders -----------------------------------------------------------------------------------------
+// --- Links, devices, folders ---------------------------------------------------------------------
 
 TEST_F(HostileFiles, ListIsReadThroughALink)
 {
@@ -503,7 +503,7 @@ TEST_F(HostileFiles, ExportLeavesALinkThatLeadsToNoFile)
 
 TEST_F(HostileFiles, FacilityIsMadeInTheFolderThatALinkNames)
 {
-  TempDir place;
+  TempFolder place;
   link("new", place.path().native());
   EXPECT_EQ(attempt({"init", "new"}).code, 0);
   EXPECT_TRUE(fs::is_symlink(path("new")));
@@ -540,7 +540,7 @@ TEST_F(HostileFiles, FacilityIsMadeNowhereElse)
     }
 }
 
-// --- Names -----------------------------------------------------------------------------------------------------------
+// --- Names ---------------------------------------------------------------------------------------
 
 TEST_F(HostileFiles, NameThatCannotBeAProjectsMakesAndFindsNone)
 {
@@ -644,7 +644,7 @@ TEST_F(HostileFiles, NamesOfReelTypesNeverReachATerminalAsTheyAre)
       EXPECT_NE((attempt(words, terminal).out + attempt(words).err).find("x1b"), std::string::npos);
 }
 
-// --- A list that grows -----------------------------------------------------------------------------------------------
+// --- A list that grows ---------------------------------------------------------------------------
 
 /// Appends a text to a file, a little at a time and without regard to lines, until it ends or is stopped.
 class Appender {

@@ -8,7 +8,6 @@
 
 #include <array>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -16,6 +15,8 @@
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -138,21 +139,15 @@ bool hasAnchor(const fs::path& document, const std::string& anchor)
 
 class Document : public ::testing::TestWithParam<std::string> {
 protected:
-  Document()
-  {
-    std::string pattern = (fs::temp_directory_path() / "reeldb-docs-XXXXXX").string();
-    folder_ = mkdtemp(pattern.data());
-    fs::copy(fs::path(REELDB_SOURCE_DIR) / "examples", folder_ / "examples", fs::copy_options::recursive);
-  }
-  ~Document() override { fs::remove_all(folder_); }
+  Document() { fs::copy(fs::path(REELDB_SOURCE_DIR) / "examples", folder_ / "examples", fs::copy_options::recursive); }
   const fs::path document_ = fs::path(REELDB_SOURCE_DIR) / GetParam();
-  fs::path folder_;
+  const reeldb_tests::TempFolder folder_;
 };
 
 TEST_P(Document, ConsoleBlocksPrintWhatTheySay)
 {
   for (const Step& step : stepsOf(document_))
-    EXPECT_EQ(outputOf(step.command, folder_), step.expected)
+    EXPECT_EQ(outputOf(step.command, folder_.path()), step.expected)
         << GetParam() << ":" << step.line << ": $ " << step.command;
 }
 
@@ -160,8 +155,8 @@ TEST_P(Document, CppBlocksCompile)
 {
   for (const std::string& block : blocksOf(document_, "cpp")) {
     const std::string source = block.find("int main(") == std::string::npos ? wrapped(block) : block;
-    std::ofstream(folder_ / "block.cpp") << source;
-    EXPECT_EQ(outputOf(REELDB_COMPILE " block.cpp", folder_), "") << GetParam() << ":\n" << source;
+    folder_.write("block.cpp", source);
+    EXPECT_EQ(outputOf(REELDB_COMPILE " block.cpp", folder_.path()), "") << GetParam() << ":\n" << source;
   }
 }
 

@@ -8,7 +8,7 @@
 #include <filesystem>
 
 #include "cli/process.h"
-#include "reeltypes/temp_dir.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 
@@ -34,7 +34,7 @@ protected:
     return runProcess({LOAD_PROBE}, setting);
   }
 
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 constexpr const char* types = "F2|VideoChannels=1\nF4|AudioChannels=4\n";

@@ -242,7 +242,7 @@ void Scene::forgetHeard()
   followsR1->forget();
 }
 
-// --- What there is to see
+// --- What there is to see ------------------------------------------------------------------------
 
 std::vector<Cookie> Scene::allLogs() const
 {

@@ -16,8 +16,8 @@
 #include "CreateNewReelAction.h"
 #include "faults/listening.h"
 #include "faults/scenario.h"
-#include "reeltypes/temp_dir.h"
 #include "support/library_fixture.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 
@@ -35,7 +35,8 @@ public:
   using LibraryTest::manager;
   using LibraryTest::script;
 
-  // --- What there is. Reels: R1 (type F2), cam (Live) and its case twin CAM (F2), R2 (a type nobody knows), R3 (no
+  // --- What there is -----------------------------------------------------------------------------
+  // Reels: R1 (type F2), cam (Live) and its case twin CAM (F2), R2 (a type nobody knows), R3 (no
   // type, last used on the device Deck), one without an identifier. Shots: three of R1, one of them spelt r1, one of
   // cam, one of no reel. Devices: 1 Deck, 2 Cam, 3 Feed.
   void set(const Scenario& scenario, int hold);
@@ -50,7 +51,7 @@ public:
   void onAnotherThread(); ///< the operation is taken to come from another thread than the main one
   Cookie log(const std::string& name) const { return logs_.at(name); }
 
-  // --- What the operation is given
+  // --- What the operation is given ---------------------------------------------------------------
   Text id, value;
   Wide wide;
   int number = 0;
@@ -62,7 +63,7 @@ public:
   reelhost::Script& hostScript = reelhost::Script::the(); ///< to be asked without being watched from then on
   Text typeFile;                                          ///< path of a type file with all kinds of records
 
-  // --- What it answers
+  // --- What it answers ---------------------------------------------------------------------------
   std::variant<std::monostate, bool, int, Text, Wide, Cookie, CookieVec> answer;
   int intOut = 0;
   Text textOut;
@@ -73,7 +74,7 @@ public:
   std::optional<ReelTypeManager> otherTypes;
   std::string described() const; ///< all of it, as text
 
-  // --- Who listens: one that follows no reel, one that follows R1
+  // --- Who listens: one that follows no reel, one that follows R1 --------------------------------
   std::optional<Listening> anyReel, followsR1;
   std::vector<std::unique_ptr<ReelDbClient>> crowd; ///< further ones, who do nothing
   std::vector<std::string> heard() const { return anyReel->heard(); }
@@ -100,7 +101,7 @@ private:
   std::vector<Cookie> allLogs() const;
   std::string withNames(std::string lines) const; ///< each Cookie written as the name of its log
 
-  TempDir folder_;
+  TempFolder folder_;
   reelhost::Facility facility_;
   std::map<std::string, Cookie> logs_; ///< by what this scene calls them
   void (*fill_)(Scene&) = nullptr;

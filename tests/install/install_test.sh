@@ -71,7 +71,7 @@ $LIBDIR/pkgconfig/reeldb-host.pc
 $LIBDIR/pkgconfig/reeldb-host-values.pc
 share/bash-completion/completions/reeldb
 share/doc/reeldb/LICENSE
-share/doc/reeldb/docs/commands/import.md
+share/doc/reeldb/docs/formats/edl.md
 share/doc/reeldb/docs/embedding.md
 share/fish/vendor_completions.d/reeldb.fish
 share/man/man1/reeldb.1

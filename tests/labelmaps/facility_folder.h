@@ -4,7 +4,7 @@
 
 #include "reelhost/facility.h"
 #include "reelhost/host.h"
-#include "reeltypes/temp_dir.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 
@@ -23,7 +23,7 @@ public:
   const std::filesystem::path& path() const { return folder_.path(); }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 } // namespace reeldb_tests

@@ -120,7 +120,7 @@ protected:
   }
 };
 
-// --- Does the map use VITC?
+// --- Does the map use VITC? ----------------------------------------------------------------------
 
 TEST_F(LabelMaps, SourcesOneAndTwoAreVitc)
 {
@@ -182,7 +182,7 @@ TEST_F(LabelMaps, EachCallLoadsTheMapAnew)
   EXPECT_FALSE(map_file_uses_vitc(L"M"));
 }
 
-// --- Does the map fit the project?
+// --- Does the map fit the project? ---------------------------------------------------------------
 
 TEST_F(LabelMaps, PalRatesRejectFormatsZeroAndTen)
 {
@@ -258,7 +258,7 @@ TEST_F(LabelMaps, ProjectTestAsksForTheProjectsRateNotTheOutputs)
   EXPECT_TRUE(fitsProject(4));
 }
 
-// --- Does the map fit the device?
+// --- Does the map fit the device? ----------------------------------------------------------------
 
 TEST_F(LabelMaps, MapThatCannotBeLoadedFitsNoDeviceAndSaysSo)
 {
@@ -452,7 +452,7 @@ TEST_F(LabelMaps, HostCallsEndWithTheFirstRejection)
                           "9-PIN\\n\")"}));
 }
 
-// --- Which map does a device use?
+// --- Which map does a device use? ----------------------------------------------------------------
 
 TEST_F(LabelMaps, DefaultsFor9PinPorts)
 {
@@ -555,7 +555,7 @@ TEST_F(LabelMaps, DefaultMapItselfIsNotTested)
   EXPECT_EQ(printedBy([this] { EXPECT_EQ(defaultName(0, 3), "pal9pin"); }), Texts{});
 }
 
-// --- Which map does a reel on a device use?
+// --- Which map does a reel on a device use? ------------------------------------------------------
 
 TEST_F(LabelMaps, ReelsOwnMapIsReturnedUntested)
 {
@@ -636,7 +636,7 @@ TEST_F(LabelMaps, ReelsAreThoseOfTheProcesssManager)
   EXPECT_EQ(required("R1", theDevice(0)), "own");
 }
 
-// --- Host calls that fail
+// --- Host calls that fail ------------------------------------------------------------------------
 
 TEST_F(LabelMaps, EachHostCallOfTheMapTestsMayThrow)
 {

@@ -71,7 +71,7 @@ CountingAllocator& host()
   return services.allocator();
 }
 
-// --- Before main and after it
+// --- Before main and after it --------------------------------------------------------------------
 
 /// Whether what the program allocates arrives at the host.
 bool programAllocatesAtTheHost();
@@ -107,7 +107,7 @@ void atExit()
   std::atexit(atExit);
 }
 
-// --- The library's own operators
+// --- The library's own operators -----------------------------------------------------------------
 
 void* ownSymbol(const char* name)
 {

@@ -18,7 +18,7 @@ protected:
 
 } // namespace
 
-// --- The set of reels ------------------------------------------------------------------------------------------------
+// --- The set of reels ----------------------------------------------------------------------------
 
 TEST_F(Notification, ReelSetChangeWithoutClientsStillRebuildsTheList)
 {
@@ -108,7 +108,7 @@ TEST_F(Notification, ReelSetChangeWithoutDatabaseKeepsTheListAndTells)
   EXPECT_EQ(heard_, (Heard{"dbC(R1)"}));
 }
 
-// --- One record ------------------------------------------------------------------------------------------------------
+// --- One record ----------------------------------------------------------------------------------
 
 TEST_F(Notification, RecordChangeTellsEveryClientAndTheInterestedOneFirst)
 {
@@ -171,7 +171,7 @@ TEST_F(Notification, ReelOfInterestIsAskedWhenItsClientIsVisited)
   EXPECT_EQ(heard_, (Heard{"a:some(R1)", "b:our()", "b:some(R1)"}));
 }
 
-// --- Handlers that change what is being told: the same for both kinds of change --------------------------------------
+// --- Handlers that change what is being told: the same for both kinds of change ------------------
 
 namespace {
 
@@ -374,7 +374,7 @@ TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
   EXPECT_EQ(heard_, tellings({"a", "b"}, "R2"));
 }
 
-// --- Handlers that make reels ----------------------------------------------------------------------------------------
+// --- Handlers that make reels --------------------------------------------------------------------
 
 TEST_F(Notification, ReelMadeWhileTheReelSetIsToldIsToldFirst)
 {

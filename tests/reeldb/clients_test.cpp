@@ -292,7 +292,7 @@ TEST_F(Clients, TakeTheirPlaceInARegistryThatSomebodyMarkedSorted)
   EXPECT_EQ(heard_, (Heard{"b:some(R1)", "a:some(R1)"}));
 }
 
-// --- A second manager ------------------------------------------------------------------------------------------------
+// --- A second manager ----------------------------------------------------------------------------
 
 TEST_F(Clients, GoToTheManagerOfTheProcess)
 {

@@ -35,7 +35,7 @@ protected:
   void pretendNothing() { script().coPid = nullptr; }
 };
 
-// --- Who the main thread is
+// --- Who the main thread is ----------------------------------------------------------------------
 
 TEST_F(Deferral, OnlyTheLowSixteenBitsOfTheThreadCount)
 {
@@ -67,7 +67,7 @@ TEST_F(Deferral, BeforeTheHostsStartUpEveryCreationIsDeferred)
   reelhost::startUp();
 }
 
-// --- What another thread's call does
+// --- What another thread's call does -------------------------------------------------------------
 
 TEST_F(Deferral, CallAsksForTheThreadAndDefersAndNothingElse)
 {
@@ -182,7 +182,7 @@ TEST_F(Deferral, FailureOfEitherHostCallPassesAndDefersNothing)
   EXPECT_EQ(reelhost::deferredActions(), 1);
 }
 
-// --- The action itself
+// --- The action itself ---------------------------------------------------------------------------
 
 TEST_F(Deferral, ActionKeepsTheIdentifierAlive)
 {
@@ -246,7 +246,7 @@ TEST_F(Deferral, FailureInTheActionPassesWithEverythingClosed)
   EXPECT_GT(failed, 25);
 }
 
-// --- Worker threads
+// --- Worker threads ------------------------------------------------------------------------------
 
 /// A gate that one thread waits at until another opens it.
 class Gate {

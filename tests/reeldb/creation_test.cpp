@@ -41,7 +41,7 @@ protected:
   static void addType(const char* name, const char* params) { theReelTypeManager()->add(name, params); }
 };
 
-// --- Trimming
+// --- Trimming ------------------------------------------------------------------------------------
 
 TEST_F(Creation, TrimTakesBlanksFromBothEnds)
 {
@@ -87,7 +87,7 @@ TEST_F(Creation, TrimLeavesTheCallersStringAlone)
   EXPECT_NE(result.c_str(), plain.c_str()) << "the result is a text of its own, also when nothing was cut";
 }
 
-// --- What a new reel is
+// --- What a new reel is --------------------------------------------------------------------------
 
 TEST_F(Creation, NewReelIsThereUnderItsTrimmedIdentifier)
 {
@@ -133,7 +133,7 @@ TEST_F(Creation, TabIsALegalIdentifier)
   EXPECT_EQ(reelIds(), (Lines{"\t", "R1\t"}));
 }
 
-// --- What makes no reel
+// --- What makes no reel --------------------------------------------------------------------------
 
 TEST_F(Creation, EmptyOrBlankIdentifierMakesNothing)
 {
@@ -205,7 +205,7 @@ TEST_F(Creation, WithoutADatabaseTheReelIsMadeButNotListed)
   EXPECT_EQ(reelIds(), Lines{});
 }
 
-// --- Devices
+// --- Devices -------------------------------------------------------------------------------------
 
 TEST_F(Creation, NoDeviceMeansNoDeviceIsAskedAndNoChannelAdded)
 {
@@ -331,7 +331,7 @@ TEST_F(Creation, NamelessDeviceThatNamesReelsStoresTheEmptyIdentifier)
   EXPECT_EQ(heard_, Heard{"dbC()"}) << "a record without identifier has nobody to be told of it";
 }
 
-// --- The project's default type
+// --- The project's default type ------------------------------------------------------------------
 
 TEST_F(Creation, NewReelGetsTheProjectsDefaultType)
 {
@@ -370,7 +370,7 @@ TEST_F(Creation, DevicesChannelsBeyondTheTypesStay)
   EXPECT_EQ(channels(create("R2", deck), 2), 3);
 }
 
-// --- The host calls, from first to last
+// --- The host calls, from first to last ----------------------------------------------------------
 
 /// The changes of the log itself, each between an opening and a close of its own.
 Lines logWritten(const std::string& id, const std::string& name)
@@ -473,7 +473,7 @@ TEST_F(Creation, UnknownDefaultTypeAsksForTheDeviceOfNoName)
   EXPECT_EQ(countOf(operations, "Edit::addChan"), 0);
 }
 
-// --- What clients hear and see
+// --- What clients hear and see -------------------------------------------------------------------
 
 TEST_F(Creation, ClientsHearOfTheFlagAndThenOfTheReel)
 {
@@ -589,7 +589,7 @@ TEST_F(Creation, OtherManagerTellsItsOwnClientsOfTheReelAndTheRecordTellsThoseOf
   EXPECT_EQ(manager().reelList.count(), 0);
 }
 
-// --- When the host fails
+// --- When the host fails -------------------------------------------------------------------------
 
 TEST_F(Creation, ExceptionOfAHandlerPassesAndLeavesTheNewLogBehind)
 {
@@ -637,7 +637,7 @@ TEST_F(Creation, EachOpeningMayFailAndTheReelIsStillAnnounced)
   }
 }
 
-// --- Log modifications
+// --- Log modifications ---------------------------------------------------------------------------
 
 class LogModification : public Creation {
 protected:

@@ -79,7 +79,7 @@ protected:
 
 } // namespace
 
-// --- Entry -----------------------------------------------------------------------------------------------------------
+// --- Entry ---------------------------------------------------------------------------------------
 
 TEST_F(Lifecycle, FirstEntryDoesItsStepsInOrder)
 {
@@ -328,7 +328,7 @@ TEST_F(Lifecycle, ExceptionDuringTheEntryPassesAndLeavesTheRestUndone)
   }
 }
 
-// --- Exit ------------------------------------------------------------------------------------------------------------
+// --- Exit ----------------------------------------------------------------------------------------
 
 TEST_F(Lifecycle, ExitEmptiesTheListAndDoesNothingElse)
 {
@@ -384,7 +384,7 @@ TEST_F(Lifecycle, ExitLeavesCopiesOfTheListWhole)
   EXPECT_EQ(1, copy.count());
 }
 
-// --- The reel list ---------------------------------------------------------------------------------------------------
+// --- The reel list -------------------------------------------------------------------------------
 
 TEST_F(Lifecycle, ReelListIsWhatTheDatabaseAnswersInItsOrder)
 {
@@ -439,7 +439,7 @@ TEST_F(Lifecycle, BuildingTheReelListTellsNobody)
   EXPECT_EQ(heard_, Heard{});
 }
 
-// --- The default type ------------------------------------------------------------------------------------------------
+// --- The default type ----------------------------------------------------------------------------
 
 TEST_F(Lifecycle, DefaultTypeIsStoredAsItIs)
 {
@@ -466,7 +466,7 @@ TEST_F(Lifecycle, DefaultTypeWithoutABodyIsStoredAsTheEmptyOne)
   EXPECT_EQ("", storedDefaultType());
 }
 
-// --- Managers --------------------------------------------------------------------------------------------------------
+// --- Managers ------------------------------------------------------------------------------------
 
 TEST_F(Lifecycle, ThereIsOneManagerOfTheProcess)
 {

@@ -65,7 +65,7 @@ protected:
 
 } // namespace
 
-// --- All reels -------------------------------------------------------------------------------------------------------
+// --- All reels -----------------------------------------------------------------------------------
 
 TEST_F(Listing, AllReelsComeInTheOrderOfTheListWithTheirOwnSpelling)
 {
@@ -278,7 +278,7 @@ TEST_F(Listing, IsOfOneManagersListAlone)
   EXPECT_EQ(texts(ids), (Texts{"B", "A", "B"}));
 }
 
-// --- Reels for a device ----------------------------------------------------------------------------------------------
+// --- Reels for a device --------------------------------------------------------------------------
 
 TEST_F(Listing, DeviceGetsTheReelsOfTypesItAcceptsAndOfTypesNobodyDefined)
 {
@@ -427,7 +427,7 @@ TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedOnceAlsoForNoReels)
   EXPECT_EQ(3, countOf(calls, "EditPtr::i_open"));
 }
 
-// --- Exceptions of the host ------------------------------------------------------------------------------------------
+// --- Exceptions of the host ----------------------------------------------------------------------
 
 TEST_F(Listing, ExceptionOfAnyHostCallPassesWithEveryLogClosed)
 {

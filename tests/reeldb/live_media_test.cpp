@@ -219,7 +219,7 @@ TEST_F(LiveMedia, HostCallsAfterTheCreation)
                   "ExtDeviceConfigurationManager::storeDevice(\"Cam 2\", false)"}})));
 }
 
-// --- When the creation gives no reel
+// --- When the creation gives no reel -------------------------------------------------------------
 
 /// What is done with the invalid record and the device when no reel came of the creation.
 Lines goneOnWithoutAReel()

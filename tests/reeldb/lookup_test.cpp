@@ -53,7 +53,7 @@ protected:
 
 } // namespace
 
-// --- Finding the log -------------------------------------------------------------------------------------------------
+// --- Finding the log -----------------------------------------------------------------------------
 
 TEST_F(Lookup, FindsTheReelWhateverTheCaseOfItsLetters)
 {
@@ -221,7 +221,7 @@ TEST_F(Lookup, IsOfOneManagersListAlone)
   EXPECT_EQ(4, second.checkReelValid("A"));
 }
 
-// --- Cost ------------------------------------------------------------------------------------------------------------
+// --- Cost ----------------------------------------------------------------------------------------
 
 TEST_F(Lookup, EmptyListCostsNoHostCallAtAll)
 {
@@ -241,7 +241,7 @@ TEST_F(Lookup, UnknownReelIsLookedForOnceAndItsTypeNotAtAll)
   }
 }
 
-// --- The record ------------------------------------------------------------------------------------------------------
+// --- The record ----------------------------------------------------------------------------------
 
 TEST_F(Lookup, RecordIsTheReelsOwn)
 {
@@ -274,7 +274,7 @@ TEST_F(Lookup, InvalidCookieInTheListIsNoReel)
   EXPECT_FALSE(manager().doesReelExist("A"));
 }
 
-// --- Whether the type is known ---------------------------------------------------------------------------------------
+// --- Whether the type is known -------------------------------------------------------------------
 
 TEST_F(Lookup, ReelOfAKnownTypeIsValid)
 {
@@ -331,7 +331,7 @@ TEST_F(Lookup, TypeIsReadOnceFromTheDatabasesView)
   EXPECT_EQ(0, countOf(calls, "EditPtr::i_open"));
 }
 
-// --- Live material ---------------------------------------------------------------------------------------------------
+// --- Live material -------------------------------------------------------------------------------
 
 TEST_F(Lookup, LiveMaterialIsOfTheVeryTypeLive)
 {
@@ -372,7 +372,7 @@ TEST_F(Lookup, WithoutDatabaseNothingIsLive)
   EXPECT_FALSE(manager().representsLiveMaterial("A"));
 }
 
-// --- Generated material ----------------------------------------------------------------------------------------------
+// --- Generated material --------------------------------------------------------------------------
 
 TEST_F(Lookup, GeneratedMaterialHasAStarInItsIdentifier)
 {
@@ -387,7 +387,7 @@ TEST_F(Lookup, GeneratedMaterialHasAStarInItsIdentifier)
             Texts{});
 }
 
-// --- Marks -----------------------------------------------------------------------------------------------------------
+// --- Marks ---------------------------------------------------------------------------------------
 
 TEST_F(Lookup, MarksAreSetAndTakenBack)
 {
@@ -465,7 +465,7 @@ TEST_F(Lookup, MarksDoNotBearOnLookups)
   EXPECT_EQ(1U, ids.size());
 }
 
-// --- Names of user fields --------------------------------------------------------------------------------------------
+// --- Names of user fields ------------------------------------------------------------------------
 
 TEST_F(Lookup, UserFieldsAreNamedFromOneWhenNothingIsStored)
 {
@@ -533,7 +533,7 @@ TEST_F(Lookup, KeyOfTheNamesIsNotTheKeyOfTheFields)
   EXPECT_EQ("Roll", text(manager().userFieldName(3)));
 }
 
-// --- Exceptions of the host ------------------------------------------------------------------------------------------
+// --- Exceptions of the host ----------------------------------------------------------------------
 
 TEST_F(Lookup, ExceptionOfAnyHostCallPassesWithEveryLogClosed)
 {

@@ -380,7 +380,7 @@ TEST_F(Renaming, EachHostCallMayThrow)
   EXPECT_GT(failed, 25);
 }
 
-// --- Copying
+// --- Copying -------------------------------------------------------------------------------------
 
 class Copying : public ChangesTest {
 protected:
@@ -612,7 +612,7 @@ TEST_F(Copying, HostCalls)
   EXPECT_EQ(listing(lines, {{from, "from"}, {to, "to"}}), listing(wanted));
 }
 
-// --- The hold
+// --- The hold ------------------------------------------------------------------------------------
 
 class CopyingHold : public Copying {
 protected:

@@ -375,7 +375,7 @@ protected:
   }
 };
 
-// --- The reels that shots name
+// --- The reels that shots name -------------------------------------------------------------------
 
 TEST_F(Shots, ReelIsNamedOncePerShotInTheOrderOfTheShots)
 {
@@ -432,7 +432,7 @@ TEST_F(Shots, OtherManagerHasItsOwnListButLooksReelsUpInTheProcesssManager)
   EXPECT_EQ(texts(other.getReelsReferenced(cookies({shot}))), Lines{text(a)});
 }
 
-// --- The shots of a reel
+// --- The shots of a reel -------------------------------------------------------------------------
 
 TEST_F(Shots, ShotsOfTheReelAreAppendedInAnyCaseAndPrinted)
 {
@@ -476,7 +476,7 @@ TEST_F(Shots, WithoutADatabaseOnlyTheIdentifierIsRead)
   EXPECT_EQ(out.count(), 0);
 }
 
-// --- What goes when a selection is deleted
+// --- What goes when a selection is deleted -------------------------------------------------------
 
 TEST_F(Shots, EachSelectedReelIsFollowedByItsShots)
 {
@@ -604,7 +604,7 @@ TEST_F(Shots, HostCallsOfADeletionSet)
                           {"vorn_printf(\"Preparing to delete: shot from Reel: A001\\n\")"}})));
 }
 
-// --- Host calls that fail
+// --- Host calls that fail ------------------------------------------------------------------------
 
 TEST_F(Shots, EachHostCallOfADeletionSetMayThrow)
 {

@@ -37,8 +37,7 @@ protected:
   Cookie reel;
 };
 
-// --- Identifier
-// -----------------------------------------------------------------------------------------------------------
+// --- Identifier ----------------------------------------------------------------------------------
 
 TEST_F(Attributes, IdIsTheField)
 {
@@ -156,8 +155,7 @@ TEST_F(Attributes, LongIdIsComparedAsItReads)
   EXPECT_EQ(stepsOf([&] { rec.reelId(stored.substr(0, 2047).c_str()); }), readId(rec));
 }
 
-// --- Flags
-// ----------------------------------------------------------------------------------------------------------------
+// --- Flags ---------------------------------------------------------------------------------------
 
 struct Flag {
   const char* key;
@@ -302,8 +300,7 @@ TEST_P(AttributeFlags, ThrowingHostCallLeavesNoLogOpen)
   EXPECT_EQ(throwingRuns([&] { ReelDbRec(rec).setIntValInEdit(key.c_str(), 0); }, [&] { set(rec, true); }), 7);
 }
 
-// --- Texts with one word that stands for nothing
-// --------------------------------------------------------------------------
+// --- Texts with one word that stands for nothing -------------------------------------------------
 
 struct Named {
   const char* key;
@@ -439,8 +436,7 @@ TEST_P(AttributeTexts, ThrowingHostCallLeavesNoLogOpen)
   EXPECT_EQ(throwingRuns([&] { ReelDbRec(rec).setStringValInEdit(key.c_str(), ""); }, [&] { set(rec, "text"); }), 7);
 }
 
-// --- User fields
-// ----------------------------------------------------------------------------------------------------------
+// --- User fields ---------------------------------------------------------------------------------
 
 TEST_F(Attributes, UserFieldKeyIsTheNumberInDecimal)
 {
@@ -533,8 +529,7 @@ TEST_F(Attributes, ThrowingHostCallInAUserFieldLeavesNoLogOpen)
   EXPECT_EQ(throwingRuns([&] { rec.setStringValInEdit("reel_userfield0", ""); }, [&] { rec.userField(0, "x"); }), 7);
 }
 
-// --- Notification
-// ---------------------------------------------------------------------------------------------------------
+// --- Notification --------------------------------------------------------------------------------
 
 TEST_F(Attributes, ChangeIsToldWithTheIdThatStandsAfterIt)
 {
@@ -607,8 +602,7 @@ TEST_F(Attributes, ExceptionOfAHandlerPassesWithEveryLogClosed)
   }
 }
 
-// --- Last device
-// ----------------------------------------------------------------------------------------------------------
+// --- Last device ---------------------------------------------------------------------------------
 
 TEST_F(Attributes, LastDeviceIsReadAsUtf8)
 {
@@ -709,8 +703,7 @@ TEST_F(Attributes, ThrowingHostCallInALastDeviceLeavesNoLogOpen)
   EXPECT_GE(throwingRuns([&] { rec = reelWith({}); }, [&] { rec.lastDevice(L"Deck"); }), 15);
 }
 
-// --- Type
-// -----------------------------------------------------------------------------------------------------------------
+// --- Type ----------------------------------------------------------------------------------------
 
 TEST_F(Attributes, TypeIsReadFromTheRow)
 {

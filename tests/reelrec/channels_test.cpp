@@ -79,8 +79,7 @@ TEST_F(Channels, CookieOfTheInvalidKindFollowsTheDeviceWhateverItsTypeIs)
   EXPECT_EQ(videoAndAudio(), Pair(1, 2));
 }
 
-// --- By type
-// ----------------------------------------------------------------------------------------------------------------
+// --- By type -------------------------------------------------------------------------------------
 
 TEST_F(Channels, MissingAudioOfTheTypeIsAddedAndTheRowRefreshedOnce)
 {
@@ -204,8 +203,7 @@ TEST_F(Channels, TypeThatAQuestionAddedToTheCatalogueWantsNone)
   EXPECT_EQ(videoAndAudio(), Pair(0, 0));
 }
 
-// --- By device
-// --------------------------------------------------------------------------------------------------------------
+// --- By device -----------------------------------------------------------------------------------
 
 TEST_F(Channels, UnknownTypeAsksTheLastDeviceAndIsNotAddedToTheCatalogue)
 {
@@ -292,8 +290,7 @@ TEST_F(Channels, WithoutADatabaseTheLastDeviceIsAsked)
   EXPECT_EQ(videoAndAudio(), Pair(1, 1));
 }
 
-// --- Failures
-// ---------------------------------------------------------------------------------------------------------------
+// --- Failures ------------------------------------------------------------------------------------
 
 TEST_F(Channels, LogThatDoesNotOpenIsClosedAndLeftAlone)
 {

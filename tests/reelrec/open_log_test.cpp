@@ -128,8 +128,7 @@ TEST_F(OpenLogs, CloserClosesTheHandleItWasGiven)
   EXPECT_FALSE(handle);
 }
 
-// --- The attribute
-// --------------------------------------------------------------------------------------------------------
+// --- The attribute -------------------------------------------------------------------------------
 
 TEST_F(OpenLogs, AttributeIsTheReelId)
 {

@@ -37,8 +37,7 @@ bool hasNoBody(const Text& text)
   return text.c_str() == Text().c_str();
 }
 
-// --- The record
-// ---------------------------------------------------------------------------------------------------------
+// --- The record ----------------------------------------------------------------------------------
 
 TEST_F(TypedAccess, NewRecordNamesNoLog)
 {
@@ -74,8 +73,7 @@ TEST_F(TypedAccess, MakingARecordAsksTheHostNothing)
   EXPECT_EQ(stepsOf([&] { const ReelDbRec empty, rec(reel), copy(rec); }), Steps());
 }
 
-// --- Integers
-// -------------------------------------------------------------------------------------------------------------
+// --- Integers ------------------------------------------------------------------------------------
 
 TEST_F(TypedAccess, StoredOneReadsAsOne)
 {
@@ -165,8 +163,7 @@ TEST_F(TypedAccess, WritingANumberToALogThatDoesNotOpenDoesNothing)
   EXPECT_EQ(configText(reel, "n"), "1");
 }
 
-// --- Fields
-// ---------------------------------------------------------------------------------------------------------------
+// --- Fields --------------------------------------------------------------------------------------
 
 TEST_F(TypedAccess, PresentFieldIsRead)
 {
@@ -256,8 +253,7 @@ TEST_F(TypedAccess, WritingAFieldToALogThatDoesNotOpenDoesNothing)
   EXPECT_EQ(configText(reel, "f"), "text");
 }
 
-// --- Strings
-// --------------------------------------------------------------------------------------------------------------
+// --- Strings -------------------------------------------------------------------------------------
 
 TEST_F(TypedAccess, PresentStringIsRead)
 {
@@ -407,8 +403,7 @@ TEST_F(TypedAccess, LongStringIsStoredWhole)
   EXPECT_EQ(configText(reel, "s"), std::string(5000, 'x'));
 }
 
-// --- All accessors
-// --------------------------------------------------------------------------------------------------------
+// --- All accessors -------------------------------------------------------------------------------
 
 TEST_F(TypedAccess, NullKeyIsTheEmptyKey)
 {
@@ -513,8 +508,7 @@ TEST_F(TypedAccess, AThrowingOpenIsClosedToo)
             failedOpen(reel));
 }
 
-// --- The two meanings of configb::in
-// --------------------------------------------------------------------------------------
+// --- The two meanings of configb::in -------------------------------------------------------------
 
 TEST_F(TypedAccess, PresenceAndTextOfAKeyAreToldApart)
 {

@@ -79,8 +79,7 @@ protected:
   ReelTypeManager catalogue;
 };
 
-// --- The one catalogue
-// --------------------------------------------------------------------------------------------------
+// --- The one catalogue ---------------------------------------------------------------------------
 
 TEST_F(Catalogue, TheOneIsTheExportedObject)
 {
@@ -152,8 +151,7 @@ TEST_F(Catalogue, EndOfACatalogueLeavesAHeldTypeAlone)
   EXPECT_STREQ(held->value.c_str(), "A=1");
 }
 
-// --- getReelParam
-// -------------------------------------------------------------------------------------------------------
+// --- getReelParam --------------------------------------------------------------------------------
 
 struct Question {
   const char* params;
@@ -258,8 +256,7 @@ TEST_F(Catalogue, ParamPrintsNothing)
             Names());
 }
 
-// --- Channel counts
-// -----------------------------------------------------------------------------------------------------
+// --- Channel counts ------------------------------------------------------------------------------
 
 TEST_F(Catalogue, CountsAreThoseOfTheirOwnParameter)
 {
@@ -309,8 +306,7 @@ TEST_F(Catalogue, CountsAreTheSameWhenAskedAgain)
   }
 }
 
-// --- type
-// ---------------------------------------------------------------------------------------------------------------
+// --- type ----------------------------------------------------------------------------------------
 
 TEST_F(Catalogue, TypeByNameHasNameAndCounts)
 {
@@ -386,8 +382,7 @@ TEST_F(Catalogue, PositionBeyondTheEndHasTheCountsOfTheEmptyName)
   EXPECT_EQ(type.numAudioChans, 7);
 }
 
-// --- getAllReelTypes
-// ----------------------------------------------------------------------------------------------------
+// --- getAllReelTypes -----------------------------------------------------------------------------
 
 TEST_F(Catalogue, AllNamesOfAnEmptyCatalogueAreNone)
 {
@@ -485,8 +480,7 @@ TEST_F(Catalogue, AllNamesWithoutMemoryGiveAWholeListSoFar)
   EXPECT_GE(failures, 10);
 }
 
-// --- StringRec
-// ----------------------------------------------------------------------------------------------------------
+// --- StringRec -----------------------------------------------------------------------------------
 
 TEST_F(Catalogue, WithoutAListEndsQuietly)
 {

@@ -15,7 +15,7 @@
 #include <sstream>
 #include <string>
 
-#include "reeltypes/temp_dir.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 namespace {
@@ -64,7 +64,7 @@ protected:
     return (dir.path() / "facility").string();
   }
 
-  TempDir dir;
+  TempFolder dir;
 
 private:
   static std::string read(const std::string& file)

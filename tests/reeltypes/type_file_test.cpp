@@ -9,10 +9,10 @@
 #include <utility>
 
 #include "host/text.h"
-#include "reeltypes/temp_dir.h"
 #include "support/counting_services.h"
 #include "support/hosts_own.h"
 #include "support/library_fixture.h"
+#include "support/temp_folder.h"
 
 namespace reeldb_tests {
 namespace {
@@ -82,13 +82,13 @@ protected:
     return "\"ReelTypeList Warning: " + name + ": no parameters. Line " + std::to_string(line) + "\\n\"";
   }
 
-  TempDir dir;
+  TempFolder dir;
   ReelTypeManager catalogue;
 };
 
 using TypeFileDeathTest = TypeFile;
 
-// --- Files ----------------------------------------------------------------------------------------------------------
+// --- Files ---------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, MissingFileChangesNothingAndPrintsNothing)
 {
@@ -235,8 +235,7 @@ TEST_F(TypeFile, FileIsClosedWhenMemoryRunsOut)
   EXPECT_EQ(entries(), (Entries{{"a", "A=1"}, {"b", "B=2"}}));
 }
 
-// --- Records
-// ----------------------------------------------------------------------------------------------------------
+// --- Records -------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, RecordWithoutColonWarns)
 {
@@ -306,8 +305,7 @@ TEST_F(TypeFile, TextAfterASecondColonIsIgnored)
   EXPECT_EQ(entries(), (Entries{{"Film 35", "VideoChannels=1"}}));
 }
 
-// --- Line numbers
-// -----------------------------------------------------------------------------------------------------
+// --- Line numbers --------------------------------------------------------------------------------
 
 struct Lines {
   const char* bytes;
@@ -344,8 +342,7 @@ TEST_F(TypeFile, EachFileCountsFromOne)
   EXPECT_EQ(load("S\n"), (Printed{warning("S", 1)}));
 }
 
-// --- add
-// ----------------------------------------------------------------------------------------------------------------
+// --- add -----------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, AddTrimsBoth)
 {
@@ -385,8 +382,7 @@ TEST_F(TypeFile, ReplacedParametersStayInTheirBodyWhenTheyFit)
   EXPECT_STREQ(body, "VideoChannels=2");
 }
 
-// --- chopSpaces
-// ---------------------------------------------------------------------------------------------------------
+// --- chopSpaces ----------------------------------------------------------------------------------
 
 TEST_F(TypeFile, ChopTakesWhiteSpaceAtBothEndsOnly)
 {
@@ -426,8 +422,7 @@ TEST_F(TypeFile, ChopLeavesAStringThatSharesTheBodyAlone)
   EXPECT_STREQ(result.c_str(), "a");
 }
 
-// --- Limits
-// -------------------------------------------------------------------------------------------------------------
+// --- Limits --------------------------------------------------------------------------------------
 
 const std::string longest(2047, 'x');
 const std::string blanks(5000, ' ');
@@ -515,8 +510,7 @@ TEST_F(TypeFileDeathTest, AddOf2048BytesAborts)
   EXPECT_ABORT(catalogue.add("n", (longest + "x").c_str()));
 }
 
-// --- parseParamToken
-// ----------------------------------------------------------------------------------------------------
+// --- parseParamToken -----------------------------------------------------------------------------
 
 struct Token {
   const char* token;
@@ -596,8 +590,7 @@ TEST_F(TypeFile, TokenAndNameOfTheCallerKeepTheirCase)
   EXPECT_STREQ(name.c_str(), "VideoChannels");
 }
 
-// --- errMsg
-// -------------------------------------------------------------------------------------------------------------
+// --- errMsg --------------------------------------------------------------------------------------
 
 TEST_F(TypeFile, MessageIsPrintedLetterForLetter)
 {

@@ -163,7 +163,7 @@ TEST_P(Database, RowsOfUnknownLogsAreUpdatedWithoutHarm)
   EditManager::updateProjdbRec(Cookie());
 }
 
-// --- Views
+// --- Views ---------------------------------------------------------------------------------------
 
 std::string typeNameOf(const Cookie& log)
 {

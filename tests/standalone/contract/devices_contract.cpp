@@ -166,7 +166,7 @@ TEST_P(Devices, AMessageTellsItsDevice)
   EXPECT_FALSE(none.valid());
 }
 
-// --- Label maps
+// --- Label maps ----------------------------------------------------------------------------------
 
 std::vector<LabelMappingSet::Entry> entries()
 {

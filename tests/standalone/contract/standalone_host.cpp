@@ -12,7 +12,7 @@
 #include "reelhost/journal.h"
 #include "reelhost/notify_msg.h"
 #include "standalone/model/forwarding_store.h"
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace host_contract {
 

@@ -20,7 +20,7 @@ const std::vector<std::string> labelMapFiles = {"24f1394.toml", "24f9pin.toml", 
 
 TEST(CreateFacility, MakesEverythingButTheProject)
 {
-  const TempDir folder;
+  const TempFolder folder;
   createFacility(folder / "site");
   EXPECT_EQ(namesIn(folder / "site"),
             (std::vector<std::string>{"devicedata", "facility.toml", "labelmaps", "projects"}));
@@ -31,7 +31,7 @@ TEST(CreateFacility, MakesEverythingButTheProject)
 
 TEST(CreateFacility, TheFacilityIsReadAndHasADeckAndACamera)
 {
-  const TempDir folder;
+  const TempFolder folder;
   createFacility(folder.path());
   const Facility facility = Facility::read(folder.path());
   EXPECT_EQ(facility.defaultProject(), "main");
@@ -52,7 +52,7 @@ TEST(CreateFacility, TheFacilityIsReadAndHasADeckAndACamera)
 
 TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
 {
-  const TempDir folder;
+  const TempFolder folder;
   createFacility(folder.path());
   std::ifstream file(folder / "devicedata/reeltype.dat");
   std::vector<std::string> names;
@@ -74,7 +74,7 @@ TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
 
 TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
 {
-  const TempDir folder;
+  const TempFolder folder;
   createFacility(folder.path());
   for (const std::string& name : labelMapFiles) {
     const std::vector<LabelMapEntry> entries = readLabelMap(folder / "labelmaps" / name);
@@ -104,7 +104,7 @@ TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
 
 TEST(CreateFacility, FacilityThatIsThereIsRefusedAndStays)
 {
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "facility.toml", "mine");
   EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
             "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
@@ -118,7 +118,7 @@ TEST(CreateFacility, FacilityThatIsThereIsRefusedAndStays)
 
 TEST(CreateFacility, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directory(folder / "labelmaps");
   writeBytes(folder / "labelmaps/ntstofd.toml", "mine");
   EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
@@ -129,7 +129,7 @@ TEST(CreateFacility, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
 
 TEST(CreateFacility, FolderWithOtherThingsInItIsFine)
 {
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "notes.txt", "mine");
   fs::create_directory(folder / "projects");
   writeBytes(folder / "projects/a.reels", "mine");
@@ -140,14 +140,14 @@ TEST(CreateFacility, FolderWithOtherThingsInItIsFine)
 
 TEST(CreateFacility, FolderThatCannotBeMadeIsAnError)
 {
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "file", "");
   EXPECT_EQ(errorOf([&] { createFacility(folder / "file"); }).rfind("Io: " + (folder / "file").native(), 0), 0u);
 }
 
 TEST(CreateFacility, FailureTakesBackTheFoldersThatWereMadeAndNoOthers)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directory(folder / "a");
   fs::create_directory(folder / "a/b");
   writeBytes(folder / "a/b/labelmaps", "mine");
@@ -159,7 +159,7 @@ TEST(CreateFacility, FailureTakesBackTheFoldersThatWereMadeAndNoOthers)
 
 TEST(CreateFacility, WhatIsNotKeptIsGoneAgain)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directory(folder / "site");
   fs::create_directory(folder / "site/labelmaps");
   writeBytes(folder / "site/labelmaps/mine.toml", "mine");

@@ -43,7 +43,7 @@ TEST(FacilityDocument, ExamplesAreRead)
 {
   const auto blocks = tomlBlocks("facility.md");
   ASSERT_EQ(blocks.size(), 2u);
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "facility.toml", blocks[0]);
   const Facility before = Facility::read(folder.path());
   EXPECT_EQ(before.frameRates(), Facility().frameRates());
@@ -62,7 +62,7 @@ TEST(LabelMapDocument, ExamplesMakeAWholeMap)
   std::string map = blocks[0];
   for (int i = 0; i < 12; ++i)
     map += blocks[1];
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "map.toml", map);
   const auto entries = readLabelMap(folder / "map.toml");
   EXPECT_EQ(entries[0].source, 3u);

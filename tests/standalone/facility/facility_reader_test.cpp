@@ -27,7 +27,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(FacilityReaderTest, EmptyFileIsAFacilityOfDefaults)

@@ -22,7 +22,7 @@ protected:
   fs::path folder() const { return folder_.path(); }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST(FacilityWithoutFiles, HasBuiltInTextsAndFrameRatesOnly)

@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 
 TEST(FindFacility, NearestFolderUpwards)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directories(folder / "outer/inner/deep");
   writeBytes(folder / "outer/facility.toml", "");
   EXPECT_EQ(findFacility(folder / "outer"), folder / "outer");
@@ -24,7 +24,7 @@ TEST(FindFacility, NearestFolderUpwards)
 
 TEST(FindFacility, FolderOfThatNameIsNone)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directories(folder / "inner/facility.toml");
   writeBytes(folder / "facility.toml", "");
   EXPECT_EQ(findFacility(folder / "inner"), folder.path());
@@ -32,7 +32,7 @@ TEST(FindFacility, FolderOfThatNameIsNone)
 
 TEST(FindFacility, RelativeStart)
 {
-  const TempDir folder;
+  const TempFolder folder;
   fs::create_directories(folder / "site/sub");
   writeBytes(folder / "site/facility.toml", "");
   const fs::path before = fs::current_path();

@@ -39,7 +39,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(LabelMapFile, FourteenEntriesInTheOrderOfTheFile)

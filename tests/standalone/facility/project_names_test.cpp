@@ -21,7 +21,7 @@ protected:
   fs::path projects() const { return folder_ / "projects"; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(ProjectNames, FileOfAPlainName)
@@ -53,7 +53,7 @@ TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
 
 TEST_F(ProjectNames, LinkIsFollowedWithinTheFacilityOnly)
 {
-  const TempDir elsewhere;
+  const TempFolder elsewhere;
   const std::string real = fs::canonical(elsewhere.path()).native();
   fs::create_symlink("main.reels", projects() / "near.reels");
   fs::create_symlink("nowhere", projects() / "gone.reels");
@@ -69,7 +69,7 @@ TEST_F(ProjectNames, LinkIsFollowedWithinTheFacilityOnly)
 
 TEST_F(ProjectNames, FolderThatIsALinkToElsewhereHoldsNoProjects)
 {
-  const TempDir elsewhere;
+  const TempFolder elsewhere;
   const std::string real = fs::canonical(elsewhere.path()).native();
   fs::remove(projects());
   fs::create_symlink(elsewhere.path(), projects());
@@ -91,7 +91,7 @@ TEST_F(ProjectNames, FolderWhoseNameBeginsLikeTheFacilitysIsElsewhere)
 
 TEST_F(ProjectNames, FacilityBehindALinkHasItsProjects)
 {
-  const TempDir elsewhere;
+  const TempFolder elsewhere;
   const fs::path link = elsewhere / "link";
   fs::create_directory_symlink(projects().parent_path(), link);
   EXPECT_EQ(Facility::read(link).projectFile("main"), link / "projects" / "main.reels");

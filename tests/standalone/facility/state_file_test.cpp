@@ -29,7 +29,7 @@ protected:
   const char* const stays = "; the state file is damaged and stays as it is (moving it away starts a new one)";
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(StateFileTest, NoFileIsAnEmptyState)

@@ -24,7 +24,7 @@ protected:
   std::string subject() const { return (folder_ / "t.toml").native(); }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(TomlFileTest, ValuesOfEveryKind)

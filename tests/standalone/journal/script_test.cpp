@@ -21,7 +21,7 @@ protected:
   Script& script() { return Script::the(); }
 };
 
-// --- Faults
+// --- Faults --------------------------------------------------------------------------------------
 
 /// A piece of work of many host calls, some of them inside others.
 void work(const Cookie& log)
@@ -119,7 +119,7 @@ TEST_F(ScriptTest, BeforeSeesEachCallAndMayThrowInItsPlace)
   EXPECT_EQ(reelIdOf(log), "R1");
 }
 
-// --- Openings
+// --- Openings ------------------------------------------------------------------------------------
 
 TEST_F(ScriptTest, ALogCanBeKeptFromOpening)
 {
@@ -146,7 +146,7 @@ TEST_F(ScriptTest, OneOpeningCanBeMadeToFail)
   EXPECT_EQ(script().openings(), 0);
 }
 
-// --- The database
+// --- The database --------------------------------------------------------------------------------
 
 TEST_F(ScriptTest, TheDatabaseCanGoAway)
 {
@@ -221,7 +221,7 @@ TEST_F(ScriptTest, TheViewCanFollowWithTheRowAlone)
   EXPECT_EQ(typeNameOf(log), "Disc");
 }
 
-// --- Configuration
+// --- Configuration -------------------------------------------------------------------------------
 
 TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeAnswered)
 {
@@ -263,7 +263,7 @@ TEST_F(ScriptTest, BuffersAreLookedAt)
   EXPECT_FALSE(script().configBufferWasZero); // one is enough
 }
 
-// --- The rest
+// --- The rest ------------------------------------------------------------------------------------
 
 TEST_F(ScriptTest, TextsThreadsAndRatesCanBeAnswered)
 {

@@ -6,7 +6,7 @@
 
 #include "host/text.h"
 #include "standalone/model/host_test.h"
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include "host/project.h"
 #include "standalone/model/forwarding_store.h"
 #include "standalone/model/host_test.h"
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -123,7 +123,7 @@ TEST_F(OpenProject, AListenerThatClosesItOnExitClosesItOnce)
   EXPECT_EQ(listener.heard, (Texts{"entry", "exit"}));
 }
 
-// --- Reading
+// --- Reading -------------------------------------------------------------------------------------
 
 TEST_F(OpenProject, ShotsAreReadAtTheFirstQuestionThatTheyCouldAnswer)
 {
@@ -204,7 +204,7 @@ TEST_F(OpenProject, AllOfALogComesBack)
   EXPECT_EQ(reelhost::materialOf(cookie).name, log.name);
 }
 
-// --- Storing
+// --- Storing -------------------------------------------------------------------------------------
 
 TEST_F(OpenProject, ACommitStoresWhatChangedAndNothingElse)
 {
@@ -352,7 +352,7 @@ TEST_F(OpenProject, OptionsWithoutAProjectAreGoneAtOnce)
   EXPECT_EQ(EditManager::ProjOpts().in("a"), nullptr);
 }
 
-// --- Other processes
+// --- Other processes -----------------------------------------------------------------------------
 
 class SharedProject : public HostTest {
 protected:

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "standalone/model/host_test.h"
-#include "standalone/model/temp_folder.h"
+#include "support/temp_folder.h"
 
 namespace {
 

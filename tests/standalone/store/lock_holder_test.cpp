@@ -66,7 +66,7 @@ const std::string script = ", sh -c echo x; while :; do sleep 0.1; done";
 
 TEST(WriteLockHolder, NobodyHoldsAnything)
 {
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "p", "");
   writeBytes(folder / "p-shm", "");
   const reeldb::base::FileDescriptor file(::open((folder / "p").c_str(), O_RDWR)),
@@ -76,7 +76,7 @@ TEST(WriteLockHolder, NobodyHoldsAnything)
 
 TEST(WriteLockHolder, HolderOfTheIndexWithItsCommand)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const LockingShell shell(folder / "p-shm", writeByteOfTheIndex, 1, {"cut.edl"});
   const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "pid " + std::to_string(shell.pid()) + script + " cut.edl");
@@ -84,7 +84,7 @@ TEST(WriteLockHolder, HolderOfTheIndexWithItsCommand)
 
 TEST(WriteLockHolder, HolderOfTheFileItself)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const LockingShell shell(folder / "p", lockBytesOfTheFile + 1, 1, {});
   const reeldb::base::FileDescriptor file(::open((folder / "p").c_str(), O_RDWR));
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "pid " + std::to_string(shell.pid()) + script);
@@ -92,7 +92,7 @@ TEST(WriteLockHolder, HolderOfTheFileItself)
 
 TEST(WriteLockHolder, OtherBytesDoNotCount)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const LockingShell before(folder / "p-shm", writeByteOfTheIndex - 1, 1, {});
   const LockingShell after(folder / "p-shm", writeByteOfTheIndex + 1, 8, {});
   const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
@@ -101,7 +101,7 @@ TEST(WriteLockHolder, OtherBytesDoNotCount)
 
 TEST(WriteLockHolder, CommandIsCutAndItsControlCharactersAreEscaped)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const LockingShell shell(folder / "p-shm", writeByteOfTheIndex, 1, {"a\x1B[2Jb", std::string(500, 'x')});
   const reeldb::base::FileDescriptor index(::open((folder / "p-shm").c_str(), O_RDWR));
   const std::string holder = writeLockHolder((folder / "p").native());
@@ -113,7 +113,7 @@ TEST(WriteLockHolder, CommandIsCutAndItsControlCharactersAreEscaped)
 
 TEST(WriteLockHolder, NotOpenInThisProcessIsNotAsked)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const LockingShell shell(folder / "p-shm", writeByteOfTheIndex, 1, {});
   EXPECT_EQ(writeLockHolder((folder / "p").native()), "");
 }

@@ -13,7 +13,7 @@ namespace fs = std::filesystem;
 
 TEST(InspectProjectFile, TellsPathSizeAndWhatLiesBeside)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const fs::path file = folder / "p";
   writeBytes(file, "12345");
   fs::create_symlink(file, folder / "link");
@@ -34,7 +34,7 @@ TEST(InspectProjectFile, TellsPathSizeAndWhatLiesBeside)
 
 TEST(InspectProjectFile, ReadOnlyFileComesBeforeReadOnlyFolder)
 {
-  const TempDir folder;
+  const TempFolder folder;
   const fs::path file = folder / "p";
   writeBytes(file, "");
   fs::permissions(folder.path(), fs::perms::owner_read | fs::perms::owner_exec);
@@ -46,7 +46,7 @@ TEST(InspectProjectFile, ReadOnlyFileComesBeforeReadOnlyFolder)
 
 TEST(InspectProjectFile, RelativeNameOfTheWorkingFolder)
 {
-  const TempDir folder;
+  const TempFolder folder;
   writeBytes(folder / "p", "");
   const fs::path before = fs::current_path();
   fs::current_path(folder.path());

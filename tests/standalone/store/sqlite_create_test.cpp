@@ -22,7 +22,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteCreate, MakesOneFileAtRestInWriteAheadMode)

@@ -66,7 +66,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteDurability, CommitWithoutChangesWritesNothing)
@@ -215,8 +215,7 @@ TEST_F(SqliteDurability, LogWithADamagedFrameHoldsTheStateBeforeIt)
   EXPECT_EQ(seen, (std::set<std::size_t>{0, 1, 2, 3}));
 }
 
-// --- Disk full, I/O errors
-// ---------------------------------------------------------------------------------------------
+// --- Disk full, I/O errors -----------------------------------------------------------------------
 
 /// Lets the n-th call of a kind that SQLite makes in this process, and all after it, fail.
 class Fault {

@@ -88,7 +88,7 @@ protected:
   std::size_t pageSize() const { return 4096; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteRefusals, NoSuchFileIsNotFoundAndNotMade)
@@ -430,8 +430,7 @@ TEST_F(SqliteRefusals, UseGoesOnAfterARefusalWithTheNextBegin)
   EXPECT_EQ(numbersOf(*project), (std::vector<std::int64_t>{1, 2, 3}));
 }
 
-// --- Read-only
-// ---------------------------------------------------------------------------------------------------------
+// --- Read-only -----------------------------------------------------------------------------------
 
 class SqliteReadOnly : public SqliteRefusals {
 protected:

@@ -51,7 +51,7 @@ protected:
   fs::path file() const { return folder_ / "old.reels"; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 void expectContentOfVersion1(Store& project)

@@ -63,7 +63,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteSharing, SecondWriterIsToldWhoHoldsTheProject)

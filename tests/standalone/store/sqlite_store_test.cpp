@@ -21,7 +21,7 @@ protected:
   fs::path file() const { return folder_ / "main.reels"; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST_F(SqliteStoreTest, WhatIsCommittedIsThereForTheNextStore)

@@ -31,7 +31,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 TEST(SqliteLibrary, IsTheOneThatWasCompiledAgainst)

@@ -84,7 +84,7 @@ protected:
   }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::Values("memory", "sqlite"),

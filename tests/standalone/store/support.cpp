@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <exception>
 #include <fstream>
 #include <iterator>
@@ -24,24 +23,6 @@ namespace store_tests {
 
 namespace fs = std::filesystem;
 using namespace reelhost;
-
-TempDir::TempDir()
-{
-  std::string name = (fs::canonical(fs::temp_directory_path()) / "reeldb-test-XXXXXX").native();
-  if (!::mkdtemp(name.data()))
-    throw std::runtime_error("no temporary folder");
-  path_ = name;
-}
-
-TempDir::~TempDir()
-{
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(path_, error), last; !error && entry != last; entry.increment(error))
-    if (entry->symlink_status(error).type() == fs::file_type::directory)
-      fs::permissions(entry->path(), fs::perms::owner_all, fs::perm_options::add, error);
-  fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, error);
-  fs::remove_all(path_, error);
-}
 
 TempMount::TempMount(const std::string& options)
 {

@@ -14,22 +14,11 @@
 #include <sys/types.h>
 
 #include "reelhost/store.h"
+#include "support/temp_folder.h"
 
 namespace store_tests {
 
-/// A folder of the test's own; it goes with its owner.
-class TempDir {
-public:
-  TempDir();
-  ~TempDir();
-  TempDir(const TempDir&) = delete;
-  TempDir& operator=(const TempDir&) = delete;
-  const std::filesystem::path& path() const { return path_; }
-  std::filesystem::path operator/(std::string_view name) const { return path_ / name; }
-
-private:
-  std::filesystem::path path_;
-};
+using reeldb_tests::TempFolder;
 
 /// A small file system mounted in a folder of its own, gone with its owner. mounted() is false where that is not
 /// allowed.
@@ -42,7 +31,7 @@ public:
   std::filesystem::path operator/(std::string_view name) const { return folder_.path() / name; }
 
 private:
-  TempDir folder_;
+  TempFolder folder_;
   bool mounted_ = false;
 };
 

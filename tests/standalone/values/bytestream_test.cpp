@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -11,6 +9,7 @@
 
 #include "host/text.h"
 #include "support/ledger.h"
+#include "support/temp_folder.h"
 
 namespace {
 
@@ -233,19 +232,15 @@ TEST(ByteStream, StringIsHeldAgainstChangesOfTheCaller)
 
 TEST(ByteStream, DirectoryCannotBeReadAndIsAtItsEnd)
 {
-  std::string dir = (std::filesystem::temp_directory_path() / "bytestream-XXXXXX").string();
-  ASSERT_NE(mkdtemp(dir.data()), nullptr);
-  {
-    const File file(std::fopen(dir.c_str(), "r"));
-    ASSERT_NE(file, nullptr);
-    ByteStream stream(file.get());
-    EXPECT_TRUE(stream.atEnd());
-    GrowString piece;
-    piece = "left over";
-    stream >> piece;
-    EXPECT_STREQ(piece, "");
-  }
-  std::filesystem::remove(dir);
+  const reeldb_tests::TempFolder folder;
+  const File file(std::fopen(folder.path().c_str(), "r"));
+  ASSERT_NE(file, nullptr);
+  ByteStream stream(file.get());
+  EXPECT_TRUE(stream.atEnd());
+  GrowString piece;
+  piece = "left over";
+  stream >> piece;
+  EXPECT_STREQ(piece, "");
 }
 
 TEST(ByteStream, AfterAReadErrorTheFileStaysAtItsEnd)

@@ -52,7 +52,7 @@ void fill(StringList& list, const Texts& items)
 
 } // namespace
 
-// --- ArrayRec and StringRec
+// --- ArrayRec and StringRec ----------------------------------------------------------------------
 
 TEST(ArrayRec, ComparesByAddress)
 {
@@ -106,7 +106,7 @@ TEST(StringRec, ComparesByteByByteAndPrintsItsText)
   EXPECT_STREQ(out, "Ba");
 }
 
-// --- Array
+// --- Array ---------------------------------------------------------------------------------------
 
 TEST(Array, AddAndAppendKeepTheOrderWithoutComparing)
 {
@@ -230,7 +230,7 @@ TEST(Array, WithoutMemoryTheRecordsStay)
   EXPECT_EQ(array.count(), 8U);
 }
 
-// --- StringList
+// --- StringList ----------------------------------------------------------------------------------
 
 TEST(StringList, AddKeepsOrderAndDuplicates)
 {

@@ -32,7 +32,7 @@ std::string text(const Cookie& cookie)
 
 } // namespace
 
-// --- UUID
+// --- UUID ----------------------------------------------------------------------------------------
 
 TEST(Uuid, NewIsZero)
 {
@@ -59,7 +59,7 @@ TEST(Uuid, CopyIsEqual)
   EXPECT_EQ(assigned.compare(id), 0);
 }
 
-// --- Cookie
+// --- Cookie --------------------------------------------------------------------------------------
 
 TEST(Cookie, NewIsInvalid)
 {
@@ -163,7 +163,7 @@ TEST(CookieText, WhatIsNotATextOfACookieGivesAnInvalidOne)
   EXPECT_FALSE(Cookie(std::string(100000, 'a').c_str(), false).valid());
 }
 
-// --- IdStamp
+// --- IdStamp -------------------------------------------------------------------------------------
 
 TEST(IdStamp, OnlyZeroIsInvalid)
 {

@@ -42,7 +42,7 @@ using Numbers = std::vector<int>;
 
 } // namespace
 
-// --- CookieVec
+// --- CookieVec -----------------------------------------------------------------------------------
 
 TEST(CookieVec, NewIsEmptyWithoutMemory)
 {
@@ -282,7 +282,7 @@ TEST(CookieVec, WithoutMemoryTheVectorStaysAndNothingLeaks)
             3);
 }
 
-// --- CookieSet
+// --- CookieSet -----------------------------------------------------------------------------------
 
 TEST(CookieSet, InsertKeepsOrderAndTakesEachOnce)
 {

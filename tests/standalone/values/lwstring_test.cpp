@@ -39,7 +39,7 @@ using Narrow = LightweightString<char>;
 
 } // namespace
 
-// --- Construction
+// --- Construction --------------------------------------------------------------------------------
 
 TYPED_TEST(Strings, NullAndEmptyTextGiveNoBody)
 {
@@ -85,7 +85,7 @@ TYPED_TEST(Strings, EndlessLengthIsNoMemory)
   EXPECT_THROW(LightweightString<TypeParam>(text, SIZE_MAX / sizeof(TypeParam)), std::bad_alloc);
 }
 
-// --- Copies share
+// --- Copies share --------------------------------------------------------------------------------
 
 TYPED_TEST(Strings, CopySharesTheBodyAndCountsIt)
 {
@@ -165,7 +165,7 @@ TYPED_TEST(Strings, SelfAssignmentDoesNothing)
   EXPECT_EQ(ledger.countsDown(), 0);
 }
 
-// --- Assignment of a text
+// --- Assignment of a text ------------------------------------------------------------------------
 
 TYPED_TEST(Strings, ShorterTextReusesAnUnsharedBody)
 {
@@ -232,7 +232,7 @@ TYPED_TEST(Strings, NullOrEmptyTextAssignedFreesTheBody)
   EXPECT_EQ(ledger.open(), 0);
 }
 
-// --- Writing in place
+// --- Writing in place ----------------------------------------------------------------------------
 
 TYPED_TEST(Strings, WritableDetachesASharedBodyOnce)
 {
@@ -253,7 +253,7 @@ TYPED_TEST(Strings, WritableOfAnUnsharedBodyIsTheBody)
   EXPECT_EQ(ledger.allocations(), 0);
 }
 
-// --- Appending
+// --- Appending -----------------------------------------------------------------------------------
 
 TYPED_TEST(Strings, AppendPutsTheTextBehind)
 {
@@ -336,7 +336,7 @@ TYPED_TEST(Strings, AThousandAppendsAllocateAFewTimes)
   EXPECT_EQ(this->plain(string), std::string(1000, 'x'));
 }
 
-// --- Concatenation
+// --- Concatenation -------------------------------------------------------------------------------
 
 TYPED_TEST(Strings, SumLeavesBothSidesAlone)
 {
@@ -390,7 +390,7 @@ TEST(NarrowStrings, NumberIsAppendedInDecimal)
   EXPECT_STREQ(none.c_str(), "12");
 }
 
-// --- No memory
+// --- No memory -----------------------------------------------------------------------------------
 
 TYPED_TEST(Strings, WithoutMemoryEveryChangeFailsAndTheTextStays)
 {
@@ -422,7 +422,7 @@ TYPED_TEST(Strings, WithoutMemoryNothingLeaks)
             3);
 }
 
-// --- Threads
+// --- Threads -------------------------------------------------------------------------------------
 
 TEST(StringThreads, CopiesOnManyThreadsFreeTheBodyOnce)
 {

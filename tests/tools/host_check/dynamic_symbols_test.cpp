@@ -5,14 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <elf.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+
+#include "support/temp_folder.h"
 
 namespace fs = std::filesystem;
 using host_check::DynamicSymbols;
@@ -28,19 +28,7 @@ std::string bytesOf(const fs::path& file)
 
 class DynamicSymbolsTest : public ::testing::Test {
 protected:
-  DynamicSymbolsTest()
-  {
-    std::string name = (fs::temp_directory_path() / "reeldb-XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~DynamicSymbolsTest() override { fs::remove_all(folder_); }
-
-  fs::path write(const std::string& bytes) const
-  {
-    const fs::path file = folder_ / "lib.so";
-    std::ofstream(file, std::ios::binary | std::ios::trunc) << bytes;
-    return file;
-  }
+  fs::path write(const std::string& bytes) const { return folder_.write("lib.so", bytes); }
 
   /// What is wrong with a file of these bytes, without its name; empty when it is read.
   std::string refusal(const std::string& bytes) const
@@ -56,7 +44,7 @@ protected:
     return {};
   }
 
-  fs::path folder_;
+  const reeldb_tests::TempFolder folder_;
 };
 
 /// Where the table of sections begins: all that is read lies before it or in it.
@@ -106,7 +94,7 @@ TEST_F(DynamicSymbolsTest, WhatIsNoLibraryIsRefused)
   EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is no shared library");
   EXPECT_EQ(refusal(std::string(100, '\0')), "is no shared library");
   EXPECT_EQ(refusal(ELFMAG), "is no shared library");
-  EXPECT_THROW(readDynamicSymbols(folder_), std::runtime_error);
+  EXPECT_THROW(readDynamicSymbols(folder_.path()), std::runtime_error);
   EXPECT_THROW(readDynamicSymbols(folder_ / "gone"), std::runtime_error);
 }
 
