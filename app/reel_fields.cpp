@@ -195,7 +195,7 @@ ReelField findField(const std::string& name)
   if (const auto number = numberOfDisplayName(name))
     return userField(*number);
   throw Error(ErrorKind::Invalid,
-              fmt::format("{}: no such field (type, available, inhibit, label-mapping, bin, last-device, user-field.0 "
+              fmt::format("{}: no such field (type, available, inhibit, label-map, bin, last-device, user-field.0 "
                           "to user-field.{}, or the name of a user field)",
                           base::shortText(name), userFieldCount - 1));
 }

@@ -175,7 +175,10 @@ void FacilityReader::readState()
 
 Facility Facility::read(const std::filesystem::path& dir)
 {
-  return FacilityReader(std::filesystem::absolute(dir)).take();
+  std::filesystem::path folder = std::filesystem::absolute(dir).lexically_normal(); // "." has to show which one it is
+  if (!folder.has_filename() && folder != folder.root_path())
+    folder = folder.parent_path();
+  return FacilityReader(folder).take();
 }
 
 } // namespace reelhost

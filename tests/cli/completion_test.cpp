@@ -45,7 +45,7 @@ TEST_F(Completion, StartOfCommandGivesCommandsWithTheirDescriptions)
 {
   EXPECT_EQ(answer({"sho"}), "words\nshow\tShow everything that is known of one reel\n"
                              "shots\tList the shots recorded from a reel\n");
-  EXPECT_EQ(candidates({"device", "l"}), (Words{"words", "list", "live", "label-map"}));
+  EXPECT_EQ(candidates({"device", "l"}), (Words{"words", "list", "live"}));
 }
 
 TEST_F(Completion, UnknownCommandGivesNothing)
@@ -62,8 +62,9 @@ TEST_F(Completion, HyphenGivesOptionsOfTheCommandAndOfAll)
 
 TEST_F(Completion, NothingLeftToSayGivesOptions)
 {
-  EXPECT_EQ(candidates({"types", ""}), (Words{"words", "--help", "--json", "--facility", "--project", "--trace"}));
-  EXPECT_EQ(candidates({"types", "--", ""}), Words{"words"});
+  EXPECT_EQ(candidates({"type", "list", ""}),
+            (Words{"words", "--help", "--json", "--facility", "--project", "--trace"}));
+  EXPECT_EQ(candidates({"type", "list", "--", ""}), Words{"words"});
 }
 
 TEST_F(Completion, ReelGivesIdentifiersWithTheirTypes)
@@ -100,18 +101,18 @@ TEST_F(Completion, DeviceGivesNumbersWithTheirNames)
 
 TEST_F(Completion, FieldGivesNamesAndThenTheirValues)
 {
-  EXPECT_EQ(candidates({"set", "T:9", ""}), (Words{"words", "type=", "available=", "inhibit=", "label-mapping=", "bin=",
-                                                   "last-device=", "user-field.0=", "user-field.1=", "user-field.2=",
-                                                   "user-field.3=", "user-field.4=", "user-field.5="}));
+  EXPECT_EQ(candidates({"set", "T:9", ""}),
+            (Words{"words", "type=", "available=", "inhibit=", "label-map=", "bin=", "last-device=", "user-field.0=",
+                   "user-field.1=", "user-field.2=", "user-field.3=", "user-field.4=", "user-field.5="}));
   EXPECT_EQ(candidates({"set", "T:9", "type=T"}), (Words{"words", "type=Tape 2ch", "type=Tape 4ch"}));
   EXPECT_EQ(candidates({"set", "T:9", "bin=x", "inhibit="}), (Words{"words", "inhibit=yes", "inhibit=no"}));
   EXPECT_EQ(candidates({"set", "T:9", "last-device=C"}), (Words{"words", "last-device=Camera 1"}));
-  EXPECT_EQ(candidates({"set", "T:9", "label-mapping=palt"}), (Words{"words", "label-mapping=paltofd"}));
+  EXPECT_EQ(candidates({"set", "T:9", "label-map=palt"}), (Words{"words", "label-map=paltofd"}));
 }
 
 TEST_F(Completion, LabelMapAndFrameRateGiveTheirNames)
 {
-  EXPECT_EQ(candidates({"labelmap", "check", "pal9"}), (Words{"words", "pal9pin"}));
+  EXPECT_EQ(candidates({"label-map", "check", "pal9"}), (Words{"words", "pal9pin"}));
   EXPECT_EQ(candidates({"project", "new", "x", "--rate", "2"}), (Words{"words", "25", "29.97", "24", "23.98"}));
 }
 

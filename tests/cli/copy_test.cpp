@@ -13,7 +13,7 @@ protected:
     FacilityTest::SetUp();
     output({"create", "A001"});
     output({"create", "B001"});
-    output({"set", "A001", "type=Tape 4ch", "available=no", "inhibit=yes", "label-mapping=pal9pin", "0=x", "5=y",
+    output({"set", "A001", "type=Tape 4ch", "available=no", "inhibit=yes", "label-map=pal9pin", "0=x", "5=y",
             "bin=shelf"});
   }
 };

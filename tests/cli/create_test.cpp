@@ -105,7 +105,7 @@ TEST_F(Create, IdentifierOf2047BytesIsWholeAndOf2048IsRefused)
 
 TEST_F(Create, DeviceGivesItsAudioInputsAsChannels)
 {
-  const Json device = json({"devices", "--json"}).at(0);
+  const Json device = json({"device", "list", "--json"}).at(0);
   ASSERT_GT(device.at("audio_inputs"), 0);
   // Only a type that the catalogue lists could add further ones.
   const Json made = json({"create", "R1", "--json", "--device", device.at("number").dump()});

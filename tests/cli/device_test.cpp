@@ -21,9 +21,8 @@ protected:
   }
 };
 
-TEST_F(Device, ListAndDevicesAreTheSame)
+TEST_F(Device, ListHasThemAll)
 {
-  EXPECT_EQ(output({"device", "list"}), output({"devices"}));
   EXPECT_EQ(json({"device", "list", "--json"}).size(), 3u);
 }
 
@@ -52,7 +51,9 @@ TEST_F(Device, ReelsAreThoseOfAnAcceptedOrUnknownType)
   output({"set", "none", "type="});
   reeldb({"set", "odd", "type=Unheard of"});
   EXPECT_EQ(json({"device", "reels", "3", "--json"}), Json::parse(R"([
-    {"id": "two", "type": "Tape 2ch"}, {"id": "none", "type": ""}, {"id": "odd", "type": "Unheard of"}])"));
+    {"id": "two", "type": "Tape 2ch", "accepted": true, "why": "the device accepts type \"Tape 2ch\""},
+    {"id": "none", "type": "", "accepted": true, "why": "the reel has no type"},
+    {"id": "odd", "type": "Unheard of", "accepted": true, "why": "type \"Unheard of\" is not in the catalogue"}])"));
   EXPECT_EQ(json({"device", "reels", "3", "--why", "--json"}), Json::parse(R"([
     {"id": "two", "type": "Tape 2ch", "accepted": true, "why": "the device accepts type \"Tape 2ch\""},
     {"id": "four", "type": "Tape 4ch", "accepted": false, "why": "the device does not accept type \"Tape 4ch\""},
@@ -91,11 +92,12 @@ TEST_F(Device, DeviceNamedPortGivesTheReelTheDevicesName)
 
 TEST_F(Device, LabelMapIsTheUsualOneForPortAndRate)
 {
-  EXPECT_EQ(output({"device", "label-map", "3"}), "pal9pin\n");
-  EXPECT_EQ(output({"device", "label-map", "4"}), "paltofd\n");
+  EXPECT_EQ(output({"label-map", "for", "--device", "3"}), "pal9pin\n");
+  EXPECT_EQ(output({"label-map", "for", "--device", "4"}), "paltofd\n");
   output({"project", "new", "us", "--rate", "29.97"});
-  EXPECT_EQ(output({"-p", "us", "device", "label-map", "5"}), "ntsc1394\n");
-  EXPECT_EQ(json({"device", "label-map", "5", "--json"}), Json::parse(R"({"device": 5, "label_map": "pal1394"})"));
+  EXPECT_EQ(output({"-p", "us", "label-map", "for", "--device", "5"}), "ntsc1394\n");
+  EXPECT_EQ(json({"label-map", "for", "--device", "5", "--json"}),
+            Json::parse(R"({"device": 5, "label_map": "pal1394"})"));
 }
 
 // --- Label maps ----------------------------------------------------------------------------------
@@ -104,7 +106,7 @@ class LabelMapCommand : public Device {};
 
 TEST_F(LabelMapCommand, ListHasTheNineUsualOnes)
 {
-  const Json maps = json({"labelmap", "list", "--json"});
+  const Json maps = json({"label-map", "list", "--json"});
   ASSERT_EQ(maps.size(), 9u);
   EXPECT_EQ(maps.at(0).at("name"), "24f1394");
   for (const Json& map : maps) {
@@ -116,7 +118,7 @@ TEST_F(LabelMapCommand, ListHasTheNineUsualOnes)
 
 TEST_F(LabelMapCommand, CheckTellsWhatFits)
 {
-  const ProcessResult result = reeldb({"labelmap", "check", "pal9pin", "--device", "3", "--json"});
+  const ProcessResult result = reeldb({"label-map", "check", "pal9pin", "--device", "3", "--json"});
   EXPECT_EQ(result.code, 0) << result.err;
   const Json report = Json::parse(result.out);
   EXPECT_EQ(report.at("fits_project"), true);
@@ -126,18 +128,18 @@ TEST_F(LabelMapCommand, CheckTellsWhatFits)
 TEST_F(LabelMapCommand, CheckSaysWhyTheProjectIsNotSuited)
 {
   const std::string why = "the project runs at 25 fps, the labels it reads are 30 fps";
-  const ProcessResult result = reeldb({"labelmap", "check", "nts9pin"});
+  const ProcessResult result = reeldb({"label-map", "check", "nts9pin"});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.out.find("nts9pin: does not fit the project's frame rate (" + why + ")\n"), std::string::npos)
       << result.out;
-  const ProcessResult report = reeldb({"labelmap", "check", "nts9pin", "--json"});
+  const ProcessResult report = reeldb({"label-map", "check", "nts9pin", "--json"});
   EXPECT_EQ(Json::parse(report.out).at("why"), why);
-  EXPECT_FALSE(json({"labelmap", "check", "pal9pin", "--json"}).contains("why"));
+  EXPECT_FALSE(json({"label-map", "check", "pal9pin", "--json"}).contains("why"));
 }
 
 TEST_F(LabelMapCommand, CheckSaysWhyADeviceIsNotSuited)
 {
-  const ProcessResult result = reeldb({"labelmap", "check", "pal1394", "--device", "3"});
+  const ProcessResult result = reeldb({"label-map", "check", "pal1394", "--device", "3"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err, "Label map <pal1394> requires 1394 labels - device <Deck> is not controllable via 1394\n");
   EXPECT_NE(result.out.find("pal1394: does not fit the device Deck\n"), std::string::npos) << result.out;
@@ -148,12 +150,12 @@ const std::string nine = "24f1394, 24f9pin, 24ftofd, nts9pin, ntsc1394, ntstofd,
 TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefusedWithThoseThatAre)
 {
   for (const std::string name : {"nope", "../facility", "", "."}) {
-    const ProcessResult result = reeldb({"labelmap", "check", name});
+    const ProcessResult result = reeldb({"label-map", "check", name});
     EXPECT_EQ(result.code, 1);
     EXPECT_EQ(result.err, "reeldb: \"" + name + "\": no such label map (this facility has: " + nine + ")\n");
   }
   std::filesystem::remove_all(path("labelmaps"));
-  EXPECT_EQ(reeldb({"labelmap", "check", "nope"}).err,
+  EXPECT_EQ(reeldb({"label-map", "check", "nope"}).err,
             "reeldb: \"nope\": no such label map (this facility has none)\n");
 }
 
@@ -161,10 +163,10 @@ TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
 {
   dir_.write("labelmaps/bad.toml",
              "\n[[entry]]\nlabel = \"timecode\"\nin_use = true\nsource = \"smoke signals\"\nformat = \"25 fps\"\n");
-  const ProcessResult result = reeldb({"labelmap", "check", "bad"});
+  const ProcessResult result = reeldb({"label-map", "check", "bad"});
   EXPECT_EQ(result.code, 3);
   EXPECT_NE(result.err.find("bad.toml:5"), std::string::npos) << result.err;
-  const ProcessResult list = reeldb({"labelmap", "list", "--json"});
+  const ProcessResult list = reeldb({"label-map", "list", "--json"});
   EXPECT_EQ(list.code, 3);
   const Json maps = Json::parse(list.out);
   ASSERT_EQ(maps.size(), 10u);
@@ -173,7 +175,7 @@ TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
   EXPECT_TRUE(bad.at("uses_vitc").is_null());
   EXPECT_TRUE(bad.at("fits_project").is_null());
   EXPECT_NE(bad.at("fault").get<std::string>().find("bad.toml:5"), std::string::npos);
-  const std::string text = reeldb({"labelmap", "list"}).out;
+  const std::string text = reeldb({"label-map", "list"}).out;
   EXPECT_NE(text.find("\nbad        -     unreadable    "), std::string::npos) << text;
   EXPECT_NE(text.find("bad.toml:5: entry.source: \"smoke signals\""), std::string::npos) << text;
 }
@@ -183,17 +185,17 @@ TEST_F(LabelMapCommand, AnswerThatIsNoMapOfTheFacilityComesWithAWarning)
   std::filesystem::remove(path("labelmaps/pal9pin.toml"));
   const std::string fault = "\"pal9pin\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "
                             "ntsc1394, ntstofd, pal1394, paltofd)";
-  ProcessResult result = reeldb({"device", "label-map", "3"});
+  ProcessResult result = reeldb({"label-map", "for", "--device", "3"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "pal9pin\n");
   EXPECT_EQ(result.err, "reeldb: " + fault + "\n");
   output({"create", "R1"});
-  result = reeldb({"label-map-for", "R1", "--device", "3", "--json"});
+  result = reeldb({"label-map", "for", "R1", "--device", "3", "--json"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.err, "reeldb: " + fault + "\n");
   EXPECT_EQ(Json::parse(result.out), Json({{"reel", "R1"}, {"device", 3}, {"label_map", "pal9pin"}, {"fault", fault}}));
   dir_.write("labelmaps/pal9pin.toml", "x =");
-  result = reeldb({"device", "label-map", "3"});
+  result = reeldb({"label-map", "for", "--device", "3"});
   EXPECT_EQ(result.out, "pal9pin\n");
   EXPECT_NE(result.err.find("pal9pin.toml:1: not valid TOML"), std::string::npos) << result.err;
 }
@@ -201,14 +203,14 @@ TEST_F(LabelMapCommand, AnswerThatIsNoMapOfTheFacilityComesWithAWarning)
 TEST_F(LabelMapCommand, ReelsOwnMapComesBeforeTheDevices)
 {
   output({"create", "R1"});
-  EXPECT_EQ(output({"label-map-for", "r1", "--device", "3"}), "pal9pin\n");
-  reeldb({"set", "R1", "label-mapping=anything at all"});
-  EXPECT_EQ(reeldb({"label-map-for", "R1", "--device", "3"}).out, "anything at all\n");
-  output({"set", "R1", "label-mapping=Device default"});
-  EXPECT_EQ(json({"label-map-for", "R1", "--device", "3", "--json"}),
+  EXPECT_EQ(output({"label-map", "for", "r1", "--device", "3"}), "pal9pin\n");
+  reeldb({"set", "R1", "label-map=anything at all"});
+  EXPECT_EQ(reeldb({"label-map", "for", "R1", "--device", "3"}).out, "anything at all\n");
+  output({"set", "R1", "label-map=Device default"});
+  EXPECT_EQ(json({"label-map", "for", "R1", "--device", "3", "--json"}),
             Json::parse(R"({"reel": "R1", "device": 3, "label_map": "pal9pin"})"));
-  EXPECT_EQ(reeldb({"label-map-for", "X", "--device", "3"}).code, 1);
-  EXPECT_EQ(reeldb({"label-map-for", "R1"}).code, 2);
+  EXPECT_EQ(reeldb({"label-map", "for", "X", "--device", "3"}).code, 1);
+  EXPECT_EQ(reeldb({"label-map", "for", "R1"}).code, 2);
 }
 
 } // namespace

@@ -141,7 +141,7 @@ TEST_F(Diff, RejectedLinesAreToldAndMakeTheExitCodeFour)
 
 TEST_F(Diff, FileThatCannotBeReadIsRefused)
 {
-  expectRefusal({"diff", "one.edl", "none.edl"}, "none.edl: cannot be read (No such file or directory)");
+  expectRefusal({"diff", "one.edl", "none.edl"}, "none.edl: cannot be opened (No such file or directory)");
 }
 
 } // namespace

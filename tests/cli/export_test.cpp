@@ -253,10 +253,10 @@ TEST_F(Export, FileThatIsReplacedKeepsItsPermissions)
 
 TEST_F(Export, FileThatCannotBeWrittenLeavesNothingBehind)
 {
-  expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be written (No such file or directory)", 3);
-  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: a folder");
-  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: no regular file");
-  expectRefusal({"export", "--csv", "-o", ""}, "\"\": cannot be written (No such file or directory)", 3);
+  expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be made (No such file or directory)", 3);
+  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: no regular file (a folder)");
+  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: no regular file (a device)");
+  expectRefusal({"export", "--csv", "-o", ""}, "\"\": cannot be made (No such file or directory)", 3);
   std::set<std::string> files;
   for (const auto& entry : fs::directory_iterator(dir_.path()))
     files.insert(entry.path().filename().string());

@@ -51,7 +51,7 @@ TEST_F(Front, TwoFoldersAreAUsageError)
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "reeldb: -C: given more than once (-C DIR names the facility)\n");
+    EXPECT_EQ(result.err, "reeldb: list: --facility: given more than once (reeldb list --help tells more)\n");
   }
 }
 
@@ -110,14 +110,14 @@ TEST_F(Front, FolderWithoutFacilityIsRefused)
   fs::create_directory(path("empty"));
   const ProcessResult result = reeldb({"-C", "empty", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: empty: no facility (facility.toml not found)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "empty: no facility (facility.toml not found)\n");
 }
 
 TEST_F(Front, MissingFolderIsRefused)
 {
   const ProcessResult result = reeldb({"-C", "nowhere", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: nowhere: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: no facility (no such folder)\n");
 }
 
 TEST_F(Front, FileInPlaceOfFolderIsRefused)
@@ -125,7 +125,7 @@ TEST_F(Front, FileInPlaceOfFolderIsRefused)
   dir_.write("file", "");
   const ProcessResult result = reeldb({"-C", "file", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: file: no facility (Not a directory)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "file: no facility (not a folder)\n");
 }
 
 TEST_F(Front, EnvironmentIsRefusedLikeTheOption)
@@ -134,13 +134,13 @@ TEST_F(Front, EnvironmentIsRefusedLikeTheOption)
   setting.environment["REELDB_FACILITY"] = "nowhere";
   const ProcessResult result = reeldb({"list"}, setting);
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: nowhere: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: no facility (no such folder)\n");
 }
 
 TEST_F(Front, ControlCharactersOfAPathAreEscapedInTheMessage)
 {
   const ProcessResult result = reeldb({"-C", "a\x1b[31m\n\xc2\x9b", "list"});
-  EXPECT_EQ(result.err, "reeldb: a\\x1b[31m\\n\\u009b: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "a\\x1b[31m\\n\\u009b: no facility (no such folder)\n");
 }
 
 TEST_F(Front, ModuleThatIsMissingIsToldInAsciiAlone)
@@ -162,7 +162,7 @@ TEST_F(Front, PipeInPlaceOfTheFileIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(path("pipe/facility.toml").c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "pipe", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: pipe: no facility (facility.toml is no regular file)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("pipe/facility.toml") + ": no regular file (a named pipe)\n");
 }
 
 TEST_F(Front, UnreadableFileIsTold)
@@ -179,10 +179,13 @@ TEST_F(Front, UnreadableFileIsTold)
 
 TEST_F(Front, OptionWithoutFolderIsAUsageError)
 {
-  for (const Words& words : std::vector<Words>{{"list", "-C"}, {"list", "-C", ""}, {"list", "--facility="}}) {
+  for (const auto& [words, message] : std::vector<std::pair<Words, std::string>>{
+           {{"list", "-C"}, "list: --facility: a value is missing (reeldb list --help tells more)"},
+           {{"list", "-C", ""}, "list: -C: no folder given (-C DIR names the facility)"},
+           {{"list", "--facility="}, "list: --facility: a value is missing (reeldb list --help tells more)"}}) {
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 2);
-    EXPECT_EQ(result.err, "reeldb: -C: no folder given (-C DIR names the facility)\n");
+    EXPECT_EQ(result.err, "reeldb: " + message + "\n");
   }
 }
 
@@ -225,7 +228,7 @@ protected:
   ProcessResult typesWith(const std::string& bytes)
   {
     dir_.write("one/devicedata/reeltype.dat", bytes);
-    return reeldb({"-C", "one", "types", "--json"});
+    return reeldb({"-C", "one", "type", "list", "--json"});
   }
   void expectRefusal(const std::string& bytes, const std::string& message)
   {
@@ -355,7 +358,8 @@ TEST_F(FrontTypeFile, MissingFileIsGood)
 TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
 {
   fs::remove(typeFile_);
-  for (const Words& words : std::vector<Words>{{"-C", "one", "types"}, {"-C", "one", "types", "--json"}}) {
+  for (const Words& words :
+       std::vector<Words>{{"-C", "one", "type", "list"}, {"-C", "one", "type", "list", "--json"}}) {
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not there, so there are no reel types\n");
@@ -420,7 +424,7 @@ TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)
 {
   fs::remove(typeFile_);
   ASSERT_EQ(mkfifo(typeFile_.c_str(), 0600), 0);
-  const ProcessResult result = reeldb({"-C", "one", "types"});
+  const ProcessResult result = reeldb({"-C", "one", "type", "list"});
   EXPECT_EQ(result.code, 3);
   EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": cannot be read (no regular file)\n");
 }

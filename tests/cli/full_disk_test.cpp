@@ -125,7 +125,7 @@ TEST_F(SmallDisk, ReadOnlyDiskIsReadAndNotWritten)
                                                {"import", dir_.path() / "cut.edl"},
                                                {"project", "compact"}})
     expectNothingDone(words, 1, message);
-  expectNothingDone({"export", "--json", "-o", "out"}, 3, "out: cannot be written (Read-only file system)");
+  expectNothingDone({"export", "--json", "-o", "out"}, 3, "out: cannot be made (Read-only file system)");
   for (std::size_t i = 0; i < answers.size(); ++i)
     EXPECT_EQ(output(readers[i]), answers[i]);
 }

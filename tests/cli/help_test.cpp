@@ -113,11 +113,6 @@ TEST_F(Help, NamesEveryCommand)
   for (const Words& path : commands())
     names.push_back(joined(path));
   EXPECT_EQ(names, (Words{"reeldb init",
-                          "reeldb project",
-                          "reeldb project new",
-                          "reeldb project list",
-                          "reeldb project check",
-                          "reeldb project compact",
                           "reeldb import",
                           "reeldb diff",
                           "reeldb export",
@@ -132,20 +127,46 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb reels-of",
                           "reeldb delete",
                           "reeldb undelete",
-                          "reeldb types",
-                          "reeldb devices",
+                          "reeldb watch",
+                          "reeldb project",
+                          "reeldb project new",
+                          "reeldb project list",
+                          "reeldb project check",
+                          "reeldb project compact",
                           "reeldb device",
                           "reeldb device list",
                           "reeldb device show",
                           "reeldb device reels",
                           "reeldb device live",
-                          "reeldb device label-map",
-                          "reeldb labelmap",
-                          "reeldb labelmap list",
-                          "reeldb labelmap check",
-                          "reeldb label-map-for",
-                          "reeldb fields",
-                          "reeldb watch"}));
+                          "reeldb label-map",
+                          "reeldb label-map list",
+                          "reeldb label-map check",
+                          "reeldb label-map for",
+                          "reeldb type",
+                          "reeldb type list",
+                          "reeldb field",
+                          "reeldb field list",
+                          "reeldb field name",
+                          "reeldb help"}));
+}
+
+TEST_F(Help, CommandHelpShowsWhatTheOptionShows)
+{
+  EXPECT_EQ(output({"help"}), output({"--help"}));
+  for (const Words& path : commands()) {
+    Words words = {"help"};
+    words.insert(words.end(), path.begin(), path.end());
+    EXPECT_EQ(output(words), help(path)) << joined(words);
+  }
+}
+
+TEST_F(Help, OfAnUnknownCommandIsAnErrorWithAGuess)
+{
+  EXPECT_EQ(reeldb({"help", "lst"}).err,
+            "reeldb: help: \"lst\": no such command (perhaps list; reeldb --help tells more)\n");
+  EXPECT_EQ(reeldb({"help", "project", "lst"}).err,
+            "reeldb: help: \"lst\": no such command (perhaps list; reeldb project --help tells more)\n");
+  EXPECT_EQ(reeldb({"help", "lst"}).code, 2);
 }
 
 TEST_F(Help, DocumentsTheExitCodes)

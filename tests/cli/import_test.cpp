@@ -283,21 +283,21 @@ TEST_F(Import, EveryFileThatCannotBeReadIsNamed)
   ProcessResult result = reeldb({"import", "missing.edl", "cut.edl", "noise.edl"});
   EXPECT_EQ(result.code, 3) << "the worse of the two";
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "reeldb: missing.edl: cannot be read (No such file or directory)\n"
+  EXPECT_EQ(result.err, "reeldb: missing.edl: cannot be opened (No such file or directory)\n"
                         "reeldb: noise.edl: neither a cut list (EDL) nor a log file (ALE) (it has no event line and no "
                         "Heading or Column)\n"
                         "reeldb: import: nothing brought in (2 of 3 files cannot be read)\n");
   result = reeldb({"import", "--json", "lost.edl", "cut.edl"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "reeldb: lost.edl: cannot be read (No such file or directory)\n"
+  EXPECT_EQ(result.err, "reeldb: lost.edl: cannot be opened (No such file or directory)\n"
                         "reeldb: import: nothing brought in (1 of 2 files cannot be read)\n");
   EXPECT_EQ(projectBytes(), before);
 }
 
 TEST_F(Import, TheOnlyFileThatCannotBeReadIsAllThereIsToSay)
 {
-  EXPECT_EQ(reeldb({"import", "lost.edl"}).err, "reeldb: lost.edl: cannot be read (No such file or directory)\n");
+  EXPECT_EQ(reeldb({"import", "lost.edl"}).err, "reeldb: lost.edl: cannot be opened (No such file or directory)\n");
 }
 
 TEST_F(Import, NameTheProjectCannotHoldCostsItsLineAndIsNotCut)

@@ -22,8 +22,8 @@ TEST_F(Init, MakesAFacilityWithAProjectReadyForUse)
   EXPECT_EQ(json({"-C", "site", "list", "--json"}), Json::array());
   EXPECT_EQ(json({"-C", "site", "project", "list", "--json"}),
             Json::parse(R"([{"name": "main", "default": true, "rate": "25", "rate_code": 3}])"));
-  EXPECT_GT(json({"-C", "site", "types", "--json"}).size(), 2u);
-  EXPECT_EQ(json({"-C", "site", "devices", "--json"}).size(), 2u);
+  EXPECT_GT(json({"-C", "site", "type", "list", "--json"}).size(), 2u);
+  EXPECT_EQ(json({"-C", "site", "device", "list", "--json"}).size(), 2u);
 }
 
 TEST_F(Init, WithoutAFolderWorksInTheWorkingFolder)

@@ -29,7 +29,7 @@ TEST_F(ListCommand, EmptyProjectSaysSo)
 
 TEST_F(ListCommand, JsonHasEveryKeyInItsType)
 {
-  output({"set", "A001", "0=twelve", "3=rain", "bin=Shelf", "label-mapping=pal9pin", "inhibit=yes", "available=no"});
+  output({"set", "A001", "0=twelve", "3=rain", "bin=Shelf", "label-map=pal9pin", "inhibit=yes", "available=no"});
   EXPECT_EQ(json({"list", "--json"}), Json::parse(R"([{
     "id": "A001", "type": "Tape 2ch", "available": false, "inhibit": true, "label_mapping": "pal9pin",
     "bin": "Shelf", "last_device": "", "video_channels": 1, "audio_channels": 2,
@@ -51,7 +51,7 @@ TEST_F(ListCommand, AskingDoesNotAddTypesToTheCatalogue)
   output({"set", "A001", "bin=x"});
   ASSERT_EQ(reeldb({"set", "A001", "type=Unheard of"}).code, 0);
   EXPECT_EQ(json({"show", "--json", "A001"}).at("known_type"), false);
-  EXPECT_EQ(json({"types", "--json"}).size(), 4u);
+  EXPECT_EQ(json({"type", "list", "--json"}).size(), 4u);
 }
 
 TEST_F(ListCommand, TableLinesUpAndLeavesOutWhatNobodyUses)
@@ -68,7 +68,7 @@ TEST_F(ListCommand, TableLinesUpAndLeavesOutWhatNobodyUses)
 
 TEST_F(ListCommand, TableShowsUserFieldsUnderTheirNames)
 {
-  output({"fields", "1=Scene"});
+  output({"field", "name", "1=Scene"});
   output({"set", "A001", "1=12A"});
   const std::string text = output({"list"});
   EXPECT_NE(text.find("Scene\n"), std::string::npos) << text;

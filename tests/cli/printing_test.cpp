@@ -22,7 +22,7 @@ protected:
     dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: ONE\n" +
                               event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
     ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
-    output({"set", "A001", "bin=x", "0=x", "label-mapping=pal9pin"});
+    output({"set", "A001", "bin=x", "0=x", "label-map=pal9pin"});
     for (const char* key : {"profile_bin_name", "reel_userfield0", "reel_labelmapping", "tracks", "source_in"})
       setStored(path("projects/main.reels"), "A001", key, odd);
     respell(path("projects/main.reels"), "A001", odd);
@@ -73,21 +73,21 @@ TEST_F(Printing, OddReelIsShownWithEscapesByEveryCommand)
                                        {"diff", "--gone", "cut.edl"},
                                        {"diff", "--gone", "cut.edl", "--json"},
                                        {"export", "--json"},
-                                       {"devices"},
+                                       {"device", "list"},
                                        {"device", "list"},
                                        {"device", "show", "0"},
                                        {"device", "show", "1", "--json"},
                                        {"device", "live", "1"},
                                        {"device", "live", "1", "--json"},
-                                       {"device", "label-map", "0"},
-                                       {"device", "label-map", "0", "--json"},
+                                       {"label-map", "for", "--device", "0"},
+                                       {"label-map", "for", "--device", "0", "--json"},
                                        {"device", "reels", "0", "--why"},
                                        {"device", "reels", "0", "--why", "--json"},
-                                       {"labelmap", "list"},
-                                       {"labelmap", "list", "--json"},
-                                       {"label-map-for", odd, "--device", "0"},
-                                       {"fields"},
-                                       {"fields", "--json"},
+                                       {"label-map", "list"},
+                                       {"label-map", "list", "--json"},
+                                       {"label-map", "for", odd, "--device", "0"},
+                                       {"field", "list"},
+                                       {"field", "list", "--json"},
                                        {"copy", odd, "B001"},
                                        {"set", odd, "bin="},
                                        {"rename", "--dry-run", odd, "X"},
@@ -139,10 +139,10 @@ TEST_F(Printing, OddArgumentIsShownWithEscapesInEveryMessage)
                                        {"set", "B001", odd},
                                        {"set", "B001", "bin=" + odd},
                                        {"set", "B001", odd + "=x"},
-                                       {"fields", "0=" + odd},
+                                       {"field", "name", "0=" + odd},
                                        {"reels-of", "--file", odd},
                                        {"reels-of", "x" + odd},
-                                       {"labelmap", "check", odd},
+                                       {"label-map", "check", odd},
                                        {"project", "new", odd},
                                        {"project", "new", "x", "--rate", odd},
                                        {"watch", "--for", odd},

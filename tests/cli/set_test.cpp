@@ -91,7 +91,7 @@ TEST_F(Set, OtherWordForAFlagIsAUsageError)
 TEST_F(Set, UnknownFieldIsAUsageErrorThatNamesTheFields)
 {
   expectRefusal(2, {"colour=red"},
-                "colour: no such field (type, available, inhibit, label-mapping, bin, last-device, "
+                "colour: no such field (type, available, inhibit, label-map, bin, last-device, "
                 "user-field.0 to user-field.5, or the name of a user field)\n");
 }
 
@@ -115,7 +115,7 @@ TEST_F(Set, OneBadValueStoresNothing)
 
 TEST_F(Set, UserFieldsGoByNumberByPrefixAndByName)
 {
-  output({"fields", "2=Scene"});
+  output({"field", "name", "2=Scene"});
   output({"set", "A001", "0=zero", "user-field.1=one", "scene=two", "User field 4=three", "User-Field.4=four"});
   EXPECT_EQ(reel("A001").at("user_fields"),
             Json::parse(R"({"0": "zero", "1": "one", "2": "two", "3": "three", "4": "four"})"));
@@ -144,7 +144,7 @@ TEST_F(Set, NameThatTwoUserFieldsHaveIsRefused)
 
 TEST_F(Set, LastDeviceMustBeADevice)
 {
-  const Json devices = json({"devices", "--json"});
+  const Json devices = json({"device", "list", "--json"});
   const std::string name = devices.at(0).at("name");
   expectRefusal(1, {"last-device=Nope"}, "last-device: no device is called \"Nope\" (this facility has: ");
   output({"set", "A001", "last-device=" + name});
@@ -157,8 +157,8 @@ TEST_F(Set, LastDeviceMustBeADevice)
 
 TEST_F(Set, EmptyValueTakesTheValueAway)
 {
-  output({"set", "A001", "bin=x", "label-mapping=pal9pin", "0=y"});
-  output({"set", "A001", "bin=", "label-mapping=", "0="});
+  output({"set", "A001", "bin=x", "label-map=pal9pin", "0=y"});
+  output({"set", "A001", "bin=", "label-map=", "0="});
   EXPECT_EQ(reel("A001").at("bin"), "");
   EXPECT_EQ(reel("A001").at("label_mapping"), "");
   EXPECT_EQ(reel("A001").at("user_fields"), Json::object());
@@ -189,26 +189,25 @@ TEST_F(Set, ReelOfAnOddNameIsFoundAndItsOddValueMended)
 
 TEST_F(Set, LabelMapThatCannotBeReadIsStoredWithAWarning)
 {
-  ProcessResult result = reeldb({"set", "A001", "label-mapping=nope"});
+  ProcessResult result = reeldb({"set", "A001", "label-map=nope"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.out, "A001: label-mapping: nope (was -)\n");
+  EXPECT_EQ(result.out, "A001: label-map: nope (was -)\n");
   EXPECT_EQ(result.err, "reeldb: \"nope\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "
                         "ntsc1394, ntstofd, pal1394, pal9pin, paltofd); stored all the same\n");
   EXPECT_EQ(reel("A001").at("label_mapping"), "nope");
   dir_.write("labelmaps/bad.toml", "x =");
-  result = reeldb({"set", "A001", "label-mapping=bad"});
+  result = reeldb({"set", "A001", "label-map=bad"});
   EXPECT_EQ(result.code, 0);
   EXPECT_NE(result.err.find("bad.toml:1: not valid TOML"), std::string::npos) << result.err;
   for (const std::string good : {"pal9pin", "Device default", ""})
-    EXPECT_EQ(reeldb({"set", "A001", "label-mapping=" + good}).err, "") << good;
+    EXPECT_EQ(reeldb({"set", "A001", "label-map=" + good}).err, "") << good;
 }
 
 TEST_F(Set, TextThatTheLibraryReadsAsNoneIsWarnedOf)
 {
-  ProcessResult result = reeldb({"set", "A001", "bin=default", "label-mapping=unknown"});
+  ProcessResult result = reeldb({"set", "A001", "bin=default", "label-map=unknown"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.err,
-            "reeldb: bin: \"default\" stands for none\nreeldb: label-mapping: \"unknown\" stands for none\n");
+  EXPECT_EQ(result.err, "reeldb: bin: \"default\" stands for none\nreeldb: label-map: \"unknown\" stands for none\n");
   EXPECT_EQ(reel("A001").at("bin"), "");
   EXPECT_EQ(reel("A001").at("label_mapping"), "");
   EXPECT_EQ(reeldb({"set", "A001", "bin=unknown"}).err, "");
@@ -219,7 +218,7 @@ TEST_F(Set, LabelMapWhoseNameTheLibraryCannotFindIsWarnedOf)
 {
   std::filesystem::copy_file(path("labelmaps/pal9pin.toml"), path("labelmaps/caf\xc3\xa9.toml"));
   EXPECT_EQ(
-      reeldb({"set", "A001", "label-mapping=caf\xc3\xa9"}).err,
+      reeldb({"set", "A001", "label-map=caf\xc3\xa9"}).err,
       "reeldb: \"caf\xc3\xa9\": stored all the same, but a reel's label map is only found when its name is ASCII\n");
 }
 

@@ -86,7 +86,7 @@ TEST_F(Show, HasAllThatTheListHas)
 
 TEST_F(Show, NamesUserFieldsByTheirDisplayNames)
 {
-  output({"fields", "2=Weather"});
+  output({"field", "name", "2=Weather"});
   output({"set", "A001", "2=rain"});
   EXPECT_NE(output({"show", "A001"}).find("\nWeather         rain\n"), std::string::npos);
 }

@@ -31,6 +31,28 @@ TEST_F(Usage, UnknownCommandIsNamed)
   expectUsageError({"project"}, "project: no command given (reeldb project --help tells more)");
 }
 
+TEST_F(Usage, UnknownCommandIsNotTakenForAQuestion)
+{
+  for (const Words& words : std::vector<Words>{{"nosuch", "--help"}, {"nosuch", "-h"}, {"--help", "nosuch"}}) {
+    const ProcessResult result = reeldb(words);
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.out, "");
+    EXPECT_EQ(result.err, "reeldb: \"nosuch\": no such command (reeldb --help tells more)\n");
+  }
+  EXPECT_EQ(reeldb({"project", "nosuch", "--help"}).err,
+            "reeldb: project: \"nosuch\": no such command (reeldb project --help tells more)\n");
+}
+
+TEST_F(Usage, MistypedCommandIsGuessed)
+{
+  EXPECT_EQ(reeldb({"improt", "x.edl"}).err,
+            "reeldb: \"improt\": no such command (perhaps import; reeldb --help tells more)\n");
+  EXPECT_EQ(reeldb({"labelmap", "list"}).err,
+            "reeldb: \"labelmap\": no such command (perhaps label-map; reeldb --help tells more)\n");
+  EXPECT_EQ(reeldb({"project", "chek"}).err,
+            "reeldb: project: \"chek\": no such command (perhaps check; reeldb project --help tells more)\n");
+}
+
 TEST_F(Usage, UnknownOptionIsNamed)
 {
   expectUsageError({"list", "--jsom"}, "list: \"--jsom\": not expected here (reeldb list --help tells more)");
@@ -122,7 +144,7 @@ TEST_F(Usage, StandardOutputThatTakesNothingIsTold)
 {
   ProcessSetting full = setting_;
   full.outputFile = "/dev/full";
-  const ProcessResult result = reeldb({"types"}, full);
+  const ProcessResult result = reeldb({"type", "list"}, full);
   EXPECT_EQ(result.code, 3);
   EXPECT_EQ(result.err, "reeldb: standard output: cannot be written (No space left on device)\n");
 }
@@ -137,7 +159,7 @@ TEST_F(Usage, FailureOfStandardOutputIsToldOnceAndNothingIsSaidOfChangesThatWere
   EXPECT_EQ(reeldb({"watch", "--for", "0"}, full).err, lost + ")\n");
   for (const Words& words : std::vector<Words>{{"set", "R1", "available=no"},
                                                {"rename", "R1", "R2"},
-                                               {"fields", "0=Scene"},
+                                               {"field", "name", "0=Scene"},
                                                {"project", "new", "p2"},
                                                {"init", "deeper"},
                                                {"delete", "R2", "--yes"},

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// JSON only grows: reports-14.json holds what the first commands of version 14 reported, word for word. Keys may come
+// since, but none goes, and none changes its type or its value. It is never renewed; a new report may be added.
+#include <fstream>
+
+#include "cli/command_fixture.h"
+
+namespace reeldb_tests {
+namespace {
+
+class JsonGrows : public CommandTest {
+protected:
+  /// Fails for each place at which the report of today lacks or changes something of the earlier one.
+  static void expectGrown(const Json& before, const Json& today, const std::string& place)
+  {
+    if (before.is_object() && today.is_object()) {
+      for (const auto& [key, value] : before.items()) {
+        const std::string deeper = place + "." + key;
+        if (today.contains(key))
+          expectGrown(value, today.at(key), deeper);
+        else
+          ADD_FAILURE() << deeper << ": is gone";
+      }
+    } else if (before.is_array() && today.is_array()) {
+      EXPECT_EQ(before.size(), today.size()) << place;
+      for (std::size_t i = 0; i < std::min(before.size(), today.size()); ++i)
+        expectGrown(before.at(i), today.at(i), place + "[" + std::to_string(i) + "]");
+    } else {
+      EXPECT_EQ(before, today) << place;
+    }
+  }
+};
+
+TEST_F(JsonGrows, EveryReportOfVersion14IsInThatOfToday)
+{
+  std::ifstream file(REELDB_REPORTS);
+  const Json kept = Json::parse(file);
+  for (const auto& [name, text] : kept.at("files").items())
+    dir_.write(name, text.get<std::string>());
+  std::size_t compared = 0;
+  for (const Json& step : kept.at("steps")) {
+    const ProcessResult result = reeldb(step.at("words").get<Words>());
+    EXPECT_TRUE(result.code == 0 || result.code == 4) << step << result.err;
+    if (!step.contains("name"))
+      continue;
+    const std::string name = step.at("name");
+    expectGrown(kept.at("reports").at(name), Json::parse(result.out), name);
+    ++compared;
+  }
+  EXPECT_EQ(compared, kept.at("reports").size());
+}
+
+} // namespace
+} // namespace reeldb_tests
