@@ -56,14 +56,8 @@ std::string inputWord(int code)
 
 Device deviceFrom(const reelhost::DeviceSettings& settings)
 {
-  return {settings.number,
-          settings.name,
-          portWord(settings.portType),
-          inputWord(settings.inputType),
-          settings.audioInputs,
-          settings.tapes,
-          settings.labelMap,
-          settings.lastReel};
+  return {settings.number,      settings.name,  portWord(settings.portType), inputWord(settings.inputType),
+          settings.audioInputs, settings.tapes, settings.labelMap,           settings.lastReel};
 }
 
 bool accepts(const reelhost::DeviceSettings& device, const std::string& type)

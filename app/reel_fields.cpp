@@ -288,7 +288,7 @@ ChangedReel changeReel(Session& session, const std::string& id, const std::vecto
       change.after = wanted.field.read(reel);
       result.changes.push_back(std::move(change));
     }
-    session.commit();
+    result.stored = session.commit();
     return result;
   });
 }

@@ -26,6 +26,7 @@ struct FieldChange {
 struct ChangedReel {
   std::string id; ///< as the record spells it
   std::vector<FieldChange> changes;
+  bool stored = false;              ///< false: there was nothing to change
   std::vector<std::string> remarks; ///< what is doubtful about a value; each "subject: fact (cause)"
 };
 

@@ -33,7 +33,8 @@ ExitCode run(const Options& options, const Globals& globals)
   const std::vector<app::Assignment> assignments = parseAssignments(options.assignments);
   app::Session session(globals.project, app::Access::Write);
   const app::ChangedReel changed = app::changeReel(session, options.id, assignments);
-  changesAreStored();
+  if (changed.stored)
+    changesAreStored();
   complainOf(changed.remarks);
   if (options.json)
     print(app::jsonText(changed));

@@ -91,6 +91,28 @@ std::string unknownCommand(const CLI::App& group, const std::string& word)
                      meant.empty() ? "" : "perhaps " + meant + "; ", path(group));
 }
 
+/// The first word of the line, in order, that stands where a command has to and is none; with the group it was looked
+/// for in. Options and their values are passed over.
+std::pair<const CLI::App*, std::string> misnamedCommand(const CLI::App& root, const std::vector<std::string>& arguments)
+{
+  const CLI::App* group = &root;
+  for (std::size_t i = 0; i < arguments.size() && hasCommands(*group); ++i) {
+    const std::string& word = arguments[i];
+    if (word == "--")
+      break;
+    if (word.size() > 1 && word.front() == '-') {
+      const CLI::Option* const option = root.get_option_no_throw(word);
+      i += option && option->get_items_expected_max() > 0 ? 1 : 0; // its value
+      continue;
+    }
+    const auto named = group->get_subcommands([&](const CLI::App* command) { return command->get_name() == word; });
+    if (named.empty())
+      return {group, word};
+    group = named.front();
+  }
+  return {nullptr, {}};
+}
+
 /// What is wrong with the line, with what to do.
 std::string fault(const CLI::App& root, const CLI::App& command, const CLI::ParseError& error)
 {
@@ -98,7 +120,7 @@ std::string fault(const CLI::App& root, const CLI::App& command, const CLI::Pars
   std::vector<std::string> left = root.remaining(true);
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
   if (dynamic_cast<const CLI::RequiredError*>(&error) && hasCommands(command))
-    return left.empty() ? "no command given" + hint : unknownCommand(command, unmarked(left.front()));
+    return "no command given" + hint;
   if (dynamic_cast<const CLI::ExtrasError*>(&error) && !left.empty())
     return '"' + base::shortText(unmarked(left.front())) + '"' +
            (command.get_option_no_throw(left.front()) ? ": not expected before the command" : ": not expected here") +
@@ -236,16 +258,20 @@ Reading CommandLine::read(int argc, char** argv)
   const auto options = std::find(arguments.begin(), arguments.end(), "--"); // what follows is left alone
   std::transform(arguments.begin(), options, arguments.begin(), longProject);
   std::transform(arguments.begin(), arguments.end(), arguments.begin(), marked);
-  std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
   Reading reading;
   CLI::App& app = parser_->app;
-  const auto refuse = [&](const std::string& what) {
-    const CLI::App& command = parser_->chosen();
+  const auto refuseFor = [&](const CLI::App& command, const std::string& what) {
     const std::string words = path(command);
     const std::string subject = &command == &app ? "" : words.substr(words.find(' ') + 1) + ": ";
     reading.code = usage;
     reading.message = subject + what;
   };
+  if (const auto [group, word] = misnamedCommand(app, arguments); group) {
+    refuseFor(*group, unknownCommand(*group, unmarked(word)));
+    return reading;
+  }
+  const auto refuse = [&](const std::string& what) { refuseFor(parser_->chosen(), what); };
+  std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
   try {
     app.parse(std::move(arguments));
     const CLI::App& command = parser_->chosen();
@@ -259,12 +285,7 @@ Reading CommandLine::read(int argc, char** argv)
     reading.run = entry.run;
     reading.needsFacility = entry.needsFacility;
   } catch (const CLI::CallForHelp&) {
-    const CLI::App& command = parser_->chosen();
-    const std::vector<std::string> left = app.remaining(true);
-    if (hasCommands(command) && !left.empty())
-      refuse(unknownCommand(command, unmarked(left.front())));
-    else
-      reading.text = app.help();
+    reading.text = app.help();
   } catch (const CLI::CallForVersion& version) {
     reading.text = std::string(version.what()) + "\n";
   } catch (const CLI::ParseError& error) {

@@ -482,13 +482,13 @@ TEST_F(HostileFiles, LinkInPlaceOfAStateFileIsNotWrittenThrough)
 TEST_F(HostileFiles, ExportWritesThroughALinkOnlyIntoAFileAndOnlyByForce)
 {
   for (const char* device : {"/dev/full", "/dev/zero"}) {
-    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": no regular file");
+    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": no regular file (a device)");
     link("out", device);
-    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file");
+    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a device)");
   }
   link("out", outside_.path().native());
-  expectError({"export", "--edl", "-o", "out"}, 1, "out: a folder");
-  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: a folder");
+  expectError({"export", "--edl", "-o", "out"}, 1, "out: no regular file (a folder)");
+  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a folder)");
   link("out", outside("mine"));
   expectError({"export", "--edl", "-o", "out"}, 1, "out: exists already (--force replaces it)");
 }

@@ -136,7 +136,7 @@ TEST_F(Rename, NameThatCutListsUseForNoReelIsTakenWithAWarning)
   EXPECT_EQ(reeldb({"rename", "--dry-run", "B001", "BARS"}).err, warning);
   const ProcessResult result = reeldb({"rename", "B001", "BARS"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.err.substr(0, warning.size()), warning);
+  EXPECT_EQ(result.err, "Shot: E0000003  Changing reel from B001 to BARS\n" + warning);
   EXPECT_EQ(reelIds(), (Words{"A001", "BARS"}));
   EXPECT_EQ(reeldb({"rename", "BARS", "BARS"}).err, "");
 }

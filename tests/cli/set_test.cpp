@@ -64,7 +64,7 @@ TEST_F(Set, TypeThatIsNotListedIsStoredWithAWarning)
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "A001: type: Betacam (was -)\n");
   EXPECT_EQ(result.err,
-            "reeldb: Betacam: not in the reel type catalogue (stored all the same; reeldb types lists what is)\n");
+            "reeldb: Betacam: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
   EXPECT_EQ(reel("A001").at("type"), "Betacam");
 }
 

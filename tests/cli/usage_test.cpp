@@ -26,8 +26,9 @@ TEST_F(Usage, NoCommandIsAnError)
 
 TEST_F(Usage, UnknownCommandIsNamed)
 {
-  expectUsageError({"lsit"}, "\"lsit\": no such command (reeldb --help tells more)");
-  expectUsageError({"project", "lsit"}, "project: \"lsit\": no such command (reeldb project --help tells more)");
+  expectUsageError({"lsit"}, "\"lsit\": no such command (perhaps list; reeldb --help tells more)");
+  expectUsageError({"project", "lsit"},
+                   "project: \"lsit\": no such command (perhaps list; reeldb project --help tells more)");
   expectUsageError({"project"}, "project: no command given (reeldb project --help tells more)");
 }
 
@@ -89,7 +90,8 @@ TEST_F(Usage, ProjectMayBeGivenWithAnEqualsSign)
 
 TEST_F(Usage, OptionGivenTwiceIsNamed)
 {
-  expectUsageError({"list", "-C", ".", "-C", "."}, "-C: given more than once (-C DIR names the facility)");
+  expectUsageError({"list", "-C", ".", "-C", "."},
+                   "list: --facility: given more than once (reeldb list --help tells more)");
   expectUsageError({"list", "-p", "a", "-p", "b"},
                    "list: --project: given more than once (reeldb list --help tells more)");
 }

@@ -50,7 +50,7 @@ TEST_F(Which, CutNameOfASourceTableIsToldWithBothReasons)
 {
   EXPECT_EQ(json({"which", "A021C012", "--json"}),
             Json::parse(R"({"name": "A021C012", "reel": "A021C012_210609_H1KV", "candidates": [
-              {"reel": "A021C012_210609_H1KV", "reasons": ["cut", "alias"], "record": true}]})"));
+              {"reel": "A021C012_210609_H1KV", "reasons": ["cut", "alias"], "record": true, "shots": 1}]})"));
 }
 
 TEST_F(Which, CutFormOfTwoReelsIsAmbiguous)

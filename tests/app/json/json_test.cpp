@@ -140,7 +140,7 @@ TEST(Json, ReelWithWhatTheLibrarySaysOfIt)
 
 TEST(Json, ChangedReelNamesFieldsAsReportsAlwaysHave)
 {
-  const ChangedReel changed{"A001", {{"label-map", "", "pal9pin"}, {"bin", "x", "x"}}, {}};
+  const ChangedReel changed{"A001", {{"label-map", "", "pal9pin"}, {"bin", "x", "x"}}, true, {}};
   expectJson(changed, R"({"id": "A001", "changed": [{"field": "label-mapping", "from": "", "to": "pal9pin"}],
                           "unchanged": [{"field": "bin", "value": "x"}]})");
   EXPECT_EQ(fromJson<ChangedReel>(jsonText(changed)).changes.front().field, "label-map");
