@@ -77,7 +77,7 @@ TEST_F(SqliteSharing, SecondWriterIsToldWhoHoldsTheProject)
   EXPECT_EQ(std::count(error.begin(), error.end(), '\0'), 0);
 }
 
-TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsPatience)
+TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsBusyTimeout)
 {
   Child other = holder();
   other.waitUntilDone();
