@@ -6,6 +6,7 @@
 #include <climits>
 
 #include "facility/state_file.h"
+#include "facility/type_file_check.h"
 #include "host/codes.h"
 #include "reelhost/display_text.h"
 
@@ -90,6 +91,7 @@ FacilityReader::FacilityReader(const std::filesystem::path& dir)
   for (const TomlTable& table : root.tables("device"))
     readDevice(table);
   readState();
+  facility_.remarks_ = checkTypeFile(facility_.deviceDataDirectory() / "reeltype.dat");
 }
 
 void FacilityReader::readFacility(const TomlTable& table)

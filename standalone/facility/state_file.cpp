@@ -23,12 +23,12 @@ namespace {
 /// Keeps other processes from merging for as long as this lives.
 class MergeLock {
 public:
-  MergeLock(const std::filesystem::path& file, std::chrono::milliseconds patience)
+  MergeLock(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout)
       : fd_(::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY, 0666))
   {
     if (!fd_.valid())
       throw hostError(base::FileError(file, "cannot be opened", errno));
-    const auto last = std::chrono::steady_clock::now() + patience;
+    const auto last = std::chrono::steady_clock::now() + busyTimeout;
     while (::flock(fd_.get(), LOCK_EX | LOCK_NB) != 0) {
       if (errno != EWOULDBLOCK && errno != EINTR)
         throw hostError(base::FileError(file, "cannot be locked", errno));
@@ -142,13 +142,13 @@ State StateFile::read() const
   }
 }
 
-State StateFile::merge(const State& changes, std::chrono::milliseconds patience) const
+State StateFile::merge(const State& changes, std::chrono::milliseconds busyTimeout) const
 {
   for (const auto& [key, value] : changes.system)
     if (!utf8::is_valid(key))
       throw Error(ErrorKind::Refused,
                   displayText(file().native()) + ": \"" + displayText(key) + "\" is no key (not UTF-8)");
-  const MergeLock lock(facility_ / "state.lock", patience);
+  const MergeLock lock(facility_ / "state.lock", busyTimeout);
   const State old = read();
   State state = merged(old, changes, configured_);
   const std::string after = written(state);

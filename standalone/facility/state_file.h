@@ -24,7 +24,7 @@ State merged(State state, const State& changes, const std::map<std::string, std:
 class StateFile {
 public:
   /// How long merge waits for another process that is merging; it takes some milliseconds.
-  static constexpr std::chrono::milliseconds usualPatience{10'000};
+  static constexpr std::chrono::milliseconds usualTimeout{10'000};
 
   /// @p configured are the settings of facility.toml, as for merged.
   explicit StateFile(std::filesystem::path facility, std::map<std::string, std::string> configured = {})
@@ -35,9 +35,9 @@ public:
   /// Empty when there is no file. Throws Error: Unreadable ("PATH: damaged (...)"), Io.
   State read() const;
   /// Puts these values over those in the file as merged does, replaces it whole, and answers them all. Processes that
-  /// merge at the same time wait for each other. Throws Error: Busy after @p patience; Unreadable when the file is
+  /// merge at the same time wait for each other. Throws Error: Busy after @p busyTimeout; Unreadable when the file is
   /// damaged, and Refused when it would become too large to be read again, and leaves it as it is then; Io.
-  State merge(const State& changes, std::chrono::milliseconds patience = usualPatience) const;
+  State merge(const State& changes, std::chrono::milliseconds busyTimeout = usualTimeout) const;
 
 private:
   std::filesystem::path file() const { return facility_ / "state.toml"; }

@@ -16,7 +16,7 @@ using model::Project;
 
 namespace {
 
-constinit std::chrono::milliseconds patience_ = std::chrono::seconds(2);
+constinit std::chrono::milliseconds busyTimeout_ = std::chrono::seconds(2);
 
 /// The project that is open, and those that are closed but for a handle that somebody still holds on one of their logs.
 struct Projects {
@@ -47,14 +47,14 @@ void replaceProject(std::unique_ptr<Project> project)
 
 } // namespace
 
-std::chrono::milliseconds model::patience()
+std::chrono::milliseconds model::busyTimeout()
 {
-  return patience_;
+  return busyTimeout_;
 }
 
-void setPatience(std::chrono::milliseconds patience)
+void setBusyTimeout(std::chrono::milliseconds busyTimeout)
 {
-  patience_ = patience;
+  busyTimeout_ = busyTimeout;
 }
 
 void openProject(std::unique_ptr<Store> store, Access access)

@@ -64,7 +64,7 @@ std::string fileNameOf(const Log& log)
 Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     : store_(std::move(store)), access_(access)
 {
-  store_->begin(beginWith, patience());
+  store_->begin(beginWith, busyTimeout());
   use_ = beginWith == Access::Write ? Use::Write : Use::Read;
   try {
     info_ = store_->info();
@@ -110,7 +110,7 @@ void Project::use(Access needed)
   if (changedElsewhere())
     throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it anew)");
   letGo();
-  store_->begin(needed, patience());
+  store_->begin(needed, busyTimeout());
   use_ = needed == Access::Write ? Use::Write : Use::Read;
 }
 

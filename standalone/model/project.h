@@ -130,7 +130,7 @@ extern Project* openedProject;
 Project& requireProject(const char* wanted);
 
 /// How long a use of the store waits for another process.
-std::chrono::milliseconds patience();
+std::chrono::milliseconds busyTimeout();
 
 /// "E" and the number, with at least seven digits: what the host calls the file of a log.
 std::string fileNameOf(const Log& log);

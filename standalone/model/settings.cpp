@@ -10,6 +10,7 @@
 #include "host/config.h"
 #include "host/text.h"
 #include "journal/host_call.h"
+#include "reelhost/display_text.h"
 #include "reelhost/host.h"
 
 using reelhost::describeAll;
@@ -22,22 +23,20 @@ namespace {
 
 /// Where settings come from. The library asks while it is loaded, before any constructor of the program has run.
 struct Source {
-  std::filesystem::path directory; ///< that the environment names; empty without one
-  Facility facility;               ///< one without anything when there is none
-  std::optional<Error> error;      ///< why the named one is not it
+  Facility facility;          ///< one without anything when there is none
+  std::optional<Error> error; ///< why the one that the environment names is not it
 
   Source()
   {
     const char* const named = std::getenv("REELDB_FACILITY");
     if (!named || !*named)
       return;
-    directory = named;
     try {
-      facility = Facility::read(directory);
+      facility = Facility::read(named);
     } catch (const Error& e) {
       error = e;
     } catch (const std::exception& e) {
-      error = Error(ErrorKind::Unreadable, directory.string() + ": cannot be read (" + e.what() + ")");
+      error = Error(ErrorKind::Unreadable, displayText(named) + ": cannot be read (" + e.what() + ")");
     }
   }
 };
@@ -60,7 +59,6 @@ Facility& facility()
 void useFacility(Facility facility)
 {
   Source& s = source();
-  s.directory = facility.directory();
   s.facility = std::move(facility);
   s.error.reset();
 }
@@ -81,18 +79,14 @@ const char* kept(const std::string& text)
   return texts.insert(text).first->c_str();
 }
 
-// No file can lie below a device, so a type file in the working directory is never taken for the facility's.
+// No file can lie below a device. So without a facility no type file in the working folder is taken for its own, and
+// one that was refused, which could end the process, is not read all the same.
 constexpr wchar_t nowhere[] = L"/dev/null/";
 
 LightweightString<wchar_t> deviceDataDirectory()
 {
-  const std::filesystem::path& directory = reelhost::source().directory;
-  if (directory.empty())
-    return nowhere;
   const reelhost::Facility& facility = reelhost::model::facilityOrNone();
-  const std::filesystem::path folder =
-      facility.directory().empty() ? directory / "devicedata" / "" : facility.deviceDataDirectory();
-  return fromUTF8(folder.c_str());
+  return facility.directory().empty() ? nowhere : fromUTF8(facility.deviceDataDirectory().c_str());
 }
 
 } // namespace

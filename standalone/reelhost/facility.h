@@ -37,9 +37,14 @@ struct DeviceSettings {
 class Facility {
 public:
   Facility(); ///< no facility: no devices, no projects, built-in texts and frame rates
-  /// Reads the folder's files. Unknown keys and wrong types throw Error (Unreadable) with file, line and key; a folder
-  /// without facility.toml throws Error (NotFound); what the system refuses to read, Error (Io).
+  /// Reads the folder's files. Throws Error: Unreadable for an unknown key or a wrong type in facility.toml or the
+  /// state file, with file, line and key, and for a record of devicedata/reeltype.dat that would end the process while
+  /// the library is loaded, with file and line; NotFound for a folder without facility.toml; Io for what the system
+  /// refuses to read.
   static Facility read(const std::filesystem::path& dir);
+  /// What the folder's files say and hardly mean, "PATH:LINE: FACT" each, in the order of the lines: numbers of
+  /// channels in devicedata/reeltype.dat that are no numbers, or more than a reel can have. As of read().
+  const std::vector<std::string>& remarks() const { return remarks_; }
 
   const std::filesystem::path& directory() const { return directory_; } ///< absolute; empty without a facility
   std::filesystem::path deviceDataDirectory() const;                    ///< ends in '/'
@@ -90,6 +95,7 @@ private:
   std::map<unsigned, std::string> texts_, storedLastReel_, pendingLastReel_;
   std::vector<std::pair<std::string, int>> frameRates_;
   std::vector<DeviceSettings> devices_;
+  std::vector<std::string> remarks_;
 };
 
 /// The nearest folder from @p start upwards that holds a facility.toml, absolute. The file is not read.

@@ -46,7 +46,7 @@ void useFacility(Facility facility);
 /// @{
 
 /// How long to wait for another process's write lock before saying who holds the project; two seconds at first.
-void setPatience(std::chrono::milliseconds patience);
+void setBusyTimeout(std::chrono::milliseconds busyTimeout);
 
 /// Opens a project and enters it: listeners hear handleProjectEntry. Another open project is closed first. A project
 /// that is opened for reading may be changed, but not committed: that is how a change is tried out. Throws Error as

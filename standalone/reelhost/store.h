@@ -77,9 +77,9 @@ public:
 
   /// Begins to use the project. Read: a snapshot that no other process can change, taken without any lock that keeps
   /// writers away. Write: nobody else can write from now on. Throws Error: NotFound, Unreadable, ReadOnly, Io, or Busy
-  /// when another writer is still there after @p patience (the message says who). A use that goes on is ended first;
+  /// when another writer is still there after @p busyTimeout (the message says who). A use that goes on is ended first;
   /// after a throw none is begun. What throws because of the project leaves its file as it was.
-  virtual void begin(Access access, std::chrono::milliseconds patience) = 0;
+  virtual void begin(Access access, std::chrono::milliseconds busyTimeout) = 0;
   /// Ends the use without keeping changes; does nothing when not begun. Never throws.
   virtual void end() noexcept = 0;
 

@@ -117,6 +117,11 @@ void Database::execute(const char* sql)
   check(handle(), sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr));
 }
 
+bool Database::tryExecute(const char* sql)
+{
+  return sqlite3_exec(handle(), sql, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
 std::int64_t Database::integer(const char* sql)
 {
   Statement statement(*this, sql);
@@ -147,9 +152,9 @@ std::int64_t Database::fileSize()
   return size;
 }
 
-void Database::setPatience(std::chrono::milliseconds patience)
+void Database::setBusyTimeout(std::chrono::milliseconds timeout)
 {
-  const auto limited = std::clamp<std::int64_t>(patience.count(), 0, INT_MAX);
+  const auto limited = std::clamp<std::int64_t>(timeout.count(), 0, INT_MAX);
   sqlite3_busy_timeout(handle(), static_cast<int>(limited));
 }
 
@@ -168,11 +173,6 @@ bool Database::moved()
 bool Database::inTransaction()
 {
   return sqlite3_get_autocommit(handle()) == 0;
-}
-
-std::int64_t Database::changes()
-{
-  return sqlite3_changes64(handle());
 }
 
 void Statement::Finalizer::operator()(sqlite3_stmt* handle) const

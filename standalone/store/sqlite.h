@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// SQLite behind three small classes. The only file that sees SQLite's own header is sqlite.cpp. One connection and its
+// SQLite behind four small classes. The only file that sees SQLite's own header is sqlite.cpp. One connection and its
 // statements belong to one thread.
 #ifndef REELDB_STORE_SQLITE_H
 #define REELDB_STORE_SQLITE_H
@@ -53,16 +53,16 @@ public:
   Database(const std::string& absolutePath, Mode mode);
 
   void execute(const char* sql);         ///< runs the statements; rows are dropped
+  bool tryExecute(const char* sql);      ///< likewise; false when a statement fails. Never throws
   std::int64_t integer(const char* sql); ///< first column of the first row; 0 when there is no row
   std::string text(const char* sql);     ///< likewise
   std::string readStart(int bytes);      ///< the first bytes of the file as they lie, fewer when it is shorter
   std::int64_t fileSize();
-  void setPatience(std::chrono::milliseconds patience); ///< how long a lock is waited for
+  void setBusyTimeout(std::chrono::milliseconds timeout); ///< how long a lock is waited for
   /// Whether the last connection that closes leaves the write-ahead log where it is. As opened: no.
   void keepLogOnClose(bool keep);
-  bool moved();           ///< whether the path no longer leads to the file that was opened
-  bool inTransaction();   ///< whether a transaction is open
-  std::int64_t changes(); ///< rows changed by the last INSERT, UPDATE or DELETE
+  bool moved();         ///< whether the path no longer leads to the file that was opened
+  bool inTransaction(); ///< whether a transaction is open
   sqlite3* handle() const { return handle_.get(); }
 
 private:
@@ -70,6 +70,34 @@ private:
     void operator()(sqlite3*) const;
   };
   std::unique_ptr<sqlite3, Closer> handle_;
+};
+
+/// A transaction, rolled back with its owner unless it was committed. One that cannot be rolled back leaves the
+/// connection inTransaction(), good for nothing but to be closed.
+class Transaction {
+public:
+  enum class Kind {
+    Read, ///< from the first read on, what is read stays as it was then
+    Write ///< takes the write lock at once
+  };
+
+  Transaction(Database& database, Kind kind) : database_(database), kind_(kind)
+  {
+    database_.execute(kind == Kind::Write ? "BEGIN IMMEDIATE" : "BEGIN");
+  }
+  ~Transaction()
+  {
+    if (database_.inTransaction()) // an error may have ended it already
+      database_.tryExecute("ROLLBACK");
+  }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  Kind kind() const { return kind_; }
+  void commit() { database_.execute("COMMIT"); }
+
+private:
+  Database& database_;
+  const Kind kind_;
 };
 
 /// A prepared statement. Texts may hold any bytes; they are stored and answered as they are.

@@ -15,12 +15,13 @@ namespace {
 
 using sqlite::Database;
 using sqlite::Statement;
+using sqlite::Transaction;
 
 void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
 {
   database.execute("PRAGMA synchronous = FULL");
   database.execute(("PRAGMA application_id = " + std::to_string(projectApplicationId)).c_str());
-  database.execute("BEGIN");
+  Transaction transaction(database, Transaction::Kind::Write);
   bringUpToDate(database, schemaSteps());
   const std::string_view uuid(reinterpret_cast<const char*>(info.uuid.data()), info.uuid.size());
   Statement put(database, "INSERT INTO project(key, value) VALUES(?1, ?2)");
@@ -32,7 +33,7 @@ void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
   Statement option(database, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
   for (const auto& [key, value] : options)
     option.bind(1, key).bind(2, value).run();
-  database.execute("COMMIT");
+  transaction.commit();
   database.execute("PRAGMA journal_mode = WAL");
 }
 

@@ -117,12 +117,22 @@ TEST_F(LoadTime, FieldOf2047BytesIsLoaded)
   EXPECT_EQ(outcome.out, longest + "|A=1\n");
 }
 
-TEST_F(LoadTime, FieldOf2048BytesAbortsTheProgram)
+TEST_F(LoadTime, FieldOf2048BytesIsRefusedByTheStandaloneHost)
 {
-  const std::string name = facilityWith(std::string(2048, 'x') + ":A=1\n");
-  EXPECT_EQ(run(CATALOGUE_PROBE, {{"REELDB_FACILITY", name}}).signal, SIGABRT);
-  const std::string params = facilityWith(std::string("n:") + std::string(2048, 'x') + "\n");
-  EXPECT_EQ(run(CATALOGUE_PROBE, {{"REELDB_FACILITY", params}}).signal, SIGABRT);
+  const Outcome outcome =
+      run(CATALOGUE_PROBE, {{"REELDB_FACILITY", facilityWith("a:A=1\n" + std::string(2048, 'x') + ":A=1\n")}});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_EQ(outcome.err, "");
+}
+
+TEST_F(LoadTime, FieldOf2048BytesAbortsTheProgramWhereTheHostLetsItPass)
+{
+  for (const std::string& bytes : {std::string(2048, 'x') + ":A=1\n", "n:" + std::string(2048, 'x') + "\n"}) {
+    dir.write("data/reeltype.dat", bytes);
+    EXPECT_EQ(run(CATALOGUE_PROBE_OWN_DIRECTORY, {{"PROBE_DIRECTORY", (dir.path() / "data/").string()}}).signal,
+              SIGABRT);
+  }
 }
 
 /// What the library asks while it is loaded, in this order: the default type exists before the catalogue is made.

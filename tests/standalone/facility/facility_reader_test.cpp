@@ -207,7 +207,16 @@ TEST_F(FacilityReaderTest, NamesThatDifferInCaseAreTwoDevices)
 TEST_F(FacilityReaderTest, FolderWithoutTheFileIsNotFound)
 {
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "NotFound: " + file().native() + ": cannot be opened (No such file or directory)");
+            "NotFound: " + folder().native() + ": no facility (facility.toml not found)");
+}
+
+TEST_F(FacilityReaderTest, WhatIsNoFolderIsNotFound)
+{
+  const fs::path none = folder() / "none", notAFolder = folder() / "f";
+  writeBytes(notAFolder, "");
+  EXPECT_EQ(errorOf([&] { Facility::read(none); }), "NotFound: " + none.native() + ": no facility (no such folder)");
+  EXPECT_EQ(errorOf([&] { Facility::read(notAFolder); }),
+            "NotFound: " + notAFolder.native() + ": no facility (not a folder)");
 }
 
 TEST_F(FacilityReaderTest, WhatIsNoRegularFileIsRefusedWithoutWaiting)

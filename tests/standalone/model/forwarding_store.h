@@ -18,7 +18,10 @@ public:
 
   explicit ForwardingStore(std::shared_ptr<reelhost::Store> to) : to_(std::move(to)) {}
   std::string subject() const override { return to_->subject(); }
-  void begin(reelhost::Access access, std::chrono::milliseconds patience) override { to_->begin(access, patience); }
+  void begin(reelhost::Access access, std::chrono::milliseconds busyTimeout) override
+  {
+    to_->begin(access, busyTimeout);
+  }
   void end() noexcept override { to_->end(); }
   reelhost::ProjectInfo info() override { return to_->info(); }
   reelhost::KeyValues options() override { return to_->options(); }

@@ -26,12 +26,12 @@ struct Seen {
 class WatchedStore : public ForwardingStore {
 public:
   WatchedStore(std::shared_ptr<Store> to, Seen& seen) : ForwardingStore(std::move(to)), seen_(seen) {}
-  void begin(Access access, std::chrono::milliseconds patience) override
+  void begin(Access access, std::chrono::milliseconds busyTimeout) override
   {
     if (seen_.refuseBegin)
       throw Error(ErrorKind::Busy, "memory: held by another process");
     ++seen_.begun;
-    ForwardingStore::begin(access, patience);
+    ForwardingStore::begin(access, busyTimeout);
   }
   void readOthers(const Sink& sink) override
   {
@@ -359,9 +359,9 @@ protected:
   SharedProject()
   {
     reelhost::createSqliteProject(file_, info(), {});
-    reelhost::setPatience(std::chrono::milliseconds(0));
+    reelhost::setBusyTimeout(std::chrono::milliseconds(0));
   }
-  ~SharedProject() override { reelhost::setPatience(std::chrono::seconds(2)); }
+  ~SharedProject() override { reelhost::setBusyTimeout(std::chrono::seconds(2)); }
 
   void open(Access access = Access::Write) { reelhost::openProject(reelhost::makeSqliteStore(file_), access); }
 

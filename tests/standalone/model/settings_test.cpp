@@ -16,10 +16,10 @@ namespace {
 using reeldb_tests::TempFolder;
 using Lines = std::vector<std::string>;
 
-/// The lines that the probe prints in this environment.
-Lines probe(const std::string& environment)
+/// The lines that the program prints in this environment.
+Lines linesOf(const char* program, const std::string& environment)
 {
-  const std::string command = "env -u REELDB_FACILITY " + environment + " '" HOST_PROBE "'";
+  const std::string command = "env -u REELDB_FACILITY " + environment + " '" + program + "'";
   std::FILE* const pipe = ::popen(command.c_str(), "r");
   if (!pipe)
     return {"cannot be started"};
@@ -36,6 +36,11 @@ Lines probe(const std::string& environment)
   return lines;
 }
 
+Lines probe(const std::string& environment)
+{
+  return linesOf(HOST_PROBE, environment);
+}
+
 TEST(Settings, WithoutAFacilityThereIsNoFolderThatCouldHoldAFile)
 {
   const Lines none = {"<default>", "/dev/null/", "", "1"};
@@ -47,11 +52,11 @@ TEST(Settings, TheFacilityIsTheOneInTheEnvironment)
 {
   const TempFolder folder;
   const std::string facility = (folder.path() / "site").string();
-  reelhost::createFacility(facility);
+  reelhost::NewFacility(facility).keep();
   EXPECT_EQ(probe("REELDB_FACILITY='" + facility + "'"), (Lines{"Tape 2ch", facility + "/devicedata/", facility, "1"}));
 }
 
-TEST(Settings, ABadFacilityIsToldLaterAndItsFolderIsStillTheFolder)
+TEST(Settings, BadFacilityCountsAsNoneAndIsReportedLater)
 {
   const TempFolder folder;
   const std::string facility = folder.path().string();
@@ -59,17 +64,30 @@ TEST(Settings, ABadFacilityIsToldLaterAndItsFolderIsStillTheFolder)
   const Lines lines = probe("REELDB_FACILITY='" + facility + "'");
   ASSERT_EQ(lines.size(), 4u);
   EXPECT_EQ(lines[0], "<default>");
-  EXPECT_EQ(lines[1], facility + "/devicedata/");
+  EXPECT_EQ(lines[1], "/dev/null/");
   EXPECT_EQ(lines[2].substr(0, facility.size() + 16), facility + "/facility.toml:2");
 }
 
-TEST(Settings, AFacilityThatIsNotThereIsToldLater)
+TEST(Settings, MissingFacilityCountsAsNoneAndIsReportedLater)
 {
   const Lines lines = probe("REELDB_FACILITY=/nowhere/at/all");
   ASSERT_EQ(lines.size(), 4u);
   EXPECT_EQ(lines[0], "<default>");
-  EXPECT_EQ(lines[1], "/nowhere/at/all/devicedata/");
+  EXPECT_EQ(lines[1], "/dev/null/");
   EXPECT_NE(lines[2].find("/nowhere/at/all"), std::string::npos);
+}
+
+// The library would end the process, had the host not read the file before.
+TEST(Settings, ProgramStartsWithATypeFileThatTheLibraryCannotTakeAndReportsIt)
+{
+  const TempFolder folder;
+  const std::string facility = folder.path().string();
+  reelhost::NewFacility(facility).keep();
+  const std::string environment = "REELDB_FACILITY='" + facility + "'";
+  EXPECT_EQ(linesOf(FACILITY_PROBE, environment), Lines{facility + ", 7 types"});
+  std::ofstream(facility + "/devicedata/reeltype.dat") << "a:VideoChannels=1\n" << std::string(3000, 'n') << ":A=1\n";
+  EXPECT_EQ(linesOf(FACILITY_PROBE, environment),
+            Lines{facility + "/devicedata/reeltype.dat:2: the name is longer than 2047 bytes, 0 types"});
 }
 
 } // namespace

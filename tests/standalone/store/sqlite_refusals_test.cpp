@@ -160,6 +160,15 @@ TEST_F(SqliteRefusals, TextFile)
   expectRefused("Unreadable: no project (not an SQLite file)");
 }
 
+TEST_F(SqliteRefusals, SecondBeginIsRefusedAsTheFirstWas)
+{
+  writeBytes(file(), std::string(4096, 'x'));
+  const auto project = makeSqliteStore(file());
+  for (const Access access : {Access::Read, Access::Read, Access::Write})
+    EXPECT_EQ(errorOf([&] { project->begin(access, noPatience); }),
+              withSubject("Unreadable: no project (not an SQLite file)"));
+}
+
 TEST_F(SqliteRefusals, ProjectCutToNinetyNineBytes)
 {
   makeProject();

@@ -77,7 +77,7 @@ TEST_F(SqliteSharing, SecondWriterIsToldWhoHoldsTheProject)
   EXPECT_EQ(std::count(error.begin(), error.end(), '\0'), 0);
 }
 
-TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsPatience)
+TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsBusyTimeout)
 {
   Child other = holder();
   other.waitUntilDone();
@@ -233,6 +233,38 @@ TEST_F(SqliteSharing, CheckDoesNotSwallowTheNews)
   storeElsewhere(1);
   EXPECT_EQ(project->check(), std::vector<std::string>{});
   EXPECT_TRUE(project->changedElsewhere());
+}
+
+TEST_F(SqliteSharing, CheckOfAFileThatWasReplacedDoesNotSwallowTheNews)
+{
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project);
+  for (const char* ending : {"", "-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  createSqliteProject(file(), exampleInfo(), {});
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  EXPECT_TRUE(project->changedElsewhere());
+}
+
+TEST_F(SqliteSharing, CheckDuringAUseLeavesItBegun)
+{
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  EXPECT_NE(errorElsewhere(), "nothing");
+  project->commit(logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteSharing, BusyBeginIsNoNews)
+{
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project);
+  Child other = holder();
+  other.waitUntilDone();
+  EXPECT_NE(errorOf([&] { project->begin(Access::Write, noPatience); }), "nothing");
+  other.kill();
+  EXPECT_FALSE(project->changedElsewhere());
 }
 
 TEST_F(SqliteSharing, FileReplacedByAnotherIsNewsAndTheNewOneIsUsed)

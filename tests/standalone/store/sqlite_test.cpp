@@ -13,6 +13,7 @@ using reelhost::sqlite::Cause;
 using reelhost::sqlite::Database;
 using reelhost::sqlite::Failure;
 using reelhost::sqlite::Statement;
+using reelhost::sqlite::Transaction;
 
 class SqliteWrapper : public testing::Test {
 protected:
@@ -96,6 +97,65 @@ TEST_F(SqliteWrapper, CausesAreToldApart)
   database.execute("COMMIT");
   EXPECT_FALSE(database.inTransaction());
   EXPECT_EQ(failureOf([&] { Statement(database, "SELECT zeroblob(2000000000)").step(); }).cause(), Cause::Other);
+}
+
+TEST_F(SqliteWrapper, TryExecuteReturnsFalseWhenAStatementFails)
+{
+  Database database(file(), Database::Mode::ReadWrite);
+  EXPECT_TRUE(database.tryExecute("INSERT INTO t VALUES(7, 7)"));
+  EXPECT_FALSE(database.tryExecute("INSERT INTO none VALUES(7, 7)"));
+  EXPECT_EQ(database.integer("SELECT count(*) FROM t WHERE a = 7"), 1);
+}
+
+TEST_F(SqliteWrapper, TransactionIsRolledBackWithItsOwner)
+{
+  Database database(file(), Database::Mode::ReadWrite);
+  const std::int64_t before = database.integer("SELECT count(*) FROM t");
+  {
+    const Transaction transaction(database, Transaction::Kind::Write);
+    EXPECT_EQ(transaction.kind(), Transaction::Kind::Write);
+    database.execute("INSERT INTO t VALUES(7, 7)");
+    EXPECT_TRUE(database.inTransaction());
+  }
+  EXPECT_FALSE(database.inTransaction());
+  EXPECT_EQ(database.integer("SELECT count(*) FROM t"), before);
+}
+
+TEST_F(SqliteWrapper, TransactionThatIsCommittedStays)
+{
+  Database database(file(), Database::Mode::ReadWrite);
+  const std::int64_t before = database.integer("SELECT count(*) FROM t");
+  {
+    Transaction transaction(database, Transaction::Kind::Read);
+    EXPECT_EQ(transaction.kind(), Transaction::Kind::Read);
+    database.execute("INSERT INTO t VALUES(7, 7)");
+    transaction.commit();
+    EXPECT_FALSE(database.inTransaction());
+  }
+  EXPECT_EQ(database.integer("SELECT count(*) FROM t"), before + 1);
+}
+
+TEST_F(SqliteWrapper, TransactionThatAnErrorEndedIsNotRolledBackAgain)
+{
+  Database database(file(), Database::Mode::ReadWrite);
+  database.execute("CREATE UNIQUE INDEX i ON t(a)");
+  {
+    const Transaction transaction(database, Transaction::Kind::Write);
+    EXPECT_THROW(database.execute("INSERT OR ROLLBACK INTO t VALUES(1, 1), (1, 1)"), Failure);
+    EXPECT_FALSE(database.inTransaction());
+  }
+  EXPECT_FALSE(database.inTransaction());
+}
+
+TEST_F(SqliteWrapper, OnlyAWritingTransactionKeepsOtherWritersAway)
+{
+  Database database(file(), Database::Mode::ReadWrite), other(file(), Database::Mode::ReadWrite);
+  {
+    const Transaction reading(database, Transaction::Kind::Read);
+    EXPECT_TRUE(other.tryExecute("INSERT INTO t VALUES(7, 7)"));
+  }
+  const Transaction writing(database, Transaction::Kind::Write);
+  EXPECT_FALSE(other.tryExecute("INSERT INTO t VALUES(7, 7)"));
 }
 
 TEST_F(SqliteWrapper, StartOfTheFileIsReadAsItLies)

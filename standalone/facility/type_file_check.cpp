@@ -1,0 +1,187 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "facility/type_file_check.h"
+
+#include <cctype>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+
+#include "host/text.h"
+#include "reelhost/display_text.h"
+#include "store/file_error.h"
+
+namespace reelhost {
+
+namespace {
+
+/// The library trims a field in a buffer of this size and forms its warning in another, both with the terminator.
+constexpr std::size_t bufferSize = 2048;
+
+/// Bytes. More than a million types fit; a larger file lists none, and the library would take it into memory.
+constexpr std::size_t largestSize = std::size_t{64} << 20;
+
+/// As many channels as a reel can have.
+constexpr long mostChannels = 65535;
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+const char* withoutLeadingSpaces(const char* text)
+{
+  while (std::isspace(static_cast<signed char>(*text)) != 0)
+    ++text;
+  return text;
+}
+
+/// What the token gives the parameter for a value; nothing when there is no "=" with something behind it.
+std::optional<std::string> valueIn(const LightweightString<char>& token)
+{
+  ByteStream stream(token);
+  stream.separators.append('=');
+  stream.separators.append(' ');
+  GrowString piece;
+  stream >> piece;
+  if (stream.atEnd())
+    return {};
+  stream >> piece;
+  return std::string(piece);
+}
+
+/// One pass over the file, record by record as the library makes it.
+class TypeFileCheck {
+public:
+  explicit TypeFileCheck(const std::filesystem::path& path) : path_(path) {}
+
+  std::vector<std::string> run(std::FILE* file)
+  {
+    ByteStream records(file);
+    records.separators = "\r\n";
+    records.joinCrLf = true;
+    for (line_ = 1; !records.atEnd(); ++line_) {
+      GrowString record;
+      records >> record;
+      checkRecord(record);
+    }
+    return std::move(remarks_);
+  }
+
+private:
+  void checkRecord(GrowString& record)
+  {
+    ByteStream fields(record);
+    fields.separators = ":";
+    if (fields.atEnd())
+      return;
+    GrowString name;
+    fields >> name;
+    if (fields.atEnd()) {
+      requireRoomForWarning(name);
+      return;
+    }
+    GrowString parameters;
+    fields >> parameters;
+    requireRoom(name, "the name is longer than 2047 bytes");
+    requireRoom(parameters, "the parameters are longer than 2047 bytes");
+    for (const char* const count : {"VideoChannels", "AudioChannels"})
+      checkCount(count, parameters);
+  }
+
+  void requireRoom(const char* field, const char* fact) const
+  {
+    if (std::strlen(withoutLeadingSpaces(field)) >= bufferSize)
+      fail(fact);
+  }
+
+  /// The warning shows the record as it stands.
+  void requireRoomForWarning(const char* record) const
+  {
+    const int length = std::snprintf(nullptr, 0, "ReelTypeList Warning: %s: no parameters. Line %d\n", record, line_);
+    if (static_cast<std::size_t>(length) >= bufferSize) // also when it is negative
+      fail("the record has no parameters and is too long for the warning of that");
+  }
+
+  /// The library takes the value of the first token whose text contains the name, case aside, and that has one.
+  void checkCount(const char* name, const char* parameters)
+  {
+    std::string trimmed = withoutLeadingSpaces(parameters);
+    while (!trimmed.empty() && std::isspace(static_cast<signed char>(trimmed.back())) != 0)
+      trimmed.pop_back();
+    ByteStream tokens(LightweightString<char>(trimmed.c_str()));
+    tokens.separators.append(' ');
+    bool named = false;
+    while (!tokens.atEnd()) {
+      GrowString token;
+      tokens >> token;
+      if (!isNamed(static_cast<const char*>(token), name))
+        continue;
+      named = true;
+      if (const auto value = valueIn(static_cast<const char*>(token))) {
+        checkValue(name, *value);
+        return;
+      }
+    }
+    if (named) // with blanks around the "=" the number is in another token
+      remark(name, "no number (it follows the \"=\" at once; none are added)");
+  }
+
+  static bool isNamed(LightweightString<char> token, LightweightString<char> name)
+  {
+    toUpper(token);
+    toUpper(name);
+    return std::strstr(token.c_str(), name.c_str()) != nullptr;
+  }
+
+  /// The library takes a number up to its first other character, as an int; a reel has the low 16 bits of that.
+  void checkValue(const char* name, const std::string& value)
+  {
+    const char* const text = value.c_str();
+    char* end = nullptr;
+    const long number = std::strtol(text, &end, 10);
+    const int taken = static_cast<int>(number);
+    const std::string shown = displayText(value);
+    if (end == text || *end != '\0')
+      remark(name, '"' + shown + "\" is no number (taken as " + std::to_string(taken) + ")");
+    else if (number < 0)
+      remark(name, shown + " is no number of channels (none are added)");
+    else if (number > mostChannels)
+      remark(name, shown + " are too many (" + std::to_string(mostChannels) +
+                       " are the most; a reel would seem to have " +
+                       std::to_string(taken < 0 ? 0 : taken & mostChannels) + ")");
+  }
+
+  void remark(const char* name, const std::string& fact) { remarks_.push_back(place() + name + ": " + fact); }
+
+  [[noreturn]] void fail(const char* fact) const { throw Error(ErrorKind::Unreadable, place() + fact); }
+
+  std::string place() const { return displayText(path_.native()) + ":" + std::to_string(line_) + ": "; }
+
+  const std::filesystem::path& path_;
+  int line_ = 0;
+  std::vector<std::string> remarks_;
+};
+
+} // namespace
+
+std::vector<std::string> checkTypeFile(const std::filesystem::path& file)
+{
+  std::string content;
+  try {
+    content = base::readRegularFile(file, largestSize);
+  } catch (const base::FileError& error) {
+    if (error.fault() == base::FileFault::NotFound)
+      return {};
+    throw hostError(error);
+  }
+  if (content.empty())
+    return {};
+  const std::unique_ptr<std::FILE, FileCloser> stream(::fmemopen(content.data(), content.size(), "r"));
+  if (!stream)
+    throw hostError(base::FileError(file, "cannot be read", errno));
+  return TypeFileCheck(file).run(stream.get());
+}
+
+} // namespace reelhost

@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef REELDB_STORE_SQLITE_ERRORS_H
+#define REELDB_STORE_SQLITE_ERRORS_H
+
+#include <string>
+
+#include "reelhost/error.h"
+#include "store/sqlite.h"
+
+namespace reelhost {
+
+/// The Error for a failed call of SQLite on the project @p subject: "SUBJECT: held by another process (@p holder)" for
+/// a lock, else "SUBJECT: FACT (CAUSE)", where @p fact is what could not be done unless the cause says it better.
+Error errorFrom(const sqlite::Failure& failure, const std::string& subject, const std::string& fact,
+                const std::string& holder);
+
+} // namespace reelhost
+
+#endif

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/sqlite_integrity.h"
+
+#include <algorithm>
+
+#include "reelhost/display_text.h"
+#include "store/project_file.h"
+#include "store/sqlite_schema.h"
+
+namespace reelhost {
+
+using sqlite::Database;
+using sqlite::Statement;
+
+namespace {
+
+/// The lines of an integrity check without their headings; none when all is well.
+std::vector<std::string> problemsFrom(Database& database, const char* sql)
+{
+  std::vector<std::string> problems;
+  Statement rows(database, sql);
+  while (rows.step()) {
+    std::string_view text = rows.text(0);
+    while (!text.empty()) {
+      const std::size_t end = std::min(text.find('\n'), text.size());
+      const std::string_view line = text.substr(0, end);
+      if (line != "ok" && line.substr(0, 3) != "***")
+        problems.push_back(displayText(line));
+      text.remove_prefix(std::min(end + 1, text.size()));
+    }
+  }
+  return problems;
+}
+
+} // namespace
+
+std::string missingBytes(Database& database, const std::filesystem::path& path)
+{
+  const std::int64_t expected = readFileStart(database.readStart(100)).bytes;
+  const std::int64_t there = database.fileSize();
+  if (there >= expected || inspectProjectFile(path).logSize > 0)
+    return {};
+  return std::to_string(there) + " of " + std::to_string(expected) + " bytes";
+}
+
+std::string quickCheck(Database& database)
+{
+  const std::vector<std::string> problems = problemsFrom(database, "PRAGMA quick_check(1)");
+  return problems.empty() ? std::string() : problems.front();
+}
+
+std::vector<std::string> integrityProblems(Database& database)
+{
+  std::vector<std::string> problems = problemsFrom(database, "PRAGMA integrity_check");
+  const auto add = [&](const char* sql, const char* what) {
+    Statement rows(database, sql);
+    while (rows.step())
+      problems.push_back("log " + std::to_string(rows.integer(0)) + ": " + what);
+  };
+  add("SELECT DISTINCT log FROM fields WHERE log NOT IN (SELECT number FROM logs)", "fields without a log");
+  add("SELECT number FROM logs WHERE number > (SELECT value FROM project WHERE key = 'last_number')",
+      "a number that was not given out");
+  add("SELECT max(number) FROM logs GROUP BY uuid, tag, kind HAVING count(*) > 1", "the identity of another log");
+  return problems;
+}
+
+} // namespace reelhost

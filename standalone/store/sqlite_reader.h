@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Reading a project out of its tables. All of it throws sqlite::Failure, of cause Damaged where the tables hold what
+// none of our programs has written. REQUIRES: a transaction.
+#ifndef REELDB_STORE_SQLITE_READER_H
+#define REELDB_STORE_SQLITE_READER_H
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "reelhost/store.h"
+#include "store/sqlite.h"
+
+namespace reelhost {
+
+ProjectInfo readInfo(sqlite::Database& database);
+KeyValues readOptions(sqlite::Database& database);
+std::int64_t lastNumber(sqlite::Database& database); ///< the highest number that a log ever had
+
+/// Which logs are read.
+enum class LogSet { Reels, Others, LastDeletion };
+void readLogs(sqlite::Database& database, LogSet set, const std::function<void(StoredLog&&)>& sink);
+
+std::vector<std::pair<std::string, std::int64_t>> countOthersByReel(sqlite::Database& database);
+std::vector<std::int64_t> lastDeletion(sqlite::Database& database);
+std::int64_t countDeleted(sqlite::Database& database);
+
+} // namespace reelhost
+
+#endif

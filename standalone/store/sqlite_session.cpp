@@ -1,0 +1,246 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/sqlite_session.h"
+
+#include <thread>
+
+#include <unistd.h>
+
+#include "reelhost/display_text.h"
+#include "store/sqlite_errors.h"
+#include "store/sqlite_integrity.h"
+
+namespace reelhost {
+
+using sqlite::Cause;
+using sqlite::Database;
+using sqlite::Failure;
+using sqlite::Transaction;
+
+namespace {
+
+/// A file up to this size is verified as a whole when it is opened: that takes some 40 ms, which nobody notices. In a
+/// larger one damage is found when the page is read, and by Store::check.
+constexpr std::uintmax_t verifyLimit = 8 * 1024 * 1024;
+
+/// Milliseconds between two attempts to have the file to oneself, at most: not the same for everybody, or they would
+/// meet again and again.
+constexpr int mostPause = 8;
+
+Database::Mode modeFor(const ProjectFile& file)
+{
+  if (file.writable)
+    return Database::Mode::ReadWrite;
+  if (file.hasLogIndex)
+    return Database::Mode::ReadOnly;
+  // Nobody uses the project and the index of the log cannot be made here.
+  return file.logSize > 0 ? Database::Mode::Alone : Database::Mode::Immutable;
+}
+
+/// Whether other processes may use the file while it is open, and SQLite counts the versions they make of it.
+bool isShared(Database::Mode mode)
+{
+  return mode == Database::Mode::ReadWrite || mode == Database::Mode::ReadOnly;
+}
+
+} // namespace
+
+std::string SqliteSession::subject() const
+{
+  return displayText(path_.native());
+}
+
+void SqliteSession::begin(Kind kind, std::chrono::milliseconds busyTimeout, Purpose purpose)
+{
+  end();
+  const ProjectFile file = inspectProjectFile(path_);
+  if (kind == Kind::Write && !file.writable)
+    refuse(ErrorKind::ReadOnly, "read-only (" + file.whyNot + ")");
+  Mode mode = modeFor(file);
+  const auto last = std::chrono::steady_clock::now() + busyTimeout;
+  for (;;) {
+    try {
+      open(file, mode, busyTimeout);
+      start(kind, purpose);
+      return;
+    } catch (const Failure& failure) {
+      const Error error = errorFor("cannot be opened", failure);
+      const Cause cause = failure.cause();
+      end();
+      if (cause == Cause::Busy && isShared(mode))
+        throw error; // the connection stays: its version is the one to compare
+      close();
+      const bool noIndex = cause == Cause::CannotOpen || cause == Cause::ReadOnly;
+      if (mode == Mode::Exclusive && cause == Cause::Busy && std::chrono::steady_clock::now() < last)
+        // Not in SQLite, which would go on sharing the file while it waits: two could do that for ever.
+        std::this_thread::sleep_for(std::chrono::milliseconds(1 + ::getpid() % mostPause));
+      else if (mode == Mode::ReadOnly && noIndex && file.logSize == 0)
+        mode = Mode::Immutable; // the index is a remnant, or was made for others only; the file is whole
+      else if (mode == Mode::ReadWrite && kind == Kind::Read && cause == Cause::Full)
+        mode = Mode::Exclusive; // there is no room for the index
+      else
+        throw error;
+    } catch (...) {
+      close();
+      throw;
+    }
+  }
+}
+
+void SqliteSession::open(const ProjectFile& file, Mode mode, std::chrono::milliseconds busyTimeout)
+{
+  if (database_ && (mode != mode_ || !isShared(mode) || file.path != file_.path || database_->moved()))
+    close();
+  const bool isNew = !database_;
+  if (isNew)
+    database_.emplace(file.path, mode);
+  // Before anything that may have to wait: another process may be closing the file behind itself.
+  database_->setBusyTimeout(mode == Mode::Exclusive ? std::chrono::milliseconds(0) : busyTimeout);
+  if (!isNew)
+    return;
+  mode_ = mode;
+  file_ = file;
+  verified_ = false;
+  // Until the file is known to be a project in order, nothing may move from its log into it.
+  database_->keepLogOnClose(file.logSize > 0);
+  const FileStart start = readFileStart(database_->readStart(100));
+  if (!start.isSqlite)
+    refuse(ErrorKind::Unreadable, "no project (not an SQLite file)");
+  if (start.applicationId != projectApplicationId)
+    refuse(ErrorKind::Unreadable, "no project (an SQLite file of another application)");
+  requireKnown(start.version);
+  database_->execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON");
+}
+
+void SqliteSession::start(Kind kind, Purpose purpose)
+{
+  auto transaction = transactionOf(kind);
+  if (purpose == Purpose::Use && !verified_)
+    verify();
+  if (database_->integer("PRAGMA user_version") < static_cast<std::int64_t>(steps_.size())) {
+    transaction.reset();
+    upgrade();
+    transaction = transactionOf(kind);
+  }
+  if (purpose == Purpose::Use)
+    version_ = currentVersion();
+  transaction_ = std::move(transaction);
+}
+
+std::unique_ptr<Transaction> SqliteSession::transactionOf(Kind kind)
+{
+  auto transaction = std::make_unique<Transaction>(*database_, kind);
+  requireKnown(database_->integer("PRAGMA user_version")); // the first read: it takes the snapshot
+  return transaction;
+}
+
+void SqliteSession::requireKnown(std::int64_t version) const
+{
+  const auto known = static_cast<std::int64_t>(steps_.size());
+  if (version > known)
+    refuse(ErrorKind::Unreadable, "of a newer version (" + std::to_string(version) + "; this program reads up to " +
+                                      std::to_string(known) + ")");
+  if (version < 1)
+    refuse(ErrorKind::Unreadable, "damaged (version " + std::to_string(version) + ")");
+}
+
+void SqliteSession::verify()
+{
+  std::string damage = missingBytes(*database_, path_);
+  if (damage.empty() && file_.size + file_.logSize <= verifyLimit)
+    damage = quickCheck(*database_);
+  if (!damage.empty())
+    refuse(ErrorKind::Unreadable, "damaged (" + damage + ")");
+  verified_ = true;
+  database_->keepLogOnClose(false);
+}
+
+void SqliteSession::upgrade()
+{
+  if (!file_.writable)
+    refuse(ErrorKind::Unreadable, "of an older version (" + database_->text("PRAGMA user_version") +
+                                      ") and cannot be brought up to date (" + file_.whyNot + ")");
+  const auto transaction = transactionOf(Kind::Write);
+  bringUpToDate(*database_, steps_);
+  transaction->commit();
+}
+
+void SqliteSession::commit(const std::function<void(Database&)>& write)
+{
+  const struct Ending {
+    SqliteSession& session;
+    ~Ending() { session.end(); }
+  } ending{*this};
+  guarded("not stored", [&] {
+    write(*database_);
+    transaction_->commit();
+  });
+  // Some tools copy a project without its write-ahead mode, and readers then keep writers away. Not now means next
+  // time.
+  database_->tryExecute("PRAGMA journal_mode = WAL");
+}
+
+void SqliteSession::end() noexcept
+{
+  transaction_.reset();
+  // Others wait for a file that this process has to itself. A transaction that cannot be rolled back ends no other way.
+  if (database_ && (mode_ == Mode::Exclusive || database_->inTransaction()))
+    close();
+}
+
+void SqliteSession::close() noexcept
+{
+  transaction_.reset();
+  database_.reset();
+  if (version_ && isShared(mode_))
+    version_ = otherVersion; // another connection counts anew
+}
+
+SqliteSession::Version SqliteSession::currentVersion()
+{
+  if (!isShared(mode_)) {
+    const ProjectFile file = inspectProjectFile(path_);
+    return {file.modified, static_cast<std::int64_t>(file.size + file.logSize)};
+  }
+  return {database_->integer("PRAGMA data_version"), 0};
+}
+
+bool SqliteSession::changedElsewhere()
+{
+  if (hasBegun() || !version_)
+    return false;
+  return guarded("cannot be read", [this] {
+    if (mode_ != Mode::Exclusive && (!database_ || database_->moved())) {
+      close();
+      version_.reset();
+      return true;
+    }
+    try {
+      const Version now = currentVersion();
+      return std::exchange(version_, now) != now;
+    } catch (const Failure& failure) {
+      if (failure.cause() == Cause::Busy) // another call will find out
+        return false;
+      throw;
+    }
+  });
+}
+
+void SqliteSession::refuse(ErrorKind kind, const std::string& fact) const
+{
+  throw Error(kind, subject() + ": " + fact);
+}
+
+Error SqliteSession::errorFor(const char* fact, const Failure& failure)
+{
+  const std::string holder = failure.cause() == Cause::Busy ? writeLockHolder(file_.path) : std::string();
+  if (failure.cause() == Cause::Damaged && database_) {
+    try {
+      if (const std::string missing = missingBytes(*database_, path_); !missing.empty())
+        return errorFrom(Failure(Cause::Damaged, missing), subject(), fact, holder);
+    } catch (const std::exception&) { // the first cause is the one to report
+    }
+  }
+  return errorFrom(failure, subject(), fact, holder);
+}
+
+} // namespace reelhost
