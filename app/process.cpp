@@ -2,6 +2,7 @@
 #include "app/process.h"
 
 #include "ReelDbVersion.h"
+#include "app/facility.h"
 #include "reelhost/host.h"
 #include "reelhost/journal.h"
 
@@ -15,6 +16,11 @@ void startUp()
 std::string libraryVersion()
 {
   return reeldbDllVersionStr();
+}
+
+std::vector<std::string> facilityRemarks()
+{
+  return requireFacility().remarks();
 }
 
 void traceHostCalls(std::FILE* file)

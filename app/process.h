@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace reeldb::app {
 
@@ -14,6 +15,10 @@ void startUp();
 
 /// The version of the library: "14.0.0.0".
 std::string libraryVersion();
+
+/// What is odd about the facility and does no harm: numbers of channels that the library takes for others, say. Each is
+/// "PATH:LINE: fact (cause)". Throws Error when there is no facility or it cannot be read.
+std::vector<std::string> facilityRemarks();
 
 /// Writes every call of the library to its host to the file, a line each; null: no longer. The file is borrowed.
 void traceHostCalls(std::FILE* file);

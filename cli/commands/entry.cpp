@@ -10,6 +10,7 @@
 #include "app/process.h"
 #include "base/display_text.h"
 #include "commands/commands.h"
+#include "commands/tables.h"
 #include "text/output.h"
 
 namespace reeldb::cli {
@@ -28,6 +29,8 @@ ExitCode carryOut(const Reading& reading, const Globals& globals)
     app::startUp();
     if (globals.trace)
       app::traceHostCalls(stderr);
+    if (reading.needsFacility)
+      complainOf(app::facilityRemarks());
     return reading.run(globals);
   } catch (const app::Error& error) {
     return fail(exitCodeOf(error.kind()), error.what());

@@ -218,6 +218,7 @@ TEST_F(Front, BrokenFacilityDoesNoHarmToWhatNeedsNone)
 
 // --- The type file -------------------------------------------------------------------------------
 
+/// The host checks the file; its limits are tried with the host. Here: what the command makes of it.
 class FrontTypeFile : public Front {
 protected:
   void SetUp() override
@@ -237,13 +238,6 @@ protected:
     EXPECT_EQ(result.out, "");
     EXPECT_EQ(result.err, "reeldb: " + typeFile_ + message + "\n");
   }
-  /// Warnings of records without parameters are the library's own.
-  void expectNoRemark(const std::string& bytes)
-  {
-    const ProcessResult result = typesWith(bytes);
-    EXPECT_EQ(result.code, 0) << result.err;
-    EXPECT_EQ(result.err.find("reeldb: "), std::string::npos) << result.err;
-  }
   void expectTypes(const std::string& bytes, std::size_t count)
   {
     const ProcessResult result = typesWith(bytes);
@@ -257,8 +251,6 @@ protected:
 };
 
 const std::string longName = ": the name is longer than 2047 bytes";
-const std::string longParameters = ": the parameters are longer than 2047 bytes";
-const std::string longWarning = ": the record has no parameters and is too long for the warning of that";
 
 TEST_F(FrontTypeFile, NameOf2047BytesIsGood)
 {
@@ -270,91 +262,6 @@ TEST_F(FrontTypeFile, NameOf2048BytesIsRefused)
   expectRefusal(text(2048) + ":VideoChannels=1\n", ":1" + longName);
 }
 
-TEST_F(FrontTypeFile, LeadingWhiteSpaceOfANameDoesNotCount)
-{
-  expectTypes(" \t\v\f" + text(2047) + ":VideoChannels=1\n", 1);
-}
-
-TEST_F(FrontTypeFile, TrailingWhiteSpaceOfANameCounts)
-{
-  expectRefusal(text(2040) + std::string(8, ' ') + ":VideoChannels=1\n", ":1" + longName);
-}
-
-TEST_F(FrontTypeFile, NameOfWhiteSpaceAloneIsGoodAtAnyLength)
-{
-  expectTypes(std::string(9000, ' ') + ":VideoChannels=1\n", 1);
-}
-
-TEST_F(FrontTypeFile, ParametersOf2047BytesAreGood)
-{
-  expectTypes("a:" + text(2047) + "\n", 1);
-}
-
-TEST_F(FrontTypeFile, ParametersOf2048BytesAreRefused)
-{
-  expectRefusal("a:1\nb:" + text(2048) + "\n", ":2" + longParameters);
-}
-
-TEST_F(FrontTypeFile, TextBehindASecondColonDoesNotCount)
-{
-  expectTypes("a:1:" + text(5000) + "\n", 1);
-}
-
-TEST_F(FrontTypeFile, ParametersOfWhiteSpaceAloneAreGoodAtAnyLength)
-{
-  expectTypes("a:" + std::string(9000, '\t') + "\n", 1);
-}
-
-TEST_F(FrontTypeFile, WarningThatJustFitsIsPrinted)
-{
-  // 45 characters of the warning, the name and one digit make 2,047.
-  const ProcessResult result = typesWith(text(2001) + "\n");
-  EXPECT_EQ(result.code, 0) << result.err;
-  EXPECT_EQ(result.out, "[]\n");
-  EXPECT_EQ(result.err, "ReelTypeList Warning: " + text(2001) + ": no parameters. Line 1\n");
-}
-
-TEST_F(FrontTypeFile, WarningOneByteLongerIsRefused)
-{
-  expectRefusal(text(2002) + "\n", ":1" + longWarning);
-}
-
-TEST_F(FrontTypeFile, DigitsOfTheLineNumberCount)
-{
-  std::string bytes(9, '\n');
-  EXPECT_EQ(typesWith(bytes + text(2000)).code, 0);
-  expectRefusal(bytes + text(2001), ":10" + longWarning);
-}
-
-TEST_F(FrontTypeFile, WarningCountsTheNameUntrimmed)
-{
-  expectRefusal(std::string(3000, ' ') + "\n", ":1" + longWarning);
-}
-
-TEST_F(FrontTypeFile, ColonAtTheEndIsARecordWithoutParameters)
-{
-  expectRefusal(text(2002) + ":\n", ":1" + longWarning);
-}
-
-TEST_F(FrontTypeFile, LinesAreCountedAsTheEditorDoes)
-{
-  expectRefusal("a:1\r\nb:1\r\n" + text(2048) + ":1\r\n", ":3" + longName);
-  expectRefusal("a:1\rb:1\r" + text(2048) + ":1\r", ":3" + longName);
-  expectRefusal("a:1\n\r" + text(2048) + ":1", ":3" + longName);
-  expectRefusal("\n\n" + text(2048) + ":1", ":3" + longName);
-}
-
-TEST_F(FrontTypeFile, TextBehindANulDoesNotCount)
-{
-  expectTypes("a:1" + std::string(1, '\0') + text(5000) + "\n", 1);
-}
-
-TEST_F(FrontTypeFile, MissingFileIsGood)
-{
-  fs::remove(typeFile_);
-  EXPECT_EQ(output({"-C", "one", "create", "R1"}), "R1\n");
-}
-
 TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
 {
   fs::remove(typeFile_);
@@ -364,45 +271,6 @@ TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not there, so there are no reel types\n");
   }
-}
-
-/// What the library takes for a number of channels stands in the list of types; what was meant may be another.
-TEST_F(FrontTypeFile, NumberOfChannelsThatIsTakenForAnotherIsRemarkedOn)
-{
-  const auto expectRemark = [this](const std::string& parameters, const std::string& remark, int video, int audio) {
-    const ProcessResult result = typesWith("ok:VideoChannels=65535 AudioChannels=0\n\nodd:" + parameters + "\n");
-    EXPECT_EQ(result.code, 0) << parameters;
-    EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ":3: " + remark + "\n") << parameters;
-    const Json type = Json::parse(result.out).at(1);
-    EXPECT_EQ(type.at("video_channels"), video) << parameters;
-    EXPECT_EQ(type.at("audio_channels"), audio) << parameters;
-  };
-  expectRemark("VideoChannels=1 AudioChannels=x", "AudioChannels: \"x\" is no number (taken as 0)", 1, 0);
-  expectRemark("VideoChannels=2x AudioChannels=3", "VideoChannels: \"2x\" is no number (taken as 2)", 2, 3);
-  expectRemark("videochannels==4", "VideoChannels: \"\" is no number (taken as 0)", 0, 0);
-  expectRemark("VideoChannels=0x10", "VideoChannels: \"0x10\" is no number (taken as 0)", 0, 0);
-  expectRemark("VideoChannels=\x1b", "VideoChannels: \"\\x1b\" is no number (taken as 0)", 0, 0);
-  expectRemark("VideoChannels=65536",
-               "VideoChannels: 65536 are too many (65535 are the most; a reel would seem to have 0)", 65536, 0);
-  expectRemark("AudioChannels=70000:AudioChannels=x",
-               "AudioChannels: 70000 are too many (65535 are the most; a reel would seem to have 4464)", 0, 70000);
-  expectRemark("AudioChannels=4294967297",
-               "AudioChannels: 4294967297 are too many (65535 are the most; a reel would seem to have 1)", 0, 1);
-  expectRemark("AudioChannels=99999999999999999999",
-               "AudioChannels: 99999999999999999999 are too many (65535 are the most; a reel would seem to have 0)", 0,
-               -1);
-  const std::string none = ": no number (it follows the \"=\" at once; none are added)";
-  expectRemark("VideoChannels = 2 AudioChannels=1", "VideoChannels" + none, 0, 1);
-  expectRemark("audiochannels =2", "AudioChannels" + none, 0, 0);
-  expectRemark("AudioChannels=", "AudioChannels" + none, 0, 0);
-  expectRemark("AudioChannels=-3", "AudioChannels: -3 is no number of channels (none are added)", 0, -3);
-}
-
-TEST_F(FrontTypeFile, OnlyTheTokenThatTheLibraryReadsIsLookedAt)
-{
-  expectNoRemark("a:VideoChannels VideoChannels= MaxVideoChannels=2 VideoChannels=x AudioChannels=1=x\n");
-  expectNoRemark("a:Depth=ten  VideoChannels=1 \t\nb:VideoChannels=+1 AudioChannels=\t7\n");
-  expectNoRemark("VideoChannels=x\n:\n");
 }
 
 TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreRemarkedOnWhereTheFacilityIsUsed)
@@ -426,7 +294,7 @@ TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(typeFile_.c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "one", "type", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": cannot be read (no regular file)\n");
+  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": no regular file (a named pipe)\n");
 }
 
 } // namespace
