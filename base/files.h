@@ -204,7 +204,8 @@ inline std::filesystem::path nameBeside(const std::filesystem::path& path)
 }
 
 /// Makes the new file @p place and waits until its content is on disk; no file is left after a throw. A file without
-/// @p mode gets the usual permissions. A FileError names @p subject, and says @p cannotBeMade when there can be no file.
+/// @p mode gets the usual permissions. A FileError names @p subject, and says @p cannotBeMade when there can be no
+/// file.
 inline void writeFile(const std::filesystem::path& place, std::string_view content, std::optional<mode_t> mode,
                       const std::filesystem::path& subject, const char* cannotBeMade)
 {

@@ -26,10 +26,10 @@ struct DeviceSettings {
   std::string name;                    ///< display name, UTF-8
   int portType = codes::noPort;        ///< codes::port9Pin and its neighbours
   int inputType = codes::noVideoInput; ///< the words and the other codes are in docs/formats/facility.md
-  int audioInputs = 0;                 ///< connected audio inputs
-  std::vector<std::string> tapes;      ///< reel types the device accepts
-  std::string labelMap;                ///< configured label map, may be empty
-  std::string lastReel;                ///< from the state file; may be empty
+  int audioInputs = 0;
+  std::vector<std::string> tapes; ///< reel types the device accepts
+  std::string labelMap;           ///< configured label map, may be empty
+  std::string lastReel;           ///< from the state file; may be empty
 };
 
 /// facility.toml and the state file beside it, read; a value. Hand-written files are never written; what commands

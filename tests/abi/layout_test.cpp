@@ -39,7 +39,7 @@ static_assert(sizeof(LabelMappingSet) == 14 * 12 && offsetof(LabelMappingSet::En
               offsetof(LabelMappingSet::Entry, format) == 8);
 static_assert(sizeof(IdStamp) == 4 && sizeof(EditModification) == 4);
 
-// --- Numbers of the boundary: each is compiled into libraries and hosts
+// --- Numbers of the boundary: each is compiled into libraries and hosts --------------------------
 static_assert(codes::openAsUsual == 0 && codes::materialLog == 1 && codes::reelLog == 9);
 static_assert(codes::reelIdAttribute == 20 && codes::madeOrImported == 59);
 static_assert(codes::videoChannel == 1 && codes::audioChannel == 2 && codes::channelCountMask == 0xFFFF);
