@@ -351,7 +351,7 @@ TEST_F(Clients, HoldOfASecondManagerIsItsOwn)
   EXPECT_EQ(heard_, (Heard{"some(R1)"}));
 }
 
-// --- Clients that end, or leave, while a notification pass is at them
+// --- Clients that end, or leave, while a notification pass is at them ----------------------------
 
 namespace {
 

@@ -42,7 +42,7 @@ protected:
   const Lines columnLookup = {"EditManager::getProjdb() -> database", "projdb::findField(\"Type\") -> 1"};
 };
 
-// --- What is a reel: where the type comes from
+// --- What is a reel: where the type comes from ---------------------------------------------------
 
 TEST_F(LogTypes, RowsTypeDecidesWithoutOpeningTheLog)
 {
@@ -132,7 +132,7 @@ TEST_F(LogTypes, InvalidCookieIsLookedForLikeAnyOther)
                            "EditPtr::i_close()"}})));
 }
 
-// --- Does a set contain reels?
+// --- Does a set contain reels? -------------------------------------------------------------------
 
 TEST_F(LogTypes, SetContainsReelsWhenOneMemberIsAReel)
 {
@@ -158,7 +158,7 @@ TEST_F(LogTypes, WalkEndsAtTheFirstReelAndTheColumnIsLookedUpOnce)
             listing(join({columnLookup, rowRead("shot", "\"Material\"", "1"), rowRead("first", "\"Reel\"", "9")})));
 }
 
-// --- Removing reels
+// --- Removing reels ------------------------------------------------------------------------------
 
 TEST_F(LogTypes, AdjacentReelsAreAllRemovedAndShotsKeepTheirOrder)
 {
@@ -209,7 +209,7 @@ TEST_F(LogTypes, RemovalLooksTheColumnUpOnceAndAtEachLogOnce)
   EXPECT_EQ(linesOf([&] { removeReels({}); }), columnLookup);
 }
 
-// --- What is a reel: host calls that fail
+// --- What is a reel: host calls that fail --------------------------------------------------------
 
 TEST_F(LogTypes, FailedRemovalLeavesEachLogThatWasNotYetSeen)
 {
@@ -235,7 +235,7 @@ TEST_F(LogTypes, FailedRemovalLeavesEachLogThatWasNotYetSeen)
   EXPECT_EQ(failed, 11);
 }
 
-// --- Which logs count as a reel's shots
+// --- Which logs count as a reel's shots ----------------------------------------------------------
 
 class ShotSearch : public ChangesTest {
 protected:
