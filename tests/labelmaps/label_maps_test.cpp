@@ -96,28 +96,6 @@ protected:
   {
     return text(toUTF8(get_required_label_map_name(reelId, id)));
   }
-
-  /// Lets every host call of the function fail in turn; answers how many there were.
-  int failEachHostCall(const std::function<void()>& function)
-  {
-    for (int n = 1;; ++n) {
-      SCOPED_TRACE("the host call that fails is number " + std::to_string(n));
-      script().throwAt(n);
-      bool thrown = false;
-      try {
-        function();
-      } catch (const reelhost::ScriptedFault&) {
-        thrown = true;
-      }
-      const bool faultHappened = script().faultHappened();
-      script().throwAt(0);
-      EXPECT_EQ(thrown, faultHappened);
-      EXPECT_EQ(reelhost::openLogs(), 0);
-      if (!faultHappened || HasFailure())
-        return n - 1;
-      function();
-    }
-  }
 };
 
 // --- Does the map use VITC? ----------------------------------------------------------------------
@@ -634,36 +612,6 @@ TEST_F(LabelMaps, ReelsAreThoseOfTheProcesssManager)
   ReelDbManager other;
   other.reelList.clear();
   EXPECT_EQ(required("R1", theDevice(0)), "own");
-}
-
-// --- Host calls that fail ------------------------------------------------------------------------
-
-TEST_F(LabelMaps, EachHostCallOfTheMapTestsMayThrow)
-{
-  map({from(3)});
-  const IdStamp id = theDevice(0);
-  EXPECT_EQ(failEachHostCall([] { map_file_uses_vitc(L"M"); }), 1);
-  EXPECT_EQ(failEachHostCall([] { map_file_is_compatible_with_project(L"M"); }), 2);
-  EXPECT_GE(failEachHostCall([&] { map_file_is_compatible_with_device(L"M", id); }), 5);
-}
-
-TEST_F(LabelMaps, EachHostCallOfARejectionMayThrow)
-{
-  map({from(3)});
-  EXPECT_GE(failEachHostCall([id = theDevice(1)] { map_file_is_compatible_with_device(L"M", id); }), 5);
-}
-
-TEST_F(LabelMaps, EachHostCallOfTheChoiceForADeviceMayThrow)
-{
-  map({from(9)});
-  EXPECT_GE(failEachHostCall([id = theDevice(0, someVideoInput, "M")] { get_device_label_map_name(id); }), 8);
-}
-
-TEST_F(LabelMaps, EachHostCallOfTheChoiceForAReelMayThrowAndEveryLogIsClosed)
-{
-  addReel("R0");
-  addReel("R1", {}, {{"reel_labelmapping", "Device default"}});
-  EXPECT_GE(failEachHostCall([id = theDevice(0)] { get_required_label_map_name("R1", id); }), 9);
 }
 
 } // namespace

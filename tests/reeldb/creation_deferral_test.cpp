@@ -165,23 +165,6 @@ TEST_F(Deferral, ActionTheHostDropsReleasesEverything)
   EXPECT_EQ(reelhost::deferredActions(), 0);
 }
 
-TEST_F(Deferral, FailureOfEitherHostCallPassesAndDefersNothing)
-{
-  pretendOtherThread();
-  const LightweightString<char> id = "an identifier";
-  for (int n : {1, 2}) {
-    const std::int64_t up = countsUp();
-    const std::int64_t down = countsDown();
-    script().throwAt(n);
-    EXPECT_THROW(manager().createNewReel(id, -1), reelhost::ScriptedFault) << n;
-    script().throwAt(0);
-    EXPECT_EQ(countsUp() - up, countsDown() - down) << n;
-    EXPECT_EQ(reelhost::deferredActions(), 0) << n;
-  }
-  create("R2");
-  EXPECT_EQ(reelhost::deferredActions(), 1);
-}
-
 // --- The action itself ---------------------------------------------------------------------------
 
 TEST_F(Deferral, ActionKeepsTheIdentifierAlive)
@@ -234,16 +217,6 @@ TEST_F(Deferral, ActionRunOnAnotherThreadDefersAgain)
   action.execute();
   EXPECT_EQ(reelhost::deferredActions(), 1);
   EXPECT_EQ(reelIds(), Lines{});
-}
-
-TEST_F(Deferral, FailureInTheActionPassesWithEverythingClosed)
-{
-  const int failed = failEachHostCall([] {}, [] { CreateNewReelAction("R1", -1).execute(); },
-                                      [this] {
-                                        CreateNewReelAction("next", -1).execute();
-                                        EXPECT_TRUE(manager().doesReelExist("next"));
-                                      });
-  EXPECT_GT(failed, 25);
 }
 
 // --- Worker threads ------------------------------------------------------------------------------

@@ -605,23 +605,6 @@ TEST_F(Creation, ExceptionOfAHandlerPassesAndLeavesTheNewLogBehind)
   EXPECT_EQ(reelIds(), Lines{"R1"});
 }
 
-TEST_F(Creation, EachHostCallMayThrow)
-{
-  addType("creation fault 1V 1A", "VideoChannels=1 AudioChannels=1");
-  setDeck("CAM", 2, 2);
-  const int failed = failEachHostCall(
-      [this] {
-        addReel("R0");
-        manager().setProjectDefaultReelType("creation fault 1V 1A");
-      },
-      [this] { create(" R1 ", deck); },
-      [this] {
-        EXPECT_TRUE(create("next").valid());
-        EXPECT_TRUE(manager().doesReelExist("next"));
-      });
-  EXPECT_GT(failed, 50);
-}
-
 TEST_F(Creation, EachOpeningMayFailAndTheReelIsStillAnnounced)
 {
   const RecordingClient client(heard_);
@@ -781,17 +764,6 @@ TEST_F(LogModification, ExceptionOfTheCreationPassesWithTheMaterialClosed)
   EXPECT_THROW(report(shot), std::logic_error);
   EXPECT_EQ(reelhost::openLogs(), 0);
   EXPECT_EQ(reelhost::openModifiers(), 0);
-}
-
-TEST_F(LogModification, EachHostCallMayThrow)
-{
-  Cookie shot;
-  const int failed = failEachHostCall([&] { shot = addShot("R1"); }, [&] { report(shot); },
-                                      [this] {
-                                        report(addShot("next"));
-                                        EXPECT_TRUE(manager().doesReelExist("next"));
-                                      });
-  EXPECT_GT(failed, 25);
 }
 
 } // namespace

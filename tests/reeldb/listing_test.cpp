@@ -427,40 +427,4 @@ TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedOnceAlsoForNoReels)
   EXPECT_EQ(3, countOf(calls, "EditPtr::i_open"));
 }
 
-// --- Exceptions of the host ----------------------------------------------------------------------
-
-TEST_F(Listing, ExceptionOfAnyHostCallPassesWithEveryLogClosed)
-{
-  define("listing dv");
-  addReel("A", "Live");
-  addReel("B", "listing dv");
-  deckAccepts({"listing dv"});
-  Ids ids;
-  StringList list;
-  const std::vector<std::function<void()>> calls{
-      [&] { manager().getAllReelIds(ids, true); },
-      [&] { manager().getAllReelIds(ids, false); },
-      [&] { manager().getAllReelIds(list, false); },
-      [&] { manager().getReelsCompatibleWithDevice(ids, deck); },
-      [&] { manager().getReelsCompatibleWithDevice(list, deck); },
-  };
-  for (std::size_t call = 0; call < calls.size(); ++call) {
-    std::int64_t step = 0;
-    do {
-      script().throwAt(++step);
-      if (step > 200)
-        FAIL() << call;
-      try {
-        calls[call]();
-        EXPECT_FALSE(script().faultHappened()) << call << ": an exception was lost at step " << step;
-      } catch (const reelhost::ScriptedFault&) {
-        EXPECT_TRUE(script().faultHappened());
-      }
-      EXPECT_EQ(0, reelhost::openLogs()) << call << " at step " << step;
-    } while (script().faultHappened());
-    EXPECT_LT(1, step) << call << ": no host call was made";
-    script().throwAt(0);
-  }
-}
-
 } // namespace reeldb_tests

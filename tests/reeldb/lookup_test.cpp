@@ -533,36 +533,4 @@ TEST_F(Lookup, KeyOfTheNamesIsNotTheKeyOfTheFields)
   EXPECT_EQ("Roll", text(manager().userFieldName(3)));
 }
 
-// --- Exceptions of the host ----------------------------------------------------------------------
-
-TEST_F(Lookup, ExceptionOfAnyHostCallPassesWithEveryLogClosed)
-{
-  define("lookup known");
-  addReel("A");
-  addReel("B", "lookup known");
-  const std::vector<std::function<void()>> calls{
-      [&] { manager().getCookieFromReelId("B"); },    [&] { manager().getReelInfo("B"); },
-      [&] { manager().doesReelExist("B"); },          [&] { manager().checkReelValid("B"); },
-      [&] { manager().representsLiveMaterial("B"); }, [&] { manager().userFieldName(0); },
-      [&] { manager().userFieldName(0, "Scene"); },
-  };
-  for (std::size_t call = 0; call < calls.size(); ++call) {
-    std::int64_t step = 0;
-    do {
-      script().throwAt(++step);
-      if (step > 100)
-        FAIL() << call;
-      try {
-        calls[call]();
-        EXPECT_FALSE(script().faultHappened()) << call << ": an exception was lost at step " << step;
-      } catch (const reelhost::ScriptedFault&) {
-        EXPECT_TRUE(script().faultHappened());
-      }
-      EXPECT_EQ(0, reelhost::openLogs()) << call << " at step " << step;
-    } while (script().faultHappened());
-    EXPECT_LT(1, step) << call << ": no host call was made";
-    script().throwAt(0);
-  }
-}
-
 } // namespace reeldb_tests

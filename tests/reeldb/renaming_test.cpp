@@ -361,25 +361,6 @@ TEST_F(Renaming, ExceptionOfAHandlerPassesWithTheReelClosed)
   }
 }
 
-TEST_F(Renaming, EachHostCallMayThrow)
-{
-  const int failed = failEachHostCall(
-      [this] {
-        addReel("A000");
-        addReel("A001");
-        addShot("A001", "one");
-        addShot("a001", "two");
-      },
-      [this] { rename("A001", "B001"); },
-      [this] {
-        const Cookie shot = addShot("A000");
-        rename("A000", "B000");
-        EXPECT_TRUE(manager().doesReelExist("B000"));
-        EXPECT_EQ(configText(shot, "reelid"), "B000");
-      });
-  EXPECT_GT(failed, 25);
-}
-
 // --- Copying -------------------------------------------------------------------------------------
 
 class Copying : public ChangesTest {

@@ -211,24 +211,6 @@ TEST_F(LogTypes, RemovalLooksTheColumnUpOnceAndAtEachLogOnce)
 
 // --- What is a reel: host calls that fail --------------------------------------------------------
 
-TEST_F(LogTypes, EachHostCallMayThrow)
-{
-  Cookie reel, shot;
-  const int failed = failEachHostCall(
-      [&] {
-        reel = addReel("A001");
-        shot = addShot("A001");
-        script().noRow(shot);
-      },
-      [&] {
-        containsReels({shot, reel});
-      },
-      [&] {
-        EXPECT_TRUE(containsReels({shot, reel}));
-      });
-  EXPECT_EQ(failed, 8);
-}
-
 TEST_F(LogTypes, FailedRemovalLeavesEachLogThatWasNotYetSeen)
 {
   Cookie a, b, s;
@@ -341,18 +323,6 @@ TEST_F(ShotSearch, ReelThatDoesNotOpenIsSearchedForByTheEmptyIdentifier)
   script().failOpen(reel);
   script().attributeSearchResult = cookies({none});
   EXPECT_EQ(shotsOf(reel), Lines{text(none)});
-}
-
-TEST_F(ShotSearch, EachHostCallMayThrow)
-{
-  Cookie reel, shot;
-  const int failed = failEachHostCall(
-      [&] {
-        reel = addReel("A001");
-        shot = addShot("A001");
-      },
-      [&] { shotsOf(reel); }, [&] { EXPECT_EQ(shotsOf(reel), Lines{text(shot)}); });
-  EXPECT_EQ(failed, 9);
 }
 
 class Shots : public ChangesTest {
@@ -602,51 +572,6 @@ TEST_F(Shots, HostCallsOfADeletionSet)
                           shotSearch("A001", "1 log"),
                           attributeRead("shot", "a001"),
                           {"vorn_printf(\"Preparing to delete: shot from Reel: A001\\n\")"}})));
-}
-
-// --- Host calls that fail ------------------------------------------------------------------------
-
-TEST_F(Shots, EachHostCallOfADeletionSetMayThrow)
-{
-  Cookie reel, used, shot;
-  const int failed = failEachHostCall(
-      [&] {
-        reel = addReel("A001");
-        used = addReel("B001");
-        shot = addShot("a001");
-        manager().reelInUse("B001", true);
-      },
-      [&] {
-        doomed({shot, used, reel});
-      },
-      [&] {
-        EXPECT_EQ(doomed({reel, used}), (Lines{text(reel), text(shot)}));
-      });
-  EXPECT_GT(failed, 20);
-}
-
-TEST_F(Shots, EachHostCallOfADeletionSetWithoutRowsMayThrow)
-{
-  Cookie reel;
-  const int failed = failEachHostCall(
-      [&] {
-        reel = addReel("A001");
-        script().noRow(reel);
-      },
-      [&] { doomed({reel}); }, [&] { EXPECT_EQ(doomed({reel}), Lines{text(reel)}); });
-  EXPECT_GT(failed, 8);
-}
-
-TEST_F(Shots, EachHostCallOfTheReelsReferencedMayThrow)
-{
-  Cookie reel, shot;
-  const int failed = failEachHostCall(
-      [&] {
-        reel = addReel("A001");
-        shot = addShot("A001");
-      },
-      [&] { referenced({shot}); }, [&] { EXPECT_EQ(referenced({shot}), Lines{text(reel)}); });
-  EXPECT_EQ(failed, 4);
 }
 
 } // namespace

@@ -294,12 +294,6 @@ TEST_P(AttributeFlags, HandlersRunWithTheLogClosedAndTheFlagStored)
   EXPECT_EQ(calls, 1);
 }
 
-TEST_P(AttributeFlags, ThrowingHostCallLeavesNoLogOpen)
-{
-  const ReelDbRec rec = reelWith({});
-  EXPECT_EQ(throwingRuns([&] { ReelDbRec(rec).setIntValInEdit(key.c_str(), 0); }, [&] { set(rec, true); }), 7);
-}
-
 // --- Texts with one word that stands for nothing -------------------------------------------------
 
 struct Named {
@@ -430,12 +424,6 @@ TEST_P(AttributeTexts, TextOnALogThatDoesNotOpenTellsNobody)
   EXPECT_EQ(stepsOf([&] { set(rec, ""); }), failedOpen(reel));
 }
 
-TEST_P(AttributeTexts, ThrowingHostCallLeavesNoLogOpen)
-{
-  const ReelDbRec rec = reelWith({});
-  EXPECT_EQ(throwingRuns([&] { ReelDbRec(rec).setStringValInEdit(key.c_str(), ""); }, [&] { set(rec, "text"); }), 7);
-}
-
 // --- User fields ---------------------------------------------------------------------------------
 
 TEST_F(Attributes, UserFieldKeyIsTheNumberInDecimal)
@@ -521,12 +509,6 @@ TEST_F(Attributes, UserFieldOnALogThatDoesNotOpenTellsNobody)
   script().failOpen(reel);
   EXPECT_EQ(stepsOf([&] { rec.userField(0, "x"); }), joined({failedOpen(reel), failedOpen(reel), failedOpen(reel)}));
   EXPECT_EQ(stepsOf([&] { rec.userField(0, ""); }), failedOpen(reel));
-}
-
-TEST_F(Attributes, ThrowingHostCallInAUserFieldLeavesNoLogOpen)
-{
-  ReelDbRec rec = reelWith({});
-  EXPECT_EQ(throwingRuns([&] { rec.setStringValInEdit("reel_userfield0", ""); }, [&] { rec.userField(0, "x"); }), 7);
 }
 
 // --- Notification --------------------------------------------------------------------------------
@@ -694,15 +676,6 @@ TEST_F(Attributes, LastDeviceOfALogThatDoesNotOpenTellsNobody)
   EXPECT_EQ(stepsOf([&] { rec.lastDevice(Wide()); }), failedOpen(reel));
 }
 
-TEST_F(Attributes, ThrowingHostCallInALastDeviceLeavesNoLogOpen)
-{
-  reelhost::DeviceSettings deck = device(4, "Deck");
-  deck.audioInputs = 1;
-  setDevices({deck});
-  ReelDbRec rec;
-  EXPECT_GE(throwingRuns([&] { rec = reelWith({}); }, [&] { rec.lastDevice(L"Deck"); }), 15);
-}
-
 // --- Type ----------------------------------------------------------------------------------------
 
 TEST_F(Attributes, TypeIsReadFromTheRow)
@@ -848,33 +821,6 @@ TEST_F(Attributes, TypeWithoutADatabaseIsWrittenEachTime)
   EXPECT_TRUE(inOrder(stepsOf([&] { rec.typeName("attributes test: type"); }),
                       {setReelType(reel, "attributes test: type"), dirty(reel), some("R1"), close(reel)}));
   EXPECT_EQ(stepsOf([&] { rec.typeName({}); }), (Steps{readType(reel)[0]}));
-}
-
-TEST_F(Attributes, ThrowingHostCallInATypeLeavesNoLogOpen)
-{
-  theReelTypeManager()->add("attributes test: 1ch", "VideoChannels=1 AudioChannels=1");
-  ReelDbRec rec;
-  EXPECT_GE(throwingRuns([&] { rec = reelWith({}); }, [&] { rec.typeName("attributes test: 1ch"); }), 25);
-}
-
-TEST_F(Attributes, ThrowingHostCallInAGetterLeavesNoLogOpen)
-{
-  ReelDbRec rec = reelWith({{"reel_last_device", "Deck"}}, "attributes test: type");
-  const auto nothing = [] {};
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.reelId(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.recInhibit(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.reelAvailable(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.userField(1); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.labelMapping(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.binName(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.lastDevice(); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.typeName(); }), throwingSteps(readType(reel)));
-}
-
-TEST_F(Attributes, ThrowingHostCallInANewIdLeavesNoLogOpen)
-{
-  ReelDbRec rec;
-  EXPECT_EQ(throwingRuns([&] { rec = reelWith({}); }, [&] { rec.reelId("R2"); }), 5);
 }
 
 TEST_F(Attributes, SetterLeavesTheCallersTextAlone)

@@ -315,18 +315,6 @@ TEST_F(Channels, UpdateTellsNobodyAndMarksNothing)
   EXPECT_EQ(heard, Heard());
 }
 
-TEST_F(Channels, ThrowingHostCallLeavesNoLogOpen)
-{
-  setDeck(3, 2);
-  define("channels test: throws", "VideoChannels=1 AudioChannels=2");
-  const Steps adds = {"add", "add", "add"};
-  ReelDbRec rec;
-  EXPECT_EQ(throwingRuns([&] { rec = reelWith(0, 0, "channels test: throws"); }, [&] { rec.updateNumChansInReel(); }),
-            throwingSteps(byType(adds)));
-  EXPECT_EQ(throwingRuns([&] { rec = reelWith(0, 0, "", onDeck); }, [&] { rec.updateNumChansInReel(); }),
-            throwingSteps(byDevice("Deck", 4, adds)));
-}
-
 TEST_F(Channels, ChannelsThatWereAddedBeforeAFaultStay)
 {
   define("channels test: half", "AudioChannels=3");

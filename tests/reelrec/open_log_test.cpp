@@ -156,11 +156,5 @@ TEST_F(OpenLogs, AttributeOfALogThatDoesNotOpenIsEmptyAndTheLogClosed)
   EXPECT_EQ(stepsOf([&] { reelAttribute(reel); }), (Steps{openInfo(reel), "EditInfo::getAttrib(20)", closeUnopened()}));
 }
 
-TEST_F(OpenLogs, AttributeThatThrowsIsClosed)
-{
-  const Cookie reel = addReel("R1");
-  EXPECT_EQ(throwingRuns([] {}, [&] { reelAttribute(reel); }), 2);
-}
-
 } // namespace
 } // namespace reeldb_tests

@@ -133,42 +133,6 @@ protected:
     return all;
   }
 
-  /// How many of the steps can throw.
-  static std::int64_t throwingSteps(const Steps& steps)
-  {
-    return std::count_if(steps.begin(), steps.end(), [](const std::string& step) {
-      return step.rfind("EditPtr::i_close(", 0) != 0 && step.rfind("ODBView::~", 0) != 0 && step.rfind("some(", 0) != 0;
-    });
-  }
-
-  /// Runs @p action again and again, each time with another of its host calls throwing, until it runs through. After
-  /// each: the same exception has come out, and no log is open. @p prepare sets the scene before each run. Answers how
-  /// many runs threw.
-  std::int64_t throwingRuns(const std::function<void()>& prepare, const std::function<void()>& action)
-  {
-    for (std::int64_t n = 1;; ++n) {
-      script().throwAt(0);
-      prepare();
-      script().throwAt(n);
-      std::string arrived;
-      try {
-        action();
-      } catch (const reelhost::ScriptedFault& fault) {
-        arrived = fault.what();
-      }
-      const bool happened = script().faultHappened();
-      script().throwAt(0);
-      EXPECT_EQ(reelhost::openLogs(), 0) << "call " << n << " threw: " << arrived;
-      if (happened)
-        EXPECT_NE(arrived.find("(call " + std::to_string(n) + ")"), std::string::npos)
-            << "call " << n << ": not the exception that was thrown: " << arrived;
-      else
-        EXPECT_EQ(arrived, "");
-      if (!happened || ::testing::Test::HasFailure())
-        return n - 1;
-    }
-  }
-
   Heard heard;
   RecordingClient client;
 

@@ -462,22 +462,6 @@ TEST_F(TypedAccess, WritingTellsNobodyAndKeepsTheCookie)
   EXPECT_EQ(rec.compare(reel), 0);
 }
 
-TEST_F(TypedAccess, EveryAccessorClosesTheLogWhenAHostCallThrows)
-{
-  const Cookie reel = addReel("R1", {}, {{"k", "1"}});
-  ReelDbRec rec = reel;
-  int number = 77;
-  strp_field field;
-  Text string = "old";
-  const auto nothing = [] {};
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.getIntValFromEdit("k", number); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.getStrpFieldValFromEdit("k", field); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.getStringValFromEdit("k", string); }), 2);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.setIntValInEdit("k", 2); }), 3);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.setStrpFieldValInEdit("k", "3"); }), 3);
-  EXPECT_EQ(throwingRuns(nothing, [&] { rec.setStringValInEdit("k", "4"); }), 3);
-}
-
 TEST_F(TypedAccess, OutArgumentsKeepTheirValuesWhenAHostCallThrows)
 {
   ReelDbRec rec = addReel("R1", {}, {{"k", "1"}});
