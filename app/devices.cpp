@@ -19,45 +19,16 @@ namespace reeldb::app {
 
 namespace {
 
-// The words of facility.toml.
-std::string portWord(int code)
-{
-  switch (code) {
-  case 0:
-    return "9-pin";
-  case 1:
-    return "1394";
-  case 2:
-    return "device-named";
-  default:
-    return "none";
-  }
-}
-
-std::string inputWord(int code)
-{
-  switch (code) {
-  case 0:
-    return "composite";
-  case 1:
-    return "s-video";
-  case 2:
-    return "component";
-  case 3:
-    return "sdi";
-  case 4:
-    return "hdmi";
-  case 5:
-    return "1394";
-  default:
-    return "none";
-  }
-}
-
 Device deviceFrom(const reelhost::DeviceSettings& settings)
 {
-  return {settings.number,      settings.name,  portWord(settings.portType), inputWord(settings.inputType),
-          settings.audioInputs, settings.tapes, settings.labelMap,           settings.lastReel};
+  return {settings.number,
+          settings.name,
+          reelhost::portWord(settings.portType),
+          reelhost::inputWord(settings.inputType),
+          settings.audioInputs,
+          settings.tapes,
+          settings.labelMap,
+          settings.lastReel};
 }
 
 bool accepts(const reelhost::DeviceSettings& device, const std::string& type)

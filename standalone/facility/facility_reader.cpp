@@ -55,6 +55,13 @@ int codeOf(const TomlTable& table, std::string_view key, const std::array<Word, 
   table.fail(key, '"' + displayText(*text) + "\" is no word for it (known: " + known + ")");
 }
 
+template <std::size_t N>
+std::string wordFor(int code, const std::array<Word, N>& words)
+{
+  const auto found = std::find_if(words.begin(), words.end(), [code](const Word& word) { return word.code == code; });
+  return found == words.end() ? std::to_string(code) : std::string(found->word);
+}
+
 /// Throws Error (NotFound) when the folder is not a facility.
 void requireFacilityFile(const std::filesystem::path& dir)
 {
@@ -181,6 +188,16 @@ Facility Facility::read(const std::filesystem::path& dir)
   if (!folder.has_filename() && folder != folder.root_path())
     folder = folder.parent_path();
   return FacilityReader(folder).take();
+}
+
+std::string portWord(int code)
+{
+  return wordFor(code, portWords);
+}
+
+std::string inputWord(int code)
+{
+  return wordFor(code, inputWords);
 }
 
 } // namespace reelhost

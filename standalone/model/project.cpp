@@ -341,7 +341,7 @@ CookieVec Project::erase(const CookieVec& cookies)
   return gone;
 }
 
-// The store lets the last deletion come back before it puts anything into the bin.
+// The store lets the last deletion come back before it puts anything into the trash.
 int Project::undelete()
 {
   if (!deleted_.empty() || undelete_ || compact_)
@@ -362,10 +362,10 @@ int Project::compact()
 {
   if (!deleted_.empty() || undelete_ || compact_)
     throw Error(ErrorKind::Refused,
-                subject() + ": cannot empty the bin (what was deleted or brought back is not stored yet)");
+                subject() + ": cannot empty the trash (what was deleted or brought back is not stored yet)");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = store_->binCount();
+  const std::int64_t count = store_->trashCount();
   compact_ = count != 0;
   return static_cast<int>(count);
 }

@@ -134,6 +134,11 @@ std::vector<LabelMapEntry> readLabelMap(const std::filesystem::path& file);
 /// The word for a format code in label map files; the number itself when there is none.
 std::string labelFormatWord(unsigned code);
 
+/// The word for a port type in facility.toml; the number itself when there is none.
+std::string portWord(int code);
+/// The word for an input type in facility.toml; the number itself when there is none.
+std::string inputWord(int code);
+
 } // namespace reelhost
 
 #endif

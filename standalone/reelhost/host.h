@@ -111,7 +111,7 @@ int deleteLogs(const CookieVec& logs);
 /// Brings the last stored deletion back; answers how many logs came. Stored by commit; tells no listener. Throws Error
 /// (Refused) while a deletion, an undelete or a compact is not stored yet.
 int undelete();
-/// Empties the bin for good; answers how many logs go. Stored by commit. Throws as undelete does.
+/// Empties the trash for good; answers how many logs go. Stored by commit. Throws as undelete does.
 int compact();
 
 /// @}

@@ -48,14 +48,14 @@ struct StoredLog {
   KeyValues fields;
 };
 
-/// What one command changed. Stored in this order: undelete and compact, which speak of the bin as it was stored
-/// before, then logs, deleted and options. A log in the bin that is written stays in the bin; a number in deleted that
-/// is no log, or a log in the bin, is passed over.
+/// What one command changed. Stored in this order: undelete and compact, which speak of the trash as it was stored
+/// before, then logs, deleted and options. A log in the trash that is written stays in the trash; a number in deleted
+/// that is no log, or a log in the trash, is passed over.
 struct Changes {
   std::vector<StoredLog> logs;       ///< new and changed logs, by number
-  std::vector<std::int64_t> deleted; ///< logs that go to the bin, as one deletion
-  bool undelete = false;             ///< the last deletion comes back out of the bin
-  bool compact = false;              ///< the bin is emptied for good
+  std::vector<std::int64_t> deleted; ///< logs that go to the trash, as one deletion
+  bool undelete = false;             ///< the last deletion comes back out of the trash
+  bool compact = false;              ///< the trash is emptied for good
   KeyValues options;                 ///< project options that were set
   bool empty() const { return logs.empty() && deleted.empty() && !undelete && !compact && options.empty(); }
 };
@@ -89,16 +89,18 @@ public:
 
   virtual ProjectInfo info() = 0;
   virtual KeyValues options() = 0;       ///< ordered by key
-  virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the bin included
-  virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;  ///< logs of type 9 by number, bin excluded
-  virtual void readOthers(const std::function<void(StoredLog&&)>& sink) = 0; ///< all other logs by number, bin excluded
+  virtual std::int64_t nextNumber() = 0; ///< one more than any log ever had, those in the trash included
+  /// All logs of type 9 by number, those in the trash excluded.
+  virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;
+  /// All other logs by number, those in the trash excluded.
+  virtual void readOthers(const std::function<void(StoredLog&&)>& sink) = 0;
   /// How many logs other than reel logs carry each identifier; identifiers with ASCII letters in lower case, ascending.
   /// Logs without an identifier, or with an empty one, are not counted.
   virtual std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() = 0;
-  /// Numbers of the logs in the last deletion that is still in the bin, ascending.
+  /// Numbers of the logs in the last deletion that is still in the trash, ascending.
   virtual std::vector<std::int64_t> lastDeletion() = 0;
   virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0; ///< the same logs, by number
-  virtual std::int64_t binCount() = 0;                                             ///< logs in the bin
+  virtual std::int64_t trashCount() = 0;                                           ///< logs in the trash
 
   /// @}
 

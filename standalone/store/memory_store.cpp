@@ -14,7 +14,7 @@ constexpr int reelLog = 9;
 
 struct Record {
   StoredLog log;
-  std::int64_t deletion = 0; ///< 0: not in the bin
+  std::int64_t deletion = 0; ///< 0: not in the trash
 };
 
 class MemoryStore final : public Store {
@@ -71,7 +71,7 @@ public:
     read(sink, [last](const Record& record) { return last != 0 && record.deletion == last; });
   }
 
-  std::int64_t binCount() override
+  std::int64_t trashCount() override
   {
     return std::count_if(records_.begin(), records_.end(),
                          [](const auto& entry) { return entry.second.deletion != 0; });

@@ -161,7 +161,7 @@ std::vector<std::int64_t> lastDeletion(Database& database)
   return numbers;
 }
 
-std::int64_t countDeleted(Database& database)
+std::int64_t trashCount(Database& database)
 {
   return database.integer("SELECT count(*) FROM logs WHERE deletion IS NOT NULL");
 }

@@ -26,7 +26,7 @@ void readLogs(sqlite::Database& database, LogSet set, const std::function<void(S
 
 std::vector<std::pair<std::string, std::int64_t>> countOthersByReel(sqlite::Database& database);
 std::vector<std::int64_t> lastDeletion(sqlite::Database& database);
-std::int64_t countDeleted(sqlite::Database& database);
+std::int64_t trashCount(sqlite::Database& database);
 
 } // namespace reelhost
 

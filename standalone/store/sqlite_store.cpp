@@ -77,9 +77,9 @@ void SqliteStore::readLastDeletion(const std::function<void(StoredLog&&)>& sink)
   read([&](Database& database) { readLogs(database, LogSet::LastDeletion, sink); });
 }
 
-std::int64_t SqliteStore::binCount()
+std::int64_t SqliteStore::trashCount()
 {
-  return read(countDeleted);
+  return read(reelhost::trashCount);
 }
 
 void SqliteStore::commit(const Changes& changes)

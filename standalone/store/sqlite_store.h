@@ -31,7 +31,7 @@ public:
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override;
   std::vector<std::int64_t> lastDeletion() override;
   void readLastDeletion(const std::function<void(StoredLog&&)>& sink) override;
-  std::int64_t binCount() override;
+  std::int64_t trashCount() override;
   void commit(const Changes& changes) override;
   bool changedElsewhere() override;
   std::vector<std::string> check() override;

@@ -55,7 +55,7 @@ protected:
     };
     store->readReels(write);
     store->readOthers(write);
-    out << "bin " << store->binCount() << '\n';
+    out << "bin " << store->trashCount() << '\n';
     store->readLastDeletion(write);
     store->end();
     return out.str();

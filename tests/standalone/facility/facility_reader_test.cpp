@@ -112,6 +112,24 @@ TEST_F(FacilityReaderTest, WordsOfPortsAndInputsStandForTheirCodes)
     EXPECT_EQ(device("input", word).inputType, code) << word;
 }
 
+TEST(FacilityWords, CodesHaveTheWordsThatAreRead)
+{
+  const char* const ports[] = {"9-pin", "1394", "device-named", "none"};
+  for (int code = 0; code < 4; ++code)
+    EXPECT_EQ(portWord(code), ports[code]);
+  const char* const inputs[] = {"composite", "s-video", "component", "sdi", "hdmi", "1394"};
+  for (int code = 0; code < 6; ++code)
+    EXPECT_EQ(inputWord(code), inputs[code]);
+  EXPECT_EQ(inputWord(9), "none");
+}
+
+TEST(FacilityWords, CodeWithoutAWordIsItsNumber)
+{
+  EXPECT_EQ(portWord(4), "4");
+  EXPECT_EQ(portWord(-1), "-1");
+  EXPECT_EQ(inputWord(6), "6");
+}
+
 TEST_F(FacilityReaderTest, StateFileGoesBeforeTheFacility)
 {
   writeBytes(folder() / "state.toml", "[system]\nreel_userfield0 = \"Stored\"\nempty = \"\"\n"

@@ -145,7 +145,7 @@ TEST_F(DeletionTest, CompactEmptiesTheBinForGood)
   EXPECT_FALSE(reelhost::hasChanges());
 }
 
-// The store does one thing to its bin at a time, and "the last deletion" is the last that it holds.
+// The store does one thing to its trash at a time, and "the last deletion" is the last that it holds.
 TEST_F(DeletionTest, TheBinWaitsForWhatIsNotStoredYet)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");
@@ -153,11 +153,11 @@ TEST_F(DeletionTest, TheBinWaitsForWhatIsNotStoredYet)
   reelhost::deleteLogs(these({first}));
   const std::string waits = " (what was deleted or brought back is not stored yet)";
   EXPECT_EQ(errorOf([] { reelhost::undelete(); }), "Refused: memory: cannot undelete" + waits);
-  EXPECT_EQ(errorOf([] { reelhost::compact(); }), "Refused: memory: cannot empty the bin" + waits);
+  EXPECT_EQ(errorOf([] { reelhost::compact(); }), "Refused: memory: cannot empty the trash" + waits);
   reelhost::commit();
   EXPECT_EQ(reelhost::undelete(), 1);
   EXPECT_EQ(errorOf([] { reelhost::undelete(); }), "Refused: memory: cannot undelete" + waits);
-  EXPECT_EQ(errorOf([] { reelhost::compact(); }), "Refused: memory: cannot empty the bin" + waits);
+  EXPECT_EQ(errorOf([] { reelhost::compact(); }), "Refused: memory: cannot empty the trash" + waits);
   reelhost::deleteLogs(these({second}));
   storeAndReopen();
   EXPECT_EQ(texts(reels()), texts(these({first})));

@@ -31,7 +31,7 @@ public:
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override { return to_->countOthersByReel(); }
   std::vector<std::int64_t> lastDeletion() override { return to_->lastDeletion(); }
   void readLastDeletion(const Sink& sink) override { to_->readLastDeletion(sink); }
-  std::int64_t binCount() override { return to_->binCount(); }
+  std::int64_t trashCount() override { return to_->trashCount(); }
   void commit(const reelhost::Changes& changes) override { to_->commit(changes); }
   bool changedElsewhere() override { return to_->changedElsewhere(); }
   std::vector<std::string> check() override { return to_->check(); }

@@ -65,7 +65,7 @@ void expectContentOfVersion1(Store& project)
   EXPECT_EQ(info.outputFrameRate, 8);
   EXPECT_EQ(project.options(), (KeyValues{{"reeldb_defaultType", "Tape 2ch"}}));
   EXPECT_EQ(project.nextNumber(), 8);
-  EXPECT_EQ(project.binCount(), 1);
+  EXPECT_EQ(project.trashCount(), 1);
   EXPECT_EQ(project.lastDeletion(), std::vector<std::int64_t>{5});
   EXPECT_EQ(project.countOthersByReel(), (std::vector<std::pair<std::string, std::int64_t>>{{"r1", 1}}));
   project.end();

@@ -40,9 +40,9 @@ protected:
   {
     return in(project, [&] { return project.nextNumber(); });
   }
-  std::int64_t binCount(Store& project)
+  std::int64_t trashCount(Store& project)
   {
-    return in(project, [&] { return project.binCount(); });
+    return in(project, [&] { return project.trashCount(); });
   }
   Numbers lastDeletion(Store& project)
   {
@@ -137,7 +137,7 @@ TEST_P(StoreContract, NewProjectHoldsNothing)
   EXPECT_EQ(counts(*project), Counts{});
   EXPECT_EQ(lastDeletion(*project), Numbers{});
   EXPECT_EQ(lastDeletionWhole(*project), std::vector<std::string>{});
-  EXPECT_EQ(binCount(*project), 0);
+  EXPECT_EQ(trashCount(*project), 0);
 }
 
 TEST_P(StoreContract, LogComesBackWhole)
@@ -326,7 +326,7 @@ TEST_P(StoreContract, DeletedLogsAreInTheBinOnly)
   EXPECT_EQ(lastDeletion(*project), (Numbers{1, 4}));
   EXPECT_EQ(lastDeletionWhole(*project),
             (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(4, 1))}));
-  EXPECT_EQ(binCount(*project), 2);
+  EXPECT_EQ(trashCount(*project), 2);
 }
 
 TEST_P(StoreContract, UndeleteBringsDeletionsBackLastFirst)
@@ -336,7 +336,7 @@ TEST_P(StoreContract, UndeleteBringsDeletionsBackLastFirst)
   remove(*project, {2});
   remove(*project, {3, 1});
   EXPECT_EQ(lastDeletion(*project), (Numbers{1, 3}));
-  EXPECT_EQ(binCount(*project), 3);
+  EXPECT_EQ(trashCount(*project), 3);
   undelete(*project);
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 4}));
   EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
@@ -344,7 +344,7 @@ TEST_P(StoreContract, UndeleteBringsDeletionsBackLastFirst)
   EXPECT_EQ(reelsOf(*project), (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(2, 9)),
                                                          describe(exampleLog(3, 9)), describe(exampleLog(4, 9))}));
   EXPECT_EQ(lastDeletion(*project), Numbers{});
-  EXPECT_EQ(binCount(*project), 0);
+  EXPECT_EQ(trashCount(*project), 0);
   undelete(*project); // nothing is left: nothing happens
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4}));
 }
@@ -369,7 +369,7 @@ TEST_P(StoreContract, CompactEmptiesTheBinForGood)
   remove(*project, {1});
   remove(*project, {2});
   compact(*project);
-  EXPECT_EQ(binCount(*project), 0);
+  EXPECT_EQ(trashCount(*project), 0);
   EXPECT_EQ(lastDeletion(*project), Numbers{});
   undelete(*project);
   EXPECT_EQ(numbersOf(*project), (Numbers{3}));
@@ -386,7 +386,7 @@ TEST_P(StoreContract, UndeleteAndCompactTogetherKeepTheLastDeletion)
   changes.compact = true;
   store(*project, changes);
   EXPECT_EQ(numbersOf(*project), (Numbers{2}));
-  EXPECT_EQ(binCount(*project), 0);
+  EXPECT_EQ(trashCount(*project), 0);
 }
 
 TEST_P(StoreContract, CompactAndDeleteTogetherKeepTheNewDeletion)
@@ -399,7 +399,7 @@ TEST_P(StoreContract, CompactAndDeleteTogetherKeepTheNewDeletion)
   changes.deleted = {2};
   store(*project, changes);
   EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
-  EXPECT_EQ(binCount(*project), 1);
+  EXPECT_EQ(trashCount(*project), 1);
 }
 
 TEST_P(StoreContract, UndeleteAndDeleteTogetherMakeOneNewDeletion)
@@ -414,7 +414,7 @@ TEST_P(StoreContract, UndeleteAndDeleteTogetherMakeOneNewDeletion)
   store(*project, changes);
   EXPECT_EQ(numbersOf(*project), (Numbers{2}));
   EXPECT_EQ(lastDeletion(*project), (Numbers{3}));
-  EXPECT_EQ(binCount(*project), 2);
+  EXPECT_EQ(trashCount(*project), 2);
 }
 
 TEST_P(StoreContract, LogWrittenAndDeletedInOneIsInTheBinAsWritten)
