@@ -10,7 +10,7 @@ case $formatter in
   ;;
 esac
 cd "$1"
-files=$(find include src base standalone lists cli tools tests bench fuzz examples \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) 2>/dev/null | sort)
+files=$(find include src base standalone lists app cli tools tests bench fuzz examples \( -name '*.cpp' -o -name '*.h' -o -name '*.c' \) 2>/dev/null | sort)
 [ -n "$files" ]
 # shellcheck disable=SC2086 # a list of words
 if ! "$formatter" --dry-run --Werror $files; then

@@ -37,7 +37,7 @@ Port types other than 0 and 1 are all alike; codes that are not in the table are
 constexpr const char* configured = R"(
 ## Devices with a configured map
 
-What the same function, and `reeldb device label-map`, answers for a device that is configured with one of the usual maps,
+What the same function, and `reeldb label-map for --device N`, answers for a device that is configured with one of the usual maps,
 as `reeldb init` writes them, in projects of each family of frame rates. The configured map is answered when it fits the
 device, whatever the project's rate is; otherwise the answer is that of the table above.
 
