@@ -14,7 +14,7 @@ import subprocess
 import sys
 
 WHOLE = ("include", "src")
-LINES_FLOOR = {"standalone": 92.0, "lists": 92.0, "cli": 92.0}
+LINES_FLOOR = {"base": 92.0, "standalone": 92.0, "lists": 92.0, "app": 92.0, "cli": 92.0}
 
 
 def run(*command):

@@ -125,6 +125,44 @@ while read -r path; do
   esac
 done <"$work/ours"
 
+# --- An upgrade, over a facility that was in use
+# REELDB_OLD_PACKAGES names a folder with the packages of an earlier version.
+if [ -n "${REELDB_OLD_PACKAGES:-}" ]; then
+  mkdir -p "$root/packages/old"
+  cp "$REELDB_OLD_PACKAGES"/*.deb "$root/packages/old"
+  step "the packages in $REELDB_OLD_PACKAGES are installed and used"
+  old=$(cd "$root" && ls packages/old/libreeldb[0-9]*.deb packages/old/reeldb_*.deb | sed 's,^,/,')
+  # shellcheck disable=SC2086 # a list of words
+  apt install $old
+  quietly in_root sh -euc '
+    cd /tmp
+    reeldb init used
+    cd used
+    reeldb import /usr/share/reeldb/examples/cut-list.edl || [ $? = 4 ]
+    reeldb create B007
+    reeldb rename B007 B008
+    reeldb set B008 available=no 0=rain
+    reeldb create GONE
+    reeldb delete GONE --yes
+    reeldb export --json >/tmp/before.json
+    reeldb list --json >/tmp/list.json'
+  step "upgraded to reeldb $version over it"
+  apt install --reinstall "/packages/$(basename "$runtime")" "/packages/$(basename "$tool")"
+  quietly in_root sh -euc '
+    cd /tmp/used
+    reeldb project check
+    reeldb export --json >/tmp/after.json
+    reeldb list --json | cmp - /tmp/list.json
+    cmp /tmp/before.json /tmp/after.json
+    reeldb which B007
+    reeldb undelete
+    reeldb show GONE
+    reeldb set B008 available=yes
+    reeldb import /usr/share/reeldb/examples/camera-log.ale || [ $? = 4 ]'
+  apt purge reeldb "$(dpkg-deb -f "$runtime" Package)"
+  apt autoremove --purge
+fi
+
 # --- The development package, with a compiler
 step "a compiler, CMake, pkg-config and GoogleTest are installed"
 apt install g++ make cmake pkg-config libgtest-dev
