@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/process.h"
 
+#include <utility>
+
 #include "ReelDbVersion.h"
 #include "app/facility.h"
 #include "reelhost/host.h"
@@ -21,6 +23,11 @@ std::string libraryVersion()
 std::vector<std::string> facilityRemarks()
 {
   return requireFacility().remarks();
+}
+
+void printLibraryTo(std::function<void(std::string_view)> sink)
+{
+  reelhost::printTo(std::move(sink));
 }
 
 void traceHostCalls(std::FILE* file)

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cstdarg>
 #include <cstdio>
+#include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "host/text.h"
 #include "journal/host_call.h"
 #include "model/settings.h"
 #include "reelhost/display_text.h"
+#include "reelhost/host.h"
 
 using reelhost::describeAll;
 using reelhost::hostCall;
@@ -30,6 +33,22 @@ std::string formatted(const char* format, std::va_list arguments)
   std::vsnprintf(text.data(), text.size() + 1, format, again);
   va_end(again);
   return text;
+}
+
+std::function<void(std::string_view)>& sink()
+{
+  static auto& instance = *new std::function<void(std::string_view)>;
+  return instance;
+}
+
+/// Whether all of the text went out.
+bool print(const std::string& text)
+{
+  if (const auto to = sink()) { // its own: the sink may name another
+    to(text);
+    return true;
+  }
+  return std::fwrite(text.data(), 1, text.size(), stderr) == text.size();
 }
 
 /// The text as it may be printed. What ends it is the line end of the message; any other belongs to what it speaks of.
@@ -61,9 +80,10 @@ int vorn_printf(const char* format, ...)
   va_end(arguments);
   return hostCall(
       "vorn_printf", [&] { return describeAll(text); },
-      [&] {
-        const std::string line = shown(text);
-        const std::size_t written = std::fwrite(line.data(), 1, line.size(), stderr);
-        return written == line.size() ? static_cast<int>(text.size()) : -1;
-      });
+      [&] { return print(shown(text)) ? static_cast<int>(text.size()) : -1; });
+}
+
+void reelhost::printTo(std::function<void(std::string_view)> to)
+{
+  sink() = std::move(to);
 }

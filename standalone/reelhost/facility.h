@@ -98,9 +98,6 @@ private:
   std::vector<std::string> remarks_;
 };
 
-/// The nearest folder from @p start upwards that holds a facility.toml, absolute. The file is not read.
-std::optional<std::filesystem::path> findFacility(const std::filesystem::path& start);
-
 /// A facility in the making: all of it, or nothing. What was made goes again with the owner, files and folders, unless
 /// keep() was called; what was there stays in any case.
 class NewFacility {
@@ -118,9 +115,6 @@ private:
   class Made;
   std::unique_ptr<Made> made_;
 };
-
-/// Makes a facility, as NewFacility does and with its errors, and keeps it.
-void createFacility(const std::filesystem::path& dir);
 
 /// One entry of a label map file; docs/formats/labelmap.md has the words for the codes.
 struct LabelMapEntry {

@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -34,12 +35,18 @@ namespace reelhost {
 void startUp();
 
 /// The facility of the process: the one given to useFacility, else the folder in the environment variable
-/// REELDB_FACILITY, else none. Throws Error when its facility.toml is bad. The library reads its settings while it is
-/// loaded; a facility that cannot be read then counts as none, and this is where the error is told.
+/// REELDB_FACILITY, else none. The library reads its settings while it is loaded; a facility that cannot be read counts
+/// as none then, and this function throws what Facility::read threw.
 Facility& facility();
 /// Makes this the facility of the process. The project that is open stays open, and what the library read while it was
 /// loaded stays as it is.
 void useFacility(Facility facility);
+
+/// Hands the library's own prints (vorn_printf) to @p sink, which takes each as it may be shown: valid UTF-8 without
+/// control characters but the line feed that ends it. An empty sink stands for standard error, where they go at first.
+/// What a sink throws passes through the library. What is printed while the library is loaded precedes any call of
+/// this.
+void printTo(std::function<void(std::string_view)> sink);
 
 /// @}
 /// @name Projects

@@ -45,7 +45,7 @@ TEST(Unload, GivesBackEverythingAndCanBeLoadedAgain)
 {
   const reeldb_tests::TempFolder folder;
   const std::filesystem::path site = folder / "site";
-  reelhost::createFacility(site);
+  reelhost::NewFacility(site).keep();
   ASSERT_EQ(0, setenv("REELDB_FACILITY", site.c_str(), 1));
   ASSERT_EQ(site, reelhost::facility().directory());
   ASSERT_FALSE(isLoaded());

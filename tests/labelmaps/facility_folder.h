@@ -13,7 +13,7 @@ class FacilityFolder {
 public:
   FacilityFolder()
   {
-    reelhost::createFacility(folder_.path());
+    reelhost::NewFacility(folder_.path()).keep();
     reelhost::useFacility(reelhost::Facility::read(folder_.path()));
   }
   ~FacilityFolder() { reelhost::useFacility(reelhost::Facility()); }

@@ -102,7 +102,7 @@ public:
   {
     const std::filesystem::path folder = folder_.path() / "facility";
     if (!std::filesystem::exists(folder))
-      reelhost::createFacility(folder);
+      reelhost::NewFacility(folder).keep();
     reelhost::useFacility(reelhost::Facility::read(folder));
     std::ofstream file(reelhost::facility().labelMapDirectory() / (name + ".toml"));
     for (const LabelMappingSet::Entry& entry : entries)

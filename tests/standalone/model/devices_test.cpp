@@ -18,7 +18,7 @@ class DevicesTest : public HostTest {
 protected:
   DevicesTest()
   {
-    reelhost::createFacility(directory());
+    reelhost::NewFacility(directory()).keep();
     useStored();
   }
   void useStored() { reelhost::useFacility(Facility::read(directory())); }

@@ -36,6 +36,41 @@ TEST_F(TextsTest, APrintMayBeLong)
   EXPECT_EQ(::testing::internal::GetCapturedStderr(), text + "\n");
 }
 
+TEST_F(TextsTest, PrintsGoToTheSinkAndNowhereElse)
+{
+  std::vector<std::string> printed;
+  ::testing::internal::CaptureStderr();
+  ::testing::internal::CaptureStdout();
+  reelhost::printTo([&](std::string_view text) { printed.emplace_back(text); });
+  EXPECT_EQ(vorn_printf("from %s to %s\n", "a\x1b[2J\nb", "c"), 18);
+  EXPECT_EQ(vorn_printf("%s", "no line end"), 11);
+  reelhost::printTo({});
+  EXPECT_EQ(vorn_printf("%s\n", "as before"), 10);
+  EXPECT_EQ(printed, (std::vector<std::string>{"from a\\x1b[2J\\nb to c\n", "no line end"}));
+  EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
+  EXPECT_EQ(::testing::internal::GetCapturedStderr(), "as before\n");
+}
+
+TEST_F(TextsTest, WhatASinkThrowsPasses)
+{
+  reelhost::printTo([](std::string_view) { throw std::runtime_error("no paper"); });
+  EXPECT_THROW(vorn_printf("%s\n", "text"), std::runtime_error);
+  reelhost::printTo({});
+}
+
+TEST_F(TextsTest, SinkMayNameAnother)
+{
+  std::vector<std::string> printed;
+  reelhost::printTo([&](std::string_view) {
+    reelhost::printTo([&](std::string_view text) { printed.emplace_back(text); });
+    printed.emplace_back("first");
+  });
+  vorn_printf("%s", "one");
+  vorn_printf("%s", "two");
+  reelhost::printTo({});
+  EXPECT_EQ(printed, (std::vector<std::string>{"first", "two"}));
+}
+
 TEST_F(TextsTest, TheBuiltInTextOfAReelsNameIsReel)
 {
   EXPECT_EQ(std::wstring(paddedResourceStrW(10043, nullptr, L" ", ResStrFmt(0)).c_str()), L"Reel ");

@@ -241,9 +241,4 @@ void NewFacility::keep()
   made_->keep();
 }
 
-void createFacility(const std::filesystem::path& dir)
-{
-  NewFacility(dir).keep();
-}
-
 } // namespace reelhost

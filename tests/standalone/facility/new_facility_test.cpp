@@ -18,10 +18,10 @@ const std::vector<std::string> labelMapFiles = {"24f1394.toml", "24f9pin.toml", 
                                                 "nts9pin.toml", "ntsc1394.toml", "ntstofd.toml",
                                                 "pal1394.toml", "pal9pin.toml",  "paltofd.toml"};
 
-TEST(CreateFacility, MakesEverythingButTheProject)
+TEST(NewFacilityTest, MakesEverythingButTheProject)
 {
   const TempFolder folder;
-  createFacility(folder / "site");
+  NewFacility(folder / "site").keep();
   EXPECT_EQ(namesIn(folder / "site"),
             (std::vector<std::string>{"devicedata", "facility.toml", "labelmaps", "projects"}));
   EXPECT_EQ(namesIn(folder / "site/devicedata"), std::vector<std::string>{"reeltype.dat"});
@@ -29,10 +29,10 @@ TEST(CreateFacility, MakesEverythingButTheProject)
   EXPECT_TRUE(namesIn(folder / "site/projects").empty());
 }
 
-TEST(CreateFacility, TheFacilityIsReadAndHasADeckAndACamera)
+TEST(NewFacilityTest, TheFacilityIsReadAndHasADeckAndACamera)
 {
   const TempFolder folder;
-  createFacility(folder.path());
+  NewFacility(folder.path()).keep();
   const Facility facility = Facility::read(folder.path());
   EXPECT_EQ(facility.defaultProject(), "main");
   EXPECT_EQ(facility.configString("default_reel_type"), "Tape 2ch");
@@ -50,10 +50,10 @@ TEST(CreateFacility, TheFacilityIsReadAndHasADeckAndACamera)
   EXPECT_EQ(std::count(camera.tapes.begin(), camera.tapes.end(), "Live"), 1);
 }
 
-TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
+TEST(NewFacilityTest, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
 {
   const TempFolder folder;
-  createFacility(folder.path());
+  NewFacility(folder.path()).keep();
   std::ifstream file(folder / "devicedata/reeltype.dat");
   std::vector<std::string> names;
   for (std::string line; std::getline(file, line);) {
@@ -72,10 +72,10 @@ TEST(CreateFacility, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
       EXPECT_EQ(std::count(names.begin(), names.end(), tape), 1) << tape;
 }
 
-TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
+TEST(NewFacilityTest, EveryDefaultLabelMapFitsItsPortAndFamily)
 {
   const TempFolder folder;
-  createFacility(folder.path());
+  NewFacility(folder.path()).keep();
   for (const std::string& name : labelMapFiles) {
     const std::vector<LabelMapEntry> entries = readLabelMap(folder / "labelmaps" / name);
     ASSERT_EQ(entries.size(), 14u) << name;
@@ -102,62 +102,62 @@ TEST(CreateFacility, EveryDefaultLabelMapFitsItsPortAndFamily)
   }
 }
 
-TEST(CreateFacility, FacilityThatIsThereIsRefusedAndStays)
+TEST(NewFacilityTest, FacilityThatIsThereIsRefusedAndStays)
 {
   const TempFolder folder;
   writeBytes(folder / "facility.toml", "mine");
-  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+  EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
             "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
   EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"facility.toml"});
   EXPECT_EQ(bytesOf(folder / "facility.toml"), "mine");
   fs::remove(folder / "facility.toml");
   fs::create_symlink("nowhere", folder / "facility.toml");
-  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+  EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
             "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
 }
 
-TEST(CreateFacility, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
+TEST(NewFacilityTest, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
 {
   const TempFolder folder;
   fs::create_directory(folder / "labelmaps");
   writeBytes(folder / "labelmaps/ntstofd.toml", "mine");
-  EXPECT_EQ(errorOf([&] { createFacility(folder.path()); }),
+  EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
             "Refused: " + (folder / "labelmaps/ntstofd.toml").native() + ": exists already");
   EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"labelmaps"});
   EXPECT_EQ(bytesOf(folder / "labelmaps/ntstofd.toml"), "mine");
 }
 
-TEST(CreateFacility, FolderWithOtherThingsInItIsFine)
+TEST(NewFacilityTest, FolderWithOtherThingsInItIsFine)
 {
   const TempFolder folder;
   writeBytes(folder / "notes.txt", "mine");
   fs::create_directory(folder / "projects");
   writeBytes(folder / "projects/a.reels", "mine");
-  createFacility(folder.path());
+  NewFacility(folder.path()).keep();
   EXPECT_EQ(bytesOf(folder / "notes.txt"), "mine");
   EXPECT_EQ(bytesOf(folder / "projects/a.reels"), "mine");
 }
 
-TEST(CreateFacility, FolderThatCannotBeMadeIsAnError)
+TEST(NewFacilityTest, FolderThatCannotBeMadeIsAnError)
 {
   const TempFolder folder;
   writeBytes(folder / "file", "");
-  EXPECT_EQ(errorOf([&] { createFacility(folder / "file"); }).rfind("Io: " + (folder / "file").native(), 0), 0u);
+  EXPECT_EQ(errorOf([&] { NewFacility(folder / "file").keep(); }).rfind("Io: " + (folder / "file").native(), 0), 0u);
 }
 
-TEST(CreateFacility, FailureTakesBackTheFoldersThatWereMadeAndNoOthers)
+TEST(NewFacilityTest, FailureTakesBackTheFoldersThatWereMadeAndNoOthers)
 {
   const TempFolder folder;
   fs::create_directory(folder / "a");
   fs::create_directory(folder / "a/b");
   writeBytes(folder / "a/b/labelmaps", "mine");
-  EXPECT_EQ(errorOf([&] { createFacility(folder / "a/b"); }),
+  EXPECT_EQ(errorOf([&] { NewFacility(folder / "a/b").keep(); }),
             "Io: " + (folder / "a/b/labelmaps").native() + ": cannot be made (File exists)");
   EXPECT_EQ(namesIn(folder / "a/b"), std::vector<std::string>{"labelmaps"});
   EXPECT_EQ(bytesOf(folder / "a/b/labelmaps"), "mine");
 }
 
-TEST(CreateFacility, WhatIsNotKeptIsGoneAgain)
+TEST(NewFacilityTest, WhatIsNotKeptIsGoneAgain)
 {
   const TempFolder folder;
   fs::create_directory(folder / "site");
@@ -175,12 +175,12 @@ TEST(CreateFacility, WhatIsNotKeptIsGoneAgain)
   EXPECT_EQ(namesIn(folder / "new"), std::vector<std::string>{"theirs"});
 }
 
-TEST(CreateFacility, DiskFullLeavesNothing)
+TEST(NewFacilityTest, DiskFullLeavesNothing)
 {
   const TempMount mount("size=12k");
   if (!mount.mounted())
     GTEST_SKIP() << "mounting a file system is not allowed here";
-  const std::string error = errorOf([&] { createFacility(mount / ""); });
+  const std::string error = errorOf([&] { NewFacility(mount / "").keep(); });
   EXPECT_EQ(error.rfind("Io: ", 0), 0u) << error;
   EXPECT_NE(error.find("(No space left on device)"), std::string::npos) << error;
   EXPECT_TRUE(namesIn(mount / "").empty());
