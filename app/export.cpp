@@ -130,15 +130,19 @@ Written writeReelsCsv(const ProjectContent& content)
 
 Written writeShotsCsv(const ProjectContent& content)
 {
-  Written written{lists::csvRow({"reel", "clip", "tracks", "source_in", "source_out", "record_in", "record_out",
-                                 "source_file", "aliases", "video_channels", "audio_channels"}),
-                  content.shots.size(),
-                  {},
-                  {}};
-  for (const Shot& shot : content.shots)
-    written.text += lists::csvRow({shot.reel, shot.clipName, shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn,
-                                   shot.recordOut, shot.sourceFile, fmt::format("{}", fmt::join(shot.aliases, "\n")),
-                                   std::to_string(shot.videoChannels), std::to_string(shot.audioChannels)});
+  std::vector<std::string> row;
+  for (const ShotText& text : shotTexts)
+    row.emplace_back(text.name);
+  row.insert(row.end(), {"aliases", "video_channels", "audio_channels"});
+  Written written{lists::csvRow(row), content.shots.size(), {}, {}};
+  for (const Shot& shot : content.shots) {
+    row.clear();
+    for (const ShotText& text : shotTexts)
+      row.push_back(shot.*text.text);
+    row.insert(row.end(), {fmt::format("{}", fmt::join(shot.aliases, "\n")), std::to_string(shot.videoChannels),
+                           std::to_string(shot.audioChannels)});
+    written.text += lists::csvRow(row);
+  }
   return written;
 }
 

@@ -11,11 +11,12 @@
 
 #include "app/error.h"
 #include "base/display_text.h"
+#include "host/codes.h"
 
 namespace reeldb::app {
 
-/// The longest text, in bytes, that the library reads back whole from a field: its buffers have 2,048 bytes.
-inline constexpr std::size_t longestField = 2047;
+/// The longest text, in bytes, that the library reads back whole from a field.
+inline constexpr std::size_t longestField = codes::longestText;
 
 /// Throws Error (Invalid), "FACT (cause)", unless the text can be shown and handed on as it is: UTF-8 without control
 /// characters. Every text that is to be stored goes through here; what is stored already is found as it is.

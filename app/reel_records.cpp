@@ -14,6 +14,7 @@
 #include "base/ascii.h"
 #include "base/character_locale.h"
 #include "base/text_width.h"
+#include "host/codes.h"
 #include "host/edit.h"
 #include "lists/names.h"
 
@@ -21,18 +22,15 @@ namespace reeldb::app {
 
 namespace {
 
-constexpr auto videoChannel = EditChanType(1);
-constexpr auto audioChannel = EditChanType(2);
-
 /// A log, open for as long as this lives; false when it could not be opened.
 class OpenLog {
 public:
-  explicit OpenLog(const Cookie& log) { edit_.i_open(log, eEditOpenBehaviour(0)); }
+  explicit OpenLog(const Cookie& log) { edit_.i_open(log, codes::openAsUsual); }
   ~OpenLog() { edit_.i_close(); }
   OpenLog(const OpenLog&) = delete;
   OpenLog& operator=(const OpenLog&) = delete;
   explicit operator bool() const { return edit_.get() != nullptr; }
-  int channels(EditChanType type) const { return edit_->getNumChans(type) & 0xFFFF; }
+  int channels(EditChanType type) const { return edit_->getNumChans(type) & codes::channelCountMask; }
 
 private:
   EditPtr edit_;
@@ -97,8 +95,8 @@ Reel readReel(ReelDbRec record, const ShotCounts& shots)
   for (std::size_t i = 0; i < userFieldCount; ++i)
     reel.userFields[i] = text(record.userField(static_cast<int>(i)));
   if (const OpenLog log(record); log) {
-    reel.videoChannels = log.channels(videoChannel);
-    reel.audioChannels = log.channels(audioChannel);
+    reel.videoChannels = log.channels(codes::videoChannel);
+    reel.audioChannels = log.channels(codes::audioChannel);
   }
   if (const auto found = shots.find(base::fold(reel.id)); found != shots.end())
     reel.shots = found->second;

@@ -34,14 +34,8 @@ std::vector<std::string> divided(const std::string& text)
 reelhost::Material materialFrom(const Shot& shot)
 {
   reelhost::Material material;
-  material.reel = shot.reel;
-  material.name = shot.clipName;
-  material.sourceFile = shot.sourceFile;
-  material.sourceIn = shot.sourceIn;
-  material.sourceOut = shot.sourceOut;
-  material.recordIn = shot.recordIn;
-  material.recordOut = shot.recordOut;
-  material.tracks = shot.tracks;
+  for (const ShotText& text : shotTexts)
+    material.*text.material = shot.*text.text;
   material.aliases = fmt::format("{}", fmt::join(shot.aliases, std::string_view(&divider, 1)));
   material.videoChannels = shot.videoChannels;
   material.audioChannels = shot.audioChannels;
@@ -51,14 +45,8 @@ reelhost::Material materialFrom(const Shot& shot)
 Shot shotFrom(const reelhost::Material& material)
 {
   Shot shot;
-  shot.reel = material.reel;
-  shot.clipName = material.name;
-  shot.sourceFile = material.sourceFile;
-  shot.tracks = material.tracks;
-  shot.sourceIn = material.sourceIn;
-  shot.sourceOut = material.sourceOut;
-  shot.recordIn = material.recordIn;
-  shot.recordOut = material.recordOut;
+  for (const ShotText& text : shotTexts)
+    shot.*text.text = material.*text.material;
   shot.aliases = divided(material.aliases);
   shot.videoChannels = material.videoChannels;
   shot.audioChannels = material.audioChannels;

@@ -22,7 +22,7 @@
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
-#include "app/shots.h"
+#include "app/shot_logs.h"
 #include "app/types.h"
 #include "app/watch.h"
 
@@ -31,14 +31,8 @@ namespace reeldb::lists {
 template <class Io, app::json::Like<Clip> R>
 void describe(Io& io, R& shot)
 {
-  io("reel", shot.reel);
-  io("clip", shot.clipName);
-  io("tracks", shot.tracks);
-  io("source_in", shot.sourceIn);
-  io("source_out", shot.sourceOut);
-  io("record_in", shot.recordIn);
-  io("record_out", shot.recordOut);
-  io("source_file", shot.sourceFile);
+  for (const app::ShotText& text : app::shotTexts)
+    io(text.name, shot.*text.text);
   io("aliases", shot.aliases);
   io("video_channels", shot.videoChannels);
   io("audio_channels", shot.audioChannels);

@@ -3,14 +3,13 @@
 #include <map>
 
 #include "base/ascii.h"
+#include "host/codes.h"
 #include "reelhost/store.h"
 #include "store/log_fields.h"
 
 namespace reelhost {
 
 namespace {
-
-constexpr int reelLog = 9;
 
 struct Record {
   StoredLog log;
@@ -34,19 +33,19 @@ public:
 
   void readReels(const std::function<void(StoredLog&&)>& sink) override
   {
-    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type == reelLog; });
+    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type == codes::reelLog; });
   }
 
   void readOthers(const std::function<void(StoredLog&&)>& sink) override
   {
-    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type != reelLog; });
+    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type != codes::reelLog; });
   }
 
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override
   {
     std::map<std::string, std::int64_t> counts;
     for (const auto& [number, record] : records_) {
-      if (record.deletion != 0 || record.log.type == reelLog)
+      if (record.deletion != 0 || record.log.type == codes::reelLog)
         continue;
       for (const auto& [key, value] : record.log.fields)
         if (key == shotTexts.front().key && !value.empty())
