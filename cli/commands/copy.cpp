@@ -42,8 +42,7 @@ void addCopy(CommandLine& line)
       {.name = "copy",
        .description = "Copy what is known of one reel to another",
        .examples = {"reeldb copy A001 A002"},
-       .details =
-           "Copied are type, available, inhibit, label mapping and the user fields; bin and last device are not."},
+       .details = "Copied are type, available, inhibit, label map and the user fields; bin and last device are not."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("FROM", options->from, "The reel to copy from").required().shownAs("");
   command.text("TO", options->to, "The reel to change").required().shownAs("");

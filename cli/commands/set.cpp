@@ -59,7 +59,7 @@ void addSet(CommandLine& line)
            "  available      yes or no: whether the reel is at hand\n"
            "  inhibit        yes or no: whether recording on it is inhibited\n"
            "  label-map      a label map, or \"Device default\"\n"
-           "  bin            a bin\n"
+           "  bin            the shelf that the reel is kept on\n"
            "  last-device    the name of a device; reeldb device list lists them\n"
            "  user-field.N   user field N, counted from 0; also N alone, or the field's name as reeldb field list\n"
            "                 shows it, letter case aside\n"

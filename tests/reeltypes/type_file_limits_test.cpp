@@ -59,7 +59,7 @@ TEST_F(TypeFileLimits, HostRefusesWhatEndsTheProcessAndNothingElse)
 {
   const auto repeated = [](char c) {
     std::vector<std::string> texts;
-    for (const std::size_t length : {0, 1, 2000, 2001, 2002, 2047, 2048})
+    for (const std::size_t length : {0U, 1U, 2000U, 2001U, 2002U, 2047U, 2048U})
       texts.emplace_back(length, c);
     return texts;
   };
