@@ -42,7 +42,6 @@ std::optional<std::string> valueIn(const LightweightString<char>& token)
 {
   ByteStream stream(token);
   stream.separators.append('=');
-  stream.separators.append(' ');
   GrowString piece;
   stream >> piece;
   if (stream.atEnd())
@@ -176,8 +175,6 @@ std::vector<std::string> checkTypeFile(const std::filesystem::path& file)
       return {};
     throw hostError(error);
   }
-  if (content.empty())
-    return {};
   const std::unique_ptr<std::FILE, FileCloser> stream(::fmemopen(content.data(), content.size(), "r"));
   if (!stream)
     throw hostError(base::FileError(file, "cannot be read", errno));

@@ -226,6 +226,11 @@ TEST_F(TypeFileCheckTest, OnlyTheTokenThatTheLibraryReadsIsLookedAt)
   expectGood("VideoChannels=x\n:\n");
 }
 
+TEST_F(TypeFileCheckTest, WhiteSpaceBehindTheLastNumberIsNoPartOfIt)
+{
+  expectGood("a:VideoChannels=1\t\v\nb:\tAudioChannels=2\t \r\n");
+}
+
 TEST_F(TypeFileCheckTest, BothNumbersOfEveryRecordAreRemarkedOnInOrder)
 {
   const std::string path = file().native();
