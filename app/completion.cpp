@@ -38,6 +38,14 @@ std::vector<Choice> rates()
   return result;
 }
 
+std::vector<Choice> userFields()
+{
+  std::vector<Choice> result;
+  for (const UserField& field : listUserFields())
+    result.push_back({std::to_string(field.number) + '=', field.display});
+  return result;
+}
+
 std::vector<Choice> plain(const std::vector<std::string>& names)
 {
   std::vector<Choice> result;
@@ -109,6 +117,8 @@ std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std:
     return rates();
   case ValueKind::Field:
     return assignments(typed);
+  case ValueKind::UserField:
+    return userFields();
   case ValueKind::Other:
   case ValueKind::File:
   case ValueKind::Folder:

@@ -20,7 +20,7 @@ struct LabelMap {
   std::string name;
   bool usesVitc = false;
   bool fitsProject = false;
-  std::string fault; ///< why it cannot be read; then the other answers mean nothing
+  std::string fault; ///< why it cannot be read; then the other members mean nothing
 };
 
 /// All label maps of the facility, by name.

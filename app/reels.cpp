@@ -43,7 +43,7 @@ void requirePlainTexts(const Reel& reel)
     requirePlainText(value, fmt::format("{}: its {} cannot be copied", base::shortText(reel.id), field));
   };
   require(reel.type, "type");
-  require(reel.labelMapping, "label mapping");
+  require(reel.labelMapping, "label map");
   for (std::size_t i = 0; i < userFieldCount; ++i)
     require(reel.userFields[i], fmt::format("user field {}", i));
 }

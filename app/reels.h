@@ -72,7 +72,7 @@ struct CopiedReel {
   Reel reel;            ///< the one copied to, afterwards
 };
 
-/// Copies type, available, inhibit, label mapping and the user fields from one reel to another, and stores that.
+/// Copies type, available, inhibit, label map and the user fields from one reel to another, and stores that.
 /// Throws Error: NotFound, and Invalid for a text that cannot be handed on. REQUIRES: a session for writing.
 CopiedReel copyReel(Session& session, const std::string& from, const std::string& to);
 

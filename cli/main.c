@@ -49,6 +49,24 @@ static const char* asked_facility(int argc, char** argv)
   return NULL;
 }
 
+/// Whether the line shows a text or makes a facility: then none is named, because the library would read it, and print
+/// what is odd about its reel types.
+static bool needs_no_facility(int argc, char** argv)
+{
+  const char* command = NULL;
+  for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i) {
+    const char* const argument = argv[i];
+    if (strcmp(argument, "-h") == 0 || strcmp(argument, "--help") == 0 || strcmp(argument, "--version") == 0)
+      return true;
+    if (strcmp(argument, "-C") == 0 || strcmp(argument, "--facility") == 0 || strcmp(argument, "-p") == 0 ||
+        strcmp(argument, "--project") == 0)
+      ++i; // its value
+    else if (argument[0] != '-' && !command)
+      command = argument;
+  }
+  return !command || strcmp(command, "init") == 0 || strcmp(command, "help") == 0;
+}
+
 /// The nearest folder with a facility.toml, from the working folder upwards; null when there is none. The caller frees
 /// it.
 static char* nearest_facility(void)
@@ -119,14 +137,18 @@ static void* load_module(void)
 
 int main(int argc, char** argv)
 {
-  choose_facility(argc, argv);
+  // Shells ask what may follow on a line by running it so far, with this in the environment.
+  const char* const typed = getenv("REELDB_COMPLETE");
+  const bool is_typed = typed && *typed;
+  if (!is_typed && needs_no_facility(argc, argv))
+    unsetenv("REELDB_FACILITY");
+  else
+    choose_facility(argc, argv);
   void* const module = load_module();
   if (!module)
     return exit_unreadable;
-  // Shells ask what may follow on a line by running it so far, with this in the environment.
-  const char* const typed = getenv("REELDB_COMPLETE");
   reeldb_main_function* run = NULL;
-  *(void**)&run = dlsym(module, typed && *typed ? "reeldb_complete" : "reeldb_main"); // the way that C allows
+  *(void**)&run = dlsym(module, is_typed ? "reeldb_complete" : "reeldb_main"); // the way that C allows
   if (!run) {
     print_message("libreelcli.so: does not belong to this program (entry point missing)");
     return exit_unreadable;

@@ -108,7 +108,7 @@ void addWatch(CommandLine& line)
            "Hears of what any program commits to the project, and keeps none of them waiting. A line each:\n"
            "  new REEL, changed REEL, gone REEL   what the change came to\n"
            "  renamed REEL from OLD               the reel is called REEL now\n"
-           "  database                            the reels were read anew\n"
+           "  database                            the reels were read again\n"
            "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set by this\n"
            "                                      process; other processes are told by the lines above\n"
            "With --reel it tells of that reel alone, follows it when it is renamed, and waits for one of its\n"

@@ -113,20 +113,28 @@ std::pair<const CLI::App*, std::string> misnamedCommand(const CLI::App& root, co
   return {nullptr, {}};
 }
 
+const std::string noFolder = "-C: no folder given";
+const std::string facilityHint = " (-C DIR names the facility)";
+
 /// What is wrong with the line, with what to do.
 std::string fault(const CLI::App& root, const CLI::App& command, const CLI::ParseError& error)
 {
   const std::string hint = " (" + path(command) + " --help tells more)";
   std::vector<std::string> left = root.remaining(true);
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
+  const bool isOption = !left.empty() && left.front().size() > 1 && left.front().front() == '-';
   if (dynamic_cast<const CLI::RequiredError*>(&error) && hasCommands(command))
-    return "no command given" + hint;
+    return (isOption ? '"' + base::shortText(unmarked(left.front())) + "\": no such option" : "no command given") +
+           hint;
   if (dynamic_cast<const CLI::ExtrasError*>(&error) && !left.empty())
     return '"' + base::shortText(unmarked(left.front())) + '"' +
            (command.get_option_no_throw(left.front()) ? ": not expected before the command" : ": not expected here") +
            hint;
   const std::string text = error.what();
-  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+  const bool isMismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr;
+  if (isMismatch && text.rfind("--facility", 0) == 0)
+    return (text.find("missing") != std::string::npos ? noFolder : "-C: given more than once") + facilityHint;
+  if (isMismatch)
     return text.substr(0, text.find(": ")) +
            (text.find("missing") != std::string::npos ? ": a value is missing" : ": given more than once") + hint;
   return text + hint;
@@ -271,6 +279,10 @@ Reading CommandLine::read(int argc, char** argv)
     return reading;
   }
   const auto refuse = [&](const std::string& what) { refuseFor(parser_->chosen(), what); };
+  if (std::find(arguments.begin(), options, "--facility=") != options) { // the parser would take the next word
+    refuse(noFolder + facilityHint);
+    return reading;
+  }
   std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
   try {
     app.parse(std::move(arguments));
@@ -278,7 +290,7 @@ Reading CommandLine::read(int argc, char** argv)
     if (&command == parser_->help)
       return parser_->helpFor(parser_->helpWords);
     if (parser_->globals.facility && parser_->globals.facility->empty()) {
-      refuse("-C: no folder given (-C DIR names the facility)");
+      refuse(noFolder + facilityHint);
       return reading;
     }
     const Parser::Entry& entry = parser_->commands.at(&command);

@@ -68,6 +68,8 @@ public:
       result.words = options();
     else if (hasCommands())
       result.words = commands();
+    else if (isHelp_)
+      return result;
     else if (const CLI::Option* const argument = argumentAt(arguments_))
       result.value = valueKindOf(argument->get_name(true));
     else if (!onlyArguments_)
@@ -83,6 +85,10 @@ private:
 
   void descend(const std::string& word)
   {
+    if (app_ == &root_ && word == "help") {
+      isHelp_ = true; // behind it stand commands, as they do at the start
+      return;
+    }
     const CLI::App* next = nullptr;
     for (const CLI::App* const command : app_->get_subcommands([](const CLI::App*) { return true; }))
       if (command->get_name() == word)
@@ -171,6 +177,7 @@ private:
   const CLI::Option* awaiting_ = nullptr; ///< the option whose value comes next
   std::size_t arguments_ = 0;
   bool onlyArguments_ = false; ///< behind "--"
+  bool isHelp_ = false;        ///< behind the command help
   std::optional<std::string> project_;
 };
 
@@ -179,10 +186,19 @@ private:
 ValueKind valueKindOf(const std::string& metavariable)
 {
   static const std::map<std::string_view, ValueKind> kinds = {
-      {"ID", ValueKind::Reel},           {"REEL", ValueKind::Reel},    {"OLD", ValueKind::Reel},
-      {"FROM", ValueKind::Reel},         {"TO", ValueKind::Reel},      {"NUMBER", ValueKind::Device},
-      {"PROJECT", ValueKind::Project},   {"MAP", ValueKind::LabelMap}, {"CODE|NAME", ValueKind::FrameRate},
-      {"FIELD=VALUE", ValueKind::Field}, {"FILE", ValueKind::File},    {"LIST", ValueKind::File},
+      {"ID", ValueKind::Reel},
+      {"REEL", ValueKind::Reel},
+      {"OLD", ValueKind::Reel},
+      {"FROM", ValueKind::Reel},
+      {"TO", ValueKind::Reel},
+      {"NUMBER", ValueKind::Device},
+      {"PROJECT", ValueKind::Project},
+      {"MAP", ValueKind::LabelMap},
+      {"CODE|NAME", ValueKind::FrameRate},
+      {"FIELD=VALUE", ValueKind::Field},
+      {"NUMBER=NAME", ValueKind::UserField},
+      {"FILE", ValueKind::File},
+      {"LIST", ValueKind::File},
       {"DIR", ValueKind::Folder},
   };
   const auto found = kinds.find(metavariable);

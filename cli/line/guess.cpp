@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/ascii.h"
+
 namespace reeldb::cli {
 
 namespace {
@@ -33,10 +35,11 @@ std::string guess(std::string_view typed, const std::vector<std::string>& words)
   constexpr std::size_t longest = 40; // nobody mistypes a command by more
   if (typed.size() > longest)
     return {};
+  const std::string wanted = base::fold(typed);
   std::string best;
   std::size_t fewest = typed.size() / 3 + 1;
   for (const std::string& word : words)
-    if (const std::size_t edits = distance(typed, word); edits < fewest) {
+    if (const std::size_t edits = distance(wanted, word); edits < fewest) {
       fewest = edits;
       best = word;
     }

@@ -6,6 +6,7 @@
 
 #include "ReelDbClient.h"
 #include "ReelDbManager.h"
+#include "host/codes.h"
 #include "reelhost/host.h"
 
 namespace {
@@ -32,7 +33,7 @@ int run()
   reelhost::ProjectInfo info;
   info.name = "EXAMPLE";
   info.uuid.fill('E');
-  info.frameRate = info.outputFrameRate = 3;
+  info.frameRate = info.outputFrameRate = codes::rate25;
   reelhost::openProject(reelhost::makeMemoryStore(info), reelhost::Access::Write);
 
   ReelDbRec reel = manager.createNewReel("A001", -1);

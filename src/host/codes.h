@@ -58,7 +58,13 @@ inline constexpr int port9Pin = 0;       ///< controlled over a 9-pin port
 inline constexpr int port1394 = 1;       ///< controlled over a 1394 port
 inline constexpr int portNamingReel = 2; ///< the device gives a new reel its own name as identifier
 inline constexpr int noPort = 3;         ///< not controlled; any other port type means the same
-inline constexpr int noVideoInput = 9;   ///< the input type of a device without a video input
+inline constexpr int compositeInput = 0; ///< the video inputs; the library tells apart only whether there is one
+inline constexpr int sVideoInput = 1;
+inline constexpr int componentInput = 2;
+inline constexpr int sdiInput = 3;
+inline constexpr int hdmiInput = 4;
+inline constexpr int input1394 = 5;
+inline constexpr int noVideoInput = 9; ///< the input type of a device without a video input
 
 /// @}
 /// @name Frame rates

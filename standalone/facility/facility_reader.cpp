@@ -23,12 +23,12 @@ constexpr std::array<Word, 4> portWords = {{{"9-pin", codes::port9Pin},
                                             {"1394", codes::port1394},
                                             {"device-named", codes::portNamingReel},
                                             {"none", codes::noPort}}};
-constexpr std::array<Word, 7> inputWords = {{{"composite", 0},
-                                             {"s-video", 1},
-                                             {"component", 2},
-                                             {"sdi", 3},
-                                             {"hdmi", 4},
-                                             {"1394", 5},
+constexpr std::array<Word, 7> inputWords = {{{"composite", codes::compositeInput},
+                                             {"s-video", codes::sVideoInput},
+                                             {"component", codes::componentInput},
+                                             {"sdi", codes::sdiInput},
+                                             {"hdmi", codes::hdmiInput},
+                                             {"1394", codes::input1394},
                                              {"none", codes::noVideoInput}}};
 
 // A device number is an index into a list that people keep by hand, and a deck has no more inputs than this.

@@ -48,6 +48,18 @@ TEST_F(Completion, StartOfCommandGivesCommandsWithTheirDescriptions)
   EXPECT_EQ(candidates({"device", "l"}), (Words{"words", "list", "live"}));
 }
 
+TEST_F(Completion, HelpIsFollowedByCommandsAndVerbs)
+{
+  EXPECT_EQ(candidates({"help", "undel"}), (Words{"words", "undelete"}));
+  EXPECT_EQ(candidates({"help", "label-map", "f"}), (Words{"words", "for"}));
+  EXPECT_EQ(candidates({"help", "list", ""}), Words{"words"});
+}
+
+TEST_F(Completion, UserFieldsGiveTheirNumbers)
+{
+  EXPECT_EQ(candidates({"field", "name", ""}), (Words{"words", "0=", "1=", "2=", "3=", "4=", "5="}));
+}
+
 TEST_F(Completion, UnknownCommandGivesNothing)
 {
   EXPECT_EQ(candidates({"sing", ""}), Words{"words"});

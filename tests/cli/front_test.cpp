@@ -51,7 +51,7 @@ TEST_F(Front, TwoFoldersAreAUsageError)
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "reeldb: list: --facility: given more than once (reeldb list --help tells more)\n");
+    EXPECT_EQ(result.err, "reeldb: list: -C: given more than once (-C DIR names the facility)\n");
   }
 }
 
@@ -180,9 +180,9 @@ TEST_F(Front, UnreadableFileIsTold)
 TEST_F(Front, OptionWithoutFolderIsAUsageError)
 {
   for (const auto& [words, message] : std::vector<std::pair<Words, std::string>>{
-           {{"list", "-C"}, "list: --facility: a value is missing (reeldb list --help tells more)"},
+           {{"list", "-C"}, "list: -C: no folder given (-C DIR names the facility)"},
            {{"list", "-C", ""}, "list: -C: no folder given (-C DIR names the facility)"},
-           {{"list", "--facility="}, "list: --facility: a value is missing (reeldb list --help tells more)"}}) {
+           {{"list", "--facility="}, "-C: no folder given (-C DIR names the facility)"}}) {
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(result.err, "reeldb: " + message + "\n");
@@ -200,6 +200,18 @@ TEST_F(Front, UsageErrorsComeBeforeAMissingFacility)
   const ProcessResult result = reeldb({"frobnicate"});
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.err, "reeldb: \"frobnicate\": no such command (reeldb --help tells more)\n");
+}
+
+TEST_F(Front, LibraryPrintsNothingOfAFacilityThatIsNotNeeded)
+{
+  makeFacility("one");
+  dir_.write("one/devicedata/reeltype.dat", "a record without parameters\n");
+  EXPECT_NE(reeldb({"-C", "one", "list"}).err, "");
+  for (const Words& words : std::vector<Words>{{"-C", "one", "--version"},
+                                               {"-C", "one", "list", "--help"},
+                                               {"-C", "one", "help", "list"},
+                                               {"-C", "one", "init", "fresh"}})
+    EXPECT_EQ(reeldb(words).err, "") << words[2];
 }
 
 TEST_F(Front, BrokenFacilityDoesNoHarmToWhatNeedsNone)

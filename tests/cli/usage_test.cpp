@@ -56,6 +56,7 @@ TEST_F(Usage, MistypedCommandIsGuessed)
 
 TEST_F(Usage, UnknownOptionIsNamed)
 {
+  expectUsageError({"--versoin"}, "\"--versoin\": no such option (reeldb --help tells more)");
   expectUsageError({"list", "--jsom"}, "list: \"--jsom\": not expected here (reeldb list --help tells more)");
   expectUsageError({"--bad", "list"}, "list: \"--bad\": not expected here (reeldb list --help tells more)");
   expectUsageError({"--json", "list"},
@@ -90,8 +91,7 @@ TEST_F(Usage, ProjectMayBeGivenWithAnEqualsSign)
 
 TEST_F(Usage, OptionGivenTwiceIsNamed)
 {
-  expectUsageError({"list", "-C", ".", "-C", "."},
-                   "list: --facility: given more than once (reeldb list --help tells more)");
+  expectUsageError({"list", "-C", ".", "-C", "."}, "list: -C: given more than once (-C DIR names the facility)");
   expectUsageError({"list", "-p", "a", "-p", "b"},
                    "list: --project: given more than once (reeldb list --help tells more)");
 }

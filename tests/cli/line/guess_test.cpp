@@ -17,6 +17,11 @@ TEST(Guess, OneEditIsForgiven)
   EXPECT_EQ(guess("lsit", words), "list");
 }
 
+TEST(Guess, LetterCaseDoesNotCount)
+{
+  EXPECT_EQ(guess("LIST", words), "list");
+}
+
 TEST(Guess, LongWordsMayHaveMoreEdits)
 {
   EXPECT_EQ(guess("labelmpa", words), "label-map");
