@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Reel creation that was asked for on another thread than the main one.
+/// The deferred creation of a reel that was requested on a worker thread.
 #ifndef REELDB_CREATE_NEW_REEL_ACTION_H
 #define REELDB_CREATE_NEW_REEL_ACTION_H
 
@@ -11,10 +11,11 @@
 /// A reel creation that waits for the main thread. It keeps the identifier alive until it has run.
 class REELDB_EXPORT CreateNewReelAction : public iExecutableAction {
 public:
-  /// Keeps the arguments of ReelDbManager::createNewReel; the text is shared, not copied. Any thread.
+  /// Stores the arguments of ReelDbManager::createNewReel. The text is shared, not copied. Any thread.
   CreateNewReelAction(const LightweightString<char>& reelId, int deviceId);
-  ~CreateNewReelAction() override; ///< lets go of the identifier, on the thread of the last holder
-  /// Main thread: creates the reel; a reel made meanwhile makes it a no-op. The record is dropped: clients hear of it.
+  ~CreateNewReelAction() override; ///< runs on the thread of the last holder
+  /// Creates the reel, or does nothing if the reel exists by now. The returned record is dropped: clients are notified
+  /// of the reel. Main thread.
   void execute() override;
 
 private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Clients: who wants to hear of changes to reels. Main thread only.
+/// Clients: objects that are notified of changes to reels. Main thread only.
 #ifndef REELDB_CLIENT_H
 #define REELDB_CLIENT_H
 
@@ -8,31 +8,31 @@
 #include "host/containers.h"
 #include "host/lwstring.h"
 
-/// Hears of changes to the reels of the project. It registers with the manager when it is made and unregisters when it
-/// ends. Handlers run on the main thread, inside the call that made the change; they may change reels, register and
-/// unregister clients, and end their own client. A handler that unregisters its own client or an earlier one makes the
-/// next one miss this change; one that throws keeps the clients after it from hearing, and the exception passes to who
-/// made the change. The order of the virtual functions is part of the interface.
+/// Is notified of changes to the reels of the project. The constructor registers it with the manager, the destructor
+/// unregisters it. Handlers run on the main thread, inside the call that made the change. They may change reels,
+/// register and unregister clients, and delete their own client. If a handler unregisters its own client or an earlier
+/// one, the next client misses this change. If a handler throws, the clients after it are not notified, and the
+/// exception passes to the caller that made the change. The order of the virtual functions is part of the interface.
 class REELDB_EXPORT ReelDbClient : public ArrayRec {
 public:
-  ReelDbClient();                                    ///< follows no reel in particular
-  explicit ReelDbClient(LightweightString<char> id); ///< follows this reel; calls no virtual function
-  ~ReelDbClient() override;                          ///< leaves the manager; nothing is called from here on
-  ReelDbClient(const ReelDbClient&) = delete;        ///< not copied: a client is known by its address
+  ReelDbClient();                                    ///< without a reel of interest
+  explicit ReelDbClient(LightweightString<char> id); ///< sets the reel of interest; calls no virtual function
+  ~ReelDbClient() override;                          ///< unregisters; no handler is called any more
+  ReelDbClient(const ReelDbClient&) = delete;        ///< the manager knows a client by its address
   ReelDbClient& operator=(const ReelDbClient&) = delete;
 
-  /// Names the reel to follow; empty: none. It is matched exactly, letter case included, unlike a lookup. Called by the
-  /// owner, never by the library.
+  /// Sets the reel of interest; an empty identifier means no reel. Unlike a lookup, the match is exact, letter case
+  /// included. The owner calls it, never the library.
   virtual void setReelIdOfInterest(LightweightString<char> id);
-  /// The set of reels was rebuilt; @p id is the reel that caused it, or empty when the whole database changed. Lookups
-  /// answer the new state. Does nothing unless overridden.
+  /// The reel list was rebuilt. @p id is the reel that caused it, or empty if the whole database changed. Lookups
+  /// return the new state. Does nothing unless overridden.
   virtual void reelDbChanged(LightweightString<char> id);
   /// A field of the reel of interest changed; someReelDbRecChanged follows for the same change. Does nothing unless
   /// overridden.
   virtual void ourReelDbRecChanged();
-  /// A field of reel @p id changed, that of interest included. @p id is spelt as the reel's log has it; of a reel that
-  /// is renamed or copied to, as the caller has it: the old one of a reel that is renamed. Does nothing unless
-  /// overridden.
+  /// A field of reel @p id changed; the reel of interest is reported here too. @p id is spelt as in the reel's log. If
+  /// the reel was renamed or copied to, @p id is spelt as the caller gave it; after a renaming it is the old
+  /// identifier. Does nothing unless overridden.
   virtual void someReelDbRecChanged(LightweightString<char> id);
 
 private:

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// What makes a declaration an exported one.
+/// The mark of exported declarations.
 #ifndef REELDB_EXPORT_H
 #define REELDB_EXPORT_H
 
-/// Marks what the library exports; everything else stays inside it. The complete list is exports.txt beside this file.
+/// Marks an exported declaration; all others are hidden. exports.txt, beside this file, lists every exported symbol.
 #define REELDB_EXPORT __attribute__((visibility("default")))
 
 #endif

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The manager: all that is done with more than one reel.
+/// The manager: operations on the reels of the open project.
 #ifndef REELDB_MANAGER_H
 #define REELDB_MANAGER_H
 
@@ -14,49 +14,50 @@
 #include "host/events.h"
 #include "host/lwstring.h"
 
-/// The reels of the open project. It keeps the Cookies of all reel logs and nothing else of them: every lookup opens
-/// logs in list order until one matches, so its cost grows with the number of reels.
+/// The reels of the open project. The manager keeps only the Cookies of the reel logs. Every lookup opens logs in list
+/// order until one matches, so its cost grows with the number of reels.
 ///
-/// Main thread only, with one exception: createNewReel may be called from any thread. No operation throws of its own;
-/// exceptions of the host pass unchanged. Identifiers and names are bytes, UTF-8 by convention. Devices go by the
-/// number that ExtDeviceConfigurationManager::getConfig(int) takes.
+/// Main thread only, with one exception: createNewReel may be called from any thread. No operation throws anything
+/// itself; exceptions of the host pass through unchanged. Identifiers and names are bytes, UTF-8 by convention. Device
+/// numbers are those that ExtDeviceConfigurationManager::getConfig(int) takes.
 class REELDB_EXPORT ReelDbManager : public ProjectListener {
 public:
   ReelDbManager();                              ///< reads nothing; the reel list is empty until a project is entered
-  ~ReelDbManager();                             ///< tells the clients nothing
-  ReelDbManager(const ReelDbManager&) = delete; ///< not copied: the clients know one manager
+  ~ReelDbManager();                             ///< notifies no client
+  ReelDbManager(const ReelDbManager&) = delete; ///< all clients register with the same manager
   ReelDbManager& operator=(const ReelDbManager&) = delete;
 
-  /// The manager of the process, made by the first call and never deleted. From then on it hears the host's events.
+  /// The manager of the process. The first call creates it; it is never deleted. From then on it receives the host's
+  /// events.
   static ReelDbManager* theReelDbManager();
 
   /// @name Project events
-  /// The host calls those of ProjectListener.
+  /// The host calls the functions of ProjectListener.
   /// @{
 
-  /// A log was modified: imported material gets its reel. Only a modification of type 59 counts, and only on a log of
-  /// type 1 that is imported; its identifier goes to createNewReel, with no device.
+  /// A log was modified: creates the reel of imported material. Only a modification of type 59 counts, and only on an
+  /// imported log of type 1. Calls createNewReel with the log's reel identifier and no device.
   void handleLogModification(const Cookie& log, const EditModification& mod) override;
-  /// Clears the marks of reels in use, rebuilds the reel list and tells every client; makes sure the project has a
-  /// default reel type; resets the devices when the project is another than last time. The placeholder project
-  /// "P0001000" is passed over.
+  /// Clears the marks of reels in use, rebuilds the reel list and notifies every client. Sets the project's default
+  /// reel type if it has none. Resets the devices if the project differs from the last one entered. Ignores the
+  /// placeholder project "P0001000".
   void handleProjectEntry() override;
-  /// Empties the reel list; tells nobody.
+  /// Empties the reel list. Notifies no client.
   void handleProjectExit() override;
-  /// Takes the reel logs from the project database; without a database the list stays as it was. Tells nobody.
+  /// Reads the reel list from the project database; without a database the list stays as it was. Notifies no client.
   void buildReelList();
-  bool handleDeviceChange(const NotifyMsg& msg); ///< changes nothing and answers true
-  /// Stores the reel type that new reels of the project get, as the project's option "reeldb_defaultType"; empty: none.
+  bool handleDeviceChange(const NotifyMsg& msg); ///< changes nothing and returns true
+  /// Sets the type of the project's new reels: stores it as the project option "reeldb_defaultType". Empty: no type.
   void setProjectDefaultReelType(LightweightString<char> type);
 
   /// @}
   /// @name Clients
   /// @{
 
-  /// Adds at the end of the clients; the client is borrowed. Registered twice it hears everything twice. Every
-  /// ReelDbClient calls it when it is made.
+  /// Appends the client, which is borrowed. A client that is registered twice is notified twice. The constructor of
+  /// ReelDbClient calls it.
   void registerClient(ReelDbClient* client);
-  void deRegisterClient(ReelDbClient* client); ///< takes out one registration; an unknown client is ignored
+  void deRegisterClient(ReelDbClient* client); ///< removes one registration; an unknown client is ignored
   /// Rebuilds the reel list, always, and calls every client's reelDbChanged(@p id), unless notifications are held.
   void informReelDbChanged(LightweightString<char> id);
   /// Calls ourReelDbRecChanged of the clients that follow @p id, letter for letter, and someReelDbRecChanged of all,
@@ -65,42 +66,41 @@ public:
 
   /// @}
   /// @name Lookup
-  /// Identifiers are found without regard to the case of ASCII letters; of two that differ in case only, the first in
-  /// the list is found. The empty identifier is never found.
+  /// Lookups ignore the case of ASCII letters. Of two identifiers that differ only in case, they find the first in the
+  /// list. They never find the empty identifier.
   /// @{
 
-  Cookie getCookieFromReelId(LightweightString<char> id); ///< invalid when there is no such reel
-  ReelDbRec getReelInfo(LightweightString<char> id);      ///< empty when there is no such reel
+  Cookie getCookieFromReelId(LightweightString<char> id); ///< invalid if there is no such reel
+  ReelDbRec getReelInfo(LightweightString<char> id);      ///< empty if there is no such reel
   bool doesReelExist(LightweightString<char> id);
   int checkReelValid(LightweightString<char> id); ///< 0 valid, 1 no such reel, 4 its type is not in the catalogue
-  /// Whether the reel's type is exactly "Live"; false when there is no such reel.
+  /// Whether the reel's type is exactly "Live". False if there is no such reel.
   bool representsLiveMaterial(LightweightString<char> id);
-  /// Whether the identifier contains '*'. There need be no such reel.
+  /// Whether the identifier contains '*'. The reel need not exist.
   bool representsInternallyGeneratedMaterial(LightweightString<char> id);
 
-  /// Marks the reel as in use, or takes the mark away. The identifier is kept letter for letter, and need not be that
-  /// of a reel. Marks go when a project is entered. All they do is keep a reel out of
-  /// buildSetOfReelsAndAssociatedShots.
+  /// Marks the reel as in use, or removes the mark. The identifier is kept with its letter case; the reel need not
+  /// exist. Entering a project clears all marks. Their only effect is on buildSetOfReelsAndAssociatedShots.
   void reelInUse(LightweightString<char> id, bool inUse);
-  bool reelInUse(LightweightString<char> id); ///< whether the identifier is marked, letter for letter
+  bool reelInUse(LightweightString<char> id); ///< whether the identifier is marked, in this letter case
 
-  /// Display name of user field @p n, counted from 0; by default "User field " and n + 1. Any number forms a key.
+  /// Display name of user field @p n, counted from 0. The default is "User field " and n + 1. Any number is allowed.
   LightweightString<char> userFieldName(int n);
-  /// Stores the display name of user field @p n for all projects; the empty name brings back the default.
+  /// Stores the display name of user field @p n for all projects. The empty name restores the default.
   void userFieldName(int n, LightweightString<char> name);
 
   /// @}
   /// @name Listing
-  /// The vector forms append to what the vector holds; the StringList forms clear the list first.
+  /// The vector forms append to the vector; the StringList forms clear the list first.
   /// @{
 
-  /// Identifiers of all reels in list order; without those of type "Live" when @p includeLive is false. Logs without an
-  /// identifier, and those that do not open, are left out. Of reels whose identifiers differ in case only, the type of
-  /// the first counts.
+  /// Identifiers of all reels in list order, without those of type "Live" if @p includeLive is false. Logs without an
+  /// identifier and logs that cannot be opened are left out. If identifiers differ only in case, the type of the first
+  /// reel decides for all of them.
   void getAllReelIds(std::vector<LightweightString<char>>& out, bool includeLive);
   void getAllReelIds(StringList& out, bool includeLive);
-  /// Identifiers of the reels whose type the device accepts or the catalogue does not know, in list order; an empty
-  /// one for a log that has none or does not open. An unknown device accepts no type.
+  /// Identifiers of the reels whose type the device accepts or the catalogue does not contain, in list order. A log
+  /// without an identifier, or one that cannot be opened, gives an empty text. An unknown device accepts no type.
   void getReelsCompatibleWithDevice(std::vector<LightweightString<char>>& out, int device);
   void getReelsCompatibleWithDevice(StringList& out, int device);
 
@@ -108,44 +108,46 @@ public:
   /// @name Creation
   /// @{
 
-  /// Makes a reel and tells the clients: reelDbChanged with the identifier that was stored. The identifier is stored
-  /// without blanks at both ends; whether there is such a reel is asked with them. @p deviceId is a device whose audio
-  /// inputs the reel gets as channels, or negative for none; a device of port type 2 gives the reel its own name as
-  /// identifier. The reel is available, not inhibited, without a label map, and of the project's default type.
+  /// Creates a reel and calls every client's reelDbChanged with the stored identifier. The stored identifier is trimmed
+  /// of blanks; the duplicate check uses the untrimmed one. The reel gets a channel for each audio input of the device
+  /// @p deviceId; a negative number means no device. If the device has port type 2, its name is the identifier. The
+  /// reel is available, not inhibited, without a label map, and of the project's default type.
   ///
-  /// Empty result: the reel exists, the identifier is blank or denotes generated material, no project is open, or the
-  /// call came from another thread; then the reel is made later, on the main thread.
+  /// The result is empty if the reel exists, if the identifier is blank or denotes generated material, if no project is
+  /// open, or if the call comes from another thread. In the last case the reel is created later, on the main thread.
   ReelDbRec createNewReel(const LightweightString<char>& reelId, int deviceId);
-  LightweightString<char> trimLeadingTrailingSpaces(LightweightString<char> s); ///< without blanks (0x20) at both ends
+  LightweightString<char> trimLeadingTrailingSpaces(LightweightString<char> s); ///< trims blanks (0x20) only
 
   /// @}
   /// @name Renaming and copying
   /// @{
 
-  /// Renames the reel, its log and every shot recorded from it; prints one line for each shot. @p newId is taken as it
-  /// is; callers check it first. An unknown @p oldId changes nothing, and a shot whose log does not open keeps it. Of
-  /// the clients, those of a field's change hear with @p oldId; then, the shots renamed, all hear reelDbChanged(""),
-  /// unless there is no database.
+  /// Renames the reel, its log and every shot recorded from it. Prints one line for each shot. @p newId is not checked;
+  /// the caller checks it. An unknown @p oldId changes nothing. A shot whose log cannot be opened keeps @p oldId.
+  /// Clients are first notified of a changed field of @p oldId. When the shots are renamed, reelDbChanged("") is
+  /// called, unless there is no database.
   void changeReelId(LightweightString<char> oldId, LightweightString<char> newId);
-  /// Copies type, flags, label mapping and the user fields 0 to 5 with one notification in all, for @p toId, whether or
-  /// not there is such a reel. The source is not checked: an unknown one empties the target.
+  /// Copies type, flags, label mapping and the user fields 0 to 5. Sends one notification in all, for @p toId, even if
+  /// that reel does not exist. The source is not checked: copying from an unknown reel empties the target.
   void copyReelInfo(LightweightString<char> fromId, LightweightString<char> toId);
 
   /// @}
   /// @name Reels and shots
-  /// Whether a log is a reel is read from its row, or from the log when it has none; one that does not open is none.
+  /// A log is a reel if its database row says so. A log without a row is opened instead; if it cannot be opened, it is
+  /// not a reel.
   /// @{
 
-  bool doesCookieSetContainReels(CookieSet& set); ///< whether a log of the set is a reel; changes nothing
-  bool removeReelsFromCookieSet(CookieVec& v);    ///< takes all reels out; whether any was there
-  /// The reels that the shots name, one entry a shot, in the order of the shots. Shots that name no reel, or one that
-  /// does not exist, have none.
+  bool doesCookieSetContainReels(CookieSet& set); ///< changes nothing
+  bool removeReelsFromCookieSet(CookieVec& v);    ///< true if @p v contained a reel
+  /// The reels that the shots name, one entry per shot, in the order of the shots. A shot that names no reel, or a reel
+  /// that does not exist, has no entry.
   CookieVec getReelsReferenced(const CookieVec& shots);
-  /// Appends every shot recorded from the reel and prints a line for each; ASCII letters without regard to case.
-  /// Nothing for an invalid Cookie and without a database.
+  /// Appends every shot recorded from the reel and prints a line for each. The case of ASCII letters is ignored. Does
+  /// nothing for an invalid Cookie or without a database.
   void addShotsFromReel(Cookie reel, CookieVec& out);
-  /// What goes when @p selection is deleted: each selected reel that is not in use, followed by its shots. Selected
-  /// shots are not in it of themselves. Prints a line for each shot and for each reel in use. Deletes nothing.
+  /// The logs to delete when the user deletes @p selection: each selected reel that is not in use, followed by its
+  /// shots. A shot is not in the result merely because it is selected. Prints a line for each shot and for each reel
+  /// in use. Deletes nothing.
   CookieVec buildSetOfReelsAndAssociatedShots(CookieVec selection);
 
   /// @}
@@ -153,25 +155,24 @@ public:
   /// @{
 
   LightweightString<char> getLiveDeviceMediaName(LightweightString<char> deviceName); ///< the name and " live feed"
-  /// Makes sure that a device which accepts "Live" has its live-feed reel: of type "Live", with the device as its last
-  /// one, and remembered by the device as its last reel. A reel of that name that exists stays as it is. To be called
-  /// on the main thread.
+  /// Creates the live-feed reel of a device that accepts "Live": its type is "Live", its last device is this one, and
+  /// the device stores it as its last reel. If a reel of that name exists, it stays as it is. Main thread only.
   void checkLiveDeviceMedia(int deviceId);
 
   /// @}
   /// @name State
-  /// To be read, and to be changed by the operations above alone; code that holds notifications counts in
-  /// notifyHoldCount.
+  /// For reading. Only the operations above change it, except notifyHoldCount: code that holds notifications increments
+  /// and decrements it.
   /// @{
 
-  CookieVec reelList;    ///< the reel logs of the project, in the order of the database
+  CookieVec reelList;    ///< the reel logs of the project, in database order
   StringList reelsInUse; ///< identifiers marked as in use, sorted
   Cookie lastProject;    ///< the project for which the devices were last reset
-  int notifyHoldCount;   ///< while not 0, no client is told anything
+  int notifyHoldCount;   ///< while not 0, no client is notified
   Array clients;         ///< registered clients in order of registration, not owned
 
   static ReelDbManager* theReelDbManager_;                   ///< null until first use
-  static LightweightString<char> systemWideDefaultReelType_; ///< "default_reel_type" as it was at load
+  static LightweightString<char> systemWideDefaultReelType_; ///< the setting "default_reel_type", read at load
 
   /// @}
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// One reel, and the keys under which its log keeps what is known of it.
+/// One reel, and the keys of its fields in its log.
 #ifndef REELDB_REC_H
 #define REELDB_REC_H
 
@@ -9,8 +9,8 @@
 #include "host/cookie.h"
 #include "host/lwstring.h"
 
-/// The keys of a reel's fields in the configuration block of its log. All values are text. The pointers may be changed:
-/// every access reads them anew, and a null pointer stands for the empty key.
+/// The keys of a reel's fields in the configuration block of its log. All values are text. Programs may change the
+/// pointers: every access reads them again. A null pointer means the empty key.
 extern REELDB_EXPORT const char* TR_REEL_ID;             ///< "reelid": the identifier
 extern REELDB_EXPORT const char* TR_REC_INHIBIT_FLAG;    ///< "record_inhibit_flag": "1" or "0"
 extern REELDB_EXPORT const char* TR_REEL_AVAILABLE_FLAG; ///< "reel_available_flag": "1" or "0"
@@ -21,40 +21,42 @@ extern REELDB_EXPORT const char* TR_LAST_DEVICE;         ///< "reel_last_device"
 extern REELDB_EXPORT const char* TR_REEL_TYPE_NAME; ///< "reel_type": for other modules; the library does not use it
 extern REELDB_EXPORT const char* TR_REEL_LENGTH;    ///< "reel_length": for other modules; the library does not use it
 
-/// One reel: the Cookie of its log and nothing else. Copies are cheap and name the same reel; an empty record names
-/// none.
+/// One reel: the Cookie of its log and nothing else. Copies are cheap and name the same reel. An empty record names no
+/// reel.
 ///
-/// Every call opens the log and closes it again, nothing is kept between calls. A log that cannot be opened reads as
-/// empty and is not written. Exceptions of the host pass unchanged, with every log closed. Main thread only.
+/// Every call opens the log and closes it again; nothing is cached between calls. A log that cannot be opened reads as
+/// empty and is not written. Exceptions of the host pass through unchanged, with every log closed. Main thread only.
 class REELDB_EXPORT ReelDbRec : public Cookie {
 public:
-  ReelDbRec();       ///< an empty record, bound to no log
-  ReelDbRec(Cookie); ///< the record of this log, whatever it is; implicit by design
+  ReelDbRec();       ///< an empty record
+  ReelDbRec(Cookie); ///< does not check that the log is a reel; implicit by design
 
   /// @name Typed access
-  /// Getters answer whether the log opened and the key was there. Setters write, mark the log dirty, and neither
-  /// compare with the old value nor tell anybody. A key without text is the empty key.
+  /// Getters return true if the log could be opened and has the key. Setters write the value and mark the log dirty.
+  /// They neither compare it with the old value nor notify clients. A key without text is the empty key.
   /// @{
 
-  /// Reads decimal text. @p out keeps its value when the log does not open; otherwise it is what the host's
-  /// configuration block left in it: its value, when the key is absent.
+  /// Reads decimal text. @p out is unchanged if the log cannot be opened. Otherwise it has the value that the host's
+  /// configuration block left in it; the block does not change it if the key is absent.
   bool getIntValFromEdit(LightweightString<char> key, int& out);
   void setIntValInEdit(LightweightString<char> key, int value);               ///< stores decimal text
-  bool getStrpFieldValFromEdit(LightweightString<char> key, strp_field& out); ///< likewise, the text at any length
-  void setStrpFieldValInEdit(LightweightString<char> key, LightweightString<char> value); ///< stores the text as it is
-  /// Reads at most 2,047 bytes. A missing key empties @p out; a log that does not open leaves it alone.
+  bool getStrpFieldValFromEdit(LightweightString<char> key, strp_field& out); ///< likewise, for a text of any length
+  void setStrpFieldValInEdit(LightweightString<char> key, LightweightString<char> value);
+  /// Reads at most 2,047 bytes. If the key is absent, @p out becomes empty; if the log cannot be opened, @p out is
+  /// unchanged.
   bool getStringValFromEdit(LightweightString<char> key, LightweightString<char>& out);
-  void setStringValInEdit(LightweightString<char> key, LightweightString<char> value); ///< stores the text as it is
+  void setStringValInEdit(LightweightString<char> key, LightweightString<char> value);
 
   /// @}
   /// @name Attributes
-  /// A setter whose value equals what its getter reads, byte for byte, does nothing. Otherwise it writes and calls
-  /// ReelDbManager::informReelDbRecChanged with the reel's identifier, unless stated otherwise. Texts are bytes, UTF-8
-  /// by convention; of a text in the log's configuration block, at most 2,047 are read.
+  /// A setter does nothing if its value equals, byte for byte, the value that the getter returns. Otherwise it writes
+  /// and calls ReelDbManager::informReelDbRecChanged with the reel's identifier, unless stated otherwise. Texts are
+  /// bytes, UTF-8 by convention. At most 2,047 bytes of a text in the log's configuration block are read.
   /// @{
 
   LightweightString<char> reelId();
-  /// Stores the identifier and refreshes the database row; tells nobody. ReelDbManager::changeReelId renames a reel.
+  /// Stores the identifier and updates the database row. Notifies no client. To rename a reel, call
+  /// ReelDbManager::changeReelId.
   void reelId(LightweightString<char> id);
 
   bool recInhibit();             ///< whether recording on this reel is inhibited
@@ -63,27 +65,28 @@ public:
   bool reelAvailable();               ///< whether the reel is at hand
   void reelAvailable(bool available); ///< stores "1" or "0"
 
-  LightweightString<char> userField(int n);             ///< user field @p n, counted from 0; any number forms a key
-  void userField(int n, LightweightString<char> value); ///< stores the text as it is
+  LightweightString<char> userField(int n); ///< user field @p n, counted from 0; any number is allowed
+  void userField(int n, LightweightString<char> value);
 
-  LightweightString<char> labelMapping(); ///< name of a label map; empty also when the stored text is exactly "unknown"
-  void labelMapping(LightweightString<char> name); ///< stores the name, untested
+  LightweightString<char> labelMapping(); ///< name of a label map; empty also if the stored text is exactly "unknown"
+  void labelMapping(LightweightString<char> name); ///< the name is not checked
 
-  LightweightString<char> binName();          ///< name of a bin; empty also when the stored text is exactly "default"
-  void binName(LightweightString<char> name); ///< stores the name, untested
+  LightweightString<char> binName();          ///< name of a bin; empty also if the stored text is exactly "default"
+  void binName(LightweightString<char> name); ///< the name is not checked
 
   LightweightString<wchar_t> lastDevice(); ///< the display name of the device the reel was last used on
-  /// Stores the name as UTF-8, tells the clients, then brings the channels into line with updateNumChansInReel.
+  /// Stores the name as UTF-8, notifies the clients, then calls updateNumChansInReel.
   void lastDevice(const LightweightString<wchar_t>& name);
 
   LightweightString<char> typeName(); ///< the reel type as the database row shows it; empty without a database
-  /// Hands the name to Edit::reelType and marks the log dirty; brings the channels into line, then tells the clients,
-  /// also when the log did not open. The type need not be in the catalogue.
+  /// Passes the name to Edit::reelType and marks the log dirty. Calls updateNumChansInReel, then notifies the clients,
+  /// even if the log could not be opened. The type need not be in the catalogue.
   void typeName(LightweightString<char> name);
 
-  /// Adds the audio and then the video channels that the reel's type asks for and the log lacks; a reel without a known
-  /// type asks its last device: its audio inputs, and one video channel if it has a video input. Channels are never
-  /// removed. Refreshes the database row if any was added; tells nobody.
+  /// Adds the missing audio channels, then the missing video channels. The reel's type gives the numbers. If the reel
+  /// has no type or an unknown one, its last device gives them: one audio channel per audio input, and one video
+  /// channel if there is a video input. Never removes a channel. Updates the database row if it added any. Notifies no
+  /// client.
   void updateNumChansInReel();
 
   /// @}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The numbers that the library and its host exchange, by name. Their values are part of the boundary.
+/// Names for the numbers that the library and its host exchange. Their values are part of the interface.
 #ifndef REELDB_HOST_CODES_H
 #define REELDB_HOST_CODES_H
 
@@ -11,20 +11,20 @@
 #include "edit.h"
 #include "text.h"
 
-/// Every number of the boundary that has a meaning of its own.
+/// Every number of the interface that has a meaning of its own.
 namespace codes {
 
 /// @name Logs
 /// @{
 
-inline constexpr eEditOpenBehaviour openAsUsual{0};                ///< opens a log the default way
+inline constexpr eEditOpenBehaviour openAsUsual{0};                ///< the default way
 inline constexpr eLogType materialLog{1};                          ///< a log of recorded or imported material: a shot
 inline constexpr eLogType reelLog{9};                              ///< a log that stands for a reel
 inline constexpr LogAttributes::eLogAttribute reelIdAttribute{20}; ///< the reel identifier of a log
 inline constexpr EditModificationType madeOrImported{59};          ///< the log was made or imported
 inline constexpr EditChanType videoChannel{1};                     ///< a channel that carries video
 inline constexpr EditChanType audioChannel{2};                     ///< a channel that carries audio
-inline constexpr int channelCountMask = 0xFFFF;                    ///< the bits of Edit::getNumChans that count
+inline constexpr int channelCountMask = 0xFFFF;                    ///< the bits of Edit::getNumChans with the number
 
 /// @}
 /// @name Searches
@@ -32,7 +32,7 @@ inline constexpr int channelCountMask = 0xFFFF;                    ///< the bits
 
 inline constexpr unsigned reelSearchMask = 0x10040;       ///< projdb::search by masks: the reel logs
 inline constexpr unsigned reelSearchMaskOff = 0xFFFEEF9F; ///< with reelSearchMask
-inline constexpr int shotSearchFirst = 1;                 ///< projdb::SearchCriteria: every log that is no reel log
+inline constexpr int shotSearchFirst = 1;                 ///< projdb::SearchCriteria: every log that is not a reel log
 inline constexpr int shotSearchSecond = 102350;           ///< with shotSearchFirst
 
 /// @}
@@ -48,7 +48,7 @@ inline constexpr iSettings::eType deviceData{1};               ///< the settings
 /// @name Threads
 /// @{
 
-inline constexpr int threadMask = 0xFFFF; ///< the bits of co_pid() that tell threads apart; glib_pid holds them
+inline constexpr int threadMask = 0xFFFF; ///< the bits of co_pid() that identify a thread; glib_pid holds them
 
 /// @}
 /// @name Devices
@@ -74,7 +74,7 @@ inline constexpr int noFrameRate = -1; ///< there is no project
 inline constexpr int rate25 = 3;       ///< 25 frames a second; PAL family
 inline constexpr int rate2997 = 4;     ///< 29.97; NTSC family
 inline constexpr int rate30 = 5;       ///< 30; NTSC family
-inline constexpr int rate24 = 6;       ///< 24; 24-frame family, as is every code without a name here
+inline constexpr int rate24 = 6;       ///< 24; 24-frame family, like every code without a name here
 inline constexpr int rate2398 = 7;     ///< 23.98; 24-frame family
 inline constexpr int rate50 = 8;       ///< 50; PAL family
 inline constexpr int rate5994 = 9;     ///< 59.94; NTSC family
@@ -82,7 +82,7 @@ inline constexpr int rate60 = 10;      ///< 60; NTSC family
 
 /// @}
 /// @name Label maps
-/// Where a label is read, and what it counts. Other codes are free: the library tests none of them.
+/// Where a label is read, and what it counts. The library tests no other codes.
 /// @{
 
 inline constexpr std::uint32_t fromVitc = 1;      ///< VITC in the video

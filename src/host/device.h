@@ -12,59 +12,60 @@
 
 class NotifyMsg;
 
-/// The configuration of one device, by value: a change stays in the copy until it is stored. It outlives the device.
+/// The configuration of one device, by value: a change stays in the copy until it is stored. A copy stays usable when
+/// the device is gone.
 class ExtDeviceConfig {
 public:
-  ExtDeviceConfig(); ///< of no device: without inputs, port, tapes and name
+  ExtDeviceConfig(); ///< belongs to no device: without inputs, port, tapes and name
   ExtDeviceConfig(const ExtDeviceConfig&);
   ExtDeviceConfig& operator=(const ExtDeviceConfig&);
   ~ExtDeviceConfig();
   StringList getTapeList() const;                     ///< the reel types the device accepts, "Live" for a live feed
-  LightweightString<wchar_t> getTextName() const;     ///< the device's display name; empty when unknown
+  LightweightString<wchar_t> getTextName() const;     ///< the display name; empty for an unknown device
   int getPortType() const;                            ///< codes::port9Pin and its neighbours
   int getInputType() const;                           ///< codes::noVideoInput, or any other number
-  int getNumConnectedAudioInputs() const;             ///< not negative; each gives a new reel a channel
+  int getNumConnectedAudioInputs() const;             ///< not negative; a new reel gets one channel per input
   LightweightString<wchar_t> getLabelMapping() const; ///< the configured label map; may be empty
-  void setLastReel(LightweightString<char>);          ///< the identifier of the reel the device is to remember
+  void setLastReel(LightweightString<char>);          ///< sets the identifier of the reel last used on the device
 
 private:
   struct Impl;
   Impl* impl_;
 };
 
-/// The devices of the installation. A device has a number, by which it is listed, and an identity that stays.
+/// The devices of the installation. A device has a number, which is its index, and a permanent identity.
 class ExtDeviceConfigurationManager {
 public:
   ExtDeviceConfig getConfig(int device) const; ///< an unknown number gives a device without inputs, port or tapes
-  ExtDeviceConfig getConfig(IdStamp) const;    ///< likewise
-  /// The number of the device with this display name, letter for letter; -1 when unknown or empty.
+  ExtDeviceConfig getConfig(IdStamp) const;    ///< likewise for an unknown identity
+  /// The number of the device with exactly this display name; -1 for an unknown or empty name.
   int findConfigForName(const LightweightString<wchar_t>&) const;
-  /// Takes the copy over: the device is found by its own identity, not by its name; an unknown one is ignored. Called
-  /// with false.
+  /// Stores the copy. The device is found by its identity, not by its name; an unknown device is ignored. Called with
+  /// false.
   void storeDevice(const ExtDeviceConfig&, bool);
-  static IdStamp DeviceChangedMsgParser(const NotifyMsg&); ///< the device that a message speaks of; invalid: none
+  static IdStamp DeviceChangedMsgParser(const NotifyMsg&); ///< the device that the message names; invalid: no device
 };
 
-/// The one there is, until the process ends.
+/// The manager of the process; never destroyed.
 ExtDeviceConfigurationManager& theConfigurationManager();
 
-/// Re-initialises the device layer; called when another project is entered.
+/// Re-initialises the device layer. Called when another project is entered.
 void resetDevices();
 
-/// A label map: from which source each of fourteen timecode labels is read. The library makes it on its stack: no
-/// member may be added.
+/// A label map: the source of each of fourteen timecode labels. The library allocates it on its stack, so no member may
+/// be added.
 class LabelMappingSet {
 public:
   /// One label.
   struct Entry {
-    std::uint8_t inUse;   ///< 0: the entry does not count
+    std::uint8_t inUse;   ///< 0: the entry is ignored
     std::uint32_t source; ///< where the label is read: codes::fromVitc and its neighbours
     std::uint32_t format; ///< what the label counts: codes::counts30Fps and its neighbours
   };
   static const int numEntries = 14;
   LabelMappingSet(); ///< all entries zero
-  /// Resets the entries and loads the map of this name, which is that of a file without folder and ending. False when
-  /// there is no such map or it cannot be loaded; the entries then stay reset. Throws nothing for that.
+  /// Resets the entries and loads the map of this name: a file name without folder and extension. Returns false if
+  /// there is no such map or it cannot be loaded; the entries then stay reset. Does not throw in that case.
   bool load(const LightweightString<wchar_t>& name);
   Entry entries[numEntries]; ///< in the order of the labels
 };

@@ -18,27 +18,27 @@ enum eEditOpenBehaviour : int {};
 enum EditModificationType : int {};
 /// What a channel carries.
 enum EditChanType : int {};
-/// What kind of channel of its type it is. The library passes 0 alone.
+/// The kind of a channel within its type. The library passes only 0.
 enum EditChanSubType : int {};
 /// What a log stands for.
 enum eLogType : int {};
 
-/// The content of a channel; the library only passes null in its place.
+/// The content of a channel; the library passes only null.
 class Cel : public Zr::InternalRefCount {};
 
-/// What a search may ask of logs.
+/// Attributes of logs, for searches.
 namespace LogAttributes {
 /// One attribute of a log.
 enum eLogAttribute : int {};
 
-/// The attributes and values a search asks for.
+/// The attributes and values that a search requires.
 class Map {
 public:
   Map();
   Map(const Map&);
   Map& operator=(const Map&);
   ~Map();
-  /// Asks for logs whose attribute has this value, too. A search for the empty identifier answers nothing.
+  /// Adds a required attribute value. A search for the empty identifier finds nothing.
   void add(eLogAttribute, LightweightString<char> value);
 
 private:
@@ -47,33 +47,33 @@ private:
 };
 } // namespace LogAttributes
 
-/// One log, opened. All openings of one log share one Edit. A change takes effect at once, in every opening and in the
-/// database, and is stored whether or not the log is marked dirty. Belongs to the host and goes with the last i_close:
-/// it is never deleted by who opened it.
+/// One open log. All openings of one log share one Edit. A change takes effect at once, in every opening and in the
+/// database, and is stored whether or not the log is marked dirty. The host owns the Edit; it ends with the last
+/// i_close. The caller that opened it never deletes it.
 class Edit {
 public:
-  configb& config();           ///< the log's configuration block, valid as long as the log is open
-  eLogType getLogType() const; ///< what redetermineLogType found, or what was stored
-  /// The type that a row's field "Type" names; what names none, the empty text too, is no reel.
+  configb& config();           ///< valid while the log is open
+  eLogType getLogType() const; ///< the type that redetermineLogType set, or the stored one
+  /// The log type for the text of a row's field "Type". Empty or unknown text does not give codes::reelLog.
   static eLogType getLogTypeFromString(const LightweightString<char>&);
-  bool isImported() const; ///< whether the log came in from elsewhere
-  /// The reel identifier; @p out is left alone when there is none. Called as (field, 0, -1).
+  bool isImported() const; ///< whether the log was imported
+  /// Gets the reel identifier. @p out is unchanged if the log has no identifier. Called as (field, 0, -1).
   void get_reelid(strp_field& out, int, int) const;
   /// Stores the reel identifier: codes::reelIdAttribute and the key "reelid" of config() are the same value. Called as
-  /// (0, id), @p id never null.
+  /// (0, id); @p id is never null.
   void set_reelid(int slot, const char* id);
-  void setName(const LightweightString<wchar_t>&, bool); ///< the log's display name; called with false
-  void set_entire_medium(int);                           ///< whether the log stands for the whole medium; called with 1
-  void make_original(bool, bool);                        ///< called as (false, false) for a log that is to be a reel
-  void redetermineLogType(); ///< classifies the log by what was set; from then on a search for reels finds one
-  /// What the EditModifier reports of this log when it ends. Called with true.
+  void setName(const LightweightString<wchar_t>&, bool); ///< sets the display name; called with false
+  void set_entire_medium(int);                           ///< 1: the log represents the whole medium; called with 1
+  void make_original(bool, bool);                        ///< called as (false, false) for a log that becomes a reel
+  void redetermineLogType(); ///< classifies the log by its values; a search for reels then finds it if it is a reel
+  /// Sets the modification that the EditModifier reports when it ends. Called with true.
   void setChangeDescription(EditModificationType, bool);
-  void setDirty(bool);                           ///< the log needs saving
+  void setDirty(bool);                           ///< true: the log needs saving
   void reelType(const LightweightString<char>&); ///< the reel type; the column "Reel Type" shows it at once
-  int getNumChans(EditChanType) const;           ///< how many channels of the type; only codes::channelCountMask counts
+  int getNumChans(EditChanType) const;           ///< the number of channels, in the bits of codes::channelCountMask
   /// Adds one channel at the end. Called as (type, null, false, 0, false, -1.0).
   void addChan(EditChanType, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double);
-  const Zr::UUID& uuid() const; ///< with the next two: what the log's Cookie is made of
+  const Zr::UUID& uuid() const; ///< the log's Cookie consists of this and the next two
   std::uint16_t cookieTag() const;
   char cookieKind() const; ///< the Cookie's kind, not 'I'
 
@@ -81,21 +81,21 @@ public:
   Impl* impl;
 };
 
-/// A handle on an open log. It does not close by itself: every i_open is paired with an i_close, also when the log did
-/// not open. Nested openings of one log are allowed.
+/// A handle to an open log. The destructor does not close it: pair every i_open with an i_close, even if the log could
+/// not be opened. Nested openings of one log are allowed.
 class EditPtr {
 public:
   EditPtr();
   ~EditPtr();
-  EditPtr(const EditPtr&) = delete; ///< not copied: each opening is closed once
+  EditPtr(const EditPtr&) = delete; ///< each opening is closed once
   EditPtr& operator=(const EditPtr&) = delete;
-  /// Opens the log. Afterwards get() is null when it cannot be opened: there is no such log, no project is open, the
-  /// Cookie is invalid. Throws nothing for that.
+  /// Opens the log. get() is null afterwards if the log cannot be opened: there is no such log, no project is open, or
+  /// the Cookie is invalid. Does not throw in these cases.
   void i_open(const Cookie&, eEditOpenBehaviour);
   void i_close();            ///< never throws; does nothing on an empty handle
-  EditPtr& operator=(Edit*); ///< takes hold of a log that is open already: one more opening; null: none
+  EditPtr& operator=(Edit*); ///< one more opening of a log that is open already; null: no opening
   Edit* get() const;         ///< the open log, or null
-  Edit* operator->() const;  ///< the open log; not of an empty handle
+  Edit* operator->() const;  ///< REQUIRES: the handle is not empty
   explicit operator bool() const;
 
 protected:
@@ -105,21 +105,22 @@ protected:
 /// A log opened for reading its attributes; closed with i_close like any other.
 class EditInfo : public EditPtr {
 public:
-  EditInfo(const Cookie&, eEditOpenBehaviour); ///< opens as i_open does
-  /// The attribute's text; empty when unset or not open.
+  EditInfo(const Cookie&, eEditOpenBehaviour); ///< calls i_open
+  /// The attribute's text; empty if it is not set or the log is not open.
   LightweightString<char> getAttrib(LogAttributes::eLogAttribute) const;
 };
 
-/// Holds a new log open for change; the host commits the change when this ends. The log is in the project before that.
+/// Holds a new log open for change. The host commits the change when the EditModifier ends; the log is in the project
+/// before that.
 class EditModifier {
 public:
-  explicit EditModifier(Edit*); ///< null: no log could be made
-  /// Ends the change and reports it to the listeners, as setChangeDescription said; nothing when nothing was said.
-  /// Never throws, whatever they do.
+  explicit EditModifier(Edit*); ///< null: the log could not be created
+  /// Ends the change and reports to the listeners what setChangeDescription set; without that call it reports nothing.
+  /// Never throws, even if a listener does.
   ~EditModifier();
-  EditModifier(const EditModifier&) = delete; ///< not copied: a change ends once
+  EditModifier(const EditModifier&) = delete; ///< a change ends once
   EditModifier& operator=(const EditModifier&) = delete;
-  Edit* get() const; ///< null when no log could be made
+  Edit* get() const; ///< null if the log could not be created
 
 private:
   Edit* edit_;

@@ -9,27 +9,27 @@
 
 static_assert(sizeof(wchar_t) == 4, "wide strings hold one code point per element");
 
-/// A string whose text is shared by all its copies. A string without a body is empty; a null body and a length of zero
-/// are alike in every respect. Counts go through OS()->refCounts(), so a copy may travel to another thread; one object
-/// must not be changed by two threads at once. Throws std::bad_alloc when the allocator has no memory.
+/// A string that shares its text with its copies. A string without a body is empty, and behaves in every respect like
+/// one of length zero. OS()->refCounts() counts the references, so a copy may be used on another thread; two threads
+/// must not change one object at the same time. Throws std::bad_alloc when the allocator has no memory.
 template <class CharT>
 class LightweightString {
 public:
   LightweightString();                  ///< empty, without a body
   LightweightString(const CharT* text); ///< copies the text; null or "" gives no body. Implicit by design.
-  /// Copies @p len elements; null or none gives no body. A NUL among them ends the text for who reads c_str().
+  /// Copies @p len elements; null or a length of 0 gives no body. An embedded NUL truncates what c_str() callers see.
   LightweightString(const CharT* text, std::size_t len);
   LightweightString(const LightweightString& other);
-  LightweightString(LightweightString&& other) noexcept; ///< takes the body; @p other is empty then
+  LightweightString(LightweightString&& other) noexcept; ///< takes the body; @p other becomes empty
   ~LightweightString();
   LightweightString& operator=(const LightweightString& other);
-  LightweightString& operator=(LightweightString&& other) noexcept; ///< takes the body; moved to itself it keeps it
-  LightweightString& operator=(const CharT* text); ///< copies the text, into an unshared body that has room
+  LightweightString& operator=(LightweightString&& other) noexcept; ///< takes the body; a self-move changes nothing
+  LightweightString& operator=(const CharT* text); ///< copies the text; reuses an unshared body that has room
   const CharT* c_str() const;                      ///< never null, NUL terminated; valid until the next change
   std::size_t length() const;                      ///< in elements; 0 without a body
   bool empty() const;
-  /// The text for changing in place, at its length; detaches a shared body first, so no other string changes. Null
-  /// without a body.
+  /// The text, to be changed in place without changing its length. Detaches a shared body first, so no other string
+  /// changes. Null without a body.
   CharT* writable();
   LightweightString& append(const CharT* text);             ///< null appends nothing; @p text may lie in this string
   LightweightString& append(const LightweightString& text); ///< @p text may be this string
@@ -39,17 +39,17 @@ private:
   Body* body_;
 };
 
-/// The two texts, one behind the other.
+/// Concatenates the two texts.
 template <class CharT>
 LightweightString<CharT> operator+(const LightweightString<CharT>&, const LightweightString<CharT>&);
-LightweightString<char> operator+(const char*, const LightweightString<char>&);          ///< the same; null: no text
-LightweightString<char> operator+(const LightweightString<char>&, const char*);          ///< the same; null: no text
-LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&, const wchar_t*); ///< the same; null: no text
+LightweightString<char> operator+(const char*, const LightweightString<char>&);          ///< null is an empty text
+LightweightString<char> operator+(const LightweightString<char>&, const char*);          ///< null is an empty text
+LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&, const wchar_t*); ///< null is an empty text
 
 /// Appends the decimal form of a number. A character is a number too: `s += 'x'` appends "120".
 LightweightString<char>& operator+=(LightweightString<char>&, int);
 
-// The host instantiates them: no further functions.
+// The host instantiates them.
 /// @cond instantiations
 extern template class LightweightString<char>;
 extern template class LightweightString<wchar_t>;

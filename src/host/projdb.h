@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The project database: its rows, its searches, its views. Main thread only.
+/// The project database: rows, searches and views. Main thread only.
 #ifndef REELDB_HOST_PROJDB_H
 #define REELDB_HOST_PROJDB_H
 
@@ -10,14 +10,14 @@
 #include "cookie.h"
 #include "edit.h"
 
-/// The tables behind a database; the library only hands them to a view.
+/// The tables of a database; the library only passes them to a view.
 class oledb;
 
-/// One row: the fields of a log as the database holds them. Belongs to the database and is valid until that changes.
+/// One row: the fields of a log in the database. The database owns it; it is valid until the database changes.
 class dbrecord {
 public:
-  /// The text of the column that projdb::findField names; null when the row has no such field. Valid until the database
-  /// changes.
+  /// The text of the column, a number from projdb::findField. Null if the row has no such field. Valid until the
+  /// database changes.
   const char* get_field(unsigned short column) const;
   struct Impl;
   Impl* impl;
@@ -26,21 +26,21 @@ public:
 /// The database of the open project.
 class projdb {
 public:
-  /// What an attribute search asks for: two numbers that select the kinds of logs, and the attributes.
+  /// The criteria of an attribute search: two numbers that select the kinds of logs, and the attributes.
   class SearchCriteria {
   public:
     SearchCriteria(); ///< both numbers 0, no attribute
-    /// Called with codes::shotSearchFirst and codes::shotSearchSecond: every log that is no reel log.
+    /// The library passes codes::shotSearchFirst and codes::shotSearchSecond: every log that is not a reel log.
     int first, second;
-    LogAttributes::Map attributes; ///< which all have to be there
+    LogAttributes::Map attributes; ///< all of them must match
   };
-  /// Called with codes::reelSearchMask and codes::reelSearchMaskOff: exactly the reel logs, in the order of the
-  /// database, which stays: new ones come at the end.
+  /// Called with codes::reelSearchMask and codes::reelSearchMaskOff. Returns exactly the reel logs, in database order.
+  /// This order is stable: new logs come at the end.
   CookieVec search(unsigned, unsigned);
-  /// The logs that may have these attributes, ASCII letters without regard to case. Near matches are allowed, the
-  /// caller compares again; none may be missing, and nothing is found for an empty value.
+  /// The logs that may have these attributes; the case of ASCII letters is ignored. The result may contain near
+  /// matches, because the caller compares again. No match may be missing. An empty value finds nothing.
   CookieVec search(const SearchCriteria&);
-  dbrecord* operator[](const Cookie&);              ///< null when the Cookie has no row
+  dbrecord* operator[](const Cookie&);              ///< null if the Cookie has no row
   unsigned short findField(const char* name) const; ///< the column of a field, such as "Type", for get_field
   oledb* database();                                ///< for views; never null
   struct Impl;
@@ -51,13 +51,13 @@ public:
 class ODBViewRep : public Zr::InternalRefCount {
 public:
   explicit ODBViewRep(oledb*); ///< shows nothing; the database is borrowed
-  ~ODBViewRep() override;      ///< ends the texts that it has answered
-  /// Shows the rows of these logs from @p position on, in place of what it showed there; logs without a row are passed
-  /// over. Called with 0.
+  ~ODBViewRep() override;      ///< invalidates every text that cellText has returned
+  /// Shows the rows of these logs from @p position on and replaces what was shown there. Logs without a row are
+  /// skipped. Called with 0.
   void displayRecordsAt(const std::vector<Cookie>&, int position);
   int numRows() const;
-  /// The text of the column with this name, such as "Reel Type". Null when there is no such row or column. Valid while
-  /// the view shows the row, also when the log changes.
+  /// The text of the column with this name, such as "Reel Type". Null if there is no such row or column. Valid while
+  /// the view shows the row, even if the log changes.
   const char* cellText(int row, const char* column) const;
 
 private:
@@ -65,10 +65,10 @@ private:
   Impl* impl_;
 };
 
-/// A view on some rows of the database.
+/// A view of some rows of the database.
 class ODBView {
 public:
-  explicit ODBView(ODBViewRep*); ///< shares the body, which is not null
+  explicit ODBView(ODBViewRep*); ///< shares the body, which must not be null
   ~ODBView();
   ODBViewRep* operator->() const;
 
@@ -79,16 +79,17 @@ private:
 /// The logs of the current project, and its options.
 class EditManager {
 public:
-  static projdb* getProjdb();                 ///< null when no database is open; not to be kept
+  static projdb* getProjdb();                 ///< null if no database is open; callers must not keep it
   static void updateProjdbRec(const Cookie&); ///< writes a changed log's fields to its row; an unknown log is ignored
-  static EditModifier makeNewEdit(const Cookie&); ///< called with Cookie(): a new, empty log, held open; or no Edit
-  static configb& ProjOpts(); ///< the options of the current project; without one, empty and forgetful
+  /// Creates an empty log and holds it open; its Edit is null if that fails. Called with Cookie().
+  static EditModifier makeNewEdit(const Cookie&);
+  static configb& ProjOpts(); ///< the current project's options; without a project always empty, and `set` is ignored
 };
 
-/// The current project, the same each time it is opened; invalid when there is none.
+/// The current project. A project has the same Cookie each time it is opened. Invalid without a project.
 Cookie get_project_cookie();
 
-/// The file name of a log, each has another; empty for an unknown one. Called with a default Cookie as second argument.
+/// The file name of a log, unique among logs; empty for an unknown log. Called with Cookie() as second argument.
 LightweightString<wchar_t> getFilenameForCookie(const Cookie&, Cookie);
 
 #endif

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Properties of the current project. Main thread only. Without a project both rates are codes::noFrameRate.
+/// Properties of the current project. Main thread only. Without a project, both rates are codes::noFrameRate.
 #ifndef REELDB_HOST_PROJECT_H
 #define REELDB_HOST_PROJECT_H
 
 namespace Zr {
 /// Properties of the project that is open.
 namespace CurrentProject {
-/// Which state of the project. The library passes 0 alone.
+/// Which state of the project. The library passes only 0.
 enum Revision : int {};
 int getFrameRate(Revision);      ///< the frame rate code, such as codes::rate25; called with 0
 int getOutputImageZRFrameRate(); ///< the output's frame rate code

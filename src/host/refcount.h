@@ -1,20 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Objects that carry their own count, and the pointer that keeps it.
+/// Reference-counted objects, and the pointer that counts.
 #ifndef REELDB_HOST_REFCOUNT_H
 #define REELDB_HOST_REFCOUNT_H
 
 /// What the modules of the host share.
 namespace Zr {
 
-/// An object with a count of its holders, 0 when made. It deletes itself when the last holder lets go.
-/// Counting goes through OS()->refCounts() and so is as thread-safe as that service.
+/// An object that counts its holders. The count starts at 0, and the object deletes itself when the last holder
+/// releases it. Counting uses OS()->refCounts() and is as thread-safe as that service.
 class InternalRefCount {
 public:
   InternalRefCount();
-  InternalRefCount(const InternalRefCount&) = delete; ///< not copied: holders hold one object
+  InternalRefCount(const InternalRefCount&) = delete; ///< holders share one object
   InternalRefCount& operator=(const InternalRefCount&) = delete;
-  virtual ~InternalRefCount(); ///< by release; directly only when nobody held it
+  virtual ~InternalRefCount(); ///< release() calls it; call it directly only if the object never had a holder
   void addRef() const;
   void release() const; ///< deletes the object when no holder remains
 
@@ -22,13 +22,12 @@ private:
   mutable int refs_;
 };
 
-/// Holds a counted object, one that is derived from InternalRefCount; may be null. One Ptr is not changed by two
-/// threads at once.
+/// Holds an object derived from InternalRefCount; may be null. Two threads must not change one Ptr at the same time.
 template <class T>
 class Ptr {
 public:
   Ptr() : p_(nullptr) {}
-  /// Becomes a holder of the object, also of a new one. Implicit by design.
+  /// Becomes a holder of the object, which may be new. Implicit by design.
   Ptr(T* p) : p_(p)
   {
     if (p_)
@@ -39,7 +38,7 @@ public:
     if (p_)
       p_->addRef();
   }
-  /// One holder more, as of a base of the object.
+  /// Becomes one more holder, through a base class of the object.
   template <class U>
   Ptr(const Ptr<U>& o) : p_(o.get())
   {
@@ -58,9 +57,9 @@ public:
     if (p_)
       p_->release();
   }
-  T* get() const { return p_; }        ///< the object or null; the Ptr goes on holding it
-  T* operator->() const { return p_; } ///< the object; not of a null Ptr
-  T& operator*() const { return *p_; } ///< the object; not of a null Ptr
+  T* get() const { return p_; }        ///< the object or null, borrowed from the Ptr
+  T* operator->() const { return p_; } ///< REQUIRES: not null
+  T& operator*() const { return *p_; } ///< REQUIRES: not null
   explicit operator bool() const { return p_ != nullptr; }
 
 private:

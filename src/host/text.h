@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// Conversions, the host's own texts, the debug print, and the byte stream that files and parameters are read with.
-/// The library calls them on the main thread, and on the thread that loads it. What has to grow throws std::bad_alloc
-/// when there is no memory.
+/// Text conversions, the host's text resources, debug output, and the byte stream that reads files and parameters.
+/// The library calls them on the main thread and on the thread that loads it. Functions that need memory throw
+/// std::bad_alloc when there is none.
 #ifndef REELDB_HOST_TEXT_H
 #define REELDB_HOST_TEXT_H
 
@@ -26,16 +26,16 @@ namespace Zr {
 LightweightString<wchar_t> WStringFromAscii(const char*);
 } // namespace Zr
 
-using ResId = unsigned int; ///< names a text of the host
-/// How a text of the host is written. The library passes 0 alone.
+using ResId = unsigned int; ///< identifies a text resource of the host
+/// The format of a text resource. The library passes only 0.
 enum ResStrFmt : int {};
 
-/// The host's text of resource @p id, in the user's language, between @p before and @p after, either of which may be
-/// null. An unknown one is empty. Main thread only.
+/// The text resource @p id in the user's language, between @p before and @p after; either may be null. An unknown
+/// resource has the empty text. Main thread only.
 LightweightString<wchar_t> paddedResourceStrW(ResId id, const wchar_t* before, const wchar_t* after, ResStrFmt);
 
-/// Prints to the host's debug output, as printf does, and answers the number of bytes or a negative number. The
-/// library's messages end in a newline; it ignores the answer.
+/// Prints to the host's debug output like printf. Returns the number of bytes, or a negative number on failure. The
+/// library's messages end in a newline; the library ignores the result.
 int vorn_printf(const char* format, ...)
 #ifdef __GNUC__
     __attribute__((format(printf, 1, 2)))
@@ -63,23 +63,23 @@ private:
   /// Writes @p count characters at @p at, where the text then ends. They may lie in this buffer.
   void put(std::size_t at, const char* from, std::size_t count);
 
-  char* text_;                    ///< null for a text that never was
-  std::size_t length_, capacity_; ///< capacity 0: the text is not this buffer's own
+  char* text_;                    ///< null until the first text
+  std::size_t length_, capacity_; ///< capacity 0: the buffer does not own the text
 };
 
-/// Reads pieces of text that are divided by single separator characters.
+/// Reads pieces of text between separator characters.
 class ByteStream {
 public:
   explicit ByteStream(FILE*);       ///< borrows the file and never closes it; a read error counts as the end
-  explicit ByteStream(GrowString&); ///< borrows the buffer, which must stay as it is while it is read
-  explicit ByteStream(const LightweightString<char>&); ///< holds the text, whatever the caller does with his string
-  ~ByteStream();                                       ///< closes nothing; the file may be closed by now
-  ByteStream(const ByteStream&) = delete;              ///< not copied: it has a place in its text
+  explicit ByteStream(GrowString&); ///< borrows the buffer, which must not change while it is read
+  explicit ByteStream(const LightweightString<char>&); ///< shares the text; the caller's string may change or end
+  ~ByteStream();                                       ///< does not use the file, which may be closed already
+  ByteStream(const ByteStream&) = delete;              ///< a stream has one read position
   ByteStream& operator=(const ByteStream&) = delete;
 
-  GrowString separators; ///< empty by default; each character of it is a separator by itself
+  GrowString separators; ///< empty by default; each of its characters is a separator
   bool joinCrLf = false; ///< whether a CR directly followed by LF counts as one separator
-  bool atEnd() const;    ///< whether no unread character remains; true at once over an empty text
+  bool atEnd() const;    ///< whether no unread character remains; true from the start for an empty text
 
   friend ByteStream& operator>>(ByteStream&, GrowString&);
 
@@ -90,8 +90,8 @@ private:
   LightweightString<char> held_;
 };
 
-/// Replaces the text of the buffer by the characters up to the next separator or the end, and consumes that separator,
-/// one only. At the end the text is empty.
+/// Replaces the text of the buffer with the characters up to the next separator or the end. Consumes that one
+/// separator. At the end of the stream the text becomes empty.
 ByteStream& operator>>(ByteStream&, GrowString&);
 
 #endif
