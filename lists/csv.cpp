@@ -1,9 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lists/csv.h"
 
+#include <string_view>
+
 namespace reeldb::lists {
 
 namespace {
+
+/// Spreadsheets run a cell that begins with one of these as a formula. Behind an apostrophe they show it; a field that
+/// begins with an apostrophe gets one, too, so that whoever reads the table can take exactly one away.
+std::string guarded(const std::string& field)
+{
+  const bool looksLikeFormula =
+      !field.empty() && std::string_view("=+-@\t\r'").find(field.front()) != std::string::npos;
+  return looksLikeFormula ? "'" + field : field;
+}
 
 std::string quoted(const std::string& field)
 {
@@ -21,7 +32,7 @@ std::string csvRow(const std::vector<std::string>& fields)
 {
   std::string row;
   for (std::size_t i = 0; i < fields.size(); ++i)
-    row += (i == 0 ? "" : ",") + quoted(fields[i]);
+    row += (i == 0 ? "" : ",") + quoted(guarded(fields[i]));
   return row + "\r\n";
 }
 
