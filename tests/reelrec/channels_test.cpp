@@ -2,7 +2,6 @@
 //
 // Channels follow the reel's type, else its last device, and only ever grow.
 #include <climits>
-#include <iterator>
 
 #include "host/codes.h"
 #include "host/edit.h"
@@ -51,33 +50,6 @@ protected:
 };
 
 using Pair = std::pair<int, int>;
-
-// A host that opens a log by such a Cookie has a row for it, too; the row's type does not count.
-TEST_F(Channels, CookieOfTheInvalidKindFollowsTheDeviceWhateverItsTypeIs)
-{
-  define("channels test: 3v3a", "VideoChannels=3 AudioChannels=3");
-  setDeck(3, 2);
-  reelhost::StoredLog log;
-  log.number = 1;
-  log.uuid.fill('i');
-  log.kind = 'I';
-  log.type = 9;
-  log.reelType = "channels test: 3v3a";
-  log.fields = {{"reelid", "R1"}, {"reel_last_device", "Deck"}};
-  reelhost::Changes changes;
-  changes.logs = {log};
-  auto store = reelhost::makeMemoryStore(reelhost::ProjectInfo());
-  store->begin(reelhost::Access::Write, std::chrono::milliseconds(0));
-  store->commit(changes);
-  reelhost::openProject(std::move(store), reelhost::Access::Write);
-  Zr::UUID uuid;
-  std::fill(std::begin(uuid.bytes), std::end(uuid.bytes), 'i');
-  reel = Cookie(uuid, 0, 'I');
-  ReelDbRec rec(reel);
-  ASSERT_FALSE(rec.valid());
-  rec.updateNumChansInReel();
-  EXPECT_EQ(videoAndAudio(), Pair(1, 2));
-}
 
 // --- By type -------------------------------------------------------------------------------------
 
