@@ -263,17 +263,6 @@ TEST_F(Lookup, ReelExistsWhenItsLogIsFound)
   EXPECT_FALSE(manager().doesReelExist("abd"));
 }
 
-TEST_F(Lookup, InvalidCookieInTheListIsNoReel)
-{
-  CookieVec answer;
-  answer.add(Cookie());
-  script().maskSearchResult = answer;
-  script().attribute(Cookie(), "A");
-  manager().buildReelList();
-  ASSERT_EQ(1, manager().reelList.count());
-  EXPECT_FALSE(manager().doesReelExist("A"));
-}
-
 // --- Whether the type is known -------------------------------------------------------------------
 
 TEST_F(Lookup, ReelOfAKnownTypeIsValid)
