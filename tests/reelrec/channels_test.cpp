@@ -147,6 +147,11 @@ TEST_F(Channels, PresentCountIsItsLow16Bits)
   define("channels test: high", "VideoChannels=65534 AudioChannels=65535");
   ReelDbRec other = reelWith(0xFFFF, 0x1FFFF, "channels test: high");
   EXPECT_EQ(stepsOf([&] { other.updateNumChansInReel(); }), byType({}));
+
+  define("channels test: negative", "VideoChannels=2 AudioChannels=2");
+  ReelDbRec negative = reelWith(-0x10000, INT_MIN + 1, "channels test: negative"); // 0xFFFF0000 and 0x80000001
+  EXPECT_EQ(stepsOf([&] { negative.updateNumChansInReel(); }),
+            byType({addChannel(reel, 2), addChannel(reel, 1), addChannel(reel, 1)}));
 }
 
 TEST_F(Channels, TypeOfTheCatalogueWinsOverTheDevice)
