@@ -71,6 +71,24 @@ TEST_F(Lookup, FindsWholeIdentifiersOnly)
     EXPECT_EQ(invalid(), found(id)) << id;
 }
 
+TEST_F(Lookup, BlanksOfAStoredIdentifierBelongToIt)
+{
+  const Cookie reel = addReel(" abc ");
+  EXPECT_EQ(text(reel), found(" ABC "));
+  for (const char* const id : {"abc", " abc", "abc "})
+    EXPECT_EQ(invalid(), found(id)) << id;
+}
+
+TEST_F(Lookup, InvalidCookieInTheListIsOpenedLikeAnyOther)
+{
+  CookieVec answer;
+  answer.add(Cookie());
+  answer.add(addReel("A"));
+  script().maskSearchResult = answer;
+  manager().buildReelList();
+  EXPECT_EQ(2, looksFor("A"));
+}
+
 TEST_F(Lookup, FoldsAsciiLettersOnly)
 {
   const Cookie lower = addReel("caf\xC3\xA9");
