@@ -2,6 +2,7 @@
 //
 // What another host may return and the standalone host never does. A program of its own: it defines those operations in
 // front of the host, and each case chooses what they return.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -32,7 +33,8 @@ OtherHost& other()
   return host;
 }
 
-/// Closes of logs and ends of text fields and trimmings, in order, while it is not null.
+/// Closes of logs, ends of text fields and of device configurations, identifiers given to logs, and trimmings, in
+/// order, while it is not null.
 std::vector<std::string>* noted = nullptr;
 
 void note(const char* what)
@@ -142,6 +144,18 @@ strp_field::~strp_field()
 {
   note("~strp_field");
   OS()->allocator().release(text_); // as the host does
+}
+
+ExtDeviceConfig::~ExtDeviceConfig()
+{
+  note("~ExtDeviceConfig");
+  hostsOwn<void(ExtDeviceConfig*)>("_ZN15ExtDeviceConfigD1Ev")(this);
+}
+
+void Edit::set_reelid(int place, const char* id)
+{
+  note("set_reelid");
+  hostsOwn<void(Edit*, int, const char*)>("_ZN4Edit10set_reelidEiPKc")(this, place, id);
 }
 
 void trimTrailingSpaces(LightweightString<char>& text)
@@ -306,6 +320,16 @@ TEST_F(OtherHosts, RecordOfANewReelHasTheTagAndTheKindOfItsLog)
   const std::string name = text(rec);
   EXPECT_EQ(name.front(), 'M');
   EXPECT_NE(name.find(".1234}"), std::string::npos) << name;
+}
+
+TEST_F(OtherHosts, ConfigurationOfTheDeviceEndsBeforeTheLogOfANewReelIsWritten)
+{
+  setDevices({device(4, "Deck")});
+  const Texts notes = notedBy([&] { manager().createNewReel("R1", 4); });
+  const auto written = std::find(notes.begin(), notes.end(), "set_reelid");
+  ASSERT_NE(written, notes.end());
+  EXPECT_NE(std::find(notes.begin(), written, "~ExtDeviceConfig"), written);
+  EXPECT_EQ(std::find(written, notes.end(), "~ExtDeviceConfig"), notes.end());
 }
 
 TEST_F(OtherHosts, EveryTrimmingEndsInTheHosts)
