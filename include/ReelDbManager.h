@@ -65,7 +65,8 @@ public:
 
   /// @}
   /// @name Lookup
-  /// Identifiers are found without regard to the case of ASCII letters; of two that differ in case only, the first in
+  /// Identifiers are found without regard to the case of letters, as LC_CTYPE has it: of ASCII letters in "C" and
+  /// "C.UTF-8", which the host has to keep (docs/embedding.md, Traps). Of two that differ in case only, the first in
   /// the list is found. The empty identifier is never found.
   /// @{
 
