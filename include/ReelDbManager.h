@@ -66,8 +66,9 @@ public:
 
   /// @}
   /// @name Lookup
-  /// Lookups ignore the case of ASCII letters. Of two identifiers that differ only in case, they find the first in the
-  /// list. They never find the empty identifier.
+  /// Lookups ignore the case of letters, as LC_CTYPE has it: of ASCII letters in "C" and "C.UTF-8", which the host has
+  /// to keep (docs/embedding.md, Traps). Of two identifiers that differ only in case, they find the first in the list.
+  /// They never find the empty identifier.
   /// @{
 
   Cookie getCookieFromReelId(LightweightString<char> id); ///< invalid if there is no such reel

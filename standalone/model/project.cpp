@@ -175,7 +175,7 @@ void Project::loadOthers()
 
 Log* Project::findAmongOthers(const Cookie& cookie)
 {
-  if (othersLoaded_ || !cookie.valid())
+  if (othersLoaded_)
     return nullptr;
   loadOthers();
   return table_.find(CookieWords(cookie));

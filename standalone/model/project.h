@@ -47,6 +47,8 @@ public:
   // --- Finding -----------------------------------------------------------------------------------
   Log* find(const Cookie& cookie) ///< null when there is no such log
   {
+    if (!cookie.valid())
+      return nullptr;
     Log* const log = table_.find(CookieWords(cookie));
     return log ? log : findAmongOthers(cookie);
   }

@@ -31,7 +31,10 @@ namespace reelhost {
 /// @{
 
 /// Makes the calling thread the main thread: stores `co_pid() & codes::threadMask` in the library's glib_pid. Until
-/// this was called every reel creation is deferred. Does nothing where the library is not loaded.
+/// this was called every reel creation is deferred. Where the library is not loaded it stores nothing.
+///
+/// Gives the calling thread a locale of its own (uselocale): characters and their cases are those of C.UTF-8 from then
+/// on, whatever setlocale sets, and the other categories stay as they are now. The library compares identifiers by it.
 void startUp();
 
 /// The facility of the process: the one given to useFacility, else the folder in the environment variable

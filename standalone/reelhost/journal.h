@@ -74,7 +74,7 @@ public:
 
   std::optional<CookieVec> maskSearchResult;                  ///< the answer of `projdb::search(unsigned, unsigned)`
   std::optional<CookieVec> attributeSearchResult;             ///< the answer of `projdb::search(const SearchCriteria&)`
-  void attribute(const Cookie& log, const std::string& text); ///< the reel identifier that getAttrib returns
+  void attribute(const Cookie& log, const std::string& text); ///< what getAttrib returns of an open log
   void typeField(const Cookie& log,
                  std::optional<std::string> text); ///< the row's "Type" text; nullopt: the row holds none
   void noRow(const Cookie& log);                   ///< no row: projdb::operator[] null, views show nothing

@@ -106,7 +106,7 @@ public:
 
   /// Stores the changes, whole and durable, or throws and stores none of them; ends the use either way. Without any
   /// change nothing is written. Throws Error: Busy, ReadOnly, Refused, Unreadable, Io. REQUIRES: begun for writing; log
-  /// numbers are positive.
+  /// numbers are positive, and no log is of kind 'I'.
   virtual void commit(const Changes& changes) = 0;
 
   /// Whether another process has committed since the last begin or the last true answer of this. Needs no begin; during

@@ -71,7 +71,7 @@ StoredLog logIn(const Statement& row)
   log.type = static_cast<int>(row.integer(1));
   const std::string_view uuid = row.text(2);
   const std::string_view kind = row.text(4);
-  if (uuid.size() != log.uuid.size() || kind.size() != 1)
+  if (uuid.size() != log.uuid.size() || kind.size() != 1 || kind == "I")
     failDamaged("log " + std::to_string(log.number) + " has no valid identity");
   std::copy(uuid.begin(), uuid.end(), log.uuid.begin());
   log.tag = static_cast<std::uint16_t>(row.integer(3));

@@ -1,10 +1,85 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The library as it is before anything was asked of it. A program of its own: the first use comes once a process.
+#include <cstdio>
+#include <cstdlib>
+#include <ostream>
+
+#include "CreateNewReelAction.h"
+#include "LabelMaps.h"
 #include "MainThread.h"
 #include "support/library_fixture.h"
 
 namespace reeldb_tests {
+
+namespace {
+
+/// Ends the process; with 0 when the manager was made by @p use and not before. There is a project with the reel R1, of
+/// which no manager heard.
+[[noreturn]] void exitAfterFirst(const std::function<void(const Cookie& reel)>& use)
+{
+  reelhost::useFacility(reelhost::Facility());
+  reelhost::openProject(reelhost::makeMemoryStore({}, {}), reelhost::Access::Write);
+  reelhost::StoredLog log;
+  log.type = 9;
+  log.fields = {{"reelid", "R1"}};
+  const Cookie reel = reelhost::addLog(log);
+  const bool madeBefore = ReelDbManager::theReelDbManager_ != nullptr;
+  use(reel);
+  const bool made = ReelDbManager::theReelDbManager_ != nullptr;
+  std::fprintf(stderr, "made before: %d, made: %d\n", madeBefore, made);
+  std::_Exit(!madeBefore && made ? 0 : 1);
+}
+
+/// What makes the manager when there is none.
+struct Use {
+  const char* name;
+  void (*use)(const Cookie& reel);
+};
+
+void PrintTo(const Use& use, std::ostream* out)
+{
+  *out << use.name;
+}
+
+const Use firstUses[] = {
+    {"Setter", [](const Cookie& reel) { ReelDbRec(reel).recInhibit(true); }},
+    {"SetterOfAnEmptyRecord", [](const Cookie&) { ReelDbRec().recInhibit(true); }},
+    {"Action", [](const Cookie&) { Zr::Ptr<CreateNewReelAction>(new CreateNewReelAction("R2", -1))->execute(); }},
+    {"LabelMapOfAReel", [](const Cookie&) { get_required_label_map_name("R1", IdStamp()); }},
+    {"Client", [](const Cookie&) { const ReelDbClient client; }},
+};
+
+class First : public ::testing::TestWithParam<Use> {};
+
+} // namespace
+
+// In processes of their own, for the manager stays.
+TEST_P(First, MakesTheManager)
+{
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(exitAfterFirst(GetParam().use), ::testing::ExitedWithCode(0), "made before: 0, made: 1");
+}
+
+INSTANTIATE_TEST_SUITE_P(Uses, First, ::testing::ValuesIn(firstUses),
+                         [](const auto& each) { return std::string(each.param.name); });
+
+// The host says which thread is the main one; the library only reads it.
+TEST(FirstUse, LibraryLeavesTheNumberOfTheMainThreadToTheHost)
+{
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto useAll = [] {
+    reelhost::useFacility(reelhost::Facility());
+    reelhost::openProject(reelhost::makeMemoryStore({}, {}), reelhost::Access::Write);
+    const ReelDbClient client;
+    ReelDbManager::theReelDbManager()->handleProjectEntry();
+    ReelDbManager::theReelDbManager()->createNewReel("R1", -1);
+    ReelDbManager::theReelDbManager()->checkLiveDeviceMedia(1);
+    std::fprintf(stderr, "glib_pid: %d\n", glib_pid);
+    std::_Exit(glib_pid == 0 ? 0 : 1);
+  };
+  EXPECT_EXIT(useAll(), ::testing::ExitedWithCode(0), "glib_pid: 0\n");
+}
 
 TEST(FirstUse, ShotsWithoutAnIdentifierMakeNoManager)
 {

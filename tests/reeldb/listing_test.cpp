@@ -412,19 +412,34 @@ TEST_F(Listing, ReelsForADeviceTakeThePlaceOfWhatAStringListHeld)
   EXPECT_EQ(texts(ids), Texts{});
 }
 
-TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedOnceAlsoForNoReels)
+TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedFirstAndOnceAlsoForNoReels)
 {
-  const auto forNone = linesOf([&] { compatible(); });
-  ASSERT_LE(1U, forNone.size());
-  EXPECT_EQ(1, callsOf("ExtDeviceConfigurationManager::getConfig", [&] { compatible(); }));
-  EXPECT_EQ(0, callsOf("EditManager::getProjdb", [&] { compatible(); }));
+  const Texts fetched = {"theConfigurationManager()", "ExtDeviceConfigurationManager::getConfig(7) -> \"deck\""};
+  EXPECT_EQ(linesOf([&] { compatible(); }), fetched);
 
   for (const char* const id : {"A", "B", "C"})
     addReel(id);
+  const auto lines = linesOf([&] { compatible(); });
+  EXPECT_EQ(Texts(lines.begin(), lines.begin() + 2), fetched);
   const auto calls = operationsOf([&] { compatible(); });
   EXPECT_EQ(1, countOf(calls, "ExtDeviceConfigurationManager::getConfig"));
   EXPECT_EQ(3, countOf(calls, "ODBViewRep::displayRecordsAt"));
   EXPECT_EQ(3, countOf(calls, "EditPtr::i_open"));
+}
+
+TEST_F(Listing, StringListIsEmptyAfterAHostCallThatThrew)
+{
+  addReel("A");
+  const auto leftAfterFault = [&](const std::function<void(StringList&)>& list) {
+    StringList ids;
+    ids.add("before");
+    script().throwAt(1);
+    EXPECT_THROW(list(ids), reelhost::ScriptedFault);
+    script().throwAt(0);
+    return texts(ids);
+  };
+  EXPECT_EQ(leftAfterFault([&](StringList& ids) { manager().getAllReelIds(ids, true); }), Texts{});
+  EXPECT_EQ(leftAfterFault([&](StringList& ids) { manager().getReelsCompatibleWithDevice(ids, deck); }), Texts{});
 }
 
 } // namespace reeldb_tests

@@ -144,9 +144,10 @@ TEST_F(Renaming, SameIdentifierAgainRewritesNameAndShots)
   const RecordingClient client(heard_);
   const Lines operations = operationsOf([this] { rename("A001", "A001"); });
   EXPECT_EQ(countOf(operations, "Edit::set_reelid"), 1) << "the shot's, not the reel's";
+  EXPECT_EQ(printedBy([this] { rename("A001", "A001"); }), Lines{renamed(shot, "A001", "A001")});
   EXPECT_EQ(logName(reel), "[reel] A001");
   EXPECT_EQ(configText(shot, "reelid"), "A001");
-  EXPECT_EQ(heard_, (Heard{"some(A001)", "dbC()"}));
+  EXPECT_EQ(heard_, (Heard{"some(A001)", "dbC()", "some(A001)", "dbC()"}));
 }
 
 TEST_F(Renaming, NearMatchesAreSkippedInSilence)
@@ -204,6 +205,26 @@ TEST_F(Renaming, ShotsFollowBetweenTheTwoNotices)
   client.onDbChanged = [&](const std::string&) { EXPECT_EQ(configText(shot, "reelid"), "B001"); };
   rename("A001", "B001");
   EXPECT_EQ(heard_.size(), 2U);
+}
+
+TEST_F(Renaming, ShotThatTheFirstNoticeAddsFollows)
+{
+  addReel("A001");
+  addShot("A001");
+  RecordingClient client(heard_);
+  Cookie added;
+  client.onSome = [&](const std::string&) { added = addShot("A001", "late"); };
+  EXPECT_EQ(printedBy([this] { rename("A001", "B001"); }).size(), 2U);
+  EXPECT_EQ(configText(added, "reelid"), "B001");
+}
+
+TEST_F(Renaming, DatabaseIsFetchedAfterTheFirstNotice)
+{
+  addReel("A001");
+  RecordingClient client(heard_);
+  client.onSome = [&](const std::string&) { script().noDatabase(true); };
+  rename("A001", "B001");
+  EXPECT_EQ(heard_, Heard{"some(A001)"}) << "it ends where there is no database";
 }
 
 TEST_F(Renaming, ReelStaysOpenUntilEverybodyWasTold)
@@ -436,6 +457,14 @@ TEST_F(Copying, FieldsTheSourceLacksAreEmptied)
   EXPECT_EQ(userField(to, 6), "field 6");
 }
 
+TEST_F(Copying, MappingThatStandsForNoneIsCopiedAsTheEmptyText)
+{
+  addReel("from", {}, {{TR_LABEL_MAPPING, "unknown"}});
+  const Cookie to = addFullReel("to", "Tape");
+  copy("from", "to");
+  EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "");
+}
+
 TEST_F(Copying, ClientsHearOneNoticeAfterAllFieldsWereCopied)
 {
   addFullReel("from", "Tape");
@@ -604,20 +633,23 @@ protected:
     manager().notifyHoldCount = 0;
   }
 
-  /// Copies with the hold count at @p outer; answers what it was during the copy, the same at each host call but those
-  /// of clients.
+  /// Copies with the hold count at @p outer; returns what it was during the copy, the same at each host call from the
+  /// first lookup on.
   int countDuring(int outer)
   {
     manager().notifyHoldCount = outer;
     std::vector<int> seen;
+    Lines operations;
     script().before = [&](const std::string& operation, const std::string&) {
-      if (operation == "configb::set" || operation == "Edit::reelType")
-        seen.push_back(manager().notifyHoldCount);
+      operations.push_back(operation);
+      seen.push_back(manager().notifyHoldCount);
     };
     copy("from", "to");
     script().before = nullptr;
-    EXPECT_EQ(seen.size(), 10U) << "the type, two flags, the mapping and six fields are written";
-    EXPECT_EQ(std::count(seen.begin(), seen.end(), seen.at(0)), 10);
+    EXPECT_EQ(operations.at(0), "EditInfo::EditInfo");
+    EXPECT_EQ(countOf(operations, "configb::set") + countOf(operations, "Edit::reelType"), 10)
+        << "the type, two flags, the mapping and six fields are written";
+    EXPECT_EQ(std::count(seen.begin(), seen.end(), seen.at(0)), static_cast<std::ptrdiff_t>(seen.size()));
     return seen.at(0);
   }
 

@@ -260,7 +260,7 @@ TEST_F(ShotSearch, DatabaseIsAskedForTheReelsIdentifier)
                           {"vorn_printf(\"Preparing to delete: shot from Reel: A001\\n\")"}})));
 }
 
-TEST_F(ShotSearch, NearMatchesAreComparedAgainAndLeftOut)
+TEST_F(ShotSearch, NearMatchesAreComparedAgainAndLeftOutInSilence)
 {
   const Cookie reel = addReel("A001");
   const Cookie longer = addShot("A0011");
@@ -270,7 +270,8 @@ TEST_F(ShotSearch, NearMatchesAreComparedAgainAndLeftOut)
   const Cookie match = addShot("a001");
   script().attribute(empty, "");
   script().attributeSearchResult = cookies({longer, match, shorter, none, empty, Cookie()});
-  EXPECT_EQ(shotsOf(reel), Lines{text(match)});
+  EXPECT_EQ(printedBy([&] { EXPECT_EQ(shotsOf(reel), Lines{text(match)}); }),
+            Lines{"\"Preparing to delete: " + text(match) + " from Reel: A001\\n\""});
 }
 
 TEST_F(ShotSearch, MatchesKeepTheOrderOfTheSearch)
@@ -516,10 +517,11 @@ TEST_F(Shots, ReelThatDoesNotOpenGoesAlone)
   EXPECT_EQ(printedBy([&] { EXPECT_EQ(doomed({a}), Lines{text(a)}); }), Lines{});
 }
 
-TEST_F(Shots, EmptySelectionGivesNothing)
+TEST_F(Shots, EmptySelectionGivesNothingAndLooksTheColumnUp)
 {
   addReel("A001");
-  EXPECT_EQ(doomed({}), Lines{});
+  EXPECT_EQ(linesOf([&] { EXPECT_EQ(doomed({}), Lines{}); }),
+            (Lines{"EditManager::getProjdb() -> database", "projdb::findField(\"Type\") -> 1"}));
 }
 
 TEST_F(Shots, CallersSelectionIsLeftAlone)

@@ -2,7 +2,6 @@
 //
 // Channels follow the reel's type, else its last device, and only ever grow.
 #include <climits>
-#include <iterator>
 
 #include "host/codes.h"
 #include "host/edit.h"
@@ -51,33 +50,6 @@ protected:
 };
 
 using Pair = std::pair<int, int>;
-
-// A host that opens a log by such a Cookie has a row for it, too; the row's type does not count.
-TEST_F(Channels, CookieOfTheInvalidKindFollowsTheDeviceWhateverItsTypeIs)
-{
-  define("channels test: 3v3a", "VideoChannels=3 AudioChannels=3");
-  setDeck(3, 2);
-  reelhost::StoredLog log;
-  log.number = 1;
-  log.uuid.fill('i');
-  log.kind = 'I';
-  log.type = 9;
-  log.reelType = "channels test: 3v3a";
-  log.fields = {{"reelid", "R1"}, {"reel_last_device", "Deck"}};
-  reelhost::Changes changes;
-  changes.logs = {log};
-  auto store = reelhost::makeMemoryStore(reelhost::ProjectInfo());
-  store->begin(reelhost::Access::Write, std::chrono::milliseconds(0));
-  store->commit(changes);
-  reelhost::openProject(std::move(store), reelhost::Access::Write);
-  Zr::UUID uuid;
-  std::fill(std::begin(uuid.bytes), std::end(uuid.bytes), 'i');
-  reel = Cookie(uuid, 0, 'I');
-  ReelDbRec rec(reel);
-  ASSERT_FALSE(rec.valid());
-  rec.updateNumChansInReel();
-  EXPECT_EQ(videoAndAudio(), Pair(1, 2));
-}
 
 // --- By type -------------------------------------------------------------------------------------
 
@@ -175,6 +147,11 @@ TEST_F(Channels, PresentCountIsItsLow16Bits)
   define("channels test: high", "VideoChannels=65534 AudioChannels=65535");
   ReelDbRec other = reelWith(0xFFFF, 0x1FFFF, "channels test: high");
   EXPECT_EQ(stepsOf([&] { other.updateNumChansInReel(); }), byType({}));
+
+  define("channels test: negative", "VideoChannels=2 AudioChannels=2");
+  ReelDbRec negative = reelWith(-0x10000, INT_MIN + 1, "channels test: negative"); // 0xFFFF0000 and 0x80000001
+  EXPECT_EQ(stepsOf([&] { negative.updateNumChansInReel(); }),
+            byType({addChannel(reel, 2), addChannel(reel, 1), addChannel(reel, 1)}));
 }
 
 TEST_F(Channels, TypeOfTheCatalogueWinsOverTheDevice)

@@ -17,6 +17,7 @@ namespace {
 
 bool flagOfTheBody = true; // of the one made last
 bool listFails = false;
+std::vector<std::string>* upperCased = nullptr; ///< the texts that were, while it is not null
 
 } // namespace
 } // namespace reeldb_tests
@@ -29,6 +30,13 @@ AssocListRep::AssocListRep(bool flag) : impl_(nullptr)
 }
 
 AssocList::AssocList(AssocListRep* rep) : rep_(reeldb_tests::listFails ? throw std::bad_alloc() : rep), flag_(true) {}
+
+void toUpper(LightweightString<char>& text)
+{
+  if (reeldb_tests::upperCased)
+    reeldb_tests::upperCased->push_back(text.c_str());
+  reeldb_tests::hostsOwn<void(LightweightString<char>&)>("_Z7toUpperR17LightweightStringIcE")(text);
+}
 
 namespace reeldb_tests {
 namespace {
@@ -315,6 +323,20 @@ TEST_F(Catalogue, TypeByNameHasNameAndCounts)
   EXPECT_STREQ(type.name.c_str(), "Tape 2ch");
   EXPECT_EQ(type.numVideoChans, 1);
   EXPECT_EQ(type.numAudioChans, 2);
+}
+
+TEST_F(Catalogue, TypeAsksForTheAudioChannelsFirst)
+{
+  put("Tape", "Q=1");
+  const Names asked = {"Q=1", "AudioChannels", "Q=1", "VideoChannels"};
+  Names texts;
+  upperCased = &texts;
+  catalogue.type(LightweightString<char>("Tape"));
+  EXPECT_EQ(texts, asked);
+  texts.clear();
+  catalogue.type(0u);
+  upperCased = nullptr;
+  EXPECT_EQ(texts, asked);
 }
 
 TEST_F(Catalogue, TypeByNameSharesTheGivenText)

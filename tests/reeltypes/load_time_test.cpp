@@ -163,6 +163,25 @@ TEST_F(LoadTime, EmptyDirectoryTextIsTheBareFileName)
   EXPECT_EQ(outcome.out, std::string(questions) + "here|A=1\n");
 }
 
+// An empty parameter name would find the first parameter, whatever it is.
+TEST_F(LoadTime, NamesOfTheParametersAreThereWhenTheCatalogueIsMade)
+{
+  const Outcome outcome =
+      run(CATALOGUE_PROBE_OWN_DIRECTORY,
+          {{"PROBE_DIRECTORY", ""}, {"PROBE_PARAMETERS", "Other=9 VideoChannels=1 AudioChannels=2"}});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out, std::string(questions) + "1 video, 2 audio\nearly|Other=9 VideoChannels=1 AudioChannels=2\n");
+}
+
+TEST_F(LoadTime, FileIsNotReadAgainWhenItChanges)
+{
+  const std::string facility = facilityWith("old:A=1\n");
+  const Outcome outcome =
+      run(CATALOGUE_PROBE, {{"REELDB_FACILITY", facility}, {"PROBE_REWRITES", facility + "/devicedata/reeltype.dat"}});
+  EXPECT_EQ(outcome.exitCode, 0);
+  EXPECT_EQ(outcome.out, "old|A=1\n");
+}
+
 TEST_F(LoadTime, DirectoryBeyondAsciiIsFoundByItsUtf8Name)
 {
   dir.write("d\xC3\xA9j\xC3\xA0/reeltype.dat", "a:A=1\n");

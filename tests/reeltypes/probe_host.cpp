@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Takes the place of what the library asks the host while it is loaded, and prints the questions. The data directory is
-// whatever text PROBE_DIRECTORY holds.
+// whatever text PROBE_DIRECTORY holds. With PROBE_PARAMETERS set it asks the catalogue for the channels of a type with
+// these parameters, while the catalogue is being made.
 #include <cstdio>
 #include <cstdlib>
 
+#include "ReelTypeManager.h"
 #include "host/config.h"
 #include "host/text.h"
 
@@ -17,5 +19,10 @@ const char* config_string(const char* key, const char* defaultValue)
 LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
 {
   std::printf("getDeviceDataDirectory(%d)\n", static_cast<int>(type));
+  if (const char* const params = std::getenv("PROBE_PARAMETERS")) {
+    theReelTypeManager()->add("early", params);
+    std::printf("%d video, %d audio\n", theReelTypeManager()->numVideoChans("early"),
+                theReelTypeManager()->numAudioChans("early"));
+  }
   return fromUTF8(std::getenv("PROBE_DIRECTORY"));
 }

@@ -128,6 +128,34 @@ TEST_F(TypeFile, MarksOtherThanColonAndLineBreakEndNothing)
   EXPECT_EQ(entries(), (Entries{{"a~b;c|d", "X=1~Y=2;\tZ=3"}}));
 }
 
+TEST_F(TypeFile, NumberSignBeginsNoComment)
+{
+  EXPECT_EQ(load("#a:A=1\nb:#B=2 C=3#4\n"), Printed());
+  EXPECT_EQ(entries(), (Entries{{"#a", "A=1"}, {"b", "#B=2 C=3#4"}}));
+}
+
+TEST_F(TypeFile, ByteOrderMarkBelongsToTheFirstName)
+{
+  EXPECT_EQ(load("\xEF\xBB\xBF"
+                 "a:A=1\nb:B=2\n"),
+            Printed());
+  EXPECT_EQ(entries(), (Entries{{"\xEF\xBB\xBF"
+                                 "a",
+                                 "A=1"},
+                                {"b", "B=2"}}));
+}
+
+TEST_F(TypeFile, LinesAndTypesMayBeOfAnyNumber)
+{
+  constexpr int count = 70'000;
+  std::string bytes;
+  for (int i = 0; i < count; ++i)
+    bytes += "\nt" + std::to_string(i) + ":A=1";
+  EXPECT_EQ(load(bytes + "\nbare"), Printed{warning("bare", count + 2)});
+  ASSERT_EQ(catalogue.rep()->count(), static_cast<unsigned>(count));
+  EXPECT_STREQ(catalogue.at(count - 1).key.c_str(), "t69999");
+}
+
 TEST_F(TypeFile, LastLineWithoutLineBreakCounts)
 {
   EXPECT_EQ(load("a:A=1\nb:B=2"), Printed());

@@ -140,15 +140,24 @@ TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
   outer.i_close(); // an empty handle is closed without harm
 }
 
-TEST_P(Logs, AHandleTakesHoldOfAnOpenLog)
+// A creation closes the new log after each of its changes and goes on with the modifier's Edit, also while none is
+// open.
+TEST_P(Logs, AHandleTakesHoldOfAnOpenLogWhichTheModifierKeepsBeyondItsClose)
 {
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-  EditPtr handle;
-  handle = modifier.get();
-  EXPECT_EQ(handle.get(), modifier.get());
-  handle.i_close();
-  EXPECT_NE(modifier.get(), nullptr);
+  ASSERT_NE(modifier.get(), nullptr);
+  const Cookie cookie = cookieOf(*modifier.get());
+  for (const char* id : {"R1", "R2"}) {
+    EditPtr handle;
+    handle = modifier.get();
+    ASSERT_EQ(handle.get(), modifier.get());
+    handle->set_reelid(0, id);
+    handle.i_close();
+    EXPECT_EQ(handle.get(), nullptr);
+    EXPECT_EQ(cookieOf(*modifier.get()).compare(cookie), 0);
+    EXPECT_EQ(reelIdOf(cookie), id);
+  }
 }
 
 TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)

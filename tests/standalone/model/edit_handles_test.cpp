@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <chrono>
 #include <cstdlib>
 
 #include "standalone/model/host_test.h"
@@ -41,6 +42,27 @@ TEST_F(EditHandles, WhatDidNotOpenIsNotCounted)
   handle.i_close();
   handle = nullptr;
   EXPECT_EQ(openLogs(), 0);
+}
+
+// No store keeps such a log; one that a fault left in memory stays out of reach.
+TEST_F(EditHandles, InvalidCookieOpensNothingEvenBesideALogOfItsKind)
+{
+  reelhost::StoredLog log;
+  log.number = 1;
+  log.kind = 'I';
+  log.type = 9;
+  log.fields = {{"reelid", "R1"}};
+  reelhost::Changes changes;
+  changes.logs = {log};
+  auto store = reelhost::makeMemoryStore(info());
+  store->begin(reelhost::Access::Write, std::chrono::milliseconds(0));
+  store->commit(changes);
+  reelhost::openProject(std::move(store), reelhost::Access::Write);
+  EXPECT_FALSE(opens(Cookie()));
+  EditInfo asInfo(Cookie(), codes::openAsUsual);
+  EXPECT_EQ(asInfo.get(), nullptr);
+  asInfo.i_close();
+  EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
 }
 
 // In a process of its own, for there the opening stays for good.

@@ -359,6 +359,24 @@ TEST_F(SqliteRefusals, LogWithoutAnIdentityIsDamage)
   }
 }
 
+TEST_F(SqliteRefusals, LogOfTheInvalidKindIsDamageWhenItIsRead)
+{
+  createSqliteProject(file(), exampleInfo(), {});
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 1)}));
+  const std::function<void(StoredLog &&)> ignore = [](StoredLog&&) {};
+  runSql(file(), "UPDATE logs SET kind = 'I' WHERE number = 1");
+  project->begin(Access::Read, noPatience);
+  EXPECT_EQ(errorOf([&] { project->readReels(ignore); }),
+            withSubject("Unreadable: damaged (log 1 has no valid identity)"));
+  EXPECT_EQ(errorOf([&] { project->readOthers(ignore); }), "nothing");
+  runSql(file(), "UPDATE logs SET kind = char(64 + number * 4 + 1)"); // 'E' and 'I'
+  project->begin(Access::Read, noPatience);
+  EXPECT_EQ(errorOf([&] { project->readReels(ignore); }), "nothing");
+  EXPECT_EQ(errorOf([&] { project->readOthers(ignore); }),
+            withSubject("Unreadable: damaged (log 2 has no valid identity)"));
+}
+
 TEST_F(SqliteRefusals, DamageInALargeFileIsFoundWhenItIsRead)
 {
   createSqliteProject(file(), exampleInfo(), {});

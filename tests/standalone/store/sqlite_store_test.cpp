@@ -130,6 +130,15 @@ TEST_F(SqliteStoreTest, CheckTellsWhatIsWrong)
                                       "log 2: the identity of another log"}));
 }
 
+TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 1), exampleLog(4, 1)}));
+  runSql(file(), "UPDATE logs SET kind = 'I' WHERE number IN (2, 3)");
+  EXPECT_EQ(project->check(), (std::vector<std::string>{"log 2: no valid identity (its kind is 'I')",
+                                                        "log 3: no valid identity (its kind is 'I')"}));
+}
+
 TEST_F(SqliteStoreTest, CheckOfAFileThatIsNoProjectSaysSo)
 {
   writeBytes(file(), "text");

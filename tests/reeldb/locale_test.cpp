@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Identifiers on the standalone host, in a program that sets another locale. The locales are made for the test.
+#include <langinfo.h>
+#include <locale.h>
+
+#include <cstdlib>
+
+#include "support/library_fixture.h"
+#include "support/temp_folder.h"
+
+namespace reeldb_tests {
+
+namespace {
+
+class Locale : public LibraryTest {
+protected:
+  ~Locale() override
+  {
+    setlocale(LC_ALL, "C");
+    unsetenv("LOCPATH");
+  }
+
+  /// Makes a locale of the system's sources and sets it for the process; false when there are no sources.
+  bool set(const std::string& language, const std::string& charset)
+  {
+    if (!std::filesystem::exists("/usr/share/i18n/locales/" + language))
+      return false;
+    const std::string name = language + "." + charset;
+    const std::string command =
+        "localedef -i " + language + " -f " + charset + " '" + (folder_.path() / name).string() + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0) << command;
+    setenv("LOCPATH", folder_.path().c_str(), 1);
+    EXPECT_NE(setlocale(LC_ALL, name.c_str()), nullptr) << name;
+    return true;
+  }
+
+  /// What the same question gives without the locale that the host gave the thread.
+  bool existsUnpinned(const char* id)
+  {
+    const locale_t pinned = uselocale(LC_GLOBAL_LOCALE);
+    const bool exists = manager().doesReelExist(id);
+    uselocale(pinned);
+    return exists;
+  }
+
+  TempFolder folder_;
+};
+
+#define SET_LOCALE_OR_SKIP(language, charset)                                                                          \
+  if (!set(language, charset))                                                                                         \
+  GTEST_SKIP() << "the sources of the locale " language " are not installed (package locales)"
+
+} // namespace
+
+TEST_F(Locale, TurkishLettersChangeNothing)
+{
+  SET_LOCALE_OR_SKIP("tr_TR", "UTF-8");
+  addReel("LIVE1");
+  const Cookie shot = addShot("live1");
+  EXPECT_FALSE(existsUnpinned("live1")) << "the locale is not the one that this is about";
+  EXPECT_TRUE(manager().doesReelExist("live1"));
+  manager().changeReelId("Live1", "R2");
+  EXPECT_EQ(configText(shot, "reelid"), "R2");
+}
+
+TEST_F(Locale, LettersOfLatin1StayTwo)
+{
+  SET_LOCALE_OR_SKIP("de_DE", "ISO-8859-1");
+  addReel("\xE9");
+  EXPECT_TRUE(existsUnpinned("\xC9")) << "the locale is not the one that this is about";
+  EXPECT_FALSE(manager().doesReelExist("\xC9"));
+  EXPECT_TRUE(manager().doesReelExist("\xE9"));
+}
+
+TEST_F(Locale, CharactersAreThoseOfUtf8)
+{
+  EXPECT_STREQ(nl_langinfo(CODESET), "UTF-8");
+}
+
+} // namespace reeldb_tests
