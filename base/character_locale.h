@@ -6,9 +6,9 @@
 
 namespace reeldb::base {
 
-/// Widths, letters and their cases are a matter of the character set alone, and the process stays in the "C" locale, on
-/// which the comparison of identifiers rests. So the locale is switched to UTF-8 for as long as this lives, and for
-/// this thread only.
+/// Switches this thread to a UTF-8 locale while the object lives. The widths of characters, and which of them are
+/// letters, depend only on the character set. The process itself stays in the "C" locale, because the comparison of
+/// identifiers relies on it.
 class CharacterLocale {
 public:
   CharacterLocale() : before_(locale() ? uselocale(locale()) : locale_t()) {}

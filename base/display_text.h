@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text as it may be shown. Names, identifiers and paths come from lists and from other people: one that carries an
-// escape sequence must not move anybody's cursor.
+// Text that is safe to show on a terminal. Names, identifiers and paths come from lists and other people, and may
+// contain escape sequences, which must not reach a terminal.
 #ifndef REELDB_BASE_DISPLAY_TEXT_H
 #define REELDB_BASE_DISPLAY_TEXT_H
 
@@ -31,7 +31,7 @@ constexpr bool endsLine(char32_t c)
   return c == 0x2028 || c == 0x2029;
 }
 
-/// The next character. Nothing for a byte that is not UTF-8, which is passed over.
+/// The next character. Empty for a byte that is not UTF-8, which is skipped.
 inline std::optional<char32_t> nextCharacter(std::string_view::iterator& at, std::string_view::iterator end)
 {
   const auto start = at;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files: reading what is a regular file, and writing that survives a power cut. Any thread.
+// Files: reading regular files, and writing that survives a power cut. Any thread.
 #ifndef REELDB_BASE_FILES_H
 #define REELDB_BASE_FILES_H
 
@@ -25,10 +25,10 @@ namespace reeldb::base {
 
 /// What went wrong with a file.
 enum class FileFault {
-  NotFound,   ///< nothing has the name
-  Exists,     ///< something has the name already
-  NotRegular, ///< a folder, a device, a named pipe, a link that leads to no file
-  TooLarge,   ///< more bytes than the caller takes
+  NotFound,   ///< there is no such file
+  Exists,     ///< there is a file of that name already
+  NotRegular, ///< a folder, a device, a named pipe, or a link that leads to no file
+  TooLarge,   ///< more bytes than the caller allows
   System,     ///< the system refused (permission, disk full)
 };
 
@@ -41,7 +41,7 @@ public:
         fault_(fault), fact_(std::move(fact)), cause_(std::move(cause))
   {
   }
-  /// What the system says of the error number @p error.
+  /// A failure of the system; the cause is the system's text for @p error.
   FileError(const std::filesystem::path& path, std::string fact, int error)
       : FileError(FileFault::System, path, std::move(fact), std::generic_category().message(error))
   {
@@ -73,7 +73,7 @@ private:
   int fd_;
 };
 
-/// A file that goes with its owner, unless keep() was called.
+/// A file that the destructor removes unless keep() was called.
 class TemporaryFile {
 public:
   explicit TemporaryFile(std::filesystem::path path) : path_(std::move(path)) {}
@@ -92,13 +92,13 @@ private:
   bool kept_ = false;
 };
 
-/// The folder that @p path lies in; "." when it names none.
+/// The folder that @p path lies in; "." if the path has no folder.
 inline std::filesystem::path folderOf(const std::filesystem::path& path)
 {
   return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
 }
 
-/// What kind of thing a file mode stands for, in words: "a folder", "a named pipe", ...; empty for a regular file.
+/// The kind of file that a mode describes, in words: "a folder", "a named pipe", ...; empty for a regular file.
 inline std::string kindOfFile(mode_t mode)
 {
   switch (mode & S_IFMT) {
@@ -125,7 +125,7 @@ inline void requireRegular(const std::filesystem::path& path, mode_t mode)
     throw FileError(FileFault::NotRegular, path, "no regular file", kindOfFile(mode));
 }
 
-/// What the system knows of the regular file that @p path leads to.
+/// The status of the regular file that @p path leads to.
 inline struct stat statusOf(const std::filesystem::path& path)
 {
   struct stat status = {};
@@ -154,8 +154,8 @@ inline std::string readRegularFile(const std::filesystem::path& path, std::size_
   const auto tooLarge = [&] {
     return FileError(FileFault::TooLarge, path, "too large", "more than " + std::to_string(limit) + " bytes");
   };
-  // open() alone can do something to a device, so stat() comes first; O_NONBLOCK because the file may have been
-  // exchanged since.
+  // open() can have side effects on a device, so stat() comes first. O_NONBLOCK: the file may have been swapped in
+  // between.
   if (static_cast<std::uintmax_t>(detail::statusOf(path).st_size) > limit)
     throw tooLarge();
   const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -172,29 +172,29 @@ inline std::string readRegularFile(const std::filesystem::path& path, std::size_
     if (got == 0)
       return content;
     content.append(buffer, static_cast<std::size_t>(got));
-    if (content.size() > limit) // it has grown
+    if (content.size() > limit) // the file has grown since stat()
       throw tooLarge();
   }
 }
 
-/// Waits until the names in @p folder are on disk. A folder that may be written but not read cannot be waited for.
+/// Waits until the names in @p folder are on disk. Returns without waiting if the folder can be written but not read.
 /// Throws FileError (System).
 inline void syncFolder(const std::filesystem::path& folder)
 {
   const FileDescriptor fd(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!fd.valid() && errno == EACCES)
     return;
-  // EINVAL: the file system keeps no folders that could be synchronised.
+  // EINVAL: the file system does not synchronise folders.
   if (!fd.valid() || (::fsync(fd.get()) != 0 && errno != EINVAL))
     throw FileError(folder, "cannot be written", errno);
 }
 
 namespace detail {
 
-/// A name beside @p path that nobody else uses, for a file that is to become @p path.
+/// An unused name beside @p path, for a file that is renamed to @p path later.
 inline std::filesystem::path nameBeside(const std::filesystem::path& path)
 {
-  constexpr std::size_t mostBytes = 200; // of a name, which may have 255
+  constexpr std::size_t mostBytes = 200; // leaves room for the ending: a name has at most 255 bytes
   std::uint64_t number = 0;
   if (::getentropy(&number, sizeof number) != 0)
     throw FileError(path, "cannot be made", errno);
@@ -203,9 +203,9 @@ inline std::filesystem::path nameBeside(const std::filesystem::path& path)
   return folderOf(path) / ("." + path.filename().native().substr(0, mostBytes) + ending);
 }
 
-/// Makes the new file @p place and waits until its content is on disk; no file is left after a throw. A file without
-/// @p mode gets the usual permissions. A FileError names @p subject, and says @p cannotBeMade when there can be no
-/// file.
+/// Creates the file @p place and waits until its content is on disk. No file is left after a throw. Without @p mode the
+/// file gets the usual permissions. A FileError names @p subject, with the fact @p cannotBeMade if the file cannot be
+/// created.
 inline void writeFile(const std::filesystem::path& place, std::string_view content, std::optional<mode_t> mode,
                       const std::filesystem::path& subject, const char* cannotBeMade)
 {
@@ -223,7 +223,7 @@ inline void writeFile(const std::filesystem::path& place, std::string_view conte
   };
   struct stat status = {};
   require(::fstat(fd.get(), &status) == 0);
-  if (mode && (status.st_mode & 0777) != *mode) // not every file system lets them be set
+  if (mode && (status.st_mode & 0777) != *mode) // some file systems cannot change permissions
     require(::fchmod(fd.get(), *mode) == 0);
   while (!content.empty()) {
     const ssize_t written = ::write(fd.get(), content.data(), content.size());
@@ -237,15 +237,15 @@ inline void writeFile(const std::filesystem::path& place, std::string_view conte
 
 } // namespace detail
 
-/// Makes the new file @p path with @p content and waits until it is on disk. Throws FileError: Exists when anything has
-/// the name (nothing is overwritten, no link is followed), System; no file is left then.
+/// Creates the file @p path with @p content and waits until it is on disk. Throws FileError: Exists if the name is
+/// taken (nothing is overwritten, no link is followed), System. No file is left after a throw.
 inline void writeNewFile(const std::filesystem::path& path, std::string_view content)
 {
   detail::writeFile(path, content, {}, path, "cannot be made");
 }
 
-/// Makes an empty file with the usual permissions under a name that nobody else uses. It lies beside @p path, which it
-/// is to become. Throws FileError (System).
+/// Creates an empty file with the usual permissions, under an unused name beside @p path, to be renamed to @p path
+/// later. Throws FileError (System).
 inline TemporaryFile newFileBeside(const std::filesystem::path& path)
 {
   const std::filesystem::path place = detail::nameBeside(path);
@@ -253,15 +253,15 @@ inline TemporaryFile newFileBeside(const std::filesystem::path& path)
   return TemporaryFile(place);
 }
 
-/// Gives a finished file the name @p path, which nothing may have; from then on it stays. Throws FileError: Exists,
-/// System.
+/// Renames a finished file to @p path and keeps it. The name must be free. Throws FileError: Exists, System.
 inline void nameNewFile(TemporaryFile& file, const std::filesystem::path& path)
 {
   if (::renameat2(AT_FDCWD, file.path().c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
     file.keep();
     return;
   }
-  // Network file systems do not know that call, but second names; file systems of memory cards the other way round.
+  // Network file systems lack renameat2() with RENAME_NOREPLACE but have hard links; file systems of memory cards have
+  // it but lack hard links.
   if ((errno == EINVAL || errno == ENOSYS) && ::link(file.path().c_str(), path.c_str()) == 0)
     return;
   if (errno == EEXIST)
@@ -269,32 +269,32 @@ inline void nameNewFile(TemporaryFile& file, const std::filesystem::path& path)
   throw FileError(path, "cannot be made", errno);
 }
 
-/// What replaceFile does with what has the name already.
+/// What replaceFile does if the name is taken.
 enum class IfThere {
-  Refuse,      ///< stays: FileError (Exists)
-  Replace,     ///< a file is replaced; a link stays, and the file that it leads to is replaced
-  ReplaceLink, ///< a file is replaced, and so is a link, whatever it leads to
+  Refuse,      ///< throws FileError (Exists)
+  Replace,     ///< replaces a file; keeps a link and replaces the file that it leads to
+  ReplaceLink, ///< replaces a file; replaces also a link, whatever it leads to
 };
 
-/// Writes the file @p path, whole or not at all: into a new file beside it, which takes the name when everything is on
-/// disk. A file that is replaced leaves its permissions to the new one. Throws FileError: Exists, NotRegular when
-/// something other than a file has the name or a link leads to none, System. What was there is then as it was, and
-/// nothing else is left.
+/// Writes the file @p path completely or not at all: writes a new file beside it, and renames that file when its
+/// content is on disk. The new file gets the permissions of the file that it replaces. Throws FileError: Exists,
+/// NotRegular if @p path is not a file or is a link that leads to no file, System. After a throw the old file is
+/// unchanged, and no new file is left.
 ///
-/// The new file lies at @p temporary until it takes the name, or under a name that nobody else uses. A caller that
-/// names one keeps all others away from it; what a killed process left there is removed.
+/// Until it is renamed, the new file has the name @p temporary, or an unused name. The caller makes sure that no other
+/// process uses @p temporary; a file that a killed process left there is removed.
 inline void replaceFile(const std::filesystem::path& path, std::string_view content, IfThere ifThere,
                         const std::filesystem::path& temporary = {})
 {
   const bool followsLinks = ifThere != IfThere::ReplaceLink;
   std::filesystem::path target = path;
-  std::optional<mode_t> mode; // of the file that is replaced
+  std::optional<mode_t> mode; // of the old file
   struct stat status = {};
   const bool isThere = (followsLinks ? ::stat(path.c_str(), &status) : ::lstat(path.c_str(), &status)) == 0;
   if (isThere) {
     if (!S_ISLNK(status.st_mode)) {
       detail::requireRegular(path, status.st_mode);
-      mode = status.st_mode & 0777; // who may not read the old content may not read the new one
+      mode = status.st_mode & 0777; // the new content is as private as the old one
     }
     if (ifThere == IfThere::Refuse)
       throw FileError(FileFault::Exists, path, "exists already");

@@ -8,7 +8,7 @@
 
 namespace reeldb::base {
 
-/// The number that a text of decimal digits writes; nothing for any other text and for a number beyond an int.
+/// The number in a text of decimal digits. Empty for any other text, and for a number that an int cannot hold.
 inline std::optional<int> parseNumber(std::string_view text)
 {
   int value = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How wide a text is on a terminal. All texts here are displayTexts: valid UTF-8 without control characters.
+// The width of texts on a terminal. All arguments but that of shortText come from displayText: valid UTF-8 without
+// control characters.
 #ifndef REELDB_BASE_TEXT_WIDTH_H
 #define REELDB_BASE_TEXT_WIDTH_H
 
@@ -17,7 +18,7 @@
 
 namespace reeldb::base {
 
-/// Columns that the character takes up. REQUIRES: a CharacterLocale lives.
+/// The number of columns of a character. REQUIRES: a CharacterLocale lives.
 inline std::size_t columnsOf(char32_t c)
 {
   if (c < 0x7F)
@@ -26,7 +27,7 @@ inline std::size_t columnsOf(char32_t c)
   return width < 0 ? 1 : static_cast<std::size_t>(width);
 }
 
-/// Columns that the text takes up.
+/// The number of columns of a text.
 inline std::size_t displayWidth(std::string_view text)
 {
   const CharacterLocale locale;
@@ -36,12 +37,12 @@ inline std::size_t displayWidth(std::string_view text)
   return columns;
 }
 
-/// The longest start of the text that fits into @p columns (at least 1), with an ellipsis when something is left.
+/// The longest prefix of the text that fits into @p columns (at least 1), with an ellipsis if the text is cut.
 inline std::string cutToWidth(std::string_view text, std::size_t columns)
 {
   const CharacterLocale locale;
   std::size_t used = 0;
-  auto cut = text.begin(); // as much as leaves room for the ellipsis
+  auto cut = text.begin(); // the end of the part that leaves room for the ellipsis
   for (auto at = text.begin(); at != text.end();) {
     used += columnsOf(utf8::next(at, text.end()));
     if (used > columns)
@@ -52,7 +53,7 @@ inline std::string cutToWidth(std::string_view text, std::size_t columns)
   return std::string(text);
 }
 
-/// Any text as a displayText, cut to a length that suits a message.
+/// The displayText of any text, cut to a length that suits a message.
 inline std::string shortText(std::string_view text)
 {
   constexpr std::size_t messageColumns = 80;

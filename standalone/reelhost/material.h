@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// A shot as applications see it, and the keys under which its log keeps its texts. Any thread.
+/// A shot as applications see it, and the keys of its texts in its log. Any thread.
 #ifndef REELHOST_MATERIAL_H
 #define REELHOST_MATERIAL_H
 
@@ -11,27 +11,27 @@ namespace reelhost {
 
 /// A clip of imported material: one shot. All texts UTF-8; timecodes as written.
 struct Material {
-  std::string reel;       ///< reel identifier; empty: none
+  std::string reel;       ///< reel identifier; empty: no reel
   std::string name;       ///< clip name
   std::string sourceFile, ///< file the clip comes from
       sourceIn,           ///< timecode of its start on the reel
       sourceOut,          ///< timecode of its end on the reel
       recordIn,           ///< timecode of its start in the cut
       recordOut,          ///< timecode of its end in the cut
-      tracks;             ///< which tracks it is on
-  std::string aliases;    ///< other names of the reel, one a line
-  int videoChannels = 0,  ///< how many
-      audioChannels = 0;  ///< how many
+      tracks;             ///< the tracks it is on
+  std::string aliases;    ///< other names of the reel, one per line
+  int videoChannels = 0,  ///< number of video channels
+      audioChannels = 0;  ///< number of audio channels
 };
 
 /// One text of a shot.
 struct ShotText {
-  const char* key;             ///< of the log's configuration block, UTF-8
-  std::string Material::*text; ///< where a Material has it
+  const char* key;             ///< its key in the log's configuration block, UTF-8
+  std::string Material::*text; ///< its member in a Material
 };
 
-/// The texts of a shot that its log keeps in the configuration block, the reel identifier first. Stores return these
-/// keys in this order, before all others.
+/// The texts of a shot that are in its log's configuration block, the reel identifier first. Stores return these keys
+/// in this order, before all other keys.
 inline constexpr std::array<ShotText, 8> shotTexts = {{
     {"reelid", &Material::reel},
     {"source_file", &Material::sourceFile},

@@ -24,9 +24,9 @@ constexpr const char* maps[] = {"pal9pin", "nts9pin", "24f9pin", "pal1394", "nts
 
 constexpr const char* head = R"(# Default label maps
 
-What `get_device_label_map_name` answers for a device without a configured label map, by the frame rate code of the
-project's output and the port type of the device. A device whose configured map does not fit it gets the same answer.
-Port types other than 0 and 1 are all alike; codes that are not in the table are answered like 0.
+The result of `get_device_label_map_name` for a device without a configured label map, by the frame rate code of the
+project's output and the port type of the device. A device whose configured map does not fit it gets the same result.
+All port types other than 0 and 1 give the same maps; codes that are not in the table give the maps of code 0.
 
 <!-- Written by the test labelmaps_test; renew it with: REELDB_RENEW=1 labelmaps_test -->
 
@@ -37,9 +37,9 @@ Port types other than 0 and 1 are all alike; codes that are not in the table are
 constexpr const char* configured = R"(
 ## Devices with a configured map
 
-What the same function, and `reeldb label-map for --device N`, answers for a device that is configured with one of the usual maps,
-as `reeldb init` writes them, in projects of each family of frame rates. The configured map is answered when it fits the
-device, whatever the project's rate is; otherwise the answer is that of the table above.
+The result of the same function, and of `reeldb label-map for --device N`, for a device that is configured with one of
+the default maps that `reeldb init` writes, in projects of each family of frame rates. It is the configured map if that
+fits the device, whatever the project's rate is; otherwise it is the map of the table above.
 
 | Configured map | 9-pin, 25 | 9-pin, 29.97 | 9-pin, 24 | 1394, 25 | 1394, 29.97 | 1394, 24 | no port, 25 | no port, 29.97 | no port, 24 |
 |---|---|---|---|---|---|---|---|---|---|
