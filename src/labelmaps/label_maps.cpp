@@ -30,7 +30,7 @@ bool reads1394(const Entry& e)
   return e.source == codes::from1394;
 }
 
-/// Whether some entry in use is such.
+/// Whether any entry in use matches.
 template <class Test>
 bool anyInUse(const LabelMappingSet& map, Test test)
 {
@@ -103,7 +103,7 @@ bool map_file_is_compatible_with_project(const LightweightString<wchar_t>& mapNa
 {
   const int rate = Zr::CurrentProject::getFrameRate(Zr::CurrentProject::Revision(0));
   LabelMappingSet map;
-  // A map that cannot be read is not held against the project.
+  // A map that cannot be read counts as compatible with the project.
   return !map.load(mapName) || !anyInUse(map, [rate](const Entry& e) { return conflictsWithRate(e.format, rate); });
 }
 

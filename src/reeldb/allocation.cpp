@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The allocation operators the library exports, all led to the host's allocator. A program that links the library
-// allocates there too. The sized and the aligned forms stay the standard library's: the sized ones come here by way of
-// the plain ones, the aligned ones pair with each other.
+// The exported allocation operators. All forward to the host's allocator, so a program that links the library uses it,
+// too. The sized and the aligned forms are those of the standard library: the sized forms call the plain ones defined
+// here, and the aligned forms pair with each other.
 #include <new>
 
 #include "host/os.h"
@@ -38,7 +38,8 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept
   }
 }
 
-// By way of the array form: what operator delete[] gives back was made by operator new[], whoever replaces the two.
+// Calls the array form, so that operator delete[] frees memory of the matching operator new[], even if a program
+// replaces both.
 void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
   try {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Clients and how they are notified: by index, and their number is read again after each. A handler may register and
-// unregister clients and cause further notifications. A client that unregisters itself or an earlier one makes the next
-// one miss this pass.
+// Clients and their notification: by index, and the number of clients is read again after each call. A handler may
+// register and unregister clients and cause further notifications. If a client unregisters itself or an earlier one,
+// the next client misses this pass.
 #include "ReelDbClient.h"
 
 #include <utility>
@@ -14,8 +14,8 @@ using reeldb::sameText;
 
 namespace {
 
-/// The client that a notification pass is at. Passes nest: a handler may cause another notification. A client that ends
-/// inside its own handler takes itself out of every pass, so that no pass calls it again. Main thread only.
+/// The current client of a notification pass. Passes nest: a handler may cause another notification. A client that ends
+/// inside its own handler removes itself from every pass, so that no pass calls it again. Main thread only.
 class ClientPass {
 public:
   ClientPass() : outer_(innermost_), current_(nullptr) { innermost_ = this; }
@@ -51,7 +51,7 @@ ReelDbClient::ReelDbClient()
 ReelDbClient::ReelDbClient(LightweightString<char> id)
 {
   ReelDbManager::theReelDbManager()->registerClient(this);
-  // Moved, which cannot fail: a client that is never finished must not stay with the manager.
+  // A move cannot fail. If this could throw after the registration, the manager would keep an unfinished client.
   reelIdOfInterest_ = std::move(id);
 }
 

@@ -37,7 +37,7 @@ struct NewReel {
   LightweightString<wchar_t> logName;
 };
 
-/// What a new reel made on this device is called; gives its log the device's audio channels.
+/// The names of a new reel on this device. Adds the device's audio channels to its log.
 NewReel fromDevice(Edit* log, const LightweightString<char>& requested, int deviceId)
 {
   const ExtDeviceConfig config = theConfigurationManager().getConfig(deviceId);
@@ -50,7 +50,7 @@ NewReel fromDevice(Edit* log, const LightweightString<char>& requested, int devi
   return {deviceName, reelLogName(requested)};
 }
 
-/// Each change opens the log by itself, as the host expects of changes that stand alone.
+/// Each change opens the log separately; the host expects that of independent changes.
 void writeLog(Edit* log, const NewReel& reel)
 {
   OpenLog(log)->set_reelid(0, reel.id.c_str());
@@ -81,7 +81,7 @@ ReelDbRec ReelDbManager::createNewReel(const LightweightString<char>& reelId, in
     defer(Zr::Ptr<iExecutableAction>(new CreateNewReelAction(reelId, deviceId)));
     return rec;
   }
-  // The tests take the identifier as it came; the reel gets the trimmed one.
+  // The checks use the untrimmed identifier; the reel gets the trimmed one.
   if (doesReelExist(reelId) || representsInternallyGeneratedMaterial(reelId))
     return rec;
   const LightweightString<char> trimmed = trimLeadingTrailingSpaces(reelId);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the library exports beside its classes.
+// The exports that are not classes.
 #include "MainThread.h"
 #include "ReelDbVersion.h"
 

@@ -10,7 +10,7 @@
 
 namespace reeldb {
 
-/// Whether two reel identifiers name one reel: letter case does not count. The empty identifier equals only itself.
+/// Whether two identifiers name the same reel; letter case is ignored. The empty identifier equals only itself.
 inline bool sameReelId(const LightweightString<char>& a, const LightweightString<char>& b)
 {
   return strcasecmp(a.c_str(), b.c_str()) == 0;

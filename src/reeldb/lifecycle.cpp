@@ -14,7 +14,7 @@ constexpr const char* defaultTypeOption = "reeldb_defaultType";
 
 ReelDbManager* ReelDbManager::theReelDbManager_ = nullptr;
 
-// Read before the reel types are: the order is part of what a host sees when it loads the library.
+// Read before the reel types. A host sees this order when it loads the library.
 LightweightString<char> ReelDbManager::systemWideDefaultReelType_ __attribute__((init_priority(60000))) =
     config_string("default_reel_type", "");
 
@@ -66,7 +66,7 @@ void ReelDbManager::buildReelList()
 bool ReelDbManager::handleDeviceChange(const NotifyMsg& msg)
 {
   const IdStamp device = ExtDeviceConfigurationManager::DeviceChangedMsgParser(msg);
-  static_cast<void>(device.valid()); // asked and not used: no device change alters the reels
+  static_cast<void>(device.valid()); // the result is not used: no device change alters the reels
   return true;
 }
 

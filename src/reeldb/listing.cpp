@@ -23,7 +23,7 @@ void ReelDbManager::getAllReelIds(std::vector<LightweightString<char>>& out, boo
     const LightweightString<char> id = reeldb::reelAttribute(reel);
     if (id.empty())
       continue;
-    // Live or not is asked by identifier: of two reels that differ in case only, the first decides for both.
+    // Looked up by identifier: if two identifiers differ only in case, the first reel decides for both.
     if (!includeLive && reeldb::sameText(getReelInfo(id).typeName(), reeldb::liveType))
       continue;
     out.push_back(id);
@@ -47,7 +47,7 @@ void ReelDbManager::getReelsCompatibleWithDevice(std::vector<LightweightString<c
       continue;
     ReelDbRec rec(reel);
     const LightweightString<char> type = rec.typeName();
-    // A type nobody defined says nothing about what the device can do with the reel, so the reel is offered.
+    // For an undefined type it is unknown whether the device can use the reel, so the reel is listed.
     if (config.getTapeList().contains(type) || !reeldb::isKnownType(type))
       out.push_back(rec.reelId());
   }

@@ -17,7 +17,7 @@ void ReelDbManager::checkLiveDeviceMedia(int deviceId)
   const LightweightString<char> name = getLiveDeviceMediaName(toUTF8(config.getTextName()));
   if (doesReelExist(name))
     return;
-  // Whatever came of the creation, the device is to remember its reel: one that was deferred comes later.
+  // The device stores its reel whatever createNewReel returned: a deferred reel is created later.
   ReelDbRec rec = createNewReel(name, -1);
   rec.typeName(reeldb::liveType);
   rec.lastDevice(config.getTextName());

@@ -23,7 +23,7 @@ LightweightString<char> userFieldNameKey(int n)
   return key;
 }
 
-/// The fields are stored from 0, people count from 1.
+/// Keys count from 0, display names from 1.
 LightweightString<char> defaultUserFieldName(int n)
 {
   char name[40];

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int copiedUserFields = 6;
 
-/// Holds back the manager's notifications for as long as this lives, exceptions included: a count left up would make
-/// every client deaf for good. The count never falls below 0.
+/// Holds the manager's notifications while this lives, also when an exception passes: if the count stayed up, no client
+/// would ever be notified again. The count never falls below 0.
 class NotificationHold {
 public:
   explicit NotificationHold(int& count) : count_(count) { ++count_; }
@@ -49,7 +49,7 @@ void ReelDbManager::changeReelId(LightweightString<char> oldId, LightweightStrin
     return;
   rec.reelId(newId);
 
-  // Open until the end: clients and shots are served while the host still holds the reel.
+  // Stays open until the end, so the host holds the reel while clients are notified and shots renamed.
   const OpenLog log(rec);
   if (log)
     log->setName(reeldb::reelLogName(newId), false);

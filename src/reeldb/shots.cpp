@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Tells reel logs from others: by the database's row where there is one, else by opening the log. The row's column is
-/// looked up once, when this is made.
+/// Decides whether a log is a reel: by its database row if it has one, else by opening the log. The row's column is
+/// looked up once, in the constructor.
 class LogTypes {
 public:
   LogTypes() : db_(EditManager::getProjdb()), typeColumn_(db_ ? db_->findField("Type") : 0) {}

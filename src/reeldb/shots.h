@@ -9,8 +9,8 @@ class projdb;
 
 namespace reeldb {
 
-/// The logs whose reel identifier the database takes to be @p reelId, and those among them that do carry it, in any
-/// case, in the order of the database. The search may answer near matches; what it answers is compared again.
+/// The logs that the database finds for @p reelId, in database order. The search may return near matches, so each
+/// result is compared again with isRecordedFrom.
 CookieVec findShots(projdb& db, const LightweightString<char>& reelId);
 
 /// Whether this log carries the identifier. A log without one matches the empty identifier.

@@ -23,7 +23,7 @@ LightweightString<char> userFieldKey(int n)
   return LightweightString<char>(TR_USER_FIELD_BASE) + LightweightString<char>(digits);
 }
 
-/// The text of a field in which one stored text stands for "nothing".
+/// The text of a field in which one special text means "no value".
 LightweightString<char> textUnless(ReelDbRec& rec, const char* key, const char* nothing)
 {
   LightweightString<char> text;
@@ -38,7 +38,8 @@ bool flag(ReelDbRec& rec, const char* key)
   return value != 0;
 }
 
-/// Tells the manager that a field of this reel changed. The identifier is read anew: it is what the clients know.
+/// Notifies the manager that a field of this reel changed. Reads the identifier again, because the clients know that
+/// spelling.
 void notify(ReelDbRec& rec)
 {
   const LightweightString<char> id = rec.reelId();

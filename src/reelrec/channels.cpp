@@ -41,7 +41,7 @@ int present(const OpenLog& log, EditChanType type)
   return log->getNumChans(type) & codes::channelCountMask;
 }
 
-/// Adds that many channels; none when the number is not positive.
+/// Adds @p missing channels; adds no channel if the number is not positive.
 void addChannels(const OpenLog& log, EditChanType type, long long missing)
 {
   for (long long i = 0; i < missing; ++i)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The configuration block's `in` has overloads of opposite meaning: with a key alone non-null is "present", with an
-// out-argument 0 is "read". Each meaning is spelt out once, here.
+// The overloads of configb::in have opposite results: with a key alone, non-null means "present"; with an out-argument,
+// 0 means "read". Only this file tests these results.
 #ifndef REELDB_REELREC_CONFIG_ACCESS_H
 #define REELDB_REELREC_CONFIG_ACCESS_H
 
@@ -14,13 +14,13 @@ inline bool hasKey(const configb& block, const char* key)
   return block.in(key) != nullptr;
 }
 
-/// The text of a key; without a body when the key is absent.
+/// The text of a key; without a body if the key is absent.
 inline LightweightString<char> textOf(const configb& block, const char* key)
 {
   return block.in(key);
 }
 
-/// Reads a value in any of its forms; whether it was there. @p out holds whatever the host left in it.
+/// Reads a value of any type. Returns whether the key was there. @p out holds the value that the host left in it.
 template <class Out>
 bool readValue(const configb& block, const char* key, Out&& out)
 {

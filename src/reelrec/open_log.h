@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one place where the library opens and closes logs. A log is closed on every path, exceptions included, and also
-// when it did not open: the host expects one close for each open.
+// The only place where the library opens and closes logs. A log is closed on every path, exceptions included, and even
+// if it could not be opened: the host expects one close for each open.
 #ifndef REELDB_REELREC_OPEN_LOG_H
 #define REELDB_REELREC_OPEN_LOG_H
 
@@ -10,7 +10,7 @@
 
 namespace reeldb {
 
-/// Closes a handle when it ends. Made before the open, so that an open that throws is closed as well.
+/// Closes a handle in its destructor. It is constructed before the open, so an open that throws is closed as well.
 class LogCloser {
 public:
   explicit LogCloser(EditPtr& handle) : handle_(handle) {}
@@ -22,11 +22,11 @@ private:
   EditPtr& handle_;
 };
 
-/// A log held open for as long as this lives. False when the log did not open.
+/// Holds a log open while it lives. False if the log could not be opened.
 class OpenLog {
 public:
   explicit OpenLog(const Cookie& log) : closer_(handle_) { handle_.i_open(log, codes::openAsUsual); }
-  /// Takes hold of a log that is open already.
+  /// One more opening of a log that is open already.
   explicit OpenLog(Edit* edit) : closer_(handle_) { handle_ = edit; }
 
   explicit operator bool() const { return handle_.get() != nullptr; }
@@ -43,7 +43,7 @@ inline void addChannel(const OpenLog& log, EditChanType type)
   log->addChan(type, Zr::Ptr<Cel>(), false, EditChanSubType(0), false, -1.0);
 }
 
-/// The reel identifier of a log as its attribute shows it; empty when unset or when the log does not open.
+/// The reel identifier in a log's attribute; empty if it is not set or the log cannot be opened.
 inline LightweightString<char> reelAttribute(const Cookie& log)
 {
   EditInfo info(log, codes::openAsUsual);

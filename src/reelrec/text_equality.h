@@ -9,7 +9,7 @@
 
 namespace reeldb {
 
-/// Letter for letter. A string without a body equals the empty text.
+/// Compares with letter case. A string without a body equals the empty text.
 inline bool sameText(const LightweightString<char>& a, const LightweightString<char>& b)
 {
   return std::strcmp(a.c_str(), b.c_str()) == 0;

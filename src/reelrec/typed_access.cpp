@@ -55,7 +55,7 @@ bool ReelDbRec::getStringValFromEdit(LightweightString<char> key, LightweightStr
     return false;
   char text[codes::textBufferSize] = {};
   const bool found = readValue(log->config(), key.c_str(), text);
-  // Whatever the answer was: a key that is not there leaves the buffer, and so the result, empty.
+  // The result of `in` does not matter: an absent key leaves the buffer, and so the text, empty.
   out = text;
   return found;
 }

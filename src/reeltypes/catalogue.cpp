@@ -8,8 +8,8 @@
 
 namespace {
 
-// In this order, above the catalogue: a query that came before these had their text would use an empty parameter name,
-// and an empty name occurs in every token.
+// Defined before the catalogue: a query before these texts are constructed would use an empty parameter name, and every
+// token contains the empty name.
 const LightweightString<char> videoChannels("VideoChannels");
 const LightweightString<char> audioChannels("AudioChannels");
 
@@ -27,7 +27,7 @@ ReelTypeManager* theReelTypeManager()
   return &theReelTypeManager_;
 }
 
-// Held by a pointer of our own until the list holds it, so that it goes if the list cannot be made.
+// A pointer of our own holds the body until the list does, so that it is freed if the list cannot be constructed.
 ReelTypeManager::ReelTypeManager() : AssocList(Zr::Ptr<AssocListRep>(new AssocListRep(false)).get())
 {
   flag_ = false;
@@ -69,7 +69,7 @@ ReelType ReelTypeManager::type(const LightweightString<char>& name)
 
 bool ReelTypeManager::getReelParam(LightweightString<char> typeName, LightweightString<char> paramName, int& value)
 {
-  // Finds or creates: a name that nobody defined becomes a type without parameters.
+  // Finds or creates: an undefined name becomes a type without parameters.
   const LightweightString<char> params = (*this)[typeName].value;
   ByteStream stream(params);
   stream.separators.append(' ');

@@ -6,7 +6,7 @@
 
 namespace reeldb {
 
-/// Whether the catalogue holds this type name. Asking adds nothing.
+/// Whether the catalogue holds this type name. Does not add the name.
 inline bool isKnownType(const LightweightString<char>& name)
 {
   return static_cast<bool>(theReelTypeManager()->rep()->find(name));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The reel type file: records divided by CR and LF, each "name:parameters". The reader never fails; a bad record costs
-// itself and one warning.
+// The reel type file: records "name:parameters", separated by CR and LF. The reader never fails; it skips a bad record
+// with a warning.
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -13,8 +13,8 @@
 
 namespace {
 
-// The working buffers of this file hold 2,048 bytes. A text that does not fit ends the process: cutting it would make
-// two types one, and the file is the site's own.
+// The working buffers of this file hold 2,048 bytes. A text that does not fit ends the process: cutting it could make
+// two types equal, and the site maintains the file.
 constexpr std::size_t bufferSize = 2048;
 
 bool isSpace(char c)
