@@ -9,8 +9,8 @@ class projdb;
 
 namespace reeldb {
 
-/// The logs that the database finds for @p reelId, in database order. The search may return near matches, so each
-/// result is compared again with isRecordedFrom.
+/// The logs that the database finds for @p reelId, in database order. The result may contain near matches; the caller
+/// checks each log with isRecordedFrom.
 CookieVec findShots(projdb& db, const LightweightString<char>& reelId);
 
 /// Whether this log carries the identifier. A log without one matches the empty identifier.
