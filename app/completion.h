@@ -18,9 +18,9 @@ struct Choice {
   std::string description; ///< one line; may be empty
 };
 
-/// The values of that kind in the facility and its project, whatever has been typed of them but for an assignment
-/// "field=value", of which @p typed decides which half is meant. None for files and folders, which a shell knows.
-/// Throws Error when they cannot be read.
+/// The values of that kind in the facility and its project. They do not depend on @p typed, except for an assignment
+/// "field=value", where @p typed decides which half is completed. Empty for files and folders, which a shell completes.
+/// Throws Error if they cannot be read.
 std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std::optional<std::string>& project);
 
 } // namespace reeldb::app

@@ -13,7 +13,7 @@
 
 namespace reeldb::app {
 
-/// What a deletion comes to: a value that can be shown before it is carried out.
+/// The effects of a deletion: a value that can be shown before the deletion is carried out.
 struct DeletionPlan {
   struct Item {
     std::string reel;        ///< the identifier as its record spells it
@@ -23,20 +23,20 @@ struct DeletionPlan {
   std::vector<std::string> reels, keep; ///< as asked
   bool dryRun = false;                  ///< it is only shown; for reports
   std::vector<Item> items;              ///< the reels that were asked for, each once
-  std::vector<std::string> logs;        ///< what goes, by the text form of the log: reels, each followed by its shots
+  std::vector<std::string> logs;        ///< the logs to delete, in text form: reels, each followed by its shots
 
   bool empty() const { return logs.empty(); }
   std::size_t reelCount() const; ///< how many reels go
   std::size_t shotCount() const { return logs.size() - reelCount(); }
 };
 
-/// Looks up what deleting these reels would take away; those in @p keep stay, and so do their shots. Changes nothing.
-/// Throws Error (NotFound) for a reel that is not there, in either list.
+/// Determines what deleting these reels would delete. Reels in @p keep stay, and so do their shots. Changes nothing.
+/// Throws Error (NotFound) for a reel in either list that does not exist.
 DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reels,
                           const std::vector<std::string>& keep);
 
-/// Carries the plan out and stores it. Throws Error (Refused) when the project has moved on, so that other logs would
-/// go than the plan says; nothing is deleted then. REQUIRES: a session for writing.
+/// Carries out the plan and stores it. Throws Error (Refused) if the project has changed so that other logs would be
+/// deleted than the plan lists; nothing is deleted then. REQUIRES: a session for writing.
 void carryOut(Session& session, const DeletionPlan& plan);
 
 struct Undeleted {
@@ -44,8 +44,8 @@ struct Undeleted {
   std::size_t shots = 0;
 };
 
-/// Brings the last deletion back and stores that. Throws Error (Refused) when there is none, and when a reel that would
-/// come back has an identifier that another reel has by now. REQUIRES: a session for writing.
+/// Restores the last deletion and stores that. Throws Error (Refused) if there is no deletion, or if another reel now
+/// has the identifier of a reel to restore. REQUIRES: a session for writing.
 Undeleted undelete(Session& session);
 
 } // namespace reeldb::app

@@ -20,8 +20,8 @@ struct Device {
   std::string input;
   int audioInputs = 0;
   std::vector<std::string> tapes; ///< reel types that it accepts
-  std::string labelMap;           ///< empty: none of its own
-  std::string lastReel;           ///< empty: none yet
+  std::string labelMap;           ///< empty if no map is configured
+  std::string lastReel;           ///< empty if there was no reel yet
 };
 
 /// In the order of facility.toml.
@@ -45,8 +45,8 @@ struct LiveReel {
   bool created = false; ///< false: it was there already
 };
 
-/// The reel of the device's live feed, made and stored if it is not there. Throws Error as showDevice does, and Refused
-/// when the device is no live source or its name is none for a reel. REQUIRES: a session for writing.
+/// The reel of the device's live feed, created and stored if it does not exist. Throws Error as showDevice does, and
+/// Refused if the device is not a live source or its name is not valid for a reel. REQUIRES: a session for writing.
 LiveReel liveReel(Session& session, const std::string& device);
 
 } // namespace reeldb::app

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What bringing lists in would change, and what of the project they no longer name.
+// What importing lists would change, and what of the project they no longer name.
 #ifndef REELDB_APP_DIFF_H
 #define REELDB_APP_DIFF_H
 
@@ -17,7 +17,7 @@ namespace reeldb::app {
 /// A reel that an import would make.
 struct NewReel {
   std::string id;
-  std::vector<Candidate> candidates; ///< reels that are there and that the name may mean all the same
+  std::vector<Candidate> candidates; ///< existing reels that the name may mean
 };
 
 /// A line of a list that could not be read.
@@ -45,10 +45,10 @@ struct ListDiff {
 
 /// Compares the lists, taken together, with the open project. Changes nothing. Throws Error.
 ///
-/// A shot with a record in or out comes from a cut list, any other from a log file; missing and gone is only what comes
-/// from lists of the kinds compared, for a cut says nothing of what a log holds. Shots are missing when a list names
-/// their reel. With @p whole the lists are all there is: shots of any reel may be missing, and a reel is gone when all
-/// of its shots that count are.
+/// A shot with a record in or out comes from a cut list, any other shot from a log file. Only shots from lists of the
+/// compared kinds can be missing, because a cut list does not describe the content of a log file. A shot is missing if
+/// a list names its reel but not the shot. With @p whole the lists are complete: shots of any reel can be missing, and
+/// a reel is gone if all of its shots of these kinds are missing.
 ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole);
 
 } // namespace reeldb::app

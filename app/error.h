@@ -7,11 +7,11 @@
 
 namespace reeldb::app {
 
-/// Why an operation did not do what it was asked to. A face maps it: the command to an exit code, a server to a status.
+/// Why an operation failed. A face maps it: the command to an exit code, a server to a status.
 enum class ErrorKind {
-  Invalid,    ///< the request makes no sense, whatever the project holds
-  NotFound,   ///< what the request names is not there
-  Refused,    ///< the request makes no sense as things are
+  Invalid,    ///< the request is invalid, whatever the project holds
+  NotFound,   ///< the request names something that does not exist
+  Refused,    ///< the request is not possible in this state
   ReadOnly,   ///< the project cannot be written
   Busy,       ///< another process holds the project
   Cancelled,  ///< the caller asked for that
@@ -19,8 +19,8 @@ enum class ErrorKind {
   Io,         ///< the system refused a read or a write
 };
 
-/// The one exception of this room's operations, besides std::bad_alloc. Nothing of the operation is stored then. what()
-/// reads "subject: fact (cause)"; it may hold control characters of what it names, so a face escapes it.
+/// The only exception type of this room's operations, besides std::bad_alloc. After a throw nothing of the operation is
+/// stored. what() reads "subject: fact (cause)". It may hold control characters of a name, so a face escapes it.
 class Error : public std::runtime_error {
 public:
   Error(ErrorKind kind, const std::string& what) : std::runtime_error(what), kind_(kind) {}

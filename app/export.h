@@ -24,27 +24,27 @@ struct ProjectContent {
   std::vector<Shot> shots;
 };
 
-/// Everything, in the project's order. By record, not by name: of two reels that differ in case a lookup finds the
-/// first.
+/// Everything, in the project's order. Reads by record, not by name: if two identifiers differ only in case, a lookup
+/// finds only the first.
 ProjectContent readContent(Session& session);
 
-/// A list or a table as text, and what had to be done to what it holds.
+/// A list or a table as text, and the changes that its format required.
 struct Written {
   std::string text;
-  std::size_t shots = 0;            ///< how many are in it
-  std::vector<std::string> remarks; ///< what is otherwise in it than in the project: "subject: fact (cause)"
+  std::size_t shots = 0;            ///< the number of shots in it
+  std::vector<std::string> remarks; ///< differences from the project: "subject: fact (cause)"
   std::vector<std::string> leftOut; ///< shots that it cannot hold, likewise
 };
 
 /// The lengths of reel names that cut lists have.
 const std::vector<std::size_t>& reelLengths();
 
-/// A cut list (CMX3600 EDL) with reel names of that many characters, one of reelLengths. Throws Error (Refused) when
-/// the field has fewer names than there are reels.
+/// A cut list (CMX3600 EDL) with reel names of this length, one of reelLengths. Throws Error (Refused) if the field has
+/// fewer names than there are reels.
 Written writeEdl(const ProjectContent& content, std::size_t reelLength);
 /// A log exchange file (ALE).
 Written writeAle(const ProjectContent& content);
-/// Tables of the shots and of the reels, as RFC 4180 has them.
+/// Tables of the shots and of the reels, according to RFC 4180.
 Written writeShotsCsv(const ProjectContent& content);
 Written writeReelsCsv(const ProjectContent& content);
 

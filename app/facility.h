@@ -8,7 +8,7 @@
 
 namespace reeldb::app {
 
-/// The facility of the process. Throws Error: Refused when there is none, else what keeps it from being read.
+/// The facility of the process. Throws Error: Refused if there is no facility, else the reason why it cannot be read.
 reelhost::Facility& requireFacility();
 
 } // namespace reeldb::app

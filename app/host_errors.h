@@ -12,7 +12,7 @@ namespace reeldb::app {
 /// The same error, as this room's.
 Error errorFrom(const reelhost::Error& error);
 
-/// Runs the work of an operation; the host's errors leave it as this room's.
+/// Runs the work of an operation and converts the host's errors to this room's.
 template <class Work>
 auto guarded(Work work) -> decltype(work())
 {

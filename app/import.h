@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Brings the clips of lists into the open project.
+// Imports the clips of lists into the open project.
 #ifndef REELDB_APP_IMPORT_H
 #define REELDB_APP_IMPORT_H
 
@@ -14,7 +14,7 @@
 
 namespace reeldb::app {
 
-/// What became of one list.
+/// The result for one list.
 struct ImportedList {
   std::string file;
   lists::List list; ///< as it was read, without the clips; its spellings also name those that differ from a record's
@@ -26,7 +26,7 @@ struct ImportedList {
   std::vector<std::string> matched; ///< of the reels that were there before the list came, as their records spell them
 };
 
-/// What became of all of them.
+/// The result for all lists.
 struct ImportReport {
   std::vector<ImportedList> lists;
   bool dryRun = false;
@@ -36,10 +36,10 @@ struct ImportReport {
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };
 
-/// Reports every new clip to the host as imported material; the library makes the reels. A shot is the same as another
-/// when reel (ASCII case aside), clip name, source in, source out and tracks are equal; it is not added twice. All of
-/// it is one transaction. With @p dryRun nothing is stored, and the report says what would be. Throws Error; nothing is
-/// stored then. REQUIRES: a session for writing, unless it is a dry run.
+/// Reports every new clip to the host as imported material; the library creates the reels. Two shots are the same if
+/// reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the same shot is not added twice.
+/// The import is one transaction. With @p dryRun nothing is stored, and the report says what would be stored. Throws
+/// Error; nothing is stored then. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {});
 
 } // namespace reeldb::app

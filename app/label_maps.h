@@ -43,7 +43,7 @@ struct NeededLabelMap {
   std::optional<std::string> reel; ///< as its record spells it; empty: for the device and the project alone
   int device = -1;
   std::string map;
-  std::string fault; ///< why the facility cannot serve it: no such map, or one that cannot be read; else empty
+  std::string fault; ///< why the facility cannot provide it: no such map, or it cannot be read; else empty
 };
 
 /// The label map for a reel on a device: the reel's own, if it names one, whether it fits or not; else that of the
@@ -54,7 +54,7 @@ NeededLabelMap labelMapForReel(Session& session, const std::string& reel, const 
 /// and the frame rate. Throws Error (NotFound).
 NeededLabelMap labelMapForDevice(Session& session, const std::string& device);
 
-/// Why the facility has no such label map that can be read; nothing when it has.
+/// Why the facility has no readable label map of that name; empty if it has one.
 std::optional<Error> labelMapFault(const std::string& name);
 
 } // namespace reeldb::app

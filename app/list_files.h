@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that people hand to an operation, or get from one.
+// The input and output files of operations.
 #ifndef REELDB_APP_LIST_FILES_H
 #define REELDB_APP_LIST_FILES_H
 
@@ -23,16 +23,16 @@ struct ListFile {
 /// it is not a regular file (a pipe would hold the caller up), is too large or holds no list, Io.
 ListFile readListFile(const std::string& path);
 
-/// What became of several files: those that hold lists, in their order, and an Error for each that cannot be read.
+/// The result for several files: the lists, in the order of the files, and an Error for each file that cannot be read.
 struct ListFiles {
   std::vector<ListFile> read;
   std::vector<Error> failures;
 };
 ListFiles readListFiles(const std::vector<std::string>& paths);
 
-/// Writes a file whole or not at all. Throws Error: Refused when there is a file of that name, unless it is to be
-/// replaced, or what is there is not a regular file; Io. Then what was there is as it was, and nothing else is left. A
-/// file that is replaced keeps its permissions; a link stays, and what it leads to is replaced.
+/// Writes a file completely or not at all. Throws Error: Refused if there is a file of that name that is not to be
+/// replaced, or something that is not a regular file; Io. After a throw the old file is unchanged, and no other file is
+/// left. A replaced file keeps its permissions; a link stays, and the file that it leads to is replaced.
 void writeOutputFile(const std::string& path, std::string_view bytes, bool replace);
 
 } // namespace reeldb::app

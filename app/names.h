@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which reel a name stands for. Lists cut names, fold their case, and keep using those a reel had before.
+// Which reel a name means. Lists cut names, change their case, and continue to use former names of a reel.
 #ifndef REELDB_APP_NAMES_H
 #define REELDB_APP_NAMES_H
 
@@ -19,9 +19,9 @@ namespace reeldb::app {
 enum class Reason {
   Exact,   ///< it is the reel's identifier
   Case,    ///< it differs from the identifier in the case of ASCII letters only
-  Cut,     ///< it is what a list with names of 6, 8, 32 or 129 characters leaves of the identifier
+  Cut,     ///< it is the identifier as cut by a list with names of 6, 8, 32 or 129 characters
   Alias,   ///< a list gave it as another name of the reel
-  OldName, ///< the reel was called that, or what a list leaves of that, before it was renamed
+  OldName, ///< it is a former name of the reel, or a former name as cut by a list
 };
 
 /// "exact", "case", "cut", "alias", "old-name"
@@ -33,7 +33,7 @@ struct Candidate {
   std::vector<Reason> reasons; ///< at least one, each once, the strongest first
 };
 
-/// The names by which the reels of a project go. ASCII case never matters, but for what it says of the reason.
+/// The names of the reels of a project. ASCII case matters only for the reason.
 class ReelNames {
 public:
   void addReel(const std::string& id, const std::vector<std::string>& oldNames);
@@ -62,8 +62,7 @@ private:
   std::unordered_map<std::string, std::vector<Link>> byName_;
 };
 
-/// The one reel the candidates come down to: there is a single one for the strongest reason that any has. Null when
-/// there are several, or none.
+/// The only candidate with the strongest reason of all. Null if there are several such candidates, or no candidate.
 const Candidate* theOne(const std::vector<Candidate>& candidates);
 
 /// All names by which the open project knows its reels: identifiers, old names, and what its shots say.
@@ -76,8 +75,8 @@ struct NameMeaning {
   std::vector<std::int64_t> shots;   ///< of each candidate
 };
 
-/// The reels that a name may stand for. Throws Error (NotFound) when there is none: it names reels of a similar name,
-/// or what the name means in lists.
+/// The reels that a name may mean. Throws Error (NotFound) if there is no such reel. The error lists reels of a similar
+/// name, or says what the name means in lists.
 NameMeaning whichReel(Session& session, const std::string& name);
 
 } // namespace reeldb::app

@@ -18,8 +18,8 @@ namespace reeldb::app {
 /// The longest text, in bytes, that the library reads back whole from a field.
 inline constexpr std::size_t longestField = codes::longestText;
 
-/// Throws Error (Invalid), "FACT (cause)", unless the text can be shown and handed on as it is: UTF-8 without control
-/// characters. Every text that is to be stored goes through here; what is stored already is found as it is.
+/// Throws Error (Invalid), "FACT (cause)", unless the text is UTF-8 without control characters. Every text is checked
+/// here before it is stored. Texts that are stored already are found whatever they hold.
 inline void requirePlainText(const std::string& text, std::string_view fact)
 {
   if (const std::string_view flaw = base::textFlaw(text); !flaw.empty())

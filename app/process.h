@@ -18,15 +18,15 @@ void startUp();
 /// The version of the library: "14.0.0.0".
 std::string libraryVersion();
 
-/// What is odd about the facility and does no harm: numbers of channels that the library takes for others, say. Each is
-/// "PATH:LINE: fact (cause)". Throws Error when there is no facility or it cannot be read.
+/// Harmless mistakes in the facility, for example channel counts that the library reads as other numbers. Each is
+/// "PATH:LINE: fact (cause)". Throws Error if there is no facility or it cannot be read.
 std::vector<std::string> facilityRemarks();
 
-/// Hands what the library itself prints (a line for each shot that is renamed or deleted, say) to @p sink, as texts fit
-/// to be shown. An empty sink: to standard error, as without this call.
+/// Sends the library's own prints (for example a line for each shot that is renamed or deleted) to @p sink, as texts
+/// that are safe to show. An empty sink restores standard error, which is the default.
 void printLibraryTo(std::function<void(std::string_view)> sink);
 
-/// Writes every call of the library to its host to the file, a line each; null: no longer. The file is borrowed.
+/// Writes every call of the library to its host to the file, one line per call; null stops that. The file is borrowed.
 void traceHostCalls(std::FILE* file);
 
 } // namespace reeldb::app

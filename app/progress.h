@@ -7,8 +7,8 @@
 
 namespace reeldb::app {
 
-/// Called after each piece of work that takes long, with the pieces that are done and how many there are. Returns
-/// whether to go on: after false the operation throws Error (Cancelled) and stores nothing. May be empty.
+/// Called after each piece of a long operation, with the number of finished pieces and the total. Returns whether to
+/// continue: after false the operation throws Error (Cancelled) and stores nothing. May be empty.
 using Progress = std::function<bool(std::size_t done, std::size_t total)>;
 
 } // namespace reeldb::app

@@ -12,7 +12,7 @@
 
 namespace reeldb::app {
 
-/// The frame rate of a new project when nobody says another, as the facility names it.
+/// The default frame rate of a new project, as the facility names it.
 inline constexpr const char* usualFrameRate = "25";
 
 struct NewFacilityReport {
@@ -20,14 +20,14 @@ struct NewFacilityReport {
   std::string rate;    ///< its frame rate
 };
 
-/// Makes a facility in the folder: configuration, reel types, label maps and a first project. When anything of it
-/// cannot be made, nothing is. Overwrites nothing. Throws Error: Refused when something is there already, Io.
+/// Creates a facility in the folder, completely or not at all: configuration, reel types, label maps and a first
+/// project. Overwrites nothing. Throws Error: Refused if one of its files exists already, Io.
 NewFacilityReport makeFacility(const std::string& folder);
 
-/// Makes the project in the facility of the process, with everything that entering it would otherwise store: a new
-/// project is never changed by those who only read it. Returns the facility's name of its frame rate. Throws Error:
-/// Invalid for a rate that the facility does not know and for a name that cannot be shown, Refused for a name that is
-/// no plain file name or is taken, Io.
+/// Creates the project in the facility of the process, with everything that entering it would otherwise store, so that
+/// a reader never changes a new project. Returns the facility's name of its frame rate. Throws Error: Invalid for a
+/// rate that the facility does not know and for a name that cannot be shown, Refused for a name that is not a plain
+/// file name or is taken, Io.
 std::string makeProject(const std::string& name, const std::string& rate);
 
 /// The facility's name of a frame rate code, or the code itself.
@@ -60,7 +60,7 @@ std::string defaultProject();
 
 struct ProjectCheck {
   std::string project;
-  std::vector<std::string> problems; ///< a line for each; empty when the project is sound
+  std::vector<std::string> problems; ///< one line per problem; empty if the project is sound
 };
 
 /// Reads the project's file from its first page to its last. Changes nothing. Throws Error when it cannot be read at
@@ -68,7 +68,7 @@ struct ProjectCheck {
 ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
-  int gone = 0; ///< how many deleted logs
+  int gone = 0; ///< the number of deleted logs
 };
 
 /// Empties the trash for good and stores that. REQUIRES: a session for writing.

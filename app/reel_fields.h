@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Changing what is known of a reel, and what its user fields are called.
+// Changing the fields of a reel, and the names of its user fields.
 #ifndef REELDB_APP_REEL_FIELDS_H
 #define REELDB_APP_REEL_FIELDS_H
 
@@ -12,7 +12,7 @@
 
 namespace reeldb::app {
 
-/// A field by any of its names, and the text to store there; an empty one takes the value away.
+/// A field by any of its names, and the text to store there; an empty text removes the value.
 struct Assignment {
   std::string field, value;
 };
@@ -42,9 +42,9 @@ std::vector<std::string> reelFieldNames();
 /// A user field of the facility.
 struct UserField {
   int number = 0;
-  std::string stored;      ///< the name that was given to it; empty: none
-  std::string display;     ///< what the library calls it
-  std::string defaultName; ///< what it is called when no name is stored; counts from 1
+  std::string stored;      ///< the stored name; empty if no name is stored
+  std::string display;     ///< the name that the library returns
+  std::string defaultName; ///< the name if no name is stored; counts from 1
 };
 
 std::vector<UserField> listUserFields();
@@ -54,8 +54,8 @@ struct NamedUserFields {
   bool stored = false;
 };
 
-/// Names user fields by their numbers and stores that in the facility; an empty name takes a name back. Throws Error:
-/// Invalid for a number that is none, Refused for a name that is blank, that another field has (letter case aside), or
+/// Names user fields by their numbers and stores that in the facility; an empty name removes a name. Throws Error:
+/// Invalid for an invalid number, Refused for a name that is blank, that another field has (ignoring letter case), or
 /// that means another field to changeReel.
 NamedUserFields nameUserFields(const std::vector<Assignment>& assignments);
 

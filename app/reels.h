@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reels of the open project: what is known of each, making and copying them.
+// Reels of the open project: reading, creating and copying them.
 #ifndef REELDB_APP_REELS_H
 #define REELDB_APP_REELS_H
 
@@ -18,7 +18,7 @@ namespace reeldb::app {
 /// The user fields of a reel are numbered from 0; these are the ones that are copied with it.
 inline constexpr std::size_t userFieldCount = 6;
 
-/// What is known of a reel. Texts are as they are stored, so any bytes.
+/// The fields of a reel. Texts are as they are stored, so they may hold any bytes.
 struct Reel {
   std::string id;
   std::string type;
@@ -45,10 +45,10 @@ struct ReelDetails {
   bool live = false;      ///< the reel is a live feed
 };
 
-/// The reel of that identifier, letter case aside. Throws Error (NotFound), which names those that may have been meant.
+/// The reel with that identifier, ignoring letter case. Throws Error (NotFound), which lists similar names.
 ReelDetails showReel(Session& session, const std::string& id);
 
-/// What the user fields are called, by number.
+/// The names of the user fields, by number.
 std::array<std::string, userFieldCount> userFieldNames();
 
 struct CreatedReel {

@@ -10,7 +10,7 @@
 
 namespace reeldb::app {
 
-/// What became of a reel that was renamed, or would become of it.
+/// The result of renaming a reel, or of a dry run.
 struct Renamed {
   std::string from, to;
   bool dryRun = false;
@@ -19,9 +19,9 @@ struct Renamed {
   std::vector<std::string> remarks; ///< what is doubtful about the new name; each "subject: fact (cause)"
 };
 
-/// Renames a reel and every shot recorded from it, and stores that. Outer blanks of the new name do not count. The old
-/// name is kept, so that whichReel finds the reel by it. Throws Error: NotFound; Invalid or Refused for a name that
-/// breaks the rule of reels.h; Refused when another reel has it, letter case aside. With @p dryRun nothing changes.
+/// Renames a reel and every shot recorded from it, and stores that. Outer blanks of the new name are removed. The old
+/// name is stored, so that whichReel finds the reel by it. Throws Error: NotFound; Invalid or Refused for a name that
+/// breaks the rule of reels.h; Refused if another reel has it, ignoring letter case. With @p dryRun nothing changes.
 /// REQUIRES: a session for writing, unless it is a dry run.
 Renamed renameReel(Session& session, const std::string& from, const std::string& to, bool dryRun);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// An operation at work on a project.
+// The open project of an operation.
 #ifndef REELDB_APP_SESSION_H
 #define REELDB_APP_SESSION_H
 
@@ -17,7 +17,7 @@ std::string chosenProject(const std::optional<std::string>& asked);
 
 enum class Access { Read, Write };
 
-/// Has a project open from its beginning to its end. What was not committed is dropped. One at a time, on the main
+/// Holds a project open while it lives. Its destructor discards uncommitted changes. One session at a time, on the main
 /// thread.
 class Session {
 public:
@@ -30,7 +30,7 @@ public:
   /// The library's manager. It belongs to the process.
   ReelDbManager& manager();
 
-  /// Runs what was deferred and stores everything as one transaction. Returns whether there was anything to store.
+  /// Runs deferred actions and stores all changes as one transaction. Returns whether there was a change to store.
   bool commit();
 };
 

@@ -18,7 +18,7 @@ struct ReelType {
 
 struct ReelTypes {
   std::vector<ReelType> types;      ///< in the order of the file devicedata/reeltype.dat
-  std::vector<std::string> remarks; ///< why there are none; "subject: fact (cause)"
+  std::vector<std::string> remarks; ///< why there are no types; "subject: fact (cause)"
 };
 
 /// The catalogue of the process, which the library reads once. Throws Error when there is no facility.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What becomes of the reels of a project while other processes work on it.
+// Changes to the reels of a project while other processes work on it.
 #ifndef REELDB_APP_WATCH_H
 #define REELDB_APP_WATCH_H
 
@@ -18,37 +18,37 @@ namespace reeldb::app {
 /// One thing that happened.
 struct ReelEvent {
   enum class What {
-    New,      ///< the reel is there now
-    Changed,  ///< something that is known of it is another now
-    Gone,     ///< it is no longer there
-    Renamed,  ///< it is called that now
+    New,      ///< the reel was created
+    Changed,  ///< a field of the reel changed
+    Gone,     ///< the reel was deleted
+    Renamed,  ///< the reel was renamed
     Database, ///< the reels were read again
     Record,   ///< a field of the reel was set by this process
     Ours,     ///< likewise, of the reel of interest
   };
   What what = What::Database;
-  std::string reel; ///< empty where it is about none
-  std::string from; ///< Renamed: what it was called
+  std::string reel; ///< empty for an event that concerns no single reel
+  std::string from; ///< Renamed: the former name
 };
 
 /// "new", "changed", "gone", "renamed", "database", "record", "ours"
 std::string_view wordOf(ReelEvent::What what);
 
-/// Reports the events of a project to a listener. With a reel of interest it reports that one alone, also when it is
-/// renamed; once it is gone, the next reel that bears its identifier. Keeps no other process waiting. Main thread only.
+/// Reports the events of a project to a listener. With a reel of interest it reports only events of that reel, also
+/// after a renaming; after the reel is deleted, those of the next reel with its identifier. Blocks no other process.
+/// Main thread only.
 class Watcher {
 public:
   using Listener = std::function<void(const ReelEvent&)>;
 
-  /// Throws Error (NotFound) when the reel of interest is not there. The session outlives the watcher. An exception of
-  /// the listener leaves poll.
+  /// Throws Error (NotFound) if the reel of interest does not exist. The session must outlive the watcher. Exceptions
+  /// of the listener pass through poll.
   Watcher(Session& session, const std::optional<std::string>& reel, Listener listener);
   ~Watcher();
 
-  /// Lets go of the project, so that others can work on it.
+  /// Releases the project, so that other processes can work on it.
   void idle();
-  /// Looks whether another process has committed, and reports what that came to. Throws Error when it cannot be found
-  /// out.
+  /// Checks whether another process has committed, and reports the changes. Throws Error if that cannot be determined.
   void poll();
 
 private:

@@ -20,14 +20,14 @@ public:
   List& list() { return list_; }
 
   /// Takes a clip with its identifier decided and its aliases in any number and state; `text` is its line. It becomes
-  /// a clip, a special when the identifier makes no reel, or a rejected line when one of its names is too long or holds
-  /// a control character; true for the first. The clip gets the spelling its reel had first, and its aliases are
-  /// cleared of what is no other name. An in point behind its out point is warned about.
+  /// a clip, a special if the identifier makes no reel, or a rejected line if one of its names is too long or holds a
+  /// control character. Returns true for a clip. The clip gets the spelling that its reel had first, and aliases that
+  /// are not another name are removed. Warns of an in point behind its out point.
   bool clip(Clip clip, std::string_view text);
 
   void special(std::string_view text, std::string_view reason, int line);
   void reject(int line, std::string_view text, std::string reason);
-  /// Tells something odd of a line that is kept.
+  /// Adds a warning about a line that is kept.
   void warn(int line, std::string_view text, std::string reason);
 
   /// The spelling that clips of this reel carry; the name itself when no clip has it.

@@ -7,9 +7,9 @@
 
 namespace reeldb::lists {
 
-/// One record as RFC 4180 has it, with its line end. A field with a comma, a quote or a line end stands in quotes, its
-/// own quotes doubled. A field that a spreadsheet would run as a formula, or that begins with an apostrophe, stands
-/// behind an apostrophe. Any other goes as it is.
+/// One record according to RFC 4180, with its line end. A field with a comma, a quote or a line end is put in quotes,
+/// and its own quotes are doubled. A field that a spreadsheet would run as a formula, or that begins with an
+/// apostrophe, gets an apostrophe in front. Other fields are unchanged.
 std::string csvRow(const std::vector<std::string>& fields);
 
 } // namespace reeldb::lists

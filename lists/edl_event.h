@@ -14,7 +14,7 @@
 
 namespace reeldb::lists {
 
-/// An event line with all that its event says of it. The notes' texts are clean; empty when there is none.
+/// An event line with the notes that belong to it. The notes' texts are clean; the text of a missing note is empty.
 struct EventSource {
   int line = 0;
   std::string_view text; ///< the whole line
@@ -41,9 +41,9 @@ public:
   /// The lines in order, with the notes dealt out; empties the event.
   ///
   /// Lines of one role and one reel that follow each other form a side. FROM CLIP NAME names the side it comes from
-  /// (cut, K B), TO CLIP NAME the side dissolved or wiped to, KEY CLIP NAME the key; a side without a name of its own
-  /// takes one that is left over, or the one that black cannot use. SOURCE FILE and REEL notes go to the sides in
-  /// order; one alone is for the first side, unless that is black or only the second side has a clip name. Sides of the
+  /// (cut, K B), TO CLIP NAME the side dissolved or wiped to, KEY CLIP NAME the key. A side without a name of its own
+  /// takes a remaining name, or the one that black cannot use. SOURCE FILE and REEL notes go to the sides in order; a
+  /// single note is for the first side, unless that is black or only the second side has a clip name. Sides of the
   /// same reel share a source file and a REEL note; AX sides do so only when they are the same clip.
   ///
   /// The notes that this program writes (REEL ALSO CALLED, TRACKS AS WRITTEN, NO TIMECODE) hold for every line.

@@ -36,7 +36,7 @@ inline constexpr std::size_t kReelLength = 129;
 /// with a shorter one and holds a timecode, good or bad.
 bool beginsLikeEvent(std::string_view line);
 
-/// How many words of the line were meant as timecodes, good or bad.
+/// The number of words of the line that were meant as timecodes, valid or not.
 std::size_t countTimecodes(std::string_view line);
 
 /// Reads a line that begins like an event. Returns why it cannot be read, or an empty text when `event` is filled.

@@ -32,29 +32,29 @@ struct Note {
   std::string reel;  ///< the x of REEL x IS CLIP y and of REEL MAP: x = y
 };
 
-/// Whether a note with this value says nothing: other programs write (NULL) where they have none.
+/// Whether a note with this value means no value: other programs write (NULL) for that.
 bool saysNothing(std::string_view value);
 
 /// Whether the line is a note. Blanks may stand before the star.
 bool isNote(std::string_view line);
 
-/// Puts notes that were wrapped at column 80 together again, be it in the middle of a word or between two.
+/// Joins notes that were wrapped at column 80, in the middle of a word or between two words.
 ///
-/// A line of 60 columns or more goes on in the next when that starts with "* ", opens no note of its own, and its first
-/// word would not have fitted into 80 columns any more: a writer that had room for the word and broke the line all the
-/// same began anew.
+/// A line of 60 columns or more goes on in the next line if that starts with "* ", opens no note of its own, and its
+/// first word would not have fitted into 80 columns. If the word had fitted, the writer would not have wrapped the
+/// line, so it starts a new note.
 class NoteJoiner {
 public:
-  /// Takes a note line as it stands, outer blanks and all. Returns the note before it when that one is now complete.
+  /// Adds a note line, with its outer blanks. Returns the note before it if that is now complete.
   std::optional<Note> line(std::string_view line);
-  /// Returns the last note; to be called at every line that is no note, and at the end.
+  /// Returns the last note; to be called at every line that is not a note, and at the end.
   std::optional<Note> flush();
 
 private:
   bool continues(std::string_view text) const;
 
-  std::optional<std::string> open_; ///< what stands after the star, outer blanks kept
-  std::size_t width_ = 0;           ///< of the last line of it, in characters
+  std::optional<std::string> open_; ///< the text after the star, with its outer blanks
+  std::size_t width_ = 0;           ///< of its last line, in characters
 };
 
 } // namespace reeldb::lists

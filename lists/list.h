@@ -14,7 +14,7 @@
 
 namespace reeldb::lists {
 
-/// The bytes are no list at all. what() is the fact alone, without the file's name: "holds no text".
+/// The bytes are not a list. what() is the fact alone, without the file's name: "holds no text".
 class Error : public std::runtime_error {
 public:
   using std::runtime_error::runtime_error;
@@ -30,19 +30,19 @@ struct Clip {
   std::string clipName;             ///< what the editor calls it
   std::string sourceFile;           ///< as written, a path or a name
   std::string tracks;               ///< as written: "V", "A34", "VA1A2"
-  std::string sourceIn, sourceOut;  ///< hh:mm:ss:ff with the separators as written (';' tells drop frame)
+  std::string sourceIn, sourceOut;  ///< hh:mm:ss:ff with the separators as written (';' means drop frame)
   std::string recordIn, recordOut;  ///< as above; always empty in a log file
-  std::vector<std::string> aliases; ///< what else the list calls this source; each once, ignoring ASCII case
-  int line = 0;                     ///< where it stands, counted from 1
+  std::vector<std::string> aliases; ///< other names of this source in the list; each once, ignoring ASCII case
+  int line = 0;                     ///< its line, counted from 1
   int videoChannels = 0;
   int audioChannels = 0;
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
 struct Special {
-  std::string text;       ///< what stands where the reel should be, shown as in Rejected
-  std::string reason;     ///< why that is no reel
-  int count = 0;          ///< how many event lines or rows
+  std::string text;       ///< the text in place of the reel, shown as in Rejected
+  std::string reason;     ///< why that is not a reel
+  int count = 0;          ///< the number of event lines or rows
   std::vector<int> lines; ///< their numbers
 };
 
@@ -53,7 +53,7 @@ struct Rejected {
   std::string reason; ///< what is wrong, with the offending value
 };
 
-/// A line that was read and is in the list, but says something that is worth a look.
+/// A line that was read and is in the list, but has a questionable value.
 struct Warning {
   int line = 0;       ///< counted from 1
   std::string text;   ///< as in Rejected
@@ -66,7 +66,7 @@ struct Spelling {
   std::string other; ///< the further one
 };
 
-/// A name that stands for more than one source. The clips keep the name; this tells that it is not enough.
+/// A name that means more than one source. The clips keep the name; this entry reports that it is ambiguous.
 struct Ambiguous {
   std::string reel;                   ///< the identifier
   std::string reason;                 ///< how it comes to stand for several
@@ -98,8 +98,8 @@ struct List {
 /// The longest name a clip can carry, in bytes: as much as a reel's fields give back whole.
 inline constexpr std::size_t kNameBytes = 2047;
 
-/// Tells the format from the content; nothing when it is neither. Takes text in UTF-8, UTF-16 with a byte order mark,
-/// or Latin-1.
+/// Detects the format by the content; empty if it is neither. Takes text in UTF-8, UTF-16 with a byte order mark, or
+/// Latin-1.
 std::optional<Format> detect(std::string_view bytes);
 
 /// Reads a list. Bad lines are in the value, never thrown. Throws Error when the bytes are neither format, or are a log

@@ -8,14 +8,14 @@
 
 namespace reeldb::lists {
 
-/// What a reel text that never is a reel stands for: "black" (BL, BLACK), "colour bars" (BARS), "generated" (GEN), in
+/// The meaning of a reel text that is never a reel: "black" (BL, BLACK), "colour bars" (BARS), "generated" (GEN), in
 /// any case. Empty for every other text.
 std::string_view placeholderReason(std::string_view reelText);
 
 /// Why an identifier makes no reel: it is a placeholder, or holds a star. Empty when it makes one.
 std::string_view specialReason(std::string_view identifier);
 
-/// AX, in any case: some source without a tape; its clip name or source file tells which.
+/// AX, in any case: a source without a tape; its clip name or source file identifies it.
 bool isAuxiliary(std::string_view name);
 
 } // namespace reeldb::lists

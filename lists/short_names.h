@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reel names that fit into the reel field of a cut list and still are one a reel.
+// Reel names that fit into the reel field of a cut list and are unique per reel.
 #ifndef REELDB_LISTS_SHORT_NAMES_H
 #define REELDB_LISTS_SHORT_NAMES_H
 

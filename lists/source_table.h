@@ -32,15 +32,15 @@ class SourceTable {
 public:
   using IsReel = std::function<bool(const std::string& folded)>;
 
-  /// Takes what stands behind ">>> SOURCE". Returns why it is no row, or an empty text.
+  /// Takes the text behind ">>> SOURCE". Returns why it is not a row, or an empty text.
   std::string add(std::string_view row);
 
   /// Splits the names of the rows and makes find() ready; rows whose names hold single blanks need to know which texts
   /// are reels of the list. To be called once, after the last add().
   ///
-  /// Returns the rows that are left out: a row with one name, when no event has that reel, and a row without an id,
-  /// when neither name is the start of the other, so that one cannot tell what they say, or when no event has either. A
-  /// whole row of a source that the list does not use is none of these.
+  /// Returns the rows that are left out: a row with one name if no event has that reel; a row without an id if neither
+  /// name is the start of the other, because its meaning is then unclear, or if no event has either name. A complete
+  /// row of a source that the list does not use is not left out.
   std::vector<UnusedRow> settle(const IsReel& isReel);
 
   SourceMatch find(const std::string& reel) const;

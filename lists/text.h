@@ -37,15 +37,15 @@ std::string_view trim(std::string_view text);
 /// The text with a blank for every tab, without outer blanks.
 std::string clean(std::string_view text);
 
-/// The first control character of ASCII but the tab; empty when there is none. Those of Latin-1 are let pass: a file
-/// may be full of them.
+/// The first ASCII control character other than the tab; empty if there is no such character. Control characters of
+/// Latin-1 are allowed, because a file may be full of them.
 std::string_view firstControl(std::string_view text);
 
 /// The text clean and as base::displayText shows it, cut between two characters with "..." when it has more bytes than
 /// this.
 std::string shortened(std::string_view text, std::size_t bytes);
 
-/// How many bytes of a line, a title or what is no reel are shown.
+/// The number of bytes that are shown of a line, a title or a special.
 inline constexpr std::size_t kShownBytes = 1000;
 
 /// A piece of the list as a reason shows it: shortened to 40 bytes, in quotes.

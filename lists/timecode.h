@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Timecodes stay texts: which frame rate counts them is not the list's to say. This only tells whether one is written
-// as hh:mm:ss:ff, and which of two comes first.
+// Timecodes stay texts, because a list does not give their frame rate. These functions only check whether one is
+// written as hh:mm:ss:ff, and which of two comes first.
 #ifndef REELDB_LISTS_TIMECODE_H
 #define REELDB_LISTS_TIMECODE_H
 
@@ -10,7 +10,7 @@
 
 namespace reeldb::lists {
 
-/// Why the text is no timecode, or an empty text when it is one: hh:mm:ss:ff, hours below 24, minutes and seconds below
+/// Why the text is not a timecode, or an empty text if it is: hh:mm:ss:ff, hours below 24, minutes and seconds below
 /// 60, frames of two digits below 60 or of three below 120, and each separator one of ':', ';', '.' and ','.
 std::string timecodeFault(std::string_view text);
 

@@ -14,10 +14,10 @@ struct Tracks {
   int audio = 0;
 };
 
-/// What several digits after an A say: "A12" is either channels 1 and 2, or channel 12.
+/// The meaning of several digits after an A: "A12" is either channels 1 and 2, or channel 12.
 enum class Digits { Set, Number };
 
-/// Counts the channels; nothing when the text is no channel field. Letters in either case; "NONE" and "D" (data) have
+/// Counts the channels; empty if the text is not a channel field. Letters in either case; "NONE" and "D" (data) have
 /// no channels, "B" is V and A. Digits read as Set are one channel each when they rise from 1 to 9, else one number.
 std::optional<Tracks> parseTracks(std::string_view text, Digits digits);
 
@@ -26,7 +26,7 @@ std::optional<Tracks> parseTracks(std::string_view text, Digits digits);
 /// sound, and D (data) has no channels; "NONE" and "B" are as in cut lists.
 std::optional<Tracks> parseLogTracks(std::string_view text);
 
-/// Whether the field holds a number that can only be one channel (10, 11, 20), which tells how its list writes all.
+/// Whether the field holds a number that can only be one channel (10, 11, 20). It shows how the list writes channels.
 bool hasChannelNumber(std::string_view text);
 
 } // namespace reeldb::lists

@@ -12,20 +12,19 @@
 
 namespace reeldb::lists {
 
-/// A list as text. The clips are those that it holds, and what had to be done to them.
+/// A list as text, and the changes that its format required.
 struct Written {
   std::string text;                 ///< UTF-8
-  std::size_t clips = 0;            ///< how many are in it
-  std::vector<std::string> remarks; ///< what is otherwise in the list than in the clips: "subject: fact (cause)"
+  std::size_t clips = 0;            ///< the number of clips in it
+  std::vector<std::string> remarks; ///< differences between the list and the clips: "subject: fact (cause)"
   std::vector<std::string> leftOut; ///< clips that no list can hold, likewise
 };
 
 /// The text as lists hold it: UTF-8 without control characters and outer blanks.
 std::string writableText(const std::string& text);
 
-/// Writes a cut list with reel names for a field of that many characters, one of kReelFields. Where these are not the
-/// identifiers, notes at the head tell which is which. Throws Error when the field has fewer names than there are
-/// reels.
+/// Writes a cut list with reel names for a field of this width, one of kReelFields. If a name is not the identifier, a
+/// note at the head maps it. Throws Error if the field has fewer names than there are reels.
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);
 
 /// Writes a log file. The rate is that of the project, "25", "23.98".

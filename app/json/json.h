@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Results of operations as JSON, and back: for reports, for export, and for programs that ask. Keys never go, and never
-// change their name, type or meaning; new ones may come.
+// Results of operations as JSON, and back: for reports, for export, and for other programs. A key is never removed and
+// never changes its name, type or meaning; keys may be added.
 #ifndef REELDB_APP_JSON_JSON_H
 #define REELDB_APP_JSON_JSON_H
 
@@ -20,9 +20,9 @@ std::string jsonText(const T& result);
 template <class T>
 std::string jsonLine(const T& result);
 
-/// The result that such a text was made of, as far as the text holds it: a report of an import counts the clips and
-/// does not list them, say. Throws Error (Unreadable) for a text that is not JSON, or not of that result: a key that is
-/// missing, or a value of another type. Keys that it does not know are passed over.
+/// Reads a result from such a text, as far as the text contains it: for example, a report of an import counts the clips
+/// and does not list them. Throws Error (Unreadable) for a text that is not JSON or not of that result: a missing key,
+/// or a value of another type. Unknown keys are ignored.
 template <class T>
 T fromJson(std::string_view text);
 
