@@ -9,18 +9,18 @@
 
 namespace reelhost {
 
-/// What commands change about a facility. Texts may hold any bytes.
+/// The settings of a facility that commands change. Texts may hold any bytes.
 struct State {
   std::map<std::string, std::string> system;
   std::map<unsigned, std::string> lastReel; ///< by device identity
 };
 
-/// The values of @p changes over those of @p state, without the empty ones that say nothing: an empty last reel is
-/// none, and an empty setting counts only where facility.toml, whose settings are @p configured, has one that it takes
-/// away.
+/// The values of @p state, overridden by those of @p changes. Empty values without effect are left out: an empty last
+/// reel, and an empty setting unless facility.toml has that setting, which the empty value then removes. @p configured
+/// are the settings of facility.toml.
 State merged(State state, const State& changes, const std::map<std::string, std::string>& configured);
 
-/// state.toml of a facility: written by programs, never by hand, so that facility.toml can be left alone.
+/// state.toml of a facility. Only programs write it, so that they never change facility.toml.
 class StateFile {
 public:
   /// How long merge waits for another process that is merging; it takes some milliseconds.
@@ -34,9 +34,10 @@ public:
 
   /// Empty when there is no file. Throws Error: Unreadable ("PATH: damaged (...)"), Io.
   State read() const;
-  /// Puts these values over those in the file as merged does, replaces it whole, and answers them all. Processes that
-  /// merge at the same time wait for each other. Throws Error: Busy after @p busyTimeout; Unreadable when the file is
-  /// damaged, and Refused when it would become too large to be read again, and leaves it as it is then; Io.
+  /// Merges these values into the file as merged does, replaces the whole file, and returns all values. Processes that
+  /// merge at the same time wait for each other. Throws Error: Busy after @p busyTimeout; Unreadable if the file is
+  /// damaged; Refused if it would become too large to be read again; Io. The file is unchanged after Unreadable and
+  /// Refused.
   State merge(const State& changes, std::chrono::milliseconds busyTimeout = usualTimeout) const;
 
 private:

@@ -19,13 +19,13 @@ namespace reelhost {
 /// One TOML file, parsed.
 class TomlFile {
 public:
-  /// Bytes. Some thousands of devices fit; a file beyond it is no configuration and is not taken into memory.
+  /// Bytes. Some thousands of devices fit; a larger file is not a configuration and is not read into memory.
   static constexpr std::size_t largestSize = 1 << 20;
 
   /// Throws Error: NotFound, Unreadable ("FILE:LINE: not valid TOML (why)"), Io.
   explicit TomlFile(std::filesystem::path path);
 
-  /// Throws Error (Refused) when @p content, to be written to @p path, could not be read again for its size.
+  /// Throws Error (Refused) if @p content, to be written to @p path, would be too large to be read again.
   static void requireReadable(const std::filesystem::path& path, std::string_view content);
 
   const std::filesystem::path& path() const { return path_; }
@@ -54,7 +54,7 @@ public:
   std::optional<bool> flag(std::string_view key) const;
   std::vector<std::string> texts(std::string_view key) const; ///< as text; empty when the key is absent
   std::optional<TomlTable> table(std::string_view key) const;
-  std::vector<TomlTable> tables(std::string_view key) const; ///< the tables of [[key]]; empty when there is none
+  std::vector<TomlTable> tables(std::string_view key) const; ///< the tables of [[key]], if any
 
   std::vector<std::string> keys() const; ///< in the order of the file
   bool isArray(std::string_view key) const;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The reel type file of a facility, looked at before the library reads it. The library does so while it is loaded, and
-// ends the process when a field does not fit its buffers.
+// Checks the reel type file of a facility before the library reads it. The library reads it while it is loaded, and
+// ends the process if a field does not fit its buffers.
 #ifndef REELHOST_FACILITY_TYPE_FILE_CHECK_H
 #define REELHOST_FACILITY_TYPE_FILE_CHECK_H
 
@@ -11,9 +11,9 @@
 
 namespace reelhost {
 
-/// Reads @p file as the library does and returns remarks, "PATH:LINE: FACT": numbers of channels that the library takes
-/// for others than were meant. Without a file there are none. Throws Error: Unreadable for a field that would end the
-/// process, for anything but a regular file and for one that is too large to be a list of types, Io.
+/// Reads @p file as the library does and returns remarks, "PATH:LINE: FACT": channel counts that the library reads as
+/// other numbers. Without a file there are no remarks. Throws Error: Unreadable for a field that would end the process,
+/// for anything but a regular file and for a file that is too large to be a list of types, Io.
 std::vector<std::string> checkTypeFile(const std::filesystem::path& file);
 
 } // namespace reelhost

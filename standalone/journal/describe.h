@@ -18,7 +18,7 @@
 
 namespace reelhost {
 
-/// What is written as it stands: words that are no text of the call, such as "char*" for an out-argument.
+/// Words that are written unchanged because they are not a text of the call, such as "char*" for an out-argument.
 struct Word {
   const char* text;
 };
@@ -34,7 +34,7 @@ std::string describe(const LightweightString<char>& text);
 std::string describe(const LightweightString<wchar_t>& text);
 std::string describe(const strp_field& field); ///< its text, or `null`
 std::string describe(const Cookie& cookie);
-std::string describe(const CookieVec& cookies);      ///< how many
+std::string describe(const CookieVec& cookies);      ///< their number
 std::string describe(const StringList& list);        ///< `["a", "b"]`
 std::string describe(const ExtDeviceConfig& device); ///< its name
 std::string describe(const IdStamp& stamp);          ///< `IdStamp` and its number
@@ -50,17 +50,17 @@ requires(std::is_integral_v<T> || std::is_enum_v<T>) std::string describe(T numb
   return std::to_string(static_cast<long long>(number));
 }
 
-/// A counted object is there or not: `object` or `null`.
+/// `object` or `null`.
 template <class T>
 std::string describe(const Zr::Ptr<T>& object)
 {
   return object ? "object" : "null";
 }
 
-/// The arguments of an operation that takes none.
+/// The arguments of an operation without arguments.
 inline constexpr auto noArguments = [] { return std::string(); };
 
-/// Descriptions with ", " between them.
+/// The descriptions, separated by ", ".
 template <class First, class... Rest>
 std::string describeAll(const First& first, const Rest&... rest)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one way through which host operations are carried out, so that the journal sees them and the script can answer in
-// their place. While nobody watches, an operation costs one predictable branch more than its own work.
+// Every host operation is carried out through hostCall, so that the journal sees it and the script can replace it.
+// While journal and script are off, an operation costs one predictable branch more than its own work.
 #ifndef REELHOST_JOURNAL_HOST_CALL_H
 #define REELHOST_JOURNAL_HOST_CALL_H
 
@@ -21,10 +21,10 @@
 
 namespace reelhost {
 
-/// What to write of an exception: "threw" and the type. Called while it is handled.
+/// The journal's text for an exception: "threw" and the type. Called while the exception is handled.
 std::string threwWhat();
 
-/// The result of an operation whose outcome says nothing: not written.
+/// A result that the journal does not write.
 template <class T>
 struct Unwritten {
   T* object;
@@ -36,7 +36,7 @@ std::string describe(const Unwritten<T>&)
   return {};
 }
 
-/// The answer of a script that has none.
+/// The result of a script that does not replace the operation.
 struct NoAnswer {};
 
 template <class Real, class Answer>
@@ -73,7 +73,8 @@ std::invoke_result_t<Real> watchedCall(const char* operation, std::string argume
 }
 
 /// Carries out an operation that may throw. @p arguments gives the text of its arguments, @p real does the work, and
-/// @p answer is the script's: an optional result, or for an operation without a result whether it took its place.
+/// @p answer is the script's: an optional result, or for an operation without a result whether it replaced the
+/// operation.
 template <class Arguments, class Real, class Answer = NoAnswer>
 std::invoke_result_t<Real> hostCall(const char* operation, const Arguments& arguments, const Real& real,
                                     const Answer& answer = {})

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What host operations ask the script. Called only while the script is in use.
+// The queries of host operations to the script. Called only while the script is in use.
 #ifndef REELHOST_JOURNAL_SCRIPT_ANSWERS_H
 #define REELHOST_JOURNAL_SCRIPT_ANSWERS_H
 
@@ -12,7 +12,7 @@
 
 namespace reelhost::scripted {
 
-/// Lets the script take the place of an operation: throws what Script::before throws, or the armed fault.
+/// Lets the script replace an operation: throws what Script::before throws, or the armed fault.
 void meet(const char* operation, const std::string& arguments, bool mayThrow);
 
 bool openingFails(const Cookie& log); ///< counts one opening
@@ -21,7 +21,7 @@ bool hasNoRow(const Cookie& log);
 std::optional<std::string> attributeOf(const Cookie& log);
 
 struct TypeField {
-  const char* text; ///< null: the row holds none
+  const char* text; ///< null: the row has no type
 };
 std::optional<TypeField> typeFieldOf(const Cookie& log); ///< the text stays until the script changes
 std::optional<Cookie> nextProjectCookie();

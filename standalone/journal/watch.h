@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Whether anybody watches host operations: the one thing an operation looks at while the journal and the script are
-// off.
+// Whether host operations are watched: the only value that an operation reads while journal and script are off.
 #ifndef REELHOST_JOURNAL_WATCH_H
 #define REELHOST_JOURNAL_WATCH_H
 
@@ -9,7 +8,7 @@
 
 namespace reelhost {
 
-/// Why host operations take the long way.
+/// Who watches host operations; an operation then takes the slow path.
 enum class Watcher : unsigned { Record = 1, Trace = 2, Script = 4 };
 
 extern std::atomic<unsigned> watchers; ///< the sum of those that watch

@@ -11,16 +11,16 @@
 
 namespace reelhost::model {
 
-/// The logs other than reel logs by their reel identifier, without regard to ASCII case, each group by number.
-/// Identifiers that are empty are not in it.
+/// The logs other than reel logs by their reel identifier, ignoring ASCII case; each group is ordered by number. Logs
+/// with an empty identifier are not in it.
 class AttributeIndex {
 public:
-  void refresh(Log& log); ///< puts the log where it now belongs; to be called after each change of id or type
-  void take(Log& log);    ///< takes the log out, if it is in
+  void refresh(Log& log); ///< moves the log to its group; to be called after each change of id or type
+  void take(Log& log);    ///< removes the log, if it is in the index
   const std::vector<Log*>& find(std::string_view id) const;
 
 private:
-  std::unordered_map<std::string, std::vector<Log*>> logs_; ///< a group stays when it has become empty
+  std::unordered_map<std::string, std::vector<Log*>> logs_; ///< empty groups stay
 };
 
 } // namespace reelhost::model

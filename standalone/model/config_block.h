@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What stands behind a configb: keys with a text each, in the order in which they were first set.
+// The implementation of a configb: keys with one text per key, in the order in which they were first set.
 #ifndef REELHOST_MODEL_CONFIG_BLOCK_H
 #define REELHOST_MODEL_CONFIG_BLOCK_H
 
@@ -18,17 +18,17 @@ using Key = const std::string*;
 Key internKey(std::string_view text);
 Key reelIdKey(); ///< "reelid": the configuration key that is a log's reel identifier
 
-/// Hears of every set that changes the block.
+/// Is notified of every set that changes the block.
 class ConfigOwner {
 public:
-  virtual void configChanging() = 0; ///< before the change; what it throws prevents the change
+  virtual void configChanging() = 0; ///< called before the change; an exception prevents the change
   virtual void configChanged(Key key) = 0;
 
 protected:
   ~ConfigOwner() = default;
 };
 
-/// A block has few keys and is read far more often than written, so it is searched from its first key on.
+/// A block has few keys and is read far more often than written, so a linear search is used.
 class ConfigBlock {
 public:
   /// The text of a key; null when it is absent. Valid until the next set.
@@ -39,12 +39,12 @@ public:
         return &entry.text;
     return nullptr;
   }
-  const LightweightString<char>* find(const char* key) const; ///< null stands for the empty key, here and in set
+  const LightweightString<char>* find(const char* key) const; ///< null means the empty key, here and in set
 
   void set(const char* key, const char* text); ///< a null text is the empty text; an equal text changes nothing
-  void assign(const KeyValues& fields);        ///< takes the place of everything; the owner is not told
+  void assign(const KeyValues& fields);        ///< replaces all keys; the owner is not notified
   KeyValues fields() const;
-  void setOwner(ConfigOwner* owner) { owner_ = owner; } ///< borrowed; null for none
+  void setOwner(ConfigOwner* owner) { owner_ = owner; } ///< borrowed; null: no owner
 
 private:
   struct Entry {

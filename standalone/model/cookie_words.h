@@ -10,8 +10,8 @@
 
 namespace reelhost::model {
 
-/// A Cookie as machine words, for comparing and hashing. A Cookie shows its parts to nobody, but it starts with the
-/// sixteen bytes of its UUID and goes on with its tag and its kind.
+/// A Cookie as machine words, for comparing and hashing. The parts of a Cookie are private, but it starts with the
+/// sixteen bytes of its UUID, followed by its tag and its kind.
 struct CookieWords {
   std::uint64_t first, second;
   std::uint32_t rest; ///< tag and kind

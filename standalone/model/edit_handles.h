@@ -4,7 +4,7 @@
 
 namespace reelhost::model {
 
-/// Whether some handle on a log is open, so that the log must stay.
+/// Whether any handle on a log is open, so that the log must stay.
 bool logsAreHeld();
 
 } // namespace reelhost::model

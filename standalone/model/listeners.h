@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Tells the project's listeners what happened. Each event reaches every listener that was there when it began and is
-// still there when its turn comes; what a listener throws passes on when all have been told, the first of it only.
+// Notifies the project's listeners of events. Each event reaches every listener that existed when the event began and
+// still exists at its turn. If listeners throw, the first exception is rethrown after all have been notified.
 #ifndef REELHOST_MODEL_LISTENERS_H
 #define REELHOST_MODEL_LISTENERS_H
 

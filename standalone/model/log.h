@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One log of the open project. It stays where it is for as long as its project lives, so that an Edit may point at it.
+// One log of the open project. It does not move while its project lives, so an Edit may point at it.
 #ifndef REELHOST_MODEL_LOG_H
 #define REELHOST_MODEL_LOG_H
 
@@ -36,14 +36,14 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   void configChanging() override;
   void configChanged(reelhost::model::Key key) override;
 
-  // What opening a log and reading its identifier touches comes first, so that it lies in one line of the cache: the
-  // library opens all reel logs, one after the other, to find one.
+  // The members used to open a log and read its identifier come first, so that they are in one cache line: the library
+  // opens all reel logs, one after the other, to find one.
   Edit edit; ///< the one Edit that all openings share
   const reelhost::model::CookieWords words;
-  LightweightString<char> reelId; ///< what the block holds under "reelid", or nothing
-  const char* reelIdText = "";    ///< the text of reelId, to be fetched before it is read
+  LightweightString<char> reelId; ///< the block's text for "reelid"; without a body if the key is absent
+  const char* reelIdText = "";    ///< the text of reelId, for prefetching
   Edit::Impl* follower = nullptr; ///< the log that is likely to be opened next; may be null
-  bool isGone = false;            ///< deleted; only handles that were open then still know it
+  bool isGone = false;            ///< deleted; only handles that were open at that time still refer to it
 
   const Zr::UUID uuid;
   const std::uint16_t tag;
@@ -53,7 +53,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   const std::int64_t number;
 
   configb config;
-  reelhost::model::ConfigBlock& block; ///< what stands behind config
+  reelhost::model::ConfigBlock& block; ///< the implementation of config
 
   int type;
   bool imported, entireMedium;
@@ -61,7 +61,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   std::string name;
   int videoChannels, audioChannels;
   LightweightString<char> reelTypeName;
-  std::optional<EditModificationType> changeDescription; ///< what the end of the modification will report
+  std::optional<EditModificationType> changeDescription; ///< reported when the modification ends
 
   // The row.
   dbrecord row;

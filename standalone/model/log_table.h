@@ -9,10 +9,11 @@
 
 namespace reelhost::model {
 
-/// Finds a log by its Cookie. The library opens logs by the thousand to find one reel, and this is what an opening
-/// costs. It opens them in one order again and again, so the one that came after the last one found, when that was
-/// found before, is looked at first; the first time it is the one that was made after it. What is looked for several
-/// times in a row comes next. All others are found in one array, searched from the hash on until a free place.
+/// Finds a log by its Cookie. The library opens thousands of logs to find one reel, and this search is the cost of an
+/// opening. It opens them in the same order again and again, so the search first tries the log that followed the last
+/// found one the previous time, or at first the log that was created after it. Next it tries the last found log,
+/// because logs are also opened several times in a row. All others are in one array, searched from the hash on to a
+/// free slot.
 class LogTable {
 public:
   LogTable() : slots_(16), shift_(64 - 4) {}
@@ -34,9 +35,9 @@ public:
     return found_;
   }
 
-  /// REQUIRES: no log of this Cookie is in the table. Without memory for it nothing has changed: the log may go again.
+  /// REQUIRES: no log of this Cookie is in the table. If it throws std::bad_alloc, nothing has changed.
   void insert(Log& log);
-  void erase(Log& log); ///< the log is gone from now on, unless it is in no table
+  void erase(Log& log); ///< removes the log, if it is in the table
 
 private:
   struct Slot {
@@ -46,7 +47,7 @@ private:
 
   static bool isThere(const Log* log, const CookieWords& words) { return log && log->words == words && !log->isGone; }
 
-  /// Has the processor fetch what is read next if the logs are opened in turn.
+  /// Prefetches the data that is read next if the logs are opened in turn.
   void expect(Log* log)
   {
     expected_ = log;
@@ -67,8 +68,8 @@ private:
     }
   }
 
-  /// Names of logs differ in their last digits only. The multiplications carry that difference upwards, so the place is
-  /// made of the uppermost bits.
+  /// Cookies of logs differ only in their last digits. The multiplications carry that difference upwards, so the slot
+  /// is taken from the uppermost bits.
   std::size_t place(const CookieWords& words) const
   {
     const std::uint64_t sum = (words.second ^ (words.second >> 32)) * 0x9e3779b97f4a7c15u + words.first;
@@ -81,7 +82,7 @@ private:
   unsigned shift_;          ///< 64 less its exponent
   std::size_t count_ = 0;
   Log* last_ = nullptr;     ///< the log inserted last
-  Log* found_ = nullptr;    ///< the log found last; it may be gone
+  Log* found_ = nullptr;    ///< the log found last; it may be deleted
   Log* expected_ = nullptr; ///< its follower; likewise
 };
 

@@ -9,7 +9,7 @@
 
 namespace reelhost::model {
 
-// The texts of the row's "Type" and the log types they stand for. A log that is neither has the empty text.
+// The texts of the row's "Type" and their log types. A log of any other type has the empty text.
 
 inline const char* textOf(int type)
 {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The open project: its logs in memory, what was changed since it was stored, and the use of the store beneath.
+// The open project: its logs in memory, the changes since it was stored, and the use of the store.
 #ifndef REELHOST_MODEL_PROJECT_H
 #define REELHOST_MODEL_PROJECT_H
 
@@ -24,10 +24,10 @@
 
 namespace reelhost::model {
 
-/// Reel logs are read when the project is opened; all others at the first question that they could answer.
+/// Reel logs are read when the project is opened, all others when they are first needed.
 ///
-/// Reading goes on in one use of the store for as long as it can. After a commit, or after idle, a use begins anew:
-/// then nobody else may have committed meanwhile, or what is in memory would no longer be what is stored.
+/// Reading uses one use of the store as long as possible. After a commit or after idle a new use begins. It is an error
+/// if another process has committed in between, because the logs in memory would then differ from the stored ones.
 class Project {
 public:
   /// Reads the project, beginning the store's use with @p beginWith, which is at most @p access. Throws Error.
@@ -62,7 +62,7 @@ public:
   void changing(Log& log);                ///< to be called before a change that is to be stored
   void reelIdChanged(Log& log);           ///< to be called after the change
   void typeChanged(Log& log);             ///< likewise
-  CookieVec erase(const CookieVec& logs); ///< answers those that there were
+  CookieVec erase(const CookieVec& logs); ///< returns the logs that existed
   int undelete();
   int compact();
 
@@ -71,7 +71,7 @@ public:
   bool commit(); ///< whether anything was stored
   void idle();
   void letGo() noexcept;   ///< ends the use of the store for now
-  bool changedElsewhere(); ///< stays true until the project is read anew
+  bool changedElsewhere(); ///< stays true until the project is read again
 
 private:
   enum class Use { None, Read, Write };
@@ -128,13 +128,13 @@ private:
 /// The project that is open; null without one.
 extern Project* openedProject;
 
-/// The project that is open. Throws Error (Refused); @p wanted says what for.
+/// The open project. Throws Error (Refused) without one; @p wanted names the operation in the message.
 Project& requireProject(const char* wanted);
 
 /// How long a use of the store waits for another process.
 std::chrono::milliseconds busyTimeout();
 
-/// "E" and the number, with at least seven digits: what the host calls the file of a log.
+/// "E" and the number, with at least seven digits: the file name of a log in this host.
 std::string fileNameOf(const Log& log);
 
 } // namespace reelhost::model

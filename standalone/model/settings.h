@@ -6,8 +6,8 @@
 
 namespace reelhost::model {
 
-/// The facility of the process; one without devices and settings when there is none or it cannot be read. Never throws
-/// for a bad facility, so it may be called while libraries are loaded.
+/// The facility of the process, or an empty one if there is no facility or it cannot be read. Never throws for a bad
+/// facility, so it may be called while libraries are loaded.
 Facility& facilityOrNone();
 
 } // namespace reelhost::model

@@ -8,8 +8,8 @@
 
 namespace reelhost::model {
 
-/// Gives out thread numbers: 1, 2, 3, ... The library looks at the bits of codes::threadMask only, so all threads
-/// beyond the last number share it: none of them is ever taken for the main thread.
+/// Assigns thread numbers: 1, 2, 3, ... The library compares only the bits of codes::threadMask, so all threads beyond
+/// the last number share that number, and none of them is ever mistaken for the main thread.
 class ThreadNumbers {
 public:
   static constexpr int last = codes::threadMask;

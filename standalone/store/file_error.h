@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The one place where a failed operation on a file becomes an Error of the host. Any thread.
+// Converts failed operations on files to Errors of the host. Any thread.
 #ifndef REELDB_STORE_FILE_ERROR_H
 #define REELDB_STORE_FILE_ERROR_H
 
@@ -31,7 +31,7 @@ inline Error hostError(const base::FileError& error)
   return Error(kind(error.fault()), error.what());
 }
 
-/// Runs @p work; a FileError leaves it as the hostError.
+/// Runs @p work and converts a FileError with hostError.
 template <class Work>
 auto withHostErrors(Work work) -> decltype(work())
 {

@@ -15,8 +15,8 @@ namespace reelhost {
 /// The place of @p key in shotTexts, whose keys come first; shotTexts.size() for any other key.
 std::size_t leadingPlace(std::string_view key);
 
-/// The same fields, those of shotTexts first, all others after them ordered by their bytes. Of a key that comes twice
-/// the last value stays.
+/// The same fields, those of shotTexts first, then all others ordered by their bytes. If a key occurs twice, its last
+/// value is kept.
 KeyValues arranged(const KeyValues& fields);
 
 } // namespace reelhost

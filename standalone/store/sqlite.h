@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// SQLite behind four small classes. The only file that sees SQLite's own header is sqlite.cpp. One connection and its
-// statements belong to one thread.
+// Four small classes on SQLite. Only sqlite.cpp includes SQLite's own header. One connection and its statements belong
+// to one thread.
 #ifndef REELDB_STORE_SQLITE_H
 #define REELDB_STORE_SQLITE_H
 
@@ -17,18 +17,18 @@ struct sqlite3_stmt;
 
 namespace reelhost::sqlite {
 
-/// What a caller has to tell apart.
+/// The causes that a caller distinguishes.
 enum class Cause {
-  Busy,       ///< a lock is held by somebody else
-  Damaged,    ///< no database, malformed, or without the tables and columns that belong there
+  Busy,       ///< another connection holds a lock
+  Damaged,    ///< not a database, malformed, or without the expected tables and columns
   ReadOnly,   ///< it cannot be written
   CannotOpen, ///< it, or a file that goes with it, cannot be opened
   Constraint, ///< a value that the schema forbids
-  Full,       ///< the disk is: there is no room for it, or for a file that goes with it
-  Other,      ///< the system refused a read or a write, memory is short
+  Full,       ///< the disk has no room for it, or for a file that goes with it
+  Other,      ///< the system refused a read or a write, or memory is short
 };
 
-/// A call of SQLite that failed; what() is SQLite's own text, followed by the system's where it has one.
+/// A failed call of SQLite. what() is SQLite's own text, followed by the system's text if there is one.
 class Failure : public std::runtime_error {
 public:
   Failure(Cause cause, const std::string& text) : std::runtime_error(text), cause_(cause) {}
@@ -44,9 +44,9 @@ public:
   enum class Mode {
     ReadWrite,
     ReadOnly,  ///< the file itself is never written; locks and the write-ahead log are shared as usual
-    Immutable, ///< the file as it lies: no locks, no write-ahead log
+    Immutable, ///< the file alone: no locks, no write-ahead log
     Alone,     ///< the file and its write-ahead log, without any lock and without the index file of the log
-    Exclusive, ///< likewise without the index file, but locked: nobody else gets at the file while it is open
+    Exclusive, ///< likewise without the index file, but locked: no other process can use the file while it is open
   };
 
   /// Opens the existing file @p absolutePath; reads nothing that takes a lock.
@@ -56,9 +56,9 @@ public:
   bool tryExecute(const char* sql);      ///< likewise; false when a statement fails. Never throws
   std::int64_t integer(const char* sql); ///< first column of the first row; 0 when there is no row
   std::string text(const char* sql);     ///< likewise
-  std::string readStart(int bytes);      ///< the first bytes of the file as they lie, fewer when it is shorter
+  std::string readStart(int bytes);      ///< the first bytes of the file on disk, fewer if it is shorter
   std::int64_t fileSize();
-  void setBusyTimeout(std::chrono::milliseconds timeout); ///< how long a lock is waited for
+  void setBusyTimeout(std::chrono::milliseconds timeout); ///< how long to wait for a lock
   /// Whether the last connection that closes leaves the write-ahead log where it is. As opened: no.
   void keepLogOnClose(bool keep);
   bool moved();         ///< whether the path no longer leads to the file that was opened
@@ -72,12 +72,12 @@ private:
   std::unique_ptr<sqlite3, Closer> handle_;
 };
 
-/// A transaction, rolled back with its owner unless it was committed. One that cannot be rolled back leaves the
-/// connection inTransaction(), good for nothing but to be closed.
+/// A transaction. The destructor rolls it back unless it was committed. If the rollback fails, the connection stays
+/// inTransaction() and can only be closed.
 class Transaction {
 public:
   enum class Kind {
-    Read, ///< from the first read on, what is read stays as it was then
+    Read, ///< a snapshot from the first read on
     Write ///< takes the write lock at once
   };
 
@@ -100,7 +100,7 @@ private:
   const Kind kind_;
 };
 
-/// A prepared statement. Texts may hold any bytes; they are stored and answered as they are.
+/// A prepared statement. Texts may hold any bytes; they are stored and returned unchanged.
 class Statement {
 public:
   Statement(Database& database, std::string_view sql);

@@ -13,7 +13,7 @@
 
 namespace reelhost {
 
-/// What every log fills; the texts of a shot follow in the order of shotTexts.
+/// The columns that every log fills; the texts of a shot follow in the order of shotTexts.
 inline constexpr std::array<std::string_view, 11> plainColumns = {
     "number", "type", "uuid", "tag", "kind", "imported", "entire_medium", "name", "reel_type", "video", "audio"};
 inline constexpr int firstTextColumn = static_cast<int>(plainColumns.size());
@@ -26,7 +26,7 @@ inline std::vector<std::string> logColumns()
   return columns;
 }
 
-/// What @p make makes of each name, with commas between.
+/// The results of @p make for each name, separated by commas.
 template <class Make>
 std::string listOf(const std::vector<std::string>& names, Make make)
 {

@@ -10,7 +10,7 @@
 namespace reelhost {
 
 /// The Error for a failed call of SQLite on the project @p subject: "SUBJECT: held by another process (@p holder)" for
-/// a lock, else "SUBJECT: FACT (CAUSE)", where @p fact is what could not be done unless the cause says it better.
+/// a lock, else "SUBJECT: FACT (CAUSE)". FACT is @p fact unless the cause gives a better one.
 Error errorFrom(const sqlite::Failure& failure, const std::string& subject, const std::string& fact,
                 const std::string& holder);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The tables of a project file and how they came to be what they are.
+// The tables of a project file and their upgrade steps.
 #ifndef REELDB_STORE_SQLITE_SCHEMA_H
 #define REELDB_STORE_SQLITE_SCHEMA_H
 
@@ -24,12 +24,12 @@ const SchemaSteps& schemaSteps();
 /// Brings the tables from their version to the last one, one step at a time. REQUIRES: a transaction that writes.
 void bringUpToDate(sqlite::Database& database, const SchemaSteps& steps);
 
-/// What the first 100 bytes of a file say.
+/// The content of the first 100 bytes of a file.
 struct FileStart {
   bool isSqlite = false;
   std::int64_t applicationId = 0;
   std::int64_t version = 0;
-  std::int64_t bytes = 0; ///< size of the whole file; 0 when the writer did not keep it
+  std::int64_t bytes = 0; ///< size of the whole file; 0 if the writer did not store it
 };
 FileStart readFileStart(std::string_view start);
 

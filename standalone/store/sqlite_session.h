@@ -34,21 +34,21 @@ public:
   /// As Store::begin.
   void beginRead(std::chrono::milliseconds busyTimeout) { begin(Kind::Read, busyTimeout, Purpose::Use); }
   void beginWrite(std::chrono::milliseconds busyTimeout) { begin(Kind::Write, busyTimeout, Purpose::Use); }
-  /// Begins to read for an integrity check, without the verification that beginRead does. It waits for nobody but
-  /// another process in the middle of a recovery.
+  /// Begins to read for an integrity check, without the verification that beginRead does. It waits only for another
+  /// process in the middle of a recovery.
   void beginCheck() { begin(Kind::Read, std::chrono::seconds(5), Purpose::Check); }
-  void end() noexcept; ///< rolls back; does nothing when not begun
+  void end() noexcept; ///< rolls back; does nothing if no use was begun
   bool hasBegun() const { return transaction_ != nullptr; }
   bool isWriting() const { return hasBegun() && transaction_->kind() == sqlite::Transaction::Kind::Write; }
   sqlite::Database& database() { return *database_; } ///< REQUIRES: begun
 
-  /// Runs @p write and commits, or throws Error and keeps nothing; ends the use either way. REQUIRES: begun for
+  /// Runs @p write and commits, or throws Error and discards the changes; ends the use either way. REQUIRES: begun for
   /// writing.
   void commit(const std::function<void(sqlite::Database&)>& write);
 
   bool changedElsewhere(); ///< as Store::changedElsewhere
 
-  /// Runs @p work. A Failure of SQLite leaves it as an Error, which says with @p fact what could not be done.
+  /// Runs @p work and converts a Failure of SQLite to an Error with @p fact.
   template <class Work>
   auto guarded(const char* fact, Work work) -> decltype(work())
   {
@@ -63,8 +63,8 @@ private:
   using Mode = sqlite::Database::Mode;
   using Kind = sqlite::Transaction::Kind;
   enum class Purpose { Use, Check };
-  /// What changedElsewhere compares: the version that SQLite counts, or time and size of a file that is read as it
-  /// lies.
+  /// The value that changedElsewhere compares: the version that SQLite counts, or time and size of a file that is read
+  /// without locks.
   using Version = std::pair<std::int64_t, std::int64_t>;
   static constexpr Version otherVersion = {-1, -1}; ///< equals no version
 
@@ -87,7 +87,7 @@ private:
   ProjectFile file_;            ///< as it was when it was opened
   bool verified_ = false;       ///< whether the open database was
   std::unique_ptr<sqlite::Transaction> transaction_;
-  std::optional<Version> version_; ///< as of the last begin; empty before the first
+  std::optional<Version> version_; ///< at the last begin; empty before the first
 };
 
 } // namespace reelhost

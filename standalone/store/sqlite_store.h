@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A project in an SQLite file. docs/formats/project.md says what is in it.
+// A project in an SQLite file. docs/formats/project.md describes the file.
 #ifndef REELDB_STORE_SQLITE_STORE_H
 #define REELDB_STORE_SQLITE_STORE_H
 
@@ -17,7 +17,7 @@ namespace reelhost {
 
 class SqliteStore final : public Store {
 public:
-  /// @p steps: the versions this store knows; tests give others.
+  /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
 
   std::string subject() const override;
