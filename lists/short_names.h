@@ -17,17 +17,18 @@ namespace reeldb::lists {
 /// "_.-&" in 32 or 129.
 inline constexpr std::array<std::size_t, 5> kReelFields = {3, 6, 8, 32, 129};
 
-/// What a field of letters leaves of an identifier before names are made distinct: what it does not know is left out or
-/// replaced, and the rest is cut. Empty when nothing is left. Case is as it comes.
+/// The form of an identifier in a field of letters, before names are made distinct: characters that the field does not
+/// allow are left out or replaced, and the result is cut to its length. Empty if no character is left. Keeps the case.
 std::string fieldForm(std::string_view reel, std::size_t field);
 
-/// A name for each reel, none like another in whatever case, and none of those that stand for no reel (BL, AX ...). The
-/// same reels in the same order always get the same names. The identifiers are distinct, ASCII case aside; @p field is
-/// one of kReelFields.
+/// A unique name for each reel, ignoring case, and different from the names that mean no reel (BL, AX ...). The same
+/// reels in the same order always get the same names. REQUIRES: the identifiers are distinct, ignoring ASCII case;
+/// @p field is one of kReelFields.
 ///
-/// An identifier that fits keeps its spelling, upper case where the field wants it. Of any other, what the field cannot
-/// hold is left out, or replaced by '_' in the wide fields, and the rest is cut when no other reel would be cut to the
-/// same; else a number ends the name. A field of digits counts from 001. Nothing when there are more reels than names.
+/// An identifier that fits keeps its spelling, in upper case where the field requires that. In any other, characters
+/// that the field does not allow are left out, or replaced by '_' in the wide fields. The result is cut if no other
+/// reel would be cut to the same name; else a number ends the name. A field of digits counts from 001. Empty if there
+/// are more reels than names.
 std::optional<std::vector<std::string>> shortReelNames(const std::vector<std::string>& reels, std::size_t field);
 
 } // namespace reeldb::lists
