@@ -151,7 +151,7 @@ void FacilityReader::readDevice(const TomlTable& table)
   if (!number)
     table.fail("number", "a device needs one");
   device.number = static_cast<int>(*number);
-  const auto id = table.number("id", 1, UINT_MAX); // 0 names none
+  const auto id = table.number("id", 1, UINT_MAX); // 0 means no device
   if (!id)
     table.fail("id", "a device needs one");
   device.id = static_cast<unsigned>(*id);

@@ -42,7 +42,7 @@ private:
   base::FileDescriptor fd_;
 };
 
-// A text is written as a text. TOML holds UTF-8 only, so bytes that are none are written as an array of numbers.
+// A text is written as a text. TOML holds UTF-8 only, so any other bytes are written as an array of numbers.
 
 void put(toml::table& table, const std::string& key, const std::string& value)
 {

@@ -34,7 +34,7 @@ public:
     return last_;
   }
 
-  /// The next action, if it is none that came after number @p last; null otherwise.
+  /// The next action if its number is not above @p last, else null.
   Action take(std::uint64_t last)
   {
     const std::lock_guard lock(mutex_);

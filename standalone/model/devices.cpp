@@ -15,8 +15,7 @@ using reelhost::hostCall;
 using reelhost::noArguments;
 using reelhost::Word;
 
-/// The device that a configuration is a copy of. A device that nobody knows is none: it keeps the default settings, of
-/// which the identity 0 is one.
+/// The device that a configuration was copied from. An unknown device keeps the default settings (identity 0).
 struct ExtDeviceConfig::Impl {
   DeviceSettings settings;
 
@@ -206,7 +205,7 @@ ExtDeviceConfigurationManager& theConfigurationManager()
   return manager;
 }
 
-// The devices of this host are descriptions: nothing is connected that would have to be connected anew.
+// The devices of this host are descriptions: there is no connection to reset.
 void resetDevices()
 {
   hostCall("resetDevices", noArguments, [] {});

@@ -68,7 +68,7 @@ bool Edit::isImported() const
       "Edit::isImported", [&] { return describeAll(impl->cookie); }, [&] { return impl->imported; });
 }
 
-// A log of this host has one reel: slots are not told apart.
+// A log of this host has one reel: the slot is ignored.
 void Edit::get_reelid(strp_field& out, int slot, int channel) const
 {
   hostCall(

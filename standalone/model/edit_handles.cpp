@@ -65,7 +65,7 @@ void report(Edit* edit)
   try {
     reelhost::model::tellLogModification(cookie, modification);
   } catch (...) {
-    // The change is made; a listener that fails on the news has nobody above it who could be told.
+    // The change is made, and a destructor cannot report the failure of a listener.
   }
 }
 

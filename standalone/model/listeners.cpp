@@ -7,10 +7,10 @@
 
 namespace {
 
-/// The listeners in the order in which they came. While an event is told, one that goes leaves its place empty.
+/// The listeners in the order of registration. A listener that unregisters during an event leaves its place empty.
 struct Listeners {
   std::vector<ProjectListener*> list;
-  int events = 0; ///< being told
+  int events = 0; ///< number of events in progress
 
   void add(ProjectListener* listener) { list.push_back(listener); }
 

@@ -78,7 +78,7 @@ void closeProject() noexcept
   try {
     model::tellProjectExit();
   } catch (...) {
-    // The project closes all the same, and there is nobody to tell.
+    // The project is closed nevertheless, and the failure cannot be reported.
   }
   p.isClosing = false;
   replaceProject(nullptr);

@@ -25,7 +25,7 @@ class oledb {};
 
 namespace {
 
-// The columns of a row. 0 is none.
+// The columns of a row. 0 is not a column.
 constexpr unsigned short noColumn = 0, typeColumn = 1, reelTypeColumn = 2;
 
 // Which project they are about is asked when they are used: there is one open at a time.
@@ -53,7 +53,7 @@ const char* fieldOf(const Log& log, unsigned short column)
   }
 }
 
-/// The one identifier that all attributes ask for; empty when there is none such.
+/// The identifier that all attributes require; empty if they do not require the same one.
 LightweightString<char> reelIdIn(const reelhost::model::SearchAttributes& attributes)
 {
   LightweightString<char> wanted;

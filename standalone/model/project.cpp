@@ -143,7 +143,7 @@ Log& Project::add(StoredLog&& stored)
   try {
     table_.insert(log);
   } catch (...) {
-    logs_.pop_back(); // a log that nobody can find is none
+    logs_.pop_back(); // a log that cannot be found must not exist
     throw;
   }
   if (log.type == codes::reelLog)
@@ -181,8 +181,8 @@ Log* Project::findAmongOthers(const Cookie& cookie)
   return table_.find(CookieWords(cookie));
 }
 
-// A new reel is almost always the last. In all other cases, and without memory, the list is made anew when it is next
-// asked for.
+// A new reel is almost always the last. In all other cases, and on out-of-memory, the next call of reels() rebuilds the
+// list.
 void Project::joinReels(const Log& log)
 {
   if (!std::exchange(reelsReady_, false) || log.number <= lastReel_)
@@ -288,8 +288,8 @@ void Project::changing(Log& log)
   log.isDirty = true;
 }
 
-// An index that lacks a log would hide it from every search: without memory for it there is none, until the next
-// search.
+// A partial index would hide logs from every search. On out-of-memory the index is dropped; the next search rebuilds
+// it.
 void Project::refreshIndex(Log& log)
 {
   if (!index_)

@@ -23,7 +23,7 @@ namespace {
 
 /// Where settings come from. The library asks while it is loaded, before any constructor of the program has run.
 struct Source {
-  Facility facility;          ///< one without anything when there is none
+  Facility facility;          ///< an empty one if there is no facility
   std::optional<Error> error; ///< why the one that the environment names is not it
 
   Source()

@@ -20,8 +20,8 @@ std::string messageOf(int error)
   return std::generic_category().message(error);
 }
 
-/// Why @p path cannot be written; empty when it can. A mode without any write bit counts for root as well: whoever set
-/// it meant it.
+/// Why @p path cannot be written; empty if it can. A mode without any write bit counts for root as well, because it was
+/// set on purpose.
 std::string whyNotWritable(const std::string& path, unsigned mode, const char* withoutWriteBit)
 {
   if ((mode & 0222) == 0)
@@ -31,7 +31,7 @@ std::string whyNotWritable(const std::string& path, unsigned mode, const char* w
   return {};
 }
 
-/// Looks at a file that SQLite keeps beside the project; answers whether it is there.
+/// Inspects a file that SQLite keeps beside the project. Returns whether it exists.
 bool inspectCompanion(const std::filesystem::path& subject, const std::string& path, struct stat& status)
 {
   if (::lstat(path.c_str(), &status) != 0)

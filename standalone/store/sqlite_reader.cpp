@@ -32,7 +32,7 @@ const char* conditionFor(LogSet set)
   return "deletion = (SELECT max(deletion) FROM logs WHERE deletion IS NOT NULL)";
 }
 
-/// The keys of logs that are no columns, read alongside the logs in ascending order of the number.
+/// The keys of logs that are not columns, read alongside the logs in ascending order of the number.
 class FieldRows {
 public:
   explicit FieldRows(Database& database)
@@ -42,7 +42,7 @@ public:
 
   void appendTo(KeyValues& fields, std::int64_t number)
   {
-    // A few rows of passed-over logs are stepped over; beyond that finding the place anew is cheaper.
+    // Steps over a few rows of skipped logs; for more rows a new search is cheaper.
     for (int steps = 0; at_ < number; ++steps) {
       if (at_ == nowhere || steps == nearby) {
         rows_.reset();

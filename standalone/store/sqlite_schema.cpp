@@ -9,9 +9,9 @@ namespace {
 
 // type: 9 is a reel. deletion: null while the log is there, else the number of the deletion that put it into the trash.
 // The columns from reel_id to aliases hold the configuration keys that shots have (null: the log has no such key);
-// fields holds all other keys. project.last_number: the highest log number ever given out. others_by_reel answers how
-// often each identifier is used without touching the logs: SQLite asks for type and deletion in the index even though
-// its condition fixes them.
+// fields holds all other keys. project.last_number: the highest log number ever used. others_by_reel counts the uses
+// of each identifier without reading the logs: SQLite needs type and deletion in the index even though its condition
+// fixes them.
 const char version1[] = R"sql(
 CREATE TABLE project(key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT, WITHOUT ROWID;
 CREATE TABLE options(key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) STRICT, WITHOUT ROWID;

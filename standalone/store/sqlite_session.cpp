@@ -192,7 +192,7 @@ void SqliteSession::close() noexcept
   transaction_.reset();
   database_.reset();
   if (version_ && isShared(mode_))
-    version_ = otherVersion; // another connection counts anew
+    version_ = otherVersion; // another connection counts from its own start
 }
 
 SqliteSession::Version SqliteSession::currentVersion()

@@ -65,7 +65,7 @@ void readPiece(FILE* file, const char* separators, bool joinCrLf, const Append& 
     static_cast<void>(getc_unlocked(file));
 }
 
-/// The same from memory; answers where the next piece begins. The text ends in a NUL that may be looked at.
+/// The same from memory. Returns where the next piece begins. The text ends in a NUL that may be read.
 template <class Append>
 const char* cutPiece(const char* from, const char* end, const char* separators, bool joinCrLf, const Append& append)
 {

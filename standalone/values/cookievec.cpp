@@ -9,8 +9,8 @@
 #include "host/cookie.h"
 #include "host/os.h"
 
-/// The Cookies follow the head. Several vectors may hold one storage, each with a count of its own: it sees the first
-/// so many Cookies, and those no other vector changes. What lies behind its count is another vector's, if anyone's.
+/// The Cookies follow the head. Several vectors may hold one storage, each with a count of its own. Each vector sees
+/// the first count_ Cookies, which no other vector changes; later entries belong to other vectors, if any.
 struct LightweightVector<Cookie>::Storage {
   int refs, capacity, used;
 
