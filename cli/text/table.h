@@ -28,7 +28,7 @@ public:
   void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
 
-  /// The lines, each behind so many blanks, for a terminal of that many columns, or for anything else.
+  /// The table as text, each line indented by @p indent blanks, fitted to the columns of a terminal if given.
   std::string text(std::optional<std::size_t> terminalColumns, bool colours, std::size_t indent = 0) const;
   /// Prints it on standard output.
   void print(std::size_t indent = 0) const;

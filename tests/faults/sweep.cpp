@@ -121,7 +121,7 @@ Sweep::Outcome Sweep::act(const Run& run, std::int64_t n)
     outcome.thrown = std::current_exception();
   }
   kind.disarm();
-  reelhost::watch(reelhost::Watcher::Script, false); // what is looked at from here on is looked at soon
+  reelhost::watch(reelhost::Watcher::Script, false); // the checks below need not be watched
   outcome.answer = described();
   return outcome;
 }

@@ -81,7 +81,7 @@ std::string asJson(const Report& report)
                             {"asked", report.asked},
                             {"unmet", unmet},
                             {"notLookedAt", report.notLookedAt}};
-  // A path need not be UTF-8; what is not is shown as what it cannot be.
+  // Paths may contain invalid UTF-8; invalid bytes become U+FFFD.
   return all.dump(2, ' ', false, ordered_json::error_handler_t::replace) + "\n";
 }
 
