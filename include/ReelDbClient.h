@@ -17,8 +17,10 @@ class REELDB_EXPORT ReelDbClient : public ArrayRec {
 public:
   ReelDbClient();                                    ///< without a reel of interest
   explicit ReelDbClient(LightweightString<char> id); ///< sets the reel of interest; calls no virtual function
-  ~ReelDbClient() override;                          ///< unregisters; no handler is called any more
-  ReelDbClient(const ReelDbClient&) = delete;        ///< the manager knows a client by its address
+  /// Removes one registration; no handler is called any more. A client that was registered twice has to be
+  /// unregistered once before.
+  ~ReelDbClient() override;
+  ReelDbClient(const ReelDbClient&) = delete; ///< the manager knows a client by its address
   ReelDbClient& operator=(const ReelDbClient&) = delete;
 
   /// Sets the reel of interest; an empty identifier means no reel. Unlike a lookup, the match is exact, letter case

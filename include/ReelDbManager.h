@@ -54,8 +54,8 @@ public:
   /// @name Clients
   /// @{
 
-  /// Appends the client, which is borrowed. A client that is registered twice is notified twice. The constructor of
-  /// ReelDbClient calls it.
+  /// Appends the client, which is borrowed. A client that is registered twice is notified twice, and
+  /// one registration has to be removed before it is deleted. The constructor of ReelDbClient calls it.
   void registerClient(ReelDbClient* client);
   void deRegisterClient(ReelDbClient* client); ///< removes one registration; an unknown client is ignored
   /// Rebuilds the reel list, always, and calls every client's reelDbChanged(@p id), unless notifications are held.
@@ -125,8 +125,8 @@ public:
 
   /// Renames the reel, its log and every shot recorded from it. Prints one line for each shot. @p newId is not checked;
   /// the caller checks it. An unknown @p oldId changes nothing. A shot whose log cannot be opened keeps @p oldId.
-  /// Clients are first notified of a changed field of @p oldId. When the shots are renamed, reelDbChanged("") is
-  /// called, unless there is no database.
+  /// All clients are first notified of a changed field of @p oldId. When the shots are renamed, reelDbChanged("")
+  /// of all clients is called, unless there is no database.
   void changeReelId(LightweightString<char> oldId, LightweightString<char> newId);
   /// Copies type, flags, label mapping and the user fields 0 to 5. Sends one notification in all, for @p toId, even if
   /// that reel does not exist. The source is not checked: copying from an unknown reel empties the target.

@@ -25,7 +25,8 @@ extern REELDB_EXPORT const char* TR_REEL_LENGTH;    ///< "reel_length": for othe
 /// reel.
 ///
 /// Every call opens the log and closes it again; nothing is cached between calls. A log that cannot be opened reads as
-/// empty and is not written. Exceptions of the host pass through unchanged, with every log closed. Main thread only.
+/// empty and is not written; only typeName() still returns the type of its database row. Exceptions of the host pass
+/// through unchanged, with every log closed. Main thread only.
 class REELDB_EXPORT ReelDbRec : public Cookie {
 public:
   ReelDbRec();       ///< an empty record

@@ -31,7 +31,8 @@ public:
 
   /// Appends every type name, the empty one too. Neither clears nor sorts the list, which owns its new elements.
   void getAllReelTypes(StringList& list);
-  /// The type at this position. An index past the end gives the empty name without channels, and adds that name.
+  /// The type at this position. An index past the end gives the type of the empty name, and adds that name
+  /// without parameters if it is not defined.
   ReelType type(const unsigned& index);
   /// The type of this name, which is not trimmed. An unknown name gives a type without channels, and is added.
   ReelType type(const LightweightString<char>& name);

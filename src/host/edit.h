@@ -49,7 +49,7 @@ private:
 
 /// One open log. All openings of one log share one Edit. A change takes effect at once, in every opening and in the
 /// database, and is stored whether or not the log is marked dirty. The host owns the Edit; it ends with the last
-/// i_close. The caller that opened it never deletes it.
+/// i_close or with its EditModifier, whichever is later. The caller that opened it never deletes it.
 class Edit {
 public:
   configb& config();           ///< valid while the log is open

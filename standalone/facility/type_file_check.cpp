@@ -23,6 +23,8 @@ constexpr std::size_t bufferSize = 2048;
 /// Bytes. More than a million types fit; a larger file lists none, and the library would take it into memory.
 constexpr std::size_t largestSize = std::size_t{64} << 20;
 
+constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
+
 /// As many channels as a reel can have.
 constexpr long mostChannels = 65535;
 
@@ -77,6 +79,8 @@ private:
       return;
     GrowString name;
     fields >> name;
+    if (line_ == 1 && std::strncmp(name, byteOrderMark, std::strlen(byteOrderMark)) == 0)
+      remarks_.push_back(place() + "a byte order mark is part of the name (store the file without it)");
     if (fields.atEnd()) {
       requireRoomForWarning(name);
       return;

@@ -2,6 +2,7 @@
 #include "host/edit.h"
 
 #include <cstring>
+#include <string>
 
 #include "host/codes.h"
 #include "host/text.h"
@@ -9,6 +10,8 @@
 #include "model/log.h"
 #include "model/log_types.h"
 #include "model/project.h"
+#include "reelhost/display_text.h"
+#include "reelhost/error.h"
 
 using reelhost::describeAll;
 using reelhost::hostCall;
@@ -25,6 +28,19 @@ void change(Log& log, T& member, const T& value)
     return;
   log.project.changing(log);
   member = value;
+}
+
+/// Adds one to the channels of a kind. Refuses the one that would leave 0 in the bits that count: whoever asks how many
+/// there are would add them for ever.
+void addChannel(Log& log, int& channels, const char* kind)
+{
+  if ((channels & codes::channelCountMask) == codes::channelCountMask)
+    throw reelhost::Error(
+        reelhost::ErrorKind::Refused,
+        reelhost::displayText(log.reelId.empty() ? reelhost::model::fileNameOf(log) : log.reelId.c_str()) +
+            ": too many " + kind + " channels (" + std::to_string(codes::channelCountMask) +
+            " are the most; its type or its device asks for more)");
+  change(log, channels, channels + 1);
 }
 
 } // namespace
@@ -169,8 +185,8 @@ void Edit::addChan(EditChanType type, Zr::Ptr<Cel> cel, bool flag, EditChanSubTy
       "Edit::addChan", [&] { return describeAll(impl->cookie, type, cel, flag, subType, otherFlag, value); },
       [&] {
         if (type == codes::videoChannel)
-          change(*impl, impl->videoChannels, impl->videoChannels + 1);
+          addChannel(*impl, impl->videoChannels, "video");
         else if (type == codes::audioChannel)
-          change(*impl, impl->audioChannels, impl->audioChannels + 1);
+          addChannel(*impl, impl->audioChannels, "audio");
       });
 }

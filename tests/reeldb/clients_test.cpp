@@ -228,6 +228,16 @@ TEST_F(Clients, RegisteredTwiceHearEverythingTwice)
   EXPECT_EQ(registered(), (Registered{&b, &a})) << "the first entry goes, and only that one";
 }
 
+TEST_F(Clients, RegisteredTwiceLeaveOneEntryBehindWhenTheyEnd)
+{
+  ReelDbClient* const client = new ReelDbClient;
+  manager().registerClient(client);
+  delete client;
+  EXPECT_EQ(registered(), Registered{client});
+  manager().deRegisterClient(client);
+  EXPECT_EQ(registered(), Registered{});
+}
+
 TEST_F(Clients, ThatAreNotRegisteredCanBeUnregistered)
 {
   Client a(heard_, "a"), b(heard_, "b");

@@ -270,4 +270,16 @@ TEST_F(FacilityTypes, FacilityWithoutATypeFileIsGood)
   EXPECT_EQ(Facility::read(dir()).remarks(), Lines{});
 }
 
+TEST_F(TypeFileCheckTest, ByteOrderMarkIsRemarkedOnWhereItIsPartOfAName)
+{
+  const std::string mark = "\xEF\xBB\xBF";
+  const Lines remark = {file().native() + ":1: a byte order mark is part of the name (store the file without it)"};
+  EXPECT_EQ(remarksOn(mark + "a:VideoChannels=1\n"), remark);
+  EXPECT_EQ(remarksOn(mark + "no parameters\n"), remark);
+  expectGood("a:VideoChannels=1\n" + mark + "b:VideoChannels=1\n");
+  expectGood("a" + mark + ":VideoChannels=1\n");
+  expectGood("\xEF\xBB"
+             "a:VideoChannels=1\n");
+}
+
 } // namespace

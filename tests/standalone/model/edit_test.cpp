@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <climits>
 #include <stdexcept>
 
 #include "host/text.h"
@@ -86,6 +87,31 @@ TEST_F(EditTest, ChannelsOfOtherTypesCountForNothing)
     EXPECT_EQ(edit.getNumChans(EditChanType(3)), 0);
     EXPECT_EQ(edit.getNumChans(codes::videoChannel), 0);
     EXPECT_EQ(edit.getNumChans(codes::audioChannel), 0);
+  });
+}
+
+// One more would leave 0 in the bits that the library reads, which would add channels for ever.
+TEST_F(EditTest, ChannelBeyondTheBitsThatCountIsRefused)
+{
+  reelhost::StoredLog stored;
+  stored.type = 9;
+  stored.videoChannels = INT_MAX;
+  stored.audioChannels = 65534;
+  const Cookie unnamed = reelhost::addLog(stored);
+  stored.fields = {{"reelid", "R\t1"}};
+  const Cookie named = reelhost::addLog(stored);
+  const auto add = [](const Cookie& log, EditChanType type) {
+    return errorOf([&] {
+      withLog(log, [type](Edit& edit) { edit.addChan(type, nullptr, false, EditChanSubType(0), false, -1.0); });
+    });
+  };
+  const std::string cause = " channels (65535 are the most; its type or its device asks for more)";
+  EXPECT_EQ(add(unnamed, codes::videoChannel), "Refused: E0000001: too many video" + cause);
+  EXPECT_EQ(add(named, codes::audioChannel), "none");
+  EXPECT_EQ(add(named, codes::audioChannel), "Refused: R\\t1: too many audio" + cause);
+  withLog(named, [](Edit& edit) {
+    EXPECT_EQ(edit.getNumChans(codes::audioChannel), 65535);
+    EXPECT_EQ(edit.getNumChans(codes::videoChannel), INT_MAX);
   });
 }
 
