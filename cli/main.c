@@ -75,7 +75,8 @@ static char* nearest_facility(void)
   while (folder) {
     char* file = NULL;
     struct stat status;
-    const bool found = asprintf(&file, "%s/facility.toml", folder) >= 0 && stat(file, &status) == 0;
+    const bool found =
+        asprintf(&file, "%s/facility.toml", folder) >= 0 && stat(file, &status) == 0 && S_ISREG(status.st_mode);
     free(file);
     if (found)
       return folder;

@@ -88,6 +88,15 @@ TEST_F(Front, NearestFolderUpwardsIsFound)
   EXPECT_EQ(firstReel({"list", "--json"}, below), "R2");
 }
 
+TEST_F(Front, WhatIsNoFileIsPassedOverOnTheWayUpwards)
+{
+  mark("one", "R1");
+  fs::create_directories(path("one/a/facility.toml"));
+  ProcessSetting below = setting_;
+  below.folder = path("one/a");
+  EXPECT_EQ(firstReel({"list", "--json"}, below), "R1");
+}
+
 TEST_F(Front, FolderNameMayHoldAnyByte)
 {
   const std::string name = "b\xff \xc3\xa9\n'\"[x]";
