@@ -110,6 +110,7 @@ LiveReel liveReel(Session& session, const std::string& device)
     if (!accepts(settings, "Live"))
       throw Error(ErrorKind::Refused,
                   fmt::format("{}: no live source (\"Live\" is not among the types it accepts)", settings.name));
+    const ShotCounts shots = reelhost::shotCounts();
     ReelDbManager& manager = session.manager();
     const LightweightString<char> id = manager.getLiveDeviceMediaName(hostText(settings.name));
     LiveReel result;
@@ -119,7 +120,7 @@ LiveReel liveReel(Session& session, const std::string& device)
     if (!record.valid())
       throw Error(ErrorKind::Refused,
                   fmt::format("{}: no live-feed reel made (\"{}\" is no name for a reel)", settings.name, text(id)));
-    result.reel = readReel(record, reelhost::shotCounts());
+    result.reel = readReel(record, shots);
     session.commit();
     return result;
   });

@@ -87,6 +87,7 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
   return guarded([&] {
     checkedReelName(id);
     const int number = device ? requireDevice(*device).number : noDevice;
+    const ShotCounts shots = reelhost::shotCounts(); // as long as nothing has changed, the store counts them
     ReelDbManager& manager = session.manager();
     ReelDbRec made = manager.createNewReel(hostText(id), number);
     if (!made.valid())
@@ -98,8 +99,8 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
       throw Error(ErrorKind::Refused, fmt::format("{}: exists already", quoted(stored)));
     CreatedReel result;
     remarkOnSpecialName(stored, result.remarks);
+    result.reel = readReel(made, shots);
     session.commit();
-    result.reel = readReel(made, reelhost::shotCounts());
     return result;
   });
 }
@@ -107,6 +108,7 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
 CopiedReel copyReel(Session& session, const std::string& from, const std::string& to)
 {
   return guarded([&] {
+    const ShotCounts shots = reelhost::shotCounts();
     ReelDbManager& manager = session.manager();
     // The library would copy an unknown reel too, and so empty the other.
     ReelDbRec source = requireReel(manager, from);
@@ -116,7 +118,7 @@ CopiedReel copyReel(Session& session, const std::string& from, const std::string
     result.to = text(target.reelId());
     requirePlainTexts(readReel(source, {}));
     manager.copyReelInfo(hostText(result.from), hostText(result.to));
-    result.reel = readReel(target, reelhost::shotCounts());
+    result.reel = readReel(target, shots);
     result.stored = session.commit();
     return result;
   });

@@ -83,7 +83,7 @@ bool Session::commit()
 {
   return guarded([] {
     reelhost::runDeferredActions();
-    return reelhost::hasChanges() && reelhost::commit();
+    return reelhost::commit();
   });
 }
 

@@ -170,8 +170,12 @@ void writeReels(const std::string& folder, const std::string& name, int count)
   setting.folder = folder;
   for (int i = 0; i < count; ++i) {
     const std::string id = numbered(name, static_cast<std::size_t>(i));
-    ASSERT_EQ(runProcess({reeldbProgram, "create", id}, setting).code, 0) << id;
-    ASSERT_EQ(runProcess({reeldbProgram, "set", id, "bin=" + name}, setting).code, 0) << id;
+    for (const Words& words : {Words{"create", id}, Words{"set", id, "bin=" + name}}) {
+      Words line = {reeldbProgram};
+      line.insert(line.end(), words.begin(), words.end());
+      const ProcessResult result = runProcess(line, setting);
+      ASSERT_EQ(result.code, 0) << words.front() << ' ' << id << ": " << result.err;
+    }
   }
 }
 
