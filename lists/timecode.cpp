@@ -18,6 +18,17 @@ bool isSeparator(char c)
   return c == ':' || c == ';' || c == '.' || c == ',';
 }
 
+/// Whether separators and digits stand where a timecode has them.
+bool isShaped(std::string_view text)
+{
+  if (text.size() != 11 && text.size() != 12)
+    return false;
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (!(i == 2 || i == 5 || i == 8 ? isSeparator(text[i]) : isDigit(text[i])))
+      return false;
+  return true;
+}
+
 /// hhmmssfff, so that the order of texts is the order of time.
 std::string digitsOf(std::string_view timecode)
 {
@@ -32,10 +43,7 @@ std::string digitsOf(std::string_view timecode)
 
 std::string timecodeFault(std::string_view text)
 {
-  const bool shaped = (text.size() == 11 || text.size() == 12) && isSeparator(text[2]) && isSeparator(text[5]) &&
-                      isSeparator(text[8]) && std::count_if(text.begin(), text.end(), isSeparator) == 3 &&
-                      std::count_if(text.begin(), text.end(), isDigit) == static_cast<std::ptrdiff_t>(text.size()) - 3;
-  if (!shaped)
+  if (!isShaped(text))
     return "not hh:mm:ss:ff";
   if (text.substr(0, 2) > "23")
     return "hours above 23";
