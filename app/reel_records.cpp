@@ -132,6 +132,14 @@ std::string checkedReelName(const std::string& asked)
   return id;
 }
 
+void remarkOnUnlistedType(const std::string& type, std::vector<std::string>& remarks)
+{
+  if (!type.empty() && !isListedType(type))
+    remarks.push_back(
+        fmt::format("{}: not in the reel type catalogue (stored all the same; reeldb type list lists what is)",
+                    base::shortText(type)));
+}
+
 void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remarks)
 {
   const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);

@@ -100,6 +100,7 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
     CreatedReel result;
     remarkOnSpecialName(stored, result.remarks);
     result.reel = readReel(made, shots);
+    remarkOnUnlistedType(result.reel.type, result.remarks); // the project's default type
     session.commit();
     return result;
   });
