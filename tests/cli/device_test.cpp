@@ -74,6 +74,15 @@ TEST_F(Device, LiveMakesTheReelOnceAndTheDeviceRemembersIt)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
+TEST_F(Device, CreateIsRefusedWhenTheNameOfTheDeviceIsNoNameForAReel)
+{
+  dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n"
+                              "[[device]]\nnumber = 4\nid = 8\nname = \"C*m\"\nport = \"device-named\"\n"
+                              "input = \"sdi\"\naudio_inputs = 1\ntapes = []\n");
+  expectRefusal({"create", "R1", "--device", "4"}, "\"C*m\": no name for a reel (a star denotes generated material)");
+  EXPECT_EQ(reelIds(), Words{});
+}
+
 TEST_F(Device, LiveIsRefusedForADeviceThatIsNoLiveSource)
 {
   const ProcessResult result = reeldb({"device", "live", "3"});
