@@ -63,6 +63,47 @@ void requireFreeIdentifiers(const ReelDbManager& manager, const std::set<std::st
                                                   id));
 }
 
+struct Planned {
+  DeletionPlan plan;
+  CookieVec selection; ///< the reels, as the library is asked to delete them
+};
+
+Planned look(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep)
+{
+  ReelDbManager& manager = session.manager();
+  Planned planned;
+  DeletionPlan& plan = planned.plan;
+  plan.reels = reels;
+  plan.keep = keep;
+  // In the records' own spelling: a mark counts letter for letter.
+  for (const std::string& id : keep)
+    manager.reelInUse(requireReel(manager, id).reelId(), true);
+  planned.selection = select(manager, reels);
+  // The library reports each log as one that is about to go, so it is only asked when they go.
+  for (const Cookie& log : planned.selection) {
+    const LightweightString<char> id = ReelDbRec(log).reelId();
+    const CookieVec shots = reelhost::shotsOf(text(id));
+    const bool kept = manager.reelInUse(id);
+    plan.items.push_back({text(id), kept, shotsFrom(shots)});
+    if (kept)
+      continue;
+    plan.logs.push_back(nameOf(log));
+    for (const Cookie& shot : shots)
+      plan.logs.push_back(nameOf(shot));
+  }
+  return planned;
+}
+
+void deleteAndStore(Session& session, const Planned& planned)
+{
+  if (planned.plan.empty())
+    return;
+  ReelDbManager& manager = session.manager();
+  reelhost::deleteLogs(manager.buildSetOfReelsAndAssociatedShots(planned.selection));
+  manager.informReelDbChanged("");
+  session.commit();
+}
+
 } // namespace
 
 std::size_t DeletionPlan::reelCount() const
@@ -73,41 +114,25 @@ std::size_t DeletionPlan::reelCount() const
 
 DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep)
 {
-  return guarded([&] {
-    ReelDbManager& manager = session.manager();
-    DeletionPlan plan;
-    plan.reels = reels;
-    plan.keep = keep;
-    // In the records' own spelling: a mark counts letter for letter.
-    for (const std::string& id : keep)
-      manager.reelInUse(requireReel(manager, id).reelId(), true);
-    // The library reports each log as one that is about to go, so it is only asked when they go.
-    for (const Cookie& log : select(manager, reels)) {
-      const LightweightString<char> id = ReelDbRec(log).reelId();
-      const CookieVec shots = reelhost::shotsOf(text(id));
-      const bool kept = manager.reelInUse(id);
-      plan.items.push_back({text(id), kept, shotsFrom(shots)});
-      if (kept)
-        continue;
-      plan.logs.push_back(nameOf(log));
-      for (const Cookie& shot : shots)
-        plan.logs.push_back(nameOf(shot));
-    }
-    return plan;
-  });
+  return guarded([&] { return look(session, reels, keep).plan; });
 }
 
 void carryOut(Session& session, const DeletionPlan& plan)
 {
   guarded([&] {
-    if (planDeletion(session, plan.reels, plan.keep).logs != plan.logs)
+    const Planned planned = look(session, plan.reels, plan.keep);
+    if (planned.plan.logs != plan.logs)
       throw Error(ErrorKind::Refused, "delete: nothing deleted (the project was changed while the answer was awaited)");
-    if (plan.empty())
-      return;
-    ReelDbManager& manager = session.manager();
-    reelhost::deleteLogs(manager.buildSetOfReelsAndAssociatedShots(select(manager, plan.reels)));
-    manager.informReelDbChanged("");
-    session.commit();
+    deleteAndStore(session, planned);
+  });
+}
+
+DeletionPlan deleteReels(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep)
+{
+  return guarded([&] {
+    Planned planned = look(session, reels, keep);
+    deleteAndStore(session, planned);
+    return std::move(planned.plan);
   });
 }
 

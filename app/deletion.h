@@ -39,6 +39,10 @@ DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reel
 /// deleted than the plan lists; nothing is deleted then. REQUIRES: a session for writing.
 void carryOut(Session& session, const DeletionPlan& plan);
 
+/// Deletes the reels without asking, and stores that: the plan is looked up once. Returns what was deleted. Throws
+/// Error as planDeletion does. REQUIRES: a session for writing.
+DeletionPlan deleteReels(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep);
+
 struct Undeleted {
   std::vector<std::string> reels; ///< identifiers, in the order of the project
   std::size_t shots = 0;

@@ -11,6 +11,7 @@
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
 #include "reelhost/host.h"
@@ -138,6 +139,8 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
       report.lists.push_back(importer.import(std::move(file)));
       const ImportedList& imported = report.lists.back();
       report.changes = report.changes || imported.shotsAdded > 0 || !imported.created.empty();
+      if (!imported.created.empty() && report.remarks.empty()) // all of them have the project's default type
+        remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
     }
     report.stored = !dryRun && session.commit();
     return report;

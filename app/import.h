@@ -30,8 +30,9 @@ struct ImportedList {
 struct ImportReport {
   std::vector<ImportedList> lists;
   bool dryRun = false;
-  bool changes = false; ///< the lists bring something new
-  bool stored = false;  ///< and it is stored
+  bool changes = false;             ///< the lists bring something new
+  bool stored = false;              ///< and it is stored
+  std::vector<std::string> remarks; ///< what is doubtful about the reels that were made; each "subject: fact (cause)"
 
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };

@@ -17,6 +17,7 @@
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "base/text_width.h"
+#include "host/codes.h"
 #include "reelhost/host.h"
 
 namespace reeldb::app {
@@ -38,15 +39,22 @@ fs::path labelMapFile(const std::string& name)
   return requireFacility().labelMapDirectory() / (name + suffix);
 }
 
-/// What the map counts in, against what the project counts in: why the one does not fit the other.
+/// What the map counts in, against what the project counts in: why the one does not fit the other. REQUIRES: the
+/// library says that it does not, so the project has the rate of a family, and the map labels of the other one.
 std::string whyNotThisProject(const std::string& map)
 {
+  const int rate = reelhost::projectInfo().frameRate;
+  const bool isPal = rate == codes::rate25 || rate == codes::rate50;
+  const auto isOfTheOther = [isPal](std::uint32_t format) {
+    return isPal ? format == codes::counts30Fps || format == codes::counts60Fps
+                 : format == codes::counts25Fps || format == codes::counts50Fps;
+  };
   std::set<std::string> formats;
   for (const reelhost::LabelMapEntry& entry : reelhost::readLabelMap(labelMapFile(map)))
-    if (entry.inUse)
+    if (entry.inUse && isOfTheOther(entry.format))
       formats.insert(reelhost::labelFormatWord(entry.format));
-  return fmt::format("the project runs at {} fps, the labels it reads are {}",
-                     frameRateName(reelhost::projectInfo().frameRate), fmt::join(formats, ", "));
+  return fmt::format("the project runs at {} fps, some labels of the map are {}", frameRateName(rate),
+                     fmt::join(formats, ", "));
 }
 
 NeededLabelMap needed(std::optional<std::string> reel, int device, std::string map)

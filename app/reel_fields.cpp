@@ -74,14 +74,6 @@ void checkNotNone(const std::string& field, const std::string& value, const std:
     remarks.push_back(fmt::format("{}: \"{}\" stands for none", field, none));
 }
 
-void checkType(const std::string& value, Remarks& remarks)
-{
-  if (!value.empty() && !isListedType(value))
-    remarks.push_back(
-        fmt::format("{}: not in the reel type catalogue (stored all the same; reeldb type list lists what is)",
-                    base::shortText(value)));
-}
-
 void checkDevice(const std::string& value, Remarks&)
 {
   const reelhost::Facility& facility = requireFacility();
@@ -110,7 +102,7 @@ void checkLabelMap(const std::string& value, Remarks& remarks)
 std::vector<ReelField> fixedFields()
 {
   return {
-      textField("type", &ReelDbRec::typeName, &ReelDbRec::typeName, checkType),
+      textField("type", &ReelDbRec::typeName, &ReelDbRec::typeName, remarkOnUnlistedType),
       flagField("available", &ReelDbRec::reelAvailable, &ReelDbRec::reelAvailable),
       flagField("inhibit", &ReelDbRec::recInhibit, &ReelDbRec::recInhibit),
       textField("label-map", &ReelDbRec::labelMapping, &ReelDbRec::labelMapping, checkLabelMap),

@@ -14,27 +14,12 @@
 #include "base/ascii.h"
 #include "base/character_locale.h"
 #include "base/text_width.h"
-#include "host/codes.h"
-#include "host/edit.h"
 #include "lists/names.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
 namespace {
-
-/// A log, open for as long as this lives; false when it could not be opened.
-class OpenLog {
-public:
-  explicit OpenLog(const Cookie& log) { edit_.i_open(log, codes::openAsUsual); }
-  ~OpenLog() { edit_.i_close(); }
-  OpenLog(const OpenLog&) = delete;
-  OpenLog& operator=(const OpenLog&) = delete;
-  explicit operator bool() const { return edit_.get() != nullptr; }
-  int channels(EditChanType type) const { return edit_->getNumChans(type) & codes::channelCountMask; }
-
-private:
-  EditPtr edit_;
-};
 
 std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
 {
@@ -94,10 +79,9 @@ Reel readReel(ReelDbRec record, const ShotCounts& shots)
   reel.lastDevice = text(record.lastDevice());
   for (std::size_t i = 0; i < userFieldCount; ++i)
     reel.userFields[i] = text(record.userField(static_cast<int>(i)));
-  if (const OpenLog log(record); log) {
-    reel.videoChannels = log.channels(codes::videoChannel);
-    reel.audioChannels = log.channels(codes::audioChannel);
-  }
+  const reelhost::Material log = reelhost::materialOf(record); // the host's way to the channels of any log
+  reel.videoChannels = log.videoChannels;
+  reel.audioChannels = log.audioChannels;
   if (const auto found = shots.find(base::fold(reel.id)); found != shots.end())
     reel.shots = found->second;
   return reel;
@@ -130,6 +114,14 @@ std::string checkedReelName(const std::string& asked)
   if (manager.representsInternallyGeneratedMaterial(hostText(id)))
     throw Error(ErrorKind::Refused, fact + " (a star denotes generated material)");
   return id;
+}
+
+void remarkOnUnlistedType(const std::string& type, std::vector<std::string>& remarks)
+{
+  if (!type.empty() && !isListedType(type))
+    remarks.push_back(
+        fmt::format("{}: not in the reel type catalogue (stored all the same; reeldb type list lists what is)",
+                    base::shortText(type)));
 }
 
 void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remarks)

@@ -95,11 +95,13 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
     // The library compares the identifier as it was given, but stores it without outer blanks, or stores the device's
     // name: what it stored may be there already, and the second of two such reels is never found again.
     const std::string stored = text(made.reelId());
+    checkedReelName(stored); // nor does it check that name
     if (stored != id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
       throw Error(ErrorKind::Refused, fmt::format("{}: exists already", quoted(stored)));
     CreatedReel result;
     remarkOnSpecialName(stored, result.remarks);
     result.reel = readReel(made, shots);
+    remarkOnUnlistedType(result.reel.type, result.remarks); // the project's default type
     session.commit();
     return result;
   });

@@ -53,7 +53,7 @@ std::array<std::string, userFieldCount> userFieldNames();
 
 struct CreatedReel {
   Reel reel;
-  std::vector<std::string> remarks; ///< what is doubtful about its name; each "subject: fact (cause)"
+  std::vector<std::string> remarks; ///< what is doubtful about its name or type; each "subject: fact (cause)"
 };
 
 /// The rule for identifiers of new reels and for new names, for the help of faces.

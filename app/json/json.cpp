@@ -49,9 +49,9 @@ T fromJson(std::string_view text)
     T result;
     json::read(Value::parse(text), result);
     return result;
-  } catch (const nlohmann::json::exception& error) {
-    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not such a report ({})", error.what()));
-  } catch (const std::logic_error& error) { // a number of a user field that is none
+  } catch (const std::bad_alloc&) {
+    throw;
+  } catch (const std::exception& error) { // of the JSON library, or of the number of a user field that is not a number
     throw Error(ErrorKind::Unreadable, fmt::format("JSON: not such a report ({})", error.what()));
   }
 }

@@ -2,7 +2,6 @@
 #include "commands/commands.h"
 
 #include <algorithm>
-#include <optional>
 
 #include <fmt/format.h>
 
@@ -68,34 +67,43 @@ app::DeletionPlan confirmed(const Options& options, const Globals& globals)
   return plan;
 }
 
+/// What the options ask for: only shown, confirmed, or done at once.
+app::DeletionPlan deleted(const Options& options, const Globals& globals)
+{
+  if (options.dryRun) {
+    app::Session session(globals.project, app::Access::Read);
+    app::DeletionPlan plan = app::planDeletion(session, options.ids, options.keep);
+    plan.dryRun = true;
+    return plan;
+  }
+  if (options.yes) {
+    app::Session session(globals.project, app::Access::Write);
+    return app::deleteReels(session, options.ids, options.keep);
+  }
+  app::DeletionPlan plan = confirmed(options, globals);
+  app::Session session(globals.project, app::Access::Write);
+  app::carryOut(session, plan);
+  return plan;
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
-  std::optional<app::DeletionPlan> plan;
-  const bool asks = !options.yes && !options.dryRun;
-  if (asks)
-    plan = confirmed(options, globals);
-  {
-    app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
-    if (!plan)
-      plan = app::planDeletion(session, options.ids, options.keep);
-    plan->dryRun = options.dryRun;
-    if (!asks && !options.json)
-      show(*plan);
-    if (!options.dryRun) {
-      app::carryOut(session, *plan);
-      if (!plan->empty())
-        changesAreStored();
-    }
+  const app::DeletionPlan plan = deleted(options, globals);
+  if (!options.dryRun && !plan.empty())
+    changesAreStored();
+  if (options.json) {
+    print(app::jsonText(plan));
+    return plan.empty() ? refused : done;
   }
-  if (options.json)
-    print(app::jsonText(*plan));
-  else if (plan->empty())
+  if (options.yes || options.dryRun) // else it was shown before it was confirmed
+    show(plan);
+  if (plan.empty())
     print(options.dryRun ? "dry run: nothing would go\n" : "nothing deleted\n");
   else if (options.dryRun)
-    print(fmt::format("dry run: {} would go, the project stays as it was\n", sizeOf(*plan)));
+    print(fmt::format("dry run: {} would go, the project stays as it was\n", sizeOf(plan)));
   else
-    print(fmt::format("{} deleted (reeldb undelete brings them back)\n", sizeOf(*plan)));
-  return plan->empty() ? refused : done;
+    print(fmt::format("{} deleted (reeldb undelete brings them back)\n", sizeOf(plan)));
+  return plan.empty() ? refused : done;
 }
 
 } // namespace

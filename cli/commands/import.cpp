@@ -71,6 +71,7 @@ ExitCode run(const Options& options, const Globals& globals)
   }();
   if (report.stored)
     changesAreStored();
+  complainOf(report.remarks);
   show(options, report);
   return report.rejectedLines() ? incomplete : done;
 }

@@ -25,7 +25,9 @@ ExitCode list(const Options& options)
   }
   Table table({{"TYPE"}, {.title = "VIDEO", .number = true}, {.title = "AUDIO", .number = true}, {"PARAMETERS"}});
   for (const app::ReelType& type : found.types)
-    table.add({type.name, std::to_string(type.videoChannels), std::to_string(type.audioChannels), type.parameters});
+    // A line of the file may define the type of the empty name.
+    table.add({type.name.empty() ? "\"\"" : type.name, std::to_string(type.videoChannels),
+               std::to_string(type.audioChannels), type.parameters});
   table.printOr("no reel types (devicedata/reeltype.dat of the facility lists them)\n");
   return done;
 }

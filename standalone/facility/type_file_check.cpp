@@ -138,7 +138,7 @@ private:
     return std::strstr(token.c_str(), name.c_str()) != nullptr;
   }
 
-  /// The library takes a number up to its first other character, as an int; a reel has the low 16 bits of that.
+  /// The library takes a number up to its first other character, as an int. The host refuses a channel beyond the most.
   void checkValue(const char* name, const std::string& value)
   {
     const char* const text = value.c_str();
@@ -151,9 +151,9 @@ private:
     else if (number < 0)
       remark(name, shown + " is no number of channels (none are added)");
     else if (number > mostChannels)
-      remark(name, shown + " are too many (" + std::to_string(mostChannels) +
-                       " are the most; a reel would seem to have " +
-                       std::to_string(taken < 0 ? 0 : taken & mostChannels) + ")");
+      remark(name, shown + " are too many (" + std::to_string(mostChannels) + " are the most; " +
+                       (taken > mostChannels ? "no reel can get this type" : "taken as " + std::to_string(taken)) +
+                       ")");
   }
 
   void remark(const char* name, const std::string& fact) { remarks_.push_back(place() + name + ": " + fact); }

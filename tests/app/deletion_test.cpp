@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/deletion.h"
 
+#include <functional>
+
+#include "reelhost/journal.h"
 #include "tests/app/app_fixture.h"
 
 using namespace reeldb;
@@ -58,6 +61,24 @@ TEST_F(Deletion, PlanIsRefusedWhenTheProjectHasMovedOn)
     EXPECT_STREQ(error.what(), "delete: nothing deleted (the project was changed while the answer was awaited)");
   }
   EXPECT_EQ(reelIds(), (Names{"A001", "B002", "C003", "C004", "C005"}));
+}
+
+TEST_F(Deletion, DeletingAtOnceLooksItsPlanUpOnce)
+{
+  const auto openings = [this](const std::function<void(app::Session&)>& work) {
+    app::Session session({}, app::Access::Write);
+    reelhost::Script::the().reset();
+    work(session);
+    return reelhost::Script::the().openings();
+  };
+  const auto planning = openings([](app::Session& session) { app::planDeletion(session, {"A001"}, {"B002"}); });
+  app::DeletionPlan gone;
+  const auto deleting = openings([&](app::Session& session) { gone = app::deleteReels(session, {"A001"}, {"B002"}); });
+  EXPECT_EQ(gone.shotCount(), 2u);
+  EXPECT_EQ(reelIds(), Names{"B002"});
+  EXPECT_GT(planning, 0);
+  // Beyond the plan, the library looks at the reel twice and at each shot once.
+  EXPECT_EQ(deleting, planning + 4);
 }
 
 TEST_F(Deletion, UndeleteBringsReelsAndShotsBack)

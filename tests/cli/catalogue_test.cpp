@@ -27,6 +27,14 @@ TEST_F(Types, TableHasALineEach)
                                       "Live            1      0  VideoChannels=1\n");
 }
 
+TEST_F(Types, EmptyNameIsShownAsSuch)
+{
+  dir_.write("devicedata/reeltype.dat", ":VideoChannels=1\n");
+  EXPECT_EQ(output({"type", "list"}), "TYPE  VIDEO  AUDIO  PARAMETERS\n"
+                                      "\"\"        1      0  VideoChannels=1\n");
+  EXPECT_EQ(json({"type", "list", "--json"}).at(0).at("name"), "");
+}
+
 TEST_F(Types, EmptyCatalogueSaysSo)
 {
   dir_.write("devicedata/reeltype.dat", "");

@@ -81,6 +81,17 @@ TEST_F(Create, NameThatCutListsUseForNoReelIsTakenWithAWarning)
   EXPECT_EQ(reel("BL").at("shots"), 0);
 }
 
+TEST_F(Create, DefaultTypeThatIsNotListedIsStoredWithAWarning)
+{
+  dir_.write("devicedata/reeltype.dat", "Live:VideoChannels=1\n");
+  const ProcessResult result = reeldb({"create", "R1"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.out, "R1\n");
+  EXPECT_EQ(result.err,
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+  EXPECT_EQ(reel("R1").at("type"), "Tape 2ch");
+}
+
 TEST_F(Create, ReportThatIsLostSaysThatTheReelIsMade)
 {
   ProcessSetting full = setting_;

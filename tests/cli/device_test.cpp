@@ -74,6 +74,15 @@ TEST_F(Device, LiveMakesTheReelOnceAndTheDeviceRemembersIt)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
+TEST_F(Device, CreateIsRefusedWhenTheNameOfTheDeviceIsNoNameForAReel)
+{
+  dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n"
+                              "[[device]]\nnumber = 4\nid = 8\nname = \"C*m\"\nport = \"device-named\"\n"
+                              "input = \"sdi\"\naudio_inputs = 1\ntapes = []\n");
+  expectRefusal({"create", "R1", "--device", "4"}, "\"C*m\": no name for a reel (a star denotes generated material)");
+  EXPECT_EQ(reelIds(), Words{});
+}
+
 TEST_F(Device, LiveIsRefusedForADeviceThatIsNoLiveSource)
 {
   const ProcessResult result = reeldb({"device", "live", "3"});
@@ -127,7 +136,7 @@ TEST_F(LabelMapCommand, CheckTellsWhatFits)
 
 TEST_F(LabelMapCommand, CheckSaysWhyTheProjectIsNotSuited)
 {
-  const std::string why = "the project runs at 25 fps, the labels it reads are 30 fps";
+  const std::string why = "the project runs at 25 fps, some labels of the map are 30 fps";
   const ProcessResult result = reeldb({"label-map", "check", "nts9pin"});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.out.find("nts9pin: does not fit the project's frame rate (" + why + ")\n"), std::string::npos)
@@ -135,6 +144,28 @@ TEST_F(LabelMapCommand, CheckSaysWhyTheProjectIsNotSuited)
   const ProcessResult report = reeldb({"label-map", "check", "nts9pin", "--json"});
   EXPECT_EQ(Json::parse(report.out).at("why"), why);
   EXPECT_FALSE(json({"label-map", "check", "pal9pin", "--json"}).contains("why"));
+}
+
+TEST_F(LabelMapCommand, CheckNamesTheFormatsThatDoNotSuitTheProjectAndNoOthers)
+{
+  const std::string entry = "[[entry]]\nlabel = \"timecode\"\nsource = \"ltc\"\n";
+  std::string entries;
+  for (const char* format : {"25 fps", "24 fps", "text", "50 fps", "30 fps", "60 fps"})
+    entries += entry + "in_use = true\nformat = \"" + format + "\"\n";
+  for (int unused = 6; unused < 14; ++unused)
+    entries += entry + "in_use = false\nformat = \"30 fps\"\n";
+  dir_.write("labelmaps/mixed.toml", entries);
+  const auto why = [this](const std::string& project) {
+    const ProcessResult result = reeldb({"-p", project, "label-map", "check", "mixed", "--json"});
+    EXPECT_EQ(result.code, 1) << result.err;
+    return Json::parse(result.out).at("why");
+  };
+  for (const std::string rate : {"50", "29.97", "59.94"})
+    output({"project", "new", "at" + rate, "--rate", rate});
+  EXPECT_EQ(why("main"), "the project runs at 25 fps, some labels of the map are 30 fps, 60 fps");
+  EXPECT_EQ(why("at50"), "the project runs at 50 fps, some labels of the map are 30 fps, 60 fps");
+  EXPECT_EQ(why("at29.97"), "the project runs at 29.97 fps, some labels of the map are 25 fps, 50 fps");
+  EXPECT_EQ(why("at59.94"), "the project runs at 59.94 fps, some labels of the map are 25 fps, 50 fps");
 }
 
 TEST_F(LabelMapCommand, CheckSaysWhyADeviceIsNotSuited)

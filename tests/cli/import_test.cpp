@@ -59,6 +59,16 @@ TEST_F(Import, EveryTapeOfALogFileGetsItsReel)
   EXPECT_EQ(report.at("created"), (Words{"T1", "T2"}));
 }
 
+TEST_F(Import, DefaultTypeThatIsNotListedIsReportedOnceWithTheReelsThatGetIt)
+{
+  dir_.write("devicedata/reeltype.dat", "Live:VideoChannels=1\n");
+  dir_.write("cut.edl", threeShots);
+  dir_.write("more.edl", event(1, "C001", "V", "01:00:00:00", "01:00:01:00"));
+  EXPECT_EQ(reeldb({"import", "cut.edl", "more.edl"}).err,
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+  EXPECT_EQ(reeldb({"import", "cut.edl"}).err, ""); // no reel is made
+}
+
 TEST_F(Import, SameFileAgainChangesNothingAndSaysSo)
 {
   dir_.write("cut.edl", threeShots);

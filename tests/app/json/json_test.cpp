@@ -92,7 +92,7 @@ ImportReport sampleImport()
   imported.list.warnings = {{6, "odd\tline", "looks odd"}};
   imported.list.rejected = {{7, "bad\tline", "no timecodes"}};
   imported.list.tally = {20, 1, 2, 3, 4};
-  return {{imported}, true, true, false};
+  return {{imported}, true, true, false, {"a remark is no part of it"}};
 }
 
 constexpr const char* importObject = R"({"dry_run": true, "stored": false, "files": [

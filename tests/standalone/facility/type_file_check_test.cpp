@@ -201,13 +201,12 @@ TEST_F(TypeFileCheckTest, ValueThatIsNoNumberIsRemarkedOn)
 TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsRemarkedOn)
 {
   expectRemark("VideoChannels=65536",
-               "VideoChannels: 65536 are too many (65535 are the most; a reel would seem to have 0)");
+               "VideoChannels: 65536 are too many (65535 are the most; no reel can get this type)");
   expectRemark("AudioChannels=70000:AudioChannels=x",
-               "AudioChannels: 70000 are too many (65535 are the most; a reel would seem to have 4464)");
-  expectRemark("AudioChannels=4294967297",
-               "AudioChannels: 4294967297 are too many (65535 are the most; a reel would seem to have 1)");
+               "AudioChannels: 70000 are too many (65535 are the most; no reel can get this type)");
+  expectRemark("AudioChannels=4294967297", "AudioChannels: 4294967297 are too many (65535 are the most; taken as 1)");
   expectRemark("AudioChannels=99999999999999999999",
-               "AudioChannels: 99999999999999999999 are too many (65535 are the most; a reel would seem to have 0)");
+               "AudioChannels: 99999999999999999999 are too many (65535 are the most; taken as -1)");
   expectRemark("AudioChannels=-3", "AudioChannels: -3 is no number of channels (none are added)");
 }
 
