@@ -40,8 +40,8 @@ public:
   int in(const char* key, int& value) const;
   int in(const char* key,
          strp_field& value) const; ///< returns 0 on success; @p value is unchanged if the key is absent
-  /// Sets the text of the key. @p value may be a text of this block. Every opening of the log sees the change at once.
-  /// @p third is always null.
+  /// Sets the text of the key. @p value may be a text of this block; null is the empty text, and the key is then
+  /// there. Every opening of the log sees the change at once. @p third is always null.
   void set(const char* key, const char* value, const char* third);
   void set(const char* key, const strp_field& value); ///< likewise; the field holds a text
 
