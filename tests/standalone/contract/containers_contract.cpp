@@ -33,6 +33,7 @@ Names namesOf(const StringList& list)
 
 TEST_P(Containers, ElementsAreEqualToThemselvesAloneUnlessTheySayOtherwise)
 {
+  PROMISE("host/containers.h", "Compares addresses unless overridden.");
   const ArrayRec a, b;
   EXPECT_TRUE(a == a);
   EXPECT_FALSE(a == b);
@@ -44,6 +45,7 @@ TEST_P(Containers, ElementsAreEqualToThemselvesAloneUnlessTheySayOtherwise)
 
 TEST_P(Containers, AnArrayNeitherOwnsNorCompares)
 {
+  PROMISE("host/containers.h", "It does not own them, and compares them only if it is marked sorted.");
   int alive = 0;
   {
     Element first(alive), second(alive), third(alive);
@@ -64,6 +66,7 @@ TEST_P(Containers, AnArrayNeitherOwnsNorCompares)
 
 TEST_P(Containers, AListOfStringsOwnsWhatCameInEitherWay)
 {
+  PROMISE("host/containers.h", "A list of strings that owns its elements, also those that were added through Array.");
   StringList list;
   list.add("b");
   list.append(new StringRec("a"));
@@ -74,6 +77,7 @@ TEST_P(Containers, AListOfStringsOwnsWhatCameInEitherWay)
 
 TEST_P(Containers, AListOfStringsKeepsDuplicatesAndRemovesAllOfThem)
 {
+  PROMISE("host/containers.h", "removes every equal element; may be the text of an element");
   StringList list;
   list.sorted(true);
   list.add("B");
@@ -89,6 +93,7 @@ TEST_P(Containers, AListOfStringsKeepsDuplicatesAndRemovesAllOfThem)
 // Catalogues are appended to lists that may be marked sorted: looking for a text must not rely on the order.
 TEST_P(Containers, ATextIsFoundInAListThatIsNotInOrder)
 {
+  PROMISE("host/containers.h", "at the end, sorted or not");
   StringList list;
   list.sorted(true);
   list.append(new StringRec("b"));
@@ -102,6 +107,7 @@ TEST_P(Containers, ATextIsFoundInAListThatIsNotInOrder)
 
 TEST_P(Containers, AClearedListIsStillSorted)
 {
+  PROMISE("host/containers.h", "deletes the elements; the sorted mark is kept");
   StringList list;
   list.sorted(true);
   list.clear();
@@ -112,6 +118,7 @@ TEST_P(Containers, AClearedListIsStillSorted)
 
 TEST_P(Containers, AnUnsortedListKeepsTheOrder)
 {
+  PROMISE("host/containers.h", "A list of records in order.");
   StringList list;
   list.add("b");
   list.add("a");
@@ -120,6 +127,7 @@ TEST_P(Containers, AnUnsortedListKeepsTheOrder)
 
 TEST_P(Containers, ACopiedListIsItsOwn)
 {
+  PROMISE("host/containers.h", "copies the elements in their order, and the sorted mark");
   StringList list;
   list.add("a");
   StringList copy(list);
@@ -133,6 +141,7 @@ TEST_P(Containers, ACopiedListIsItsOwn)
 
 TEST_P(Containers, AKeyedListKeepsTheOrderInWhichKeysCame)
 {
+  PROMISE("host/containers.h", "entries in order of creation, keys compared byte by byte");
   AssocList list(new AssocListRep(false));
   list["z"].value = "1";
   list["a"].value = "2";
@@ -145,6 +154,7 @@ TEST_P(Containers, AKeyedListKeepsTheOrderInWhichKeysCame)
 
 TEST_P(Containers, KeysAreTakenLetterForLetter)
 {
+  PROMISE("host/containers.h", "entries in order of creation, keys compared byte by byte");
   AssocList list(new AssocListRep(false));
   list["dv"].value = "1";
   EXPECT_FALSE(list.rep()->find("DV"));
@@ -153,6 +163,7 @@ TEST_P(Containers, KeysAreTakenLetterForLetter)
 
 TEST_P(Containers, FindingAddsNothingAndIndexingDoes)
 {
+  PROMISE("host/containers.h", "null if absent; never adds");
   AssocList list(new AssocListRep(false));
   EXPECT_FALSE(list.rep()->find("new"));
   EXPECT_EQ(list.rep()->count(), 0u);
@@ -162,6 +173,7 @@ TEST_P(Containers, FindingAddsNothingAndIndexingDoes)
 
 TEST_P(Containers, PastTheEndOfAKeyedListIsAnEmptyEntry)
 {
+  PROMISE("host/containers.h", "past the end: an entry that is always empty");
   const AssocList list(new AssocListRep(false));
   EXPECT_STREQ(list.at(99).key.c_str(), "");
   EXPECT_STREQ(list.at(99).value.c_str(), "");
@@ -171,6 +183,7 @@ TEST_P(Containers, PastTheEndOfAKeyedListIsAnEmptyEntry)
 
 TEST_P(Containers, AnIteratorWalksEveryEntryAndThenAnswersNull)
 {
+  PROMISE("host/containers.h", "Walks an AssocList from its first entry to its last");
   AssocList list(new AssocListRep(false));
   list["b"];
   list["a"];

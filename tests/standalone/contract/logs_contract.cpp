@@ -40,6 +40,7 @@ public:
 
 TEST_P(Logs, WithoutAProjectNoLogIsMade)
 {
+  PROMISE("host/projdb.h", "Creates an empty log and holds it open; its Edit is null if that fails.");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   EXPECT_EQ(modifier.get(), nullptr);
 }
@@ -47,6 +48,8 @@ TEST_P(Logs, WithoutAProjectNoLogIsMade)
 // The manager rebuilds its list, and tells its clients, before the modifier ends.
 TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
 {
+  PROMISE("host/edit.h",
+          "The host commits the change when the EditModifier ends; the log is in the project before that.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   ASSERT_NE(modifier.get(), nullptr);
@@ -63,6 +66,7 @@ TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
 
 TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
 {
+  PROMISE("host/edit.h", "Ends the change and reports to the listeners what setChangeDescription set");
   host().openEmptyProject("A");
   Listener listener;
   Cookie cookie;
@@ -80,6 +84,7 @@ TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
 
 TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
 {
+  PROMISE("host/edit.h", "Never throws, even if a listener does.");
   host().openEmptyProject("A");
   Listener listener;
   listener.failing = true;
@@ -92,6 +97,7 @@ TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
 
 TEST_P(Logs, ANewLogIsEmpty)
 {
+  PROMISE("host/projdb.h", "Creates an empty log and holds it open; its Edit is null if that fails.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
@@ -105,6 +111,8 @@ TEST_P(Logs, ANewLogIsEmpty)
 
 TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
 {
+  PROMISE("host/edit.h", "get() is null afterwards if the log cannot be opened: there is no such log, no project is "
+                         "open, or the Cookie is invalid.");
   host().openEmptyProject("A");
   Zr::UUID uuid;
   uuid.bytes[3] = 99;
@@ -115,6 +123,8 @@ TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
 
 TEST_P(Logs, WithoutAProjectNothingOpens)
 {
+  PROMISE("host/edit.h", "get() is null afterwards if the log cannot be opened: there is no such log, no project is "
+                         "open, or the Cookie is invalid.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   host().closeProject();
@@ -124,6 +134,7 @@ TEST_P(Logs, WithoutAProjectNothingOpens)
 
 TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
 {
+  PROMISE("host/edit.h", "All openings of one log share one Edit.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   EditPtr outer, inner;
@@ -144,6 +155,8 @@ TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
 // open.
 TEST_P(Logs, AHandleTakesHoldOfAnOpenLogWhichTheModifierKeepsBeyondItsClose)
 {
+  PROMISE("host/edit.h",
+          "The host owns the Edit; it ends with the last i_close or with its EditModifier, whichever is later.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   ASSERT_NE(modifier.get(), nullptr);
@@ -162,6 +175,7 @@ TEST_P(Logs, AHandleTakesHoldOfAnOpenLogWhichTheModifierKeepsBeyondItsClose)
 
 TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
 {
+  PROMISE("host/edit.h", "codes::reelIdAttribute and the key \"reelid\" of config() are the same value.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   const auto expect = [&](const char* id) {
@@ -184,6 +198,7 @@ TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
 
 TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 {
+  PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   EditInfo info(log, codes::openAsUsual);
@@ -196,6 +211,7 @@ TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 
 TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
 {
+  PROMISE("host/edit.h", "A change takes effect at once, in every opening and in the database");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   withLog(log, [&](Edit& edit) {
@@ -213,6 +229,9 @@ TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
 
 TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
 {
+  PROMISE(
+      "host/edit.h",
+      "It is one after set_entire_medium(1) and make_original(false, false), and never without set_entire_medium(1).");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
@@ -225,6 +244,7 @@ TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
 
 TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 {
+  PROMISE("host/edit.h", "the type that redetermineLogType set, or the stored one");
   host().openEmptyProject("A");
   withLog(host().addLog(codes::reelLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 9); });
   withLog(host().addLog(codes::materialLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 1); });
@@ -233,6 +253,7 @@ TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 // The library marks logs dirty for some changes and not for others: all of them count.
 TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
 {
+  PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   Cookie fresh;
@@ -261,6 +282,7 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
 
 TEST_P(Logs, EachHasAFileNameOfItsOwn)
 {
+  PROMISE("host/projdb.h", "The file name of a log, unique among logs; empty for an unknown log.");
   host().openEmptyProject("A");
   const Cookie first = host().addLog(codes::materialLog, "R1"), second = host().addLog(codes::materialLog, "R1");
   const std::wstring name = getFilenameForCookie(first, Cookie()).c_str();

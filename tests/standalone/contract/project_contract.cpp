@@ -34,6 +34,7 @@ private:
 
 TEST_P(Project, HasACookieOfItsOwn)
 {
+  PROMISE("host/projdb.h", "A project has the same Cookie each time it is opened. Invalid without a project.");
   EXPECT_FALSE(get_project_cookie().valid());
   host().openEmptyProject("A");
   const Cookie first = get_project_cookie();
@@ -49,6 +50,7 @@ TEST_P(Project, HasACookieOfItsOwn)
 
 TEST_P(Project, KeepsItsCookieWhenItIsStored)
 {
+  PROMISE("host/projdb.h", "A project has the same Cookie each time it is opened.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   const Cookie first = get_project_cookie();
@@ -58,6 +60,7 @@ TEST_P(Project, KeepsItsCookieWhenItIsStored)
 
 TEST_P(Project, HasTwoFrameRates)
 {
+  PROMISE("host/project.h", "Without a project, both rates are codes::noFrameRate.");
   EXPECT_EQ(Zr::CurrentProject::getFrameRate(Zr::CurrentProject::Revision(0)), -1);
   EXPECT_EQ(Zr::CurrentProject::getOutputImageZRFrameRate(), -1);
   host().openEmptyProject("A", 3, 9);
@@ -67,6 +70,7 @@ TEST_P(Project, HasTwoFrameRates)
 
 TEST_P(Project, OptionsAreStored)
 {
+  PROMISE("host/projdb.h", "The current project's options.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
@@ -76,6 +80,7 @@ TEST_P(Project, OptionsAreStored)
 
 TEST_P(Project, OptionsAreItsOwn)
 {
+  PROMISE("host/projdb.h", "The current project's options.");
   host().openEmptyProject("A");
   EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
   EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
@@ -86,6 +91,7 @@ TEST_P(Project, OptionsAreItsOwn)
 
 TEST_P(Project, WithoutOneOptionsAreEmpty)
 {
+  PROMISE("host/projdb.h", "Without a project, an empty block each time: what was set in it is gone at the next call.");
   EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
   EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
   EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
@@ -93,12 +99,14 @@ TEST_P(Project, WithoutOneOptionsAreEmpty)
 
 TEST_P(Project, TheDeviceLayerMayBeReset)
 {
+  PROMISE("host/device.h", "Called when another project is entered.");
   host().openEmptyProject("A");
   resetDevices();
 }
 
 TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
 {
+  PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;
   {
     Listener listener(events, "a");
@@ -113,6 +121,7 @@ TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
 
 TEST_P(Project, AtEntryTheProjectIsThere)
 {
+  PROMISE("host/events.h", "a project was entered and is open");
   Events events;
   Listener listener(events, "a");
   bool seen = false;
@@ -123,6 +132,7 @@ TEST_P(Project, AtEntryTheProjectIsThere)
 
 TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
 {
+  PROMISE("host/events.h", "Listeners may be created and destroyed during an event.");
   Events events;
   auto first = std::make_unique<Listener>(events, "first");
   auto second = std::make_unique<Listener>(events, "second");
@@ -137,6 +147,7 @@ TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
 
 TEST_P(Project, AListenerThatComesWhileOthersAreToldHearsTheNextEvent)
 {
+  PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;
   Listener first(events, "first");
   std::vector<std::unique_ptr<Listener>> more;

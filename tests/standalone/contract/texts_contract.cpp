@@ -20,6 +20,7 @@ std::wstring wide(const Wide& text)
 
 TEST_P(Texts, Utf8GoesToWideAndBack)
 {
+  PROMISE("host/text.h", "UTF-8 to wide.");
   const std::string utf8 = "Caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8E\x9E";
   EXPECT_EQ(wide(fromUTF8(utf8.c_str())), L"Caf\u00e9 \u20ac \U0001F39E");
   EXPECT_EQ(std::string(toUTF8(fromUTF8(utf8.c_str())).c_str()), utf8);
@@ -29,18 +30,22 @@ TEST_P(Texts, Utf8GoesToWideAndBack)
 
 TEST_P(Texts, EachMalformedByteBecomesAReplacement)
 {
+  PROMISE("host/text.h", "Each byte that is not part of a well-formed sequence becomes U+FFFD.");
   EXPECT_EQ(wide(fromUTF8("a\xC3")), L"a\uFFFD");
   EXPECT_EQ(wide(fromUTF8("\xFF\xFE!")), L"\uFFFD\uFFFD!");
 }
 
 TEST_P(Texts, WideValuesOutsideUnicodeBecomeReplacements)
 {
+  PROMISE("host/text.h", "A value outside Unicode, or a surrogate, becomes U+FFFD.");
   const wchar_t text[] = {0x110000, 0xD800, 'x', 0};
   EXPECT_EQ(std::string(toUTF8(text).c_str()), "\xEF\xBF\xBD\xEF\xBF\xBDx");
 }
 
 TEST_P(Texts, ToUpperTouchesAsciiLettersAndNoOtherString)
 {
+  PROMISE("host/text.h",
+          "Upper-cases the ASCII letters in place; detaches a shared body first, so no other string changes.");
   Text text("a\xC3\xA9z1_");
   const Text copy(text);
   toUpper(text);
@@ -53,6 +58,7 @@ TEST_P(Texts, ToUpperTouchesAsciiLettersAndNoOtherString)
 
 TEST_P(Texts, TrailingBlanksGoAndNoOtherStringChanges)
 {
+  PROMISE("host/text.h", "Removes trailing blanks (0x20 only) in place; detaches a shared body first.");
   Text text(" R1\t  ");
   const Text copy(text);
   trimTrailingSpaces(text);
@@ -67,12 +73,15 @@ TEST_P(Texts, TrailingBlanksGoAndNoOtherStringChanges)
 // Identifiers are UTF-8 by convention, and this function decodes nothing: each byte is one character.
 TEST_P(Texts, WideningTakesByteByByte)
 {
+  PROMISE("host/text.h", "Widens byte by byte (0x00 to 0xFF); nothing is decoded. Null gives the empty string.");
   EXPECT_EQ(wide(Zr::WStringFromAscii("R\xC3\xA9")), L"R\u00C3\u00A9");
   EXPECT_TRUE(Zr::WStringFromAscii(nullptr).empty());
 }
 
 TEST_P(Texts, AResourceTextStandsBetweenItsPadding)
 {
+  PROMISE("host/text.h",
+          "The text resource @p id in the user's language, between @p before and @p after; either may be null.");
   const std::wstring text = host().textOfResource(codes::wordForReel);
   EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, nullptr, L" ", ResStrFmt(0))), text + L" ");
   EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, L"<", L">", ResStrFmt(0))), L"<" + text + L">");
@@ -81,11 +90,13 @@ TEST_P(Texts, AResourceTextStandsBetweenItsPadding)
 
 TEST_P(Texts, ThePrintTakesAFormatAndAnswersTheLength)
 {
+  PROMISE("host/text.h", "Returns the number of bytes, or a negative number on failure.");
   EXPECT_EQ(vorn_printf("%s %d\n", "label map", 14), 13);
 }
 
 TEST_P(Texts, ABufferGrows)
 {
+  PROMISE("host/text.h", "replaces the text; null gives the empty text");
   GrowString buffer;
   EXPECT_STREQ(buffer, "");
   buffer.append("Tape ");
@@ -115,6 +126,8 @@ std::vector<std::string> pieces(const char* text, const char* separators, bool j
 
 TEST_P(Texts, AStreamTakesOneSeparatorAfterEachPiece)
 {
+  PROMISE("host/text.h", "Replaces the text of the buffer with the characters up to the next separator or the end. "
+                         "Consumes that one separator.");
   using Pieces = std::vector<std::string>;
   EXPECT_EQ(pieces("a=1  b=2", " ", false), (Pieces{"a=1", "", "b=2"}));
   EXPECT_EQ(pieces("a:b\n", "\r\n", true), (Pieces{"a:b"})); // nothing after the last separator
@@ -127,6 +140,7 @@ TEST_P(Texts, AStreamTakesOneSeparatorAfterEachPiece)
 
 TEST_P(Texts, AStreamOverAFileEndsWhereTheFileDoes)
 {
+  PROMISE("host/text.h", "borrows the file and never closes it; a read error counts as the end");
   std::FILE* const file = std::tmpfile();
   ASSERT_NE(file, nullptr);
   std::fputs("x\ny", file);
@@ -146,6 +160,7 @@ TEST_P(Texts, AStreamOverAFileEndsWhereTheFileDoes)
 // A folder opens for reading and then fails to be read.
 TEST_P(Texts, AFileThatCannotBeReadIsAtItsEnd)
 {
+  PROMISE("host/text.h", "borrows the file and never closes it; a read error counts as the end");
   std::FILE* const folder = std::fopen(".", "r");
   ASSERT_NE(folder, nullptr);
   const ByteStream stream(folder);
