@@ -98,6 +98,43 @@ TEST_P(Config, ATextMayBeSetFromTheBlockItself)
   EXPECT_STREQ(block.in("a"), "ext");
 }
 
+TEST_P(Config, ANullTextIsTheEmptyText)
+{
+  PROMISE("host/config.h", "null is the empty text, and the key is then there.");
+  configb block;
+  block.set("new", nullptr, nullptr);
+  block.set("key", "text", nullptr);
+  block.set("key", nullptr, nullptr);
+  EXPECT_STREQ(block.in("new"), "");
+  EXPECT_STREQ(block.in("key"), "");
+}
+
+TEST_P(Config, AFieldSetToNullHoldsNoText)
+{
+  PROMISE("host/config.h", "copies the text, which may be this field's text; null removes the text");
+  strp_field field;
+  EXPECT_EQ(field.text(), nullptr);
+  field.set("reel");
+  field.set(field.text() + 1);
+  EXPECT_STREQ(field.text(), "eel");
+  field.set(nullptr);
+  EXPECT_EQ(field.text(), nullptr);
+  field.set("");
+  EXPECT_STREQ(field.text(), "");
+}
+
+TEST_P(Config, ACopyOfAFieldHasATextOfItsOwn)
+{
+  PROMISE("host/config.h", "Each copy has its own text.");
+  strp_field field;
+  field.set("one");
+  strp_field copy(field), assigned;
+  assigned = field;
+  field.set("two");
+  EXPECT_STREQ(copy.text(), "one");
+  EXPECT_STREQ(assigned.text(), "one");
+}
+
 TEST_P(Config, ALongTextIsCutToTheBuffer)
 {
   PROMISE("host/config.h", "Writes at most codes::textBufferSize bytes, NUL included; a longer text is cut.");

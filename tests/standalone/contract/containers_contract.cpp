@@ -12,6 +12,24 @@ HOST_CONTRACT(Containers);
 using Text = LightweightString<char>;
 using Names = std::vector<std::string>;
 
+/// An element with a rank, by which it is compared.
+class Ranked : public ArrayRec {
+public:
+  explicit Ranked(int rank) : rank_(rank) {}
+  int compare(const ArrayRec& other) const override { return rank_ - static_cast<const Ranked&>(other).rank_; }
+
+private:
+  int rank_;
+};
+
+std::vector<const ArrayRec*> recordsOf(const Array& array)
+{
+  std::vector<const ArrayRec*> records;
+  for (unsigned i = 0; i < array.count(); ++i)
+    records.push_back(array.at(i));
+  return records;
+}
+
 /// An element whose comparison claims that all are equal.
 class Element : public ArrayRec {
 public:
@@ -62,6 +80,71 @@ TEST_P(Containers, AnArrayNeitherOwnsNorCompares)
     EXPECT_EQ(alive, 3);
   }
   EXPECT_EQ(alive, 0);
+}
+
+using Records = std::vector<const ArrayRec*>;
+
+TEST_P(Containers, ASortedArrayAddsARecordBehindItsEquals)
+{
+  PROMISE("host/containers.h", "if marked sorted, at its position behind equal records; else at the end");
+  Ranked low(1), high(3), first(2), second(2), third(2);
+  Array array;
+  array.sorted(true);
+  for (Ranked* record : {&high, &first, &low, &second, &third})
+    array.add(record);
+  EXPECT_EQ(recordsOf(array), (Records{&low, &first, &second, &third, &high}));
+}
+
+TEST_P(Containers, AnAppendedRecordIsLastInASortedArrayToo)
+{
+  PROMISE("host/containers.h", "at the end, sorted or not");
+  Ranked low(1), high(3);
+  Array array;
+  array.sorted(true);
+  array.append(&high);
+  array.append(&low);
+  EXPECT_EQ(recordsOf(array), (Records{&high, &low}));
+}
+
+TEST_P(Containers, AnInitializedArrayIsEmptyAndNotSorted)
+{
+  PROMISE("host/containers.h", "count 0, not marked sorted");
+  Ranked low(1), high(3);
+  Array array;
+  array.sorted(true);
+  array.add(&high);
+  array.init();
+  EXPECT_EQ(array.count(), 0u);
+  array.add(&high);
+  array.add(&low);
+  EXPECT_EQ(recordsOf(array), (Records{&high, &low}));
+}
+
+TEST_P(Containers, TheMarkMovesNoRecord)
+{
+  PROMISE("host/containers.h", "sets or clears the mark; does not move any record");
+  Ranked low(1), high(3);
+  Array array;
+  array.add(&high);
+  array.add(&low);
+  array.sorted(true);
+  EXPECT_EQ(recordsOf(array), (Records{&high, &low}));
+  array.sorted(false);
+  Ranked middle(2);
+  array.add(&middle);
+  EXPECT_EQ(recordsOf(array), (Records{&high, &low, &middle}));
+}
+
+TEST_P(Containers, PastTheEndOfAnArrayThereIsNoRecord)
+{
+  PROMISE("host/containers.h", "moves later records up; an index past the end does nothing");
+  Ranked one(1);
+  Array array;
+  EXPECT_EQ(array.at(0), nullptr);
+  array.add(&one);
+  array.remove(1);
+  EXPECT_EQ(array.count(), 1u);
+  EXPECT_EQ(array.at(1), nullptr);
 }
 
 TEST_P(Containers, AListOfStringsOwnsWhatCameInEitherWay)
@@ -139,6 +222,20 @@ TEST_P(Containers, ACopiedListIsItsOwn)
   EXPECT_EQ(namesOf(list), (Names{"a", "b"}));
 }
 
+TEST_P(Containers, ACopiedListHasTheSortedMark)
+{
+  PROMISE("host/containers.h", "copies the elements in their order, and the sorted mark");
+  StringList list;
+  list.sorted(true);
+  list.add("b");
+  StringList copy(list), assigned;
+  assigned = list;
+  copy.add("a");
+  assigned.add("a");
+  EXPECT_EQ(namesOf(copy), (Names{"a", "b"}));
+  EXPECT_EQ(namesOf(assigned), (Names{"a", "b"}));
+}
+
 TEST_P(Containers, AKeyedListKeepsTheOrderInWhichKeysCame)
 {
   PROMISE("host/containers.h", "entries in order of creation, keys compared byte by byte");
@@ -179,6 +276,49 @@ TEST_P(Containers, PastTheEndOfAKeyedListIsAnEmptyEntry)
   EXPECT_STREQ(list.at(99).value.c_str(), "");
   EXPECT_EQ(list.rep()->entry(99), nullptr);
   EXPECT_EQ(list.rep()->count(), 0u);
+}
+
+TEST_P(Containers, WhatIsWrittenPastTheEndOfAKeyedListIsForgotten)
+{
+  PROMISE("host/containers.h", "past the end: an entry that is always empty");
+  const AssocList list(new AssocListRep(false));
+  list.at(99).key = "key";
+  list.at(99).value = "value";
+  EXPECT_STREQ(list.at(99).key.c_str(), "");
+  EXPECT_STREQ(list.at(99).value.c_str(), "");
+}
+
+TEST_P(Containers, ADiscardedKeyedListIsEmptyForEveryHolder)
+{
+  PROMISE("host/containers.h", "removes all entries, for every holder of the body");
+  AssocList list(new AssocListRep(false));
+  list["a"].value = "1";
+  const AssocList other(list);
+  const Zr::Ptr<AssocListRep::Entry> held = list.rep()->find("a");
+  list.rep()->discardAll();
+  EXPECT_EQ(list.rep()->count(), 0u);
+  EXPECT_EQ(other.rep()->count(), 0u);
+  EXPECT_EQ(list.rep()->entry(0), nullptr);
+  EXPECT_FALSE(list.rep()->find("a"));
+  ASSERT_TRUE(held);
+  EXPECT_STREQ(held->value.c_str(), "1");
+  list["b"];
+  EXPECT_EQ(other.rep()->count(), 1u);
+}
+
+TEST_P(Containers, AnIteratorComesToEntriesThatAreAddedMeanwhile)
+{
+  PROMISE("host/containers.h",
+          "Walks an AssocList from its first entry to its last, including entries that are added meanwhile.");
+  AssocList list(new AssocListRep(false));
+  list["a"];
+  Names keys;
+  for (AssocListIter i(list); *i; ++i) {
+    keys.push_back((*i)->key.c_str());
+    if (keys.size() == 1)
+      list["b"];
+  }
+  EXPECT_EQ(keys, (Names{"a", "b"}));
 }
 
 TEST_P(Containers, AnIteratorWalksEveryEntryAndThenAnswersNull)

@@ -107,6 +107,15 @@ TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
   EXPECT_TRUE(holds(shotsOf("A001"), lower));
 }
 
+// A search by identifier is for every log that is not a reel log, whatever else it is.
+TEST_P(Database, ALogOfNoTypeIsFoundAmongTheShots)
+{
+  PROMISE("host/projdb.h", "every log that is not a reel log.");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(0, "A001");
+  EXPECT_TRUE(holds(shotsOf("A001"), log));
+}
+
 // What the search answers is renamed, and deleted, as a shot.
 TEST_P(Database, AReelLogIsNoShot)
 {
@@ -161,6 +170,15 @@ TEST_P(Database, ATextThatIsNoTypeIsNoReel)
   EXPECT_NE(Edit::getLogTypeFromString(""), 9);
   EXPECT_NE(Edit::getLogTypeFromString(LightweightString<char>()), 9);
   EXPECT_NE(Edit::getLogTypeFromString("no type"), 9);
+}
+
+TEST_P(Database, AnUnknownFieldIsNullInEveryRow)
+{
+  PROMISE("host/projdb.h", "For an unknown name, a number for which get_field returns null.");
+  host().openEmptyProject("A");
+  dbrecord* const row = (*EditManager::getProjdb())[host().addLog(codes::reelLog, "R1")];
+  ASSERT_NE(row, nullptr);
+  EXPECT_EQ(row->get_field(EditManager::getProjdb()->findField("no such field")), nullptr);
 }
 
 TEST_P(Database, WhatNamesNoLogHasNoRow)
@@ -247,6 +265,23 @@ TEST_P(Database, ACellStaysWhileTheViewShowsIt)
   withLog(reel, [](Edit& edit) { edit.reelType("other"); });
   EXPECT_STREQ(text, "a name longer than any small buffer would hold");
   EXPECT_EQ(typeNameOf(reel), "other");
+}
+
+TEST_P(Database, AViewShowsOtherRowsInPlaceOfThoseItShowed)
+{
+  PROMISE("host/projdb.h", "Shows the rows of these logs from @p position on and replaces all rows from there.");
+  host().openEmptyProject("A");
+  const Cookie first = host().addLog(codes::reelLog, "R1"), second = host().addLog(codes::reelLog, "R2");
+  withLog(second, [](Edit& edit) { edit.reelType("Tape"); });
+  const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
+  EXPECT_EQ(view->numRows(), 0);
+  view->displayRecordsAt({first, second}, 0);
+  EXPECT_EQ(view->numRows(), 2);
+  view->displayRecordsAt({second}, 0);
+  ASSERT_EQ(view->numRows(), 1);
+  EXPECT_STREQ(view->cellText(0, "Reel Type"), "Tape");
+  view->displayRecordsAt({}, 0);
+  EXPECT_EQ(view->numRows(), 0);
 }
 
 TEST_P(Database, AViewTellsItsRowsApart)

@@ -33,8 +33,11 @@ TEST_P(Deferral, AThreadHasOneNumberAndAnotherThreadAnother)
   first.join();
   std::thread second([&] { others[1] = co_pid(); });
   second.join();
-  for (int other : others)
+  EXPECT_NE(own & codes::threadMask, 0);
+  for (int other : others) {
     EXPECT_NE(other & codes::threadMask, own & codes::threadMask);
+    EXPECT_NE(other & codes::threadMask, 0);
+  }
 }
 
 TEST_P(Deferral, AnActionRunsOnceAndLater)
@@ -82,6 +85,7 @@ TEST_P(Deferral, AnActionMayDeferAnother)
   int alive = 0, runs = 0;
   defer(new Action(alive, [&] { defer(new Action(alive, [&] { ++runs; })); }));
   host().runDeferredActions();
+  EXPECT_EQ(runs, 0);
   host().runDeferredActions();
   EXPECT_EQ(runs, 1);
   EXPECT_EQ(alive, 0);

@@ -149,6 +149,21 @@ TEST_P(Devices, ADeviceIsStoredByItsIdentityNotByItsName)
   EXPECT_EQ(host().lastReelOf(43), "");
 }
 
+TEST_P(Devices, AnOlderCopyStoresItsLastReelAndNothingElse)
+{
+  PROMISE(
+      "host/device.h",
+      "Stores the last reel of the copy. All other values of the device stay as they are, even if the copy is older.");
+  HOST_NEEDS(Devices);
+  host().addDevice(deck());
+  ExtDeviceConfig config = theConfigurationManager().getConfig(3);
+  config.setLastReel("R1");
+  host().renameDevice(42, "Renamed");
+  theConfigurationManager().storeDevice(config, false);
+  EXPECT_EQ(host().lastReelOf(42), "R1");
+  EXPECT_EQ(std::wstring(theConfigurationManager().getConfig(3).getTextName().c_str()), L"Renamed");
+}
+
 TEST_P(Devices, AnUnknownDeviceIsNotStored)
 {
   PROMISE("host/device.h", "The device is found by its identity, not by its name; an unknown device is ignored.");

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -82,17 +83,33 @@ TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
   EXPECT_EQ(listener.heard[0].second, codes::madeOrImported);
 }
 
+TEST_P(Logs, TheEndOfAModificationOfWhichNothingWasSaidIsNotReported)
+{
+  PROMISE("host/edit.h", "without that call it reports nothing.");
+  host().openEmptyProject("A");
+  Listener listener;
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    makeReel(*modifier.get(), "R1");
+  }
+  EXPECT_TRUE(listener.heard.empty());
+}
+
+// An exception that leaves a destructor ends the process: it is tried in one of its own.
 TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
 {
   PROMISE("host/edit.h", "Never throws, even if a listener does.");
   host().openEmptyProject("A");
   Listener listener;
   listener.failing = true;
-  {
-    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-    modifier.get()->setChangeDescription(codes::madeOrImported, true);
-  }
-  EXPECT_EQ(listener.heard.size(), 1u);
+  const auto endAModification = [&] {
+    {
+      const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+      modifier.get()->setChangeDescription(codes::madeOrImported, true);
+    }
+    std::_Exit(listener.heard.size() == 1 ? 0 : 1);
+  };
+  EXPECT_EXIT(endAModification(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_P(Logs, ANewLogIsEmpty)
@@ -119,6 +136,93 @@ TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
   EXPECT_FALSE(opens(Cookie()));
   EXPECT_FALSE(opens(Cookie(uuid, 0, 'E')));
   EXPECT_EQ(reelIdOf(Cookie()), "");
+}
+
+// A setter of an empty record opens what its Cookie names: it must not write to the first log there is.
+TEST_P(Logs, AnInvalidCookieOpensNoneOfTheLogsThatAreThere)
+{
+  PROMISE("host/edit.h", "there is no such log, no project is open, or the Cookie is invalid.");
+  host().openEmptyProject("A");
+  host().addLog(codes::reelLog, "R1");
+  host().addLog(codes::materialLog, "R1");
+  EXPECT_FALSE(opens(Cookie()));
+  EXPECT_EQ(reelIdOf(Cookie()), "");
+  EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
+}
+
+TEST_P(Logs, ALogIsNamedByTheCookieOfItsEdit)
+{
+  PROMISE("host/edit.h", "the log's Cookie consists of this and the next two");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  withLog(log, [&](Edit& edit) {
+    EXPECT_EQ(cookieOf(edit).compare(log), 0);
+    EXPECT_NE(edit.cookieKind(), 'I');
+  });
+}
+
+TEST_P(Logs, AnImportedClipIsMarkedAsImported)
+{
+  PROMISE("host/edit.h", "whether the log was imported");
+  host().openEmptyProject("A");
+  SET_UP_GIVES(clip, importClip, "A001");
+  withLog(*clip, [](Edit& edit) {
+    EXPECT_TRUE(edit.isImported());
+    EXPECT_EQ(edit.getLogType(), codes::materialLog);
+  });
+}
+
+TEST_P(Logs, AnImportIsReported)
+{
+  PROMISE("host/events.h", "The log was created, imported or modified; it is in the project already.");
+  host().openEmptyProject("A");
+  Listener listener;
+  SET_UP_GIVES(clip, importClip, "");
+  ASSERT_EQ(listener.heard.size(), 1u);
+  EXPECT_EQ(listener.heard[0].first.compare(*clip), 0);
+  EXPECT_EQ(listener.heard[0].second, codes::madeOrImported);
+}
+
+TEST_P(Logs, EachOpeningIsClosedOnce)
+{
+  PROMISE("host/edit.h", "pair every i_open with an i_close, even if the log could not be opened.");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  SET_UP_GIVES(before, openLogs);
+  const auto held = [&] { return *host().openLogs() - *before; };
+  EditPtr first, again, none;
+  first.i_open(log, codes::openAsUsual);
+  EXPECT_EQ(held(), 1);
+  again = first.get();
+  EXPECT_EQ(held(), 2);
+  none.i_open(Cookie(), codes::openAsUsual);
+  none.i_close();
+  EXPECT_EQ(held(), 2);
+  EditInfo info(log, codes::openAsUsual);
+  EXPECT_EQ(held(), 3);
+  info.i_close();
+  again.i_close();
+  EXPECT_EQ(held(), 1);
+  again.i_close(); // empty by now
+  EXPECT_EQ(held(), 1);
+  first.i_close();
+  EXPECT_EQ(held(), 0);
+}
+
+TEST_P(Logs, AModifierHoldsItsLogUntilItEnds)
+{
+  PROMISE("host/edit.h", "Holds a new log open for change.");
+  host().openEmptyProject("A");
+  SET_UP_GIVES(before, openLogs);
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    EXPECT_GT(*host().openLogs(), *before);
+    EditPtr handle;
+    handle = modifier.get();
+    handle.i_close();
+    EXPECT_GT(*host().openLogs(), *before);
+  }
+  EXPECT_EQ(*host().openLogs(), *before);
 }
 
 TEST_P(Logs, WithoutAProjectNothingOpens)
@@ -196,6 +300,20 @@ TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
   expect("");
 }
 
+TEST_P(Logs, WithoutAnIdentifierAFieldIsLeftAlone)
+{
+  PROMISE("host/edit.h", "@p out is unchanged if the log has no identifier.");
+  host().openEmptyProject("A");
+  withLog(host().addLog(codes::materialLog, ""), [](Edit& edit) {
+    strp_field field;
+    edit.get_reelid(field, 0, -1);
+    EXPECT_EQ(field.text(), nullptr);
+    field.set("old");
+    edit.get_reelid(field, 0, -1);
+    EXPECT_STREQ(field.text(), "old");
+  });
+}
+
 TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 {
   PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
@@ -242,6 +360,24 @@ TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
   EXPECT_EQ(edit.getLogType(), 9);
 }
 
+TEST_P(Logs, WithoutTheEntireMediumALogIsNotAReel)
+{
+  PROMISE("host/edit.h", "and never without set_entire_medium(1).");
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  modifier.get()->redetermineLogType();
+  EXPECT_NE(modifier.get()->getLogType(), codes::reelLog);
+  modifier.get()->make_original(false, false);
+  modifier.get()->set_reelid(0, "R1");
+  modifier.get()->redetermineLogType();
+  EXPECT_NE(modifier.get()->getLogType(), codes::reelLog);
+  withLog(host().addLog(codes::materialLog, "R1"), [](Edit& shot) {
+    shot.redetermineLogType();
+    EXPECT_NE(shot.getLogType(), codes::reelLog);
+  });
+  EXPECT_EQ(reelLogs().count(), 0);
+}
+
 TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 {
   PROMISE("host/edit.h", "the type that redetermineLogType set, or the stored one");
@@ -278,6 +414,29 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
   EXPECT_EQ(reelIdOf(log), "RENAMED");
   withLog(log, [](Edit& edit) { EXPECT_EQ(edit.getNumChans(codes::audioChannel) & codes::channelCountMask, 1); });
   withLog(shot, [](Edit& edit) { EXPECT_STREQ(edit.config().in("key"), "x"); });
+}
+
+TEST_P(Logs, ANameIsSetAtOnce)
+{
+  PROMISE("host/edit.h", "sets the display name; called with false");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  withLog(log, [](Edit& edit) { edit.setName(L"Reel \u00e9", false); });
+  SET_UP_GIVES(name, nameOf, log);
+  EXPECT_EQ(*name, L"Reel \u00e9");
+}
+
+TEST_P(Logs, ANameIsStored)
+{
+  PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
+  HOST_NEEDS(Storage);
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  host().storeAndReopen();
+  withLog(log, [](Edit& edit) { edit.setName(L"Reel \u00e9", false); });
+  host().storeAndReopen();
+  SET_UP_GIVES(name, nameOf, log);
+  EXPECT_EQ(*name, L"Reel \u00e9");
 }
 
 TEST_P(Logs, EachHasAFileNameOfItsOwn)

@@ -23,9 +23,14 @@ public:
     if (onEntry)
       onEntry(); // may end this listener
   }
-  void handleProjectExit() override { events_.push_back(name_ + " exit"); }
+  void handleProjectExit() override
+  {
+    events_.push_back(name_ + " exit");
+    if (onExit)
+      onExit();
+  }
 
-  std::function<void()> onEntry;
+  std::function<void()> onEntry, onExit;
 
 private:
   Events& events_;
@@ -73,28 +78,28 @@ TEST_P(Project, OptionsAreStored)
   PROMISE("host/projdb.h", "The current project's options.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
   host().storeAndReopen();
-  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  EXPECT_STREQ(EditManager::ProjOpts().in("contract_option"), "Tape");
 }
 
 TEST_P(Project, OptionsAreItsOwn)
 {
   PROMISE("host/projdb.h", "The current project's options.");
   host().openEmptyProject("A");
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
-  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
+  EXPECT_STREQ(EditManager::ProjOpts().in("contract_option"), "Tape");
   host().openEmptyProject("B");
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
 }
 
 TEST_P(Project, WithoutOneOptionsAreEmpty)
 {
   PROMISE("host/projdb.h", "Without a project, an empty block each time: what was set in it is gone at the next call.");
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
 }
 
 TEST_P(Project, TheDeviceLayerMayBeReset)
@@ -128,6 +133,25 @@ TEST_P(Project, AtEntryTheProjectIsThere)
   listener.onEntry = [&] { seen = EditManager::getProjdb() != nullptr && get_project_cookie().valid(); };
   host().openEmptyProject("A");
   EXPECT_TRUE(seen);
+}
+
+TEST_P(Project, AtExitTheProjectIsStillThere)
+{
+  PROMISE("host/events.h", "the project is about to be left and is still open");
+  Events events;
+  Listener listener(events, "a");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1"), project = get_project_cookie();
+  int exits = 0;
+  listener.onExit = [&] {
+    ++exits;
+    EXPECT_NE(EditManager::getProjdb(), nullptr);
+    EXPECT_EQ(get_project_cookie().compare(project), 0);
+    EXPECT_TRUE(opens(log));
+  };
+  host().openEmptyProject("B"); // the project that is open is left first
+  EXPECT_EQ(exits, 1);
+  EXPECT_EQ(events, (Events{"a entry", "a exit", "a entry"}));
 }
 
 TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -104,10 +105,13 @@ TEST_P(Services, CountsHoldAcrossThreads)
   PROMISE("host/os.h", "Any thread may call it: the identifier of a deferred reel creation is counted up on a worker "
                        "thread and down on the main thread.");
   int count = 1;
+  std::atomic<int> ready{0};
   std::vector<std::thread> threads;
   for (int t = 0; t < 4; ++t)
-    threads.emplace_back([&count] {
-      for (int i = 0; i < 10000; ++i) {
+    threads.emplace_back([&count, &ready] {
+      for (++ready; ready < 4;) // at once, or the first is done before the last begins
+        std::this_thread::yield();
+      for (int i = 0; i < 250000; ++i) {
         OS()->refCounts().incRef(&count);
         OS()->refCounts().decRef(&count);
       }

@@ -35,6 +35,30 @@ TEST_P(Texts, EachMalformedByteBecomesAReplacement)
   EXPECT_EQ(wide(fromUTF8("\xFF\xFE!")), L"\uFFFD\uFFFD!");
 }
 
+// What a byte begins does not swallow the byte that does not belong to it.
+TEST_P(Texts, ASequenceThatBreaksOffIsReplacedByteByByte)
+{
+  PROMISE("host/text.h", "Each byte that is not part of a well-formed sequence becomes U+FFFD.");
+  EXPECT_EQ(wide(fromUTF8("\xC3\x41")), L"\uFFFDA");
+  EXPECT_EQ(wide(fromUTF8("\xE2\x82\x41")), L"\uFFFD\uFFFDA");
+  EXPECT_EQ(wide(fromUTF8("\xF0\x9F\x8E\x41")), L"\uFFFD\uFFFD\uFFFDA");
+  EXPECT_EQ(wide(fromUTF8("\xE2\xC3\xA9")), L"\uFFFD\u00e9");
+}
+
+// Two spellings of one identifier must not become one text.
+TEST_P(Texts, WhatIsSpeltTooLongOrIsNoCharacterIsReplacedByteByByte)
+{
+  PROMISE("host/text.h", "Each byte that is not part of a well-formed sequence becomes U+FFFD.");
+  EXPECT_EQ(wide(fromUTF8("\xC1\x81!")), std::wstring(2, L'\uFFFD') + L"!");         // A in two bytes
+  EXPECT_EQ(wide(fromUTF8("\xE0\x80\xAF!")), std::wstring(3, L'\uFFFD') + L"!");     // / in three
+  EXPECT_EQ(wide(fromUTF8("\xE0\x9F\xBF!")), std::wstring(3, L'\uFFFD') + L"!");     // U+07FF in three
+  EXPECT_EQ(wide(fromUTF8("\xF0\x8F\xBF\xBF!")), std::wstring(4, L'\uFFFD') + L"!"); // U+FFFF in four
+  EXPECT_EQ(wide(fromUTF8("\xED\xA0\x80!")), std::wstring(3, L'\uFFFD') + L"!");     // a surrogate
+  EXPECT_EQ(wide(fromUTF8("\xF4\x90\x80\x80!")), std::wstring(4, L'\uFFFD') + L"!"); // past U+10FFFF
+  EXPECT_EQ(wide(fromUTF8("\xE0\xA0\x80\xED\x9F\xBF")), L"\u0800\uD7FF");            // the nearest that are well formed
+  EXPECT_EQ(wide(fromUTF8("\xF0\x90\x80\x80\xF4\x8F\xBF\xBF")), L"\U00010000\U0010FFFF");
+}
+
 TEST_P(Texts, WideValuesOutsideUnicodeBecomeReplacements)
 {
   PROMISE("host/text.h", "A value outside Unicode, or a surrogate, becomes U+FFFD.");
@@ -54,6 +78,22 @@ TEST_P(Texts, ToUpperTouchesAsciiLettersAndNoOtherString)
   Text none;
   toUpper(none);
   EXPECT_TRUE(none.empty());
+}
+
+TEST_P(Texts, ToUpperLeavesEveryByteThatIsNoAsciiLetter)
+{
+  PROMISE("host/text.h", "Upper-cases the ASCII letters in place");
+  std::string before, after;
+  for (int byte = 1; byte < 256; ++byte) {
+    before += static_cast<char>(byte);
+    after += static_cast<char>(byte >= 'a' && byte <= 'z' ? byte - 'a' + 'A' : byte);
+  }
+  Text text(before.c_str());
+  toUpper(text);
+  EXPECT_EQ(std::string(text.c_str()), after);
+  Text euro("\xE2\x82\xAC");
+  toUpper(euro);
+  EXPECT_STREQ(euro.c_str(), "\xE2\x82\xAC");
 }
 
 TEST_P(Texts, TrailingBlanksGoAndNoOtherStringChanges)
