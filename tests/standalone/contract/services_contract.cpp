@@ -104,22 +104,31 @@ TEST_P(Services, CountsHoldAcrossThreads)
 {
   PROMISE("host/os.h", "Any thread may call it: the identifier of a deferred reel creation is counted up on a worker "
                        "thread and down on the main thread.");
-  int count = 1;
-  std::atomic<int> ready{0};
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([&count, &ready] {
-      for (++ready; ready < 4;) // at once, or the first is done before the last begins
-        std::this_thread::yield();
-      for (int i = 0; i < 250000; ++i) {
-        OS()->refCounts().incRef(&count);
-        OS()->refCounts().decRef(&count);
+  // In short rounds that both threads begin together. Otherwise a busy machine runs one thread after the other, and
+  // finds nothing.
+  constexpr int rounds = 10000, changes = 200;
+  iRefCountService& service = OS()->refCounts();
+  const auto onTwoThreads = [&](const auto& change) {
+    std::atomic<int> arrived{0};
+    const auto run = [&] {
+      for (int round = 1; round <= rounds; ++round) {
+        ++arrived;
+        for (int spins = 0; arrived < 2 * round; ++spins)
+          if (spins > 200)
+            std::this_thread::yield();
+        for (int i = 0; i < changes; ++i)
+          change();
       }
-      OS()->refCounts().incRef(&count);
-    });
-  for (std::thread& thread : threads)
-    thread.join();
-  EXPECT_EQ(count, 5);
+    };
+    std::thread other(run);
+    run();
+    other.join();
+  };
+  int count = 1;
+  onTwoThreads([&] { service.incRef(&count); });
+  EXPECT_EQ(count, 1 + 2 * rounds * changes);
+  onTwoThreads([&] { service.decRef(&count); });
+  EXPECT_EQ(count, 1);
 }
 
 TEST_P(Services, AnObjectEndsWithItsLastHolder)
