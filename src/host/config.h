@@ -51,7 +51,9 @@ private:
 };
 
 /// The text of @p key in the host's own configuration, or @p defaultValue itself if the key is absent. Null only if
-/// @p defaultValue is null. The text stays valid until the process ends. Callable while loading.
+/// @p defaultValue is null. The text stays valid until the process ends. Callable while loading, when possibly no
+/// constructor of the host has run. The library reads "default_reel_type" once, while it is loaded, so the host returns
+/// the same text then as later.
 const char* config_string(const char* key, const char* defaultValue);
 
 /// The system-wide settings that all projects share.

@@ -22,10 +22,18 @@ using host_contract::Device;
 using Text = LightweightString<char>;
 using Texts = std::vector<std::string>;
 
-/// The manager. It is a listener from the first call on, so a case calls this before it enters a project.
 ReelDbManager& manager()
 {
   return *ReelDbManager::theReelDbManager();
+}
+
+/// Enters an empty project whose new reels have no type, whatever the host's own settings are. The manager is there
+/// before: it is a listener from its first use on.
+void enterProject(host_contract::HostSetUp& host)
+{
+  manager();
+  host.openEmptyProject("A");
+  manager().setProjectDefaultReelType("");
 }
 
 Texts reels()
@@ -93,6 +101,14 @@ TEST_P(Library, TheStartUpNamedTheMainThread)
   EXPECT_EQ(glib_pid, co_pid() & codes::threadMask);
 }
 
+// Seen only where the library is initialized before the host: see NAME_reversed in reeldb_add_host_contract.
+TEST_P(Library, ASettingWasReadAtLoadAsItIsNow)
+{
+  PROMISE("host/config.h", "Callable while loading, when possibly no constructor of the host has run.");
+  PROMISE("host/config.h", "while it is loaded, so the host returns the same text then as later.");
+  EXPECT_STREQ(ReelDbManager::systemWideDefaultReelType_.c_str(), config_string("default_reel_type", ""));
+}
+
 // --- Reels ---------------------------------------------------------------------------------------
 
 TEST_P(Library, AReelIsMadeOnTheMainThreadAtOnce)
@@ -100,8 +116,7 @@ TEST_P(Library, AReelIsMadeOnTheMainThreadAtOnce)
   PROMISE("MainThread.h", "The host stores `co_pid() & codes::threadMask` of its main thread here before any thread "
                           "creates a reel");
   PROMISE("host/edit.h", "a search for reels then finds it if it is a reel.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   Client client;
   ReelDbRec made = manager().createNewReel(" A001 ", -1);
   EXPECT_TRUE(made.valid());
@@ -118,8 +133,7 @@ TEST_P(Library, AReelIsMadeOnTheMainThreadAtOnce)
 TEST_P(Library, AReelIsNamedByItsIdentifier)
 {
   PROMISE("host/edit.h", "sets the display name; called with false");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   const std::wstring word = host().textOfResource(codes::wordForReel);
   const ReelDbRec made = manager().createNewReel("A001", -1);
   ASSERT_TRUE(made.valid());
@@ -133,9 +147,8 @@ TEST_P(Library, AReelOfADeviceHasItsAudioChannels)
 {
   PROMISE("host/device.h", "not negative; a new reel gets one channel per input");
   HOST_NEEDS(Devices);
-  manager();
   host().addDevice(deck());
-  host().openEmptyProject("A");
+  enterProject(host());
   const ReelDbRec made = manager().createNewReel("A001", 3);
   ASSERT_TRUE(made.valid());
   withLog(made, [](Edit& edit) { EXPECT_EQ(channelsOf(edit).audio, 4); });
@@ -145,8 +158,7 @@ TEST_P(Library, AnImportMakesTheReelOfItsClip)
 {
   PROMISE("host/edit.h", "whether the log was imported");
   PROMISE("host/events.h", "The log was created, imported or modified; it is in the project already.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   SET_UP_GIVES(clip, importClip, "B002");
   EXPECT_EQ(reels(), Texts{"B002"});
   host().importClip("b002");
@@ -163,8 +175,7 @@ TEST_P(Library, AnImportMakesTheReelOfItsClip)
 TEST_P(Library, ANewLogThatIsNotImportedMakesNoReel)
 {
   PROMISE("host/edit.h", "whether the log was imported");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   {
     const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
     modifier.get()->set_reelid(0, "A001");
@@ -178,8 +189,7 @@ TEST_P(Library, AReelThatAWorkerWantsIsMadeOnTheMainThread)
   PROMISE("host/action.h", "Queues the action for the main thread, behind the actions that already wait.");
   PROMISE("MainThread.h", "The host stores `co_pid() & codes::threadMask` of its main thread here before any thread "
                           "creates a reel");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   std::thread worker([] {
     manager().createNewReel("C003", -1);
     manager().createNewReel("D004", -1);
@@ -194,9 +204,8 @@ TEST_P(Library, ADeviceWithALiveFeedGetsItsReel)
 {
   PROMISE("host/device.h", "the reel types the device accepts, \"Live\" for a live feed");
   HOST_NEEDS(Devices);
-  manager();
   host().addDevice(deck());
-  host().openEmptyProject("A");
+  enterProject(host());
   manager().checkLiveDeviceMedia(3);
   EXPECT_EQ(reels(), Texts{"Deck live feed"});
   EXPECT_TRUE(manager().representsLiveMaterial("Deck live feed"));
@@ -210,9 +219,8 @@ TEST_P(Library, AReelOfADeviceHasItsChannels)
 {
   PROMISE("host/device.h", "The number of the device with exactly this display name; -1 for an unknown or empty name.");
   HOST_NEEDS(Devices);
-  manager();
   host().addDevice(deck());
-  host().openEmptyProject("A");
+  enterProject(host());
   ReelDbRec made = manager().createNewReel("A001", -1);
   withLog(made, [](Edit& edit) { EXPECT_EQ(channelsOf(edit), (Channels{0, 0})); });
   made.lastDevice(L"Deck");
@@ -222,8 +230,7 @@ TEST_P(Library, AReelOfADeviceHasItsChannels)
 TEST_P(Library, AReelWithoutADeviceHasNoChannels)
 {
   PROMISE("host/device.h", "belongs to no device: without inputs, port, tapes and name");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   const ReelDbRec made = manager().createNewReel("A001", 999);
   ASSERT_TRUE(made.valid());
   withLog(made, [](Edit& edit) { EXPECT_EQ(channelsOf(edit), (Channels{0, 0})); });
@@ -232,8 +239,7 @@ TEST_P(Library, AReelWithoutADeviceHasNoChannels)
 TEST_P(Library, ATypeGivesAReelItsChannels)
 {
   PROMISE("host/edit.h", "the reel type; the column \"Reel Type\" shows it at once");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   theReelTypeManager()->add("Contract tape", "VideoChannels=1 AudioChannels=3");
   ReelDbRec made = manager().createNewReel("A001", -1);
   made.typeName("Contract tape");
@@ -245,8 +251,7 @@ TEST_P(Library, ATypeGivesAReelItsChannels)
 TEST_P(Library, ANewReelHasTheTypeOfTheProject)
 {
   PROMISE("host/projdb.h", "The current project's options.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   manager().setProjectDefaultReelType("Contract type");
   EXPECT_STREQ(manager().createNewReel("A001", -1).typeName().c_str(), "Contract type");
 }
@@ -254,8 +259,7 @@ TEST_P(Library, ANewReelHasTheTypeOfTheProject)
 TEST_P(Library, TheFieldsOfAReelAreReadBack)
 {
   PROMISE("host/config.h", "Every opening of the log sees the change at once.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   ReelDbRec made = manager().createNewReel("A001", -1);
   made.userField(2, "Scene 5");
   made.labelMapping("pal9pin");
@@ -271,8 +275,7 @@ TEST_P(Library, TheFieldsOfAReelAreReadBack)
 TEST_P(Library, AnEmptyRecordWritesNowhere)
 {
   PROMISE("host/edit.h", "there is no such log, no project is open, or the Cookie is invalid.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   ReelDbRec first = manager().createNewReel("A001", -1), empty;
   empty.recInhibit(true);
   empty.reelAvailable(false);
@@ -292,8 +295,7 @@ TEST_P(Library, AnEmptyRecordWritesNowhere)
 TEST_P(Library, ARenamedReelTakesItsShotsWithIt)
 {
   PROMISE("host/projdb.h", "No match may be missing.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   manager().createNewReel("A001", -1);
   manager().createNewReel("A002", -1);
   const Cookie shot = host().addLog(codes::materialLog, "A001"), lower = host().addLog(codes::materialLog, "a001"),
@@ -314,8 +316,7 @@ TEST_P(Library, WithAReelGoItsShotsAndNothingElse)
 {
   PROMISE("host/projdb.h", "every log that is not a reel log.");
   PROMISE("host/projdb.h", "An empty value finds nothing.");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   const Cookie gone = manager().createNewReel("A001", -1), used = manager().createNewReel("A002", -1);
   const Cookie shot = host().addLog(codes::materialLog, "a001");
   const Cookie selected = host().addLog(codes::materialLog, "");
@@ -334,8 +335,7 @@ TEST_P(Library, WithAReelGoItsShotsAndNothingElse)
 TEST_P(Library, ReelsAreDistinguishedFromShotsByTheirRows)
 {
   PROMISE("host/edit.h", "The log type for the text of a row's field \"Type\".");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   const Cookie shot = host().addLog(codes::materialLog, "A001");
   CookieVec logs;
   logs.add(manager().createNewReel("A001", -1));
@@ -351,8 +351,7 @@ TEST_P(Library, TheListOfReelsFollowsTheProject)
 {
   PROMISE("host/events.h", "a project was entered and is open");
   PROMISE("host/events.h", "the project is about to be left and is still open");
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   manager().createNewReel("A001", -1);
   host().openEmptyProject("B");
   EXPECT_EQ(reels(), Texts{});
@@ -367,8 +366,7 @@ TEST_P(Library, StoredReelsAreThereAgain)
 {
   PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
   HOST_NEEDS(Storage);
-  manager();
-  host().openEmptyProject("A");
+  enterProject(host());
   ReelDbRec made = manager().createNewReel("A001", -1);
   made.userField(0, "Scene 5");
   made.typeName("Contract type");
