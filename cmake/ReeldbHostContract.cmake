@@ -3,6 +3,9 @@
 # host contract. SETUP is what its author writes: an implementation of host_fixture.h. HOST is the host, with whatever
 # it is made of. Each case is a test of its own for ctest; one that the host does without is skipped and says why.
 #
+# A second program, NAME_reversed, is the same with the host before the library on the link line, and one test. There the
+# library is initialized first: what it reads from the host while it is loaded must not need a constructor of the host.
+#
 # Needs GoogleTest and, in the project that calls it, enable_testing(). REELDB_HOST_CONTRACT_DIR is where the suite is.
 include_guard(GLOBAL)
 include(GoogleTest)
@@ -31,4 +34,10 @@ function(reeldb_add_host_contract name)
   # The library first: its operator new is then the program's, as in an application.
   target_link_libraries(${name} PRIVATE reeldb::reeldb ${ARG_HOST} reeldb_host_contract_cases GTest::gtest_main)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST)
+
+  add_executable(${name}_reversed $<TARGET_OBJECTS:${name}>)
+  set_target_properties(${name}_reversed PROPERTIES LINKER_LANGUAGE CXX)
+  target_link_libraries(${name}_reversed
+    PRIVATE ${ARG_HOST} reeldb::reeldb reeldb_host_contract_cases GTest::gtest_main)
+  add_test(NAME ${name}_reversed COMMAND ${name}_reversed --gtest_brief=1)
 endfunction()

@@ -46,7 +46,7 @@ public:
   void handleProjectExit() override;
   /// Reads the reel list from the project database; without a database the list stays as it was. Notifies no client.
   void buildReelList();
-  bool handleDeviceChange(const NotifyMsg& msg); ///< changes nothing and returns true
+  bool handleDeviceChange(const NotifyMsg& msg); ///< changes nothing and returns true: a host need not call it
   /// Sets the type of the project's new reels: stores it as the project option "reeldb_defaultType". Empty: no type.
   void setProjectDefaultReelType(LightweightString<char> type);
 

@@ -24,6 +24,9 @@ public:
   Cookie addLog(int type, const std::string& reelId) override { return minimal_host::addLog(type, reelId); }
   std::wstring textOfResource(unsigned) override { return L"Reel"; }
   void runDeferredActions() override { minimal_host::runDeferred(); }
+  std::optional<Cookie> importClip(const std::string& reelId) override { return minimal_host::importClip(reelId); }
+  std::optional<int> openLogs() override { return minimal_host::openLogs(); }
+  std::optional<std::wstring> nameOf(const Cookie& log) override { return minimal_host::nameOf(log); }
 
   std::string lacks(Ability ability) const override {
     switch (ability) {

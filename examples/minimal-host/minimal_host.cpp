@@ -44,6 +44,7 @@ struct Edit::Impl {
   Cookie cookie{uuid, 0, 'E'};
   eLogType type{}; // a reel, material, or neither
   bool imported = false, entireMedium = false, original = true;
+  WideText name;
   Text reelType;
   int videoChannels = 0, audioChannels = 0;
   configb config;
@@ -82,6 +83,7 @@ struct State {
   std::unique_ptr<configb> noOptions;
   std::map<std::string, std::string> systemSettings;
   std::vector<ProjectListener*> listeners;
+  int openLogs = 0; // openings that are not closed, and modifiers that have not ended
   std::mutex mutex; // of what is deferred
   std::vector<Zr::Ptr<iExecutableAction>> deferred;
 };
@@ -161,6 +163,8 @@ Cookie minimal_host::addLog(int type, const std::string& reelId) {
     log->config.set("reelid", reelId.c_str(), nullptr);
   return log->cookie;
 }
+int minimal_host::openLogs() { return state().openLogs; }
+std::wstring minimal_host::nameOf(const Cookie& log) { return findLog(log)->name.c_str(); }
 Cookie minimal_host::importClip(const std::string& reelId) {
   Log* const clip = findLog(addLog(codes::materialLog, reelId));
   clip->imported = true;
@@ -236,7 +240,7 @@ eLogType Edit::getLogType() const { return impl->type; }
 bool Edit::isImported() const { return impl->imported; }
 void Edit::get_reelid(strp_field& out, int, int) const { impl->config.in("reelid", out); }
 void Edit::set_reelid(int, const char* id) { impl->config.set("reelid", id, nullptr); }
-void Edit::setName(const WideText&, bool) {} // nobody asks this host for it again
+void Edit::setName(const WideText& name, bool) { impl->name = name; }
 void Edit::reelType(const Text& type) { impl->reelType = type; }
 void Edit::set_entire_medium(int entire) { impl->entireMedium = entire != 0; }
 void Edit::make_original(bool original, bool) { impl->original = original; }
@@ -259,15 +263,16 @@ eLogType Edit::getLogTypeFromString(const Text& text) {
 }
 
 // A handle never closes by itself. A host that stores its logs counts the openings of each, and lets go of it when the
-// last is closed; here there is nothing to do.
+// last is closed; here one count of all is enough, for the contract to see that each is closed.
 EditPtr::EditPtr() : edit_(nullptr) {}
 EditPtr::~EditPtr() {}
 void EditPtr::i_open(const Cookie& cookie, eEditOpenBehaviour) {
   Log* const log = findLog(cookie);
-  edit_ = log ? &log->edit : nullptr;
+  *this = log ? &log->edit : nullptr;
 }
-void EditPtr::i_close() { edit_ = nullptr; }
+void EditPtr::i_close() { state().openLogs -= std::exchange(edit_, nullptr) ? 1 : 0; }
 EditPtr& EditPtr::operator=(Edit* edit) {
+  state().openLogs += edit ? 1 : 0;
   edit_ = edit;
   return *this;
 }
@@ -282,8 +287,9 @@ Text EditInfo::getAttrib(LogAttributes::eLogAttribute attribute) const {
 }
 
 // A new log is in the project from its start: all that is left to its modifier's end is to say what was done.
-EditModifier::EditModifier(Edit* edit) : edit_(edit) {}
+EditModifier::EditModifier(Edit* edit) : edit_(edit) { state().openLogs += edit ? 1 : 0; }
 EditModifier::~EditModifier() {
+  state().openLogs -= edit_ ? 1 : 0;
   try {
     if (edit_ && edit_->impl->change != 0)
       tellOfModification(*edit_->impl, edit_->impl->change);

@@ -15,10 +15,14 @@ void startUp(); ///< makes the calling thread the main thread; before that no re
 void enterProject(const std::string& name, int frameRate, int outputFrameRate);
 void leaveProject(); ///< the project is gone; does nothing without one
 
-/// A log that another module of the application made: type 9 a reel, 1 material. REQUIRES: a project is open.
+/// A log that another module of the application made: type 9 a reel, 1 material, 0 neither. REQUIRES: a project is
+/// open.
 Cookie addLog(int type, const std::string& reelId);
 /// A clip that comes in from outside; the library makes the reel it names. REQUIRES: a project is open.
 Cookie importClip(const std::string& reelId);
+
+int openLogs();                         ///< openings of logs that are not closed, and changes that have not ended
+std::wstring nameOf(const Cookie& log); ///< REQUIRES: there is such a log
 
 void runDeferred(); ///< what other threads left for the main thread; called when that comes back to the application
 

@@ -20,11 +20,14 @@ public:
 };
 
 /// Queues the action for the main thread, behind the actions that already wait. Takes a reference of its own and
-/// releases it when the action has run. Callable on any thread. Must not run the action before it returns.
+/// releases it when the action has run. Callable on any thread. Must not run the action before it returns. An action
+/// that is deferred while the host runs actions waits until the main thread comes back the next time: an action that
+/// defers itself must not run for ever.
 void defer(const Zr::Ptr<iExecutableAction>&);
 
 /// The calling thread's id, the same for every call. Callable on any thread. The library compares its bits in
-/// codes::threadMask with `glib_pid`, so these bits must differ between threads.
+/// codes::threadMask with `glib_pid`, so these bits must differ between threads. They are not 0 on any thread:
+/// `glib_pid` is 0 before the start-up.
 int co_pid();
 
 #endif

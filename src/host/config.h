@@ -40,8 +40,8 @@ public:
   int in(const char* key, int& value) const;
   int in(const char* key,
          strp_field& value) const; ///< returns 0 on success; @p value is unchanged if the key is absent
-  /// Sets the text of the key. @p value may be a text of this block. Every opening of the log sees the change at once.
-  /// @p third is always null.
+  /// Sets the text of the key. @p value may be a text of this block; null is the empty text, and the key is then
+  /// there. Every opening of the log sees the change at once. @p third is always null.
   void set(const char* key, const char* value, const char* third);
   void set(const char* key, const strp_field& value); ///< likewise; the field holds a text
 
@@ -51,7 +51,9 @@ private:
 };
 
 /// The text of @p key in the host's own configuration, or @p defaultValue itself if the key is absent. Null only if
-/// @p defaultValue is null. The text stays valid until the process ends. Callable while loading.
+/// @p defaultValue is null. The text stays valid until the process ends. Callable while loading, when possibly no
+/// constructor of the host has run. The library reads "default_reel_type" once, while it is loaded, so the host returns
+/// the same text then as later.
 const char* config_string(const char* key, const char* defaultValue);
 
 /// The system-wide settings that all projects share.

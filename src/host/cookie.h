@@ -27,7 +27,9 @@ public:
 class Cookie {
 public:
   Cookie(); ///< invalid: kind 'I', all other bytes zero
-  /// From the text form that asString returns. Any other text, and null, gives an invalid Cookie. Called with false.
+  /// From the text form that asString returns. Any other text, and null, gives an invalid Cookie. In every host,
+  /// "P0001000" is a text form, too, of kind 'P': the placeholder project, whose text form is "P0001000" again. Called
+  /// with false.
   Cookie(const char* text, bool);
   /// From its parts. Kind 'I' gives the same Cookie as Cookie().
   Cookie(const Zr::UUID& uuid, std::uint16_t tag, char kind);

@@ -40,8 +40,8 @@ public:
   ExtDeviceConfig getConfig(IdStamp) const;    ///< likewise for an unknown identity
   /// The number of the device with exactly this display name; -1 for an unknown or empty name.
   int findConfigForName(const LightweightString<wchar_t>&) const;
-  /// Stores the copy. The device is found by its identity, not by its name; an unknown device is ignored. Called with
-  /// false.
+  /// Stores the last reel of the copy. All other values of the device stay as they are, even if the copy is older. The
+  /// device is found by its identity, not by its name; an unknown device is ignored. Called with false.
   void storeDevice(const ExtDeviceConfig&, bool);
   static IdStamp DeviceChangedMsgParser(const NotifyMsg&); ///< the device that the message names; invalid: no device
 };
@@ -49,7 +49,8 @@ public:
 /// The manager of the process; never destroyed.
 ExtDeviceConfigurationManager& theConfigurationManager();
 
-/// Re-initialises the device layer. Called when another project is entered.
+/// Re-initialises the device layer. Called when another project is entered. A host without connections to devices does
+/// nothing.
 void resetDevices();
 
 /// A label map: the source of each of fourteen timecode labels. The library allocates it on its stack, so no member may

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
 /// Edits: the objects behind the logs of a project, and the handles that open and close them. Main thread only.
-/// codes.h names the values of the enumerations.
+/// codes.h names the values of the enumerations. Where a comment says what an argument is "called with", the library
+/// passes nothing else, and a host may ignore the argument.
 #ifndef REELDB_HOST_EDIT_H
 #define REELDB_HOST_EDIT_H
 
@@ -57,7 +58,8 @@ public:
   /// The log type for the text of a row's field "Type". Empty or unknown text does not give codes::reelLog.
   static eLogType getLogTypeFromString(const LightweightString<char>&);
   bool isImported() const; ///< whether the log was imported
-  /// Gets the reel identifier. @p out is unchanged if the log has no identifier. Called as (field, 0, -1).
+  /// Gets the reel identifier; one that was set to "" is the empty text. @p out is unchanged if the log has no
+  /// identifier. Called as (field, 0, -1).
   void get_reelid(strp_field& out, int, int) const;
   /// Stores the reel identifier: codes::reelIdAttribute and the key "reelid" of config() are the same value. Called as
   /// (0, id); @p id is never null.
@@ -65,7 +67,10 @@ public:
   void setName(const LightweightString<wchar_t>&, bool); ///< sets the display name; called with false
   void set_entire_medium(int);                           ///< 1: the log represents the whole medium; called with 1
   void make_original(bool, bool);                        ///< called as (false, false) for a log that becomes a reel
-  void redetermineLogType(); ///< classifies the log by its values; a search for reels then finds it if it is a reel
+  /// Classifies the log by its values; a search for reels then finds it if it is a reel. It is one after
+  /// set_entire_medium(1) and make_original(false, false), and never without set_entire_medium(1). How the host
+  /// classifies other logs is its own affair.
+  void redetermineLogType();
   /// Sets the modification that the EditModifier reports when it ends. Called with true.
   void setChangeDescription(EditModificationType, bool);
   void setDirty(bool);                           ///< true: the log needs saving
@@ -75,7 +80,7 @@ public:
   void addChan(EditChanType, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double);
   const Zr::UUID& uuid() const; ///< the log's Cookie consists of this and the next two
   std::uint16_t cookieTag() const;
-  char cookieKind() const; ///< the Cookie's kind, not 'I'
+  char cookieKind() const; ///< the Cookie's kind, not 'I'; every other letter will do
 
   struct Impl;
   Impl* impl;
@@ -90,12 +95,13 @@ public:
   EditPtr(const EditPtr&) = delete; ///< each opening is closed once
   EditPtr& operator=(const EditPtr&) = delete;
   /// Opens the log. get() is null afterwards if the log cannot be opened: there is no such log, no project is open, or
-  /// the Cookie is invalid. Does not throw in these cases.
+  /// the Cookie is invalid. Does not throw in these cases. REQUIRES: the handle is empty.
   void i_open(const Cookie&, eEditOpenBehaviour);
-  void i_close();            ///< never throws; does nothing on an empty handle
-  EditPtr& operator=(Edit*); ///< one more opening of a log that is open already; null: no opening
-  Edit* get() const;         ///< the open log, or null
-  Edit* operator->() const;  ///< REQUIRES: the handle is not empty
+  void i_close(); ///< never throws; does nothing on an empty handle
+  /// One more opening of a log that is open already; null: no opening. REQUIRES: the handle is empty.
+  EditPtr& operator=(Edit*);
+  Edit* get() const;        ///< the open log, or null
+  Edit* operator->() const; ///< REQUIRES: the handle is not empty
   explicit operator bool() const;
 
 protected:

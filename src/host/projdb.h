@@ -38,11 +38,14 @@ public:
   /// This order is stable: new logs come at the end.
   CookieVec search(unsigned, unsigned);
   /// The logs that may have these attributes; the case of ASCII letters is ignored. The result may contain near
-  /// matches, because the caller compares again. No match may be missing. An empty value finds nothing.
+  /// matches, because the caller compares again. No match may be missing. An empty value finds nothing. Other numbers,
+  /// other attributes and criteria without attributes do not occur.
   CookieVec search(const SearchCriteria&);
-  dbrecord* operator[](const Cookie&);              ///< null if the Cookie has no row
-  unsigned short findField(const char* name) const; ///< the column of a field, such as "Type", for get_field
-  oledb* database();                                ///< for views; never null
+  dbrecord* operator[](const Cookie&); ///< null if the Cookie has no row
+  /// The column of a field, such as "Type", for get_field. For an unknown name, a number for which get_field returns
+  /// null.
+  unsigned short findField(const char* name) const;
+  oledb* database(); ///< for views; never null
   struct Impl;
   Impl* impl;
 };
@@ -52,8 +55,8 @@ class ODBViewRep : public Zr::InternalRefCount {
 public:
   explicit ODBViewRep(oledb*); ///< shows nothing; the database is borrowed
   ~ODBViewRep() override;      ///< invalidates every text that cellText has returned
-  /// Shows the rows of these logs from @p position on and replaces what was shown there. Logs without a row are
-  /// skipped. Called with 0.
+  /// Shows the rows of these logs from @p position on and replaces all rows from there. Logs without a row are skipped.
+  /// Called with 0.
   void displayRecordsAt(const std::vector<Cookie>&, int position);
   int numRows() const;
   /// The text of the column with this name, such as "Reel Type". Null if there is no such row or column. Valid while
@@ -83,7 +86,9 @@ public:
   static void updateProjdbRec(const Cookie&); ///< writes a changed log's fields to its row; an unknown log is ignored
   /// Creates an empty log and holds it open; its Edit is null if that fails. Called with Cookie().
   static EditModifier makeNewEdit(const Cookie&);
-  static configb& ProjOpts(); ///< the current project's options; without a project always empty, and `set` is ignored
+  /// The current project's options. Without a project, an empty block each time: what was set in it is gone at the next
+  /// call.
+  static configb& ProjOpts();
 };
 
 /// The current project. A project has the same Cookie each time it is opened. Invalid without a project.

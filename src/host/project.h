@@ -9,8 +9,8 @@ namespace Zr {
 namespace CurrentProject {
 /// Which state of the project. The library passes only 0.
 enum Revision : int {};
-int getFrameRate(Revision);      ///< the frame rate code, such as codes::rate25; called with 0
-int getOutputImageZRFrameRate(); ///< the output's frame rate code
+int getFrameRate(Revision);      ///< codes::rate25 or one of its neighbours; called with 0
+int getOutputImageZRFrameRate(); ///< likewise, of the output
 } // namespace CurrentProject
 } // namespace Zr
 

@@ -27,12 +27,14 @@ std::string text(const Cookie& cookie)
 
 TEST_P(Cookies, ADefaultOneIsInvalid)
 {
+  PROMISE("host/cookie.h", "invalid: kind 'I', all other bytes zero");
   EXPECT_FALSE(Cookie().valid());
   EXPECT_EQ(Cookie().kind(), 'I');
 }
 
 TEST_P(Cookies, AllInvalidOnesAreEqual)
 {
+  PROMISE("host/cookie.h", "restores the state of Cookie()");
   Cookie once = numbered(1);
   once.invalidate();
   EXPECT_EQ(once.kind(), 'I');
@@ -41,6 +43,8 @@ TEST_P(Cookies, AllInvalidOnesAreEqual)
 
 TEST_P(Cookies, ThePlaceholderProjectHasAText)
 {
+  PROMISE("host/cookie.h", "In every host, \"P0001000\" is a text form, too, of kind 'P': the placeholder project, "
+                           "whose text form is \"P0001000\" again.");
   const Cookie placeholder = named("P0001000");
   EXPECT_TRUE(placeholder.valid());
   EXPECT_EQ(placeholder.kind(), 'P');
@@ -51,6 +55,8 @@ TEST_P(Cookies, ThePlaceholderProjectHasAText)
 
 TEST_P(Cookies, TheTextFormComesBack)
 {
+  PROMISE("host/cookie.h",
+          "The text form: ASCII, starting with the kind. Cookie(text, false) gives this Cookie again.");
   for (const Cookie& cookie : {named("P0001000"), numbered(0), numbered(255)}) {
     EXPECT_EQ(text(cookie)[0], cookie.kind());
     EXPECT_EQ(named(text(cookie).c_str()).compare(cookie), 0) << text(cookie);
@@ -59,6 +65,7 @@ TEST_P(Cookies, TheTextFormComesBack)
 
 TEST_P(Cookies, ACookieIsItsUuidItsTagAndItsKind)
 {
+  PROMISE("host/cookie.h", "0 when equal, else the sign of an order; two invalid Cookies are equal");
   Zr::UUID uuid;
   uuid.bytes[0] = 1;
   const Cookie cookie(uuid, 7, 'E');
@@ -70,6 +77,7 @@ TEST_P(Cookies, ACookieIsItsUuidItsTagAndItsKind)
 
 TEST_P(Cookies, AChangeOfOneVectorIsSeenByNoOther)
 {
+  PROMISE("host/cookie.h", "Copies share the storage; a change detaches it first, so no other copy sees it.");
   CookieVec first;
   first.add(numbered(1));
   first.add(numbered(2));
@@ -89,6 +97,7 @@ TEST_P(Cookies, AChangeOfOneVectorIsSeenByNoOther)
 
 TEST_P(Cookies, RemovingTakesTheFirstEqualOne)
 {
+  PROMISE("host/cookie.h", "removes the first equal Cookie, if any");
   CookieVec cookies;
   cookies.add(numbered(1));
   cookies.add(numbered(2));
@@ -103,6 +112,7 @@ TEST_P(Cookies, RemovingTakesTheFirstEqualOne)
 
 TEST_P(Cookies, AnElementMayBeAddedToItsOwnVector)
 {
+  PROMISE("host/cookie.h", "at the end; it may be one of this vector");
   CookieVec cookies;
   for (unsigned char i = 0; i < 100; ++i)
     cookies.add(numbered(i));
@@ -114,6 +124,7 @@ TEST_P(Cookies, AnElementMayBeAddedToItsOwnVector)
 
 TEST_P(Cookies, ASetHoldsEachOnceInTheOrderTheyCame)
 {
+  PROMISE("host/cookie.h", "at the end; does nothing if an equal Cookie is there");
   CookieSet set;
   set.insert(numbered(2));
   set.insert(numbered(1));
@@ -125,6 +136,7 @@ TEST_P(Cookies, ASetHoldsEachOnceInTheOrderTheyCame)
 
 TEST_P(Cookies, ADeviceStampIsValidUnlessZero)
 {
+  PROMISE("host/cookie.h", "whether the value is not 0; the device need not exist");
   EXPECT_FALSE(IdStamp().valid());
   EXPECT_FALSE(IdStamp(0).valid());
   const IdStamp stamp(5);

@@ -34,6 +34,7 @@ bool holds(const CookieVec& cookies, const Cookie& cookie)
 
 TEST_P(Database, IsThereWhileAProjectIs)
 {
+  PROMISE("host/projdb.h", "null if no database is open; callers must not keep it");
   EXPECT_EQ(EditManager::getProjdb(), nullptr);
   host().openEmptyProject("A");
   EXPECT_NE(EditManager::getProjdb(), nullptr);
@@ -44,6 +45,8 @@ TEST_P(Database, IsThereWhileAProjectIs)
 
 TEST_P(Database, TheReelLogsAreExactlyThoseInOrder)
 {
+  PROMISE("host/projdb.h",
+          "Returns exactly the reel logs, in database order. This order is stable: new logs come at the end.");
   host().openEmptyProject("A");
   EXPECT_EQ(reelLogs().count(), 0);
   CookieVec reels;
@@ -57,6 +60,8 @@ TEST_P(Database, TheReelLogsAreExactlyThoseInOrder)
 
 TEST_P(Database, StoredReelLogsAreExactlyThoseInOrder)
 {
+  PROMISE("host/projdb.h",
+          "Returns exactly the reel logs, in database order. This order is stable: new logs come at the end.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   CookieVec reels;
@@ -69,6 +74,7 @@ TEST_P(Database, StoredReelLogsAreExactlyThoseInOrder)
 
 TEST_P(Database, AListOfReelsStaysAsItWas)
 {
+  PROMISE("docs/embedding.md", "it is a copy: later logs do not appear in it");
   host().openEmptyProject("A");
   host().addLog(codes::reelLog, "a");
   const CookieVec before = reelLogs();
@@ -81,6 +87,7 @@ TEST_P(Database, AListOfReelsStaysAsItWas)
 // The library compares again, so more may be found; but none may be missed.
 TEST_P(Database, ShotsAreFoundWithoutRegardToCase)
 {
+  PROMISE("host/projdb.h", "the case of ASCII letters is ignored.");
   host().openEmptyProject("A");
   const Cookie lower = host().addLog(codes::materialLog, "a001"), upper = host().addLog(codes::materialLog, "A001");
   host().addLog(codes::materialLog, "B002");
@@ -92,6 +99,7 @@ TEST_P(Database, ShotsAreFoundWithoutRegardToCase)
 
 TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
 {
+  PROMISE("host/projdb.h", "the case of ASCII letters is ignored.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   const Cookie lower = host().addLog(codes::materialLog, "a001");
@@ -99,9 +107,19 @@ TEST_P(Database, StoredShotsAreFoundWithoutRegardToCase)
   EXPECT_TRUE(holds(shotsOf("A001"), lower));
 }
 
+// A search by identifier is for every log that is not a reel log, whatever else it is.
+TEST_P(Database, ALogOfNoTypeIsFoundAmongTheShots)
+{
+  PROMISE("host/projdb.h", "every log that is not a reel log.");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(0, "A001");
+  EXPECT_TRUE(holds(shotsOf("A001"), log));
+}
+
 // What the search answers is renamed, and deleted, as a shot.
 TEST_P(Database, AReelLogIsNoShot)
 {
+  PROMISE("host/projdb.h", "every log that is not a reel log.");
   host().openEmptyProject("A");
   const Cookie reel = host().addLog(codes::reelLog, "A001");
   EXPECT_FALSE(holds(shotsOf("A001"), reel));
@@ -110,6 +128,7 @@ TEST_P(Database, AReelLogIsNoShot)
 // A log without an identifier matches the empty one: whatever is found here goes when the reel is deleted.
 TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
 {
+  PROMISE("host/projdb.h", "An empty value finds nothing.");
   host().openEmptyProject("A");
   host().addLog(codes::materialLog, "");
   host().addLog(0, "");
@@ -122,6 +141,7 @@ TEST_P(Database, NothingIsFoundForTheEmptyIdentifier)
 
 TEST_P(Database, ARenamedShotIsFoundUnderItsNewIdentifier)
 {
+  PROMISE("host/projdb.h", "No match may be missing.");
   host().openEmptyProject("A");
   const Cookie shot = host().addLog(codes::materialLog, "A001");
   EXPECT_TRUE(holds(shotsOf("A001"), shot));
@@ -132,6 +152,7 @@ TEST_P(Database, ARenamedShotIsFoundUnderItsNewIdentifier)
 
 TEST_P(Database, RowsTellTheTypesOfLogs)
 {
+  PROMISE("host/edit.h", "The log type for the text of a row's field \"Type\".");
   host().openEmptyProject("A");
   const unsigned short column = EditManager::getProjdb()->findField("Type");
   const auto typeOf = [&](const Cookie& log) {
@@ -145,13 +166,24 @@ TEST_P(Database, RowsTellTheTypesOfLogs)
 
 TEST_P(Database, ATextThatIsNoTypeIsNoReel)
 {
+  PROMISE("host/edit.h", "Empty or unknown text does not give codes::reelLog.");
   EXPECT_NE(Edit::getLogTypeFromString(""), 9);
   EXPECT_NE(Edit::getLogTypeFromString(LightweightString<char>()), 9);
   EXPECT_NE(Edit::getLogTypeFromString("no type"), 9);
 }
 
+TEST_P(Database, AnUnknownFieldIsNullInEveryRow)
+{
+  PROMISE("host/projdb.h", "For an unknown name, a number for which get_field returns null.");
+  host().openEmptyProject("A");
+  dbrecord* const row = (*EditManager::getProjdb())[host().addLog(codes::reelLog, "R1")];
+  ASSERT_NE(row, nullptr);
+  EXPECT_EQ(row->get_field(EditManager::getProjdb()->findField("no such field")), nullptr);
+}
+
 TEST_P(Database, WhatNamesNoLogHasNoRow)
 {
+  PROMISE("host/projdb.h", "null if the Cookie has no row");
   host().openEmptyProject("A");
   EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
   EXPECT_EQ((*EditManager::getProjdb())[Cookie("P0001000", false)], nullptr);
@@ -159,6 +191,7 @@ TEST_P(Database, WhatNamesNoLogHasNoRow)
 
 TEST_P(Database, RowsOfUnknownLogsAreUpdatedWithoutHarm)
 {
+  PROMISE("host/projdb.h", "writes a changed log's fields to its row; an unknown log is ignored");
   host().openEmptyProject("A");
   EditManager::updateProjdbRec(Cookie());
 }
@@ -177,6 +210,7 @@ std::string typeNameOf(const Cookie& log)
 
 TEST_P(Database, AViewShowsTheReelTypeAtOnce)
 {
+  PROMISE("host/edit.h", "the reel type; the column \"Reel Type\" shows it at once");
   host().openEmptyProject("A");
   const Cookie reel = host().addLog(codes::reelLog, "R1");
   EXPECT_EQ(typeNameOf(reel), "");
@@ -190,6 +224,7 @@ TEST_P(Database, AViewShowsTheReelTypeAtOnce)
 
 TEST_P(Database, AViewShowsTheReelTypeThatWasStored)
 {
+  PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   const Cookie reel = host().addLog(codes::reelLog, "R1");
@@ -200,6 +235,7 @@ TEST_P(Database, AViewShowsTheReelTypeThatWasStored)
 
 TEST_P(Database, TheReelTypeIsNotReadFromTheConfiguration)
 {
+  PROMISE("host/edit.h", "the reel type; the column \"Reel Type\" shows it at once");
   host().openEmptyProject("A");
   const Cookie reel = host().addLog(codes::reelLog, "R1");
   withLog(reel, [](Edit& edit) {
@@ -211,12 +247,14 @@ TEST_P(Database, TheReelTypeIsNotReadFromTheConfiguration)
 
 TEST_P(Database, AViewShowsNoRowOfWhatIsNotThere)
 {
+  PROMISE("host/projdb.h", "Logs without a row are skipped.");
   host().openEmptyProject("A");
   EXPECT_EQ(typeNameOf(Cookie()), "<no row>");
 }
 
 TEST_P(Database, ACellStaysWhileTheViewShowsIt)
 {
+  PROMISE("host/projdb.h", "Valid while the view shows the row, even if the log changes.");
   host().openEmptyProject("A");
   const Cookie reel = host().addLog(codes::reelLog, "R1");
   withLog(reel, [](Edit& edit) { edit.reelType("a name longer than any small buffer would hold"); });
@@ -229,8 +267,26 @@ TEST_P(Database, ACellStaysWhileTheViewShowsIt)
   EXPECT_EQ(typeNameOf(reel), "other");
 }
 
+TEST_P(Database, AViewShowsOtherRowsInPlaceOfThoseItShowed)
+{
+  PROMISE("host/projdb.h", "Shows the rows of these logs from @p position on and replaces all rows from there.");
+  host().openEmptyProject("A");
+  const Cookie first = host().addLog(codes::reelLog, "R1"), second = host().addLog(codes::reelLog, "R2");
+  withLog(second, [](Edit& edit) { edit.reelType("Tape"); });
+  const ODBView view(new ODBViewRep(EditManager::getProjdb()->database()));
+  EXPECT_EQ(view->numRows(), 0);
+  view->displayRecordsAt({first, second}, 0);
+  EXPECT_EQ(view->numRows(), 2);
+  view->displayRecordsAt({second}, 0);
+  ASSERT_EQ(view->numRows(), 1);
+  EXPECT_STREQ(view->cellText(0, "Reel Type"), "Tape");
+  view->displayRecordsAt({}, 0);
+  EXPECT_EQ(view->numRows(), 0);
+}
+
 TEST_P(Database, AViewTellsItsRowsApart)
 {
+  PROMISE("host/projdb.h", "Null if there is no such row or column.");
   host().openEmptyProject("A");
   const Cookie first = host().addLog(codes::reelLog, "R1"), second = host().addLog(codes::reelLog, "R2");
   withLog(second, [](Edit& edit) { edit.reelType("Tape"); });

@@ -23,6 +23,9 @@ private:
 
 TEST_P(Deferral, AThreadHasOneNumberAndAnotherThreadAnother)
 {
+  PROMISE(
+      "host/action.h",
+      "so these bits must differ between threads. They are not 0 on any thread: `glib_pid` is 0 before the start-up.");
   const int own = co_pid();
   EXPECT_EQ(co_pid(), own);
   int others[2] = {};
@@ -30,12 +33,16 @@ TEST_P(Deferral, AThreadHasOneNumberAndAnotherThreadAnother)
   first.join();
   std::thread second([&] { others[1] = co_pid(); });
   second.join();
-  for (int other : others)
+  EXPECT_NE(own & codes::threadMask, 0);
+  for (int other : others) {
     EXPECT_NE(other & codes::threadMask, own & codes::threadMask);
+    EXPECT_NE(other & codes::threadMask, 0);
+  }
 }
 
 TEST_P(Deferral, AnActionRunsOnceAndLater)
 {
+  PROMISE("host/action.h", "Must not run the action before it returns.");
   int alive = 0, runs = 0;
   {
     const Zr::Ptr<iExecutableAction> action(new Action(alive, [&] { ++runs; }));
@@ -52,6 +59,7 @@ TEST_P(Deferral, AnActionRunsOnceAndLater)
 
 TEST_P(Deferral, ActionsOfAWorkerRunOnTheMainThreadInOrder)
 {
+  PROMISE("host/action.h", "Queues the action for the main thread, behind the actions that already wait.");
   int alive = 0;
   std::vector<int> order;
   std::vector<std::thread::id> threads;
@@ -71,9 +79,13 @@ TEST_P(Deferral, ActionsOfAWorkerRunOnTheMainThreadInOrder)
 
 TEST_P(Deferral, AnActionMayDeferAnother)
 {
+  PROMISE(
+      "host/action.h",
+      "An action that is deferred while the host runs actions waits until the main thread comes back the next time");
   int alive = 0, runs = 0;
   defer(new Action(alive, [&] { defer(new Action(alive, [&] { ++runs; })); }));
   host().runDeferredActions();
+  EXPECT_EQ(runs, 0);
   host().runDeferredActions();
   EXPECT_EQ(runs, 1);
   EXPECT_EQ(alive, 0);

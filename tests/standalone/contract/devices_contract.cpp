@@ -56,6 +56,7 @@ void expectNone(const ExtDeviceConfig& config)
 
 TEST_P(Devices, AreFoundByNumberByStampAndByName)
 {
+  PROMISE("host/device.h", "A device has a number, which is its index, and a permanent identity.");
   HOST_NEEDS(Devices);
   host().addDevice(deck());
   const ExtDeviceConfigurationManager& manager = theConfigurationManager();
@@ -66,6 +67,7 @@ TEST_P(Devices, AreFoundByNumberByStampAndByName)
 
 TEST_P(Devices, WhereThereAreNoneAllAreUnknownAndHaveNothing)
 {
+  PROMISE("host/device.h", "belongs to no device: without inputs, port, tapes and name");
   ExtDeviceConfigurationManager& manager = theConfigurationManager();
   expectNone(manager.getConfig(0));
   expectNone(manager.getConfig(-1));
@@ -81,6 +83,7 @@ TEST_P(Devices, WhereThereAreNoneAllAreUnknownAndHaveNothing)
 
 TEST_P(Devices, UnknownOnesHaveNothing)
 {
+  PROMISE("host/device.h", "an unknown number gives a device without inputs, port or tapes");
   HOST_NEEDS(Devices);
   host().addDevice(deck());
   Device nameless;
@@ -100,6 +103,7 @@ TEST_P(Devices, UnknownOnesHaveNothing)
 
 TEST_P(Devices, AConfigurationIsACopyUntilItIsStored)
 {
+  PROMISE("host/device.h", "The configuration of one device, by value: a change stays in the copy until it is stored.");
   HOST_NEEDS(Devices);
   host().addDevice(deck());
   ExtDeviceConfig config = theConfigurationManager().getConfig(3);
@@ -114,6 +118,7 @@ TEST_P(Devices, AConfigurationIsACopyUntilItIsStored)
 
 TEST_P(Devices, AConfigurationOutlivesTheDeviceItCameFrom)
 {
+  PROMISE("host/device.h", "A copy stays usable when the device is gone.");
   HOST_NEEDS(Devices);
   ExtDeviceConfig kept;
   expectNone(kept);
@@ -127,6 +132,7 @@ TEST_P(Devices, AConfigurationOutlivesTheDeviceItCameFrom)
 
 TEST_P(Devices, ADeviceIsStoredByItsIdentityNotByItsName)
 {
+  PROMISE("host/device.h", "The device is found by its identity, not by its name; an unknown device is ignored.");
   HOST_NEEDS(Devices);
   host().addDevice(deck());
   Device other;
@@ -143,8 +149,24 @@ TEST_P(Devices, ADeviceIsStoredByItsIdentityNotByItsName)
   EXPECT_EQ(host().lastReelOf(43), "");
 }
 
+TEST_P(Devices, AnOlderCopyStoresItsLastReelAndNothingElse)
+{
+  PROMISE(
+      "host/device.h",
+      "Stores the last reel of the copy. All other values of the device stay as they are, even if the copy is older.");
+  HOST_NEEDS(Devices);
+  host().addDevice(deck());
+  ExtDeviceConfig config = theConfigurationManager().getConfig(3);
+  config.setLastReel("R1");
+  host().renameDevice(42, "Renamed");
+  theConfigurationManager().storeDevice(config, false);
+  EXPECT_EQ(host().lastReelOf(42), "R1");
+  EXPECT_EQ(std::wstring(theConfigurationManager().getConfig(3).getTextName().c_str()), L"Renamed");
+}
+
 TEST_P(Devices, AnUnknownDeviceIsNotStored)
 {
+  PROMISE("host/device.h", "The device is found by its identity, not by its name; an unknown device is ignored.");
   HOST_NEEDS(Devices);
   Device nameless;
   nameless.number = 0;
@@ -159,6 +181,7 @@ TEST_P(Devices, AnUnknownDeviceIsNotStored)
 
 TEST_P(Devices, AMessageTellsItsDevice)
 {
+  PROMISE("host/device.h", "the device that the message names; invalid: no device");
   HOST_NEEDS(Devices);
   const IdStamp known = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(42));
   EXPECT_TRUE(known.valid());
@@ -178,6 +201,8 @@ std::vector<LabelMappingSet::Entry> entries()
 
 TEST_P(Devices, ALabelMapIsLoadedByName)
 {
+  PROMISE("host/device.h",
+          "Resets the entries and loads the map of this name: a file name without folder and extension.");
   HOST_NEEDS(LabelMaps);
   host().addLabelMap("mine", entries());
   LabelMappingSet map;
@@ -193,6 +218,8 @@ TEST_P(Devices, ALabelMapIsLoadedByName)
 
 TEST_P(Devices, ALabelMapThatIsNotThereResetsTheEntries)
 {
+  PROMISE("host/device.h",
+          "Returns false if there is no such map or it cannot be loaded; the entries then stay reset.");
   LabelMappingSet map;
   map.entries[2] = {1, 3, 4};
   EXPECT_FALSE(map.load(L"no map of this name"));

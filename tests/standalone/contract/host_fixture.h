@@ -11,6 +11,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -56,8 +57,8 @@ public:
                                 int outputFrameRate = codes::rate2997) = 0;
   virtual void closeProject() = 0; ///< leaves the open project
 
-  /// A log that another module made: of this type (codes::reelLog, codes::materialLog), with this identifier unless it
-  /// is empty.
+  /// A log that another module made: of this type (codes::reelLog, codes::materialLog, or 0 for neither), with this
+  /// identifier unless it is empty. It was not imported, and it is not reported.
   virtual Cookie addLog(int type, const std::string& reelId) = 0;
 
   virtual std::wstring textOfResource(unsigned id) = 0;
@@ -76,6 +77,16 @@ public:
 
   /// LabelMaps: makes a label map that can be loaded by this name.
   virtual void addLabelMap(const std::string& name, const std::vector<LabelMappingSet::Entry>& entries);
+
+  // What follows looks behind the interface. Where a set-up leaves one out, the cases that need it are skipped.
+
+  /// Imports a clip, as a user does: the host makes an imported log of codes::materialLog with this identifier and
+  /// reports it to the listeners as codes::madeOrImported.
+  virtual std::optional<Cookie> importClip(const std::string& reelId);
+  /// The number of openings that are not closed, of all logs, plus the number of modifiers that have not ended.
+  virtual std::optional<int> openLogs();
+  /// The display name of the log, as the host has it.
+  virtual std::optional<std::wstring> nameOf(const Cookie& log);
 };
 
 struct Host {
@@ -91,9 +102,32 @@ inline void PrintTo(const Host& host, std::ostream* out)
 /// The hosts, or the kinds of one host, that the suite runs against. Defined by whoever writes the host.
 std::vector<Host> hosts();
 
+/// A sentence of a header that a case tries. While it lives, every failure of the case quotes it, also an exception
+/// that leaves the case, and a fault that ends the program.
+class Promise {
+public:
+  Promise(const char* file, int line, const char* header, const char* sentence);
+  ~Promise();
+  Promise(const Promise&) = delete;
+  Promise& operator=(const Promise&) = delete;
+
+  const Promise* outer() const { return outer_; }
+  const char* header() const { return header_; }
+  const char* sentence() const { return sentence_; }
+
+private:
+  const char *file_, *header_, *sentence_;
+  int line_, exceptions_;
+  const Promise* outer_;
+  ::testing::ScopedTrace trace_;
+};
+
 /// A case of the contract. REQUIRES of the case: no log is left open.
 class Contract : public ::testing::TestWithParam<Host> {
 protected:
+  /// Fails if a log that was opened in the case is still open, where the set-up counts them.
+  void TearDown() override;
+
   HostSetUp& host() { return *host_; }
 
   /// The reel identifier of a log, read as the library reads it.
@@ -107,6 +141,7 @@ protected:
 
 private:
   std::unique_ptr<HostSetUp> host_ = GetParam().make();
+  std::optional<int> openBefore_ = host_->openLogs();
 };
 
 } // namespace host_contract
@@ -115,6 +150,18 @@ private:
 #define HOST_NEEDS(ability)                                                                                            \
   if (const std::string why = host().lacks(host_contract::Ability::ability); !why.empty())                             \
   GTEST_SKIP() << GetParam().name << ": " << why
+
+/// The value of an optional hook of the set-up, as @p variable. Skips the case where the set-up does not have it.
+#define SET_UP_GIVES(variable, hook, ...)                                                                              \
+  const auto variable = host().hook(__VA_ARGS__);                                                                      \
+  if (!variable)                                                                                                       \
+  GTEST_SKIP() << GetParam().name << ": its set-up does not have " #hook "() (see host_fixture.h)"
+
+/// What the scope tries: a sentence of a header, as it is written there, or of a document.
+#define PROMISE(header, sentence) HOST_CONTRACT_PROMISE(__LINE__, header, sentence)
+#define HOST_CONTRACT_PROMISE(line, header, sentence) HOST_CONTRACT_PROMISE_NAMED(line, header, sentence)
+#define HOST_CONTRACT_PROMISE_NAMED(line, header, sentence)                                                            \
+  const ::host_contract::Promise promise_##line(__FILE__, line, header, sentence)
 
 /// One suite of cases, run against every host.
 #define HOST_CONTRACT(Suite)                                                                                           \

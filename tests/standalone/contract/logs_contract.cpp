@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,6 +41,7 @@ public:
 
 TEST_P(Logs, WithoutAProjectNoLogIsMade)
 {
+  PROMISE("host/projdb.h", "Creates an empty log and holds it open; its Edit is null if that fails.");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   EXPECT_EQ(modifier.get(), nullptr);
 }
@@ -47,6 +49,8 @@ TEST_P(Logs, WithoutAProjectNoLogIsMade)
 // The manager rebuilds its list, and tells its clients, before the modifier ends.
 TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
 {
+  PROMISE("host/edit.h",
+          "The host commits the change when the EditModifier ends; the log is in the project before that.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   ASSERT_NE(modifier.get(), nullptr);
@@ -63,6 +67,7 @@ TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
 
 TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
 {
+  PROMISE("host/edit.h", "Ends the change and reports to the listeners what setChangeDescription set");
   host().openEmptyProject("A");
   Listener listener;
   Cookie cookie;
@@ -78,20 +83,38 @@ TEST_P(Logs, TheEndOfAModificationReportsWhatWasSaidOfIt)
   EXPECT_EQ(listener.heard[0].second, codes::madeOrImported);
 }
 
+TEST_P(Logs, TheEndOfAModificationOfWhichNothingWasSaidIsNotReported)
+{
+  PROMISE("host/edit.h", "without that call it reports nothing.");
+  host().openEmptyProject("A");
+  Listener listener;
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    makeReel(*modifier.get(), "R1");
+  }
+  EXPECT_TRUE(listener.heard.empty());
+}
+
+// An exception that leaves a destructor ends the process: it is tried in one of its own.
 TEST_P(Logs, WhatListenersThrowDoesNotLeaveTheModifier)
 {
+  PROMISE("host/edit.h", "Never throws, even if a listener does.");
   host().openEmptyProject("A");
   Listener listener;
   listener.failing = true;
-  {
-    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
-    modifier.get()->setChangeDescription(codes::madeOrImported, true);
-  }
-  EXPECT_EQ(listener.heard.size(), 1u);
+  const auto endAModification = [&] {
+    {
+      const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+      modifier.get()->setChangeDescription(codes::madeOrImported, true);
+    }
+    std::_Exit(listener.heard.size() == 1 ? 0 : 1);
+  };
+  EXPECT_EXIT(endAModification(), ::testing::ExitedWithCode(0), "");
 }
 
 TEST_P(Logs, ANewLogIsEmpty)
 {
+  PROMISE("host/projdb.h", "Creates an empty log and holds it open; its Edit is null if that fails.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
@@ -105,6 +128,8 @@ TEST_P(Logs, ANewLogIsEmpty)
 
 TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
 {
+  PROMISE("host/edit.h", "get() is null afterwards if the log cannot be opened: there is no such log, no project is "
+                         "open, or the Cookie is invalid.");
   host().openEmptyProject("A");
   Zr::UUID uuid;
   uuid.bytes[3] = 99;
@@ -113,8 +138,97 @@ TEST_P(Logs, WhatNamesNoLogDoesNotOpen)
   EXPECT_EQ(reelIdOf(Cookie()), "");
 }
 
+// A setter of an empty record opens what its Cookie names: it must not write to the first log there is.
+TEST_P(Logs, AnInvalidCookieOpensNoneOfTheLogsThatAreThere)
+{
+  PROMISE("host/edit.h", "there is no such log, no project is open, or the Cookie is invalid.");
+  host().openEmptyProject("A");
+  host().addLog(codes::reelLog, "R1");
+  host().addLog(codes::materialLog, "R1");
+  EXPECT_FALSE(opens(Cookie()));
+  EXPECT_EQ(reelIdOf(Cookie()), "");
+  EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
+}
+
+TEST_P(Logs, ALogIsNamedByTheCookieOfItsEdit)
+{
+  PROMISE("host/edit.h", "the log's Cookie consists of this and the next two");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  withLog(log, [&](Edit& edit) {
+    EXPECT_EQ(cookieOf(edit).compare(log), 0);
+    EXPECT_NE(edit.cookieKind(), 'I');
+  });
+}
+
+TEST_P(Logs, AnImportedClipIsMarkedAsImported)
+{
+  PROMISE("host/edit.h", "whether the log was imported");
+  host().openEmptyProject("A");
+  SET_UP_GIVES(clip, importClip, "A001");
+  withLog(*clip, [](Edit& edit) {
+    EXPECT_TRUE(edit.isImported());
+    EXPECT_EQ(edit.getLogType(), codes::materialLog);
+  });
+}
+
+TEST_P(Logs, AnImportIsReported)
+{
+  PROMISE("host/events.h", "The log was created, imported or modified; it is in the project already.");
+  host().openEmptyProject("A");
+  Listener listener;
+  SET_UP_GIVES(clip, importClip, "");
+  ASSERT_EQ(listener.heard.size(), 1u);
+  EXPECT_EQ(listener.heard[0].first.compare(*clip), 0);
+  EXPECT_EQ(listener.heard[0].second, codes::madeOrImported);
+}
+
+TEST_P(Logs, EachOpeningIsClosedOnce)
+{
+  PROMISE("host/edit.h", "pair every i_open with an i_close, even if the log could not be opened.");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  SET_UP_GIVES(before, openLogs);
+  const auto held = [&] { return *host().openLogs() - *before; };
+  EditPtr first, again, none;
+  first.i_open(log, codes::openAsUsual);
+  EXPECT_EQ(held(), 1);
+  again = first.get();
+  EXPECT_EQ(held(), 2);
+  none.i_open(Cookie(), codes::openAsUsual);
+  none.i_close();
+  EXPECT_EQ(held(), 2);
+  EditInfo info(log, codes::openAsUsual);
+  EXPECT_EQ(held(), 3);
+  info.i_close();
+  again.i_close();
+  EXPECT_EQ(held(), 1);
+  again.i_close(); // empty by now
+  EXPECT_EQ(held(), 1);
+  first.i_close();
+  EXPECT_EQ(held(), 0);
+}
+
+TEST_P(Logs, AModifierHoldsItsLogUntilItEnds)
+{
+  PROMISE("host/edit.h", "Holds a new log open for change.");
+  host().openEmptyProject("A");
+  SET_UP_GIVES(before, openLogs);
+  {
+    const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+    EXPECT_GT(*host().openLogs(), *before);
+    EditPtr handle;
+    handle = modifier.get();
+    handle.i_close();
+    EXPECT_GT(*host().openLogs(), *before);
+  }
+  EXPECT_EQ(*host().openLogs(), *before);
+}
+
 TEST_P(Logs, WithoutAProjectNothingOpens)
 {
+  PROMISE("host/edit.h", "get() is null afterwards if the log cannot be opened: there is no such log, no project is "
+                         "open, or the Cookie is invalid.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   host().closeProject();
@@ -124,6 +238,7 @@ TEST_P(Logs, WithoutAProjectNothingOpens)
 
 TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
 {
+  PROMISE("host/edit.h", "All openings of one log share one Edit.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   EditPtr outer, inner;
@@ -144,6 +259,8 @@ TEST_P(Logs, AllOpeningsOfALogShareOneEdit)
 // open.
 TEST_P(Logs, AHandleTakesHoldOfAnOpenLogWhichTheModifierKeepsBeyondItsClose)
 {
+  PROMISE("host/edit.h",
+          "The host owns the Edit; it ends with the last i_close or with its EditModifier, whichever is later.");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   ASSERT_NE(modifier.get(), nullptr);
@@ -162,6 +279,7 @@ TEST_P(Logs, AHandleTakesHoldOfAnOpenLogWhichTheModifierKeepsBeyondItsClose)
 
 TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
 {
+  PROMISE("host/edit.h", "codes::reelIdAttribute and the key \"reelid\" of config() are the same value.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   const auto expect = [&](const char* id) {
@@ -182,8 +300,23 @@ TEST_P(Logs, TheIdentifierIsOneValueInAllItsForms)
   expect("");
 }
 
+TEST_P(Logs, WithoutAnIdentifierAFieldIsLeftAlone)
+{
+  PROMISE("host/edit.h", "@p out is unchanged if the log has no identifier.");
+  host().openEmptyProject("A");
+  withLog(host().addLog(codes::materialLog, ""), [](Edit& edit) {
+    strp_field field;
+    edit.get_reelid(field, 0, -1);
+    EXPECT_EQ(field.text(), nullptr);
+    field.set("old");
+    edit.get_reelid(field, 0, -1);
+    EXPECT_STREQ(field.text(), "old");
+  });
+}
+
 TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 {
+  PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   EditInfo info(log, codes::openAsUsual);
@@ -196,6 +329,7 @@ TEST_P(Logs, AReadIdentifierStaysWhenTheLogChanges)
 
 TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
 {
+  PROMISE("host/edit.h", "A change takes effect at once, in every opening and in the database");
   host().openEmptyProject("A");
   const Cookie log = host().addLog(codes::reelLog, "R1");
   withLog(log, [&](Edit& edit) {
@@ -213,6 +347,9 @@ TEST_P(Logs, ChangesAreSeenByOtherOpeningsAtOnce)
 
 TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
 {
+  PROMISE(
+      "host/edit.h",
+      "It is one after set_entire_medium(1) and make_original(false, false), and never without set_entire_medium(1).");
   host().openEmptyProject("A");
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
@@ -223,8 +360,27 @@ TEST_P(Logs, TheTypeIsWhatWasSetWhenItIsDetermined)
   EXPECT_EQ(edit.getLogType(), 9);
 }
 
+TEST_P(Logs, WithoutTheEntireMediumALogIsNotAReel)
+{
+  PROMISE("host/edit.h", "and never without set_entire_medium(1).");
+  host().openEmptyProject("A");
+  const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
+  modifier.get()->redetermineLogType();
+  EXPECT_NE(modifier.get()->getLogType(), codes::reelLog);
+  modifier.get()->make_original(false, false);
+  modifier.get()->set_reelid(0, "R1");
+  modifier.get()->redetermineLogType();
+  EXPECT_NE(modifier.get()->getLogType(), codes::reelLog);
+  withLog(host().addLog(codes::materialLog, "R1"), [](Edit& shot) {
+    shot.redetermineLogType();
+    EXPECT_NE(shot.getLogType(), codes::reelLog);
+  });
+  EXPECT_EQ(reelLogs().count(), 0);
+}
+
 TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 {
+  PROMISE("host/edit.h", "the type that redetermineLogType set, or the stored one");
   host().openEmptyProject("A");
   withLog(host().addLog(codes::reelLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 9); });
   withLog(host().addLog(codes::materialLog, "R1"), [](Edit& edit) { EXPECT_EQ(edit.getLogType(), 1); });
@@ -233,6 +389,7 @@ TEST_P(Logs, OtherModulesLogsHaveTheirTypes)
 // The library marks logs dirty for some changes and not for others: all of them count.
 TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
 {
+  PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   Cookie fresh;
@@ -259,8 +416,32 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
   withLog(shot, [](Edit& edit) { EXPECT_STREQ(edit.config().in("key"), "x"); });
 }
 
+TEST_P(Logs, ANameIsSetAtOnce)
+{
+  PROMISE("host/edit.h", "sets the display name; called with false");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  withLog(log, [](Edit& edit) { edit.setName(L"Reel \u00e9", false); });
+  SET_UP_GIVES(name, nameOf, log);
+  EXPECT_EQ(*name, L"Reel \u00e9");
+}
+
+TEST_P(Logs, ANameIsStored)
+{
+  PROMISE("host/edit.h", "and is stored whether or not the log is marked dirty.");
+  HOST_NEEDS(Storage);
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1");
+  host().storeAndReopen();
+  withLog(log, [](Edit& edit) { edit.setName(L"Reel \u00e9", false); });
+  host().storeAndReopen();
+  SET_UP_GIVES(name, nameOf, log);
+  EXPECT_EQ(*name, L"Reel \u00e9");
+}
+
 TEST_P(Logs, EachHasAFileNameOfItsOwn)
 {
+  PROMISE("host/projdb.h", "The file name of a log, unique among logs; empty for an unknown log.");
   host().openEmptyProject("A");
   const Cookie first = host().addLog(codes::materialLog, "R1"), second = host().addLog(codes::materialLog, "R1");
   const std::wstring name = getFilenameForCookie(first, Cookie()).c_str();

@@ -23,9 +23,14 @@ public:
     if (onEntry)
       onEntry(); // may end this listener
   }
-  void handleProjectExit() override { events_.push_back(name_ + " exit"); }
+  void handleProjectExit() override
+  {
+    events_.push_back(name_ + " exit");
+    if (onExit)
+      onExit();
+  }
 
-  std::function<void()> onEntry;
+  std::function<void()> onEntry, onExit;
 
 private:
   Events& events_;
@@ -34,6 +39,7 @@ private:
 
 TEST_P(Project, HasACookieOfItsOwn)
 {
+  PROMISE("host/projdb.h", "A project has the same Cookie each time it is opened. Invalid without a project.");
   EXPECT_FALSE(get_project_cookie().valid());
   host().openEmptyProject("A");
   const Cookie first = get_project_cookie();
@@ -49,6 +55,7 @@ TEST_P(Project, HasACookieOfItsOwn)
 
 TEST_P(Project, KeepsItsCookieWhenItIsStored)
 {
+  PROMISE("host/projdb.h", "A project has the same Cookie each time it is opened.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
   const Cookie first = get_project_cookie();
@@ -58,6 +65,7 @@ TEST_P(Project, KeepsItsCookieWhenItIsStored)
 
 TEST_P(Project, HasTwoFrameRates)
 {
+  PROMISE("host/project.h", "Without a project, both rates are codes::noFrameRate.");
   EXPECT_EQ(Zr::CurrentProject::getFrameRate(Zr::CurrentProject::Revision(0)), -1);
   EXPECT_EQ(Zr::CurrentProject::getOutputImageZRFrameRate(), -1);
   host().openEmptyProject("A", 3, 9);
@@ -67,38 +75,43 @@ TEST_P(Project, HasTwoFrameRates)
 
 TEST_P(Project, OptionsAreStored)
 {
+  PROMISE("host/projdb.h", "The current project's options.");
   HOST_NEEDS(Storage);
   host().openEmptyProject("A");
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
   host().storeAndReopen();
-  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  EXPECT_STREQ(EditManager::ProjOpts().in("contract_option"), "Tape");
 }
 
 TEST_P(Project, OptionsAreItsOwn)
 {
+  PROMISE("host/projdb.h", "The current project's options.");
   host().openEmptyProject("A");
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
-  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "Tape");
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
+  EXPECT_STREQ(EditManager::ProjOpts().in("contract_option"), "Tape");
   host().openEmptyProject("B");
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
 }
 
 TEST_P(Project, WithoutOneOptionsAreEmpty)
 {
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
-  EditManager::ProjOpts().set("reeldb_defaultType", "Tape", nullptr);
-  EXPECT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
+  PROMISE("host/projdb.h", "Without a project, an empty block each time: what was set in it is gone at the next call.");
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
+  EditManager::ProjOpts().set("contract_option", "Tape", nullptr);
+  EXPECT_EQ(EditManager::ProjOpts().in("contract_option"), nullptr);
 }
 
 TEST_P(Project, TheDeviceLayerMayBeReset)
 {
+  PROMISE("host/device.h", "Called when another project is entered.");
   host().openEmptyProject("A");
   resetDevices();
 }
 
 TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
 {
+  PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;
   {
     Listener listener(events, "a");
@@ -113,6 +126,7 @@ TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
 
 TEST_P(Project, AtEntryTheProjectIsThere)
 {
+  PROMISE("host/events.h", "a project was entered and is open");
   Events events;
   Listener listener(events, "a");
   bool seen = false;
@@ -121,8 +135,28 @@ TEST_P(Project, AtEntryTheProjectIsThere)
   EXPECT_TRUE(seen);
 }
 
+TEST_P(Project, AtExitTheProjectIsStillThere)
+{
+  PROMISE("host/events.h", "the project is about to be left and is still open");
+  Events events;
+  Listener listener(events, "a");
+  host().openEmptyProject("A");
+  const Cookie log = host().addLog(codes::reelLog, "R1"), project = get_project_cookie();
+  int exits = 0;
+  listener.onExit = [&] {
+    ++exits;
+    EXPECT_NE(EditManager::getProjdb(), nullptr);
+    EXPECT_EQ(get_project_cookie().compare(project), 0);
+    EXPECT_TRUE(opens(log));
+  };
+  host().openEmptyProject("B"); // the project that is open is left first
+  EXPECT_EQ(exits, 1);
+  EXPECT_EQ(events, (Events{"a entry", "a exit", "a entry"}));
+}
+
 TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
 {
+  PROMISE("host/events.h", "Listeners may be created and destroyed during an event.");
   Events events;
   auto first = std::make_unique<Listener>(events, "first");
   auto second = std::make_unique<Listener>(events, "second");
@@ -137,6 +171,7 @@ TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
 
 TEST_P(Project, AListenerThatComesWhileOthersAreToldHearsTheNextEvent)
 {
+  PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;
   Listener first(events, "first");
   std::vector<std::unique_ptr<Listener>> more;

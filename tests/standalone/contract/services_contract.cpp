@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -40,17 +41,21 @@ __attribute__((constructor)) void allocateBeforeMain()
 
 TEST_P(Services, AreThereBeforeMain)
 {
+  PROMISE("host/os.h", "never null, always the same, usable from any thread, before main() and after exit().");
   EXPECT_NE(allocated, nullptr);
 }
 
 TEST_P(Services, AreOneObject)
 {
+  PROMISE("host/os.h", "never null, always the same, usable from any thread, before main() and after exit().");
   ASSERT_NE(OS(), nullptr);
   EXPECT_EQ(OS(), OS());
 }
 
 TEST_P(Services, MemoryIsAlignedForAnything)
 {
+  PROMISE("host/os.h",
+          "Returns @p size bytes aligned for any object without extended alignment, or null when there is no memory.");
   for (std::size_t size : {1u, 7u, 24u, 4097u}) {
     void* const memory = OS()->allocator().allocate(size);
     ASSERT_NE(memory, nullptr);
@@ -62,6 +67,8 @@ TEST_P(Services, MemoryIsAlignedForAnything)
 
 TEST_P(Services, AskingForNothingGivesMemoryOfItsOwn)
 {
+  PROMISE("host/os.h",
+          "Returns @p size bytes aligned for any object without extended alignment, or null when there is no memory.");
   void* const first = OS()->allocator().allocate(0);
   void* const second = OS()->allocator().allocate(0);
   EXPECT_NE(first, second);
@@ -71,17 +78,20 @@ TEST_P(Services, AskingForNothingGivesMemoryOfItsOwn)
 
 TEST_P(Services, MoreThanThereIsGivesNull)
 {
+  PROMISE("host/os.h", "or null when there is no memory.");
   volatile std::size_t tooMuch = SIZE_MAX / 2;
   EXPECT_EQ(OS()->allocator().allocate(tooMuch), nullptr);
 }
 
 TEST_P(Services, NullIsReleasedWithoutHarm)
 {
+  PROMISE("host/os.h", "Frees memory from allocate; null does nothing.");
   OS()->allocator().release(nullptr);
 }
 
 TEST_P(Services, ACountAnswersWhatRemains)
 {
+  PROMISE("host/os.h", "Subtracts one from `*address` and returns the new value.");
   int count = 1;
   OS()->refCounts().incRef(&count);
   EXPECT_EQ(count, 2);
@@ -92,23 +102,38 @@ TEST_P(Services, ACountAnswersWhatRemains)
 // The identifier of a deferred creation is counted up on a worker and down on the main thread.
 TEST_P(Services, CountsHoldAcrossThreads)
 {
-  int count = 1;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 4; ++t)
-    threads.emplace_back([&count] {
-      for (int i = 0; i < 10000; ++i) {
-        OS()->refCounts().incRef(&count);
-        OS()->refCounts().decRef(&count);
+  PROMISE("host/os.h", "Any thread may call it: the identifier of a deferred reel creation is counted up on a worker "
+                       "thread and down on the main thread.");
+  // In short rounds that both threads begin together. Otherwise a busy machine runs one thread after the other, and
+  // finds nothing.
+  constexpr int rounds = 10000, changes = 200;
+  iRefCountService& service = OS()->refCounts();
+  const auto onTwoThreads = [&](const auto& change) {
+    std::atomic<int> arrived{0};
+    const auto run = [&] {
+      for (int round = 1; round <= rounds; ++round) {
+        ++arrived;
+        for (int spins = 0; arrived < 2 * round; ++spins)
+          if (spins > 200)
+            std::this_thread::yield();
+        for (int i = 0; i < changes; ++i)
+          change();
       }
-      OS()->refCounts().incRef(&count);
-    });
-  for (std::thread& thread : threads)
-    thread.join();
-  EXPECT_EQ(count, 5);
+    };
+    std::thread other(run);
+    run();
+    other.join();
+  };
+  int count = 1;
+  onTwoThreads([&] { service.incRef(&count); });
+  EXPECT_EQ(count, 1 + 2 * rounds * changes);
+  onTwoThreads([&] { service.decRef(&count); });
+  EXPECT_EQ(count, 1);
 }
 
 TEST_P(Services, AnObjectEndsWithItsLastHolder)
 {
+  PROMISE("host/refcount.h", "The count starts at 0, and the object deletes itself when the last holder releases it.");
   int alive = 0;
   {
     Zr::Ptr<Counted> first(new Counted(alive));
@@ -124,6 +149,7 @@ TEST_P(Services, AnObjectEndsWithItsLastHolder)
 
 TEST_P(Services, AnObjectIsHeldByWhatItIsDerivedFromToo)
 {
+  PROMISE("host/refcount.h", "Becomes one more holder, through a base class of the object.");
   int alive = 0;
   {
     Zr::Ptr<Counted> made(new Counted(alive));

@@ -10,6 +10,7 @@
 #include "host_fixture.h"
 #include "reelhost/host.h"
 #include "reelhost/journal.h"
+#include "reelhost/material.h"
 #include "reelhost/notify_msg.h"
 #include "standalone/model/forwarding_store.h"
 #include "support/temp_folder.h"
@@ -51,8 +52,6 @@ public:
   {
     reelhost::closeProject();
     reelhost::runDeferredActions();
-    EXPECT_EQ(reelhost::openLogs(), 0) << "a log was left open";
-    EXPECT_EQ(reelhost::openModifiers(), 0) << "a modification was left open";
   }
 
   void openEmptyProject(const std::string& name, int frameRate, int outputFrameRate) override
@@ -116,6 +115,20 @@ public:
   }
 
   void runDeferredActions() override { reelhost::runDeferredActions(); }
+
+  std::optional<Cookie> importClip(const std::string& reelId) override
+  {
+    reelhost::Material clip;
+    clip.reel = reelId;
+    return reelhost::importMaterial(clip);
+  }
+
+  std::optional<int> openLogs() override { return static_cast<int>(reelhost::openLogs() + reelhost::openModifiers()); }
+
+  std::optional<std::wstring> nameOf(const Cookie& log) override
+  {
+    return fromUTF8(reelhost::materialOf(log).name.c_str()).c_str();
+  }
 
 protected:
   virtual void make(const reelhost::ProjectInfo& info) = 0; ///< a new project

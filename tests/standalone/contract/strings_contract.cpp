@@ -15,6 +15,7 @@ using Wide = LightweightString<wchar_t>;
 
 TEST_P(Strings, NothingNullAndTheEmptyTextAreAlike)
 {
+  PROMISE("host/lwstring.h", "A string without a body is empty, and behaves in every respect like one of length zero.");
   for (const Text& text : {Text(), Text(static_cast<const char*>(nullptr)), Text(""), Text("abc", 0)}) {
     EXPECT_TRUE(text.empty());
     EXPECT_EQ(text.length(), 0u);
@@ -24,6 +25,7 @@ TEST_P(Strings, NothingNullAndTheEmptyTextAreAlike)
 
 TEST_P(Strings, AreConvertedFromCharactersByThemselves)
 {
+  PROMISE("host/lwstring.h", "copies the text; null or \"\" gives no body. Implicit by design.");
   const Text text = "Live";
   EXPECT_STREQ(text.c_str(), "Live");
   EXPECT_EQ(text.length(), 4u);
@@ -31,11 +33,13 @@ TEST_P(Strings, AreConvertedFromCharactersByThemselves)
 
 TEST_P(Strings, TakeAPartByLength)
 {
+  PROMISE("host/lwstring.h", "Copies @p len elements; null or a length of 0 gives no body.");
   EXPECT_STREQ(Text("A001_C002", 4).c_str(), "A001");
 }
 
 TEST_P(Strings, ACopyKeepsItsTextWhenTheOtherChanges)
 {
+  PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
   Text original("tape");
   const Text copy(original);
   original.append(" two");
@@ -48,6 +52,7 @@ TEST_P(Strings, ACopyKeepsItsTextWhenTheOtherChanges)
 
 TEST_P(Strings, WritableDetachesFromCopies)
 {
+  PROMISE("host/lwstring.h", "Detaches a shared body first, so no other string changes.");
   Text original("tape");
   const Text copy(original);
   original.writable()[0] = 'T';
@@ -57,6 +62,7 @@ TEST_P(Strings, WritableDetachesFromCopies)
 
 TEST_P(Strings, AssigningAStringToItselfChangesNothing)
 {
+  PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
   Text text("R1");
   const Text& same = text;
   text = same;
@@ -65,6 +71,7 @@ TEST_P(Strings, AssigningAStringToItselfChangesNothing)
 
 TEST_P(Strings, AssigningNothingEmpties)
 {
+  PROMISE("host/lwstring.h", "copies the text; null or \"\" gives no body.");
   Text text("R1");
   text = static_cast<const char*>(nullptr);
   EXPECT_TRUE(text.empty());
@@ -72,6 +79,7 @@ TEST_P(Strings, AssigningNothingEmpties)
 
 TEST_P(Strings, AMovedFromStringIsEmpty)
 {
+  PROMISE("host/lwstring.h", "takes the body; @p other becomes empty");
   Text from("R1");
   const Text to(std::move(from));
   EXPECT_STREQ(to.c_str(), "R1");
@@ -80,6 +88,7 @@ TEST_P(Strings, AMovedFromStringIsEmpty)
 
 TEST_P(Strings, AddUp)
 {
+  PROMISE("host/lwstring.h", "Concatenates the two texts.");
   EXPECT_STREQ((Text("a") + Text("b")).c_str(), "ab");
   EXPECT_STREQ(("a" + Text("b")).c_str(), "ab");
   EXPECT_STREQ((Text("a") + "b").c_str(), "ab");
@@ -90,6 +99,7 @@ TEST_P(Strings, AddUp)
 
 TEST_P(Strings, AppendingAStringToItselfDoublesIt)
 {
+  PROMISE("host/lwstring.h", "@p text may be this string");
   Text text("ab");
   text.append(text);
   EXPECT_STREQ(text.c_str(), "abab");
@@ -99,6 +109,8 @@ TEST_P(Strings, AppendingAStringToItselfDoublesIt)
 
 TEST_P(Strings, NumbersAreAppendedInDecimal)
 {
+  PROMISE("host/lwstring.h",
+          "Appends the decimal form of a number. A character is a number too: `s += 'x'` appends \"120\".");
   Text text("reel_userfield");
   text += 0;
   text += -1;
@@ -113,6 +125,7 @@ TEST_P(Strings, NumbersAreAppendedInDecimal)
 
 TEST_P(Strings, WideOnesHoldOneCodePointAnElement)
 {
+  PROMISE("host/lwstring.h", "device and file names wide (one 32-bit code point each)");
   const Wide text(L"\U0001F39E");
   EXPECT_EQ(text.length(), 1u);
   EXPECT_EQ(text.c_str()[0], wchar_t(0x1F39E));
@@ -120,6 +133,7 @@ TEST_P(Strings, WideOnesHoldOneCodePointAnElement)
 
 TEST_P(Strings, ACopyMayEndOnAnotherThread)
 {
+  PROMISE("host/lwstring.h", "OS()->refCounts() counts the references, so a copy may be used on another thread");
   const Text text("shared");
   std::thread other([copy = text]() mutable { copy = Text(); });
   for (int i = 0; i < 1000; ++i)
