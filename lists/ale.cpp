@@ -33,14 +33,14 @@ enum Column : std::size_t {
   Camroll,
   Labroll,
   Soundroll,
-  TracksAsWritten, ///< these and AlsoCalled are what this program adds: see docs/formats/export.md
+  TracksAsWritten, ///< this, those below and AlsoCalled are only in logs of this program: docs/formats/export.md
   CutRecordIn,
   CutRecordOut,
   kColumns,
-  AlsoCalled, ///< "Reel Also Called 1", 2, ...: the one column of which there may be several
+  AlsoCalled, ///< "Reel Also Called 1", 2, ...: the only column that a log may have several times
 };
 
-/// The titles as written; their case counts.
+/// The titles of the columns, which are case-sensitive.
 constexpr std::array<std::string_view, kColumns> kTitles = {
     "Name",           "Tape",   "Tracks",  "Start",   "End",       "Source File",       "Source File Path",
     "TapeID",         "Reel #", "Camroll", "Labroll", "Soundroll", "Tracks As Written", "Cut Record In",
@@ -51,28 +51,28 @@ constexpr std::string_view kAlsoCalled = "Reel Also Called ";
 
 constexpr std::array kTimes = {Start, End};
 
-/// A heading with more is not believed.
+/// A rate in the heading above this is ignored.
 constexpr int kMostFramesASecond = 999;
 
-/// What tapes of a video format count, whatever the rate of the project.
+/// The frames per second of the timecode of a video format's tapes, whatever the rate of the project.
 constexpr std::array<std::pair<std::string_view, int>, 2> kFormatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
 
-/// Columns that name the source of a row in other words.
+/// Columns with another name of the row's source.
 constexpr std::array kAliases = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
 
-/// What a source has when the log does not say: a picture.
+/// The tracks of a source when the log has none: a picture.
 constexpr std::string_view kDefaultTracks = "V";
 
-/// A row's cells of interest, without outer blanks; empty where the row has none.
+/// The cells of a row that the reader uses, without outer blanks. A cell that the row does not have is empty.
 struct Cells {
   std::array<std::string_view, kColumns> texts;
   std::vector<std::string_view> alsoCalled;
-  std::size_t count = 0; ///< of all cells of the row
+  std::size_t count = 0; ///< the number of all cells of the row
 
   std::string_view operator[](Column column) const { return texts[column]; }
 };
 
-/// "no 'Start', no 'End'"; `what` may stand before each.
+/// "no 'Start', no 'End'", with @p what before each title.
 std::string lacking(const std::vector<Column>& columns, const std::string& what = "")
 {
   std::string result;
@@ -86,7 +86,7 @@ std::string withoutThem(const std::vector<Column>& columns)
   return columns.size() == 1 ? "without it" : "without them";
 }
 
-/// The frames that a rate such as "25" or "23.976" counts in a second; 0 when the text is no rate.
+/// The frames that a rate such as "25" or "23.976" counts in a second; 0 if the text is not a rate.
 int framesASecond(std::string_view rate)
 {
   int whole = 0;
@@ -105,7 +105,7 @@ std::string_view takeCell(std::string_view& row)
   return cell;
 }
 
-/// A line that names a section, and nothing else.
+/// Whether the line is the name of the section, without any other text.
 bool isSection(std::string_view line, std::string_view section)
 {
   return base::sameName(trim(line), section);
@@ -125,17 +125,17 @@ private:
   void row(int number, std::string_view line);
   Cells cellsOf(std::string_view line) const;
   bool hasColumn(Column column) const { return places_[column].has_value(); }
-  /// Why a row with these cells cannot be read; empty when it can.
+  /// Why a row with these cells cannot be read; empty if it can.
   std::string fault(const Cells& cells) const;
   void warnOfTimes(int number, std::string_view line, const Cells& cells);
-  /// Why a row that ends early cannot; empty when it holds what it takes.
+  /// Why a row with missing cells at its end cannot be read; empty if the missing cells are not needed.
   std::string cutFault(const Cells& cells) const;
 
   Collector collector_{Format::Ale};
   Section section_ = Section::None;
-  std::string tape_; ///< of the heading, for rows without one
-  int frames_ = 0;   ///< that the heading says a second has; 0 when it does not
-  /// Where the columns of interest stand, from left to right, and where each of them does.
+  std::string tape_; ///< the tape of the heading, for rows without a tape
+  int frames_ = 0;   ///< the heading's frames per second; 0 if it does not say
+  /// The columns that the reader uses: their positions from left to right, and the position of each.
   std::vector<std::pair<std::size_t, Column>> positions_;
   std::array<std::optional<std::size_t>, kColumns> places_;
   std::size_t titleCount_ = 0;
@@ -170,7 +170,7 @@ void Reader::line(int number, std::string_view line)
       return;
     }
     section_ = Section::Heading;
-    takeCell(line); // the word Heading; settings may follow it
+    takeCell(line); // the word "Heading"; settings may follow it
     return heading(line);
   case Section::Heading:
     if (isSection(line, "Column"))
@@ -191,7 +191,7 @@ void Reader::line(int number, std::string_view line)
   }
 }
 
-/// Key, tab, value; a heading may hold one such pair in a line, or all of them.
+/// Key, tab, value. A line may hold one such pair, or all pairs of the heading.
 void Reader::heading(std::string_view line)
 {
   if (line.find('\t') == std::string_view::npos) { // some writers align the values with blanks
@@ -275,7 +275,7 @@ std::string Reader::cutFault(const Cells& cells) const
   }
   if (tape_.empty() && cells[SourceFile].empty() && cells[SourceFilePath].empty()) {
     for (Column column : {Tape, SourceFile, SourceFilePath}) {
-      if (hasColumn(column)) { // a log that has tapes names its sources by them
+      if (hasColumn(column)) { // a log with a column of tapes names its sources by their tape
         if (isCut(column))
           missing.push_back(column);
         break;
@@ -296,7 +296,7 @@ std::string Reader::fault(const Cells& cells) const
     if (cells[column].empty())
       continue;
     if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
-      return std::string(kTitles[column]) + " " + inQuotes(cells[column]) + " is no timecode (" + fault + ")";
+      return std::string(kTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
   }
   if (!cells[TracksColumn].empty() && !parseLogTracks(cells[TracksColumn]))
     return "unknown tracks " + inQuotes(cells[TracksColumn]);
@@ -350,7 +350,7 @@ void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
     else if (frames_ > 0 && !cells[column].empty() && framesOf(cells[column]) >= frames_)
       collector_.warn(number, line,
                       std::string(kTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
-                          std::to_string(frames_) + " frames a second of the heading (kept as it is)");
+                          std::to_string(frames_) + " frames per second of the heading (kept as it is)");
   }
   if (!empty.empty())
     collector_.warn(number, line, lacking(empty) + " (kept " + withoutThem(empty) + ")");

@@ -13,7 +13,7 @@
 namespace reeldb::lists {
 namespace {
 
-/// Keeps what is another name for the reel, each once.
+/// Removes empty and repeated names, the reel's own name and names that never mean a reel.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
 {
   std::unordered_set<std::string> seen = {base::fold(reel)};
@@ -26,7 +26,7 @@ std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_v
   return aliases;
 }
 
-/// Why a name cannot be kept as it is; empty when it can.
+/// Why a name cannot be kept as it is; empty if it can.
 std::string nameFault(std::string_view what, std::string_view name)
 {
   if (name.size() > kNameBytes)
@@ -37,7 +37,7 @@ std::string nameFault(std::string_view what, std::string_view name)
   return {};
 }
 
-/// The same for all names of a clip. Those that have a field of their own come first: the reel may be one of them.
+/// The same for all names of a clip. The clip name and the source file come first, because the reel may be one of them.
 std::string namesFault(const Clip& clip)
 {
   std::string fault = nameFault("clip name", clip.clipName);

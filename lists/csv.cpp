@@ -7,8 +7,8 @@ namespace reeldb::lists {
 
 namespace {
 
-/// Spreadsheets run a cell that begins with one of these as a formula. Behind an apostrophe they show it; a field that
-/// begins with an apostrophe gets one, too, so that whoever reads the table can take exactly one away.
+/// Spreadsheets run a cell that begins with one of these as a formula. They show it if an apostrophe stands before it.
+/// A field that begins with an apostrophe gets one, too, so that a reader of the table can always remove exactly one.
 std::string guarded(const std::string& field)
 {
   const bool looksLikeFormula =

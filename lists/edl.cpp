@@ -22,7 +22,7 @@
 namespace reeldb::lists {
 namespace {
 
-/// Statements that say nothing of reels. M2 repeats a reel of the list.
+/// Statements without information on reels. M2 only repeats a reel of the list.
 constexpr std::array<std::string_view, 8> kSilentStatements = {
     "M2", "FCM", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
@@ -32,7 +32,7 @@ constexpr std::string_view kSource = "SOURCE";
 constexpr std::string_view kReplacedReel = "FINAL CUT PRO REEL";
 constexpr std::string_view kReplacedBy = "REPLACED BY";
 
-/// Whether the line starts with the statement as a whole word; takes it and a colon off then.
+/// Whether the line starts with the statement as a whole word. If so, the word and a colon behind it are removed.
 bool takeStatement(std::string_view& line, std::string_view statement)
 {
   if (!base::startsWithName(line, statement))
@@ -47,26 +47,27 @@ bool takeStatement(std::string_view& line, std::string_view statement)
   return true;
 }
 
-/// What the source table and the replaced reels say of a reel text.
+/// What a reel text means, according to the list's own map, its replaced reels and its source table.
 struct Known {
-  std::string identifier;           ///< empty: the reel text itself
-  bool mapped = false;              ///< the list's own map says so: the reel text is no name but in this list
+  std::string identifier;           ///< the reel; empty: the reel text itself
+  bool mapped = false;              ///< the map gives the identifier: outside this list the reel text is not a name
   bool settled = false;             ///< neither a REEL note nor anything else may change it
-  std::vector<std::string> aliases; ///< the other names of its rows
-  std::vector<std::string> ids;     ///< the ids of its rows
-  std::vector<std::string> fits;    ///< two or more when the reel text is ambiguous
-  std::string_view reason;          ///< of the ambiguity
-  bool reported = false;            ///< the ambiguity
+  std::vector<std::string> aliases; ///< the other names in its rows
+  std::vector<std::string> ids;     ///< the source ids in its rows
+  std::vector<std::string> fits;    ///< its possible meanings if it is ambiguous, else empty
+  std::string_view reason;          ///< why it is ambiguous
+  bool reported = false;            ///< whether the ambiguity was reported
 };
 
-/// Where a row of the source table stands, and where it was counted.
+/// A row of the source table: its line, and the counter that counted it.
 struct TableRow {
   int line = 0;
   std::string_view text;
   int* counter = nullptr;
 };
 
-/// Empties the timecodes that the note NO TIMECODE names: the event has something in their place because it must.
+/// Empties the timecodes that the note NO TIMECODE names. The event holds others in their place, because the format
+/// requires four.
 void takeAway(std::string_view names, Clip& clip)
 {
   for (const auto& [name, timecode] : {std::pair(std::string_view("SOURCE IN"), &clip.sourceIn),
@@ -86,32 +87,32 @@ private:
   void line(int number, std::string_view line);
   void event(int number, std::string_view line);
   void takeNote(std::optional<Note> note);
-  /// True when the line is a statement; rejects it when it is a broken one.
+  /// Whether the line is a statement. A faulty statement is rejected.
   bool statement(int number, std::string_view line);
-  /// Why the statement cannot be used; empty when it is.
+  /// Uses the statement of a replaced reel. Returns why it cannot be used; empty if it can.
   std::string replacedReel(std::string_view statement);
   void closeEvent();
 
   void decide(const EventSource& source, Digits digits);
   Known& lookUp(const std::string& reel);
-  /// Takes the one reel that a name stands for, or the choice of them and why there is one.
+  /// Sets the reel that a name stands for. If there are several, sets them all as fits, with the reason.
   static void settle(Known& known, const std::vector<std::string>& originals, std::string_view reason);
   void reportAmbiguous(Known& known, const std::string& reel);
   void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
   void reportSharedNames();
 
   Collector collector_{Format::Edl};
-  bool inEvents_ = false; ///< an event line was seen, good or bad
-  EdlEvent event_;        ///< the one that notes belong to
+  bool inEvents_ = false; ///< whether an event line was found, good or bad
+  EdlEvent event_;        ///< the event that notes belong to
   NoteJoiner notes_;
   std::vector<EventSource> sources_; ///< all complete events
   SourceTable table_;
   std::vector<TableRow> tableRows_;                                    ///< in the order of the table
-  std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement to the reels it replaces
+  std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement: the reels it replaces
 
-  std::unordered_map<std::string, std::vector<std::string>> map_;     ///< folded name to what REEL MAP says it means
-  std::unordered_map<std::string, Known> known_;                      ///< by folded reel text
-  std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier to an entry of ids_
+  std::unordered_map<std::string, std::vector<std::string>> map_;     ///< folded name: its meanings by REEL MAP
+  std::unordered_map<std::string, Known> known_;                      ///< folded reel text: its meaning
+  std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier: the index in ids_
   std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
 };
 
@@ -172,7 +173,7 @@ void Reader::event(int number, std::string_view line)
   EventLine fields;
   std::string fault = parseEvent(line, fields);
   if (!fault.empty()) {
-    // The notes that follow are its own, so they must not reach the event above.
+    // The notes that follow belong to the rejected event, so they must not go to the event above.
     closeEvent();
     collector_.reject(number, line, std::move(fault));
     return;
@@ -220,7 +221,7 @@ bool Reader::statement(int number, std::string_view line)
   rest = trimLeft(rest.substr(kSourceMark.size()));
   if (!takeStatement(rest, kSource))
     return false;
-  closeEvent(); // notes below a row are the row's
+  closeEvent(); // notes below a row belong to the row
   if (std::string fault = table_.add(rest); !fault.empty()) {
     collector_.reject(number, line, std::move(fault));
     return true;
@@ -232,7 +233,7 @@ bool Reader::statement(int number, std::string_view line)
 
 std::string Reader::replacedReel(std::string_view statement)
 {
-  const std::string fault = "replaced reel without both names";
+  const std::string fault = "replaced reel without one of its two names";
   const auto sameLetter = [](char a, char b) { return base::toLower(a) == base::toLower(b); };
   const auto found =
       std::search(statement.begin(), statement.end(), kReplacedBy.begin(), kReplacedBy.end(), sameLetter);
@@ -319,7 +320,7 @@ void Reader::decide(const EventSource& source, Digits digits)
     clip.reel = source.reelNote;
   const bool auxiliary = isAuxiliary(clip.reel);
   if (auxiliary) {
-    // A source file or a clip that is called AX, too, tells nothing.
+    // A source file or a clip name AX does not identify the source either.
     clip.reel = source.sourceFile.empty() || isAuxiliary(source.sourceFile) ? source.clipName : source.sourceFile;
     if (clip.reel.empty() || isAuxiliary(clip.reel)) {
       collector_.special(reel, "AX without a clip name or source file", source.line);

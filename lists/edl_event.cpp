@@ -11,7 +11,7 @@
 namespace reeldb::lists {
 namespace {
 
-/// Far more than any event has; keeps the dealing cheap when a list gives all its lines one number.
+/// Far more lines than any event has. The limit keeps the work small when all lines of a list have the same number.
 constexpr std::size_t kMostLines = 16;
 
 enum class Role { From, To, Key };
@@ -30,7 +30,7 @@ Role roleOf(Transition transition)
   return Role::From;
 }
 
-/// What the notes say of the lines first to last (not included).
+/// The lines from first up to last, without last itself, and the notes for them.
 struct Side {
   Role role = Role::From;
   std::string_view reel;
@@ -38,7 +38,7 @@ struct Side {
   std::size_t last = 0;
   std::string clipName, sourceFile, reelNote, otherReel;
 
-  /// Black, bars: it has no clip name and no file.
+  /// Whether the reel is a placeholder such as black or bars, which has neither a clip name nor a file.
   bool isPlaceholder() const { return !placeholderReason(reel).empty(); }
 };
 
@@ -63,7 +63,7 @@ std::vector<Side> sidesOf(const std::vector<EventSource>& sources)
   return sides;
 }
 
-/// The notes of one kind in the order they came, and how many are dealt out.
+/// The notes of one kind in the order of their lines, and the number of those that were dealt out.
 struct Pile {
   Texts texts;
   std::size_t next = 0;
@@ -117,7 +117,7 @@ Piles sorted(std::vector<Note>& notes)
     case NoteKind::NoTimecode:
       piles.noTimecode = std::move(note.value);
       break;
-    case NoteKind::ReelMap: // it is the list's, not the event's
+    case NoteKind::ReelMap: // it belongs to the list, not to the event
     case NoteKind::Other:
       break;
     }
@@ -125,7 +125,7 @@ Piles sorted(std::vector<Note>& notes)
   return piles;
 }
 
-/// Gives each side the notes of its role, then what is left to the sides that went without.
+/// Gives each side the note of its role, then the remaining notes to the sides that got none.
 void dealByRole(std::vector<Side>& sides, Field field, Pile from, Pile to, Pile key)
 {
   for (Side& side : sides) {
@@ -142,7 +142,7 @@ void dealByRole(std::vector<Side>& sides, Field field, Pile from, Pile to, Pile 
   }
 }
 
-/// A name given to black is meant for the side that has none.
+/// Moves the clip name of a placeholder such as black to the side without a clip name, for which it is meant.
 void passNamesOn(std::vector<Side>& sides)
 {
   const auto named = std::find_if(sides.begin(), sides.end(), [](const Side& side) {
@@ -154,15 +154,15 @@ void passNamesOn(std::vector<Side>& sides)
     nameless->clipName = std::exchange(named->clipName, std::string());
 }
 
-/// Whether a note that could be for any side is not for this one: there are too few for all, and this is black, or the
-/// side that nothing was said about while another has a name.
-bool passesOver(const Side& side, const std::vector<Side>& sides)
+/// Whether a note that could belong to any side does not belong to this one, given that there are fewer notes than
+/// sides: a placeholder has no notes, and neither has a side without a clip name if another side has one.
+bool isSkipped(const Side& side, const std::vector<Side>& sides)
 {
   const auto isNamed = [](const Side& other) { return !other.clipName.empty(); };
   return side.isPlaceholder() || (side.clipName.empty() && std::any_of(sides.begin(), sides.end(), isNamed));
 }
 
-/// Deals texts out to the sides in order. An empty text holds its place: the list says that this side has none.
+/// Deals texts out to the sides in order. An empty text is dealt out, too: it means that the side has no such text.
 void dealInOrder(std::vector<Side>& sides, Field field, const Texts& texts)
 {
   const bool enough = texts.size() >= sides.size();
@@ -170,13 +170,13 @@ void dealInOrder(std::vector<Side>& sides, Field field, const Texts& texts)
   for (Side& side : sides) {
     if (next == texts.size())
       return;
-    if (!enough && !texts[next].empty() && passesOver(side, sides))
+    if (!enough && !texts[next].empty() && isSkipped(side, sides))
       continue;
     side.*field = texts[next++];
   }
 }
 
-/// As dealInOrder(), but a REEL note that is the longer form of one side's reel alone goes to that side.
+/// As dealInOrder(), but a single REEL note that is the longer form of exactly one side's reel goes to that side.
 void dealReelNotes(std::vector<Side>& sides, const Texts& texts)
 {
   if (texts.size() == 1 && !texts.front().empty()) {
@@ -189,7 +189,7 @@ void dealReelNotes(std::vector<Side>& sides, const Texts& texts)
   dealInOrder(sides, &Side::reelNote, texts);
 }
 
-/// Sides of the same reel are the same source, but for AX, where only the same clip is.
+/// Whether two sides have the same source: the same reel, and for AX also the same clip name.
 bool sameSource(const Side& a, const Side& b)
 {
   return base::sameName(a.reel, b.reel) && (!isAuxiliary(a.reel) || base::sameName(a.clipName, b.clipName));

@@ -14,7 +14,7 @@
 
 namespace reeldb::lists {
 
-/// An event line with the notes that belong to it. The notes' texts are clean; the text of a missing note is empty.
+/// An event line with the notes that belong to it. The texts of notes are clean; the text of a missing note is empty.
 struct EventSource {
   int line = 0;
   std::string_view text; ///< the whole line
@@ -22,7 +22,7 @@ struct EventSource {
   std::string clipName;
   std::string sourceFile;
   std::string reelNote;                ///< * REEL:
-  std::string otherReel;               ///< * REEL x IS CLIP y: the x; the y is the clip name when there is no other
+  std::string otherReel;               ///< * REEL x IS CLIP y: the x; y is the clip name if no other note gives one
   std::vector<std::string> alsoCalled; ///< * REEL ALSO CALLED:
   std::string tracks;                  ///< * TRACKS AS WRITTEN:
   std::string noTimecode;              ///< * NO TIMECODE:
@@ -32,13 +32,13 @@ class EdlEvent {
 public:
   bool empty() const { return sources_.empty(); }
 
-  /// Whether the line belongs to the event as it stands: it has the same number, and is either a dissolve, wipe or key
-  /// line, or a cut from the same reel with the same record in, straight below a cut (picture and sound of one event).
+  /// Whether the line belongs to this event: it has the same number, and is either a dissolve, wipe or key line, or a
+  /// cut from the same reel with the same record in, directly below a cut (picture and sound of one event).
   bool takes(const EventLine& fields) const;
   void add(int line, std::string_view text, const EventLine& fields);
   void note(Note note);
 
-  /// The lines in order, with the notes dealt out; empties the event.
+  /// Returns the lines in order, with their notes, and empties the event.
   ///
   /// Lines of one role and one reel that follow each other form a side. FROM CLIP NAME names the side it comes from
   /// (cut, K B), TO CLIP NAME the side dissolved or wiped to, KEY CLIP NAME the key. A side without a name of its own
@@ -52,7 +52,7 @@ public:
 private:
   std::vector<EventSource> sources_;
   std::vector<Note> notes_;
-  bool noted_ = false; ///< a note of any kind came
+  bool noted_ = false; ///< whether the event has a note of any kind
 };
 
 } // namespace reeldb::lists

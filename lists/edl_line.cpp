@@ -43,7 +43,7 @@ std::optional<Transition> transitionOf(std::string_view word)
   return std::nullopt;
 }
 
-/// Takes the transition off the end; false when there is none, and then `fields` is as it was.
+/// Takes the transition off the end. Returns false, and leaves @p fields unchanged, if there is no transition.
 bool takeTransition(std::string_view& fields, Transition& transition)
 {
   std::string_view rest = fields;
@@ -64,7 +64,7 @@ bool takeTransition(std::string_view& fields, Transition& transition)
   return true;
 }
 
-/// Splits "reel channels"; false when the last word is no channel field or nothing stands before it.
+/// Splits "reel channels". Returns false if the last word is not a channel field or nothing stands before it.
 bool takeChannels(std::string_view fields, EventLine& event)
 {
   const std::string_view channels = takeLast(fields);
@@ -75,8 +75,8 @@ bool takeChannels(std::string_view fields, EventLine& event)
   return true;
 }
 
-/// Splits "reel channels [transition] [duration]". A field may be missing, and a reel may hold words that look like
-/// one, so the fullest reading that leaves a reel and channels wins.
+/// Splits "reel channels [transition] [duration]". A field may be missing, and a reel may contain words that look like
+/// a field. So the reading with the most fields that leaves a reel and channels is taken.
 bool takeFields(std::string_view fields, EventLine& event)
 {
   std::string_view shorter = fields;
@@ -97,7 +97,7 @@ bool takeFields(std::string_view fields, EventLine& event)
   return false;
 }
 
-/// Why takeFields() failed.
+/// Why takeFields() failed for these fields.
 std::string fieldsFault(std::string_view fields)
 {
   std::string_view shorter = fields;
@@ -158,7 +158,7 @@ std::string parseEvent(std::string_view line, EventLine& event)
   for (std::size_t i = 0; i < event.timecodes.size(); ++i) {
     const std::string fault = timecodeFault(event.timecodes[i]);
     if (!fault.empty())
-      return std::string(kTimecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is no timecode (" + fault + ")";
+      return std::string(kTimecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is not a timecode (" + fault + ")";
   }
   if (!takeFields(fields, event))
     return fieldsFault(fields);

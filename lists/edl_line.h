@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One event line of a cut list, read from the right: four timecodes, perhaps a duration, perhaps a transition, the
-// channels; what is left between the event number and the channels is the reel, blanks and all.
+// One event line of a cut list. It is read from the right: four timecodes, an optional duration, an optional
+// transition, the channels. The text between the event number and the channels is the reel; it may contain blanks.
 #ifndef REELDB_LISTS_EDL_LINE_H
 #define REELDB_LISTS_EDL_LINE_H
 
@@ -12,12 +12,12 @@
 
 namespace reeldb::lists {
 
-/// What the transition field says of the line.
+/// The role of the line by its transition field.
 enum class Transition {
   Cut,        ///< C, or no transition field
-  Into,       ///< D, Wnnn: this is the picture the event dissolves or wipes to
+  Into,       ///< D, Wnnn: the picture that the event dissolves or wipes to
   Background, ///< K B
-  Key,        ///< K, K O: this is the picture keyed over the background
+  Key,        ///< K, K O: the picture keyed over the background
 };
 
 /// Views into the line.
@@ -32,8 +32,8 @@ struct EventLine {
 /// The widest reel field in use.
 inline constexpr std::size_t kReelLength = 129;
 
-/// Whether the line is meant as an event: it starts with a number of three digits or more, perhaps with a letter, or
-/// with a shorter one and holds a timecode, good or bad.
+/// Whether the line is meant as an event: it starts with a number of three digits or more, which a letter may follow,
+/// or with a shorter number and contains a timecode, good or bad.
 bool beginsLikeEvent(std::string_view line);
 
 /// The number of words of the line that were meant as timecodes, valid or not.

@@ -11,10 +11,10 @@
 namespace reeldb::lists {
 namespace {
 
-/// Writers that wrap notes fill this many columns ...
+/// Programs that wrap notes fill up to 80 columns.
 constexpr std::size_t kWrapColumn = 80;
 
-/// ... and not so few: what ends earlier was ended on purpose, however long the word that comes next.
+/// A line of fewer columns was ended on purpose, however long the first word of the next line is.
 constexpr std::size_t kLeastWrapped = 60;
 
 constexpr std::array<std::pair<std::string_view, NoteKind>, 12> kKeys = {{
@@ -34,7 +34,7 @@ constexpr std::array<std::pair<std::string_view, NoteKind>, 12> kKeys = {{
 
 constexpr std::string_view kReelMap = "REEL MAP";
 
-/// First words of notes that carry no name, and no colon either: these do not continue the note above.
+/// First words of notes that have neither a name nor a colon. Such a note does not continue the one above.
 constexpr std::array<std::string_view, 10> kOpeners = {
     "ASC_SOP", "ASC_SAT", "BLEND", "COMMENT", "EFFECT", "FREEZE", "LOC", "PATCH", "REEL", "TIMEWARP",
 };
@@ -52,7 +52,7 @@ std::string valueOf(std::string_view text)
   return saysNothing(value) ? std::string() : value;
 }
 
-/// REEL x IS CLIP y, with or without a colon after REEL; `text` starts behind that.
+/// REEL x IS CLIP y, with or without a colon after REEL. @p text starts behind that.
 bool readReelIsClip(std::string_view text, Note& note)
 {
   constexpr std::string_view kMiddle = " IS CLIP ";
@@ -67,7 +67,7 @@ bool readReelIsClip(std::string_view text, Note& note)
   return true;
 }
 
-/// REEL MAP: x = y, where x is a single word and y is whatever follows.
+/// REEL MAP: x = y, where x is a single word and y is the rest of the line.
 bool readReelMap(std::string_view text, Note& note)
 {
   const std::size_t colon = text.find(':');
@@ -141,7 +141,8 @@ std::optional<Note> NoteJoiner::line(std::string_view line)
   const std::string_view text = afterStar(line);
   const std::size_t width = length(line);
   if (continues(text)) {
-    // A full line was cut where it stood; any other ended with a word, and the blank behind that was dropped.
+    // A full line may be cut in the middle of a word. A shorter one ends with a word, and the blank behind it was
+    // dropped.
     if (width_ != kWrapColumn && !open_->empty() && !isBlank(open_->back()))
       *open_ += ' ';
     *open_ += text.substr(1);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The notes of a cut list: lines with a star, of which some name the sources of the event above.
+// The notes of a cut list: lines with a star. Some of them name the sources of the event above.
 #ifndef REELDB_LISTS_EDL_NOTE_H
 #define REELDB_LISTS_EDL_NOTE_H
 
@@ -22,17 +22,17 @@ enum class NoteKind {
   ReelMap,    ///< REEL MAP: x = y
   AlsoCalled, ///< REEL ALSO CALLED: another name of the reel
   Tracks,     ///< TRACKS AS WRITTEN
-  NoTimecode, ///< NO TIMECODE: which of the four the event does not have
+  NoTimecode, ///< NO TIMECODE: which of the four timecodes the event does not have
   Other,
 };
 
 struct Note {
   NoteKind kind = NoteKind::Other;
-  std::string value; ///< clean; empty also when written as (NULL)
+  std::string value; ///< clean; also empty if the list has (NULL)
   std::string reel;  ///< the x of REEL x IS CLIP y and of REEL MAP: x = y
 };
 
-/// Whether a note with this value means no value: other programs write (NULL) for that.
+/// Whether the value means that there is no value. Other programs write (NULL) for that.
 bool saysNothing(std::string_view value);
 
 /// Whether the line is a note. Blanks may stand before the star.
@@ -45,7 +45,7 @@ bool isNote(std::string_view line);
 /// line, so it starts a new note.
 class NoteJoiner {
 public:
-  /// Adds a note line, with its outer blanks. Returns the note before it if that is now complete.
+  /// Adds a note line, with its outer blanks. Returns the previous note if it is now complete.
   std::optional<Note> line(std::string_view line);
   /// Returns the last note; to be called at every line that is not a note, and at the end.
   std::optional<Note> flush();
@@ -54,7 +54,7 @@ private:
   bool continues(std::string_view text) const;
 
   std::optional<std::string> open_; ///< the text after the star, with its outer blanks
-  std::size_t width_ = 0;           ///< of its last line, in characters
+  std::size_t width_ = 0;           ///< the length of its last line, in characters
 };
 
 } // namespace reeldb::lists

@@ -68,7 +68,7 @@ std::string decode(std::string_view bytes)
       bytes.remove_prefix(kUtf8Mark.size());
     text = utf8::is_valid(bytes.begin(), bytes.end()) ? std::string(bytes) : fromLatin1(bytes);
   }
-  // The blanks of the last line stay: there the tabs are cells, and a blank may be the last column of a wrapped note.
+  // The blanks of the last line stay: tabs may delimit empty cells, and a blank may end a wrapped note.
   constexpr std::string_view kPadding("\0\x1A\f \t\r\n", 7);
   const std::size_t end = text.find_last_not_of(kPadding);
   if (end == std::string::npos)
@@ -79,7 +79,7 @@ std::string decode(std::string_view bytes)
 
 bool isUnmarkedUtf16(std::string_view bytes)
 {
-  // The letters, digits and line ends that a list begins with have a zero byte beside each.
+  // In UTF-16, each letter, digit and line end at the start of a list has a zero byte beside it.
   constexpr std::size_t kLooked = 64;
   const std::string_view start = bytes.substr(0, std::min(bytes.size(), kLooked) & ~std::size_t{1});
   std::array<std::size_t, 2> zeros = {};

@@ -10,7 +10,7 @@ namespace reeldb::lists {
 /// The bytes as UTF-8, without byte order mark and without padding at the end: end marks (0x1A), NUL, line ends, and
 /// the blanks among these.
 ///
-/// A byte order mark decides between UTF-8 and UTF-16. Bytes that are not UTF-8 are read as Latin-1, all of them.
+/// A byte order mark decides between UTF-8 and UTF-16. If any bytes are not UTF-8, all bytes are read as Latin-1.
 std::string decode(std::string_view bytes);
 
 /// Whether the bytes are plain text in UTF-16, in either byte order, without a byte order mark.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads cut lists (CMX3600 EDL) and log exchange files (ALE): bytes in, a plain value out. Knows no host, no library
-// and no files. docs/formats/edl.md and docs/formats/ale.md say what is understood.
+// Reads cut lists (CMX3600 EDL) and log exchange files (ALE): bytes in, a plain value out. It uses neither the host nor
+// the library nor files. docs/formats/edl.md and docs/formats/ale.md describe what is understood.
 #ifndef REELDB_LISTS_LIST_H
 #define REELDB_LISTS_LIST_H
 
@@ -23,17 +23,17 @@ public:
 enum class Format { Edl, Ale };
 
 /// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8 of at most 2,047
-/// bytes, without control characters (but for U+0080 to U+009F, which Latin-1 may hold) and without outer blanks; an
-/// empty text means that the list does not say.
+/// bytes without outer blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A
+/// text that the list does not give is empty.
 struct Clip {
   std::string reel;                 ///< the reel identifier, never empty, in the spelling the list used first
-  std::string clipName;             ///< what the editor calls it
+  std::string clipName;             ///< the editor's name for it
   std::string sourceFile;           ///< as written, a path or a name
   std::string tracks;               ///< as written: "V", "A34", "VA1A2"
   std::string sourceIn, sourceOut;  ///< hh:mm:ss:ff with the separators as written (';' means drop frame)
   std::string recordIn, recordOut;  ///< as above; always empty in a log file
   std::vector<std::string> aliases; ///< other names of this source in the list; each once, ignoring ASCII case
-  int line = 0;                     ///< its line, counted from 1
+  int line = 0;                     ///< the number of its line, from 1
   int videoChannels = 0;
   int audioChannels = 0;
 };
@@ -41,15 +41,15 @@ struct Clip {
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
 struct Special {
   std::string text;       ///< the text in place of the reel, shown as in Rejected
-  std::string reason;     ///< why that is not a reel
+  std::string reason;     ///< why the text is not a reel
   int count = 0;          ///< the number of event lines or rows
-  std::vector<int> lines; ///< their numbers
+  std::vector<int> lines; ///< the numbers of these lines
 };
 
 /// A line that could not be read. The rest of the list is not affected.
 struct Rejected {
-  int line = 0;     ///< counted from 1
-  std::string text; ///< without outer blanks, tabs as blanks, other controls as \x1b; cut after 1,000 bytes with "..."
+  int line = 0;       ///< counted from 1
+  std::string text;   ///< without outer blanks, tabs as blanks, other controls as \x1b, cut after 1,000 bytes by "..."
   std::string reason; ///< what is wrong, with the offending value
 };
 
@@ -57,7 +57,7 @@ struct Rejected {
 struct Warning {
   int line = 0;       ///< counted from 1
   std::string text;   ///< as in Rejected
-  std::string reason; ///< what is odd, and what was made of it
+  std::string reason; ///< what is odd, and how it was read
 };
 
 /// Two spellings that differ only in ASCII case: the same reel. One entry for each further spelling.
@@ -69,12 +69,13 @@ struct Spelling {
 /// A name that means more than one source. The clips keep the name; this entry reports that it is ambiguous.
 struct Ambiguous {
   std::string reel;                   ///< the identifier
-  std::string reason;                 ///< how it comes to stand for several
-  std::vector<std::string> names;     ///< the longer names that a cut name fits; empty when the name is clear
-  std::vector<std::string> sourceIds; ///< the sources it stands for, as the list numbers them; may be empty
+  std::string reason;                 ///< why it means more than one source
+  std::vector<std::string> names;     ///< the longer names that a cut name fits; empty if the name is not cut
+  std::vector<std::string> sourceIds; ///< the list's ids of the sources that it means; may be empty
 };
 
-/// Where the lines went. blank + headers + notes + statements + clips + (the sum of Special::count) + rejected = lines.
+/// The numbers of lines of each kind. Each line is counted in exactly one of these: blank, headers, notes, statements,
+/// the clips, Special::count of all specials, the rejected lines.
 struct Tally {
   int lines = 0;
   int blank = 0;
@@ -85,9 +86,9 @@ struct Tally {
 
 struct List {
   Format format = Format::Edl;
-  std::string title;              ///< of a cut list, shown as in Rejected; empty when it has none
+  std::string title;              ///< the title of a cut list, shown as in Rejected; empty if it has no title
   std::vector<Clip> clips;        ///< in the order of their lines
-  std::vector<Special> specials;  ///< in the order of first appearance, as all that follow
+  std::vector<Special> specials;  ///< in the order of first appearance, like all below
   std::vector<Rejected> rejected; ///< in the order of their lines
   std::vector<Warning> warnings;  ///< likewise
   std::vector<Spelling> spellings;
@@ -95,15 +96,15 @@ struct List {
   Tally tally;
 };
 
-/// The longest name a clip can carry, in bytes: as much as a reel's fields give back whole.
+/// The longest name of a clip, in bytes. A reel's fields return names up to this length whole.
 inline constexpr std::size_t kNameBytes = 2047;
 
-/// Detects the format by the content; empty if it is neither. Takes text in UTF-8, UTF-16 with a byte order mark, or
-/// Latin-1.
+/// Detects the format by the content; empty if it is neither format. The text may be UTF-8, UTF-16 with a byte order
+/// mark, or Latin-1.
 std::optional<Format> detect(std::string_view bytes);
 
-/// Reads a list. Bad lines are in the value, never thrown. Throws Error when the bytes are neither format, or are a log
-/// file without the sections and columns it takes to read any row. Works in time and space linear in the size.
+/// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file
+/// without the sections and columns that are needed to read any row. Time and space are linear in the size.
 List read(std::string_view bytes);
 
 } // namespace reeldb::lists

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a name stands for, in cut lists and log files alike.
+// The meaning of a name in cut lists and log files.
 #ifndef REELDB_LISTS_NAMES_H
 #define REELDB_LISTS_NAMES_H
 
@@ -12,7 +12,7 @@ namespace reeldb::lists {
 /// any case. Empty for every other text.
 std::string_view placeholderReason(std::string_view reelText);
 
-/// Why an identifier makes no reel: it is a placeholder, or holds a star. Empty when it makes one.
+/// Why an identifier does not name a reel: it is a placeholder, or contains a star. Empty if it names a reel.
 std::string_view specialReason(std::string_view identifier);
 
 /// AX, in any case: a source without a tape; its clip name or source file identifies it.

@@ -15,10 +15,10 @@ namespace {
 constexpr std::size_t kDigitsField = 3;
 constexpr int kHighestNumber = 998;
 
-/// The narrow fields know capitals and digits alone.
+/// Fields up to this width allow only capitals and digits.
 constexpr std::size_t kWidestNarrow = 8;
 
-/// What a name starts with when nothing of the identifier can be written.
+/// The start of a name if the field allows no character of the identifier.
 constexpr std::string_view kNameless = "REEL";
 
 bool isReserved(std::string_view name)
@@ -39,7 +39,7 @@ std::string spelt(std::string_view reel, bool narrow)
   for (const char c : narrow ? base::upperCase(reel) : std::string(reel)) {
     if (isDigit(c) || isLetter(c) || (!narrow && std::string_view("_.-&").find(c) != std::string_view::npos))
       result += c;
-    else if (!narrow && (static_cast<unsigned char>(c) & 0xC0) != 0x80) // one for each character
+    else if (!narrow && (static_cast<unsigned char>(c) & 0xC0) != 0x80) // one '_' per character
       result += '_';
   }
   return result;
@@ -69,7 +69,7 @@ private:
     names_[reel] = std::move(name);
   }
 
-  /// An identifier that is a name of the field as it stands.
+  /// Names the reel by its identifier if the field allows that.
   void keep(std::size_t i)
   {
     std::string name = spelt(reels_[i], narrow_);
@@ -105,11 +105,11 @@ private:
     const std::string divider = narrow_ ? "" : "_";
     for (std::size_t digits = 1; digits + divider.size() <= field_; ++digits) {
       const std::string head = name.substr(0, field_ - digits - divider.size()) + divider;
-      // Names of one head are numbered through, so that no number is tried twice.
+      // The numbering goes on for all names with the same head, so that no number is tried twice.
       std::size_t& next = next_.try_emplace(base::fold(head), 1).first->second;
       for (; std::to_string(next).size() <= digits; ++next) {
         std::string numbered = head + std::to_string(next);
-        // What another reel would be cut to must not come to mean this one.
+        // A name that another reel would be cut to must not mean this reel.
         if (taken_.contains(base::fold(numbered)) || cuts_.contains(base::fold(numbered)))
           continue;
         give(i, std::move(numbered));
@@ -124,8 +124,8 @@ private:
   bool narrow_;
   std::vector<std::string> names_;
   std::unordered_set<std::string> taken_;             ///< folded
-  std::unordered_map<std::string, int> cuts_;         ///< folded cut forms of the reels that do not fit, and how many
-  std::unordered_map<std::string, std::size_t> next_; ///< folded head to the number that comes next
+  std::unordered_map<std::string, int> cuts_;         ///< folded cut form of reels that do not fit: their number
+  std::unordered_map<std::string, std::size_t> next_; ///< folded head: the next number
   int number_ = 1;
 };
 

@@ -14,10 +14,11 @@
 namespace reeldb::lists {
 namespace {
 
-/// Two reel fields of the widest kind, in bytes, and the blank between them.
+/// The bytes of two reel fields of the widest kind, and of the blank between them.
 constexpr std::size_t kLongestNames = 2 * 4 * kReelLength + 1;
 
-/// Names of more words than this are not searched for a sensible split: no list has them, and it keeps rows cheap.
+/// Names of more words are not split by their meaning. No list has such names, and the limit keeps the work per row
+/// small.
 constexpr std::size_t kMostGaps = 64;
 
 bool isHex(char c)
@@ -30,14 +31,14 @@ bool isHexWord(std::string_view text)
   return text.size() == 8 && std::all_of(text.begin(), text.end(), isHex);
 }
 
-/// A UMID or two hex words, with whatever stands between the groups.
+/// Whether the text is a UMID or two hexadecimal words, with the separators between the groups.
 bool isSourceId(std::string_view text)
 {
   const auto isPart = [](char c) { return isHex(c) || c == '-' || c == '.' || c == '{' || c == '}'; };
   return text.size() >= 16 && std::all_of(text.begin(), text.end(), isPart);
 }
 
-/// Takes the id off the end: the last word, or two hex words apart.
+/// Takes the id off the end: the last word, or the last two if both are hexadecimal words.
 std::string_view takeId(std::string_view& row)
 {
   std::string_view names = row;
@@ -47,11 +48,11 @@ std::string_view takeId(std::string_view& row)
   std::string_view before = names;
   const std::string_view word = takeLast(before);
   std::string_view first = before;
-  if (isHexWord(last) && isHexWord(word) && takeFirst(first) != before) { // with two names in front of them
+  if (isHexWord(last) && isHexWord(word) && takeFirst(first) != before) { // two names stand before them
     row = before;
     return {word.data(), static_cast<std::size_t>(last.data() + last.size() - word.data())};
   }
-  if (before.empty() && !isSourceId(last)) // two words are two names, unless the second is an id for sure
+  if (before.empty() && !isSourceId(last)) // two words are two names unless the second is certainly an id
     return {};
   row = names;
   return last;
@@ -74,7 +75,7 @@ std::vector<Gap> gapsOf(std::string_view text)
   return gaps;
 }
 
-/// One name is the start of the other: that is how cut names come about.
+/// Whether one name is the start of the other, as a cut name is.
 bool isCut(std::string_view a, std::string_view b)
 {
   return base::startsWithName(a, b) || base::startsWithName(b, a);
@@ -104,7 +105,7 @@ std::string SourceTable::add(std::string_view row)
 
 void SourceTable::split(Row& row, const IsReel& isReel)
 {
-  if (isReel(base::fold(row.whole))) { // one name with blanks, of which the last part looked like an id
+  if (isReel(base::fold(row.whole))) { // one name with blanks, and its last word looks like an id
     row.names = row.whole;
     row.id.clear();
   }
@@ -124,7 +125,7 @@ void SourceTable::split(Row& row, const IsReel& isReel)
   if (gaps.size() == 1 || wide.size() == 1)
     return cutAt(wide.empty() ? gaps.front() : wide.front());
 
-  // The names hold blanks as wide as those between them. Look for names that make sense.
+  // The names contain blanks as wide as those between them. Look for a split into plausible names.
   if (gaps.size() > kMostGaps)
     return;
   for (const Gap& gap : gaps) {
@@ -190,7 +191,7 @@ SourceMatch SourceTable::find(const std::string& reel) const
     const std::size_t second = length(row.second);
     return first == second ? reel : first > second ? row.first : row.second;
   };
-  // Rows in which the reel text is the whole name go before rows in which it is the cut one.
+  // Rows in which the reel text is the whole name come before rows in which it is the cut one.
   std::vector<const Row*> rows;
   for (std::size_t i : bucket->second) {
     if (base::sameName(longer(rows_[i]), reel))

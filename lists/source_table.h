@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The source table of a cut list: rows ">>> SOURCE name name id". Either name may be the cut one, and it is the only
-// place of a cut list where a source has an identity of its own.
+// The source table of a cut list: rows ">>> SOURCE name name id". Either name may be the cut one. No other place of a
+// cut list gives a source an identity of its own.
 #ifndef REELDB_LISTS_SOURCE_TABLE_H
 #define REELDB_LISTS_SOURCE_TABLE_H
 
@@ -13,16 +13,16 @@
 
 namespace reeldb::lists {
 
-/// What the table says of a reel text.
+/// The rows of the table for a reel text.
 struct SourceMatch {
-  bool found = false;             ///< a row carries the text as one of its names, ignoring ASCII case
-  std::string identifier;         ///< the longer name of that row; empty when the reel text itself is the identifier
+  bool found = false;             ///< whether a row has the text as a name, ignoring ASCII case
+  std::string identifier;         ///< the longer name of that row; empty if the reel text itself is the identifier
   std::vector<std::string> names; ///< all names of the rows that fit, each once
   std::vector<std::string> ids;   ///< the ids of those rows, each once
-  std::vector<std::string> fits;  ///< the different longer names, when the rows that fit do not agree
+  std::vector<std::string> fits;  ///< the different longer names if the rows that fit do not agree
 };
 
-/// A row of which no use can be made.
+/// A row that cannot be used.
 struct UnusedRow {
   std::size_t row = 0; ///< counted from 0, in the order of add()
   std::string reason;
@@ -47,9 +47,9 @@ public:
 
 private:
   struct Row {
-    std::string whole;         ///< before settle(): all of it
-    std::string names;         ///< before settle(): what stands before the id
-    std::string first, second; ///< the same when the row has one name
+    std::string whole;         ///< before settle(): the text of the row
+    std::string names;         ///< before settle(): the text before the id
+    std::string first, second; ///< equal if the row has one name
     std::string id;            ///< may be empty
     bool single = false;
   };
@@ -58,7 +58,7 @@ private:
   static std::string fault(const Row& row, const IsReel& isReel);
 
   std::vector<Row> rows_;
-  std::unordered_map<std::string, std::vector<std::size_t>> byName_; ///< folded name to rows, in order
+  std::unordered_map<std::string, std::vector<std::size_t>> byName_; ///< folded name: its rows, in order
 };
 
 } // namespace reeldb::lists

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::string_view kBlanks = " \t";
 
-/// What devices fill records and files up with: NUL, the end mark and the form feed; and the blanks among these.
+/// The characters with which devices pad records and files: NUL, the end mark, the form feed, and blanks among them.
 constexpr std::string_view kPadding("\0\x1A\f \t", 5);
 
 /// The line without padding at its ends; blanks next to the text stay.
@@ -130,7 +130,7 @@ std::string_view takeLast(std::string_view& text)
 
 std::size_t length(std::string_view text)
 {
-  // Every byte but the continuation bytes starts a code point.
+  // Every byte that is not a continuation byte starts a code point.
   return static_cast<std::size_t>(
       std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }

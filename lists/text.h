@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Text as list files hold it: lines, blanks, control characters.
+// The text of list files: lines, blanks, control characters.
 #ifndef REELDB_LISTS_TEXT_H
 #define REELDB_LISTS_TEXT_H
 
@@ -10,14 +10,14 @@
 
 namespace reeldb::lists {
 
-/// Splits a text into lines that end with CR, LF or CRLF, whichever comes; they may be mixed. NUL, end marks (0x1A) and
-/// form feeds at either end of a line are padding, which goes.
+/// Splits a text into lines that end with CR, LF or CRLF, which may be mixed. NUL, end marks (0x1A) and form feeds at
+/// either end of a line are padding and are removed.
 class Lines {
 public:
   explicit Lines(std::string_view text) : rest_(text) {}
-  /// False at the end. The line comes without its end; views the text.
+  /// Sets @p line to the next line, without its line end; it views the text. Returns false at the end.
   bool next(std::string_view& line);
-  /// The number of the line that next() gave last, counted from 1.
+  /// The number of the last line from next(), counted from 1.
   int number() const { return number_; }
 
 private:
@@ -25,7 +25,7 @@ private:
   int number_ = 0;
 };
 
-/// Blank or tab.
+/// Whether it is a blank or a tab.
 bool isBlank(char c);
 bool isDigit(char c);
 bool isLetter(char c); ///< ASCII only
@@ -41,17 +41,17 @@ std::string clean(std::string_view text);
 /// Latin-1 are allowed, because a file may be full of them.
 std::string_view firstControl(std::string_view text);
 
-/// The text clean and as base::displayText shows it, cut between two characters with "..." when it has more bytes than
-/// this.
+/// The clean text as base::displayText shows it. A text of more bytes than @p bytes is cut between two characters, and
+/// "..." is added.
 std::string shortened(std::string_view text, std::size_t bytes);
 
-/// The number of bytes that are shown of a line, a title or a special.
+/// A line, a title or a special is shown up to this number of bytes.
 inline constexpr std::size_t kShownBytes = 1000;
 
-/// A piece of the list as a reason shows it: shortened to 40 bytes, in quotes.
+/// A piece of the list in quotes, shortened to 40 bytes, as messages show it.
 std::string inQuotes(std::string_view text);
 
-/// Takes the first or the last run of non-blanks off the text, and the blanks around it. Empty when there is none.
+/// Takes the first or the last word off the text, and the blanks around it. Empty if there is no word.
 std::string_view takeFirst(std::string_view& text);
 std::string_view takeLast(std::string_view& text);
 

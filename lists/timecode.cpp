@@ -8,8 +8,8 @@
 namespace reeldb::lists {
 namespace {
 
-/// What the frames of a timecode can be at most: those of two digits count up to 60 in a second, those of three, which
-/// only higher rates write, up to 120.
+/// The highest frame number: two digits count up to 60 frames per second, three digits up to 120. Only lists of higher
+/// rates have three digits.
 constexpr std::string_view kMostFrames = "59";
 constexpr std::string_view kMostFramesOfThree = "119";
 
@@ -29,7 +29,7 @@ bool isShaped(std::string_view text)
   return true;
 }
 
-/// hhmmssfff, so that the order of texts is the order of time.
+/// hhmmssfff: the order of these texts is the order of time.
 std::string digitsOf(std::string_view timecode)
 {
   std::string digits;

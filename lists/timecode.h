@@ -20,8 +20,8 @@ int framesOf(std::string_view timecode);
 /// Whether timecode a counts a later frame of the day than b. Both are without fault.
 bool isAfter(std::string_view a, std::string_view b);
 
-/// Whether the text was meant as a timecode, good or bad: nothing but digits and three separators, or anything with two
-/// colons or semicolons.
+/// Whether the text was meant as a timecode, good or bad: only digits and three separators, or any text with two colons
+/// or semicolons.
 bool looksLikeTimecode(std::string_view text);
 
 } // namespace reeldb::lists

@@ -9,10 +9,10 @@
 namespace reeldb::lists {
 namespace {
 
-/// No list has more tracks than this many letters and digits can name ...
+/// The longest channel field in characters; no list needs more.
 constexpr std::size_t kLongest = 256;
 
-/// ... nor more by a range.
+/// The most tracks of a range.
 constexpr int kMostTracks = 256;
 
 std::string_view takeDigits(std::string_view& text)
@@ -29,7 +29,7 @@ bool risesFromOne(std::string_view digits)
          std::adjacent_find(digits.begin(), digits.end(), std::greater_equal<>()) == digits.end();
 }
 
-/// A track number; 0 when it is none that a source can have.
+/// A track number; 0 if no source can have a track of this number.
 int trackNumber(std::string_view digits)
 {
   constexpr std::size_t kMostDigits = 3;
@@ -39,8 +39,8 @@ int trackNumber(std::string_view digits)
   return number;
 }
 
-/// Takes "", "7", "1-8" or "1-A8" off the text that stands behind the kind of track. How many tracks these are;
-/// 0 when they are none.
+/// Takes "", "7", "1-8" or "1-A8" off the text behind the letter of the tracks. Returns the number of these tracks; 0
+/// if the numbers are not valid.
 int takeTrackNumbers(std::string_view& text, char kind)
 {
   const std::string_view first = takeDigits(text);

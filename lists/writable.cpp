@@ -17,7 +17,7 @@ std::string subjectOf(const Clip& clip)
   return "clip " + inQuotes(clip.clipName) + " of reel " + inQuotes(clip.reel);
 }
 
-/// Why no list can hold the clip; empty when one can.
+/// Why no list can hold the clip; empty if a list can.
 std::string clipFault(const Clip& clip)
 {
   if (clip.reel.empty())
@@ -27,7 +27,7 @@ std::string clipFault(const Clip& clip)
         std::pair("record in", &clip.recordIn), std::pair("record out", &clip.recordOut)})
     if (!timecode->empty())
       if (const std::string fault = timecodeFault(*timecode); !fault.empty())
-        return std::string(what) + " " + inQuotes(*timecode) + " is no timecode: " + fault;
+        return std::string(what) + " " + inQuotes(*timecode) + " is not a timecode: " + fault;
   return {};
 }
 
@@ -66,7 +66,8 @@ std::vector<Clip> writableClips(std::vector<Clip> clips, Written& written)
         isAuxiliary(clip.reel) ? std::string_view("a source without a tape") : specialReason(clip.reel);
     if (!reason.empty() && told.insert(clip.reel).second)
       written.remarks.push_back("reel " + inQuotes(clip.reel) +
-                                ": an import will not mean it (in lists it means: " + std::string(reason) + ")");
+                                ": an import will not read it as a reel (its meaning in lists: " + std::string(reason) +
+                                ")");
     result.push_back(std::move(clip));
   }
   written.clips = result.size();

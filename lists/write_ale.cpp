@@ -11,7 +11,7 @@
 namespace reeldb::lists {
 namespace {
 
-/// What logs hold by their published rules. Real ones have more of both.
+/// The limits of logs by their published rules. Real logs exceed both.
 constexpr std::size_t kLongestClipName = 32;
 constexpr std::size_t kMostColumns = 64;
 
@@ -21,7 +21,7 @@ bool isTracksCell(const Clip& clip)
   return tracks && tracks->video == clip.videoChannels && tracks->audio == clip.audioChannels;
 }
 
-/// Every channel with its number: V, VA1A2.
+/// All channels with their numbers: V, VA1A2.
 std::string tracksOf(const Clip& clip)
 {
   std::string result;
@@ -32,7 +32,7 @@ std::string tracksOf(const Clip& clip)
   return result.empty() ? "NONE" : result;
 }
 
-/// Whether the source file is one of the reel's other names: the reader takes the column for that.
+/// Whether the source file is one of the reel's names. The reader takes the column "Source File" as such a name.
 bool namesTheReel(const Clip& clip)
 {
   return base::sameName(clip.sourceFile, clip.reel) ||
@@ -89,7 +89,7 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
                               " characters (other programs may cut them)");
   if (columns > kMostColumns)
     written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(kMostColumns) +
-                              " (other programs may not read all of them)");
+                              " (other programs may not read all columns)");
 }
 
 } // namespace

@@ -18,7 +18,7 @@ namespace {
 constexpr std::string_view kNoTimecode = "00:00:00:00";
 constexpr std::size_t kChannelColumns = 5;
 
-/// Each reel once, in the spelling that came first.
+/// Each reel once, in its first spelling.
 std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
 {
   std::vector<std::string> reels;
@@ -29,7 +29,7 @@ std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
   return reels;
 }
 
-/// Whether the reader takes the tracks for these channels when they stand in an event.
+/// Whether the reader reads the clip's channels from its tracks when they stand in an event.
 bool isChannelField(const Clip& clip, Digits digits)
 {
   const auto tracks = parseTracks(clip.tracks, digits);
@@ -37,7 +37,7 @@ bool isChannelField(const Clip& clip, Digits digits)
          tracks->audio == clip.audioChannels;
 }
 
-/// Channels without a number, which every list means the same by.
+/// Channels without numbers, which mean the same in every list.
 std::string channelsOf(const Clip& clip)
 {
   const auto letters = [](int count, char letter) { return std::string(static_cast<std::size_t>(count), letter); };
@@ -62,8 +62,8 @@ public:
     const std::vector<std::string> reels = reelsOf(clips);
     const auto names = shortReelNames(reels, reelField);
     if (!names)
-      throw Error(std::to_string(reels.size()) + " reels are more than a field of " + std::to_string(reelField) +
-                  " has names for");
+      throw Error(std::to_string(reels.size()) + " reels: a reel field of " + std::to_string(reelField) +
+                  " has fewer names");
     for (std::size_t i = 0; i < reels.size(); ++i) {
       names_[base::fold(reels[i])] = (*names)[i];
       if ((*names)[i] != reels[i])
@@ -118,7 +118,7 @@ private:
     note("SOURCE FILE", clip.sourceFile);
   }
 
-  /// The record side of a clip that is in no cut is its source.
+  /// The timecodes of the event. A clip without record timecodes gets its source timecodes there, and vice versa.
   void timecodes(const Clip& clip)
   {
     const auto written = [](const std::string& timecode, const std::string& other) {
@@ -151,7 +151,7 @@ private:
   int number_ = 0;
 };
 
-/// How much lists with such a reel field hold, by the manuals of their devices.
+/// Remarks on lists that exceed the limits of such a reel field, by the manuals of the devices.
 void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
 {
   constexpr std::size_t digits = 3, six = 6, eight = 8, fewest = 253, few = 999, more = 9999;
@@ -159,19 +159,20 @@ void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
   const std::string field = " of lists with a reel field of " + std::to_string(reelField);
   if (reelField <= eight && written.clips > events)
     written.remarks.push_back(std::to_string(written.clips) + " events: more than the " + std::to_string(events) +
-                              field + " (other programs may not read all of them)");
+                              field + " (other programs may not read all events)");
   if (reelField == digits && reels > fewest)
     written.remarks.push_back(std::to_string(reels) + " reels: more than the " + std::to_string(fewest) +
-                              " of some lists with numbered reels (other programs may not read all of them)");
+                              " of some lists with numbered reels (other programs may not read all reels)");
 }
 
-/// Texts that a note cannot give back.
+/// Remarks on texts that cannot be read back from a note.
 void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
 {
-  std::set<std::string> told;
+  std::set<std::string> remarked;
   const auto look = [&](const std::string& text) {
-    if (!text.empty() && saysNothing(text) && told.insert(text).second)
-      written.remarks.push_back(inQuotes(text) + ": in a cut list it means none (an import will not read it back)");
+    if (!text.empty() && saysNothing(text) && remarked.insert(text).second)
+      written.remarks.push_back(inQuotes(text) +
+                                ": an import will not read it back (in a cut list it means that there is no value)");
   };
   for (const Clip& clip : clips) {
     look(clip.clipName);

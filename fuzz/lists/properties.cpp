@@ -79,7 +79,7 @@ void requireTimecode(const std::string& text, const char* what)
   require(text.empty() ||
               ((text.size() == 11 || text.size() == 12) &&
                std::count_if(text.begin(), text.end(), isDigit) == static_cast<std::ptrdiff_t>(text.size()) - 3),
-          what, "is no timecode", text);
+          what, "is not a timecode", text);
 }
 
 /// Sees to it that each line is one thing only.

@@ -9,7 +9,7 @@
 
 namespace reelhost {
 
-/// One call on its way through the journal: entered when made, completed by ended. Any thread.
+/// One call in the journal. The constructor enters it; ended() completes it. Any thread.
 class CallRecord {
 public:
   CallRecord(const char* operation, std::string arguments);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Every host operation is carried out through hostCall, so that the journal sees it and the script can replace it.
-// While journal and script are off, an operation costs one predictable branch more than its own work.
+// Every host operation runs through hostCall, so that the journal can record it and the script can replace it. While
+// journal and script are off, hostCall costs one predictable branch.
 #ifndef REELHOST_JOURNAL_HOST_CALL_H
 #define REELHOST_JOURNAL_HOST_CALL_H
 
@@ -72,9 +72,9 @@ std::invoke_result_t<Real> watchedCall(const char* operation, std::string argume
   }
 }
 
-/// Carries out an operation that may throw. @p arguments gives the text of its arguments, @p real does the work, and
-/// @p answer is the script's: an optional result, or for an operation without a result whether it replaced the
-/// operation.
+/// Runs an operation that may throw. @p arguments returns the text of its arguments, and @p real does the work.
+/// @p answer asks the script: it returns an optional result or, for an operation without a result, whether the script
+/// replaced the operation.
 template <class Arguments, class Real, class Answer = NoAnswer>
 std::invoke_result_t<Real> hostCall(const char* operation, const Arguments& arguments, const Real& real,
                                     const Answer& answer = {})
@@ -84,7 +84,7 @@ std::invoke_result_t<Real> hostCall(const char* operation, const Arguments& argu
   return watchedCall(operation, arguments(), true, real, answer);
 }
 
-/// The same for the operations that never throw.
+/// The same for operations that never throw.
 template <class Arguments, class Real>
 void hostCallNoThrow(const char* operation, const Arguments& arguments, const Real& real) noexcept
 {

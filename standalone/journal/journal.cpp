@@ -22,16 +22,16 @@ void watch(Watcher who, bool on)
 
 namespace {
 
-/// The calls kept so far. A call takes its place when it begins, so that calls made inside another follow it.
+/// The recorded calls, in the order in which they began, so that a call made inside another one follows it.
 struct Kept {
   std::mutex mutex;
   bool recording = false;
   std::FILE* trace = nullptr;
   std::vector<Call> calls;
-  std::uint64_t firstNumber = 0; ///< number of calls[0]; calls that began before it were forgotten
+  std::uint64_t firstNumber = 0; ///< the number of calls[0]; earlier calls are no longer recorded
 };
 
-// Never destroyed: the library may call the host while the process ends.
+// Never destroyed, because the library may call the host while the process ends.
 Kept& kept()
 {
   static Kept& instance = *new Kept;
@@ -80,7 +80,7 @@ void CallRecord::ended(std::string result)
     k.calls[number_ - k.firstNumber].result = call_.result;
 }
 
-// --- What tests read -----------------------------------------------------------------------------
+// --- For tests -----------------------------------------------------------------------------------
 
 Journal& Journal::the()
 {

@@ -10,14 +10,14 @@ namespace reelhost {
 
 namespace {
 
-/// The script's own counts. Those that worker threads reach are atomic.
+/// The script's counts. Counts that worker threads use are atomic.
 struct State {
   std::atomic<std::int64_t> throwingCalls = 0, throwAt = 0;
   std::atomic<bool> faultHappened = false;
   std::int64_t openings = 0, failOpenNumber = 0;
   std::int64_t databaseCalls = 0, noDatabaseAt = 0;
   bool noDatabase = false;
-  std::set<std::string> failOpen, noRow; // Cookies in their text form, here and below
+  std::set<std::string> failOpen, noRow; // Cookies in their text form, also below
   std::map<std::string, std::string> attributes;
   std::map<std::string, std::optional<std::string>> typeFields;
 };
@@ -42,7 +42,7 @@ auto find(Map& map, const Cookie& log) -> decltype(&map.begin()->second)
 
 } // namespace
 
-// What is asked for may be assigned to its members at any time: from here on every operation asks.
+// The caller may assign the script's members at any time, so from here on every operation consults the script.
 Script& Script::the()
 {
   static Script& instance = *new Script;
@@ -127,7 +127,7 @@ namespace scripted {
 
 namespace {
 
-/// Whether this thread is inside Script::before: operations made there are the test's own and meet no script.
+/// Whether this thread is inside Script::before. Operations called there belong to the test and are not replaced.
 thread_local bool insideBefore = false;
 
 struct InsideBefore {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The queries of host operations to the script. Called only while the script is in use.
+// The questions of host operations to the script. Called only while the script is in use.
 #ifndef REELHOST_JOURNAL_SCRIPT_ANSWERS_H
 #define REELHOST_JOURNAL_SCRIPT_ANSWERS_H
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Whether host operations are watched: the only value that an operation reads while journal and script are off.
+// Whether host operations are recorded or replaced. While journal and script are off, an operation reads only this.
 #ifndef REELHOST_JOURNAL_WATCH_H
 #define REELHOST_JOURNAL_WATCH_H
 
@@ -8,10 +8,10 @@
 
 namespace reelhost {
 
-/// Who watches host operations; an operation then takes the slow path.
+/// What needs host operations to take the slow path.
 enum class Watcher : unsigned { Record = 1, Trace = 2, Script = 4 };
 
-extern std::atomic<unsigned> watchers; ///< the sum of those that watch
+extern std::atomic<unsigned> watchers; ///< the sum of the active values
 
 inline bool watched()
 {

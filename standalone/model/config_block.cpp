@@ -46,7 +46,7 @@ const LightweightString<char>* ConfigBlock::find(const char* key) const
 
 void ConfigBlock::set(const char* key, const char* text)
 {
-  LightweightString<char> value(text); // made first: text may lie in this block
+  LightweightString<char> value(text); // copied first: the text may be in this block
   const std::string_view wanted = viewOf(key);
   Entry* entry = nullptr;
   for (Entry& e : entries_)

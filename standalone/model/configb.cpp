@@ -13,7 +13,7 @@ using reelhost::hostCall;
 using reelhost::Script;
 using reelhost::Word;
 
-/// Only a member of configb may look behind it; blockOf is how the rest of the host does.
+/// Gives the rest of the host access, through blockOf, to the block that only members of configb can reach.
 struct configb::Impl {
   reelhost::model::ConfigBlock block;
 
@@ -36,7 +36,7 @@ namespace {
 
 constexpr int success = 0, absent = 1;
 
-/// What an operation with an out-argument did: its status and what it wrote, if it wrote.
+/// The result of an operation with an out-argument: its status and the value that it wrote, if any.
 template <class T>
 struct Read {
   int status = absent;
@@ -52,7 +52,7 @@ std::string describe(const Read<T>& read)
   return text;
 }
 
-/// What fits of the text.
+/// Copies as much of the text as fits, and a terminator.
 const char* copyTo(char* buffer, const char* text)
 {
   const std::size_t length = std::min(std::strlen(text), codes::longestText);

@@ -19,7 +19,7 @@ namespace {
 
 using Action = Zr::Ptr<iExecutableAction>;
 
-/// The actions that wait, in order. Any thread puts in, the main thread takes out.
+/// The waiting actions, in order. Any thread adds actions; the main thread removes and runs them.
 class Queue {
 public:
   void put(const Action& action)
@@ -99,7 +99,7 @@ int co_pid()
 
 namespace reelhost {
 
-// An action leaves the queue before it runs: one that throws takes no other with it.
+// An action is removed before it runs, so that an exception loses no other action.
 int runDeferredActions()
 {
   const std::uint64_t last = queue().last();

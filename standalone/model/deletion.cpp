@@ -9,7 +9,7 @@ int deleteLogs(const CookieVec& logs)
 {
   const CookieVec gone = model::requireProject("deletion").erase(logs);
   if (!gone.empty())
-    model::tellLogsDeletion(gone);
+    model::notifyLogsDeletion(gone);
   return gone.count();
 }
 

@@ -53,7 +53,7 @@ ExtDeviceConfig configWhere(const Wanted& wanted)
   return found == devices.end() ? ExtDeviceConfig() : configOf(*found);
 }
 
-/// An IdStamp shows its number to nobody; it is all that it holds.
+/// The number is the only member of an IdStamp, but it has no accessor.
 unsigned numberIn(const IdStamp& stamp)
 {
   static_assert(sizeof(IdStamp) == sizeof(unsigned) && std::is_standard_layout_v<IdStamp>);
@@ -174,7 +174,7 @@ int ExtDeviceConfigurationManager::findConfigForName(const LightweightString<wch
       });
 }
 
-// The last reel is all that can differ from the facility's own description.
+// Only the last reel can differ from the facility's own description.
 void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig& config, bool flag)
 {
   hostCall(
@@ -185,7 +185,7 @@ void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig& config, b
         for (DeviceSettings& device : facility.devices()) {
           if (stored.id == 0 || device.id != stored.id)
             continue;
-          device.lastReel = stored.lastReel; // counts at once, and is stored with the next commit
+          device.lastReel = stored.lastReel; // takes effect at once, and is stored by the next commit
           facility.setLastReel(stored.id, stored.lastReel);
         }
       });
@@ -205,7 +205,7 @@ ExtDeviceConfigurationManager& theConfigurationManager()
   return manager;
 }
 
-// The devices of this host are descriptions: there is no connection to reset.
+// The devices of this host are only descriptions: there is no connection to reset.
 void resetDevices()
 {
   hostCall("resetDevices", noArguments, [] {});

@@ -20,7 +20,7 @@ using reelhost::model::reelIdKey;
 
 namespace {
 
-/// Gives a member of a log a new value that is to be stored.
+/// Sets a member of a log, and marks the log as to be stored.
 template <class T>
 void change(Log& log, T& member, const T& value)
 {
@@ -30,16 +30,16 @@ void change(Log& log, T& member, const T& value)
   member = value;
 }
 
-/// Adds one to the channels of a kind. Refuses the one that would leave 0 in the bits that count: whoever asks how many
-/// there are would add them for ever.
+/// Adds one to the channels of a kind. Throws Error (Refused) for the 65,536th: the bits that count channels would be 0
+/// again, so a caller that adds channels up to a number would never end.
 void addChannel(Log& log, int& channels, const char* kind)
 {
   if ((channels & codes::channelCountMask) == codes::channelCountMask)
     throw reelhost::Error(
         reelhost::ErrorKind::Refused,
         reelhost::displayText(log.reelId.empty() ? reelhost::model::fileNameOf(log) : log.reelId.c_str()) +
-            ": too many " + kind + " channels (" + std::to_string(codes::channelCountMask) +
-            " are the most; its type or its device asks for more)");
+            ": too many " + kind + " channels (at most " + std::to_string(codes::channelCountMask) +
+            "; its type or its device requires more)");
   change(log, channels, channels + 1);
 }
 
@@ -84,12 +84,12 @@ bool Edit::isImported() const
       "Edit::isImported", [&] { return describeAll(impl->cookie); }, [&] { return impl->imported; });
 }
 
-// A log of this host has one reel: the slot is ignored.
+// A log of this host has one reel, so the slot is ignored.
 void Edit::get_reelid(strp_field& out, int slot, int channel) const
 {
   hostCall(
       "Edit::get_reelid", [&] { return describeAll(impl->cookie, reelhost::Word{"strp_field&"}, slot, channel); },
-      [&]() -> const char* { // for the journal
+      [&]() -> const char* { // the text for the journal
         if (const LightweightString<char>* const id = impl->block.find(reelIdKey()))
           out.set(id->c_str());
         return out.text();
@@ -145,7 +145,7 @@ void Edit::setChangeDescription(EditModificationType type, bool flag)
       [&] { impl->changeDescription = type; });
 }
 
-// What has changed is stored whether or not anybody says so: false has nothing to take back.
+// Changes are stored anyway, so false has no effect.
 void Edit::setDirty(bool dirty)
 {
   hostCall(

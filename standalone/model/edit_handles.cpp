@@ -30,13 +30,13 @@ Edit* findEdit(const Cookie& cookie)
   return log ? &log->edit : nullptr;
 }
 
-/// The script's part of an opening: an Edit that is null when the opening is to fail.
+/// The script's result for an opening: a null Edit if the opening is to fail.
 std::optional<Edit*> scriptedOpening(const Cookie& cookie)
 {
   return reelhost::scripted::openingFails(cookie) ? std::optional<Edit*>(nullptr) : std::nullopt;
 }
 
-/// Opens a log for the operation of this name.
+/// Opens a log. @p operation is the name of the operation in the journal.
 Edit* openLog(const char* operation, const Cookie& cookie, eEditOpenBehaviour behaviour)
 {
   Edit* const edit = hostCall(
@@ -52,7 +52,7 @@ std::string logOf(const Edit* edit)
   return edit ? reelhost::describe(edit->impl->cookie) : std::string();
 }
 
-/// Ends a change: says what it was, if anything was said about it.
+/// Ends a change: notifies the listeners of it if it was described.
 void report(Edit* edit)
 {
   if (!edit || !edit->impl->changeDescription)
@@ -63,9 +63,9 @@ void report(Edit* edit)
   if (&edit->impl->project != openedProject)
     return;
   try {
-    reelhost::model::tellLogModification(cookie, modification);
+    reelhost::model::notifyLogModification(cookie, modification);
   } catch (...) {
-    // The change is made, and a destructor cannot report the failure of a listener.
+    // The change stays, and a destructor cannot report the exception of a listener.
   }
 }
 

@@ -26,7 +26,7 @@ std::string describe(const NewLog& made)
 configb& optionsWithoutProject()
 {
   static configb& none = *new configb;
-  reelhost::model::blockOf(none).assign({}); // what was set where there is no project is gone
+  reelhost::model::blockOf(none).assign({}); // options set without a project are dropped
   return none;
 }
 
@@ -42,7 +42,7 @@ void EditManager::updateProjdbRec(const Cookie& cookie)
       });
 }
 
-// Called with an invalid Cookie only: a log of a given name cannot be asked for.
+// The library passes only an invalid Cookie: it never requests a log of a certain name.
 EditModifier EditManager::makeNewEdit(const Cookie& cookie)
 {
   const NewLog made = hostCall(

@@ -15,13 +15,13 @@ using reelhost::Script;
 
 namespace {
 
-/// Whether the name is that of a file in the folder of label maps, and of nothing elsewhere.
+/// Whether the name cannot lead out of the folder of label maps.
 bool isPlain(const std::string& name)
 {
   return !name.empty() && name.find('/') == std::string::npos && name != "." && name != "..";
 }
 
-/// Reads the map's file; false, with the entries as they were, when it cannot be read.
+/// Reads the map's file. Returns false, and leaves the entries unchanged, if it cannot be read.
 bool readEntries(const std::string& name, LabelMappingSet::Entry (&entries)[LabelMappingSet::numEntries])
 {
   const reelhost::Facility& facility = reelhost::model::facilityOrNone();

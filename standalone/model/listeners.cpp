@@ -76,22 +76,22 @@ void ProjectListener::handleProjectExit() {}
 
 namespace reelhost::model {
 
-void tellProjectEntry()
+void notifyProjectEntry()
 {
   listeners().tell([](ProjectListener& listener) { listener.handleProjectEntry(); });
 }
 
-void tellProjectExit()
+void notifyProjectExit()
 {
   listeners().tell([](ProjectListener& listener) { listener.handleProjectExit(); });
 }
 
-void tellLogModification(const Cookie& log, const EditModification& modification)
+void notifyLogModification(const Cookie& log, const EditModification& modification)
 {
   listeners().tell([&](ProjectListener& listener) { listener.handleLogModification(log, modification); });
 }
 
-void tellLogsDeletion(const CookieVec& logs)
+void notifyLogsDeletion(const CookieVec& logs)
 {
   listeners().tell([&](ProjectListener& listener) { listener.handleLogsDeletion(logs, {}); });
 }

@@ -9,10 +9,10 @@
 
 namespace reelhost::model {
 
-void tellProjectEntry();
-void tellProjectExit();
-void tellLogModification(const Cookie& log, const EditModification& modification);
-void tellLogsDeletion(const CookieVec& logs);
+void notifyProjectEntry();
+void notifyProjectExit();
+void notifyLogModification(const Cookie& log, const EditModification& modification);
+void notifyLogsDeletion(const CookieVec& logs);
 
 } // namespace reelhost::model
 

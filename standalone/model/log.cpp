@@ -61,7 +61,7 @@ void Edit::Impl::showReelId(const LightweightString<char>& id)
   reelIdText = reelId.c_str();
 }
 
-// The row's cell is what the type is read from; the key is there for other modules.
+// This host reads the type from the row's cell; other modules read the key.
 void Edit::Impl::setReelType(const LightweightString<char>& typeName, bool shownAtOnce)
 {
   project.changing(*this);

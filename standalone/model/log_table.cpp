@@ -39,7 +39,7 @@ void LogTable::erase(Log& log)
     hole = next(hole);
   }
   log.isGone = true;
-  // A search must not stop at the new hole before it came to what lies behind: that moves up.
+  // A search stops at a hole. So later entries that it would no longer find are moved into the hole.
   for (std::size_t i = next(hole); slots_[i].log; i = next(i)) {
     const std::size_t home = place(slots_[i].log->words);
     const std::size_t mask = slots_.size() - 1;

@@ -25,7 +25,7 @@ Cookie importMaterial(const Material& material)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
   const Cookie cookie = project.create(std::move(log)).cookie;
-  model::tellLogModification(cookie, EditModification(codes::madeOrImported));
+  model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
 }
 

@@ -18,7 +18,7 @@ namespace {
 
 constinit std::chrono::milliseconds busyTimeout_ = std::chrono::seconds(2);
 
-/// The project that is open, and those that are closed but for a handle that somebody still holds on one of their logs.
+/// The open project, and closed projects that stay in memory while handles on their logs are open.
 struct Projects {
   std::unique_ptr<Project> open;
   std::vector<std::unique_ptr<Project>> closed;
@@ -31,7 +31,7 @@ Projects& projects()
   return instance;
 }
 
-/// Puts @p project, which may be null, in the place of the open one.
+/// Closes the open project and makes @p project, which may be null, the open one.
 void replaceProject(std::unique_ptr<Project> project)
 {
   Projects& p = projects();
@@ -61,7 +61,7 @@ void openProject(std::unique_ptr<Store> store, Access access)
 {
   closeProject();
   replaceProject(std::make_unique<Project>(std::move(store), access, access));
-  model::tellProjectEntry();
+  model::notifyProjectEntry();
 }
 
 void openProject(const std::string& name, Access access)
@@ -76,9 +76,9 @@ void closeProject() noexcept
     return;
   p.isClosing = true;
   try {
-    model::tellProjectExit();
+    model::notifyProjectExit();
   } catch (...) {
-    // The project is closed nevertheless, and the failure cannot be reported.
+    // The project is closed anyway, and the exception cannot be reported.
   }
   p.isClosing = false;
   replaceProject(nullptr);
@@ -121,14 +121,14 @@ void idle()
     openedProject->idle();
 }
 
-// The new state is read before the old one goes: when it cannot be read, the old one stays.
+// The new state is read before the old one is dropped, so the old one stays if reading fails.
 bool reloadIfChangedElsewhere()
 {
   if (!openedProject || !openedProject->changedElsewhere())
     return false;
-  openedProject->letGo();
+  openedProject->endUse();
   replaceProject(std::make_unique<Project>(openedProject->store(), openedProject->access(), Access::Read));
-  openedProject->idle(); // who waited goes on waiting
+  openedProject->idle(); // the project waits as before
   return true;
 }
 

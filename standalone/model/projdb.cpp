@@ -28,7 +28,7 @@ namespace {
 // The columns of a row. 0 is not a column.
 constexpr unsigned short noColumn = 0, typeColumn = 1, reelTypeColumn = 2;
 
-// Which project they are about is asked when they are used: there is one open at a time.
+// These objects refer to the project that is open when they are used; at most one project is open.
 projdb database_{};
 oledb tables_;
 

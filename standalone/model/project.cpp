@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t prefixLength = 8, numberLength = 8; // together the sixteen bytes of a UUID
 constexpr std::int64_t lastNumber = 99'999'999;
 
-/// Eight characters that say of which project a log is, so that logs of two projects are hardly ever named alike.
+/// Eight characters made from the project's UUID, so that logs of two projects hardly ever have the same name.
 std::string prefixFor(const std::array<unsigned char, 16>& project)
 {
   std::uint64_t hash = 0xcbf29ce484222325u;
@@ -35,7 +35,7 @@ bool byNumber(const Log* a, const Log* b)
   return a->number < b->number;
 }
 
-/// Sees to it that one more element needs no memory.
+/// Makes sure that adding one more element needs no memory.
 template <class T>
 void makeRoom(std::vector<T>& list)
 {
@@ -77,7 +77,7 @@ Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     blockOf(options_).setOwner(&optionsOwner_);
     store_->readReels([this](StoredLog&& log) { read(std::move(log)); });
   } catch (...) {
-    letGo();
+    endUse();
     throw;
   }
 }
@@ -91,13 +91,13 @@ void Project::close() noexcept
 {
   if (std::exchange(isClosed_, true))
     return;
-  letGo();
+  endUse();
   store_.reset();
 }
 
 // --- The use of the store ------------------------------------------------------------------------
 
-void Project::letGo() noexcept
+void Project::endUse() noexcept
 {
   if (std::exchange(use_, Use::None) != Use::None)
     store_->end();
@@ -108,13 +108,13 @@ void Project::use(Access needed)
   if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
     return;
   if (changedElsewhere())
-    throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it anew)");
-  letGo();
+    throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it again)");
+  endUse();
   store_->begin(needed, busyTimeout());
   use_ = needed == Access::Write ? Use::Write : Use::Read;
 }
 
-// A project that is only read may be changed in memory: that is how a change is tried out.
+// A project that was opened for reading may be changed in memory, to try out a change.
 void Project::useForChange()
 {
   if (access_ == Access::Write)
@@ -128,11 +128,11 @@ bool Project::changedElsewhere()
   return isStale_;
 }
 
-// Everything is read first: what is asked later must not come from another state of the project.
+// Everything is read first, so that later reads do not mix two states of the project.
 void Project::idle()
 {
   loadOthers();
-  letGo();
+  endUse();
 }
 
 // --- Reading -------------------------------------------------------------------------------------
@@ -152,7 +152,7 @@ Log& Project::add(StoredLog&& stored)
   return log;
 }
 
-// A log that was stored since the project was opened is in memory already, and one that is to go must not come back.
+// Logs in memory are skipped: they were stored since the project was opened. So are logs that are to be deleted.
 void Project::read(StoredLog&& stored)
 {
   Zr::UUID uuid;
@@ -341,12 +341,11 @@ CookieVec Project::erase(const CookieVec& cookies)
   return gone;
 }
 
-// The store lets the last deletion come back before it puts anything into the trash.
+// The store restores the last deletion before it moves anything to the trash.
 int Project::undelete()
 {
   if (!deleted_.empty() || undelete_ || compact_)
-    throw Error(ErrorKind::Refused,
-                subject() + ": cannot undelete (what was deleted or brought back is not stored yet)");
+    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a deletion or an undeletion is not stored yet)");
   useForChange();
   use(Access::Read);
   int count = 0;
@@ -362,7 +361,7 @@ int Project::compact()
 {
   if (!deleted_.empty() || undelete_ || compact_)
     throw Error(ErrorKind::Refused,
-                subject() + ": cannot empty the trash (what was deleted or brought back is not stored yet)");
+                subject() + ": cannot empty the trash (a deletion or an undeletion is not stored yet)");
   useForChange();
   use(Access::Read);
   const std::int64_t count = store_->trashCount();
@@ -420,14 +419,14 @@ bool Project::commit()
 {
   if (!hasChanges()) {
     if (use_ == Use::Write)
-      letGo();
+      endUse();
     return false;
   }
   if (access_ == Access::Read)
     throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
   use(Access::Write);
   const Changes changes = collect();
-  use_ = Use::None; // the store ends the use, whatever comes of it
+  use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
   forgetChanges();
   return true;

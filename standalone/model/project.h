@@ -35,7 +35,7 @@ public:
   ~Project();
   Project(const Project&) = delete;
   Project& operator=(const Project&) = delete;
-  /// Ends the use of the store for good. Handles on logs stay good as long as the Project; changes to them are lost.
+  /// Ends the use of the store. Open handles on logs stay valid as long as the Project, but changes to them are lost.
   void close() noexcept;
 
   const std::shared_ptr<Store>& store() const { return store_; }
@@ -57,8 +57,8 @@ public:
   CookieVec othersWithReelId(std::string_view id); ///< those with this identifier, in any ASCII case
   std::unordered_map<std::string, std::int64_t> countOthersByReelId();
 
-  // --- Changing. Each throws Error when another process keeps the project or has changed it. -----
-  Log& create(StoredLog&& log);           ///< number and Cookie are given here
+  // --- Changing. Each throws Error if another process holds the project or has changed it. -------
+  Log& create(StoredLog&& log);           ///< sets the log's number and Cookie
   void changing(Log& log);                ///< to be called before a change that is to be stored
   void reelIdChanged(Log& log);           ///< to be called after the change
   void typeChanged(Log& log);             ///< likewise
@@ -68,9 +68,9 @@ public:
 
   // --- Storing -----------------------------------------------------------------------------------
   bool hasChanges() const;
-  bool commit(); ///< whether anything was stored
+  bool commit(); ///< returns whether anything was stored
   void idle();
-  void letGo() noexcept;   ///< ends the use of the store for now
+  void endUse() noexcept;  ///< ends the use of the store for now
   bool changedElsewhere(); ///< stays true until the project is read again
 
 private:
@@ -106,7 +106,7 @@ private:
 
   ProjectInfo info_;
   Cookie cookie_;
-  std::string logPrefix_; ///< what the names of the project's logs begin with
+  std::string logPrefix_; ///< the start of the names of the project's logs
   std::int64_t nextNumber_ = 1;
   configb options_;
   OptionsOwner optionsOwner_{*this};

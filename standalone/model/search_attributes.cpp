@@ -9,7 +9,7 @@ using reelhost::hostCall;
 using reelhost::noArguments;
 using reelhost::model::SearchAttributes;
 
-/// Only a member of Map may look behind it; attributesIn is how the rest of the host does.
+/// Gives the rest of the host access, through attributesIn, to the values that only members of Map can reach.
 struct LogAttributes::Map::Impl {
   SearchAttributes attributes;
 

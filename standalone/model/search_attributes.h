@@ -11,7 +11,7 @@ namespace reelhost::model {
 
 using SearchAttributes = std::vector<std::pair<LogAttributes::eLogAttribute, LightweightString<char>>>;
 
-/// What was added to a Map, in order.
+/// The attributes that were added to a Map, in order.
 const SearchAttributes& attributesIn(const LogAttributes::Map& map);
 
 } // namespace reelhost::model

@@ -21,10 +21,10 @@ namespace reelhost {
 
 namespace {
 
-/// Where settings come from. The library asks while it is loaded, before any constructor of the program has run.
+/// The source of settings. The library reads settings while it is loaded, before any constructor of the program runs.
 struct Source {
   Facility facility;          ///< an empty one if there is no facility
-  std::optional<Error> error; ///< why the one that the environment names is not it
+  std::optional<Error> error; ///< why the facility named by the environment cannot be used
 
   Source()
   {
@@ -79,8 +79,8 @@ const char* kept(const std::string& text)
   return texts.insert(text).first->c_str();
 }
 
-// No file can lie below a device. So without a facility no type file in the working folder is taken for its own, and
-// one that was refused, which could end the process, is not read all the same.
+// No file can exist below a device. So without a facility the library reads no type file: neither one of the working
+// folder, nor one that was refused and could end the process.
 constexpr wchar_t nowhere[] = L"/dev/null/";
 
 LightweightString<wchar_t> deviceDataDirectory()

@@ -6,13 +6,14 @@
 #include "host/codes.h"
 #include "reelhost/host.h"
 
-// Weak, so that this host loads also where the library is not.
+// Weak, so that this host also loads without the library.
 extern int glib_pid __attribute__((weak));
 
 namespace {
 
-/// The library compares identifiers by the letter cases of LC_CTYPE. A locale of the thread outlives what the program
-/// makes of the process's: Turkish would keep "live1" from finding "LIVE1". In C.UTF-8 bytes have the cases of "C".
+/// The library compares identifiers by the letter cases of LC_CTYPE. With a Turkish locale "live1" would not find
+/// "LIVE1". A locale of the thread stays in effect whatever locale the program sets for the process. C.UTF-8 treats
+/// bytes as "C" does.
 void pinLetterCases()
 {
   static const locale_t pinned = [] {

@@ -23,7 +23,7 @@ LightweightString<wchar_t> padded(const wchar_t* before, LightweightString<wchar
   return LightweightString<wchar_t>(before) + text + LightweightString<wchar_t>(after);
 }
 
-/// What printf would print.
+/// The text that printf would print.
 std::string formatted(const char* format, std::va_list arguments)
 {
   std::va_list again;
@@ -41,17 +41,17 @@ std::function<void(std::string_view)>& sink()
   return instance;
 }
 
-/// Whether all of the text went out.
+/// Prints the text. Returns whether all of it was written.
 bool print(const std::string& text)
 {
-  if (const auto to = sink()) { // its own: the sink may name another
+  if (const auto to = sink()) { // a copy: the sink may set another sink
     to(text);
     return true;
   }
   return std::fwrite(text.data(), 1, text.size(), stderr) == text.size();
 }
 
-/// The text as it may be printed. What ends it is the line end of the message; any other belongs to what it speaks of.
+/// The text as it may be printed. A line feed at its end stays, because it ends the message. Others are escaped.
 std::string shown(std::string_view text)
 {
   const bool ends = !text.empty() && text.back() == '\n';

@@ -16,7 +16,7 @@ using reelhost::model::openedProject;
 
 namespace {
 
-/// A row as the view shows it. It keeps its texts, so that they stay while it is shown.
+/// A row of the view. It keeps its own texts, so that they stay valid while it is shown.
 struct ViewRow {
   const char* type;
   LightweightString<char> reelType;
@@ -27,7 +27,7 @@ struct ViewRow {
 struct ODBViewRep::Impl {
   std::vector<ViewRow> rows;
 
-  /// Shows the rows of these logs from @p position on; logs that have no row, or that @p hidden names, are passed over.
+  /// Shows the rows of these logs from @p position on, without logs that have no row or that are @p hidden.
   template <class Hidden>
   void show(const std::vector<Cookie>& logs, int position, const Hidden& hidden)
   {

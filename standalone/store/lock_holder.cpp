@@ -17,10 +17,9 @@ namespace reelhost {
 
 namespace {
 
-/// The process that holds a lock on @p length bytes of @p path from @p start on; 0 when none can be named.
+/// The process that holds a lock on @p length bytes of @p path from @p start on; 0 if it cannot be found.
 ///
-/// Asks through the descriptor that SQLite already has: closing one of our own would drop every lock that this process
-/// holds on the file.
+/// Uses the descriptor of SQLite: closing another descriptor of the file would drop all locks of this process on it.
 pid_t holderOf(const std::string& path, off_t start, off_t length)
 {
   struct stat wanted = {};
@@ -45,7 +44,7 @@ pid_t holderOf(const std::string& path, off_t start, off_t length)
   return 0;
 }
 
-/// The command line of a process, its program without the folder; empty when it cannot be read.
+/// The command line of a process, with the program's name without its folder; empty if it cannot be read.
 std::string commandOf(pid_t pid)
 {
   std::ifstream file("/proc/" + std::to_string(pid) + "/cmdline", std::ios::binary);
@@ -56,7 +55,7 @@ std::string commandOf(pid_t pid)
   if (folder != std::string::npos)
     line.erase(0, folder + 1);
   std::replace(line.begin(), line.end(), '\0', ' ');
-  constexpr std::size_t longest = 120; // a list of a thousand files helps nobody
+  constexpr std::size_t longest = 120; // the start of a long list of files is enough
   if (line.size() > longest)
     line = line.substr(0, longest) + "...";
   return displayText(line);
@@ -66,7 +65,7 @@ std::string commandOf(pid_t pid)
 
 std::string writeLockHolder(const std::string& absolutePath)
 {
-  // The bytes that SQLite locks for writing: in the index of the write-ahead log, else in the file itself.
+  // SQLite locks these bytes for writing: in the index of the write-ahead log if there is one, else in the file itself.
   pid_t pid = holderOf(absolutePath + "-shm", 120, 1);
   if (pid == 0)
     pid = holderOf(absolutePath, 0x40000000, 2);

@@ -78,7 +78,7 @@ public:
 
   void commit(const Changes& changes) override
   {
-    // Whatever needs memory comes first: nothing has changed when it runs short.
+    // Memory is allocated first, so that nothing has changed if that fails.
     std::map<std::int64_t, Record> incoming;
     for (const StoredLog& log : changes.logs) {
       StoredLog& kept = incoming[log.number].log;

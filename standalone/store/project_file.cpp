@@ -36,7 +36,7 @@ bool inspectCompanion(const std::filesystem::path& subject, const std::string& p
 {
   if (::lstat(path.c_str(), &status) != 0)
     return false;
-  // A link in its place would have SQLite write to somewhere else.
+  // Through a link in its place SQLite would write to another file.
   if (!S_ISREG(status.st_mode))
     throw Error(ErrorKind::Unreadable, displayText(subject.native()) + ": damaged (" + displayText(path) + " is " +
                                            base::kindOfFile(status.st_mode) + ")");
@@ -55,7 +55,7 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
   }
   if (!S_ISREG(status.st_mode))
     throw Error(ErrorKind::Unreadable,
-                displayText(path.native()) + ": no project (" + base::kindOfFile(status.st_mode) + ")");
+                displayText(path.native()) + ": not a project (" + base::kindOfFile(status.st_mode) + ")");
   if (::faccessat(AT_FDCWD, path.c_str(), R_OK, AT_EACCESS) != 0)
     throw hostError(base::FileError(path, "cannot be opened", errno));
 
@@ -70,13 +70,13 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path)
   file.size = static_cast<std::uintmax_t>(status.st_size);
   file.modified = static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec;
 
-  file.whyNot = whyNotWritable(file.path, status.st_mode, "its mode allows no writing");
+  file.whyNot = whyNotWritable(file.path, status.st_mode, "its mode does not allow writing");
   if (file.whyNot.empty()) {
     const std::string folder = base::folderOf(file.path).native();
     struct stat folderStatus = {};
     if (::stat(folder.c_str(), &folderStatus) != 0)
       throw hostError(base::FileError(path, "cannot be opened", errno));
-    file.whyNot = whyNotWritable(folder, folderStatus.st_mode, "the mode of its folder allows no writing");
+    file.whyNot = whyNotWritable(folder, folderStatus.st_mode, "the mode of its folder does not allow writing");
   }
   file.writable = file.whyNot.empty();
 

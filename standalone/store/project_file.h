@@ -12,7 +12,7 @@
 
 namespace reelhost {
 
-/// SQLite allows 512 bytes for a full path with the longest of the endings it adds.
+/// In bytes. SQLite allows 512 bytes for a full path with the longest ending that it adds.
 constexpr std::size_t longestProjectPath = 500;
 
 struct ProjectFile {

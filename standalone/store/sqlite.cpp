@@ -17,11 +17,11 @@ Cause causeOf(int code)
   switch (code & 0xFF) {
   case SQLITE_BUSY:
   case SQLITE_LOCKED:
-  case SQLITE_PROTOCOL: // a read could not begin for others' locks, again and again
+  case SQLITE_PROTOCOL: // the locks of others kept a read from beginning several times
     return Cause::Busy;
   case SQLITE_CORRUPT:
   case SQLITE_NOTADB:
-  case SQLITE_ERROR: // every statement is our own: a table or a column is not there
+  case SQLITE_ERROR: // all statements are our own, so a table or a column is missing
   case SQLITE_SCHEMA:
     return Cause::Damaged;
   case SQLITE_READONLY:
@@ -41,12 +41,12 @@ Cause causeOf(int code)
 
 [[noreturn]] void fail(sqlite3* database, int code)
 {
-  const int system = sqlite3_system_errno(database); // of the last call that failed for it; 0 without a database
+  const int system = sqlite3_system_errno(database); // from the last failed system call; 0 without a database
   const bool systemRefused = (code & 0xFF) == SQLITE_CANTOPEN || (code & 0xFF) == SQLITE_IOERR;
   if (systemRefused && system == ENOSPC)
-    throw Failure(Cause::Full, sqlite3_errstr(SQLITE_FULL)); // whatever it was that it made or made longer
+    throw Failure(Cause::Full, sqlite3_errstr(SQLITE_FULL)); // whichever file was to be made or to grow
   std::string text = database ? sqlite3_errmsg(database) : sqlite3_errstr(code);
-  if ((code & 0xFF) == SQLITE_CANTOPEN && system != 0) // otherwise the system's error may be an older one
+  if ((code & 0xFF) == SQLITE_CANTOPEN && system != 0) // otherwise the system's error may come from an earlier call
     text += ": " + std::generic_category().message(system);
   throw Failure(causeOf(code), text);
 }
@@ -57,7 +57,7 @@ void check(sqlite3* database, int code)
     fail(database, code);
 }
 
-/// The file name as a URI, which is how modes that have no flag are asked for.
+/// The file name as a URI, because some modes have a parameter of the URI but no flag.
 std::string uri(const std::string& path, Database::Mode mode)
 {
   static const char digits[] = "0123456789ABCDEF";
@@ -78,8 +78,8 @@ std::string uri(const std::string& path, Database::Mode mode)
   return out;
 }
 
-/// SQLite's own view of the open file. To open and close it a second time would drop the locks that this process holds
-/// on it.
+/// SQLite's own handle of the open file. If the file were opened and closed again here, this process would lose its
+/// locks on it.
 sqlite3_file* fileOf(sqlite3* database)
 {
   sqlite3_file* file = nullptr;
@@ -96,7 +96,7 @@ void Database::Closer::operator()(sqlite3* handle) const
 
 Database::Database(const std::string& absolutePath, Mode mode)
 {
-  const bool writable = mode == Mode::ReadWrite || mode == Mode::Exclusive; // the lock takes it, too
+  const bool writable = mode == Mode::ReadWrite || mode == Mode::Exclusive; // the exclusive lock needs it, too
   const int access = writable ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY;
   sqlite3* opened = nullptr;
   const int code = sqlite3_open_v2(uri(absolutePath, mode).c_str(), &opened,
@@ -189,7 +189,7 @@ Statement::Statement(Database& database, std::string_view sql) : database_(datab
 
 Statement& Statement::bind(int parameter, std::string_view text)
 {
-  const char* start = text.empty() ? "" : text.data(); // a null pointer would bind NULL
+  const char* start = text.empty() ? "" : text.data(); // a null pointer would store NULL
   check(database_, sqlite3_bind_text64(handle_.get(), parameter, start, text.size(), SQLITE_STATIC, SQLITE_UTF8));
   return *this;
 }
@@ -239,7 +239,7 @@ std::int64_t Statement::integer(int column) const
 
 std::string_view Statement::text(int column) const
 {
-  // The blob call hands out the bytes of a text without looking at them.
+  // The blob call returns the bytes of a text unchanged.
   const void* start = sqlite3_column_blob(handle_.get(), column);
   const int size = sqlite3_column_bytes(handle_.get(), column);
   return start ? std::string_view(static_cast<const char*>(start), static_cast<std::size_t>(size)) : std::string_view();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Four small classes on SQLite. Only sqlite.cpp includes SQLite's own header. One connection and its statements belong
-// to one thread.
+// Four small classes around SQLite. Only sqlite.cpp includes SQLite's own header. A connection and its statements
+// belong to one thread.
 #ifndef REELDB_STORE_SQLITE_H
 #define REELDB_STORE_SQLITE_H
 
@@ -21,11 +21,11 @@ namespace reelhost::sqlite {
 enum class Cause {
   Busy,       ///< another connection holds a lock
   Damaged,    ///< not a database, malformed, or without the expected tables and columns
-  ReadOnly,   ///< it cannot be written
-  CannotOpen, ///< it, or a file that goes with it, cannot be opened
+  ReadOnly,   ///< the file cannot be written
+  CannotOpen, ///< the file, or a file beside it, cannot be opened
   Constraint, ///< a value that the schema forbids
-  Full,       ///< the disk has no room for it, or for a file that goes with it
-  Other,      ///< the system refused a read or a write, or memory is short
+  Full,       ///< the disk has no room for the file, or for a file beside it
+  Other,      ///< the system refused a read or a write, or there is not enough memory
 };
 
 /// A failed call of SQLite. what() is SQLite's own text, followed by the system's text if there is one.
@@ -55,11 +55,11 @@ public:
   void execute(const char* sql);         ///< runs the statements; rows are dropped
   bool tryExecute(const char* sql);      ///< likewise; false when a statement fails. Never throws
   std::int64_t integer(const char* sql); ///< first column of the first row; 0 when there is no row
-  std::string text(const char* sql);     ///< likewise
+  std::string text(const char* sql);     ///< likewise; empty when there is no row
   std::string readStart(int bytes);      ///< the first bytes of the file on disk, fewer if it is shorter
   std::int64_t fileSize();
   void setBusyTimeout(std::chrono::milliseconds timeout); ///< how long to wait for a lock
-  /// Whether the last connection that closes leaves the write-ahead log where it is. As opened: no.
+  /// Whether the last connection keeps the write-ahead log when it closes. It does not, unless this is called.
   void keepLogOnClose(bool keep);
   bool moved();         ///< whether the path no longer leads to the file that was opened
   bool inTransaction(); ///< whether a transaction is open

@@ -49,7 +49,7 @@ void createProject(const std::filesystem::path& path, const ProjectInfo& info, c
   };
   if (isTaken(path))
     throw base::FileError(base::FileFault::Exists, path, "exists already");
-  // The write-ahead log of an earlier project of this name would be taken for this one's.
+  // SQLite would read the write-ahead log of an earlier project of this name as the log of this one.
   for (const char* ending : {"-wal", "-shm", "-journal"})
     if (const std::filesystem::path left = path.native() + ending; isTaken(left))
       throw base::FileError(base::FileFault::Exists, left, "left over from another project", "move it away first");

@@ -14,7 +14,7 @@ using sqlite::Statement;
 
 namespace {
 
-/// The lines of an integrity check without their headings; none when all is well.
+/// The lines of an integrity check without their headings; empty if there is no fault.
 std::vector<std::string> problemsFrom(Database& database, const char* sql)
 {
   std::vector<std::string> problems;
@@ -59,7 +59,7 @@ std::vector<std::string> integrityProblems(Database& database)
   };
   add("SELECT DISTINCT log FROM fields WHERE log NOT IN (SELECT number FROM logs)", "fields without a log");
   add("SELECT number FROM logs WHERE number > (SELECT value FROM project WHERE key = 'last_number')",
-      "a number that was not given out");
+      "a number that was never given to a log");
   add("SELECT number FROM logs WHERE kind = 'I' ORDER BY number", "no valid identity (its kind is 'I')");
   add("SELECT max(number) FROM logs GROUP BY uuid, tag, kind HAVING count(*) > 1", "the identity of another log");
   return problems;

@@ -12,9 +12,8 @@
 
 namespace reelhost {
 
-/// "N of M bytes" if the start of the file says that a part of it is missing, else empty. Also empty while there is a
-/// write-ahead log, because its content may not be in the file yet. Throws also what inspectProjectFile throws for
-/// @p path.
+/// "N of M bytes" if the file is shorter than its first bytes say, else empty. Also empty while there is a write-ahead
+/// log, because its content may not be in the file yet. Also throws what inspectProjectFile throws for @p path.
 std::string missingBytes(sqlite::Database& database, const std::filesystem::path& path);
 
 /// The first fault in the pages of the file; empty if there is no fault.

@@ -32,7 +32,7 @@ const char* conditionFor(LogSet set)
   return "deletion = (SELECT max(deletion) FROM logs WHERE deletion IS NOT NULL)";
 }
 
-/// The keys of logs that are not columns, read alongside the logs in ascending order of the number.
+/// The keys of logs that are not columns. They are read in ascending order of the logs' numbers.
 class FieldRows {
 public:
   explicit FieldRows(Database& database)
@@ -42,7 +42,7 @@ public:
 
   void appendTo(KeyValues& fields, std::int64_t number)
   {
-    // Steps over a few rows of skipped logs; for more rows a new search is cheaper.
+    // Skips a few rows of other logs one by one; for more rows a new search is cheaper.
     for (int steps = 0; at_ < number; ++steps) {
       if (at_ == nowhere || steps == nearby) {
         rows_.reset();
@@ -60,7 +60,7 @@ private:
   static constexpr std::int64_t nowhere = std::numeric_limits<std::int64_t>::min();
   static constexpr int nearby = 16;
   Statement rows_;
-  std::int64_t at_ = nowhere; ///< the log of the row the statement stands on
+  std::int64_t at_ = nowhere; ///< the log of the statement's current row
 };
 
 StoredLog logIn(const Statement& row)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads a project from its tables. All functions throw sqlite::Failure, with cause Damaged if the tables hold data that
-// no program of ours has written. REQUIRES: a transaction.
+// Reads a project from its tables. All functions throw sqlite::Failure, with cause Damaged if the tables contain data
+// that this program never writes. REQUIRES: a transaction.
 #ifndef REELDB_STORE_SQLITE_READER_H
 #define REELDB_STORE_SQLITE_READER_H
 

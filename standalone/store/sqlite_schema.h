@@ -14,11 +14,11 @@ namespace reelhost {
 /// In bytes 68 to 71 of every project file ("REEL"). Never changes.
 constexpr std::int64_t projectApplicationId = 0x5245454C;
 
-/// Step n (from 0) brings a file of version n to version n + 1. A step that was released is never edited: files of that
-/// version exist. A change of the tables is one more step at the end.
+/// Step n (from 0) upgrades a file of version n to version n + 1. A released step is never edited, because files of
+/// that version exist. A change of the tables is a new step at the end.
 using SchemaSteps = std::vector<const char*>;
 
-/// The steps of this program; their count is the version it reads and writes.
+/// The steps of this program. Their number is the version that it reads and writes.
 const SchemaSteps& schemaSteps();
 
 /// Brings the tables from their version to the last one, one step at a time. REQUIRES: a transaction that writes.

@@ -18,12 +18,12 @@ using sqlite::Transaction;
 
 namespace {
 
-/// A file up to this size is verified as a whole when it is opened: that takes some 40 ms, which nobody notices. In a
-/// larger one damage is found when the page is read, and by Store::check.
+/// A file up to this size is verified completely when it is opened, which takes up to 40 ms. Damage in a larger file is
+/// found when the damaged page is read, and by Store::check.
 constexpr std::uintmax_t verifyLimit = 8 * 1024 * 1024;
 
-/// Milliseconds between two attempts to have the file to oneself, at most: not the same for everybody, or they would
-/// meet again and again.
+/// The longest pause in milliseconds between two attempts to lock the file exclusively. Processes pause for different
+/// times: with equal pauses they would collide again.
 constexpr int mostPause = 8;
 
 Database::Mode modeFor(const ProjectFile& file)
@@ -67,16 +67,16 @@ void SqliteSession::begin(Kind kind, std::chrono::milliseconds busyTimeout, Purp
       const Cause cause = failure.cause();
       end();
       if (cause == Cause::Busy && isShared(mode))
-        throw error; // the connection stays: its version is the one to compare
+        throw error; // the connection stays open, because changedElsewhere compares its version
       close();
       const bool noIndex = cause == Cause::CannotOpen || cause == Cause::ReadOnly;
       if (mode == Mode::Exclusive && cause == Cause::Busy && std::chrono::steady_clock::now() < last)
-        // Not in SQLite, which would go on sharing the file while it waits: two could do that for ever.
+        // SQLite itself must not wait here: it keeps its shared lock meanwhile, so two processes could wait for ever.
         std::this_thread::sleep_for(std::chrono::milliseconds(1 + ::getpid() % mostPause));
       else if (mode == Mode::ReadOnly && noIndex && file.logSize == 0)
-        mode = Mode::Immutable; // the index is a remnant, or was made for others only; the file is whole
+        mode = Mode::Immutable; // the index is left over or belongs to others; the file alone is complete
       else if (mode == Mode::ReadWrite && kind == Kind::Read && cause == Cause::Full)
-        mode = Mode::Exclusive; // there is no room for the index
+        mode = Mode::Exclusive; // the disk has no room for the index
       else
         throw error;
     } catch (...) {
@@ -93,20 +93,20 @@ void SqliteSession::open(const ProjectFile& file, Mode mode, std::chrono::millis
   const bool isNew = !database_;
   if (isNew)
     database_.emplace(file.path, mode);
-  // Before anything that may have to wait: another process may be closing the file behind itself.
+  // This comes before all calls that may wait, because another process may just be closing the file.
   database_->setBusyTimeout(mode == Mode::Exclusive ? std::chrono::milliseconds(0) : busyTimeout);
   if (!isNew)
     return;
   mode_ = mode;
   file_ = file;
   verified_ = false;
-  // Until the file is known to be a project in order, nothing may move from its log into it.
+  // Until the file has been verified, nothing may be written from its log into it.
   database_->keepLogOnClose(file.logSize > 0);
   const FileStart start = readFileStart(database_->readStart(100));
   if (!start.isSqlite)
-    refuse(ErrorKind::Unreadable, "no project (not an SQLite file)");
+    refuse(ErrorKind::Unreadable, "not a project (not an SQLite file)");
   if (start.applicationId != projectApplicationId)
-    refuse(ErrorKind::Unreadable, "no project (an SQLite file of another application)");
+    refuse(ErrorKind::Unreadable, "not a project (an SQLite file of another application)");
   requireKnown(start.version);
   database_->execute("PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL; PRAGMA cell_size_check = ON");
 }
@@ -129,7 +129,7 @@ void SqliteSession::start(Kind kind, Purpose purpose)
 std::unique_ptr<Transaction> SqliteSession::transactionOf(Kind kind)
 {
   auto transaction = std::make_unique<Transaction>(*database_, kind);
-  requireKnown(database_->integer("PRAGMA user_version")); // the first read: it takes the snapshot
+  requireKnown(database_->integer("PRAGMA user_version")); // the first read begins the snapshot
   return transaction;
 }
 
@@ -174,15 +174,16 @@ void SqliteSession::commit(const std::function<void(Database&)>& write)
     write(*database_);
     transaction_->commit();
   });
-  // Some tools copy a project without its write-ahead mode, and readers then keep writers away. Not now means next
-  // time.
+  // Some tools copy a project without its write-ahead mode, and readers then block writers. If setting the mode fails
+  // now, the next commit tries again.
   database_->tryExecute("PRAGMA journal_mode = WAL");
 }
 
 void SqliteSession::end() noexcept
 {
   transaction_.reset();
-  // Others wait for a file that this process has to itself. A transaction that cannot be rolled back ends no other way.
+  // An exclusively locked file must not keep others waiting. A transaction that cannot be rolled back ends only by
+  // closing.
   if (database_ && (mode_ == Mode::Exclusive || database_->inTransaction()))
     close();
 }
@@ -192,7 +193,7 @@ void SqliteSession::close() noexcept
   transaction_.reset();
   database_.reset();
   if (version_ && isShared(mode_))
-    version_ = otherVersion; // another connection counts from its own start
+    version_ = otherVersion; // versions of different connections cannot be compared
 }
 
 SqliteSession::Version SqliteSession::currentVersion()
@@ -218,7 +219,7 @@ bool SqliteSession::changedElsewhere()
       const Version now = currentVersion();
       return std::exchange(version_, now) != now;
     } catch (const Failure& failure) {
-      if (failure.cause() == Cause::Busy) // another call will find out
+      if (failure.cause() == Cause::Busy) // a later call will detect the change
         return false;
       throw;
     }
@@ -237,7 +238,7 @@ Error SqliteSession::errorFor(const char* fact, const Failure& failure)
     try {
       if (const std::string missing = missingBytes(*database_, path_); !missing.empty())
         return errorFrom(Failure(Cause::Damaged, missing), subject(), fact, holder);
-    } catch (const std::exception&) { // the first cause is the one to report
+    } catch (const std::exception&) { // the first cause is reported
     }
   }
   return errorFrom(failure, subject(), fact, holder);

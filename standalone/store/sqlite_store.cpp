@@ -99,7 +99,7 @@ bool SqliteStore::changedElsewhere()
 
 std::vector<std::string> SqliteStore::check()
 {
-  const struct Ending { // of a use that begins here
+  const struct Ending { // ends a use that begins here
     SqliteSession* session;
     ~Ending()
     {
@@ -115,7 +115,7 @@ std::vector<std::string> SqliteStore::check()
       std::vector<std::string> found = integrityProblems(database);
       if (const std::string missing = missingBytes(database, session_.path()); !missing.empty())
         found.push_back("only " + missing + " are there");
-      readInfo(database); // throws when it is damaged
+      readInfo(database); // throws if the tables are damaged
       return found;
     });
   } catch (const Error& error) {

@@ -14,7 +14,7 @@ using sqlite::Statement;
 
 namespace {
 
-/// Stores a log under its number, over the one that has it.
+/// The statement that stores a log and replaces a stored log of the same number.
 std::string sqlToStoreLog()
 {
   std::vector<std::string> columns = logColumns();

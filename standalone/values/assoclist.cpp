@@ -27,7 +27,7 @@ struct KeyEqual {
 
 struct AssocListRep::Impl {
   std::vector<Zr::Ptr<Entry>> inOrder;
-  // A share of each key of its own, so that it stays what it was whatever happens to the entry.
+  // Its own references to both keys keep them unchanged even if the entry changes.
   std::unordered_map<LightweightString<char>, Zr::Ptr<Entry>, KeyHash, KeyEqual> byKey;
 };
 
@@ -89,7 +89,7 @@ AssocListRep::Entry& AssocList::at(unsigned index) const
 {
   if (AssocListRep::Entry* entry = rep_->entry(index))
     return *entry;
-  // Made once and kept for good; emptied each time, so that what a caller writes into it is gone.
+  // Created once and never destroyed. It is emptied each time, in case a caller has written to it.
   static AssocListRep::Entry* const nothing = [] {
     auto* entry = new AssocListRep::Entry;
     entry->addRef();

@@ -8,20 +8,20 @@
 
 namespace {
 
-/// The next character; EOF at the end and, for good, after an error. A stream is read by one thread at a time.
+/// The next character. EOF at the end, and always after an error. One thread at a time reads a stream.
 int read(FILE* file)
 {
   return ferror_unlocked(file) ? EOF : getc_unlocked(file);
 }
 
-/// The same, but leaves the character unread.
+/// The same, without consuming the character.
 int peek(FILE* file)
 {
   const int c = read(file);
   return c == EOF ? EOF : std::ungetc(c, file);
 }
 
-/// Which characters end a piece of a file.
+/// The characters that end a piece of a file.
 class Separators {
 public:
   explicit Separators(const char* characters)
@@ -35,8 +35,8 @@ private:
   bool ends_[UCHAR_MAX + 1] = {};
 };
 
-/// Where the first of the separators is, or the end. There are one or two of them, so a search for each is quicker than
-/// a look at each character.
+/// The position of the first separator, or the end. There are only one or two separators, so a search for each of them
+/// is faster than a test of each character.
 const char* findSeparator(const char* from, const char* end, const char* separators)
 {
   for (; *separators && from != end; ++separators)
@@ -45,12 +45,12 @@ const char* findSeparator(const char* from, const char* end, const char* separat
   return end;
 }
 
-/// Hands what comes before the next separator of a file to @p append, piece by piece, and takes the separator.
+/// Passes the text before the next separator of a file to @p append, in parts, and consumes the separator.
 template <class Append>
 void readPiece(FILE* file, const char* separators, bool joinCrLf, const Append& append)
 {
   if (ferror_unlocked(file))
-    return; // for good, though the next character might be read
+    return; // the stream has ended, even if the next character could be read
   const Separators ends(separators);
   char chunk[256];
   std::size_t used = 0;
@@ -65,7 +65,7 @@ void readPiece(FILE* file, const char* separators, bool joinCrLf, const Append& 
     static_cast<void>(getc_unlocked(file));
 }
 
-/// The same from memory. Returns where the next piece begins. The text ends in a NUL that may be read.
+/// The same from memory. Returns the start of the next piece. The text ends with a NUL that may be read.
 template <class Append>
 const char* cutPiece(const char* from, const char* end, const char* separators, bool joinCrLf, const Append& append)
 {
@@ -82,14 +82,14 @@ ByteStream::ByteStream(FILE* file) : file_(file), pos_(nullptr), end_(nullptr) {
 
 ByteStream::ByteStream(GrowString& text) : file_(nullptr), pos_(text), end_(pos_ + std::strlen(pos_)) {}
 
-// Holds the string, so that its text stays whatever the caller does with his.
+// Keeps a reference to the string, so that its text stays even if the caller changes the string.
 ByteStream::ByteStream(const LightweightString<char>& text) : file_(nullptr), pos_(nullptr), end_(nullptr), held_(text)
 {
   pos_ = held_.c_str();
   end_ = pos_ + held_.length();
 }
 
-// The file may be closed by now.
+// The caller may have closed the file already.
 ByteStream::~ByteStream() {}
 
 bool ByteStream::atEnd() const
@@ -100,7 +100,7 @@ bool ByteStream::atEnd() const
 ByteStream& operator>>(ByteStream& in, GrowString& out)
 {
   const auto append = [&out](const char* from, std::size_t count) {
-    if (count) // nothing needs no memory
+    if (count) // an empty piece needs no memory
       out.put(out.length_, from, count);
   };
   if (out.length_)

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Sees to it that one more element fits.
+/// Makes room for one more element.
 void makeRoom(ArrayRec**& items, unsigned count, unsigned& capacity)
 {
   if (count < capacity)
@@ -78,7 +78,7 @@ void Array::clear()
   count_ = 0;
 }
 
-// Searched one by one from the end: an array that is marked sorted need not be, and records often come in order.
+// A linear search from the end: an array that is marked as sorted may not be sorted, and records often come in order.
 void Array::add(ArrayRec* record)
 {
   makeRoom(items_, count_, capacity_);
@@ -125,7 +125,7 @@ StringList::StringList(const StringList& other) : StringList()
 {
   for (unsigned i = 0; i < other.count(); ++i)
     add(other[i]);
-  sorted_ = other.sorted_; // only now: the elements keep the order they have there
+  sorted_ = other.sorted_; // set last: the copied elements keep their order
 }
 
 StringList& StringList::operator=(const StringList& other)
@@ -158,7 +158,7 @@ void StringList::add(const LightweightString<char>& text)
 
 void StringList::remove(const LightweightString<char>& text)
 {
-  const LightweightString<char> wanted = text; // may be the text of an element that goes
+  const LightweightString<char> wanted = text; // a copy: it may be the text of an element that is removed
   unsigned kept = 0;
   for (unsigned i = 0; i < count_; ++i) {
     if (sameText(items_[i], wanted))

@@ -44,7 +44,7 @@ bool isLetterOrDigit(unsigned char c)
   return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
 
-/// The length of the name the bytes spell: letters and digits, then NULs only. 0 when they spell none.
+/// The length of the name in the bytes: letters and digits, then only NULs. 0 if the bytes are not a name.
 std::size_t nameLength(const Zr::UUID& uuid)
 {
   const unsigned char* const first = uuid.bytes;
@@ -77,7 +77,7 @@ std::size_t writeText(const Zr::UUID& uuid, std::uint16_t tag, char kind, Cookie
   return longestText;
 }
 
-/// Reads what writeText may have written; false when it surely has not.
+/// Reads a text of writeText's form. Returns false if the form is certainly different.
 bool readText(const char* text, std::size_t length, Zr::UUID& uuid, std::uint16_t& tag)
 {
   if (length < 2)
@@ -103,7 +103,7 @@ bool readText(const char* text, std::size_t length, Zr::UUID& uuid, std::uint16_
 
 Cookie::Cookie() : tag_(0), kind_('I') {}
 
-// What was read counts if it gives back the very text: that turns away all that is not quite the form.
+// The Cookie is valid only if its text form is exactly this text. That rejects all near misses.
 Cookie::Cookie(const char* text, bool) : Cookie()
 {
   const std::size_t length = text ? strnlen(text, longestText + 1) : 0;

@@ -110,10 +110,10 @@ const Cookie* CookieVec::end() const
 
 void CookieVec::add(const Cookie& cookie)
 {
-  const Cookie added = cookie; // may lie in this vector
+  const Cookie added = cookie; // a copy: it may be an element of this vector
   Storage* s = items_.storage;
   if (s && !s->shared())
-    s->used = count_; // nobody sees what a clear or a copy that is gone has left behind
+    s->used = count_; // later entries are left over from a clear or from a destroyed copy
   if (!s || s->used != count_ || count_ == s->capacity) {
     if (count_ > std::numeric_limits<int>::max() / 2)
       throw std::bad_alloc();

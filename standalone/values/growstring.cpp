@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Texts of one character, which separators often are: they need no memory. Nothing is written there.
+/// Texts of one character, which separators often have. They need no allocation and are never written to.
 class SingleCharacters {
 public:
   constexpr SingleCharacters()

@@ -15,7 +15,7 @@ template <class CharT>
 struct LightweightString<CharT>::Body {
   using Traits = std::char_traits<CharT>;
 
-  // Short, so that a short text and its count lie in one line of the cache.
+  // The head is small, so that it and a short text fit into one cache line.
   int refs;
   std::uint32_t length, capacity; // in elements, without the NUL; the text follows
 
@@ -23,7 +23,7 @@ struct LightweightString<CharT>::Body {
 
   static constexpr std::size_t most = std::numeric_limits<std::uint32_t>::max() - 1;
 
-  /// A body with one holder and the empty text.
+  /// A body with one owner and an empty text.
   static Body* make(std::size_t capacity)
   {
     if (capacity > most)
@@ -49,11 +49,11 @@ struct LightweightString<CharT>::Body {
       OS()->allocator().release(body);
   }
 
-  /// Whether another string holds this body too. Acquires, so that what the last other holder read, it read before
-  /// this string writes.
+  /// Whether another string shares this body. The load acquires, so that the reads of a former owner come before the
+  /// writes of this string.
   bool shared() { return std::atomic_ref(refs).load(std::memory_order_acquire) != 1; }
 
-  /// Writes @p count elements at @p at, where the text then ends. They may lie in this body. There must be room.
+  /// Writes @p count elements at @p at, and ends the text there. They may be elements of this body. REQUIRES: room.
   void write(std::size_t at, const CharT* from, std::size_t count)
   {
     Traits::move(text() + at, from, count);
@@ -61,8 +61,8 @@ struct LightweightString<CharT>::Body {
     text()[length] = CharT();
   }
 
-  /// The same in @p body itself when it is unshared and has room, else in a new body that takes its place. @p body may
-  /// be null, and @p from may lie in it.
+  /// The same in @p body if it is unshared and has room, else in a new body that replaces it. @p body may be null, and
+  /// @p from may point into it.
   static void put(Body*& body, std::size_t at, const CharT* from, std::size_t count)
   {
     const bool own = body && !body->shared();
@@ -130,7 +130,7 @@ template <class CharT>
 LightweightString<CharT>& LightweightString<CharT>::operator=(LightweightString&& other) noexcept
 {
   Body* body = other.body_;
-  other.body_ = nullptr; // first, so that a string moved to itself keeps its text
+  other.body_ = nullptr; // before the assignment, so that a string that is moved to itself keeps its text
   Body::drop(body_);
   body_ = body;
   return *this;
@@ -195,7 +195,7 @@ LightweightString<CharT>& LightweightString<CharT>::append(const LightweightStri
   return *this;
 }
 
-// The copy shares the left text, so that appending to it makes the one body of the result.
+// The copy shares the left text. Appending to it then allocates the only new body.
 template <class CharT>
 LightweightString<CharT> operator+(const LightweightString<CharT>& left, const LightweightString<CharT>& right)
 {

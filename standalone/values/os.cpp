@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Adds @p step and returns the new value. While the process has one thread this takes no locked instruction.
+/// Adds @p step and returns the new value. While the process has one thread, it uses no locked instruction.
 int addTo(int* address, int step)
 {
   const std::atomic_ref number(*address);
@@ -20,7 +20,7 @@ int addTo(int* address, int step)
   return number.fetch_add(step, std::memory_order_acq_rel) + step;
 }
 
-/// malloc and free underneath, so that memory may be given back by whichever operator delete a process ended up with.
+/// Uses malloc and free, so that any operator delete of the process can release the memory.
 class MallocAllocator final : public iAllocator {
 public:
   void* allocate(std::size_t size) override { return std::malloc(size ? size : 1); }
@@ -43,7 +43,7 @@ private:
   RefCounts refCounts_;
 };
 
-// Ready before any code runs, and never destroyed: the first and the last calls of a process come here.
+// Initialised before any code runs and never destroyed, because the first and the last calls of a process come here.
 constinit Services services;
 
 } // namespace

@@ -33,7 +33,7 @@ void strp_field::set(const char* text)
       throw std::bad_alloc();
     std::memcpy(fresh, text, size);
   }
-  OS()->allocator().release(text_); // last: the new text may lie in the old one
+  OS()->allocator().release(text_); // last, because the new text may be part of the old one
   text_ = fresh;
 }
 

@@ -11,7 +11,7 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-/// Whether UTF-8 can hold the value: inside Unicode, and no surrogate.
+/// Whether UTF-8 can encode the value: it is a Unicode code point and not a surrogate.
 bool isScalar(char32_t value)
 {
   return value <= 0x10FFFF && (value < 0xD800 || value > 0xDFFF);
@@ -40,7 +40,7 @@ LightweightString<wchar_t> fromUTF8(const LightweightString<char>& bytes)
     const char* const bad = utf8::find_invalid(pos, end);
     utf8::unchecked::utf8to32(pos, bad, std::back_inserter(wide));
     pos = bad;
-    if (pos != end) { // one byte only: what follows may be well-formed again
+    if (pos != end) { // skip only one byte: the next ones may be well-formed again
       wide.push_back(static_cast<wchar_t>(replacement));
       ++pos;
     }

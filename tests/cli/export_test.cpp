@@ -203,7 +203,7 @@ TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndToldOf)
   const ProcessResult result = reeldb({"export", "--edl"});
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.err,
-            "reeldb: clip 'ONE' of reel 'A001': left out (source in 'soon' is no timecode: not hh:mm:ss:ff)\n");
+            "reeldb: clip 'ONE' of reel 'A001': left out (source in 'soon' is not a timecode: not hh:mm:ss:ff)\n");
   EXPECT_NE(result.out.find("\n001  B001 "), std::string::npos);
 }
 
@@ -213,7 +213,7 @@ TEST_F(Export, ReelThatListsMeanOtherwiseIsToldOf)
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
   ASSERT_EQ(reeldb({"rename", "A001", "BARS"}).code, 0);
   EXPECT_EQ(reeldb({"export", "--edl"}).err,
-            "reeldb: reel 'BARS': an import will not mean it (in lists it means: colour bars)\n");
+            "reeldb: reel 'BARS': an import will not read it as a reel (its meaning in lists: colour bars)\n");
 }
 
 TEST_F(Export, FileIsWrittenOnceAndReplacedOnlyByForce)
@@ -273,7 +273,7 @@ TEST_F(Export, MoreReelsThanNumbersAreRefused)
   dir_.write("cut.edl", list);
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
   expectRefusal({"export", "--edl", "--reel-length", "3", "-o", "out"},
-                "export: nothing written (999 reels are more than a field of 3 has names for)");
+                "export: nothing written (999 reels: a reel field of 3 has fewer names)");
   EXPECT_FALSE(fs::exists(path("out")));
 }
 

@@ -238,7 +238,7 @@ TEST_F(HugeFile, IsNoLabelMap)
 TEST_F(HugeFile, IsNoProject)
 {
   fs::rename(outside("huge"), path("projects/huge.reels"));
-  const std::string fault = site_ + "projects/huge.reels: no project (not an SQLite file)";
+  const std::string fault = site_ + "projects/huge.reels: not a project (not an SQLite file)";
   expectEachError({{"-p", "huge", "list"}, {"-p", "huge", "create", "R1"}, {"-p", "huge", "import", "cut.edl"}}, 3,
                   fault);
   const ProcessResult checked = attempt({"-p", "huge", "project", "check"});
@@ -380,8 +380,8 @@ TEST_F(HostileFiles, WhatIsNoProjectIsNotTouchedThroughALink)
 {
   dir_.write("cut.txt", oneShot);
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {site_ + "devicedata", 3, site_ + "projects/odd.reels: no project (a folder)"},
-      {site_ + "cut.txt", 3, site_ + "projects/odd.reels: no project (not an SQLite file)"},
+      {site_ + "devicedata", 3, site_ + "projects/odd.reels: not a project (a folder)"},
+      {site_ + "cut.txt", 3, site_ + "projects/odd.reels: not a project (not an SQLite file)"},
       {outside("nothing"), 1, "odd: no such project (this facility has: main)"}};
   for (const auto& [target, code, message] : targets) {
     link("projects/odd.reels", target);
@@ -432,7 +432,7 @@ TEST_F(HostileFiles, WhatIsNoRegularFileIsNoProject)
   fs::create_directory(path("projects/folder.reels"));
   ASSERT_EQ(mkfifo(path("projects/pipe.reels").c_str(), 0600), 0);
   for (const auto& [name, kind] : kinds) {
-    const std::string fault = site_ + "projects/" + name + ".reels: no project (" + kind + ")";
+    const std::string fault = site_ + "projects/" + name + ".reels: not a project (" + kind + ")";
     expectEachError({{"-p", name, "list"}, {"-p", name, "create", "R1"}, {"-p", name, "import", "cut.edl"}}, 3, fault);
     expectError({"project", "new", name}, 1, site_ + "projects/" + name + ".reels: exists already");
   }

@@ -231,10 +231,10 @@ TEST(Ale, FramesBeyondTheHeadingsRateAreKeptWithAWarning)
 {
   EXPECT_EQ(frameWarning("FPS|25\n", "01:00:00:24"), "");
   EXPECT_EQ(frameWarning("FPS|25\n", "01:00:00:25"),
-            "End 01:00:00:25 counts more than the 25 frames a second of the heading (kept as it is)");
+            "End 01:00:00:25 counts more than the 25 frames per second of the heading (kept as it is)");
   EXPECT_EQ(frameWarning("FPS|29.97\n", "01:00:00;29"), "");
   EXPECT_EQ(frameWarning("FPS|29.97\n", "01:00:00;30"),
-            "End 01:00:00;30 counts more than the 30 frames a second of the heading (kept as it is)");
+            "End 01:00:00;30 counts more than the 30 frames per second of the heading (kept as it is)");
   EXPECT_EQ(frameWarning("FPS|25.00\n", "01:00:00:25").substr(0, 37), "End 01:00:00:25 counts more than the ");
   EXPECT_EQ(frameWarning("FPS|120\n", "01:00:00:119"), "");
 }
@@ -299,9 +299,9 @@ TEST(Ale, ABadTimecodeCostsThatRow)
   ASSERT_EQ(list.rejected.size(), 3u);
   EXPECT_EQ(list.rejected[0].line, 8);
   EXPECT_EQ(list.rejected[0].text, "a T 01:00:00:00 10:00:00");
-  EXPECT_EQ(list.rejected[0].reason, "End '10:00:00' is no timecode (not hh:mm:ss:ff)");
-  EXPECT_EQ(list.rejected[1].reason, "Start '1:00' is no timecode (not hh:mm:ss:ff)");
-  EXPECT_EQ(list.rejected[2].reason, "End '01:00:75:00' is no timecode (seconds above 59)");
+  EXPECT_EQ(list.rejected[0].reason, "End '10:00:00' is not a timecode (not hh:mm:ss:ff)");
+  EXPECT_EQ(list.rejected[1].reason, "Start '1:00' is not a timecode (not hh:mm:ss:ff)");
+  EXPECT_EQ(list.rejected[2].reason, "End '01:00:75:00' is not a timecode (seconds above 59)");
 }
 
 TEST(Ale, TimecodesOutOfRangeCostThatRow)
@@ -309,15 +309,15 @@ TEST(Ale, TimecodesOutOfRangeCostThatRow)
   const List list = readWhole(log("Name|Tape|Start|End", "a|T|24:00:00:00|24:00:01:00\n"
                                                          "b|T|01:00:00:00|01:00:00:60\n"));
   ASSERT_EQ(list.rejected.size(), 2u);
-  EXPECT_EQ(list.rejected[0].reason, "Start '24:00:00:00' is no timecode (hours above 23)");
-  EXPECT_EQ(list.rejected[1].reason, "End '01:00:00:60' is no timecode (frames above 59)");
+  EXPECT_EQ(list.rejected[0].reason, "Start '24:00:00:00' is not a timecode (hours above 23)");
+  EXPECT_EQ(list.rejected[1].reason, "End '01:00:00:60' is not a timecode (frames above 59)");
 }
 
 TEST(Ale, ALongBadTimecodeIsShownCutBetweenCharacters)
 {
   const std::string bad = std::string(39, 'x') + "\xC3\xBC";
   EXPECT_EQ(readWhole(log("Name|Tape|Start", "a|T|" + bad + "\n")).rejected.at(0).reason,
-            "Start '" + std::string(39, 'x') + "...' is no timecode (not hh:mm:ss:ff)");
+            "Start '" + std::string(39, 'x') + "...' is not a timecode (not hh:mm:ss:ff)");
 }
 
 TEST(Ale, RaggedRowsAreFine)

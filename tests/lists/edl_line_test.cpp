@@ -129,17 +129,17 @@ TEST(ParseEvent, MissingFieldsAreNamed)
 TEST(ParseEvent, TheBadTimecodeIsNamed)
 {
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:60:00:00 10:00:00:00 10:00:01:00"),
-            "source out '01:60:00:00' is no timecode (minutes above 59)");
+            "source out '01:60:00:00' is not a timecode (minutes above 59)");
   EXPECT_EQ(fault("001 R V C 0l:00:00:00 01:60:00:00 10:00:00:00 10:00:01:00"),
-            "source in '0l:00:00:00' is no timecode (not hh:mm:ss:ff)");
+            "source in '0l:00:00:00' is not a timecode (not hh:mm:ss:ff)");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:00:00 10:00:61:00 10:00:01:00"),
-            "record in '10:00:61:00' is no timecode (seconds above 59)");
+            "record in '10:00:61:00' is not a timecode (seconds above 59)");
   EXPECT_EQ(fault("001 R V C 24:00:00:00 24:00:01:00 10:00:00:00 10:00:01:00"),
-            "source in '24:00:00:00' is no timecode (hours above 23)");
+            "source in '24:00:00:00' is not a timecode (hours above 23)");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:00;60"),
-            "record out '10:00:00;60' is no timecode (frames above 59)");
+            "record out '10:00:00;60' is not a timecode (frames above 59)");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 01:00:00:00 10:00:00:00 10:00:01"),
-            "record out '10:00:01' is no timecode (not hh:mm:ss:ff)");
+            "record out '10:00:01' is not a timecode (not hh:mm:ss:ff)");
 }
 
 TEST(ParseEvent, FewerThanFourTimecodesAreCounted)

@@ -108,7 +108,7 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
   const std::string unknown = "not an event, a note or a known statement";
   EXPECT_EQ(list.rejected[0].reason, unknown);
   EXPECT_EQ(list.rejected[1].reason, unknown);
-  EXPECT_EQ(list.rejected[2].reason, "replaced reel without both names");
+  EXPECT_EQ(list.rejected[2].reason, "replaced reel without one of its two names");
   EXPECT_EQ(list.rejected[3].reason, "source row without a name");
   EXPECT_EQ(list.rejected[4].reason, unknown);
   EXPECT_EQ(list.rejected[5].reason, "no event number");
@@ -358,7 +358,7 @@ TEST(Edl, ControlCharactersInOtherFieldsAreNoFields)
       readWhole(event("001", "A V\x01 C") + "002  A V C 01:00:00:00\x01 01:00:01:00 10:00:00:00 10:00:01:00\n");
   ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].reason, "unknown channels 'V\\x01'");
-  EXPECT_EQ(list.rejected[1].reason, "source in '01:00:00:00\\x01' is no timecode (not hh:mm:ss:ff)");
+  EXPECT_EQ(list.rejected[1].reason, "source in '01:00:00:00\\x01' is not a timecode (not hh:mm:ss:ff)");
 }
 
 TEST(Edl, ControlCharactersInTheTablesCostTheirLine)

@@ -46,7 +46,7 @@ TEST(Examples, TheCutListHasEveryKindOfSource)
                                      "TITLES*2: a star denotes internally generated material", "GEN: generated"}));
   ASSERT_EQ(list.rejected.size(), 1u);
   EXPECT_EQ(list.rejected[0].line, 48);
-  EXPECT_EQ(list.rejected[0].reason, "source in '07:61:00:00' is no timecode (minutes above 59)");
+  EXPECT_EQ(list.rejected[0].reason, "source in '07:61:00:00' is not a timecode (minutes above 59)");
   ASSERT_EQ(list.spellings.size(), 1u);
   EXPECT_EQ(list.spellings[0].other, "b014c003_210607_h1kv");
   ASSERT_EQ(list.ambiguous.size(), 1u);
@@ -81,7 +81,7 @@ TEST(Examples, TheLogHasEveryKindOfRow)
   EXPECT_EQ(specials(list), (Strings{"BARS: colour bars", "COMP*1: a star denotes internally generated material",
                                      "Lost: no tape and no source file"}));
   ASSERT_EQ(list.rejected.size(), 1u);
-  EXPECT_EQ(list.rejected[0].reason, "End '06:10:75:00' is no timecode (seconds above 59)");
+  EXPECT_EQ(list.rejected[0].reason, "End '06:10:75:00' is not a timecode (seconds above 59)");
   ASSERT_EQ(list.warnings.size(), 1u);
   EXPECT_EQ(list.warnings[0].line, 18);
   EXPECT_EQ(list.warnings[0].reason, "no 'Start', no 'End' (kept without them)");

@@ -129,7 +129,7 @@ TEST(Write, MoreEventsThanTheDeviceTakesAreWrittenAndRemarkedOn)
   const Written written = writeEdl("", clips, 8);
   EXPECT_EQ(written.remarks,
             Strings{"1000 events: more than the 999 of lists with a reel field of 8 (other programs may "
-                    "not read all of them)"});
+                    "not read all events)"});
   EXPECT_EQ(read(written.text).clips.size(), 1000u);
   EXPECT_EQ(writeEdl("", clips, 6).remarks, Strings{});
   EXPECT_EQ(writeEdl("", clips, 32).remarks, Strings{});
@@ -195,8 +195,9 @@ TEST(WriteEdl, TextThatMeansNoneIsTold)
   Clip clip = clipOf("A", "(null)", "V", 1, 0);
   clip.sourceFile = "(NULL)";
   EXPECT_EQ(writeEdl("", {clip, clip}, 8).remarks,
-            (std::vector<std::string>{"'(null)': in a cut list it means none (an import will not read it back)",
-                                      "'(NULL)': in a cut list it means none (an import will not read it back)"}));
+            (std::vector<std::string>{
+                "'(null)': an import will not read it back (in a cut list it means that there is no value)",
+                "'(NULL)': an import will not read it back (in a cut list it means that there is no value)"}));
   EXPECT_TRUE(writeAle("25", {clip}).remarks.empty());
 }
 

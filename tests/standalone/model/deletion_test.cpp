@@ -151,7 +151,7 @@ TEST_F(DeletionTest, TheBinWaitsForWhatIsNotStoredYet)
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");
   reelhost::commit();
   reelhost::deleteLogs(these({first}));
-  const std::string waits = " (what was deleted or brought back is not stored yet)";
+  const std::string waits = " (a deletion or an undeletion is not stored yet)";
   EXPECT_EQ(errorOf([] { reelhost::undelete(); }), "Refused: memory: cannot undelete" + waits);
   EXPECT_EQ(errorOf([] { reelhost::compact(); }), "Refused: memory: cannot empty the trash" + waits);
   reelhost::commit();

@@ -105,7 +105,7 @@ TEST_F(EditTest, ChannelBeyondTheBitsThatCountIsRefused)
       withLog(log, [type](Edit& edit) { edit.addChan(type, nullptr, false, EditChanSubType(0), false, -1.0); });
     });
   };
-  const std::string cause = " channels (65535 are the most; its type or its device asks for more)";
+  const std::string cause = " channels (at most 65535; its type or its device requires more)";
   EXPECT_EQ(add(unnamed, codes::videoChannel), "Refused: E0000001: too many video" + cause);
   EXPECT_EQ(add(named, codes::audioChannel), "none");
   EXPECT_EQ(add(named, codes::audioChannel), "Refused: R\\t1: too many audio" + cause);

@@ -18,10 +18,10 @@ TEST_F(ListenersTest, WhatTheFirstThrowsPassesWhenAllHaveBeenTold)
   RecordingListener first, second, third;
   first.onEvent = [](const std::string&) { throw std::out_of_range("first"); };
   second.onEvent = [](const std::string&) { throw std::runtime_error("second"); };
-  EXPECT_THROW(reelhost::model::tellProjectEntry(), std::out_of_range);
+  EXPECT_THROW(reelhost::model::notifyProjectEntry(), std::out_of_range);
   EXPECT_EQ(third.heard, Texts{"entry"});
   first.onEvent = second.onEvent = nullptr;
-  reelhost::model::tellProjectExit();
+  reelhost::model::notifyProjectExit();
   EXPECT_EQ(third.heard, (Texts{"entry", "exit"}));
 }
 
@@ -34,9 +34,9 @@ TEST_F(ListenersTest, EventsInsideEventsReachWhoIsThere)
     if (event != "entry")
       return;
     going.reset();
-    reelhost::model::tellProjectExit();
+    reelhost::model::notifyProjectExit();
   };
-  reelhost::model::tellProjectEntry();
+  reelhost::model::notifyProjectEntry();
   EXPECT_EQ(first.heard, (Texts{"entry", "exit"}));
   EXPECT_EQ(last.heard, (Texts{"exit", "entry"}));
 }

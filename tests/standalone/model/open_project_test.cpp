@@ -399,7 +399,7 @@ TEST_F(SharedProject, AChangeOnTopOfForeignOnesIsRefusedUntilTheProjectWasReadAn
   reelhost::commit();
   storeElsewhere(7);
   const std::string changed =
-      "Busy: " + file_.string() + ": changed by another process since it was read (read it anew)";
+      "Busy: " + file_.string() + ": changed by another process since it was read (read it again)";
   EXPECT_EQ(errorOf([&] { rename(log, "R2"); }), changed);
   EXPECT_EQ(errorOf([&] { rename(log, "R2"); }), changed); // and again
   EXPECT_EQ(reelIdOf(log), "R1");
@@ -428,7 +428,7 @@ TEST_F(SharedProject, AWaitingProjectKeepsNobodyAwayAndHearsOfCommits)
   EXPECT_EQ(reels().count(), 0);
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 1);
-  storeElsewhere(8); // the one that read it anew keeps nobody away either
+  storeElsewhere(8); // reading it again keeps nobody away either
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 2);
   EXPECT_TRUE(listener.heard.empty());

@@ -39,9 +39,9 @@ TEST(InspectProjectFile, ReadOnlyFileComesBeforeReadOnlyFolder)
   writeBytes(file, "");
   fs::permissions(folder.path(), fs::perms::owner_read | fs::perms::owner_exec);
   EXPECT_FALSE(inspectProjectFile(file).writable);
-  EXPECT_EQ(inspectProjectFile(file).whyNot, "the mode of its folder allows no writing");
+  EXPECT_EQ(inspectProjectFile(file).whyNot, "the mode of its folder does not allow writing");
   fs::permissions(file, fs::perms::owner_read);
-  EXPECT_EQ(inspectProjectFile(file).whyNot, "its mode allows no writing");
+  EXPECT_EQ(inspectProjectFile(file).whyNot, "its mode does not allow writing");
 }
 
 TEST(InspectProjectFile, RelativeNameOfTheWorkingFolder)

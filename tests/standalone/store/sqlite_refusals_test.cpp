@@ -120,19 +120,19 @@ TEST_F(SqliteRefusals, LinkToItselfCannotBeOpened)
 TEST_F(SqliteRefusals, Folder)
 {
   fs::create_directory(file());
-  expectRefused("Unreadable: no project (a folder)");
+  expectRefused("Unreadable: not a project (a folder)");
 }
 
 TEST_F(SqliteRefusals, NamedPipeIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
-  expectRefused("Unreadable: no project (a named pipe)");
+  expectRefused("Unreadable: not a project (a named pipe)");
 }
 
 TEST_F(SqliteRefusals, LinkToADevice)
 {
   fs::create_symlink("/dev/zero", file());
-  expectRefused("Unreadable: no project (a device)");
+  expectRefused("Unreadable: not a project (a device)");
 }
 
 TEST_F(SqliteRefusals, Socket)
@@ -144,20 +144,20 @@ TEST_F(SqliteRefusals, Socket)
   path.copy(address.sun_path, path.size());
   const int socket = ::socket(AF_UNIX, SOCK_STREAM, 0);
   ASSERT_EQ(::bind(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
-  expectRefused("Unreadable: no project (a socket)");
+  expectRefused("Unreadable: not a project (a socket)");
   ::close(socket);
 }
 
 TEST_F(SqliteRefusals, EmptyFileIsNotTakenForANewDatabase)
 {
   writeBytes(file(), "");
-  expectRefused("Unreadable: no project (not an SQLite file)");
+  expectRefused("Unreadable: not a project (not an SQLite file)");
 }
 
 TEST_F(SqliteRefusals, TextFile)
 {
   writeBytes(file(), "TITLE: CUT 1\nFCM: NON-DROP FRAME\n");
-  expectRefused("Unreadable: no project (not an SQLite file)");
+  expectRefused("Unreadable: not a project (not an SQLite file)");
 }
 
 TEST_F(SqliteRefusals, SecondBeginIsRefusedAsTheFirstWas)
@@ -166,14 +166,14 @@ TEST_F(SqliteRefusals, SecondBeginIsRefusedAsTheFirstWas)
   const auto project = makeSqliteStore(file());
   for (const Access access : {Access::Read, Access::Read, Access::Write})
     EXPECT_EQ(errorOf([&] { project->begin(access, noPatience); }),
-              withSubject("Unreadable: no project (not an SQLite file)"));
+              withSubject("Unreadable: not a project (not an SQLite file)"));
 }
 
 TEST_F(SqliteRefusals, ProjectCutToNinetyNineBytes)
 {
   makeProject();
   writeBytes(file(), bytesOf(file()).substr(0, 99));
-  expectRefused("Unreadable: no project (not an SQLite file)");
+  expectRefused("Unreadable: not a project (not an SQLite file)");
 }
 
 TEST_F(SqliteRefusals, LargeFileOfZeroes)
@@ -182,14 +182,14 @@ TEST_F(SqliteRefusals, LargeFileOfZeroes)
   fs::resize_file(file(), std::uintmax_t{5} << 30); // sparse
   const auto project = makeSqliteStore(file());
   EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }),
-            withSubject("Unreadable: no project (not an SQLite file)"));
+            withSubject("Unreadable: not a project (not an SQLite file)"));
   EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"main.reels"});
 }
 
 TEST_F(SqliteRefusals, DatabaseOfAnotherApplication)
 {
   runSql(file(), "CREATE TABLE logs(number); INSERT INTO logs VALUES(1)");
-  expectRefused("Unreadable: no project (an SQLite file of another application)");
+  expectRefused("Unreadable: not a project (an SQLite file of another application)");
 }
 
 TEST_F(SqliteRefusals, DatabaseOfAnotherApplicationWithAnUnfinishedLog)
@@ -203,7 +203,7 @@ TEST_F(SqliteRefusals, DatabaseOfAnotherApplicationWithAnUnfinishedLog)
   });
   EXPECT_EQ(other.waitForExit(), -1);
   ASSERT_GT(fs::file_size(file().native() + "-wal"), 0u);
-  expectRefused("Unreadable: no project (an SQLite file of another application)");
+  expectRefused("Unreadable: not a project (an SQLite file of another application)");
 }
 
 TEST_F(SqliteRefusals, NewerVersion)
@@ -493,13 +493,13 @@ protected:
 TEST_F(SqliteReadOnly, ModeOfTheFileCountsForRootToo)
 {
   fs::permissions(file(), fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
-  expectReadOnly("its mode allows no writing");
+  expectReadOnly("its mode does not allow writing");
 }
 
 TEST_F(SqliteReadOnly, ModeOfTheFolderCountsForRootToo)
 {
   fs::permissions(folder(), fs::perms::owner_read | fs::perms::owner_exec);
-  expectReadOnly("the mode of its folder allows no writing");
+  expectReadOnly("the mode of its folder does not allow writing");
   fs::permissions(folder(), fs::perms::owner_all);
 }
 
@@ -509,7 +509,7 @@ TEST_F(SqliteReadOnly, LinkToAReadOnlyFile)
   fs::rename(file(), real);
   fs::create_symlink(real, file());
   fs::permissions(real, fs::perms::owner_read);
-  expectReadOnly("its mode allows no writing");
+  expectReadOnly("its mode does not allow writing");
 }
 
 TEST_F(SqliteReadOnly, WritableAgainIsWrittenAgain)

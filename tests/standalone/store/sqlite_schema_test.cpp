@@ -217,7 +217,7 @@ TEST_F(SqliteSchema, OlderFileThatCannotBeWrittenIsRefused)
   SqliteStore project(file(), laterSteps());
   EXPECT_EQ(errorOf([&] { project.begin(Access::Read, noPatience); }),
             "Unreadable: " + file().native() +
-                ": of an older version (1) and cannot be brought up to date (its mode allows no writing)");
+                ": of an older version (1) and cannot be brought up to date (its mode does not allow writing)");
 }
 
 TEST_F(SqliteSchema, OlderFileThatIsBusyIsToldBusy)

@@ -126,7 +126,7 @@ TEST_F(SqliteStoreTest, CheckTellsWhatIsWrong)
                  "UPDATE project SET value = 2 WHERE key = 'last_number'; "
                  "UPDATE logs SET uuid = (SELECT uuid FROM logs WHERE number = 1), tag = 1 WHERE number = 2");
   EXPECT_EQ(project->check(),
-            (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was not given out",
+            (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was never given to a log",
                                       "log 2: the identity of another log"}));
 }
 
@@ -143,7 +143,7 @@ TEST_F(SqliteStoreTest, CheckOfAFileThatIsNoProjectSaysSo)
 {
   writeBytes(file(), "text");
   const auto project = makeSqliteStore(file());
-  EXPECT_EQ(project->check(), std::vector<std::string>{file().native() + ": no project (not an SQLite file)"});
+  EXPECT_EQ(project->check(), std::vector<std::string>{file().native() + ": not a project (not an SQLite file)"});
 }
 
 TEST_F(SqliteStoreTest, CheckOfAFileCutShortSaysSo)
