@@ -91,9 +91,10 @@ fuzz: ## look for inputs that break something, FUZZ_SECONDS (20) for each target
 	$(call build,fuzz)
 	@sh scripts/fuzz.sh
 
-mutate: ## change the library in one place at a time and see the tests fail: MUTANTS=200 SEED=1 for a sample
+mutate: ## change the library in one place at a time and see the tests fail: MUTANTS=200 SEED=1 for a sample, MUTATE=standalone/store for a folder
 	@sh scripts/setup.sh check
-	@python3 scripts/mutate.py
+	@python3 tests/mutants/mutate_test.py
+	@python3 scripts/mutate.py $(MUTATE)
 
 bench: ## print the benchmarks
 	@sh scripts/setup.sh bench

@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
-"""Changes the library in one place at a time and asks the tests whether they notice.
+"""Changes the library or its host in one place at a time and asks the tests whether they notice.
 
-A mutant is the library with one operator, constant, condition, statement or string changed. It is built in a copy of
-the tree (build/mutate), and the tests of the folder that mirrors its source are run on it, those of the file itself
-first, until one fails: the mutant is killed. One that passes them all is run on the tests in which everything beneath
-the library fails in turn. What passes these, too, survives: a test is missing, or the change makes no difference. The
-latter are listed in tests/mutants/equivalent.txt, one a line, and are not run:
+A mutant is the program with one operator, constant, condition, statement or string changed, with two statements
+swapped, or with one call made twice. It is built in a copy of the tree (build/mutate), and the tests of the folder that
+mirrors its source are run on it, those of the file itself first, until one fails: the mutant is killed. One that passes
+them all is run on the host contract and, if it is one of the library, on the tests in which everything beneath the
+library fails in turn. What passes these, too, survives: a test is missing, or the change makes no difference. The
+latter are listed in tests/mutants/equivalent.txt, one per line, and are not run:
 
     src/room/file.cpp | old -> new | the text of the source line | why nobody can tell
 
@@ -22,6 +23,8 @@ Exit status: 0 when at least --floor percent were killed, 1 when fewer were, 2 w
     scripts/mutate.py                                   every mutant of the library: takes an hour or two
     MUTANTS=200 SEED=1 scripts/mutate.py                a sample of 200, the same one each time
     scripts/mutate.py src/reeldb/renaming.cpp           of one file
+    scripts/mutate.py standalone/model standalone/store of these folders: the host is changed only when it is named
+    scripts/mutate.py --kinds swap,double,choice src    with these kinds of changes alone
     scripts/mutate.py --list src/reeldb/renaming.cpp    what would be changed, without running anything
 """
 import argparse
@@ -45,7 +48,9 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 LISTED = "tests/mutants/equivalent.txt"
-SOURCES = ("src/*/*.cpp", "src/*/*.h", "include/*.h")
+LIBRARY = ("src/*/*.cpp", "src/*/*.h", "include/*.h")
+HOST = ("standalone/model/*.cpp", "standalone/model/*.h", "standalone/store/*.cpp", "standalone/store/*.h")
+KINDS = ("operator", "constant", "condition", "choice", "remove", "swap", "double")
 
 # Tests of a folder of sources that does not mirror them by name.
 ROOMS = {"host": ("standalone/values", "abi"), "include": ("abi", "reeldb", "reelrec")}
@@ -54,10 +59,8 @@ ALSO = {"src/reeldb/lifecycle.cpp": ("reeltypes",)}
 MEMORY = 8 << 30  # what a test program may ask for: a mutant may ask without end
 
 # Run on what all tests of its folder have passed.
-LAST = (
-    ("host_contract", "*"),
-    ("reeldb_test_faults", "Every/*:Operations.*"),
-)
+LAST = (("host_contract", "*"),)
+LAST_OF_LIBRARY = (("reeldb_test_faults", "Every/*:Operations.*"),)
 
 
 def fail(message):
@@ -71,6 +74,7 @@ TOKENS = re.compile(
     r"""
       (?P<comment> //[^\n]* | /\*.*?\*/ )
     | (?P<line> ^[ \t]*\#(?:[^\n\\]|\\.|\\\n)* )
+    | (?P<raw> (?:L|u8|u|U)?R"(?P<mark>[^(]*)\(.*?\)(?P=mark)" )
     | (?P<string> (?:L|u8|u|U)?"(?:[^"\\\n]|\\.)*" )
     | (?P<character> (?:L|u8|u|U)?'(?:[^'\\\n]|\\.)+' )
     | (?P<number> (?:0[xX][0-9a-fA-F']+ | \d[\d']*(?:\.\d*)?(?:[eE][+-]?\d+)?)[a-zA-Z]* )
@@ -92,6 +96,9 @@ BRACKETS = {"(": ")", "[": "]", "{": "}"}
 KEPT = {"if", "for", "while", "else", "do", "switch", "case", "default", "try", "catch", "using", "static_assert",
         "typedef", "public", "private", "protected", "template", "friend", "namespace", "class", "struct", "enum",
         "extern", "static", "virtual", "explicit", "inline"}
+# Nothing behind these is reached.
+LEAVING = {"return", "throw", "break", "continue", "goto", "co_return"}
+ASSIGNMENTS = {"=", "+=", "-=", "*=", "/=", "%=", "&=", "|=", "^=", "<<=", ">>="}
 PASSIVE = {"__attribute__", "static_assert", "alignas", "sizeof", "noexcept"}
 SCOPES = {"namespace", "class", "struct", "enum", "union", "extern"}
 
@@ -113,6 +120,7 @@ class Mutant:
     file: str
     line: int
     text: str  # of the source line
+    kind: str
     change: str
     start: int
     end: int
@@ -153,6 +161,7 @@ class Source:
         self.partner = self.pair_brackets()
         self.passive = self.find_passive()
         self.found = []
+        self.kind = None  # of the changes that are being looked for
 
     def pair_brackets(self):
         partner, opened = {}, []
@@ -188,16 +197,14 @@ class Source:
         after = re.sub(r"\s+", " ", replacement if new is None else new)
         line = self.source.count("\n", 0, start) + 1
         text = self.source.splitlines()[line - 1].strip()
-        self.found.append(Mutant(self.name, line, text, f"{before} -> {after}", start, end, replacement))
+        self.found.append(Mutant(self.name, line, text, self.kind, f"{before} -> {after}", start, end, replacement))
 
     def mutants(self):
         for i in range(len(self.tokens)):
             if i in self.passive:
                 continue
-            self.operator(i)
-            self.constant(i)
-            self.condition(i)
-            self.choice(i)
+            for self.kind in ("operator", "constant", "condition", "choice"):
+                getattr(self, self.kind)(i)
         self.statements()
         ordered = sorted(self.found, key=lambda m: (m.start, m.end, m.change))
         seen = collections.Counter()
@@ -305,15 +312,21 @@ class Source:
                 break
         if colon is None or end is None:
             return
-        yes = self.source[self.tokens[i + 1].start: self.tokens[colon - 1].end]
-        no = self.source[self.tokens[colon + 1].start: self.tokens[end - 1].end]
+        yes = self.text_of(i + 1, colon - 1)
+        no = self.text_of(colon + 1, end - 1)
         if "?" not in no:
             self.change(i + 1, end - 1, f"{no} : {yes}")
+        # The condition is still asked: what it does besides is not what is changed.
+        self.change(i + 1, end - 1, f"{yes} : {yes}")
+        self.change(i + 1, end - 1, f"{no} : {no}")
+
+    def text_of(self, first, last):
+        return self.source[self.tokens[first].start: self.tokens[last].end]
 
     # --- Statements
 
     def statements(self):
-        """Walks the bodies of functions and takes out one statement at a time."""
+        """Walks the bodies of functions: takes out a statement, makes its call twice, puts it behind the next one."""
         for i, token in enumerate(self.tokens):
             if token.text == "{" and token.kind == "sign" and self.is_body(i):
                 self.body(i + 1, self.partner.get(i, i))
@@ -354,10 +367,46 @@ class Source:
             while i < end and self.text(i) != ":":
                 i += 1
             return i + 1
-        last = next((j for j in self.level(i, end) if self.text(j) == ";"), end)
-        if last < end and i < last and word not in KEPT and i not in self.passive:
+        last = self.end_of(i, end)
+        if self.is_plain(i, last, end):
+            self.kind = "remove"
             self.take_out(i, last)
+            self.kind = "double"
+            self.make_twice(i, last)
+            self.kind = "swap"
+            self.swap_with_next(i, last, end)
         return last + 1
+
+    def end_of(self, i, end):
+        return next((j for j in self.level(i, end) if self.text(j) == ";"), end)
+
+    def is_plain(self, first, last, end):
+        """Whether this is a statement by itself, which holds no other but in lambdas."""
+        return last < end and first < last and self.text(first) not in KEPT | {"{"} and first not in self.passive
+
+    def make_twice(self, first, last):
+        if self.text(first) in LEAVING or self.text(last - 1) != ")" or self.declared(first, last):
+            return
+        if any(self.text(j) in ASSIGNMENTS for j in self.level(first, last)):
+            return
+        call = self.text_of(first, last)
+        self.change(first, last, f"{{ {call} {call} }}", old="one call", new="two")
+
+    def swap_with_next(self, first, last, end):
+        if self.text(first - 1) not in (";", "{", "}", ":"):
+            return  # it depends on a condition, which the next one does not
+        following = last + 1
+        final = self.end_of(following, end) if following < end else end
+        if not self.is_plain(following, final, end):
+            return
+        if self.text(first) in LEAVING or self.text(following) in LEAVING:
+            return  # as good as taking the other one out
+        name = self.declared(first, last)
+        if name and any(self.tokens[j].text == name for j in range(following, final)):
+            return
+        between = self.source[self.tokens[last].end: self.tokens[following].start]
+        swapped = self.text_of(following, final) + between + self.text_of(first, last)
+        self.change(first, final, swapped, old="this, next", new="next, this")
 
     def take_out(self, first, last):
         if self.text(first) == "return":
@@ -457,7 +506,8 @@ class Workshop:
         query.touch()
         # Not optimised: what counts is how soon a mutant is built.
         self.run("cmake", "-S", self.tree, "-B", self.out, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Mutants",
-                 "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_C_FLAGS=-O0", "-DREELDB_TESTS=ON", "-DREELDB_TESTS_PCH=ON")
+                 "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_C_FLAGS=-O0", "-DREELDB_TESTS=ON", "-DREELDB_TESTS_PCH=ON",
+                 "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
 
     def run(self, *command):
         done = subprocess.run([str(part) for part in command], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
@@ -563,7 +613,7 @@ class Tests:
 
     def rooms_of(self, name):
         parts = pathlib.PurePath(name).parts
-        room = "include" if parts[0] == "include" else parts[1]
+        room = {"include": "include", "standalone": "/".join(parts[:2])}.get(parts[0], parts[1])
         return ROOMS.get(room, (room,)) + ALSO.get(name, ())
 
     def programs_of(self, name):
@@ -590,19 +640,13 @@ class Tests:
             stages += [Stage(program, suites), Stage(program, f"*-{suites}")]
         return stages + [Stage(program, "*") for program in others]
 
-    def last_stages(self):
-        return [Stage(program, suites) for program, suites in LAST if program in self.workshop.programs]
-
-    def last_targets(self):
-        return [stage.program for stage in self.last_stages()]
+    def last_stages(self, name):
+        last = LAST if name.startswith("standalone/") else LAST + LAST_OF_LIBRARY
+        return [Stage(program, suites) for program, suites in last]
 
     def targets(self, names):
-        """The test programs of these sources, but for the last ones."""
-        wanted = set()
-        for name in names:
-            for group in self.programs_of(name):
-                wanted.update(group)
-        return sorted(wanted)
+        """The test programs of these sources."""
+        return sorted({stage.program for name in names for stage in self.stages(name) + self.last_stages(name)})
 
     def passes(self, stage, limit):
         """Whether the tests of a stage pass in this time."""
@@ -627,8 +671,8 @@ class Tests:
 
     def measure(self, names):
         """Runs every stage on the unchanged library. It must pass; how long it takes decides what is too long."""
-        for stages in [self.stages(name) for name in names] + [self.last_stages()]:
-            for stage in stages:
+        for name in names:
+            for stage in self.stages(name) + self.last_stages(name):
                 key = (stage.program, stage.filter)
                 if key in self.taken:
                     continue
@@ -658,7 +702,7 @@ class Run:
     def judge(self, mutant, build=lambda program: True):
         """Counts the mutant. Each test program is built when it is its turn."""
         noticed = None
-        for stage in self.tests.stages(mutant.file) + self.tests.last_stages():
+        for stage in self.tests.stages(mutant.file) + self.tests.last_stages(mutant.file):
             if not build(stage.program):
                 self.unbuilt += 1
                 return
@@ -681,7 +725,7 @@ class Run:
             print(f"mutate: {done} of {self.planned}, {len(self.survivors)} survive", file=sys.stderr, flush=True)
 
     def sources(self, mutants, jobs):
-        """Mutants of .cpp files: the next ones are compiled while one is tested."""
+        """Mutants of the library's .cpp files: the next ones are compiled while one is tested."""
         commands = self.workshop.commands()
         library = self.workshop.library()
         kept = self.workshop.mutants / "unchanged.so"
@@ -709,8 +753,8 @@ class Run:
         finally:
             shutil.copy2(kept, library)
 
-    def headers(self, mutants):
-        """Mutants of what several sources include: changed in the copy of the tree, built like any change."""
+    def others(self, mutants):
+        """Mutants of headers and of the host: changed in the copy of the tree, built like any change."""
         for mutant in mutants:
             copy = self.workshop.tree / mutant.file
             try:
@@ -722,7 +766,8 @@ class Run:
 
 def arguments_of(argv):
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("sources", nargs="*", help="source files of the library; all when none is named")
+    parser.add_argument("sources", nargs="*", help="source files or folders; the library when none is named")
+    parser.add_argument("--kinds", default=",".join(KINDS), help=f"kinds of changes, of {', '.join(KINDS)}")
     parser.add_argument("--mutants", type=int, default=int(os.environ.get("MUTANTS") or 0),
                         help="run so many, chosen at random; 0: all (MUTANTS)")
     parser.add_argument("--seed", type=int, default=int(os.environ.get("SEED") or 1), help="of the choice (SEED)")
@@ -735,14 +780,20 @@ def arguments_of(argv):
 
 
 def chosen_sources(named):
-    known = sorted(str(path.relative_to(ROOT)) for pattern in SOURCES for path in ROOT.glob(pattern))
+    def matching(patterns):
+        return sorted(str(path.relative_to(ROOT)) for pattern in patterns for path in ROOT.glob(pattern))
+
     if not named:
-        return known
-    names = [str(pathlib.Path(name).resolve().relative_to(ROOT)) if os.path.exists(name) else name for name in named]
-    for name in names:
-        if name not in known:
-            fail(f"{name}: not a source of the library")
-    return names
+        return matching(LIBRARY)
+    known = matching(LIBRARY + HOST)
+    chosen = []
+    for name in named:
+        path = pathlib.Path(name).resolve()
+        found = [source for source in known if (ROOT / source).is_relative_to(path)]
+        if not found:
+            fail(f"{name}: neither a source of the library or its host nor a folder of some")
+        chosen += [source for source in found if source not in chosen]
+    return chosen
 
 
 def without_listed(mutants, names):
@@ -759,11 +810,16 @@ def without_listed(mutants, names):
 
 def main(argv):
     arguments = arguments_of(argv)
+    kinds = arguments.kinds.split(",")
+    for kind in kinds:
+        if kind not in KINDS:
+            fail(f"{kind}: no kind of change ({', '.join(KINDS)})")
     names = chosen_sources(arguments.sources)
     texts = {name: (ROOT / name).read_text() for name in names}
     everything = all_mutants(texts)
     mutants = without_listed(everything, names)
-    equivalent = len(everything) - len(mutants)
+    mutants = [mutant for mutant in mutants if mutant.kind in kinds]
+    equivalent = sum(mutant.kind in kinds for mutant in everything) - len(mutants)
     if arguments.mutants and arguments.mutants < len(mutants):
         chosen = random.Random(arguments.seed).sample(range(len(mutants)), arguments.mutants)
         mutants = [mutants[i] for i in sorted(chosen)]
@@ -776,15 +832,15 @@ def main(argv):
     workshop = Workshop(arguments.build.resolve(), arguments.jobs, texts)
     tests = Tests(workshop)
     files = sorted({mutant.file for mutant in mutants})
-    workshop.build("reeldb", *tests.targets(files), *tests.last_targets())
+    workshop.build("reeldb", *tests.targets(files))
     tests.measure(files)
     print(f"{len(mutants)} mutants in {len(files)} files", flush=True)
 
     run = Run(workshop, tests, len(mutants), arguments.verbose)
-    sources = [mutant for mutant in mutants if mutant.file.endswith(".cpp")]
-    if sources:
-        run.sources(sources, arguments.jobs)
-    run.headers([mutant for mutant in mutants if not mutant.file.endswith(".cpp")])
+    apart = [mutant for mutant in mutants if mutant.file.startswith("src/") and mutant.file.endswith(".cpp")]
+    if apart:
+        run.sources(apart, arguments.jobs)
+    run.others([mutant for mutant in mutants if mutant not in apart])
 
     total = run.killed + len(run.survivors)
     percent = 100.0 * run.killed / total if total else 100.0

@@ -7,8 +7,10 @@
 #include <memory>
 #include <new>
 #include <typeinfo>
+#include <vector>
 
 #include "faults/library_calls.h"
+#include "faults/listening.h"
 #include "journal/watch.h"
 #include "reelhost/journal.h"
 #include "support/counting_services.h"
@@ -45,13 +47,26 @@ reelhost::Script& script()
   return reelhost::Script::the();
 }
 
-/// The operation of the host that threw.
-std::string operationThatThrew()
+/// The operations of the host that threw, in their order.
+std::vector<std::string> operationsThatThrew()
 {
+  std::vector<std::string> operations;
   for (const reelhost::Call& call : reelhost::Journal::the().calls())
     if (call.result == "threw reelhost::ScriptedFault")
-      return call.operation;
-  return "none";
+      operations.push_back(call.operation);
+  return operations;
+}
+
+/// Whether the host promises that this operation never throws.
+bool neverThrows(const std::string& operation)
+{
+  return operation == "EditPtr::i_close" || operation.find("::~") != std::string::npos;
+}
+
+/// What the fault of this operation says.
+std::string textOf(const std::string& operation, std::int64_t number)
+{
+  return operation + ": scripted fault (call " + std::to_string(number) + ")";
 }
 
 } // namespace
@@ -61,6 +76,11 @@ void HostCallThrows::arm(std::int64_t n)
   n_ = n;
   armed_ = true;
   script().throwAt(n);
+  if (stays())
+    script().before = [](const std::string& operation, const std::string&) {
+      if (script().faultHappened() && !neverThrows(operation))
+        throw reelhost::ScriptedFault(textOf(operation, script().throwingCalls()));
+    };
 }
 
 bool HostCallThrows::happened() const
@@ -73,24 +93,39 @@ void HostCallThrows::disarm()
   happened_ = happened();
   armed_ = false;
   script().throwAt(0);
+  script().before = nullptr;
 }
 
 std::string HostCallThrows::differs(const std::exception_ptr& thrown) const
 {
-  return differsFrom<reelhost::ScriptedFault>(thrown, operationThatThrew() + ": scripted fault (call " +
-                                                          std::to_string(n_) + ")");
+  std::string difference = "an exception though no operation threw";
+  std::int64_t number = n_; // of those that follow each other
+  for (const std::string& operation : operationsThatThrew()) {
+    difference = differsFrom<reelhost::ScriptedFault>(thrown, textOf(operation, number++));
+    // Another than the first comes out only where the host has kept the first to itself.
+    if (difference.empty() || !ReportWatch::faultHappenedInReport())
+      break;
+  }
+  return difference;
 }
 
 void OpeningRefused::arm(std::int64_t n)
 {
   n_ = n;
+  openings_ = 0;
   armed_ = true;
   script().failOpenNumber(n);
+  if (stays())
+    script().before = [this](const std::string& operation, const std::string&) {
+      const bool opens = operation == "EditPtr::i_open" || operation == "EditInfo::EditInfo";
+      if (opens && ++openings_ > n_)
+        script().failOpenNumber(1); // the one that comes now
+    };
 }
 
 bool OpeningRefused::happened() const
 {
-  return armed_ ? script().openings() >= n_ : happened_;
+  return armed_ ? openings_ > n_ || script().openings() >= n_ : happened_;
 }
 
 void OpeningRefused::disarm()
@@ -98,6 +133,7 @@ void OpeningRefused::disarm()
   happened_ = happened();
   armed_ = false;
   script().failOpenNumber(0);
+  script().before = nullptr;
 }
 
 // Nobody watches meanwhile: the journal asks for memory itself, also while a log is closed.
@@ -105,7 +141,10 @@ void AllocationFails::arm(std::int64_t n)
 {
   reelhost::watch(reelhost::Watcher::Script, false);
   armed_ = true;
-  failAllocation(n);
+  if (stays())
+    failAllocationsFrom(n);
+  else
+    failAllocation(n);
 }
 
 bool AllocationFails::happened() const
@@ -134,7 +173,10 @@ void LibraryCallThrows::arm(std::int64_t n)
 {
   n_ = n;
   reelhost::watch(reelhost::Watcher::Script, false);
-  LibraryCalls::the().failAt(n);
+  if (stays())
+    LibraryCalls::the().failFrom(n);
+  else
+    LibraryCalls::the().failAt(n);
 }
 
 bool LibraryCallThrows::happened() const

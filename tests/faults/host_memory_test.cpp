@@ -69,8 +69,18 @@ protected:
     return shown();
   }
 
-  /// Lets each allocation of a change fail in turn, in projects of all sizes up to one that has outgrown its tables.
+  /// Lets each allocation of a change fail in turn, in projects of all sizes up to one that has outgrown its tables:
+  /// that one alone, then it and all after it.
   void failEach(const std::function<void()>& change)
+  {
+    failEach(failAllocation, change);
+    failEach(failAllocationsFrom, change);
+  }
+
+  Cookie last_; ///< the log made last: a shot if the number of logs is even
+
+private:
+  void failEach(void (*fail)(std::int64_t), const std::function<void()>& change)
   {
     int faults = 0;
     for (int logs = 2; logs <= 34; ++logs)
@@ -78,7 +88,7 @@ protected:
         SCOPED_TRACE(std::to_string(logs) + " logs, allocation " + std::to_string(n));
         open(logs);
         reelhost::watch(reelhost::Watcher::Script, false);
-        failAllocation(n);
+        fail(n);
         try {
           change();
         } catch (const std::bad_alloc&) {
@@ -96,9 +106,6 @@ protected:
     std::printf("%d allocations failed\n", faults);
   }
 
-  Cookie last_; ///< the log made last: a shot if the number of logs is even
-
-private:
   void expectWhole()
   {
     const Texts now = shown();

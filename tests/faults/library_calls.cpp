@@ -29,14 +29,14 @@ std::array<void*, mostDoors> behind;               // where each door leads
 std::array<std::string, mostDoors> behindIsCalled; // mangled
 bool counting = false;
 std::int64_t left = 0, armedAt = 0;
-bool failedYet = false;
+bool failedYet = false, failsAlways = false;
 
 } // namespace
 
 /// Called by a door with its number: the address to go on to.
 extern "C" __attribute__((visibility("hidden"))) void* reeldb_tests_pass(std::size_t door)
 {
-  if (counting && left > 0 && --left == 0) {
+  if (counting && (left > 0 ? --left == 0 : failsAlways && failedYet)) {
     failedYet = true;
     throw reeldb_tests::LibraryCallFault{armedAt, behindIsCalled[door].c_str()};
   }
@@ -240,8 +240,14 @@ LibraryCalls::LibraryCalls()
 void LibraryCalls::failAt(std::int64_t n)
 {
   left = armedAt = n;
-  failedYet = false;
+  failedYet = failsAlways = false;
   counting = true;
+}
+
+void LibraryCalls::failFrom(std::int64_t n)
+{
+  failAt(n);
+  failsAlways = true;
 }
 
 void LibraryCalls::stop()
@@ -262,6 +268,7 @@ namespace reeldb_tests {
 
 LibraryCalls::LibraryCalls() : unavailable_("calls are led through doors on x86-64 under Linux only") {}
 void LibraryCalls::failAt(std::int64_t) {}
+void LibraryCalls::failFrom(std::int64_t) {}
 void LibraryCalls::stop() {}
 bool LibraryCalls::failed() const
 {

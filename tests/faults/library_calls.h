@@ -23,9 +23,10 @@ public:
   static LibraryCalls& the();
   const std::string& unavailable() const { return unavailable_; } ///< empty when it works
 
-  void failAt(std::int64_t n); ///< the n-th call from now throws LibraryCallFault; it is not made
-  void stop();                 ///< no call throws any more
-  bool failed() const;         ///< whether the armed one has come
+  void failAt(std::int64_t n);   ///< the n-th call from now throws LibraryCallFault; it is not made
+  void failFrom(std::int64_t n); ///< so do all after it
+  void stop();                   ///< no call throws any more
+  bool failed() const;           ///< whether the armed one has come
 
   /// Operations of the host that could fail but are not led by here. Mangled.
   const std::set<std::string>& notLed() const { return notLed_; }

@@ -139,7 +139,7 @@ void Sweep::warmUp(FaultKind& kind)
 
 int Sweep::runClean(const Scenario& scenario, int hold)
 {
-  HostCallThrows nothing;
+  HostCallThrows nothing(Fault::Once);
   set(scenario, hold);
   Outcome outcome = act({scenario, nothing, hold}, 0);
   const int openings = journal().count("EditPtr::i_open") + journal().count("EditInfo::EditInfo");

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Everything fails once, beneath every operation.
+// Everything fails in turn, beneath every operation: once, and so that it stays.
 #include <cstdio>
 #include <memory>
 #include <ostream>
+#include <tuple>
 
 #include "faults/library_calls.h"
 #include "faults/sweep.h"
@@ -15,7 +16,7 @@ namespace {
 
 struct Kind {
   const char* name;
-  std::unique_ptr<FaultKind> (*make)();
+  std::unique_ptr<FaultKind> (*make)(Fault);
   /// What is to be said of an operation with so many faults, and so many openings of logs when nothing fails.
   void (*check)(const Scenario& scenario, int faults, int openings);
 };
@@ -26,9 +27,9 @@ void PrintTo(const Kind& kind, std::ostream* out)
 }
 
 template <class T>
-std::unique_ptr<FaultKind> make()
+std::unique_ptr<FaultKind> make(Fault fault)
 {
-  return std::make_unique<T>();
+  return std::make_unique<T>(fault);
 }
 
 const Kind kinds[] = {
@@ -51,12 +52,13 @@ const Kind kinds[] = {
      }},
 };
 
-class Faults : public Sweep, public ::testing::WithParamInterface<Kind> {};
+class Faults : public Sweep, public ::testing::WithParamInterface<std::tuple<Kind, Fault>> {};
 
 /// With notifications and while they are held; prints how many faults there were.
-TEST_P(Faults, HappenOnceBeneathEachOperation)
+TEST_P(Faults, HappenBeneathEachOperation)
 {
-  const std::unique_ptr<FaultKind> kind = GetParam().make();
+  const auto& [parameter, fault] = GetParam();
+  const std::unique_ptr<FaultKind> kind = parameter.make(fault);
   if (const std::string why = kind->unavailable(); !why.empty())
     GTEST_SKIP() << why;
   warmUp(*kind);
@@ -71,7 +73,7 @@ TEST_P(Faults, HappenOnceBeneathEachOperation)
       openings += runClean(scenario, hold);
       here += failEach(scenario, *kind, hold);
     }
-    GetParam().check(scenario, here, openings);
+    parameter.check(scenario, here, openings);
     faults[scenario.operation] += here;
     total += here;
   }
@@ -82,7 +84,15 @@ TEST_P(Faults, HappenOnceBeneathEachOperation)
   RecordProperty("faults", total);
 }
 
-INSTANTIATE_TEST_SUITE_P(Every, Faults, ::testing::ValuesIn(kinds), [](const auto& of) { return of.param.name; });
+std::string nameOf(const ::testing::TestParamInfo<std::tuple<Kind, Fault>>& of)
+{
+  const auto& [kind, fault] = of.param;
+  return std::string(kind.name) + (fault == Fault::Once ? "Once" : "FromThenOn");
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, Faults,
+                         ::testing::Combine(::testing::ValuesIn(kinds), ::testing::Values(Fault::Once, Fault::Stays)),
+                         nameOf);
 
 } // namespace
 

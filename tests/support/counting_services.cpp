@@ -12,6 +12,7 @@ namespace {
 constinit std::atomic<std::int64_t> allocateCalls, releaseCalls, incRefCalls, decRefCalls;
 constinit std::atomic<std::int64_t> firstReferences, lastReferences;
 constinit std::atomic<std::int64_t> untilFailure; // 0: no allocation is to fail
+constinit std::atomic<bool> failsAlways;          // the one that is to fail, and all after it
 constinit std::atomic<iHostServices*> hosts;
 
 iHostServices& hostsServices()
@@ -24,13 +25,13 @@ iHostServices& hostsServices()
   return *services;
 }
 
-/// Whether this is the allocation that is to fail.
+/// Whether this is an allocation that is to fail.
 bool mustFail()
 {
   std::int64_t left = untilFailure.load(std::memory_order_relaxed);
   while (left > 0 && !untilFailure.compare_exchange_weak(left, left - 1, std::memory_order_relaxed)) {
   }
-  return left == 1;
+  return left == 1 || (left == 0 && failsAlways.load(std::memory_order_relaxed));
 }
 
 class CountingAllocator final : public iAllocator {
@@ -127,7 +128,14 @@ std::int64_t furtherHolders()
 
 void failAllocation(std::int64_t n)
 {
+  failsAlways = false;
   untilFailure = n;
+}
+
+void failAllocationsFrom(std::int64_t n)
+{
+  untilFailure = n;
+  failsAlways = true;
 }
 
 bool allocationWillFail()

@@ -20,7 +20,8 @@ std::int64_t furtherHolders();
 
 /// The n-th allocation from now (from 1) returns null, once. 0: none.
 void failAllocation(std::int64_t n);
-bool allocationWillFail(); ///< whether failAllocation's n-th is still to come
+void failAllocationsFrom(std::int64_t n); ///< so do all after it, until failAllocation(0)
+bool allocationWillFail();                ///< whether the n-th of either is still to come
 
 } // namespace reeldb_tests
 

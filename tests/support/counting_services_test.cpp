@@ -108,6 +108,25 @@ TEST(FailAllocation, TheThirdFromNowFailsOnceAndIsNotCounted)
     OS()->allocator().release(p);
 }
 
+TEST(FailAllocationsFrom, TheSecondFromNowAndAllAfterItFailUntilThatIsTakenBack)
+{
+  void* got[5];
+  bool toCome[5];
+  failAllocationsFrom(2);
+  for (int i = 0; i < 5; ++i) {
+    toCome[i] = allocationWillFail();
+    if (i == 4)
+      failAllocation(0);
+    got[i] = OS()->allocator().allocate(8);
+  }
+  for (int i = 0; i < 5; ++i) {
+    EXPECT_EQ(toCome[i], i < 2) << i;
+    EXPECT_EQ(got[i] != nullptr, i == 0 || i == 4) << i;
+  }
+  for (void* p : got)
+    OS()->allocator().release(p);
+}
+
 TEST(FailAllocation, ZeroTakesItBack)
 {
   failAllocation(1);
