@@ -295,8 +295,8 @@ TEST_F(OtherHosts, EmptyTextWithABodyIsTakenAsOneWithout)
       {"keys", [&](const Narrow& key, const Wide&) { ReelDbRec(manager().getReelInfo("R1")).setIntValInEdit(key, 1); }},
       {"label maps", [&](const Narrow& id, const Wide&) { get_required_label_map_name(id, IdStamp(104)); }},
   };
-  for (const auto& [what, use] : uses)
-    EXPECT_EQ(linesOf([&] { use(body, wideBody); }), linesOf([&] { use(none, wideNone); })) << what;
+  for (const auto& use : uses)
+    EXPECT_EQ(linesOf([&] { use.second(body, wideBody); }), linesOf([&] { use.second(none, wideNone); })) << use.first;
 
   CookieVec shots;
   shots.add(bare);
