@@ -22,7 +22,7 @@ namespace {
 
 using Session = reeldb_tests::AppTest;
 
-TEST_F(Session, DefaultProjectIsChosenUnlessAnotherIsAskedFor)
+TEST_F(Session, DefaultProjectIsOpenedUnlessAnotherIsNamed)
 {
   app::makeProject("promo", "24");
   EXPECT_EQ(app::chosenProject({}), "main");
@@ -79,7 +79,7 @@ bool isInUse(const std::filesystem::path& project)
 
 TEST_F(Session, OperationReadsNothingOfTheProjectAfterItsCommit)
 {
-  // Whoever writes right after the operation would make that reading fail, although the change is stored.
+  // A writer directly after the operation would make that reading fail, although the change is stored.
   const std::string list = cutList("list.edl", {"TAPE1", "TAPE2"});
   const std::filesystem::path project = folder_.path() / "projects" / "main.reels";
   const auto write = [&project](const std::string& what, const auto& work) {

@@ -22,11 +22,11 @@ using namespace reeldb::base;
 using reeldb_tests::TempFolder;
 namespace fs = std::filesystem;
 
-int renameError = 0; ///< what renameat2 fails with instead of doing anything; 0: nothing
+int renameError = 0; ///< the error with which renameat2 fails without doing anything; 0: it works
 
 } // namespace
 
-/// Stands before the one of the C library: a file system that does not know the call is seldom at hand.
+/// Replaces the function of the C library, because file systems without the call are rare.
 extern "C" int renameat2(int oldFolder, const char* oldName, int newFolder, const char* newName,
                          unsigned flags) noexcept
 {
@@ -97,7 +97,7 @@ mode_t modeOf(const fs::path& file)
   return status.st_mode & 07777;
 }
 
-/// While it lives, a file takes no more bytes than @p limit: a disk that becomes full, for whoever writes.
+/// While it lives, a file takes no more bytes than @p limit. For a writer that is a full disk.
 class FileSizeLimit {
 public:
   explicit FileSizeLimit(rlim_t limit) : before_(::signal(SIGXFSZ, SIG_IGN))
@@ -138,7 +138,7 @@ TEST(FileErrorTest, NamesPathFactAndCause)
   EXPECT_EQ(error.fault(), FileFault::System);
   EXPECT_EQ(error.fact(), "cannot be read");
   EXPECT_EQ(error.cause(), "No space left on device");
-  EXPECT_STREQ(FileError(FileFault::Exists, "", "exists already").what(), "\"\": exists already");
+  EXPECT_STREQ(FileError(FileFault::Exists, "", "already exists").what(), "\"\": exists already");
 }
 
 TEST(FileDescriptorTest, ClosesWithItsOwner)
@@ -153,7 +153,7 @@ TEST(FileDescriptorTest, ClosesWithItsOwner)
   EXPECT_FALSE(FileDescriptor(-1).valid());
 }
 
-TEST(TemporaryFileTest, GoesUnlessKept)
+TEST(TemporaryFileTest, IsRemovedUnlessKept)
 {
   const TempFolder folder;
   writeBytes(folder.path() / "a", "");
@@ -320,7 +320,7 @@ TEST(WriteNewFile, MissingFolder)
             "System: /nonexistent-folder/f: cannot be made (No such file or directory)");
 }
 
-TEST(NewFileBeside, LiesInTheSameFolderAndGoes)
+TEST(NewFileBeside, LiesInTheSameFolderAndIsRemoved)
 {
   const TempFolder folder;
   const fs::path path = folder.path() / "f";
@@ -381,7 +381,7 @@ TEST_P(NameNewFile, TakenNameIsRefused)
     TemporaryFile file(folder() / "new");
     writeBytes(file.path(), "content");
     EXPECT_EQ(errorOf([&] { nameNewFile(file, folder() / name); }),
-              "Exists: " + (folder() / name).native() + ": exists already");
+              "Exists: " + (folder() / name).native() + ": already exists");
   }
   EXPECT_EQ(bytesOf(folder() / "f"), "old");
   EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"f", "link"}));
@@ -453,7 +453,7 @@ TEST_F(ReplaceFile, FileIsReplacedAndLeavesItsPermissions)
 TEST_F(ReplaceFile, FileIsRefusedAndStays)
 {
   writeBytes(file(), "old");
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   EXPECT_EQ(bytesOf(file()), "old");
   EXPECT_EQ(names(), std::vector<std::string>{"f"});
 }
@@ -461,7 +461,7 @@ TEST_F(ReplaceFile, FileIsRefusedAndStays)
 TEST_F(ReplaceFile, FileThatAppearsMeanwhileIsRefused)
 {
   renameError = EEXIST;
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   renameError = 0;
   EXPECT_EQ(names(), std::vector<std::string>{});
 }
@@ -472,7 +472,7 @@ TEST_F(ReplaceFile, LinkStaysAndTheFileThatItLeadsToIsReplaced)
   writeBytes(file("d/target"), "old");
   fs::create_symlink("d/target", file());
   ASSERT_EQ(::chmod(file("d/target").c_str(), 0600), 0);
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   EXPECT_EQ(bytesOf(file("d/target")), "old");
   replaceFile(file(), "new", IfThere::Replace);
   EXPECT_TRUE(fs::is_symlink(file()));
@@ -495,7 +495,7 @@ TEST_F(ReplaceFile, LinkIsReplacedAndWhatItLeadsToStays)
   EXPECT_EQ(names(), std::vector<std::string>{"target"});
 }
 
-TEST_F(ReplaceFile, WhatIsNoFileIsRefused)
+TEST_F(ReplaceFile, AnythingButAFileIsRefused)
 {
   fs::create_directory(file("d"));
   ASSERT_EQ(::mkfifo(file("p").c_str(), 0600), 0);

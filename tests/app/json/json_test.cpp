@@ -288,7 +288,7 @@ TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
   EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
 }
 
-// --- What is no such report ------------------------------------------------------------------------
+// --- Texts that are not such a report --------------------------------------------------------------
 
 template <class T>
 void expectRefused(const std::string& text)
@@ -327,7 +327,7 @@ TEST(FromJson, UnknownWordOrNumberOfAUserFieldIsRefused)
   expectRefused<Reel>(text);
 }
 
-TEST(FromJson, KeysThatAreNotKnownArePassedOver)
+TEST(FromJson, UnknownKeysAreSkipped)
 {
   EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "new": [1, 2]})").gone, 3);
 }
