@@ -6,6 +6,6 @@ function(reeldb_check_host host)
   file(CONFIGURE OUTPUT ${source} CONTENT "int main() {}\n")
   add_executable(linkcheck_${host} ${source})
   target_link_libraries(linkcheck_${host} PRIVATE reeldb::reeldb ${host})
-  # bfd: mold passes over missing symbols of shared libraries without a word.
+  # bfd: mold ignores missing symbols of shared libraries without a message.
   target_link_options(linkcheck_${host} PRIVATE -fuse-ld=bfd LINKER:--no-allow-shlib-undefined LINKER:--no-as-needed)
 endfunction()

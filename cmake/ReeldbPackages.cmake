@@ -27,7 +27,7 @@ which shots were recorded from each, what type they are and which devices
 accept them.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libreeldb${PROJECT_VERSION_MAJOR})
-# Which package a program needs that is linked to these libraries, and that the loader's list is to be made anew.
+# The package that a program needs if it is linked to these libraries, and the trigger that renews the loader's list.
 set(control ${PROJECT_BINARY_DIR}/debian)
 foreach(library IN ITEMS libreeldb libreelhost libreelhostvalues)
   string(APPEND shlibs

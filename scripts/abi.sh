@@ -5,7 +5,7 @@
 #
 # abi.sh check LIBRARY       the library, built by g++ with -g (make abi-check)
 # abi.sh check-headers       the classes of the exported headers and of the host interface
-# abi.sh baseline LIBRARY    makes both baselines anew (make abi-baseline)
+# abi.sh baseline LIBRARY    makes both baselines again (make abi-baseline)
 # abi.sh self-test           plants changes in copies of the headers: what breaks must be found, what does not must pass
 #
 # Exits with 1 on a break and when a tool is missing, with 77 on a machine that the baselines say nothing of.
@@ -89,7 +89,7 @@ plant() {
   fi
 }
 
-breaks() { # breaks WHAT-IS-TOLD HEADER SCRIPT
+breaks() { # breaks REPORTED-WORDS HEADER SCRIPT
   plant "$2" "$3"
   if check_headers "$work/tree" >"$work/out" 2>&1; then
     fail "self-test: $2: not found: $3"

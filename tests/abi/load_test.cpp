@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the library does while it is loaded. The program answers for the two host operations that it asks then. That
-// comes before any constructor of the program, so what is noted lies in plain data.
+// What the library does while it is loaded. The program defines the two host operations that the library then calls.
+// They run before any constructor of the program, so they store their notes in plain data.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -37,7 +37,7 @@ LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
   return REELDB_TEST_DATA_DIRECTORY;
 }
 
-TEST(Load, AsksForTheDefaultTypeAndThenForTheFolderOfTheTypeFile)
+TEST(Load, ReadsTheDefaultTypeAndThenTheFolderOfTheTypeFile)
 {
   ASSERT_EQ(2, askedCount);
   EXPECT_STREQ("config_string(default_reel_type, '')", asked[0]);

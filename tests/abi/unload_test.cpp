@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library, loaded by hand into a program that has a host, used and unloaded again. Only who has made no manager may
-// unload it: the host would go on telling the manager of the project.
+// The library, loaded by hand into a program with a host, used and unloaded again. A program may unload it only if it
+// has made no manager, because the host would still notify the manager of the project.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 
 namespace {
 
-/// What the host has given out and not got back.
+/// The host's memory and counts that are still in use.
 std::int64_t inUse()
 {
   return reeldb_tests::memoryInUse();
@@ -41,7 +41,7 @@ T* find(void* library, const char* name)
 
 } // namespace
 
-TEST(Unload, GivesBackEverythingAndCanBeLoadedAgain)
+TEST(Unload, ReleasesEverythingAndCanBeLoadedAgain)
 {
   const reeldb_tests::TempFolder folder;
   const std::filesystem::path site = folder / "site";

@@ -21,7 +21,7 @@
 
 namespace {
 
-/// Counts what arrives. Refuses as often as it is told to.
+/// Counts the calls. Refuses as many of them as the test demands.
 class CountingAllocator final : public iAllocator {
 public:
   void* allocate(std::size_t size) override
@@ -239,7 +239,7 @@ TEST_F(Allocation, NewThrowsWhenTheHostHasNoMemory)
   EXPECT_EQ(0, host().refusals);
 }
 
-TEST_F(Allocation, NewAsksTheNewHandlerForRoomAndTheHostAgain)
+TEST_F(Allocation, NewCallsTheNewHandlerAndThenTheHostAgain)
 {
   std::set_new_handler([] { ++roomMade; });
   host().refusals = 3;
@@ -303,7 +303,7 @@ TEST_F(Allocation, OtherFormsForwardToThePlainOnes)
   EXPECT_EQ(p[2], host().lastReleased);
 }
 
-TEST_F(Allocation, ArrayFormThrowsAndNothrowFormsAnswerNullWhenTheHostHasNoMemory)
+TEST_F(Allocation, ArrayFormThrowsAndNothrowFormsReturnNullWhenTheHostHasNoMemory)
 {
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   host().refusals = 3;
@@ -313,7 +313,7 @@ TEST_F(Allocation, ArrayFormThrowsAndNothrowFormsAnswerNullWhenTheHostHasNoMemor
   EXPECT_EQ(0, host().refusals);
 }
 
-TEST_F(Allocation, NothrowFormsAnswerNullWhateverTheNewHandlerThrows)
+TEST_F(Allocation, NothrowFormsReturnNullWhateverTheNewHandlerThrows)
 {
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   std::set_new_handler([] { throw NoRoomToMake(); });

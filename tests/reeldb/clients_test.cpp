@@ -109,7 +109,7 @@ TEST_F(Clients, ThatCannotKeepTheirReelForLackOfMemoryAreNotRegistered)
   EXPECT_EQ(registered(), Registered{});
 }
 
-TEST_F(Clients, MakingAndEndingOneAsksTheHostNothingAndTellsNobody)
+TEST_F(Clients, MakingAndEndingOneMakesNoHostCallAndNotifiesNobody)
 {
   Client a(heard_);
   EXPECT_EQ(operationsOf([&] { Client b(heard_, "", "R1"); }), Heard{});
@@ -202,7 +202,7 @@ TEST_F(Clients, OfTheBaseClassDoNothing)
   EXPECT_EQ(registered(), (Registered{&plain}));
 }
 
-TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsTold)
+TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsNotifiedOf)
 {
   Client a(heard_, "", "R1");
   a.ReelDbClient::reelDbChanged("R2");
@@ -213,7 +213,7 @@ TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsTold)
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
-TEST_F(Clients, RegisteredTwiceHearEverythingTwice)
+TEST_F(Clients, RegisteredTwiceAreNotifiedTwice)
 {
   Client a(heard_, "a", "R1"), b(heard_, "b");
   manager().registerClient(&a);
@@ -259,7 +259,7 @@ TEST_F(Clients, AreNotEndedByBeingUnregistered)
   EXPECT_EQ(heard_, (Heard{"a:dbC(still here)"}));
 }
 
-TEST_F(Clients, AreToldApartByAddressAlone)
+TEST_F(Clients, AreDistinguishedByAddressOnly)
 {
   AlikeClient a(heard_, "a"), b(heard_, "b"), c(heard_, "c");
   EXPECT_EQ(registered(), (Registered{&a, &b, &c}));
@@ -316,7 +316,7 @@ TEST_F(Clients, GoToTheManagerOfTheProcess)
   EXPECT_EQ(heard_, Heard{}) << "each manager tells its own clients";
 }
 
-TEST_F(Clients, OfASecondManagerHearThatOneAlone)
+TEST_F(Clients, OfASecondManagerAreNotifiedByThatOneOnly)
 {
   ReelDbManager second;
   Client a(heard_, "a");
@@ -335,7 +335,7 @@ TEST_F(Clients, OfASecondManagerHearThatOneAlone)
   EXPECT_EQ(0U, second.clients.count());
 }
 
-TEST_F(Clients, HearOfRecordsOnlyFromTheManagerOfTheProcess)
+TEST_F(Clients, AreNotifiedOfRecordsOnlyByTheManagerOfTheProcess)
 {
   addReel("R1");
   ReelDbManager second;
@@ -397,7 +397,7 @@ TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
   EXPECT_EQ(0U, manager().clients.count());
 }
 
-TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillToldTheRest)
+TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillNotifiedOfTheRest)
 {
   auto a = interested("a"), b = interested("b"), c = interested("c");
   a->onOur = [&] { manager().deRegisterClient(a.get()); };
@@ -407,7 +407,7 @@ TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillToldTheRest)
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)", "c:our()", "c:some(R1)"}));
 }
 
-TEST_F(ClientPasses, ClientPutInThePlaceOfOneThatEndedIsToldInItsTurnOnly)
+TEST_F(ClientPasses, ClientInThePlaceOfAnEndedOneIsNotifiedInItsTurnOnly)
 {
   auto a = interested("a");
   std::unique_ptr<Client> next;

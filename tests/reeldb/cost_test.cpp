@@ -64,7 +64,7 @@ protected:
 
 } // namespace
 
-TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringARecord)
+TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringPerRecord)
 {
   const Text id("no such reel");
   const auto scan = [&] { ASSERT_FALSE(manager().doesReelExist(id)); };

@@ -178,7 +178,7 @@ TEST_F(Creation, StarMeansGeneratedMaterialAndMakesNothing)
   EXPECT_EQ(heard_, Heard{});
 }
 
-TEST_F(Creation, WithoutAProjectNothingIsMadeAndNobodyIsTold)
+TEST_F(Creation, WithoutAProjectNothingIsMadeAndNobodyIsNotified)
 {
   reelhost::closeProject();
   const RecordingClient client(heard_);
@@ -473,16 +473,16 @@ TEST_F(Creation, UnknownDefaultTypeAsksForTheDeviceOfNoName)
   EXPECT_EQ(countOf(operations, "Edit::addChan"), 0);
 }
 
-// --- What clients hear and see -------------------------------------------------------------------
+// --- What clients receive and see ----------------------------------------------------------------
 
-TEST_F(Creation, ClientsHearOfTheFlagAndThenOfTheReel)
+TEST_F(Creation, ClientsAreNotifiedOfTheFlagAndThenOfTheReel)
 {
   const RecordingClient client(heard_, "", "R1");
   create(" R1 ");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)", "dbC(R1)"}));
 }
 
-TEST_F(Creation, ClientsHearOfADefaultTypeToo)
+TEST_F(Creation, ClientsAreAlsoNotifiedOfADefaultType)
 {
   enterProject("TYPED", {{"reeldb_defaultType", "no such type"}});
   const RecordingClient client(heard_);
@@ -490,7 +490,7 @@ TEST_F(Creation, ClientsHearOfADefaultTypeToo)
   EXPECT_EQ(heard_, (Heard{"some(R1)", "some(R1)", "dbC(R1)"}));
 }
 
-TEST_F(Creation, RefusedCreationTellsNobody)
+TEST_F(Creation, RefusedCreationNotifiesNobody)
 {
   addReel("R1");
   const RecordingClient client(heard_);
@@ -510,7 +510,7 @@ TEST_F(Creation, ReelJoinsTheListOnlyForTheLastNotice)
   EXPECT_EQ(listed, (std::vector<bool>{false, true}));
 }
 
-TEST_F(Creation, ModifierIsHeldUntilEverybodyWasTold)
+TEST_F(Creation, ModifierIsHeldUntilEverybodyIsNotified)
 {
   RecordingClient client(heard_);
   std::vector<std::int64_t> held;
@@ -579,7 +579,7 @@ TEST_F(Creation, HandlerMayCreateAnotherReelWhichIsAnnouncedInFullFirst)
   EXPECT_EQ(reelIds(), (Lines{"a", "b"}));
 }
 
-TEST_F(Creation, OtherManagerTellsItsOwnClientsOfTheReelAndTheRecordTellsThoseOfTheProcess)
+TEST_F(Creation, OtherManagerNotifiesItsOwnClientsOfTheReelAndTheRecordThoseOfTheProcess)
 {
   const RecordingClient client(heard_);
   ReelDbManager other;

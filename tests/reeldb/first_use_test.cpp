@@ -14,8 +14,8 @@ namespace reeldb_tests {
 
 namespace {
 
-/// Ends the process; with 0 when the manager was made by @p use and not before. There is a project with the reel R1, of
-/// which no manager heard.
+/// Ends the process, with exit code 0 if the manager was made by @p use and not before. There is a project with the
+/// reel R1, and no manager was notified of it.
 [[noreturn]] void exitAfterFirst(const std::function<void(const Cookie& reel)>& use)
 {
   reelhost::useFacility(reelhost::Facility());
@@ -99,7 +99,7 @@ TEST(FirstUse, ShotsWithoutAnIdentifierMakeNoManager)
   reelhost::closeProject();
 }
 
-TEST(FirstUse, FirstClientMakesTheManagerWhichThenHearsTheHost)
+TEST(FirstUse, FirstClientMakesTheManagerWhichThenListensToTheHost)
 {
   EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
   EXPECT_EQ(0, glib_pid);

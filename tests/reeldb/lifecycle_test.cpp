@@ -18,7 +18,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* option = "reeldb_defaultType";
 
-/// Each test calls the manager's events itself; get_project_cookie answers what the test says.
+/// Each test calls the manager's events itself; get_project_cookie returns the test's value.
 class Lifecycle : public LibraryTest {
 protected:
   Lifecycle() { projectIs("PFIRST"); }
@@ -165,7 +165,7 @@ TEST_F(Lifecycle, EntryWithoutAProjectDoesNotResetTheDevicesAtFirst)
       << "no project is the last project that a new manager knows";
 }
 
-TEST_F(Lifecycle, PlaceholderProjectIsPassedOver)
+TEST_F(Lifecycle, PlaceholderProjectIsSkipped)
 {
   openUnentered({});
   manager().handleProjectEntry();
@@ -186,7 +186,7 @@ TEST_F(Lifecycle, PlaceholderProjectIsPassedOver)
   EXPECT_EQ(marked(manager()), (Texts{"R1"}));
 }
 
-TEST_F(Lifecycle, PlaceholderIsToldByTheFirstAnswerAlone)
+TEST_F(Lifecycle, PlaceholderIsRecognisedByTheFirstResultOnly)
 {
   script().projectCookies = {project("P0001000"), project("PONE")};
   EXPECT_EQ(2U, operationsOf([&] { manager().handleProjectEntry(); }).size());
@@ -195,7 +195,7 @@ TEST_F(Lifecycle, PlaceholderIsToldByTheFirstAnswerAlone)
   EXPECT_LT(2U, operationsOf([&] { manager().handleProjectEntry(); }).size());
 }
 
-TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNone)
+TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNotPlaceholders)
 {
   for (const char* const name : {"P000100", "P00010000", "P0001001", "Q0001000"}) {
     projectIs(name);
@@ -203,7 +203,7 @@ TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNone)
   }
 }
 
-TEST_F(Lifecycle, ClientsHearOfTheEntryWithTheListRebuiltAndTheMarksGone)
+TEST_F(Lifecycle, ClientsAreNotifiedOfTheEntryWithTheListRebuiltAndTheMarksRemoved)
 {
   openUnentered({});
   const Cookie reel = addLog(9, "R1");
@@ -224,7 +224,7 @@ TEST_F(Lifecycle, ClientsHearOfTheEntryWithTheListRebuiltAndTheMarksGone)
   EXPECT_TRUE(exists);
 }
 
-TEST_F(Lifecycle, ClientsHearOfTheEntryBeforeTheDefaultTypeIsStoredAndTheDevicesAreReset)
+TEST_F(Lifecycle, ClientsAreNotifiedOfTheEntryBeforeTheDefaultTypeIsStoredAndTheDevicesAreReset)
 {
   openUnentered({});
   ReelDbManager::systemWideDefaultReelType_ = "Tape lifecycle";
@@ -277,7 +277,7 @@ TEST_F(Lifecycle, EntryKeepsTheTypeThatTheProjectHas)
   }
 }
 
-TEST_F(Lifecycle, HeldEntryDoesAllButTell)
+TEST_F(Lifecycle, HeldEntryDoesEverythingExceptNotify)
 {
   openUnentered({});
   const Cookie reel = addLog(9, "R1");
@@ -295,7 +295,7 @@ TEST_F(Lifecycle, HeldEntryDoesAllButTell)
   EXPECT_EQ(1, manager().notifyHoldCount);
 }
 
-TEST_F(Lifecycle, EntryWithoutDatabaseKeepsTheListAndGoesOn)
+TEST_F(Lifecycle, EntryWithoutDatabaseKeepsTheListAndContinues)
 {
   openUnentered({});
   const Texts reels{text(addReel("R1"))};
@@ -385,7 +385,7 @@ TEST_F(Lifecycle, ExitLeavesCopiesOfTheListWhole)
 
 // --- The reel list -------------------------------------------------------------------------------
 
-TEST_F(Lifecycle, ReelListIsWhatTheDatabaseAnswersInItsOrder)
+TEST_F(Lifecycle, ReelListIsTheResultOfTheDatabaseInItsOrder)
 {
   const Cookie b = addLog(9, "B"), a = addLog(9, "A"), c = addLog(9, "C");
   addLog(1, "S");
@@ -431,7 +431,7 @@ TEST_F(Lifecycle, ReelListStaysAsItWasWhenTheSearchThrows)
   EXPECT_EQ(listed(), reels);
 }
 
-TEST_F(Lifecycle, BuildingTheReelListTellsNobody)
+TEST_F(Lifecycle, BuildingTheReelListNotifiesNobody)
 {
   Client client(heard_);
   manager().buildReelList();
@@ -499,7 +499,7 @@ TEST_F(Lifecycle, NewManagerHasReadNothing)
   EXPECT_EQ(marked(*fresh), (Texts{"A", "B"})) << "the marks are kept sorted";
 }
 
-TEST_F(Lifecycle, EndOfAManagerTellsItsClientsNothing)
+TEST_F(Lifecycle, EndOfAManagerDoesNotNotifyItsClients)
 {
   Client client(heard_, "", "R1");
   manager().deRegisterClient(&client);
@@ -516,7 +516,7 @@ TEST_F(Lifecycle, EndOfAManagerTellsItsClientsNothing)
   EXPECT_EQ(heard_, (Heard{"dbC(still here)"}));
 }
 
-TEST_F(Lifecycle, ManagersHearOfTheProjectFromTheHostForAsLongAsTheyLive)
+TEST_F(Lifecycle, HostNotifiesManagersOfTheProjectWhileTheyLive)
 {
   reelhost::openProject(reelhost::makeMemoryStore({}), reelhost::Access::Write);
   addLog(9, "R1");

@@ -315,7 +315,7 @@ TEST_F(Listing, DeviceMayAcceptTypesNobodyDefined)
   EXPECT_FALSE(isListedType("listing unknown")) << "asking adds nothing";
 }
 
-TEST_F(Listing, ReelIsNoLongerForEveryDeviceOnceItsTypeWasAskedForItsChannels)
+TEST_F(Listing, ReelIsNoLongerForEveryDeviceOnceTheChannelsOfItsTypeWereRead)
 {
   addReel("A", "listing asked for");
   EXPECT_EQ(compatible(), (Texts{"A"}));

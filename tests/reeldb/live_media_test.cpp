@@ -157,7 +157,7 @@ TEST_F(LiveMedia, OtherManagerMakesNoReelThatItsOwnListHolds)
   EXPECT_EQ(lastReel(), "");
 }
 
-TEST_F(LiveMedia, ClientsHearOfTheCreationThenOfTypeAndDevice)
+TEST_F(LiveMedia, ClientsAreNotifiedOfTheCreationThenOfTypeAndDevice)
 {
   setCamera("Cam 2");
   RecordingClient client(heard_);

@@ -151,7 +151,7 @@ TEST_F(Lookup, OpensEachLogInTheDefaultWayAndReadsTheIdentifier)
   EXPECT_EQ("EditPtr::i_close(" + text(reel) + ")", lines[2]);
 }
 
-TEST_F(Lookup, PassesOverLogsWithoutIdentifier)
+TEST_F(Lookup, SkipsLogsWithoutIdentifier)
 {
   addReel("");
   const Cookie reel = addReel("A");
@@ -159,7 +159,7 @@ TEST_F(Lookup, PassesOverLogsWithoutIdentifier)
   EXPECT_EQ(2, looksFor("A"));
 }
 
-TEST_F(Lookup, PassesOverALogThatDoesNotOpenAndClosesIt)
+TEST_F(Lookup, SkipsALogThatDoesNotOpenAndClosesIt)
 {
   addReel("A");
   const Cookie shut = addReel("B");
@@ -461,7 +461,7 @@ TEST_F(Lookup, MarksAreSortedAlsoAfterTheyWereCleared)
   EXPECT_EQ(marks(), (Texts{"A", "B", "ab", "b", "\xC3\xA9"}));
 }
 
-TEST_F(Lookup, MarksDoNotBearOnLookups)
+TEST_F(Lookup, MarksDoNotAffectLookups)
 {
   const Cookie reel = addReel("A", "Live");
   manager().reelInUse("A", true);
@@ -521,7 +521,7 @@ TEST_F(Lookup, UserFieldNameIsStoredAsItIsAndEachTime)
   EXPECT_EQ(1, countOf(operationsOf([&] { manager().userFieldName(0, " Sc\xC3\xA8ne "); }), "SystemCfg::set"));
 }
 
-TEST_F(Lookup, UserFieldNamesTellNobodyAndNeedNoReel)
+TEST_F(Lookup, UserFieldNamesNotifyNobodyAndNeedNoReel)
 {
   Heard heard;
   RecordingClient client(heard);

@@ -236,7 +236,7 @@ TEST_F(OtherHosts, EmptyRecordWhoseLogOpensFollowsTheDeviceWithoutReadingTheType
 
 // --- Lookup --------------------------------------------------------------------------------------
 
-TEST_F(OtherHosts, InvalidCookieInTheReelListThatMatchesIsNoReelAndEndsTheSearch)
+TEST_F(OtherHosts, InvalidCookieInTheReelListThatMatchesIsNotAReelAndEndsTheSearch)
 {
   const Cookie hidden = addLog(codes::materialLog, "A");
   const Cookie reel = addReel("A");

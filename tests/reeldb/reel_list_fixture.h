@@ -23,8 +23,8 @@ protected:
     script().maskSearchResult.reset();
   }
 
-  /// Rebuilds the reel list as one of as many invalid Cookies. The memory of the list before is put to other use, so
-  /// that whoever still reads there does not find the reels.
+  /// Rebuilds the reel list with the same number of invalid Cookies. The memory of the previous list is reused, so that
+  /// code that still reads there does not find the reels.
   void replaceReelList()
   {
     const int count = manager().reelList.count();

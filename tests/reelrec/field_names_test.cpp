@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The exported field names: their texts, and that every access reads the pointer anew.
+// The exported field names: their texts, and that every access reads the pointer again.
 #include <type_traits>
 
 #include "reelrec/record_fixture.h"

@@ -13,13 +13,13 @@ namespace reeldb_tests {
 
 using Steps = std::vector<std::string>;
 
-/// A reel, and a client that hears of every reel. The client's handlers are the test's.
+/// A reel, and a client that is notified of every reel. The test sets the client's handlers.
 class RecordTest : public LibraryTest {
 protected:
   RecordTest() : client(heard) {}
 
-  /// What happened while @p action ran, in order: host calls as "operation(arguments)" without their results, and
-  /// between them what the client heard.
+  /// The steps of @p action, in order: host calls as "operation(arguments)" without their results, and between them the
+  /// notifications of the client.
   Steps stepsOf(const std::function<void()>& action)
   {
     struct Mark {

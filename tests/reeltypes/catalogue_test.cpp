@@ -105,7 +105,7 @@ TEST_F(Catalogue, BodyOfTheListIsMadeWithFalse)
   EXPECT_FALSE(flagOfTheBody);
 }
 
-TEST_F(Catalogue, BodyGoesWhenTheListCannotBeMade)
+TEST_F(Catalogue, BodyIsReleasedWhenTheListCannotBeMade)
 {
   NEEDS_ROUTED_NEW;
   const Ledger ledger;
@@ -325,7 +325,7 @@ TEST_F(Catalogue, TypeByNameHasNameAndCounts)
   EXPECT_EQ(type.numAudioChans, 2);
 }
 
-TEST_F(Catalogue, TypeAsksForTheAudioChannelsFirst)
+TEST_F(Catalogue, TypeReadsTheAudioChannelsFirst)
 {
   put("Tape", "Q=1");
   const Names asked = {"Q=1", "AudioChannels", "Q=1", "VideoChannels"};
@@ -406,7 +406,7 @@ TEST_F(Catalogue, PositionBeyondTheEndHasTheCountsOfTheEmptyName)
 
 // --- getAllReelTypes -----------------------------------------------------------------------------
 
-TEST_F(Catalogue, AllNamesOfAnEmptyCatalogueAreNone)
+TEST_F(Catalogue, EmptyCatalogueHasNoNames)
 {
   StringList list;
   catalogue.getAllReelTypes(list);

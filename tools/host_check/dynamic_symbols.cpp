@@ -159,7 +159,7 @@ DynamicSymbols readDynamicSymbols(const std::filesystem::path& file)
   const bool versioned = versions.sh_type == SHT_GNU_versym;
 
   DynamicSymbols result;
-  for (std::uint64_t i = 1; i < sections.count<Symbol>(symbols); ++i) { // the first is none
+  for (std::uint64_t i = 1; i < sections.count<Symbol>(symbols); ++i) { // the first entry is not a symbol
     const Symbol symbol = sections.entry<Symbol>(symbols, i);
     const Version version = versioned ? sections.entry<Version>(versions, i) : Version{1};
     const std::string_view name = image.text(names.sh_offset + symbol.st_name);

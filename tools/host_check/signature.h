@@ -9,7 +9,7 @@
 
 namespace host_check {
 
-/// As it is written in C++: "Edit::setDirty(bool)". What is no mangled name stays as it is.
+/// As it is written in C++: "Edit::setDirty(bool)". A name that is not mangled stays as it is.
 std::string demangled(const std::string& symbol);
 
 /// The qualified name alone: "Edit::setDirty". Without parameters, const and, where a template has put it in front,

@@ -9,7 +9,7 @@ mkdir -p "$2"
 cd "$2"
 
 help_of() { # help_of COMMAND...
-  # The caller's project is none of this, nor is the width of his terminal.
+  # The help must not depend on the caller's project or on the width of the terminal.
   env -u REELDB_FACILITY -u COLUMNS NO_COLOR=1 "$program" "$@" --help
 }
 

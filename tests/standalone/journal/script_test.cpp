@@ -160,7 +160,7 @@ TEST_F(ScriptTest, TheDatabaseCanGoAway)
   EXPECT_NE(EditManager::getProjdb(), nullptr);
 }
 
-TEST_F(ScriptTest, SearchesCanBeAnswered)
+TEST_F(ScriptTest, ResultsOfSearchesCanBeReplaced)
 {
   const Cookie reel = addLog(9, "R1");
   CookieVec none, one;
@@ -223,7 +223,7 @@ TEST_F(ScriptTest, TheViewCanFollowWithTheRowAlone)
 
 // --- Configuration -------------------------------------------------------------------------------
 
-TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeAnswered)
+TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeReplaced)
 {
   configb block;
   block.set("flag", "0", nullptr);
@@ -237,7 +237,7 @@ TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeAnswered)
   EXPECT_STREQ(block.in("flag"), "0");
 }
 
-TEST_F(ScriptTest, TextsOfTheConfigurationCanBeAnswered)
+TEST_F(ScriptTest, TextsOfTheConfigurationCanBeReplaced)
 {
   configb block;
   script().configText["a"] = {1, "left behind"};
@@ -265,7 +265,7 @@ TEST_F(ScriptTest, BuffersAreLookedAt)
 
 // --- The rest ------------------------------------------------------------------------------------
 
-TEST_F(ScriptTest, TextsThreadsAndRatesCanBeAnswered)
+TEST_F(ScriptTest, TextsThreadsAndRatesCanBeReplaced)
 {
   script().resourceText = L"<10043>";
   EXPECT_EQ(std::wstring(paddedResourceStrW(10043, L"a", L" ", ResStrFmt(0)).c_str()), L"a<10043> ");
@@ -281,7 +281,7 @@ TEST_F(ScriptTest, TextsThreadsAndRatesCanBeAnswered)
   EXPECT_NE(co_pid(), 0x12345);
 }
 
-TEST_F(ScriptTest, ProjectsCanBeAnsweredInTurn)
+TEST_F(ScriptTest, ProjectsCanBeReplacedInTurn)
 {
   const Cookie first("P0001000", false), second("P0001001", false);
   script().projectCookies = {first, second};
@@ -292,7 +292,7 @@ TEST_F(ScriptTest, ProjectsCanBeAnsweredInTurn)
   EXPECT_FALSE(get_project_cookie().valid());
 }
 
-TEST_F(ScriptTest, LabelMapsCanBeAnswered)
+TEST_F(ScriptTest, LabelMapsCanBeReplaced)
 {
   LabelMappingSet map;
   map.entries[5].inUse = 1;

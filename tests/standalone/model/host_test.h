@@ -21,7 +21,7 @@
 
 namespace reeldb_tests {
 
-/// Writes down what it is told; @p onEvent, when set, is called each time and may throw.
+/// Records its notifications. If @p onEvent is set, it is called each time and may throw.
 class RecordingListener final : public ProjectListener {
 public:
   void handleLogModification(const Cookie& log, const EditModification& modification) override

@@ -16,7 +16,7 @@ using reelhost::ErrorKind;
 using reelhost::Store;
 using Texts = std::vector<std::string>;
 
-/// Counts what is asked of a store, and refuses what it is told to refuse.
+/// Counts the calls of a store, and refuses the calls that the test selects.
 struct Seen {
   int begun = 0, othersRead = 0, committed = 0;
   bool refuseBegin = false, refuseCommit = false;
@@ -125,7 +125,7 @@ TEST_F(OpenProject, AListenerThatClosesItOnExitClosesItOnce)
 
 // --- Reading -------------------------------------------------------------------------------------
 
-TEST_F(OpenProject, ShotsAreReadAtTheFirstQuestionThatTheyCouldAnswer)
+TEST_F(OpenProject, ShotsAreReadWhenTheyAreFirstNeeded)
 {
   openWatched();
   const Cookie reel = addLog(9, "R1"), shot = addLog(1, "R1");
@@ -392,7 +392,7 @@ TEST_F(SharedProject, AProjectThatIsOpenForWritingKeepsWritersAwayUntilItsCommit
   storeElsewhere(7);
 }
 
-TEST_F(SharedProject, AChangeOnTopOfForeignOnesIsRefusedUntilTheProjectWasReadAnew)
+TEST_F(SharedProject, ChangeOnTopOfForeignOnesIsRefusedUntilTheProjectIsReadAgain)
 {
   open();
   const Cookie log = addLog(9, "R1");
@@ -414,7 +414,7 @@ TEST_F(SharedProject, AChangeOnTopOfForeignOnesIsRefusedUntilTheProjectWasReadAn
   EXPECT_EQ(reelIdOf(log), "R2");
 }
 
-TEST_F(SharedProject, AWaitingProjectKeepsNobodyAwayAndHearsOfCommits)
+TEST_F(SharedProject, WaitingProjectBlocksNobodyAndDetectsCommits)
 {
   open();
   addLog(1, "R1");
@@ -445,7 +445,7 @@ TEST_F(SharedProject, ShotsThatWereNotReadInTimeAreNotMixedIn)
   EXPECT_EQ(reelhost::allShots().count(), 0);
 }
 
-TEST_F(SharedProject, WhatCannotBeReadAnewStaysAsItWas)
+TEST_F(SharedProject, ProjectThatCannotBeReadAgainStaysAsItWas)
 {
   open(Access::Read);
   reelhost::idle();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the host answers while libraries are loaded: in a process of its own, for it looks at its environment once.
+// The settings that the host returns while libraries are loaded. Each case needs a process of its own, because the host
+// reads its environment only once.
 #include <stdio.h>
 
 #include <array>
@@ -41,7 +42,7 @@ Lines probe(const std::string& environment)
   return linesOf(HOST_PROBE, environment);
 }
 
-TEST(Settings, WithoutAFacilityThereIsNoFolderThatCouldHoldAFile)
+TEST(Settings, WithoutAFacilityTheFolderCannotContainAFile)
 {
   const Lines none = {"<default>", "/dev/null/", "", "1"};
   EXPECT_EQ(probe(""), none);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is no project, or cannot be used now, gets an error that says so and stays as it was.
+// A file that is not a project, or cannot be used now, causes an error with the reason, and is not changed.
 #include <algorithm>
 #include <iostream>
 #include <map>
@@ -71,7 +71,7 @@ protected:
       if (!fs::is_regular_file(path, error))
         out[name] = "";
       else if (name.ends_with("-shm"))
-        out[name] = "index"; // made anew whenever it is needed
+        out[name] = "index"; // made again whenever it is needed
       else
         out[name] = std::to_string(modificationTime(path)) + bytesOf(path);
     }
@@ -446,7 +446,7 @@ TEST_F(SqliteRefusals, ControlCharactersOfANameAreShownEscaped)
             "NotFound: " + (folder() / "a\\nb\\x1b[2J.reels").native() + ": no such project");
 }
 
-TEST_F(SqliteRefusals, UseGoesOnAfterARefusalWithTheNextBegin)
+TEST_F(SqliteRefusals, UseContinuesAfterARefusalWithTheNextBegin)
 {
   makeProject(3);
   const auto project = makeSqliteStore(file());
@@ -560,7 +560,7 @@ TEST_F(SqliteReadOnly, ReadOnlyFileWithAnUnfinishedLogIsReadWithIt)
   EXPECT_EQ(everything(), beforeAgain);
 }
 
-TEST_F(SqliteReadOnly, IndexWithoutALogIsPassedOver)
+TEST_F(SqliteReadOnly, IndexWithoutALogIsSkipped)
 {
   fs::permissions(file(), fs::perms::owner_read);
   writeBytes(file().native() + "-shm", std::string(32768, '\0'));
@@ -612,14 +612,14 @@ TEST_F(SqliteReadOnlyMount, UnfinishedLogWithoutItsIndexIsRead)
   expectNumbers({1, 2});
 }
 
-TEST_F(SqliteReadOnlyMount, IndexWithoutALogIsPassedOver)
+TEST_F(SqliteReadOnlyMount, IndexWithoutALogIsSkipped)
 {
   writeBytes(file().native() + "-shm", std::string(32768, '\0'));
   ASSERT_TRUE(mount_.makeReadOnly());
   expectNumbers({1});
 }
 
-TEST_F(SqliteReadOnlyMount, EmptyLogIsPassedOver)
+TEST_F(SqliteReadOnlyMount, EmptyLogIsSkipped)
 {
   writeBytes(file().native() + "-wal", "");
   ASSERT_TRUE(mount_.makeReadOnly());

@@ -220,7 +220,7 @@ TEST_F(SqliteSchema, OlderFileThatCannotBeWrittenIsRefused)
                 ": of an older version (1) and cannot be brought up to date (its mode does not allow writing)");
 }
 
-TEST_F(SqliteSchema, OlderFileThatIsBusyIsToldBusy)
+TEST_F(SqliteSchema, OlderFileThatIsBusyIsReportedAsBusy)
 {
   runSql(file(), fileOfVersion1);
   const auto holder = makeSqliteStore(file());

@@ -40,7 +40,7 @@ void writeBytes(const std::filesystem::path& file, std::string_view bytes);
 std::int64_t modificationTime(const std::filesystem::path& file);      ///< nanoseconds
 std::vector<std::string> namesIn(const std::filesystem::path& folder); ///< sorted
 
-/// Runs @p sql on the file with SQLite itself; fails the test on an error. Answers the first column of the last row.
+/// Runs @p sql on the file with SQLite itself; fails the test on an error. Returns the first column of the last row.
 std::string runSql(const std::filesystem::path& file, const std::string& sql);
 
 constexpr std::chrono::milliseconds noPatience(0);
@@ -48,7 +48,7 @@ constexpr std::chrono::milliseconds muchPatience(30000);
 
 reelhost::ProjectInfo exampleInfo();
 
-/// A log whose every value is told by its number.
+/// A log whose values all follow from its number.
 reelhost::StoredLog exampleLog(std::int64_t number, int type);
 
 /// As one text, for comparing and for messages of failed tests.

@@ -62,7 +62,7 @@ bool holds(const std::vector<std::string>& list, const std::string& begin)
 
 } // namespace
 
-TEST_F(DynamicSymbolsTest, OfTheReelDatabaseAreWhatItAsksOfAHostAndWhatItExports)
+TEST_F(DynamicSymbolsTest, OfTheReelDatabaseAreItsImportsFromAHostAndItsExports)
 {
   const DynamicSymbols symbols = readDynamicSymbols(REELDB_LIBRARY);
   EXPECT_EQ(symbols.asked.count("_Z6co_pidv"), 1u);
@@ -88,7 +88,7 @@ TEST_F(DynamicSymbolsTest, AProgramHasThemToo)
   EXPECT_TRUE(holds(readDynamicSymbols("/proc/self/exe").libraries, "libc.so"));
 }
 
-TEST_F(DynamicSymbolsTest, WhatIsNoLibraryIsRefused)
+TEST_F(DynamicSymbolsTest, AnythingButALibraryIsRefused)
 {
   EXPECT_EQ(refusal(""), "is no shared library");
   EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is no shared library");

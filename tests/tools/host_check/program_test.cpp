@@ -36,7 +36,7 @@ TEST(HostCheck, TheStandaloneHostHasAll)
   EXPECT_EQ(result.err, "");
 }
 
-TEST(HostCheck, LibraryThatAsksNothingIsNotTheReelDatabase)
+TEST(HostCheck, LibraryThatImportsNothingIsNotTheReelDatabase)
 {
   const ProcessResult result = check({"--library", HOST_VALUES, STANDALONE_HOST});
   EXPECT_EQ(result.code, 2);
@@ -63,7 +63,7 @@ TEST(HostCheck, TheValuesAloneAreNoHost)
   EXPECT_FALSE(holds(result.out, "with other parameters")) << result.out;
 }
 
-TEST(HostCheck, MistakesAreToldApart)
+TEST(HostCheck, MistakesAreDistinguished)
 {
   const ProcessResult result = check({BROKEN_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 1);
@@ -107,7 +107,7 @@ TEST(HostCheck, WhatCannotBeReadIsNotChecked)
   EXPECT_EQ(check({"--library", "/proc/self/status", HOST_VALUES}).code, 2);
 }
 
-TEST(HostCheck, ALineThatMakesNoSenseIsNotChecked)
+TEST(HostCheck, WrongCommandLineIsNotChecked)
 {
   EXPECT_EQ(check({}).code, 2);
   EXPECT_EQ(check({"--no-such-option", HOST_VALUES}).code, 2);
@@ -127,7 +127,7 @@ TEST(HostCheck, TheManualPageHasEveryOptionOfTheHelp)
   EXPECT_EQ(options, 3);
 }
 
-TEST(HostCheck, TheHelpTellsTheExitCodes)
+TEST(HostCheck, HelpListsTheExitCodes)
 {
   const ProcessResult result = check({"--help"});
   EXPECT_EQ(result.code, 0);

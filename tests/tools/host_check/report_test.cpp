@@ -75,7 +75,7 @@ TEST(Report, AsJsonItHoldsTheSame)
   EXPECT_EQ(json["notLookedAt"], nlohmann::json({"libh.so needs libv.so"}));
 }
 
-TEST(Report, APathThatIsNoUtf8DoesNotSpoilTheJson)
+TEST(Report, PathThatIsNotUtf8DoesNotSpoilTheJson)
 {
   Report report = withUnmet();
   report.hosts = {"lib\xFF.so"};
