@@ -88,7 +88,7 @@ TEST_F(Create, DefaultTypeThatIsNotListedIsStoredWithAWarning)
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "R1\n");
   EXPECT_EQ(result.err,
-            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)\n");
   EXPECT_EQ(reel("R1").at("type"), "Tape 2ch");
 }
 

@@ -79,7 +79,8 @@ TEST_F(Device, CreateIsRefusedIfTheNameOfTheDeviceIsNotAValidReelName)
   dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n"
                               "[[device]]\nnumber = 4\nid = 8\nname = \"C*m\"\nport = \"device-named\"\n"
                               "input = \"sdi\"\naudio_inputs = 1\ntapes = []\n");
-  expectRefusal({"create", "R1", "--device", "4"}, "\"C*m\": not a valid reel name (a star denotes generated material)");
+  expectRefusal({"create", "R1", "--device", "4"},
+                "\"C*m\": not a valid reel name (a star denotes generated material)");
   EXPECT_EQ(reelIds(), Words{});
 }
 

@@ -65,7 +65,7 @@ TEST_F(Import, DefaultTypeThatIsNotListedIsReportedOnceWithTheReelsThatGetIt)
   dir_.write("cut.edl", threeShots);
   dir_.write("more.edl", event(1, "C001", "V", "01:00:00:00", "01:00:01:00"));
   EXPECT_EQ(reeldb({"import", "cut.edl", "more.edl"}).err,
-            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)\n");
   EXPECT_EQ(reeldb({"import", "cut.edl"}).err, ""); // no reel is made
 }
 

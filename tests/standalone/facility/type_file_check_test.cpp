@@ -200,8 +200,7 @@ TEST_F(TypeFileCheckTest, ValueThatIsNotANumberIsRemarkedOn)
 
 TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsRemarkedOn)
 {
-  expectRemark("VideoChannels=65536",
-               "VideoChannels: 65536 is too many (at most 65535; no reel can get this type)");
+  expectRemark("VideoChannels=65536", "VideoChannels: 65536 is too many (at most 65535; no reel can get this type)");
   expectRemark("AudioChannels=70000:AudioChannels=x",
                "AudioChannels: 70000 is too many (at most 65535; no reel can get this type)");
   expectRemark("AudioChannels=4294967297", "AudioChannels: 4294967297 is too many (at most 65535; read as 1)");
