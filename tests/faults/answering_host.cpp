@@ -18,7 +18,7 @@ namespace {
 
 struct Map {
   const wchar_t* name;
-  std::uint32_t source, format; ///< of the one entry in use
+  std::uint32_t source, format; ///< of the only entry in use
 };
 
 constexpr Map maps[] = {{L"9pin", 3, 2}, {L"vitc", 1, 2}, {L"fire", 9, 2}};

@@ -30,7 +30,7 @@ bool startsWith(const std::string& text, const char* start)
   return text.compare(0, std::char_traits<char>::length(start), start) == 0;
 }
 
-/// The functions among the exported names. Data, and symbols of types, have no parameters or a telling prefix.
+/// The functions among the exported names. Data has no parameters, and symbols of types have a prefix.
 Names exportedFunctions()
 {
   std::ifstream list(REELDB_EXPORTS);

@@ -24,9 +24,9 @@ namespace reeldb_tests {
 using Text = LightweightString<char>;
 using Wide = LightweightString<wchar_t>;
 
-/// The project and all that belongs to it, made anew for each run: nothing of one run is left to the next, the manager
-/// included. What the operation is given and what it answers lies here too, ready before a fault is armed: neither
-/// asks for memory that could be refused in the operation's place.
+/// The project and everything that belongs to it, the manager included. It is new for each run, so that runs do not
+/// affect each other. It also contains the operation's arguments and results, which are made before a fault is armed,
+/// so that they need no memory that could be refused instead of the operation's.
 class Scene : public LibraryTest {
 public:
   using LibraryTest::addLog;
@@ -74,7 +74,7 @@ public:
   std::optional<ReelTypeManager> otherTypes;
   std::string described() const; ///< all results as text
 
-  // --- Clients: one without a reel of interest, one that follows R1 ------------------------------
+  // --- Clients: the first has no reel of interest, the second follows R1 -------------------------
   std::optional<Listening> anyReel, followsR1;
   std::vector<std::unique_ptr<ReelDbClient>> crowd; ///< more clients, which do nothing
   std::vector<std::string> heard() const { return anyReel->heard(); }

@@ -80,7 +80,7 @@ TEST_P(Texts, ToUpperTouchesAsciiLettersAndNoOtherString)
   EXPECT_TRUE(none.empty());
 }
 
-TEST_P(Texts, ToUpperLeavesEveryByteThatIsNoAsciiLetter)
+TEST_P(Texts, ToUpperChangesOnlyAsciiLetters)
 {
   PROMISE("host/text.h", "Upper-cases the ASCII letters in place");
   std::string before, after;
@@ -128,7 +128,7 @@ TEST_P(Texts, AResourceTextStandsBetweenItsPadding)
   EXPECT_EQ(wide(paddedResourceStrW(codes::wordForReel, nullptr, nullptr, ResStrFmt(0))), text);
 }
 
-TEST_P(Texts, ThePrintTakesAFormatAndAnswersTheLength)
+TEST_P(Texts, ThePrintTakesAFormatAndReturnsTheLength)
 {
   PROMISE("host/text.h", "Returns the number of bytes, or a negative number on failure.");
   EXPECT_EQ(vorn_printf("%s %d\n", "label map", 14), 13);
