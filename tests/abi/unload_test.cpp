@@ -35,7 +35,7 @@ template <class T>
 T* find(void* library, const char* name)
 {
   T* const symbol = reinterpret_cast<T*>(dlsym(library, name));
-  EXPECT_NE(nullptr, symbol) << name;
+  EXPECT_NE(symbol, nullptr) << name;
   return symbol;
 }
 
@@ -46,23 +46,23 @@ TEST(Unload, ReleasesEverythingAndCanBeLoadedAgain)
   const reeldb_tests::TempFolder folder;
   const std::filesystem::path site = folder / "site";
   reelhost::NewFacility(site).keep();
-  ASSERT_EQ(0, setenv("REELDB_FACILITY", site.c_str(), 1));
-  ASSERT_EQ(site, reelhost::facility().directory());
+  ASSERT_EQ(setenv("REELDB_FACILITY", site.c_str(), 1), 0);
+  ASSERT_EQ(reelhost::facility().directory(), site);
   ASSERT_FALSE(isLoaded());
 
   for (int round = 0; round < 3; ++round) {
     const std::int64_t before = inUse();
     void* const library = dlopen(REELDB_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(nullptr, library) << dlerror();
+    ASSERT_NE(library, nullptr) << dlerror();
 
-    EXPECT_STREQ("14.0.0.0", find<const char*()>(library, "_Z19reeldbDllVersionStrv")());
+    EXPECT_STREQ(find<const char*()>(library, "_Z19reeldbDllVersionStrv")(), "14.0.0.0");
     const auto* const catalogue = find<ReelTypeManager>(library, "theReelTypeManager_");
     EXPECT_LT(0U, catalogue->rep()->count()) << "the facility's types are read";
-    EXPECT_EQ(nullptr, *find<ReelDbManager*>(library, "_ZN13ReelDbManager17theReelDbManager_E"));
+    EXPECT_EQ(*find<ReelDbManager*>(library, "_ZN13ReelDbManager17theReelDbManager_E"), nullptr);
     EXPECT_LT(before, inUse());
 
-    EXPECT_EQ(0, dlclose(library));
+    EXPECT_EQ(dlclose(library), 0);
     EXPECT_FALSE(isLoaded()) << "something keeps the library";
-    EXPECT_EQ(before, inUse()) << "types or texts were left behind";
+    EXPECT_EQ(inUse(), before) << "types or texts were left behind";
   }
 }

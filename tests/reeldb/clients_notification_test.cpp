@@ -23,13 +23,13 @@ protected:
 TEST_F(Notification, ReelSetChangeWithoutClientsStillRebuildsTheList)
 {
   const Cookie reel = addLog(9, "R1");
-  ASSERT_EQ(0, manager().reelList.count());
-  ASSERT_EQ(0U, manager().clients.count());
+  ASSERT_EQ(manager().reelList.count(), 0);
+  ASSERT_EQ(manager().clients.count(), 0U);
 
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
   EXPECT_EQ(calls, (Heard{"EditManager::getProjdb", "projdb::search"}));
-  ASSERT_EQ(1, manager().reelList.count());
+  ASSERT_EQ(manager().reelList.count(), 1);
   EXPECT_EQ(text(reel), text(manager().reelList[0]));
 }
 
@@ -55,9 +55,9 @@ TEST_F(Notification, ReelSetChangeRebuildsBeforeItNotifies)
 
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
-  EXPECT_EQ(1, reelsSeen);
-  EXPECT_EQ(2U, callsBefore);
-  EXPECT_EQ(2U, calls.size());
+  EXPECT_EQ(reelsSeen, 1);
+  EXPECT_EQ(callsBefore, 2U);
+  EXPECT_EQ(calls.size(), 2U);
 }
 
 TEST_F(Notification, ReelSetChangeOfTheWholeDatabaseNotifiesWithTheEmptyIdentifier)
@@ -89,9 +89,9 @@ TEST_F(Notification, HeldReelSetChangeRebuildsAndNotifiesNobody)
     const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
     EXPECT_EQ(calls, (Heard{"EditManager::getProjdb", "projdb::search"})) << hold;
-    EXPECT_EQ(before + 1, manager().reelList.count()) << hold;
+    EXPECT_EQ(manager().reelList.count(), before + 1) << hold;
     EXPECT_EQ(heard_, Heard{}) << hold;
-    EXPECT_EQ(hold, manager().notifyHoldCount);
+    EXPECT_EQ(manager().notifyHoldCount, hold);
   }
 }
 
@@ -104,7 +104,7 @@ TEST_F(Notification, ReelSetChangeWithoutDatabaseKeepsTheListAndNotifies)
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
   EXPECT_EQ(calls, (Heard{"EditManager::getProjdb"}));
-  EXPECT_EQ(1, manager().reelList.count());
+  EXPECT_EQ(manager().reelList.count(), 1);
   EXPECT_EQ(heard_, (Heard{"dbC(R1)"}));
 }
 
@@ -135,7 +135,7 @@ TEST_F(Notification, RecordChangeMakesNoHostCall)
   Client a(heard_, "", "R1");
 
   EXPECT_EQ(operationsOf([&] { manager().informReelDbRecChanged("R1"); }), Heard{});
-  EXPECT_EQ(0, manager().reelList.count()) << "the list is not rebuilt";
+  EXPECT_EQ(manager().reelList.count(), 0) << "the list is not rebuilt";
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
@@ -309,7 +309,7 @@ TEST_P(Reentrancy, ClientThatUnregistersEverybodyEndsThePass)
   inform("R1");
 
   EXPECT_EQ(heard_, tellings({"a", "b"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
 TEST_P(Reentrancy, ClientThatRegistersAgainIsNotifiedTwiceInOnePass)
@@ -357,7 +357,7 @@ TEST_P(Reentrancy, HoldEndedInAHandlerLetsTheNestedNotificationThrough)
 
   inform("R1");
 
-  EXPECT_EQ(4U, heard_.size());
+  EXPECT_EQ(heard_.size(), 4U);
 }
 
 TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
@@ -367,7 +367,7 @@ TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
 
   EXPECT_THROW(inform("R1"), std::domain_error);
   EXPECT_EQ(heard_, tellings({"a"}));
-  EXPECT_EQ(0, manager().notifyHoldCount);
+  EXPECT_EQ(manager().notifyHoldCount, 0);
 
   heard_.clear();
   inform("R2");

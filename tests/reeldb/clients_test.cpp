@@ -153,7 +153,7 @@ TEST_F(Clients, KeepTheReelTheyAreGivenAgain)
 
   a.setReelIdOfInterest(id);
 
-  EXPECT_EQ(0, countsUp() - countsDown() - held);
+  EXPECT_EQ(countsUp() - countsDown() - held, 0);
   manager().informReelDbRecChanged("R1");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
@@ -172,9 +172,9 @@ TEST_F(Clients, ShareTheTextOfTheReelAndLetItGo)
   }
   const std::int64_t heldAfter = held();
 
-  EXPECT_EQ(0, allocatedThen - allocatedBefore);
-  EXPECT_EQ(1, heldThen - heldBefore);
-  EXPECT_EQ(0, heldAfter - heldBefore);
+  EXPECT_EQ(allocatedThen - allocatedBefore, 0);
+  EXPECT_EQ(heldThen - heldBefore, 1);
+  EXPECT_EQ(heldAfter - heldBefore, 0);
 }
 
 TEST_F(Clients, WithTheirOwnPlaceForTheInterestNeverMatch)
@@ -183,7 +183,7 @@ TEST_F(Clients, WithTheirOwnPlaceForTheInterestNeverMatch)
   a.setReelIdOfInterest("R1");
 
   manager().informReelDbRecChanged("R1");
-  EXPECT_EQ("R1", text(a.kept));
+  EXPECT_EQ(text(a.kept), "R1");
   EXPECT_EQ(heard_, (Heard{"some(R1)"}));
 
   a.ReelDbClient::setReelIdOfInterest("R1");
@@ -308,7 +308,7 @@ TEST_F(Clients, GoToTheManagerOfTheProcess)
 {
   ReelDbManager second;
   Client a(heard_, "a");
-  EXPECT_EQ(0U, second.clients.count());
+  EXPECT_EQ(second.clients.count(), 0U);
   EXPECT_EQ(registered(), (Registered{&a}));
 
   second.informReelDbChanged("R1");
@@ -332,7 +332,7 @@ TEST_F(Clients, OfASecondManagerAreNotifiedByThatOneOnly)
   EXPECT_EQ(heard_, (Heard{"a:dbC(R2)", "a:some(R3)"}));
 
   second.deRegisterClient(&a);
-  EXPECT_EQ(0U, second.clients.count());
+  EXPECT_EQ(second.clients.count(), 0U);
 }
 
 TEST_F(Clients, AreNotifiedOfRecordsOnlyByTheManagerOfTheProcess)
@@ -383,7 +383,7 @@ TEST_F(ClientPasses, ClientThatEndsInItsOwnHandlerIsNotCalledAgain)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()", "c:our()", "c:some(R1)"}));
-  EXPECT_EQ(2U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 2U);
 }
 
 TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
@@ -394,7 +394,7 @@ TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
 TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillNotifiedOfTheRest)
@@ -483,7 +483,7 @@ TEST_F(ClientPasses, ClientThatEndsThreePassesDeepIsLeftByAllOfThem)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:our()"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
 TEST_F(ClientPasses, PassesAtDifferentClientsEachForgetTheirOwn)
@@ -547,7 +547,7 @@ TEST_F(ClientPasses, ClientsThatEndOutsideAnyPassNeedNone)
   auto a = interested("a");
   changeRecord();
   a.reset();
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
   changeRecord();
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)"}));
 }

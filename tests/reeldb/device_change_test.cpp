@@ -58,7 +58,7 @@ TEST_F(DeviceChange, IsDecodedTestedAndOtherwiseIgnored)
     EXPECT_TRUE(answer) << device;
     EXPECT_EQ(asked().parsed, (std::vector<const NotifyMsg*>{&message}));
     EXPECT_EQ(asked().tested, (std::vector<unsigned>{device}));
-    EXPECT_EQ(1, manager().reelList.count());
+    EXPECT_EQ(manager().reelList.count(), 1);
     EXPECT_TRUE(manager().reelInUse("R1"));
     EXPECT_EQ(heard, Heard{});
   }

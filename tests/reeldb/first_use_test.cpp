@@ -93,26 +93,26 @@ TEST(FirstUse, ShotsWithoutAnIdentifierMakeNoManager)
 
   ReelDbManager own;
   own.buildReelList();
-  ASSERT_EQ(1, own.reelList.count());
-  EXPECT_EQ(0, own.getReelsReferenced(shots).count());
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
+  ASSERT_EQ(own.reelList.count(), 1);
+  EXPECT_EQ(own.getReelsReferenced(shots).count(), 0);
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr);
   reelhost::closeProject();
 }
 
 TEST(FirstUse, FirstClientMakesTheManagerWhichThenListensToTheHost)
 {
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
-  EXPECT_EQ(0, glib_pid);
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr);
+  EXPECT_EQ(glib_pid, 0);
 
   reelhost::startUp();
-  EXPECT_NE(0, glib_pid);
+  EXPECT_NE(glib_pid, 0);
   reelhost::useFacility(reelhost::Facility());
   reelhost::openProject(reelhost::makeMemoryStore({}, {{"reeldb_defaultType", ""}}), reelhost::Access::Write);
   reelhost::StoredLog log;
   log.type = 9;
   log.fields = {{"reelid", "R1"}};
   reelhost::addLog(log);
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_) << "the host makes none";
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr) << "the host makes none";
 
   Heard heard;
   reelhost::Journal& journal = reelhost::Journal::the();
@@ -122,10 +122,10 @@ TEST(FirstUse, FirstClientMakesTheManagerWhichThenListensToTheHost)
   journal.record(false);
 
   ReelDbManager* const manager = ReelDbManager::theReelDbManager_;
-  ASSERT_NE(nullptr, manager);
-  EXPECT_EQ(manager, ReelDbManager::theReelDbManager());
-  EXPECT_EQ(1U, manager->clients.count());
-  EXPECT_EQ(0, manager->reelList.count());
+  ASSERT_NE(manager, nullptr);
+  EXPECT_EQ(ReelDbManager::theReelDbManager(), manager);
+  EXPECT_EQ(manager->clients.count(), 1U);
+  EXPECT_EQ(manager->reelList.count(), 0);
   EXPECT_FALSE(manager->lastProject.valid());
   EXPECT_FALSE(manager->doesReelExist("R1"));
 
