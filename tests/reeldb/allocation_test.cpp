@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The allocation operators. The program brings its own OS(), so a case sees each request that arrives at the host. The
-// operators are taken from the library itself: in a sanitizer build those that the program calls are the sanitizer's.
+// The allocation operators. The program defines its own OS(), so a case sees each request to the host. The operators
+// are looked up in the library itself, because in a sanitizer build the program calls those of the sanitizer.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -73,10 +73,10 @@ CountingAllocator& host()
 
 // --- Before main and after it --------------------------------------------------------------------
 
-/// Whether what the program allocates arrives at the host.
+/// Whether the program's allocations arrive at the host.
 bool programAllocatesAtTheHost();
 
-/// Allocates and frees in between the counts; whether both arrived.
+/// Allocates and frees memory, and counts before and after. Returns whether both requests arrived.
 bool hostSeesOne()
 {
   const std::int64_t allocated = host().allocateCalls, released = host().releaseCalls;
@@ -144,7 +144,7 @@ bool programAllocatesAtTheHost()
   return dlsym(RTLD_DEFAULT, "_Znwm") == ownSymbol("_Znwm");
 }
 
-/// What arrived at the host while something ran.
+/// The requests that arrived at the host while something ran.
 struct Arrived {
   std::int64_t allocations, releases;
   bool operator==(const Arrived&) const = default;
@@ -165,14 +165,14 @@ std::ostream& operator<<(std::ostream& out, const Arrived& arrived)
 
 constexpr Arrived oneAllocation{1, 0}, oneRelease{0, 1}, nothing{0, 0};
 
-/// For what the operators owe to others of the family, which in a sanitizer build are the sanitizer's.
+/// For calls of one operator by another, which in a sanitizer build are calls of the sanitizer's operators.
 #define REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST()                                                                      \
   if (!programAllocatesAtTheHost())                                                                                    \
   GTEST_SKIP() << "another operator new comes before the library's in this program"
 
 int roomMade = 0;
 
-/// Thrown by a new handler. It holds nothing: throwing it asks for no memory that the host could refuse.
+/// Thrown by a new handler. It has no members, so throwing it needs no memory that the host could refuse.
 struct NoRoomToMake {};
 
 class Allocation : public ::testing::Test {

@@ -21,7 +21,7 @@ bool textsCanBeAssigned = true;
 
 using Text = LightweightString<char>;
 
-// The program's own is found before the host's. A host may need memory to assign a text.
+// The program's own operator replaces the host's. A host may need memory to assign a text.
 Text& assign(Text* to, const Text& from) asm("_ZN17LightweightStringIcEaSERKS0_");
 
 Text& assign(Text* to, const Text& from)
@@ -72,7 +72,7 @@ public:
   const std::string sortName;
 };
 
-/// Keeps its interest to itself.
+/// Stores the reel of interest itself, so that the manager does not get it.
 class SecretiveClient : public RecordingClient {
 public:
   using RecordingClient::RecordingClient;
@@ -412,11 +412,11 @@ TEST_F(ClientPasses, ClientInThePlaceOfAnEndedOneIsNotifiedInItsTurnOnly)
   auto a = interested("a");
   std::unique_ptr<Client> next;
   a->onOur = [&] {
-    // What is needed after the end of a, and with it of this handler, is kept beside it.
+    // The values that are needed after the end of a, which ends this handler, are copied.
     Heard& heard = heard_;
     std::unique_ptr<Client>& place = next;
     a.reset();
-    place = std::make_unique<Client>(heard, "next", "R1"); // may well get the address that has just become free
+    place = std::make_unique<Client>(heard, "next", "R1"); // may get the address that has just become free
   };
 
   changeRecord();
@@ -464,7 +464,7 @@ TEST_F(ClientPasses, ClientEndedByAnotherInANestedPassIsNotCalledByTheOuterOne)
 
   changeRecord();
 
-  // The end of a moves the others up: the nested pass misses c, the outer one b.
+  // The end of a moves the others up, so the nested pass misses c, and the outer pass misses b.
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:some(R1)", "b:our()", "b:some(R1)", "c:our()", "c:some(R1)"}));
 }
 
@@ -494,7 +494,7 @@ TEST_F(ClientPasses, PassesAtDifferentClientsEachForgetTheirOwn)
     if (!std::exchange(nested, true))
       changeRecord();
   };
-  b->onOur = [&] { b.reset(); }; // in the nested pass; the outer one is at a
+  b->onOur = [&] { b.reset(); }; // in the nested pass, while the outer pass is at a
 
   changeRecord();
 
@@ -518,7 +518,7 @@ TEST_F(ClientPasses, PassThatAnExceptionEndedIsForgotten)
   a->onOur = [&] { throw std::domain_error("a handler"); };
   EXPECT_THROW(changeRecord(), std::domain_error);
 
-  // No pass is left that would take note of the end of a, or call b on its behalf.
+  // No pass is left that could notice the end of a, or call b instead.
   a.reset();
   heard_.clear();
   changeRecord();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a scan of the reels costs in memory and in copies of strings. A program of its own that leaves the journal and
-// the script alone: while somebody watches, the host writes down each call, and that costs memory, too.
+// The memory and the copies of strings that a scan of the reels needs. It is a separate program that uses neither
+// journal nor script, because a watched host needs memory to record each call.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -18,12 +18,12 @@ namespace {
 
 using Text = LightweightString<char>;
 
-/// What the host's memory and counts saw of something.
+/// The use of the host's memory and counts.
 struct Cost {
   std::int64_t allocations, up, down;
 };
 
-/// @p action is called twice: the first call makes the room that stays.
+/// @p action is called twice, because the first call allocates room that is kept.
 Cost costOf(const std::function<void()>& action)
 {
   action();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Creation from other threads: put off, and carried out when the main thread comes back to the host.
+// Creation from other threads: it is deferred, and done when the main thread returns to the host.
 #include "CreateNewReelAction.h"
 
 #include <atomic>
@@ -27,7 +27,7 @@ class Deferral : public ChangesTest {
 protected:
   ReelDbRec create(const char* id, int device = -1) { return manager().createNewReel(id, device); }
 
-  /// From now on the calling thread is taken for another one than the main thread, or for the main thread again.
+  /// Makes the calling thread count as a worker thread, or as the main thread again.
   void pretendOtherThread()
   {
     script().coPid = [] { return glib_pid + 1; };
@@ -35,7 +35,7 @@ protected:
   void pretendNothing() { script().coPid = nullptr; }
 };
 
-// --- Who the main thread is ----------------------------------------------------------------------
+// --- Which thread is the main thread -------------------------------------------------------------
 
 TEST_F(Deferral, OnlyTheLowSixteenBitsOfTheThreadCount)
 {
@@ -221,7 +221,7 @@ TEST_F(Deferral, ActionRunOnAnotherThreadDefersAgain)
 
 // --- Worker threads ------------------------------------------------------------------------------
 
-/// A gate that one thread waits at until another opens it.
+/// A gate at which a thread waits until another thread opens it.
 class Gate {
 public:
   void open()

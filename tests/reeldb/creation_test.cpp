@@ -27,7 +27,7 @@ protected:
     setDevices({settings});
   }
 
-  /// A project whose options do not hold the default reel type at all.
+  /// A project without the option of the default reel type.
   void enterProjectWithoutDefaultType()
   {
     const Cookie placeholder("P0001000", false);
@@ -37,7 +37,7 @@ protected:
     ASSERT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
   }
 
-  /// A type of the catalogue. The catalogue outlives the test, so each test has names of its own.
+  /// Adds a type to the catalogue. The catalogue outlives the test, so each test uses names of its own.
   static void addType(const char* name, const char* params) { theReelTypeManager()->add(name, params); }
 };
 
@@ -87,7 +87,7 @@ TEST_F(Creation, TrimLeavesTheCallersStringAlone)
   EXPECT_NE(result.c_str(), plain.c_str()) << "the result is a text of its own, also when nothing was cut";
 }
 
-// --- What a new reel is --------------------------------------------------------------------------
+// --- Properties of a new reel --------------------------------------------------------------------
 
 TEST_F(Creation, NewReelIsThereUnderItsTrimmedIdentifier)
 {
@@ -133,7 +133,7 @@ TEST_F(Creation, TabIsALegalIdentifier)
   EXPECT_EQ(reelIds(), (Lines{"\t", "R1\t"}));
 }
 
-// --- What makes no reel --------------------------------------------------------------------------
+// --- Identifiers that make no reel ---------------------------------------------------------------
 
 TEST_F(Creation, EmptyOrBlankIdentifierMakesNothing)
 {
@@ -394,7 +394,7 @@ Lines fieldsWritten(const std::string& id)
                typeRead("new", "")});
 }
 
-/// What ends a creation; the end of the modifier makes the host report the new log.
+/// The steps that end a creation. At the end of the modifier, the host reports the new log.
 Lines announced(int reels)
 {
   return join({withNewLog("new", "Edit::setChangeDescription(new, 59, true)"),

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library as it is before anything was asked of it. A program of its own: the first use comes once a process.
+// The library before its first use. It is a separate program, because a process has only one first use.
 #include <cstdio>
 #include <cstdlib>
 #include <ostream>
@@ -31,7 +31,7 @@ namespace {
   std::_Exit(!madeBefore && made ? 0 : 1);
 }
 
-/// What makes the manager when there is none.
+/// The operations that make the manager if it does not exist.
 struct Use {
   const char* name;
   void (*use)(const Cookie& reel);
@@ -54,7 +54,7 @@ class First : public ::testing::TestWithParam<Use> {};
 
 } // namespace
 
-// In processes of their own, for the manager stays.
+// Each in a separate process, because the manager stays.
 TEST_P(First, MakesTheManager)
 {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -64,7 +64,7 @@ TEST_P(First, MakesTheManager)
 INSTANTIATE_TEST_SUITE_P(Uses, First, ::testing::ValuesIn(firstUses),
                          [](const auto& each) { return std::string(each.param.name); });
 
-// The host says which thread is the main one; the library only reads it.
+// The host decides which thread is the main one; the library only reads it.
 TEST(FirstUse, LibraryLeavesTheNumberOfTheMainThreadToTheHost)
 {
   GTEST_FLAG_SET(death_test_style, "threadsafe");

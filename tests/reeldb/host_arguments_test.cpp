@@ -18,7 +18,7 @@ namespace {
 
 struct Passed {
   Zr::Ptr<iExecutableAction> deferred;
-  std::vector<std::pair<std::string, bool>> readTexts; ///< of which Cookies were made
+  std::vector<std::pair<std::string, bool>> readTexts; ///< the texts from which Cookies were made
   std::vector<bool> writtenTexts;
   std::vector<const oledb*> viewed;
   int partsOfTexts = 0; ///< texts made of the first characters of another
@@ -74,7 +74,7 @@ class HostArguments : public LibraryTest {
 protected:
   ~HostArguments() override { passed() = {}; }
 
-  /// The device for which the deferred action is to make its reel: where compiled programs find it.
+  /// The device of the deferred action, at the place where compiled programs read it.
   static int deferredDevice()
   {
     int device = 0;

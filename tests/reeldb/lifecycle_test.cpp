@@ -28,7 +28,7 @@ protected:
   static Cookie project(const char* name) { return Cookie(name, false); }
   void projectIs(const char* name) { script().projectCookies = {project(name)}; }
 
-  /// Leaves a project open whose options are these; the manager has not entered it.
+  /// Opens a project with these options, which the manager has not entered.
   void openUnentered(const reelhost::KeyValues& options)
   {
     script().projectCookies = {project("P0001000")};
@@ -480,7 +480,7 @@ TEST_F(Lifecycle, NewManagerHasReadNothing)
   addReel("R1");
   manager().reelInUse("R1", true);
 
-  // In memory that was used before: what is not set shows.
+  // In memory that was used before, so that members that are not set show.
   struct InPlace {
     void operator()(ReelDbManager* made) const { made->ReelDbManager::~ReelDbManager(); }
   };

@@ -235,7 +235,7 @@ TEST_F(Listing, ReelsAreThoseListedWhenItBegan)
     addReel(id);
   script().before = [&](const std::string& operation, const std::string&) {
     if (operation == "EditInfo::getAttrib" || operation == "ODBViewRep::displayRecordsAt")
-      manager().handleProjectExit(); // a host may come back to the library meanwhile
+      manager().handleProjectExit(); // a host may call the library meanwhile
   };
   EXPECT_EQ(all(true), (Texts{"A", "B", "C"}));
   manager().buildReelList();

@@ -219,9 +219,9 @@ TEST_F(LiveMedia, HostCallsAfterTheCreation)
                   "ExtDeviceConfigurationManager::storeDevice(\"Cam 2\", false)"}})));
 }
 
-// --- When the creation gives no reel -------------------------------------------------------------
+// --- If the creation makes no reel ---------------------------------------------------------------
 
-/// What is done with the invalid record and the device when no reel came of the creation.
+/// The steps with the invalid record and the device if the creation made no reel.
 Lines goneOnWithoutAReel()
 {
   const Lines notOpened = {"EditPtr::i_open", "EditPtr::i_close"};

@@ -12,7 +12,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// One log looked at: opened, read, closed.
+/// The steps of reading one log: it is opened, read and closed.
 const Texts oneLook{"EditInfo::EditInfo", "EditInfo::getAttrib", "EditPtr::i_close"};
 
 class Lookup : public ReelListTest {
@@ -36,7 +36,7 @@ protected:
     return all;
   }
 
-  /// Every question of this kind, each asked once.
+  /// All lookups of this kind, each called once.
   std::vector<std::pair<const char*, std::function<void()>>> questions(const char* id)
   {
     return {
@@ -197,7 +197,7 @@ TEST_F(Lookup, LooksAtTheLogsThatWereListedWhenItBegan)
   const Cookie last = addReel("C");
   script().before = [&](const std::string& operation, const std::string&) {
     if (operation == "EditInfo::EditInfo")
-      manager().handleProjectExit(); // a host may come back to the library while it opens a log
+      manager().handleProjectExit(); // a host may call the library while it opens a log
   };
 
   EXPECT_EQ(text(last), found("C"));

@@ -12,7 +12,7 @@ namespace reeldb_tests {
 /// For operations that walk the reel list.
 class ReelListTest : public LibraryTest {
 protected:
-  /// Sees to it that nobody but the manager holds the reel list: once it is replaced, its memory is gone.
+  /// Makes the manager the only holder of the reel list, so that its memory is released when the list is replaced.
   void holdReelListOnlyInTheManager()
   {
     CookieVec copy;

@@ -15,7 +15,7 @@ class Renaming : public ChangesTest {
 protected:
   void rename(const char* oldId, const char* newId) { manager().changeReelId(oldId, newId); }
 
-  /// What is printed of a shot that follows its reel.
+  /// The print for a shot that follows its reel.
   static std::string renamed(const Cookie& shot, const std::string& oldId, const std::string& newId)
   {
     const std::string file = toUTF8(getFilenameForCookie(shot, Cookie())).c_str();
@@ -572,7 +572,7 @@ TEST_F(Copying, ReelOntoItselfWritesNothingAndIsAnnounced)
   EXPECT_EQ(heard_, Heard{"some(r1)"});
 }
 
-/// Journal lines of reading a field of each kind, and of writing one with the read of the identifier that follows.
+/// The journal lines for reading a field of each kind, and for writing one, followed by reading the identifier.
 Lines flagRead(const std::string& log, const std::string& key, const std::string& outcome)
 {
   return withLog(log, {"configb::in(" + quoted(key) + ", int&) -> " + outcome});
@@ -633,8 +633,8 @@ protected:
     manager().notifyHoldCount = 0;
   }
 
-  /// Copies with the hold count at @p outer; returns what it was during the copy, the same at each host call from the
-  /// first lookup on.
+  /// Copies with the hold count at @p outer. Returns the count during the copy, which is the same at each host call
+  /// from the first lookup on.
   int countDuring(int outer)
   {
     manager().notifyHoldCount = outer;

@@ -20,7 +20,7 @@ protected:
 
   bool isReel(const Cookie& log) { return containsReels({log}); }
 
-  /// What is left of these logs, and whether any was removed.
+  /// The logs that are left, and whether any was removed.
   struct Removal {
     Lines left;
     bool removed;
@@ -447,7 +447,7 @@ TEST_F(Shots, WithoutADatabaseOnlyTheIdentifierIsRead)
   EXPECT_EQ(out.count(), 0);
 }
 
-// --- What goes when a selection is deleted -------------------------------------------------------
+// --- The logs to delete with a selection ---------------------------------------------------------
 
 TEST_F(Shots, EachSelectedReelIsFollowedByItsShots)
 {

@@ -294,7 +294,7 @@ TEST_P(AttributeFlags, HandlersRunWithTheLogClosedAndTheFlagStored)
   EXPECT_EQ(calls, 1);
 }
 
-// --- Texts with one word that stands for nothing -------------------------------------------------
+// --- Texts with one word that means no value -----------------------------------------------------
 
 struct Named {
   const char* key;

@@ -31,7 +31,7 @@ Text withRoom(const char* text, std::size_t room)
   return result;
 }
 
-/// Whether a string is empty for want of a body.
+/// Whether a string is empty because it has no body.
 bool hasNoBody(const Text& text)
 {
   return text.c_str() == Text().c_str();

@@ -23,7 +23,7 @@ protected:
 
 // --- Faults --------------------------------------------------------------------------------------
 
-/// A piece of work of many host calls, some of them inside others.
+/// Work with many host calls, some of them inside others.
 void work(const Cookie& log)
 {
   EditPtr handle;
@@ -108,7 +108,7 @@ TEST_F(ScriptTest, BeforeSeesEachCallAndMayThrowInItsPlace)
   Texts seen;
   script().before = [&](const std::string& operation, const std::string& arguments) {
     seen.push_back(operation + "(" + arguments + ")");
-    get_project_cookie(); // a call of the test's own is not seen
+    get_project_cookie(); // a call by the test itself is not counted
     if (operation == "Edit::set_reelid")
       throw std::out_of_range("scripted");
   };
@@ -128,7 +128,7 @@ TEST_F(ScriptTest, ALogCanBeKeptFromOpening)
   EXPECT_FALSE(opens(log));
   EXPECT_EQ(reelIdOf(log), "");
   EXPECT_TRUE(opens(other));
-  EXPECT_EQ(typeNameOf(log), ""); // it has its row all the same
+  EXPECT_EQ(typeNameOf(log), ""); // it still has its row
   script().reset();
   EXPECT_TRUE(opens(log));
 }

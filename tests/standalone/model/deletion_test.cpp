@@ -145,7 +145,7 @@ TEST_F(DeletionTest, CompactEmptiesTheTrashForGood)
   EXPECT_FALSE(reelhost::hasChanges());
 }
 
-// The store does one thing to its trash at a time, and "the last deletion" is the last that it holds.
+// The store makes one change of its trash per commit, and its last deletion is the last stored one.
 TEST_F(DeletionTest, TheBinWaitsForWhatIsNotStoredYet)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");

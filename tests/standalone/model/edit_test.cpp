@@ -90,7 +90,7 @@ TEST_F(EditTest, ChannelsOfOtherTypesCountForNothing)
   });
 }
 
-// One more would leave 0 in the bits that the library reads, which would add channels for ever.
+// With one more, the bits that the library reads would be 0, and it would add channels for ever.
 TEST_F(EditTest, ChannelBeyondTheBitsThatCountIsRefused)
 {
   reelhost::StoredLog stored;

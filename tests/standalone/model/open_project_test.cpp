@@ -136,7 +136,7 @@ TEST_F(OpenProject, ShotsAreReadWhenTheyAreFirstNeeded)
     question();
     const int first = seen_.othersRead;
     question();
-    return first * 10 + seen_.othersRead; // 11: at the first question alone
+    return first * 10 + seen_.othersRead; // 11: only at the first call
   };
   EXPECT_EQ(freshly([&] { EXPECT_EQ(reelIdOf(reel), "R1"); }), 0);
   EXPECT_EQ(freshly([&] { EXPECT_EQ(reels().count(), 1); }), 0);
@@ -365,7 +365,7 @@ protected:
 
   void open(Access access = Access::Write) { reelhost::openProject(reelhost::makeSqliteStore(file_), access); }
 
-  /// What another process does: it stores a reel.
+  /// Stores a reel, as another process does.
   void storeElsewhere(std::int64_t number)
   {
     const auto other = reelhost::makeSqliteStore(file_);
@@ -428,7 +428,7 @@ TEST_F(SharedProject, WaitingProjectBlocksNobodyAndDetectsCommits)
   EXPECT_EQ(reels().count(), 0);
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 1);
-  storeElsewhere(8); // reading it again keeps nobody away either
+  storeElsewhere(8); // reading it again does not block others either
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 2);
   EXPECT_TRUE(listener.heard.empty());

@@ -78,7 +78,7 @@ TEST(Settings, MissingFacilityCountsAsNoneAndIsReportedLater)
   EXPECT_NE(lines[2].find("/nowhere/at/all"), std::string::npos);
 }
 
-// The library would end the process, had the host not read the file before.
+// If the host did not check the file first, the library would end the process.
 TEST(Settings, ProgramStartsWithATypeFileThatTheLibraryCannotTakeAndReportsIt)
 {
   const TempFolder folder;

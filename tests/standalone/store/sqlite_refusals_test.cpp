@@ -27,7 +27,7 @@ protected:
   fs::path file() const { return folder_ / "main.reels"; }
   fs::path folder() const { return folder_.path(); }
 
-  /// A project of a few pages with logs in it, closed and at rest.
+  /// A closed project of a few pages with logs.
   void makeProject(int logs = 200) const
   {
     createSqliteProject(file(), exampleInfo(), {{"a", "b"}});
@@ -55,7 +55,7 @@ protected:
     }
   }
 
-  /// "Kind: fact" with the file named between.
+  /// "Kind: FILE: fact" for "Kind: fact".
   std::string withSubject(const std::string& kindAndFact) const
   {
     const std::size_t colon = kindAndFact.find(": ");
@@ -390,7 +390,7 @@ TEST_F(SqliteRefusals, DamageInALargeFileIsFoundWhenItIsRead)
     store(*project, changes);
   }
   ASSERT_GT(fs::file_size(file()), 9'000'000u);
-  // The root page of the logs; the start of the file stays sound.
+  // The root page of the logs. The start of the file is not damaged.
   const auto root = static_cast<std::size_t>(
       std::stoi(runSql(file(), "SELECT rootpage FROM sqlite_schema WHERE type = 'table' AND name = 'logs'")));
   overwrite((root - 1) * pageSize(), std::string(pageSize(), '\x5A'));
@@ -524,7 +524,7 @@ TEST_F(SqliteReadOnly, WritableAgainIsWrittenAgain)
 
 TEST_F(SqliteReadOnly, AnotherCommitIsSeenThroughAReadOnlyFile)
 {
-  // A project read as it lies has nothing that counts its changes; the file's time and size do.
+  // A project that is read without locks has no version, so the file's time and size are compared.
   const auto reader = makeSqliteStore(file());
   fs::permissions(file(), fs::perms::owner_read);
   EXPECT_EQ(reelsOf(*reader), whole_);

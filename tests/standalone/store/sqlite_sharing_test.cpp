@@ -26,7 +26,7 @@ protected:
   fs::path file() const { return folder_ / "main.reels"; }
   fs::path folder() const { return folder_.path(); }
 
-  /// A process that has begun to write and goes on holding the project.
+  /// A process that has begun to write and holds the project.
   Child holder() const
   {
     return Child([this] {
@@ -41,7 +41,7 @@ protected:
     return "Busy: " + file().native() + ": held by another process (pid " + std::to_string(pid) + ", store_test";
   }
 
-  /// What a process of its own gets that wants to write.
+  /// The error of a separate process that tries to write.
   std::string errorElsewhere() const
   {
     const fs::path answer = folder_ / "answer";
@@ -122,7 +122,7 @@ TEST_F(SqliteSharing, BusyStoreWritesOnceTheHolderIsGone)
 TEST_F(SqliteSharing, FirstUseWaitsForAProcessThatHasTheFileToItself)
 {
   for (const Access access : {Access::Read, Access::Write}) {
-    // As a process does for a moment when it closes the file behind itself, or takes in a log that was left.
+    // A process does this for a moment when it closes the file last, or recovers a log.
     Child closing([this] {
       const int fd = ::open(file().c_str(), O_RDWR | O_CLOEXEC);
       struct flock lock = {};
@@ -324,7 +324,7 @@ TEST_F(SqliteSharing, FindingTheHolderOfTheProjectDropsNoLock)
   const auto project = makeSqliteStore(file());
   const auto second = makeSqliteStore(file());
   project->begin(Access::Write, noPatience);
-  // Within one process the system names nobody.
+  // Within one process the system does not report the holder.
   EXPECT_EQ(errorOf([&] { second->begin(Access::Write, noPatience); }),
             "Busy: " + file().native() + ": held by another process");
   EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);

@@ -15,7 +15,7 @@ namespace {
 
 using Pieces = std::vector<std::string>;
 
-/// What a stream should give, from the whole text: cut at each separator, without an empty piece behind the last.
+/// The expected pieces of a text: it is cut at each separator, without an empty piece after the last.
 Pieces model(const std::string& text, const std::string& separators, bool joinCrLf)
 {
   Pieces pieces;
@@ -115,7 +115,7 @@ TEST(ByteStream, LinesAndFields)
       {"a\rb", "\r\n", true, {"a", "b"}},
       {"a\r\nb", "\n", true, {"a\r", "b"}},                // a CR that is not a separator is text
       {"a\r\nb", "\r", true, {"a", "b"}},                  // the LF goes with the CR
-      {"\xFF\x80:\xE9", ":", false, {"\xFF\x80", "\xE9"}}, // no byte is taken for the end
+      {"\xFF\x80:\xE9", ":", false, {"\xFF\x80", "\xE9"}}, // no byte is read as the end
   };
   for (const auto& row : table) {
     EXPECT_EQ(model(row.text, row.separators, row.joinCrLf), row.expected) << testing::PrintToString(row.text);
