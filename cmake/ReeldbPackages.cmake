@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The Debian packages: `make package` (preset "package") writes them into build/package. One for each part of what is
-# installed; cmake/packages/finish.cmake adds what Debian wants in each.
+# The Debian packages: `make package` (preset "package") writes them into build/package, one for each component.
+# cmake/packages/finish.cmake adds the files that Debian requires in each.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR "the reeldb developers")
 set(CPACK_PACKAGE_CONTACT "the reeldb developers <maintainers@reeldb.example>")

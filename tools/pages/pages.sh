@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# pages.sh REELDB FOLDER: makes a manual page for every command in FOLDER, from the help of the program REELDB. Pages that
-# were there before are removed.
+# pages.sh REELDB FOLDER: makes a manual page in FOLDER for every command, from the help of the program REELDB. Earlier
+# pages are removed.
 set -eu
 program=$(realpath "$1")
 tools=$(cd "$(dirname "$0")" && pwd)

@@ -90,10 +90,10 @@ TEST_F(DynamicSymbolsTest, AProgramHasThemToo)
 
 TEST_F(DynamicSymbolsTest, AnythingButALibraryIsRefused)
 {
-  EXPECT_EQ(refusal(""), "is no shared library");
-  EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is no shared library");
-  EXPECT_EQ(refusal(std::string(100, '\0')), "is no shared library");
-  EXPECT_EQ(refusal(ELFMAG), "is no shared library");
+  EXPECT_EQ(refusal(""), "is not a shared library");
+  EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is not a shared library");
+  EXPECT_EQ(refusal(std::string(100, '\0')), "is not a shared library");
+  EXPECT_EQ(refusal(ELFMAG), "is not a shared library");
   EXPECT_THROW(readDynamicSymbols(folder_.path()), std::runtime_error);
   EXPECT_THROW(readDynamicSymbols(folder_ / "gone"), std::runtime_error);
 }
