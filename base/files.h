@@ -122,7 +122,7 @@ namespace detail {
 inline void requireRegular(const std::filesystem::path& path, mode_t mode)
 {
   if (!S_ISREG(mode))
-    throw FileError(FileFault::NotRegular, path, "no regular file", kindOfFile(mode));
+    throw FileError(FileFault::NotRegular, path, "not a regular file", kindOfFile(mode));
 }
 
 /// The status of the regular file that @p path leads to.

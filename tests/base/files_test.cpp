@@ -190,7 +190,7 @@ TEST(RequireRegularFile, FilePassesAnythingElseIsNamed)
   writeBytes(folder.path() / "f", "");
   requireRegularFile(folder.path() / "f");
   EXPECT_EQ(errorOf([&] { requireRegularFile(folder.path()); }),
-            "NotRegular: " + folder.path().native() + ": no regular file (a folder)");
+            "NotRegular: " + folder.path().native() + ": not a regular file (a folder)");
 }
 
 TEST(ReadRegularFile, WholeContent)
@@ -263,11 +263,11 @@ TEST(ReadRegularFile, AnythingElseIsRefusedWithoutWaiting)
   EXPECT_EQ(error("none"),
             "NotFound: " + (folder.path() / "none").native() + ": cannot be opened (No such file or directory)");
   fs::create_directory(folder.path() / "d");
-  EXPECT_EQ(error("d"), "NotRegular: " + (folder.path() / "d").native() + ": no regular file (a folder)");
+  EXPECT_EQ(error("d"), "NotRegular: " + (folder.path() / "d").native() + ": not a regular file (a folder)");
   ASSERT_EQ(::mkfifo((folder.path() / "p").c_str(), 0600), 0);
-  EXPECT_EQ(error("p"), "NotRegular: " + (folder.path() / "p").native() + ": no regular file (a named pipe)");
+  EXPECT_EQ(error("p"), "NotRegular: " + (folder.path() / "p").native() + ": not a regular file (a named pipe)");
   fs::create_symlink("/dev/zero", folder.path() / "z");
-  EXPECT_EQ(error("z"), "NotRegular: " + (folder.path() / "z").native() + ": no regular file (a device)");
+  EXPECT_EQ(error("z"), "NotRegular: " + (folder.path() / "z").native() + ": not a regular file (a device)");
   fs::create_symlink("loop", folder.path() / "loop");
   EXPECT_EQ(error("loop"),
             "System: " + (folder.path() / "loop").native() + ": cannot be opened (Too many levels of symbolic links)");
@@ -500,14 +500,14 @@ TEST_F(ReplaceFile, AnythingButAFileIsRefused)
   fs::create_directory(file("d"));
   ASSERT_EQ(::mkfifo(file("p").c_str(), 0600), 0);
   for (const IfThere ifThere : all) {
-    EXPECT_EQ(error(ifThere, "d"), "NotRegular: " + file("d").native() + ": no regular file (a folder)");
-    EXPECT_EQ(error(ifThere, "p"), "NotRegular: " + file("p").native() + ": no regular file (a named pipe)");
+    EXPECT_EQ(error(ifThere, "d"), "NotRegular: " + file("d").native() + ": not a regular file (a folder)");
+    EXPECT_EQ(error(ifThere, "p"), "NotRegular: " + file("p").native() + ": not a regular file (a named pipe)");
   }
   fs::create_symlink("d", file("to-d"));
   fs::create_symlink("nowhere", file("to-nothing"));
   fs::create_symlink("loop", file("loop"));
   for (const IfThere ifThere : {IfThere::Refuse, IfThere::Replace}) {
-    EXPECT_EQ(error(ifThere, "to-d"), "NotRegular: " + file("to-d").native() + ": no regular file (a folder)");
+    EXPECT_EQ(error(ifThere, "to-d"), "NotRegular: " + file("to-d").native() + ": not a regular file (a folder)");
     for (const char* const name : {"to-nothing", "loop"})
       EXPECT_EQ(error(ifThere, name), "NotRegular: " + file(name).native() + ": a link that leads to no file");
   }

@@ -254,8 +254,8 @@ TEST_F(Export, FileThatIsReplacedKeepsItsPermissions)
 TEST_F(Export, FileThatCannotBeWrittenLeavesNothingBehind)
 {
   expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be made (No such file or directory)", 3);
-  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: no regular file (a folder)");
-  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: no regular file (a device)");
+  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: not a regular file (a folder)");
+  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: not a regular file (a device)");
   expectRefusal({"export", "--csv", "-o", ""}, "\"\": cannot be made (No such file or directory)", 3);
   std::set<std::string> files;
   for (const auto& entry : fs::directory_iterator(dir_.path()))

@@ -172,7 +172,7 @@ TEST_F(Front, PipeInPlaceOfTheFileIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(path("pipe/facility.toml").c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "pipe", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: " + path("pipe/facility.toml") + ": no regular file (a named pipe)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("pipe/facility.toml") + ": not a regular file (a named pipe)\n");
 }
 
 TEST_F(Front, UnreadableFileIsReported)
@@ -315,7 +315,7 @@ TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(typeFile_.c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "one", "type", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": no regular file (a named pipe)\n");
+  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not a regular file (a named pipe)\n");
 }
 
 } // namespace

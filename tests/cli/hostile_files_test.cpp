@@ -295,10 +295,10 @@ TEST_F(HostileFiles, ListIsReadThroughALink)
 TEST_F(HostileFiles, AnythingButAFileIsNotAList)
 {
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {"/dev/zero", 3, "no regular file (a device)"},
-      {"/dev/full", 3, "no regular file (a device)"},
-      {"/dev/ptmx", 3, "no regular file (a device)"},
-      {outside_.path().native(), 3, "no regular file (a folder)"},
+      {"/dev/zero", 3, "not a regular file (a device)"},
+      {"/dev/full", 3, "not a regular file (a device)"},
+      {"/dev/ptmx", 3, "not a regular file (a device)"},
+      {outside_.path().native(), 3, "not a regular file (a folder)"},
       {outside("cut.edl") + "/x", 1, "cannot be opened (Not a directory)"},
       {outside("nothing"), 1, "cannot be opened (No such file or directory)"},
       {"list", 3, "cannot be opened (Too many levels of symbolic links)"}};
@@ -313,7 +313,7 @@ TEST_F(HostileFiles, AnythingButAFileIsNotOpened)
 {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   const OpenWatch watch(path("pipe"));
-  expectEachError(readersOf("pipe"), 3, "pipe: no regular file (a named pipe)");
+  expectEachError(readersOf("pipe"), 3, "pipe: not a regular file (a named pipe)");
   const Words check = {"label-map", "check", "pal9pin"};
   const std::vector<std::pair<std::string, Words>> places = {
       {"devicedata/reeltype.dat", check}, {"facility.toml", check},
@@ -335,8 +335,8 @@ TEST_F(HostileFiles, AnythingButAFileIsNotOpened)
 TEST_F(HostileFiles, AnythingButAFileIsNotAListOfReelTypes)
 {
   const std::vector<std::pair<std::string, std::string>> targets = {
-      {"/dev/zero", "no regular file (a device)"},
-      {outside_.path().native(), "no regular file (a folder)"},
+      {"/dev/zero", "not a regular file (a device)"},
+      {outside_.path().native(), "not a regular file (a folder)"},
       {"reeltype.dat", "cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, cause] : targets) {
     link("devicedata/reeltype.dat", target);
@@ -348,8 +348,8 @@ TEST_F(HostileFiles, AnythingButAFileIsNotAFacility)
 {
   fs::rename(path("facility.toml"), path("kept"));
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {"/dev/zero", 3, "/facility.toml: no regular file (a device)"},
-      {outside_.path().native(), 3, "/facility.toml: no regular file (a folder)"},
+      {"/dev/zero", 3, "/facility.toml: not a regular file (a device)"},
+      {outside_.path().native(), 3, "/facility.toml: not a regular file (a folder)"},
       {outside("nothing"), 1, ": not a facility (facility.toml not found)"},
       {"facility.toml", 3, "/facility.toml: cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, code, cause] : targets) {
@@ -365,8 +365,8 @@ TEST_F(HostileFiles, AnythingButAFileIsNotAFacility)
 TEST_F(HostileFiles, AnythingButAFileIsNotALabelMap)
 {
   const std::vector<std::pair<std::string, std::string>> targets = {
-      {"/dev/zero", "no regular file (a device)"},
-      {outside_.path().native(), "no regular file (a folder)"},
+      {"/dev/zero", "not a regular file (a device)"},
+      {outside_.path().native(), "not a regular file (a folder)"},
       {outside("nothing"), "cannot be opened (No such file or directory)"},
       {"odd.toml", "cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, cause] : targets) {
@@ -482,13 +482,13 @@ TEST_F(HostileFiles, LinkInPlaceOfAStateFileIsNotWrittenThrough)
 TEST_F(HostileFiles, ExportWritesThroughALinkOnlyIntoAFileAndOnlyByForce)
 {
   for (const char* device : {"/dev/full", "/dev/zero"}) {
-    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": no regular file (a device)");
+    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": not a regular file (a device)");
     link("out", device);
-    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a device)");
+    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: not a regular file (a device)");
   }
   link("out", outside_.path().native());
-  expectError({"export", "--edl", "-o", "out"}, 1, "out: no regular file (a folder)");
-  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a folder)");
+  expectError({"export", "--edl", "-o", "out"}, 1, "out: not a regular file (a folder)");
+  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: not a regular file (a folder)");
   link("out", outside("mine"));
   expectError({"export", "--edl", "-o", "out"}, 1, "out: already exists (--force replaces it)");
 }

@@ -239,11 +239,11 @@ TEST_F(FacilityReaderTest, AnythingButARegularFileIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
   fs::remove(file());
   fs::create_directory(file());
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "Unreadable: " + file().native() + ": no regular file (a folder)");
+            "Unreadable: " + file().native() + ": not a regular file (a folder)");
 }
 
 TEST_F(FacilityReaderTest, LinkToTheFileIsFollowed)

@@ -103,7 +103,7 @@ TEST_F(LabelMapFile, NamedPipeIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { readLabelMap(file()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
 }
 
 } // namespace

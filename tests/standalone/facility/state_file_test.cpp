@@ -167,7 +167,7 @@ TEST_F(StateFileTest, AnythingButARegularFileIsRefused)
   EXPECT_EQ(errorOf([&] {
               state().merge({{{"a", "1"}}, {}});
             }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)" + stays);
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)" + stays);
   EXPECT_TRUE(fs::is_fifo(file()));
 }
 

@@ -168,10 +168,11 @@ TEST_F(TypeFileCheckTest, AnythingButARegularFileIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
   fs::remove(file());
   fs::create_directory(file());
-  EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }), "Unreadable: " + file().native() + ": no regular file (a folder)");
+  EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }),
+            "Unreadable: " + file().native() + ": not a regular file (a folder)");
 }
 
 TEST_F(TypeFileCheckTest, FileOfMoreThan64MiBIsRefused)
