@@ -288,7 +288,7 @@ TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
   EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
 }
 
-// --- Texts that are not such a report --------------------------------------------------------------
+// --- Texts that are not a report of this kind -------------------------------------------------------
 
 template <class T>
 void expectRefused(const std::string& text)
@@ -298,7 +298,7 @@ void expectRefused(const std::string& text)
     ADD_FAILURE() << text << ": was read";
   } catch (const Error& error) {
     EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
-    EXPECT_EQ(std::string(error.what()).rfind("JSON: not such a report (", 0), 0u) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not a report of this kind (", 0), 0u) << error.what();
   }
 }
 
