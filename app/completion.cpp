@@ -83,7 +83,7 @@ std::vector<std::string> fieldValues(const std::string& field)
   return {};
 }
 
-/// The names of fields, or what the field that is typed may be set to.
+/// The names of fields, or the possible values of the typed field.
 std::vector<Choice> assignments(const std::string& typed)
 {
   const std::size_t equals = typed.find('=');

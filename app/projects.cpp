@@ -24,7 +24,7 @@ std::array<unsigned char, 16> newUuid()
   std::array<unsigned char, 16> bytes{};
   for (unsigned char& byte : bytes)
     byte = static_cast<unsigned char>(source());
-  // Marks it as a random one.
+  // Marks the uuid as random.
   bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
   bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
   return bytes;
@@ -48,7 +48,7 @@ std::string makeProjectIn(const reelhost::Facility& facility, const std::string&
     throw Error(ErrorKind::Invalid, fmt::format("\"{}\": no such frame rate (this facility has: {})",
                                                 base::shortText(rate), fmt::join(known, ", ")));
   }
-  requirePlainText(name, fmt::format("\"{}\": no name for a project", base::shortText(name)));
+  requirePlainText(name, fmt::format("\"{}\": not a valid project name", base::shortText(name)));
   reelhost::ProjectInfo info;
   info.name = name;
   info.uuid = newUuid();

@@ -12,7 +12,7 @@ class ReelDbManager;
 namespace reeldb::app {
 
 /// The name of the project to work on: @p asked, else the facility's default. Throws Error (Refused), which lists the
-/// projects there are, when there is no default or no project of that name.
+/// existing projects, if there is no default or no project of that name.
 std::string chosenProject(const std::optional<std::string>& asked);
 
 enum class Access { Read, Write };
@@ -21,7 +21,7 @@ enum class Access { Read, Write };
 /// thread.
 class Session {
 public:
-  /// Opens the chosenProject and enters it. Throws Error also when the project cannot be opened for this access.
+  /// Opens the chosenProject and enters it. Also throws Error if the project cannot be opened for this access.
   Session(const std::optional<std::string>& project, Access access);
   ~Session();
   Session(const Session&) = delete;

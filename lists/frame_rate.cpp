@@ -158,7 +158,7 @@ std::string labelOf(std::int64_t frame, Counting counting, std::string& label)
     return "before the first frame of the day";
   if (frame >= framesADay(counting))
     return "after the last frame of the day, " + std::to_string(framesADay(counting) - 1);
-  // What the labels would be without drop frame: each of the minutes that lack some is passed over.
+  // Count as without drop frame: add the labels that are left out at the start of minutes.
   const std::int64_t whole = std::int64_t{kSecondsAMinute} * counting.rate.frames;
   const std::int64_t ofTen = whole * kTenth - std::int64_t{kTenth - 1} * dropped(counting);
   const std::int64_t within = frame % ofTen;

@@ -167,7 +167,7 @@ TEST(EdlEvent, OneSourceFileIsForTheFirstSide)
   EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{File, "f"}}), (Strings{"|f|", "||"}));
 }
 
-TEST(EdlEvent, OneSourceFilePassesOverBlackAndOverTheNameless)
+TEST(EdlEvent, SingleSourceFileSkipsBlackAndTheNamelessSide)
 {
   EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{To, "b"}, {File, "f"}}), (Strings{"||", "b|f|"}));
   EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{To, "b"}, {File, "f"}}), (Strings{"||", "b|f|"}));

@@ -114,7 +114,7 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
   EXPECT_EQ(list.rejected[5].reason, "no event number");
 }
 
-TEST(Edl, AnEventWithoutANumberIsNoHeader)
+TEST(Edl, EventWithoutANumberIsNotAHeader)
 {
   const List list = readWhole("TITLE: X\nO01 B V C " + kTimecodes + "\n" + event("002", "A V C"));
   ASSERT_EQ(list.rejected.size(), 1u);
@@ -229,7 +229,7 @@ TEST(Edl, AxCalledBlackIsBlack)
   EXPECT_EQ(list.specials.at(0).reason, "black");
 }
 
-TEST(Edl, TheSourceTableGoesBeforeAllElse)
+TEST(Edl, SourceTableComesBeforeEverythingElse)
 {
   const List list = readWhole(event("001", "A001 V C") + "* REEL: NOTE\nFINAL CUT PRO REEL: A-001 REPLACED BY: A001\n" +
                               event("002", "B001 V C") +
@@ -242,7 +242,7 @@ TEST(Edl, TheSourceTableGoesBeforeAllElse)
   EXPECT_TRUE(list.ambiguous.empty());
 }
 
-TEST(Edl, AReplacedReelGoesBeforeTheReelNoteWhereverItStands)
+TEST(Edl, ReplacedReelComesBeforeTheReelNoteWhereverItStands)
 {
   const List list = readWhole(event("001", "006i V C") + "* REEL: NOTE\n" + event("002", "006I V C") +
                               "FINAL CUT PRO REEL: 006-I REPLACED BY: 006I\n");
@@ -262,7 +262,7 @@ TEST(Edl, AReelThatReplacesSeveralStaysAndIsReported)
   EXPECT_EQ(list.ambiguous[0].names, (Strings{"006-I", "006_I"}));
 }
 
-TEST(Edl, TheReelNoteGoesBeforeTheReelText)
+TEST(Edl, ReelNoteComesBeforeTheReelText)
 {
   const List list = readWhole(event("001", "SR007 A2 C") + "* REEL: SR007_DAY03\n" + event("002", "SR007 A2 C"));
   EXPECT_EQ(reels(list), (Strings{"SR007_DAY03", "SR007"}));
@@ -321,7 +321,7 @@ TEST(Edl, TabsInsideNamesBecomeBlanks)
   EXPECT_EQ(list.clips[0].clipName, "x y");
 }
 
-TEST(Edl, ASourceFileOrReelNoteThatSaysAxTellsNothing)
+TEST(Edl, SourceFileOrReelNoteAxNamesNoSource)
 {
   const List list = readWhole(event("001", "AX V C") + "* FROM CLIP NAME: REALNAME\n* SOURCE FILE: AX\n" +
                               event("002", "TAPE9 V C") + "* REEL: AX\n");
@@ -371,7 +371,7 @@ TEST(Edl, ControlCharactersInTheTablesCostTheirLine)
   EXPECT_EQ(list.rejected[1].reason, "replaced reel with a control character (\\x02)");
 }
 
-TEST(Edl, PaddingAroundLinesIsNone)
+TEST(Edl, PaddingAroundLinesIsRemoved)
 {
   const List list = readWhole(std::string("\f\0", 2) + "TITLE: X\x1A\n" + "\f\n" + std::string("\0\0 ", 3) +
                               event("001", "A V C") + std::string("* FROM CLIP NAME: a\0 \0\n", 23));

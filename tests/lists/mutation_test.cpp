@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The examples, damaged in 2,000 ways that are the same in every run: reading must end with a list that accounts for
-// every line, or with the one error that says it is none.
+// every line, or with the error that it is not a list.
 #include <cstdint>
 #include <random>
 #include <string>

@@ -148,7 +148,7 @@ TEST(SourceTable, ARowThatIsLeftOutIsNotFoundAndTheOthersAre)
   EXPECT_EQ(table.find("A001").identifier, "A001_LONG");
 }
 
-TEST(SourceTable, OneNameWithBlanksIsOneWhenAReelOfTheListIsCalledThat)
+TEST(SourceTable, NameWithBlanksIsASingleNameIfAReelOfTheListHasIt)
 {
   EXPECT_EQ(split("PIER CAM 2", "PIER CAM 2", {"PIER CAM 2"}), "PIER CAM 2|");
   EXPECT_EQ(split("PIER CAM", "PIER CAM", {"PIER CAM"}), "PIER CAM|");
@@ -190,7 +190,7 @@ TEST(SourceTable, ACutNameThatFitsSeveralSourcesHasNoIdentifier)
   EXPECT_EQ(match.ids, (Strings{"id00000000000001", "id00000000000002"}));
 }
 
-TEST(SourceTable, ARowWhoseWholeNameIsTheReelGoesFirst)
+TEST(SourceTable, RowWhoseWholeNameIsTheReelComesFirst)
 {
   const SourceMatch match = tableOf({"A001_LONG A001 id1", "A001 A001 id2"}).find("a001");
   EXPECT_EQ(match.identifier, "");

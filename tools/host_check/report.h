@@ -11,11 +11,11 @@
 namespace host_check {
 
 struct Report {
-  std::string library;            ///< the reel database that asks
-  std::vector<std::string> hosts; ///< the files that were looked at
-  std::size_t asked = 0;          ///< how many symbols the library asks of a host
+  std::string library;            ///< the reel database
+  std::vector<std::string> hosts; ///< the files that were checked
+  std::size_t asked = 0;          ///< the number of symbols that the library needs from a host
   std::vector<Unmet> unmet;
-  /// Libraries that a host names as needed and that were not looked at: "libx.so needs liby.so".
+  /// Libraries that a host needs and that were not checked: "libx.so needs liby.so".
   std::vector<std::string> notLookedAt;
 };
 

@@ -179,7 +179,7 @@ TEST_P(Devices, AnUnknownDeviceIsNotStored)
   EXPECT_EQ(theConfigurationManager().findConfigForName(L""), -1);
 }
 
-TEST_P(Devices, AMessageTellsItsDevice)
+TEST_P(Devices, AMessageNamesItsDevice)
 {
   PROMISE("host/device.h", "the device that the message names; invalid: no device");
   HOST_NEEDS(Devices);

@@ -32,16 +32,16 @@ TEST(HostCheck, TheStandaloneHostHasAll)
 {
   const ProcessResult result = check({STANDALONE_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 0) << result.out << result.err;
-  EXPECT_TRUE(holds(result.out, "symbols that it asks of a host are there\n")) << result.out;
+  EXPECT_TRUE(holds(result.out, "symbols that it needs from a host are there\n")) << result.out;
   EXPECT_EQ(result.err, "");
 }
 
-TEST(HostCheck, LibraryThatAsksNothingIsNotTheReelDatabase)
+TEST(HostCheck, LibraryThatImportsNothingIsNotTheReelDatabase)
 {
   const ProcessResult result = check({"--library", HOST_VALUES, STANDALONE_HOST});
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.out, "");
-  EXPECT_TRUE(holds(result.err, ": asks nothing of a host (is it the reel database?)\n")) << result.err;
+  EXPECT_TRUE(holds(result.err, ": needs nothing from a host (is it the reel database?)\n")) << result.err;
 }
 
 TEST(HostCheck, WithoutItsValuesAHostIsNotWhole)
@@ -63,15 +63,15 @@ TEST(HostCheck, TheValuesAloneAreNoHost)
   EXPECT_FALSE(holds(result.out, "with other parameters")) << result.out;
 }
 
-TEST(HostCheck, MistakesAreToldApart)
+TEST(HostCheck, MistakesAreDistinguished)
 {
   const ProcessResult result = check({BROKEN_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 1);
-  EXPECT_TRUE(holds(result.out, "there with other parameters only:\n"
+  EXPECT_TRUE(holds(result.out, "found only with other parameters:\n"
                                 "  Edit::isImported() const\n"
-                                "      there is: Edit::isImported()\n"
+                                "      found: Edit::isImported()\n"
                                 "  Edit::setDirty(bool)\n"
-                                "      there is: Edit::setDirty(int)\n"))
+                                "      found: Edit::setDirty(int)\n"))
       << result.out;
   EXPECT_TRUE(holds(result.out, "\n  Edit::make_original(bool, bool)\n")) << result.out;
   EXPECT_FALSE(holds(result.out, "co_pid")) << result.out;
@@ -107,7 +107,7 @@ TEST(HostCheck, WhatCannotBeReadIsNotChecked)
   EXPECT_EQ(check({"--library", "/proc/self/status", HOST_VALUES}).code, 2);
 }
 
-TEST(HostCheck, ALineThatMakesNoSenseIsNotChecked)
+TEST(HostCheck, WrongCommandLineIsNotChecked)
 {
   EXPECT_EQ(check({}).code, 2);
   EXPECT_EQ(check({"--no-such-option", HOST_VALUES}).code, 2);
@@ -127,11 +127,11 @@ TEST(HostCheck, TheManualPageHasEveryOptionOfTheHelp)
   EXPECT_EQ(options, 3);
 }
 
-TEST(HostCheck, TheHelpTellsTheExitCodes)
+TEST(HostCheck, HelpListsTheExitCodes)
 {
   const ProcessResult result = check({"--help"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_TRUE(holds(result.out, "Exit code: 0 all are there, 1 some are not, 2 it could not be checked.\n"))
+  EXPECT_TRUE(holds(result.out, "Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"))
       << result.out;
   EXPECT_EQ(result.err, "");
 }
