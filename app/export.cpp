@@ -131,6 +131,7 @@ Written writeReelsCsv(const ProjectContent& content)
 Written writeShotsCsv(const ProjectContent& content)
 {
   std::vector<std::string> row;
+  row.reserve(shotTexts.size() + 3);
   for (const ShotText& text : shotTexts)
     row.emplace_back(text.name);
   row.insert(row.end(), {"aliases", "video_channels", "audio_channels"});
