@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
 
-.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
+.PHONY: run test check check-long test-long second-compiler tidy tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
@@ -26,7 +26,7 @@ test: ## build and pass every test
 	$(call build,release,-DREELDB_TESTS=ON)
 	$(call test,release)
 
-check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
+check: test tidy asan coverage threads instructions abi-check reference ## all of it, in minutes: clang-tidy, sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
 	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
@@ -57,6 +57,11 @@ memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some pr
 	@sh scripts/setup.sh check
 	$(call build,release,-DREELDB_TESTS=ON)
 	@sh scripts/memcheck.sh build/release $(PROGRAMS)
+
+tidy: ## check the library and its host with clang-tidy: TIDY_ROOMS="lists cli" for other rooms
+	@sh scripts/setup.sh check
+	cmake --preset tidy >/dev/null
+	@python3 scripts/tidy.py build/tidy $(TIDY_ROOMS)
 
 asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check
