@@ -85,7 +85,7 @@ ProjectContent readContent(Session& session)
 
 const std::vector<std::size_t>& reelLengths()
 {
-  static const std::vector<std::size_t> lengths(lists::kReelFields.begin(), lists::kReelFields.end());
+  static const std::vector<std::size_t> lengths(lists::reelFields.begin(), lists::reelFields.end());
   return lengths;
 }
 

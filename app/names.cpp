@@ -23,7 +23,7 @@ namespace reeldb::app {
 namespace {
 
 /// The widths of the reel field that lists cut names to.
-constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::kReelLength};
+constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::reelLength};
 
 /// The first @p characters of the name, without the blanks that end them; empty when the name has no more than that.
 std::string_view cutForm(std::string_view name, std::size_t characters)
