@@ -2,7 +2,7 @@
 # The commands for developers. Each target installs what it needs, builds and runs; cmake --list-presets shows the
 # builds.
 
-.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
+.PHONY: run test check check-long test-long second-compiler tidy tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
@@ -27,7 +27,7 @@ test: ## build and pass every test
 	$(call build,release,-DREELDB_TESTS=ON)
 	$(call test,release)
 
-check: test asan coverage threads instructions abi-check reference ## make all checks that take minutes: sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
+check: test tidy asan coverage threads instructions abi-check reference ## make all checks that take minutes: clang-tidy, sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
 	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
@@ -58,6 +58,11 @@ memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some pr
 	@sh scripts/setup.sh check
 	$(call build,release,-DREELDB_TESTS=ON)
 	@sh scripts/memcheck.sh build/release $(PROGRAMS)
+
+tidy: ## check the library and its host with clang-tidy: TIDY_ROOMS="lists cli" for other rooms
+	@sh scripts/setup.sh check
+	cmake --preset tidy >/dev/null
+	@python3 scripts/tidy.py build/tidy $(TIDY_ROOMS)
 
 asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check

@@ -49,6 +49,7 @@ std::vector<Choice> userFields()
 std::vector<Choice> plain(const std::vector<std::string>& names)
 {
   std::vector<Choice> result;
+  result.reserve(names.size());
   for (const std::string& name : names)
     result.push_back({name, ""});
   return result;
@@ -95,7 +96,7 @@ std::vector<Choice> assignments(const std::string& typed)
   } else {
     names = fieldValues(typed.substr(0, equals));
     for (std::string& name : names)
-      name = typed.substr(0, equals + 1) + name;
+      name.insert(0, typed, 0, equals + 1);
   }
   return plain(names);
 }

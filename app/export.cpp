@@ -85,7 +85,7 @@ ProjectContent readContent(Session& session)
 
 const std::vector<std::size_t>& reelLengths()
 {
-  static const std::vector<std::size_t> lengths(lists::kReelFields.begin(), lists::kReelFields.end());
+  static const std::vector<std::size_t> lengths(lists::reelFields.begin(), lists::reelFields.end());
   return lengths;
 }
 
@@ -131,6 +131,7 @@ Written writeReelsCsv(const ProjectContent& content)
 Written writeShotsCsv(const ProjectContent& content)
 {
   std::vector<std::string> row;
+  row.reserve(shotTexts.size() + 3);
   for (const ShotText& text : shotTexts)
     row.emplace_back(text.name);
   row.insert(row.end(), {"aliases", "video_channels", "audio_channels"});

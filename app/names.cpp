@@ -23,7 +23,7 @@ namespace reeldb::app {
 namespace {
 
 /// The widths of reel fields to which lists cut names.
-constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::kReelLength};
+constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::reelLength};
 
 /// The name cut to @p characters, without blanks at the end; empty if the name is not longer.
 std::string_view cutForm(std::string_view name, std::size_t characters)

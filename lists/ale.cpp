@@ -36,36 +36,36 @@ enum Column : std::size_t {
   TracksAsWritten, ///< this, those below and AlsoCalled are only in logs of this program: docs/formats/export.md
   CutRecordIn,
   CutRecordOut,
-  kColumns,
+  ColumnCount,
   AlsoCalled, ///< "Reel Also Called 1", 2, ...: the only column that a log may have several times
 };
 
 /// The titles of the columns, which are case-sensitive.
-constexpr std::array<std::string_view, kColumns> kTitles = {
+constexpr std::array<std::string_view, ColumnCount> columnTitles = {
     "Name",           "Tape",   "Tracks",  "Start",   "End",       "Source File",       "Source File Path",
     "TapeID",         "Reel #", "Camroll", "Labroll", "Soundroll", "Tracks As Written", "Cut Record In",
     "Cut Record Out",
 };
 
-constexpr std::string_view kAlsoCalled = "Reel Also Called ";
+constexpr std::string_view alsoCalledTitle = "Reel Also Called ";
 
-constexpr std::array kTimes = {Start, End};
+constexpr std::array timeColumns = {Start, End};
 
 /// A rate in the heading above this is ignored.
-constexpr int kMostFramesASecond = 999;
+constexpr int mostFramesASecond = 999;
 
 /// The frames per second of the timecode of a video format's tapes, whatever the rate of the project.
-constexpr std::array<std::pair<std::string_view, int>, 2> kFormatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
+constexpr std::array<std::pair<std::string_view, int>, 2> formatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
 
 /// Columns with another name of the row's source.
-constexpr std::array kAliases = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
+constexpr std::array aliasColumns = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
 
 /// The tracks of a source when the log has none: a picture.
-constexpr std::string_view kDefaultTracks = "V";
+constexpr std::string_view defaultTracks = "V";
 
 /// The cells of a row that the reader uses, without outer blanks. A cell that the row does not have is empty.
 struct Cells {
-  std::array<std::string_view, kColumns> texts;
+  std::array<std::string_view, ColumnCount> texts;
   std::vector<std::string_view> alsoCalled;
   std::size_t count = 0; ///< the number of all cells of the row
 
@@ -77,7 +77,7 @@ std::string lacking(const std::vector<Column>& columns, const std::string& what 
 {
   std::string result;
   for (Column column : columns)
-    result += (result.empty() ? "no " : ", no ") + what + "'" + std::string(kTitles[column]) + "'";
+    result += (result.empty() ? "no " : ", no ") + what + "'" + std::string(columnTitles[column]) + "'";
   return result;
 }
 
@@ -92,7 +92,7 @@ int framesASecond(std::string_view rate)
   int whole = 0;
   const auto [end, error] = std::from_chars(rate.data(), rate.data() + rate.size(), whole);
   std::string_view rest(end, static_cast<std::size_t>(rate.data() + rate.size() - end));
-  if (error != std::errc() || whole < 0 || whole > kMostFramesASecond || (!rest.empty() && rest.front() != '.'))
+  if (error != std::errc() || whole < 0 || whole > mostFramesASecond || (!rest.empty() && rest.front() != '.'))
     return 0;
   return whole + (rest.find_first_of("123456789") == std::string_view::npos ? 0 : 1);
 }
@@ -137,7 +137,7 @@ private:
   int frames_ = 0;   ///< the heading's frames per second; 0 if it does not say
   /// The columns that the reader uses: their positions from left to right, and the position of each.
   std::vector<std::pair<std::size_t, Column>> positions_;
-  std::array<std::optional<std::size_t>, kColumns> places_;
+  std::array<std::optional<std::size_t>, ColumnCount> places_;
   std::size_t titleCount_ = 0;
 };
 
@@ -210,7 +210,7 @@ void Reader::setting(std::string_view key, std::string_view value)
     tape_ = clean(value);
   if (base::sameName(key, "FPS"))
     frames_ = std::max(frames_, framesASecond(trim(value)));
-  for (const auto& [format, frames] : kFormatFrames) {
+  for (const auto& [format, frames] : formatFrames) {
     if (base::sameName(key, "VIDEO_FORMAT") && base::sameName(trim(value), format))
       frames_ = std::max(frames_, frames);
   }
@@ -225,12 +225,12 @@ void Reader::titles(int number, std::string_view line)
   for (std::size_t position = 0; !rest.empty(); ++position) {
     const std::string_view title = trim(takeCell(rest));
     titleCount_ = position + 1;
-    otherCase = otherCase || base::sameName(title, kTitles[Name]);
-    const auto found = std::find(kTitles.begin(), kTitles.end(), title);
-    const auto column = static_cast<std::size_t>(found - kTitles.begin());
-    if (title.starts_with(kAlsoCalled))
+    otherCase = otherCase || base::sameName(title, columnTitles[Name]);
+    const auto found = std::find(columnTitles.begin(), columnTitles.end(), title);
+    const auto column = static_cast<std::size_t>(found - columnTitles.begin());
+    if (title.starts_with(alsoCalledTitle))
       positions_.emplace_back(position, AlsoCalled);
-    if (column == kColumns || places_[column]) // the first of two columns with one title counts
+    if (column == ColumnCount || places_[column]) // the first of two columns with one title counts
       continue;
     places_[column] = position;
     positions_.emplace_back(position, static_cast<Column>(column));
@@ -239,12 +239,13 @@ void Reader::titles(int number, std::string_view line)
     throw Error(otherCase ? "log file without a column 'Name' (the case of column titles counts)"
                           : "log file without a column 'Name'");
   std::vector<Column> untimed;
-  std::copy_if(kTimes.begin(), kTimes.end(), std::back_inserter(untimed), [&](Column c) { return !hasColumn(c); });
+  std::copy_if(timeColumns.begin(), timeColumns.end(), std::back_inserter(untimed),
+               [&](Column c) { return !hasColumn(c); });
   if (!untimed.empty())
     collector_.warn(number, line, lacking(untimed, "column ") + " (the rows are kept " + withoutThem(untimed) + ")");
   if (!hasColumn(TracksColumn))
     collector_.warn(number, line,
-                    lacking({TracksColumn}, "column ") + " (the rows are kept as " + std::string(kDefaultTracks) + ")");
+                    lacking({TracksColumn}, "column ") + " (the rows are kept as " + std::string(defaultTracks) + ")");
 }
 
 Cells Reader::cellsOf(std::string_view line) const
@@ -296,7 +297,7 @@ std::string Reader::fault(const Cells& cells) const
     if (cells[column].empty())
       continue;
     if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
-      return std::string(kTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
+      return std::string(columnTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
   }
   if (!cells[TracksColumn].empty() && !parseLogTracks(cells[TracksColumn]))
     return "unknown tracks " + inQuotes(cells[TracksColumn]);
@@ -315,18 +316,18 @@ void Reader::row(int number, std::string_view line)
   clip.sourceFile = clean(cells[cells[SourceFile].empty() ? SourceFilePath : SourceFile]);
   clip.sourceIn = cells[Start];
   clip.sourceOut = cells[End];
-  clip.tracks = cells[TracksColumn].empty() ? std::string(kDefaultTracks) : clean(cells[TracksColumn]);
+  clip.tracks = cells[TracksColumn].empty() ? std::string(defaultTracks) : clean(cells[TracksColumn]);
   const Tracks tracks = parseLogTracks(clip.tracks).value_or(Tracks());
   clip.videoChannels = tracks.video;
   clip.audioChannels = tracks.audio;
   if (const std::string_view written = cells[TracksAsWritten];
-      !written.empty() && written.size() <= kNameBytes && firstControl(written).empty())
+      !written.empty() && written.size() <= nameBytes && firstControl(written).empty())
     clip.tracks = clean(written);
   clip.recordIn = cells[CutRecordIn];
   clip.recordOut = cells[CutRecordOut];
   for (const std::string_view name : cells.alsoCalled)
     clip.aliases.push_back(clean(name));
-  for (Column column : kAliases)
+  for (Column column : aliasColumns)
     clip.aliases.push_back(clean(cells[column]));
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
@@ -344,12 +345,12 @@ void Reader::row(int number, std::string_view line)
 void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
 {
   std::vector<Column> empty;
-  for (Column column : kTimes) {
+  for (Column column : timeColumns) {
     if (hasColumn(column) && cells[column].empty())
       empty.push_back(column);
     else if (frames_ > 0 && !cells[column].empty() && framesOf(cells[column]) >= frames_)
       collector_.warn(number, line,
-                      std::string(kTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
+                      std::string(columnTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
                           std::to_string(frames_) + " frames per second of the heading (kept as it is)");
   }
   if (!empty.empty())

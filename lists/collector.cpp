@@ -29,9 +29,9 @@ std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_v
 /// Why a name cannot be kept as it is; empty if it can.
 std::string nameFault(std::string_view what, std::string_view name)
 {
-  if (name.size() > kNameBytes)
+  if (name.size() > nameBytes)
     return std::string(what) + " " + inQuotes(name) + " has " + std::to_string(name.size()) + " bytes (at most " +
-           std::to_string(kNameBytes) + ")";
+           std::to_string(nameBytes) + ")";
   if (const std::string_view control = firstControl(name); !control.empty())
     return std::string(what) + " " + inQuotes(name) + " holds a control character (" + base::displayText(control) + ")";
   return {};
@@ -94,7 +94,7 @@ void Collector::special(std::string_view text, std::string_view reason, int line
   key += reason;
   const auto [entry, isNew] = specials_.try_emplace(std::move(key), list_.specials.size());
   if (isNew)
-    list_.specials.push_back({shortened(text, kShownBytes), std::string(reason), 0, {}});
+    list_.specials.push_back({shortened(text, shownBytes), std::string(reason), 0, {}});
   Special& known = list_.specials[entry->second];
   ++known.count;
   known.lines.push_back(line);
@@ -102,12 +102,12 @@ void Collector::special(std::string_view text, std::string_view reason, int line
 
 void Collector::reject(int line, std::string_view text, std::string reason)
 {
-  list_.rejected.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
+  list_.rejected.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
 }
 
 void Collector::warn(int line, std::string_view text, std::string reason)
 {
-  list_.warnings.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
+  list_.warnings.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
 }
 
 void Collector::warnOfOrder(const Clip& clip, std::string_view text)

@@ -10,8 +10,8 @@ namespace {
 
 /// The highest frame number: two digits count up to 60 frames per second, three digits up to 120. Only lists of higher
 /// rates have three digits.
-constexpr std::string_view kMostFrames = "59";
-constexpr std::string_view kMostFramesOfThree = "119";
+constexpr std::string_view mostFrames = "59";
+constexpr std::string_view mostFramesOfThree = "119";
 
 bool isSeparator(char c)
 {
@@ -52,7 +52,7 @@ std::string timecodeFault(std::string_view text)
   if (text[6] > '5')
     return "seconds above 59";
   const std::string_view frames = text.substr(9);
-  const std::string_view most = frames.size() == 2 ? kMostFrames : kMostFramesOfThree;
+  const std::string_view most = frames.size() == 2 ? mostFrames : mostFramesOfThree;
   return frames > most ? "frames above " + std::string(most) : std::string();
 }
 

@@ -55,7 +55,7 @@ void requireClean(const std::string& text, const char* what)
 void requireName(const std::string& text, const char* what)
 {
   requireClean(text, what);
-  require(text.size() <= kNameBytes, what, "is too long", text);
+  require(text.size() <= nameBytes, what, "is too long", text);
 }
 
 /// The same for a text that is to be shown. Each of the 1,000 bytes of a line may need four bytes when it is escaped.

@@ -39,7 +39,7 @@ void Facility::requireProjectName(const std::string& name)
 std::filesystem::path Facility::projectFile(const std::string& name) const
 {
   requireProjectName(name);
-  const std::filesystem::path file = projectDirectory() / (name + std::string(suffix));
+  std::filesystem::path file = projectDirectory() / (name + std::string(suffix));
   std::error_code error, homeless; // if a link cannot be followed, the store cannot open the file
   const std::filesystem::path real = std::filesystem::weakly_canonical(file, error);
   const std::filesystem::path home = std::filesystem::weakly_canonical(directory_, homeless);

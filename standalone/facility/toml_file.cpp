@@ -182,6 +182,7 @@ std::vector<std::string> TomlTable::keys() const
     found.emplace_back(node.source().begin, key.str());
   std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> result;
+  result.reserve(found.size());
   for (auto& [position, key] : found)
     result.push_back(std::move(key));
   return result;

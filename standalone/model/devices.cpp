@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <cstring>
 #include <string>
+#include <type_traits>
 
 #include "host/device.h"
 #include "host/text.h"
@@ -13,7 +13,6 @@ using reelhost::describeAll;
 using reelhost::DeviceSettings;
 using reelhost::hostCall;
 using reelhost::noArguments;
-using reelhost::Word;
 
 /// The device that a configuration was copied from. An unknown device keeps the default settings (identity 0).
 struct ExtDeviceConfig::Impl {
@@ -53,13 +52,11 @@ ExtDeviceConfig configWhere(const Wanted& wanted)
   return found == devices.end() ? ExtDeviceConfig() : configOf(*found);
 }
 
-/// The number is the only member of an IdStamp, but it has no accessor.
+/// The number is the only member of an IdStamp, so the object begins with it. It has no accessor.
 unsigned numberIn(const IdStamp& stamp)
 {
   static_assert(sizeof(IdStamp) == sizeof(unsigned) && std::is_standard_layout_v<IdStamp>);
-  unsigned number = 0;
-  std::memcpy(&number, &stamp, sizeof number);
-  return number;
+  return reinterpret_cast<const unsigned&>(stamp);
 }
 
 } // namespace

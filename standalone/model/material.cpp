@@ -24,7 +24,7 @@ Cookie importMaterial(const Material& material)
   for (const auto& [key, member] : shotTexts)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
-  const Cookie cookie = project.create(std::move(log)).cookie;
+  Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
 }

@@ -103,7 +103,7 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
   const List list = readWhole(event("001", "A V C") +
                               "M2X\nHELLO\nFINAL CUT PRO REEL: 006-I\n>>> SOURCE\n>>> OTHER\n"
                               "O02 B V C " +
-                              kTimecodes + "\n");
+                              anyTimecodes + "\n");
   ASSERT_EQ(list.rejected.size(), 6u);
   const std::string unknown = "not an event, a note or a known statement";
   EXPECT_EQ(list.rejected[0].reason, unknown);
@@ -116,7 +116,7 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
 
 TEST(Edl, EventWithoutANumberIsNotAHeader)
 {
-  const List list = readWhole("TITLE: X\nO01 B V C " + kTimecodes + "\n" + event("002", "A V C"));
+  const List list = readWhole("TITLE: X\nO01 B V C " + anyTimecodes + "\n" + event("002", "A V C"));
   ASSERT_EQ(list.rejected.size(), 1u);
   EXPECT_EQ(list.rejected[0].reason, "no event number");
 }
@@ -342,7 +342,7 @@ TEST(Edl, ControlCharactersInNamesCostTheirEvent)
   EXPECT_EQ(reels(list), Strings{"B"});
   ASSERT_EQ(list.rejected.size(), 6u);
   EXPECT_EQ(list.rejected[0].line, 2);
-  EXPECT_EQ(list.rejected[0].text, "001  A\\x01B V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].text, "001  A\\x01B V C " + anyTimecodes);
   EXPECT_EQ(list.rejected[0].reason, "reel 'A\\x01B' holds a control character (\\x01)");
   EXPECT_EQ(list.rejected[1].reason, "reel '\\x1b[31mA' holds a control character (\\x1b)");
   EXPECT_EQ(list.rejected[2].line, 4);
@@ -389,7 +389,7 @@ TEST(Edl, NamesOfMoreThan2047BytesCostTheirEvent)
   EXPECT_EQ(list.clips.size(), 1u);
   ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].line, 1);
-  EXPECT_EQ(list.rejected[0].text, "001  AX V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].text, "001  AX V C " + anyTimecodes);
   EXPECT_EQ(list.rejected[0].reason, "source file '" + std::string(40, 'f') + "...' has 2048 bytes (at most 2047)");
   EXPECT_EQ(list.rejected[1].line, 5);
   EXPECT_EQ(list.rejected[1].reason, "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");

@@ -47,7 +47,7 @@ void expectSame(const List& list, const std::vector<Clip>& clips)
 
 void expectRoundTrips(const std::vector<Clip>& clips)
 {
-  for (const std::size_t field : kReelFields) {
+  for (const std::size_t field : reelFields) {
     SCOPED_TRACE(field);
     const Written written = writeEdl("TEST", clips, field);
     EXPECT_EQ(written.clips, clips.size());
