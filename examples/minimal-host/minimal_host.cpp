@@ -322,15 +322,10 @@ CookieVec projdb::search(unsigned, unsigned) {
   return logsWhere([](const Log& log) { return log.type == codes::reelLog; });
 }
 
-/// What a search asks for. Only a member of Map may look behind it; the friend is how the search does.
+/// What a search asks for.
 struct LogAttributes::Map::Impl {
   Text reelId;
-  static const Text& of(const Map& map) { return map.impl_->reelId; }
-  friend const Text& reelIdIn(const Map& map) { return of(map); }
 };
-namespace LogAttributes {
-const Text& reelIdIn(const Map& map);
-}
 LogAttributes::Map::Map() : impl_(new Impl) {}
 LogAttributes::Map::Map(const Map& other) : impl_(new Impl(*other.impl_)) {}
 LogAttributes::Map& LogAttributes::Map::operator=(const Map& other) {
@@ -344,7 +339,7 @@ projdb::SearchCriteria::SearchCriteria() : first(0), second(0) {}
 // The shots of a reel. What is found is deleted with the reel: so never a reel itself, and nothing at all for the empty
 // identifier, which every log without a reel would match.
 CookieVec projdb::search(const SearchCriteria& criteria) {
-  const Text& id = reelIdIn(criteria.attributes);
+  const Text& id = criteria.attributes.impl()->reelId;
   return logsWhere([&](const Log& log) {
     return !id.empty() && log.type != codes::reelLog && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
   });

@@ -45,8 +45,10 @@ public:
   void set(const char* key, const char* value, const char* third);
   void set(const char* key, const strp_field& value); ///< likewise; the field holds a text
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which saves and loads the keys
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 

@@ -115,6 +115,7 @@ public:
   IdStamp(const IdStamp&);
   IdStamp& operator=(const IdStamp&);
   bool valid() const; ///< whether the value is not 0; the device need not exist
+  unsigned value() const { return value_; }
 
 private:
   unsigned value_;

@@ -28,8 +28,10 @@ public:
   LightweightString<wchar_t> getLabelMapping() const; ///< the configured label map; may be empty
   void setLastReel(LightweightString<char>);          ///< sets the identifier of the reel last used on the device
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which makes and stores configurations
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 

@@ -42,8 +42,10 @@ public:
   /// Adds a required attribute value. A search for the empty identifier finds nothing.
   void add(eLogAttribute, LightweightString<char> value);
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which searches by it
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 } // namespace LogAttributes
