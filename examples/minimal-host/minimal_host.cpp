@@ -27,6 +27,9 @@
 #include "host/project.h"
 #include "host/text.h"
 
+// Weak, so that this host can be linked with -z defs, and loaded where the library is not.
+extern int glib_pid __attribute__((weak));
+
 using Text = LightweightString<char>;
 using WideText = LightweightString<wchar_t>;
 
@@ -178,7 +181,10 @@ int co_pid() {
   thread_local const int own = ++last;
   return own;
 }
-void minimal_host::startUp() { glib_pid = co_pid() & codes::threadMask; } // masked, as the library compares it
+void minimal_host::startUp() {
+  if (&glib_pid)
+    glib_pid = co_pid() & codes::threadMask; // masked, as the library compares it
+}
 
 void defer(const Zr::Ptr<iExecutableAction>& action) {
   const std::lock_guard lock(state().mutex);

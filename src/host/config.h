@@ -8,6 +8,9 @@
 
 #include "lwstring.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// A text field that may hold no text. Each copy has its own text. Throws std::bad_alloc when there is no memory; the
 /// field then keeps its text.
 class strp_field {
@@ -77,5 +80,7 @@ public:
 /// The folder of device data files. The path ends in a separator; the folder need not exist. Called with
 /// codes::deviceData. Callable while loading.
 LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType);
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,6 +11,9 @@
 #include "lwstring.h"
 #include "refcount.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 namespace Zr {
 /// Sixteen bytes that identify one object for good.
 class UUID {
@@ -120,5 +123,7 @@ public:
 private:
   unsigned value_;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -13,6 +13,9 @@
 #include "lwstring.h"
 #include "refcount.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// How a log is opened.
 enum eEditOpenBehaviour : int {};
 /// What was done to a log.
@@ -133,5 +136,7 @@ public:
 private:
   Edit* edit_;
 };
+
+#pragma GCC visibility pop
 
 #endif
