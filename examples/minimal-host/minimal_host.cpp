@@ -27,6 +27,9 @@
 #include "host/project.h"
 #include "host/text.h"
 
+// Weak, so that this host can be linked with -z defs, and loaded where the library is not.
+extern int glib_pid __attribute__((weak));
+
 using Text = LightweightString<char>;
 using WideText = LightweightString<wchar_t>;
 
@@ -179,7 +182,10 @@ int co_pid() {
   thread_local const int own = ++last;
   return own;
 }
-void minimal_host::startUp() { glib_pid = co_pid() & codes::threadMask; } // masked, as the library compares it
+void minimal_host::startUp() {
+  if (&glib_pid)
+    glib_pid = co_pid() & codes::threadMask; // masked, as the library compares it
+}
 
 void defer(const Zr::Ptr<iExecutableAction>& action) {
   const std::lock_guard lock(state().mutex);
@@ -324,15 +330,10 @@ CookieVec projdb::search(unsigned, unsigned) {
   return logsWhere([](const Log& log) { return log.type == codes::reelLog; });
 }
 
-/// The conditions of a search. Only members of Map can reach them; the friend gives the search access.
+/// The conditions of a search.
 struct LogAttributes::Map::Impl {
   Text reelId;
-  static const Text& of(const Map& map) { return map.impl_->reelId; }
-  friend const Text& reelIdIn(const Map& map) { return of(map); }
 };
-namespace LogAttributes {
-const Text& reelIdIn(const Map& map);
-}
 LogAttributes::Map::Map() : impl_(new Impl) {}
 LogAttributes::Map::Map(const Map& other) : impl_(new Impl(*other.impl_)) {}
 LogAttributes::Map& LogAttributes::Map::operator=(const Map& other) {
@@ -348,7 +349,7 @@ projdb::SearchCriteria::SearchCriteria() : first(0), second(0) {}
 // The shots of a reel. All found logs are deleted with the reel. So a reel itself is never found, and the empty
 // identifier, which every log without a reel has, finds nothing.
 CookieVec projdb::search(const SearchCriteria& criteria) {
-  const Text& id = reelIdIn(criteria.attributes);
+  const Text& id = criteria.attributes.impl()->reelId;
   return logsWhere([&](const Log& log) {
     return !id.empty() && log.type != codes::reelLog && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
   });

@@ -13,6 +13,7 @@
 
 #include "host_check/dynamic_symbols.h"
 #include "host_check/report.h"
+#include "host_check/stubs.h"
 
 namespace {
 
@@ -92,25 +93,38 @@ int main(int argc, char** argv)
       "reeldb-host-check");
   std::vector<std::string> hosts;
   std::string library;
-  bool json = false;
+  bool json = false, list = false, stubs = false;
   app.add_option("LIB", hosts, "the libraries that the host consists of; also a program that is a host")
-      ->required()
       ->type_name("");
   app.add_option("--library", library, "the reel database; by default the one of this program's installation")
       ->type_name("FILE");
   app.add_flag("--json", json, "report as JSON");
-  app.footer("Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.");
+  app.add_flag("--list", list,
+               "list the missing symbols and nothing else; without LIB, all symbols that a host has to provide");
+  app.add_flag("--stubs", stubs,
+               "print a C++ source with a stub for each operation of every class of which something is missing; "
+               "without LIB, for a complete host");
+  app.footer("Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"
+             "A list and stubs that could be printed give 0.");
   try {
     app.parse(argc, argv);
+    if (hosts.empty() && !list && !stubs)
+      throw CLI::RequiredError("LIB");
+    if (stubs && (json || list))
+      throw CLI::ExcludesError("--stubs", json ? "--json" : "--list");
   } catch (const CLI::ParseError& e) {
     return app.exit(e) == 0 ? allThere : notChecked;
   }
   try {
     const host_check::Report report = check(library.empty() ? libraryBeside() : fs::path(library), hosts);
-    std::fputs((json ? asJson(report) : asText(report)).c_str(), stdout);
+    const std::string text = stubs  ? stubsFor(report.unmet)
+                             : json ? asJson(report)
+                             : list ? asList(report)
+                                    : asText(report);
+    std::fputs(text.c_str(), stdout);
     if (std::fflush(stdout) != 0)
       throw std::runtime_error("standard output: cannot be written");
-    return report.unmet.empty() ? allThere : somethingMissing;
+    return report.unmet.empty() || list || stubs ? allThere : somethingMissing;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "reeldb-host-check: %s\n", e.what());
     return notChecked;

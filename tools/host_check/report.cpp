@@ -66,6 +66,15 @@ std::string asText(const Report& report)
   return text;
 }
 
+std::string asList(const Report& report)
+{
+  const Signatures signatures(report.unmet);
+  std::string text;
+  for (const Unmet& unmet : report.unmet)
+    text += signatures.of(unmet.symbol) + "\n";
+  return text;
+}
+
 std::string asJson(const Report& report)
 {
   using nlohmann::ordered_json;

@@ -20,6 +20,7 @@ struct Report {
 };
 
 std::string asText(const Report& report); ///< for people; ends in a newline
+std::string asList(const Report& report); ///< what is unmet, one signature per line
 std::string asJson(const Report& report); ///< one object, with a newline at its end
 
 } // namespace host_check

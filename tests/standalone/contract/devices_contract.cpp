@@ -185,6 +185,7 @@ TEST_P(Devices, AMessageNamesItsDevice)
   HOST_NEEDS(Devices);
   const IdStamp known = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(42));
   EXPECT_TRUE(known.valid());
+  EXPECT_EQ(known.value(), 42u);
   const IdStamp none = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(0));
   EXPECT_FALSE(none.valid());
 }

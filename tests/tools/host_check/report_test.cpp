@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 using host_check::asJson;
+using host_check::asList;
 using host_check::asText;
 using host_check::Report;
 
@@ -42,6 +43,11 @@ TEST(Report, WhatIsMissingComesBeforeWhatIsDifferent)
                                  "  Edit::isImported() const\n"
                                  "      found: Edit::isImported()\n"
                                  "not checked: libh.so needs libv.so (name it, too, if it is a part of the host)\n");
+}
+
+TEST(Report, AListIsWhatIsUnmetLineByLine)
+{
+  EXPECT_EQ(asList(withUnmet()), "co_pid()\nEdit::isImported() const\n");
 }
 
 TEST(Report, OneIsOne)
