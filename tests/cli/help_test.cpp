@@ -171,7 +171,7 @@ TEST_F(Help, OfAnUnknownCommandIsAnErrorWithAGuess)
 TEST_F(Help, DocumentsTheExitCodes)
 {
   const std::string text = help({});
-  for (const char* line : {"  0  done\n", "  1  nothing found, or refused\n", "  2  the command line makes no sense\n",
+  for (const char* line : {"  0  done\n", "  1  nothing found, or refused\n", "  2  the command line is wrong\n",
                            "  3  damaged or unreadable data", "  4  done, but some input lines were rejected\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line;
 }

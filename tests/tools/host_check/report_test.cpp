@@ -54,7 +54,7 @@ TEST(Report, OneIsOne)
 {
   Report report = withUnmet();
   report.unmet.pop_back();
-  EXPECT_EQ(asText(report).substr(0, 76),
+  EXPECT_EQ(asText(report).substr(0, 78),
             "lib/libreeldb.so.14: needs 10 symbols from a host, and 1 of them is not there\n");
 }
 
