@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Results of operations as JSON, and back: for reports, for export, and for other programs. A key is never removed and
-// never changes its name, type or meaning; keys may be added.
+// never changes its name, type or meaning; keys may be added. Sentences for people ("reason", "why") may be reworded.
 #ifndef REELDB_APP_JSON_JSON_H
 #define REELDB_APP_JSON_JSON_H
 

@@ -21,7 +21,7 @@ struct Listeners {
   }
 
   template <class Event>
-  void tell(const Event& event)
+  void notify(const Event& event)
   {
     ++events;
     std::exception_ptr first;
@@ -78,22 +78,22 @@ namespace reelhost::model {
 
 void notifyProjectEntry()
 {
-  listeners().tell([](ProjectListener& listener) { listener.handleProjectEntry(); });
+  listeners().notify([](ProjectListener& listener) { listener.handleProjectEntry(); });
 }
 
 void notifyProjectExit()
 {
-  listeners().tell([](ProjectListener& listener) { listener.handleProjectExit(); });
+  listeners().notify([](ProjectListener& listener) { listener.handleProjectExit(); });
 }
 
 void notifyLogModification(const Cookie& log, const EditModification& modification)
 {
-  listeners().tell([&](ProjectListener& listener) { listener.handleLogModification(log, modification); });
+  listeners().notify([&](ProjectListener& listener) { listener.handleLogModification(log, modification); });
 }
 
 void notifyLogsDeletion(const CookieVec& logs)
 {
-  listeners().tell([&](ProjectListener& listener) { listener.handleLogsDeletion(logs, {}); });
+  listeners().notify([&](ProjectListener& listener) { listener.handleLogsDeletion(logs, {}); });
 }
 
 } // namespace reelhost::model
