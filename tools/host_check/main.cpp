@@ -94,8 +94,7 @@ int main(int argc, char** argv)
   std::vector<std::string> hosts;
   std::string library;
   bool json = false, list = false, stubs = false;
-  app.add_option("LIB", hosts, "the libraries that the host consists of; also a program that is a host")
-      ->type_name("");
+  app.add_option("LIB", hosts, "the libraries that the host consists of; also a program that is a host")->type_name("");
   app.add_option("--library", library, "the reel database; by default the one of this program's installation")
       ->type_name("FILE");
   app.add_flag("--json", json, "report as JSON");
