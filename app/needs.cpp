@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <unordered_map>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -32,7 +33,13 @@ std::vector<std::string> troublesOf(const std::optional<Reel>& reel)
 
 class Needs {
 public:
-  explicit Needs(Session& session) : manager_(session.manager()) {}
+  /// Looks over the reels once: asking the library opens every log for every need.
+  explicit Needs(Session& session)
+  {
+    for (const Cookie& log : session.manager().reelList)
+      if (const std::string id = text(ReelDbRec(log).reelId()); !id.empty())
+        reels_.try_emplace(base::fold(id), log);
+  }
 
   void addShot(const std::string& reelId)
   {
@@ -49,15 +56,15 @@ private:
   Need lookUp(const std::string& reelId)
   {
     Need need{reelId, 0, std::nullopt, {}};
-    if (const ReelDbRec record = manager_.getReelInfo(hostText(reelId)); record.valid()) {
-      need.reel = readReel(record, {});
+    if (const auto found = reels_.find(base::fold(reelId)); found != reels_.end()) {
+      need.reel = readReel(ReelDbRec(found->second), {});
       need.id = need.reel->id;
     }
     need.troubles = troublesOf(need.reel);
     return need;
   }
 
-  ReelDbManager& manager_;
+  std::unordered_map<std::string, Cookie> reels_; ///< by folded identifier, as are the places
   std::map<std::string, std::size_t> places_;
   std::vector<Need> needs_;
 };

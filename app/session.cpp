@@ -56,7 +56,8 @@ std::string chosenProject(const std::optional<std::string>& asked)
     std::error_code none;
     if (!std::filesystem::exists(facility.projectFile(name), none))
       throw Error(ErrorKind::NotFound,
-                  fmt::format("{}: no such project ({})", base::shortText(name), projectsThereAre(facility)));
+                  fmt::format("{}: no such project ({}{})", base::shortText(name),
+                              asked ? "" : "default_project in facility.toml names it; ", projectsThereAre(facility)));
     return name;
   });
 }

@@ -165,7 +165,7 @@ void imports(Table& table)
             {},
             {}};
     if (clips == 1000)
-      row.target = 2;
+      row.target = 4;
     table.add(std::move(row));
   }
 }

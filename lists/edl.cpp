@@ -147,6 +147,8 @@ void Reader::line(int number, std::string_view line)
   Tally& tally = collector_.list().tally;
   if (isNote(line)) {
     ++tally.notes;
+    if (reportsProblem(line))
+      collector_.warn(number, line, "the program that wrote the list reports a problem with the event above");
     takeNote(notes_.line(line));
     return;
   }

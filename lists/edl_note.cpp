@@ -136,6 +136,11 @@ bool isNote(std::string_view line)
   return trimLeft(line).starts_with('*');
 }
 
+bool reportsProblem(std::string_view line)
+{
+  return base::startsWithName(trim(afterStar(line)), "PROBLEM WITH EDIT");
+}
+
 std::optional<Note> NoteJoiner::line(std::string_view line)
 {
   const std::string_view text = afterStar(line);

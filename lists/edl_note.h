@@ -38,6 +38,9 @@ bool saysNothing(std::string_view value);
 /// Whether the line is a note. Blanks may stand before the star.
 bool isNote(std::string_view line);
 
+/// Whether the note says that the program that wrote the list had a problem with the event: PROBLEM WITH EDIT.
+bool reportsProblem(std::string_view line);
+
 /// Joins notes that were wrapped at column 80, in the middle of a word or between two words.
 ///
 /// A line of 60 columns or more goes on in the next line if that starts with "* ", opens no note of its own, and its

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
 #include <string>
 
+#include "base/display_text.h"
 #include "lists/ale.h"
 #include "lists/detect.h"
 #include "lists/edl.h"
@@ -9,6 +11,50 @@
 #include "lists/text.h"
 
 namespace reeldb::lists {
+
+namespace {
+
+/// What the file is instead, as far as its start and a few words say.
+std::string_view whatElse(std::string_view bytes, std::string_view text)
+{
+  const auto has = [text](std::string_view word) { return text.find(word) != std::string_view::npos; };
+  if (bytes.starts_with("\xD0\xCF\x11\xE0"))
+    return "it is a compound file, as AAF files are";
+  if (has(std::string_view("\0", 1)))
+    return "it holds binary data";
+  text = trim(text);
+  if (text.starts_with('<'))
+    return has("<xmeml") ? "it is XML: xmeml" : has("<fcpxml") ? "it is XML: FCPXML" : "it is XML";
+  if (text.starts_with('{') || text.starts_with('['))
+    return has("\"OTIO_SCHEMA\"") ? "it is JSON: OTIO" : "it is JSON";
+  const std::string_view first = text.substr(0, text.find_first_of("\r\n"));
+  for (const char separator : {',', ';', '\t'})
+    if (std::count(first.begin(), first.end(), separator) >= 2)
+      return "it looks like a table: CSV or the like";
+  return "it has no event line and no Heading or Column";
+}
+
+/// Warns of the first line that a character of 0x80 to 0x9F is in: where other encodings have letters and quotation
+/// marks, Latin-1 has control characters.
+void warnOfEncoding(std::string_view text, List& list)
+{
+  Lines lines(text);
+  for (std::string_view line; lines.next(line);)
+    for (std::size_t at = line.find('\xC2'); at != std::string_view::npos; at = line.find('\xC2', at + 1)) {
+      const auto second = static_cast<unsigned char>(at + 1 < line.size() ? line[at + 1] : 0);
+      if (second < 0x80 || second > 0x9F)
+        continue;
+      const auto after = std::upper_bound(list.warnings.begin(), list.warnings.end(), lines.number(),
+                                          [](int number, const Warning& warning) { return number < warning.line; });
+      list.warnings.insert(after,
+                           {lines.number(), shortened(trim(line), kShownBytes),
+                            "holds " + base::displayText(line.substr(at, 2)) +
+                                ", a control character (the file may be Windows-1252 or MacRoman; save it as UTF-8)"});
+      return;
+    }
+}
+
+} // namespace
 
 std::optional<Format> detect(std::string_view bytes)
 {
@@ -20,16 +66,14 @@ List read(std::string_view bytes)
   const std::string text = decode(bytes);
   if (trim(text).empty())
     throw Error("holds no text");
-  const std::optional<Format> format = detectText(text);
-  if (format == Format::Edl)
-    return readEdl(text);
-  if (format == Format::Ale)
-    return readAle(text);
+  if (const std::optional<Format> format = detectText(text)) {
+    List list = format == Format::Edl ? readEdl(text) : readAle(text);
+    warnOfEncoding(text, list);
+    return list;
+  }
   if (isUnmarkedUtf16(bytes))
     throw Error("UTF-16 without a byte order mark (save it as UTF-8)");
-  const bool binary = text.find('\0') != std::string::npos;
-  throw Error(binary ? "neither a cut list (EDL) nor a log file (ALE) (it holds binary data)"
-                     : "neither a cut list (EDL) nor a log file (ALE) (it has no event line and no Heading or Column)");
+  throw Error("neither a cut list (EDL) nor a log file (ALE) (" + std::string(whatElse(bytes, text)) + ")");
 }
 
 } // namespace reeldb::lists

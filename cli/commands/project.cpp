@@ -28,7 +28,8 @@ ExitCode makeNew(const NewOptions& options)
   changesAreStored();
   print(fmt::format("project {} made ({} fps)\n", displayText(options.name), rate));
   if (options.name != app::defaultProject())
-    print(fmt::format("next: reeldb -p {} import FILE...\n", shellWord(options.name)));
+    print(fmt::format("next: reeldb -p {} import FILE...; default_project in facility.toml makes -p unnecessary\n",
+                      shellWord(options.name)));
   return done;
 }
 

@@ -19,9 +19,20 @@ protected:
   }
 };
 
+TEST_F(ProjectCommand, DefaultThatIsNotThereIsReportedWithTheFileThatNamesIt)
+{
+  dir_.write("facility.toml", "[facility]\ndefault_project = \"gone\"\n");
+  const ProcessResult result = reeldb({"list"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: gone: no such project (default_project in facility.toml names it; this facility has: "
+                        "main)\n");
+}
+
 TEST_F(ProjectCommand, NewProjectIsEmptyAndHasTheUsualRate)
 {
-  EXPECT_EQ(output({"project", "new", "film"}), "project film made (25 fps)\nnext: reeldb -p film import FILE...\n");
+  EXPECT_EQ(output({"project", "new", "film"}),
+            "project film made (25 fps)\n"
+            "next: reeldb -p film import FILE...; default_project in facility.toml makes -p unnecessary\n");
   EXPECT_EQ(project("film"), Json::parse(R"({"name": "film", "default": false, "rate": "25", "rate_code": 3})"));
   EXPECT_EQ(json({"list", "--json", "-p", "film"}), Json::array());
 }
@@ -82,7 +93,8 @@ TEST_F(ProjectCommand, ProjectOfAnOddNameIsFound)
 TEST_F(ProjectCommand, HintIsReadyToBeTyped)
 {
   EXPECT_EQ(output({"project", "new", "my film's"}),
-            "project my film's made (25 fps)\nnext: reeldb -p 'my film'\\''s' import FILE...\n");
+            "project my film's made (25 fps)\nnext: reeldb -p 'my film'\\''s' import FILE...; default_project in "
+            "facility.toml makes -p unnecessary\n");
   EXPECT_EQ(json({"-p", "my film's", "list", "--json"}), Json::array());
 }
 

@@ -179,4 +179,12 @@ TEST(NoteJoiner, NothingToFlushTwice)
   EXPECT_FALSE(joiner.flush());
 }
 
+TEST(ReportsProblem, OfNotesThatSayItOnly)
+{
+  EXPECT_TRUE(reportsProblem("* PROBLEM WITH EDIT: CLIP HAD NO REEL NAME."));
+  EXPECT_TRUE(reportsProblem("  *problem with edit"));
+  EXPECT_FALSE(reportsProblem("* COMMENT: PROBLEM WITH EDIT"));
+  EXPECT_FALSE(reportsProblem("* FROM CLIP NAME: PROBLEM WITH EDIT"));
+}
+
 } // namespace

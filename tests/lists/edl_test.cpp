@@ -445,6 +445,17 @@ TEST(Edl, SourceRowsOfWhichNoUseCanBeMadeAreRejected)
   EXPECT_EQ(list.tally.headers, 0);
 }
 
+TEST(Edl, AProblemThatTheWriterReportsIsAWarning)
+{
+  const List list = readWhole("001  R V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                              "* PROBLEM WITH EDIT: CLIP HAD NO REEL NAME.\n");
+  ASSERT_EQ(list.warnings.size(), 1u);
+  EXPECT_EQ(list.warnings[0].line, 2);
+  EXPECT_EQ(list.warnings[0].text, "* PROBLEM WITH EDIT: CLIP HAD NO REEL NAME.");
+  EXPECT_EQ(list.warnings[0].reason, "the program that wrote the list reports a problem with the event above");
+  EXPECT_EQ(list.clips.size(), 1u);
+}
+
 TEST(Edl, AWrappedClipNameIsWhole)
 {
   std::string note = "* FROM CLIP NAME:  ";

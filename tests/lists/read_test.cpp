@@ -39,6 +39,38 @@ TEST(Read, NeitherFormatIsAnError)
             "neither a cut list (EDL) nor a log file (ALE) (it holds binary data)");
 }
 
+TEST(Read, OtherFormatsAreNamed)
+{
+  const auto fact = [](std::string_view bytes) {
+    const std::string all = failure(bytes);
+    const std::string start = "neither a cut list (EDL) nor a log file (ALE) (";
+    return all.rfind(start, 0) == 0 ? all.substr(start.size(), all.size() - start.size() - 1) : all;
+  };
+  EXPECT_EQ(fact("<?xml version=\"1.0\"?>\n<!DOCTYPE xmeml>\n<xmeml version=\"5\">"), "it is XML: xmeml");
+  EXPECT_EQ(fact("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<fcpxml version=\"1.9\">"), "it is XML: FCPXML");
+  EXPECT_EQ(fact("<html>"), "it is XML");
+  EXPECT_EQ(fact("{\n  \"OTIO_SCHEMA\": \"Timeline.1\"}"), "it is JSON: OTIO");
+  EXPECT_EQ(fact("[1]"), "it is JSON");
+  EXPECT_EQ(fact(std::string_view("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1\0\0", 10)),
+            "it is a compound file, as AAF files are");
+  for (const char* table : {"reel,type,bin\nA001,Tape 2ch,3\n", "reel;type;bin", "reel\ttype\tbin\n"})
+    EXPECT_EQ(fact(table), "it looks like a table: CSV or the like");
+  EXPECT_EQ(fact("Dear Anna, here they are."), "it has no event line and no Heading or Column");
+}
+
+TEST(Read, ControlCharacterOfLatin1IsWarnedOfOnce)
+{
+  const List list = read(event("001", "CAF\x83 V C") + event("002", "B002 V C") + "* FROM CLIP NAME: Anna\x92s\n");
+  ASSERT_EQ(list.warnings.size(), 1u);
+  EXPECT_EQ(list.warnings[0].line, 1);
+  EXPECT_EQ(list.warnings[0].text.substr(0, 15), "001 CAF\\u0083 V");
+  EXPECT_EQ(list.warnings[0].reason,
+            "holds \\u0083, a control character (the file may be Windows-1252 or MacRoman; save it as UTF-8)");
+  EXPECT_EQ(list.clips.size(), 2u);
+  EXPECT_TRUE(read(event("001", "M\xDCLLER\xA0 V C")).warnings.empty());
+  EXPECT_TRUE(read(event("001", "M\xC3\x9CLLER V C")).warnings.empty());
+}
+
 TEST(Read, Utf16WithoutAMarkSaysWhatToDo)
 {
   std::string bytes;
