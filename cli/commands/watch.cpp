@@ -32,9 +32,9 @@ std::string lineOf(const app::ReelEvent& event)
 {
   std::string line(wordOf(event.what));
   if (!event.reel.empty())
-    line += " " + displayText(event.reel);
+    line.append(" ").append(displayText(event.reel));
   if (event.what == app::ReelEvent::What::Renamed)
-    line += " from " + displayText(event.from);
+    line.append(" from ").append(displayText(event.from));
   return line + "\n";
 }
 

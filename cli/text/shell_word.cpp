@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include <fmt/format.h>
+
 #include "base/display_text.h"
 
 namespace reeldb::cli {
@@ -30,10 +32,10 @@ std::string replaced(std::string_view text, char what, std::string_view with)
 std::string shellWord(std::string_view text)
 {
   if (base::displayText(text) != text)
-    return "$'" + replaced(base::displayText(replaced(text, '\\', "\\\\")), '\'', "\\'") + "'";
+    return fmt::format("$'{}'", replaced(base::displayText(replaced(text, '\\', "\\\\")), '\'', "\\'"));
   if (!text.empty() && std::all_of(text.begin(), text.end(), isHarmless))
     return std::string(text);
-  return "'" + replaced(text, '\'', "'\\''") + "'";
+  return fmt::format("'{}'", replaced(text, '\'', "'\\''"));
 }
 
 } // namespace reeldb::cli
