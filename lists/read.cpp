@@ -47,7 +47,7 @@ void warnOfEncoding(std::string_view text, List& list)
       const auto after = std::upper_bound(list.warnings.begin(), list.warnings.end(), lines.number(),
                                           [](int number, const Warning& warning) { return number < warning.line; });
       list.warnings.insert(after,
-                           {lines.number(), shortened(trim(line), kShownBytes),
+                           {lines.number(), shortened(trim(line), shownBytes),
                             "holds " + base::displayText(line.substr(at, 2)) +
                                 ", a control character (the file may be Windows-1252 or MacRoman; save it as UTF-8)"});
       return;
