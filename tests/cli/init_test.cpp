@@ -90,7 +90,7 @@ TEST_F(Init, HintIsReadyToBeTyped)
                                                                                      {"plain-1.2", "plain-1.2"},
                                                                                      {"a\x1b\n", "$'a\\x1b\\n'"}}) {
     const std::string text = output({"init", folder});
-    EXPECT_NE(text.find("\nnext: cd " + word + " and reeldb import"), std::string::npos) << text;
+    EXPECT_NE(text.find("\nnext: cd " + word + ", then reeldb import"), std::string::npos) << text;
   }
 }
 
