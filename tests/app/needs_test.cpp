@@ -32,7 +32,7 @@ TEST_F(Needs, ReelIsFoundInAnyCase)
   ASSERT_EQ(needs.size(), 2u);
   EXPECT_EQ(needs[0].id, "B002");
   EXPECT_EQ(needs[0].shots, 2u);
-  EXPECT_EQ(needs[0].state(), "ready");
+  EXPECT_TRUE(needs[0].reel);
   EXPECT_EQ(needs[1].id, "X");
   EXPECT_EQ(needs[1].state(), "missing");
 }

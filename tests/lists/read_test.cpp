@@ -63,7 +63,7 @@ TEST(Read, ControlCharacterOfLatin1IsWarnedOfOnce)
   const List list = read(event("001", "CAF\x83 V C") + event("002", "B002 V C") + "* FROM CLIP NAME: Anna\x92s\n");
   ASSERT_EQ(list.warnings.size(), 1u);
   EXPECT_EQ(list.warnings[0].line, 1);
-  EXPECT_EQ(list.warnings[0].text.substr(0, 15), "001 CAF\\u0083 V");
+  EXPECT_EQ(list.warnings[0].text.substr(0, 16), "001  CAF\\u0083 V");
   EXPECT_EQ(list.warnings[0].reason,
             "holds \\u0083, a control character (the file may be Windows-1252 or MacRoman; save it as UTF-8)");
   EXPECT_EQ(list.clips.size(), 2u);
