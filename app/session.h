@@ -11,7 +11,11 @@ class ReelDbManager;
 
 namespace reeldb::app {
 
-/// The name of the project to work on: @p asked, else the facility's default. Throws Error (Refused), which lists the
+/// The environment variable that names the project to work on.
+inline constexpr const char* projectVariable = "REELDB_PROJECT";
+
+/// The name of the project to work on: @p asked, else the one in projectVariable unless that is empty, else the
+/// facility's default. Throws Error (Refused), which lists the
 /// projects there are, when there is no default or no project of that name.
 std::string chosenProject(const std::optional<std::string>& asked);
 

@@ -95,12 +95,15 @@ void addProject(CommandLine& line)
   const Command group = line.addGroup("project", "Make, list, check or compact projects", "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
-  Command making = line.add(group,
-                            {.name = "new",
-                             .description = "Make a project",
-                             .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
-                             .details = "facility.toml may name further frame rates, and the default project."},
-                            [newOptions](const Globals&) { return makeNew(*newOptions); });
+  Command making =
+      line.add(group,
+               {.name = "new",
+                .description = "Make a project",
+                .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
+                .details = "A frame rate is a name or a code of the facility, or another way to write it: 23.976 or\n"
+                           "24000/1001 is 23.98. facility.toml may name further frame rates, and the\n"
+                           "default project."},
+               [newOptions](const Globals&) { return makeNew(*newOptions); });
   making.text("NAME", newOptions->name, "Its name, which is also that of its file").required().shownAs("");
   making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} unless given", app::usualFrameRate))
       .shownAs("CODE|NAME");

@@ -34,6 +34,22 @@ TEST_F(ProjectCommand, RateIsTakenByNameAndByCode)
   EXPECT_EQ(project("a").at("rate"), "29.97");
 }
 
+TEST_F(ProjectCommand, RateWrittenAnotherWayIsTheOneThatHasAName)
+{
+  EXPECT_EQ(output({"project", "new", "a", "--rate", "23.976"}).substr(0, 27), "project a made (23.98 fps)\n");
+  EXPECT_EQ(output({"project", "new", "b", "--rate", "30000/1001"}).substr(0, 27), "project b made (29.97 fps)\n");
+  EXPECT_EQ(output({"project", "new", "c", "--rate", "24.00"}).substr(0, 24), "project c made (24 fps)\n");
+}
+
+TEST_F(ProjectCommand, RateThatTheFacilityLacksIsRefusedHoweverItIsWritten)
+{
+  EXPECT_EQ(reeldb({"project", "new", "a", "--rate", "119.88"}).code, 2);
+  std::string toml = readFile("facility.toml");
+  toml.replace(toml.find("\"60\" = 10"), 9, "\"60\" = 10\n\"119.88\" = 40");
+  dir_.write("facility.toml", toml);
+  EXPECT_EQ(output({"project", "new", "a", "--rate", "119.880"}).substr(0, 28), "project a made (119.88 fps)\n");
+}
+
 TEST_F(ProjectCommand, UnknownRateIsAUsageErrorThatNamesTheRates)
 {
   const ProcessResult result = reeldb({"project", "new", "film", "--rate", "26"});
@@ -161,6 +177,54 @@ TEST_F(ProjectCommand, CheckOfNoProjectIsRefused)
   const ProcessResult result = reeldb({"-p", "nosuch", "project", "check"});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.err.find("nosuch: no such project"), std::string::npos) << result.err;
+}
+
+class ProjectVariable : public ProjectCommand {
+protected:
+  void SetUp() override
+  {
+    ProjectCommand::SetUp();
+    output({"project", "new", "film"});
+    output({"project", "new", "promo"});
+    output({"-p", "film", "create", "F1"});
+    output({"-p", "promo", "create", "P1"});
+  }
+
+  /// What the command prints while REELDB_PROJECT has this value.
+  ProcessResult with(const std::string& project, const Words& words)
+  {
+    ProcessSetting setting = setting_;
+    setting.environment["REELDB_PROJECT"] = project;
+    return reeldb(words, setting);
+  }
+};
+
+TEST_F(ProjectVariable, NamesTheProjectThatEachCommandWorksOn)
+{
+  EXPECT_EQ(Json::parse(with("film", {"list", "--json"}).out).at(0).at("id"), "F1");
+  EXPECT_EQ(with("promo", {"create", "P2"}).code, 0);
+  EXPECT_EQ(json({"-p", "promo", "list", "--json"}).size(), 2u);
+  EXPECT_EQ(json({"list", "--json"}), Json::array());
+}
+
+TEST_F(ProjectVariable, OptionGoesBeforeIt)
+{
+  EXPECT_EQ(Json::parse(with("film", {"-p", "promo", "list", "--json"}).out).at(0).at("id"), "P1");
+}
+
+TEST_F(ProjectVariable, EmptyOneIsAsIfItWereNotThere)
+{
+  EXPECT_EQ(with("", {"list", "--json"}).out, output({"list", "--json"}));
+}
+
+TEST_F(ProjectVariable, ProjectThatIsNotThereIsReportedWithTheVariable)
+{
+  const ProcessResult result = with("nosuch", {"list"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: nosuch: no such project (REELDB_PROJECT names it; this facility has: film, main, "
+                        "promo)\n");
+  EXPECT_EQ(reeldb({"-p", "nosuch", "list"}).err,
+            "reeldb: nosuch: no such project (this facility has: film, main, promo)\n");
 }
 
 } // namespace
