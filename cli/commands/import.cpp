@@ -91,6 +91,8 @@ void addImport(CommandLine& line)
            "becomes a shot; one with the same reel, clip name, source in, source out and tracks as another is\n"
            "not added again, so the same file twice changes nothing. A bad line costs that line: it is reported\n"
            "with its number, and the exit code is 4. A line that is odd but can be read is kept, with a warning.\n"
+           "So is a list that counts its timecodes at another rate than the project, once, with the line that\n"
+           "proves it.\n"
            "A file that cannot be read costs the import: nothing is brought in, of none of the files."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
