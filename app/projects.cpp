@@ -11,6 +11,7 @@
 #include "app/host_errors.h"
 #include "app/plain_text.h"
 #include "base/text_width.h"
+#include "host/projdb.h"
 #include "reelhost/host.h"
 #include "reelhost/store.h"
 
@@ -77,7 +78,7 @@ Project look(const reelhost::Facility& facility, const std::string& name)
   try {
     const auto store = reelhost::makeSqliteStore(facility.projectFile(name));
     store->begin(reelhost::Access::Read, {});
-    project.rateCode = store->info().frameRate;
+    project.rateCode = reelhost::currentInfo(*store).frameRate;
     project.rate = nameOfRate(facility, project.rateCode);
     store->end();
   } catch (const reelhost::Error& error) {
@@ -110,6 +111,33 @@ std::string makeProject(const std::string& name, const std::string& rate)
 std::string frameRateName(int code)
 {
   return nameOfRate(requireFacility(), code);
+}
+
+ProjectRate rateOf(Session&)
+{
+  return guarded([] {
+    const reelhost::ProjectInfo& info = reelhost::projectInfo();
+    ProjectRate result;
+    result.project = info.name;
+    result.rateCode = info.frameRate;
+    result.rate = result.before = nameOfRate(requireFacility(), info.frameRate);
+    return result;
+  });
+}
+
+ProjectRate changeRate(Session& session, const std::string& rate)
+{
+  return guarded([&] {
+    ProjectRate result = rateOf(session);
+    const int code = codeOfRate(requireFacility(), rate);
+    if (code == result.rateCode)
+      return result;
+    EditManager::ProjOpts().set(reelhost::frameRateOption, std::to_string(code).c_str(), nullptr);
+    result.stored = session.commit();
+    result.rateCode = code;
+    result.rate = nameOfRate(requireFacility(), code);
+    return result;
+  });
 }
 
 std::optional<lists::FrameRate> projectRate()

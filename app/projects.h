@@ -36,6 +36,21 @@ std::string makeProject(const std::string& name, const std::string& rate);
 /// The facility's name of a frame rate code, or the code itself.
 std::string frameRateName(int code);
 
+/// The frame rate of a project, or how it was changed.
+struct ProjectRate {
+  std::string project;
+  std::string rate; ///< the facility's name of it
+  int rateCode = -1;
+  std::string before; ///< its rate before the change; the same if it was not changed
+  bool stored = false;
+};
+
+ProjectRate rateOf(Session& session);
+
+/// Gives the project this rate, as in makeProject(), and stores that. Timecodes, shots and lists stay as they are.
+/// Throws Error (Invalid) for a rate that the facility does not know. REQUIRES: a session for writing.
+ProjectRate changeRate(Session& session, const std::string& rate);
+
 /// The frame rate of the open project. Empty if the facility has no name for it that is a known rate.
 std::optional<lists::FrameRate> projectRate();
 

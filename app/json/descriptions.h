@@ -507,6 +507,16 @@ void describe(Io& io, R& project)
   io.optional("fault", project.fault);
 }
 
+template <class Io, Like<ProjectRate> R>
+void describe(Io& io, R& rate)
+{
+  io("project", rate.project);
+  io("rate", rate.rate);
+  io("rate_code", rate.rateCode);
+  io("before", rate.before);
+  io("stored", rate.stored);
+}
+
 template <class Io, Like<ProjectCheck> R>
 void describe(Io& io, R& check)
 {

@@ -207,7 +207,8 @@ CommandLine::CommandLine() : parser_(std::make_unique<Parser>())
   app.footer(generalHelp);
   Command root(&app);
   root.text("-C,--facility", parser_->globals.facility, "The facility to work in").shownAs("DIR");
-  root.text("-p,--project", parser_->globals.project, "The project to work on; without it, REELDB_PROJECT").shownAs("PROJECT");
+  root.text("-p,--project", parser_->globals.project, "The project to work on; without it, REELDB_PROJECT")
+      .shownAs("PROJECT");
   root.flag("--trace", parser_->globals.trace, "Show every call of the library to its host on standard error");
 }
 

@@ -114,6 +114,11 @@ TEST_F(Completion, ReelOfTheProjectThatTheEnvironmentNames)
   EXPECT_EQ(candidates({"-p", "main", "show", "Tape"}), (Words{"words", "Tape 7"}));
 }
 
+TEST_F(Completion, RateOfAProject)
+{
+  EXPECT_EQ(candidates({"project", "rate", "5"}), (Words{"words", "50", "59.94"}));
+}
+
 TEST_F(Completion, RateOfANewFacilityNeedsNone)
 {
   asked_.folder = "/";

@@ -179,6 +179,42 @@ TEST_F(ProjectCommand, CheckOfNoProjectIsRefused)
   EXPECT_NE(result.err.find("nosuch: no such project"), std::string::npos) << result.err;
 }
 
+TEST_F(ProjectCommand, RateIsShownAndChanged)
+{
+  EXPECT_EQ(output({"project", "rate"}), "main: 25 fps\n");
+  EXPECT_EQ(output({"project", "rate", "23.976"}), "main: 23.98 fps (before: 25)\n");
+  EXPECT_EQ(output({"project", "rate"}), "main: 23.98 fps\n");
+  EXPECT_EQ(project("main").at("rate"), "23.98");
+  EXPECT_EQ(json({"export", "--json"}).at("frame_rate"), "23.98");
+  EXPECT_EQ(json({"project", "rate", "--json", "25"}),
+            (Json{{"project", "main"}, {"rate", "25"}, {"rate_code", 3}, {"before", "23.98"}, {"stored", true}}));
+}
+
+TEST_F(ProjectCommand, RateThatTheProjectHasAlreadyChangesNothing)
+{
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"project", "rate", "25.00"}), "main: 25 fps\n");
+  EXPECT_FALSE(json({"project", "rate", "--json", "3"}).at("stored").get<bool>());
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ProjectCommand, RateThatIsNotKnownIsNotSet)
+{
+  EXPECT_EQ(reeldb({"project", "rate", "26"}).code, 2);
+  EXPECT_EQ(output({"project", "rate"}), "main: 25 fps\n");
+}
+
+TEST_F(ProjectCommand, NewRateDecidesWhichListContradictsTheProject)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:29"));
+  const auto warnings = [&] {
+    return json({"import", "--dry-run", "--json", "cut.edl"}).at("files").at(0).at("warnings");
+  };
+  EXPECT_EQ(warnings().size(), 1u);
+  output({"project", "rate", "30"});
+  EXPECT_EQ(warnings(), Json::array());
+}
+
 class ProjectVariable : public ProjectCommand {
 protected:
   void SetUp() override

@@ -264,6 +264,8 @@ TEST(Json, TheFacility)
   expectJson(std::vector<Project>{{"main", true, "25", 3, ""}, {"odd", false, "", -1, "damaged"}},
              R"([{"name": "main", "default": true, "rate": "25", "rate_code": 3},
                  {"name": "odd", "default": false, "rate": "", "rate_code": -1, "fault": "damaged"}])");
+  expectJson(ProjectRate{"main", "23.98", 7, "25", true},
+             R"({"project": "main", "rate": "23.98", "rate_code": 7, "before": "25", "stored": true})");
   expectJson(ProjectCheck{"main", {"page 3: damaged"}},
              R"({"project": "main", "sound": false, "problems": ["page 3: damaged"]})");
 }
