@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: Apache-2.0
-# What people type. Each target sets up, builds and goes; cmake --list-presets shows what lies beneath.
+# The commands for developers. Each target installs what it needs, builds and runs; cmake --list-presets shows the
+# builds.
 
-.PHONY: run test check check-long test-long second-compiler tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
+.PHONY: run test check check-long test-long second-compiler tidy tsan memcheck asan coverage threads instructions instructions-baseline fuzz mutate bench package package-test abi-check abi-baseline reference clean
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
@@ -26,14 +27,14 @@ test: ## build and pass every test
 	$(call build,release,-DREELDB_TESTS=ON)
 	$(call test,release)
 
-check: test asan coverage threads instructions abi-check reference ## all of it, in minutes: sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
+check: test tidy asan coverage threads instructions abi-check reference ## make all checks that take minutes: clang-tidy, sanitizers, coverage, counts, ABI, reference, valgrind, fuzzing, mutants
 	@PROGRAMS="$(LIBRARY_TESTS)" $(MAKE) --no-print-directory memcheck
 	@FUZZ_SECONDS=5 $(MAKE) --no-print-directory fuzz
 	@MUTANTS=20 SEED=1 $(MAKE) --no-print-directory mutate
 	@if [ "$$(id -u)" = 0 ]; then $(MAKE) --no-print-directory package-test; \
 	  else echo "check: the packages are not tried: that needs root (make package-test)"; fi
 
-check-long: check test-long second-compiler tsan memcheck ## all of it, in hours: what docs/reliability.md has its figures from
+check-long: check test-long second-compiler tsan memcheck ## make all checks that take hours, from which docs/reliability.md has its figures
 	@FUZZ_SECONDS=300 $(MAKE) --no-print-directory fuzz
 	@$(MAKE) --no-print-directory mutate
 
@@ -43,7 +44,7 @@ test-long: ## pass every test, with hundreds of power cuts instead of some
 	$(call build,release,-DREELDB_TESTS=ON)
 	$(call test,release)
 
-second-compiler: ## test what the second compiler makes of it, optimised
+second-compiler: ## test an optimised build by the second compiler
 	@sh scripts/setup.sh check
 	$(call build,clang-release)
 	$(call test,clang-release)
@@ -58,19 +59,24 @@ memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some pr
 	$(call build,release,-DREELDB_TESTS=ON)
 	@sh scripts/memcheck.sh build/release $(PROGRAMS)
 
+tidy: ## check the library and its host with clang-tidy: TIDY_ROOMS="lists cli" for other rooms
+	@sh scripts/setup.sh check
+	cmake --preset tidy >/dev/null
+	@python3 scripts/tidy.py build/tidy $(TIDY_ROOMS)
+
 asan: ## test with AddressSanitizer, LeakSanitizer and UndefinedBehaviorSanitizer
 	@sh scripts/setup.sh check
 	$(call build,asan)
 	$(call test,asan)
 
-coverage: ## test with the second compiler and see which lines and branches the tests run
+coverage: ## test with the second compiler, and measure the lines and branches that the tests run
 	@sh scripts/setup.sh check
 	$(call build,coverage)
 	rm -rf build/coverage/profiles
 	$(call test,coverage)
 	python3 scripts/coverage.py build/coverage
 
-threads: ## test what runs on several threads with ThreadSanitizer, a part of tsan
+threads: ## test the code with several threads under ThreadSanitizer, a part of tsan
 	@sh scripts/setup.sh check
 	cmake --preset tsan >/dev/null
 	cmake --build --preset tsan -j $(JOBS) --target reeldb_test_changes reeldb_test_workers values_test
@@ -81,12 +87,12 @@ instructions: ## compare the library's instruction counts with the stored ones
 	$(call build,bench)
 	python3 scripts/instructions.py build/bench
 
-instructions-baseline: ## store the instruction counts as they are now
+instructions-baseline: ## store the current instruction counts
 	@sh scripts/setup.sh bench
 	$(call build,bench)
 	python3 scripts/instructions.py build/bench --renew
 
-fuzz: ## look for inputs that break something, FUZZ_SECONDS (20) for each target
+fuzz: ## search for inputs that cause faults, FUZZ_SECONDS (20) per target
 	@sh scripts/setup.sh check
 	$(call build,fuzz)
 	@sh scripts/fuzz.sh
@@ -109,17 +115,17 @@ package: ## make the Debian packages, in build/package
 package-test: package ## install, use and remove them in a bare Debian root (needs root)
 	@sh scripts/test-packages.sh build/package
 
-abi-check: ## fail when programs or hosts that were built before would break
+abi-check: ## fail if programs or hosts that were built earlier would break
 	@sh scripts/setup.sh check
 	$(call build,abi)
 	@sh scripts/abi.sh check build/abi/lib/libreeldb.so
 
-abi-baseline: ## take what is now as what is promised: for a new major version
+abi-baseline: ## store the current interface as the promised one, for a new major version
 	@sh scripts/setup.sh check
 	$(call build,abi)
 	@sh scripts/abi.sh baseline build/abi/lib/libreeldb.so
 
-reference: ## build the reference of the headers, in build/reference; what doxygen warns of fails it
+reference: ## build the reference of the headers in build/reference, without warnings of doxygen
 	@sh scripts/setup.sh check
 	rm -rf build/reference
 	mkdir -p build/reference

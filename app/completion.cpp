@@ -49,6 +49,7 @@ std::vector<Choice> userFields()
 std::vector<Choice> plain(const std::vector<std::string>& names)
 {
   std::vector<Choice> result;
+  result.reserve(names.size());
   for (const std::string& name : names)
     result.push_back({name, ""});
   return result;
@@ -83,7 +84,7 @@ std::vector<std::string> fieldValues(const std::string& field)
   return {};
 }
 
-/// The names of fields, or what the field that is typed may be set to.
+/// The names of fields, or the possible values of the typed field.
 std::vector<Choice> assignments(const std::string& typed)
 {
   const std::size_t equals = typed.find('=');
@@ -95,7 +96,7 @@ std::vector<Choice> assignments(const std::string& typed)
   } else {
     names = fieldValues(typed.substr(0, equals));
     for (std::string& name : names)
-      name = typed.substr(0, equals + 1) + name;
+      name.insert(0, typed, 0, equals + 1);
   }
   return plain(names);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a value may be: for faces that offer choices while one is typed.
+// The possible values of an argument: for faces that offer choices while it is typed.
 #ifndef REELDB_APP_COMPLETION_H
 #define REELDB_APP_COMPLETION_H
 
@@ -10,7 +10,7 @@
 
 namespace reeldb::app {
 
-/// What a value names.
+/// The kind of thing that a value names.
 enum class ValueKind { Other, Reel, Device, Project, LabelMap, FrameRate, Field, UserField, File, Folder };
 
 struct Choice {

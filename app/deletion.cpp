@@ -43,8 +43,8 @@ std::set<std::string> logsOf(const ReelDbManager& manager)
   return logs;
 }
 
-/// Throws Error when a reel that comes back bears an identifier that another has by now: one of them could not be found
-/// any more.
+/// Throws Error if a reel to restore has the same identifier as an existing reel: one of the two could not be found any
+/// more.
 void requireFreeIdentifiers(const ReelDbManager& manager, const std::set<std::string>& before)
 {
   std::set<std::string> taken;
@@ -58,14 +58,14 @@ void requireFreeIdentifiers(const ReelDbManager& manager, const std::set<std::st
   }
   for (const std::string& id : back)
     if (taken.count(base::fold(id)) != 0)
-      throw Error(ErrorKind::Refused, fmt::format("undelete: {}: another reel is called that by now, nothing brought "
-                                                  "back (rename it first)",
+      throw Error(ErrorKind::Refused, fmt::format("undelete: {}: another reel now has this name, nothing brought "
+                                                  "back (rename that reel first)",
                                                   id));
 }
 
 struct Planned {
   DeletionPlan plan;
-  CookieVec selection; ///< the reels, as the library is asked to delete them
+  CookieVec selection; ///< the reels in the form that the library needs to delete them
 };
 
 Planned look(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep)
@@ -75,11 +75,11 @@ Planned look(Session& session, const std::vector<std::string>& reels, const std:
   DeletionPlan& plan = planned.plan;
   plan.reels = reels;
   plan.keep = keep;
-  // In the records' own spelling: a mark counts letter for letter.
+  // Marks are case-sensitive, so the spelling of the records is used.
   for (const std::string& id : keep)
     manager.reelInUse(requireReel(manager, id).reelId(), true);
   planned.selection = select(manager, reels);
-  // The library reports each log as one that is about to go, so it is only asked when they go.
+  // The library reports each log as about to be deleted, so it is asked only when the logs will be deleted.
   for (const Cookie& log : planned.selection) {
     const LightweightString<char> id = ReelDbRec(log).reelId();
     const CookieVec shots = reelhost::shotsOf(text(id));
@@ -122,7 +122,8 @@ void carryOut(Session& session, const DeletionPlan& plan)
   guarded([&] {
     const Planned planned = look(session, plan.reels, plan.keep);
     if (planned.plan.logs != plan.logs)
-      throw Error(ErrorKind::Refused, "delete: nothing deleted (the project was changed while the answer was awaited)");
+      throw Error(ErrorKind::Refused,
+                  "delete: nothing deleted (the project was changed before the deletion was confirmed)");
     deleteAndStore(session, planned);
   });
 }

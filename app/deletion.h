@@ -18,15 +18,15 @@ struct DeletionPlan {
   struct Item {
     std::string reel;        ///< the identifier as its record spells it
     bool kept = false;       ///< it stays, with its shots
-    std::vector<Shot> shots; ///< recorded from it; they go or stay with it
+    std::vector<Shot> shots; ///< recorded from it; they are deleted or kept with it
   };
-  std::vector<std::string> reels, keep; ///< as asked
-  bool dryRun = false;                  ///< it is only shown; for reports
-  std::vector<Item> items;              ///< the reels that were asked for, each once
+  std::vector<std::string> reels, keep; ///< as the caller gave them
+  bool dryRun = false;                  ///< for reports: whether the plan is only shown
+  std::vector<Item> items;              ///< the reels that the caller gave, each once
   std::vector<std::string> logs;        ///< the logs to delete, in text form: reels, each followed by its shots
 
   bool empty() const { return logs.empty(); }
-  std::size_t reelCount() const; ///< how many reels go
+  std::size_t reelCount() const; ///< the number of reels to delete
   std::size_t shotCount() const { return logs.size() - reelCount(); }
 };
 
@@ -39,8 +39,8 @@ DeletionPlan planDeletion(Session& session, const std::vector<std::string>& reel
 /// deleted than the plan lists; nothing is deleted then. REQUIRES: a session for writing.
 void carryOut(Session& session, const DeletionPlan& plan);
 
-/// Deletes the reels without asking, and stores that: the plan is looked up once. Returns what was deleted. Throws
-/// Error as planDeletion does. REQUIRES: a session for writing.
+/// Deletes the reels at once, without a plan to confirm, and stores that. Returns what was deleted. Throws Error as
+/// planDeletion does. REQUIRES: a session for writing.
 DeletionPlan deleteReels(Session& session, const std::vector<std::string>& reels, const std::vector<std::string>& keep);
 
 struct Undeleted {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The facility's own view of its devices. For the sources of this room.
+// The devices as the facility describes them. For the sources of this room.
 #ifndef REELDB_APP_DEVICE_SETTINGS_H
 #define REELDB_APP_DEVICE_SETTINGS_H
 

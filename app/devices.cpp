@@ -36,7 +36,7 @@ bool accepts(const reelhost::DeviceSettings& device, const std::string& type)
   return std::find(device.tapes.begin(), device.tapes.end(), type) != device.tapes.end();
 }
 
-/// Which of the library's tests accepts or refuses the reel.
+/// The test of the library that accepts or refuses the reel, in words.
 std::string reason(const Reel& reel, bool accepted, const reelhost::DeviceSettings& device)
 {
   if (!accepted)
@@ -54,7 +54,7 @@ const reelhost::DeviceSettings& requireDevice(const std::string& number)
   const auto& devices = facility.devices();
   const auto wanted = base::parseNumber(number);
   if (!wanted)
-    throw Error(ErrorKind::Invalid, fmt::format("\"{}\": no device number", base::shortText(number)));
+    throw Error(ErrorKind::Invalid, fmt::format("\"{}\": not a device number", base::shortText(number)));
   const auto found = std::find_if(devices.begin(), devices.end(),
                                   [&](const reelhost::DeviceSettings& device) { return device.number == wanted; });
   if (found == devices.end())
@@ -67,7 +67,7 @@ std::string devicesThereAre(const reelhost::Facility& facility)
   std::vector<std::string> texts;
   for (const reelhost::DeviceSettings& device : facility.devices())
     texts.push_back(fmt::format("{} {}", device.number, device.name));
-  return texts.empty() ? "this facility has none" : fmt::format("this facility has: {}", fmt::join(texts, ", "));
+  return texts.empty() ? "this facility has no devices" : fmt::format("this facility has: {}", fmt::join(texts, ", "));
 }
 
 std::vector<Device> listDevices()
@@ -87,7 +87,7 @@ std::vector<Verdict> judgeReels(Session& session, const std::string& device)
 {
   return guarded([&] {
     const reelhost::DeviceSettings& settings = requireDevice(device);
-    // In list order, as the library appends them.
+    // The library appends them in the order of the list.
     std::vector<LightweightString<char>> accepted;
     session.manager().getReelsCompatibleWithDevice(accepted, settings.number);
     std::size_t next = 0;
@@ -109,7 +109,7 @@ LiveReel liveReel(Session& session, const std::string& device)
     const reelhost::DeviceSettings settings = requireDevice(device);
     if (!accepts(settings, "Live"))
       throw Error(ErrorKind::Refused,
-                  fmt::format("{}: no live source (\"Live\" is not among the types it accepts)", settings.name));
+                  fmt::format("{}: not a live source (\"Live\" is not one of the types it accepts)", settings.name));
     const ShotCounts shots = reelhost::shotCounts();
     ReelDbManager& manager = session.manager();
     const LightweightString<char> id = manager.getLiveDeviceMediaName(hostText(settings.name));
@@ -119,7 +119,7 @@ LiveReel liveReel(Session& session, const std::string& device)
     ReelDbRec record = manager.getReelInfo(id);
     if (!record.valid())
       throw Error(ErrorKind::Refused,
-                  fmt::format("{}: no live-feed reel made (\"{}\" is no name for a reel)", settings.name, text(id)));
+                  fmt::format("{}: no live-feed reel made (\"{}\" is not a valid reel name)", settings.name, text(id)));
     result.reel = readReel(record, shots);
     session.commit();
     return result;

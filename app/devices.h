@@ -42,7 +42,7 @@ std::vector<Verdict> judgeReels(Session& session, const std::string& device);
 
 struct LiveReel {
   Reel reel;
-  bool created = false; ///< false: it was there already
+  bool created = false; ///< false: it already existed
 };
 
 /// The reel of the device's live feed, created and stored if it does not exist. Throws Error as showDevice does, and

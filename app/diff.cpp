@@ -85,10 +85,10 @@ private:
   }
 
   Session& session_;
-  std::vector<Shot> shots_;                        ///< of the project
-  std::unordered_set<std::string> there_, listed_; ///< keys of shots
-  std::unordered_set<std::string> reels_;          ///< that the lists name, folded
-  std::unordered_set<std::string> spellings_;      ///< that are told
+  std::vector<Shot> shots_;                        ///< the shots of the project
+  std::unordered_set<std::string> there_, listed_; ///< the keys of the shots of the project, and of the lists
+  std::unordered_set<std::string> reels_;          ///< the folded reels that the lists name
+  std::unordered_set<std::string> spellings_;      ///< the spellings that were reported
   std::vector<lists::Format> formats_;
   std::optional<ReelNames> names_; ///< gathered for the first new reel
   ListDiff diff_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What importing lists would change, and what of the project they no longer name.
+// The changes that an import of lists would make, and the reels and shots that the lists no longer name.
 #ifndef REELDB_APP_DIFF_H
 #define REELDB_APP_DIFF_H
 
@@ -14,7 +14,7 @@
 
 namespace reeldb::app {
 
-/// A reel that an import would make.
+/// A reel that an import would create.
 struct NewReel {
   std::string id;
   std::vector<Candidate> candidates; ///< existing reels that the name may mean
@@ -28,10 +28,10 @@ struct RejectedLine {
 
 struct ListDiff {
   std::vector<std::string> files;         ///< the lists
-  bool whole = false;                     ///< as compareLists was asked
+  bool whole = false;                     ///< the argument of compareLists
   std::vector<NewReel> newReels;          ///< in the order of the lists
   std::vector<std::string> goneReels;     ///< in the order of the project
-  std::vector<lists::Spelling> spellings; ///< as the record spells it, and as a list does; or two spellings of lists
+  std::vector<lists::Spelling> spellings; ///< the spellings of a record and of a list, or two spellings of lists
   std::vector<Shot> added;                ///< shots that the project does not have, in the order of the lists
   std::vector<Shot> missing;              ///< shots of the project that no list has, in its order
   std::vector<RejectedLine> rejected;     ///< in the order of the lists

@@ -14,7 +14,7 @@ enum class ErrorKind {
   Refused,    ///< the request is not possible in this state
   ReadOnly,   ///< the project cannot be written
   Busy,       ///< another process holds the project
-  Cancelled,  ///< the caller asked for that
+  Cancelled,  ///< the caller cancelled the operation
   Unreadable, ///< damaged data, data of a newer version, or a file of another kind
   Io,         ///< the system refused a read or a write
 };

@@ -20,7 +20,7 @@ namespace reeldb::app {
 
 namespace {
 
-/// The shots, with reels spelled as their records are.
+/// The shots, with their reels in the spelling of the records.
 std::vector<lists::Clip> clipsOf(const ProjectContent& content)
 {
   std::unordered_map<std::string, std::string> spellings;
@@ -38,7 +38,7 @@ std::string wordOf(bool flag)
   return flag ? "yes" : "no";
 }
 
-/// Adds the remark on reels that no shot speaks of: they are in no list.
+/// Adds the remark on reels without shots, because a list cannot contain them.
 Written listFrom(lists::Written written, const ProjectContent& content)
 {
   Written result{std::move(written.text), written.clips, {}, std::move(written.leftOut)};
@@ -85,7 +85,7 @@ ProjectContent readContent(Session& session)
 
 const std::vector<std::size_t>& reelLengths()
 {
-  static const std::vector<std::size_t> lengths(lists::kReelFields.begin(), lists::kReelFields.end());
+  static const std::vector<std::size_t> lengths(lists::reelFields.begin(), lists::reelFields.end());
   return lengths;
 }
 
@@ -131,6 +131,7 @@ Written writeReelsCsv(const ProjectContent& content)
 Written writeShotsCsv(const ProjectContent& content)
 {
   std::vector<std::string> row;
+  row.reserve(shotTexts.size() + 3);
   for (const ShotText& text : shotTexts)
     row.emplace_back(text.name);
   row.insert(row.end(), {"aliases", "video_channels", "audio_channels", "frame_rate", "drop_frame"});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The project as other programs read it.
+// Writes the project for other programs.
 #ifndef REELDB_APP_EXPORT_H
 #define REELDB_APP_EXPORT_H
 
@@ -14,18 +14,18 @@
 
 namespace reeldb::app {
 
-/// The project, as it is written.
+/// The content of an export.
 struct ProjectContent {
   std::string project;
   std::string rate;
   std::vector<Reel> reels;
   std::vector<std::vector<std::string>> oldNames; ///< of each reel
-  bool reelsOnly = false;                         ///< the shots are left out; for reports
+  bool reelsOnly = false;                         ///< for reports: whether the shots are left out
   std::vector<Shot> shots;
 };
 
-/// Everything, in the project's order. Reads by record, not by name: if two identifiers differ only in case, a lookup
-/// finds only the first.
+/// All reels and shots, in the project's order. Reels are read by record, not by name: if two identifiers differ only
+/// in case, a lookup finds only the first.
 ProjectContent readContent(Session& session);
 
 /// A list or a table as text, and the changes that its format required.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The host's errors as this room's own. For the sources of this room.
+// Converts the host's errors to those of this room. For the sources of this room.
 #ifndef REELDB_APP_HOST_ERRORS_H
 #define REELDB_APP_HOST_ERRORS_H
 
@@ -9,7 +9,7 @@
 
 namespace reeldb::app {
 
-/// The same error, as this room's.
+/// The same error as an Error of this room.
 Error errorFrom(const reelhost::Error& error);
 
 /// Runs the work of an operation and converts the host's errors to this room's.

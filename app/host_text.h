@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Between the host's strings and the standard library's. For the sources of this room.
+// Converts between the host's strings and the standard library's. For the sources of this room.
 #ifndef REELDB_APP_HOST_TEXT_H
 #define REELDB_APP_HOST_TEXT_H
 

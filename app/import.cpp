@@ -25,24 +25,24 @@ namespace {
 
 constexpr int noDevice = -1;
 
-/// Hears which reels the library makes.
+/// Receives the reels that the library creates.
 class CreatedReels : public ReelDbClient {
 public:
-  using Hear = std::function<void(std::string id)>;
-  explicit CreatedReels(Hear hear) : hear_(std::move(hear)) {}
+  using Receive = std::function<void(std::string id)>;
+  explicit CreatedReels(Receive receive) : receive_(std::move(receive)) {}
   void reelDbChanged(LightweightString<char> id) override
   {
     if (!id.empty())
-      hear_(text(id));
+      receive_(text(id));
   }
 
 private:
-  Hear hear_;
+  Receive receive_;
 };
 
 class Importer {
 public:
-  /// Looks over the reels and the shots that are there.
+  /// Reads the reels and the shots of the project.
   Importer(Session& session, std::size_t clips, const Progress& progress)
       : manager_(session.manager()), clips_(clips), progress_(progress), rate_(projectRate())
   {
@@ -71,7 +71,8 @@ public:
       const bool added = bringIn(clip, std::move(key));
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
-      // A shot that is there already may have outlived its reel's record, and of that shot the library hears nothing.
+      // An existing shot may have lost its reel's record. The library is not notified of it, so the reel is created
+      // here.
       if (missing && !added)
         manager_.createNewReel(hostText(clip.reel), noDevice);
       advance();
@@ -86,7 +87,7 @@ public:
 private:
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
 
-  /// Notes a reel that is there, and how its record spells it. Returns whether it is there.
+  /// Adds an existing reel, and its spelling if it differs, to the result. Returns whether the reel exists.
   bool noteReel(const std::string& id, ImportedList& result)
   {
     const auto found = reels_.find(base::fold(id));
@@ -99,7 +100,7 @@ private:
     return true;
   }
 
-  /// Makes the clip's shot, unless one with that key is there already. Returns whether it was made.
+  /// Creates the clip's shot unless a shot with that key exists. Returns whether it was created.
   bool bringIn(const lists::Clip& clip, std::string key)
   {
     if (!shots_.insert(std::move(key)).second)
@@ -122,16 +123,16 @@ private:
   {
     ++done_;
     if (progress_ && !progress_(done_, clips_))
-      throw Error(ErrorKind::Cancelled, "import: cancelled, nothing brought in");
+      throw Error(ErrorKind::Cancelled, "import: cancelled, nothing imported");
   }
 
   ReelDbManager& manager_;
   std::size_t clips_, done_ = 0;
   const Progress& progress_;
   std::optional<lists::FrameRate> rate_; ///< of the project
-  /// How each reel is spelt, by its folded identifier: asking the library opens every log for every reel of a list.
+  /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
-  std::unordered_set<std::string> shots_; ///< keys
+  std::unordered_set<std::string> shots_; ///< the keys of the shots
 };
 
 } // namespace

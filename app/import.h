@@ -20,27 +20,27 @@ struct ImportedList {
   lists::List list; ///< as it was read, without the clips; its spellings also name those that differ from a record's
   std::size_t clips = 0;
   std::size_t shotsAdded = 0;
-  std::size_t shotsThere = 0;       ///< clips whose shot was there already, from another list or earlier in this one
-  std::size_t shotsRepeated = 0;    ///< those of them whose shot came earlier in this one
-  std::vector<std::string> created; ///< identifiers of the reels that were made, in order
-  std::vector<std::string> matched; ///< of the reels that were there before the list came, as their records spell them
+  std::size_t shotsThere = 0;       ///< clips whose shot already existed, from another list or earlier in this one
+  std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
+  std::vector<std::string> created; ///< identifiers of the reels that were created, in order
+  std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
 };
 
 /// The result for all lists.
 struct ImportReport {
   std::vector<ImportedList> lists;
   bool dryRun = false;
-  bool changes = false;             ///< the lists bring something new
-  bool stored = false;              ///< and it is stored
-  std::vector<std::string> remarks; ///< what is doubtful about the reels that were made; each "subject: fact (cause)"
+  bool changes = false;             ///< whether the lists contain anything new
+  bool stored = false;              ///< whether that was stored
+  std::vector<std::string> remarks; ///< why the new reels are doubtful; each "subject: fact (cause)"
 
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };
 
 /// Reports every new clip to the host as imported material; the library creates the reels. Two shots are the same if
 /// reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the same shot is not added twice.
-/// The import is one transaction. With @p dryRun nothing is stored, and the report says what would be stored. Throws
-/// Error; nothing is stored then. REQUIRES: a session for writing, unless it is a dry run.
+/// The import is one transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it
+/// throws Error, nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {});
 
 } // namespace reeldb::app

@@ -31,7 +31,8 @@ constexpr const char* suffix = ".toml";
 std::string mapsThereAre()
 {
   const auto names = labelMapNames();
-  return names.empty() ? "this facility has none" : fmt::format("this facility has: {}", fmt::join(names, ", "));
+  return names.empty() ? "this facility has no label maps"
+                       : fmt::format("this facility has: {}", fmt::join(names, ", "));
 }
 
 fs::path labelMapFile(const std::string& name)
@@ -39,8 +40,8 @@ fs::path labelMapFile(const std::string& name)
   return requireFacility().labelMapDirectory() / (name + suffix);
 }
 
-/// What the map counts in, against what the project counts in: why the one does not fit the other. REQUIRES: the
-/// library says that it does not, so the project has the rate of a family, and the map labels of the other one.
+/// Why the map does not fit the project: the project's frame rate, and the formats of the labels with other rates.
+/// REQUIRES: the library reports that it does not fit, so the project's rate and some labels are of different families.
 std::string whyNotThisProject(const std::string& map)
 {
   const int rate = reelhost::projectInfo().frameRate;
@@ -78,7 +79,7 @@ std::vector<std::string> labelMapNames()
 
 std::optional<Error> labelMapFault(const std::string& name)
 {
-  // A name that leads out of the folder names nothing in it.
+  // A name that leads out of the folder does not name a file in it.
   const auto names = labelMapNames();
   if (std::find(names.begin(), names.end(), name) == names.end())
     return Error(ErrorKind::NotFound,
@@ -114,7 +115,7 @@ LabelMapCheck checkLabelMap(Session&, const std::string& name, const std::option
 {
   return guarded([&] {
     const reelhost::DeviceSettings* const settings = device ? &requireDevice(*device) : nullptr;
-    if (const auto fault = labelMapFault(name)) // names the line, where the library only says no
+    if (const auto fault = labelMapFault(name)) // it names the line; the library only reports that it failed
       throw *fault;
     const LightweightString<wchar_t> wide = wideHostText(name);
     LabelMapCheck check;
@@ -123,7 +124,7 @@ LabelMapCheck checkLabelMap(Session&, const std::string& name, const std::option
     if (settings) {
       check.device = settings->number;
       check.deviceName = settings->name;
-      check.fitsDevice = map_file_is_compatible_with_device(wide, IdStamp(settings->id)); // prints why not
+      check.fitsDevice = map_file_is_compatible_with_device(wide, IdStamp(settings->id)); // if not, this prints why
     }
     check.map.usesVitc = map_file_uses_vitc(wide);
     if (!check.map.fitsProject)

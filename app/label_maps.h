@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Label maps: those of the facility, and which of them a reel, a device and a project need.
+// The label maps of the facility, and the label map that a reel, a device and a project need.
 #ifndef REELDB_APP_LABEL_MAPS_H
 #define REELDB_APP_LABEL_MAPS_H
 
@@ -20,7 +20,7 @@ struct LabelMap {
   std::string name;
   bool usesVitc = false;
   bool fitsProject = false;
-  std::string fault; ///< why it cannot be read; then the other members mean nothing
+  std::string fault; ///< why it cannot be read; if set, the other members have no meaning
 };
 
 /// All label maps of the facility, by name.
@@ -28,15 +28,15 @@ std::vector<LabelMap> listLabelMaps(Session& session);
 
 struct LabelMapCheck {
   LabelMap map;
-  std::string why;           ///< why it does not fit the project; empty when it does
+  std::string why;           ///< why it does not fit the project; empty if it fits
   std::optional<int> device; ///< the number of the device that it was checked against
   std::string deviceName;    ///< of that device
   bool fitsDevice = true;    ///< true also without a device
   bool fits() const { return map.fitsProject && fitsDevice; }
 };
 
-/// Checks whether a label map suits the project, and the device of that number if one is given. Throws Error: NotFound
-/// when there is no such map or device, Unreadable, with the line, when its file is wrong.
+/// Checks whether a label map fits the project, and the device of that number if one is given. Throws Error: NotFound
+/// if there is no such map or device; Unreadable, with the line, if its file has an error.
 LabelMapCheck checkLabelMap(Session& session, const std::string& name, const std::optional<std::string>& device);
 
 struct NeededLabelMap {

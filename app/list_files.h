@@ -19,8 +19,8 @@ struct ListFile {
   lists::List list;
 };
 
-/// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound when there is no such file, Unreadable when
-/// it is not a regular file (a pipe would hold the caller up), is too large or holds no list, Io.
+/// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound if there is no such file; Unreadable if it
+/// is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
 ListFile readListFile(const std::string& path);
 
 /// The result for several files: the lists, in the order of the files, and an Error for each file that cannot be read.
@@ -30,9 +30,9 @@ struct ListFiles {
 };
 ListFiles readListFiles(const std::vector<std::string>& paths);
 
-/// Writes a file completely or not at all. Throws Error: Refused if there is a file of that name that is not to be
-/// replaced, or something that is not a regular file; Io. After a throw the old file is unchanged, and no other file is
-/// left. A replaced file keeps its permissions; a link stays, and the file that it leads to is replaced.
+/// Writes a file completely or not at all. Throws Error: Refused if a file of that name must not be replaced, or is not
+/// a regular file; Io. After a throw the old file is unchanged, and no other file is left. A replaced file keeps its
+/// permissions. A link stays, and the file that it leads to is replaced.
 void writeOutputFile(const std::string& path, std::string_view bytes, bool replace);
 
 } // namespace reeldb::app

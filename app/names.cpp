@@ -22,10 +22,10 @@ namespace reeldb::app {
 
 namespace {
 
-/// The widths of the reel field that lists cut names to.
-constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::kReelLength};
+/// The widths of reel fields to which lists cut names.
+constexpr std::array<std::size_t, 4> cutLengths = {6, 8, 32, lists::reelLength};
 
-/// The first @p characters of the name, without the blanks that end them; empty when the name has no more than that.
+/// The name cut to @p characters, without blanks at the end; empty if the name is not longer.
 std::string_view cutForm(std::string_view name, std::size_t characters)
 {
   for (std::size_t at = 0; at < name.size(); ++at) {
@@ -36,7 +36,7 @@ std::string_view cutForm(std::string_view name, std::size_t characters)
   return {};
 }
 
-/// What a list means by the name when that is no reel; empty when it may be one.
+/// The meaning of the name in lists if it is not a reel there; empty if it may be a reel.
 std::string_view meaningInLists(const std::string& name)
 {
   return lists::isAuxiliary(name) ? "a source without a tape" : lists::specialReason(name);
@@ -97,10 +97,10 @@ void ReelNames::addAlias(const std::string& name, const std::string& reel)
 
 void ReelNames::link(const std::string& foldedName, std::size_t entry, Reason reason)
 {
-  if (reason > Reason::Cut && foldedName == base::fold(entries_[entry].id)) // a name that came back
+  if (reason > Reason::Cut && foldedName == base::fold(entries_[entry].id)) // the reel has this old name again
     return;
   std::vector<Link>& links = byName_[foldedName];
-  // The shots of a reel come one after the other, and most say the same.
+  // The shots of a reel follow each other, and most have the same names.
   const auto same = [&](const Link& link) { return link.entry == entry && link.reason == reason; };
   if (links.empty() || !same(links.back()))
     links.push_back({entry, reason});
@@ -110,7 +110,7 @@ std::vector<Candidate> ReelNames::find(std::string_view name) const
 {
   std::string wanted(lists::trim(name));
   auto found = byName_.find(base::fold(wanted));
-  if (found == byName_.end()) { // in lists a tab is a blank
+  if (found == byName_.end()) { // lists read a tab as a blank
     wanted = lists::clean(name);
     found = byName_.find(base::fold(wanted));
   }
@@ -162,9 +162,9 @@ NameMeaning whichReel(Session& session, const std::string& name)
       const std::string subject = base::shortText(name);
       if (const std::string_view inLists = meaningInLists(name); !inLists.empty())
         throw Error(ErrorKind::NotFound,
-                    fmt::format("{}: no reel goes by that name (in lists it means: {})", subject, inLists));
-      requireReel(session.manager(), name); // there is none, and the error may name similar ones
-      throw Error(ErrorKind::NotFound, fmt::format("{}: no reel goes by that name", subject));
+                    fmt::format("{}: no reel has this name (its meaning in lists: {})", subject, inLists));
+      requireReel(session.manager(), name); // throws, and lists similar names
+      throw Error(ErrorKind::NotFound, fmt::format("{}: no reel has this name", subject));
     }
     const ShotCounts shots = reelhost::shotCounts();
     for (const Candidate& candidate : meaning.candidates) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Which reel a name means. Lists cut names, change their case, and continue to use former names of a reel.
+// Finds the reel that a name means. Lists cut names, change their case, and continue to use former names of a reel.
 #ifndef REELDB_APP_NAMES_H
 #define REELDB_APP_NAMES_H
 
@@ -15,7 +15,7 @@
 
 namespace reeldb::app {
 
-/// Why a name stands for a reel, the strongest reason first.
+/// The reasons why a name may mean a reel, the strongest first.
 enum class Reason {
   Exact,   ///< it is the reel's identifier
   Case,    ///< it differs from the identifier in the case of ASCII letters only
@@ -29,7 +29,7 @@ std::string_view wordOf(Reason reason);
 
 struct Candidate {
   std::string reel;            ///< the identifier
-  bool isThere = true;         ///< false: only shots speak of the reel, it has no record
+  bool isThere = true;         ///< false: shots name the reel, but it has no record
   std::vector<Reason> reasons; ///< at least one, each once, the strongest first
 };
 
@@ -37,11 +37,11 @@ struct Candidate {
 class ReelNames {
 public:
   void addReel(const std::string& id, const std::vector<std::string>& oldNames);
-  /// A further name of the reel, as a shot carries it.
+  /// Adds another name of the reel, which a shot has.
   void addAlias(const std::string& name, const std::string& reel);
 
-  /// Every reel that the name may stand for: by the strongest reason, then as they were added. Outer blanks of the name
-  /// do not count.
+  /// All reels that the name may mean: by the strongest reason, then as they were added. Outer blanks of the name are
+  /// ignored.
   std::vector<Candidate> find(std::string_view name) const;
 
 private:
@@ -53,26 +53,26 @@ private:
     std::size_t entry;
     Reason reason;
   };
-  /// The forms that the reel fields of lists leave of a name.
+  /// The forms to which the reel fields of lists cut a name.
   void linkCuts(const std::string& name, std::size_t entry, Reason reason);
   void link(const std::string& foldedName, std::size_t entry, Reason reason);
 
   std::vector<Entry> entries_;
-  std::unordered_map<std::string, std::size_t> byId_; ///< folded identifier to the first entry that has it
+  std::unordered_map<std::string, std::size_t> byId_; ///< folded identifier: the first entry with it
   std::unordered_map<std::string, std::vector<Link>> byName_;
 };
 
 /// The only candidate with the strongest reason of all. Null if there are several such candidates, or no candidate.
 const Candidate* theOne(const std::vector<Candidate>& candidates);
 
-/// All names by which the open project knows its reels: identifiers, old names, and what its shots say.
+/// All names of the reels in the open project: identifiers, old names, and the names in its shots.
 ReelNames knownNames(Session& session);
 
-/// What a name in a list means.
+/// The meaning of a name in a list.
 struct NameMeaning {
   std::string name;
   std::vector<Candidate> candidates; ///< at least one
-  std::vector<std::int64_t> shots;   ///< of each candidate
+  std::vector<std::int64_t> shots;   ///< the number of shots of each candidate
 };
 
 /// The reels that a name may mean. Throws Error (NotFound) if there is no such reel. The error lists reels of a similar

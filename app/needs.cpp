@@ -83,7 +83,7 @@ std::vector<Need> needsOfClips(Session& session, const std::vector<std::string>&
         needs.addShot(shot.reel);
       }
       if (!found)
-        throw Error(ErrorKind::NotFound, fmt::format("{}: no shot is called that", base::shortText(name)));
+        throw Error(ErrorKind::NotFound, fmt::format("{}: no shot has this clip name", base::shortText(name)));
     }
     std::vector<Need> result = needs.take();
     if (result.empty())
@@ -101,7 +101,7 @@ std::vector<Need> needsOfReel(Session& session, const std::string& reel)
     std::vector<Need> result = needs.take();
     if (result.empty())
       throw Error(ErrorKind::Refused,
-                  fmt::format("{}: no shot was recorded from it",
+                  fmt::format("{}: no shot was recorded from this reel",
                               base::shortText(text(requireReel(session.manager(), reel).reelId()))));
     return result;
   });

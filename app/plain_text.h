@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What may be stored. For the sources of this room.
+// Checks texts before they are stored. For the sources of this room.
 #ifndef REELDB_APP_PLAIN_TEXT_H
 #define REELDB_APP_PLAIN_TEXT_H
 
@@ -19,7 +19,7 @@ namespace reeldb::app {
 inline constexpr std::size_t longestField = codes::longestText;
 
 /// Throws Error (Invalid), "FACT (cause)", unless the text is UTF-8 without control characters. Every text is checked
-/// here before it is stored. Texts that are stored already are found whatever they hold.
+/// here before it is stored. Stored texts may contain any bytes, because other programs store texts, too.
 inline void requirePlainText(const std::string& text, std::string_view fact)
 {
   if (const std::string_view flaw = base::textFlaw(text); !flaw.empty())

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The process: what a face does once.
+// The process: functions that a face calls once.
 #ifndef REELDB_APP_PROCESS_H
 #define REELDB_APP_PROCESS_H
 

@@ -25,7 +25,7 @@ std::array<unsigned char, 16> newUuid()
   std::array<unsigned char, 16> bytes{};
   for (unsigned char& byte : bytes)
     byte = static_cast<unsigned char>(source());
-  // Marks it as a random one.
+  // Marks the uuid as random.
   bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
   bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
   return bytes;
@@ -59,7 +59,7 @@ int codeOfRate(const reelhost::Facility& facility, const std::string& rate)
 std::string makeProjectIn(const reelhost::Facility& facility, const std::string& name, const std::string& rate)
 {
   const int code = codeOfRate(facility, rate);
-  requirePlainText(name, fmt::format("\"{}\": no name for a project", base::shortText(name)));
+  requirePlainText(name, fmt::format("\"{}\": not a valid project name", base::shortText(name)));
   reelhost::ProjectInfo info;
   info.name = name;
   info.uuid = newUuid();

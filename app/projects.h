@@ -17,13 +17,13 @@ namespace reeldb::app {
 inline constexpr const char* usualFrameRate = "25";
 
 struct NewFacilityReport {
-  std::string project; ///< the first project; empty when facility.toml names no default
+  std::string project; ///< the first project; empty if facility.toml names no default project
   std::string rate;    ///< its frame rate
 };
 
 /// Creates a facility in the folder, completely or not at all: configuration, reel types, label maps and a first
 /// project of this frame rate, as in makeProject(). Overwrites nothing. Throws Error: Invalid for a rate that
-/// facilities do not have, Refused if one of its files exists already, Io.
+/// facilities do not have, Refused if one of its files already exists, Io.
 NewFacilityReport makeFacility(const std::string& folder, const std::string& rate = usualFrameRate);
 
 /// Creates the project in the facility of the process, with everything that entering it would otherwise store, so that
@@ -66,17 +66,17 @@ struct Project {
   std::string name;
   bool isDefault = false;
   std::string rate;  ///< the facility's name of its frame rate
-  int rateCode = -1; ///< what its file says
-  std::string fault; ///< why it cannot be read; then it has no rate
+  int rateCode = -1; ///< the code in its file
+  std::string fault; ///< why it cannot be read; if set, the rate is not known
 };
 
-/// The projects of the facility, by name. One that cannot be read says why.
+/// The projects of the facility, by name. A project that cannot be read has a fault.
 std::vector<Project> listProjects();
 
-/// The names of the facility's projects, by name; no file is read.
+/// The names of the facility's projects, sorted. No file is read.
 std::vector<std::string> projectNames();
 
-/// The name of the facility's default project; empty when it has none.
+/// The name of the facility's default project; empty if it has no default.
 std::string defaultProject();
 
 struct ProjectCheck {
@@ -84,8 +84,7 @@ struct ProjectCheck {
   std::vector<std::string> problems; ///< one line per problem; empty if the project is sound
 };
 
-/// Reads the project's file from its first page to its last. Changes nothing. Throws Error when it cannot be read at
-/// all.
+/// Reads the whole file of the project. Changes nothing. Throws Error if it cannot be read at all.
 ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {

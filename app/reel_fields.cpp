@@ -25,11 +25,11 @@ namespace {
 
 using Remarks = std::vector<std::string>;
 
-/// Throws Error for a value that cannot be, and remarks on a doubtful one.
+/// Throws Error for an invalid value, and adds a remark for a doubtful one.
 using Check = std::function<void(const std::string&, Remarks&)>;
 
 struct ReelField {
-  std::string name; ///< the one name of the field, whatever it is called in a request
+  std::string name; ///< the main name of the field
   Check check;
   std::function<std::string(ReelDbRec&)> read;
   std::function<void(ReelDbRec&, const std::string&)> write; ///< the value has passed the check
@@ -67,11 +67,11 @@ ReelField textField(const std::string& name, Text (ReelDbRec::*get)(), void (Ree
 
 void anything(const std::string&, Remarks&) {}
 
-/// The library reads one text of a field as none.
+/// Adds a remark if the library reads this value as no value.
 void checkNotNone(const std::string& field, const std::string& value, const std::string& none, Remarks& remarks)
 {
   if (value == none)
-    remarks.push_back(fmt::format("{}: \"{}\" stands for none", field, none));
+    remarks.push_back(fmt::format("{}: \"{}\" means no value", field, none));
 }
 
 void checkDevice(const std::string& value, Remarks&)
@@ -80,11 +80,11 @@ void checkDevice(const std::string& value, Remarks&)
   const auto& devices = facility.devices();
   if (!value.empty() && std::none_of(devices.begin(), devices.end(),
                                      [&value](const reelhost::DeviceSettings& device) { return device.name == value; }))
-    throw Error(ErrorKind::Refused, fmt::format("last-device: no device is called \"{}\" ({})", base::shortText(value),
-                                                devicesThereAre(facility)));
+    throw Error(ErrorKind::Refused, fmt::format("last-device: no device has the name \"{}\" ({})",
+                                                base::shortText(value), devicesThereAre(facility)));
 }
 
-/// The library stores any text, and looks for a file of that name when the reel is to be captured.
+/// The library stores any text. It looks for a label map of that name only when the reel is captured.
 void checkLabelMap(const std::string& value, Remarks& remarks)
 {
   checkNotNone("label-map", value, "unknown", remarks);
@@ -92,11 +92,10 @@ void checkLabelMap(const std::string& value, Remarks& remarks)
     return;
   const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
   if (const auto fault = labelMapFault(value))
-    remarks.push_back(fmt::format("{}; stored all the same", fault->what()));
+    remarks.push_back(fmt::format("{}; stored anyway", fault->what()));
   else if (!std::all_of(value.begin(), value.end(), isAscii))
-    remarks.push_back(
-        fmt::format("\"{}\": stored all the same, but a reel's label map is only found when its name is ASCII",
-                    base::shortText(value)));
+    remarks.push_back(fmt::format("\"{}\": stored anyway, but a reel's label map is only found if its name is ASCII",
+                                  base::shortText(value)));
 }
 
 std::vector<ReelField> fixedFields()
@@ -115,7 +114,7 @@ std::vector<ReelField> fixedFields()
 
 std::optional<ReelField> fixedField(const std::string& name)
 {
-  // JSON reports write the names with an underscore, and one of them in another way.
+  // JSON reports have underscores in these names, and another name for one of the fields.
   std::string wanted = base::fold(name);
   std::replace(wanted.begin(), wanted.end(), '_', '-');
   if (wanted == "label-mapping")
@@ -146,7 +145,7 @@ bool isNumber(const std::string& name)
   return isPrefixed(name) || name.find_first_not_of("-0123456789") == std::string::npos;
 }
 
-/// The number of a user field that is named by number; nothing when the name is no such thing.
+/// The number in the name of a user field; empty if the name is not such a number.
 std::optional<int> numberOf(const std::string& name)
 {
   if (!isNumber(name))
@@ -165,7 +164,7 @@ std::optional<int> numberOfDisplayName(const std::string& name)
     if (!base::sameName(text(ReelDbManager::theReelDbManager()->userFieldName(i)), name))
       continue;
     if (found)
-      throw Error(ErrorKind::Refused, fmt::format("{}: two user fields are called that (say {} or {} instead)",
+      throw Error(ErrorKind::Refused, fmt::format("{}: two user fields have this name (use {} or {} instead)",
                                                   base::shortText(name), userField(*found).name, userField(i).name));
     found = i;
   }
@@ -177,7 +176,7 @@ bool meansField(const std::string& name)
   return fixedField(name) || isNumber(name);
 }
 
-/// The field of that name. Throws Error when there is none, or when two user fields are called that.
+/// The field of that name. Throws Error if no field has that name, or if two user fields have it.
 ReelField findField(const std::string& name)
 {
   if (auto field = fixedField(name))
@@ -192,15 +191,15 @@ ReelField findField(const std::string& name)
                           base::shortText(name), userFieldCount - 1));
 }
 
-/// Throws Error when the value cannot be shown and handed on, or is longer than a field can give back.
+/// Throws Error if the value is not plain text, or is longer than the library can read back.
 void requireStorable(const Assignment& assignment)
 {
   const std::string field = base::shortText(assignment.field);
   requirePlainText(assignment.value,
                    fmt::format("{}: \"{}\" cannot be stored", field, base::shortText(assignment.value)));
   if (assignment.value.size() > longestField)
-    throw Error(ErrorKind::Refused, fmt::format("{}: value too long (it has {} bytes, {} are the most)", field,
-                                                assignment.value.size(), longestField));
+    throw Error(ErrorKind::Refused,
+                fmt::format("{}: value too long ({} bytes; at most {})", field, assignment.value.size(), longestField));
 }
 
 struct Wanted {
@@ -244,7 +243,7 @@ std::map<int, std::string> checkNames(const std::vector<Assignment>& assignments
   return names;
 }
 
-/// Throws Error when a name cannot be given to its field because changeReel would mean another by it.
+/// Throws Error if changeReel would find another field by the name.
 void requireUnmistakable(const std::map<int, std::string>& names, const std::vector<UserField>& fields)
 {
   const auto nameOf = [&names](const UserField& field) {
@@ -255,14 +254,14 @@ void requireUnmistakable(const std::map<int, std::string>& names, const std::vec
   };
   for (const auto& [number, name] : names) {
     const std::string wanted = nameOf(fields.at(static_cast<std::size_t>(number)));
-    const std::string fact = fmt::format("\"{}\": no name for user field {}", base::shortText(wanted), number);
+    const std::string fact = fmt::format("\"{}\": not a valid name for user field {}", base::shortText(wanted), number);
     if (wanted.find_first_not_of(' ') == std::string::npos)
       throw Error(ErrorKind::Refused, fact + " (it is blank)");
     if (meansField(wanted))
-      throw Error(ErrorKind::Refused, fact + " (reeldb set means another field by it)");
+      throw Error(ErrorKind::Refused, fact + " (for reeldb set it means another field)");
     for (const UserField& other : fields)
       if (other.number != number && base::sameName(nameOf(other), wanted))
-        throw Error(ErrorKind::Refused, fmt::format("{} (user field {} is called that)", fact, other.number));
+        throw Error(ErrorKind::Refused, fmt::format("{} (user field {} has this name)", fact, other.number));
   }
 }
 

@@ -18,8 +18,8 @@ struct Assignment {
 };
 
 struct FieldChange {
-  std::string field;         ///< the one name of the field
-  std::string before, after; ///< as the library reads them; equal when nothing changed
+  std::string field;         ///< the main name of the field
+  std::string before, after; ///< as the library reads them; equal if nothing changed
   bool changed() const { return before != after; }
 };
 
@@ -27,13 +27,13 @@ struct ChangedReel {
   std::string id; ///< as the record spells it
   std::vector<FieldChange> changes;
   bool stored = false;              ///< false: there was nothing to change
-  std::vector<std::string> remarks; ///< what is doubtful about a value; each "subject: fact (cause)"
+  std::vector<std::string> remarks; ///< why a value is doubtful; each "subject: fact (cause)"
 };
 
 /// Changes fields of a reel and stores that. Every field and value is checked before anything is written. The fields
-/// are type, available, inhibit, label-map, bin, last-device and user-field.N; the names of JSON reports, the
-/// number of a user field and its display name, letter case aside, name them, too. Throws Error: NotFound, Invalid for
-/// a field or a value that cannot be, Refused. REQUIRES: a session for writing.
+/// are type, available, inhibit, label-map, bin, last-device and user-field.N. A field also has its name in JSON
+/// reports; a user field also has its number and its display name, ignoring letter case. Throws Error: NotFound,
+/// Invalid for an invalid field or value, Refused. REQUIRES: a session for writing.
 ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments);
 
 /// The names of the fields that changeReel takes, user fields by number.

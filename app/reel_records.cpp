@@ -23,7 +23,7 @@ namespace {
 
 std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
 {
-  constexpr std::size_t most = 5; // of a whole project of them nobody reads the rest
+  constexpr std::size_t most = 5; // a longer list would not help
   std::vector<std::string> all;
   for (const Cookie& log : manager.reelList)
     if (std::string other = text(ReelDbRec(log).reelId()); !other.empty())
@@ -39,7 +39,7 @@ std::string noSuchReel(const ReelDbManager& manager, const std::string& id)
   return message;
 }
 
-/// Letters and digits alone, in lower case. Bytes that are not UTF-8 do not count.
+/// The letters and digits of the text, in lower case, without bytes that are not UTF-8.
 std::u32string essence(std::string_view text)
 {
   const base::CharacterLocale locale;
@@ -51,7 +51,7 @@ std::u32string essence(std::string_view text)
   return result;
 }
 
-/// A key for each old name: a value is read back whole only as far as a single name goes.
+/// The key of an old name. Each name has its own key, because the library reads back only values of a name's length.
 LightweightString<char> oldNameKey(std::size_t number)
 {
   return hostText("reel_old_name" + std::to_string(number));
@@ -103,14 +103,13 @@ bool isListedType(const std::string& type)
 std::string checkedReelName(const std::string& asked)
 {
   ReelDbManager& manager = *ReelDbManager::theReelDbManager();
-  const std::string fact = fmt::format("\"{}\": no name for a reel", base::shortText(asked));
+  const std::string fact = fmt::format("\"{}\": not a valid reel name", base::shortText(asked));
   requirePlainText(asked, fact);
   std::string id = text(manager.trimLeadingTrailingSpaces(hostText(asked)));
   if (id.empty())
     throw Error(ErrorKind::Refused, fact + " (it is blank)");
   if (asked.size() > longestField)
-    throw Error(ErrorKind::Refused,
-                fmt::format("{} (it has {} bytes, {} are the most)", fact, asked.size(), longestField));
+    throw Error(ErrorKind::Refused, fmt::format("{} (it has {} bytes; at most {})", fact, asked.size(), longestField));
   if (manager.representsInternallyGeneratedMaterial(hostText(id)))
     throw Error(ErrorKind::Refused, fact + " (a star denotes generated material)");
   return id;
@@ -120,7 +119,7 @@ void remarkOnUnlistedType(const std::string& type, std::vector<std::string>& rem
 {
   if (!type.empty() && !isListedType(type))
     remarks.push_back(
-        fmt::format("{}: not in the reel type catalogue (stored all the same; reeldb type list lists what is)",
+        fmt::format("{}: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)",
                     base::shortText(type)));
 }
 
@@ -129,7 +128,7 @@ void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remark
   const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);
   if (!meaning.empty())
     remarks.push_back(
-        fmt::format("{}: taken all the same, but no import will mean this reel by it (in cut lists it means: {})",
+        fmt::format("{}: accepted, but no import will find this reel by its name (its meaning in cut lists: {})",
                     base::shortText(id), meaning));
 }
 
@@ -148,7 +147,7 @@ std::vector<std::string> similarNames(std::string_view meant, const std::vector<
 std::vector<std::string> oldNamesOf(ReelDbRec reel)
 {
   std::vector<std::string> names = keptNames(reel);
-  names.erase(std::remove(names.begin(), names.end(), text(reel.reelId())), names.end()); // one that came back
+  names.erase(std::remove(names.begin(), names.end(), text(reel.reelId())), names.end()); // not a current name
   return names;
 }
 

@@ -16,7 +16,7 @@
 
 namespace reeldb::app {
 
-/// How many shots each reel has, by its folded identifier, as reelhost::shotCounts returns it.
+/// The number of shots of each reel by its folded identifier, from reelhost::shotCounts.
 using ShotCounts = std::unordered_map<std::string, std::int64_t>;
 
 Reel readReel(ReelDbRec record, const ShotCounts& shots);
@@ -42,8 +42,8 @@ void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remark
 /// letters beyond ASCII) and all characters between them.
 std::vector<std::string> similarNames(std::string_view meant, const std::vector<std::string>& names);
 
-/// The names a reel had before, in the order in which they were given up, without one that came back. They are kept in
-/// the configuration block of the reel's log, under the keys "reel_old_name0", "reel_old_name1" ...
+/// The former names of a reel, oldest first, without its current name. They are kept in the configuration block of the
+/// reel's log, under the keys "reel_old_name0", "reel_old_name1" ...
 std::vector<std::string> oldNamesOf(ReelDbRec reel);
 
 /// Stores a former name of the reel, unless it is stored already. ASCII case does not matter.

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int noDevice = -1;
 
-/// What ReelDbManager::checkReelValid returns for a reel whose type is in the catalogue.
+/// The result of ReelDbManager::checkReelValid for a reel whose type is in the catalogue.
 constexpr int validReel = 0;
 
 std::string quoted(const std::string& id)
@@ -31,12 +31,12 @@ std::string quoted(const std::string& id)
   const LightweightString<char> asked = hostText(id);
   if (manager.doesReelExist(asked))
     throw Error(ErrorKind::Refused,
-                fmt::format("{}: exists already", quoted(text(manager.getReelInfo(asked).reelId()))));
+                fmt::format("{}: already exists", quoted(text(manager.getReelInfo(asked).reelId()))));
   throw Error(ErrorKind::Refused, fmt::format("{}: no reel made", quoted(id)));
 }
 
-/// Throws Error when one of the texts to copy cannot be shown and handed on. This room stores none, but another program
-/// may have.
+/// Throws Error if one of the texts to copy is not plain text. This room stores only plain text, but other programs may
+/// have stored anything.
 void requirePlainTexts(const Reel& reel)
 {
   const auto require = [&reel](const std::string& value, const std::string& field) {
@@ -87,17 +87,17 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
   return guarded([&] {
     checkedReelName(id);
     const int number = device ? requireDevice(*device).number : noDevice;
-    const ShotCounts shots = reelhost::shotCounts(); // as long as nothing has changed, the store counts them
+    const ShotCounts shots = reelhost::shotCounts(); // before the change: the store can count only stored shots
     ReelDbManager& manager = session.manager();
     ReelDbRec made = manager.createNewReel(hostText(id), number);
     if (!made.valid())
       explainRefusal(manager, id);
-    // The library compares the identifier as it was given, but stores it without outer blanks, or stores the device's
-    // name: what it stored may be there already, and the second of two such reels is never found again.
+    // The library looks for the identifier as it was given, but stores it without outer blanks, or stores the device's
+    // name. So a reel of the stored name may already exist, and the second of two such reels would never be found.
     const std::string stored = text(made.reelId());
-    checkedReelName(stored); // nor does it check that name
+    checkedReelName(stored); // the library does not check that name
     if (stored != id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
-      throw Error(ErrorKind::Refused, fmt::format("{}: exists already", quoted(stored)));
+      throw Error(ErrorKind::Refused, fmt::format("{}: already exists", quoted(stored)));
     CreatedReel result;
     remarkOnSpecialName(stored, result.remarks);
     result.reel = readReel(made, shots);
@@ -112,7 +112,7 @@ CopiedReel copyReel(Session& session, const std::string& from, const std::string
   return guarded([&] {
     const ShotCounts shots = reelhost::shotCounts();
     ReelDbManager& manager = session.manager();
-    // The library would copy an unknown reel too, and so empty the other.
+    // The library would also copy from a reel that does not exist, which would empty the other reel.
     ReelDbRec source = requireReel(manager, from);
     ReelDbRec target = requireReel(manager, to);
     CopiedReel result;

@@ -30,7 +30,7 @@ struct Reel {
   int videoChannels = 0; ///< the log's own, whatever the type says
   int audioChannels = 0;
   std::array<std::string, userFieldCount> userFields;
-  std::int64_t shots = 0; ///< other logs that carry the identifier, letter case aside
+  std::int64_t shots = 0; ///< the number of other logs with this identifier, ignoring letter case
 
   bool operator==(const Reel&) const = default;
 };
@@ -38,7 +38,7 @@ struct Reel {
 /// All reels in the order of the project; those without an identifier are left out, as the library does in its lists.
 std::vector<Reel> listReels(Session& session);
 
-/// One reel, and what the library says of it.
+/// A reel, and the library's classification of it.
 struct ReelDetails {
   Reel reel;
   bool knownType = false; ///< the type is in the catalogue
@@ -53,27 +53,28 @@ std::array<std::string, userFieldCount> userFieldNames();
 
 struct CreatedReel {
   Reel reel;
-  std::vector<std::string> remarks; ///< what is doubtful about its name or type; each "subject: fact (cause)"
+  std::vector<std::string> remarks; ///< why its name or type is doubtful; each "subject: fact (cause)"
 };
 
 /// The rule for identifiers of new reels and for new names, for the help of faces.
 inline constexpr const char* reelNameRule =
-    "A name that is blank or holds a star or a control character is refused. One that cut lists use for what\n"
-    "is no reel (BL, BLACK, BARS, GEN, AX) is taken with a warning: import never means a reel by it.";
+    "A name that is blank, or that contains a star or a control character, is refused. A name that cut lists\n"
+    "use for sources without a reel (BL, BLACK, BARS, GEN, AX) is accepted with a warning, because import\n"
+    "cannot find a reel by such a name.";
 
-/// Makes a reel, on the device of that number if one is given, and stores it. The identifier is stored without outer
+/// Creates a reel, on the device of that number if one is given, and stores it. The identifier is stored without outer
 /// blanks, or is the device's own name. Throws Error: Invalid or Refused for an identifier that breaks the rule,
-/// Refused when there is such a reel. REQUIRES: a session for writing.
+/// Refused if there is such a reel. REQUIRES: a session for writing.
 CreatedReel createReel(Session& session, const std::string& id, const std::optional<std::string>& device);
 
 struct CopiedReel {
   std::string from, to; ///< identifiers as the records spell them
-  bool stored = false;  ///< false: they were alike
-  Reel reel;            ///< the one copied to, afterwards
+  bool stored = false;  ///< false: the fields were equal
+  Reel reel;            ///< the reel @p to after copying
 };
 
 /// Copies type, available, inhibit, label map and the user fields from one reel to another, and stores that.
-/// Throws Error: NotFound, and Invalid for a text that cannot be handed on. REQUIRES: a session for writing.
+/// Throws Error: NotFound; Invalid if a text is not plain text. REQUIRES: a session for writing.
 CopiedReel copyReel(Session& session, const std::string& from, const std::string& to);
 
 } // namespace reeldb::app

@@ -14,15 +14,15 @@ namespace reeldb::app {
 
 namespace {
 
-/// Throws Error when another reel is called that. The library would take the name all the same.
+/// Throws Error if another reel has the name. The library itself would accept it.
 void requireFree(ReelDbManager& manager, const ReelDbRec& reel, const std::string& id)
 {
   ReelDbRec other = manager.getReelInfo(hostText(id));
   if (other.valid() && other.compare(reel) != 0)
-    throw Error(ErrorKind::Refused, fmt::format("\"{}\": exists already", base::shortText(text(other.reelId()))));
+    throw Error(ErrorKind::Refused, fmt::format("\"{}\": already exists", base::shortText(text(other.reelId()))));
 }
 
-/// The shots that bear the reel's identifier, as they are under the new one.
+/// The shots of the reel, with the new identifier.
 std::vector<Shot> shotsUnder(const std::string& newId, const std::string& oldId)
 {
   std::vector<Shot> shots = shotsFrom(reelhost::shotsOf(oldId));

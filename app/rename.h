@@ -14,9 +14,9 @@ namespace reeldb::app {
 struct Renamed {
   std::string from, to;
   bool dryRun = false;
-  bool stored = false;              ///< false also when the reel is called that already
-  std::vector<Shot> shots;          ///< those that bear the identifier, as they are under the new one
-  std::vector<std::string> remarks; ///< what is doubtful about the new name; each "subject: fact (cause)"
+  bool stored = false;              ///< also false if the reel already has the name
+  std::vector<Shot> shots;          ///< the shots of the reel, with the new identifier
+  std::vector<std::string> remarks; ///< why the new name is doubtful; each "subject: fact (cause)"
 };
 
 /// Renames a reel and every shot recorded from it, and stores that. Outer blanks of the new name are removed. The old

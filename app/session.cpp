@@ -28,7 +28,7 @@ std::string workingFolder()
 std::string projectsThereAre(const reelhost::Facility& facility)
 {
   const auto names = facility.projectNames();
-  return names.empty() ? "this facility has none; reeldb project new NAME makes one"
+  return names.empty() ? "this facility has no projects; reeldb project new NAME makes one"
                        : fmt::format("this facility has: {}", fmt::join(names, ", "));
 }
 
@@ -39,9 +39,10 @@ reelhost::Facility& requireFacility()
   return guarded([]() -> reelhost::Facility& {
     reelhost::Facility& facility = reelhost::facility();
     if (facility.directory().empty())
-      throw Error(ErrorKind::Refused, fmt::format("{}: no facility (facility.toml not found here or above; reeldb init "
-                                                  "makes one, -C DIR or REELDB_FACILITY names one)",
-                                                  workingFolder()));
+      throw Error(ErrorKind::Refused,
+                  fmt::format("{}: not in a facility (facility.toml not found here or above; reeldb init "
+                              "makes one, -C DIR or REELDB_FACILITY names one)",
+                              workingFolder()));
     return facility;
   });
 }
@@ -69,7 +70,7 @@ Session::Session(const std::optional<std::string>& project, Access access)
 {
   guarded([&] {
     const std::string name = chosenProject(project);
-    manager(); // before the project is entered, so that it hears of that
+    manager(); // before the project is entered, so that it is notified of that
     reelhost::openProject(name, access == Access::Write ? reelhost::Access::Write : reelhost::Access::Read);
   });
 }

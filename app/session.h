@@ -15,8 +15,8 @@ namespace reeldb::app {
 inline constexpr const char* projectVariable = "REELDB_PROJECT";
 
 /// The name of the project to work on: @p asked, else the one in projectVariable unless that is empty, else the
-/// facility's default. Throws Error (Refused), which lists the
-/// projects there are, when there is no default or no project of that name.
+/// facility's default. Throws Error (Refused), which lists the existing projects, if there is no default or no project
+/// of that name.
 std::string chosenProject(const std::optional<std::string>& asked);
 
 enum class Access { Read, Write };
@@ -25,7 +25,7 @@ enum class Access { Read, Write };
 /// thread.
 class Session {
 public:
-  /// Opens the chosenProject and enters it. Throws Error also when the project cannot be opened for this access.
+  /// Opens the chosenProject and enters it. Also throws Error if the project cannot be opened for this access.
   Session(const std::optional<std::string>& project, Access access);
   ~Session();
   Session(const Session&) = delete;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Shots by their logs, and the one mapping between the host's shots and the readers' clips. For the sources of this
+// Shots by their logs, and the conversion between the host's shots and the readers' clips. For the sources of this
 // room.
 #ifndef REELDB_APP_SHOT_LOGS_H
 #define REELDB_APP_SHOT_LOGS_H
@@ -15,14 +15,14 @@
 
 namespace reeldb::app {
 
-/// One text of a shot: its name in reports, and where a shot and the host's have it.
+/// One text of a shot: its name in reports, and its members in a Shot and in the host's Material.
 struct ShotText {
   const char* name;
   std::string Shot::*text;
   std::string reelhost::Material::*material;
 };
 
-/// The texts of a shot, in the order of reports. Reports have the other names of its reel and its channels after them.
+/// The texts of a shot, in the order of reports. In reports the other names of its reel, and its channels, follow.
 inline constexpr std::array<ShotText, 8> shotTexts = {{
     {"reel", &Shot::reel, &reelhost::Material::reel},
     {"clip", &Shot::clipName, &reelhost::Material::name},
@@ -36,12 +36,12 @@ inline constexpr std::array<ShotText, 8> shotTexts = {{
 
 /// The shot that a clip becomes.
 reelhost::Material materialFrom(const Shot& shot);
-/// The clip that becomes the shot: the way back.
+/// The clip that becomes the shot.
 Shot shotFrom(const reelhost::Material& material);
 
 std::vector<Shot> shotsFrom(const CookieVec& logs);
 
-/// Equal for the same shot: reel (ASCII case aside), clip name, source in, source out and tracks are equal.
+/// A key that is equal for the same shots: reel (ignoring ASCII case), clip name, source in, source out and tracks.
 std::string shotKey(const Shot& shot);
 
 } // namespace reeldb::app

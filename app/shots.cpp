@@ -16,7 +16,7 @@ namespace reeldb::app {
 
 namespace {
 
-constexpr char divider = '\n'; ///< between the other names that a shot carries; no name holds it
+constexpr char divider = '\n'; ///< between the other names of a shot; no name contains it
 
 std::vector<std::string> divided(const std::string& text)
 {
@@ -69,7 +69,7 @@ std::string shotKey(const Shot& shot)
 {
   std::string key = base::fold(shot.reel);
   for (const std::string* part : {&shot.clipName, &shot.sourceIn, &shot.sourceOut, &shot.tracks}) {
-    key += '\0'; // no text holds it
+    key += '\0'; // no text contains it
     key += *part;
   }
   return key;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Shots of the open project. A shot is shown as the clip that becomes it: texts as they are stored, line 0.
+// Shots of the open project. A shot has the form of the clip that becomes it: texts as they are stored, line 0.
 #ifndef REELDB_APP_SHOTS_H
 #define REELDB_APP_SHOTS_H
 
@@ -20,7 +20,7 @@ struct ReelShots {
   std::vector<Shot> shots;
 };
 
-/// The shots recorded from the reel, letter case aside, in the order of the database. Throws Error (NotFound).
+/// The shots recorded from the reel, ignoring letter case, in the order of the database. Throws Error (NotFound).
 ReelShots shotsOfReel(Session& session, const std::string& id);
 
 /// All shots of the project, in the order of creation.

@@ -18,8 +18,8 @@ ReelTypes listTypes()
   const auto file = requireFacility().deviceDataDirectory() / "reeltype.dat";
   std::error_code none;
   if (!std::filesystem::exists(file, none))
-    result.remarks.push_back(fmt::format("{}: not there, so there are no reel types", file.native()));
-  // Only names that are listed are asked for: asking for another would list it.
+    result.remarks.push_back(fmt::format("{}: not found, so there are no reel types", file.native()));
+  // Only listed names are looked up, because the library adds a name that is looked up to the list.
   ReelTypeManager& types = *theReelTypeManager();
   for (AssocListIter it(types); const AssocListRep::Entry* entry = *it; ++it)
     result.types.push_back(

@@ -11,7 +11,7 @@ namespace reeldb::app {
 
 struct ReelType {
   std::string name;
-  int videoChannels = 0; ///< as the parameters say, so it may be negative
+  int videoChannels = 0; ///< the value of the parameter; it may be negative
   int audioChannels = 0;
   std::string parameters;
 };
@@ -21,7 +21,7 @@ struct ReelTypes {
   std::vector<std::string> remarks; ///< why there are no types; "subject: fact (cause)"
 };
 
-/// The catalogue of the process, which the library reads once. Throws Error when there is no facility.
+/// The catalogue of the process, which the library reads once. Throws Error if there is no facility.
 ReelTypes listTypes();
 
 } // namespace reeldb::app

@@ -15,7 +15,7 @@ namespace reeldb::app {
 
 namespace {
 
-/// All that is known of the reels, by log, to find out what became of them: an identifier may change.
+/// The fields of all reels by log, for comparison. The key is the log because identifiers may change.
 using Snapshot = std::map<std::string, Reel>;
 
 std::string nameOf(const Cookie& log)
@@ -103,7 +103,7 @@ public:
   }
 
 private:
-  /// A log that bears the identifier of a reel of interest that is gone becomes the one of interest.
+  /// If the reel of interest was deleted, the next log with its identifier becomes the reel of interest.
   bool isOfInterest(const std::string& log, const std::string& reel)
   {
     if (!reel_)
@@ -117,7 +117,7 @@ private:
   {
     log_ = log;
     reel_ = reel;
-    setReelIdOfInterest(hostText(reel)); // letter for letter
+    setReelIdOfInterest(hostText(reel)); // case-sensitive
   }
 
   void report(What what, const std::string& log, const std::string& reel)
@@ -144,8 +144,8 @@ private:
 
   ReelDbManager& manager_;
   const Listener listener_;
-  std::optional<std::string> reel_; ///< of interest, as its record spells it
-  std::string log_;                 ///< the log of that reel; empty while there is none
+  std::optional<std::string> reel_; ///< the reel of interest, as its record spells it
+  std::string log_;                 ///< the log of that reel; empty while it does not exist
   Snapshot known_;
 };
 

@@ -15,7 +15,7 @@
 
 namespace reeldb::app {
 
-/// One thing that happened.
+/// One event.
 struct ReelEvent {
   enum class What {
     New,      ///< the reel was created

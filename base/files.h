@@ -122,7 +122,7 @@ namespace detail {
 inline void requireRegular(const std::filesystem::path& path, mode_t mode)
 {
   if (!S_ISREG(mode))
-    throw FileError(FileFault::NotRegular, path, "no regular file", kindOfFile(mode));
+    throw FileError(FileFault::NotRegular, path, "not a regular file", kindOfFile(mode));
 }
 
 /// The status of the regular file that @p path leads to.
@@ -265,7 +265,7 @@ inline void nameNewFile(TemporaryFile& file, const std::filesystem::path& path)
   if ((errno == EINVAL || errno == ENOSYS) && ::link(file.path().c_str(), path.c_str()) == 0)
     return;
   if (errno == EEXIST)
-    throw FileError(FileFault::Exists, path, "exists already");
+    throw FileError(FileFault::Exists, path, "already exists");
   throw FileError(path, "cannot be made", errno);
 }
 
@@ -297,7 +297,7 @@ inline void replaceFile(const std::filesystem::path& path, std::string_view cont
       mode = status.st_mode & 0777; // the new content is as private as the old one
     }
     if (ifThere == IfThere::Refuse)
-      throw FileError(FileFault::Exists, path, "exists already");
+      throw FileError(FileFault::Exists, path, "already exists");
     std::error_code error;
     if (followsLinks)
       target = std::filesystem::canonical(path, error);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The benchmarks: ratios measured side by side in one run, printed as a table. BENCH_JSON names a file for the figures,
-// BENCH_GROWTH one for the curves that bench/growth.gp draws.
+// and BENCH_GROWTH a file for the curves that bench/growth.gp draws.
 #include <fmt/core.h>
 #include <sqlite3.h>
 #include <strings.h>
@@ -170,7 +170,7 @@ void imports(Table& table)
   }
 }
 
-/// Reads what a listing reads: the reels with their fields, and how many shots carry each identifier.
+/// Reads what a listing reads: the reels with their fields, and the number of shots of each identifier.
 std::size_t readRows(const std::string& file)
 {
   sqlite3* db = nullptr;
@@ -196,7 +196,7 @@ std::size_t readRows(const std::string& file)
   return bytes;
 }
 
-/// What a process of its own takes for the project, as text.
+/// The memory that a separate process uses for the project, as text.
 std::string memoryOf(const std::string& file, int reels, int shots)
 {
   double listed = 0, all = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What one would write by hand: reads "reel<TAB>clip" lines and puts the shots and the reels they need into an SQLite
-// file, in one transaction, with an index that ignores case. by_hand_import LIST DATABASE
+// An import without reeldb, for comparison: reads "reel<TAB>clip" lines and stores the shots and their reels in an
+// SQLite file, in one transaction, with an index that ignores case. by_hand_import LIST DATABASE
 #include <sqlite3.h>
 
 #include <cstdio>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One operation on a project of 10,000 reels, to be counted by callgrind: count_once SCENARIO. Collection is off but
-// for the operation, which has been done once before, so that nothing in it happens for the first time.
+// One operation on a project of 10,000 reels, to be counted by callgrind: count_once SCENARIO. Collection is on only
+// during the operation, which has run once before, so that costs of a first run are not counted.
 #include <valgrind/callgrind.h>
 
 #include <cstdio>

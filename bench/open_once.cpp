@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What an open project takes in memory: open_once FILE prints by how many bytes the process has grown when it has
-// listed the reels, and when it has all shots as well.
+// The memory of an open project: open_once FILE prints the bytes by which the process has grown after it has listed the
+// reels, and after it has also loaded all shots.
 #include <sys/resource.h>
 
 #include <cstdio>

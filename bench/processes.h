@@ -6,14 +6,14 @@
 
 namespace reeldb_bench {
 
-/// Runs a shell command; what it prints is thrown away. Throws when it fails, unless @p status is the answer expected.
+/// Runs a shell command and discards its output. Throws if its exit status is not @p status.
 void run(const std::string& command, int status = 0);
 
-/// Runs a shell command and answers what it prints on standard output. Throws when it fails.
+/// Runs a shell command and returns its standard output. Throws if it fails.
 std::string outputOf(const std::string& command);
 
 /// Instructions that callgrind collected in the command, whose program turns collection on and off itself. The CPU
-/// features are pinned: which variant of a string function runs would otherwise depend on the machine.
+/// features are fixed, because the variants of string functions would otherwise depend on the machine.
 double instructionsOf(const std::string& command);
 
 } // namespace reeldb_bench

@@ -11,7 +11,7 @@
 
 namespace reeldb_bench {
 
-/// Milliseconds that one run took.
+/// The milliseconds of one run.
 inline double timeOf(const std::function<void()>& work)
 {
   const auto start = std::chrono::steady_clock::now();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is measured on: projects of a given size, and the bare loops of host calls that the library's operations are
-// measured against. A bare loop makes exactly the host calls the operation makes and nothing else.
+// The subjects of measurements: projects of a given size, and the bare loops of host calls with which the library's
+// operations are compared. A bare loop makes exactly the host calls of the operation and does nothing else.
 #ifndef REELDB_BENCH_SUBJECTS_H
 #define REELDB_BENCH_SUBJECTS_H
 
@@ -13,15 +13,15 @@
 
 namespace reeldb_bench {
 
-/// "A000001_C" and so on: of one length, none a prefix of another.
+/// "A000001_C" and so on: all have the same length, so none is a prefix of another.
 std::string reelName(int n);
 
-/// Opens a project in memory with that many reels and that many shots of each, and has the manager list the reels.
+/// Opens a project in memory with these numbers of reels, and of shots per reel, and lets the manager list the reels.
 void openProjectInMemory(int reels, int shotsPerReel);
 /// Writes the same project to a file.
 void writeProject(const std::string& file, int reels, int shotsPerReel);
 
-/// The scan for an identifier that no reel has.
+/// Scans for an identifier that no reel has.
 bool bareScan(const CookieVec& reels, const char* id);
 void bareIdentifiers(const CookieVec& reels, std::vector<LightweightString<char>>& out);
 void bareCompatible(const CookieVec& reels, int device, std::vector<LightweightString<char>>& out);

@@ -13,7 +13,7 @@ namespace reeldb_bench {
 
 namespace {
 
-/// Writes the text to the file that the environment variable names, if it names one.
+/// Writes the text to the file that the environment variable names. Does nothing if the variable is not set.
 void writeWanted(const char* variable, const std::string& text)
 {
   const char* const file = std::getenv(variable);

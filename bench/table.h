@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The table of results: one row a ratio, with its target and whether it was met.
+// The table of results: one row per ratio, with its target and whether it was met.
 #ifndef REELDB_BENCH_TABLE_H
 #define REELDB_BENCH_TABLE_H
 
@@ -18,14 +18,14 @@ struct Row {
   std::string unit; ///< of ours and theirs: "ms", "instructions", "x" for growth
   double ours = 0;
   double theirs = 0;
-  std::optional<double> target; ///< at most; none: reported only
+  std::optional<double> target; ///< the highest accepted ratio; without a target the ratio is only reported
   std::string note;
 
   double ratio() const { return ours / theirs; }
   bool met() const { return !target || ratio() <= *target; }
 };
 
-/// What an operation and its bare loop cost in a project of this size, in milliseconds.
+/// The cost of an operation and of its bare loop in a project of this size, in milliseconds.
 struct Point {
   int reels;
   double ours, bare;

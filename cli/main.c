@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The program. It names the facility to the library, which reads it while it is loaded, and then loads one module with
-// commands, library and host, as an application loads its modules. It is C and links neither: the library's operator
-// new has to be the one of the process.
+// The program. It sets the facility in the environment, because the library reads it while it is loaded. Then it loads
+// one module with the commands, the library and the host, as an application loads its modules. It is written in C and
+// links none of them, so that the library's operator new becomes the process's.
 #define _GNU_SOURCE
 #include <dlfcn.h>
 #include <stdbool.h>
@@ -16,7 +16,7 @@
 
 enum { exit_unreadable = 3 };
 
-/// Writes the message to standard error in ASCII alone: nothing that could escape it is loaded yet.
+/// Writes the message to standard error in ASCII only, because the module with displayText may not be loaded.
 static void print_message(const char* text)
 {
   fputs("reeldb: ", stderr);
@@ -30,8 +30,7 @@ static bool starts_with(const char* text, const char* start)
   return strncmp(text, start, strlen(start)) == 0;
 }
 
-/// The folder that the first -C of the line names; null without one. The module reads the whole line again and reports
-/// what is wrong with it.
+/// The folder of the first -C on the line; null without -C. The module reads the line again and reports its errors.
 static const char* asked_facility(int argc, char** argv)
 {
   for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i) {
@@ -49,8 +48,8 @@ static const char* asked_facility(int argc, char** argv)
   return NULL;
 }
 
-/// Whether the line shows a text or makes a facility: then none is named, because the library would read it, and print
-/// what is odd about its reel types.
+/// Whether the line only shows a text or makes a facility. Such a line gets no facility, because the library would read
+/// it and print warnings about its reel types.
 static bool needs_no_facility(int argc, char** argv)
 {
   const char* command = NULL;
@@ -67,8 +66,7 @@ static bool needs_no_facility(int argc, char** argv)
   return !command || strcmp(command, "init") == 0 || strcmp(command, "help") == 0;
 }
 
-/// The nearest folder with a facility.toml, from the working folder upwards; null when there is none. The caller frees
-/// it.
+/// The nearest folder with a facility.toml, from the working folder upwards; null if there is none. To be freed.
 static char* nearest_facility(void)
 {
   char* folder = getcwd(NULL, 0);
@@ -89,7 +87,7 @@ static char* nearest_facility(void)
   return NULL;
 }
 
-/// Names the facility to the host: the one that was asked for, else the one of the environment, else the nearest.
+/// Sets the facility for the host: @p asked, else the one of the environment, else the nearest.
 static void choose_facility(int argc, char** argv)
 {
   const char* const asked = asked_facility(argc, argv);
@@ -106,8 +104,8 @@ static void choose_facility(int argc, char** argv)
   }
 }
 
-/// Loads the module from one of its places, seen from the program's folder: the build tree, the same folder, the
-/// installed tree. Null after a message.
+/// Loads the module from one of three places, relative to the program's folder: the build tree, the same folder, the
+/// installed tree. Null, after a message, if that fails.
 static void* load_module(void)
 {
   static const char* const places[] = {"../lib", ".", REELDB_MODULE_FOLDER};
@@ -124,7 +122,7 @@ static void* load_module(void)
     snprintf(path, sizeof path, "%s/%s/libreelcli.so", program, places[i]);
     if (access(path, F_OK) != 0)
       continue;
-    // Global: the library's operator new is the process's, as in a program that is linked to it.
+    // Global, so that the library's operator new becomes the process's, as in a program that links the library.
     void* const module = dlopen(path, RTLD_NOW | RTLD_GLOBAL);
     if (!module)
       print_message(dlerror());
@@ -138,7 +136,7 @@ static void* load_module(void)
 
 int main(int argc, char** argv)
 {
-  // Shells ask what may follow on a line by running it so far, with this in the environment.
+  // For completion, a shell runs the line typed so far, with this variable in the environment.
   const char* const typed = getenv("REELDB_COMPLETE");
   const bool is_typed = typed && *typed;
   if (!is_typed && needs_no_facility(argc, argv))
@@ -149,7 +147,7 @@ int main(int argc, char** argv)
   if (!module)
     return exit_unreadable;
   reeldb_main_function* run = NULL;
-  *(void**)&run = dlsym(module, is_typed ? "reeldb_complete" : "reeldb_main"); // the way that C allows
+  *(void**)&run = dlsym(module, is_typed ? "reeldb_complete" : "reeldb_main"); // C allows only this conversion
   if (!run) {
     print_message("libreelcli.so: does not belong to this program (entry point missing)");
     return exit_unreadable;

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Measures what the tests run: clang's source-based coverage in every target. A test that lets a child process abort on
-# purpose counts too, so each program and each library writes its counters when SIGABRT comes.
+# Measures the code that the tests run: clang's source-based coverage in every target. Tests that let a child process
+# abort on purpose count, too, so each program and each library writes its counters on SIGABRT.
 if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
   message(FATAL_ERROR "REELDB_COVERAGE: needs clang (have ${CMAKE_CXX_COMPILER_ID})")
 endif()

@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# Has everything tell a fuzzer where it goes. The fuzzer itself is linked into the fuzz targets alone.
+# Compiles everything with the instrumentation that a fuzzer needs. Only the fuzz targets link the fuzzer itself.
 if(NOT CMAKE_CXX_COMPILER_ID MATCHES Clang)
   message(FATAL_ERROR "REELDB_FUZZ: needs clang (have ${CMAKE_CXX_COMPILER_ID})")
 endif()

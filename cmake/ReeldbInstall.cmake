@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: Apache-2.0
-# What is installed, and where: all of it relative to the prefix, so that an installed tree can be moved.
+# The installed files and their places. All are relative to the prefix, so that an installed tree can be moved.
 #
 #   runtime      the three libraries, for programs that are linked to them
 #   development  headers, CMake package, pkg-config files, host contract, examples, reeldb-host-check
@@ -10,7 +10,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/reeldb)
 set(data_dir ${CMAKE_INSTALL_DATADIR}/reeldb)
 set(contract_dir ${data_dir}/host-contract)
 
-# --- The libraries. Their headers are C++17, whatever they are themselves built as.
+# --- The libraries. Their headers need only C++17, although their sources need C++20.
 target_compile_features(reeldb INTERFACE cxx_std_17)
 target_compile_features(reelhost_values INTERFACE cxx_std_17)
 set_target_properties(reelhost reelhost_values PROPERTIES INSTALL_RPATH "$ORIGIN")
@@ -38,7 +38,7 @@ install(FILES
   ${CMAKE_CURRENT_LIST_DIR}/ReeldbHostContract.cmake
   DESTINATION ${package_dir} COMPONENT development)
 
-# --- pkg-config: the library alone, with the standalone host, and the values for a host of one's own
+# --- pkg-config: the library alone, the library with the standalone host, and the values for other hosts
 file(RELATIVE_PATH pc_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 string(REGEX REPLACE "/$" "" pc_prefix "${pc_prefix}")
 function(reeldb_install_pkgconfig pc_name pc_description)
@@ -63,7 +63,7 @@ install(FILES ${contract_sources}
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${data_dir}/examples COMPONENT development
   FILES_MATCHING PATTERN "*.cpp" PATTERN "*.h" PATTERN "*/CMakeLists.txt" PATTERN "*.md")
 
-# The documents name these as they lie in the project.
+# The documents name these files by their places in the project.
 function(reeldb_install_link name target)
   file(RELATIVE_PATH path ${CMAKE_INSTALL_FULL_DOCDIR} ${target})
   file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/links)
@@ -73,8 +73,8 @@ endfunction()
 reeldb_install_link(examples ${CMAKE_INSTALL_FULL_DATADIR}/reeldb/examples)
 reeldb_install_link(include ${CMAKE_INSTALL_FULL_INCLUDEDIR}/reeldb)
 
-# --- The command brings its own program and module; with it go the lists to try it on, what shells need to complete its
-# lines, and its manual pages, which the build makes.
+# --- The command: its program and module, example lists, completions for shells, and manual pages, which the build
+# makes.
 file(GLOB lists CONFIGURE_DEPENDS
   ${PROJECT_SOURCE_DIR}/examples/*.edl ${PROJECT_SOURCE_DIR}/examples/*.ale ${PROJECT_SOURCE_DIR}/examples/*.csv)
 install(FILES ${lists} DESTINATION ${data_dir}/examples COMPONENT tool)
@@ -85,7 +85,7 @@ install(FILES ${completions}/_reeldb DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/ve
 install(FILES ${completions}/reeldb.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT tool)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/share/ DESTINATION ${CMAKE_INSTALL_DATADIR} COMPONENT tool)
 
-# --- Documents, in the folders in which their links lead to each other: those about using the command go with it
+# --- Documents, in folders in which their links are valid. Those about the command are installed with it.
 set(tool_documents index.md glossary.md performance.md formats pictures)
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGES.md ${PROJECT_SOURCE_DIR}/LICENSE
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT tool)

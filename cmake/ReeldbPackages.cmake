@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The Debian packages: `make package` (preset "package") writes them into build/package. One for each part of what is
-# installed; cmake/packages/finish.cmake adds what Debian wants in each.
+# The Debian packages: `make package` (preset "package") writes them into build/package, one for each component.
+# cmake/packages/finish.cmake adds the files that Debian requires in each.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_VENDOR "the reeldb developers")
 set(CPACK_PACKAGE_CONTACT "the reeldb developers <maintainers@reeldb.example>")
@@ -27,7 +27,7 @@ which shots were recorded from each, what type they are and which devices
 accept them.")
 
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME libreeldb${PROJECT_VERSION_MAJOR})
-# Which package a program needs that is linked to these libraries, and that the loader's list is to be made anew.
+# The package that a program needs if it is linked to these libraries, and the trigger that renews the loader's list.
 set(control ${PROJECT_BINARY_DIR}/debian)
 foreach(library IN ITEMS libreeldb libreelhost libreelhostvalues)
   string(APPEND shlibs

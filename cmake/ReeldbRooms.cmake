@@ -1,7 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# The rooms of the house, and who may see whom. The compiler enforces it: a room is a target, and the folder that this
-# makes for it holds a link to each room it may see, and nothing else. An include that leads elsewhere is not found;
-# tests/rooms tries it.
+# The rooms, and the rooms that each may see. The compiler enforces it: a room is a target, and its include path is a
+# folder with links to the rooms that it may see. The compiler does not find other includes; tests/rooms checks that.
 
 # reeldb_room_sees(TARGET PUBLIC|PRIVATE ROOM...): TARGET includes the headers of each ROOM, a folder of the project or
 # one header of it, by its own name: "lists/list.h" of lists, "text/table.h" of cli/text. PUBLIC: so does what is linked

@@ -1,9 +1,9 @@
 # SPDX-License-Identifier: Apache-2.0
-# reeldb_warnings(target): the warnings every target of this project is built with. Never PUBLIC: what a user of the
-# library turns on is the user's business.
+# reeldb_warnings(target): sets the warnings for a target of this project. Never PUBLIC, because users of the library
+# choose their own warnings.
 function(reeldb_warnings target)
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wconversion -Wshadow
-    # g++ 12 takes the text of `"x" + string` to overlap itself when it optimises: never true, so never useful.
+    # An optimising g++ 12 warns that the text of `"x" + string` overlaps itself, which is never true.
     $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict>)
   if(REELDB_WERROR)
     target_compile_options(${target} PRIVATE -Werror)

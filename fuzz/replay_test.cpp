@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Gives a fuzz target every input that is kept for it: the corpus a fuzzer starts from, and what fuzzers have found. It
-// needs no fuzzer, so every build of the tests has it.
+// Gives a fuzz target all of its kept inputs: the corpus from which a fuzzer starts, and the findings of fuzzers. It
+// needs no fuzzer, so every build of the tests contains it.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,11 +32,11 @@ std::vector<fs::path> filesIn(const fs::path& folder)
 void replay(const std::vector<fs::path>& files)
 {
   for (const fs::path& file : files) {
-    std::cout << file.native() << std::endl; // seen when the target takes the process with it
+    std::cout << file.native() << std::endl; // shows the input if the target ends the process
     std::ifstream in(file, std::ios::binary);
     ASSERT_TRUE(in) << file << ": cannot be opened";
     const std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    // In a buffer of its own, at the end of which a reader that goes too far is caught.
+    // A buffer of the exact size, so that a sanitizer detects reads behind its end.
     const std::vector<std::uint8_t> data(bytes.begin(), bytes.end());
     try {
       EXPECT_EQ(LLVMFuzzerTestOneInput(data.data(), data.size()), 0) << file;

@@ -39,12 +39,12 @@ enum Column : std::size_t {
   CutRecordIn,
   CutRecordOut,
   ColonsAsWritten,
-  kColumns,
+  ColumnCount,
   AlsoCalled, ///< "Reel Also Called 1", 2, ...: the only column that a log may have several times
 };
 
 /// The titles of the columns, which are case-sensitive.
-constexpr std::array<std::string_view, kColumns> kTitles = {
+constexpr std::array<std::string_view, ColumnCount> columnTitles = {
     "Name",
     "Tape",
     "Tracks",
@@ -64,26 +64,26 @@ constexpr std::array<std::string_view, kColumns> kTitles = {
     "Colons As Written",
 };
 
-constexpr std::string_view kAlsoCalled = "Reel Also Called ";
+constexpr std::string_view alsoCalledTitle = "Reel Also Called ";
 
-constexpr std::array kTimes = {Start, End};
-constexpr std::array kTimecodes = {Start, End, CutRecordIn, CutRecordOut};
+constexpr std::array timeColumns = {Start, End};
+constexpr std::array timecodeColumns = {Start, End, CutRecordIn, CutRecordOut};
 
 /// A rate in the heading above this is ignored.
-constexpr int kMostFramesASecond = 999;
+constexpr int mostFramesASecond = 999;
 
 /// The frames per second of the timecode of a video format's tapes, whatever the rate of the project.
-constexpr std::array<std::pair<std::string_view, int>, 2> kFormatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
+constexpr std::array<std::pair<std::string_view, int>, 2> formatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
 
 /// Columns with another name of the row's source.
-constexpr std::array kAliases = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
+constexpr std::array aliasColumns = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
 
 /// The tracks of a source when the log has none: a picture.
-constexpr std::string_view kDefaultTracks = "V";
+constexpr std::string_view defaultTracks = "V";
 
 /// The cells of a row that the reader uses, without outer blanks. A cell that the row does not have is empty.
 struct Cells {
-  std::array<std::string_view, kColumns> texts;
+  std::array<std::string_view, ColumnCount> texts;
   std::vector<std::string_view> alsoCalled;
   std::size_t count = 0; ///< the number of all cells of the row
 
@@ -95,7 +95,7 @@ std::string lacking(const std::vector<Column>& columns, const std::string& what 
 {
   std::string result;
   for (Column column : columns)
-    result += (result.empty() ? "no " : ", no ") + what + "'" + std::string(kTitles[column]) + "'";
+    result += (result.empty() ? "no " : ", no ") + what + "'" + std::string(columnTitles[column]) + "'";
   return result;
 }
 
@@ -110,7 +110,7 @@ int framesASecond(std::string_view rate)
   int whole = 0;
   const auto [end, error] = std::from_chars(rate.data(), rate.data() + rate.size(), whole);
   std::string_view rest(end, static_cast<std::size_t>(rate.data() + rate.size() - end));
-  if (error != std::errc() || whole < 0 || whole > kMostFramesASecond || (!rest.empty() && rest.front() != '.'))
+  if (error != std::errc() || whole < 0 || whole > mostFramesASecond || (!rest.empty() && rest.front() != '.'))
     return 0;
   return whole + (rest.find_first_of("123456789") == std::string_view::npos ? 0 : 1);
 }
@@ -129,7 +129,7 @@ std::string asWritten(const Cells& cells, Column column)
 {
   std::string timecode(cells[column]);
   const std::size_t separator = timecode.rfind(';');
-  if (separator != std::string::npos && cells[ColonsAsWritten].find(kTitles[column]) != std::string_view::npos)
+  if (separator != std::string::npos && cells[ColonsAsWritten].find(columnTitles[column]) != std::string_view::npos)
     timecode[separator] = ':';
   return timecode;
 }
@@ -168,7 +168,7 @@ private:
   Proof rate_;       ///< the heading's rate; line 0 if it does not say
   /// The columns that the reader uses: their positions from left to right, and the position of each.
   std::vector<std::pair<std::size_t, Column>> positions_;
-  std::array<std::optional<std::size_t>, kColumns> places_;
+  std::array<std::optional<std::size_t>, ColumnCount> places_;
   std::size_t titleCount_ = 0;
 };
 
@@ -244,7 +244,7 @@ void Reader::setting(int number, std::string_view line, std::string_view key, st
     frames_ = std::max(frames_, framesASecond(trim(value)));
     rate(number, line, trim(value));
   }
-  for (const auto& [format, frames] : kFormatFrames) {
+  for (const auto& [format, frames] : formatFrames) {
     if (base::sameName(key, "VIDEO_FORMAT") && base::sameName(trim(value), format))
       frames_ = std::max(frames_, frames);
   }
@@ -267,12 +267,12 @@ void Reader::titles(int number, std::string_view line)
   for (std::size_t position = 0; !rest.empty(); ++position) {
     const std::string_view title = trim(takeCell(rest));
     titleCount_ = position + 1;
-    otherCase = otherCase || base::sameName(title, kTitles[Name]);
-    const auto found = std::find(kTitles.begin(), kTitles.end(), title);
-    const auto column = static_cast<std::size_t>(found - kTitles.begin());
-    if (title.starts_with(kAlsoCalled))
+    otherCase = otherCase || base::sameName(title, columnTitles[Name]);
+    const auto found = std::find(columnTitles.begin(), columnTitles.end(), title);
+    const auto column = static_cast<std::size_t>(found - columnTitles.begin());
+    if (title.starts_with(alsoCalledTitle))
       positions_.emplace_back(position, AlsoCalled);
-    if (column == kColumns || places_[column]) // the first of two columns with one title counts
+    if (column == ColumnCount || places_[column]) // the first of two columns with one title counts
       continue;
     places_[column] = position;
     positions_.emplace_back(position, static_cast<Column>(column));
@@ -281,12 +281,13 @@ void Reader::titles(int number, std::string_view line)
     throw Error(otherCase ? "log file without a column 'Name' (the case of column titles counts)"
                           : "log file without a column 'Name'");
   std::vector<Column> untimed;
-  std::copy_if(kTimes.begin(), kTimes.end(), std::back_inserter(untimed), [&](Column c) { return !hasColumn(c); });
+  std::copy_if(timeColumns.begin(), timeColumns.end(), std::back_inserter(untimed),
+               [&](Column c) { return !hasColumn(c); });
   if (!untimed.empty())
     collector_.warn(number, line, lacking(untimed, "column ") + " (the rows are kept " + withoutThem(untimed) + ")");
   if (!hasColumn(TracksColumn))
     collector_.warn(number, line,
-                    lacking({TracksColumn}, "column ") + " (the rows are kept as " + std::string(kDefaultTracks) + ")");
+                    lacking({TracksColumn}, "column ") + " (the rows are kept as " + std::string(defaultTracks) + ")");
 }
 
 Cells Reader::cellsOf(std::string_view line) const
@@ -335,11 +336,11 @@ std::string Reader::fault(const Cells& cells) const
   if (std::string fault = cutFault(cells); !fault.empty())
     return fault;
   const bool numbered = isFrameNumber(cells[Start]) && isFrameNumber(cells[End]);
-  for (Column column : kTimecodes) {
+  for (Column column : timecodeColumns) {
     if (cells[column].empty() || (numbered && (column == Start || column == End)))
       continue;
     if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
-      return std::string(kTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
+      return std::string(columnTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
   }
   if (!cells[TracksColumn].empty() && !parseLogTracks(cells[TracksColumn]))
     return "unknown tracks " + inQuotes(cells[TracksColumn]);
@@ -358,16 +359,17 @@ void Reader::row(int number, std::string_view line)
   clip.sourceFile = clean(cells[cells[SourceFile].empty() ? SourceFilePath : SourceFile]);
   clip.sourceIn = asWritten(cells, Start);
   clip.sourceOut = asWritten(cells, End);
-  clip.tracks = cells[TracksColumn].empty() ? std::string(kDefaultTracks) : clean(cells[TracksColumn]);
+  clip.tracks = cells[TracksColumn].empty() ? std::string(defaultTracks) : clean(cells[TracksColumn]);
   const Tracks tracks = parseLogTracks(clip.tracks).value_or(Tracks());
   clip.videoChannels = tracks.video;
   clip.audioChannels = tracks.audio;
   if (const std::string_view written = cells[TracksAsWritten];
-      !written.empty() && written.size() <= kNameBytes && firstControl(written).empty())
+      !written.empty() && written.size() <= nameBytes && firstControl(written).empty())
     clip.tracks = clean(written);
   clip.recordIn = asWritten(cells, CutRecordIn);
   clip.recordOut = asWritten(cells, CutRecordOut);
-  clip.dropFrame = std::any_of(kTimecodes.begin(), kTimecodes.end(), [&](Column c) { return isDropFrame(cells[c]); });
+  clip.dropFrame =
+      std::any_of(timecodeColumns.begin(), timecodeColumns.end(), [&](Column c) { return isDropFrame(cells[c]); });
   // A column of rates is about the tapes, the heading about the project: also of tapes of a format that counts more.
   if (!hasColumn(Fps))
     clip.frameRate = rate_.line != 0 && framesASecond(rate_.says) == frames_ ? rate_.says : std::string();
@@ -375,7 +377,7 @@ void Reader::row(int number, std::string_view line)
     clip.frameRate = rateName(*own);
   for (const std::string_view name : cells.alsoCalled)
     clip.aliases.push_back(clean(name));
-  for (Column column : kAliases)
+  for (Column column : aliasColumns)
     clip.aliases.push_back(clean(cells[column]));
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
@@ -399,12 +401,12 @@ void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
   const bool rowHasMore = own && own->frames > frames_;
   const int frames = rowHasMore ? own->frames : frames_;
   std::vector<Column> empty;
-  for (Column column : kTimes) {
+  for (Column column : timeColumns) {
     if (hasColumn(column) && cells[column].empty())
       empty.push_back(column);
     else if (frames > 0 && !cells[column].empty() && !isFrameNumber(cells[column]) && framesOf(cells[column]) >= frames)
       collector_.warn(number, line,
-                      std::string(kTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
+                      std::string(columnTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
                           std::to_string(frames) + " frames per second of the " + (rowHasMore ? "row" : "heading") +
                           " (kept as it is)");
   }

@@ -16,7 +16,7 @@ namespace reeldb::lists {
 namespace {
 
 /// The two rates with drop frame.
-constexpr FrameRate kLowerDropFrame = {30, true}, kHigherDropFrame = {60, true};
+constexpr FrameRate lowerDropFrame = {30, true}, higherDropFrame = {60, true};
 
 /// Removes empty and repeated names, the reel's own name and names that never mean a reel.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
@@ -34,9 +34,9 @@ std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_v
 /// Why a name cannot be kept as it is; empty if it can.
 std::string nameFault(std::string_view what, std::string_view name)
 {
-  if (name.size() > kNameBytes)
+  if (name.size() > nameBytes)
     return std::string(what) + " " + inQuotes(name) + " has " + std::to_string(name.size()) + " bytes (at most " +
-           std::to_string(kNameBytes) + ")";
+           std::to_string(nameBytes) + ")";
   if (const std::string_view control = firstControl(name); !control.empty())
     return std::string(what) + " " + inQuotes(name) + " holds a control character (" + base::displayText(control) + ")";
   return {};
@@ -73,7 +73,7 @@ bool hasFrames(const std::string& timecode)
 /// has that number of frames.
 std::string dropFrameFault(const std::string& timecode, const std::string& clipRate)
 {
-  FrameRate rate = framesOf(timecode) < kLowerDropFrame.frames ? kLowerDropFrame : kHigherDropFrame;
+  FrameRate rate = framesOf(timecode) < lowerDropFrame.frames ? lowerDropFrame : higherDropFrame;
   if (const auto own = rateOf(clipRate); own && hasDropFrame(*own))
     rate = *own;
   if (framesOf(timecode) >= rate.frames)
@@ -127,7 +127,7 @@ void Collector::special(std::string_view text, std::string_view reason, int line
   key += reason;
   const auto [entry, isNew] = specials_.try_emplace(std::move(key), list_.specials.size());
   if (isNew)
-    list_.specials.push_back({shortened(text, kShownBytes), std::string(reason), 0, {}});
+    list_.specials.push_back({shortened(text, shownBytes), std::string(reason), 0, {}});
   Special& known = list_.specials[entry->second];
   ++known.count;
   known.lines.push_back(line);
@@ -135,12 +135,12 @@ void Collector::special(std::string_view text, std::string_view reason, int line
 
 void Collector::reject(int line, std::string_view text, std::string reason)
 {
-  list_.rejected.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
+  list_.rejected.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
 }
 
 void Collector::warn(int line, std::string_view text, std::string reason)
 {
-  list_.warnings.push_back({line, shortened(trim(text), kShownBytes), std::move(reason)});
+  list_.warnings.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
 }
 
 void Collector::warnOfOrder(const Clip& clip, std::string_view text)
@@ -156,13 +156,13 @@ void Collector::rate(const std::string& rate, int line, std::string_view text)
 {
   std::vector<Proof>& rates = list_.timing.rates;
   if (std::none_of(rates.begin(), rates.end(), [&](const Proof& proof) { return proof.says == rate; }))
-    rates.push_back({rate, line, shortened(trim(text), kShownBytes)});
+    rates.push_back({rate, line, shortened(trim(text), shownBytes)});
 }
 
 void Collector::dropFrame(int line, std::string_view text)
 {
   if (!list_.timing.dropFrame)
-    list_.timing.dropFrame = Proof{"drop frame", line, shortened(trim(text), kShownBytes)};
+    list_.timing.dropFrame = Proof{"drop frame", line, shortened(trim(text), shownBytes)};
 }
 
 void Collector::noteTiming(Clip& clip, std::string_view text)
@@ -190,7 +190,7 @@ void Collector::noteTiming(Clip& clip, std::string_view text)
       continue;
     const int frames = framesOf(*timecode);
     const auto proof = [&, name = name, timecode = timecode] {
-      return Proof{std::string(name) + " " + *timecode, clip.line, shortened(trim(text), kShownBytes)};
+      return Proof{std::string(name) + " " + *timecode, clip.line, shortened(trim(text), shownBytes)};
     };
     if (!list_.timing.mostFrames || frames > list_.timing.frames) {
       list_.timing.frames = frames;
@@ -199,19 +199,19 @@ void Collector::noteTiming(Clip& clip, std::string_view text)
     if (!clip.dropFrame)
       continue;
     mostDropFrames_ = std::max(mostDropFrames_, frames);
-    if (frames >= kLowerDropFrame.frames && !higherDropFrame_)
+    if (frames >= lowerDropFrame.frames && !higherDropFrame_)
       higherDropFrame_ = proof();
   }
 }
 
 void Collector::proveRate()
 {
-  if (!higherDropFrame_ || mostDropFrames_ >= kHigherDropFrame.frames)
+  if (!higherDropFrame_ || mostDropFrames_ >= higherDropFrame.frames)
     return;
   for (Clip& clip : list_.clips)
     if (clip.dropFrame && clip.frameRate.empty())
-      clip.frameRate = rateName(kHigherDropFrame);
-  rate(rateName(kHigherDropFrame), higherDropFrame_->line, higherDropFrame_->text);
+      clip.frameRate = rateName(higherDropFrame);
+  rate(rateName(higherDropFrame), higherDropFrame_->line, higherDropFrame_->text);
 }
 
 const std::string& Collector::spelling(const std::string& reel) const

@@ -25,17 +25,17 @@ namespace reeldb::lists {
 namespace {
 
 /// Statements without information on reels. M2 only repeats a reel of the list.
-constexpr std::array<std::string_view, 7> kSilentStatements = {
+constexpr std::array<std::string_view, 7> silentStatements = {
     "M2", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
-constexpr std::string_view kTitle = "TITLE";
-constexpr std::string_view kFrameCodeMode = "FCM";
-constexpr std::string_view kDropFrame = "DROP";
-constexpr std::string_view kNonDropFrame = "NON";
-constexpr std::string_view kSourceMark = ">>>";
-constexpr std::string_view kSource = "SOURCE";
-constexpr std::string_view kReplacedReel = "FINAL CUT PRO REEL";
-constexpr std::string_view kReplacedBy = "REPLACED BY";
+constexpr std::string_view titleWord = "TITLE";
+constexpr std::string_view frameCodeModeWord = "FCM";
+constexpr std::string_view dropFrameWord = "DROP";
+constexpr std::string_view nonDropFrameWord = "NON";
+constexpr std::string_view sourceMark = ">>>";
+constexpr std::string_view sourceWord = "SOURCE";
+constexpr std::string_view replacedReelWords = "FINAL CUT PRO REEL";
+constexpr std::string_view replacedBy = "REPLACED BY";
 
 /// Whether the line starts with the statement as a whole word. If so, the word and a colon behind it are removed.
 bool takeStatement(std::string_view& line, std::string_view statement)
@@ -222,36 +222,36 @@ bool Reader::statement(int number, std::string_view line)
   Tally& tally = collector_.list().tally;
   int& counter = inEvents_ ? tally.statements : tally.headers;
   std::string_view rest = line;
-  for (std::string_view silent : kSilentStatements) {
+  for (std::string_view silent : silentStatements) {
     if (takeStatement(rest, silent)) {
       ++counter;
       return true;
     }
   }
-  if (takeStatement(rest, kFrameCodeMode)) {
+  if (takeStatement(rest, frameCodeModeWord)) {
     frameCodeMode(number, line, rest);
     ++counter;
     return true;
   }
-  if (takeStatement(rest, kTitle)) {
+  if (takeStatement(rest, titleWord)) {
     closeEvent();
     modes_.push_back({number, line, false}); // of the list before, if there was one
     if (collector_.list().title.empty())
-      collector_.list().title = shortened(rest, kShownBytes);
+      collector_.list().title = shortened(rest, shownBytes);
     ++counter;
     return true;
   }
-  if (takeStatement(rest, kReplacedReel)) {
+  if (takeStatement(rest, replacedReelWords)) {
     if (std::string fault = replacedReel(rest); fault.empty())
       ++counter;
     else
       collector_.reject(number, line, std::move(fault));
     return true;
   }
-  if (!rest.starts_with(kSourceMark))
+  if (!rest.starts_with(sourceMark))
     return false;
-  rest = trimLeft(rest.substr(kSourceMark.size()));
-  if (!takeStatement(rest, kSource))
+  rest = trimLeft(rest.substr(sourceMark.size()));
+  if (!takeStatement(rest, sourceWord))
     return false;
   closeEvent(); // notes below a row belong to the row
   if (std::string fault = table_.add(rest); !fault.empty()) {
@@ -267,23 +267,22 @@ std::string Reader::replacedReel(std::string_view statement)
 {
   const std::string fault = "replaced reel without one of its two names";
   const auto sameLetter = [](char a, char b) { return base::toLower(a) == base::toLower(b); };
-  const auto found =
-      std::search(statement.begin(), statement.end(), kReplacedBy.begin(), kReplacedBy.end(), sameLetter);
+  const auto found = std::search(statement.begin(), statement.end(), replacedBy.begin(), replacedBy.end(), sameLetter);
   if (found == statement.end())
     return fault;
   const auto at = static_cast<std::size_t>(found - statement.begin());
   const std::string reel = clean(statement.substr(0, at));
   std::string_view replacement = statement.substr(at);
-  if (!takeStatement(replacement, kReplacedBy))
+  if (!takeStatement(replacement, replacedBy))
     return fault;
   const std::string by = clean(replacement);
   if (reel.empty() || by.empty())
     return fault;
   if (const std::string_view control = firstControl(statement); !control.empty())
     return "replaced reel with a control character (" + base::displayText(control) + ")";
-  if (reel.size() > kNameBytes)
+  if (reel.size() > nameBytes)
     return "replaced reel " + inQuotes(reel) + " has " + std::to_string(reel.size()) + " bytes (at most " +
-           std::to_string(kNameBytes) + ")";
+           std::to_string(nameBytes) + ")";
   replaced_[base::fold(by)].push_back(reel);
   return {};
 }
@@ -296,9 +295,9 @@ void Reader::closeEvent()
 
 void Reader::frameCodeMode(int number, std::string_view line, std::string_view mode)
 {
-  if (base::startsWithName(mode, kDropFrame))
+  if (base::startsWithName(mode, dropFrameWord))
     modes_.push_back({number, line, true});
-  else if (base::startsWithName(mode, kNonDropFrame))
+  else if (base::startsWithName(mode, nonDropFrameWord))
     modes_.push_back({number, line, false});
 }
 
@@ -390,7 +389,7 @@ void Reader::decide(const EventSource& source, Digits digits)
   clip.sourceOut = source.fields.timecodes[1];
   clip.recordIn = source.fields.timecodes[2];
   clip.recordOut = source.fields.timecodes[3];
-  if (!source.tracks.empty() && source.tracks.size() <= kNameBytes && firstControl(source.tracks).empty())
+  if (!source.tracks.empty() && source.tracks.size() <= nameBytes && firstControl(source.tracks).empty())
     clip.tracks = source.tracks;
   takeAway(source.noTimecode, clip);
   clip.line = source.line;

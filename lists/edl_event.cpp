@@ -12,7 +12,7 @@ namespace reeldb::lists {
 namespace {
 
 /// Far more lines than any event has. The limit keeps the work small when all lines of a list have the same number.
-constexpr std::size_t kMostLines = 16;
+constexpr std::size_t mostLines = 16;
 
 enum class Role { From, To, Key };
 
@@ -214,7 +214,7 @@ void share(std::vector<Side>& sides, Field field)
 
 bool EdlEvent::takes(const EventLine& fields) const
 {
-  if (sources_.empty() || sources_.size() == kMostLines || sources_.back().fields.number != fields.number)
+  if (sources_.empty() || sources_.size() == mostLines || sources_.back().fields.number != fields.number)
     return false;
   if (fields.transition != Transition::Cut)
     return true;

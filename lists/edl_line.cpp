@@ -13,7 +13,7 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr std::array<std::string_view, 4> kTimecodeNames = {"source in", "source out", "record in", "record out"};
+constexpr std::array<std::string_view, 4> timecodeNames = {"source in", "source out", "record in", "record out"};
 
 bool allDigits(std::string_view text)
 {
@@ -160,7 +160,7 @@ std::string parseEvent(std::string_view line, EventLine& event)
   for (std::size_t i = first; i < event.timecodes.size(); ++i) {
     const std::string fault = timecodeFault(event.timecodes[i]);
     if (!fault.empty())
-      return std::string(kTimecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is not a timecode (" + fault + ")";
+      return std::string(timecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is not a timecode (" + fault + ")";
   }
   if (!takeFields(fields, event))
     return fieldsFault(fields);
@@ -169,9 +169,9 @@ std::string parseEvent(std::string_view line, EventLine& event)
       !allDigits(takeLast(fields)))
     return timecodesFault(afterNumber);
   const std::size_t characters = length(event.reel);
-  if (characters > kReelLength)
+  if (characters > reelLength)
     return "reel " + inQuotes(event.reel) + " has " + std::to_string(characters) + " characters (at most " +
-           std::to_string(kReelLength) + ")";
+           std::to_string(reelLength) + ")";
   return {};
 }
 

@@ -23,7 +23,7 @@ enum class Transition {
 /// Views into the line.
 struct EventLine {
   std::string_view number;
-  std::string_view reel; ///< without outer blanks, 1 to kReelLength code points
+  std::string_view reel; ///< without outer blanks, 1 to reelLength code points
   std::string_view channels;
   Transition transition = Transition::Cut;
   /// Source in, source out, record in, record out. The first two may be frame numbers.
@@ -31,7 +31,7 @@ struct EventLine {
 };
 
 /// The widest reel field in use.
-inline constexpr std::size_t kReelLength = 129;
+inline constexpr std::size_t reelLength = 129;
 
 /// Whether the line is meant as an event: it starts with a number of three digits or more, which a letter may follow,
 /// or with a shorter number and contains a timecode, good or bad.

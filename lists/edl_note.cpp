@@ -12,12 +12,12 @@ namespace reeldb::lists {
 namespace {
 
 /// Programs that wrap notes fill up to 80 columns.
-constexpr std::size_t kWrapColumn = 80;
+constexpr std::size_t wrapColumn = 80;
 
 /// A line of fewer columns was ended on purpose, however long the first word of the next line is.
-constexpr std::size_t kLeastWrapped = 60;
+constexpr std::size_t leastWrapped = 60;
 
-constexpr std::array<std::pair<std::string_view, NoteKind>, 13> kKeys = {{
+constexpr std::array<std::pair<std::string_view, NoteKind>, 13> noteKeys = {{
     {"FROM CLIP NAME", NoteKind::FromClipName},
     {"TO CLIP NAME", NoteKind::ToClipName},
     {"KEY CLIP NAME", NoteKind::KeyClipName},
@@ -33,10 +33,10 @@ constexpr std::array<std::pair<std::string_view, NoteKind>, 13> kKeys = {{
     {"FRAME RATE", NoteKind::FrameRate},
 }};
 
-constexpr std::string_view kReelMap = "REEL MAP";
+constexpr std::string_view reelMapKey = "REEL MAP";
 
 /// First words of notes that have neither a name nor a colon. Such a note does not continue the one above.
-constexpr std::array<std::string_view, 10> kOpeners = {
+constexpr std::array<std::string_view, 10> openingWords = {
     "ASC_SOP", "ASC_SAT", "BLEND", "COMMENT", "EFFECT", "FREEZE", "LOC", "PATCH", "REEL", "TIMEWARP",
 };
 
@@ -56,15 +56,15 @@ std::string valueOf(std::string_view text)
 /// REEL x IS CLIP y, with or without a colon after REEL. @p text starts behind that.
 bool readReelIsClip(std::string_view text, Note& note)
 {
-  constexpr std::string_view kMiddle = " IS CLIP ";
-  const auto found = std::search(text.begin(), text.end(), kMiddle.begin(), kMiddle.end(),
+  constexpr std::string_view middle = " IS CLIP ";
+  const auto found = std::search(text.begin(), text.end(), middle.begin(), middle.end(),
                                  [](char a, char b) { return base::toLower(a) == base::toLower(b); });
   if (found == text.end())
     return false;
   const auto at = static_cast<std::size_t>(found - text.begin());
   note.kind = NoteKind::ReelIsClip;
   note.reel = valueOf(text.substr(0, at));
-  note.value = valueOf(text.substr(at + kMiddle.size()));
+  note.value = valueOf(text.substr(at + middle.size()));
   return true;
 }
 
@@ -72,7 +72,7 @@ bool readReelIsClip(std::string_view text, Note& note)
 bool readReelMap(std::string_view text, Note& note)
 {
   const std::size_t colon = text.find(':');
-  if (colon == std::string_view::npos || !base::sameName(trimRight(text.substr(0, colon)), kReelMap))
+  if (colon == std::string_view::npos || !base::sameName(trimRight(text.substr(0, colon)), reelMapKey))
     return false;
   std::string_view rest = text.substr(colon + 1);
   note.reel = clean(takeFirst(rest));
@@ -98,8 +98,8 @@ Note parseNote(std::string_view text)
     return note;
   const std::string_view key = trimRight(text.substr(0, colon));
   const auto known =
-      std::find_if(kKeys.begin(), kKeys.end(), [&](const auto& k) { return base::sameName(k.first, key); });
-  if (known == kKeys.end())
+      std::find_if(noteKeys.begin(), noteKeys.end(), [&](const auto& k) { return base::sameName(k.first, key); });
+  if (known == noteKeys.end())
     return note;
   rest = text.substr(colon + 1);
   if (known->second == NoteKind::Reel && readReelIsClip(rest, note))
@@ -118,7 +118,7 @@ bool opensNote(std::string_view text)
   std::string_view first = takeFirst(rest);
   if (first.ends_with(',') || first.ends_with(':'))
     first.remove_suffix(1);
-  if (std::find(kOpeners.begin(), kOpeners.end(), first) != kOpeners.end())
+  if (std::find(openingWords.begin(), openingWords.end(), first) != openingWords.end())
     return true;
   const auto isKeyLetter = [](char c) { return (c >= 'A' && c <= 'Z') || isDigit(c) || c == ' ' || c == '_'; };
   const auto end = std::find_if_not(text.begin(), text.end(), isKeyLetter);
@@ -144,7 +144,7 @@ std::optional<Note> NoteJoiner::line(std::string_view line)
   if (continues(text)) {
     // A full line may be cut in the middle of a word. A shorter one ends with a word, and the blank behind it was
     // dropped.
-    if (width_ != kWrapColumn && !open_->empty() && !isBlank(open_->back()))
+    if (width_ != wrapColumn && !open_->empty() && !isBlank(open_->back()))
       *open_ += ' ';
     *open_ += text.substr(1);
     width_ = width;
@@ -167,10 +167,10 @@ std::optional<Note> NoteJoiner::flush()
 
 bool NoteJoiner::continues(std::string_view text) const
 {
-  if (!open_ || width_ < kLeastWrapped || !text.starts_with(' ') || trim(text).empty() || opensNote(trim(text)))
+  if (!open_ || width_ < leastWrapped || !text.starts_with(' ') || trim(text).empty() || opensNote(trim(text)))
     return false;
   std::string_view rest = text;
-  return width_ + 1 + length(takeFirst(rest)) > kWrapColumn;
+  return width_ + 1 + length(takeFirst(rest)) > wrapColumn;
 }
 
 } // namespace reeldb::lists

@@ -12,10 +12,10 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-constexpr std::string_view kUtf16LittleMark = "\xFF\xFE";
-constexpr std::string_view kUtf16BigMark = "\xFE\xFF";
-constexpr std::uint32_t kReplacement = 0xFFFD;
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view utf16LittleMark = "\xFF\xFE";
+constexpr std::string_view utf16BigMark = "\xFE\xFF";
+constexpr std::uint32_t replacement = 0xFFFD;
 
 std::string fromLatin1(std::string_view bytes)
 {
@@ -46,13 +46,13 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian)
         point = 0x10000 + ((point - 0xD800) << 10) + (second - 0xDC00);
         at += 2;
       } else {
-        point = kReplacement;
+        point = replacement;
       }
     }
     utf8::append(point, std::back_inserter(text));
   }
   if (at < bytes.size())
-    utf8::append(kReplacement, std::back_inserter(text));
+    utf8::append(replacement, std::back_inserter(text));
   return text;
 }
 
@@ -61,16 +61,16 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian)
 std::string decode(std::string_view bytes)
 {
   std::string text;
-  if (bytes.starts_with(kUtf16LittleMark) || bytes.starts_with(kUtf16BigMark)) {
-    text = fromUtf16(bytes.substr(2), bytes.starts_with(kUtf16BigMark));
+  if (bytes.starts_with(utf16LittleMark) || bytes.starts_with(utf16BigMark)) {
+    text = fromUtf16(bytes.substr(2), bytes.starts_with(utf16BigMark));
   } else {
-    if (bytes.starts_with(kUtf8Mark))
-      bytes.remove_prefix(kUtf8Mark.size());
+    if (bytes.starts_with(utf8Mark))
+      bytes.remove_prefix(utf8Mark.size());
     text = utf8::is_valid(bytes.begin(), bytes.end()) ? std::string(bytes) : fromLatin1(bytes);
   }
   // The blanks of the last line stay: tabs may delimit empty cells, and a blank may end a wrapped note.
-  constexpr std::string_view kPadding("\0\x1A\f \t\r\n", 7);
-  const std::size_t end = text.find_last_not_of(kPadding);
+  constexpr std::string_view padding("\0\x1A\f \t\r\n", 7);
+  const std::size_t end = text.find_last_not_of(padding);
   if (end == std::string::npos)
     return {};
   text.resize(std::min(text.find_first_not_of(" \t", end + 1), text.size()));
@@ -80,8 +80,8 @@ std::string decode(std::string_view bytes)
 bool isUnmarkedUtf16(std::string_view bytes)
 {
   // In UTF-16, each letter, digit and line end at the start of a list has a zero byte beside it.
-  constexpr std::size_t kLooked = 64;
-  const std::string_view start = bytes.substr(0, std::min(bytes.size(), kLooked) & ~std::size_t{1});
+  constexpr std::size_t looked = 64;
+  const std::string_view start = bytes.substr(0, std::min(bytes.size(), looked) & ~std::size_t{1});
   std::array<std::size_t, 2> zeros = {};
   for (std::size_t i = 0; i < start.size(); ++i)
     zeros[i % 2] += start[i] == '\0' ? 1 : 0;

@@ -11,12 +11,12 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr int kSecondsAMinute = 60;
-constexpr int kMinutesAnHour = 60;
-constexpr int kHoursADay = 24;
-constexpr int kTenth = 10; ///< drop frame leaves the labels of each tenth minute alone
+constexpr int secondsAMinute = 60;
+constexpr int minutesAnHour = 60;
+constexpr int hoursADay = 24;
+constexpr int tenth = 10; ///< drop frame leaves the labels of each tenth minute alone
 
-constexpr const char* kTooLarge = "more than 64 bits hold";
+constexpr const char* tooLarge = "more than 64 bits hold";
 
 /// The number of labels that each minute lacks, but for the tenth.
 int dropped(Counting counting)
@@ -125,8 +125,8 @@ bool hasDropFrame(FrameRate rate)
 
 std::int64_t framesADay(Counting counting)
 {
-  constexpr std::int64_t minutes = std::int64_t{kHoursADay} * kMinutesAnHour;
-  return minutes * kSecondsAMinute * counting.rate.frames - (minutes - minutes / kTenth) * dropped(counting);
+  constexpr std::int64_t minutes = std::int64_t{hoursADay} * minutesAnHour;
+  return minutes * secondsAMinute * counting.rate.frames - (minutes - minutes / tenth) * dropped(counting);
 }
 
 std::string frameOf(std::string_view label, Counting counting, std::int64_t& frame)
@@ -141,11 +141,11 @@ std::string frameOf(std::string_view label, Counting counting, std::int64_t& fra
     return "frames above " + std::to_string(counting.rate.frames - 1);
   if (!counting.dropFrame && label.find(';') != std::string_view::npos)
     return "';' is drop frame";
-  const std::int64_t minutes = twoDigits(label, 0) * kMinutesAnHour + twoDigits(label, minutesAt);
-  const std::int64_t seconds = minutes * kSecondsAMinute + twoDigits(label, secondsAt);
-  if (frames < dropped(counting) && twoDigits(label, secondsAt) == 0 && minutes % kTenth != 0)
+  const std::int64_t minutes = twoDigits(label, 0) * minutesAnHour + twoDigits(label, minutesAt);
+  const std::int64_t seconds = minutes * secondsAMinute + twoDigits(label, secondsAt);
+  if (frames < dropped(counting) && twoDigits(label, secondsAt) == 0 && minutes % tenth != 0)
     return "drop frame leaves out the first " + std::to_string(dropped(counting)) + " frames of this minute";
-  frame = seconds * counting.rate.frames + frames - dropped(counting) * (minutes - minutes / kTenth);
+  frame = seconds * counting.rate.frames + frames - dropped(counting) * (minutes - minutes / tenth);
   return {};
 }
 
@@ -158,18 +158,18 @@ std::string labelOf(std::int64_t frame, Counting counting, std::string& label)
     return "before the first frame of the day";
   if (frame >= framesADay(counting))
     return "after the last frame of the day, " + std::to_string(framesADay(counting) - 1);
-  // What the labels would be without drop frame: each of the minutes that lack some is passed over.
-  const std::int64_t whole = std::int64_t{kSecondsAMinute} * counting.rate.frames;
-  const std::int64_t ofTen = whole * kTenth - std::int64_t{kTenth - 1} * dropped(counting);
+  // Count as without drop frame: add the labels that are left out at the start of minutes.
+  const std::int64_t whole = std::int64_t{secondsAMinute} * counting.rate.frames;
+  const std::int64_t ofTen = whole * tenth - std::int64_t{tenth - 1} * dropped(counting);
   const std::int64_t within = frame % ofTen;
   const std::int64_t minutesWithin = within < whole ? 0 : (within - whole) / (whole - dropped(counting)) + 1;
-  const std::int64_t count = frame + dropped(counting) * (frame / ofTen * (kTenth - 1) + minutesWithin);
+  const std::int64_t count = frame + dropped(counting) * (frame / ofTen * (tenth - 1) + minutesWithin);
   const std::int64_t seconds = count / counting.rate.frames;
-  const std::int64_t minutes = seconds / kSecondsAMinute;
+  const std::int64_t minutes = seconds / secondsAMinute;
   label.clear();
-  append(label, minutes / kMinutesAnHour, 2);
-  append(label += ':', minutes % kMinutesAnHour, 2);
-  append(label += ':', seconds % kSecondsAMinute, 2);
+  append(label, minutes / minutesAnHour, 2);
+  append(label += ':', minutes % minutesAnHour, 2);
+  append(label += ':', seconds % secondsAMinute, 2);
   append(label += counting.dropFrame ? ';' : ':', count % counting.rate.frames,
          counting.rate.frames > twoDigitFrames ? 3 : 2);
   return {};
@@ -181,7 +181,7 @@ std::string secondsOf(std::int64_t frames, FrameRate rate, Seconds& seconds)
   const std::int64_t divisor = std::gcd(frames % exact.numerator, exact.numerator);
   std::int64_t numerator = 0;
   if (__builtin_mul_overflow(frames / divisor, exact.denominator, &numerator))
-    return kTooLarge;
+    return tooLarge;
   seconds = {numerator, exact.numerator / divisor};
   return {};
 }
@@ -203,7 +203,7 @@ std::string framesIn(Seconds seconds, FrameRate rate, std::int64_t& frames)
     return "no whole number of frames at " + rateName(rate) + " frames per second";
   std::int64_t product = 0;
   if (__builtin_mul_overflow(seconds.numerator, exact.numerator, &product))
-    return kTooLarge;
+    return tooLarge;
   frames = product;
   return {};
 }

@@ -116,7 +116,7 @@ struct List {
 };
 
 /// The longest name of a clip, in bytes. A reel's fields return names up to this length whole.
-inline constexpr std::size_t kNameBytes = 2047;
+inline constexpr std::size_t nameBytes = 2047;
 
 /// Detects the format by the content; empty if it is neither format. The text may be UTF-8, UTF-16 with a byte order
 /// mark, or Latin-1.

@@ -12,14 +12,14 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr std::size_t kDigitsField = 3;
-constexpr int kHighestNumber = 998;
+constexpr std::size_t digitsField = 3;
+constexpr int highestNumber = 998;
 
 /// Fields up to this width allow only capitals and digits.
-constexpr std::size_t kWidestNarrow = 8;
+constexpr std::size_t widestNarrow = 8;
 
 /// The start of a name if the field allows no character of the identifier.
-constexpr std::string_view kNameless = "REEL";
+constexpr std::string_view nameless = "REEL";
 
 bool isReserved(std::string_view name)
 {
@@ -29,7 +29,7 @@ bool isReserved(std::string_view name)
 std::string padded(int number)
 {
   const std::string digits = std::to_string(number);
-  return std::string(kDigitsField - digits.size(), '0') + digits;
+  return std::string(digitsField - digits.size(), '0') + digits;
 }
 
 /// The identifier in the field's characters, of any length.
@@ -48,7 +48,7 @@ std::string spelt(std::string_view reel, bool narrow)
 class Namer {
 public:
   Namer(const std::vector<std::string>& reels, std::size_t field)
-      : reels_(reels), field_(field), narrow_(field <= kWidestNarrow), names_(reels.size())
+      : reels_(reels), field_(field), narrow_(field <= widestNarrow), names_(reels.size())
   {
   }
 
@@ -57,7 +57,7 @@ public:
     for (std::size_t i = 0; i < reels_.size(); ++i)
       keep(i);
     for (std::size_t i = 0; i < reels_.size(); ++i)
-      if (names_[i].empty() && !(field_ == kDigitsField ? takeNumber(i) : takeName(i)))
+      if (names_[i].empty() && !(field_ == digitsField ? takeNumber(i) : takeName(i)))
         return std::nullopt;
     return std::move(names_);
   }
@@ -74,8 +74,8 @@ private:
   {
     std::string name = spelt(reels_[i], narrow_);
     const bool fits = !name.empty() && name.size() <= field_ && base::sameName(name, reels_[i]) && !isReserved(name);
-    const bool isNumber = field_ != kDigitsField || (name.size() == kDigitsField && name != "000" && name != "999" &&
-                                                     name.find_first_not_of("0123456789") == std::string::npos);
+    const bool isNumber = field_ != digitsField || (name.size() == digitsField && name != "000" && name != "999" &&
+                                                    name.find_first_not_of("0123456789") == std::string::npos);
     if (fits && isNumber)
       give(i, std::move(name));
     else
@@ -84,9 +84,9 @@ private:
 
   bool takeNumber(std::size_t i)
   {
-    while (number_ <= kHighestNumber && taken_.contains(padded(number_)))
+    while (number_ <= highestNumber && taken_.contains(padded(number_)))
       ++number_;
-    if (number_ > kHighestNumber)
+    if (number_ > highestNumber)
       return false;
     give(i, padded(number_));
     return true;
@@ -101,7 +101,7 @@ private:
       return true;
     }
     if (name.empty())
-      name = kNameless;
+      name = nameless;
     const std::string divider = narrow_ ? "" : "_";
     for (std::size_t digits = 1; digits + divider.size() <= field_; ++digits) {
       const std::string head = name.substr(0, field_ - digits - divider.size()) + divider;
@@ -133,7 +133,7 @@ private:
 
 std::string fieldForm(std::string_view reel, std::size_t field)
 {
-  return spelt(reel, field <= kWidestNarrow).substr(0, field);
+  return spelt(reel, field <= widestNarrow).substr(0, field);
 }
 
 std::optional<std::vector<std::string>> shortReelNames(const std::vector<std::string>& reels, std::size_t field)

@@ -15,11 +15,11 @@ namespace reeldb::lists {
 namespace {
 
 /// The bytes of two reel fields of the widest kind, and of the blank between them.
-constexpr std::size_t kLongestNames = 2 * 4 * kReelLength + 1;
+constexpr std::size_t longestNames = 2 * 4 * reelLength + 1;
 
 /// Names of more words are not split by their meaning. No list has such names, and the limit keeps the work per row
 /// small.
-constexpr std::size_t kMostGaps = 64;
+constexpr std::size_t mostGaps = 64;
 
 bool isHex(char c)
 {
@@ -93,12 +93,12 @@ std::string SourceTable::add(std::string_view row)
   added.names = clean(row);
   if (added.names.empty())
     return "source row without a name";
-  if (added.names.size() > kLongestNames)
+  if (added.names.size() > longestNames)
     return "source row with names of " + std::to_string(added.names.size()) + " bytes (at most " +
-           std::to_string(kLongestNames) + ")";
-  if (added.id.size() > kNameBytes)
+           std::to_string(longestNames) + ")";
+  if (added.id.size() > nameBytes)
     return "source row with an id of " + std::to_string(added.id.size()) + " bytes (at most " +
-           std::to_string(kNameBytes) + ")";
+           std::to_string(nameBytes) + ")";
   rows_.push_back(std::move(added));
   return {};
 }
@@ -126,7 +126,7 @@ void SourceTable::split(Row& row, const IsReel& isReel)
     return cutAt(wide.empty() ? gaps.front() : wide.front());
 
   // The names contain blanks as wide as those between them. Look for a split into plausible names.
-  if (gaps.size() > kMostGaps)
+  if (gaps.size() > mostGaps)
     return;
   for (const Gap& gap : gaps) {
     if (isReel(base::fold(names.substr(0, gap.at))) && isReel(base::fold(names.substr(gap.at + gap.size))))

@@ -9,19 +9,19 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
+constexpr std::string_view blanks = " \t";
 
 /// The characters with which devices pad records and files: NUL, the end mark, the form feed, and blanks among them.
-constexpr std::string_view kPadding("\0\x1A\f \t", 5);
+constexpr std::string_view padding("\0\x1A\f \t", 5);
 
 /// The line without padding at its ends; blanks next to the text stay.
 std::string_view withoutPadding(std::string_view line)
 {
-  const std::size_t first = line.find_first_not_of(kPadding);
+  const std::size_t first = line.find_first_not_of(padding);
   if (first == std::string_view::npos)
     return {};
-  const std::size_t start = line.substr(0, first).find_last_not_of(kBlanks) + 1; // npos + 1 is 0
-  const std::size_t end = line.find_first_not_of(kBlanks, line.find_last_not_of(kPadding) + 1);
+  const std::size_t start = line.substr(0, first).find_last_not_of(blanks) + 1; // npos + 1 is 0
+  const std::size_t end = line.find_first_not_of(blanks, line.find_last_not_of(padding) + 1);
   return line.substr(start, end == std::string_view::npos ? end : end - start);
 }
 
@@ -94,8 +94,8 @@ std::string_view firstControl(std::string_view text)
 
 std::string inQuotes(std::string_view text)
 {
-  constexpr std::size_t kQuotedBytes = 40;
-  return "'" + shortened(text, kQuotedBytes) + "'";
+  constexpr std::size_t quotedBytes = 40;
+  return "'" + shortened(text, quotedBytes) + "'";
 }
 
 std::string shortened(std::string_view text, std::size_t bytes)

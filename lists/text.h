@@ -46,7 +46,7 @@ std::string_view firstControl(std::string_view text);
 std::string shortened(std::string_view text, std::size_t bytes);
 
 /// A line, a title or a special is shown up to this number of bytes.
-inline constexpr std::size_t kShownBytes = 1000;
+inline constexpr std::size_t shownBytes = 1000;
 
 /// A piece of the list in quotes, shortened to 40 bytes, as messages show it.
 std::string inQuotes(std::string_view text);

@@ -11,11 +11,11 @@ namespace {
 
 /// The highest frame number: two digits count up to 60 frames per second, three digits up to 120. Only lists of higher
 /// rates have three digits.
-constexpr std::string_view kMostFrames = "59";
-constexpr std::string_view kMostFramesOfThree = "119";
+constexpr std::string_view mostFrames = "59";
+constexpr std::string_view mostFramesOfThree = "119";
 
 /// Of a frame number: more than a month at any rate, and fewer than an int holds.
-constexpr std::size_t kMostDigits = 9;
+constexpr std::size_t mostDigits = 9;
 
 bool isSeparator(char c)
 {
@@ -56,7 +56,7 @@ std::string timecodeFault(std::string_view text)
   if (text[6] > '5')
     return "seconds above 59";
   const std::string_view frames = text.substr(9);
-  const std::string_view most = frames.size() == 2 ? kMostFrames : kMostFramesOfThree;
+  const std::string_view most = frames.size() == 2 ? mostFrames : mostFramesOfThree;
   return frames > most ? "frames above " + std::string(most) : std::string();
 }
 
@@ -70,7 +70,7 @@ int framesOf(std::string_view timecode)
 
 bool isFrameNumber(std::string_view text)
 {
-  return !text.empty() && text.size() <= kMostDigits && std::all_of(text.begin(), text.end(), isDigit);
+  return !text.empty() && text.size() <= mostDigits && std::all_of(text.begin(), text.end(), isDigit);
 }
 
 bool isDropFrame(std::string_view timecode)

@@ -10,10 +10,10 @@ namespace reeldb::lists {
 namespace {
 
 /// The longest channel field in characters; no list needs more.
-constexpr std::size_t kLongest = 256;
+constexpr std::size_t longestText = 256;
 
 /// The most tracks of a range.
-constexpr int kMostTracks = 256;
+constexpr int mostTracks = 256;
 
 std::string_view takeDigits(std::string_view& text)
 {
@@ -32,9 +32,9 @@ bool risesFromOne(std::string_view digits)
 /// A track number; 0 if no source can have a track of this number.
 int trackNumber(std::string_view digits)
 {
-  constexpr std::size_t kMostDigits = 3;
+  constexpr std::size_t mostDigits = 3;
   int number = 0;
-  for (const char digit : digits.size() > kMostDigits ? std::string_view() : digits)
+  for (const char digit : digits.size() > mostDigits ? std::string_view() : digits)
     number = number * 10 + (digit - '0');
   return number;
 }
@@ -62,13 +62,13 @@ int takeTrackNumbers(std::string_view& text, char kind)
 
 std::optional<Tracks> parseLogTracks(std::string_view text)
 {
-  constexpr std::string_view kBetween = " ,/";
+  constexpr std::string_view between = " ,/";
   Tracks tracks;
   if (base::sameName(text, "NONE"))
     return tracks;
   if (base::sameName(text, "B"))
     return Tracks{1, 1};
-  if (text.empty() || text.size() > kLongest)
+  if (text.empty() || text.size() > longestText)
     return std::nullopt;
   while (!text.empty()) {
     const char kind = text.front();
@@ -82,9 +82,9 @@ std::optional<Tracks> parseLogTracks(std::string_view text)
       tracks.audio += count;
     else if (kind != 'D' && kind != 'd')
       return std::nullopt;
-    if (tracks.video + tracks.audio > kMostTracks)
+    if (tracks.video + tracks.audio > mostTracks)
       return std::nullopt;
-    text.remove_prefix(std::min(text.find_first_not_of(kBetween), text.size()));
+    text.remove_prefix(std::min(text.find_first_not_of(between), text.size()));
   }
   return tracks;
 }
@@ -94,7 +94,7 @@ std::optional<Tracks> parseTracks(std::string_view text, Digits digits)
   Tracks tracks;
   if (base::sameName(text, "NONE") || base::sameName(text, "D"))
     return tracks;
-  if (text.empty() || text.size() > kLongest || text.back() == '/')
+  if (text.empty() || text.size() > longestText || text.back() == '/')
     return std::nullopt;
   while (!text.empty()) {
     const char kind = text.front();

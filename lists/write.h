@@ -23,7 +23,7 @@ struct Written {
 /// The text as lists hold it: UTF-8 without control characters and outer blanks.
 std::string writableText(const std::string& text);
 
-/// Writes a cut list with reel names for a field of this width, one of kReelFields. If a name is not the identifier, a
+/// Writes a cut list with reel names for a field of this width, one of reelFields. If a name is not the identifier, a
 /// note at the head maps it; notes say the rates of the clips. Throws Error if the field has fewer names than there are
 /// reels.
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);

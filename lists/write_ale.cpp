@@ -14,8 +14,8 @@ namespace reeldb::lists {
 namespace {
 
 /// The limits of logs by their published rules. Real logs exceed both.
-constexpr std::size_t kLongestClipName = 32;
-constexpr std::size_t kMostColumns = 64;
+constexpr std::size_t longestClipName = 32;
+constexpr std::size_t mostColumns = 64;
 
 bool isTracksCell(const Clip& clip)
 {
@@ -51,20 +51,19 @@ std::string commonRate(const std::vector<Clip>& clips)
 }
 
 /// Where the separator of drop frame stands.
-constexpr std::size_t kLastSeparator = 8;
+constexpr std::size_t lastSeparator = 8;
 
 /// Whether the timecode is drop frame but has a colon, as in cut lists that say so by a statement.
 bool lacksSemicolon(const Clip& clip, const std::string& timecode)
 {
-  return clip.dropFrame && timecode.size() > kLastSeparator && timecode[kLastSeparator] == ':' &&
-         !isDropFrame(timecode);
+  return clip.dropFrame && timecode.size() > lastSeparator && timecode[lastSeparator] == ':' && !isDropFrame(timecode);
 }
 
 /// The timecode as a log has it.
 std::string inLog(const Clip& clip, std::string timecode)
 {
   if (lacksSemicolon(clip, timecode))
-    timecode[kLastSeparator] = ';';
+    timecode[lastSeparator] = ';';
   return timecode;
 }
 
@@ -127,12 +126,12 @@ void addRow(std::string& text, const std::vector<OutColumn>& columns,
 
 void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_t columns)
 {
-  const auto isLong = [](const Clip& clip) { return length(clip.clipName) > kLongestClipName; };
+  const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
   if (const auto count = std::count_if(clips.begin(), clips.end(), isLong); count > 0)
-    written.remarks.push_back(std::to_string(count) + " clip names: longer than " + std::to_string(kLongestClipName) +
+    written.remarks.push_back(std::to_string(count) + " clip names: longer than " + std::to_string(longestClipName) +
                               " characters (other programs may cut them)");
-  if (columns > kMostColumns)
-    written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(kMostColumns) +
+  if (columns > mostColumns)
+    written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(mostColumns) +
                               " (other programs may not read all columns)");
 }
 

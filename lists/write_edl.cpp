@@ -16,9 +16,9 @@
 namespace reeldb::lists {
 namespace {
 
-constexpr std::string_view kNoTimecode = "00:00:00:00";
-constexpr std::size_t kChannelColumns = 5;
-constexpr std::size_t kTimecodeColumns = 11;
+constexpr std::string_view noTimecode = "00:00:00:00";
+constexpr std::size_t channelColumns = 5;
+constexpr std::size_t timecodeColumns = 11;
 
 /// Each reel once, in its first spelling.
 std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
@@ -115,7 +115,7 @@ private:
     number.insert(0, width - std::min(width, number.size()), '0');
     const bool literal = isChannelField(clip, digits_);
     text_ += number + "  " + padded(names_.at(base::fold(clip.reel)), std::min(field_, wideField)) + " " +
-             padded(literal ? clip.tracks : channelsOf(clip), kChannelColumns) + " C        ";
+             padded(literal ? clip.tracks : channelsOf(clip), channelColumns) + " C        ";
     timecodes(clip);
     if (!literal && !clip.tracks.empty())
       note("TRACKS AS WRITTEN", clip.tracks);
@@ -133,7 +133,7 @@ private:
   {
     const auto written = [](const std::string& timecode, const std::string& other) {
       const bool isSpare = !other.empty() && !isFrameNumber(other);
-      return padded(!timecode.empty() ? timecode : isSpare ? other : std::string(kNoTimecode), kTimecodeColumns);
+      return padded(!timecode.empty() ? timecode : isSpare ? other : std::string(noTimecode), timecodeColumns);
     };
     text_ += written(clip.sourceIn, clip.recordIn) + " " + written(clip.sourceOut, clip.recordOut) + " " +
              written(clip.recordIn, clip.sourceIn) + " " + written(clip.recordOut, clip.sourceOut) + "\n";

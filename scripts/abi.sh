@@ -1,14 +1,14 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Compares what programs and hosts rely on without a word - exported symbols, layouts, the order of virtual functions -
-# with what it was when the baselines in tests/abi were made.
+# Compares the binary interface of programs and hosts - exported symbols, layouts, the order of virtual functions - with
+# the baselines in tests/abi.
 #
 # abi.sh check LIBRARY       the library, built by g++ with -g (make abi-check)
 # abi.sh check-headers       the classes of the exported headers and of the host interface
-# abi.sh baseline LIBRARY    makes both baselines anew (make abi-baseline)
-# abi.sh self-test           plants changes in copies of the headers: what breaks must be found, what does not must pass
+# abi.sh baseline LIBRARY    makes both baselines again (make abi-baseline)
+# abi.sh self-test           plants changes in copies of the headers: breaks must be found, other changes must pass
 #
-# Exits with 1 on a break and when a tool is missing, with 77 on a machine that the baselines say nothing of.
+# Exits with 1 on a break or if a tool is missing, and with 77 on a machine without baselines.
 set -eu
 export LC_ALL=C
 
@@ -50,7 +50,7 @@ describe() {
   rm "$2.raw"
 }
 
-# compare BASELINE LIBRARY WHAT: prints what changed. What was added breaks nobody.
+# compare BASELINE LIBRARY WHAT: prints the changes. Additions break nothing.
 compare() {
   require_readable "$2"
   if abidiff --no-show-locs --no-added-syms "$1" "$2" >"$work/told"; then
@@ -63,8 +63,8 @@ compare() {
   return 1
 }
 
-# headers FOLDER FILE: a library that mentions every class of the headers in FOLDER. A class without a function of its
-# own is described only because it is asked for.
+# headers FOLDER FILE: makes a library that mentions every class of the headers in FOLDER. Otherwise classes without
+# functions would not be described.
 headers() {
   g++ -std=c++17 -g -O0 -fPIC -shared -femit-class-debug-always -I"$1/include" "$source/tests/abi/interface.cpp" -o "$2"
 }
@@ -89,7 +89,7 @@ plant() {
   fi
 }
 
-breaks() { # breaks WHAT-IS-TOLD HEADER SCRIPT
+breaks() { # breaks REPORTED-WORDS HEADER SCRIPT
   plant "$2" "$3"
   if check_headers "$work/tree" >"$work/out" 2>&1; then
     fail "self-test: $2: not found: $3"

@@ -1,11 +1,9 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Runs fuzz targets that the preset fuzz has built, JOBS (all processors) at a time: fuzz.sh [TARGET...], all without a
-# name.
+# Runs fuzz targets of the preset fuzz, JOBS (all processors) at a time: fuzz.sh [TARGET...]. Without names it runs all.
 #
-# Each runs for FUZZ_SECONDS (20) seconds. It starts from fuzz/corpus, packed inputs too, from fuzz/findings and from what
-# earlier runs left in build/fuzz/corpus; what it finds goes to build/fuzz/findings/TARGET. Exit status 1: something was
-# found.
+# Each runs for FUZZ_SECONDS (20) seconds. It starts from fuzz/corpus with its packed inputs, fuzz/findings, and the inputs
+# of earlier runs in build/fuzz/corpus. Findings go to build/fuzz/findings/TARGET; the exit status is then 1.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -18,7 +16,7 @@ if [ $# = 0 ]; then
   done
 fi
 
-# Some targets write their input to a file each time: in memory, where that can be had.
+# Some targets write each input to a file: in memory, if the system has such a folder.
 scratch=$(mktemp -d -p /dev/shm reeldb-fuzz-XXXXXX 2>/dev/null || mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 trap 'exit 130' INT TERM
@@ -33,7 +31,7 @@ count_files()
   find "$1" -type f | wc -l
 }
 
-# run TARGET: fuzzes it and leaves its report in the scratch folder; "broken" there says that something was found
+# run TARGET: fuzzes it and leaves its report in the scratch folder; a file "broken" there means that there is a finding
 run()
 {
   target=$1
@@ -51,7 +49,7 @@ run()
   for option in $(sed 's/#.*//' "fuzz/targets/$target.options"); do
     set -- "$@" "-$option"
   done
-  # Everything here takes time in proportion to its input: ten seconds are for one that does not.
+  # All code under test is linear in its input. An input that takes ten seconds is a finding.
   failed=0
   TMPDIR="$scratch/$target" "$program" "$@" -max_total_time="$seconds" -timeout=10 -print_final_stats=1 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || failed=$?

@@ -1,11 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Runs the test programs and the examples of a build under valgrind, and what they start, shells with the commands in
-# them, too: memcheck.sh BUILD_DIR [PROGRAM...]
+# Runs the test programs and the examples of a build under valgrind, with all processes that they start, also commands
+# in shells: memcheck.sh BUILD_DIR [PROGRAM...]
 #
-# Each program's tests are shared out among JOBS (all) processors; GTEST_FILTER chooses others than here. An error is
-# memory that is misused, or lost (definitely or with what is): what a static still points to at the end is not. Nothing
-# of ours is suppressed, only what shells and other programs of the system lose. What is left out is said first.
+# JOBS (all) processors share each program's tests; GTEST_FILTER selects other tests than the default. Errors are
+# misused memory and lost memory (definitely or indirectly), but not memory that a static still points to at the end.
+# Only errors of shells and other programs of the system are suppressed. The script first prints what it leaves out.
 set -eu
 
 build=$1
@@ -26,7 +26,7 @@ if [ $# = 0 ]; then
 fi
 echo "memcheck: compilers, cmake, python, fish: run as they are, with what they start"
 others='*/fish,*/c++,*/g++*,*/clang++*,/usr/lib/llvm*,*/cmake,*/python3*,/usr/lib/gcc*'
-# The C library's comparison of wide texts reads whole vectors, beyond the end of what it was given, where AVX2 is there.
+# With AVX2, the C library's comparison of wide texts reads whole vectors, beyond the end of the texts.
 export GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2
 
 # A command takes seconds here instead of milliseconds.
@@ -49,8 +49,8 @@ for place in /bin /usr/bin; do
   printf '{\n  lost there\n  Memcheck:Leak\n  match-leak-kinds: definite,indirect\n  ...\n  obj:%s/*\n}\n' $place
 done >"$others_lose"
 
-# part PROGRAM NUMBER: runs one of the parts of a program's tests. What valgrind has to say of a process goes to a file
-# of that process, since the tests read what a command prints.
+# part PROGRAM NUMBER: runs a part of a program's tests. The report of valgrind on a process goes to a file, because the
+# tests read the output of commands.
 part()
 {
   GTEST_TOTAL_SHARDS=$jobs GTEST_SHARD_INDEX=$2 valgrind --quiet --vgdb=no --error-exitcode=99 --log-file="$logs/said.%p" \
@@ -59,13 +59,13 @@ part()
     "$build/bin/$1" >"$logs/printed.$2" 2>&1 || : >"$logs/failed.$2"
 }
 
-# has_tests PROGRAM: fails for an example, which says nothing of tests
+# has_tests PROGRAM: fails for an example, which has no tests
 has_tests()
 {
   case $1 in consumer | minimal_host_example) return 1 ;; esac
 }
 
-# count WHAT: how many tests PASSED or were SKIPPED
+# count WHAT: the number of tests that PASSED or were SKIPPED
 count()
 {
   sed -n "s/^\\[  $1 *\\] \\([0-9]*\\) tests*[.,].*/\\1/p" "$logs"/printed.* | awk '{ n += $1 } END { print n + 0 }'
@@ -80,7 +80,7 @@ for program in "$@"; do
     number=$((number + 1))
   done
   wait
-  # A system call that valgrind does not know is no fault of the program.
+  # A system call that valgrind does not know is not an error of the program.
   said=$(cat "$logs"/said.* | grep -v -e 'noted but unhandled' -e 'This could cause spurious value errors' \
     -e 'README_MISSING_SYSCALL_OR_IOCTL' || true)
   if [ -n "$said" ] || [ -n "$(find "$logs" -name 'failed.*')" ] ||

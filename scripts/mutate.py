@@ -429,7 +429,7 @@ class Source:
             if token.text in ("=", ".", "->") or (token.text == "(" and name is None):
                 break
             before = self.tokens[j - 1]
-            follows_type = j > first and (before.kind == "word" or before.text in (">", "*", "&"))
+            follows_type = j > first and (before.kind == "word" or before.text in (">", ">>", "*", "&"))
             if token.kind == "word" and follows_type and before.text not in ("return", "throw", "operator", "new"):
                 if after in ("=", "(", "{", ";", "["):
                     name = token.text

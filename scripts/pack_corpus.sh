@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# pack_corpus.sh TARGET: renews fuzz/corpus/TARGET.tar.gz, the inputs that the fuzzer made itself: of those that are packed
-# and those that runs left in build/fuzz/corpus, what is needed to reach the same code. Needs the build of the preset fuzz.
+# pack_corpus.sh TARGET: renews fuzz/corpus/TARGET.tar.gz, the inputs that the fuzzer made itself. Of the packed inputs
+# and those of runs in build/fuzz/corpus it keeps as many as are needed to reach the same code. Needs the build of the
+# preset fuzz.
 set -eu
 cd "$(dirname "$0")/.."
 target=${1:?usage: pack_corpus.sh TARGET}

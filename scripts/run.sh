@@ -1,6 +1,6 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# The main job on the embedded default: a new facility, the example lists imported, their reels shown.
+# The main job: makes a new facility, imports the example lists, and shows their reels.
 set -eu
 
 reeldb=build/release/bin/reeldb

@@ -1,8 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Installs the Debian packages that a job needs and that are not there yet: setup.sh run|test|check|bench|package
-# As root, or through sudo; without either it says what to install and stops. The names are those of Debian 12; Ubuntu
-# 24.04 has the same ones, which was not tried.
+# Installs the missing Debian packages that a job needs: setup.sh run|test|check|bench|package
+# It runs as root or uses sudo; without either it lists the packages and stops. The names are those of Debian 12. Ubuntu
+# 24.04 has the same names, but was not tried.
 set -eu
 
 job=${1:-run}

@@ -1,6 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# Says which tests the last run in a build folder skipped, and why, which ctest keeps to itself: skipped.sh BUILD_DIR
+# Lists the tests that the last run in a build folder skipped, with the reasons, which ctest does not print:
+# skipped.sh BUILD_DIR
 set -eu
 
 awk '

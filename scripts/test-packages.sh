@@ -1,14 +1,15 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# test-packages.sh [FOLDER]: tries the packages in FOLDER (build/package) where nothing else is: lintian looks them over;
-# in a bare Debian root the command is installed, run and removed without a trace; then, with a compiler, the examples
-# are built on the development package and a host is tried against the host contract.
+# test-packages.sh [FOLDER]: tests the packages in FOLDER (build/package). lintian checks them. In a bare Debian root
+# the command is installed, run and removed without a trace. Then, with a compiler, the examples are built with the
+# development package, and a host is tested against the host contract.
 #
-# The bare root is made once with debootstrap, in build/bare-root or where REELDB_BARE_ROOT says, and only copied from.
-# What apt fetches is kept beside it. Needs root, for the copy to be entered. What it takes: some minutes.
+# The bare root is made once with debootstrap, in build/bare-root or in the folder REELDB_BARE_ROOT. The tests use
+# copies. The downloads of apt are kept beside it. Needs root, because the copy is entered with chroot. Takes some
+# minutes.
 set -eu
 
-# In a view of the mounts of its own: whatever happens, none is left behind.
+# In a private view of the mounts, so that no mount is left behind.
 if [ -z "${REELDB_OWN_MOUNTS:-}" ]; then
   if [ "$(id -u)" != 0 ]; then
     echo "test-packages: needs root, to enter a bare root" >&2
@@ -39,7 +40,7 @@ in_root() {
     ${http_proxy:+http_proxy="$http_proxy"} ${https_proxy:+https_proxy="$https_proxy"} "$@" </dev/null
 }
 
-quietly() { # quietly COMMAND...: its output only when it fails
+quietly() { # quietly COMMAND...: prints its output only if it fails
   "$@" >"$work/log" 2>&1 || {
     cat "$work/log"
     fail "failed: $*"
@@ -54,12 +55,12 @@ step() {
   echo "-- $*"
 }
 
-files_in_root() { # but for what apt and the loader keep for themselves
+files_in_root() { # except files that apt and the loader keep
   (cd "$root" && find . -xdev \( -path ./proc -o -path ./dev -o -path ./tmp -o -path ./var/lib/apt -o -path ./var/lib/dpkg \
     -o -path ./var/cache -o -path ./var/log -o -path ./etc/ld.so.cache \) -prune -o -print | LC_ALL=C sort)
 }
 
-# --- What is to be tried
+# --- The packages
 runtime='' development='' tool=''
 for package in "$packages"/*.deb; do
   case $(dpkg-deb -f "$package" Package) in
@@ -94,7 +95,7 @@ mount --bind "$pristine.fetched" "$root/var/cache/apt/archives"
 cp "$runtime" "$development" "$tool" "$root/packages"
 apt update
 
-# --- The command, where there was nothing
+# --- The command in a bare root
 files_in_root >"$work/before"
 step "reeldb $version is installed"
 apt install "/packages/$(basename "$runtime")" "/packages/$(basename "$tool")"

@@ -108,7 +108,7 @@ namespace reeldb::app {
 using json::Like;
 using json::Value;
 
-/// Reads one of some words. Throws std::invalid_argument for another one.
+/// Reads a word of a fixed set. Throws std::invalid_argument for another word.
 template <class Enum, std::size_t size>
 Enum fromWord(const Value& json, const std::array<Enum, size>& all)
 {
@@ -133,7 +133,7 @@ void describe(Io& io, R& reel)
   io("last_device", reel.lastDevice);
   io("video_channels", reel.videoChannels);
   io("audio_channels", reel.audioChannels);
-  // Those that are not empty, by number.
+  // The user fields that are not empty, by number.
   if constexpr (Io::writes) {
     Value fields = Value::object();
     for (std::size_t i = 0; i < userFieldCount; ++i)
@@ -180,7 +180,7 @@ void describe(Io& io, R& live)
 template <class Io, Like<ChangedReel> R>
 void describe(Io& io, R& changed)
 {
-  // One field goes by another name here than for people: reports have always called it that.
+  // One field has another name in reports than elsewhere, because its key must not change.
   const auto renamed = [](std::string_view field, std::string_view from, std::string_view to) {
     return std::string(field == from ? to : field);
   };
@@ -398,7 +398,7 @@ void describe(Io& io, R& content)
 
 // --- Deletions -------------------------------------------------------------------------------------
 
-/// Why a reel is kept. There is one way.
+/// The only reason to keep a reel.
 inline constexpr const char* whyKept = "--keep";
 
 template <class Io, Like<DeletionPlan::Item> R>

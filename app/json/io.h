@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A result is described once, by a function describe(io, result) that names its keys; Writer and Reader follow it. For
-// the sources of this folder.
+// The function describe(io, result) names the keys of a result. Writer and Reader both use it, so they agree. For the
+// sources of this folder.
 #ifndef REELDB_APP_JSON_IO_H
 #define REELDB_APP_JSON_IO_H
 
@@ -18,7 +18,7 @@ namespace reeldb::app::json {
 /// Objects keep the order in which their keys were set.
 using Value = nlohmann::ordered_json;
 
-/// T or const T: a description serves both ways.
+/// T or const T: a description is used for reading and for writing.
 template <class R, class T>
 concept Like = std::same_as<std::remove_const_t<R>, T>;
 
@@ -43,14 +43,14 @@ public:
   {
     json_[key] = write(value);
   }
-  /// Only when there is a value.
+  /// Sets the key only if there is a value.
   template <class T>
   void optional(const char* key, const std::optional<T>& value)
   {
     if (value)
       json_[key] = write(*value);
   }
-  /// Only when the text is not empty.
+  /// Sets the key only if the text is not empty.
   void optional(const char* key, const std::string& text)
   {
     if (!text.empty())

@@ -19,7 +19,7 @@ std::string dumped(const Value& value, int indent)
   result.reserve(text.size() + 1);
   for (auto at = text.begin(); at != text.end();) {
     const auto start = at;
-    // Below 0x7F stands what the dump has escaped itself, and its own line ends.
+    // The dump has escaped control characters below 0x7F itself, except for its own line ends.
     if (const char32_t c = utf8::next(at, text.end()); c >= 0x7F && base::isShownEscaped(c))
       result += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
     else
@@ -51,12 +51,12 @@ T fromJson(std::string_view text)
     return result;
   } catch (const std::bad_alloc&) {
     throw;
-  } catch (const std::exception& error) { // of the JSON library, or of the number of a user field that is not a number
-    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not such a report ({})", error.what()));
+  } catch (const std::exception& error) { // the text is not JSON, or the key of a user field is not a number
+    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not a report of this kind ({})", error.what()));
   }
 }
 
-/// One line for each result that has a face in JSON.
+/// One line for each result that has a JSON form.
 #define REELDB_JSON_RESULT(...)                                                                                        \
   template std::string jsonText(const __VA_ARGS__&);                                                                   \
   template std::string jsonLine(const __VA_ARGS__&);                                                                   \

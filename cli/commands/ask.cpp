@@ -17,7 +17,7 @@ bool ask(const std::string& question)
 {
   if (!isTerminal(stdin))
     throw app::Error(app::ErrorKind::Refused,
-                     question + " nobody to ask (standard input is no terminal; --yes says so beforehand)");
+                     question + " cannot ask (standard input is not a terminal; --yes confirms)");
   flushOutput();
   fmt::print(stderr, "{} [y/N] ", base::displayText(question));
   std::fflush(stderr);

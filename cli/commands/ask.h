@@ -6,8 +6,8 @@
 
 namespace reeldb::cli {
 
-/// Asks a question on standard error and reads the answer from standard input; whether it was yes. Throws Failure when
-/// standard input is no terminal: then nobody is there to answer, and --yes has to say it.
+/// Asks a question on standard error and reads the reply from standard input. Returns whether it was yes. Throws
+/// app::Error (Refused) if standard input is not a terminal.
 bool ask(const std::string& question);
 
 } // namespace reeldb::cli

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Every command adds itself to the command line; one file a command or a noun with its verbs.
+// Adds the commands to the command line. There is one file for each command, or for each noun with its verbs.
 #ifndef REELDB_CLI_COMMANDS_H
 #define REELDB_CLI_COMMANDS_H
 
@@ -30,7 +30,7 @@ void addUndelete(CommandLine& line);
 void addWatch(CommandLine& line);
 void addWhich(CommandLine& line);
 
-/// All of them, in the order in which help names them.
+/// Adds all commands, in the order of the help text.
 void addCommands(CommandLine& line);
 
 } // namespace reeldb::cli

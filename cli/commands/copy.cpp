@@ -28,7 +28,7 @@ ExitCode run(const Options& options, const Globals& globals)
   if (options.json)
     print(app::jsonText(copied));
   else
-    print(fmt::format("{}: {} {}\n", displayText(copied.to), copied.stored ? "now as" : "is already as",
+    print(fmt::format("{}: {} {}\n", displayText(copied.to), copied.stored ? "now like" : "already like",
                       displayText(copied.from)));
   return done;
 }
@@ -40,9 +40,9 @@ void addCopy(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "copy",
-       .description = "Copy what is known of one reel to another",
+       .description = "Copy the fields of one reel to another",
        .examples = {"reeldb copy A001 A002"},
-       .details = "Copied are type, available, inhibit, label map and the user fields; bin and last device are not."},
+       .details = "Copies type, available, inhibit, label map and the user fields, but not bin and last device."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("FROM", options->from, "The reel to copy from").required().shownAs("");
   command.text("TO", options->to, "The reel to change").required().shownAs("");

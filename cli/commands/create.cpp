@@ -23,7 +23,7 @@ struct Options {
 ExitCode run(const Options& options, const Globals& globals)
 {
   if (options.device)
-    app::showDevice(*options.device); // a number that makes no sense is reported before a project that is not there
+    app::showDevice(*options.device); // a wrong device number is reported before a missing project
   app::Session session(globals.project, app::Access::Write);
   const app::CreatedReel created = app::createReel(session, options.id, options.device);
   changesAreStored();
@@ -45,13 +45,12 @@ void addCreate(CommandLine& line)
        .description = "Make a reel",
        .examples = {"reeldb create B007", "reeldb create \"Archive roll 3\" --device 1"},
        .details = fmt::format(
-           "Prints the identifier as it was stored: without outer blanks, or, for a device of port type\n"
-           "\"device-named\", the device's own name. An identifier that starts with a dash goes behind \"--\".\n{}",
+           "Prints the stored identifier: without blanks at its ends, or, for a device of port type \"device-named\",\n"
+           "the device's own name. Write \"--\" before an identifier that starts with a dash.\n{}",
            app::reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("ID", options->id, "The reel's identifier").required().shownAs("");
-  command.text("--device", options->device, "The device whose audio inputs the reel gets as channels")
-      .shownAs("NUMBER");
+  command.text("--device", options->device, "The device; the reel gets its audio inputs as channels").shownAs("NUMBER");
   command.json(options->json);
 }
 

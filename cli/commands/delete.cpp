@@ -28,7 +28,7 @@ struct Options {
 
 void show(const app::DeletionPlan::Item& item)
 {
-  constexpr std::size_t mostLines = 20; // of a reel of a thousand shots the first ones show which reel it is
+  constexpr std::size_t mostLines = 20; // the first of a thousand shots show which reel it is
   const std::string reel = displayText(item.reel);
   const std::string shots = counted(item.shots.size(), "shot");
   if (item.kept) {
@@ -54,8 +54,7 @@ std::string sizeOf(const app::DeletionPlan& plan)
   return counted(plan.reelCount(), "reel") + " and " + counted(plan.shotCount(), "shot");
 }
 
-/// Looks up what would go, shows it and asks. The project is only read meanwhile: nobody is kept waiting for the
-/// answer.
+/// Shows the plan and asks. Meanwhile the project is only read, so that no other process has to wait for the reply.
 app::DeletionPlan confirmed(const Options& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Read);
@@ -67,7 +66,7 @@ app::DeletionPlan confirmed(const Options& options, const Globals& globals)
   return plan;
 }
 
-/// What the options ask for: only shown, confirmed, or done at once.
+/// Carries out the deletion in one of three ways: shows it only, asks before it, or deletes at once.
 app::DeletionPlan deleted(const Options& options, const Globals& globals)
 {
   if (options.dryRun) {
@@ -98,9 +97,9 @@ ExitCode run(const Options& options, const Globals& globals)
   if (options.yes || options.dryRun) // else it was shown before it was confirmed
     show(plan);
   if (plan.empty())
-    print(options.dryRun ? "dry run: nothing would go\n" : "nothing deleted\n");
+    print(options.dryRun ? "dry run: nothing would be deleted\n" : "nothing deleted\n");
   else if (options.dryRun)
-    print(fmt::format("dry run: {} would go, the project stays as it was\n", sizeOf(plan)));
+    print(fmt::format("dry run: {} would be deleted, the project stays as it was\n", sizeOf(plan)));
   else
     print(fmt::format("{} deleted (reeldb undelete brings them back)\n", sizeOf(plan)));
   return plan.empty() ? refused : done;
@@ -115,15 +114,15 @@ void addDelete(CommandLine& line)
       {.name = "delete",
        .description = "Delete reels and the shots recorded from them",
        .examples = {"reeldb delete --dry-run A001 A002 --keep A002", "reeldb delete A001 --yes"},
-       .details = "Shows the reels and shots that would go and asks. A reel that is kept stays, and so do its\n"
-                  "shots."},
+       .details = "Shows the reels and shots to delete, and asks. A reel in --keep is not deleted, nor are its shots.\n"
+                  "reeldb undelete brings deleted reels and shots back."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("ID", options->ids, "The reels").required().shownAs("");
   command.texts("--keep", options->keep, "A reel to keep; may be given several times")
       .shownAs("ID")
-      .oneEachTime(); // one reel each time: those that follow are to be deleted
+      .oneEachTime(); // the words after its value are reels to delete
   command.flag("--yes,-y", options->yes, "Do not ask");
-  command.flag("--dry-run", options->dryRun, "Show what would go and delete nothing");
+  command.flag("--dry-run", options->dryRun, "Show what would be deleted, and delete nothing");
   command.json(options->json);
 }
 

@@ -94,7 +94,7 @@ ExitCode reels(const Options& options, const Globals& globals)
 
 ExitCode live(const Options& options, const Globals& globals)
 {
-  app::showDevice(options.number); // a number that makes no sense is reported before a project that is not there
+  app::showDevice(options.number); // a wrong device number is reported before a missing project
   app::Session session(globals.project, app::Access::Write);
   const app::LiveReel live = app::liveReel(session, options.number);
   if (live.created)
@@ -102,7 +102,7 @@ ExitCode live(const Options& options, const Globals& globals)
   if (options.json)
     print(app::jsonText(live));
   else
-    print(fmt::format("{}{}\n", base::displayText(live.reel.id), live.created ? "" : " (was there already)"));
+    print(fmt::format("{}{}\n", base::displayText(live.reel.id), live.created ? "" : " (already existed)"));
   return done;
 }
 
@@ -110,7 +110,8 @@ ExitCode live(const Options& options, const Globals& globals)
 
 void addDevice(CommandLine& line)
 {
-  const Command group = line.addGroup("device", "Ask about the devices of the facility", "reeldb device list");
+  const Command group =
+      line.addGroup("device", "Show the devices of the facility, and which reels they accept", "reeldb device list");
 
   const auto listOptions = std::make_shared<ListOptions>();
   Command listing = line.add(group,
@@ -127,19 +128,19 @@ void addDevice(CommandLine& line)
         line.add(group, std::move(info), [options, run](const Globals& globals) { return run(*options, globals); });
     command.text("NUMBER", options->number, "The device; reeldb device list lists them").required().shownAs("");
     if (explains)
-      command.flag("--why", options->why, "Show every reel, and which test accepted or refused it");
+      command.flag("--why", options->why, "Show every reel, and why it is accepted or not");
     command.json(options->json);
   };
   add({.name = "show", .description = "Show one device", .examples = {"reeldb device show 0"}}, show);
   add({.name = "reels",
        .description = "List the reels a device accepts",
        .examples = {"reeldb device reels 0", "reeldb device reels 0 --why"},
-       .details = "A device accepts the types it lists, and every reel whose type is not in the catalogue."},
+       .details = "A device accepts reels of the types it lists, and every reel whose type is not in the catalogue."},
       reels);
   add({.name = "live",
-       .description = "Make or find a device's live-feed reel",
+       .description = "Find a device's live-feed reel, or make it",
        .examples = {"reeldb device live 1"},
-       .details = "A device is a live source when \"Live\" is among the types it accepts."},
+       .details = "A device is a live source if \"Live\" is one of the types it accepts."},
       live);
 }
 

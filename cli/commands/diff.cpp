@@ -94,18 +94,18 @@ void addDiff(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "diff",
-       .description = "Tell what a new version of a cut list or log file changes against the project",
+       .description = "Compare new versions of cut lists and log files with the project",
        .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl", "reeldb diff --json rushes.ale"},
        .details =
-           "Several files are taken together. Told are reels that an import would make (and which reels they may be\n"
-           "after all, see reeldb which), reels in other spelling, shots it would add, and shots of the lists'\n"
-           "reels that are in the project but no longer in the lists. A cut list is compared with the shots of\n"
-           "cut lists, a log file with those of log files. --gone takes the files for all there is: reels that none\n"
-           "of them names are gone, with their shots. Nothing is changed; the exit code is 0 with differences and\n"
-           "without, 4 when lines were rejected."},
+           "Reports the reels that an import would make (with existing reels that they may be, see reeldb which),\n"
+           "reels in another spelling, the shots that it would add, and shots of the lists' reels that are in the\n"
+           "project but no longer in the lists. Several files are compared as one list. A cut list is compared\n"
+           "only with shots from cut lists, and a log file only with shots from log files. With --gone the files\n"
+           "are taken as complete: a reel that none of them names is reported as gone, with its shots. Nothing is\n"
+           "changed. The exit code is 0, with and without differences, or 4 if lines were rejected."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The lists").required().shownAs("");
-  command.flag("--gone", options->gone, "Also tell of reels that none of the files names");
+  command.flag("--gone", options->gone, "Also report reels that none of the files names");
   command.json(options->json);
 }
 

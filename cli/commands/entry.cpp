@@ -65,11 +65,11 @@ std::vector<app::Choice> choicesFor(const Completion& completion)
     app::startUp();
     return app::choices(completion.value, completion.typed, completion.project);
   } catch (const std::exception&) {
-    return {}; // without a facility, say; who runs the line hears of it
+    return {}; // for example without a facility; the command itself will report it
   }
 }
 
-/// Whether the word shows its own bytes and fits into one line.
+/// Whether displayText leaves the word unchanged, so that it can be offered on one line.
 bool canBeTyped(const std::string& word)
 {
   return base::displayText(word) == word;
@@ -93,7 +93,7 @@ ExitCode complete(int argc, char** argv)
 
 } // namespace reeldb::cli
 
-// The commands catch everything they throw; what comes here anyway ends the process in std::terminate.
+// The commands catch their exceptions. An exception that arrives here ends the process in std::terminate.
 extern "C" __attribute__((visibility("default"))) int reeldb_main(int argc, char** argv)
 {
   return reeldb::cli::runLine(argc, argv);

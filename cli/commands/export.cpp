@@ -44,7 +44,7 @@ std::size_t readReelLength(const Options& options)
   const auto number = base::parseNumber(*options.reelLength);
   const auto found = std::find(lengths.begin(), lengths.end(), static_cast<std::size_t>(number.value_or(0)));
   if (found == lengths.end())
-    refuse(fmt::format("{}: no length of a reel field (there are {})", base::shortText(*options.reelLength),
+    refuse(fmt::format("--reel-length {}: invalid (use one of {})", base::shortText(*options.reelLength),
                        fmt::join(lengths, ", ")));
   return *found;
 }
@@ -52,13 +52,13 @@ std::size_t readReelLength(const Options& options)
 void checkOptions(const Options& options)
 {
   if (options.edl + options.ale + options.csv + options.json != 1)
-    refuse("export: say which format: one of --edl, --ale, --csv, --json");
+    refuse("export: no format given (use one of --edl, --ale, --csv, --json)");
   if (options.reelLength && !options.edl)
-    refuse("export: --reel-length is for --edl");
+    refuse("export: --reel-length needs --edl");
   if (options.reelsOnly && (options.edl || options.ale))
-    refuse("export: --reels is for --csv and --json (lists are of shots)");
+    refuse("export: --reels needs --csv or --json (lists contain shots)");
   if (options.force && !options.file)
-    refuse("export: --force is for -o FILE");
+    refuse("export: --force needs -o FILE");
 }
 
 app::Written write(const Options& options, const app::ProjectContent& content, std::size_t reelLength)
@@ -72,7 +72,7 @@ app::Written write(const Options& options, const app::ProjectContent& content, s
   return options.reelsOnly ? app::writeReelsCsv(content) : app::writeShotsCsv(content);
 }
 
-/// A terminal gets no control characters, whatever the project holds.
+/// A terminal gets no control characters, even if the project contains some.
 void printBytes(const std::string& text)
 {
   if (!isTerminal(stdout))
@@ -114,21 +114,23 @@ void addExport(CommandLine& line)
        .description = "Write the reels and shots of the project as a cut list, a log file, a table or JSON",
        .examples = {"reeldb export --edl --reel-length 32 -o cut.edl", "reeldb export --ale -o rushes-out.ale",
                     "reeldb export --csv --reels", "reeldb export --json"},
-       .details = "A cut list has an event for each shot. Its reel names fit the field of the device it is for: three\n"
-                  "digits, 6 or 8 capitals and digits, 32 or 129 characters. No two reels share one, and notes at the\n"
-                  "head say which reel each stands for; reeldb import reads them, so that a list or log comes back\n"
-                  "as the same reels and shots. A table (RFC 4180) is of shots, or of reels. A file is written whole\n"
-                  "or not at all. What a list cannot hold is told; a shot that is left out makes the exit code 4."},
+       .details =
+           "A cut list has an event for each shot. Its reel names have the length that the receiving system\n"
+           "reads: three digits, 6 or 8 capitals and digits, or 32 or 129 characters. They are unique, and notes\n"
+           "at the head map them to the full names; reeldb import reads these notes, so an exported list or log\n"
+           "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. A file is written\n"
+           "completely or not at all. The command reports whatever a list cannot contain; if a shot is left out,\n"
+           "the exit code is 4."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.flag("--edl", options->edl, "A cut list (CMX3600 EDL)");
   command.flag("--ale", options->ale, "A log exchange file (ALE)");
   command.flag("--csv", options->csv, "A table of the shots");
   command.flag("--json", options->json, "Reels and shots as JSON");
-  command.flag("--reels", options->reelsOnly, "The reels alone, for --csv and --json");
+  command.flag("--reels", options->reelsOnly, "Only the reels, for --csv and --json");
   command.text("--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
       .shownAs("N");
   command.text("-o,--output", options->file, "The file to write; without it, standard output").shownAs("FILE");
-  command.flag("--force", options->force, "Replace the file if it is there");
+  command.flag("--force", options->force, "Replace the file if it exists");
 }
 
 } // namespace reeldb::cli

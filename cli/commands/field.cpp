@@ -71,8 +71,9 @@ void addField(CommandLine& line)
       {.name = "name",
        .description = "Name user fields of reels",
        .examples = {"reeldb field name 0=Scene 1=Take", "reeldb field name 1="},
-       .details = "An empty name takes a name back. The names are the facility's and serve all its projects. No two\n"
-                  "fields share one, letter case aside, and none has that of a field of reeldb set, or a number."},
+       .details = "An empty name removes a name. The names belong to the facility, so all its projects have them. A\n"
+                  "name must differ from the other fields' names in more than letter case. It must not be a number or\n"
+                  "the name of a field of reeldb set."},
       [nameOptions](const Globals&) { return name(*nameOptions); });
   naming.texts("NUMBER=NAME", nameOptions->assignments, "Names to store").required().shownAs("");
   naming.json(nameOptions->json);

@@ -40,7 +40,8 @@ void show(const Options& options, const app::ImportReport& report)
     print("dry run: the project stays as it was\n");
 }
 
-/// All files, before any is brought in: one that cannot be read leaves the project alone. Each that cannot is named.
+/// Reads all files before any is imported, so that an unreadable file leaves the project unchanged. Reports each
+/// unreadable file.
 std::vector<app::ListFile> readAll(const std::vector<std::string>& paths)
 {
   app::ListFiles files = app::readListFiles(paths);
@@ -55,7 +56,7 @@ std::vector<app::ListFile> readAll(const std::vector<std::string>& paths)
                                     [](const app::Error& failure) { return exitCodeOf(failure.kind()) == unreadable; });
   throw app::Error(
       damaged == failures.end() ? failures.front().kind() : damaged->kind(),
-      fmt::format("import: nothing brought in ({} of {} files cannot be read)", failures.size(), paths.size()));
+      fmt::format("import: nothing imported ({} of {} files cannot be read)", failures.size(), paths.size()));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
@@ -83,20 +84,19 @@ void addImport(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "import",
-       .description = "Bring in cut lists and log files, and make a reel for every source in them",
+       .description = "Import cut lists and log files, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
                     "reeldb import --json rushes.ale"},
        .details =
-           "Reads cut lists (CMX3600 EDL) and log exchange files (ALE), told apart by what is in them. Every clip\n"
-           "becomes a shot; one with the same reel, clip name, source in, source out and tracks as another is\n"
-           "not added again, so the same file twice changes nothing. A bad line costs that line: it is reported\n"
-           "with its number, and the exit code is 4. A line that is odd but can be read is kept, with a warning.\n"
-           "So is a list that counts its timecodes at another rate than the project, once, with the line that\n"
-           "proves it.\n"
-           "A file that cannot be read costs the import: nothing is brought in, of none of the files."},
+           "Reads cut lists (CMX3600 EDL) and log exchange files (ALE); their content shows which they are. Every\n"
+           "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
+           "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
+           "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"
+           "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"
+           "is reported. If a file cannot be read, nothing of any file is imported."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
-  command.flag("--dry-run", options->dryRun, "Report what would happen and change nothing");
+  command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }
 

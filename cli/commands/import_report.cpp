@@ -25,7 +25,7 @@ std::string_view formatName(lists::Format format)
   return "";
 }
 
-/// What a line of the list that says something of a source is called.
+/// The name for a line that describes a source: "event" or "row".
 std::string_view lineName(lists::Format format)
 {
   switch (format) {
@@ -43,7 +43,7 @@ std::string did(Mood mood, std::string_view verb)
   return mood == Mood::Fact ? std::string(verb) : fmt::format("would be {}", verb);
 }
 
-/// The names behind the heading, with commas, in as many lines as they need, each further one so far in.
+/// The heading, and behind it the names, separated by commas and wrapped. Further lines are indented by @p indent.
 std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
                     std::size_t indent)
 {
@@ -93,7 +93,7 @@ std::string ambiguousText(const lists::Ambiguous& ambiguous)
   return result + "\n";
 }
 
-/// Lines of the list, and what is to be said of each.
+/// The lines of the list with a remark on each.
 template <class Remark>
 std::string remarksText(const std::string& what, const std::vector<Remark>& remarks)
 {

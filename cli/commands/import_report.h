@@ -9,10 +9,10 @@
 
 namespace reeldb::cli {
 
-/// Whether the report tells what was done, or what would be if it were.
+/// Whether the report is about an import or about a dry run.
 enum class Mood { Fact, Conditional };
 
-/// What became of the list, for people. Names are wrapped at so many columns; a line of the list that is shown is not.
+/// The result for the list as text for people. Names are wrapped at @p columns; quoted lines of the list are not.
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood);
 
 } // namespace reeldb::cli

@@ -26,9 +26,9 @@ ExitCode run(const Options& options, const Globals& globals)
   print(
       fmt::format("facility made in {}{}\n", shown,
                   made.project.empty() ? "" : fmt::format(", with the project {} ({} fps)", made.project, made.rate)));
-  print(fmt::format("next: {}reeldb import FILE... brings in cut lists and log files; {}/facility.toml describes the "
-                    "devices,\n      {}/devicedata/reeltype.dat the reel types\n",
-                    folder == "." ? "" : fmt::format("cd {} and ", shellWord(folder)), shown, shown));
+  print(fmt::format("next: {}reeldb import FILE... to import cut lists and log files\n      {}/facility.toml lists the "
+                    "devices, {}/devicedata/reeltype.dat the reel types\n",
+                    folder == "." ? "" : fmt::format("cd {}, then ", shellWord(folder)), shown, shown));
   return done;
 }
 
@@ -41,8 +41,8 @@ void addInit(CommandLine& line)
       {.name = "init",
        .description = "Make a facility: configuration, reel types, label maps and a first project",
        .examples = {"reeldb init newsroom", "reeldb init feature --rate 23.976"},
-       .details = "Makes the folder if it is not there, and overwrites nothing; when anything of it cannot be made,\n"
-                  "nothing is. The folder is DIR, else the one given with -C, else the working folder.\n"
+       .details = "Makes the folder if it does not exist, and overwrites nothing. If a part of the facility cannot be\n"
+                  "made, nothing is made. The folder is DIR, else the one given with -C, else the working folder.\n"
                   "A project has one frame rate; import warns of lists that have another one.",
        .needsFacility = false},
       [options](const Globals& globals) { return run(*options, globals); });

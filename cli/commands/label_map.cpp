@@ -54,7 +54,7 @@ struct CheckOptions {
 ExitCode check(const CheckOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Read);
-  // The library prints the one line that says why a map does not fit a device.
+  // If a map does not fit a device, the library itself prints the reason.
   const app::LabelMapCheck found = app::checkLabelMap(session, options.map, options.device);
   const auto fits = [](bool so) { return so ? "fits" : "does not fit"; };
   if (options.json) {
@@ -97,28 +97,30 @@ ExitCode needed(const ForOptions& options, const Globals& globals)
 void addLabelMap(CommandLine& line)
 {
   const Command group =
-      line.addGroup("label-map", "List or check label maps, or find the one that is needed", "reeldb label-map list");
+      line.addGroup("label-map", "List or check label maps, or find the one to use", "reeldb label-map list");
 
   const auto listOptions = std::make_shared<ListOptions>();
-  Command listing = line.add(group,
-                             {.name = "list",
-                              .description = "List the label maps of the facility",
-                              .examples = {"reeldb label-map list", "reeldb label-map list --json"},
-                              .details = "One that cannot be read is listed with its fault, and the exit code is 3."},
-                             [listOptions](const Globals& globals) { return list(*listOptions, globals); });
+  Command listing =
+      line.add(group,
+               {.name = "list",
+                .description = "List the label maps of the facility",
+                .examples = {"reeldb label-map list", "reeldb label-map list --json"},
+                .details = "A map that cannot be read is listed with its fault; the exit code is then 3."},
+               [listOptions](const Globals& globals) { return list(*listOptions, globals); });
   listing.json(listOptions->json);
 
   const auto checkOptions = std::make_shared<CheckOptions>();
   Command checking = line.add(
       group,
       {.name = "check",
-       .description = "Check whether a label map can be read and suits project and device",
+       .description = "Check whether a label map can be read and fits the project and a device",
        .examples = {"reeldb label-map check pal9pin", "reeldb label-map check pal9pin --device 0"},
-       .details = "The exit code is 1 when it does not fit, and 3 when the file cannot be read; then the message says\n"
-                  "which line is wrong."},
+       .details =
+           "The exit code is 1 if the map does not fit, and 3 if its file cannot be read; the message then names\n"
+           "the line."},
       [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
   checking.text("MAP", checkOptions->map, "The label map").required().shownAs("");
-  checking.text("--device", checkOptions->device, "The device it is to suit").shownAs("NUMBER");
+  checking.text("--device", checkOptions->device, "The device that the map should fit").shownAs("NUMBER");
   checking.json(checkOptions->json);
 
   const auto forOptions = std::make_shared<ForOptions>();
@@ -128,9 +130,9 @@ void addLabelMap(CommandLine& line)
        .description = "Show the label map for a reel on a device, or for the device alone",
        .examples = {"reeldb label-map for A001 --device 0", "reeldb label-map for --device 0"},
        .details =
-           "For a reel: its own map, if it names one, whether it fits or not; else the device's. For a device\n"
-           "alone: its own map if it fits the device, else the usual one for its port and the frame rate of the\n"
-           "project. A warning is printed when the facility has no such map, or one that cannot be read."},
+           "With a reel: the reel's own map if it names one, whether the map fits or not; else the map for the\n"
+           "device. Without a reel: the device's own map if it fits the device, else the usual map for its port\n"
+           "and the project's frame rate. A warning is printed if the facility has no such map or cannot read it."},
       [forOptions](const Globals& globals) { return needed(*forOptions, globals); });
   finding.text("REEL", forOptions->reel, "The reel").shownAs("");
   finding.text("--device", forOptions->device, "The device; reeldb device list lists them")

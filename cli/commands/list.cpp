@@ -67,7 +67,9 @@ void addList(CommandLine& line)
       {.name = "list",
        .description = "List the reels of the project",
        .examples = {"reeldb list", "reeldb list --json"},
-       .details = "Channels are those of the reel's own log. Shots are counted by identifier, letter case aside."},
+       .details =
+           "VIDEO and AUDIO are the numbers of channels that the reel has, whatever its type says. SHOTS counts\n"
+           "the shots with the reel's identifier, ignoring letter case."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.json(options->json);
 }

@@ -121,11 +121,10 @@ void addProject(CommandLine& line)
                 .description = "Make a project",
                 .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
                 .details = "A frame rate is a name or a code of the facility, or another way to write it: 23.976 or\n"
-                           "24000/1001 is 23.98. facility.toml may name further frame rates, and the\n"
-                           "default project."},
+                           "24000/1001 is 23.98. facility.toml can add frame rates, and it names the default project."},
                [newOptions](const Globals&) { return makeNew(*newOptions); });
-  making.text("NAME", newOptions->name, "Its name, which is also that of its file").required().shownAs("");
-  making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} unless given", app::usualFrameRate))
+  making.text("NAME", newOptions->name, "Its name, and the name of its file").required().shownAs("");
+  making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
 
   const auto listOptions = std::make_shared<ListOptions>();
@@ -140,9 +139,9 @@ void addProject(CommandLine& line)
   Command checking =
       line.add(group,
                {.name = "check",
-                .description = "Look a project's file over from its first page to its last",
+                .description = "Check the whole file of a project for damage",
                 .examples = {"reeldb project check"},
-                .details = "Says that it is sound, or names each fault and ends with exit code 3. Changes nothing."},
+                .details = "Reports that the file is sound, or each fault; the exit code is then 3. Changes nothing."},
                [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
   checking.json(checkOptions->json);
 
@@ -160,9 +159,9 @@ void addProject(CommandLine& line)
   const auto compactOptions = std::make_shared<CompactOptions>();
   Command compacting = line.add(group,
                                 {.name = "compact",
-                                 .description = "Remove what was deleted for good",
+                                 .description = "Remove deleted reels and shots for good",
                                  .examples = {"reeldb project compact"},
-                                 .details = "Until then reeldb undelete brings deleted reels and shots back."},
+                                 .details = "After that, reeldb undelete can no longer bring them back."},
                                 [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
   compacting.json(compactOptions->json);
 }

@@ -39,11 +39,12 @@ void report(const Options& options, const std::vector<app::Need>& needs)
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));
 }
 
-/// What of the list is in no reel: sources that are none, or that nobody can tell, and lines that could not be read.
+/// Reports the rest of the list: sources that are not reels, ambiguous sources, and lines with a remark or that could
+/// not be read.
 void complainOfTheRest(const app::ListFile& file)
 {
   for (const lists::Special& special : file.list.specials)
-    complain(fmt::format("{}: {}: no reel ({}; {}, {} {})", file.path, special.text, special.reason,
+    complain(fmt::format("{}: {}: not a reel ({}; {}, {} {})", file.path, special.text, special.reason,
                          counted(special.count, "clip"), special.lines.size() == 1 ? "line" : "lines",
                          fmt::join(special.lines, ", ")));
   for (const lists::Warning& line : file.list.warnings)
@@ -52,19 +53,19 @@ void complainOfTheRest(const app::ListFile& file)
     complain(fmt::format("{}: line {} rejected: {} ({})", file.path, line.line, line.reason, line.text));
 }
 
-/// Throws app::Error unless the options name shots in one way.
+/// Throws app::Error unless the options name shots in exactly one way.
 void checkOptions(const Options& options)
 {
   const auto refuse = [](const char* what) { throw app::Error(app::ErrorKind::Invalid, what); };
   const int ways = !options.clips.empty() + options.reel.has_value() + options.file.has_value();
   if (ways == 0)
-    refuse("reels-of: say which shots: clip names, --reel ID or --file LIST");
+    refuse("reels-of: no shots given (use clip names, --reel ID or --file LIST)");
   if (ways > 1)
-    refuse("reels-of: only one of these at a time: clip names, --reel ID, --file LIST");
+    refuse("reels-of: use only one of clip names, --reel ID and --file LIST");
   if (std::find(options.clips.begin(), options.clips.end(), "") != options.clips.end())
-    refuse("reels-of: \"\" is no name of a clip");
+    refuse("reels-of: \"\": not a clip name");
   if (options.reel && options.reel->empty())
-    refuse("reels-of: \"\" is no reel");
+    refuse("reels-of: \"\": not a reel");
 }
 
 ExitCode ofList(const Options& options, const Globals& globals)
@@ -76,7 +77,7 @@ ExitCode ofList(const Options& options, const Globals& globals)
     report(options, needs);
   complainOfTheRest(file);
   if (needs.empty())
-    throw app::Error(app::ErrorKind::Refused, fmt::format("{}: no clip in it has a reel", file.path));
+    throw app::Error(app::ErrorKind::Refused, fmt::format("{}: none of its clips has a reel", file.path));
   return file.list.rejected.empty() ? done : incomplete;
 }
 
@@ -101,8 +102,9 @@ void addReelsOf(CommandLine& line)
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
                     "reeldb reels-of --file evening.edl --json"},
        .details =
-           "A reel is missing (no record of it), unavailable, of unknown type, the last two perhaps at once, or\n"
-           "ready. A list need not have been imported; what of it is in no reel is told on standard error."},
+           "The state of a reel is ready, missing (the project has no record of it), unavailable, unknown type, or\n"
+           "the last two. The list need not be imported. Its sources that are not reels, and its lines that cannot\n"
+           "be read, are reported on standard error."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");

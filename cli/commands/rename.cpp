@@ -26,12 +26,12 @@ struct Options {
 void report(const app::Renamed& renamed)
 {
   if (renamed.from == renamed.to) {
-    print(fmt::format("{}: is called that already\n", displayText(renamed.from)));
+    print(fmt::format("{}: already has this name\n", displayText(renamed.from)));
     return;
   }
   if (!renamed.shots.empty())
     printShots(renamed.shots);
-  print(fmt::format("{} {} {}, in {} too\n", displayText(renamed.from), renamed.dryRun ? "would be" : "is now",
+  print(fmt::format("{} {} {}, also in {}\n", displayText(renamed.from), renamed.dryRun ? "would be" : "is now",
                     displayText(renamed.to), counted(renamed.shots.size(), "shot")));
   if (renamed.dryRun)
     print("dry run: the project stays as it was\n");
@@ -61,14 +61,14 @@ void addRename(CommandLine& line)
        .description = "Rename a reel, and every shot recorded from it",
        .examples = {"reeldb rename --dry-run A001 A001B", "reeldb rename A001 A001B", "reeldb rename A001B a001b"},
        .details = fmt::format(
-           "Outer blanks of the new name do not count. A name that another reel has, letter case aside, is\n"
-           "refused; another spelling of the reel's own name is not. reeldb which still finds the reel by the\n"
+           "Blanks at the ends of the new name are removed. A name that another reel has, ignoring letter case, is\n"
+           "refused; the reel's own name in another spelling is accepted. reeldb which still finds the reel by its\n"
            "old name.\n{}",
            app::reelNameRule)},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("OLD", options->oldId, "The reel").required().shownAs("");
   command.text("NEW", options->newId, "Its new identifier").required().shownAs("");
-  command.flag("--dry-run", options->dryRun, "Report what would happen and change nothing");
+  command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }
 

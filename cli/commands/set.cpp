@@ -25,7 +25,7 @@ void printChanges(const app::ChangedReel& changed)
   const auto shown = [](const std::string& value) { return base::displayText(orDash(value)); };
   for (const app::FieldChange& change : changed.changes)
     print(fmt::format("{}: {}: {} ({})\n", base::displayText(changed.id), change.field, shown(change.after),
-                      change.changed() ? "was " + shown(change.before) : "already so"));
+                      change.changed() ? "was " + shown(change.before) : "unchanged"));
 }
 
 ExitCode run(const Options& options, const Globals& globals)
@@ -50,7 +50,7 @@ void addSet(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "set",
-       .description = "Change what is known of a reel",
+       .description = "Change the fields of a reel",
        .examples = {"reeldb set A001 \"type=Tape 4ch\" available=no", "reeldb set A001 0=12A bin=\"Shelf 4\"",
                     "reeldb set A001 \"User field 2=rain\" user-field.2=night", "reeldb set A001 last-device="},
        .details =
@@ -62,9 +62,9 @@ void addSet(CommandLine& line)
            "  bin            the shelf that the reel is kept on\n"
            "  last-device    the name of a device; reeldb device list lists them\n"
            "  user-field.N   user field N, counted from 0; also N alone, or the field's name as reeldb field list\n"
-           "                 shows it, letter case aside\n"
-           "An empty value takes the value away. Channels are added to suit a new type or device, never\n"
-           "removed. Nothing is written unless every field and value makes sense."},
+           "                 shows it, in any letter case\n"
+           "An empty value removes the value. A new type or device can add channels to the reel, but never removes\n"
+           "any. Nothing is stored unless all fields and values are valid."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("ID", options->id, "The reel").required().shownAs("");
   command.texts("FIELD=VALUE", options->assignments, "What to change").required().shownAs("");

@@ -58,9 +58,9 @@ void addShow(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
   Command command = line.add({.name = "show",
-                              .description = "Show everything that is known of one reel",
+                              .description = "Show all fields of one reel",
                               .examples = {"reeldb show A001", "reeldb show --json a001"},
-                              .details = "Reels are found without regard to letter case."},
+                              .details = "The letter case of the identifier does not matter."},
                              [options](const Globals& globals) { return run(*options, globals); });
   command.text("ID", options->id, "The reel").required().shownAs("");
   command.json(options->json);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What several commands show in the same way.
+// Output that several commands share.
 #ifndef REELDB_CLI_TABLES_H
 #define REELDB_CLI_TABLES_H
 
@@ -22,7 +22,7 @@ std::string orDash(const std::string& text);
 /// Prints a table with a line for each shot, indented by @p indent blanks.
 void printShots(const std::vector<app::Shot>& shots, std::size_t indent = 0);
 
-/// Why a name stands for a reel, in words: "cut form, other name in a list".
+/// The reasons why a name means a reel, in words: "cut form, other name in a list".
 std::string reasonsText(const app::Candidate& candidate);
 
 /// Writes each message to standard error.

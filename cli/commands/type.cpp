@@ -42,7 +42,7 @@ void addType(CommandLine& line)
                              {.name = "list",
                               .description = "List the reel types of the facility",
                               .examples = {"reeldb type list", "reeldb type list --json"},
-                              .details = "In the order of the file devicedata/reeltype.dat."},
+                              .details = "The types have the order of the file devicedata/reeltype.dat."},
                              [options](const Globals&) { return list(*options); });
   command.json(options->json);
 }

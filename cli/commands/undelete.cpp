@@ -37,13 +37,14 @@ ExitCode run(const Options& options, const Globals& globals)
 void addUndelete(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
-  Command command =
-      line.add({.name = "undelete",
-                .description = "Bring the last deletion back",
-                .examples = {"reeldb undelete"},
-                .details = "Deleted reels and shots are kept until reeldb project compact. Said again, it brings back\n"
-                           "the deletion before."},
-               [options](const Globals& globals) { return run(*options, globals); });
+  Command command = line.add(
+      {.name = "undelete",
+       .description = "Bring the last deletion back",
+       .examples = {"reeldb undelete"},
+       .details =
+           "Deleted reels and shots are kept until reeldb project compact removes them. The next undelete brings\n"
+           "back the deletion before the last, and so on."},
+      [options](const Globals& globals) { return run(*options, globals); });
   command.json(options->json);
 }
 

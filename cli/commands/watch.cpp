@@ -43,10 +43,10 @@ void report(const app::ReelEvent& event, bool json)
 {
   print(json ? app::jsonLine(event) : lineOf(event));
   if (!flushOutput())
-    throw app::Error(app::ErrorKind::Io, "watch: ended (nobody can read it)");
+    throw app::Error(app::ErrorKind::Io, "watch: ended (its output cannot be written)");
 }
 
-/// Blocks the signals that end the command, so that it can end in order, and waits for them.
+/// Blocks the signals that end the command and waits for them, so that the command can clean up.
 class EndSignals {
 public:
   EndSignals()
@@ -57,7 +57,7 @@ public:
     sigaddset(&set_, SIGHUP);
     sigprocmask(SIG_BLOCK, &set_, nullptr);
   }
-  /// Waits a while; whether one came.
+  /// Waits for this time at most. Returns whether a signal came.
   bool cameWithin(std::chrono::milliseconds time) const
   {
     timespec wait{};
@@ -77,7 +77,7 @@ ExitCode run(const Options& options, const Globals& globals)
     const auto seconds = base::parseNumber(*options.seconds);
     if (!seconds)
       throw app::Error(app::ErrorKind::Invalid,
-                       fmt::format("\"{}\": no number of seconds", base::shortText(*options.seconds)));
+                       fmt::format("--for \"{}\": not a number of seconds", base::shortText(*options.seconds)));
     end = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds);
   }
   const EndSignals signals;
@@ -102,21 +102,20 @@ void addWatch(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "watch",
-       .description = "Show changes to the reels as they are made",
+       .description = "Show changes to the reels when they are made",
        .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json"},
-       .details =
-           "Hears of what any program commits to the project, and keeps none of them waiting. A line each:\n"
-           "  new REEL, changed REEL, gone REEL   what the change came to\n"
-           "  renamed REEL from OLD               the reel is called REEL now\n"
-           "  database                            the reels were read again\n"
-           "  record REEL, ours REEL              a field of a reel, or of the reel of interest, was set by this\n"
-           "                                      process; other processes are told by the lines above\n"
-           "With --reel it tells of that reel alone, follows it when it is renamed, and waits for one of its\n"
-           "name when it is gone."},
+       .details = "Reports what any program stores in the project, without making it wait. Each change is a line:\n"
+                  "  new REEL, changed REEL, gone REEL   the reel was made, changed or deleted\n"
+                  "  renamed REEL from OLD               the reel OLD is now called REEL\n"
+                  "  database                            the reels were read again\n"
+                  "  record REEL, ours REEL              this process itself set a field of a reel, or of the reel of\n"
+                  "                                      --reel; the lines above report changes by other processes\n"
+                  "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
+                  "deleted, it waits for another reel with the same name."},
       [options](const Globals& globals) { return run(*options, globals); });
-  command.text("--reel", options->reel, "The only reel of interest; it has to be there").shownAs("ID");
-  command.text("--for", options->seconds, "End after so many seconds").shownAs("SECONDS");
-  command.flag("--json", options->json, "Report as JSON, an object a line");
+  command.text("--reel", options->reel, "Report only this reel, which must exist").shownAs("ID");
+  command.text("--for", options->seconds, "End after this number of seconds").shownAs("SECONDS");
+  command.flag("--json", options->json, "Report as JSON, one object per line");
 }
 
 } // namespace reeldb::cli

@@ -52,15 +52,15 @@ void addWhich(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "which",
-       .description = "Tell which reel a name from a list stands for, and why",
+       .description = "Find the reel that a name from a list means",
        .examples = {"reeldb which a001", "reeldb which A002 --json"},
        .details =
-           "All reels that the name may mean, for the strongest of these reasons first: it is the identifier; it\n"
-           "differs from it in the case of letters; it is what a list with names of 6, 8, 32 or 129 characters\n"
-           "leaves of the identifier; a list gave it as another name of the reel (its source table, a note, a\n"
-           "column); the reel was called that, or what a list leaves of that, before it was renamed. Where the\n"
-           "strongest reason holds for several reels the name is ambiguous, and the exit code 0 all the same.\n"
-           "Nothing is found: exit code 1."},
+           "Shows all reels that the name may mean, and the reasons. From the strongest to the weakest, these are:\n"
+           "the name is the reel's identifier; it differs from the identifier only in letter case; it is the\n"
+           "identifier as a list with names of 6, 8, 32 or 129 characters cuts it; a list gave it as another name\n"
+           "of the reel (in its source table, a note or a column); it is an old name of the reel, or an old name as\n"
+           "a list cuts it. If the strongest reason applies to several reels, the name is ambiguous. The exit code\n"
+           "is 0 if a reel is found, even if the name is ambiguous, else 1."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("TEXT", options->name, "The name").required().shownAs("");
   command.json(options->json);

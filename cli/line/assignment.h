@@ -9,8 +9,8 @@
 
 namespace reeldb::cli {
 
-/// An argument of the form field=value; the value may hold further equals signs and may be empty. Throws app::Error
-/// (Invalid) for another one.
+/// Splits an argument of the form field=value. The value may contain more equals signs and may be empty. Throws
+/// app::Error (Invalid) for any other argument.
 app::Assignment parseAssignment(const std::string& argument);
 
 std::vector<app::Assignment> parseAssignments(const std::vector<std::string>& arguments);

@@ -19,7 +19,7 @@ namespace reeldb::cli {
 namespace {
 
 // The parser reads "[a,b]" as a list, "{}" as an empty one and "++" as the end of a command. Reel identifiers may look
-// like that, so such an argument travels through the parser behind a mark.
+// like that, so the parser gets such an argument with a mark before it, which is removed afterwards.
 constexpr char mark = '\x01';
 
 bool needsMark(std::string_view argument)
@@ -33,7 +33,7 @@ std::string marked(std::string argument)
   return needsMark(argument) ? mark + argument : argument;
 }
 
-/// "-p=NAME" as "--project=NAME": the parser would take the equals sign for part of the name, where -C=DIR does not.
+/// Changes "-p=NAME" to "--project=NAME", because the parser would read the equals sign as part of the name.
 std::string longProject(const std::string& argument)
 {
   return argument.compare(0, 3, "-p=") == 0 ? "--project=" + argument.substr(3) : argument;
@@ -47,7 +47,7 @@ std::string unmarked(const std::string& argument)
 std::string examplesText(const CommandInfo& info)
 {
   std::string result = info.details.empty() ? "" : info.details + "\n\n";
-  result += "Every command takes -C DIR, -p PROJECT and --trace too; reeldb --help tells about them.\n\n";
+  result += "Every command also takes -C DIR, -p PROJECT and --trace; see reeldb --help.\n\n";
   result += info.examples.size() > 1 ? "Examples:" : "Example:";
   for (const std::string& example : info.examples)
     result += "\n  " + example;
@@ -57,12 +57,13 @@ std::string examplesText(const CommandInfo& info)
 const char* const generalHelp =
     R"(The facility is the folder with facility.toml: the one given with -C, else the one in the environment variable
 REELDB_FACILITY, else the nearest folder from the working folder upwards. The project is the one given with -p, else
-the one in the environment variable REELDB_PROJECT, else the facility's default project. One command is one transaction: all of it is stored, or nothing.
+the one in the environment variable REELDB_PROJECT, else the facility's default project. A command stores all of its
+changes, or none.
 
 Exit codes:
   0  done
   1  nothing found, or refused
-  2  the command line makes no sense
+  2  the command line is wrong
   3  damaged or unreadable data, or the system refused a read or a write
   4  done, but some input lines were rejected
 
@@ -80,19 +81,19 @@ bool hasCommands(const CLI::App& app)
   return !app.get_subcommands([](const CLI::App*) { return true; }).empty();
 }
 
-/// "WORD": no such command, and the one that may have been meant.
+/// The message "WORD: no such command", with a guess of the intended command.
 std::string unknownCommand(const CLI::App& group, const std::string& word)
 {
   std::vector<std::string> names;
   for (const CLI::App* const command : group.get_subcommands([](const CLI::App*) { return true; }))
     names.push_back(command->get_name());
   const std::string meant = guess(word, names);
-  return fmt::format("\"{}\": no such command ({}{} --help tells more)", base::shortText(word),
+  return fmt::format("\"{}\": no such command ({}see {} --help)", base::shortText(word),
                      meant.empty() ? "" : "perhaps " + meant + "; ", path(group));
 }
 
-/// The first word of the line, in order, that stands where a command has to and is none; with the group it was looked
-/// for in. Options and their values are passed over.
+/// The first word in the place of a command that is not a command, and the group of commands that lacks it. Options and
+/// their values are skipped.
 std::pair<const CLI::App*, std::string> misnamedCommand(const CLI::App& root, const std::vector<std::string>& arguments)
 {
   const CLI::App* group = &root;
@@ -116,10 +117,10 @@ std::pair<const CLI::App*, std::string> misnamedCommand(const CLI::App& root, co
 const std::string noFolder = "-C: no folder given";
 const std::string facilityHint = " (-C DIR names the facility)";
 
-/// What is wrong with the line, with what to do.
+/// The message for a line with an error: the fault, and what to do.
 std::string fault(const CLI::App& root, const CLI::App& command, const CLI::ParseError& error)
 {
-  const std::string hint = " (" + path(command) + " --help tells more)";
+  const std::string hint = " (see " + path(command) + " --help)";
   std::vector<std::string> left = root.remaining(true);
   left.erase(std::remove(left.begin(), left.end(), "--"), left.end());
   const bool isOption = !left.empty() && left.front().size() > 1 && left.front().front() == '-';
@@ -158,7 +159,8 @@ struct CommandLine::Parser {
     bool needsFacility;
   };
 
-  CLI::App app{"Reels of a project: imports cut lists and log files, and keeps what is known of each reel.", "reeldb"};
+  CLI::App app{"Keeps the reels of a project, their fields and their shots, and imports cut lists and log files.",
+               "reeldb"};
   Globals globals;
   std::map<const CLI::App*, Entry> commands;
   CLI::App* help = nullptr;
@@ -172,7 +174,7 @@ struct CommandLine::Parser {
     return *found;
   }
 
-  /// The help of the command that the words name.
+  /// Returns the help of the command that the words name.
   Reading helpFor(const std::vector<std::string>& words)
   {
     CLI::App* found = &app;
@@ -200,7 +202,7 @@ CommandLine::CommandLine() : parser_(std::make_unique<Parser>())
   formatter->label("SUBCOMMAND", "COMMAND");
   formatter->column_width(28);
   app.formatter(formatter);
-  app.set_help_flag("-h,--help", "Show this text, or that of a command");
+  app.set_help_flag("-h,--help", "Show this help, or the help of a command");
   app.set_version_flag(
       "--version", [] { return "reeldb " + app::libraryVersion(); }, "Show the version of the library");
   app.require_subcommand(1);
@@ -235,7 +237,7 @@ Command CommandLine::addGroup(const std::string& name, const std::string& descri
   app.group("Commands");
   app.fallthrough();
   app.require_subcommand(1);
-  app.footer(fmt::format("reeldb {} COMMAND --help tells about each.\n\nExample:\n  {}", name, example));
+  app.footer(fmt::format("reeldb {} COMMAND --help shows the help of a command.\n\nExample:\n  {}", name, example));
   return Command(&app);
 }
 
@@ -264,7 +266,7 @@ Completion CommandLine::complete(const std::vector<std::string>& words) const
 Reading CommandLine::read(int argc, char** argv)
 {
   std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
-  const auto options = std::find(arguments.begin(), arguments.end(), "--"); // what follows is left alone
+  const auto options = std::find(arguments.begin(), arguments.end(), "--"); // arguments after "--" stay as they are
   std::transform(arguments.begin(), options, arguments.begin(), longProject);
   std::transform(arguments.begin(), arguments.end(), arguments.begin(), marked);
   Reading reading;
@@ -280,11 +282,12 @@ Reading CommandLine::read(int argc, char** argv)
     return reading;
   }
   const auto refuse = [&](const std::string& what) { refuseFor(parser_->chosen(), what); };
-  if (std::find(arguments.begin(), options, "--facility=") != options) { // the parser would take the next word
+  if (std::find(arguments.begin(), options, "--facility=") !=
+      options) { // the parser would read the next word as its value
     refuse(noFolder + facilityHint);
     return reading;
   }
-  std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+  std::reverse(arguments.begin(), arguments.end()); // the parser requires this order
   try {
     app.parse(std::move(arguments));
     const CLI::App& command = parser_->chosen();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The command line: which commands there are, what they take, and which one was asked for.
+// The command line: the commands, their arguments, and the reading of a line.
 #ifndef REELDB_CLI_COMMAND_LINE_H
 #define REELDB_CLI_COMMAND_LINE_H
 
@@ -21,52 +21,52 @@ class Option;
 
 namespace reeldb::cli {
 
-/// Carries a command out. Throws app::Error when it cannot.
+/// Runs a command. Throws app::Error if it fails.
 using Run = std::function<ExitCode(const Globals&)>;
 
 struct CommandInfo {
   std::string name;
   std::string description;           ///< one line
   std::vector<std::string> examples; ///< whole command lines; every one of them is run by a test
-  std::string details = {};          ///< what else there is to know, in lines
+  std::string details = {};          ///< the rest of the help, in lines
   bool needsFacility = true;
 };
 
-/// What a command line came to.
+/// The result of reading a command line: a command to run, a text to print, or an error.
 struct Reading {
-  Run run;                    ///< empty when there is nothing to run
-  bool needsFacility = false; ///< whether what is to be run works on a facility
-  ExitCode code = done;       ///< when there is nothing to run
-  std::string text;           ///< when there is nothing to run: help or version, for standard output
-  std::string message;        ///< or what is wrong with the line
+  Run run;                    ///< the command; empty if there is a text or an error
+  bool needsFacility = false; ///< whether the command works on a facility
+  ExitCode code = done;       ///< the exit code if there is no command
+  std::string text;           ///< help or version, for standard output
+  std::string message;        ///< the error in the line
 };
 
-/// An argument or option of a command, while the command is put together.
+/// An argument or option of a command, while the command is being defined.
 class Argument {
 public:
   explicit Argument(CLI::Option* option) : option_(option) {}
   Argument& required();
-  /// What help calls the value: "NUMBER". It decides, too, what a shell completes there.
+  /// Sets the name of the value in the help text, such as "NUMBER". The name also decides what a shell completes there.
   Argument& shownAs(const std::string& metavariable);
-  /// A repeatable option takes one value each time: the words that follow belong to something else.
+  /// Makes a repeatable option take one value each time. The words after that value are other arguments.
   Argument& oneEachTime();
 
 private:
   CLI::Option* option_;
 };
 
-/// A command or a group of commands, while the command line is put together. Values come as texts, byte for byte.
+/// A command or a group of commands, while the command line is being defined. Values are texts, byte for byte.
 class Command {
 public:
   explicit Command(CLI::App* app) : app_(app) {}
 
-  /// A positional argument or an option, by its name: "ID", "--rate".
+  /// Adds a positional argument or an option, by its name: "ID", "--rate".
   Argument text(const std::string& name, std::string& value, const std::string& description);
   Argument text(const std::string& name, std::optional<std::string>& value, const std::string& description);
-  /// Any number of them, at least one if it is given.
+  /// Adds an argument or option with any number of values, at least one if it is given.
   Argument texts(const std::string& name, std::vector<std::string>& values, const std::string& description);
   void flag(const std::string& name, bool& value, const std::string& description);
-  /// The flag --json of every command that lists or reports.
+  /// Adds the flag --json. Every command that lists or reports has it.
   void json(bool& value);
 
 private:
@@ -79,20 +79,20 @@ public:
   CommandLine();
   ~CommandLine();
 
-  /// Adds a command, or one that belongs to a group.
+  /// Adds a command, to a group if one is given.
   Command add(CommandInfo info, Run run);
   Command add(const Command& group, CommandInfo info, Run run);
-  /// Adds a noun under which commands stand. The example is a whole command line, like those of commands.
+  /// Adds a group of commands: a noun whose verbs are the commands. The example is a whole command line.
   Command addGroup(const std::string& name, const std::string& description, const std::string& example);
 
-  /// Adds the command help, which shows the help of any other.
+  /// Adds the command "help", which shows the help of any other command.
   void addHelp();
 
-  /// Reads a line as main gets it. Once.
+  /// Reads the arguments of main. To be called once.
   Reading read(int argc, char** argv);
   const Globals& globals() const;
 
-  /// What may stand in place of the last of these words, or go on from it.
+  /// The possible completions of the last of these words.
   Completion complete(const std::vector<std::string>& words) const;
 
 private:

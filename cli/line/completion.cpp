@@ -18,7 +18,7 @@ bool takesValue(const CLI::Option& option)
   return option.get_items_expected_max() > 0;
 }
 
-/// The name of the option in an argument, and whether its value is in there as well.
+/// An argument that is an option: the option's name, and the position of its value if the argument contains it.
 struct Argument {
   std::string name;
   bool hasValue;
@@ -34,7 +34,7 @@ Argument split(const std::string& argument)
   return isShort ? Argument{argument.substr(0, 2), true, 2} : Argument{argument, false, argument.size()};
 }
 
-/// Goes along the words before the one that is typed.
+/// Reads the words before the typed one, to find out what can come next.
 class Walk {
 public:
   explicit Walk(const CLI::App& root) : root_(root), app_(&root) {}
@@ -86,7 +86,7 @@ private:
   void descend(const std::string& word)
   {
     if (app_ == &root_ && word == "help") {
-      isHelp_ = true; // behind it stand commands, as they do at the start
+      isHelp_ = true; // the next words are commands, as at the start of the line
       return;
     }
     const CLI::App* next = nullptr;
@@ -97,7 +97,7 @@ private:
     arguments_ = 0;
   }
 
-  /// The option of the command, or of any command.
+  /// The option of the command, or the option that every command takes.
   const CLI::Option* find(const std::string& name) const
   {
     for (const CLI::App* const app : {app_, &root_})
@@ -152,7 +152,7 @@ private:
     return words;
   }
 
-  /// Every option by its long name; behind a command also those that go with any.
+  /// All options by their long names; after a command also the options that every command takes.
   std::vector<app::Choice> options() const
   {
     std::vector<app::Choice> words;
@@ -173,11 +173,11 @@ private:
   }
 
   const CLI::App& root_;
-  const CLI::App* app_;                   ///< null: behind a word that is no command
-  const CLI::Option* awaiting_ = nullptr; ///< the option whose value comes next
+  const CLI::App* app_;                   ///< the current command; null after a word that is not a command
+  const CLI::Option* awaiting_ = nullptr; ///< the option whose value is the next word
   std::size_t arguments_ = 0;
-  bool onlyArguments_ = false; ///< behind "--"
-  bool isHelp_ = false;        ///< behind the command help
+  bool onlyArguments_ = false; ///< after "--"
+  bool isHelp_ = false;        ///< after the command "help"
   std::optional<std::string> project_;
 };
 

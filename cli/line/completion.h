@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What may stand next on a command line that is being typed.
+// Completes a command line that is being typed.
 #ifndef REELDB_CLI_COMPLETION_H
 #define REELDB_CLI_COMPLETION_H
 
@@ -16,18 +16,18 @@ class App;
 
 namespace reeldb::cli {
 
-/// The kind of value that help calls so: the word in capitals decides.
+/// The kind of value for the name that the help text has for it, a word in capitals.
 app::ValueKind valueKindOf(const std::string& metavariable);
 
 struct Completion {
-  std::string start; ///< what the word typed begins with before the value: "", "--project="
-  std::string typed; ///< what there is of the value
+  std::string start; ///< the part of the typed word before the value: "" or "--project="
+  std::string typed; ///< the typed part of the value
   app::ValueKind value = app::ValueKind::Other;
-  std::vector<app::Choice> words;     ///< commands or options that may stand there instead of a value
-  std::optional<std::string> project; ///< that an option before it has chosen
+  std::vector<app::Choice> words;     ///< commands or options that are possible instead of a value
+  std::optional<std::string> project; ///< the project chosen by an earlier option
 };
 
-/// The words are those after the program's name; the last one is being typed, and empty when nothing of it is there.
+/// Completes the last of @p words, which are the words after the program's name. The last word may be empty.
 Completion completionOf(const CLI::App& root, const std::vector<std::string>& words);
 
 } // namespace reeldb::cli

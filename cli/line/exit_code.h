@@ -6,11 +6,11 @@
 
 namespace reeldb::cli {
 
-/// How the command ends. The codes are documented in `reeldb --help` and stay as they are.
+/// The exit codes of the command. `reeldb --help` documents them; they never change.
 enum ExitCode : int {
   done = 0,
-  refused = 1,    ///< nothing found, or the request makes no sense as things are
-  usage = 2,      ///< the command line makes no sense
+  refused = 1,    ///< nothing found, or the request is not possible in this state
+  usage = 2,      ///< the command line is wrong
   unreadable = 3, ///< damaged or unreadable data, or the system refused a read or write
   incomplete = 4, ///< done, but some input lines were rejected
 };

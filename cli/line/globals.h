@@ -7,10 +7,10 @@
 
 namespace reeldb::cli {
 
-/// What can be said with any command.
+/// The options that every command takes.
 struct Globals {
-  std::optional<std::string> facility; ///< given with -C; the program has chosen by it already, only init asks
-  std::optional<std::string> project;  ///< given with -p
+  std::optional<std::string> facility; ///< the value of -C. The program has already used it; only init needs it here
+  std::optional<std::string> project;  ///< the value of -p
   bool trace = false;
 };
 

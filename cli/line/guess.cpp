@@ -32,7 +32,7 @@ std::size_t distance(std::string_view a, std::string_view b)
 
 std::string guess(std::string_view typed, const std::vector<std::string>& words)
 {
-  constexpr std::size_t longest = 40; // nobody mistypes a command by more
+  constexpr std::size_t longest = 40; // a longer word is not a mistyped command
   if (typed.size() > longest)
     return {};
   const std::string wanted = base::fold(typed);

@@ -8,9 +8,9 @@
 
 namespace reeldb::cli {
 
-/// The word that was meant by a mistyped one: the one that takes the fewest insertions, deletions, replacements and
-/// swaps of neighbouring characters, letter case aside, at most one for every three characters typed. The first of
-/// several; empty when no word is that near.
+/// The word that was probably meant by a mistyped one: the word with the fewest insertions, deletions, replacements and
+/// swaps of neighbouring characters, ignoring letter case, and at most one for every three typed characters. The first
+/// if several are equally near; empty if no word is near enough.
 std::string guess(std::string_view typed, const std::vector<std::string>& words);
 
 } // namespace reeldb::cli

@@ -14,7 +14,7 @@ namespace reeldb::cli {
 namespace {
 
 bool stored = false;
-int failure = 0; ///< why standard output did not take something: the first cause
+int failure = 0; ///< the first error of a write to standard output; 0 if there was none
 bool told = false;
 
 void noteFailure()
@@ -55,7 +55,7 @@ bool flushOutput()
   if (failure != 0 && !told) {
     told = true;
     complain(fmt::format("standard output: cannot be written ({}{})", std::strerror(failure),
-                         stored ? "; the changes are stored all the same" : ""));
+                         stored ? "; the changes are stored" : ""));
   }
   return failure == 0;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a command says: results on standard output, messages on standard error.
+// The output of a command: results on standard output, messages on standard error.
 #ifndef REELDB_CLI_OUTPUT_H
 #define REELDB_CLI_OUTPUT_H
 
@@ -9,16 +9,16 @@
 
 namespace reeldb::cli {
 
-/// Writes to standard output. The text is a displayText already, with line ends.
+/// Writes to standard output. @p text comes from displayText and has line ends.
 void print(std::string_view text);
 
 /// Writes "reeldb: " and the message, made fit for a terminal, to standard error.
 void complain(std::string_view message);
 
-/// Says that the command has stored what it was to change: flushOutput tells it when the report of it is lost.
+/// To be called when the command has stored its changes. If the report is lost, flushOutput adds that they are stored.
 void changesAreStored();
 
-/// Hands over what print has kept. False, after one message, when standard output did not take everything.
+/// Writes the output that print has buffered. Returns false, after one message, if standard output failed.
 bool flushOutput();
 
 } // namespace reeldb::cli

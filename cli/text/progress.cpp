@@ -12,7 +12,7 @@ namespace reeldb::cli {
 
 namespace {
 
-constexpr std::chrono::milliseconds patience{400}; // what is done sooner needs no bar
+constexpr std::chrono::milliseconds patience{400}; // shorter work needs no bar
 constexpr std::chrono::milliseconds interval{100};
 constexpr std::size_t barColumns = 30;
 

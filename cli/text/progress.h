@@ -8,8 +8,8 @@
 
 namespace reeldb::cli {
 
-/// A bar on standard error while work goes on. It shows only on a terminal, only when the work takes long, and leaves
-/// no trace when it ends.
+/// A progress bar on standard error. It appears only on a terminal and only if the work takes long, and is removed at
+/// the end.
 class ProgressBar {
 public:
   explicit ProgressBar(std::string what);
@@ -17,7 +17,7 @@ public:
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 
-  /// Shows how much is done, at most ten times a second.
+  /// Shows the progress, at most ten times per second.
   void show(std::size_t done, std::size_t total);
 
 private:

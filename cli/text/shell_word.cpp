@@ -9,7 +9,7 @@ namespace reeldb::cli {
 
 namespace {
 
-/// Whether the character means nothing to a shell. Bytes of other than ASCII characters never do.
+/// Whether the character has no special meaning for a shell. Bytes of characters beyond ASCII have none.
 bool isHarmless(char c)
 {
   constexpr std::string_view others = "%+,-./:=@_";

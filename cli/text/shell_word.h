@@ -7,8 +7,8 @@
 
 namespace reeldb::cli {
 
-/// The text as one word of a command line that can be typed into a shell: in quotes where it needs them. What cannot be
-/// shown is written in the $'...' that most shells know.
+/// The text as one word of a shell command line, in quotes if necessary. A text with characters that displayText
+/// escapes is written as $'...', which most shells understand.
 std::string shellWord(std::string_view text);
 
 } // namespace reeldb::cli

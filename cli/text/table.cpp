@@ -17,7 +17,8 @@ namespace {
 constexpr std::size_t gap = 2;
 constexpr std::size_t narrowest = 8;
 
-/// Takes from the widest column but the first, one column at a time, until the row fits or nothing can be taken.
+/// Narrows the widest column, except the first, one character at a time, until the row fits or no column can be
+/// narrowed.
 void shrink(std::vector<std::size_t>& widths, const std::vector<Column>& columns, std::size_t available)
 {
   const auto total = [&widths] {

@@ -13,18 +13,18 @@ namespace reeldb::cli {
 
 struct Column {
   std::string title;
-  bool number = false;   ///< to the right
-  bool optional = false; ///< left out when no row has anything there
+  bool number = false;   ///< aligned to the right
+  bool optional = false; ///< left out if the column is empty in all rows
 };
 
-/// Rows of text under titles, in columns as wide as their contents. On a terminal the columns other than the first are
-/// cut when a row would not fit; elsewhere nothing is ever cut.
+/// Rows of text under titles, in columns as wide as their contents. On a terminal, columns other than the first are cut
+/// if a row would not fit; elsewhere nothing is cut.
 class Table {
 public:
-  /// Titles and cells may hold any bytes.
+  /// Titles and cells may contain any bytes.
   explicit Table(std::vector<Column> columns);
 
-  /// A cell for each column.
+  /// Adds a row with one cell per column.
   void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
 
@@ -32,7 +32,7 @@ public:
   std::string text(std::optional<std::size_t> terminalColumns, bool colours, std::size_t indent = 0) const;
   /// Prints it on standard output.
   void print(std::size_t indent = 0) const;
-  /// Prints it, or, without a row, the text.
+  /// Prints the table, or @p nothing if it has no rows.
   void printOr(std::string_view nothing) const;
 
 private:

@@ -10,13 +10,13 @@ namespace reeldb::cli {
 
 bool isTerminal(std::FILE* file);
 
-/// Whether escape sequences are welcome there: a terminal that is not "dumb".
+/// Whether the file is a terminal that understands escape sequences, which a "dumb" one does not.
 bool isCapableTerminal(std::FILE* file);
 
-/// Whether colours are: a capable terminal, and the environment variable NO_COLOR is not set.
+/// Whether colours may be used: the terminal is capable, and the environment variable NO_COLOR is not set.
 bool showsColours(std::FILE* file);
 
-/// Columns of the terminal; nothing when the file is none.
+/// The columns of the terminal; empty if the file is not a terminal.
 std::optional<std::size_t> terminalColumns(std::FILE* file);
 
 } // namespace reeldb::cli

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Run by CPack when the parts are laid out, each in its folder, and before they are packed: adds what Debian's policy
-# wants in every package and compresses what it wants compressed.
+# CPack runs this when the components are in their folders, before they are packed. It adds the files that Debian's
+# policy requires in every package, and compresses the files that must be compressed.
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   set(root ${CPACK_TEMPORARY_INSTALL_DIRECTORY}/${component})
   string(TOUPPER ${component} upper)

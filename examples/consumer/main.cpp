@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Enters a project, makes a reel, and hears of it.
+// Enters a project, makes a reel, and is notified of it.
 #include <cstdio>
 #include <exception>
 
@@ -11,25 +11,26 @@
 
 namespace {
 
-/// A client hears of every change to the reels, whoever makes it.
+/// A client is notified of every change to the reels, by any part of the program.
 class Client : public ReelDbClient {
 public:
   void reelDbChanged(LightweightString<char> id) override
   {
     if (id.empty())
-      std::puts("heard: the project was entered");
+      std::puts("notified: the project was entered");
     else
-      std::printf("heard: there is a new reel, %s\n", id.c_str());
+      std::printf("notified: there is a new reel, %s\n", id.c_str());
   }
 };
 
 int run()
 {
   reelhost::startUp();
-  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // before the project: it listens from now on
+  ReelDbManager& manager =
+      *ReelDbManager::theReelDbManager(); // before the project is entered, because the manager listens only from now on
   const Client client;
 
-  // A project in memory; reelhost::createSqliteProject and reelhost::makeSqliteStore keep one in a file.
+  // A project in memory. For a project in a file, use reelhost::createSqliteProject and reelhost::makeSqliteStore.
   reelhost::ProjectInfo info;
   info.name = "EXAMPLE";
   info.uuid.fill('E');

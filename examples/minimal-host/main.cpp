@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library at work on the minimal host: a project is entered, reels come into being in three ways, and a client of
-// the library hears of each.
+// The library on the minimal host: a project is entered, reels are made in three ways, and a client of the library is
+// notified of each.
 #include <cstdio>
 #include <thread>
 #include <vector>
@@ -23,14 +23,14 @@ public:
 
 int main() {
   minimal_host::startUp();
-  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // from here on it hears of projects
+  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // it listens to projects from here on
   const Monitor monitor;
 
   minimal_host::enterProject("EXAMPLE", 3, 3);
   manager.createNewReel("A001", -1);
   minimal_host::importClip("B002");
-  std::thread([&] { manager.createNewReel("C003", -1); }).join(); // left for the main thread ...
-  minimal_host::runDeferred();                                    // ... which does it here
+  std::thread([&] { manager.createNewReel("C003", -1); }).join(); // deferred to the main thread
+  minimal_host::runDeferred();                                    // the main thread makes the reel here
 
   std::vector<Text> ids;
   manager.getAllReelIds(ids, true);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// All that the library asks of a host and that reeldb::host-values does not have. Read it from top to bottom, or copy
-// it and put your application in the place of the project below. docs/embedding.md tells what each operation promises.
+// All host operations that the library needs and that reeldb::host-values does not have. Read it from top to bottom, or
+// copy it and replace the project below by your application. docs/embedding.md states the promises of each operation.
 #include "minimal_host.h"
 
 #include <strings.h>
@@ -27,13 +27,16 @@
 #include "host/project.h"
 #include "host/text.h"
 
+// Weak, so that this host can be linked with -z defs, and loaded where the library is not.
+extern int glib_pid __attribute__((weak));
+
 using Text = LightweightString<char>;
 using WideText = LightweightString<wchar_t>;
 
-// --- 1. What there is: one project, its logs, and what belongs to no project ---------------------
+// --- 1. The state: one project, its logs, and what belongs to no project -------------------------
 //
 // A log is the Edit that the library sees, the row it has in the database, and what both show. They are one object, so
-// a change is seen everywhere at once: by other openings of the log, by views, by searches.
+// a change is visible everywhere at once: in other openings of the log, in views, in searches.
 
 struct dbrecord::Impl {
   const Edit::Impl& log;
@@ -48,13 +51,13 @@ struct Edit::Impl {
   Text reelType;
   int videoChannels = 0, audioChannels = 0;
   configb config;
-  EditModificationType change{}; // what was done, once somebody says so
+  EditModificationType change{}; // the description of the change, once it is set
   Edit edit{this};
   dbrecord::Impl rowOfThis{*this};
   dbrecord row{&rowOfThis};
 
   explicit Impl(const Zr::UUID& id) : uuid(id) {}
-  const char* reelId() const { return config.in("reelid"); } // one value, by whichever way it is asked for or set
+  const char* reelId() const { return config.in("reelid"); } // the same value, however it is read or set
 };
 
 class oledb {};
@@ -70,7 +73,7 @@ struct Project {
   std::vector<std::unique_ptr<Log>> logs; // in the order in which they were made
 
   Log* add() {
-    static unsigned last = 0; // never given out twice: the Cookie of a log that is gone names no other
+    static unsigned last = 0; // never used twice, so that the Cookie of a deleted log never belongs to another
     const unsigned number = ++last;
     Zr::UUID uuid;
     std::memcpy(uuid.bytes, &number, sizeof number);
@@ -84,17 +87,17 @@ struct State {
   std::map<std::string, std::string> systemSettings;
   std::vector<ProjectListener*> listeners;
   int openLogs = 0; // openings that are not closed, and modifiers that have not ended
-  std::mutex mutex; // of what is deferred
+  std::mutex mutex; // for the deferred actions
   std::vector<Zr::Ptr<iExecutableAction>> deferred;
 };
 
-/// Made when it is first asked for and never destroyed: listeners come before main() and go after it.
+/// Made on first use and never destroyed, because listeners register before main() and unregister after it.
 State& state() {
   static State& instance = *new State;
   return instance;
 }
 
-// Names to call the host by; there is nothing in them.
+// Objects without content: the host is called through them.
 projdb database{};
 oledb tables;
 SystemCfg systemCfg;
@@ -116,9 +119,9 @@ template <class Wanted> CookieVec logsWhere(const Wanted& wanted) {
   return found;
 }
 
-// --- 2. Events: the host tells, the library listens ----------------------------------------------
-/// Tells every listener that is there now, but for those that others end meanwhile.
-template <class Event> void tell(const Event& event) {
+// --- 2. Events: the host notifies, the library listens -------------------------------------------
+/// Notifies every existing listener, except those that others end meanwhile.
+template <class Event> void notify(const Event& event) {
   const std::vector<ProjectListener*> told = state().listeners;
   for (ProjectListener* listener : told)
     if (const auto& there = state().listeners; std::find(there.begin(), there.end(), listener) != there.end())
@@ -126,7 +129,7 @@ template <class Event> void tell(const Event& event) {
 }
 
 void tellOfModification(const Log& log, EditModificationType type) {
-  tell([&](ProjectListener& listener) { listener.handleLogModification(log.cookie, EditModification(type)); });
+  notify([&](ProjectListener& listener) { listener.handleLogModification(log.cookie, EditModification(type)); });
 }
 
 } // namespace
@@ -149,11 +152,11 @@ void minimal_host::enterProject(const std::string& name, int frameRate, int outp
   Zr::UUID uuid;
   std::copy_n(name.begin(), std::min(name.size(), sizeof uuid.bytes), uuid.bytes);
   state().project.reset(new Project{Cookie(uuid, 0, 'P'), frameRate, outputFrameRate, {}, {}});
-  tell([](ProjectListener& listener) { listener.handleProjectEntry(); }); // who is told can use the project already
+  notify([](ProjectListener& listener) { listener.handleProjectEntry(); }); // the listeners can already use the project
 }
 void minimal_host::leaveProject() {
   if (state().project)
-    tell([](ProjectListener& listener) { listener.handleProjectExit(); });
+    notify([](ProjectListener& listener) { listener.handleProjectExit(); });
   state().project.reset();
 }
 Cookie minimal_host::addLog(int type, const std::string& reelId) {
@@ -172,13 +175,17 @@ Cookie minimal_host::importClip(const std::string& reelId) {
   return clip->cookie;
 }
 
-// --- 3. Threads: what any thread leaves for the main thread --------------------------------------
+// --- 3. Threads: any thread can defer actions to the main thread ---------------------------------
 int co_pid() {
-  static std::atomic<int> last{0}; // small numbers: of the system's own, 16 bits would not tell all threads apart
+  static std::atomic<int> last{
+      0}; // small numbers, because 16 bits of the system's own do not differ between all threads
   thread_local const int own = ++last;
   return own;
 }
-void minimal_host::startUp() { glib_pid = co_pid() & codes::threadMask; } // masked, as the library compares it
+void minimal_host::startUp() {
+  if (&glib_pid)
+    glib_pid = co_pid() & codes::threadMask; // masked, as the library compares it
+}
 
 void defer(const Zr::Ptr<iExecutableAction>& action) {
   const std::lock_guard lock(state().mutex);
@@ -188,12 +195,12 @@ void minimal_host::runDeferred() {
   std::unique_lock lock(state().mutex);
   const auto actions = std::exchange(state().deferred, {});
   lock.unlock();
-  for (const auto& action : actions) // an action may defer another: it runs without the lock
+  for (const auto& action : actions) // without the lock, because an action may defer another
     action->execute();
 }
 
 // --- 4. Settings ---------------------------------------------------------------------------------
-// The library asks for these two while it is loaded: nothing of the program has been constructed yet.
+// The library calls these two while it is loaded, before any constructor of the program.
 const char* config_string(const char*, const char* defaultValue) { return defaultValue; }
 WideText getDeviceDataDirectory(iSettings::eType) { return L"/etc/minimal-host/"; } // where reeltype.dat may be
 
@@ -201,7 +208,8 @@ SystemCfg& SystemCfg::theConfig() { return systemCfg; }
 Text SystemCfg::get(const Text& key) const { return state().systemSettings[key.c_str()].c_str(); }
 void SystemCfg::set(const Text& key, const Text& value) { state().systemSettings[key.c_str()] = value.c_str(); }
 
-/// The first form of in() answers non-null when the key is there. All others answer 0 then, and 1 when it is not.
+/// If the key is there, the first form of in() returns non-null, and the others return 0. Without the key they return
+/// null and 1.
 struct configb::Impl {
   std::map<std::string, std::string> texts;
 };
@@ -227,7 +235,7 @@ int configb::in(const char* key, strp_field& value) const {
   return in(key) ? 0 : 1;
 }
 void configb::set(const char* key, const char* value, const char*) {
-  impl_->texts[key] = std::string(value ? value : ""); // by way of a copy: the value may be a text of this block
+  impl_->texts[key] = std::string(value ? value : ""); // a copy, because the value may be a text of this block
 }
 void configb::set(const char* key, const strp_field& value) { set(key, value.text(), nullptr); }
 
@@ -262,8 +270,8 @@ eLogType Edit::getLogTypeFromString(const Text& text) {
   return std::strcmp(text.c_str(), "Material") == 0 ? codes::materialLog : eLogType{};
 }
 
-// A handle never closes by itself. A host that stores its logs counts the openings of each, and lets go of it when the
-// last is closed; here one count of all is enough, for the contract to see that each is closed.
+// A handle never closes by itself. A host that stores its logs counts the openings of each log, and releases the log
+// when the last is closed. Here one count of all is enough for the contract to check that each is closed.
 EditPtr::EditPtr() : edit_(nullptr) {}
 EditPtr::~EditPtr() {}
 void EditPtr::i_open(const Cookie& cookie, eEditOpenBehaviour) {
@@ -281,19 +289,19 @@ Edit* EditPtr::operator->() const { return edit_; }
 EditPtr::operator bool() const { return edit_ != nullptr; }
 EditInfo::EditInfo(const Cookie& cookie, eEditOpenBehaviour behaviour) { i_open(cookie, behaviour); }
 Text EditInfo::getAttrib(LogAttributes::eLogAttribute attribute) const {
-  if (!edit_) // asked for also where the log did not open
+  if (!edit_) // also called if the log did not open
     return Text();
   return attribute == codes::reelIdAttribute ? edit_->impl->reelId() : nullptr;
 }
 
-// A new log is in the project from its start: all that is left to its modifier's end is to say what was done.
+// A new log is in the project from its start, so the end of its modifier only has to report it.
 EditModifier::EditModifier(Edit* edit) : edit_(edit) { state().openLogs += edit ? 1 : 0; }
 EditModifier::~EditModifier() {
   state().openLogs -= edit_ ? 1 : 0;
   try {
     if (edit_ && edit_->impl->change != 0)
       tellOfModification(*edit_->impl, edit_->impl->change);
-  } catch (...) { // a listener failed; a destructor has nobody to tell
+  } catch (...) { // a listener failed, but a destructor cannot report that
   }
 }
 Edit* EditModifier::get() const { return edit_; }
@@ -305,7 +313,7 @@ EditModifier EditManager::makeNewEdit(const Cookie&) {
 }
 void EditManager::updateProjdbRec(const Cookie&) {} // a row shows the log itself
 configb& EditManager::ProjOpts() {
-  state().noOptions.reset(new configb); // what is set where there is no project is gone
+  state().noOptions.reset(new configb); // options set without a project are dropped
   return state().project ? state().project->options : *state().noOptions;
 }
 Cookie get_project_cookie() { return state().project ? state().project->cookie : Cookie(); }
@@ -317,20 +325,15 @@ int Zr::CurrentProject::getOutputImageZRFrameRate() {
   return state().project ? state().project->outputFrameRate : codes::noFrameRate;
 }
 
-// All reels, in their order: the library asks nothing else by numbers.
+// All reels, in their order. The library passes no other numbers.
 CookieVec projdb::search(unsigned, unsigned) {
   return logsWhere([](const Log& log) { return log.type == codes::reelLog; });
 }
 
-/// What a search asks for. Only a member of Map may look behind it; the friend is how the search does.
+/// The conditions of a search.
 struct LogAttributes::Map::Impl {
   Text reelId;
-  static const Text& of(const Map& map) { return map.impl_->reelId; }
-  friend const Text& reelIdIn(const Map& map) { return of(map); }
 };
-namespace LogAttributes {
-const Text& reelIdIn(const Map& map);
-}
 LogAttributes::Map::Map() : impl_(new Impl) {}
 LogAttributes::Map::Map(const Map& other) : impl_(new Impl(*other.impl_)) {}
 LogAttributes::Map& LogAttributes::Map::operator=(const Map& other) {
@@ -338,13 +341,15 @@ LogAttributes::Map& LogAttributes::Map::operator=(const Map& other) {
   return *this;
 }
 LogAttributes::Map::~Map() { delete impl_; }
-void LogAttributes::Map::add(eLogAttribute, Text value) { impl_->reelId = value; } // the library asks for no other
+void LogAttributes::Map::add(eLogAttribute, Text value) {
+  impl_->reelId = value;
+} // the library uses no other attribute
 projdb::SearchCriteria::SearchCriteria() : first(0), second(0) {}
 
-// The shots of a reel. What is found is deleted with the reel: so never a reel itself, and nothing at all for the empty
-// identifier, which every log without a reel would match.
+// The shots of a reel. All found logs are deleted with the reel. So a reel itself is never found, and the empty
+// identifier, which every log without a reel has, finds nothing.
 CookieVec projdb::search(const SearchCriteria& criteria) {
-  const Text& id = reelIdIn(criteria.attributes);
+  const Text& id = criteria.attributes.impl()->reelId;
   return logsWhere([&](const Log& log) {
     return !id.empty() && log.type != codes::reelLog && log.reelId() && strcasecmp(log.reelId(), id.c_str()) == 0;
   });
@@ -362,7 +367,7 @@ const char* dbrecord::get_field(unsigned short column) const {
                                                 : "Edit";
 }
 
-/// A view keeps the texts it shows. Copies share their body, so that costs no more than a count.
+/// A view keeps copies of its texts. Copies share their body, so each costs only a reference count.
 struct ODBViewRep::Impl {
   std::vector<Text> reelTypes;
 };
@@ -393,10 +398,11 @@ int vorn_printf(const char* format, ...) {
   return length;
 }
 WideText paddedResourceStrW(ResId, const wchar_t* before, const wchar_t* after, ResStrFmt) {
-  return WideText(before) + WideText(L"Reel") + WideText(after); // asked for one text only: how reels are named
+  return WideText(before) + WideText(L"Reel") +
+         WideText(after); // the library uses only one text, for the names of reels
 }
 
-// --- 8. Devices: this host has none, and answers each question with nothing ----------------------
+// --- 8. Devices: this host has no devices, so all results are empty ------------------------------
 ExtDeviceConfig::ExtDeviceConfig() : impl_(nullptr) {}
 ExtDeviceConfig::ExtDeviceConfig(const ExtDeviceConfig&) : impl_(nullptr) {}
 ExtDeviceConfig& ExtDeviceConfig::operator=(const ExtDeviceConfig&) { return *this; }
@@ -405,7 +411,7 @@ StringList ExtDeviceConfig::getTapeList() const { return StringList(); }
 WideText ExtDeviceConfig::getTextName() const { return WideText(); }
 int ExtDeviceConfig::getPortType() const { return codes::noPort; }
 int ExtDeviceConfig::getInputType() const {
-  return codes::noVideoInput; // any other number gives a channel to reels without a device
+  return codes::noVideoInput; // with any other number, reels without a device would get a channel
 }
 int ExtDeviceConfig::getNumConnectedAudioInputs() const { return 0; }
 WideText ExtDeviceConfig::getLabelMapping() const { return WideText(); }
@@ -418,7 +424,7 @@ IdStamp ExtDeviceConfigurationManager::DeviceChangedMsgParser(const NotifyMsg&) 
 ExtDeviceConfigurationManager& theConfigurationManager() { return configurations; }
 void resetDevices() {}
 LabelMappingSet::LabelMappingSet() : entries() {}
-bool LabelMappingSet::load(const WideText&) { // this host knows no label maps either
+bool LabelMappingSet::load(const WideText&) { // this host has no label maps either
   std::fill(entries, entries + numEntries, Entry());
   return false;
 }

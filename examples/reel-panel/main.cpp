@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A panel with the project's reels that follows changes while they are made: what a client of the library looks like.
+// A panel with the project's reels that shows changes as they are made: an example of a client of the library.
 //
 //   REELDB_FACILITY=DIR reel-panel [PROJECT]
 //
 // It is a ReelDbClient: the library calls it when the reels change, and it only notes that it has to draw again. It
-// holds no lock; what other programs commit is picked up as soon as the host sees it.
+// holds no lock. It shows commits of other programs as soon as the host detects them.
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
@@ -34,8 +34,8 @@ namespace {
 volatile std::sig_atomic_t ended = 0;
 volatile std::sig_atomic_t resized = 0;
 
-/// The start of a line that fits into so many columns of the terminal, filled with blanks if it is to fill them. The
-/// text is a displayText: it holds no control characters.
+/// The start of a line that fits into @p columns, padded with blanks if @p fill is set. The text comes from
+/// displayText, so it contains no control characters.
 std::string fitted(const std::string& line, int columns, bool fill)
 {
   std::string result;
@@ -53,7 +53,7 @@ std::string fitted(const std::string& line, int columns, bool fill)
   return fill ? result + std::string(static_cast<std::size_t>(columns), ' ') : result;
 }
 
-/// Hears what happens to the reels. Handlers are called in the middle of changes, so they note and do not ask.
+/// Receives changes to the reels. Handlers are called during changes, so they only take notes and read nothing.
 class Panel final : public ReelDbClient {
 public:
   void reelDbChanged(LightweightString<char>) override { stale_ = true; }
@@ -79,7 +79,7 @@ public:
     manager.getAllReelIds(ids, true);
     first_ = std::min(first_, std::max(0, static_cast<int>(ids.size()) - 1));
 
-    std::string screen = "\x1b[H\x1b[2J"; // the cursor goes home, the screen is emptied
+    std::string screen = "\x1b[H\x1b[2J"; // moves the cursor to the corner and clears the screen
     screen += fitted(displayText(project.c_str()) + ": " + std::to_string(ids.size()) + " reels" +
                          (news_.empty() ? "" : ", last changed: " + news_),
                      size.ws_col, false) +
@@ -105,7 +105,7 @@ private:
   std::string news_;
 };
 
-/// Has the terminal hand over each key at once, and gives it back as it was.
+/// Lets the terminal pass on each key at once. The destructor restores the terminal's settings.
 class Keys {
 public:
   Keys() : isTerminal_(tcgetattr(STDIN_FILENO, &before_) == 0)
@@ -125,7 +125,7 @@ public:
   Keys(const Keys&) = delete;
   Keys& operator=(const Keys&) = delete;
 
-  /// The keys pressed within a moment; "q" when there will be no more.
+  /// The keys pressed within a short time; "q" at the end of the input.
   std::string pressed() const
   {
     pollfd input{STDIN_FILENO, POLLIN, 0};
@@ -145,16 +145,16 @@ void run(const std::string& wanted)
 {
   reelhost::startUp(); // this is the main thread
   if (reelhost::facility().directory().empty())
-    throw std::runtime_error("REELDB_FACILITY: names no facility");
+    throw std::runtime_error("REELDB_FACILITY: not a facility");
   const std::string project = wanted.empty() ? reelhost::facility().defaultProject() : wanted;
-  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // listens to the project from now on
+  ReelDbManager& manager = *ReelDbManager::theReelDbManager(); // it listens to the project from now on
   reelhost::openProject(project, reelhost::Access::Read);
   Panel panel;
   const Keys keys;
   for (std::string key; ended == 0 && key != "q"; key = keys.pressed()) {
     if (key == "\x1b[A" || key == "\x1b[B")
       panel.scroll(key == "\x1b[A" ? -1 : 1);
-    reelhost::idle(); // keeps nobody from writing
+    reelhost::idle(); // lets other programs write
     if (reelhost::reloadIfChangedElsewhere())
       manager.informReelDbChanged("");
     if (resized) {
@@ -178,7 +178,7 @@ int main(int argc, char** argv)
   for (const int signal : {SIGINT, SIGTERM, SIGHUP})
     std::signal(signal, [](int) { ended = 1; });
   std::signal(SIGWINCH, [](int) { resized = 1; });
-  std::setlocale(LC_CTYPE, "C.UTF-8"); // how wide characters are; all texts are UTF-8
+  std::setlocale(LC_CTYPE, "C.UTF-8"); // the widths of characters are those of UTF-8
   try {
     run(argc == 2 ? argv[1] : "");
     return 0;

@@ -24,7 +24,7 @@ using reeldb::base::fold;
 
 namespace {
 
-/// The pieces of decoded text: CR, LF and CR LF end one, and nothing after the last end is none.
+/// The lines of decoded text. CR, LF and CR LF end a line, and an empty rest after the last line end is not a line.
 std::vector<std::string> piecesOf(const std::string& text)
 {
   std::vector<std::string> lines;
@@ -43,8 +43,8 @@ bool isControl(char32_t point)
 
 /// Throws unless the text is UTF-8 that has neither control characters nor outer blanks.
 ///
-/// What a list names may have those of Latin-1, which are letters and quotation marks where the list comes from;
-/// whoever shows it takes care of them.
+/// Names in a list may have control characters of Latin-1, which are letters and quotation marks in other encodings.
+/// The code that shows a name escapes them.
 void requireClean(const std::string& text, const char* what)
 {
   require(utf8::is_valid(text), what, "is no UTF-8", text);
@@ -53,14 +53,14 @@ void requireClean(const std::string& text, const char* what)
   require(text.empty() || (text.front() != ' ' && text.back() != ' '), what, "has outer blanks", text);
 }
 
-/// The same for a text that is kept as it is.
+/// The same for a text that is stored unchanged.
 void requireName(const std::string& text, const char* what)
 {
   requireClean(text, what);
-  require(text.size() <= kNameBytes, what, "is too long", text);
+  require(text.size() <= nameBytes, what, "is too long", text);
 }
 
-/// The same for a text that is there to be shown. Each of the 1,000 bytes of a line may take four to be written.
+/// The same for a text that is to be shown. Each of the 1,000 bytes of a line may need four bytes when it is escaped.
 void requireShown(const std::string& text, const char* what)
 {
   requireClean(text, what);
@@ -84,7 +84,7 @@ void requireTimecode(const std::string& text, const char* what)
           what, "is not a timecode", text);
 }
 
-/// Sees to it that each line is one thing only.
+/// Checks that each line is counted as exactly one kind.
 class Taken {
 public:
   explicit Taken(int lines) : lines_(lines) {}
@@ -164,7 +164,7 @@ void requireClip(const Clip& clip)
     require(rate && rateName(*rate) == clip.frameRate, "frame rate is not the name of one", clip.frameRate);
   }
   requireAliases(clip);
-  // The longest track text that is read has 256 letters and digits.
+  // The reader accepts up to 256 letters and digits as tracks.
   require(clip.videoChannels >= 0 && clip.videoChannels <= 256, "video channels", clip.videoChannels);
   require(clip.audioChannels >= 0 && clip.audioChannels <= 256, "audio channels", clip.audioChannels);
 }
@@ -177,7 +177,7 @@ std::string flat(const std::vector<std::string>& texts)
   return all;
 }
 
-/// All of a list as one text: equal lists, equal texts.
+/// The whole list as one text. Equal lists have equal texts.
 std::string textOf(const List& list)
 {
   std::ostringstream text;

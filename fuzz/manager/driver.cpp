@@ -79,7 +79,7 @@ const std::vector<Driver::Operation>& Driver::operations()
   return all;
 }
 
-// Everything in the process that an earlier run may have changed begins anew.
+// Resets everything in the process that an earlier run may have changed.
 Driver::Driver(Bytes bytes)
     : bytes_(bytes), manager_(*ReelDbManager::theReelDbManager()), world_(allDevices(), systemWideType)
 {
@@ -101,7 +101,7 @@ Driver::Driver(Bytes bytes)
 
 Driver::~Driver()
 {
-  manager_.clients.clear(); // one that is registered twice takes itself out once
+  manager_.clients.clear(); // a client that is registered twice removes only one registration itself
   listeners_.clear();
   ownHost() = OwnHost();
   reelhost::closeProject();
@@ -164,7 +164,7 @@ void Driver::open(const std::string& project, bool withDefaultType)
   reelhost::openProject(reelhost::makeMemoryStore(info, options), reelhost::Access::Write);
   world_.enter(project, type);
 
-  // A log that is neither a reel nor a shot shows what the project's logs are called.
+  // A log that is neither a reel nor a shot shows the prefix of the project's log names.
   const std::string first = text(reelhost::addLog({}).asString(false));
   world_.prefix = first.substr(0, first.size() - 8);
   same(first, text(cookie(world_.addLog({})).asString(false)), "first log");
@@ -175,7 +175,7 @@ std::string Driver::anyText()
   return reeldb_fuzz::anyText(bytes_);
 }
 
-/// One that there is or was, none, or the one after the last.
+/// The number of an existing or deleted log, 0, or the number after the last.
 Number Driver::anyLog()
 {
   return static_cast<Number>(bytes_.below(static_cast<unsigned>(world_.logs.size()) + 2));
@@ -183,7 +183,7 @@ Number Driver::anyLog()
 
 Numbers Driver::someLogs()
 {
-  Numbers logs(bytes_.below(8)); // none, one, and enough for duplicates and order, of the few logs a run makes
+  Numbers logs(bytes_.below(8)); // from none up to enough for duplicates and different orders of the few logs of a run
   for (Number& log : logs)
     log = anyLog();
   return logs;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Takes a sequence of operations from a fuzzer's bytes, carries each out twice, on the library with the standalone host
-// and on the model, and compares what they answered, told the clients, printed and left behind.
+// Takes a sequence of operations from a fuzzer's bytes and runs each twice: on the library with the standalone host,
+// and on the model. Compares the results, the notifications of clients, the prints and the state.
 #ifndef REELDB_FUZZ_MANAGER_DRIVER_H
 #define REELDB_FUZZ_MANAGER_DRIVER_H
 
@@ -26,7 +26,7 @@ public:
   Driver(const Driver&) = delete;
   Driver& operator=(const Driver&) = delete;
 
-  /// Carries out all operations. Throws Broken, with all operations up to there, when the two differ.
+  /// Runs all operations. Throws Broken, with all operations so far, if the two differ.
   void run();
 
 private:
@@ -103,7 +103,7 @@ private:
   {
     ((trace_.back() += (trace_.back().back() == '(' ? "" : ", ") + shown(arguments)), ...);
   }
-  /// Throws Broken, with all operations up to this one, when the two differ in @p what.
+  /// Throws Broken, with all operations so far, if the two differ in @p what.
   template <class Got, class Wanted, class... What>
   void same(const Got& got, const Wanted& wanted, const What&... what) const
   {
@@ -119,7 +119,7 @@ private:
   std::string anyText();
   Number anyLog();
   Numbers someLogs();
-  int anyClient(); ///< 0: there is none
+  int anyClient(); ///< 0: there is no client
   int newListener(const ModelClient& client);
 
   Cookie cookie(Number log) const;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the host and its user do.
+// Operations of the host and its user.
 #include <algorithm>
 
 #include "ReelTypeManager.h"
@@ -15,7 +15,7 @@ namespace reeldb_fuzz {
 
 namespace {
 
-/// What the action answers; nothing when it is refused.
+/// The result of the action; empty if it is refused.
 template <class Action>
 std::optional<int> unlessRefused(const Action& action)
 {
@@ -41,7 +41,7 @@ void Driver::import()
   same(made, world_.import(material.reel, material.name), "log made");
 }
 
-/// Another module makes a log. Nobody tells the manager.
+/// Another module makes a log. The manager is not notified.
 void Driver::addLog()
 {
   if (!world_.open)
@@ -81,7 +81,7 @@ void Driver::commit()
     compareStored();
 }
 
-/// What the store holds after a commit is what there is.
+/// After a commit, the store contains exactly the current logs.
 void Driver::compareStored()
 {
   std::map<Number, reelhost::StoredLog> stored;
@@ -176,7 +176,7 @@ void Driver::addClient()
   same(newListener(client), world_.newClient(client), "number of the client");
 }
 
-/// A client must not be registered any more when it ends; it takes out only one registration itself.
+/// A client must not be registered any more when it ends, and it removes only one registration itself.
 void Driver::endClient()
 {
   const int client = anyClient();
@@ -191,7 +191,8 @@ void Driver::endClient()
   world_.endClient(client);
 }
 
-/// Only one that merely listens may be registered twice: another may end or leave while it is.
+/// Only a client that merely listens may be registered twice, because others may end or unregister during a
+/// notification.
 void Driver::registerClient()
 {
   const int client = anyClient();

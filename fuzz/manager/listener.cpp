@@ -29,7 +29,7 @@ void Listener::ourReelDbRecChanged()
 
 void Listener::someReelDbRecChanged(LightweightString<char> id)
 {
-  // What a client finds when it looks tells whether it was told before or after the change.
+  // What a client reads shows whether it was notified before or after the change.
   ReelDbRec reel = driver_.manager_.getReelInfo(id);
   note("some(" + std::string(id.c_str()) + ") sees " + reel.typeName().c_str() + " " +
        std::to_string(reelhost::materialOf(reel).audioChannels) + " " + std::to_string(reel.reelAvailable()));

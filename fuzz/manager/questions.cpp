@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations that only ask, and the comparison of all there is.
+// Operations that only read, and the comparison of the whole state.
 #include <cstdint>
 #include <map>
 

@@ -111,8 +111,8 @@ void Driver::storeField()
   world_.store(log, key, value);
 }
 
-/// The three readers. A key that is not there empties a text and leaves a number and a field alone; a log that is not
-/// there leaves all three alone.
+/// The three readers. Without the key, a text becomes empty, and a number and a field stay unchanged. Without the log,
+/// all three stay unchanged.
 void Driver::readValues()
 {
   const Number log = anyLog();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Operations that change reels by way of the manager.
+// Operations that change reels through the manager.
 #include "host/codes.h"
 #include "host/edit.h"
 #include "manager/driver.h"

@@ -8,8 +8,8 @@ namespace reeldb_fuzz {
 
 namespace {
 
-// Identifiers that are the same but for case or blanks, generated material, types, the words that stand for nothing,
-// names of devices and of their feeds, bytes beyond ASCII and beyond UTF-8.
+// Identifiers that differ only in case or blanks, generated material, types, the words that mean no value, names of
+// devices and of their feeds, bytes that are not ASCII and bytes that are not UTF-8.
 constexpr const char* texts[] = {
     "R1",
     "r1",

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a sequence of operations is about: the texts it draws on, the devices there are, the keys it writes.
+// The arguments of a sequence of operations: texts, devices, keys.
 #ifndef REELDB_FUZZ_MANAGER_VOCABULARY_H
 #define REELDB_FUZZ_MANAGER_VOCABULARY_H
 
@@ -13,33 +13,33 @@
 
 namespace reeldb_fuzz {
 
-/// A text that means something somewhere, or up to 63 bytes of any kind. Longer ones meet no other code until they no
-/// longer fit a buffer; what is cut there, and where, has tests of its own.
+/// A text with a meaning somewhere, or up to 63 bytes of any kind. Longer texts reach other code only if they no longer
+/// fit a buffer, and other tests check where they are cut.
 std::string anyText(Bytes& bytes);
 
-/// A name of a device, or one that no device has. UTF-8: what becomes of a name that is none is not the manager's
-/// doing.
+/// The name of a device, or a name that no device has. It is UTF-8, because the manager does not decide what happens to
+/// other names.
 std::string anyDeviceName(Bytes& bytes);
 
-/// Parameters of a type, with few channels: a reel gets its channels one by one, so a type with two thousand million of
-/// them would only take its time.
+/// Parameters of a type, with few channels: a reel gets its channels one by one, so two thousand million of them would
+/// only take time.
 std::string anyParams(Bytes& bytes);
 
-/// A key of a log's configuration block. The host keeps every key it has ever met, so there are not many.
+/// A key of a log's configuration block. The host keeps every key of the process for ever, so there are only a few.
 std::string anyKey(Bytes& bytes);
 
-/// Number of a user field. Any number is one.
+/// The number of a user field. Any number is valid.
 int anyUserField(Bytes& bytes);
 
-/// Index of a device, or one that none has.
+/// The index of a device, or an index without a device.
 int anyDevice(Bytes& bytes);
 
-/// What an operation adds to the notification hold count. Never so much that it overflows.
+/// The number that an operation adds to the notification hold count; too small for an overflow.
 int anyHold(Bytes& bytes);
 
 std::vector<reelhost::DeviceSettings> allDevices();
 
-/// The catalogue to begin with: name and parameters.
+/// The initial catalogue: names and parameters.
 std::vector<std::pair<std::string, std::string>> firstTypes();
 
 } // namespace reeldb_fuzz

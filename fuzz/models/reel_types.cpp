@@ -26,7 +26,7 @@ std::string upperCase(std::string text)
   return text;
 }
 
-/// The records of a file: CR, LF and CR LF end one, and nothing after the last end is no record.
+/// The records of a file. CR, LF and CR LF end a record, and an empty rest after the last record is not a record.
 std::vector<std::string> recordsOf(const std::string& bytes)
 {
   std::vector<std::string> records;
@@ -111,7 +111,7 @@ int leadingNumber(const std::string& text)
   if (at < text.size() && (text[at] == '-' || text[at] == '+'))
     ++at;
   constexpr long long largest = std::numeric_limits<long>::max();
-  long long number = 0; // never positive: there is one more negative number than there are positive ones
+  long long number = 0; // never positive, because there is one more negative number than there are positive ones
   for (; at < text.size() && text[at] >= '0' && text[at] <= '9'; ++at) {
     const int digit = text[at] - '0';
     number = number < (-largest - 1 + digit) / 10 ? -largest - 1 : number * 10 - digit;

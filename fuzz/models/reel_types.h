@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the reel type file means, written down once more, from its description: docs/formats/reeltype.md.
+// A second implementation of the reel type file, from its description in docs/formats/reeltype.md.
 #ifndef REELDB_FUZZ_MODELS_REEL_TYPES_H
 #define REELDB_FUZZ_MODELS_REEL_TYPES_H
 
@@ -18,21 +18,21 @@ inline constexpr std::size_t longestTypeText = 2047;
 struct TypeFile {
   std::vector<std::pair<std::string, std::string>> types; ///< name and parameters, in the order of the catalogue
   std::vector<std::string> warnings;                      ///< as printed
-  bool endsProcess = false;                               ///< a text is longer than that; the rest was not looked at
+  bool endsProcess = false;                               ///< whether a text is longer than that; the rest is not read
 };
 
 TypeFile typeFileOf(const std::string& bytes);
 
-/// Without white space at both ends, tabs and line ends included.
+/// The text without white space, tabs and line ends at both ends.
 std::string chopped(const std::string& text);
 
-/// The value that one parameter token has for the parameter of this name.
+/// The value that one token gives the parameter of this name.
 std::optional<int> valueInToken(const std::string& token, const std::string& name);
 
-/// The value that a parameter string has for it.
+/// The value that a parameter string gives the parameter of this name.
 std::optional<int> valueInParams(const std::string& params, const std::string& name);
 
-/// Decimal digits at the start of a text, after white space and a sign, as strtol takes them and an int holds them.
+/// The number at the start of a text, after white space and a sign, as strtol reads it and an int holds it.
 int leadingNumber(const std::string& text);
 
 } // namespace reeldb_fuzz

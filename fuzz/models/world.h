@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the manager, its records and the host do, written down once more over plain containers: a map of logs, a list of
-// reels, and who heard what. It knows no Cookie, no opening of logs and no host call; logs are numbers from 1, and 0 is
-// none.
+// A second implementation of the manager, its records and the host on plain containers: a map of logs, a list of reels,
+// and the notifications of each client. It has no Cookies, no opening of logs and no host calls. Logs are numbers from
+// 1, and 0 means no log.
 #ifndef REELDB_FUZZ_MODELS_WORLD_H
 #define REELDB_FUZZ_MODELS_WORLD_H
 
@@ -33,44 +33,44 @@ struct ModelLog {
   int video = 0, audio = 0;
 };
 
-/// What a client does besides listening.
+/// The habit of a client, besides listening.
 enum class Habit {
   Listens,
-  LeavesWhenListChanges,   ///< unregisters when it hears reelDbChanged
+  LeavesWhenListChanges,   ///< unregisters when it receives reelDbChanged
   CreatesWhenListChanges,  ///< makes a reel, once
-  EndsWhenItsReelChanges,  ///< ceases to exist when it hears ourReelDbRecChanged
-  BringsOneWhenRecChanges, ///< makes another client, once, when it hears someReelDbRecChanged
+  EndsWhenItsReelChanges,  ///< ceases to exist when it receives ourReelDbRecChanged
+  BringsOneWhenRecChanges, ///< makes another client, once, when it receives someReelDbRecChanged
 };
 
 struct ModelClient {
   std::string interest;
   Habit habit = Habit::Listens;
   std::string makes; ///< the reel that a creating client makes
-  bool done = false; ///< what it does once is done
+  bool done = false; ///< whether it has done what it does once
 };
 
 class World {
 public:
   World(std::vector<reelhost::DeviceSettings> devices, std::string systemWideType);
 
-  // --- What there is -----------------------------------------------------------------------------
-  bool open = false;                 ///< a project
-  bool databaseGone = false;         ///< the host answers no database
-  bool offMain = false;              ///< calls come from another thread
-  std::string project, lastProject;  ///< "": none
-  std::vector<ModelLog> logs;        ///< number - 1 is the place
+  // --- The state ---------------------------------------------------------------------------------
+  bool open = false;                 ///< whether a project is open
+  bool databaseGone = false;         ///< whether the host returns no database
+  bool offMain = false;              ///< whether calls come from another thread
+  std::string project, lastProject;  ///< "": no project
+  std::vector<ModelLog> logs;        ///< by number - 1
   Numbers reels;                     ///< the manager's list
   std::set<std::string> inUse;       ///< identifiers marked
-  int hold = 0;                      ///< of notifications
-  std::vector<int> clients;          ///< registered, in order; may hold one twice
-  std::map<int, ModelClient> people; ///< every client there is, by its number
+  int hold = 0;                      ///< the hold count of notifications
+  std::vector<int> clients;          ///< the registered clients, in order; a client may be registered twice
+  std::map<int, ModelClient> people; ///< all clients by number
   std::optional<std::string> defaultType;
   std::vector<std::pair<std::string, std::string>> types; ///< the catalogue
   std::vector<reelhost::DeviceSettings> devices;
   std::map<std::string, std::string> system;
   std::deque<std::pair<std::string, int>> deferred;
-  int resets = 0;     ///< of the devices
-  std::string prefix; ///< what the text of a log's Cookie begins with; eight digits of its number follow
+  int resets = 0;     ///< the number of resets of the devices
+  std::string prefix; ///< the start of the text of a log's Cookie; eight digits of its number follow
   Texts heard, printed;
 
   // --- The host's part ---------------------------------------------------------------------------
@@ -80,10 +80,10 @@ public:
   Number import(const std::string& reel, const std::string& name);
   int erase(const Numbers& which);
   void commit();
-  std::optional<int> undelete(); ///< nothing when it is refused
+  std::optional<int> undelete(); ///< empty if it is refused
   int runDeferred();
   bool exists(Number log) const;
-  ModelLog* find(Number log); ///< null when there is no such log
+  ModelLog* find(Number log); ///< null if there is no such log
 
   // --- Clients -----------------------------------------------------------------------------------
   int newClient(const ModelClient& client);
@@ -110,7 +110,8 @@ public:
   // --- The catalogue -----------------------------------------------------------------------------
   bool isKnownType(const std::string& name) const;
   void addType(const std::string& name, const std::string& params);
-  int channelsOf(const std::string& type, const std::string& param); ///< lists the type when it was not
+  int channelsOf(const std::string& type,
+                 const std::string& param); ///< adds the type to the catalogue if it is missing
 
   // --- The manager -------------------------------------------------------------------------------
   void handleEntry();
@@ -138,10 +139,10 @@ private:
   const reelhost::DeviceSettings& deviceNamed(const std::string& name) const;
   void notify(Number log) { informRecord(id(log)); }
   void hear(int client, const std::string& what);
-  std::string seenOf(Number reel); ///< what a client that looks at the reel finds
+  std::string seenOf(Number reel); ///< what a client reads of the reel
   Numbers shotsOf(const std::string& id) const;
 
-  /// What lasts only when it is committed, of the facility.
+  /// The values of the facility that last only if they are committed.
   struct State {
     std::map<std::string, std::string> system;
     std::map<unsigned, std::string> lastReels;
@@ -154,11 +155,11 @@ private:
   int lastClient_ = 0;
 };
 
-/// ASCII letters in lower case: what identifiers are compared in.
+/// The text with ASCII letters in lower case, for comparing identifiers.
 std::string foldedId(const std::string& id);
-/// Without blanks at both ends.
+/// The text without blanks at both ends.
 std::string trimmedId(const std::string& id);
-/// Each byte as the character of that number, in UTF-8: how a log's name holds an identifier.
+/// Each byte as the character of that number, in UTF-8, as a log's name contains an identifier.
 std::string byteWise(const std::string& text);
 
 } // namespace reeldb_fuzz

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The bytes of a fuzzer, taken apart from the front into numbers and texts. At the end everything is 0 or empty.
+// Splits the bytes of a fuzzer, from the front, into numbers and texts. Behind the end, numbers are 0 and texts empty.
 #ifndef REELDB_FUZZ_SUPPORT_BYTES_H
 #define REELDB_FUZZ_SUPPORT_BYTES_H
 
@@ -24,7 +24,7 @@ public:
 
   bool flag() { return (byte() & 1U) != 0; }
 
-  /// A text of at most that many bytes. It ends before a NUL, as the library's texts do.
+  /// A text of at most @p length bytes. It ends before a NUL, as the library's texts do.
   std::string text(std::size_t length)
   {
     const auto* const first = at_;
@@ -43,7 +43,7 @@ inline std::string allOf(const std::uint8_t* data, std::size_t size)
   return std::string(data, data + size);
 }
 
-/// As far as the library sees a text: up to the first NUL.
+/// The text up to the first NUL, where the library's texts end.
 inline std::string upToNul(const std::string& text)
 {
   return text.substr(0, text.find('\0'));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// How a fuzz target says that something is not as it should be: it throws. A fuzzer takes that for a finding, and the
-// test that replays the corpus for a failure.
+// A fuzz target throws if a property does not hold. A fuzzer reports that as a finding, and the test that replays the
+// corpus as a failure.
 #ifndef REELDB_FUZZ_SUPPORT_CHECK_H
 #define REELDB_FUZZ_SUPPORT_CHECK_H
 
@@ -34,7 +34,7 @@ inline std::string shown(const char* word)
   return word;
 }
 
-/// In quotes, with every byte that is no plain ASCII as \xNN.
+/// The text in quotes, with \xNN for every byte that is not printable ASCII.
 inline std::string shown(const std::string& value)
 {
   static const char digits[] = "0123456789abcdef";
@@ -58,8 +58,8 @@ std::string shown(const std::vector<T>& values)
   return text + "]";
 }
 
-/// Throws Broken, with @p parts one after the other, unless the condition holds: words as they are (const char*),
-/// values as shown. Nothing is put together before it is needed.
+/// Throws Broken unless the condition holds. The message consists of @p parts: words (const char*) unchanged, values as
+/// shown(). It is formed only if it is needed.
 template <class... Parts>
 void require(bool holds, const Parts&... parts)
 {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A log file of any bytes: no row is lost, every text is clean, other line ends and encodings change nothing, and the
-// clips can be written as a log file that reads the same.
+// clips can be written as a log file from which the same clips are read.
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
@@ -31,7 +31,7 @@ std::vector<std::string> cellsOf(const std::string& line)
   return cells;
 }
 
-/// What a row says in the first column of this title; empty when the row or the log has none.
+/// The row's cell in the first column with this title; empty if there is no such cell or column.
 std::string cellBelow(const std::string& title, const std::vector<std::string>& titles, const std::string& row)
 {
   const auto column = std::find(titles.begin(), titles.end(), title) - titles.begin();
@@ -48,7 +48,7 @@ std::string withColons(std::string timecode)
   return timecode;
 }
 
-/// The cells that are taken as they are.
+/// The cells that the reader takes unchanged, but for that mark.
 void requireCells(const List& list, const std::vector<std::string>& lines)
 {
   const auto isBlankLine = [](const std::string& line) { return trim(line).empty(); };

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A cut list of any bytes: no line is lost, every text is clean, other line ends and encodings change nothing, and the
-// clips can be written as a cut list that reads the same.
+// clips can be written as a cut list from which the same clips are read.
 #include <cstdint>
 #include <cstdio>
 
@@ -27,8 +27,8 @@ void requireTimecodes(const List& list, const std::vector<std::string>& lines)
   }
 }
 
-/// Each clip as an event of AX with its reel for a source file: a reel's text may look like the fields that follow it,
-/// a note's may hold anything.
+/// Each clip as an event of AX with its reel as the source file: a reel's text could look like the fields behind it,
+/// but a note may contain any text.
 std::string written(const List& list)
 {
   std::string text = "TITLE: again\nFCM: NON-DROP FRAME\n";
@@ -45,7 +45,7 @@ std::string written(const List& list)
   return text;
 }
 
-/// Some texts mean nothing as a source file, though they may name a reel of their own.
+/// Some texts are not valid as a source file, although they can name a reel.
 bool canBeWritten(const List& list)
 {
   for (const Clip& clip : list.clips)

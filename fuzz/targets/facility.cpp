@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A facility.toml of any bytes: what was read is in range, distinct and fit to be shown, and can be written and read
-// again; or an error says where it is not.
+// A facility.toml of any bytes: either all values are in range, distinct and safe to show, and can be written and read
+// again; or an error names the place of the fault.
 #include <cstdint>
 #include <set>
 
@@ -19,7 +19,7 @@ using namespace reeldb_fuzz;
 using reelhost::DeviceSettings;
 using reelhost::Facility;
 
-constexpr int userFields = 10; ///< those whose display names are looked at
+constexpr int userFields = 10; ///< the number of user fields whose display names are compared
 
 std::string userFieldKey(int n)
 {
@@ -104,7 +104,7 @@ std::string written(const DeviceSettings& device)
          tapes + "]\nlabel_map=" + tomlText(device.labelMap) + "\n";
 }
 
-/// A file that says of a facility all that can be asked of it, but for keys of [system] that nobody looks for.
+/// A file with everything that the facility can return, except for keys of [system] that are not looked up.
 std::string written(const Facility& facility)
 {
   std::string text = "[facility]\n";

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A label map file of any bytes: it is fourteen entries of known codes, the same for the library, and can be written
-// and read again; or an error says where it is not.
+// A label map file of any bytes: either it has fourteen entries of known codes, which the library reads in the same
+// way, and can be written and read again; or an error names the place of the fault.
 #include <array>
 #include <cstdint>
 #include <string_view>
@@ -19,14 +19,14 @@ namespace {
 using namespace reeldb_fuzz;
 using Entries = std::vector<reelhost::LabelMapEntry>;
 
-// A word's place is its code, as the description of label maps has it.
+// The index of a word is its code, as in the description of label maps.
 constexpr std::array<std::string_view, 10> sources = {"none",        "vitc", "vitc2", "9-pin ltc",   "9-pin vitc",
                                                       "9-pin timer", "ltc",  "rp188", "time of day", "1394"};
 constexpr std::array<std::string_view, 11> formats = {
     "30 fps", "25 fps", "24 fps", "35mm feet+frames", "16mm feet+frames", "key number", "ink number", "frame count",
     "text",   "50 fps", "60 fps"};
 
-/// A facility with nothing in it but this label map, which the process uses from then on.
+/// A facility that contains only this label map. The process uses it from then on.
 class Site {
 public:
   Site()
@@ -50,7 +50,7 @@ void requireSame(const Entries& got, const Entries& wanted, const char* what)
   }
 }
 
-/// What the library gets to see of the file.
+/// The file as the library reads it.
 Entries loaded(bool& good)
 {
   LabelMappingSet set;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A sequence of operations on the manager, its records, its clients and the project beneath them, each compared with a
-// model of what should come of it.
+// A sequence of operations on the manager, its records, its clients and the project. The result of each is compared
+// with a model.
 #include <cstdint>
 
 #include "manager/driver.h"

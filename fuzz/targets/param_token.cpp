@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A parameter's name, a line feed, and a parameter string of any bytes: the catalogue finds the value that the string
-// has for the name, leaves everything alone where there is none, and takes one token apart in the same way.
+// has for the name, changes nothing if there is no value, and splits a single token in the same way.
 #include <cstdint>
 
 #include "ReelTypeManager.h"
@@ -16,7 +16,7 @@ using namespace reeldb_fuzz;
 constexpr int untouched = -123456789;
 constexpr char typeName[] = "the type";
 
-/// What the catalogue answers: the value, or nothing.
+/// The result of the catalogue: the value, or empty.
 template <class Question>
 std::optional<int> answerOf(const Question& question)
 {
@@ -74,7 +74,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   requireEqual(std::string(token.c_str()), text, "the caller's token afterwards");
   requireEqual(std::string(name.c_str()), nameText, "the caller's name afterwards");
 
-  // A type that nobody defined has no value, and is there from then on.
+  // An undefined type has no value, and looking it up adds it.
   require(!types.rep()->find("another type"), "a type that was not asked for yet is listed");
   requireAnswer(answerOf([&](int& value) { return types.getReelParam("another type", name, value); }), {},
                 "value in a type that nobody defined");

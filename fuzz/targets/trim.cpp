@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A text of any bytes, trimmed as an identifier (blanks at both ends) and as a text of the type file (all white space),
-// and made a reel of.
+// A text of any bytes: it is trimmed as an identifier (blanks at both ends) and as a text of the type file (all white
+// space), and a reel is made with it.
 #include <cstdint>
 
 #include "MainThread.h"
@@ -55,11 +55,12 @@ void requireReel(ReelDbManager& manager, const std::string& text)
     return;
   }
   require(reel.valid(), "no reel was made");
-  // Reading gives as much of an identifier as is supported.
+  // An identifier is read back up to the supported length.
   requireEqual(std::string(reel.reelId().c_str()), id.substr(0, codes::longestText), "identifier of the reel");
   require(manager.doesReelExist(id.c_str()), "the reel is not found");
   require(!manager.createNewReel(id.c_str(), -1).valid(), "the reel was made twice");
-  // Whether a reel exists is asked before blanks are taken off, so a text with blanks makes another of the same name.
+  // The library looks for the reel before it removes blanks, so a text with blanks makes a second reel of the same
+  // name.
   requireEqual(manager.createNewReel(text.c_str(), -1).valid(), id != text, "made again from the same text");
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A reel type file of any bytes: the catalogue holds what the file means, in its order; every other record is warned
-// of, with its line; nothing else is printed; and what is read can be written and read again.
+// A reel type file of any bytes: the catalogue contains the file's types in their order; the library warns about every
+// other record, with its line; nothing else is printed; and the types can be written and read again.
 #include <cstdint>
 
 #include "ReelTypeManager.h"
@@ -16,7 +16,7 @@ namespace {
 using namespace reeldb_fuzz;
 using Types = std::vector<std::pair<std::string, std::string>>;
 
-/// A catalogue of its own that holds nothing yet.
+/// An empty catalogue, separate from the process's.
 class Catalogue {
 public:
   Catalogue() { types_.rep()->discardAll(); }
@@ -69,7 +69,7 @@ void requireQueries(Catalogue& catalogue, const Types& types)
   }
 }
 
-/// A file that means these types. A second colon makes parameters of nothing, too.
+/// A file with these types. A second colon ends the parameters, because otherwise a type without any would be no type.
 std::string written(const Types& types)
 {
   std::string bytes;
@@ -84,8 +84,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
   const std::string bytes = allOf(data, size);
   const TypeFile wanted = typeFileOf(bytes);
-  // The library ends the process for a text that is too long, which the command keeps from it. Tests of its own watch
-  // it do so, to the byte; here it would hide what else is in the file.
+  // The library ends the process for a text that is too long. Other tests check that to the byte; here it would hide
+  // the rest of the file.
   if (wanted.endsProcess)
     return 0;
 

@@ -6,6 +6,9 @@
 
 #include "refcount.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// A reference-counted object; the base of objects that modules of the host pass to each other.
 class iObject : public virtual Zr::InternalRefCount {
 public:
@@ -29,5 +32,7 @@ void defer(const Zr::Ptr<iExecutableAction>&);
 /// codes::threadMask with `glib_pid`, so these bits must differ between threads. They are not 0 on any thread:
 /// `glib_pid` is 0 before the start-up.
 int co_pid();
+
+#pragma GCC visibility pop
 
 #endif

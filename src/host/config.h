@@ -8,6 +8,9 @@
 
 #include "lwstring.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// A text field that may hold no text. Each copy has its own text. Throws std::bad_alloc when there is no memory; the
 /// field then keeps its text.
 class strp_field {
@@ -45,8 +48,10 @@ public:
   void set(const char* key, const char* value, const char* third);
   void set(const char* key, const strp_field& value); ///< likewise; the field holds a text
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which saves and loads the keys
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 
@@ -75,5 +80,7 @@ public:
 /// The folder of device data files. The path ends in a separator; the folder need not exist. Called with
 /// codes::deviceData. Callable while loading.
 LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType);
+
+#pragma GCC visibility pop
 
 #endif

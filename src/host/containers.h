@@ -12,6 +12,9 @@
 #include "refcount.h"
 #include "text.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// The element of an Array. The order of the virtual functions is part of the contract.
 class ArrayRec {
 public:
@@ -133,5 +136,7 @@ private:
   [[maybe_unused]] bool flag_;
   unsigned pos_;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -11,6 +11,9 @@
 #include "lwstring.h"
 #include "refcount.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 namespace Zr {
 /// Sixteen bytes that identify one object for good.
 class UUID {
@@ -115,9 +118,12 @@ public:
   IdStamp(const IdStamp&);
   IdStamp& operator=(const IdStamp&);
   bool valid() const; ///< whether the value is not 0; the device need not exist
+  unsigned value() const { return value_; }
 
 private:
   unsigned value_;
 };
+
+#pragma GCC visibility pop
 
 #endif

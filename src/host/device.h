@@ -10,6 +10,9 @@
 #include "cookie.h"
 #include "lwstring.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 class NotifyMsg;
 
 /// The configuration of one device, by value: a change stays in the copy until it is stored. A copy stays usable when
@@ -28,8 +31,10 @@ public:
   LightweightString<wchar_t> getLabelMapping() const; ///< the configured label map; may be empty
   void setLastReel(LightweightString<char>);          ///< sets the identifier of the reel last used on the device
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which makes and stores configurations
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 
@@ -70,5 +75,7 @@ public:
   bool load(const LightweightString<wchar_t>& name);
   Entry entries[numEntries]; ///< in the order of the labels
 };
+
+#pragma GCC visibility pop
 
 #endif

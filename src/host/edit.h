@@ -13,6 +13,9 @@
 #include "lwstring.h"
 #include "refcount.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// How a log is opened.
 enum eEditOpenBehaviour : int {};
 /// What was done to a log.
@@ -42,8 +45,10 @@ public:
   /// Adds a required attribute value. A search for the empty identifier finds nothing.
   void add(eLogAttribute, LightweightString<char> value);
 
+  struct Impl;                         ///< the host defines it
+  Impl* impl() const { return impl_; } ///< for the host, which searches by it
+
 private:
-  struct Impl;
   Impl* impl_;
 };
 } // namespace LogAttributes
@@ -131,5 +136,7 @@ public:
 private:
   Edit* edit_;
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -8,6 +8,9 @@
 #include "edit.h"
 #include "lwstring.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// The description of one change to a log.
 class EditModification {
 public:
@@ -42,5 +45,7 @@ protected:
   ProjectListener();  ///< registers the listener
   ~ProjectListener(); ///< unregisters the listener
 };
+
+#pragma GCC visibility pop
 
 #endif

@@ -7,6 +7,9 @@
 
 #include <cstddef>
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 static_assert(sizeof(wchar_t) == 4, "wide strings hold one code point per element");
 
 /// A string that shares its text with its copies. A string without a body is empty, and behaves in every respect like
@@ -57,5 +60,7 @@ extern template LightweightString<char> operator+(const LightweightString<char>&
 extern template LightweightString<wchar_t> operator+(const LightweightString<wchar_t>&,
                                                      const LightweightString<wchar_t>&);
 /// @endcond
+
+#pragma GCC visibility pop
 
 #endif

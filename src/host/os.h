@@ -10,6 +10,9 @@
 
 #include <cstddef>
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// Allocates memory. Any thread may call it.
 class iAllocator {
 public:
@@ -49,5 +52,7 @@ protected:
 
 /// The host's services: never null, always the same, usable from any thread, before main() and after exit().
 iHostServices* OS();
+
+#pragma GCC visibility pop
 
 #endif

@@ -10,6 +10,9 @@
 #include "cookie.h"
 #include "edit.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// The tables of a database; the library only passes them to a view.
 class oledb;
 
@@ -96,5 +99,7 @@ Cookie get_project_cookie();
 
 /// The file name of a log, unique among logs; empty for an unknown log. Called with Cookie() as second argument.
 LightweightString<wchar_t> getFilenameForCookie(const Cookie&, Cookie);
+
+#pragma GCC visibility pop
 
 #endif

@@ -4,6 +4,9 @@
 #ifndef REELDB_HOST_PROJECT_H
 #define REELDB_HOST_PROJECT_H
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 namespace Zr {
 /// Properties of the project that is open.
 namespace CurrentProject {
@@ -13,5 +16,7 @@ int getFrameRate(Revision);      ///< codes::rate25 or one of its neighbours; ca
 int getOutputImageZRFrameRate(); ///< likewise, of the output
 } // namespace CurrentProject
 } // namespace Zr
+
+#pragma GCC visibility pop
 
 #endif

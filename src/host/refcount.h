@@ -4,6 +4,9 @@
 #ifndef REELDB_HOST_REFCOUNT_H
 #define REELDB_HOST_REFCOUNT_H
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// What the modules of the host share.
 namespace Zr {
 
@@ -67,5 +70,7 @@ private:
 };
 
 } // namespace Zr
+
+#pragma GCC visibility pop
 
 #endif

@@ -12,6 +12,9 @@
 
 #include "lwstring.h"
 
+// Also in a host that is compiled with -fvisibility=hidden.
+#pragma GCC visibility push(default)
+
 /// Wide to UTF-8. A value outside Unicode, or a surrogate, becomes U+FFFD.
 LightweightString<char> toUTF8(const LightweightString<wchar_t>&);
 /// UTF-8 to wide. Each byte that is not part of a well-formed sequence becomes U+FFFD.
@@ -93,5 +96,7 @@ private:
 /// Replaces the text of the buffer with the characters up to the next separator or the end. Consumes that one
 /// separator. At the end of the stream the text becomes empty.
 ByteStream& operator>>(ByteStream&, GrowString&);
+
+#pragma GCC visibility pop
 
 #endif

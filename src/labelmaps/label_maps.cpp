@@ -146,7 +146,7 @@ LightweightString<wchar_t> get_device_label_map_name(const IdStamp& device)
   const ExtDeviceConfig config = theConfigurationManager().getConfig(device);
   const LightweightString<wchar_t> configured = config.getLabelMapping();
   if (!configured.empty() && map_file_is_compatible_with_device(configured, device))
-    return configured;
+    return configured; // NOLINT(performance-no-automatic-move): a copy shares the text
   const int port = config.getPortType();
   return defaultMap(port, familyOf(Zr::CurrentProject::getOutputImageZRFrameRate()));
 }

@@ -40,7 +40,7 @@ std::optional<std::string> Facility::configString(const std::string& key) const
 
 const std::string& Facility::resourceText(unsigned id) const
 {
-  static const std::string& none = *new std::string; // outlives everything: asked for at any time
+  static const std::string& none = *new std::string; // never destroyed: the library may call at any time
   const auto found = texts_.find(id);
   return found == texts_.end() ? none : found->second;
 }

@@ -31,7 +31,7 @@ constexpr std::array<Word, 7> inputWords = {{{"composite", codes::compositeInput
                                              {"1394", codes::input1394},
                                              {"none", codes::noVideoInput}}};
 
-// A device number is an index into a list that people keep by hand, and a deck has no more inputs than this.
+// A device number is an index into a list that people write by hand, and no deck has more audio inputs.
 constexpr std::int64_t largestDeviceNumber = 9999;
 constexpr std::int64_t mostAudioInputs = 1024;
 
@@ -52,7 +52,7 @@ int codeOf(const TomlTable& table, std::string_view key, const std::array<Word, 
       return word.code;
     known += (known.empty() ? "" : ", ") + std::string(word.word);
   }
-  table.fail(key, '"' + displayText(*text) + "\" is no word for it (known: " + known + ")");
+  table.fail(key, '"' + displayText(*text) + "\" is unknown (known: " + known + ")");
 }
 
 template <std::size_t N>
@@ -62,15 +62,15 @@ std::string wordFor(int code, const std::array<Word, N>& words)
   return found == words.end() ? std::to_string(code) : std::string(found->word);
 }
 
-/// Throws Error (NotFound) when the folder is not a facility.
+/// Throws Error (NotFound) if the folder is not a facility.
 void requireFacilityFile(const std::filesystem::path& dir)
 {
   const auto refuse = [&](const std::string& cause) {
-    throw Error(ErrorKind::NotFound, displayText(dir.native()) + ": no facility (" + cause + ")");
+    throw Error(ErrorKind::NotFound, displayText(dir.native()) + ": not a facility (" + cause + ")");
   };
   std::error_code error;
   if (std::filesystem::exists(dir / "facility.toml", error) || error)
-    return; // what keeps it from being read is found when it is
+    return; // if it cannot be read, reading it reports why
   if (!std::filesystem::exists(dir, error))
     refuse("no such folder");
   if (!std::filesystem::is_directory(dir, error))
@@ -184,7 +184,7 @@ void FacilityReader::readState()
 
 Facility Facility::read(const std::filesystem::path& dir)
 {
-  std::filesystem::path folder = std::filesystem::absolute(dir).lexically_normal(); // "." has to show which one it is
+  std::filesystem::path folder = std::filesystem::absolute(dir).lexically_normal(); // messages show the whole path
   if (!folder.has_filename() && folder != folder.root_path())
     folder = folder.parent_path();
   return FacilityReader(folder).take();

@@ -24,7 +24,7 @@ unsigned neededCode(const TomlTable& entry, std::string_view key, std::optional<
   const std::string word = neededText(entry, key);
   const auto code = codeOf(word);
   if (!code)
-    entry.fail(key, '"' + displayText(word) + "\" is no word for it (known: " + words() + ")");
+    entry.fail(key, '"' + displayText(word) + "\" is unknown (known: " + words() + ")");
   return *code;
 }
 

@@ -10,7 +10,7 @@ namespace reelhost {
 
 namespace {
 
-// A word's place is its code.
+// The index of a word is its code.
 constexpr std::array<std::string_view, 10> sources = {"none",        "vitc", "vitc2", "9-pin ltc",   "9-pin vitc",
                                                       "9-pin timer", "ltc",  "rp188", "time of day", "1394"};
 constexpr std::array<std::string_view, 11> formats = {

@@ -11,7 +11,7 @@ namespace reelhost {
 /// The codes of the words in label map files; docs/formats/labelmap.md lists them.
 std::optional<unsigned> labelSourceCode(std::string_view word);
 std::optional<unsigned> labelFormatCode(std::string_view word);
-std::string labelSourceWords(); ///< all of them, comma separated
+std::string labelSourceWords(); ///< all words for sources, comma separated
 std::string labelFormatWords();
 
 } // namespace reelhost

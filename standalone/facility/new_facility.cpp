@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A new facility, with contents to start from and to change.
+// A new facility with files to start from. People then edit them.
 #include <array>
 #include <cerrno>
 #include <deque>
@@ -69,7 +69,7 @@ audio_inputs = 2
 tapes = ["Tape 2ch", "Live"]
 )";
 
-// A line is the name of a type, a colon, and its parameters divided by single blanks.
+// Each line is the name of a type, a colon, and its parameters, separated by single blanks.
 constexpr std::string_view reelTypes = "Tape 2ch:VideoChannels=1 AudioChannels=2\n"
                                        "Tape 4ch:VideoChannels=1 AudioChannels=4\n"
                                        "Tape 8ch:VideoChannels=1 AudioChannels=8\n"
@@ -102,7 +102,7 @@ std::string entryText(const Entry& entry)
          "\nsource = \"" + std::string(entry.source) + "\"\nformat = \"" + std::string(entry.format) + "\"\n";
 }
 
-/// Fourteen labels of which the first two are read, from @p first and @p second; "none" leaves one unread.
+/// A map of fourteen labels. The first two are read from @p first and @p second, unless that is "none".
 std::string labelMap(const Family& family, std::string_view device, std::string_view first, std::string_view second)
 {
   std::string text = "# Label map: where the timecode labels of a clip are read, " + std::string(family.comment) +
@@ -133,7 +133,7 @@ struct NewFile {
   std::string content;
 };
 
-/// All files of a new facility. facility.toml comes last: what has it is a facility, whole.
+/// All files of a new facility. facility.toml comes last, so that a folder with that file is a complete facility.
 std::vector<NewFile> filesOfFacility()
 {
   std::vector<NewFile> files;
@@ -158,7 +158,7 @@ bool isThere(const std::filesystem::path& path)
 
 } // namespace
 
-/// What has been made so far, to be taken away again.
+/// The new files and folders so far, which the destructor removes unless they are kept.
 class NewFacility::Made {
 public:
   Made() = default;
@@ -168,7 +168,7 @@ public:
   {
     files_.clear();
     while (!kept_ && !folders_.empty()) {
-      ::rmdir(folders_.back().c_str()); // not when somebody has put something there meanwhile
+      ::rmdir(folders_.back().c_str()); // fails if another process has put something there meanwhile
       folders_.pop_back();
     }
   }
@@ -203,7 +203,7 @@ public:
   }
 
 private:
-  std::vector<std::filesystem::path> folders_; ///< those above come first
+  std::vector<std::filesystem::path> folders_; ///< outer folders first
   std::deque<base::TemporaryFile> files_;
   bool kept_ = false;
 };
@@ -211,11 +211,11 @@ private:
 NewFacility::NewFacility(const std::filesystem::path& dir) : made_(std::make_unique<Made>())
 {
   if (isThere(dir / "facility.toml"))
-    throw Error(ErrorKind::Refused, displayText(dir.native()) + ": is a facility already (it has a facility.toml)");
+    throw Error(ErrorKind::Refused, displayText(dir.native()) + ": is already a facility (it has a facility.toml)");
   const std::vector<NewFile> files = filesOfFacility();
   for (const NewFile& file : files)
     if (isThere(dir / file.name))
-      throw Error(ErrorKind::Refused, displayText((dir / file.name).native()) + ": exists already");
+      throw Error(ErrorKind::Refused, displayText((dir / file.name).native()) + ": already exists");
 
   constexpr std::array folders = {"devicedata", "labelmaps", "projects"};
   for (const char* const folder : folders)

@@ -9,10 +9,10 @@ namespace reelhost {
 namespace {
 
 constexpr std::string_view suffix = ".reels";
-// Room for the suffix and for the names the database puts beside the file, within the 255 bytes of a file name.
+// A file name has at most 255 bytes. This leaves room for the suffix and for the endings of the files beside it.
 constexpr std::size_t longestName = 200;
 
-/// What is wrong with the name; empty when it can name a file of the projects' folder.
+/// Why the name cannot be the name of a project; empty if it can.
 std::string flawOf(const std::string& name)
 {
   if (name.empty())
@@ -33,14 +33,14 @@ std::string flawOf(const std::string& name)
 void Facility::requireProjectName(const std::string& name)
 {
   if (const std::string flaw = flawOf(name); !flaw.empty())
-    throw Error(ErrorKind::Refused, "\"" + displayText(name) + "\": no name for a project (" + flaw + ")");
+    throw Error(ErrorKind::Refused, "\"" + displayText(name) + "\": not a valid project name (" + flaw + ")");
 }
 
 std::filesystem::path Facility::projectFile(const std::string& name) const
 {
   requireProjectName(name);
-  const std::filesystem::path file = projectDirectory() / (name + std::string(suffix));
-  std::error_code error, homeless; // what cannot be followed, the store cannot open
+  std::filesystem::path file = projectDirectory() / (name + std::string(suffix));
+  std::error_code error, homeless; // if a link cannot be followed, the store cannot open the file
   const std::filesystem::path real = std::filesystem::weakly_canonical(file, error);
   const std::filesystem::path home = std::filesystem::weakly_canonical(directory_, homeless);
   if (!error && !homeless && std::mismatch(home.begin(), home.end(), real.begin(), real.end()).first != home.end())

@@ -20,7 +20,7 @@ namespace reelhost {
 
 namespace {
 
-/// Keeps other processes from merging for as long as this lives.
+/// Keeps other processes from merging while this object lives.
 class MergeLock {
 public:
   MergeLock(const std::filesystem::path& file, std::chrono::milliseconds busyTimeout)
@@ -72,7 +72,7 @@ unsigned deviceId(const TomlTable& table, const std::string& key)
   const char* const last = key.data() + key.size();
   const auto [stop, error] = std::from_chars(key.data(), last, id);
   if (error != std::errc() || stop != last || id == 0)
-    table.fail(key, "no identity of a device");
+    table.fail(key, "not a device identity");
   return id;
 }
 
@@ -89,8 +89,8 @@ std::string written(const State& state)
   if (!lastReel.empty())
     all.insert("last_reel", std::move(lastReel));
   std::ostringstream out;
-  // Every text in the one quoting that can hold all of them.
-  out << "# Written by reeldb; what it holds goes before facility.toml. Not to be edited while a command runs.\n\n"
+  // All texts have the same kind of quotes, which allows any text.
+  out << "# Written by reeldb. Its values override those of facility.toml. Do not edit it while a command runs.\n\n"
       << toml::toml_formatter(all, toml::format_flags::allow_unicode_strings) << "\n";
   return out.str();
 }
@@ -138,7 +138,7 @@ State StateFile::read() const
     if (error.kind() != ErrorKind::Unreadable)
       throw;
     throw Error(error.kind(), std::string(error.what()) +
-                                  "; the state file is damaged and stays as it is (moving it away starts a new one)");
+                                  "; the state file is damaged and stays as it is (move it away to start a new one)");
   }
 }
 
@@ -147,7 +147,7 @@ State StateFile::merge(const State& changes, std::chrono::milliseconds busyTimeo
   for (const auto& [key, value] : changes.system)
     if (!utf8::is_valid(key))
       throw Error(ErrorKind::Refused,
-                  displayText(file().native()) + ": \"" + displayText(key) + "\" is no key (not UTF-8)");
+                  displayText(file().native()) + ": \"" + displayText(key) + "\" is not a valid key (not UTF-8)");
   const MergeLock lock(facility_ / "state.lock", busyTimeout);
   const State old = read();
   State state = merged(old, changes, configured_);
@@ -156,7 +156,7 @@ State StateFile::merge(const State& changes, std::chrono::milliseconds busyTimeo
     return state;
   TomlFile::requireReadable(file(), after);
   withHostErrors([&] {
-    // The lock keeps all others away from the name of the new file.
+    // Because of the lock, no other process uses the name of the new file.
     base::replaceFile(file(), after, base::IfThere::ReplaceLink, facility_ / ".state.toml.new");
   });
   return state;

@@ -11,8 +11,8 @@ namespace reelhost {
 
 namespace {
 
-// Every dot in a key can be one more table inside the last, and the parser takes them down again one inside the other:
-// some thirty thousand of them overflow a stack of 8 MiB. No file that means anything has a third of that.
+// Every dot in a key can nest a table in another, and the parser destroys nested tables recursively: some thirty
+// thousand levels overflow a stack of 8 MiB. No real file has a third of that.
 constexpr std::ptrdiff_t mostDots = 10'000;
 
 bool hasTooManyDots(std::string_view content)
@@ -182,6 +182,7 @@ std::vector<std::string> TomlTable::keys() const
     found.emplace_back(node.source().begin, key.str());
   std::sort(found.begin(), found.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
   std::vector<std::string> result;
+  result.reserve(found.size());
   for (auto& [position, key] : found)
     result.push_back(std::move(key));
   return result;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reading TOML files strictly: every key is known and has the type it should have, or an Error names the file, the line
-// and the key.
+// Reads TOML files strictly: an unknown key, or a value of the wrong type, is an Error with the file, the line and the
+// key.
 #ifndef REELHOST_FACILITY_TOML_FILE_H
 #define REELHOST_FACILITY_TOML_FILE_H
 
@@ -19,13 +19,13 @@ namespace reelhost {
 /// One TOML file, parsed.
 class TomlFile {
 public:
-  /// Bytes. Some thousands of devices fit; a larger file is not a configuration and is not read into memory.
+  /// In bytes, enough for thousands of devices. A larger file is not a configuration and is not read into memory.
   static constexpr std::size_t largestSize = 1 << 20;
 
   /// Throws Error: NotFound, Unreadable ("FILE:LINE: not valid TOML (why)"), Io.
   explicit TomlFile(std::filesystem::path path);
 
-  /// Throws Error (Refused) if @p content, to be written to @p path, would be too large to be read again.
+  /// Throws Error (Refused) if @p content, which is to be written to @p path, would be too large to be read again.
   static void requireReadable(const std::filesystem::path& path, std::string_view content);
 
   const std::filesystem::path& path() const { return path_; }
@@ -39,12 +39,12 @@ private:
   toml::table root_;
 };
 
-/// One table of a file. Each reader throws Error (Unreadable) when the key has another type.
+/// One table of a file. Each reader throws Error (Unreadable) if the key has another type.
 class TomlTable {
 public:
   TomlTable(const TomlFile& file, const toml::table& table, std::string name);
 
-  /// Throws for the first key that is not among these.
+  /// Throws Error (Unreadable) for the first key that is not one of these.
   void allowOnly(std::initializer_list<std::string_view> keys) const;
 
   std::optional<std::string> text(std::string_view key) const;    ///< UTF-8 without control characters
@@ -52,14 +52,15 @@ public:
   std::optional<std::int64_t> number(std::string_view key, std::int64_t least, std::int64_t most) const;
   std::vector<std::int64_t> numbers(std::string_view key, std::int64_t least, std::int64_t most) const;
   std::optional<bool> flag(std::string_view key) const;
-  std::vector<std::string> texts(std::string_view key) const; ///< as text; empty when the key is absent
+  std::vector<std::string> texts(std::string_view key) const; ///< each as in text(); empty if the key is absent
   std::optional<TomlTable> table(std::string_view key) const;
   std::vector<TomlTable> tables(std::string_view key) const; ///< the tables of [[key]], if any
 
   std::vector<std::string> keys() const; ///< in the order of the file
   bool isArray(std::string_view key) const;
-  [[noreturn]] void fail(std::string_view key,
-                         const std::string& fact) const; ///< the line of the key, else of the table
+  [[noreturn]] void
+  fail(std::string_view key,
+       const std::string& fact) const; ///< names the line of the key; without the key, the line of the table
   [[noreturn]] void fail(const std::string& fact) const; ///< names the table's line
 
 private:

@@ -20,12 +20,13 @@ namespace {
 /// The library trims a field in a buffer of this size and forms its warning in another, both with the terminator.
 constexpr std::size_t bufferSize = 2048;
 
-/// Bytes. More than a million types fit; a larger file lists none, and the library would take it into memory.
+/// In bytes, enough for more than a million types. A larger file is not a list of types, but the library would read all
+/// of it into memory.
 constexpr std::size_t largestSize = std::size_t{64} << 20;
 
 constexpr const char* byteOrderMark = "\xEF\xBB\xBF";
 
-/// As many channels as a reel can have.
+/// The most channels that a reel can have.
 constexpr long mostChannels = 65535;
 
 struct FileCloser {
@@ -39,7 +40,7 @@ const char* withoutLeadingSpaces(const char* text)
   return text;
 }
 
-/// What the token gives the parameter for a value; nothing when there is no "=" with something behind it.
+/// The value of a token "NAME=VALUE"; empty if there is no "=" with a value behind it.
 std::optional<std::string> valueIn(const LightweightString<char>& token)
 {
   ByteStream stream(token);
@@ -52,7 +53,7 @@ std::optional<std::string> valueIn(const LightweightString<char>& token)
   return std::string(piece);
 }
 
-/// One pass over the file, record by record as the library makes it.
+/// Reads the file record by record, as the library does.
 class TypeFileCheck {
 public:
   explicit TypeFileCheck(const std::filesystem::path& path) : path_(path) {}
@@ -99,15 +100,15 @@ private:
       fail(fact);
   }
 
-  /// The warning shows the record as it stands.
+  /// The library's warning contains the whole record.
   void requireRoomForWarning(const char* record) const
   {
     const int length = std::snprintf(nullptr, 0, "ReelTypeList Warning: %s: no parameters. Line %d\n", record, line_);
-    if (static_cast<std::size_t>(length) >= bufferSize) // also when it is negative
-      fail("the record has no parameters and is too long for the warning of that");
+    if (static_cast<std::size_t>(length) >= bufferSize) // a negative length becomes a large number
+      fail("the record has no parameters and is too long for the library's warning");
   }
 
-  /// The library takes the value of the first token whose text contains the name, case aside, and that has one.
+  /// The library takes the first token that contains the name, in any case, and has a value.
   void checkCount(const char* name, const char* parameters)
   {
     std::string trimmed = withoutLeadingSpaces(parameters);
@@ -127,8 +128,8 @@ private:
         return;
       }
     }
-    if (named) // with blanks around the "=" the number is in another token
-      remark(name, "no number (it follows the \"=\" at once; none are added)");
+    if (named) // with blanks around the "=", the number is in another token
+      remark(name, "no number directly after the \"=\" (no channels are added)");
   }
 
   static bool isNamed(LightweightString<char> token, LightweightString<char> name)
@@ -138,7 +139,8 @@ private:
     return std::strstr(token.c_str(), name.c_str()) != nullptr;
   }
 
-  /// The library takes a number up to its first other character, as an int. The host refuses a channel beyond the most.
+  /// The library reads the number up to the first other character, as an int. The host refuses more channels than the
+  /// most.
   void checkValue(const char* name, const std::string& value)
   {
     const char* const text = value.c_str();
@@ -147,13 +149,12 @@ private:
     const int taken = static_cast<int>(number);
     const std::string shown = displayText(value);
     if (end == text || *end != '\0')
-      remark(name, '"' + shown + "\" is no number (taken as " + std::to_string(taken) + ")");
+      remark(name, '"' + shown + "\" is not a number (read as " + std::to_string(taken) + ")");
     else if (number < 0)
-      remark(name, shown + " is no number of channels (none are added)");
+      remark(name, shown + " is not a number of channels (no channels are added)");
     else if (number > mostChannels)
-      remark(name, shown + " are too many (" + std::to_string(mostChannels) + " are the most; " +
-                       (taken > mostChannels ? "no reel can get this type" : "taken as " + std::to_string(taken)) +
-                       ")");
+      remark(name, shown + " is too many (at most " + std::to_string(mostChannels) + "; " +
+                       (taken > mostChannels ? "no reel can get this type" : "read as " + std::to_string(taken)) + ")");
   }
 
   void remark(const char* name, const std::string& fact) { remarks_.push_back(place() + name + ": " + fact); }

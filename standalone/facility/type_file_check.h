@@ -11,9 +11,9 @@
 
 namespace reelhost {
 
-/// Reads @p file as the library does and returns remarks, "PATH:LINE: FACT": channel counts that the library reads as
+/// Reads @p file as the library does. Returns remarks, "PATH:LINE: FACT", on channel counts that the library reads as
 /// other numbers. Without a file there are no remarks. Throws Error: Unreadable for a field that would end the process,
-/// for anything but a regular file and for a file that is too large to be a list of types, Io.
+/// for anything but a regular file and for a file that is too large to be a list of types; Io.
 std::vector<std::string> checkTypeFile(const std::filesystem::path& file);
 
 } // namespace reelhost

@@ -13,21 +13,15 @@ using reelhost::hostCall;
 using reelhost::Script;
 using reelhost::Word;
 
-/// Gives the rest of the host access, through blockOf, to the block that only members of configb can reach.
 struct configb::Impl {
   reelhost::model::ConfigBlock block;
-
-  static reelhost::model::ConfigBlock& of(const configb& config) { return config.impl_->block; }
-  friend reelhost::model::ConfigBlock& blockBehind(const configb& config) { return of(config); }
 };
-
-reelhost::model::ConfigBlock& blockBehind(const configb& config);
 
 namespace reelhost::model {
 
 ConfigBlock& blockOf(const configb& config)
 {
-  return blockBehind(config);
+  return config.impl()->block;
 }
 
 } // namespace reelhost::model

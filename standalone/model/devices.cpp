@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
-#include <cstring>
 #include <string>
+#include <type_traits>
 
 #include "host/device.h"
 #include "host/text.h"
@@ -13,27 +13,20 @@ using reelhost::describeAll;
 using reelhost::DeviceSettings;
 using reelhost::hostCall;
 using reelhost::noArguments;
-using reelhost::Word;
 
 /// The device that a configuration was copied from. An unknown device keeps the default settings (identity 0).
 struct ExtDeviceConfig::Impl {
   DeviceSettings settings;
-
-  static const DeviceSettings& of(const ExtDeviceConfig& config) { return config.impl_->settings; }
-  friend const DeviceSettings& settingsBehind(const ExtDeviceConfig& config) { return of(config); }
-  static ExtDeviceConfig made(const DeviceSettings& device)
-  {
-    ExtDeviceConfig config;
-    config.impl_->settings = device;
-    return config;
-  }
-  friend ExtDeviceConfig configOf(const DeviceSettings& device) { return made(device); }
 };
 
-const DeviceSettings& settingsBehind(const ExtDeviceConfig& config);
-ExtDeviceConfig configOf(const DeviceSettings& device);
-
 namespace {
+
+ExtDeviceConfig configOf(const DeviceSettings& device)
+{
+  ExtDeviceConfig config;
+  config.impl()->settings = device;
+  return config;
+}
 
 LightweightString<wchar_t> wide(const std::string& text)
 {
@@ -42,7 +35,7 @@ LightweightString<wchar_t> wide(const std::string& text)
 
 std::string nameOf(const ExtDeviceConfig& config)
 {
-  return reelhost::describe(settingsBehind(config).name);
+  return reelhost::describe(config.impl()->settings.name);
 }
 
 template <class Wanted>
@@ -51,15 +44,6 @@ ExtDeviceConfig configWhere(const Wanted& wanted)
   const auto& devices = reelhost::model::facilityOrNone().devices();
   const auto found = std::find_if(devices.begin(), devices.end(), wanted);
   return found == devices.end() ? ExtDeviceConfig() : configOf(*found);
-}
-
-/// The number is the only member of an IdStamp, but it has no accessor.
-unsigned numberIn(const IdStamp& stamp)
-{
-  static_assert(sizeof(IdStamp) == sizeof(unsigned) && std::is_standard_layout_v<IdStamp>);
-  unsigned number = 0;
-  std::memcpy(&number, &stamp, sizeof number);
-  return number;
 }
 
 } // namespace
@@ -73,7 +57,7 @@ std::string describe(const ExtDeviceConfig& device)
 
 std::string describe(const IdStamp& stamp)
 {
-  return "IdStamp " + std::to_string(numberIn(stamp));
+  return "IdStamp " + std::to_string(stamp.value());
 }
 
 } // namespace reelhost
@@ -155,7 +139,7 @@ ExtDeviceConfig ExtDeviceConfigurationManager::getConfig(IdStamp stamp) const
 {
   return hostCall(
       "ExtDeviceConfigurationManager::getConfig", [&] { return describeAll(stamp); },
-      [&] { return configWhere([&](const DeviceSettings& d) { return stamp.valid() && d.id == numberIn(stamp); }); });
+      [&] { return configWhere([&](const DeviceSettings& d) { return stamp.valid() && d.id == stamp.value(); }); });
 }
 
 int ExtDeviceConfigurationManager::findConfigForName(const LightweightString<wchar_t>& name) const
@@ -180,7 +164,7 @@ void ExtDeviceConfigurationManager::storeDevice(const ExtDeviceConfig& config, b
   hostCall(
       "ExtDeviceConfigurationManager::storeDevice", [&] { return nameOf(config) + ", " + reelhost::describe(flag); },
       [&] {
-        const DeviceSettings& stored = settingsBehind(config);
+        const DeviceSettings& stored = config.impl()->settings;
         reelhost::Facility& facility = reelhost::model::facilityOrNone();
         for (DeviceSettings& device : facility.devices()) {
           if (stored.id == 0 || device.id != stored.id)

@@ -28,7 +28,7 @@ Cookie importMaterial(const Material& material)
     log.fields.emplace_back(frameRateKey, material.frameRate);
   if (material.dropFrame)
     log.fields.emplace_back(dropFrameKey, "yes");
-  const Cookie cookie = project.create(std::move(log)).cookie;
+  Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
 }

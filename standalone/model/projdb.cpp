@@ -14,11 +14,9 @@
 using reelhost::describeAll;
 using reelhost::hostCall;
 using reelhost::noArguments;
-using reelhost::quoted;
 using reelhost::Script;
 using reelhost::model::Log;
 using reelhost::model::openedProject;
-using reelhost::model::Project;
 namespace scripted = reelhost::scripted;
 
 class oledb {};

@@ -9,17 +9,11 @@ using reelhost::hostCall;
 using reelhost::noArguments;
 using reelhost::model::SearchAttributes;
 
-/// Gives the rest of the host access, through attributesIn, to the values that only members of Map can reach.
 struct LogAttributes::Map::Impl {
   SearchAttributes attributes;
-
-  static const SearchAttributes& of(const Map& map) { return map.impl_->attributes; }
-  friend const SearchAttributes& attributesBehind(const Map& map) { return of(map); }
 };
 
 namespace LogAttributes {
-
-const SearchAttributes& attributesBehind(const Map& map);
 
 Map::Map() : impl_(new Impl) {}
 
@@ -52,5 +46,5 @@ projdb::SearchCriteria::SearchCriteria() : first(0), second(0)
 
 const SearchAttributes& reelhost::model::attributesIn(const LogAttributes::Map& map)
 {
-  return LogAttributes::attributesBehind(map);
+  return map.impl()->attributes;
 }

@@ -7,7 +7,7 @@
 #include "reelhost/host.h"
 
 // Weak, so that this host also loads without the library.
-extern int glib_pid __attribute__((weak));
+extern int glib_pid __attribute__((weak)); // NOLINT(readability-redundant-declaration): adds the attribute
 
 namespace {
 

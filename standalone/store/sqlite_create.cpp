@@ -48,7 +48,7 @@ void createProject(const std::filesystem::path& path, const ProjectInfo& info, c
     return false;
   };
   if (isTaken(path))
-    throw base::FileError(base::FileFault::Exists, path, "exists already");
+    throw base::FileError(base::FileFault::Exists, path, "already exists");
   // SQLite would read the write-ahead log of an earlier project of this name as the log of this one.
   for (const char* ending : {"-wal", "-shm", "-journal"})
     if (const std::filesystem::path left = path.native() + ending; isTaken(left))

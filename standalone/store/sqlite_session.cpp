@@ -20,7 +20,7 @@ namespace {
 
 /// A file up to this size is verified completely when it is opened, which takes up to 40 ms. Damage in a larger file is
 /// found when the damaged page is read, and by Store::check.
-constexpr std::uintmax_t verifyLimit = 8 * 1024 * 1024;
+constexpr std::uintmax_t verifyLimit = 8U << 20;
 
 /// The longest pause in milliseconds between two attempts to lock the file exclusively. Processes pause for different
 /// times: with equal pauses they would collide again.

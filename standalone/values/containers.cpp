@@ -20,7 +20,7 @@ void makeRoom(ArrayRec**& items, unsigned count, unsigned& capacity)
   if (capacity > std::numeric_limits<unsigned>::max() / 2)
     throw std::bad_alloc();
   const unsigned larger = std::max(2 * capacity, 8U);
-  void* memory = OS()->allocator().allocate(larger * sizeof(ArrayRec*));
+  void* memory = OS()->allocator().allocate(larger * sizeof(ArrayRec*)); // NOLINT(bugprone-sizeof-expression): pointers
   if (!memory)
     throw std::bad_alloc();
   ArrayRec** fresh = static_cast<ArrayRec**>(memory);
@@ -153,12 +153,14 @@ void StringList::add(const LightweightString<char>& text)
 {
   auto record = std::make_unique<StringRec>(text);
   Array::add(record.get());
-  record.release();
+  static_cast<void>(record.release());
 }
 
 void StringList::remove(const LightweightString<char>& text)
 {
-  const LightweightString<char> wanted = text; // a copy: it may be the text of an element that is removed
+  // A copy: it may be the text of an element that is removed.
+  // NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+  const LightweightString<char> wanted = text;
   unsigned kept = 0;
   for (unsigned i = 0; i < count_; ++i) {
     if (sameText(items_[i], wanted))

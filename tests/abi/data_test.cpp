@@ -38,7 +38,7 @@ private:
 TEST_F(Data, LiesInTheProgramItself)
 {
   void* const library = dlopen(REELDB_SONAME, RTLD_NOLOAD | RTLD_NOW);
-  ASSERT_NE(nullptr, library);
+  ASSERT_NE(library, nullptr);
   EXPECT_NE(static_cast<void*>(&glib_pid), dlsym(library, "glib_pid"));
   EXPECT_NE(static_cast<void*>(&TR_BIN_NAME), dlsym(library, "TR_BIN_NAME"));
 }
@@ -55,12 +55,12 @@ TEST_F(Data, MainThreadThatTheProgramStoresIsSeenByTheLibrary)
   glib_pid = 0x7777;
   EXPECT_FALSE(manager().createNewReel("R1", -1).valid());
   EXPECT_FALSE(manager().doesReelExist("R1"));
-  EXPECT_EQ(1, reelhost::deferredActions());
+  EXPECT_EQ(reelhost::deferredActions(), 1);
 
   glib_pid = co_pid() & 0xFFFF;
   EXPECT_TRUE(manager().createNewReel("R2", -1).valid());
   EXPECT_TRUE(manager().doesReelExist("R2"));
-  EXPECT_EQ(1, reelhost::runDeferredActions());
+  EXPECT_EQ(reelhost::runDeferredActions(), 1);
   EXPECT_TRUE(manager().doesReelExist("R1"));
 }
 
@@ -84,13 +84,13 @@ TEST_F(Data, FieldNamesThatTheProgramStoresAreSeenByTheLibrary)
   rec.userField(3, "a text");
   rec.lastDevice(L"a device");
 
-  EXPECT_EQ("a bin", configText(reel, "other_bin"));
-  EXPECT_EQ("a map", configText(reel, "other_label"));
-  EXPECT_EQ("1", configText(reel, "other_available"));
-  EXPECT_EQ("1", configText(reel, "other_inhibit"));
-  EXPECT_EQ("a text", configText(reel, "other_field3"));
-  EXPECT_EQ("a device", configText(reel, "other_device"));
-  EXPECT_EQ("a bin", text(rec.binName()));
+  EXPECT_EQ(configText(reel, "other_bin"), "a bin");
+  EXPECT_EQ(configText(reel, "other_label"), "a map");
+  EXPECT_EQ(configText(reel, "other_available"), "1");
+  EXPECT_EQ(configText(reel, "other_inhibit"), "1");
+  EXPECT_EQ(configText(reel, "other_field3"), "a text");
+  EXPECT_EQ(configText(reel, "other_device"), "a device");
+  EXPECT_EQ(text(rec.binName()), "a bin");
 }
 
 TEST_F(Data, IdentifierKeyThatTheProgramStoresIsSeenByTheLibrary)
@@ -98,7 +98,7 @@ TEST_F(Data, IdentifierKeyThatTheProgramStoresIsSeenByTheLibrary)
   ReelDbRec rec = addReel("R1", {}, {{"other_id", "R9"}});
   const Kept restored(TR_REEL_ID);
   TR_REEL_ID = "other_id";
-  EXPECT_EQ("R9", text(rec.reelId()));
+  EXPECT_EQ(text(rec.reelId()), "R9");
 }
 
 TEST_F(Data, FieldNamesAreTheLibrarysAtFirst)
@@ -129,7 +129,7 @@ TEST_F(Data, DefaultTypeThatTheProgramStoresIsSeenByTheLibrary)
   const Kept restored(ReelDbManager::systemWideDefaultReelType_);
   ReelDbManager::systemWideDefaultReelType_ = "of the program";
   enterProject("WITHOUT", {});
-  EXPECT_STREQ("of the program", EditManager::ProjOpts().in("reeldb_defaultType"));
+  EXPECT_STREQ(EditManager::ProjOpts().in("reeldb_defaultType"), "of the program");
 }
 
 } // namespace reeldb_tests

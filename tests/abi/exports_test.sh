@@ -16,7 +16,7 @@ trap 'rm -rf "$work"' EXIT
 case $kind in
 exports)
   select='--defined-only'
-  # Nothing is passed over: what a version script lets through is all there is.
+  # Nothing is skipped: the exported names are exactly those that the version script lets through.
   filter='{ print $NF }'
   ;;
 imports | host-names)

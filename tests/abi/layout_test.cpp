@@ -171,7 +171,7 @@ TEST_F(Layout, ClientHoldsItsReelBehindTheRecord)
 {
   const LightweightString<char> id("R1");
   ReelDbClient client(id);
-  EXPECT_EQ(nullptr, at<void*>(&client, 8)) << "the host's own member";
+  EXPECT_EQ(at<void*>(&client, 8), nullptr) << "the host's own member";
   EXPECT_EQ(at<void*>(&id, 0), at<void*>(&client, 16)) << "copies share the text";
 }
 
@@ -180,9 +180,9 @@ TEST_F(Layout, ActionHoldsIdentifierAndDevice)
   const LightweightString<char> id("R1");
   const Zr::Ptr<CreateNewReelAction> action(new CreateNewReelAction(id, 0x1234567));
   EXPECT_EQ(at<void*>(&id, 0), at<void*>(action.get(), 8));
-  EXPECT_EQ(0x1234567, at<int>(action.get(), 16));
+  EXPECT_EQ(at<int>(action.get(), 16), 0x1234567);
   const void* const counted = static_cast<const Zr::InternalRefCount*>(action.get());
-  EXPECT_EQ(24, static_cast<const char*>(counted) - reinterpret_cast<const char*>(action.get()))
+  EXPECT_EQ(static_cast<const char*>(counted) - reinterpret_cast<const char*>(action.get()), 24)
       << "the shared base comes last";
 }
 
@@ -197,8 +197,8 @@ TEST_F(Layout, ManagerListensInTheOrderOfTheHost)
   script().projectCookies = {Cookie("PLAYOUT", false)};
   addLog(9, "R1");
   callSlot(&listener, 5);
-  EXPECT_EQ("PLAYOUT", text(listener.lastProject)) << "entry";
-  EXPECT_EQ(1, listener.reelList.count());
+  EXPECT_EQ(text(listener.lastProject), "PLAYOUT") << "entry";
+  EXPECT_EQ(listener.reelList.count(), 1);
 
   const Cookie shot = addShot("R2");
   const EditModification imported(EditModificationType(59));
@@ -206,7 +206,7 @@ TEST_F(Layout, ManagerListensInTheOrderOfTheHost)
   EXPECT_TRUE(listener.doesReelExist("R2")) << "modification";
 
   callSlot(&listener, 6);
-  EXPECT_EQ(0, listener.reelList.count()) << "exit";
+  EXPECT_EQ(listener.reelList.count(), 0) << "exit";
 }
 
 TEST_F(Layout, ClientsHandlersFollowTheRecords)
@@ -217,7 +217,7 @@ TEST_F(Layout, ClientsHandlersFollowTheRecords)
   EXPECT_EQ(hosts("_ZNK8ArrayRecneERKS_"), slot(&client, 4));
   EXPECT_EQ(hosts("_ZNK8ArrayRec7printOnER10GrowString"), slot(&client, 5));
 
-  EXPECT_EQ(0, callSlot<int>(static_cast<ArrayRec*>(&client), 2, static_cast<const ArrayRec*>(&client)));
+  EXPECT_EQ(callSlot<int>(static_cast<ArrayRec*>(&client), 2, static_cast<const ArrayRec*>(&client)), 0);
 
   RecordingClient recording(heard_);
   callSlot(&recording, 6, LightweightString<char>("R1"));
@@ -236,14 +236,14 @@ TEST_F(Layout, ClientEndsThroughItsFirstTwoSlots)
 {
   alignas(RecordingClient) unsigned char place[sizeof(RecordingClient)];
   RecordingClient* const kept = ::new (place) RecordingClient(heard_);
-  ASSERT_EQ(1U, manager().clients.count());
+  ASSERT_EQ(manager().clients.count(), 1U);
   callSlot(kept, 0);
-  EXPECT_EQ(0U, manager().clients.count()) << "the destructor alone: the memory stays";
+  EXPECT_EQ(manager().clients.count(), 0U) << "the destructor alone: the memory stays";
 
   ReelDbClient* const freed = new ReelDbClient;
-  ASSERT_EQ(1U, manager().clients.count());
+  ASSERT_EQ(manager().clients.count(), 1U);
   callSlot(freed, 1);
-  EXPECT_EQ(0U, manager().clients.count()) << "the destructor and the memory";
+  EXPECT_EQ(manager().clients.count(), 0U) << "the destructor and the memory";
 }
 
 TEST_F(Layout, ActionIsExecutedThroughItsThirdSlot)
@@ -267,7 +267,7 @@ TEST_F(Layout, ExceptionsAndTypesAreKnownOnBothSides)
   ReelDbClient client;
   ArrayRec* const record = &client;
   EXPECT_EQ(&client, dynamic_cast<ReelDbClient*>(record));
-  EXPECT_STREQ("12ReelDbClient", typeid(*record).name());
+  EXPECT_STREQ(typeid(*record).name(), "12ReelDbClient");
   ProjectListener* const listener = &manager();
   EXPECT_EQ(&manager(), dynamic_cast<ReelDbManager*>(listener));
 }

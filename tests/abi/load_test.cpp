@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the library does while it is loaded. The program answers for the two host operations that it asks then. That
-// comes before any constructor of the program, so what is noted lies in plain data.
+// What the library does while it is loaded. The program defines the two host operations that the library then calls.
+// They run before any constructor of the program, so they store their notes in plain data.
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -37,30 +37,30 @@ LightweightString<wchar_t> getDeviceDataDirectory(iSettings::eType type)
   return REELDB_TEST_DATA_DIRECTORY;
 }
 
-TEST(Load, AsksForTheDefaultTypeAndThenForTheFolderOfTheTypeFile)
+TEST(Load, ReadsTheDefaultTypeAndThenTheFolderOfTheTypeFile)
 {
-  ASSERT_EQ(2, askedCount);
-  EXPECT_STREQ("config_string(default_reel_type, '')", asked[0]);
-  EXPECT_STREQ("getDeviceDataDirectory(1)", asked[1]);
+  ASSERT_EQ(askedCount, 2);
+  EXPECT_STREQ(asked[0], "config_string(default_reel_type, '')");
+  EXPECT_STREQ(asked[1], "getDeviceDataDirectory(1)");
 }
 
 TEST(Load, KeepsTheDefaultTypeAsTextOfItsOwn)
 {
-  EXPECT_STREQ("Tape of the site", ReelDbManager::systemWideDefaultReelType_.c_str());
+  EXPECT_STREQ(ReelDbManager::systemWideDefaultReelType_.c_str(), "Tape of the site");
   EXPECT_NE(siteType, ReelDbManager::systemWideDefaultReelType_.c_str());
 }
 
 TEST(Load, ReadsTheTypeFileOfThatFolder)
 {
-  ASSERT_EQ(2U, theReelTypeManager_.rep()->count());
-  EXPECT_STREQ("Tape of the test", theReelTypeManager_.rep()->entry(0)->key.c_str());
-  EXPECT_STREQ("VideoChannels=1 AudioChannels=2", theReelTypeManager_.rep()->entry(0)->value.c_str());
-  EXPECT_STREQ("Disc of the test", theReelTypeManager_.rep()->entry(1)->key.c_str());
+  ASSERT_EQ(theReelTypeManager_.rep()->count(), 2U);
+  EXPECT_STREQ(theReelTypeManager_.rep()->entry(0)->key.c_str(), "Tape of the test");
+  EXPECT_STREQ(theReelTypeManager_.rep()->entry(0)->value.c_str(), "VideoChannels=1 AudioChannels=2");
+  EXPECT_STREQ(theReelTypeManager_.rep()->entry(1)->key.c_str(), "Disc of the test");
 }
 
 TEST(Load, MakesNoManagerAndSetsNoMainThread)
 {
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
-  EXPECT_EQ(0, glib_pid);
-  EXPECT_STREQ("reelid", TR_REEL_ID);
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr);
+  EXPECT_EQ(glib_pid, 0);
+  EXPECT_STREQ(TR_REEL_ID, "reelid");
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library, loaded by hand into a program that has a host, used and unloaded again. Only who has made no manager may
-// unload it: the host would go on telling the manager of the project.
+// The library, loaded by hand into a program with a host, used and unloaded again. A program may unload it only if it
+// has made no manager, because the host would still notify the manager of the project.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -17,7 +17,7 @@
 
 namespace {
 
-/// What the host has given out and not got back.
+/// The host's memory and counts that are still in use.
 std::int64_t inUse()
 {
   return reeldb_tests::memoryInUse();
@@ -35,34 +35,34 @@ template <class T>
 T* find(void* library, const char* name)
 {
   T* const symbol = reinterpret_cast<T*>(dlsym(library, name));
-  EXPECT_NE(nullptr, symbol) << name;
+  EXPECT_NE(symbol, nullptr) << name;
   return symbol;
 }
 
 } // namespace
 
-TEST(Unload, GivesBackEverythingAndCanBeLoadedAgain)
+TEST(Unload, ReleasesEverythingAndCanBeLoadedAgain)
 {
   const reeldb_tests::TempFolder folder;
   const std::filesystem::path site = folder / "site";
   reelhost::NewFacility(site).keep();
-  ASSERT_EQ(0, setenv("REELDB_FACILITY", site.c_str(), 1));
-  ASSERT_EQ(site, reelhost::facility().directory());
+  ASSERT_EQ(setenv("REELDB_FACILITY", site.c_str(), 1), 0);
+  ASSERT_EQ(reelhost::facility().directory(), site);
   ASSERT_FALSE(isLoaded());
 
   for (int round = 0; round < 3; ++round) {
     const std::int64_t before = inUse();
     void* const library = dlopen(REELDB_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-    ASSERT_NE(nullptr, library) << dlerror();
+    ASSERT_NE(library, nullptr) << dlerror();
 
-    EXPECT_STREQ("14.0.0.0", find<const char*()>(library, "_Z19reeldbDllVersionStrv")());
+    EXPECT_STREQ(find<const char*()>(library, "_Z19reeldbDllVersionStrv")(), "14.0.0.0");
     const auto* const catalogue = find<ReelTypeManager>(library, "theReelTypeManager_");
     EXPECT_LT(0U, catalogue->rep()->count()) << "the facility's types are read";
-    EXPECT_EQ(nullptr, *find<ReelDbManager*>(library, "_ZN13ReelDbManager17theReelDbManager_E"));
+    EXPECT_EQ(*find<ReelDbManager*>(library, "_ZN13ReelDbManager17theReelDbManager_E"), nullptr);
     EXPECT_LT(before, inUse());
 
-    EXPECT_EQ(0, dlclose(library));
+    EXPECT_EQ(dlclose(library), 0);
     EXPECT_FALSE(isLoaded()) << "something keeps the library";
-    EXPECT_EQ(before, inUse()) << "types or texts were left behind";
+    EXPECT_EQ(inUse(), before) << "types or texts were left behind";
   }
 }

@@ -27,7 +27,7 @@ protected:
   }
 };
 
-TEST_F(Deletion, PlanShowsWhatGoesAndChangesNothing)
+TEST_F(Deletion, PlanShowsWhatIsDeletedAndChangesNothing)
 {
   const app::DeletionPlan found = plan({"a001", "A001"});
   ASSERT_EQ(found.items.size(), 1u);
@@ -58,7 +58,7 @@ TEST_F(Deletion, PlanIsRefusedWhenTheProjectHasMovedOn)
     app::Session session({}, app::Access::Write);
     const app::Error error = errorOf([&] { app::carryOut(session, found); });
     EXPECT_EQ(error.kind(), app::ErrorKind::Refused);
-    EXPECT_STREQ(error.what(), "delete: nothing deleted (the project was changed while the answer was awaited)");
+    EXPECT_STREQ(error.what(), "delete: nothing deleted (the project was changed before the deletion was confirmed)");
   }
   EXPECT_EQ(reelIds(), (Names{"A001", "B002", "C003", "C004", "C005"}));
 }

@@ -44,7 +44,7 @@ TEST_F(ListFiles, EachFileOfSeveralThatCannotBeReadIsReported)
   EXPECT_EQ(std::string(files.failures.front().what()).rfind(path("a.edl") + ": ", 0), 0u);
 }
 
-TEST_F(ListFiles, FileIsWrittenAndReplacedOnlyWhenThatIsAsked)
+TEST_F(ListFiles, FileIsReplacedOnlyOnRequest)
 {
   app::writeOutputFile(path("out"), "one", false);
   const app::Error error = errorOf([&] { app::writeOutputFile(path("out"), "two", false); });

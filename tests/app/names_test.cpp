@@ -63,7 +63,7 @@ TEST(ReelNames, StartOfSixEightOr32CharactersIsACutForm)
   EXPECT_EQ(names.find("a021c012").front().reel, id);
 }
 
-TEST(ReelNames, WholeNameIsNoCutForm)
+TEST(ReelNames, WholeNameIsNotACutForm)
 {
   ReelNames names;
   names.addReel("A021C012", {});
@@ -79,7 +79,7 @@ TEST(ReelNames, CutCountsCharactersAndDropsTheBlankAtItsEnd)
   EXPECT_EQ(names.find("HARBOUR").front().reel, "HARBOUR WIDE");
 }
 
-TEST(ReelNames, CutFormOfSeveralReelsListsAllAndIsNone)
+TEST(ReelNames, CutFormOfSeveralReelsListsAllAndMeansNoSingleOne)
 {
   ReelNames names;
   names.addReel("A021C012_1", {});
@@ -137,7 +137,7 @@ TEST(ReelNames, CutFormOfAnOldNameIsAnOldName)
   EXPECT_EQ(reelsOf(names.find("TAPEONE_LONG")), std::vector<std::string>{"B1"});
 }
 
-TEST(ReelNames, OldNameThatCameBackIsNoReasonOfItsOwn)
+TEST(ReelNames, OldNameThatIsTheCurrentNameIsNotAReason)
 {
   ReelNames names;
   names.addReel("A001", {"a001", "B001"});
@@ -145,7 +145,7 @@ TEST(ReelNames, OldNameThatCameBackIsNoReasonOfItsOwn)
   EXPECT_EQ(names.find("b001").front().reasons, Reasons{Reason::OldName});
 }
 
-TEST(ReelNames, AliasOfAReelWithoutRecordTellsSo)
+TEST(ReelNames, AliasOfAReelWithoutRecordSaysSo)
 {
   ReelNames names;
   names.addReel("A001", {});

@@ -30,7 +30,7 @@ TEST(SimilarNames, NameWithoutLettersAndDigitsIsLikeNoOther)
   EXPECT_EQ(similarNames("", {""}), Names{});
 }
 
-TEST(SimilarNames, BytesThatAreNoUtf8DoNotCount)
+TEST(SimilarNames, BytesThatAreNotUtf8DoNotCount)
 {
   EXPECT_EQ(similarNames("a\xff"
                          "1",

@@ -30,7 +30,7 @@ TEST(DisplayText, MarksOfDirectionAndLineSeparatorsAreEscaped)
             "\xe2\x80\x8d\\u202a\xe2\x80\xaf\\u2069\xe2\x81\xaa");
 }
 
-TEST(DisplayText, BytesThatAreNoUtf8AreEscapedUnlikeTheCharacterOfThatNumber)
+TEST(DisplayText, BytesThatAreNotUtf8AreEscapedUnlikeTheCharacterOfThatNumber)
 {
   EXPECT_EQ(displayText("a\xff\xc3"), "a\\xff\\xc3");
   EXPECT_EQ(displayText("\x9b\xc2\x9b"), "\\x9b\\u009b");
@@ -71,7 +71,7 @@ TEST(TextFlaw, ControlCharactersAreOne)
   EXPECT_EQ(textFlaw(" \xc2\xa0"), "");
 }
 
-TEST(TextFlaw, BytesThatAreNoUtf8AreOne)
+TEST(TextFlaw, BytesThatAreNotUtf8AreAFlaw)
 {
   for (const char* text : {"\xff", "a\xc3", "\xed\xa0\x80", "\x1b\xff"})
     EXPECT_EQ(textFlaw(text), "it is not UTF-8") << displayText(text);

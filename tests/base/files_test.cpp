@@ -22,11 +22,11 @@ using namespace reeldb::base;
 using reeldb_tests::TempFolder;
 namespace fs = std::filesystem;
 
-int renameError = 0; ///< what renameat2 fails with instead of doing anything; 0: nothing
+int renameError = 0; ///< the error with which renameat2 fails without doing anything; 0: it works
 
 } // namespace
 
-/// Stands before the one of the C library: a file system that does not know the call is seldom at hand.
+/// Replaces the function of the C library, because file systems without the call are rare.
 extern "C" int renameat2(int oldFolder, const char* oldName, int newFolder, const char* newName,
                          unsigned flags) noexcept
 {
@@ -97,7 +97,7 @@ mode_t modeOf(const fs::path& file)
   return status.st_mode & 07777;
 }
 
-/// While it lives, a file takes no more bytes than @p limit: a disk that becomes full, for whoever writes.
+/// While it lives, a file takes no more bytes than @p limit. For a writer that is a full disk.
 class FileSizeLimit {
 public:
   explicit FileSizeLimit(rlim_t limit) : before_(::signal(SIGXFSZ, SIG_IGN))
@@ -138,7 +138,7 @@ TEST(FileErrorTest, NamesPathFactAndCause)
   EXPECT_EQ(error.fault(), FileFault::System);
   EXPECT_EQ(error.fact(), "cannot be read");
   EXPECT_EQ(error.cause(), "No space left on device");
-  EXPECT_STREQ(FileError(FileFault::Exists, "", "exists already").what(), "\"\": exists already");
+  EXPECT_STREQ(FileError(FileFault::Exists, "", "already exists").what(), "\"\": exists already");
 }
 
 TEST(FileDescriptorTest, ClosesWithItsOwner)
@@ -153,7 +153,7 @@ TEST(FileDescriptorTest, ClosesWithItsOwner)
   EXPECT_FALSE(FileDescriptor(-1).valid());
 }
 
-TEST(TemporaryFileTest, GoesUnlessKept)
+TEST(TemporaryFileTest, IsRemovedUnlessKept)
 {
   const TempFolder folder;
   writeBytes(folder.path() / "a", "");
@@ -190,7 +190,7 @@ TEST(RequireRegularFile, FilePassesAnythingElseIsNamed)
   writeBytes(folder.path() / "f", "");
   requireRegularFile(folder.path() / "f");
   EXPECT_EQ(errorOf([&] { requireRegularFile(folder.path()); }),
-            "NotRegular: " + folder.path().native() + ": no regular file (a folder)");
+            "NotRegular: " + folder.path().native() + ": not a regular file (a folder)");
 }
 
 TEST(ReadRegularFile, WholeContent)
@@ -263,11 +263,11 @@ TEST(ReadRegularFile, AnythingElseIsRefusedWithoutWaiting)
   EXPECT_EQ(error("none"),
             "NotFound: " + (folder.path() / "none").native() + ": cannot be opened (No such file or directory)");
   fs::create_directory(folder.path() / "d");
-  EXPECT_EQ(error("d"), "NotRegular: " + (folder.path() / "d").native() + ": no regular file (a folder)");
+  EXPECT_EQ(error("d"), "NotRegular: " + (folder.path() / "d").native() + ": not a regular file (a folder)");
   ASSERT_EQ(::mkfifo((folder.path() / "p").c_str(), 0600), 0);
-  EXPECT_EQ(error("p"), "NotRegular: " + (folder.path() / "p").native() + ": no regular file (a named pipe)");
+  EXPECT_EQ(error("p"), "NotRegular: " + (folder.path() / "p").native() + ": not a regular file (a named pipe)");
   fs::create_symlink("/dev/zero", folder.path() / "z");
-  EXPECT_EQ(error("z"), "NotRegular: " + (folder.path() / "z").native() + ": no regular file (a device)");
+  EXPECT_EQ(error("z"), "NotRegular: " + (folder.path() / "z").native() + ": not a regular file (a device)");
   fs::create_symlink("loop", folder.path() / "loop");
   EXPECT_EQ(error("loop"),
             "System: " + (folder.path() / "loop").native() + ": cannot be opened (Too many levels of symbolic links)");
@@ -320,7 +320,7 @@ TEST(WriteNewFile, MissingFolder)
             "System: /nonexistent-folder/f: cannot be made (No such file or directory)");
 }
 
-TEST(NewFileBeside, LiesInTheSameFolderAndGoes)
+TEST(NewFileBeside, LiesInTheSameFolderAndIsRemoved)
 {
   const TempFolder folder;
   const fs::path path = folder.path() / "f";
@@ -381,7 +381,7 @@ TEST_P(NameNewFile, TakenNameIsRefused)
     TemporaryFile file(folder() / "new");
     writeBytes(file.path(), "content");
     EXPECT_EQ(errorOf([&] { nameNewFile(file, folder() / name); }),
-              "Exists: " + (folder() / name).native() + ": exists already");
+              "Exists: " + (folder() / name).native() + ": already exists");
   }
   EXPECT_EQ(bytesOf(folder() / "f"), "old");
   EXPECT_EQ(namesIn(folder()), (std::vector<std::string>{"f", "link"}));
@@ -453,7 +453,7 @@ TEST_F(ReplaceFile, FileIsReplacedAndLeavesItsPermissions)
 TEST_F(ReplaceFile, FileIsRefusedAndStays)
 {
   writeBytes(file(), "old");
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   EXPECT_EQ(bytesOf(file()), "old");
   EXPECT_EQ(names(), std::vector<std::string>{"f"});
 }
@@ -461,7 +461,7 @@ TEST_F(ReplaceFile, FileIsRefusedAndStays)
 TEST_F(ReplaceFile, FileThatAppearsMeanwhileIsRefused)
 {
   renameError = EEXIST;
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   renameError = 0;
   EXPECT_EQ(names(), std::vector<std::string>{});
 }
@@ -472,7 +472,7 @@ TEST_F(ReplaceFile, LinkStaysAndTheFileThatItLeadsToIsReplaced)
   writeBytes(file("d/target"), "old");
   fs::create_symlink("d/target", file());
   ASSERT_EQ(::chmod(file("d/target").c_str(), 0600), 0);
-  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": exists already");
+  EXPECT_EQ(error(IfThere::Refuse), "Exists: " + file().native() + ": already exists");
   EXPECT_EQ(bytesOf(file("d/target")), "old");
   replaceFile(file(), "new", IfThere::Replace);
   EXPECT_TRUE(fs::is_symlink(file()));
@@ -495,19 +495,19 @@ TEST_F(ReplaceFile, LinkIsReplacedAndWhatItLeadsToStays)
   EXPECT_EQ(names(), std::vector<std::string>{"target"});
 }
 
-TEST_F(ReplaceFile, WhatIsNoFileIsRefused)
+TEST_F(ReplaceFile, AnythingButAFileIsRefused)
 {
   fs::create_directory(file("d"));
   ASSERT_EQ(::mkfifo(file("p").c_str(), 0600), 0);
   for (const IfThere ifThere : all) {
-    EXPECT_EQ(error(ifThere, "d"), "NotRegular: " + file("d").native() + ": no regular file (a folder)");
-    EXPECT_EQ(error(ifThere, "p"), "NotRegular: " + file("p").native() + ": no regular file (a named pipe)");
+    EXPECT_EQ(error(ifThere, "d"), "NotRegular: " + file("d").native() + ": not a regular file (a folder)");
+    EXPECT_EQ(error(ifThere, "p"), "NotRegular: " + file("p").native() + ": not a regular file (a named pipe)");
   }
   fs::create_symlink("d", file("to-d"));
   fs::create_symlink("nowhere", file("to-nothing"));
   fs::create_symlink("loop", file("loop"));
   for (const IfThere ifThere : {IfThere::Refuse, IfThere::Replace}) {
-    EXPECT_EQ(error(ifThere, "to-d"), "NotRegular: " + file("to-d").native() + ": no regular file (a folder)");
+    EXPECT_EQ(error(ifThere, "to-d"), "NotRegular: " + file("to-d").native() + ": not a regular file (a folder)");
     for (const char* const name : {"to-nothing", "loop"})
       EXPECT_EQ(error(ifThere, name), "NotRegular: " + file(name).native() + ": a link that leads to no file");
   }

@@ -29,7 +29,7 @@ protected:
     output({"import", "cut.edl"});
   }
 
-  /// A process that holds the project for writing, from now on until it is let go.
+  /// A process that holds the project for writing until it is released.
   void hold()
   {
     holder_.emplace([this] {
@@ -40,7 +40,7 @@ protected:
     ASSERT_TRUE(isHeldBy(holder_->pid()));
   }
 
-  /// As the next writer is told.
+  /// The holder as the message to the next writer names it.
   bool isHeldBy(pid_t holder) const
   {
     const std::string error = errorOf(
@@ -76,7 +76,7 @@ TEST_F(BusyProject, NextWriterWaitsAndThenSaysWhoHoldsIt)
   EXPECT_EQ(output({"export", "--json"}), before);
 }
 
-TEST_F(BusyProject, NextWriterGoesOnWhenItIsLetGoInTime)
+TEST_F(BusyProject, NextWriterContinuesWhenItIsReleasedInTime)
 {
   hold();
   RunningProcess writer({reeldbProgram, "create", "X"}, setting_);

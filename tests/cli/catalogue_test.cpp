@@ -117,19 +117,20 @@ TEST_F(Fields, NameThatSetWouldTakeForAnotherFieldIsRefused)
     EXPECT_EQ(result.err, "reeldb: " + message + "\n");
     EXPECT_EQ(field(0).at("stored"), "");
   };
-  const auto fact = [](const std::string& name) { return "\"" + name + "\": no name for user field 0 "; };
+  const auto fact = [](const std::string& name) { return "\"" + name + "\": not a valid name for user field 0 "; };
   for (const std::string name : {"bin", "Type", "LABEL_mapping", "last-device", "available", "inhibit"})
-    expectNoName({"0=" + name}, fact(name) + "(reeldb set means another field by it)");
+    expectNoName({"0=" + name}, fact(name) + "(for reeldb set it means another field)");
   for (const std::string name : {"3", "0", "99", "-1", "user-field.0", "User-Field.x"})
-    expectNoName({"0=" + name}, fact(name) + "(reeldb set means another field by it)");
+    expectNoName({"0=" + name}, fact(name) + "(for reeldb set it means another field)");
   expectNoName({"0= "}, fact(" ") + "(it is blank)");
-  expectNoName({"0=tAKE"}, fact("tAKE") + "(user field 1 is called that)");
-  expectNoName({"0=light"}, fact("light") + "(user field 4 is called that)");
-  expectNoName({"0=user field 3"}, fact("user field 3") + "(user field 2 is called that)");
-  expectNoName({"0=Scene", "3=scene"}, fact("Scene") + "(user field 3 is called that)");
+  expectNoName({"0=tAKE"}, fact("tAKE") + "(user field 1 has this name)");
+  expectNoName({"0=light"}, fact("light") + "(user field 4 has this name)");
+  expectNoName({"0=user field 3"}, fact("user field 3") + "(user field 2 has this name)");
+  expectNoName({"0=Scene", "3=scene"}, fact("Scene") + "(user field 3 has this name)");
   // Taken back, field 1 would be called what field 5 is.
   output({"field", "name", "5=x"});
-  expectNoName({"1=", "5=User field 2"}, "\"User field 2\": no name for user field 1 (user field 5 is called that)");
+  expectNoName({"1=", "5=User field 2"},
+               "\"User field 2\": not a valid name for user field 1 (user field 5 has this name)");
   EXPECT_EQ(field(1).at("name"), "Take");
 }
 

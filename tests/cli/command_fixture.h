@@ -24,7 +24,7 @@ class CommandTest : public testing::Test {
 protected:
   ProcessResult reeldb(const Words& words) { return reeldb(words, setting_); }
   ProcessResult reeldb(const Words& words, const ProcessSetting& setting);
-  /// Runs it, expects exit code 0 and nothing on standard error, and answers standard output.
+  /// Runs it, expects exit code 0 and an empty standard error, and returns standard output.
   std::string output(const Words& words);
   Json json(const Words& words);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What shells are told may follow on a line, and that each shell that is here makes of it what it should.
+// The completions that shells receive, and what each installed shell makes of them.
 #include <sstream>
 
 #include "cli/command_fixture.h"
@@ -43,7 +43,7 @@ protected:
 
 TEST_F(Completion, StartOfCommandGivesCommandsWithTheirDescriptions)
 {
-  EXPECT_EQ(answer({"sho"}), "words\nshow\tShow everything that is known of one reel\n"
+  EXPECT_EQ(answer({"sho"}), "words\nshow\tShow all fields of one reel\n"
                              "shots\tList the shots recorded from a reel\n");
   EXPECT_EQ(candidates({"device", "l"}), (Words{"words", "list", "live"}));
 }

@@ -20,7 +20,7 @@ protected:
 
 TEST_F(Copy, TakesOverWhatIsKnownOfTheReelButNotItsPlace)
 {
-  EXPECT_EQ(output({"copy", "a001", "b001"}), "B001: now as A001\n");
+  EXPECT_EQ(output({"copy", "a001", "b001"}), "B001: now like A001\n");
   Json from = reel("A001"), to = reel("B001");
   EXPECT_EQ(to.at("bin"), "");
   for (const char* key : {"type", "available", "inhibit", "label_mapping", "user_fields", "audio_channels"})
@@ -31,7 +31,7 @@ TEST_F(Copy, SecondTimeChangesNothing)
 {
   output({"copy", "A001", "B001"});
   const std::string before = readFile("projects/main.reels");
-  EXPECT_EQ(output({"copy", "A001", "B001"}), "B001: is already as A001\n");
+  EXPECT_EQ(output({"copy", "A001", "B001"}), "B001: already like A001\n");
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
@@ -52,7 +52,7 @@ TEST_F(Copy, TextThatCannotBeHandedOnIsNotSpread)
 TEST_F(Copy, ReelOfAnOddNameIsFound)
 {
   respell(path("projects/main.reels"), "A001", "a\xff");
-  EXPECT_EQ(output({"copy", "a\xff", "B001"}), "B001: now as a\\xff\n");
+  EXPECT_EQ(output({"copy", "a\xff", "B001"}), "B001: now like a\\xff\n");
 }
 
 TEST_F(Copy, JsonHasTheReelAsItIsNow)

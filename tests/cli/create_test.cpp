@@ -29,33 +29,33 @@ TEST_F(Create, OuterBlanksAreNotStored)
 TEST_F(Create, ReelThatIsThereInOtherCaseIsRefused)
 {
   output({"create", "R1"});
-  expectRefusal({"create", "r1"}, "\"R1\": exists already");
+  expectRefusal({"create", "r1"}, "\"R1\": already exists");
 }
 
 TEST_F(Create, ReelThatIsThereWithoutTheBlanksIsRefused)
 {
   output({"create", "R1"});
-  expectRefusal({"create", " r1 "}, "\"r1\": exists already");
+  expectRefusal({"create", " r1 "}, "\"r1\": already exists");
   EXPECT_EQ(reelIds(), Words{"R1"});
 }
 
 TEST_F(Create, BlankIdentifierIsRefused)
 {
-  expectRefusal({"create", "   "}, "\"   \": no name for a reel (it is blank)");
-  expectRefusal({"create", ""}, "\"\": no name for a reel (it is blank)");
+  expectRefusal({"create", "   "}, "\"   \": not a valid reel name (it is blank)");
+  expectRefusal({"create", ""}, "\"\": not a valid reel name (it is blank)");
 }
 
 TEST_F(Create, StarIsRefused)
 {
-  expectRefusal({"create", "A*B"}, "\"A*B\": no name for a reel (a star denotes generated material)");
+  expectRefusal({"create", "A*B"}, "\"A*B\": not a valid reel name (a star denotes generated material)");
 }
 
 TEST_F(Create, IdentifierThatCannotBeHandedOnIsAUsageError)
 {
   for (const auto& [id, shown] : std::vector<std::pair<std::string, std::string>>{
            {"a\nb", "a\\nb"}, {"\x01", "\\x01"}, {"R\x7f", "R\\x7f"}, {"\xc2\x9b", "\\u009b"}, {"\tR1", "\\tR1"}})
-    expectRefusal({"create", id}, "\"" + shown + "\": no name for a reel (it holds a control character)", 2);
-  expectRefusal({"create", "R\xff"}, "\"R\\xff\": no name for a reel (it is not UTF-8)", 2);
+    expectRefusal({"create", id}, "\"" + shown + "\": not a valid reel name (it holds a control character)", 2);
+  expectRefusal({"create", "R\xff"}, "\"R\\xff\": not a valid reel name (it is not UTF-8)", 2);
   EXPECT_EQ(output({"create", "M\xc3\x9cLLER \xd7\x90\xe2\x80\x8f"}), "M\xc3\x9cLLER \xd7\x90\\u200f\n");
 }
 
@@ -66,7 +66,7 @@ TEST_F(Create, NameThatCutListsUseForNoReelIsTakenWithAWarning)
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.out, id + "\n");
     EXPECT_EQ(result.err, "reeldb: " + id +
-                              ": taken all the same, but no import will mean this reel by it (in cut lists it means: " +
+                              ": accepted, but no import will find this reel by its name (its meaning in cut lists: " +
                               meaning + ")\n");
   };
   expectWarning("BL", "black");
@@ -88,7 +88,7 @@ TEST_F(Create, DefaultTypeThatIsNotListedIsStoredWithAWarning)
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "R1\n");
   EXPECT_EQ(result.err,
-            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)\n");
   EXPECT_EQ(reel("R1").at("type"), "Tape 2ch");
 }
 
@@ -98,8 +98,8 @@ TEST_F(Create, ReportThatIsLostSaysThatTheReelIsMade)
   full.outputFile = "/dev/full";
   const ProcessResult result = reeldb({"create", "R1"}, full);
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: standard output: cannot be written (No space left on device; the changes are stored "
-                        "all the same)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: standard output: cannot be written (No space left on device; the changes are stored)\n");
   EXPECT_EQ(reelIds(), Words{"R1"});
 }
 
@@ -110,7 +110,7 @@ TEST_F(Create, IdentifierOf2047BytesIsWholeAndOf2048IsRefused)
   EXPECT_EQ(reelIds(), Words{longest});
   const ProcessResult result = reeldb({"create", longest + "x"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_NE(result.err.find("no name for a reel (it has 2048 bytes, 2047 are the most)"), std::string::npos)
+  EXPECT_NE(result.err.find("not a valid reel name (it has 2048 bytes; at most 2047)"), std::string::npos)
       << result.err;
 }
 
@@ -131,12 +131,12 @@ TEST_F(Create, UnknownDeviceIsRefusedWithThoseThatAre)
   EXPECT_EQ(reelIds(), Words{});
 }
 
-TEST_F(Create, DeviceThatIsNoNumberIsAUsageError)
+TEST_F(Create, DeviceThatIsNotANumberIsAUsageError)
 {
   for (const std::string number : {"x", "1x", "-1", "", "0x1", "99999999999"}) {
     const ProcessResult result = reeldb({"create", "R1", "--device", number});
     EXPECT_EQ(result.code, 2) << number;
-    EXPECT_EQ(result.err, "reeldb: \"" + number + "\": no device number\n");
+    EXPECT_EQ(result.err, "reeldb: \"" + number + "\": not a device number\n");
   }
 }
 

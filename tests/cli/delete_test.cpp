@@ -96,14 +96,14 @@ TEST_F(Delete, WithoutATerminalNobodyIsAsked)
   answering.input = "y\n";
   const ProcessResult result = reeldb({"delete", "A001"}, answering);
   EXPECT_EQ(result.code, 1);
-  EXPECT_NE(result.err.find("reeldb: delete 1 reel and 2 shots? nobody to ask (standard input is no terminal; --yes "
-                            "says so beforehand)\n"),
+  EXPECT_NE(result.err.find("reeldb: delete 1 reel and 2 shots? cannot ask (standard input is not a terminal; --yes "
+                            "confirms)\n"),
             std::string::npos)
       << result.err;
   EXPECT_EQ(reelIds().size(), 3u);
 }
 
-TEST_F(Delete, OnATerminalTheAnswerDecides)
+TEST_F(Delete, OnATerminalTheReplyDecides)
 {
   ProcessSetting terminal = setting_;
   terminal.terminal = true;
@@ -124,7 +124,7 @@ TEST_F(Delete, DryRunShowsWhatWouldGo)
   const ProcessResult result = reeldb({"delete", "--dry-run", "A001", "B001", "--keep", "B001"});
   EXPECT_EQ(result.code, 0);
   EXPECT_NE(result.out.find("B001: kept, with its 1 shot (--keep)\n"
-                            "dry run: 1 reel and 2 shots would go, the project stays as it was\n"),
+                            "dry run: 1 reel and 2 shots would be deleted, the project stays as it was\n"),
             std::string::npos)
       << result.out;
   EXPECT_EQ(result.err, "");
@@ -151,7 +151,7 @@ TEST_F(Delete, DryRunThatKeepsAllSaysThatNothingWouldGo)
 {
   const ProcessResult result = reeldb({"delete", "--dry-run", "C001", "--keep", "C001"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.out, "C001: kept, with its 1 shot (--keep)\ndry run: nothing would go\n");
+  EXPECT_EQ(result.out, "C001: kept, with its 1 shot (--keep)\ndry run: nothing would be deleted\n");
 }
 
 TEST_F(Delete, UndeleteRestoresEveryByte)
@@ -162,7 +162,7 @@ TEST_F(Delete, UndeleteRestoresEveryByte)
   EXPECT_EQ(everything(), before);
 }
 
-TEST_F(Delete, UndeleteGoesBackDeletionByDeletion)
+TEST_F(Delete, UndeleteRestoresOneDeletionAfterTheOther)
 {
   reeldb({"delete", "A001", "--yes"});
   reeldb({"delete", "B001", "--yes"});
@@ -173,7 +173,7 @@ TEST_F(Delete, UndeleteGoesBackDeletionByDeletion)
   EXPECT_EQ(result.err, "reeldb: undelete: there is no deletion to bring back\n");
 }
 
-TEST_F(Delete, CompactRemovesForGood)
+TEST_F(Delete, CompactMakesDeletionsFinal)
 {
   reeldb({"delete", "A001", "--yes"});
   EXPECT_EQ(output({"project", "compact"}), "3 deleted logs removed for good\n");
@@ -182,15 +182,16 @@ TEST_F(Delete, CompactRemovesForGood)
   EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));
 }
 
-TEST_F(Delete, UndeleteIsRefusedWhileAnotherReelBearsTheName)
+TEST_F(Delete, UndeleteIsRefusedWhileAnotherReelHasTheName)
 {
   ASSERT_EQ(reeldb({"delete", "A001", "--yes"}).code, 0);
   output({"create", "a001"});
   const std::string before = everything();
   const ProcessResult result = reeldb({"undelete"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: undelete: A001: another reel is called that by now, nothing brought back (rename it "
-                        "first)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: undelete: A001: another reel now has this name, nothing brought back (rename that reel "
+            "first)\n");
   EXPECT_EQ(everything(), before);
   ASSERT_EQ(reeldb({"rename", "a001", "X001"}).code, 0);
   EXPECT_EQ(reeldb({"undelete"}).code, 0);

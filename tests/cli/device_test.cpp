@@ -69,25 +69,26 @@ TEST_F(Device, LiveMakesTheReelOnceAndTheDeviceRemembersIt)
   EXPECT_EQ(made.at("last_device"), "Cam 2");
   EXPECT_EQ(json({"device", "show", "4", "--json"}).at("last_reel"), "Cam 2 live feed");
   const std::string before = readFile("projects/main.reels");
-  EXPECT_EQ(output({"device", "live", "4"}), "Cam 2 live feed (was there already)\n");
+  EXPECT_EQ(output({"device", "live", "4"}), "Cam 2 live feed (already existed)\n");
   EXPECT_EQ(reelIds().size(), 1u);
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
-TEST_F(Device, CreateIsRefusedWhenTheNameOfTheDeviceIsNoNameForAReel)
+TEST_F(Device, CreateIsRefusedIfTheNameOfTheDeviceIsNotAValidReelName)
 {
   dir_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n"
                               "[[device]]\nnumber = 4\nid = 8\nname = \"C*m\"\nport = \"device-named\"\n"
                               "input = \"sdi\"\naudio_inputs = 1\ntapes = []\n");
-  expectRefusal({"create", "R1", "--device", "4"}, "\"C*m\": no name for a reel (a star denotes generated material)");
+  expectRefusal({"create", "R1", "--device", "4"},
+                "\"C*m\": not a valid reel name (a star denotes generated material)");
   EXPECT_EQ(reelIds(), Words{});
 }
 
-TEST_F(Device, LiveIsRefusedForADeviceThatIsNoLiveSource)
+TEST_F(Device, LiveIsRefusedForADeviceThatIsNotALiveSource)
 {
   const ProcessResult result = reeldb({"device", "live", "3"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: Deck: no live source (\"Live\" is not among the types it accepts)\n");
+  EXPECT_EQ(result.err, "reeldb: Deck: not a live source (\"Live\" is not one of the types it accepts)\n");
 }
 
 TEST_F(Device, DeviceNamedPortGivesTheReelTheDevicesName)
@@ -95,7 +96,7 @@ TEST_F(Device, DeviceNamedPortGivesTheReelTheDevicesName)
   EXPECT_EQ(output({"create", "asked", "--device", "4"}), "Cam 2\n");
   const ProcessResult result = reeldb({"create", "again", "--device", "4"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: \"Cam 2\": exists already\n");
+  EXPECT_EQ(result.err, "reeldb: \"Cam 2\": already exists\n");
   EXPECT_EQ(reelIds(), Words{"Cam 2"});
 }
 
@@ -125,7 +126,7 @@ TEST_F(LabelMapCommand, ListHasTheNineUsualOnes)
   }
 }
 
-TEST_F(LabelMapCommand, CheckTellsWhatFits)
+TEST_F(LabelMapCommand, CheckReportsWhatFits)
 {
   const ProcessResult result = reeldb({"label-map", "check", "pal9pin", "--device", "3", "--json"});
   EXPECT_EQ(result.code, 0) << result.err;
@@ -187,10 +188,10 @@ TEST_F(LabelMapCommand, CheckOfAnUnknownMapIsRefusedWithThoseThatAre)
   }
   std::filesystem::remove_all(path("labelmaps"));
   EXPECT_EQ(reeldb({"label-map", "check", "nope"}).err,
-            "reeldb: \"nope\": no such label map (this facility has none)\n");
+            "reeldb: \"nope\": no such label map (this facility has no label maps)\n");
 }
 
-TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
+TEST_F(LabelMapCommand, UnreadableMapIsReportedWithFileAndLine)
 {
   dir_.write("labelmaps/bad.toml",
              "\n[[entry]]\nlabel = \"timecode\"\nin_use = true\nsource = \"smoke signals\"\nformat = \"25 fps\"\n");
@@ -211,7 +212,7 @@ TEST_F(LabelMapCommand, UnreadableMapIsToldWithItsFileAndLine)
   EXPECT_NE(text.find("bad.toml:5: entry.source: \"smoke signals\""), std::string::npos) << text;
 }
 
-TEST_F(LabelMapCommand, AnswerThatIsNoMapOfTheFacilityComesWithAWarning)
+TEST_F(LabelMapCommand, ResultThatTheFacilityDoesNotHaveIsWarnedAbout)
 {
   std::filesystem::remove(path("labelmaps/pal9pin.toml"));
   const std::string fault = "\"pal9pin\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "

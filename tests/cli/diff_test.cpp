@@ -51,7 +51,7 @@ TEST_F(Diff, ListThatWasImportedHasNoDifferences)
               "spellings": [], "shots_added": [], "shots_gone": [], "rejected": []})"));
 }
 
-TEST_F(Diff, NewVersionTellsReelsAndShotsThatAreNewAndShotsThatWent)
+TEST_F(Diff, NewVersionReportsNewReelsNewShotsAndMissingShots)
 {
   dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "03:00:00:00", "FOUR") +
                             clip(3, "C001", "01:00:00:00", "FIVE"));
@@ -71,7 +71,7 @@ TEST_F(Diff, NewVersionTellsReelsAndShotsThatAreNewAndShotsThatWent)
   EXPECT_EQ(clipsOf(report.at("shots_gone")), Words{"TWO"});
 }
 
-TEST_F(Diff, GoneTellsReelsThatNoFileNamesWithTheirShots)
+TEST_F(Diff, GoneReportsReelsThatNoFileNamesWithTheirShots)
 {
   dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "02:00:00:00", "TWO"));
   EXPECT_EQ(diff({"two.edl"}).at("equal"), true);
@@ -99,7 +99,7 @@ TEST_F(Diff, LogIsComparedWithTheShotsOfLogs)
   EXPECT_EQ(report.at("reels_gone"), Words{});
 }
 
-TEST_F(Diff, OtherSpellingIsToldAndMakesNoReel)
+TEST_F(Diff, OtherSpellingIsReportedAndMakesNoReel)
 {
   dir_.write("two.edl", clip(1, "a001", "01:00:00:00", "ONE") + clip(2, "A001", "02:00:00:00", "TWO"));
   const Json report = diff({"two.edl"});
@@ -111,7 +111,7 @@ TEST_F(Diff, OtherSpellingIsToldAndMakesNoReel)
   EXPECT_EQ(output({"diff", "two.edl"}), "same reel, other spelling:\n  a001 is A001\n");
 }
 
-TEST_F(Diff, NewReelThatGoesByAnotherNameIsToldSo)
+TEST_F(Diff, NewReelWithAKnownOtherNameIsReportedSo)
 {
   ASSERT_EQ(reeldb({"rename", "B001", "C001_210609_H1KV"}).code, 0);
   EXPECT_NE(output({"diff", "one.edl"}).find("1 reel new:\n  B001 (perhaps C001_210609_H1KV: old name)\n"),
@@ -126,7 +126,7 @@ TEST_F(Diff, ShotTwiceInTheListIsAddedOnce)
   EXPECT_EQ(diff({"two.edl", "two.edl"}).at("reels_new").size(), 1u);
 }
 
-TEST_F(Diff, RejectedLinesAreToldAndMakeTheExitCodeFour)
+TEST_F(Diff, RejectedLinesAreReportedAndMakeTheExitCodeFour)
 {
   dir_.write("bad.edl", readFile("one.edl") + "004  A001  V  C  01:00:00:00\n");
   const ProcessResult result = reeldb({"diff", "bad.edl"});

@@ -193,7 +193,7 @@ TEST_F(Export, EmptyProjectMakesListsThatCanBeRead)
     expectSameAfter({format}, "main");
 }
 
-TEST_F(Export, ReelWithoutAShotIsToldOf)
+TEST_F(Export, ReelWithoutAShotIsReported)
 {
   output({"create", "A001"});
   const ProcessResult result = reeldb({"export", "--edl"});
@@ -211,7 +211,7 @@ TEST_F(Export, OldNamesAndSpellingsOfShotsDoNotSplitAReel)
   EXPECT_EQ(list.find("REEL MAP"), std::string::npos) << list;
 }
 
-TEST_F(Export, TextThatNoListCanHoldIsWrittenWithoutControlCharactersAndToldOf)
+TEST_F(Export, TextWithControlCharactersIsWrittenWithoutThemAndReported)
 {
   dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
@@ -225,7 +225,7 @@ TEST_F(Export, TextThatNoListCanHoldIsWrittenWithoutControlCharactersAndToldOf)
   }
 }
 
-TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndToldOf)
+TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndReported)
 {
   dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + "* FROM CLIP NAME: ONE\n" +
                             event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
@@ -238,7 +238,7 @@ TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndToldOf)
   EXPECT_NE(result.out.find("\n001  B001 "), std::string::npos);
 }
 
-TEST_F(Export, ReelThatListsMeanOtherwiseIsToldOf)
+TEST_F(Export, ReelWithASpecialMeaningInListsIsReported)
 {
   dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
@@ -254,7 +254,7 @@ TEST_F(Export, FileIsWrittenOnceAndReplacedOnlyByForce)
   EXPECT_EQ(output({"export", "--edl", "-o", "out.edl"}), "out.edl: 1 shot\n");
   EXPECT_EQ(readFile("out.edl"), output({"export", "--edl"}));
   dir_.write("out.edl", "mine");
-  expectRefusal({"export", "--edl", "-o", "out.edl"}, "out.edl: exists already (--force replaces it)");
+  expectRefusal({"export", "--edl", "-o", "out.edl"}, "out.edl: already exists (--force replaces it)");
   EXPECT_EQ(readFile("out.edl"), "mine");
   EXPECT_EQ(output({"export", "--edl", "--output", "out.edl", "--force"}), "out.edl: 1 shot\n");
   EXPECT_EQ(readFile("out.edl"), output({"export", "--edl"}));
@@ -285,8 +285,8 @@ TEST_F(Export, FileThatIsReplacedKeepsItsPermissions)
 TEST_F(Export, FileThatCannotBeWrittenLeavesNothingBehind)
 {
   expectRefusal({"export", "--csv", "-o", "none/out"}, "none/out: cannot be made (No such file or directory)", 3);
-  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: no regular file (a folder)");
-  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: no regular file (a device)");
+  expectRefusal({"export", "--csv", "-o", "projects", "--force"}, "projects: not a regular file (a folder)");
+  expectRefusal({"export", "--csv", "-o", "/dev/null", "--force"}, "/dev/null: not a regular file (a device)");
   expectRefusal({"export", "--csv", "-o", ""}, "\"\": cannot be made (No such file or directory)", 3);
   std::set<std::string> files;
   for (const auto& entry : fs::directory_iterator(dir_.path()))
@@ -308,16 +308,15 @@ TEST_F(Export, MoreReelsThanNumbersAreRefused)
   EXPECT_FALSE(fs::exists(path("out")));
 }
 
-TEST_F(Export, OptionsThatMakeNoSenseAreUsageErrors)
+TEST_F(Export, OptionsThatDoNotFitAreUsageErrors)
 {
-  const std::string which = "export: say which format: one of --edl, --ale, --csv, --json";
+  const std::string which = "export: no format given (use one of --edl, --ale, --csv, --json)";
   expectRefusal({"export"}, which, 2);
   expectRefusal({"export", "--edl", "--ale"}, which, 2);
-  expectRefusal({"export", "--edl", "--reel-length", "7"}, "7: no length of a reel field (there are 3, 6, 8, 32, 129)",
-                2);
-  expectRefusal({"export", "--ale", "--reel-length", "8"}, "export: --reel-length is for --edl", 2);
-  expectRefusal({"export", "--edl", "--reels"}, "export: --reels is for --csv and --json (lists are of shots)", 2);
-  expectRefusal({"export", "--csv", "--force"}, "export: --force is for -o FILE", 2);
+  expectRefusal({"export", "--edl", "--reel-length", "7"}, "--reel-length 7: invalid (use one of 3, 6, 8, 32, 129)", 2);
+  expectRefusal({"export", "--ale", "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
+  expectRefusal({"export", "--edl", "--reels"}, "export: --reels needs --csv or --json (lists contain shots)", 2);
+  expectRefusal({"export", "--csv", "--force"}, "export: --force needs -o FILE", 2);
 }
 
 } // namespace

@@ -88,7 +88,7 @@ TEST_F(Front, NearestFolderUpwardsIsFound)
   EXPECT_EQ(firstReel({"list", "--json"}, below), "R2");
 }
 
-TEST_F(Front, WhatIsNoFileIsPassedOverOnTheWayUpwards)
+TEST_F(Front, FacilityTomlThatIsNotAFileIsSkippedOnTheWayUpwards)
 {
   mark("one", "R1");
   fs::create_directories(path("one/a/facility.toml"));
@@ -109,9 +109,10 @@ TEST_F(Front, NoFacilityAnywhereIsRefused)
   const ProcessResult result = reeldb({"list"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err, "reeldb: " + fs::canonical(dir_.path()).string() +
-                            ": no facility (facility.toml not found here or above; reeldb init makes one, -C DIR or "
-                            "REELDB_FACILITY names one)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: " + fs::canonical(dir_.path()).string() +
+                ": not in a facility (facility.toml not found here or above; reeldb init makes one, -C DIR or "
+                "REELDB_FACILITY names one)\n");
 }
 
 TEST_F(Front, FolderWithoutFacilityIsRefused)
@@ -119,14 +120,14 @@ TEST_F(Front, FolderWithoutFacilityIsRefused)
   fs::create_directory(path("empty"));
   const ProcessResult result = reeldb({"-C", "empty", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: " + path("") + "empty: no facility (facility.toml not found)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "empty: not a facility (facility.toml not found)\n");
 }
 
 TEST_F(Front, MissingFolderIsRefused)
 {
   const ProcessResult result = reeldb({"-C", "nowhere", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: not a facility (no such folder)\n");
 }
 
 TEST_F(Front, FileInPlaceOfFolderIsRefused)
@@ -134,7 +135,7 @@ TEST_F(Front, FileInPlaceOfFolderIsRefused)
   dir_.write("file", "");
   const ProcessResult result = reeldb({"-C", "file", "list"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: " + path("") + "file: no facility (not a folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "file: not a facility (not a folder)\n");
 }
 
 TEST_F(Front, EnvironmentIsRefusedLikeTheOption)
@@ -143,16 +144,16 @@ TEST_F(Front, EnvironmentIsRefusedLikeTheOption)
   setting.environment["REELDB_FACILITY"] = "nowhere";
   const ProcessResult result = reeldb({"list"}, setting);
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "nowhere: not a facility (no such folder)\n");
 }
 
 TEST_F(Front, ControlCharactersOfAPathAreEscapedInTheMessage)
 {
   const ProcessResult result = reeldb({"-C", "a\x1b[31m\n\xc2\x9b", "list"});
-  EXPECT_EQ(result.err, "reeldb: " + path("") + "a\\x1b[31m\\n\\u009b: no facility (no such folder)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("") + "a\\x1b[31m\\n\\u009b: not a facility (no such folder)\n");
 }
 
-TEST_F(Front, ModuleThatIsMissingIsToldInAsciiAlone)
+TEST_F(Front, MissingModuleIsReportedInAsciiOnly)
 {
   const std::string folder = path("lone \x1b\xc3\xa9");
   fs::create_directory(folder);
@@ -171,10 +172,10 @@ TEST_F(Front, PipeInPlaceOfTheFileIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(path("pipe/facility.toml").c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "pipe", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: " + path("pipe/facility.toml") + ": no regular file (a named pipe)\n");
+  EXPECT_EQ(result.err, "reeldb: " + path("pipe/facility.toml") + ": not a regular file (a named pipe)\n");
 }
 
-TEST_F(Front, UnreadableFileIsTold)
+TEST_F(Front, UnreadableFileIsReported)
 {
   if (geteuid() == 0)
     GTEST_SKIP() << "root reads every file";
@@ -208,7 +209,7 @@ TEST_F(Front, UsageErrorsComeBeforeAMissingFacility)
 {
   const ProcessResult result = reeldb({"frobnicate"});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(result.err, "reeldb: \"frobnicate\": no such command (reeldb --help tells more)\n");
+  EXPECT_EQ(result.err, "reeldb: \"frobnicate\": no such command (see reeldb --help)\n");
 }
 
 TEST_F(Front, LibraryPrintsNothingOfAFacilityThatIsNotNeeded)
@@ -290,23 +291,22 @@ TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
        std::vector<Words>{{"-C", "one", "type", "list"}, {"-C", "one", "type", "list", "--json"}}) {
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not there, so there are no reel types\n");
+    EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not found, so there are no reel types\n");
   }
 }
 
 TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreRemarkedOnWhereTheFacilityIsUsed)
 {
   dir_.write("one/devicedata/reeltype.dat", "a:VideoChannels=x AudioChannels=y\r\nb:AudioChannels=z");
-  const std::string said = "reeldb: " + typeFile_ + ":1: VideoChannels: \"x\" is no number (taken as 0)\n" +
-                           "reeldb: " + typeFile_ + ":1: AudioChannels: \"y\" is no number (taken as 0)\n" +
-                           "reeldb: " + typeFile_ + ":2: AudioChannels: \"z\" is no number (taken as 0)\n";
+  const std::string said = "reeldb: " + typeFile_ + ":1: VideoChannels: \"x\" is not a number (read as 0)\n" +
+                           "reeldb: " + typeFile_ + ":1: AudioChannels: \"y\" is not a number (read as 0)\n" +
+                           "reeldb: " + typeFile_ + ":2: AudioChannels: \"z\" is not a number (read as 0)\n";
   const ProcessResult result = reeldb({"-C", "one", "list", "--json"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "[]\n");
   EXPECT_EQ(result.err, said);
   EXPECT_EQ(reeldb({"-C", "one", "list", "--help"}).err, "");
-  EXPECT_EQ(reeldb({"-C", "one", "frobnicate"}).err,
-            "reeldb: \"frobnicate\": no such command (reeldb --help tells more)\n");
+  EXPECT_EQ(reeldb({"-C", "one", "frobnicate"}).err, "reeldb: \"frobnicate\": no such command (see reeldb --help)\n");
 }
 
 TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)
@@ -315,7 +315,7 @@ TEST_F(FrontTypeFile, PipeIsRefusedWithoutWaiting)
   ASSERT_EQ(mkfifo(typeFile_.c_str(), 0600), 0);
   const ProcessResult result = reeldb({"-C", "one", "type", "list"});
   EXPECT_EQ(result.code, 3);
-  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": no regular file (a named pipe)\n");
+  EXPECT_EQ(result.err, "reeldb: " + typeFile_ + ": not a regular file (a named pipe)\n");
 }
 
 } // namespace

@@ -162,10 +162,9 @@ TEST_F(Help, CommandHelpShowsWhatTheOptionShows)
 
 TEST_F(Help, OfAnUnknownCommandIsAnErrorWithAGuess)
 {
-  EXPECT_EQ(reeldb({"help", "lst"}).err,
-            "reeldb: help: \"lst\": no such command (perhaps list; reeldb --help tells more)\n");
+  EXPECT_EQ(reeldb({"help", "lst"}).err, "reeldb: help: \"lst\": no such command (perhaps list; see reeldb --help)\n");
   EXPECT_EQ(reeldb({"help", "project", "lst"}).err,
-            "reeldb: help: \"lst\": no such command (perhaps list; reeldb project --help tells more)\n");
+            "reeldb: help: \"lst\": no such command (perhaps list; see reeldb project --help)\n");
   EXPECT_EQ(reeldb({"help", "lst"}).code, 2);
 }
 
@@ -202,7 +201,7 @@ TEST_F(Help, EveryExampleRuns)
       EXPECT_EQ(example.compare(0, joined(path).size(), joined(path)), 0) << example;
       const ProcessResult result = runProcess({"sh", "-c", example}, inPath_);
       EXPECT_EQ(result.code, 0) << example << "\n" << result.err;
-      // While nothing changes, watch has nothing to tell.
+      // While nothing changes, watch has nothing to report.
       EXPECT_TRUE(!result.out.empty() || path == Words{"watch"}) << example;
       ++run;
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files that are not what they seem, wherever the command takes or finds one: links, devices, folders, files far too
-// large, files that grow, names that steer a terminal. What comes of them is an error or the right answer; nothing
-// outside the facility is touched.
+// Files that are not what they seem, in every place where the command reads or finds a file: links, devices, folders,
+// files far too large, files that grow, names with escape sequences. The command reports an error or works correctly,
+// and changes nothing outside the facility.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
@@ -115,7 +115,7 @@ protected:
     fs::create_symlink(target, path(name));
   }
 
-  /// A file of 4 GiB outside that takes no room; answers false where there can be none.
+  /// Makes a sparse file of 4 GiB outside the facility. Returns false if the file system cannot hold it.
   bool makeHugeFile()
   {
     std::error_code error;
@@ -165,7 +165,7 @@ protected:
       expectError(words, code, message);
   }
 
-  /// Attempts it and expects success; answers standard output.
+  /// Attempts it, expects success and returns standard output.
   std::string answer(const Words& words)
   {
     const ProcessResult result = attempt(words);
@@ -196,20 +196,20 @@ protected:
   }
 };
 
-TEST_F(HugeFile, IsNoList)
+TEST_F(HugeFile, IsNotAList)
 {
   link("list", outside("huge"));
   expectEachError(readersOf("list"), 3, "list: too large (more than 268435456 bytes)");
 }
 
-TEST_F(HugeFile, IsNoListOfReelTypes)
+TEST_F(HugeFile, IsNotAListOfReelTypes)
 {
   link("devicedata/reeltype.dat", outside("huge"));
   expectEachError({{"type", "list"}, {"list"}, {"create", "R1"}, {"project", "list"}}, 3,
                   site_ + "devicedata/reeltype.dat: too large (more than 67108864 bytes)");
 }
 
-TEST_F(HugeFile, IsNoConfigurationAndNoState)
+TEST_F(HugeFile, IsNeitherAConfigurationNorAState)
 {
   fs::copy_file(path("facility.toml"), path("kept"));
   link("facility.toml", outside("huge"));
@@ -219,10 +219,10 @@ TEST_F(HugeFile, IsNoConfigurationAndNoState)
   link("state.toml", outside("huge"));
   expectEachError({{"list"}, {"field", "name", "0=Scene"}}, 3,
                   site_ + "state.toml: too large (more than 1048576 bytes); the state file is damaged and stays as it "
-                          "is (moving it away starts a new one)");
+                          "is (move it away to start a new one)");
 }
 
-TEST_F(HugeFile, IsNoLabelMap)
+TEST_F(HugeFile, IsNotALabelMap)
 {
   link("labelmaps/huge.toml", outside("huge"));
   const std::string fault = site_ + "labelmaps/huge.toml: too large (more than 1048576 bytes)";
@@ -235,7 +235,7 @@ TEST_F(HugeFile, IsNoLabelMap)
   EXPECT_EQ(huge->at("fault"), fault);
 }
 
-TEST_F(HugeFile, IsNoProject)
+TEST_F(HugeFile, IsNotAProject)
 {
   fs::rename(outside("huge"), path("projects/huge.reels"));
   const std::string fault = site_ + "projects/huge.reels: not a project (not an SQLite file)";
@@ -292,13 +292,13 @@ TEST_F(HostileFiles, ListIsReadThroughALink)
   EXPECT_EQ(Json::parse(answer({"reels-of", "--file", "list", "--json"})).size(), 2u);
 }
 
-TEST_F(HostileFiles, WhatIsNoFileIsNoList)
+TEST_F(HostileFiles, AnythingButAFileIsNotAList)
 {
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {"/dev/zero", 3, "no regular file (a device)"},
-      {"/dev/full", 3, "no regular file (a device)"},
-      {"/dev/ptmx", 3, "no regular file (a device)"},
-      {outside_.path().native(), 3, "no regular file (a folder)"},
+      {"/dev/zero", 3, "not a regular file (a device)"},
+      {"/dev/full", 3, "not a regular file (a device)"},
+      {"/dev/ptmx", 3, "not a regular file (a device)"},
+      {outside_.path().native(), 3, "not a regular file (a folder)"},
       {outside("cut.edl") + "/x", 1, "cannot be opened (Not a directory)"},
       {outside("nothing"), 1, "cannot be opened (No such file or directory)"},
       {"list", 3, "cannot be opened (Too many levels of symbolic links)"}};
@@ -309,11 +309,11 @@ TEST_F(HostileFiles, WhatIsNoFileIsNoList)
 }
 
 /// To open a device can rewind a tape or hang up a line.
-TEST_F(HostileFiles, WhatIsNoFileIsNotEvenOpened)
+TEST_F(HostileFiles, AnythingButAFileIsNotOpened)
 {
   ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
   const OpenWatch watch(path("pipe"));
-  expectEachError(readersOf("pipe"), 3, "pipe: no regular file (a named pipe)");
+  expectEachError(readersOf("pipe"), 3, "pipe: not a regular file (a named pipe)");
   const Words check = {"label-map", "check", "pal9pin"};
   const std::vector<std::pair<std::string, Words>> places = {
       {"devicedata/reeltype.dat", check}, {"facility.toml", check},
@@ -332,11 +332,11 @@ TEST_F(HostileFiles, WhatIsNoFileIsNotEvenOpened)
   EXPECT_FALSE(watch.opened());
 }
 
-TEST_F(HostileFiles, WhatIsNoFileIsNoListOfReelTypes)
+TEST_F(HostileFiles, AnythingButAFileIsNotAListOfReelTypes)
 {
   const std::vector<std::pair<std::string, std::string>> targets = {
-      {"/dev/zero", "no regular file (a device)"},
-      {outside_.path().native(), "no regular file (a folder)"},
+      {"/dev/zero", "not a regular file (a device)"},
+      {outside_.path().native(), "not a regular file (a folder)"},
       {"reeltype.dat", "cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, cause] : targets) {
     link("devicedata/reeltype.dat", target);
@@ -344,13 +344,13 @@ TEST_F(HostileFiles, WhatIsNoFileIsNoListOfReelTypes)
   }
 }
 
-TEST_F(HostileFiles, WhatIsNoFileIsNoFacility)
+TEST_F(HostileFiles, AnythingButAFileIsNotAFacility)
 {
   fs::rename(path("facility.toml"), path("kept"));
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
-      {"/dev/zero", 3, "/facility.toml: no regular file (a device)"},
-      {outside_.path().native(), 3, "/facility.toml: no regular file (a folder)"},
-      {outside("nothing"), 1, ": no facility (facility.toml not found)"},
+      {"/dev/zero", 3, "/facility.toml: not a regular file (a device)"},
+      {outside_.path().native(), 3, "/facility.toml: not a regular file (a folder)"},
+      {outside("nothing"), 1, ": not a facility (facility.toml not found)"},
       {"facility.toml", 3, "/facility.toml: cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, code, cause] : targets) {
     link("facility.toml", target);
@@ -362,11 +362,11 @@ TEST_F(HostileFiles, WhatIsNoFileIsNoFacility)
   EXPECT_EQ(answer({"create", "R1"}), "R1\n");
 }
 
-TEST_F(HostileFiles, WhatIsNoFileIsNoLabelMap)
+TEST_F(HostileFiles, AnythingButAFileIsNotALabelMap)
 {
   const std::vector<std::pair<std::string, std::string>> targets = {
-      {"/dev/zero", "no regular file (a device)"},
-      {outside_.path().native(), "no regular file (a folder)"},
+      {"/dev/zero", "not a regular file (a device)"},
+      {outside_.path().native(), "not a regular file (a folder)"},
       {outside("nothing"), "cannot be opened (No such file or directory)"},
       {"odd.toml", "cannot be opened (Too many levels of symbolic links)"}};
   for (const auto& [target, cause] : targets) {
@@ -376,7 +376,7 @@ TEST_F(HostileFiles, WhatIsNoFileIsNoLabelMap)
   }
 }
 
-TEST_F(HostileFiles, WhatIsNoProjectIsNotTouchedThroughALink)
+TEST_F(HostileFiles, AnythingButAProjectIsNotTouchedThroughALink)
 {
   dir_.write("cut.txt", oneShot);
   const std::vector<std::tuple<std::string, int, std::string>> targets = {
@@ -387,7 +387,7 @@ TEST_F(HostileFiles, WhatIsNoProjectIsNotTouchedThroughALink)
     link("projects/odd.reels", target);
     expectEachError({{"-p", "odd", "list"}, {"-p", "odd", "create", "R1"}, {"-p", "odd", "import", "cut.edl"}}, code,
                     message);
-    expectError({"project", "new", "odd"}, 1, site_ + "projects/odd.reels: exists already");
+    expectError({"project", "new", "odd"}, 1, site_ + "projects/odd.reels: already exists");
   }
 }
 
@@ -426,7 +426,7 @@ TEST_F(HostileFiles, WhatLinksHaveOutsideTheFacilityIsNotOpened)
               site_ + "projects/new.reels: leads out of the facility (to " + outside("new.reels") + ")");
 }
 
-TEST_F(HostileFiles, WhatIsNoRegularFileIsNoProject)
+TEST_F(HostileFiles, AnythingButARegularFileIsNotAProject)
 {
   const std::vector<std::pair<std::string, std::string>> kinds = {{"folder", "a folder"}, {"pipe", "a named pipe"}};
   fs::create_directory(path("projects/folder.reels"));
@@ -434,7 +434,7 @@ TEST_F(HostileFiles, WhatIsNoRegularFileIsNoProject)
   for (const auto& [name, kind] : kinds) {
     const std::string fault = site_ + "projects/" + name + ".reels: not a project (" + kind + ")";
     expectEachError({{"-p", name, "list"}, {"-p", name, "create", "R1"}, {"-p", name, "import", "cut.edl"}}, 3, fault);
-    expectError({"project", "new", name}, 1, site_ + "projects/" + name + ".reels: exists already");
+    expectError({"project", "new", name}, 1, site_ + "projects/" + name + ".reels: already exists");
   }
 }
 
@@ -482,15 +482,15 @@ TEST_F(HostileFiles, LinkInPlaceOfAStateFileIsNotWrittenThrough)
 TEST_F(HostileFiles, ExportWritesThroughALinkOnlyIntoAFileAndOnlyByForce)
 {
   for (const char* device : {"/dev/full", "/dev/zero"}) {
-    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": no regular file (a device)");
+    expectError({"export", "--edl", "-o", device}, 1, std::string(device) + ": not a regular file (a device)");
     link("out", device);
-    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a device)");
+    expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: not a regular file (a device)");
   }
   link("out", outside_.path().native());
-  expectError({"export", "--edl", "-o", "out"}, 1, "out: no regular file (a folder)");
-  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: no regular file (a folder)");
+  expectError({"export", "--edl", "-o", "out"}, 1, "out: not a regular file (a folder)");
+  expectError({"export", "--edl", "-o", "out", "--force"}, 1, "out: not a regular file (a folder)");
   link("out", outside("mine"));
-  expectError({"export", "--edl", "-o", "out"}, 1, "out: exists already (--force replaces it)");
+  expectError({"export", "--edl", "-o", "out"}, 1, "out: already exists (--force replaces it)");
 }
 
 TEST_F(HostileFiles, ExportLeavesALinkThatLeadsToNoFile)
@@ -536,7 +536,7 @@ TEST_F(HostileFiles, FacilityIsMadeNowhereElse)
       const std::string file = std::string("new/") + name;
       fs::create_directories(fs::path(path(file)).parent_path());
       link(file, target);
-      expectError({"init", "new"}, 1, file + ": exists already");
+      expectError({"init", "new"}, 1, file + ": already exists");
       fs::remove_all(path("new"));
     }
 }
@@ -558,13 +558,13 @@ TEST_F(HostileFiles, NameThatCannotBeAProjectsMakesAndFindsNone)
       {"a\x7f", "a\\x7f", "it holds a control character"},
       {"a\xc2\x9b", "a\\u009b", "it holds a control character"}};
   for (const auto& [name, shown, why] : names) {
-    const std::string message = "\"" + shown + "\": no name for a project (" + why + ")";
+    const std::string message = "\"" + shown + "\": not a valid project name (" + why + ")";
     expectEachError({{"-p", name, "list"}, {"-p", name, "create", "R1"}, {"-p", name, "project", "check"}}, 1, message);
     expectError({"project", "new", name}, why == "it holds a control character" ? 2 : 1, message);
   }
 }
 
-TEST_F(HostileFiles, NameThatLeadsOutOfTheLabelMapsNamesNone)
+TEST_F(HostileFiles, NameThatLeadsOutOfTheLabelMapsIsNotALabelMap)
 {
   dir_.write("stray.toml", readFile("labelmaps/pal9pin.toml"));
   const std::string known = ": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, ntsc1394, "
@@ -595,7 +595,7 @@ TEST_F(HostileFiles, OddNameOfAListIsShownWithEscapesEverywhere)
   EXPECT_EQ(reelIds(), (Words{"A001", "B001"}));
   EXPECT_EQ(answer({"export", "--edl", "-o", oddName + "2"}), oddNameShown + "2: 2 shots\n");
   EXPECT_EQ(readFile(oddName + "2"), answer({"export", "--edl"}));
-  expectError({"export", "--edl", "-o", oddName}, 1, oddNameShown + ": exists already (--force replaces it)");
+  expectError({"export", "--edl", "-o", oddName}, 1, oddNameShown + ": already exists (--force replaces it)");
 }
 
 TEST_F(HostileFiles, OddNameOfALabelMapIsShownWithEscapesEverywhere)
@@ -675,7 +675,7 @@ private:
   std::thread thread_; // last: it uses the others
 };
 
-TEST_F(HostileFiles, ListThatGrowsWhileItIsReadGivesAWholeAnswerForItsStart)
+TEST_F(HostileFiles, ListThatGrowsWhileItIsReadIsReportedForItsStart)
 {
   constexpr std::size_t most = 20000;
   std::string list;
@@ -702,7 +702,7 @@ TEST_F(HostileFiles, ListThatGrowsWhileItIsReadGivesAWholeAnswerForItsStart)
                                             reels.begin() + static_cast<std::ptrdiff_t>(count)));
       EXPECT_EQ(report.at("matched"), Words(reels.begin(), reels.begin() + static_cast<std::ptrdiff_t>(known)));
       EXPECT_EQ(report.at("shots_added"), count - known);
-      // Of a line that was not there whole, what was there is told.
+      // An incomplete line is reported as far as it was written.
       const Json& rejected = report.at("rejected");
       EXPECT_EQ(result.code, rejected.empty() ? 0 : 4);
       ASSERT_LE(rejected.size(), 1u);

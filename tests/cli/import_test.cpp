@@ -65,7 +65,7 @@ TEST_F(Import, DefaultTypeThatIsNotListedIsReportedOnceWithTheReelsThatGetIt)
   dir_.write("cut.edl", threeShots);
   dir_.write("more.edl", event(1, "C001", "V", "01:00:00:00", "01:00:01:00"));
   EXPECT_EQ(reeldb({"import", "cut.edl", "more.edl"}).err,
-            "reeldb: Tape 2ch: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+            "reeldb: Tape 2ch: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)\n");
   EXPECT_EQ(reeldb({"import", "cut.edl"}).err, ""); // no reel is made
 }
 
@@ -96,7 +96,7 @@ TEST_F(Import, SameShotTwiceInOneFileIsAddedOnce)
   EXPECT_EQ(report.at("spellings"), Json::parse(R"([{"reel": "A001", "other": "a001"}])"));
 }
 
-TEST_F(Import, RepeatedShotsAreToldFromThoseThatWereThere)
+TEST_F(Import, RepeatedShotsAreCountedApartFromExistingOnes)
 {
   dir_.write("cut.edl", threeShots + event(4, "A001", "V", "01:00:00:00", "01:00:01:00"));
   const std::string start = "cut.edl (edl): 4 clips, ";
@@ -218,7 +218,7 @@ TEST_F(Import, DryRunShowsTheSameReportAndChangesNothing)
             "dry run: there would be nothing new\n");
 }
 
-TEST_F(Import, OddLineIsKeptWithAWarningAndIsNoFailure)
+TEST_F(Import, OddLineIsKeptWithAWarningAndIsNotAFailure)
 {
   const std::string odd = event(1, "A001", "V", "23:59:59:00", "00:00:01:00");
   dir_.write("cut.edl", odd);
@@ -354,12 +354,12 @@ TEST_F(Import, EveryFileThatCannotBeReadIsNamed)
   EXPECT_EQ(result.err, "reeldb: missing.edl: cannot be opened (No such file or directory)\n"
                         "reeldb: noise.edl: neither a cut list (EDL) nor a log file (ALE) (it has no event line and no "
                         "Heading or Column)\n"
-                        "reeldb: import: nothing brought in (2 of 3 files cannot be read)\n");
+                        "reeldb: import: nothing imported (2 of 3 files cannot be read)\n");
   result = reeldb({"import", "--json", "lost.edl", "cut.edl"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "reeldb: lost.edl: cannot be opened (No such file or directory)\n"
-                        "reeldb: import: nothing brought in (1 of 2 files cannot be read)\n");
+                        "reeldb: import: nothing imported (1 of 2 files cannot be read)\n");
   EXPECT_EQ(projectBytes(), before);
 }
 
@@ -382,7 +382,7 @@ TEST_F(Import, NameTheProjectCannotHoldCostsItsLineAndIsNotCut)
   EXPECT_EQ(shots.at(0).at("clip"), fits);
 }
 
-TEST_F(Import, EmptyFileIsNoList)
+TEST_F(Import, EmptyFileIsNotAList)
 {
   dir_.write("empty.edl", "");
   const ProcessResult result = reeldb({"import", "empty.edl"});

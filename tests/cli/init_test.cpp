@@ -62,7 +62,7 @@ TEST_F(Init, ProjectThatCannotBeMadeLeavesNothing)
   const ProcessResult result = reeldb({"init", "site"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
-  EXPECT_NE(result.err.find("site/projects/main.reels: exists already"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("site/projects/main.reels: already exists"), std::string::npos) << result.err;
   std::vector<std::string> left;
   for (const auto& entry : fs::recursive_directory_iterator(path("site")))
     left.push_back(fs::relative(entry.path(), path("site")).string());

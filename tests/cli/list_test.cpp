@@ -93,7 +93,7 @@ TEST_F(ListCommand, ControlCharactersNeverReachTheTable)
   EXPECT_EQ(reel("x\x1b[31m\ny").at("available"), true);
 }
 
-TEST_F(ListCommand, BytesThatAreNoUtf8AreReplacedInJsonAndEscapedInTheTable)
+TEST_F(ListCommand, BytesThatAreNotUtf8AreReplacedInJsonAndEscapedInTheTable)
 {
   output({"create", "odd"});
   respell(path("projects/main.reels"), "odd", "x\xffy");

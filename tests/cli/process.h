@@ -12,8 +12,8 @@
 
 namespace reeldb_tests {
 
-/// How a process is to be run. Its environment holds what is needed to find programs, what sanitizers read, and what
-/// is given here; nothing of the facility or the terminal of whoever runs the tests.
+/// The settings of a process. Its environment contains what is needed to find programs, the variables of sanitizers,
+/// and the variables given here, but not the facility and the terminal of the person who runs the tests.
 struct ProcessSetting {
   std::filesystem::path folder = ".";
   std::map<std::string, std::string> environment;

@@ -68,7 +68,7 @@ TEST_F(ProjectCommand, NameThatIsTakenIsRefused)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
-TEST_F(ProjectCommand, NameThatIsNoFileNameIsRefused)
+TEST_F(ProjectCommand, NameThatIsNotAFileNameIsRefused)
 {
   for (const std::string name : {"", ".", "..", "a/b", "../up", "/abs"}) {
     const ProcessResult result = reeldb({"project", "new", name});
@@ -80,8 +80,8 @@ TEST_F(ProjectCommand, NameThatIsNoFileNameIsRefused)
 TEST_F(ProjectCommand, NameThatCannotBeHandedOnIsAUsageError)
 {
   for (const auto& [name, message] : std::vector<std::pair<std::string, std::string>>{
-           {"a\x1b", "\"a\\x1b\": no name for a project (it holds a control character)"},
-           {"a\xff", "\"a\\xff\": no name for a project (it is not UTF-8)"}}) {
+           {"a\x1b", "\"a\\x1b\": not a valid project name (it holds a control character)"},
+           {"a\xff", "\"a\\xff\": not a valid project name (it is not UTF-8)"}}) {
     const ProcessResult result = reeldb({"project", "new", name});
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(result.err, "reeldb: " + message + "\n");
@@ -102,7 +102,7 @@ TEST_F(ProjectCommand, HintIsReadyToBeTyped)
   EXPECT_EQ(json({"-p", "my film's", "list", "--json"}), Json::array());
 }
 
-TEST_F(ProjectCommand, NewProjectIsNotChangedByThoseWhoRead)
+TEST_F(ProjectCommand, NewProjectIsNotChangedByReaders)
 {
   output({"project", "new", "film"});
   const std::string before = readFile("projects/film.reels");
@@ -131,7 +131,7 @@ TEST_F(ProjectCommand, ListShowsATable)
                                          "main     25    yes\n");
 }
 
-TEST_F(ProjectCommand, ListTellsADamagedProjectAndGoesOn)
+TEST_F(ProjectCommand, ListReportsADamagedProjectAndContinues)
 {
   dir_.write("projects/bad.reels", std::string(50000, 'x'));
   const ProcessResult result = reeldb({"project", "list", "--json"});

@@ -27,7 +27,7 @@ TEST_F(Rename, TakesItsShotsAlongWhateverTheirCase)
   EXPECT_EQ(result.out, "CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
                         "ONE   V       01:00:00:00  01:00:01:00  01:00:00:00  01:00:01:00\n"
                         "TWO   V       02:00:00:00  02:00:01:00  01:00:00:00  01:00:01:00\n"
-                        "A001 is now C001, in 2 shots too\n");
+                        "A001 is now C001, also in 2 shots\n");
   EXPECT_EQ(reelIds(), (Words{"C001", "B001"}));
   EXPECT_EQ(reel("C001").at("shots"), 2);
   EXPECT_EQ(reel("B001").at("shots"), 1);
@@ -50,7 +50,7 @@ TEST_F(Rename, DryRunChangesNothing)
   const std::string before = readFile("projects/main.reels");
   const ProcessResult result = reeldb({"rename", "--dry-run", "A001", "C001"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_NE(result.out.find("A001 would be C001, in 2 shots too\ndry run: the project stays as it was\n"),
+  EXPECT_NE(result.out.find("A001 would be C001, also in 2 shots\ndry run: the project stays as it was\n"),
             std::string::npos)
       << result.out;
   EXPECT_NE(result.out.find("\nONE   V       01:00:00:00"), std::string::npos) << result.out;
@@ -79,13 +79,13 @@ TEST_F(Rename, OtherSpellingOfItsOwnNameIsTaken)
 
 TEST_F(Rename, SameNameChangesNothing)
 {
-  EXPECT_EQ(output({"rename", "A001", "A001"}), "A001: is called that already\n");
+  EXPECT_EQ(output({"rename", "A001", "A001"}), "A001: already has this name\n");
 }
 
 TEST_F(Rename, NameOfAnotherReelIsRefused)
 {
-  expectRefusal({"rename", "A001", "b001"}, "\"B001\": exists already");
-  expectRefusal({"rename", "A001", " B001 "}, "\"B001\": exists already");
+  expectRefusal({"rename", "A001", "b001"}, "\"B001\": already exists");
+  expectRefusal({"rename", "A001", " B001 "}, "\"B001\": already exists");
 }
 
 TEST_F(Rename, UnknownReelIsRefused)
@@ -93,21 +93,22 @@ TEST_F(Rename, UnknownReelIsRefused)
   expectRefusal({"rename", "X", "Y"}, "X: no such reel");
 }
 
-TEST_F(Rename, NameThatMakesNoSenseIsRefused)
+TEST_F(Rename, InvalidNameIsRefused)
 {
-  expectRefusal({"rename", "A001", ""}, "\"\": no name for a reel (it is blank)");
-  expectRefusal({"rename", "A001", "  "}, "\"  \": no name for a reel (it is blank)");
-  expectRefusal({"rename", "A001", "A*"}, "\"A*\": no name for a reel (a star denotes generated material)");
+  expectRefusal({"rename", "A001", ""}, "\"\": not a valid reel name (it is blank)");
+  expectRefusal({"rename", "A001", "  "}, "\"  \": not a valid reel name (it is blank)");
+  expectRefusal({"rename", "A001", "A*"}, "\"A*\": not a valid reel name (a star denotes generated material)");
   const std::string prefix(79, 'x');
   expectRefusal({"rename", "A001", std::string(2048, 'x')},
-                "\"" + prefix + "\xe2\x80\xa6\": no name for a reel (it has 2048 bytes, 2047 are the most)");
+                "\"" + prefix + "\xe2\x80\xa6\": not a valid reel name (it has 2048 bytes; at most 2047)");
 }
 
 TEST_F(Rename, NameThatCannotBeHandedOnIsAUsageError)
 {
-  expectRefusal({"rename", "A001", "A\x1b"}, "\"A\\x1b\": no name for a reel (it holds a control character)", 2);
-  expectRefusal({"rename", "A001", "A\xff"}, "\"A\\xff\": no name for a reel (it is not UTF-8)", 2);
-  expectRefusal({"rename", "--dry-run", "A001", "\n"}, "\"\\n\": no name for a reel (it holds a control character)", 2);
+  expectRefusal({"rename", "A001", "A\x1b"}, "\"A\\x1b\": not a valid reel name (it holds a control character)", 2);
+  expectRefusal({"rename", "A001", "A\xff"}, "\"A\\xff\": not a valid reel name (it is not UTF-8)", 2);
+  expectRefusal({"rename", "--dry-run", "A001", "\n"}, "\"\\n\": not a valid reel name (it holds a control character)",
+                2);
 }
 
 TEST_F(Rename, ReelOfAnOddNameIsFoundAndGetsAnother)
@@ -115,7 +116,7 @@ TEST_F(Rename, ReelOfAnOddNameIsFoundAndGetsAnother)
   respell(path("projects/main.reels"), "B001", "b\x1b\xff");
   const ProcessResult result = reeldb({"rename", "B\x1b\xff", "C001"});
   EXPECT_EQ(result.code, 0) << result.err;
-  EXPECT_NE(result.out.find("\nb\\x1b\\xff is now C001, in 1 shot too\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("\nb\\x1b\\xff is now C001, also in 1 shot\n"), std::string::npos) << result.out;
   EXPECT_EQ(reelIds(), (Words{"A001", "C001"}));
 }
 
@@ -131,7 +132,7 @@ TEST_F(Rename, LibrarysOwnLinesAreEscapedToo)
 TEST_F(Rename, NameThatCutListsUseForNoReelIsTakenWithAWarning)
 {
   const std::string warning =
-      "reeldb: BARS: taken all the same, but no import will mean this reel by it (in cut lists it means: colour "
+      "reeldb: BARS: accepted, but no import will find this reel by its name (its meaning in cut lists: colour "
       "bars)\n";
   EXPECT_EQ(reeldb({"rename", "--dry-run", "B001", "BARS"}).err, warning);
   const ProcessResult result = reeldb({"rename", "B001", "BARS"});

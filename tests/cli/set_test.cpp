@@ -32,7 +32,7 @@ protected:
 TEST_F(Set, ReportsWhatChangedAndWhatWasAlreadySo)
 {
   EXPECT_EQ(output({"set", "a001", "bin=Shelf 4", "available=yes", "inhibit=on"}), "A001: bin: Shelf 4 (was -)\n"
-                                                                                   "A001: available: yes (already so)\n"
+                                                                                   "A001: available: yes (unchanged)\n"
                                                                                    "A001: inhibit: yes (was no)\n");
   EXPECT_EQ(json({"set", "A001", "bin=Shelf 4", "inhibit=no", "--json"}), Json::parse(R"({
     "id": "A001",
@@ -44,7 +44,7 @@ TEST_F(Set, NothingToChangeLeavesTheProjectFileAlone)
 {
   output({"set", "A001", "bin=x"});
   const std::string before = readFile("projects/main.reels");
-  EXPECT_EQ(output({"set", "A001", "bin=x"}), "A001: bin: x (already so)\n");
+  EXPECT_EQ(output({"set", "A001", "bin=x"}), "A001: bin: x (unchanged)\n");
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
@@ -64,7 +64,7 @@ TEST_F(Set, TypeThatIsNotListedIsStoredWithAWarning)
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "A001: type: Betacam (was -)\n");
   EXPECT_EQ(result.err,
-            "reeldb: Betacam: not in the reel type catalogue (stored all the same; reeldb type list lists what is)\n");
+            "reeldb: Betacam: not in the reel type catalogue (stored anyway; reeldb type list shows the catalogue)\n");
   EXPECT_EQ(reel("A001").at("type"), "Betacam");
 }
 
@@ -139,14 +139,14 @@ TEST_F(Set, NameThatTwoUserFieldsHaveIsRefused)
   dir_.write(
       "facility.toml",
       "[facility]\ndefault_project = \"main\"\n[system]\nreel_userfield0 = \"Scene\"\nreel_userfield3 = \"scene\"\n");
-  expectRefusal(1, {"Scene=x"}, "Scene: two user fields are called that (say user-field.0 or user-field.3 instead)\n");
+  expectRefusal(1, {"Scene=x"}, "Scene: two user fields have this name (use user-field.0 or user-field.3 instead)\n");
 }
 
 TEST_F(Set, LastDeviceMustBeADevice)
 {
   const Json devices = json({"device", "list", "--json"});
   const std::string name = devices.at(0).at("name");
-  expectRefusal(1, {"last-device=Nope"}, "last-device: no device is called \"Nope\" (this facility has: ");
+  expectRefusal(1, {"last-device=Nope"}, "last-device: no device has the name \"Nope\" (this facility has: ");
   output({"set", "A001", "last-device=" + name});
   EXPECT_EQ(reel("A001").at("last_device"), name);
   // Without a listed type the device says how many channels there are to be.
@@ -193,7 +193,7 @@ TEST_F(Set, LabelMapThatCannotBeReadIsStoredWithAWarning)
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out, "A001: label-map: nope (was -)\n");
   EXPECT_EQ(result.err, "reeldb: \"nope\": no such label map (this facility has: 24f1394, 24f9pin, 24ftofd, nts9pin, "
-                        "ntsc1394, ntstofd, pal1394, pal9pin, paltofd); stored all the same\n");
+                        "ntsc1394, ntstofd, pal1394, pal9pin, paltofd); stored anyway\n");
   EXPECT_EQ(reel("A001").at("label_mapping"), "nope");
   dir_.write("labelmaps/bad.toml", "x =");
   result = reeldb({"set", "A001", "label-map=bad"});
@@ -203,11 +203,11 @@ TEST_F(Set, LabelMapThatCannotBeReadIsStoredWithAWarning)
     EXPECT_EQ(reeldb({"set", "A001", "label-map=" + good}).err, "") << good;
 }
 
-TEST_F(Set, TextThatTheLibraryReadsAsNoneIsWarnedOf)
+TEST_F(Set, TextThatTheLibraryReadsAsNoValueIsWarnedAbout)
 {
   ProcessResult result = reeldb({"set", "A001", "bin=default", "label-map=unknown"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_EQ(result.err, "reeldb: bin: \"default\" stands for none\nreeldb: label-map: \"unknown\" stands for none\n");
+  EXPECT_EQ(result.err, "reeldb: bin: \"default\" means no value\nreeldb: label-map: \"unknown\" means no value\n");
   EXPECT_EQ(reel("A001").at("bin"), "");
   EXPECT_EQ(reel("A001").at("label_mapping"), "");
   EXPECT_EQ(reeldb({"set", "A001", "bin=unknown"}).err, "");
@@ -217,16 +217,15 @@ TEST_F(Set, TextThatTheLibraryReadsAsNoneIsWarnedOf)
 TEST_F(Set, LabelMapWhoseNameTheLibraryCannotFindIsWarnedOf)
 {
   std::filesystem::copy_file(path("labelmaps/pal9pin.toml"), path("labelmaps/caf\xc3\xa9.toml"));
-  EXPECT_EQ(
-      reeldb({"set", "A001", "label-map=caf\xc3\xa9"}).err,
-      "reeldb: \"caf\xc3\xa9\": stored all the same, but a reel's label map is only found when its name is ASCII\n");
+  EXPECT_EQ(reeldb({"set", "A001", "label-map=caf\xc3\xa9"}).err,
+            "reeldb: \"caf\xc3\xa9\": stored anyway, but a reel's label map is only found if its name is ASCII\n");
 }
 
 TEST_F(Set, ValueThatWouldBeCutIsRefused)
 {
   output({"set", "A001", "bin=" + std::string(2047, 'b')});
   EXPECT_EQ(reel("A001").at("bin"), std::string(2047, 'b'));
-  expectRefusal(1, {"bin=" + std::string(2048, 'c')}, "bin: value too long (it has 2048 bytes, 2047 are the most)\n");
+  expectRefusal(1, {"bin=" + std::string(2048, 'c')}, "bin: value too long (2048 bytes; at most 2047)\n");
 }
 
 TEST_F(Set, UnknownReelIsRefused)

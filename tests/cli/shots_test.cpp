@@ -76,7 +76,7 @@ TEST_F(ReelsOf, ClipNamesFindTheirReelsInAnyCase)
     {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf"}])"));
 }
 
-TEST_F(ReelsOf, ListTellsWhatIsMissingUnavailableOrOfUnknownType)
+TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
 {
   dir_.write("online.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                                event(2, "B001", "V", "01:00:00:00", "01:00:01:00") +
@@ -97,14 +97,14 @@ TEST_F(ReelsOf, ListTellsWhatIsMissingUnavailableOrOfUnknownType)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
-TEST_F(ReelsOf, EverythingThatIsWrongWithAReelIsTold)
+TEST_F(ReelsOf, AllTroublesOfAReelAreReported)
 {
   output({"set", "B001", "available=no"});
   dir_.write("online.edl", event(1, "B001", "V", "01:00:00:00", "01:00:01:00"));
   EXPECT_EQ(json({"reels-of", "--json", "--file", "online.edl"}).at(0).at("state"), "unavailable, unknown type");
 }
 
-TEST_F(ReelsOf, SourcesOfAListThatAreNoReelAreTold)
+TEST_F(ReelsOf, SourcesOfAListThatAreNotReelsAreReported)
 {
   dir_.write("online.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                                event(2, "BL", "V", "00:00:00:00", "00:00:01:00") +
@@ -113,13 +113,13 @@ TEST_F(ReelsOf, SourcesOfAListThatAreNoReelAreTold)
   const ProcessResult result = reeldb({"reels-of", "--json", "--file", "online.edl"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(Json::parse(result.out).size(), 1u);
-  EXPECT_NE(result.err.find("reeldb: online.edl: BL: no reel (black; 1 clip, line 2)\n"), std::string::npos)
+  EXPECT_NE(result.err.find("reeldb: online.edl: BL: not a reel (black; 1 clip, line 2)\n"), std::string::npos)
       << result.err;
   EXPECT_NE(result.err.find("reeldb: online.edl: AX: no reel (AX without a clip name or source file; 1 clip, line "
                             "3)\n"),
             std::string::npos)
       << result.err;
-  EXPECT_NE(result.err.find("reeldb: online.edl: A*1: no reel (a star denotes internally generated material; "
+  EXPECT_NE(result.err.find("reeldb: online.edl: A*1: not a reel (a star denotes internally generated material; "
                             "1 clip, line 4)\n"),
             std::string::npos)
       << result.err;
@@ -132,11 +132,11 @@ TEST_F(ReelsOf, ReelFindsItsOwnShots)
 
 TEST_F(ReelsOf, NothingFoundIsRefused)
 {
-  EXPECT_EQ(reeldb({"reels-of", "no such clip"}).err, "reeldb: no such clip: no shot is called that\n");
+  EXPECT_EQ(reeldb({"reels-of", "no such clip"}).err, "reeldb: no such clip: no shot has this clip name\n");
   EXPECT_EQ(reeldb({"reels-of", "no such clip"}).code, 1);
   const ProcessResult result = reeldb({"reels-of", "--reel", "EMPTY"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: EMPTY: no shot was recorded from it\n");
+  EXPECT_EQ(result.err, "reeldb: EMPTY: no shot was recorded from this reel\n");
   EXPECT_EQ(reeldb({"reels-of", "--reel", "X"}).err, "reeldb: X: no such reel\n");
 }
 
@@ -145,23 +145,23 @@ TEST_F(ReelsOf, EmptyNameIsAUsageError)
   // B001's shot has no name.
   ProcessResult result = reeldb({"reels-of", ""});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(result.err, "reeldb: reels-of: \"\" is no name of a clip\n");
+  EXPECT_EQ(result.err, "reeldb: reels-of: \"\": not a clip name\n");
   EXPECT_EQ(reeldb({"reels-of", "KITCHEN WIDE", ""}).code, 2);
   result = reeldb({"reels-of", "--reel", ""});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(result.err, "reeldb: reels-of: \"\" is no reel\n");
+  EXPECT_EQ(result.err, "reeldb: reels-of: \"\": not a reel\n");
 }
 
-TEST_F(ReelsOf, ListWithoutAClipTellsItsRejectedLinesAndThatNothingIsThere)
+TEST_F(ReelsOf, ListWithoutAClipReportsItsRejectedLinesAndThatItHasNoReel)
 {
   dir_.write("bad.edl", "TITLE: x\n" + event(1, "BL", "V", "01:00:00:00", "01:00:01:00") +
                             "002  C001  V  C  01:00:99:00 01:00:01:00 01:00:00:00 01:00:01:00\n");
   const ProcessResult result = reeldb({"reels-of", "--file", "bad.edl"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.out, "");
-  EXPECT_EQ(result.err.find("reeldb: bad.edl: BL: no reel (black; 1 clip, line 2)\n"), 0u) << result.err;
+  EXPECT_EQ(result.err.find("reeldb: bad.edl: BL: not a reel (black; 1 clip, line 2)\n"), 0u) << result.err;
   EXPECT_NE(result.err.find("\nreeldb: bad.edl: line 3 rejected:"), std::string::npos) << result.err;
-  EXPECT_NE(result.err.find("\nreeldb: bad.edl: no clip in it has a reel\n"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find("\nreeldb: bad.edl: none of its clips has a reel\n"), std::string::npos) << result.err;
 }
 
 TEST_F(ReelsOf, OneSourceMustBeGiven)
@@ -169,7 +169,7 @@ TEST_F(ReelsOf, OneSourceMustBeGiven)
   EXPECT_EQ(reeldb({"reels-of"}).code, 2);
   const ProcessResult result = reeldb({"reels-of", "clip", "--reel", "A001"});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(result.err, "reeldb: reels-of: only one of these at a time: clip names, --reel ID, --file LIST\n");
+  EXPECT_EQ(result.err, "reeldb: reels-of: use only one of clip names, --reel ID and --file LIST\n");
 }
 
 TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)

@@ -61,7 +61,7 @@ TEST_F(Show, JsonHoldsNothingThatSteersATerminal)
   EXPECT_EQ(Json::parse(text).at("id"), "a\xc2\x9b\xe2\x80\xae");
 }
 
-TEST_F(Show, TellsWhetherTypeIsKnownAndTheReelIsLive)
+TEST_F(Show, ReportsWhetherTheTypeIsKnownAndTheReelIsLive)
 {
   output({"set", "A001", "type=Live"});
   Json shown = json({"show", "--json", "A001"});

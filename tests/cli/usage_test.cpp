@@ -20,65 +20,63 @@ protected:
 
 TEST_F(Usage, NoCommandIsAnError)
 {
-  expectUsageError({}, "no command given (reeldb --help tells more)");
-  expectUsageError({"-p", "main"}, "no command given (reeldb --help tells more)");
+  expectUsageError({}, "no command given (see reeldb --help)");
+  expectUsageError({"-p", "main"}, "no command given (see reeldb --help)");
 }
 
 TEST_F(Usage, UnknownCommandIsNamed)
 {
-  expectUsageError({"lsit"}, "\"lsit\": no such command (perhaps list; reeldb --help tells more)");
-  expectUsageError({"project", "lsit"},
-                   "project: \"lsit\": no such command (perhaps list; reeldb project --help tells more)");
-  expectUsageError({"project"}, "project: no command given (reeldb project --help tells more)");
+  expectUsageError({"lsit"}, "\"lsit\": no such command (perhaps list; see reeldb --help)");
+  expectUsageError({"project", "lsit"}, "project: \"lsit\": no such command (perhaps list; see reeldb project --help)");
+  expectUsageError({"project"}, "project: no command given (see reeldb project --help)");
 }
 
-TEST_F(Usage, UnknownCommandIsNotTakenForAQuestion)
+TEST_F(Usage, UnknownCommandIsNotReadAsAQuestion)
 {
   for (const Words& words : std::vector<Words>{{"nosuch", "--help"}, {"nosuch", "-h"}, {"--help", "nosuch"}}) {
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 2);
     EXPECT_EQ(result.out, "");
-    EXPECT_EQ(result.err, "reeldb: \"nosuch\": no such command (reeldb --help tells more)\n");
+    EXPECT_EQ(result.err, "reeldb: \"nosuch\": no such command (see reeldb --help)\n");
   }
   EXPECT_EQ(reeldb({"project", "nosuch", "--help"}).err,
-            "reeldb: project: \"nosuch\": no such command (reeldb project --help tells more)\n");
+            "reeldb: project: \"nosuch\": no such command (see reeldb project --help)\n");
 }
 
 TEST_F(Usage, MistypedCommandIsGuessed)
 {
   EXPECT_EQ(reeldb({"improt", "x.edl"}).err,
-            "reeldb: \"improt\": no such command (perhaps import; reeldb --help tells more)\n");
+            "reeldb: \"improt\": no such command (perhaps import; see reeldb --help)\n");
   EXPECT_EQ(reeldb({"labelmap", "list"}).err,
-            "reeldb: \"labelmap\": no such command (perhaps label-map; reeldb --help tells more)\n");
+            "reeldb: \"labelmap\": no such command (perhaps label-map; see reeldb --help)\n");
   EXPECT_EQ(reeldb({"project", "chek"}).err,
-            "reeldb: project: \"chek\": no such command (perhaps check; reeldb project --help tells more)\n");
+            "reeldb: project: \"chek\": no such command (perhaps check; see reeldb project --help)\n");
 }
 
 TEST_F(Usage, UnknownOptionIsNamed)
 {
-  expectUsageError({"--versoin"}, "\"--versoin\": no such option (reeldb --help tells more)");
-  expectUsageError({"list", "--jsom"}, "list: \"--jsom\": not expected here (reeldb list --help tells more)");
-  expectUsageError({"--bad", "list"}, "list: \"--bad\": not expected here (reeldb list --help tells more)");
-  expectUsageError({"--json", "list"},
-                   "list: \"--json\": not expected before the command (reeldb list --help tells more)");
+  expectUsageError({"--versoin"}, "\"--versoin\": no such option (see reeldb --help)");
+  expectUsageError({"list", "--jsom"}, "list: \"--jsom\": not expected here (see reeldb list --help)");
+  expectUsageError({"--bad", "list"}, "list: \"--bad\": not expected here (see reeldb list --help)");
+  expectUsageError({"--json", "list"}, "list: \"--json\": not expected before the command (see reeldb list --help)");
 }
 
 TEST_F(Usage, ArgumentTooManyIsNamed)
 {
-  expectUsageError({"show", "R1", "R2"}, "show: \"R2\": not expected here (reeldb show --help tells more)");
+  expectUsageError({"show", "R1", "R2"}, "show: \"R2\": not expected here (see reeldb show --help)");
   expectUsageError({"project", "new", "a", "b"},
-                   "project new: \"b\": not expected here (reeldb project new --help tells more)");
+                   "project new: \"b\": not expected here (see reeldb project new --help)");
 }
 
 TEST_F(Usage, MissingArgumentIsNamed)
 {
-  expectUsageError({"show"}, "show: ID is required (reeldb show --help tells more)");
-  expectUsageError({"import", "--json"}, "import: FILE is required (reeldb import --help tells more)");
+  expectUsageError({"show"}, "show: ID is required (see reeldb show --help)");
+  expectUsageError({"import", "--json"}, "import: FILE is required (see reeldb import --help)");
 }
 
 TEST_F(Usage, OptionWithoutValueIsNamed)
 {
-  expectUsageError({"list", "-p"}, "list: --project: a value is missing (reeldb list --help tells more)");
+  expectUsageError({"list", "-p"}, "list: --project: a value is missing (see reeldb list --help)");
 }
 
 TEST_F(Usage, ProjectMayBeGivenWithAnEqualsSign)
@@ -92,13 +90,12 @@ TEST_F(Usage, ProjectMayBeGivenWithAnEqualsSign)
 TEST_F(Usage, OptionGivenTwiceIsNamed)
 {
   expectUsageError({"list", "-C", ".", "-C", "."}, "list: -C: given more than once (-C DIR names the facility)");
-  expectUsageError({"list", "-p", "a", "-p", "b"},
-                   "list: --project: given more than once (reeldb list --help tells more)");
+  expectUsageError({"list", "-p", "a", "-p", "b"}, "list: --project: given more than once (see reeldb list --help)");
 }
 
 TEST_F(Usage, ControlCharactersOfAnArgumentAreEscaped)
 {
-  expectUsageError({"a\x1b[2J\n"}, "\"a\\x1b[2J\\n\": no such command (reeldb --help tells more)");
+  expectUsageError({"a\x1b[2J\n"}, "\"a\\x1b[2J\\n\": no such command (see reeldb --help)");
 }
 
 TEST_F(Usage, IdentifiersThatLookLikeSyntaxComeThroughByteForByte)
@@ -133,7 +130,7 @@ TEST_F(Usage, ProjectThatIsNotThereIsRefusedWithThoseThatAre)
   EXPECT_EQ(result.err, "reeldb: nope: no such project (this facility has: main, other)\n");
 }
 
-TEST_F(Usage, ProjectNameThatIsNoFileNameIsRefused)
+TEST_F(Usage, ProjectNameThatIsNotAFileNameIsRefused)
 {
   for (const std::string name : {"../main", "a/b", ".", "..", ""}) {
     const ProcessResult result = reeldb({"list", "-p", name});
@@ -142,7 +139,7 @@ TEST_F(Usage, ProjectNameThatIsNoFileNameIsRefused)
   }
 }
 
-TEST_F(Usage, StandardOutputThatTakesNothingIsTold)
+TEST_F(Usage, StandardOutputThatCannotBeWrittenIsReported)
 {
   ProcessSetting full = setting_;
   full.outputFile = "/dev/full";
@@ -151,7 +148,7 @@ TEST_F(Usage, StandardOutputThatTakesNothingIsTold)
   EXPECT_EQ(result.err, "reeldb: standard output: cannot be written (No space left on device)\n");
 }
 
-TEST_F(Usage, FailureOfStandardOutputIsToldOnceAndNothingIsSaidOfChangesThatWereNotMade)
+TEST_F(Usage, FailureOfStandardOutputIsReportedOnceWithoutChangesThatWereNotMade)
 {
   output({"create", "R1"});
   ProcessSetting full = setting_;
@@ -169,7 +166,7 @@ TEST_F(Usage, FailureOfStandardOutputIsToldOnceAndNothingIsSaidOfChangesThatWere
                                                {"device", "live", "1"}}) {
     const ProcessResult result = reeldb(words, full);
     EXPECT_EQ(result.code, 3) << words[0];
-    EXPECT_EQ(result.err, lost + "; the changes are stored all the same)\n") << words[0];
+    EXPECT_EQ(result.err, lost + "; the changes are stored anyway)\n") << words[0];
   }
 }
 

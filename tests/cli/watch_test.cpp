@@ -49,7 +49,7 @@ protected:
   std::optional<RunningProcess> watcher_;
 };
 
-TEST_F(Watch, HearsOfOtherProcessesCommitsAndKeepsNobodyWaiting)
+TEST_F(Watch, ReportsCommitsOfOtherProcessesAndKeepsNobodyWaiting)
 {
   output({"create", "R1"});
   watch();
@@ -57,7 +57,7 @@ TEST_F(Watch, HearsOfOtherProcessesCommitsAndKeepsNobodyWaiting)
   expectSaid("new R2\ndatabase\n");
 }
 
-TEST_F(Watch, TellsWhatChangedAndWhatIsGone)
+TEST_F(Watch, ReportsChangedAndDeletedReels)
 {
   output({"create", "R1"});
   watch();
@@ -67,7 +67,7 @@ TEST_F(Watch, TellsWhatChangedAndWhatIsGone)
   expectSaid("changed R1\ndatabase\ngone R1\ndatabase\n");
 }
 
-TEST_F(Watch, TellsOfARenamedReelAsTheSameOne)
+TEST_F(Watch, ReportsARenamedReelAsTheSameReel)
 {
   output({"create", "R1"});
   EXPECT_EQ(watchInJson([this] {

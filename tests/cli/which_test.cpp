@@ -46,7 +46,7 @@ TEST_F(Which, NameInOtherCaseIsTheReelThatDiffersInCase)
                                        "B001 is B001\n");
 }
 
-TEST_F(Which, CutNameOfASourceTableIsToldWithBothReasons)
+TEST_F(Which, CutNameOfASourceTableIsReportedWithBothReasons)
 {
   EXPECT_EQ(json({"which", "A021C012", "--json"}),
             Json::parse(R"({"name": "A021C012", "reel": "A021C012_210609_H1KV", "candidates": [
@@ -74,7 +74,7 @@ TEST_F(Which, OldNameFindsTheReelAfterEveryRename)
   EXPECT_EQ(json({"which", "D001", "--json"}).at("candidates").at(0).at("reasons"), Words{"case"});
 }
 
-TEST_F(Which, NameThatCameBackIsNoOldName)
+TEST_F(Which, CurrentNameIsNotAnOldName)
 {
   for (const Words& names : {Words{"B001", "C001"}, Words{"C001", "B001"}})
     ASSERT_EQ(reeldb({"rename", names[0], names[1]}).code, 0);
@@ -117,8 +117,8 @@ TEST_F(Which, NothingFoundIsRefusedAndNamesWhatIsSimilar)
 
 TEST_F(Which, NameThatMeansNoReelInListsSaysWhat)
 {
-  expectRefusal({"which", "bl"}, "bl: no reel goes by that name (in lists it means: black)");
-  expectRefusal({"which", "AX"}, "AX: no reel goes by that name (in lists it means: a source without a tape)");
+  expectRefusal({"which", "bl"}, "bl: no reel has this name (its meaning in lists: black)");
+  expectRefusal({"which", "AX"}, "AX: no reel has this name (its meaning in lists: a source without a tape)");
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# plain_words_test.sh SOURCE_DIR: fails when the comments of a public header or a document use a form of the word list in
-# CONTRIBUTING.md. First it plants every form in a tree of its own, and fails when it does not find one there.
+# plain_words_test.sh SOURCE_DIR: fails if a document, a comment, a message, a help text or the name of a test case uses a
+# form of the word list in CONTRIBUTING.md. First it plants every form in a tree of its own, and fails if it does not find
+# one there.
 set -eu
 source=$(cd "$1" && pwd)
 here=$(cd "$(dirname "$0")" && pwd)
@@ -30,28 +31,93 @@ forms() {
 EOF
 }
 
-# The prose of the files, a line "FILE:NUMBER: TEXT" for each. A line begins with the end of the line before it, since a
-# form may be broken there. Of a header this is the comments. Code, and text in quotes, is left out.
+# The prose of the files, a line "FILE:NUMBER: TEXT" for each:
+# - of documents everything but code and text in backquotes or quotes,
+# - of sources the comments without text in quotes, the names of test cases, and in the rooms with messages the literals,
+# - of scripts and build files the comments.
+# The text begins with the end of the line before it, since a form may be broken there.
 prose() {
   awk '
-    FNR == 1 { carry = ""; block = 0 }
-    FILENAME ~ /\.md$/ && /^ *```/ { block = !block; next }
-    block { next }
-    {
-      text = $0
-      if (FILENAME !~ /\.md$/) {
-        if (!match(text, /\/\/+<?/)) { carry = ""; next }
-        text = substr(text, RSTART + RLENGTH)
-      }
-      gsub(/`[^`]*`/, "CODE", text)
-      gsub(/"[^"]*"/, "QUOTE", text)
+    function tail(text, words, count, i, end) {
+      count = split(text, words, " ")
+      for (i = count > 3 ? count - 2 : 1; i <= count; ++i)
+        end = end words[i] " "
+      return end
+    }
+    function put(text) {
+      gsub(/`[^`]*`|@p [A-Za-z_]+/, "CODE", text)
       gsub(/[ \t]+/, " ", text)
       sub(/^[ \/]+/, "", text)
       print FILENAME ":" FNR ": " carry text
-      count = split(text, words, " ")
+      carry = tail(text)
+    }
+    # The literals of a line of code, outside of its comment. A raw literal may go on over several lines.
+    function literals(line, found, at) {
+      if (raw) {
+        at = index(line, ")\"")
+        raw = !at
+        return at ? substr(line, 1, at - 1) : line
+      }
+      while (match(line, /"([^"\\]|\\.)*"|\047([^\047\\]|\\.)\047|\/\//)) {
+        if (substr(line, RSTART, 2) == "//")
+          break
+        if (substr(line, RSTART - 1, 3) == "R\"(" && !index(substr(line, RSTART), ")\"")) {
+          raw = 1
+          return found substr(line, RSTART + 2)
+        }
+        if (substr(line, RSTART, 1) == "\"")
+          found = found substr(line, RSTART + 1, RLENGTH - 2)
+        line = substr(line, RSTART + RLENGTH)
+      }
+      if (match(line, /R"\(/) && !index(substr(line, RSTART), ")\"")) {
+        raw = 1
+        found = found substr(line, RSTART + 3)
+      }
+      gsub(/\\n/, " ", found)
+      gsub(/\\"/, "\047", found)
+      return found
+    }
+    FNR == 1 { carry = ""; block = 0; raw = 0; messages = FILENAME ~ /^(app|base|cli|lists|standalone|tools)\// }
+    FILENAME == "CONTRIBUTING.md" && /^\|/ { next } # the word list itself
+    FILENAME ~ /\.md$/ {
+      if (/^ *```/) block = !block
+      else if (!block) {
+        text = $0
+        gsub(/"[^"]*"/, "QUOTE", text)
+        put(text)
+      }
+      next
+    }
+    FILENAME !~ /\.(h|c|cpp)$/ {
+      if (!match($0, /(^|[ \t])#+[ \t]/)) { carry = ""; next }
+      text = substr($0, RSTART + RLENGTH)
+      gsub(/"[^"]*"/, "QUOTE", text)
+      put(text)
+      next
+    }
+    match($0, /TEST(_[FP])?\([A-Za-z0-9_]+, *[A-Za-z0-9_]+/) {
+      text = substr($0, RSTART, RLENGTH)
+      sub(/.*, */, "", text)
+      gsub(/[A-Z]/, " &", text)
       carry = ""
-      for (i = count > 3 ? count - 2 : 1; i <= count; ++i)
-        carry = carry words[i] " "
+      put(text)
+      carry = ""
+    }
+    {
+      comment = !raw && match($0, /(^|[ \t])(\/\/+<?|\/\*+|\*) /) ? substr($0, RSTART + RLENGTH) : ""
+      whole = comment != "" && substr($0, 1, RSTART) !~ /[^ \t\/*]/
+      if (!whole) carry = messages && wasText ? carry : ""
+      wasText = 0
+      if (messages && !whole && (text = literals($0)) != "") {
+        put(text)
+        wasText = 1
+      }
+      if (comment != "") {
+        if (!whole) carry = ""
+        gsub(/"[^"]*"/, "QUOTE", comment)
+        put(comment)
+        if (!whole) carry = ""
+      }
     }' "$@"
 }
 
@@ -59,8 +125,10 @@ prose() {
 check() {
   (
     cd "$1"
-    files=$(find include src/host standalone/reelhost base app lists README.md docs \
-      \( -name '*.h' -o -name '*.md' \) -type f | LC_ALL=C sort)
+    files=$(find . \( -name build -o -name '.?*' -o -name corpus -o -name findings \) -prune -o -type f \
+      \( -name '*.md' -o -name '*.h' -o -name '*.c' -o -name '*.cpp' -o -name '*.sh' -o -name '*.py' -o -name '*.cmake' \
+      -o -name CMakeLists.txt -o -name Makefile \) -print | sed 's|^\./||' | grep -v '^tests/docs/plain_words_test.sh$' |
+      LC_ALL=C sort)
     # shellcheck disable=SC2086 # a list of words
     prose $files >"$work/prose"
     : >"$work/found"
@@ -90,55 +158,69 @@ fail() {
 
 # The self-test.
 tree=$work/tree
-mkdir -p "$tree/include" "$tree/src/host" "$tree/standalone/reelhost" "$tree/base" "$tree/app" "$tree/lists" "$tree/docs"
 none=$work/none
 : >"$none"
-{
-  echo '/// Whether there is none. A reel that is no longer there.'
-  # shellcheck disable=SC2016 # the backquotes are text
-  echo 'int answer; // returns "it tells" and `anew`'
-} >"$tree/include/clean.h"
-{
-  # shellcheck disable=SC2016
-  echo 'The message is `that is no project`.'
-  echo '```console'
-  echo '$ whoever'
-  echo '```'
-} >"$tree/README.md"
+in_tree() { # in_tree FILE: standard input becomes the file
+  mkdir -p "$tree/$(dirname "$1")"
+  cat >"$tree/$1"
+}
+in_tree include/clean.h <<'EOF'
+/// Whether there is none. A reel that is no longer there. Returns @p answer.
+int answer; // returns "it tells" and `anew`
+EOF
+in_tree src/clean.cpp <<'EOF'
+print("whoever"); // texts of the library are not changed
+EOF
+in_tree README.md <<'EOF'
+The message is `that is no project`.
+```console
+$ whoever
+```
+EOF
 found=$(check "$tree" "$none")
 [ -z "$found" ] || fail "found in a clean tree: $found"
+
+places='docs/x.md include/x.h src/x.cpp tests/x.cpp examples/x.c cli/literal.cpp cli/raw.cpp scripts/x.sh
+  app/CMakeLists.txt'
+line_in() { # line_in PLACE WORDS: the words as a line of that place
+  case $1 in
+    *.md | */raw.cpp) echo "$2" ;;
+    */literal.cpp) echo "  print(\"$2 \"" ;;
+    *.h | *.c | *.cpp) echo "  /// $2" ;;
+    *) echo "# $2" ;;
+  esac
+}
+plant() { # plant WORDS...: writes one line for each argument into every place
+  for place in $places; do
+    {
+      [ "$place" != cli/raw.cpp ] || printf '  print(R"('
+      for words in "$@"; do line_in "$place" "$words"; done
+    } | in_tree "$place"
+  done
+}
+found_in() { # found_in PLACES WHAT: fails unless the check reports each of the places
+  check "$tree" "$none" >"$work/reported"
+  for place in $1; do
+    grep -q "^$place:" "$work/reported" || fail "not found in $place: $2"
+  done
+}
 planted=0
 tab='	'
 forms >"$work/forms"
-places='include/x.h src/host/x.h standalone/reelhost/x.h base/x.h app/x.h lists/x.h docs/x.md'
-plant() { # plant FORMAT WORD...: writes the words into every place, behind the mark of a comment
-  for place in $places; do
-    case $place in *.h) mark='/// ' ;; *) mark='' ;; esac
-    (
-      cd "$tree"
-      format=$1
-      shift
-      # shellcheck disable=SC2059 # the format is one of ours
-      printf "$format" "$mark" "$@" >"$place"
-    )
-  done
-}
-foundEverywhere() { # the sentence that was planted
-  check "$tree" "$none" >"$work/reported"
-  for place in $places; do
-    grep -q "^$place:" "$work/reported" || fail "not found in $place: $1"
-  done
-}
 while IFS="$tab" read -r _ sentence _; do
-  plant '%s%s.\n' "$sentence"
-  foundEverywhere "$sentence"
-  plant '%s%s\n/// %s.\n' "${sentence% *}" "${sentence##* }"
-  foundEverywhere "$sentence, broken before the last word"
+  plant "$sentence."
+  found_in "$places" "$sentence"
+  plant "${sentence% *}" "${sentence##* }."
+  found_in "$places" "$sentence, broken before the last word"
+  for place in $places; do rm "$tree/$place"; done
+  name=$(echo "$sentence" | awk '{ for (i = 1; i <= NF; ++i) printf "%s%s", toupper(substr($i, 1, 1)), substr($i, 2) }')
+  echo "TEST_F(Case, $name)" | in_tree tests/x_test.cpp
+  found_in tests/x_test.cpp "$name"
+  rm "$tree/tests/x_test.cpp"
   planted=$((planted + 1))
 done <"$work/forms"
-for place in $places; do rm "$tree/$place"; done
 [ "$planted" -eq "$(wc -l <"$work/forms")" ] || fail "planted $planted forms only"
-echo '/// It tells the time.' >"$tree/base/x.h"
+echo '/// It tells the time.' | in_tree base/x.h
 echo 'base/x.h: tells the time: a clock does' >"$work/some"
 found=$(check "$tree" "$work/some")
 [ -z "$found" ] || fail "an exception has no effect: $found"

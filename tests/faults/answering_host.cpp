@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What this program answers in the host's place: label maps without files, and a debug output nobody has to read. Like
-// the host's own these go through the journal, and ask for no memory while nobody watches.
+// Operations that this program defines in place of the host's: label maps without files, and a debug output that is
+// kept in memory. Like the host's own they go through the journal, and allocate no memory while they are not watched.
 #include "faults/answering_host.h"
 
 #include <algorithm>
@@ -18,7 +18,7 @@ namespace {
 
 struct Map {
   const wchar_t* name;
-  std::uint32_t source, format; ///< of the one entry in use
+  std::uint32_t source, format; ///< of the only entry in use
 };
 
 constexpr Map maps[] = {{L"9pin", 3, 2}, {L"vitc", 1, 2}, {L"fire", 9, 2}};

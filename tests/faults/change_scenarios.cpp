@@ -7,7 +7,8 @@ namespace reeldb_tests {
 
 namespace {
 
-/// While this lives no project database is open. Script::the() would be watched from then on, whatever the fault wants.
+/// While it lives, no project database is open. A call of Script::the() would make the host watched from then on, even
+/// for faults that must not be watched.
 class WithoutDatabase {
 public:
   explicit WithoutDatabase(Scene& s) : script_(s.hostScript) { script_.noDatabase(true); }

@@ -27,7 +27,7 @@ std::string readable(const std::type_info& type)
   return status == 0 ? name.get() : type.name();
 }
 
-/// Empty when the exception is a @p Wanted, not of a class derived from it, and says @p what.
+/// Empty if the exception is exactly of the class @p Wanted and its text is @p what.
 template <class Wanted>
 std::string differsFrom(const std::exception_ptr& thrown, const std::string& what)
 {
@@ -99,10 +99,10 @@ void HostCallThrows::disarm()
 std::string HostCallThrows::differs(const std::exception_ptr& thrown) const
 {
   std::string difference = "an exception though no operation threw";
-  std::int64_t number = n_; // of those that follow each other
+  std::int64_t number = n_; // the number of a call among consecutive ones
   for (const std::string& operation : operationsThatThrew()) {
     difference = differsFrom<reelhost::ScriptedFault>(thrown, textOf(operation, number++));
-    // Another than the first comes out only where the host has kept the first to itself.
+    // The exception is a later one only if the host has suppressed the first.
     if (difference.empty() || !ReportWatch::faultHappenedInReport())
       break;
   }
@@ -119,7 +119,7 @@ void OpeningRefused::arm(std::int64_t n)
     script().before = [this](const std::string& operation, const std::string&) {
       const bool opens = operation == "EditPtr::i_open" || operation == "EditInfo::EditInfo";
       if (opens && ++openings_ > n_)
-        script().failOpenNumber(1); // the one that comes now
+        script().failOpenNumber(1); // the next opening
     };
 }
 
@@ -136,7 +136,7 @@ void OpeningRefused::disarm()
   script().before = nullptr;
 }
 
-// Nobody watches meanwhile: the journal asks for memory itself, also while a log is closed.
+// The host must not be watched meanwhile, because the journal itself allocates memory, also when a log is closed.
 void AllocationFails::arm(std::int64_t n)
 {
   reelhost::watch(reelhost::Watcher::Script, false);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What can go wrong beneath an operation.
+// The kinds of faults during an operation.
 #ifndef REELDB_TESTS_FAULTS_FAULT_KINDS_H
 #define REELDB_TESTS_FAULTS_FAULT_KINDS_H
 
@@ -10,36 +10,36 @@
 
 namespace reeldb_tests {
 
-/// Whether a fault comes once, or stays until it is taken away: a disk that is full stays full.
+/// Whether a fault happens once, or stays until it is disarmed, as a full disk stays full.
 enum class Fault { Once, Stays };
 
-/// The n-th time something could fail it does.
+/// A kind of fault: the n-th possible fault happens.
 class FaultKind {
 public:
   explicit FaultKind(Fault fault) : stays_(fault == Fault::Stays) {}
   virtual ~FaultKind() = default;
   virtual const char* name() const = 0;
-  /// Why this build cannot make it fail; empty when it can.
+  /// Why this build cannot cause the fault; empty if it can.
   virtual std::string unavailable() const { return {}; }
   virtual void arm(std::int64_t n) = 0; ///< counted from now
-  virtual bool happened() const = 0;    ///< whether the armed one has come
-  virtual void disarm() = 0;            ///< happened stays what it is
+  virtual bool happened() const = 0;    ///< whether the armed fault has happened
+  virtual void disarm() = 0;            ///< happened() does not change
 
   virtual bool throws() const { return true; } ///< whether the operation ends in an exception
-  /// Whether the host may keep it to itself, if everything comes out as it would have without.
+  /// Whether the host may suppress the fault if all results are the same as without it.
   virtual bool hostMayDoWithout() const { return false; }
-  /// Whether it is the one that was thrown: type and value. Empty when it is, else what it is.
+  /// Compares the type and value of the exception with the fault. Empty if they are equal, else the difference.
   virtual std::string differs(const std::exception_ptr& thrown) const = 0;
   virtual bool isJournaled() const { return true; } ///< whether the journal may be on meanwhile
 
 protected:
-  bool stays() const { return stays_; } ///< whether all that come after the n-th fail, too
+  bool stays() const { return stays_; } ///< whether all later ones fail, too
 
 private:
   bool stays_;
 };
 
-/// The n-th host call throws: all but i_close and destructors, and but values and memory.
+/// The n-th host call throws. Calls of i_close and destructors, values and memory do not count.
 class HostCallThrows final : public FaultKind {
 public:
   using FaultKind::FaultKind;
@@ -54,7 +54,7 @@ private:
   bool happened_ = false, armed_ = false;
 };
 
-/// The n-th log that is opened does not open.
+/// The n-th opening of a log yields no Edit.
 class OpeningRefused final : public FaultKind {
 public:
   using FaultKind::FaultKind;
@@ -70,7 +70,7 @@ private:
   bool happened_ = false, armed_ = false;
 };
 
-/// The n-th request for memory is refused. A host may have wanted it for something it can make again.
+/// The n-th request for memory is refused. The host may do without some of its own requests.
 class AllocationFails final : public FaultKind {
 public:
   using FaultKind::FaultKind;
@@ -86,8 +86,8 @@ private:
   bool happened_ = false, armed_ = false;
 };
 
-/// The n-th call that the library makes to anything of the host's throws: values included, down to the copy of a text.
-/// Left out is what the host promises not to fail: closing a log, destructors, moves, and the counting of references.
+/// The n-th call of the library to any function of the host throws, including values and copies of texts. Calls that
+/// the host promises not to fail do not count: closing a log, destructors, moves, and the counting of references.
 class LibraryCallThrows final : public FaultKind {
 public:
   using FaultKind::FaultKind;

@@ -47,7 +47,7 @@ CookieVec shotsOf(const char* reel)
 
 class HostMemory : public LibraryTest {
 protected:
-  /// A project with so many logs, each kind a half. Opened from a store that can be opened again.
+  /// Opens a project with this number of logs, half of them reels, from a store that can be opened again.
   void open(int logs)
   {
     reelhost::closeProject();
@@ -57,11 +57,11 @@ protected:
     reelhost::openProject(std::make_unique<ForwardingStore>(store_), reelhost::Access::Write);
     for (int i = 0; i < logs; ++i)
       last_ = addLog(i % 2 ? 1 : 9, "A" + std::to_string(i % 4));
-    stored(); // opened anew: a project that was not changed yet has room for nothing
+    stored(); // opened again, because a project that was not changed yet has no room to spare
     static_cast<void>(shotsOf("A1"));
   }
 
-  /// What is stored, as a project shows it that is opened anew.
+  /// The stored content, read by opening the project again.
   Texts stored()
   {
     reelhost::commit();

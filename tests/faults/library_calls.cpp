@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The library calls its host through a table of addresses that the dynamic linker fills in. Each address is replaced by
-// a door of our own, which lets the call through or throws in its place. What a door needs to know of the call is its
-// number alone: it keeps every argument as it is.
+// a door, which passes the call on or throws instead. A door only needs its own number; it does not change the
+// arguments.
 #include "faults/library_calls.h"
 
 #if defined(__x86_64__) && defined(__linux__)
@@ -25,7 +25,7 @@ namespace {
 
 constexpr std::size_t mostDoors = 256;
 
-std::array<void*, mostDoors> behind;               // where each door leads
+std::array<void*, mostDoors> behind;               // the function behind each door
 std::array<std::string, mostDoors> behindIsCalled; // mangled
 bool counting = false;
 std::int64_t left = 0, armedAt = 0;
@@ -33,7 +33,7 @@ bool failedYet = false, failsAlways = false;
 
 } // namespace
 
-/// Called by a door with its number: the address to go on to.
+/// Called by a door with its number. Returns the address of the function to call.
 extern "C" __attribute__((visibility("hidden"))) void* reeldb_tests_pass(std::size_t door)
 {
   if (counting && (left > 0 ? --left == 0 : failsAlways && failedYet)) {
@@ -45,9 +45,8 @@ extern "C" __attribute__((visibility("hidden"))) void* reeldb_tests_pass(std::si
 
 extern "C" __attribute__((visibility("hidden"))) const char reeldb_tests_doors[];
 
-// A door pushes its number, sixteen bytes each. Behind all of them one piece of code puts the arguments by, asks
-// whether the call may pass, puts them back and goes on to the callee as if nothing had been. The frame is described,
-// so that an exception finds its way out.
+// Each door has sixteen bytes and pushes its number. The code after the doors saves the arguments, calls the function
+// above, restores the arguments and jumps to the callee. The frame is described, so that exceptions can be unwound.
 asm(R"(
   .pushsection .text
   .hidden reeldb_tests_doors
@@ -133,7 +132,7 @@ std::string demangled(const std::string& symbol)
   return status == 0 ? name.get() : symbol;
 }
 
-/// Whether the host promises that this never fails.
+/// Whether the host promises that the operation never fails.
 bool neverFails(const std::string& symbol)
 {
   static const std::set<std::string> promised = {"OS()", "EditPtr::i_close()", "Zr::InternalRefCount::addRef() const",
@@ -153,7 +152,7 @@ std::set<std::string> hostOperations()
   return operations;
 }
 
-/// The tables of the library that say what it asks others for.
+/// The tables of the library's imports.
 struct Tables {
   const Elf64_Sym* symbols = nullptr;
   const char* names = nullptr;
@@ -194,7 +193,7 @@ void replace(void** slot, void* address)
 {
   const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
   const auto start = reinterpret_cast<std::uintptr_t>(slot) & ~(page - 1);
-  // The linker has made the table read-only: it is full.
+  // The linker has filled the table and made it read-only.
   if (mprotect(reinterpret_cast<void*>(start), page, PROT_READ | PROT_WRITE) == 0)
     *slot = address;
 }
@@ -234,7 +233,7 @@ LibraryCalls::LibraryCalls()
   lead(tables.calls, tables.callsSize);
   lead(tables.others, tables.othersSize);
   if (doors == 0)
-    unavailable_ = "the library's calls are not where they were looked for";
+    unavailable_ = "the library's calls were not found";
 }
 
 void LibraryCalls::failAt(std::int64_t n)
@@ -266,7 +265,7 @@ bool LibraryCalls::failed() const
 
 namespace reeldb_tests {
 
-LibraryCalls::LibraryCalls() : unavailable_("calls are led through doors on x86-64 under Linux only") {}
+LibraryCalls::LibraryCalls() : unavailable_("calls can be intercepted only on x86-64 under Linux") {}
 void LibraryCalls::failAt(std::int64_t) {}
 void LibraryCalls::failFrom(std::int64_t) {}
 void LibraryCalls::stop() {}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Stands between the library and its host: every call that leaves the library comes by here.
+// Intercepts every call from the library to its host.
 #ifndef REELDB_TESTS_FAULTS_LIBRARY_CALLS_H
 #define REELDB_TESTS_FAULTS_LIBRARY_CALLS_H
 
@@ -10,25 +10,25 @@
 
 namespace reeldb_tests {
 
-/// What is thrown in the place of a call. It derives from nothing and holds no memory.
+/// The exception that replaces a call. It has no base class and uses no memory.
 struct LibraryCallFault {
   std::int64_t number;
   const char* callee; ///< mangled
 };
 
-/// The calls by which the library asks its host for something. Where the processor or the system is another than the
-/// one whose calls can be led this way, unavailable says so.
+/// The calls from the library to its host. If they cannot be intercepted on this processor or system, unavailable()
+/// says why.
 class LibraryCalls {
 public:
   static LibraryCalls& the();
-  const std::string& unavailable() const { return unavailable_; } ///< empty when it works
+  const std::string& unavailable() const { return unavailable_; } ///< empty if calls are intercepted
 
   void failAt(std::int64_t n);   ///< the n-th call from now throws LibraryCallFault; it is not made
-  void failFrom(std::int64_t n); ///< so do all after it
+  void failFrom(std::int64_t n); ///< likewise, and all later calls
   void stop();                   ///< no call throws any more
-  bool failed() const;           ///< whether the armed one has come
+  bool failed() const;           ///< whether a call has thrown
 
-  /// Operations of the host that could fail but are not led by here. Mangled.
+  /// The mangled names of the host's operations that could fail but are not intercepted.
   const std::set<std::string>& notLed() const { return notLed_; }
 
 private:

@@ -11,7 +11,7 @@ namespace reeldb_tests {
 void Listening::keep(const char* kind, const LightweightString<char>& id)
 {
   if (count_ == notices_.size())
-    std::abort(); // nobody hears that much
+    std::abort(); // no scenario has so long a record
   Notice& notice = notices_[count_++];
   notice.kind = kind;
   std::snprintf(notice.id.data(), notice.id.size(), "%s", id.c_str());

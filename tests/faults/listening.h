@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Who hears what while something fails. Neither asks for memory while it listens.
+// Listeners that record notifications while something fails. They allocate no memory meanwhile.
 #ifndef REELDB_TESTS_FAULTS_LISTENING_H
 #define REELDB_TESTS_FAULTS_LISTENING_H
 
@@ -16,7 +16,7 @@ class ReelDbManager;
 
 namespace reeldb_tests {
 
-/// A client that keeps what it hears.
+/// A client that records its notifications.
 class Listening : public ReelDbClient {
 public:
   Listening() = default;
@@ -30,7 +30,7 @@ public:
   std::vector<std::string> heard() const;
   void forget() { count_ = 0; }
 
-  void (*inHandler)(ReelDbManager&) = nullptr; ///< done in each handler
+  void (*inHandler)(ReelDbManager&) = nullptr; ///< called in each handler
 
 private:
   struct Notice {
@@ -43,8 +43,8 @@ private:
   std::size_t count_ = 0;
 };
 
-/// Tells whether a fault happened while the host reported a change to its listeners: the host keeps such a fault to
-/// itself. There is one made before the manager, which hears of a report first, and one made after it.
+/// Detects whether a fault happened while the host reported a change to its listeners, because the host does not pass
+/// on such a fault. One listener is made before the manager, and so is notified before it, and one after it.
 class ReportWatch final : public ProjectListener {
 public:
   enum class Place { First, Last };

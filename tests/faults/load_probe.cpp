@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program in which what the library asks for while it is loaded goes wrong, as its environment says:
-// DEFAULT_TYPE and DATA_DIRECTORY are the answers (no DEFAULT_TYPE: null), THROW_IN names the host call that throws,
-// FAIL_ALLOCATION counts the allocations from the library's first question on. It prints what the library then holds;
-// its exit code is 3 while the allocation that is to fail is still to come.
+// A program in which the host calls of the library fail while it is loaded, as the environment says: DEFAULT_TYPE and
+// DATA_DIRECTORY are results (no DEFAULT_TYPE: null), THROW_IN names the host call that throws, FAIL_ALLOCATION is the
+// number of the failing allocation, counted from the library's first host call. It prints the catalogue of the library.
+// Its exit code is 3 if the failing allocation was not reached.
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -16,7 +16,7 @@
 
 namespace {
 
-/// Holds nothing, so that throwing it asks for no memory.
+/// Has no members, so that throwing it allocates no memory for them.
 struct LoadFault {};
 
 void meet(const char* operation)

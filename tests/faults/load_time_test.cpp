@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What goes wrong while the library is loaded. Nobody could catch an exception there: the process ends by abort, before
-// it does anything on half a catalogue. What is merely missing or odd is no error.
+// Failures while the library is loaded. No code could catch an exception there, so the process ends by abort before it
+// works with an incomplete catalogue. A missing or odd file is not an error.
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -87,7 +87,7 @@ TEST_F(LoadTimeFaults, OddDefaultTypeIsTakenAsItIs)
     EXPECT_EQ(load({{"DEFAULT_TYPE", odd}}).out, odd + "\n" + types);
 }
 
-TEST_F(LoadTimeFaults, WhatIsNoTypeFileDefinesNothing)
+TEST_F(LoadTimeFaults, AnythingButATypeFileDefinesNothing)
 {
   const std::filesystem::path file = folder_.path() / "reeltype.dat";
   const auto expectNothing = [this](const char* what) {
@@ -117,7 +117,7 @@ TEST_F(LoadTimeFaults, NoDataDirectoryIsTheBareFileName)
   EXPECT_EQ(result.out, std::string("F2\n") + types) << "of the working directory";
 }
 
-TEST_F(LoadTimeFaults, RecordsEndAtAByteThatIsNoText)
+TEST_F(LoadTimeFaults, RecordsEndAtAByteThatIsNotText)
 {
   folder_.write("reeltype.dat", std::string("a:A=1\0B=2\nb\0c:C=3\n", 19));
   const ProcessResult result = load({});

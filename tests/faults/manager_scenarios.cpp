@@ -11,7 +11,7 @@ namespace reeldb_tests {
 
 namespace {
 
-/// Puts the manager aside, so that another one can be made in its place.
+/// Unregisters the manager, so that another one can be made in its place.
 class Aside {
 public:
   Aside() : manager_(std::exchange(ReelDbManager::theReelDbManager_, nullptr)) {}
@@ -30,7 +30,7 @@ private:
   ReelDbManager* manager_;
 };
 
-/// A reel the manager does not know of yet.
+/// A reel that the manager has not read yet.
 void addUnknownReel(Scene& s)
 {
   s.addLog(9, "R5", "F2");

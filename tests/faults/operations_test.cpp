@@ -30,7 +30,7 @@ bool startsWith(const std::string& text, const char* start)
   return text.compare(0, std::char_traits<char>::length(start), start) == 0;
 }
 
-/// The functions among the exported names: data and what belongs to types has no parameters, or says so.
+/// The functions among the exported names. Data has no parameters, and symbols of types have a prefix.
 Names exportedFunctions()
 {
   std::ifstream list(REELDB_EXPORTS);
@@ -43,7 +43,7 @@ Names exportedFunctions()
   return functions;
 }
 
-/// What cannot fail: a destructor, and giving back memory. The scenarios of what makes an object end it, too.
+/// Operations that cannot fail: destructors, and the release of memory. The scenarios of constructors also run them.
 bool cannotFail(const std::string& name)
 {
   return name.find("::~") != std::string::npos || startsWith(name, "operator delete");
@@ -71,7 +71,7 @@ TEST(Operations, EachScenarioHasANameOfItsOwn)
   }
 }
 
-TEST(Operations, AllThatTheLibraryAsksOfItsHostIsLedPastTheDoorsButVirtualFunctionsItInherits)
+TEST(Operations, EveryImportedSymbolIsInterceptedExceptInheritedVirtuals)
 {
   const LibraryCalls& calls = LibraryCalls::the();
   if (!calls.unavailable().empty())

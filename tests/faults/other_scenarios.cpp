@@ -33,7 +33,7 @@ Text described(const ReelType& type)
 
 void* volatile made;
 
-/// Asks for memory and gives it back; whether there was any.
+/// Allocates memory and releases it. Returns whether there was any.
 template <class Make, class Unmake>
 bool madeAndUnmade(Make make, Unmake unmake)
 {

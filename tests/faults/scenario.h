@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The operations of the library, each in a situation in which it has something to do.
+// The operations of the library, each in a situation in which it has work to do.
 #ifndef REELDB_TESTS_FAULTS_SCENARIO_H
 #define REELDB_TESTS_FAULTS_SCENARIO_H
 
@@ -13,29 +13,29 @@ class Scene;
 
 /// One operation in one situation.
 struct Scenario {
-  const char* operation;      ///< as the list of exported names has it, demangled
-  const char* situation = ""; ///< what is special about it
+  const char* operation;      ///< its demangled name in the list of exported names
+  const char* situation = ""; ///< what is special in this scenario
 
-  const char* id = "R1"; ///< what is made of these is ready in the scene: `id`, and `rec`, the record of that reel
+  const char* id = "R1"; ///< the scene has `id`, and `rec`, the record of that reel
   const char* value = "X";
   const wchar_t* wide = L"X";
   int number = 1;
-  void (*arrange)(Scene&) = nullptr; ///< what else there is before
-  void (*fill)(Scene&) = nullptr;    ///< what the out-arguments hold before
+  void (*arrange)(Scene&) = nullptr; ///< prepares the scene further
+  void (*fill)(Scene&) = nullptr;    ///< fills the out-arguments before
   void (*act)(Scene&) = nullptr;
 
-  // What comes of it when nothing fails
+  // The results when nothing fails
   const char* answer = "";  ///< Scene::described
-  const char* changes = ""; ///< a line for each value of the project that changes
-  const char* heard = "";   ///< what every client hears
+  const char* changes = ""; ///< one line per value of the project that changes
+  const char* heard = "";   ///< the notifications of every client
 
-  // Why an operation may do what others may not. Null: it may not.
-  const char* callerTells = nullptr;       ///< clients hear what the caller says, true or not
-  const char* toldWithoutChange = nullptr; ///< clients hear of a change that a log which did not open has prevented
-  const char* doneByHalves = nullptr;      ///< the same operation once more does not make good what a fault prevented
-  const char* changesWhenTold = nullptr;   ///< while notifications are held, other things come of it
-  const char* noHostCall = nullptr;        ///< it asks nothing of the host but values and memory
-  const char* withoutMemory = nullptr;     ///< what it answers where others throw: without memory
+  // Reasons for exceptions from the general rules. Null: there is no exception.
+  const char* callerTells = nullptr;       ///< the caller decides what clients are notified of, true or not
+  const char* toldWithoutChange = nullptr; ///< clients are notified of a change even if the log did not open for it
+  const char* doneByHalves = nullptr;      ///< running the operation again does not complete what a fault prevented
+  const char* changesWhenTold = nullptr;   ///< it has other results while notifications are held
+  const char* noHostCall = nullptr;        ///< it uses only values and memory of the host
+  const char* withoutMemory = nullptr;     ///< the result without memory, where other operations throw
 };
 
 std::ostream& operator<<(std::ostream& out, const Scenario& scenario);

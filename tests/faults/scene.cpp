@@ -111,7 +111,7 @@ void Scene::set(const Scenario& scenario, int hold)
   types.add("Live", "VideoChannels=1");
   types.add("F4", "VideoChannels=1 AudioChannels=4");
   ReelDbManager::systemWideDefaultReelType_ = "F4";
-  manager(); // hears of the entry
+  manager(); // is notified of the entry
   enterProject("FAULTS", {{"reeldb_defaultType", "F2"}});
   addLogs();
   anyReel.emplace();
@@ -134,7 +134,7 @@ void Scene::set(const Scenario& scenario, int hold)
   manager().notifyHoldCount = hold;
 }
 
-// The placeholder project makes an entry pass the manager by, so that it leaves the options alone.
+// The manager ignores the entry of the placeholder project, so the options stay unchanged.
 void Scene::enterWithoutDefaultType()
 {
   script().projectCookies = {Cookie("P0001000", false)};
@@ -242,7 +242,7 @@ void Scene::forgetHeard()
   followsR1->forget();
 }
 
-// --- What there is to see ------------------------------------------------------------------------
+// --- The visible state ---------------------------------------------------------------------------
 
 std::vector<Cookie> Scene::allLogs() const
 {

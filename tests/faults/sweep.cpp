@@ -23,7 +23,7 @@ int failures()
   return ::testing::UnitTest::GetInstance()->current_test_info()->result()->total_part_count();
 }
 
-/// What is held of the host's memory and of shared bodies.
+/// The host's memory and the shared bodies that are in use.
 struct Held {
   std::int64_t memory = memoryInUse();
   std::int64_t shares = furtherHolders();
@@ -49,14 +49,14 @@ bool sameId(const std::string& a, const std::string& b)
   return strcasecmp(a.c_str(), b.c_str()) == 0;
 }
 
-/// The log that a line of a state is about; empty when it is about none.
+/// The log of a line of a state; empty if the line is not about a log.
 std::string logOf(const std::string& key)
 {
   const std::size_t colon = key.find(": ");
   return colon == std::string::npos ? std::string() : key.substr(0, colon);
 }
 
-/// The names of the logs that are not as they were.
+/// The names of the logs that have changed.
 std::set<std::string> changedLogs(const Scene::State& before, const Scene::State& after)
 {
   std::set<std::string> names;
@@ -72,8 +72,8 @@ std::set<std::string> changedLogs(const Scene::State& before, const Scene::State
   return names;
 }
 
-/// Whether a log of this identifier, as it was or as it is, is not as it was. Material carries the identifier of its
-/// reel and does not count.
+/// Whether a log that has or had this identifier has changed. Material has the identifier of its reel and does not
+/// count.
 bool hasChanged(const std::string& id, const Scene::State& before, const Scene::State& after)
 {
   for (const std::string& log : changedLogs(before, after))
@@ -85,8 +85,8 @@ bool hasChanged(const std::string& id, const Scene::State& before, const Scene::
   return false;
 }
 
-/// Openings and closings of each log, as the journal has them. One that failed is closed like one that did not open,
-/// but a failed EditInfo was never made.
+/// The openings and closings of each log in the journal. An opening that failed is closed like one that did not open a
+/// log, but a failed EditInfo was never constructed.
 std::map<std::string, int> openingsLeft(const std::vector<reelhost::Call>& calls)
 {
   std::map<std::string, int> left;
@@ -165,7 +165,7 @@ int Sweep::failEach(const Scenario& scenario, FaultKind& kind, int hold)
     const bool happened = failOne(run, n);
     clear();
     const Held after;
-    if (failures() == failuresBefore) { // a failure that is noted holds memory
+    if (failures() == failuresBefore) { // a recorded failure of the test itself uses memory
       EXPECT_EQ(after.memory, before.memory) << "memory is held that was not held before, or the other way round";
       EXPECT_EQ(after.shares, before.shares) << "texts, lists or objects are held that were not held before";
     }
@@ -229,29 +229,29 @@ void Sweep::checkNotices(const Run& run, const Outcome& outcome)
     EXPECT_EQ(joinedLines(followsR1->heard()), "") << "notifications are held";
     return;
   }
-  if (!anyReel->inHandler && !followsR1->inHandler) // a handler that fails keeps the news from those who come after it
+  if (!anyReel->inHandler && !followsR1->inHandler) // after a handler that fails, later clients are not notified
     checkFollower(all, outcome.thrown && !run.kind.isJournaled());
   const Scenario& scenario = run.scenario;
   for (const std::string& notice : all) {
     const std::string reelId = idIn(notice);
     const bool isOfTheSet = notice.compare(0, 4, "dbC(") == 0;
     if (isOfTheSet) {
-      EXPECT_EQ(reelList(), reelsOfTheDatabase()) << "clients heard of a list that was not rebuilt: " << notice;
+      EXPECT_EQ(reelList(), reelsOfTheDatabase()) << "clients were notified of a list that was not rebuilt: " << notice;
     }
-    // Without an identifier a notice says that the list was rebuilt and nothing of any reel.
+    // A notification without an identifier means that the list was rebuilt. It is not about a reel.
     if (scenario.callerTells || reelId.empty())
       continue;
     const bool mayBeTold = !run.kind.throws() && scenario.toldWithoutChange;
     EXPECT_TRUE(hasChanged(reelId, outcome.before, outcome.after) || mayBeTold)
-        << "clients heard what is not so: " << notice;
+        << "clients were notified of a change that was not made: " << notice;
     if (isOfTheSet) {
       EXPECT_TRUE(manager().doesReelExist(reelId.c_str()))
-          << "clients heard of a reel that is not in the list: " << notice;
+          << "clients were notified of a reel that is not in the list: " << notice;
     }
   }
 }
 
-// Who follows R1 hears what all hear, and before a change of R1 that it is theirs.
+// The client that follows R1 receives all notifications, and before each change of R1 one that it is its own reel.
 void Sweep::checkFollower(const std::vector<std::string>& all, bool mayMissTheLast)
 {
   std::vector<std::string> expected;
@@ -262,7 +262,7 @@ void Sweep::checkFollower(const std::vector<std::string>& all, bool mayMissTheLa
   }
   const std::string whole = joinedLines(expected);
   const std::string have = joinedLines(followsR1->heard());
-  if (mayMissTheLast) { // what throws between two clients keeps the news from the second
+  if (mayMissTheLast) { // after an exception between two clients the second is not notified
     EXPECT_EQ(have, whole.substr(0, have.size()));
   } else {
     EXPECT_EQ(have, whole);
@@ -313,11 +313,11 @@ void Sweep::runAgain(const Run& run, const Outcome& outcome)
   EXPECT_EQ(reelhost::openLogs(), 0);
   if (run.scenario.doneByHalves)
     return;
-  EXPECT_EQ(described(), cleanAnswer_) << "run again, the operation answers something else";
-  EXPECT_EQ(difference(outcome.before, state()), cleanChanges_) << "run again, the operation brings something else";
+  EXPECT_EQ(described(), cleanAnswer_) << "run again, the operation has another result";
+  EXPECT_EQ(difference(outcome.before, state()), cleanChanges_) << "run again, the operation makes another change";
 }
 
-// One operation of each sort, with answers that are known.
+// One operation of each kind, with known results.
 void Sweep::useTheManager()
 {
   reelhost::startUp();

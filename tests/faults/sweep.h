@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Lets everything that can fail beneath an operation fail in turn, and looks at what is left each time.
+// Lets everything that can fail in an operation fail in turn, and checks the state each time.
 #ifndef REELDB_TESTS_FAULTS_SWEEP_H
 #define REELDB_TESTS_FAULTS_SWEEP_H
 
@@ -11,26 +11,26 @@ namespace reeldb_tests {
 
 class Sweep : public Scene {
 protected:
-  /// Has the process make what it makes once and keeps.
+  /// Makes what the process makes only once and keeps.
   void warmUp(FaultKind& kind);
 
-  /// Runs the scenario without a fault and compares what comes of it with what the scenario says. Answers how often it
-  /// opened a log.
+  /// Runs the scenario without a fault and compares the results with those of the scenario. Returns the number of logs
+  /// that it opened.
   int runClean(const Scenario& scenario, int hold);
 
-  /// Runs the scenario again and again, each time in a project of its own: the first time what can fail first fails,
-  /// then what can fail next, until a run meets no fault. Every time
-  /// - the exception comes out as it was thrown, unless the host's own report of a new log met it or the host could do
-  ///   without what it was refused;
-  /// - every log that was opened is closed, and every modification ended;
-  /// - the notification hold is as it was, and while notifications are held nobody hears anything;
-  /// - nobody hears of a change that was not made, but for what the scenario gives a reason for, and who hears of the
-  ///   set of reels finds the database's in the manager's list;
-  /// - the manager's list is the one of before or the database's, and every lookup agrees with it;
-  /// - the operation can be run again, and then all is as if it had been run once, but for what the scenario gives a
-  ///   reason for; other operations work;
-  /// - in the end nobody holds any text, list or memory that was not held before.
-  /// Answers how many faults there were; stops at the first that leaves something behind.
+  /// Runs the scenario repeatedly, each time in a new project. In the first run the first possible fault happens, in
+  /// the next run the second, and so on until a run has no fault. After each run
+  /// - the exception is the one that was thrown, unless the host kept it to itself in its report of a new log, or could
+  ///   do without what it was refused;
+  /// - every opened log is closed, and every modification ended;
+  /// - the notification hold is unchanged, and while notifications are held, nobody was notified;
+  /// - nobody was notified of a change that was not made, unless the scenario gives a reason, and a client that was
+  ///   notified of the set of reels finds the reels of the database in the manager's list;
+  /// - the manager's list is unchanged or equals the database's, and every lookup agrees with it;
+  /// - the operation can be run again, and then the state is as if it had run once, unless the scenario gives a reason;
+  ///   other operations work;
+  /// - in the end no texts, lists or memory are held that were not held before.
+  /// Returns the number of faults. Stops at the first fault after which something is left.
   int failEach(const Scenario& scenario, FaultKind& kind, int hold);
 
 private:
@@ -55,7 +55,7 @@ private:
   void runAgain(const Run& run, const Outcome& outcome);
   void useTheManager();
 
-  // Of the run without a fault
+  // The results of the run without a fault
   std::string cleanAnswer_, cleanChanges_;
 };
 

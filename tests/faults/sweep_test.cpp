@@ -17,7 +17,7 @@ namespace {
 struct Kind {
   const char* name;
   std::unique_ptr<FaultKind> (*make)(Fault);
-  /// What is to be said of an operation with so many faults, and so many openings of logs when nothing fails.
+  /// Checks the number of faults of an operation, and the number of logs that it opens when nothing fails.
   void (*check)(const Scenario& scenario, int faults, int openings);
 };
 
@@ -43,7 +43,7 @@ const Kind kinds[] = {
      }},
     {"AllocationFails", make<AllocationFails>,
      [](const Scenario& scenario, int faults, int) {
-       // Where a sanitizer's operator new stands before the library's, the host sees nothing of that one.
+       // If a sanitizer's operator new replaces the library's, the host does not see its allocations.
        EXPECT_TRUE(faults > 0 || !scenario.withoutMemory || !newIsRouted()) << scenario << " asked for no memory";
      }},
     {"CallFromTheLibraryThrows", make<LibraryCallThrows>,
@@ -54,7 +54,7 @@ const Kind kinds[] = {
 
 class Faults : public Sweep, public ::testing::WithParamInterface<std::tuple<Kind, Fault>> {};
 
-/// With notifications and while they are held; prints how many faults there were.
+/// Runs each scenario with notifications and while they are held. Prints the number of faults.
 TEST_P(Faults, HappenBeneathEachOperation)
 {
   const auto& [parameter, fault] = GetParam();

@@ -36,8 +36,8 @@ expect_output() {
 
 consumer_says() {
   cat <<'END'
-heard: the project was entered
-heard: there is a new reel, A001
+notified: the project was entered
+notified: there is a new reel, A001
 A001 is in the project EXAMPLE
 END
 }

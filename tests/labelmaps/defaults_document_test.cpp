@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// docs/label-map-defaults.md is what the library answers, written down: this test makes the document and compares.
+// docs/label-map-defaults.md lists results of the library. This test makes the document and compares.
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -82,7 +82,7 @@ private:
   const FacilityFolder facility_;
 };
 
-TEST_F(DefaultsDocument, SaysWhatTheLibraryAnswers)
+TEST_F(DefaultsDocument, StatesTheResultsOfTheLibrary)
 {
   const std::string wanted = document();
   if (std::getenv("REELDB_RENEW"))

@@ -16,7 +16,7 @@ constexpr std::uint32_t sourceNobodyTests = 6;
 constexpr std::uint32_t formatNobodyTests = 5;
 constexpr int someVideoInput = 3;
 
-/// What the test of a map against a device answers, and what it prints.
+/// The result of the test of a map against a device, and its prints.
 struct Verdict {
   bool fits;
   Texts printed;
@@ -146,13 +146,13 @@ TEST_F(LabelMaps, MapThatCannotBeLoadedUsesNoVitcAndPrintsNothing)
   EXPECT_FALSE(usesVitc);
 }
 
-TEST_F(LabelMaps, VitcTestLoadsTheMapAndAsksNothingElse)
+TEST_F(LabelMaps, VitcTestLoadsTheMapAndMakesNoOtherCall)
 {
   map({from(1)});
   EXPECT_EQ(callsOf([] { map_file_uses_vitc(L"M"); }), Texts{"LabelMappingSet::load(\"M\") -> true"});
 }
 
-TEST_F(LabelMaps, EachCallLoadsTheMapAnew)
+TEST_F(LabelMaps, EachCallLoadsTheMapAgain)
 {
   map({from(1)});
   EXPECT_TRUE(map_file_uses_vitc(L"M"));
@@ -229,7 +229,7 @@ TEST_F(LabelMaps, MapThatCannotBeLoadedFitsTheProject)
   EXPECT_TRUE(fits);
 }
 
-TEST_F(LabelMaps, ProjectTestAsksForTheProjectsRateNotTheOutputs)
+TEST_F(LabelMaps, ProjectTestUsesTheProjectsRateNotTheOutputs)
 {
   map({ofFormat(10)});
   script().outputFrameRate = 3;
@@ -311,7 +311,7 @@ TEST_F(LabelMaps, DeviceWithoutVideoInputIsFineForAMapWithoutVitcInUse)
   EXPECT_EQ(verdictOn(theDevice(0, codes::noVideoInput)), accepted);
 }
 
-TEST_F(LabelMaps, Vitc1394DeviceHearsOfThe1394LabelsFirst)
+TEST_F(LabelMaps, Vitc1394DeviceIsWarnedAboutThe1394LabelsFirst)
 {
   map({from(1)});
   EXPECT_EQ(verdictOn(theDevice(1, codes::noVideoInput)),

@@ -101,7 +101,7 @@ TEST(Ale, WithoutAHeadingTheColumnsAreEnough)
   EXPECT_EQ(reels(readWhole("Column\nName\tTape\nData\na\tT1\n")), Strings{"T1"});
 }
 
-TEST(Ale, ARowsTapeGoesBeforeTheHeadingsTapeBeforeTheSourceFile)
+TEST(Ale, RowsTapeComesBeforeTheHeadingsTapeBeforeTheSourceFile)
 {
   const std::string titles = "Name|Tape|Source File|Source File Path";
   EXPECT_EQ(reels(readWhole(log(titles, "a|T1|f.mov|\nb||f.mov|\n", "TAPE|T9\n"))), (Strings{"T1", "T9"}));
@@ -133,7 +133,7 @@ TEST(Ale, PlaceholdersStarsAndAxAreAsInCutLists)
   EXPECT_EQ(list.specials[4].reason, "AX without a clip name or source file");
 }
 
-TEST(Ale, AxForASourceFileIsNoReelWhateverTheTapeSays)
+TEST(Ale, AxForASourceFileIsNotAReelWhateverTheTapeSays)
 {
   const List list = readWhole(log("Name|Tape|Source File", "a||AX\nb|AX|ax\nc|T|AX\n"));
   EXPECT_EQ(reels(list), Strings{"T"});

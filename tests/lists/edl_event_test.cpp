@@ -51,14 +51,11 @@ Strings deal(const std::vector<Line>& lines, const std::vector<Said>& notes)
   return result;
 }
 
-constexpr auto Cut = Transition::Cut;
-constexpr auto Into = Transition::Into;
-constexpr auto Background = Transition::Background;
-constexpr auto Key = Transition::Key;
-constexpr auto From = NoteKind::FromClipName;
-constexpr auto To = NoteKind::ToClipName;
-constexpr auto KeyName = NoteKind::KeyClipName;
-constexpr auto File = NoteKind::SourceFile;
+using enum Transition;
+constexpr auto from = NoteKind::FromClipName;
+constexpr auto to = NoteKind::ToClipName;
+constexpr auto keyName = NoteKind::KeyClipName;
+constexpr auto file = NoteKind::SourceFile;
 
 TEST(EdlEvent, TakesTransitionsOfItsNumber)
 {
@@ -69,7 +66,7 @@ TEST(EdlEvent, TakesTransitionsOfItsNumber)
   EXPECT_TRUE(event.takes(fields("001", "B", Key)));
   EXPECT_TRUE(event.takes(fields("001", "B", Background)));
   EXPECT_FALSE(event.takes(fields("002", "B", Into)));
-  event.note({From, "a", ""});
+  event.note({from, "a", ""});
   EXPECT_TRUE(event.takes(fields("001", "B", Into)));
 }
 
@@ -98,7 +95,7 @@ TEST(EdlEvent, FinishKeepsLinesAndEmptiesTheEvent)
 {
   EdlEvent event;
   event.add(4, "text", fields("001", "A", Cut));
-  event.note({From, "a", ""});
+  event.note({from, "a", ""});
   const auto sources = event.finish();
   ASSERT_EQ(sources.size(), 1u);
   EXPECT_EQ(sources[0].line, 4);
@@ -112,100 +109,100 @@ TEST(EdlEvent, FinishKeepsLinesAndEmptiesTheEvent)
 
 TEST(EdlEvent, NamesOfADissolveGoFromAndTo)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}}), (Strings{"a||", "b||"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{To, "b"}, {From, "a"}}), (Strings{"a||", "b||"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{To, "b"}}), (Strings{"||", "b||"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}}), (Strings{"a||", "||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}, {to, "b"}}), (Strings{"a||", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{to, "b"}, {from, "a"}}), (Strings{"a||", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{to, "b"}}), (Strings{"||", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}}), (Strings{"a||", "||"}));
 }
 
 TEST(EdlEvent, ASecondFromNameIsForTheSideWithout)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {From, "b"}}), (Strings{"a||", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}, {from, "b"}}), (Strings{"a||", "b||"}));
 }
 
 TEST(EdlEvent, NamesOfAKeyGoToBackgroundAndKey)
 {
-  EXPECT_EQ(deal({{"AX", Background}, {"AX", Key}}, {{From, "a"}, {KeyName, "k"}}), (Strings{"a||", "k||"}));
-  EXPECT_EQ(deal({{"AX", Background}, {"AX", Key}}, {{From, "a"}, {To, "k"}}), (Strings{"a||", "k||"}));
+  EXPECT_EQ(deal({{"AX", Background}, {"AX", Key}}, {{from, "a"}, {keyName, "k"}}), (Strings{"a||", "k||"}));
+  EXPECT_EQ(deal({{"AX", Background}, {"AX", Key}}, {{from, "a"}, {to, "k"}}), (Strings{"a||", "k||"}));
 }
 
 TEST(EdlEvent, BlackPassesItsNameOn)
 {
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "b"}}), (Strings{"||", "b||"}));
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "BL"}, {To, "b"}}), (Strings{"BL||", "b||"}));
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "BL"}}), (Strings{"BL||", "||"}));
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}}), (Strings{"a||", "b||"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"BL", Into}}, {{From, "a"}, {To, "BL"}}), (Strings{"a||", "BL||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{from, "b"}}), (Strings{"||", "b||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{from, "BL"}, {to, "b"}}), (Strings{"BL||", "b||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{from, "BL"}}), (Strings{"BL||", "||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{from, "a"}, {to, "b"}}), (Strings{"a||", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"BL", Into}}, {{from, "a"}, {to, "BL"}}), (Strings{"a||", "BL||"}));
 }
 
 TEST(EdlEvent, ALineAloneTakesItsOwnNameThenAnyOther)
 {
-  EXPECT_EQ(deal({{"A", Cut}}, {{From, "a"}, {To, "b"}}), Strings{"a||"});
-  EXPECT_EQ(deal({{"A", Cut}}, {{To, "b"}}), Strings{"b||"});
-  EXPECT_EQ(deal({{"B", Into}}, {{From, "a"}, {To, "b"}}), Strings{"b||"});
-  EXPECT_EQ(deal({{"B", Into}}, {{From, "b"}}), Strings{"b||"});
-  EXPECT_EQ(deal({{"B", Key}}, {{KeyName, "k"}, {From, "a"}}), Strings{"k||"});
+  EXPECT_EQ(deal({{"A", Cut}}, {{from, "a"}, {to, "b"}}), Strings{"a||"});
+  EXPECT_EQ(deal({{"A", Cut}}, {{to, "b"}}), Strings{"b||"});
+  EXPECT_EQ(deal({{"B", Into}}, {{from, "a"}, {to, "b"}}), Strings{"b||"});
+  EXPECT_EQ(deal({{"B", Into}}, {{from, "b"}}), Strings{"b||"});
+  EXPECT_EQ(deal({{"B", Key}}, {{keyName, "k"}, {from, "a"}}), Strings{"k||"});
 }
 
 TEST(EdlEvent, TwoSourceFilesGoInOrder)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {File, "fa"}, {To, "b"}, {File, "fb"}}),
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}, {file, "fa"}, {to, "b"}, {file, "fb"}}),
             (Strings{"a|fa|", "b|fb|"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}, {File, "fa"}, {File, "fb"}}),
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}, {to, "b"}, {file, "fa"}, {file, "fb"}}),
             (Strings{"a|fa|", "b|fb|"}));
 }
 
 TEST(EdlEvent, TwoSourceFilesGoInOrderEvenToBlackAndToOneReel)
 {
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{File, "x"}, {File, "f"}}), (Strings{"|x|", "|f|"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"A", Into}}, {{File, "x"}, {File, "f"}}), (Strings{"|x|", "|f|"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{file, "x"}, {file, "f"}}), (Strings{"|x|", "|f|"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"A", Into}}, {{file, "x"}, {file, "f"}}), (Strings{"|x|", "|f|"}));
 }
 
 TEST(EdlEvent, OneSourceFileIsForTheFirstSide)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{From, "a"}, {To, "b"}, {File, "f"}}), (Strings{"a|f|", "b||"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{File, "f"}}), (Strings{"|f|", "||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{from, "a"}, {to, "b"}, {file, "f"}}), (Strings{"a|f|", "b||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{file, "f"}}), (Strings{"|f|", "||"}));
 }
 
-TEST(EdlEvent, OneSourceFilePassesOverBlackAndOverTheNameless)
+TEST(EdlEvent, SingleSourceFileSkipsBlackAndTheNamelessSide)
 {
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{To, "b"}, {File, "f"}}), (Strings{"||", "b|f|"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{To, "b"}, {File, "f"}}), (Strings{"||", "b|f|"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{to, "b"}, {file, "f"}}), (Strings{"||", "b|f|"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{to, "b"}, {file, "f"}}), (Strings{"||", "b|f|"}));
 }
 
 TEST(EdlEvent, ANullSourceFileIsBlacksOwn)
 {
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{To, "b"}, {File, ""}}), (Strings{"||", "b||"}));
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{To, "b"}, {File, ""}, {File, "f"}}), (Strings{"||", "b|f|"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{to, "b"}, {file, ""}}), (Strings{"||", "b||"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{to, "b"}, {file, ""}, {file, "f"}}), (Strings{"||", "b|f|"}));
 }
 
 TEST(EdlEvent, OneSourceFileServesBothSidesOfTheSameReel)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"a", Into}}, {{From, "x"}, {To, "y"}, {File, "f"}}), (Strings{"x|f|", "y|f|"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"a", Into}}, {{from, "x"}, {to, "y"}, {file, "f"}}), (Strings{"x|f|", "y|f|"}));
 }
 
 TEST(EdlEvent, AxSidesShareASourceFileOnlyAsTheSameClip)
 {
-  EXPECT_EQ(deal({{"AX", Cut}, {"AX", Into}}, {{From, "x"}, {To, "y"}, {File, "f"}}), (Strings{"x|f|", "y||"}));
-  EXPECT_EQ(deal({{"AX", Cut}, {"AX", Into}}, {{From, "x"}, {To, "x"}, {File, "f"}}), (Strings{"x|f|", "x|f|"}));
+  EXPECT_EQ(deal({{"AX", Cut}, {"AX", Into}}, {{from, "x"}, {to, "y"}, {file, "f"}}), (Strings{"x|f|", "y||"}));
+  EXPECT_EQ(deal({{"AX", Cut}, {"AX", Into}}, {{from, "x"}, {to, "x"}, {file, "f"}}), (Strings{"x|f|", "x|f|"}));
 }
 
 TEST(EdlEvent, PathsGoByTheirSideAndAfterSourceFiles)
 {
   EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{NoteKind::FromFile, "/a"}, {NoteKind::ToFile, "/b"}}),
             (Strings{"|/a|", "|/b|"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{File, "f"}, {NoteKind::FromFile, "/a"}}), (Strings{"|f|", "||"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{file, "f"}, {NoteKind::FromFile, "/a"}}), (Strings{"|f|", "||"}));
   EXPECT_EQ(deal({{"AX", Cut}}, {{NoteKind::FromFile, "/a"}}), Strings{"|/a|"});
 }
 
 TEST(EdlEvent, ReelNotesGoInOrderOrToTheReelTheyLengthen)
 {
-  constexpr auto Reel = NoteKind::Reel;
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{Reel, "LA"}, {Reel, "LB"}}), (Strings{"||LA", "||LB"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{Reel, "L"}}), (Strings{"||L", "||"}));
-  EXPECT_EQ(deal({{"A001", Cut}, {"B002", Into}}, {{Reel, "b002_long"}}), (Strings{"||", "||b002_long"}));
-  EXPECT_EQ(deal({{"A", Cut}, {"A", Into}}, {{Reel, "L"}}), (Strings{"||L", "||L"}));
-  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{Reel, "L"}}), (Strings{"||", "||L"}));
+  constexpr auto reel = NoteKind::Reel;
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{reel, "LA"}, {reel, "LB"}}), (Strings{"||LA", "||LB"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"B", Into}}, {{reel, "L"}}), (Strings{"||L", "||"}));
+  EXPECT_EQ(deal({{"A001", Cut}, {"B002", Into}}, {{reel, "b002_long"}}), (Strings{"||", "||b002_long"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"A", Into}}, {{reel, "L"}}), (Strings{"||L", "||L"}));
+  EXPECT_EQ(deal({{"BL", Cut}, {"B", Into}}, {{reel, "L"}}), (Strings{"||", "||L"}));
 }
 
 TEST(EdlEvent, ReelIsClipGivesAnAliasAndANameToTheNameless)
@@ -218,7 +215,7 @@ TEST(EdlEvent, ReelIsClipGivesAnAliasAndANameToTheNameless)
   EXPECT_EQ(sources.at(0).clipName, "c.mov");
 
   event.add(1, "", fields("001", "A", Cut));
-  event.note({From, "named", ""});
+  event.note({from, "named", ""});
   event.note({NoteKind::ReelIsClip, "c.mov", "RC1"});
   sources = event.finish();
   EXPECT_EQ(sources.at(0).otherReel, "RC1");
@@ -227,7 +224,7 @@ TEST(EdlEvent, ReelIsClipGivesAnAliasAndANameToTheNameless)
 
 TEST(EdlEvent, PictureAndSoundOfOneCutShareAllNotes)
 {
-  EXPECT_EQ(deal({{"A", Cut}, {"A", Cut}}, {{From, "a"}, {File, "f"}}), (Strings{"a|f|", "a|f|"}));
+  EXPECT_EQ(deal({{"A", Cut}, {"A", Cut}}, {{from, "a"}, {file, "f"}}), (Strings{"a|f|", "a|f|"}));
 }
 
 } // namespace

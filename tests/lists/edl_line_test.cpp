@@ -15,7 +15,7 @@ namespace {
 /// "reel|channels|transition" of "001 <fields> <timecodes>", or the fault.
 std::string read(const std::string& fields)
 {
-  const std::string line = "001  " + fields + " " + kTimecodes;
+  const std::string line = "001  " + fields + " " + anyTimecodes;
   EventLine event;
   const std::string fault = parseEvent(line, event);
   if (!fault.empty())
@@ -152,9 +152,9 @@ TEST(ParseEvent, FewerThanFourTimecodesAreCounted)
 
 TEST(ParseEvent, TextAfterOrBetweenTheTimecodesIsRejected)
 {
-  EXPECT_EQ(fault("001 R V C " + kTimecodes + " junk"), "text after the record out ('junk')");
+  EXPECT_EQ(fault("001 R V C " + anyTimecodes + " junk"), "text after the record out ('junk')");
   EXPECT_EQ(fault("001 R V C 01:00:00:00 x 01:00:01:00 10:00:00:00 10:00:01:00"), "other text between the timecodes");
-  EXPECT_EQ(fault("001 R V C " + kTimecodes + " " + std::string(50, 'j')),
+  EXPECT_EQ(fault("001 R V C " + anyTimecodes + " " + std::string(50, 'j')),
             "text after the record out ('" + std::string(40, 'j') + "...')");
 }
 

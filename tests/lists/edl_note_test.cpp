@@ -65,7 +65,7 @@ TEST(Note, OtherNotesCarryNothing)
   }
 }
 
-TEST(Note, NullIsNoValueAndTabsAreBlanks)
+TEST(Note, NullIsNotAValueAndTabsAreBlanks)
 {
   EXPECT_EQ(note("* SOURCE FILE: (NULL)").kind, NoteKind::SourceFile);
   EXPECT_EQ(note("* SOURCE FILE: (NULL)").value, "");
@@ -91,7 +91,7 @@ std::string wide(std::size_t width)
   return line;
 }
 
-TEST(NoteJoiner, ALineOf80ColumnsGoesOnInTheNext)
+TEST(NoteJoiner, LineOf80ColumnsContinuesInTheNext)
 {
   const std::string first = wide(80);
   const auto read = notes({first, "* rest of it.mov", "* SOURCE FILE: f"});
@@ -135,7 +135,7 @@ TEST(NoteJoiner, CapitalsAloneDoNotOpenANote)
     EXPECT_EQ(notes({wide(80), std::string("* ") + next}).at(0).value, wide(80).substr(18) + next);
 }
 
-TEST(NoteJoiner, ALineGoesOnWhenTheNextWordDidNotFit)
+TEST(NoteJoiner, LineContinuesIfTheNextWordDidNotFit)
 {
   const auto joined = [](std::size_t width, const std::string& next) {
     return notes({wide(width), "* " + next + " of it"}).at(0).value == wide(width).substr(18) + " " + next + " of it";
@@ -149,7 +149,7 @@ TEST(NoteJoiner, ALineGoesOnWhenTheNextWordDidNotFit)
   EXPECT_FALSE(joined(59, std::string(70, 'r'))) << "no line is that short because of its wrapping";
 }
 
-TEST(NoteJoiner, ALongerLineGoesOnToo)
+TEST(NoteJoiner, LongerLineContinuesToo)
 {
   for (std::size_t width : {81u, 120u})
     EXPECT_EQ(notes({wide(width), "* rest"}).at(0).value, wide(width).substr(18) + " rest") << width;

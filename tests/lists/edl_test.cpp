@@ -103,7 +103,7 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
   const List list = readWhole(event("001", "A V C") +
                               "M2X\nHELLO\nFINAL CUT PRO REEL: 006-I\n>>> SOURCE\n>>> OTHER\n"
                               "O02 B V C " +
-                              kTimecodes + "\n");
+                              anyTimecodes + "\n");
   ASSERT_EQ(list.rejected.size(), 6u);
   const std::string unknown = "not an event, a note or a known statement";
   EXPECT_EQ(list.rejected[0].reason, unknown);
@@ -114,9 +114,9 @@ TEST(Edl, OtherLinesInTheBodyAreRejected)
   EXPECT_EQ(list.rejected[5].reason, "no event number");
 }
 
-TEST(Edl, AnEventWithoutANumberIsNoHeader)
+TEST(Edl, EventWithoutANumberIsNotAHeader)
 {
-  const List list = readWhole("TITLE: X\nO01 B V C " + kTimecodes + "\n" + event("002", "A V C"));
+  const List list = readWhole("TITLE: X\nO01 B V C " + anyTimecodes + "\n" + event("002", "A V C"));
   ASSERT_EQ(list.rejected.size(), 1u);
   EXPECT_EQ(list.rejected[0].reason, "no event number");
 }
@@ -229,7 +229,7 @@ TEST(Edl, AxCalledBlackIsBlack)
   EXPECT_EQ(list.specials.at(0).reason, "black");
 }
 
-TEST(Edl, TheSourceTableGoesBeforeAllElse)
+TEST(Edl, SourceTableComesBeforeEverythingElse)
 {
   const List list = readWhole(event("001", "A001 V C") + "* REEL: NOTE\nFINAL CUT PRO REEL: A-001 REPLACED BY: A001\n" +
                               event("002", "B001 V C") +
@@ -242,7 +242,7 @@ TEST(Edl, TheSourceTableGoesBeforeAllElse)
   EXPECT_TRUE(list.ambiguous.empty());
 }
 
-TEST(Edl, AReplacedReelGoesBeforeTheReelNoteWhereverItStands)
+TEST(Edl, ReplacedReelComesBeforeTheReelNoteWhereverItStands)
 {
   const List list = readWhole(event("001", "006i V C") + "* REEL: NOTE\n" + event("002", "006I V C") +
                               "FINAL CUT PRO REEL: 006-I REPLACED BY: 006I\n");
@@ -262,7 +262,7 @@ TEST(Edl, AReelThatReplacesSeveralStaysAndIsReported)
   EXPECT_EQ(list.ambiguous[0].names, (Strings{"006-I", "006_I"}));
 }
 
-TEST(Edl, TheReelNoteGoesBeforeTheReelText)
+TEST(Edl, ReelNoteComesBeforeTheReelText)
 {
   const List list = readWhole(event("001", "SR007 A2 C") + "* REEL: SR007_DAY03\n" + event("002", "SR007 A2 C"));
   EXPECT_EQ(reels(list), (Strings{"SR007_DAY03", "SR007"}));
@@ -321,7 +321,7 @@ TEST(Edl, TabsInsideNamesBecomeBlanks)
   EXPECT_EQ(list.clips[0].clipName, "x y");
 }
 
-TEST(Edl, ASourceFileOrReelNoteThatSaysAxTellsNothing)
+TEST(Edl, SourceFileOrReelNoteAxNamesNoSource)
 {
   const List list = readWhole(event("001", "AX V C") + "* FROM CLIP NAME: REALNAME\n* SOURCE FILE: AX\n" +
                               event("002", "TAPE9 V C") + "* REEL: AX\n");
@@ -342,7 +342,7 @@ TEST(Edl, ControlCharactersInNamesCostTheirEvent)
   EXPECT_EQ(reels(list), Strings{"B"});
   ASSERT_EQ(list.rejected.size(), 6u);
   EXPECT_EQ(list.rejected[0].line, 2);
-  EXPECT_EQ(list.rejected[0].text, "001  A\\x01B V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].text, "001  A\\x01B V C " + anyTimecodes);
   EXPECT_EQ(list.rejected[0].reason, "reel 'A\\x01B' holds a control character (\\x01)");
   EXPECT_EQ(list.rejected[1].reason, "reel '\\x1b[31mA' holds a control character (\\x1b)");
   EXPECT_EQ(list.rejected[2].line, 4);
@@ -371,7 +371,7 @@ TEST(Edl, ControlCharactersInTheTablesCostTheirLine)
   EXPECT_EQ(list.rejected[1].reason, "replaced reel with a control character (\\x02)");
 }
 
-TEST(Edl, PaddingAroundLinesIsNone)
+TEST(Edl, PaddingAroundLinesIsRemoved)
 {
   const List list = readWhole(std::string("\f\0", 2) + "TITLE: X\x1A\n" + "\f\n" + std::string("\0\0 ", 3) +
                               event("001", "A V C") + std::string("* FROM CLIP NAME: a\0 \0\n", 23));
@@ -389,7 +389,7 @@ TEST(Edl, NamesOfMoreThan2047BytesCostTheirEvent)
   EXPECT_EQ(list.clips.size(), 1u);
   ASSERT_EQ(list.rejected.size(), 2u);
   EXPECT_EQ(list.rejected[0].line, 1);
-  EXPECT_EQ(list.rejected[0].text, "001  AX V C " + kTimecodes);
+  EXPECT_EQ(list.rejected[0].text, "001  AX V C " + anyTimecodes);
   EXPECT_EQ(list.rejected[0].reason, "source file '" + std::string(40, 'f') + "...' has 2048 bytes (at most 2047)");
   EXPECT_EQ(list.rejected[1].line, 5);
   EXPECT_EQ(list.rejected[1].reason, "clip name '" + std::string(40, 'n') + "...' has 2048 bytes (at most 2047)");

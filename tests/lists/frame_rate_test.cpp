@@ -11,11 +11,11 @@ using namespace reeldb::lists;
 
 namespace {
 
-constexpr FrameRate kRate2397 = {24, true}, kRate24 = {24, false}, kRate25 = {25, false}, kRate2997 = {30, true},
-                    kRate30 = {30, false}, kRate5994 = {60, true}, kRate11988 = {120, true}, kRate120 = {120, false};
-constexpr Counting kDrop2997 = {kRate2997, true}, kDrop5994 = {kRate5994, true};
-constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
+constexpr FrameRate rate2397 = {24, true}, rate24 = {24, false}, rate25 = {25, false}, rate2997 = {30, true},
+                    rate30 = {30, false}, rate5994 = {60, true}, rate11988 = {120, true}, rate120 = {120, false};
+constexpr Counting drop2997 = {rate2997, true}, drop5994 = {rate5994, true};
+constexpr std::int64_t mostOf64Bits = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t leastOf64Bits = std::numeric_limits<std::int64_t>::min();
 
 std::int64_t frame(std::string_view label, Counting counting)
 {
@@ -88,59 +88,59 @@ void expectEveryLabelThereAndBack(Counting counting, std::int64_t labels, int dr
 
 TEST(DropFrameDay, Every2997LabelThereAndBack)
 {
-  expectEveryLabelThereAndBack(kDrop2997, 2'589'408, 2);
+  expectEveryLabelThereAndBack(drop2997, 2'589'408, 2);
 }
 
 TEST(DropFrameDay, Every5994LabelThereAndBack)
 {
-  expectEveryLabelThereAndBack(kDrop5994, 5'178'816, 4);
+  expectEveryLabelThereAndBack(drop5994, 5'178'816, 4);
 }
 
 TEST(FramesADay, EveryRate)
 {
-  EXPECT_EQ(framesADay({kRate25, false}), 25 * 86'400);
-  EXPECT_EQ(framesADay({kRate2997, false}), 30 * 86'400);
-  EXPECT_EQ(framesADay({kRate120, false}), 120 * 86'400);
+  EXPECT_EQ(framesADay({rate25, false}), 25 * 86'400);
+  EXPECT_EQ(framesADay({rate2997, false}), 30 * 86'400);
+  EXPECT_EQ(framesADay({rate120, false}), 120 * 86'400);
 }
 
 TEST(FrameOf, LabelsWithoutDropFrameCountEveryFrame)
 {
-  EXPECT_EQ(frame("00:00:00:00", {kRate24, false}), 0);
-  EXPECT_EQ(frame("01:00:00:00", {kRate25, false}), 90'000);
-  EXPECT_EQ(frame("01:00:00:00", {kRate2397, false}), 86'400);
-  EXPECT_EQ(frame("23:59:59:119", {kRate11988, false}), 120 * 86'400 - 1);
-  EXPECT_EQ(frame("00:01:00:00", {kRate2997, false}), 1800);
+  EXPECT_EQ(frame("00:00:00:00", {rate24, false}), 0);
+  EXPECT_EQ(frame("01:00:00:00", {rate25, false}), 90'000);
+  EXPECT_EQ(frame("01:00:00:00", {rate2397, false}), 86'400);
+  EXPECT_EQ(frame("23:59:59:119", {rate11988, false}), 120 * 86'400 - 1);
+  EXPECT_EQ(frame("00:01:00:00", {rate2997, false}), 1800);
 }
 
 TEST(FrameOf, DropFrameTakesBothSeparators)
 {
-  EXPECT_EQ(frame("00:01:00;02", kDrop2997), 1800);
-  EXPECT_EQ(frame("00:01:00:02", kDrop2997), 1800);
-  EXPECT_EQ(frame("01;00;00;00", kDrop2997), 107'892);
-  EXPECT_EQ(frame("00:01:00;04", kDrop5994), 3600);
+  EXPECT_EQ(frame("00:01:00;02", drop2997), 1800);
+  EXPECT_EQ(frame("00:01:00:02", drop2997), 1800);
+  EXPECT_EQ(frame("01;00;00;00", drop2997), 107'892);
+  EXPECT_EQ(frame("00:01:00;04", drop5994), 3600);
 }
 
 TEST(FrameOf, LabelThatDoesNotExistIsRefusedWithTheReason)
 {
-  EXPECT_EQ(refusal("00:01:00;00", kDrop2997), "drop frame leaves out the first 2 frames of this minute");
-  EXPECT_EQ(refusal("13:59:00;01", kDrop2997), "drop frame leaves out the first 2 frames of this minute");
-  EXPECT_EQ(refusal("00:01:00;03", kDrop5994), "drop frame leaves out the first 4 frames of this minute");
-  EXPECT_EQ(frame("00:10:00;00", kDrop2997), 17'982);
-  EXPECT_EQ(refusal("01:00:00:25", {kRate25, false}), "frames above 24");
-  EXPECT_EQ(refusal("01:00:00:24", {kRate2397, false}), "frames above 23");
-  EXPECT_EQ(refusal("01:00:00:30", kDrop2997), "frames above 29");
-  EXPECT_EQ(refusal("01:00:00;00", {kRate2997, false}), "';' is drop frame");
-  EXPECT_EQ(refusal("24:00:00:00", {kRate25, false}), "hours above 23");
-  EXPECT_EQ(refusal("99:59:59:24", {kRate25, false}), "hours above 23");
-  EXPECT_EQ(refusal("00:60:00:00", {kRate25, false}), "minutes above 59");
-  EXPECT_EQ(refusal("1009", {kRate25, false}), "not hh:mm:ss:ff");
-  EXPECT_EQ(refusal("", {kRate25, false}), "not hh:mm:ss:ff");
+  EXPECT_EQ(refusal("00:01:00;00", drop2997), "drop frame leaves out the first 2 frames of this minute");
+  EXPECT_EQ(refusal("13:59:00;01", drop2997), "drop frame leaves out the first 2 frames of this minute");
+  EXPECT_EQ(refusal("00:01:00;03", drop5994), "drop frame leaves out the first 4 frames of this minute");
+  EXPECT_EQ(frame("00:10:00;00", drop2997), 17'982);
+  EXPECT_EQ(refusal("01:00:00:25", {rate25, false}), "frames above 24");
+  EXPECT_EQ(refusal("01:00:00:24", {rate2397, false}), "frames above 23");
+  EXPECT_EQ(refusal("01:00:00:30", drop2997), "frames above 29");
+  EXPECT_EQ(refusal("01:00:00;00", {rate2997, false}), "';' is drop frame");
+  EXPECT_EQ(refusal("24:00:00:00", {rate25, false}), "hours above 23");
+  EXPECT_EQ(refusal("99:59:59:24", {rate25, false}), "hours above 23");
+  EXPECT_EQ(refusal("00:60:00:00", {rate25, false}), "minutes above 59");
+  EXPECT_EQ(refusal("1009", {rate25, false}), "not hh:mm:ss:ff");
+  EXPECT_EQ(refusal("", {rate25, false}), "not hh:mm:ss:ff");
 }
 
 TEST(DropFrame, OnlyAt2997And5994)
 {
   for (const FrameRate rate : frameRates) {
-    const bool has = rate == kRate2997 || rate == kRate5994;
+    const bool has = rate == rate2997 || rate == rate5994;
     EXPECT_EQ(hasDropFrame(rate), has) << rateName(rate);
     if (has)
       continue;
@@ -154,23 +154,23 @@ TEST(DropFrame, OnlyAt2997And5994)
 
 TEST(LabelOf, FirstAndLastFrameOfTheDay)
 {
-  EXPECT_EQ(label(0, {kRate25, false}), "00:00:00:00");
-  EXPECT_EQ(label(0, kDrop2997), "00:00:00;00");
-  EXPECT_EQ(label(2'589'407, kDrop2997), "23:59:59;29");
-  EXPECT_EQ(label(1799, kDrop2997), "00:00:59;29");
-  EXPECT_EQ(label(1800, kDrop2997), "00:01:00;02");
-  EXPECT_EQ(label(120 * 86'400 - 1, {kRate120, false}), "23:59:59:119");
-  EXPECT_EQ(label(7, {kRate120, false}), "00:00:00:007");
+  EXPECT_EQ(label(0, {rate25, false}), "00:00:00:00");
+  EXPECT_EQ(label(0, drop2997), "00:00:00;00");
+  EXPECT_EQ(label(2'589'407, drop2997), "23:59:59;29");
+  EXPECT_EQ(label(1799, drop2997), "00:00:59;29");
+  EXPECT_EQ(label(1800, drop2997), "00:01:00;02");
+  EXPECT_EQ(label(120 * 86'400 - 1, {rate120, false}), "23:59:59:119");
+  EXPECT_EQ(label(7, {rate120, false}), "00:00:00:007");
 }
 
 TEST(LabelOf, FrameOutsideTheDayIsRefusedAndNeverWraps)
 {
   std::string label = "as it was";
-  for (const std::int64_t before : {std::int64_t{-1}, kLeast})
-    EXPECT_EQ(labelOf(before, {kRate25, false}, label), "before the first frame of the day");
-  for (const std::int64_t after : {std::int64_t{2'160'000}, kMost})
-    EXPECT_EQ(labelOf(after, {kRate25, false}, label), "after the last frame of the day, 2159999");
-  EXPECT_EQ(labelOf(2'589'408, kDrop2997, label), "after the last frame of the day, 2589407");
+  for (const std::int64_t before : {std::int64_t{-1}, leastOf64Bits})
+    EXPECT_EQ(labelOf(before, {rate25, false}, label), "before the first frame of the day");
+  for (const std::int64_t after : {std::int64_t{2'160'000}, mostOf64Bits})
+    EXPECT_EQ(labelOf(after, {rate25, false}, label), "after the last frame of the day, 2159999");
+  EXPECT_EQ(labelOf(2'589'408, drop2997, label), "after the last frame of the day, 2589407");
   EXPECT_EQ(label, "as it was");
 }
 
@@ -205,12 +205,12 @@ TEST(RateOf, NameOfEveryRateComesBack)
 TEST(RateOf, FurtherDecimalsCutOnesAndFractionsMeanTheSame)
 {
   for (const char* text : {"23.976", "23.97", "23.9760", "23.980", "23.976024", "23.976023976", "24000/1001"})
-    EXPECT_EQ(rateOf(text), kRate2397) << text;
+    EXPECT_EQ(rateOf(text), rate2397) << text;
   for (const char* text : {"25.00", "25.000000", "25/1", "50/2", "25000/1000"})
-    EXPECT_EQ(rateOf(text), kRate25) << text;
-  EXPECT_EQ(rateOf("59.940"), kRate5994);
-  EXPECT_EQ(rateOf("29.970030"), kRate2997);
-  EXPECT_EQ(rateOf("119.880"), kRate11988);
+    EXPECT_EQ(rateOf(text), rate25) << text;
+  EXPECT_EQ(rateOf("59.940"), rate5994);
+  EXPECT_EQ(rateOf("29.970030"), rate2997);
+  EXPECT_EQ(rateOf("119.880"), rate11988);
   EXPECT_EQ(rateOf("47.952"), (FrameRate{48, true}));
 }
 
@@ -225,58 +225,58 @@ TEST(RateOf, OtherTextIsNoRate)
 TEST(SecondsOf, ExactFractionsInLowestTerms)
 {
   Seconds seconds;
-  EXPECT_EQ(secondsOf(0, kRate2997, seconds), "");
+  EXPECT_EQ(secondsOf(0, rate2997, seconds), "");
   EXPECT_EQ(seconds, (Seconds{0, 1}));
-  EXPECT_EQ(secondsOf(30'000, kRate2997, seconds), "");
+  EXPECT_EQ(secondsOf(30'000, rate2997, seconds), "");
   EXPECT_EQ(seconds, (Seconds{1001, 1}));
-  EXPECT_EQ(secondsOf(1, kRate2397, seconds), "");
+  EXPECT_EQ(secondsOf(1, rate2397, seconds), "");
   EXPECT_EQ(seconds, (Seconds{1001, 24'000}));
-  EXPECT_EQ(secondsOf(-50, kRate25, seconds), "");
+  EXPECT_EQ(secondsOf(-50, rate25, seconds), "");
   EXPECT_EQ(seconds, (Seconds{-2, 1}));
 }
 
 TEST(SecondsOf, MoreThan64BitsIsRefused)
 {
   Seconds seconds = {1, 2};
-  EXPECT_EQ(secondsOf(kMost, kRate2397, seconds), "more than 64 bits hold");
-  EXPECT_EQ(secondsOf(kLeast + 1, kRate2397, seconds), "more than 64 bits hold");
+  EXPECT_EQ(secondsOf(mostOf64Bits, rate2397, seconds), "more than 64 bits hold");
+  EXPECT_EQ(secondsOf(leastOf64Bits + 1, rate2397, seconds), "more than 64 bits hold");
   EXPECT_EQ(seconds, (Seconds{1, 2}));
-  EXPECT_EQ(secondsOf(kMost, kRate25, seconds), "");
-  EXPECT_EQ(seconds, (Seconds{kMost, 25}));
+  EXPECT_EQ(secondsOf(mostOf64Bits, rate25, seconds), "");
+  EXPECT_EQ(seconds, (Seconds{mostOf64Bits, 25}));
 }
 
 TEST(FramesIn, ExactTimesOnly)
 {
   std::int64_t frames = 0;
-  EXPECT_EQ(framesIn({1'124'256, 25}, kRate25, frames), "");
+  EXPECT_EQ(framesIn({1'124'256, 25}, rate25, frames), "");
   EXPECT_EQ(frames, 1'124'256);
-  EXPECT_EQ(framesIn({1001, 1}, kRate2997, frames), "");
+  EXPECT_EQ(framesIn({1001, 1}, rate2997, frames), "");
   EXPECT_EQ(frames, 30'000);
-  EXPECT_EQ(framesIn({-4004, 96'000}, kRate2397, frames), "");
+  EXPECT_EQ(framesIn({-4004, 96'000}, rate2397, frames), "");
   EXPECT_EQ(frames, -1);
-  EXPECT_EQ(framesIn({1, 1}, kRate2997, frames), "no whole number of frames at 29.97 frames per second");
-  EXPECT_EQ(framesIn({1, 50}, kRate25, frames), "no whole number of frames at 25 frames per second");
+  EXPECT_EQ(framesIn({1, 1}, rate2997, frames), "no whole number of frames at 29.97 frames per second");
+  EXPECT_EQ(framesIn({1, 50}, rate25, frames), "no whole number of frames at 25 frames per second");
   EXPECT_EQ(frames, -1);
 }
 
 TEST(FramesIn, FractionOutsideItsRangeIsRefused)
 {
   std::int64_t frames = 5;
-  for (const std::int64_t denominator : {std::int64_t{0}, std::int64_t{-1}, kLeast})
-    EXPECT_EQ(framesIn({1, denominator}, kRate25, frames), "a denominator below 1");
-  EXPECT_EQ(framesIn({kMost, 1}, kRate25, frames), "more than 64 bits hold");
-  EXPECT_EQ(framesIn({kLeast, 1}, kRate25, frames), "more than 64 bits hold");
+  for (const std::int64_t denominator : {std::int64_t{0}, std::int64_t{-1}, leastOf64Bits})
+    EXPECT_EQ(framesIn({1, denominator}, rate25, frames), "a denominator below 1");
+  EXPECT_EQ(framesIn({mostOf64Bits, 1}, rate25, frames), "more than 64 bits hold");
+  EXPECT_EQ(framesIn({leastOf64Bits, 1}, rate25, frames), "more than 64 bits hold");
   EXPECT_EQ(frames, 5);
-  EXPECT_EQ(framesIn({kMost, kMost}, kRate25, frames), "");
+  EXPECT_EQ(framesIn({mostOf64Bits, mostOf64Bits}, rate25, frames), "");
   EXPECT_EQ(frames, 25);
-  EXPECT_EQ(framesIn({kLeast, 25}, kRate25, frames), "");
-  EXPECT_EQ(frames, kLeast);
+  EXPECT_EQ(framesIn({leastOf64Bits, 25}, rate25, frames), "");
+  EXPECT_EQ(frames, leastOf64Bits);
 }
 
 TEST(Seconds, RandomFramesOfEveryRateComeBack)
 {
   std::mt19937_64 random(19'640'901);
-  constexpr std::int64_t most = kMost / 1001;
+  constexpr std::int64_t most = mostOf64Bits / 1001;
   std::uniform_int_distribution<std::int64_t> frames(-most, most);
   for (const FrameRate rate : frameRates) {
     for (int i = 0; i < 2000; ++i) {

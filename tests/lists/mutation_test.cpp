@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The examples, damaged in 2,000 ways that are the same in every run: reading must end with a list that accounts for
-// every line, or with the one error that says it is none.
+// every line, or with the error that it is not a list.
 #include <cstdint>
 #include <random>
 #include <string>
@@ -20,7 +20,7 @@ using namespace reeldb::lists::test;
 
 namespace {
 
-constexpr int kRounds = 2000;
+constexpr int rounds = 2000;
 
 class Damage {
 public:
@@ -40,9 +40,9 @@ private:
 
   void once(std::string& text)
   {
-    static const std::string kTelling("\0\t\n\r\x1A *:;.,/>|\x80\xC2\xFF"
-                                      "09AVX",
-                                      22);
+    static const std::string telling("\0\t\n\r\x1A *:;.,/>|\x80\xC2\xFF"
+                                     "09AVX",
+                                     22);
     const std::size_t at = below(text.size());
     const std::size_t size = 1 + below(60);
     switch (below(7)) {
@@ -50,10 +50,10 @@ private:
       text[at] = static_cast<char>(random_() & 0xFF);
       break;
     case 1:
-      text[at] = kTelling[below(kTelling.size())];
+      text[at] = telling[below(telling.size())];
       break;
     case 2:
-      text.insert(at, 1 + below(200), kTelling[below(kTelling.size())]);
+      text.insert(at, 1 + below(200), telling[below(telling.size())]);
       break;
     case 3:
       text.erase(at, size);
@@ -88,7 +88,7 @@ void expectSound(const List& list)
   for (const Clip& clip : list.clips) {
     ASSERT_FALSE(clip.reel.empty());
     for (const std::string* name : {&clip.reel, &clip.clipName, &clip.sourceFile}) {
-      ASSERT_LE(name->size(), kNameBytes);
+      ASSERT_LE(name->size(), nameBytes);
       ASSERT_EQ(clean(*name), *name) << "tabs or outer blanks";
       ASSERT_EQ(firstControl(*name), "");
       ASSERT_TRUE(utf8::is_valid(name->begin(), name->end()));
@@ -118,7 +118,7 @@ TEST_P(Mutation, NoDamageCrashesOrLosesALine)
   const std::string example = fileBytes(std::string(REELDB_EXAMPLES) + "/" + GetParam());
   ASSERT_FALSE(example.empty());
   int lists = 0;
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < rounds; ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
     const std::string damaged = Damage(static_cast<std::uint32_t>(round))(example);
     try {
@@ -130,7 +130,7 @@ TEST_P(Mutation, NoDamageCrashesOrLosesALine)
     if (HasFailure())
       break;
   }
-  EXPECT_GT(lists, kRounds / 2) << "most damage leaves a list";
+  EXPECT_GT(lists, rounds / 2) << "most damage leaves a list";
 }
 
 INSTANTIATE_TEST_SUITE_P(Examples, Mutation, testing::Values("cut-list.edl", "camera-log.ale", "latin1-bars.edl"),

@@ -49,7 +49,7 @@ TEST(Read, Utf16WithoutAMarkSaysWhatToDo)
   EXPECT_EQ(failure(bytes), "UTF-16 without a byte order mark (save it as UTF-8)");
 }
 
-TEST(Read, TellsTheFormatFromTheContent)
+TEST(Read, DetectsTheFormatByTheContent)
 {
   EXPECT_EQ(read(event("001", "R V C")).format, Format::Edl);
   EXPECT_EQ(read("Column\nName\tTape\nData\na\tT1\n").format, Format::Ale);

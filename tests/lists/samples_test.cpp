@@ -25,7 +25,7 @@ struct Sample {
   std::uint64_t digest; ///< FNV-1a of the sorted reel names, joined by line feeds
 };
 
-const Sample kSamples[] = {
+const Sample samples[] = {
     {"01_file32_source_table.edl", 287, 0, 158, 0x1a9d0ca92da0d429U},
     {"02_file32_source_table_b.edl", 250, 0, 165, 0x31832146c7c42c35U},
     {"04_audio_dissolves_BL.edl", 144, 4, 6, 0x018e980624fd3153U},
@@ -95,7 +95,7 @@ TEST_P(Samples, EveryLineIsAccountedFor)
   EXPECT_EQ(accountedLines(list), list.tally.lines);
 }
 
-INSTANTIATE_TEST_SUITE_P(Lists, Samples, testing::ValuesIn(kSamples), [](const auto& instance) {
+INSTANTIATE_TEST_SUITE_P(Lists, Samples, testing::ValuesIn(samples), [](const auto& instance) {
   std::string name = instance.param.file;
   for (char& c : name)
     c = c == '.' ? '_' : c;

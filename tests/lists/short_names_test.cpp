@@ -59,7 +59,7 @@ TEST(ShortNames, NamesThatWouldBeCutToTheSameAreNumbered)
             (Strings{std::string(30, 'x') + "_1", std::string(30, 'X') + "_2"}));
 }
 
-TEST(ShortNames, ReelThatBearsTheCutNameKeepsIt)
+TEST(ShortNames, ReelWithTheCutNameKeepsIt)
 {
   EXPECT_EQ(names({"A021C012_210609", "A021C012"}, 8), (Strings{"A021C011", "A021C012"}));
 }

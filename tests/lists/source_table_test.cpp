@@ -17,7 +17,7 @@ using namespace reeldb::lists::test;
 
 namespace {
 
-constexpr const char* kUmid = "060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}";
+constexpr const char* umid = "060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}";
 
 SourceTable tableOf(const Strings& rows, const Strings& reels = {})
 {
@@ -59,11 +59,11 @@ std::string split(const std::string& row, const std::string& name, const Strings
 TEST(SourceTable, TheLongerNameIsTheIdentifierWhicheverIsCut)
 {
   for (const char* names : {"A008C013_140711ZJ                A008C013 ", "A008C013 A008C013_140711ZJ "}) {
-    const SourceTable table = tableOf({std::string(names) + kUmid});
+    const SourceTable table = tableOf({std::string(names) + umid});
     for (const char* reel : {"A008C013", "a008c013_140711zj"}) {
       const SourceMatch match = table.find(reel);
       EXPECT_TRUE(match.found) << reel;
-      EXPECT_EQ(match.ids, Strings{kUmid}) << reel;
+      EXPECT_EQ(match.ids, Strings{umid}) << reel;
       EXPECT_TRUE(match.fits.empty()) << reel;
     }
     EXPECT_EQ(table.find("A008C013").identifier, "A008C013_140711ZJ");
@@ -83,12 +83,12 @@ TEST(SourceTable, OnATieTheReelTextStays)
 
 TEST(SourceTable, RowsOfAllShapes)
 {
-  const std::string id = std::string(" ") + kUmid;
-  EXPECT_EQ(split("SROY-12B SROY-12B" + id, "SROY-12B"), std::string("SROY-12B|") + kUmid);
-  EXPECT_EQ(split("LONG_NAME LONG" + id, "LONG"), std::string("LONG_NAME|LONG|") + kUmid);
+  const std::string id = std::string(" ") + umid;
+  EXPECT_EQ(split("SROY-12B SROY-12B" + id, "SROY-12B"), std::string("SROY-12B|") + umid);
+  EXPECT_EQ(split("LONG_NAME LONG" + id, "LONG"), std::string("LONG_NAME|LONG|") + umid);
   EXPECT_EQ(split("LONG\tNAME\t4919975f.793b8d33", "NAME"), "LONG|NAME|4919975f.793b8d33");
   EXPECT_EQ(split("A  B 4919975f 793b8d33", "A"), "A|B|4919975f 793b8d33");
-  EXPECT_EQ(split("ONE" + id, "ONE", {"ONE"}), std::string("ONE|") + kUmid);
+  EXPECT_EQ(split("ONE" + id, "ONE", {"ONE"}), std::string("ONE|") + umid);
   EXPECT_EQ(split("ONE 060A2B34-ABCDEF.09{af}", "ONE", {"ONE"}), "ONE|060A2B34-ABCDEF.09{af}");
   EXPECT_EQ(split("ONE ONE_LONGER_AGAIN.MOV", "ONE", {"ONE"}), "ONE|ONE_LONGER_AGAIN.MOV|");
   EXPECT_EQ(split("ONE 060a2b34abcdef09", "ONE", {"ONE"}), "ONE|060a2b34abcdef09");
@@ -102,9 +102,9 @@ TEST(SourceTable, ARowWithOneNameNeedsAReelOfTheList)
 {
   EXPECT_EQ(fault("ONE", {"one"}), "");
   EXPECT_EQ(fault("ONE", {"TWO"}), "source row with one name, and no event has the reel 'ONE'");
-  EXPECT_EQ(fault(std::string("ONE ") + kUmid, {"ONE"}), "");
-  EXPECT_EQ(fault(std::string("ONE ") + kUmid), "source row with one name, and no event has the reel 'ONE'");
-  EXPECT_EQ(fault(kUmid), "source row with one name, and no event has the reel '" + std::string(kUmid, 40) + "...'");
+  EXPECT_EQ(fault(std::string("ONE ") + umid, {"ONE"}), "");
+  EXPECT_EQ(fault(std::string("ONE ") + umid), "source row with one name, and no event has the reel 'ONE'");
+  EXPECT_EQ(fault(umid), "source row with one name, and no event has the reel '" + std::string(umid, 40) + "...'");
 }
 
 TEST(SourceTable, ARowWithoutAnIdNeedsTwoFormsOfOneReelOfTheList)
@@ -148,7 +148,7 @@ TEST(SourceTable, ARowThatIsLeftOutIsNotFoundAndTheOthersAre)
   EXPECT_EQ(table.find("A001").identifier, "A001_LONG");
 }
 
-TEST(SourceTable, OneNameWithBlanksIsOneWhenAReelOfTheListIsCalledThat)
+TEST(SourceTable, NameWithBlanksIsASingleNameIfAReelOfTheListHasIt)
 {
   EXPECT_EQ(split("PIER CAM 2", "PIER CAM 2", {"PIER CAM 2"}), "PIER CAM 2|");
   EXPECT_EQ(split("PIER CAM", "PIER CAM", {"PIER CAM"}), "PIER CAM|");
@@ -190,7 +190,7 @@ TEST(SourceTable, ACutNameThatFitsSeveralSourcesHasNoIdentifier)
   EXPECT_EQ(match.ids, (Strings{"id00000000000001", "id00000000000002"}));
 }
 
-TEST(SourceTable, ARowWhoseWholeNameIsTheReelGoesFirst)
+TEST(SourceTable, RowWhoseWholeNameIsTheReelComesFirst)
 {
   const SourceMatch match = tableOf({"A001_LONG A001 id1", "A001 A001 id2"}).find("a001");
   EXPECT_EQ(match.identifier, "");

@@ -15,12 +15,12 @@
 namespace reeldb::lists::test {
 
 /// The four timecodes of an event line that is not about timecodes.
-inline const std::string kTimecodes = "01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00";
+inline const std::string anyTimecodes = "01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00";
 
 /// An event line: "001  REEL V C <timecodes>".
 inline std::string event(const std::string& number, const std::string& fields)
 {
-  return number + "  " + fields + " " + kTimecodes + "\n";
+  return number + "  " + fields + " " + anyTimecodes + "\n";
 }
 
 inline std::vector<std::string> reels(const List& list)

@@ -34,7 +34,7 @@ TEST(Lines, LastLineNeedsNoEndAndAnEndAddsNoLine)
   EXPECT_EQ(split(""), Numbered{});
 }
 
-TEST(Lines, PaddingAtEitherEndGoesAndBlanksNextToTheTextStay)
+TEST(Lines, PaddingAtEitherEndIsRemovedAndBlanksNextToTheTextStay)
 {
   EXPECT_EQ(split(std::string_view("\f  a \t\0 \x1A\n\0\0 \f\n b \0c\n", 20)),
             (Numbered{{1, "  a \t"}, {2, ""}, {3, std::string(" b \0c", 5)}}));
@@ -54,7 +54,7 @@ TEST(Clean, TabsBecomeBlanksAndOuterBlanksGo)
   EXPECT_EQ(clean("\t A\tB\x01 C\t "), "A B\x01 C");
 }
 
-TEST(FirstControl, IsFoundAndTabsAndLettersAreNone)
+TEST(FirstControl, IsFoundUnlikeTabsAndLetters)
 {
   EXPECT_EQ(firstControl("a\tb \xC3\xBC\xC2\xA0"), "");
   EXPECT_EQ(firstControl("a\x01\x02"), "\x01");

@@ -25,7 +25,7 @@ TEST(TimecodeFault, EveryPartHasItsEnd)
   EXPECT_EQ(timecodeFault("01:59:59:120"), "frames above 119");
 }
 
-TEST(TimecodeFault, AnyOtherShapeIsNone)
+TEST(TimecodeFault, AnyOtherShapeIsNotATimecode)
 {
   for (const char* bad : {"", "1:02:03:04", "01:02:03", "01:02:03:4", "01:02:03:0004", "01:02:03:0a", "01:02::3:04",
                           "01-02-03-04", "01:02:03:04x", "0102030405", "::::::::::::"})

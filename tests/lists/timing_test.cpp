@@ -11,7 +11,7 @@ using namespace reeldb::lists::test;
 
 namespace {
 
-constexpr FrameRate kRate24 = {24, false}, kRate25 = {25, false}, kRate2997 = {30, true}, kRate5994 = {60, true};
+constexpr FrameRate rate24 = {24, false}, rate25 = {25, false}, rate2997 = {30, true}, rate5994 = {60, true};
 
 std::string line(const std::string& number, const std::string& sourceIn, const std::string& sourceOut)
 {
@@ -232,16 +232,16 @@ TEST(FrameNumbers, LogHasThemInBothColumnsOrNot)
 TEST(Contradiction, RateThatTheListGives)
 {
   const List list = read(log("FPS\t23.98\n", "", "a\tT1\tV\t01:00:00:00\t01:00:01:00\n"));
-  EXPECT_EQ(against(list, kRate25), "3: frame rate 23.98 (the project has 25): FPS 23.98");
+  EXPECT_EQ(against(list, rate25), "3: frame rate 23.98 (the project has 25): FPS 23.98");
   EXPECT_EQ(against(list, {24, true}), "");
-  EXPECT_NE(against(list, kRate24), "");
+  EXPECT_NE(against(list, rate24), "");
 }
 
 TEST(Contradiction, MoreFramesThanTheProjectCounts)
 {
   const List list = read("TITLE: X\n" + line("001", "01:00:00:24", "01:00:01:00") +
                          line("002", "01:00:00:00", "01:00:01:28") + line("003", "01:00:00:28", "01:00:01:00"));
-  EXPECT_EQ(against(list, kRate25),
+  EXPECT_EQ(against(list, rate25),
             "3: source out 01:00:01:28 counts more than the 25 frames per second of the project (kept as it is): "
             "002  A001 V C 01:00:00:00 01:00:01:28 10:00:00:00 10:00:01:00");
   EXPECT_EQ(against(list, {30, false}), "");
@@ -250,17 +250,17 @@ TEST(Contradiction, MoreFramesThanTheProjectCounts)
 TEST(Contradiction, LastFrameThatTheProjectCountsIsNone)
 {
   const List list = read("TITLE: X\n" + line("001", "01:00:00:24", "01:00:01:00"));
-  EXPECT_EQ(against(list, kRate25), "");
-  EXPECT_NE(against(list, kRate24), "");
+  EXPECT_EQ(against(list, rate25), "");
+  EXPECT_NE(against(list, rate24), "");
 }
 
 TEST(Contradiction, DropFrameWhereTheProjectHasNone)
 {
   const List list = read("TITLE: X\nFCM: DROP FRAME\n" + line("001", "01:00:00:00", "01:00:01:00"));
-  EXPECT_EQ(against(list, kRate25),
+  EXPECT_EQ(against(list, rate25),
             "2: drop frame (the project has 25 frames per second, which count without): FCM: DROP FRAME");
-  EXPECT_EQ(against(list, kRate2997), "");
-  EXPECT_EQ(against(list, kRate5994), "");
+  EXPECT_EQ(against(list, rate2997), "");
+  EXPECT_EQ(against(list, rate5994), "");
 }
 
 TEST(Contradiction, ListThatSaysNothingContradictsNoRate)

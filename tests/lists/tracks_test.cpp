@@ -100,7 +100,7 @@ TEST(ParseLogTracks, OtherTextsAreNoTracks)
   EXPECT_EQ(logCount(std::string(257, 'A')), "none");
 }
 
-TEST(HasChannelNumber, TellsTenFromOneAndTwo)
+TEST(HasChannelNumber, DistinguishesTenFromOneAndTwo)
 {
   EXPECT_TRUE(hasChannelNumber("A10"));
   EXPECT_TRUE(hasChannelNumber("VA1A22"));

@@ -47,7 +47,7 @@ void expectSame(const List& list, const std::vector<Clip>& clips)
 
 void expectRoundTrips(const std::vector<Clip>& clips)
 {
-  for (const std::size_t field : kReelFields) {
+  for (const std::size_t field : reelFields) {
     SCOPED_TRACE(field);
     const Written written = writeEdl("TEST", clips, field);
     EXPECT_EQ(written.clips, clips.size());
@@ -68,7 +68,7 @@ TEST(Write, ReelsOfAnySpellingComeBack)
   expectRoundTrips(clips);
 }
 
-TEST(Write, LongNamesAreNotTakenForWrappedNotes)
+TEST(Write, LongNamesAreNotReadAsWrappedNotes)
 {
   std::vector<Clip> clips = {clipOf(std::string(120, 'x') + " y", std::string(70, 'n') + " m", "V", 1, 0),
                              clipOf(std::string(120, 'x') + " z", std::string(66, 'n'), "V", 1, 0)};
@@ -151,14 +151,14 @@ TEST(Write, ClipWithoutAReelIsLeftOut)
   EXPECT_EQ(written.leftOut, Strings{"clip 'ONE' of reel '': left out (it has no reel)"});
 }
 
-TEST(Write, TextThatIsNoUtf8IsReadAsLatin1AndRemarkedOn)
+TEST(Write, TextThatIsNotUtf8IsReadAsLatin1AndRemarkedOn)
 {
   const Written written = writeAle("25", {clipOf("K\xdcSTE", "", "V", 1, 0)});
   EXPECT_EQ(read(written.text).clips.at(0).reel, "K\xc3\x9cSTE");
   EXPECT_EQ(written.remarks.size(), 1u);
 }
 
-TEST(ReelMap, TellsTheReelOfANameWhereverItStandsAndTheNameIsNoOtherName)
+TEST(ReelMap, GivesTheReelOfANameAnywhereAndTheNameIsNotAnAlias)
 {
   const List list =
       read("TITLE: X\n" + event("001", "A1 V C") + event("002", "a1 V C") + "*reel map: A1 =  LONG A 1\n" +
@@ -178,7 +178,7 @@ TEST(ReelMap, TwoReelsForOneNameAreAmbiguous)
   EXPECT_EQ(list.ambiguous[0].reason, "the map of the list gives the name to several reels");
 }
 
-TEST(ReelMap, NoteThatIsNoneIsPassedOver)
+TEST(ReelMap, NoteThatIsNotAMapIsSkipped)
 {
   EXPECT_EQ(reels(read("TITLE: X\n* REEL MAP: A1 ONE\n* REEL MAP: A1 =\n* REEL MAP\n" + event("001", "A1 V C"))),
             Strings{"A1"});
@@ -190,7 +190,7 @@ TEST(ReelMap, BlackStaysBlack)
   EXPECT_EQ(specialLines(list), 1);
 }
 
-TEST(WriteEdl, TextThatMeansNoneIsTold)
+TEST(WriteEdl, TextThatMeansNoValueIsRemarkedOn)
 {
   Clip clip = clipOf("A", "(null)", "V", 1, 0);
   clip.sourceFile = "(NULL)";

@@ -22,6 +22,7 @@ class Swap(unittest.TestCase):
 
     def test_declaration_is_not_put_behind_its_use(self):
         self.assertEqual(changed("swap", "int n = a(); b(n);"), [])
+        self.assertEqual(changed("swap", "std::vector<Text<char>> ids; b(ids);"), [])
         self.assertEqual(changed("swap", "Hold hold; b();"), ["b(); Hold hold;"])
 
     def test_nothing_is_put_behind_what_leaves(self):

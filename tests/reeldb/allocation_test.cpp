@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The allocation operators. The program brings its own OS(), so a case sees each request that arrives at the host. The
-// operators are taken from the library itself: in a sanitizer build those that the program calls are the sanitizer's.
+// The allocation operators. The program defines its own OS(), so a case sees each request to the host. The operators
+// are looked up in the library itself, because in a sanitizer build the program calls those of the sanitizer.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -21,7 +21,7 @@
 
 namespace {
 
-/// Counts what arrives. Refuses as often as it is told to.
+/// Counts the calls. Refuses as many of them as the test demands.
 class CountingAllocator final : public iAllocator {
 public:
   void* allocate(std::size_t size) override
@@ -73,10 +73,10 @@ CountingAllocator& host()
 
 // --- Before main and after it --------------------------------------------------------------------
 
-/// Whether what the program allocates arrives at the host.
+/// Whether the program's allocations arrive at the host.
 bool programAllocatesAtTheHost();
 
-/// Allocates and frees in between the counts; whether both arrived.
+/// Allocates and frees memory, and counts before and after. Returns whether both requests arrived.
 bool hostSeesOne()
 {
   const std::int64_t allocated = host().allocateCalls, released = host().releaseCalls;
@@ -144,7 +144,7 @@ bool programAllocatesAtTheHost()
   return dlsym(RTLD_DEFAULT, "_Znwm") == ownSymbol("_Znwm");
 }
 
-/// What arrived at the host while something ran.
+/// The requests that arrived at the host while something ran.
 struct Arrived {
   std::int64_t allocations, releases;
   bool operator==(const Arrived&) const = default;
@@ -165,14 +165,14 @@ std::ostream& operator<<(std::ostream& out, const Arrived& arrived)
 
 constexpr Arrived oneAllocation{1, 0}, oneRelease{0, 1}, nothing{0, 0};
 
-/// For what the operators owe to others of the family, which in a sanitizer build are the sanitizer's.
+/// For calls of one operator by another, which in a sanitizer build are calls of the sanitizer's operators.
 #define REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST()                                                                      \
   if (!programAllocatesAtTheHost())                                                                                    \
   GTEST_SKIP() << "another operator new comes before the library's in this program"
 
 int roomMade = 0;
 
-/// Thrown by a new handler. It holds nothing: throwing it asks for no memory that the host could refuse.
+/// Thrown by a new handler. It has no members, so throwing it needs no memory that the host could refuse.
 struct NoRoomToMake {};
 
 class Allocation : public ::testing::Test {
@@ -194,7 +194,7 @@ iHostServices* OS()
 
 TEST_F(Allocation, LibraryIsLinkedBeforeTheStandardLibrary)
 {
-  EXPECT_STREQ("14.0.0.0", reeldbDllVersionStr());
+  EXPECT_STREQ(reeldbDllVersionStr(), "14.0.0.0");
 #ifndef REELDB_SANITIZED // a sanitizer's operators come first
   EXPECT_TRUE(programAllocatesAtTheHost());
 #endif
@@ -203,20 +203,20 @@ TEST_F(Allocation, LibraryIsLinkedBeforeTheStandardLibrary)
 TEST_F(Allocation, NewAllocatesAtTheHostAndDeleteReleasesThere)
 {
   void* p = nullptr;
-  EXPECT_EQ(oneAllocation, arrivedDuring([&] { p = plainNew(1234); }));
-  EXPECT_EQ(1234U, host().lastSize);
-  ASSERT_NE(nullptr, p);
+  EXPECT_EQ(arrivedDuring([&] { p = plainNew(1234); }), oneAllocation);
+  EXPECT_EQ(host().lastSize, 1234U);
+  ASSERT_NE(p, nullptr);
   std::memset(p, 0x55, 1234);
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { plainDelete(p); }));
-  EXPECT_EQ(p, host().lastReleased);
+  EXPECT_EQ(arrivedDuring([&] { plainDelete(p); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, p);
 }
 
 TEST_F(Allocation, NothingIsAllocatedAsOneByte)
 {
   void* const p = plainNew(0);
-  EXPECT_EQ(1U, host().lastSize);
+  EXPECT_EQ(host().lastSize, 1U);
   void* const q = plainNew(0);
-  EXPECT_NE(nullptr, p);
+  EXPECT_NE(p, nullptr);
   EXPECT_NE(p, q);
   plainDelete(p);
   plainDelete(q);
@@ -224,29 +224,30 @@ TEST_F(Allocation, NothingIsAllocatedAsOneByte)
 
 TEST_F(Allocation, DeleteOfNullDoesNothing)
 {
-  EXPECT_EQ(nothing, arrivedDuring([] {
+  EXPECT_EQ(arrivedDuring([] {
               plainDelete(nullptr);
               arrayDelete(nullptr);
               plainDeleteOrNull(nullptr, std::nothrow);
               arrayDeleteOrNull(nullptr, std::nothrow);
-            }));
+            }),
+            nothing);
 }
 
 TEST_F(Allocation, NewThrowsWhenTheHostHasNoMemory)
 {
   host().refusals = 1;
   EXPECT_THROW(plainNew(8), std::bad_alloc);
-  EXPECT_EQ(0, host().refusals);
+  EXPECT_EQ(host().refusals, 0);
 }
 
-TEST_F(Allocation, NewAsksTheNewHandlerForRoomAndTheHostAgain)
+TEST_F(Allocation, NewCallsTheNewHandlerAndThenTheHostAgain)
 {
   std::set_new_handler([] { ++roomMade; });
   host().refusals = 3;
   void* p = nullptr;
-  EXPECT_EQ((Arrived{4, 0}), arrivedDuring([&] { p = plainNew(8); }));
-  EXPECT_EQ(3, roomMade);
-  EXPECT_NE(nullptr, p);
+  EXPECT_EQ(arrivedDuring([&] { p = plainNew(8); }), (Arrived{4, 0}));
+  EXPECT_EQ(roomMade, 3);
+  EXPECT_NE(p, nullptr);
   plainDelete(p);
 }
 
@@ -257,8 +258,8 @@ TEST_F(Allocation, NewGivesUpWhenTheNewHandlerTakesItselfAway)
     std::set_new_handler(nullptr);
   });
   host().refusals = 100;
-  EXPECT_EQ((Arrived{2, 0}), arrivedDuring([] { EXPECT_THROW(plainNew(8), std::bad_alloc); }));
-  EXPECT_EQ(1, roomMade);
+  EXPECT_EQ(arrivedDuring([] { EXPECT_THROW(plainNew(8), std::bad_alloc); }), (Arrived{2, 0}));
+  EXPECT_EQ(roomMade, 1);
 }
 
 TEST_F(Allocation, NewPassesTheExceptionOfTheNewHandler)
@@ -277,7 +278,7 @@ TEST_F(Allocation, OtherFormsPairUpInEveryBuild)
   }
   for (NewOrNull* const form : {plainNewOrNull, arrayNewOrNull}) {
     void* const p = form(64, std::nothrow);
-    ASSERT_NE(nullptr, p);
+    ASSERT_NE(p, nullptr);
     std::memset(p, 0x55, 64);
     form == plainNewOrNull ? plainDeleteOrNull(p, std::nothrow) : arrayDeleteOrNull(p, std::nothrow);
   }
@@ -288,38 +289,38 @@ TEST_F(Allocation, OtherFormsForwardToThePlainOnes)
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   std::array<void*, 3> p{};
   const auto expectAllocation = [](std::size_t size, const auto& action) {
-    EXPECT_EQ(oneAllocation, arrivedDuring(action));
-    EXPECT_EQ(size, host().lastSize);
+    EXPECT_EQ(arrivedDuring(action), oneAllocation);
+    EXPECT_EQ(host().lastSize, size);
   };
   expectAllocation(101, [&] { p[0] = arrayNew(101); });
   expectAllocation(102, [&] { p[1] = plainNewOrNull(102, std::nothrow); });
   expectAllocation(103, [&] { p[2] = arrayNewOrNull(103, std::nothrow); });
 
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { arrayDelete(p[0]); }));
-  EXPECT_EQ(p[0], host().lastReleased);
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { plainDeleteOrNull(p[1], std::nothrow); }));
-  EXPECT_EQ(p[1], host().lastReleased);
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { arrayDeleteOrNull(p[2], std::nothrow); }));
-  EXPECT_EQ(p[2], host().lastReleased);
+  EXPECT_EQ(arrivedDuring([&] { arrayDelete(p[0]); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, p[0]);
+  EXPECT_EQ(arrivedDuring([&] { plainDeleteOrNull(p[1], std::nothrow); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, p[1]);
+  EXPECT_EQ(arrivedDuring([&] { arrayDeleteOrNull(p[2], std::nothrow); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, p[2]);
 }
 
-TEST_F(Allocation, ArrayFormThrowsAndNothrowFormsAnswerNullWhenTheHostHasNoMemory)
+TEST_F(Allocation, ArrayFormThrowsAndNothrowFormsReturnNullWhenTheHostHasNoMemory)
 {
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   host().refusals = 3;
   EXPECT_THROW(arrayNew(8), std::bad_alloc);
-  EXPECT_EQ(nullptr, plainNewOrNull(8, std::nothrow));
-  EXPECT_EQ(nullptr, arrayNewOrNull(8, std::nothrow));
-  EXPECT_EQ(0, host().refusals);
+  EXPECT_EQ(plainNewOrNull(8, std::nothrow), nullptr);
+  EXPECT_EQ(arrayNewOrNull(8, std::nothrow), nullptr);
+  EXPECT_EQ(host().refusals, 0);
 }
 
-TEST_F(Allocation, NothrowFormsAnswerNullWhateverTheNewHandlerThrows)
+TEST_F(Allocation, NothrowFormsReturnNullWhateverTheNewHandlerThrows)
 {
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   std::set_new_handler([] { throw NoRoomToMake(); });
   host().refusals = 2;
-  EXPECT_EQ(nullptr, plainNewOrNull(8, std::nothrow));
-  EXPECT_EQ(nullptr, arrayNewOrNull(8, std::nothrow));
+  EXPECT_EQ(plainNewOrNull(8, std::nothrow), nullptr);
+  EXPECT_EQ(arrayNewOrNull(8, std::nothrow), nullptr);
 }
 
 TEST_F(Allocation, ProgramAndStandardLibraryAllocateAtTheHost)
@@ -336,23 +337,24 @@ TEST_F(Allocation, SizedDeleteEndsAtTheHost)
 {
   REQUIRE_PROGRAM_TO_ALLOCATE_AT_THE_HOST();
   void* const p = ::operator new(77);
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { ::operator delete(p, std::size_t(77)); }));
-  EXPECT_EQ(p, host().lastReleased);
+  EXPECT_EQ(arrivedDuring([&] { ::operator delete(p, std::size_t(77)); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, p);
   void* const q = ::operator new[](77);
-  EXPECT_EQ(oneRelease, arrivedDuring([&] { ::operator delete[](q, std::size_t(77)); }));
-  EXPECT_EQ(q, host().lastReleased);
+  EXPECT_EQ(arrivedDuring([&] { ::operator delete[](q, std::size_t(77)); }), oneRelease);
+  EXPECT_EQ(host().lastReleased, q);
 }
 
 TEST_F(Allocation, AlignedFormsAreAPairOfTheirOwn)
 {
   void* p = nullptr;
-  EXPECT_EQ(nothing, arrivedDuring([&] {
+  EXPECT_EQ(arrivedDuring([&] {
               p = ::operator new(100, std::align_val_t(256));
-              ASSERT_NE(nullptr, p);
+              ASSERT_NE(p, nullptr);
               std::memset(p, 0x55, 100);
               ::operator delete(p, std::align_val_t(256));
-            }));
-  EXPECT_EQ(0U, reinterpret_cast<std::uintptr_t>(p) % 256);
+            }),
+            nothing);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p) % 256, 0U);
 }
 
 TEST_F(Allocation, WorksBeforeTheConstructorsOfTheProgram)

@@ -15,8 +15,8 @@ void replaceAll(std::string& text, const std::string& what, const std::string& w
     text.replace(at, what.size(), with);
 }
 
-/// While this lives it tells whether the n-th host call that may throw belongs to the host's own report of a new log:
-/// to what happens between the end of the modifier and the close of the log that the report opened.
+/// While it lives, it detects whether the n-th host call that may throw belongs to the host's own report of a new log,
+/// that is, lies between the end of the modifier and the close of the log that the report opened.
 class ReportWatch {
 public:
   ReportWatch(reelhost::Script& script, int n) : script_(script)

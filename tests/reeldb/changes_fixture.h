@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of the operations that change a project share.
+// Shared by the tests of operations that change a project.
 #ifndef REELDB_TESTS_REELDB_CHANGES_FIXTURE_H
 #define REELDB_TESTS_REELDB_CHANGES_FIXTURE_H
 
@@ -20,28 +20,28 @@ protected:
   /// UTF-8 text of each Cookie, in order.
   static Lines texts(const CookieVec& logs);
   static CookieVec cookies(std::initializer_list<Cookie> logs);
-  /// The journal's lines as one text, each of these Cookies written as a name of the test's. How many bytes
-  /// vorn_printf says it printed is left out.
+  /// The journal's lines as one text, with the names of the test for these Cookies. The number of bytes that
+  /// vorn_printf returns is left out.
   static std::string listing(Lines lines, const std::vector<std::pair<Cookie, std::string>>& names = {});
-  /// What the journal says of a thread that is taken for the main one.
+  /// The journal's line for a thread that counts as the main thread.
   static std::string mainThread();
   /// The identifier as the log's attribute shows it.
   static std::string attributeOf(const Cookie& log);
 
-  /// Lets every host call of an operation fail in turn, each time in a project of its own, prepared anew. Every time
-  /// the fault must come out as it was thrown, every log and modifier be closed, and the notification hold be as
-  /// before; @p afterwards then tells whether the manager still works. Faults inside the host's own report of a new
-  /// log stay with the host. Answers how many host calls failed.
+  /// Lets every host call of an operation fail in turn, each time in a newly prepared project. Each time, the fault
+  /// must come out as it was thrown, every log and modifier must be closed, and the notification hold must be as
+  /// before. @p afterwards then checks that the manager still works. Faults inside the host's own report of a new log
+  /// stay with the host. Returns the number of host calls that failed.
   int failEachHostCall(const std::function<void()>& prepare, const std::function<void()>& operation,
                        const std::function<void()>& afterwards);
 
   Heard heard_;
 };
 
-/// Lists one after the other.
+/// The lists, one after the other.
 Lines join(std::initializer_list<Lines> parts);
 
-// Journal lines of what the library does again and again. @p log is what `listing` calls the log.
+// Journal lines of frequent steps of the library. @p log is the name of the log in `listing`.
 
 std::string quoted(const std::string& text);                         ///< in double quotes
 Lines attributeRead(const std::string& log, const std::string& id);  ///< the identifier, as lookups read it

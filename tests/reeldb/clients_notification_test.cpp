@@ -23,17 +23,17 @@ protected:
 TEST_F(Notification, ReelSetChangeWithoutClientsStillRebuildsTheList)
 {
   const Cookie reel = addLog(9, "R1");
-  ASSERT_EQ(0, manager().reelList.count());
-  ASSERT_EQ(0U, manager().clients.count());
+  ASSERT_EQ(manager().reelList.count(), 0);
+  ASSERT_EQ(manager().clients.count(), 0U);
 
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
   EXPECT_EQ(calls, (Heard{"EditManager::getProjdb", "projdb::search"}));
-  ASSERT_EQ(1, manager().reelList.count());
+  ASSERT_EQ(manager().reelList.count(), 1);
   EXPECT_EQ(text(reel), text(manager().reelList[0]));
 }
 
-TEST_F(Notification, ReelSetChangeTellsEveryClientInOrderOfRegistration)
+TEST_F(Notification, ReelSetChangeNotifiesEveryClientInOrderOfRegistration)
 {
   Client a(heard_, "a"), b(heard_, "b"), c(heard_, "c");
 
@@ -42,7 +42,7 @@ TEST_F(Notification, ReelSetChangeTellsEveryClientInOrderOfRegistration)
   EXPECT_EQ(heard_, (Heard{"a:dbC(R1)", "b:dbC(R1)", "c:dbC(R1)"}));
 }
 
-TEST_F(Notification, ReelSetChangeRebuildsBeforeItTells)
+TEST_F(Notification, ReelSetChangeRebuildsBeforeItNotifies)
 {
   addLog(9, "R1");
   Client a(heard_);
@@ -55,12 +55,12 @@ TEST_F(Notification, ReelSetChangeRebuildsBeforeItTells)
 
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
-  EXPECT_EQ(1, reelsSeen);
-  EXPECT_EQ(2U, callsBefore);
-  EXPECT_EQ(2U, calls.size());
+  EXPECT_EQ(reelsSeen, 1);
+  EXPECT_EQ(callsBefore, 2U);
+  EXPECT_EQ(calls.size(), 2U);
 }
 
-TEST_F(Notification, ReelSetChangeOfTheWholeDatabaseTellsTheEmptyIdentifier)
+TEST_F(Notification, ReelSetChangeOfTheWholeDatabaseNotifiesWithTheEmptyIdentifier)
 {
   Client a(heard_);
 
@@ -69,7 +69,7 @@ TEST_F(Notification, ReelSetChangeOfTheWholeDatabaseTellsTheEmptyIdentifier)
   EXPECT_EQ(heard_, (Heard{"dbC()"}));
 }
 
-TEST_F(Notification, ReelSetChangeDoesNotTellTheReelOfInterestApart)
+TEST_F(Notification, ReelSetChangeDoesNotDistinguishTheReelOfInterest)
 {
   Client a(heard_, "", "R1");
 
@@ -78,7 +78,7 @@ TEST_F(Notification, ReelSetChangeDoesNotTellTheReelOfInterestApart)
   EXPECT_EQ(heard_, (Heard{"dbC(R1)"}));
 }
 
-TEST_F(Notification, HeldReelSetChangeRebuildsAndTellsNobody)
+TEST_F(Notification, HeldReelSetChangeRebuildsAndNotifiesNobody)
 {
   for (const int hold : {1, 2, -1}) {
     Client a(heard_, "", "R1");
@@ -89,13 +89,13 @@ TEST_F(Notification, HeldReelSetChangeRebuildsAndTellsNobody)
     const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
     EXPECT_EQ(calls, (Heard{"EditManager::getProjdb", "projdb::search"})) << hold;
-    EXPECT_EQ(before + 1, manager().reelList.count()) << hold;
+    EXPECT_EQ(manager().reelList.count(), before + 1) << hold;
     EXPECT_EQ(heard_, Heard{}) << hold;
-    EXPECT_EQ(hold, manager().notifyHoldCount);
+    EXPECT_EQ(manager().notifyHoldCount, hold);
   }
 }
 
-TEST_F(Notification, ReelSetChangeWithoutDatabaseKeepsTheListAndTells)
+TEST_F(Notification, ReelSetChangeWithoutDatabaseKeepsTheListAndNotifies)
 {
   addReel("R1");
   Client a(heard_);
@@ -104,13 +104,13 @@ TEST_F(Notification, ReelSetChangeWithoutDatabaseKeepsTheListAndTells)
   const auto calls = operationsOf([&] { manager().informReelDbChanged("R1"); });
 
   EXPECT_EQ(calls, (Heard{"EditManager::getProjdb"}));
-  EXPECT_EQ(1, manager().reelList.count());
+  EXPECT_EQ(manager().reelList.count(), 1);
   EXPECT_EQ(heard_, (Heard{"dbC(R1)"}));
 }
 
 // --- One record ----------------------------------------------------------------------------------
 
-TEST_F(Notification, RecordChangeTellsEveryClientAndTheInterestedOneFirst)
+TEST_F(Notification, RecordChangeNotifiesEveryClientAndTheInterestedOneFirst)
 {
   Client a(heard_, "a", "R1"), b(heard_, "b"), c(heard_, "c", "R1"), d(heard_, "d", "R2");
 
@@ -119,7 +119,7 @@ TEST_F(Notification, RecordChangeTellsEveryClientAndTheInterestedOneFirst)
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)", "b:some(R1)", "c:our()", "c:some(R1)", "d:some(R1)"}));
 }
 
-TEST_F(Notification, RecordChangeOfTheEmptyIdentifierTellsNobody)
+TEST_F(Notification, RecordChangeOfTheEmptyIdentifierNotifiesNobody)
 {
   Client a(heard_), b(heard_, "", "");
 
@@ -129,17 +129,17 @@ TEST_F(Notification, RecordChangeOfTheEmptyIdentifierTellsNobody)
   EXPECT_EQ(heard_, Heard{});
 }
 
-TEST_F(Notification, RecordChangeAsksTheHostNothing)
+TEST_F(Notification, RecordChangeMakesNoHostCall)
 {
   addLog(9, "R1");
   Client a(heard_, "", "R1");
 
   EXPECT_EQ(operationsOf([&] { manager().informReelDbRecChanged("R1"); }), Heard{});
-  EXPECT_EQ(0, manager().reelList.count()) << "the list is not rebuilt";
+  EXPECT_EQ(manager().reelList.count(), 0) << "the list is not rebuilt";
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
-TEST_F(Notification, HeldRecordChangeTellsNobody)
+TEST_F(Notification, HeldRecordChangeNotifiesNobody)
 {
   Client a(heard_, "", "R1");
   for (const int hold : {1, 2, -1}) {
@@ -161,7 +161,7 @@ TEST_F(Notification, ReelOfInterestIsMatchedLetterForLetter)
   EXPECT_EQ(heard_, (Heard{"our()", "some(ABC)", "some(abc)", "some(AB)", "some(ABC )"}));
 }
 
-TEST_F(Notification, ReelOfInterestIsAskedWhenItsClientIsVisited)
+TEST_F(Notification, ReelOfInterestIsReadWhenItsClientIsVisited)
 {
   Client a(heard_, "a"), b(heard_, "b");
   a.onSome = [&](const std::string& id) { b.setReelIdOfInterest(id.c_str()); };
@@ -171,7 +171,7 @@ TEST_F(Notification, ReelOfInterestIsAskedWhenItsClientIsVisited)
   EXPECT_EQ(heard_, (Heard{"a:some(R1)", "b:our()", "b:some(R1)"}));
 }
 
-// --- Handlers that change what is being told: the same for both kinds of change ------------------
+// --- Handlers that change the state during a notification: the same for both kinds of change -----
 
 namespace {
 
@@ -187,7 +187,7 @@ protected:
       manager().informReelDbRecChanged(id);
   }
 
-  /// What the client does the first time it is told.
+  /// What the client does at its first notification.
   void once(Client& client, std::function<void()> action)
   {
     auto handler = [done = std::make_shared<bool>(false), action = std::move(action)](const std::string&) {
@@ -217,7 +217,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Of, Reentrancy, ::testing::Values(Kind::ReelSet, Kind::Record),
                          [](const auto& suite) { return suite.param == Kind::ReelSet ? "ReelSet" : "Record"; });
 
-TEST_P(Reentrancy, ClientMadeInAHandlerIsToldInTheSamePass)
+TEST_P(Reentrancy, ClientMadeInAHandlerIsNotifiedInTheSamePass)
 {
   Client a(heard_, "a"), b(heard_, "b");
   std::unique_ptr<Client> c;
@@ -228,7 +228,7 @@ TEST_P(Reentrancy, ClientMadeInAHandlerIsToldInTheSamePass)
   EXPECT_EQ(heard_, tellings({"a", "b", "c"}));
 }
 
-TEST_P(Reentrancy, ClientMadeInTheLastHandlerIsToldInTheSamePass)
+TEST_P(Reentrancy, ClientMadeInTheLastHandlerIsNotifiedInTheSamePass)
 {
   Client a(heard_, "a");
   std::unique_ptr<Client> b;
@@ -262,7 +262,7 @@ TEST_P(Reentrancy, ClientThatUnregistersAnEarlierOneMakesTheNextOneMissThePass)
   EXPECT_EQ(heard_, tellings({"a", "b", "d"}));
 }
 
-TEST_P(Reentrancy, ClientUnregisteredBeforeItsTurnIsNotTold)
+TEST_P(Reentrancy, ClientUnregisteredBeforeItsTurnIsNotNotified)
 {
   Client a(heard_, "a"), b(heard_, "b"), c(heard_, "c"), d(heard_, "d");
   once(a, [&] { manager().deRegisterClient(&c); });
@@ -272,7 +272,7 @@ TEST_P(Reentrancy, ClientUnregisteredBeforeItsTurnIsNotTold)
   EXPECT_EQ(heard_, tellings({"a", "b", "d"}));
 }
 
-TEST_P(Reentrancy, ClientEndedBeforeItsTurnIsNotTold)
+TEST_P(Reentrancy, ClientEndedBeforeItsTurnIsNotNotified)
 {
   Client a(heard_, "a");
   auto b = std::make_unique<Client>(heard_, "b");
@@ -309,10 +309,10 @@ TEST_P(Reentrancy, ClientThatUnregistersEverybodyEndsThePass)
   inform("R1");
 
   EXPECT_EQ(heard_, tellings({"a", "b"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
-TEST_P(Reentrancy, ClientThatRegistersAgainHearsTwiceInOnePass)
+TEST_P(Reentrancy, ClientThatRegistersAgainIsNotifiedTwiceInOnePass)
 {
   Client a(heard_, "a"), b(heard_, "b");
   once(a, [&] { manager().registerClient(&a); });
@@ -323,7 +323,7 @@ TEST_P(Reentrancy, ClientThatRegistersAgainHearsTwiceInOnePass)
   EXPECT_EQ(heard_, tellings({"a", "b", "a"}));
 }
 
-TEST_P(Reentrancy, NotificationCausedByAHandlerReachesAllBeforeThePassGoesOn)
+TEST_P(Reentrancy, NotificationCausedByAHandlerReachesAllBeforeThePassContinues)
 {
   Client a(heard_, "a"), b(heard_, "b");
   once(a, [&] { inform("R2"); });
@@ -357,7 +357,7 @@ TEST_P(Reentrancy, HoldEndedInAHandlerLetsTheNestedNotificationThrough)
 
   inform("R1");
 
-  EXPECT_EQ(4U, heard_.size());
+  EXPECT_EQ(heard_.size(), 4U);
 }
 
 TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
@@ -367,7 +367,7 @@ TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
 
   EXPECT_THROW(inform("R1"), std::domain_error);
   EXPECT_EQ(heard_, tellings({"a"}));
-  EXPECT_EQ(0, manager().notifyHoldCount);
+  EXPECT_EQ(manager().notifyHoldCount, 0);
 
   heard_.clear();
   inform("R2");
@@ -376,7 +376,7 @@ TEST_P(Reentrancy, ExceptionOfAHandlerEndsThePassAndTheNextOneIsWhole)
 
 // --- Handlers that make reels --------------------------------------------------------------------
 
-TEST_F(Notification, ReelMadeWhileTheReelSetIsToldIsToldFirst)
+TEST_F(Notification, ReelMadeWhileTheReelSetIsNotifiedIsNotifiedFirst)
 {
   Client a(heard_, "a"), b(heard_, "b");
   bool found = false;
@@ -407,7 +407,7 @@ TEST_F(Notification, ReelMadeWhileAnotherIsBeingMadeIsWhole)
   EXPECT_TRUE(manager().doesReelExist("R2"));
 }
 
-TEST_F(Notification, FieldWrittenInAHandlerIsToldBeforeThePassGoesOn)
+TEST_F(Notification, FieldWrittenInAHandlerIsNotifiedBeforeThePassContinues)
 {
   ReelDbRec rec = addReel("R1");
   Client a(heard_, "a", "R1"), b(heard_, "b");

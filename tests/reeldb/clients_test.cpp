@@ -21,7 +21,7 @@ bool textsCanBeAssigned = true;
 
 using Text = LightweightString<char>;
 
-// The program's own is found before the host's. A host may need memory to assign a text.
+// The program's own operator replaces the host's. A host may need memory to assign a text.
 Text& assign(Text* to, const Text& from) asm("_ZN17LightweightStringIcEaSERKS0_");
 
 Text& assign(Text* to, const Text& from)
@@ -72,7 +72,7 @@ public:
   const std::string sortName;
 };
 
-/// Keeps its interest to itself.
+/// Stores the reel of interest itself, so that the manager does not get it.
 class SecretiveClient : public RecordingClient {
 public:
   using RecordingClient::RecordingClient;
@@ -109,7 +109,7 @@ TEST_F(Clients, ThatCannotKeepTheirReelForLackOfMemoryAreNotRegistered)
   EXPECT_EQ(registered(), Registered{});
 }
 
-TEST_F(Clients, MakingAndEndingOneAsksTheHostNothingAndTellsNobody)
+TEST_F(Clients, MakingAndEndingOneMakesNoHostCallAndNotifiesNobody)
 {
   Client a(heard_);
   EXPECT_EQ(operationsOf([&] { Client b(heard_, "", "R1"); }), Heard{});
@@ -153,7 +153,7 @@ TEST_F(Clients, KeepTheReelTheyAreGivenAgain)
 
   a.setReelIdOfInterest(id);
 
-  EXPECT_EQ(0, countsUp() - countsDown() - held);
+  EXPECT_EQ(countsUp() - countsDown() - held, 0);
   manager().informReelDbRecChanged("R1");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
@@ -172,9 +172,9 @@ TEST_F(Clients, ShareTheTextOfTheReelAndLetItGo)
   }
   const std::int64_t heldAfter = held();
 
-  EXPECT_EQ(0, allocatedThen - allocatedBefore);
-  EXPECT_EQ(1, heldThen - heldBefore);
-  EXPECT_EQ(0, heldAfter - heldBefore);
+  EXPECT_EQ(allocatedThen - allocatedBefore, 0);
+  EXPECT_EQ(heldThen - heldBefore, 1);
+  EXPECT_EQ(heldAfter - heldBefore, 0);
 }
 
 TEST_F(Clients, WithTheirOwnPlaceForTheInterestNeverMatch)
@@ -183,7 +183,7 @@ TEST_F(Clients, WithTheirOwnPlaceForTheInterestNeverMatch)
   a.setReelIdOfInterest("R1");
 
   manager().informReelDbRecChanged("R1");
-  EXPECT_EQ("R1", text(a.kept));
+  EXPECT_EQ(text(a.kept), "R1");
   EXPECT_EQ(heard_, (Heard{"some(R1)"}));
 
   a.ReelDbClient::setReelIdOfInterest("R1");
@@ -202,7 +202,7 @@ TEST_F(Clients, OfTheBaseClassDoNothing)
   EXPECT_EQ(registered(), (Registered{&plain}));
 }
 
-TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsTold)
+TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsNotifiedOf)
 {
   Client a(heard_, "", "R1");
   a.ReelDbClient::reelDbChanged("R2");
@@ -213,7 +213,7 @@ TEST_F(Clients, KeepTheirReelWhateverTheBaseClassIsTold)
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)"}));
 }
 
-TEST_F(Clients, RegisteredTwiceHearEverythingTwice)
+TEST_F(Clients, RegisteredTwiceAreNotifiedTwice)
 {
   Client a(heard_, "a", "R1"), b(heard_, "b");
   manager().registerClient(&a);
@@ -259,7 +259,7 @@ TEST_F(Clients, AreNotEndedByBeingUnregistered)
   EXPECT_EQ(heard_, (Heard{"a:dbC(still here)"}));
 }
 
-TEST_F(Clients, AreToldApartByAddressAlone)
+TEST_F(Clients, AreDistinguishedByAddressOnly)
 {
   AlikeClient a(heard_, "a"), b(heard_, "b"), c(heard_, "c");
   EXPECT_EQ(registered(), (Registered{&a, &b, &c}));
@@ -308,7 +308,7 @@ TEST_F(Clients, GoToTheManagerOfTheProcess)
 {
   ReelDbManager second;
   Client a(heard_, "a");
-  EXPECT_EQ(0U, second.clients.count());
+  EXPECT_EQ(second.clients.count(), 0U);
   EXPECT_EQ(registered(), (Registered{&a}));
 
   second.informReelDbChanged("R1");
@@ -316,7 +316,7 @@ TEST_F(Clients, GoToTheManagerOfTheProcess)
   EXPECT_EQ(heard_, Heard{}) << "each manager tells its own clients";
 }
 
-TEST_F(Clients, OfASecondManagerHearThatOneAlone)
+TEST_F(Clients, OfASecondManagerAreNotifiedByThatOneOnly)
 {
   ReelDbManager second;
   Client a(heard_, "a");
@@ -332,10 +332,10 @@ TEST_F(Clients, OfASecondManagerHearThatOneAlone)
   EXPECT_EQ(heard_, (Heard{"a:dbC(R2)", "a:some(R3)"}));
 
   second.deRegisterClient(&a);
-  EXPECT_EQ(0U, second.clients.count());
+  EXPECT_EQ(second.clients.count(), 0U);
 }
 
-TEST_F(Clients, HearOfRecordsOnlyFromTheManagerOfTheProcess)
+TEST_F(Clients, AreNotifiedOfRecordsOnlyByTheManagerOfTheProcess)
 {
   addReel("R1");
   ReelDbManager second;
@@ -383,7 +383,7 @@ TEST_F(ClientPasses, ClientThatEndsInItsOwnHandlerIsNotCalledAgain)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()", "c:our()", "c:some(R1)"}));
-  EXPECT_EQ(2U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 2U);
 }
 
 TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
@@ -394,10 +394,10 @@ TEST_F(ClientPasses, LastClientThatEndsInItsOwnHandlerEndsThePass)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
-TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillToldTheRest)
+TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillNotifiedOfTheRest)
 {
   auto a = interested("a"), b = interested("b"), c = interested("c");
   a->onOur = [&] { manager().deRegisterClient(a.get()); };
@@ -407,16 +407,16 @@ TEST_F(ClientPasses, ClientThatOnlyUnregistersInItsOwnHandlerIsStillToldTheRest)
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)", "c:our()", "c:some(R1)"}));
 }
 
-TEST_F(ClientPasses, ClientPutInThePlaceOfOneThatEndedIsToldInItsTurnOnly)
+TEST_F(ClientPasses, ClientInThePlaceOfAnEndedOneIsNotifiedInItsTurnOnly)
 {
   auto a = interested("a");
   std::unique_ptr<Client> next;
   a->onOur = [&] {
-    // What is needed after the end of a, and with it of this handler, is kept beside it.
+    // The values that are needed after the end of a, which ends this handler, are copied.
     Heard& heard = heard_;
     std::unique_ptr<Client>& place = next;
     a.reset();
-    place = std::make_unique<Client>(heard, "next", "R1"); // may well get the address that has just become free
+    place = std::make_unique<Client>(heard, "next", "R1"); // may get the address that has just become free
   };
 
   changeRecord();
@@ -464,7 +464,7 @@ TEST_F(ClientPasses, ClientEndedByAnotherInANestedPassIsNotCalledByTheOuterOne)
 
   changeRecord();
 
-  // The end of a moves the others up: the nested pass misses c, the outer one b.
+  // The end of a moves the others up, so the nested pass misses c, and the outer pass misses b.
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:some(R1)", "b:our()", "b:some(R1)", "c:our()", "c:some(R1)"}));
 }
 
@@ -483,7 +483,7 @@ TEST_F(ClientPasses, ClientThatEndsThreePassesDeepIsLeftByAllOfThem)
   changeRecord();
 
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:our()", "a:our()"}));
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
 }
 
 TEST_F(ClientPasses, PassesAtDifferentClientsEachForgetTheirOwn)
@@ -494,7 +494,7 @@ TEST_F(ClientPasses, PassesAtDifferentClientsEachForgetTheirOwn)
     if (!std::exchange(nested, true))
       changeRecord();
   };
-  b->onOur = [&] { b.reset(); }; // in the nested pass; the outer one is at a
+  b->onOur = [&] { b.reset(); }; // in the nested pass, while the outer pass is at a
 
   changeRecord();
 
@@ -518,7 +518,7 @@ TEST_F(ClientPasses, PassThatAnExceptionEndedIsForgotten)
   a->onOur = [&] { throw std::domain_error("a handler"); };
   EXPECT_THROW(changeRecord(), std::domain_error);
 
-  // No pass is left that would take note of the end of a, or call b on its behalf.
+  // No pass is left that could notice the end of a, or call b instead.
   a.reset();
   heard_.clear();
   changeRecord();
@@ -547,7 +547,7 @@ TEST_F(ClientPasses, ClientsThatEndOutsideAnyPassNeedNone)
   auto a = interested("a");
   changeRecord();
   a.reset();
-  EXPECT_EQ(0U, manager().clients.count());
+  EXPECT_EQ(manager().clients.count(), 0U);
   changeRecord();
   EXPECT_EQ(heard_, (Heard{"a:our()", "a:some(R1)"}));
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a scan of the reels costs in memory and in copies of strings. A program of its own that leaves the journal and
-// the script alone: while somebody watches, the host writes down each call, and that costs memory, too.
+// The memory and the copies of strings that a scan of the reels needs. It is a separate program that uses neither
+// journal nor script, because a watched host needs memory to record each call.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -18,12 +18,12 @@ namespace {
 
 using Text = LightweightString<char>;
 
-/// What the host's memory and counts saw of something.
+/// The use of the host's memory and counts.
 struct Cost {
   std::int64_t allocations, up, down;
 };
 
-/// @p action is called twice: the first call makes the room that stays.
+/// @p action is called twice, because the first call allocates room that is kept.
 Cost costOf(const std::function<void()>& action)
 {
   action();
@@ -64,7 +64,7 @@ protected:
 
 } // namespace
 
-TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringARecord)
+TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringPerRecord)
 {
   const Text id("no such reel");
   const auto scan = [&] { ASSERT_FALSE(manager().doesReelExist(id)); };
@@ -73,10 +73,10 @@ TEST_F(ScanCost, ScanThatFindsNothingAllocatesNothingAndCopiesOneStringARecord)
   addReels(50);
   const Cost sixty = costOf(scan);
 
-  EXPECT_EQ(0, ten.allocations);
-  EXPECT_EQ(0, sixty.allocations);
-  EXPECT_EQ(50, sixty.up - ten.up);
-  EXPECT_EQ(50, sixty.down - ten.down);
+  EXPECT_EQ(ten.allocations, 0);
+  EXPECT_EQ(sixty.allocations, 0);
+  EXPECT_EQ(sixty.up - ten.up, 50);
+  EXPECT_EQ(sixty.down - ten.down, 50);
   EXPECT_EQ(ten.up, ten.down) << "every copy is given back";
 }
 
@@ -84,15 +84,15 @@ TEST_F(ScanCost, ScanThatFindsTheLastReelAllocatesNothingEither)
 {
   addReels(10);
   const Text last("R10");
-  EXPECT_EQ(0, costOf([&] { ASSERT_TRUE(manager().getReelInfo(last).valid()); }).allocations);
+  EXPECT_EQ(costOf([&] { ASSERT_TRUE(manager().getReelInfo(last).valid()); }).allocations, 0);
 }
 
 TEST_F(ScanCost, EmptyIdentifierCostsNothing)
 {
   addReels(10);
   const Cost cost = costOf([&] { ASSERT_FALSE(manager().doesReelExist({})); });
-  EXPECT_EQ(0, cost.allocations);
-  EXPECT_EQ(0, cost.up);
+  EXPECT_EQ(cost.allocations, 0);
+  EXPECT_EQ(cost.up, 0);
 }
 
 TEST_F(ScanCost, ListingAllocatesNothingWhereTheVectorHasRoom)
@@ -108,17 +108,17 @@ TEST_F(ScanCost, ListingAllocatesNothingWhereTheVectorHasRoom)
   addReels(50);
   const Cost sixty = costOf(list);
 
-  EXPECT_EQ(60U, ids.size());
-  EXPECT_EQ(0, ten.allocations);
-  EXPECT_EQ(0, sixty.allocations);
-  EXPECT_EQ(2 * 50, sixty.up - ten.up) << "one copy is read, one is listed";
+  EXPECT_EQ(ids.size(), 60U);
+  EXPECT_EQ(ten.allocations, 0);
+  EXPECT_EQ(sixty.allocations, 0);
+  EXPECT_EQ(sixty.up - ten.up, 2 * 50) << "one copy is read, one is listed";
 }
 
 TEST_F(ScanCost, NoticeAllocatesNothing)
 {
   ReelDbClient first, second(Text("R1"));
   const Text id("R1");
-  EXPECT_EQ(0, costOf([&] { manager().informReelDbRecChanged(id); }).allocations);
+  EXPECT_EQ(costOf([&] { manager().informReelDbRecChanged(id); }).allocations, 0);
 }
 
 } // namespace reeldb_tests

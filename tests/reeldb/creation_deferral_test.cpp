@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Creation from other threads: put off, and carried out when the main thread comes back to the host.
+// Creation from other threads: it is deferred, and done when the main thread returns to the host.
 #include "CreateNewReelAction.h"
 
 #include <atomic>
@@ -27,7 +27,7 @@ class Deferral : public ChangesTest {
 protected:
   ReelDbRec create(const char* id, int device = -1) { return manager().createNewReel(id, device); }
 
-  /// From now on the calling thread is taken for another one than the main thread, or for the main thread again.
+  /// Makes the calling thread count as a worker thread, or as the main thread again.
   void pretendOtherThread()
   {
     script().coPid = [] { return glib_pid + 1; };
@@ -35,7 +35,7 @@ protected:
   void pretendNothing() { script().coPid = nullptr; }
 };
 
-// --- Who the main thread is ----------------------------------------------------------------------
+// --- Which thread is the main thread -------------------------------------------------------------
 
 TEST_F(Deferral, OnlyTheLowSixteenBitsOfTheThreadCount)
 {
@@ -69,7 +69,7 @@ TEST_F(Deferral, BeforeTheHostsStartUpEveryCreationIsDeferred)
 
 // --- What another thread's call does -------------------------------------------------------------
 
-TEST_F(Deferral, CallAsksForTheThreadAndDefersAndNothingElse)
+TEST_F(Deferral, CallReadsTheThreadAndDefersAndDoesNothingElse)
 {
   addReel("R0");
   const RecordingClient client(heard_);
@@ -81,7 +81,7 @@ TEST_F(Deferral, CallAsksForTheThreadAndDefersAndNothingElse)
   EXPECT_EQ(heard_, Heard{});
 }
 
-TEST_F(Deferral, IdentifiersThatMakeNoReelAreDeferredAllTheSame)
+TEST_F(Deferral, IdentifiersThatMakeNoReelAreDeferredAnyway)
 {
   addReel("R1");
   pretendOtherThread();
@@ -118,7 +118,7 @@ TEST_F(Deferral, DeviceTravelsToo)
   EXPECT_EQ(channels(manager().getCookieFromReelId("CAM"), 2), 3);
 }
 
-TEST_F(Deferral, ClientsHearOfTheReelWhenItIsMade)
+TEST_F(Deferral, ClientsAreNotifiedWhenTheReelIsMade)
 {
   const RecordingClient client(heard_);
   pretendOtherThread();
@@ -178,7 +178,7 @@ TEST_F(Deferral, ActionKeepsTheIdentifierAlive)
   EXPECT_EQ(reelIds(), Lines{"R1"});
 }
 
-TEST_F(Deferral, ActionSharesTheCallersTextAndLetsGoOfItAtItsEnd)
+TEST_F(Deferral, ActionSharesTheCallersTextAndReleasesItAtItsEnd)
 {
   const LightweightString<char> id = "R1";
   const std::int64_t up = countsUp();
@@ -221,7 +221,7 @@ TEST_F(Deferral, ActionRunOnAnotherThreadDefersAgain)
 
 // --- Worker threads ------------------------------------------------------------------------------
 
-/// A gate that one thread waits at until another opens it.
+/// A gate at which a thread waits until another thread opens it.
 class Gate {
 public:
   void open()
@@ -265,7 +265,7 @@ TEST_F(Deferral, WorkersReelIsMadeByTheMainThreadWhileTheWorkerStillHoldsItsText
   EXPECT_EQ(heldText, "  a reel of the worker's  ");
 }
 
-TEST_F(Deferral, MainThreadMayMakeTheReelBeforeTheWorkerGetsItsAnswer)
+TEST_F(Deferral, MainThreadMayMakeTheReelBeforeTheWorkerGetsItsResult)
 {
   std::atomic<bool> stop = false;
   std::thread worker([&] {
@@ -285,7 +285,7 @@ TEST_F(Deferral, MainThreadMayMakeTheReelBeforeTheWorkerGetsItsAnswer)
   EXPECT_EQ(reelIds().size(), 20U);
 }
 
-TEST_F(Deferral, OnAWorkerOnlyTheThreadIsAskedForAndTheActionDeferred)
+TEST_F(Deferral, OnAWorkerOnlyTheThreadIsReadAndTheActionDeferred)
 {
   addReel("R0");
   std::mutex mutex;

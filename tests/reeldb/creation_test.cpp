@@ -27,7 +27,7 @@ protected:
     setDevices({settings});
   }
 
-  /// A project whose options do not hold the default reel type at all.
+  /// A project without the option of the default reel type.
   void enterProjectWithoutDefaultType()
   {
     const Cookie placeholder("P0001000", false);
@@ -37,7 +37,7 @@ protected:
     ASSERT_EQ(EditManager::ProjOpts().in("reeldb_defaultType"), nullptr);
   }
 
-  /// A type of the catalogue. The catalogue outlives the test, so each test has names of its own.
+  /// Adds a type to the catalogue. The catalogue outlives the test, so each test uses names of its own.
   static void addType(const char* name, const char* params) { theReelTypeManager()->add(name, params); }
 };
 
@@ -87,7 +87,7 @@ TEST_F(Creation, TrimLeavesTheCallersStringAlone)
   EXPECT_NE(result.c_str(), plain.c_str()) << "the result is a text of its own, also when nothing was cut";
 }
 
-// --- What a new reel is --------------------------------------------------------------------------
+// --- Properties of a new reel --------------------------------------------------------------------
 
 TEST_F(Creation, NewReelIsThereUnderItsTrimmedIdentifier)
 {
@@ -133,7 +133,7 @@ TEST_F(Creation, TabIsALegalIdentifier)
   EXPECT_EQ(reelIds(), (Lines{"\t", "R1\t"}));
 }
 
-// --- What makes no reel --------------------------------------------------------------------------
+// --- Identifiers that make no reel ---------------------------------------------------------------
 
 TEST_F(Creation, EmptyOrBlankIdentifierMakesNothing)
 {
@@ -178,7 +178,7 @@ TEST_F(Creation, StarMeansGeneratedMaterialAndMakesNothing)
   EXPECT_EQ(heard_, Heard{});
 }
 
-TEST_F(Creation, WithoutAProjectNothingIsMadeAndNobodyIsTold)
+TEST_F(Creation, WithoutAProjectNothingIsMadeAndNobodyIsNotified)
 {
   reelhost::closeProject();
   const RecordingClient client(heard_);
@@ -394,7 +394,7 @@ Lines fieldsWritten(const std::string& id)
                typeRead("new", "")});
 }
 
-/// What ends a creation; the end of the modifier makes the host report the new log.
+/// The steps that end a creation. At the end of the modifier, the host reports the new log.
 Lines announced(int reels)
 {
   return join({withNewLog("new", "Edit::setChangeDescription(new, 59, true)"),
@@ -473,16 +473,16 @@ TEST_F(Creation, UnknownDefaultTypeAsksForTheDeviceOfNoName)
   EXPECT_EQ(countOf(operations, "Edit::addChan"), 0);
 }
 
-// --- What clients hear and see -------------------------------------------------------------------
+// --- What clients receive and see ----------------------------------------------------------------
 
-TEST_F(Creation, ClientsHearOfTheFlagAndThenOfTheReel)
+TEST_F(Creation, ClientsAreNotifiedOfTheFlagAndThenOfTheReel)
 {
   const RecordingClient client(heard_, "", "R1");
   create(" R1 ");
   EXPECT_EQ(heard_, (Heard{"our()", "some(R1)", "dbC(R1)"}));
 }
 
-TEST_F(Creation, ClientsHearOfADefaultTypeToo)
+TEST_F(Creation, ClientsAreAlsoNotifiedOfADefaultType)
 {
   enterProject("TYPED", {{"reeldb_defaultType", "no such type"}});
   const RecordingClient client(heard_);
@@ -490,7 +490,7 @@ TEST_F(Creation, ClientsHearOfADefaultTypeToo)
   EXPECT_EQ(heard_, (Heard{"some(R1)", "some(R1)", "dbC(R1)"}));
 }
 
-TEST_F(Creation, RefusedCreationTellsNobody)
+TEST_F(Creation, RefusedCreationNotifiesNobody)
 {
   addReel("R1");
   const RecordingClient client(heard_);
@@ -510,7 +510,7 @@ TEST_F(Creation, ReelJoinsTheListOnlyForTheLastNotice)
   EXPECT_EQ(listed, (std::vector<bool>{false, true}));
 }
 
-TEST_F(Creation, ModifierIsHeldUntilEverybodyWasTold)
+TEST_F(Creation, ModifierIsHeldUntilEverybodyIsNotified)
 {
   RecordingClient client(heard_);
   std::vector<std::int64_t> held;
@@ -579,7 +579,7 @@ TEST_F(Creation, HandlerMayCreateAnotherReelWhichIsAnnouncedInFullFirst)
   EXPECT_EQ(reelIds(), (Lines{"a", "b"}));
 }
 
-TEST_F(Creation, OtherManagerTellsItsOwnClientsOfTheReelAndTheRecordTellsThoseOfTheProcess)
+TEST_F(Creation, OtherManagerNotifiesItsOwnClientsOfTheReelAndTheRecordThoseOfTheProcess)
 {
   const RecordingClient client(heard_);
   ReelDbManager other;

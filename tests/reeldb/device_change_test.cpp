@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What becomes of a device's message. The program answers for the two host operations that are asked, so a case sees
-// each call of them. A program of its own: the answers hold for all of it.
+// How the library handles a device's message. The program replaces the two host operations that the library calls, so a
+// case sees each of their calls. It is a separate program because the replacements apply to all of it.
 #include <vector>
 
 #include "reelhost/notify_msg.h"
@@ -58,7 +58,7 @@ TEST_F(DeviceChange, IsDecodedTestedAndOtherwiseIgnored)
     EXPECT_TRUE(answer) << device;
     EXPECT_EQ(asked().parsed, (std::vector<const NotifyMsg*>{&message}));
     EXPECT_EQ(asked().tested, (std::vector<unsigned>{device}));
-    EXPECT_EQ(1, manager().reelList.count());
+    EXPECT_EQ(manager().reelList.count(), 1);
     EXPECT_TRUE(manager().reelInUse("R1"));
     EXPECT_EQ(heard, Heard{});
   }

@@ -7,7 +7,7 @@ namespace reeldb_tests {
 
 TEST(Version, IsTheLibrarysOwn)
 {
-  EXPECT_STREQ("14.0.0.0", reeldbDllVersionStr());
+  EXPECT_STREQ(reeldbDllVersionStr(), "14.0.0.0");
 }
 
 TEST(Version, TextStaysWhereItIs)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The library as it is before anything was asked of it. A program of its own: the first use comes once a process.
+// The library before its first use. It is a separate program, because a process has only one first use.
 #include <cstdio>
 #include <cstdlib>
 #include <ostream>
@@ -14,8 +14,8 @@ namespace reeldb_tests {
 
 namespace {
 
-/// Ends the process; with 0 when the manager was made by @p use and not before. There is a project with the reel R1, of
-/// which no manager heard.
+/// Ends the process, with exit code 0 if the manager was made by @p use and not before. There is a project with the
+/// reel R1, and no manager was notified of it.
 [[noreturn]] void exitAfterFirst(const std::function<void(const Cookie& reel)>& use)
 {
   reelhost::useFacility(reelhost::Facility());
@@ -31,7 +31,7 @@ namespace {
   std::_Exit(!madeBefore && made ? 0 : 1);
 }
 
-/// What makes the manager when there is none.
+/// The operations that make the manager if it does not exist.
 struct Use {
   const char* name;
   void (*use)(const Cookie& reel);
@@ -54,7 +54,7 @@ class First : public ::testing::TestWithParam<Use> {};
 
 } // namespace
 
-// In processes of their own, for the manager stays.
+// Each in a separate process, because the manager stays.
 TEST_P(First, MakesTheManager)
 {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -64,7 +64,7 @@ TEST_P(First, MakesTheManager)
 INSTANTIATE_TEST_SUITE_P(Uses, First, ::testing::ValuesIn(firstUses),
                          [](const auto& each) { return std::string(each.param.name); });
 
-// The host says which thread is the main one; the library only reads it.
+// The host decides which thread is the main one; the library only reads it.
 TEST(FirstUse, LibraryLeavesTheNumberOfTheMainThreadToTheHost)
 {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -93,26 +93,26 @@ TEST(FirstUse, ShotsWithoutAnIdentifierMakeNoManager)
 
   ReelDbManager own;
   own.buildReelList();
-  ASSERT_EQ(1, own.reelList.count());
-  EXPECT_EQ(0, own.getReelsReferenced(shots).count());
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
+  ASSERT_EQ(own.reelList.count(), 1);
+  EXPECT_EQ(own.getReelsReferenced(shots).count(), 0);
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr);
   reelhost::closeProject();
 }
 
-TEST(FirstUse, FirstClientMakesTheManagerWhichThenHearsTheHost)
+TEST(FirstUse, FirstClientMakesTheManagerWhichThenListensToTheHost)
 {
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_);
-  EXPECT_EQ(0, glib_pid);
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr);
+  EXPECT_EQ(glib_pid, 0);
 
   reelhost::startUp();
-  EXPECT_NE(0, glib_pid);
+  EXPECT_NE(glib_pid, 0);
   reelhost::useFacility(reelhost::Facility());
   reelhost::openProject(reelhost::makeMemoryStore({}, {{"reeldb_defaultType", ""}}), reelhost::Access::Write);
   reelhost::StoredLog log;
   log.type = 9;
   log.fields = {{"reelid", "R1"}};
   reelhost::addLog(log);
-  EXPECT_EQ(nullptr, ReelDbManager::theReelDbManager_) << "the host makes none";
+  EXPECT_EQ(ReelDbManager::theReelDbManager_, nullptr) << "the host makes none";
 
   Heard heard;
   reelhost::Journal& journal = reelhost::Journal::the();
@@ -122,10 +122,10 @@ TEST(FirstUse, FirstClientMakesTheManagerWhichThenHearsTheHost)
   journal.record(false);
 
   ReelDbManager* const manager = ReelDbManager::theReelDbManager_;
-  ASSERT_NE(nullptr, manager);
-  EXPECT_EQ(manager, ReelDbManager::theReelDbManager());
-  EXPECT_EQ(1U, manager->clients.count());
-  EXPECT_EQ(0, manager->reelList.count());
+  ASSERT_NE(manager, nullptr);
+  EXPECT_EQ(ReelDbManager::theReelDbManager(), manager);
+  EXPECT_EQ(manager->clients.count(), 1U);
+  EXPECT_EQ(manager->reelList.count(), 0);
   EXPECT_FALSE(manager->lastProject.valid());
   EXPECT_FALSE(manager->doesReelExist("R1"));
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the library passes to the host without the standalone host making anything of it. The program answers for the
-// operations that take it, so a case sees what came. A program of its own: the answers hold for all of it.
+// Arguments that the library passes to the host and that the standalone host ignores. The program replaces the
+// operations that take them, so a case sees them. It is a separate program because the replacements apply to all of it.
 #include <cstring>
 #include <utility>
 
@@ -18,10 +18,10 @@ namespace {
 
 struct Passed {
   Zr::Ptr<iExecutableAction> deferred;
-  std::vector<std::pair<std::string, bool>> readTexts; ///< of which Cookies were made
+  std::vector<std::pair<std::string, bool>> readTexts; ///< the texts from which Cookies were made
   std::vector<bool> writtenTexts;
   std::vector<const oledb*> viewed;
-  int partsOfTexts = 0; ///< texts made of so many characters of another
+  int partsOfTexts = 0; ///< texts made of the first characters of another
 };
 
 Passed& passed()
@@ -59,7 +59,7 @@ void makeText(LightweightString<char>* text, const char* from, std::size_t lengt
   reeldb_tests::hostsOwn<Make>("_ZN17LightweightStringIcEC1EPKcm")(text, from, length);
 }
 
-// The host's makes the object anew: nothing may fail in it here, or the base would be taken down twice.
+// The host's constructor constructs the object again. It must not fail here, or the base would be destroyed twice.
 ODBViewRep::ODBViewRep(oledb* database) : impl_(nullptr)
 {
   passed().viewed.push_back(database);
@@ -74,7 +74,7 @@ class HostArguments : public LibraryTest {
 protected:
   ~HostArguments() override { passed() = {}; }
 
-  /// The device for which the deferred action is to make its reel: where compiled programs find it.
+  /// The device of the deferred action, at the place where compiled programs read it.
   static int deferredDevice()
   {
     int device = 0;
@@ -134,7 +134,7 @@ TEST_F(HostArguments, ShotIsPrintedByItsTextWithFalse)
   const Cookie reel = addReel("R1");
   addShot("R1");
   CookieVec shots;
-  reelhost::watch(reelhost::Watcher::Script, false); // the host writes Cookies for who watches
+  reelhost::watch(reelhost::Watcher::Script, false); // a watched host writes Cookies as text
   passed().writtenTexts.clear();
   manager().addShotsFromReel(reel, shots);
   EXPECT_EQ(shots.count(), 1);

@@ -18,7 +18,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* option = "reeldb_defaultType";
 
-/// Each test calls the manager's events itself; get_project_cookie answers what the test says.
+/// Each test calls the manager's events itself; get_project_cookie returns the test's value.
 class Lifecycle : public LibraryTest {
 protected:
   Lifecycle() { projectIs("PFIRST"); }
@@ -28,7 +28,7 @@ protected:
   static Cookie project(const char* name) { return Cookie(name, false); }
   void projectIs(const char* name) { script().projectCookies = {project(name)}; }
 
-  /// Leaves a project open whose options are these; the manager has not entered it.
+  /// Opens a project with these options, which the manager has not entered.
   void openUnentered(const reelhost::KeyValues& options)
   {
     script().projectCookies = {project("P0001000")};
@@ -65,7 +65,7 @@ protected:
     EXPECT_FALSE(manager().getCookieFromReelId(id).valid());
     EXPECT_FALSE(manager().getReelInfo(id).valid());
     EXPECT_FALSE(manager().doesReelExist(id));
-    EXPECT_EQ(1, manager().checkReelValid(id));
+    EXPECT_EQ(manager().checkReelValid(id), 1);
     EXPECT_FALSE(manager().representsLiveMaterial(id));
     std::vector<LightweightString<char>> ids;
     manager().getAllReelIds(ids, true);
@@ -93,7 +93,7 @@ TEST_F(Lifecycle, FirstEntryDoesItsStepsInOrder)
   EXPECT_EQ(calls,
             (Texts{"get_project_cookie", "get_project_cookie", "EditManager::getProjdb", "projdb::search",
                    "EditManager::ProjOpts", "configb::in", "configb::set", "resetDevices", "get_project_cookie"}));
-  EXPECT_EQ(4U, callsBeforeTelling) << "clients are told once the list is rebuilt, before the options are looked at";
+  EXPECT_EQ(callsBeforeTelling, 4U) << "clients are told once the list is rebuilt, before the options are looked at";
   EXPECT_EQ(heard_, (Heard{"dbC()"}));
 }
 
@@ -119,22 +119,22 @@ TEST_F(Lifecycle, EntryOfAnotherProjectResetsTheDevicesEachTime)
   for (const char* const name : {"PONE", "PTWO", "PONE"}) {
     projectIs(name);
     manager().handleProjectEntry();
-    EXPECT_EQ(name, text(manager().lastProject));
+    EXPECT_EQ(text(manager().lastProject), name);
   }
-  EXPECT_EQ(3, journal().count("resetDevices"));
+  EXPECT_EQ(journal().count("resetDevices"), 3);
 }
 
 TEST_F(Lifecycle, EntryDecidesByTheProjectAtItsStartAndRemembersTheOneAtItsEnd)
 {
   manager().lastProject = project("PONE");
   script().projectCookies = {project("PTWO"), project("PONE"), project("PTHREE")};
-  EXPECT_EQ(0, countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"))
+  EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"), 0)
       << "the second answer is compared";
-  EXPECT_EQ("PONE", text(manager().lastProject));
+  EXPECT_EQ(text(manager().lastProject), "PONE");
 
   script().projectCookies = {project("PONE"), project("PTWO"), project("PTHREE")};
-  EXPECT_EQ(1, countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"));
-  EXPECT_EQ("PTHREE", text(manager().lastProject));
+  EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"), 1);
+  EXPECT_EQ(text(manager().lastProject), "PTHREE");
 }
 
 TEST_F(Lifecycle, EntryAsksForTheProjectAgainOnlyAfterTheDevicesAreReset)
@@ -152,8 +152,8 @@ TEST_F(Lifecycle, EntryAsksForTheProjectAgainOnlyAfterTheDevicesAreReset)
   manager().lastProject.invalidate();
   manager().handleProjectEntry();
 
-  EXPECT_EQ(1, askedAfter);
-  EXPECT_EQ("PFIRST", text(manager().lastProject));
+  EXPECT_EQ(askedAfter, 1);
+  EXPECT_EQ(text(manager().lastProject), "PFIRST");
 }
 
 TEST_F(Lifecycle, EntryWithoutAProjectDoesNotResetTheDevicesAtFirst)
@@ -161,11 +161,11 @@ TEST_F(Lifecycle, EntryWithoutAProjectDoesNotResetTheDevicesAtFirst)
   manager().lastProject.invalidate();
   script().projectCookies = {Cookie()};
 
-  EXPECT_EQ(0, countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"))
+  EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"), 0)
       << "no project is the last project that a new manager knows";
 }
 
-TEST_F(Lifecycle, PlaceholderProjectIsPassedOver)
+TEST_F(Lifecycle, PlaceholderProjectIsSkipped)
 {
   openUnentered({});
   manager().handleProjectEntry();
@@ -182,20 +182,20 @@ TEST_F(Lifecycle, PlaceholderProjectIsPassedOver)
   EXPECT_EQ(heard_, Heard{});
   EXPECT_EQ(storedDefaultType(), "<absent>");
   EXPECT_EQ(listed(), Texts{text(listedReel)});
-  EXPECT_EQ("PFIRST", text(manager().lastProject));
+  EXPECT_EQ(text(manager().lastProject), "PFIRST");
   EXPECT_EQ(marked(manager()), (Texts{"R1"}));
 }
 
-TEST_F(Lifecycle, PlaceholderIsToldByTheFirstAnswerAlone)
+TEST_F(Lifecycle, PlaceholderIsRecognisedByTheFirstResultOnly)
 {
   script().projectCookies = {project("P0001000"), project("PONE")};
-  EXPECT_EQ(2U, operationsOf([&] { manager().handleProjectEntry(); }).size());
+  EXPECT_EQ(operationsOf([&] { manager().handleProjectEntry(); }).size(), 2U);
 
   script().projectCookies = {project("PONE"), project("P0001000")};
   EXPECT_LT(2U, operationsOf([&] { manager().handleProjectEntry(); }).size());
 }
 
-TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNone)
+TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNotPlaceholders)
 {
   for (const char* const name : {"P000100", "P00010000", "P0001001", "Q0001000"}) {
     projectIs(name);
@@ -203,7 +203,7 @@ TEST_F(Lifecycle, ProjectsWithNamesLikeThePlaceholdersAreNone)
   }
 }
 
-TEST_F(Lifecycle, ClientsHearOfTheEntryWithTheListRebuiltAndTheMarksGone)
+TEST_F(Lifecycle, ClientsAreNotifiedOfTheEntryWithTheListRebuiltAndTheMarksRemoved)
 {
   openUnentered({});
   const Cookie reel = addLog(9, "R1");
@@ -224,7 +224,7 @@ TEST_F(Lifecycle, ClientsHearOfTheEntryWithTheListRebuiltAndTheMarksGone)
   EXPECT_TRUE(exists);
 }
 
-TEST_F(Lifecycle, ClientsHearOfTheEntryBeforeTheDefaultTypeIsStoredAndTheDevicesAreReset)
+TEST_F(Lifecycle, ClientsAreNotifiedOfTheEntryBeforeTheDefaultTypeIsStoredAndTheDevicesAreReset)
 {
   openUnentered({});
   ReelDbManager::systemWideDefaultReelType_ = "Tape lifecycle";
@@ -242,11 +242,11 @@ TEST_F(Lifecycle, ClientsHearOfTheEntryBeforeTheDefaultTypeIsStoredAndTheDevices
   journal().record(true);
   manager().handleProjectEntry();
 
-  EXPECT_EQ(0, resets);
-  EXPECT_EQ("<absent>", stored);
-  EXPECT_EQ("", typeOfNewReel);
-  EXPECT_EQ(1, journal().count("resetDevices"));
-  EXPECT_EQ("Tape lifecycle", storedDefaultType());
+  EXPECT_EQ(resets, 0);
+  EXPECT_EQ(stored, "<absent>");
+  EXPECT_EQ(typeOfNewReel, "");
+  EXPECT_EQ(journal().count("resetDevices"), 1);
+  EXPECT_EQ(storedDefaultType(), "Tape lifecycle");
 }
 
 TEST_F(Lifecycle, EntryStoresTheSystemWideTypeWhereTheProjectHasNoOption)
@@ -256,7 +256,7 @@ TEST_F(Lifecycle, EntryStoresTheSystemWideTypeWhereTheProjectHasNoOption)
   const auto lines = linesOf([&] { manager().handleProjectEntry(); });
   EXPECT_TRUE(inOrder(lines, {R"(configb::in("reeldb_defaultType") -> null)",
                               R"(configb::set("reeldb_defaultType", "Tape lifecycle", null))"}));
-  EXPECT_EQ("Tape lifecycle", storedDefaultType());
+  EXPECT_EQ(storedDefaultType(), "Tape lifecycle");
 }
 
 TEST_F(Lifecycle, EntryStoresTheEmptyTypeWhereTheSystemHasNoneEither)
@@ -264,7 +264,7 @@ TEST_F(Lifecycle, EntryStoresTheEmptyTypeWhereTheSystemHasNoneEither)
   openUnentered({});
   ReelDbManager::systemWideDefaultReelType_ = LightweightString<char>();
   manager().handleProjectEntry();
-  EXPECT_EQ("", storedDefaultType());
+  EXPECT_EQ(storedDefaultType(), "");
 }
 
 TEST_F(Lifecycle, EntryKeepsTheTypeThatTheProjectHas)
@@ -272,12 +272,12 @@ TEST_F(Lifecycle, EntryKeepsTheTypeThatTheProjectHas)
   ReelDbManager::systemWideDefaultReelType_ = "Tape lifecycle";
   for (const char* const type : {"", "Tape of the project"}) {
     openUnentered({{option, type}});
-    EXPECT_EQ(0, countOf(operationsOf([&] { manager().handleProjectEntry(); }), "configb::set")) << type;
-    EXPECT_EQ(type, storedDefaultType());
+    EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "configb::set"), 0) << type;
+    EXPECT_EQ(storedDefaultType(), type);
   }
 }
 
-TEST_F(Lifecycle, HeldEntryDoesAllButTell)
+TEST_F(Lifecycle, HeldEntryDoesEverythingExceptNotify)
 {
   openUnentered({});
   const Cookie reel = addLog(9, "R1");
@@ -290,12 +290,12 @@ TEST_F(Lifecycle, HeldEntryDoesAllButTell)
   EXPECT_EQ(heard_, Heard{});
   EXPECT_EQ(listed(), (Texts{text(reel)}));
   EXPECT_EQ(marked(manager()), Texts{});
-  EXPECT_EQ("", storedDefaultType());
-  EXPECT_EQ(1, countOf(calls, "resetDevices"));
-  EXPECT_EQ(1, manager().notifyHoldCount);
+  EXPECT_EQ(storedDefaultType(), "");
+  EXPECT_EQ(countOf(calls, "resetDevices"), 1);
+  EXPECT_EQ(manager().notifyHoldCount, 1);
 }
 
-TEST_F(Lifecycle, EntryWithoutDatabaseKeepsTheListAndGoesOn)
+TEST_F(Lifecycle, EntryWithoutDatabaseKeepsTheListAndContinues)
 {
   openUnentered({});
   const Texts reels{text(addReel("R1"))};
@@ -315,14 +315,14 @@ TEST_F(Lifecycle, ExceptionDuringTheEntryPassesAndLeavesTheRestUndone)
 {
   openUnentered({});
   const int steps = static_cast<int>(operationsOf([&] { manager().handleProjectEntry(); }).size());
-  ASSERT_EQ(9, steps);
+  ASSERT_EQ(steps, 9);
   for (int step = 1; step <= steps; ++step) {
     openUnentered({});
     manager().lastProject.invalidate();
     script().throwAt(step);
     EXPECT_THROW(manager().handleProjectEntry(), reelhost::ScriptedFault) << step;
     script().throwAt(0);
-    EXPECT_EQ(0, manager().notifyHoldCount);
+    EXPECT_EQ(manager().notifyHoldCount, 0);
     EXPECT_FALSE(manager().lastProject.valid()) << step;
   }
 }
@@ -342,8 +342,8 @@ TEST_F(Lifecycle, ExitEmptiesTheListAndDoesNothingElse)
   EXPECT_EQ(listed(), Texts{});
   EXPECT_EQ(heard_, Heard{});
   EXPECT_EQ(marked(manager()), (Texts{"R1"}));
-  EXPECT_EQ("PFIRST", text(manager().lastProject));
-  EXPECT_EQ("Tape lifecycle", storedDefaultType());
+  EXPECT_EQ(text(manager().lastProject), "PFIRST");
+  EXPECT_EQ(storedDefaultType(), "Tape lifecycle");
 }
 
 TEST_F(Lifecycle, NothingIsFoundAfterAnExitUntilAnEntry)
@@ -372,7 +372,7 @@ TEST_F(Lifecycle, ReentryOfTheSameProjectAfterAnExitLeavesTheDevicesAlone)
   manager().handleProjectEntry();
   manager().handleProjectExit();
 
-  EXPECT_EQ(0, countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"));
+  EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"), 0);
 }
 
 TEST_F(Lifecycle, ExitLeavesCopiesOfTheListWhole)
@@ -380,12 +380,12 @@ TEST_F(Lifecycle, ExitLeavesCopiesOfTheListWhole)
   addReel("R1");
   const CookieVec copy = manager().reelList;
   manager().handleProjectExit();
-  EXPECT_EQ(1, copy.count());
+  EXPECT_EQ(copy.count(), 1);
 }
 
 // --- The reel list -------------------------------------------------------------------------------
 
-TEST_F(Lifecycle, ReelListIsWhatTheDatabaseAnswersInItsOrder)
+TEST_F(Lifecycle, ReelListIsTheResultOfTheDatabaseInItsOrder)
 {
   const Cookie b = addLog(9, "B"), a = addLog(9, "A"), c = addLog(9, "C");
   addLog(1, "S");
@@ -407,8 +407,8 @@ TEST_F(Lifecycle, ReelListIsWhatTheDatabaseAnswersInItsOrder)
 TEST_F(Lifecycle, ReelListIsSearchedForWithTheMasksOfReelLogs)
 {
   const auto lines = linesOf([&] { manager().buildReelList(); });
-  ASSERT_EQ(2U, lines.size());
-  EXPECT_EQ(0U, lines[1].find("projdb::search(0x10040, 0xFFFEEF9F)")) << lines[1];
+  ASSERT_EQ(lines.size(), 2U);
+  EXPECT_EQ(lines[1].find("projdb::search(0x10040, 0xFFFEEF9F)"), 0U) << lines[1];
 }
 
 TEST_F(Lifecycle, ReelListStaysAsItWasWithoutADatabase)
@@ -431,7 +431,7 @@ TEST_F(Lifecycle, ReelListStaysAsItWasWhenTheSearchThrows)
   EXPECT_EQ(listed(), reels);
 }
 
-TEST_F(Lifecycle, BuildingTheReelListTellsNobody)
+TEST_F(Lifecycle, BuildingTheReelListNotifiesNobody)
 {
   Client client(heard_);
   manager().buildReelList();
@@ -445,9 +445,9 @@ TEST_F(Lifecycle, DefaultTypeIsStoredAsItIs)
   Client client(heard_);
   for (const char* const type : {"Tape lifecycle", "", " no such type "}) {
     const auto lines = linesOf([&] { manager().setProjectDefaultReelType(type); });
-    EXPECT_EQ(1, countOf(lines, "configb::set(\"reeldb_defaultType\", \"" + std::string(type) + "\", null)")) << type;
-    EXPECT_EQ(2U, lines.size());
-    EXPECT_EQ(type, storedDefaultType());
+    EXPECT_EQ(countOf(lines, "configb::set(\"reeldb_defaultType\", \"" + std::string(type) + "\", null)"), 1) << type;
+    EXPECT_EQ(lines.size(), 2U);
+    EXPECT_EQ(storedDefaultType(), type);
   }
   EXPECT_EQ(heard_, Heard{});
 }
@@ -455,14 +455,14 @@ TEST_F(Lifecycle, DefaultTypeIsStoredAsItIs)
 TEST_F(Lifecycle, DefaultTypeIsStoredAgainWhenItIsTheSame)
 {
   manager().setProjectDefaultReelType("Tape lifecycle");
-  EXPECT_EQ(1, countOf(operationsOf([&] { manager().setProjectDefaultReelType("Tape lifecycle"); }), "configb::set"));
+  EXPECT_EQ(countOf(operationsOf([&] { manager().setProjectDefaultReelType("Tape lifecycle"); }), "configb::set"), 1);
 }
 
 TEST_F(Lifecycle, DefaultTypeWithoutABodyIsStoredAsTheEmptyOne)
 {
   manager().setProjectDefaultReelType("Tape lifecycle");
   manager().setProjectDefaultReelType(LightweightString<char>());
-  EXPECT_EQ("", storedDefaultType());
+  EXPECT_EQ(storedDefaultType(), "");
 }
 
 // --- Managers ------------------------------------------------------------------------------------
@@ -480,7 +480,7 @@ TEST_F(Lifecycle, NewManagerHasReadNothing)
   addReel("R1");
   manager().reelInUse("R1", true);
 
-  // In memory that was used before: what is not set shows.
+  // In memory that was used before, so that members that are not set show.
   struct InPlace {
     void operator()(ReelDbManager* made) const { made->ReelDbManager::~ReelDbManager(); }
   };
@@ -489,17 +489,17 @@ TEST_F(Lifecycle, NewManagerHasReadNothing)
   std::unique_ptr<ReelDbManager, InPlace> fresh;
   EXPECT_EQ(operationsOf([&] { fresh.reset(::new (place) ReelDbManager); }), Texts{});
 
-  EXPECT_EQ(0, fresh->reelList.count());
-  EXPECT_EQ(0U, fresh->reelsInUse.count());
+  EXPECT_EQ(fresh->reelList.count(), 0);
+  EXPECT_EQ(fresh->reelsInUse.count(), 0U);
   EXPECT_FALSE(fresh->lastProject.valid());
-  EXPECT_EQ(0, fresh->notifyHoldCount);
-  EXPECT_EQ(0U, fresh->clients.count());
+  EXPECT_EQ(fresh->notifyHoldCount, 0);
+  EXPECT_EQ(fresh->clients.count(), 0U);
   fresh->reelInUse("B", true);
   fresh->reelInUse("A", true);
   EXPECT_EQ(marked(*fresh), (Texts{"A", "B"})) << "the marks are kept sorted";
 }
 
-TEST_F(Lifecycle, EndOfAManagerTellsItsClientsNothing)
+TEST_F(Lifecycle, EndOfAManagerDoesNotNotifyItsClients)
 {
   Client client(heard_, "", "R1");
   manager().deRegisterClient(&client);
@@ -507,7 +507,7 @@ TEST_F(Lifecycle, EndOfAManagerTellsItsClientsNothing)
     ReelDbManager second;
     second.registerClient(&client);
     second.reelInUse("R1", true);
-    EXPECT_EQ(1U, second.clients.count());
+    EXPECT_EQ(second.clients.count(), 1U);
     journal().record(true);
   }
   EXPECT_EQ(journal().operations(), Texts{});
@@ -516,7 +516,7 @@ TEST_F(Lifecycle, EndOfAManagerTellsItsClientsNothing)
   EXPECT_EQ(heard_, (Heard{"dbC(still here)"}));
 }
 
-TEST_F(Lifecycle, ManagersHearOfTheProjectFromTheHostForAsLongAsTheyLive)
+TEST_F(Lifecycle, HostNotifiesManagersOfTheProjectWhileTheyLive)
 {
   reelhost::openProject(reelhost::makeMemoryStore({}), reelhost::Access::Write);
   addLog(9, "R1");
@@ -525,13 +525,13 @@ TEST_F(Lifecycle, ManagersHearOfTheProjectFromTheHostForAsLongAsTheyLive)
     ReelDbManager second;
     projectIs("PTWO");
     enterProject("TWO");
-    EXPECT_EQ("PTWO", text(second.lastProject));
-    EXPECT_EQ("PTWO", text(manager().lastProject));
+    EXPECT_EQ(text(second.lastProject), "PTWO");
+    EXPECT_EQ(text(manager().lastProject), "PTWO");
     addLog(9, "R2");
     second.buildReelList();
-    EXPECT_EQ(1, second.reelList.count());
+    EXPECT_EQ(second.reelList.count(), 1);
     reelhost::closeProject();
-    EXPECT_EQ(0, second.reelList.count());
+    EXPECT_EQ(second.reelList.count(), 0);
   }
   heard_.clear();
   enterProject("THREE");
@@ -552,9 +552,9 @@ TEST_F(Lifecycle, SecondManagerKeepsItsOwnAffairs)
   second.handleProjectEntry();
 
   EXPECT_TRUE(second.doesReelExist("R1"));
-  EXPECT_EQ("PTWO", text(second.lastProject));
+  EXPECT_EQ(text(second.lastProject), "PTWO");
   EXPECT_EQ(marked(second), Texts{});
-  EXPECT_EQ("PFIRST", text(manager().lastProject));
+  EXPECT_EQ(text(manager().lastProject), "PFIRST");
   EXPECT_EQ(marked(manager()), (Texts{"R1"}));
   EXPECT_EQ(heard_, Heard{});
 

@@ -138,7 +138,7 @@ TEST_F(Listing, ReelThatIsNotFoundAgainIsNotLiveThoughItsTypeIsAskedFor)
 {
   addReel("A", "Live");
   script().failOpenNumber(2);
-  EXPECT_EQ(1, callsOf("ODBViewRep::ODBViewRep", [&] { EXPECT_EQ(all(false), (Texts{"A"})); }));
+  EXPECT_EQ(callsOf("ODBViewRep::ODBViewRep", [&] { EXPECT_EQ(all(false), (Texts{"A"})); }), 1);
 }
 
 TEST_F(Listing, WithoutDatabaseNoReelIsLive)
@@ -155,7 +155,7 @@ TEST_F(Listing, InvalidCookiesAreOpenedAndLeftOut)
   answer.add(addReel("A"));
   script().maskSearchResult = answer;
   manager().buildReelList();
-  EXPECT_EQ(2, callsOf("EditInfo::EditInfo", [&] { EXPECT_EQ(all(true), (Texts{"A"})); }));
+  EXPECT_EQ(callsOf("EditInfo::EditInfo", [&] { EXPECT_EQ(all(true), (Texts{"A"})); }), 2);
 }
 
 TEST_F(Listing, AllReelsAreAppendedToAVector)
@@ -212,7 +212,7 @@ TEST_F(Listing, AllReelsTakeOneOpenEach)
   for (int i = 0; i < 5; ++i)
     addReel(numbered("R", i));
   EXPECT_EQ(operationsOf([&] { all(true); }).size(), 3U * 5U);
-  EXPECT_EQ(5, callsOf("EditInfo::EditInfo", [&] { all(true); }));
+  EXPECT_EQ(callsOf("EditInfo::EditInfo", [&] { all(true); }), 5);
 }
 
 TEST_F(Listing, AllReelsButLiveOnesTakeAlsoALookupEach)
@@ -222,10 +222,10 @@ TEST_F(Listing, AllReelsButLiveOnesTakeAlsoALookupEach)
     for (int i = 0; i < n; ++i)
       addReel(numbered("R", i), i % 2 ? "Live" : "");
     const auto calls = operationsOf([&] { all(false); });
-    EXPECT_EQ(n + n * (n + 1) / 2, countOf(calls, "EditInfo::EditInfo"));
-    EXPECT_EQ(n + n * (n + 1) / 2, countOf(calls, "EditPtr::i_close"));
-    EXPECT_EQ(n, countOf(calls, "ODBViewRep::displayRecordsAt"));
-    EXPECT_EQ(0, countOf(calls, "EditPtr::i_open"));
+    EXPECT_EQ(countOf(calls, "EditInfo::EditInfo"), n + n * (n + 1) / 2);
+    EXPECT_EQ(countOf(calls, "EditPtr::i_close"), n + n * (n + 1) / 2);
+    EXPECT_EQ(countOf(calls, "ODBViewRep::displayRecordsAt"), n);
+    EXPECT_EQ(countOf(calls, "EditPtr::i_open"), 0);
   }
 }
 
@@ -235,12 +235,12 @@ TEST_F(Listing, ReelsAreThoseListedWhenItBegan)
     addReel(id);
   script().before = [&](const std::string& operation, const std::string&) {
     if (operation == "EditInfo::getAttrib" || operation == "ODBViewRep::displayRecordsAt")
-      manager().handleProjectExit(); // a host may come back to the library meanwhile
+      manager().handleProjectExit(); // a host may call the library meanwhile
   };
   EXPECT_EQ(all(true), (Texts{"A", "B", "C"}));
   manager().buildReelList();
   EXPECT_EQ(compatible(), (Texts{"A", "B", "C"}));
-  EXPECT_EQ(0, manager().reelList.count());
+  EXPECT_EQ(manager().reelList.count(), 0);
 }
 
 TEST_F(Listing, ReelsAreThoseListedWhenItBeganAlsoWhenTheListIsRebuiltUnderneath)
@@ -256,7 +256,7 @@ TEST_F(Listing, ReelsAreThoseListedWhenItBeganAlsoWhenTheListIsRebuiltUnderneath
       if (called == operation)
         replaceReelList();
     };
-    EXPECT_EQ(std::string(operation) == "EditInfo::getAttrib" ? all(true) : compatible(), (Texts{"A", "B", "C"}));
+    EXPECT_EQ((Texts{"A", "B", "C"}), std::string(operation) == "EditInfo::getAttrib" ? all(true) : compatible());
     EXPECT_FALSE(manager().reelList[0].valid());
   }
 }
@@ -315,11 +315,11 @@ TEST_F(Listing, DeviceMayAcceptTypesNobodyDefined)
   EXPECT_FALSE(isListedType("listing unknown")) << "asking adds nothing";
 }
 
-TEST_F(Listing, ReelIsNoLongerForEveryDeviceOnceItsTypeWasAskedForItsChannels)
+TEST_F(Listing, ReelIsNoLongerForEveryDeviceOnceTheChannelsOfItsTypeWereRead)
 {
   addReel("A", "listing asked for");
   EXPECT_EQ(compatible(), (Texts{"A"}));
-  EXPECT_EQ(0, theReelTypeManager()->numVideoChans("listing asked for"));
+  EXPECT_EQ(theReelTypeManager()->numVideoChans("listing asked for"), 0);
   EXPECT_EQ(compatible(), Texts{});
 }
 
@@ -369,7 +369,7 @@ TEST_F(Listing, TypeOfAReelForADeviceIsItsOwn)
   addReel("cam", "listing dv");
   addReel("CAM", "listing unknown");
   EXPECT_EQ(compatible(), (Texts{"CAM"}));
-  EXPECT_EQ(0, callsOf("EditInfo::EditInfo", [&] { compatible(); })) << "no reel is looked up by identifier";
+  EXPECT_EQ(callsOf("EditInfo::EditInfo", [&] { compatible(); }), 0) << "no reel is looked up by identifier";
 }
 
 TEST_F(Listing, InvalidCookiesAreNotForADevice)
@@ -382,8 +382,8 @@ TEST_F(Listing, InvalidCookiesAreNotForADevice)
   manager().buildReelList();
 
   const auto calls = operationsOf([&] { EXPECT_EQ(compatible(), (Texts{"A"})); });
-  EXPECT_EQ(1, countOf(calls, "ODBViewRep::displayRecordsAt"));
-  EXPECT_EQ(1, countOf(calls, "EditPtr::i_open"));
+  EXPECT_EQ(countOf(calls, "ODBViewRep::displayRecordsAt"), 1);
+  EXPECT_EQ(countOf(calls, "EditPtr::i_open"), 1);
 }
 
 TEST_F(Listing, ReelsForADeviceAreAppendedToAVector)
@@ -420,11 +420,11 @@ TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedFirstAndOnceAlsoForNoReels)
   for (const char* const id : {"A", "B", "C"})
     addReel(id);
   const auto lines = linesOf([&] { compatible(); });
-  EXPECT_EQ(Texts(lines.begin(), lines.begin() + 2), fetched);
+  EXPECT_EQ(fetched, Texts(lines.begin(), lines.begin() + 2));
   const auto calls = operationsOf([&] { compatible(); });
-  EXPECT_EQ(1, countOf(calls, "ExtDeviceConfigurationManager::getConfig"));
-  EXPECT_EQ(3, countOf(calls, "ODBViewRep::displayRecordsAt"));
-  EXPECT_EQ(3, countOf(calls, "EditPtr::i_open"));
+  EXPECT_EQ(countOf(calls, "ExtDeviceConfigurationManager::getConfig"), 1);
+  EXPECT_EQ(countOf(calls, "ODBViewRep::displayRecordsAt"), 3);
+  EXPECT_EQ(countOf(calls, "EditPtr::i_open"), 3);
 }
 
 TEST_F(Listing, StringListIsEmptyAfterAHostCallThatThrew)

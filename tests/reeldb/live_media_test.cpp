@@ -157,7 +157,7 @@ TEST_F(LiveMedia, OtherManagerMakesNoReelThatItsOwnListHolds)
   EXPECT_EQ(lastReel(), "");
 }
 
-TEST_F(LiveMedia, ClientsHearOfTheCreationThenOfTypeAndDevice)
+TEST_F(LiveMedia, ClientsAreNotifiedOfTheCreationThenOfTypeAndDevice)
 {
   setCamera("Cam 2");
   RecordingClient client(heard_);
@@ -219,9 +219,9 @@ TEST_F(LiveMedia, HostCallsAfterTheCreation)
                   "ExtDeviceConfigurationManager::storeDevice(\"Cam 2\", false)"}})));
 }
 
-// --- When the creation gives no reel -------------------------------------------------------------
+// --- If the creation makes no reel ---------------------------------------------------------------
 
-/// What is done with the invalid record and the device when no reel came of the creation.
+/// The steps with the invalid record and the device if the creation made no reel.
 Lines goneOnWithoutAReel()
 {
   const Lines notOpened = {"EditPtr::i_open", "EditPtr::i_close"};

@@ -12,7 +12,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// One log looked at: opened, read, closed.
+/// The steps of reading one log: it is opened, read and closed.
 const Texts oneLook{"EditInfo::EditInfo", "EditInfo::getAttrib", "EditPtr::i_close"};
 
 class Lookup : public ReelListTest {
@@ -36,14 +36,14 @@ protected:
     return all;
   }
 
-  /// Every question of this kind, each asked once.
+  /// All lookups of this kind, each called once.
   std::vector<std::pair<const char*, std::function<void()>>> questions(const char* id)
   {
     return {
         {"getCookieFromReelId", [=, this] { EXPECT_FALSE(manager().getCookieFromReelId(id).valid()); }},
         {"getReelInfo", [=, this] { EXPECT_FALSE(manager().getReelInfo(id).valid()); }},
         {"doesReelExist", [=, this] { EXPECT_FALSE(manager().doesReelExist(id)); }},
-        {"checkReelValid", [=, this] { EXPECT_EQ(1, manager().checkReelValid(id)); }},
+        {"checkReelValid", [=, this] { EXPECT_EQ(manager().checkReelValid(id), 1); }},
         {"representsLiveMaterial", [=, this] { EXPECT_FALSE(manager().representsLiveMaterial(id)); }},
     };
   }
@@ -86,7 +86,7 @@ TEST_F(Lookup, InvalidCookieInTheListIsOpenedLikeAnyOther)
   answer.add(addReel("A"));
   script().maskSearchResult = answer;
   manager().buildReelList();
-  EXPECT_EQ(2, looksFor("A"));
+  EXPECT_EQ(looksFor("A"), 2);
 }
 
 TEST_F(Lookup, FoldsAsciiLettersOnly)
@@ -118,7 +118,7 @@ TEST_F(Lookup, NeverFindsTheEmptyIdentifier)
 {
   addReel("");
   const Cookie withEmptyText = addReel("", {}, {{"reelid", ""}});
-  ASSERT_EQ("", configText(withEmptyText, "reelid"));
+  ASSERT_EQ(configText(withEmptyText, "reelid"), "");
 
   EXPECT_EQ(operationsOf([&] { EXPECT_FALSE(manager().getCookieFromReelId("").valid()); }), Texts{});
   EXPECT_EQ(operationsOf([&] { EXPECT_FALSE(manager().getCookieFromReelId({}).valid()); }), Texts{});
@@ -136,30 +136,30 @@ TEST_F(Lookup, LooksAtOneLogAfterTheOtherUntilOneMatches)
 
   EXPECT_EQ(operationsOf([&] { manager().getCookieFromReelId("A"); }), oneLook);
   EXPECT_EQ(operationsOf([&] { manager().getCookieFromReelId("b"); }), twoLooks);
-  EXPECT_EQ(3, looksFor("c"));
-  EXPECT_EQ(4, looksFor("no such reel"));
-  EXPECT_EQ(4, looksFor("no such reel")) << "nothing is kept from one call to the next";
+  EXPECT_EQ(looksFor("c"), 3);
+  EXPECT_EQ(looksFor("no such reel"), 4);
+  EXPECT_EQ(looksFor("no such reel"), 4) << "nothing is kept from one call to the next";
 }
 
 TEST_F(Lookup, OpensEachLogInTheDefaultWayAndReadsTheIdentifier)
 {
   const Cookie reel = addReel("A");
   const auto lines = linesOf([&] { manager().getCookieFromReelId("A"); });
-  ASSERT_EQ(3U, lines.size());
-  EXPECT_EQ(0U, lines[0].find("EditInfo::EditInfo(" + text(reel) + ", 0)")) << lines[0];
+  ASSERT_EQ(lines.size(), 3U);
+  EXPECT_EQ(lines[0].find("EditInfo::EditInfo(" + text(reel) + ", 0)"), 0U) << lines[0];
   EXPECT_EQ("EditInfo::getAttrib(" + text(reel) + ", 20) -> \"A\"", lines[1]);
   EXPECT_EQ("EditPtr::i_close(" + text(reel) + ")", lines[2]);
 }
 
-TEST_F(Lookup, PassesOverLogsWithoutIdentifier)
+TEST_F(Lookup, SkipsLogsWithoutIdentifier)
 {
   addReel("");
   const Cookie reel = addReel("A");
   EXPECT_EQ(text(reel), found("A"));
-  EXPECT_EQ(2, looksFor("A"));
+  EXPECT_EQ(looksFor("A"), 2);
 }
 
-TEST_F(Lookup, PassesOverALogThatDoesNotOpenAndClosesIt)
+TEST_F(Lookup, SkipsALogThatDoesNotOpenAndClosesIt)
 {
   addReel("A");
   const Cookie shut = addReel("B");
@@ -168,10 +168,10 @@ TEST_F(Lookup, PassesOverALogThatDoesNotOpenAndClosesIt)
 
   const auto calls = operationsOf([&] { EXPECT_EQ(text(last), text(manager().getCookieFromReelId("C"))); });
 
-  EXPECT_EQ(3, countOf(calls, "EditInfo::EditInfo"));
-  EXPECT_EQ(3, countOf(calls, "EditPtr::i_close"));
+  EXPECT_EQ(countOf(calls, "EditInfo::EditInfo"), 3);
+  EXPECT_EQ(countOf(calls, "EditPtr::i_close"), 3);
   EXPECT_EQ(invalid(), found("B"));
-  EXPECT_EQ(0, reelhost::openLogs());
+  EXPECT_EQ(reelhost::openLogs(), 0);
 }
 
 TEST_F(Lookup, GoesByTheAttributeNotByTheStoredKey)
@@ -197,11 +197,11 @@ TEST_F(Lookup, LooksAtTheLogsThatWereListedWhenItBegan)
   const Cookie last = addReel("C");
   script().before = [&](const std::string& operation, const std::string&) {
     if (operation == "EditInfo::EditInfo")
-      manager().handleProjectExit(); // a host may come back to the library while it opens a log
+      manager().handleProjectExit(); // a host may call the library while it opens a log
   };
 
   EXPECT_EQ(text(last), found("C"));
-  EXPECT_EQ(0, manager().reelList.count());
+  EXPECT_EQ(manager().reelList.count(), 0);
 }
 
 TEST_F(Lookup, LooksAtTheLogsItBeganWithAlsoWhenTheListIsRebuiltUnderneath)
@@ -216,7 +216,7 @@ TEST_F(Lookup, LooksAtTheLogsItBeganWithAlsoWhenTheListIsRebuiltUnderneath)
   };
 
   EXPECT_EQ(text(last), found("C"));
-  EXPECT_EQ(3, manager().reelList.count());
+  EXPECT_EQ(manager().reelList.count(), 3);
   EXPECT_EQ(invalid(), found("C"));
 }
 
@@ -227,7 +227,7 @@ TEST_F(Lookup, IsOfOneManagersListAlone)
   EXPECT_FALSE(second.getCookieFromReelId("A").valid());
   EXPECT_FALSE(second.getReelInfo("A").valid());
   EXPECT_FALSE(second.doesReelExist("A"));
-  EXPECT_EQ(1, second.checkReelValid("A"));
+  EXPECT_EQ(second.checkReelValid("A"), 1);
   EXPECT_FALSE(second.representsLiveMaterial("A"));
   EXPECT_FALSE(second.reelInUse("A"));
 
@@ -236,7 +236,7 @@ TEST_F(Lookup, IsOfOneManagersListAlone)
   EXPECT_EQ(text(reel), text(second.getCookieFromReelId("A")));
   EXPECT_EQ(text(reel), text(second.getReelInfo("A")));
   EXPECT_TRUE(second.doesReelExist("A"));
-  EXPECT_EQ(4, second.checkReelValid("A"));
+  EXPECT_EQ(second.checkReelValid("A"), 4);
 }
 
 // --- Cost ----------------------------------------------------------------------------------------
@@ -254,8 +254,8 @@ TEST_F(Lookup, UnknownReelIsLookedForOnceAndItsTypeNotAtAll)
   addReel("B");
   for (const auto& [name, ask] : questions("no such reel")) {
     const auto calls = operationsOf(ask);
-    EXPECT_EQ(6U, calls.size()) << name;
-    EXPECT_EQ(2, countOf(calls, "EditInfo::EditInfo")) << name;
+    EXPECT_EQ(calls.size(), 6U) << name;
+    EXPECT_EQ(countOf(calls, "EditInfo::EditInfo"), 2) << name;
   }
 }
 
@@ -266,8 +266,8 @@ TEST_F(Lookup, RecordIsTheReelsOwn)
   const Cookie reel = addReel("abc", {}, {{"reel_userfield0", "scene"}});
   ReelDbRec rec = manager().getReelInfo("ABC");
   EXPECT_EQ(text(reel), text(rec));
-  EXPECT_EQ("abc", text(rec.reelId()));
-  EXPECT_EQ("scene", text(rec.userField(0)));
+  EXPECT_EQ(text(rec.reelId()), "abc");
+  EXPECT_EQ(text(rec.userField(0)), "scene");
 
   EXPECT_EQ(invalid(), text(manager().getReelInfo("abd")));
   EXPECT_EQ(invalid(), text(manager().getReelInfo("")));
@@ -287,8 +287,8 @@ TEST_F(Lookup, ReelOfAKnownTypeIsValid)
 {
   define("lookup known");
   addReel("A", "lookup known");
-  EXPECT_EQ(0, manager().checkReelValid("A"));
-  EXPECT_EQ(0, manager().checkReelValid("a"));
+  EXPECT_EQ(manager().checkReelValid("A"), 0);
+  EXPECT_EQ(manager().checkReelValid("a"), 0);
 }
 
 TEST_F(Lookup, ReelOfAnUnknownTypeIsNotValid)
@@ -299,24 +299,24 @@ TEST_F(Lookup, ReelOfAnUnknownTypeIsNotValid)
   addReel("C", "lookup known ");
   addReel("D");
   for (const char* const id : {"A", "B", "C", "D"})
-    EXPECT_EQ(4, manager().checkReelValid(id)) << id;
+    EXPECT_EQ(manager().checkReelValid(id), 4) << id;
   EXPECT_FALSE(isListedType("lookup unknown")) << "asking adds nothing";
-  EXPECT_EQ(4, manager().checkReelValid("A"));
+  EXPECT_EQ(manager().checkReelValid("A"), 4);
 }
 
 TEST_F(Lookup, UnknownReelIsNotValid)
 {
   addReel("A", "lookup known");
-  EXPECT_EQ(1, manager().checkReelValid("B"));
-  EXPECT_EQ(1, manager().checkReelValid(""));
+  EXPECT_EQ(manager().checkReelValid("B"), 1);
+  EXPECT_EQ(manager().checkReelValid(""), 1);
 }
 
 TEST_F(Lookup, ReelTurnsValidOnceItsTypeWasAskedForItsChannels)
 {
   addReel("A", "lookup asked for");
-  ASSERT_EQ(4, manager().checkReelValid("A"));
-  EXPECT_EQ(0, theReelTypeManager()->numVideoChans("lookup asked for"));
-  EXPECT_EQ(0, manager().checkReelValid("A"));
+  ASSERT_EQ(manager().checkReelValid("A"), 4);
+  EXPECT_EQ(theReelTypeManager()->numVideoChans("lookup asked for"), 0);
+  EXPECT_EQ(manager().checkReelValid("A"), 0);
 }
 
 TEST_F(Lookup, WithoutDatabaseNoTypeIsKnown)
@@ -324,8 +324,8 @@ TEST_F(Lookup, WithoutDatabaseNoTypeIsKnown)
   define("lookup known");
   addReel("A", "lookup known");
   script().noDatabase(true);
-  EXPECT_EQ(4, manager().checkReelValid("A"));
-  EXPECT_EQ(1, manager().checkReelValid("B"));
+  EXPECT_EQ(manager().checkReelValid("A"), 4);
+  EXPECT_EQ(manager().checkReelValid("B"), 1);
 }
 
 TEST_F(Lookup, TypeIsReadOnceFromTheDatabasesView)
@@ -333,9 +333,9 @@ TEST_F(Lookup, TypeIsReadOnceFromTheDatabasesView)
   define("lookup known");
   addReel("A", "lookup known");
   const auto calls = operationsOf([&] { manager().checkReelValid("A"); });
-  EXPECT_EQ(1, countOf(calls, "EditInfo::EditInfo"));
-  EXPECT_EQ(1, countOf(calls, "EditManager::getProjdb"));
-  EXPECT_EQ(0, countOf(calls, "EditPtr::i_open"));
+  EXPECT_EQ(countOf(calls, "EditInfo::EditInfo"), 1);
+  EXPECT_EQ(countOf(calls, "EditManager::getProjdb"), 1);
+  EXPECT_EQ(countOf(calls, "EditPtr::i_open"), 0);
 }
 
 // --- Live material -------------------------------------------------------------------------------
@@ -461,7 +461,7 @@ TEST_F(Lookup, MarksAreSortedAlsoAfterTheyWereCleared)
   EXPECT_EQ(marks(), (Texts{"A", "B", "ab", "b", "\xC3\xA9"}));
 }
 
-TEST_F(Lookup, MarksDoNotBearOnLookups)
+TEST_F(Lookup, MarksDoNotAffectLookups)
 {
   const Cookie reel = addReel("A", "Live");
   manager().reelInUse("A", true);
@@ -469,32 +469,32 @@ TEST_F(Lookup, MarksDoNotBearOnLookups)
   EXPECT_TRUE(manager().representsLiveMaterial("A"));
   std::vector<LightweightString<char>> ids;
   manager().getAllReelIds(ids, true);
-  EXPECT_EQ(1U, ids.size());
+  EXPECT_EQ(ids.size(), 1U);
 }
 
 // --- Names of user fields ------------------------------------------------------------------------
 
 TEST_F(Lookup, UserFieldsAreNamedFromOneWhenNothingIsStored)
 {
-  EXPECT_EQ("User field 1", text(manager().userFieldName(0)));
-  EXPECT_EQ("User field 6", text(manager().userFieldName(5)));
-  EXPECT_EQ("User field 100", text(manager().userFieldName(99)));
-  EXPECT_EQ("User field 0", text(manager().userFieldName(-1)));
-  EXPECT_EQ("User field 2147483648", text(manager().userFieldName(INT_MAX)));
-  EXPECT_EQ("User field -2147483647", text(manager().userFieldName(INT_MIN)));
+  EXPECT_EQ(text(manager().userFieldName(0)), "User field 1");
+  EXPECT_EQ(text(manager().userFieldName(5)), "User field 6");
+  EXPECT_EQ(text(manager().userFieldName(99)), "User field 100");
+  EXPECT_EQ(text(manager().userFieldName(-1)), "User field 0");
+  EXPECT_EQ(text(manager().userFieldName(INT_MAX)), "User field 2147483648");
+  EXPECT_EQ(text(manager().userFieldName(INT_MIN)), "User field -2147483647");
 }
 
 TEST_F(Lookup, UserFieldNameIsStoredUnderItsNumberFromZero)
 {
   const auto lines = linesOf([&] { manager().userFieldName(0, "Scene"); });
-  EXPECT_EQ(1, countOf(lines, R"(SystemCfg::set("reel_userfield0", "Scene"))"));
-  EXPECT_EQ("Scene", text(SystemCfg::theConfig().get("reel_userfield0")));
-  EXPECT_EQ("Scene", text(manager().userFieldName(0)));
-  EXPECT_EQ("User field 2", text(manager().userFieldName(1)));
+  EXPECT_EQ(countOf(lines, R"(SystemCfg::set("reel_userfield0", "Scene"))"), 1);
+  EXPECT_EQ(text(SystemCfg::theConfig().get("reel_userfield0")), "Scene");
+  EXPECT_EQ(text(manager().userFieldName(0)), "Scene");
+  EXPECT_EQ(text(manager().userFieldName(1)), "User field 2");
 
   SystemCfg::theConfig().set("reel_userfield1", "Take");
-  EXPECT_EQ("Take", text(manager().userFieldName(1)));
-  EXPECT_EQ("Scene", text(manager().userFieldName(0)));
+  EXPECT_EQ(text(manager().userFieldName(1)), "Take");
+  EXPECT_EQ(text(manager().userFieldName(0)), "Scene");
 }
 
 TEST_F(Lookup, UserFieldNumbersAreNotChecked)
@@ -502,8 +502,8 @@ TEST_F(Lookup, UserFieldNumbersAreNotChecked)
   for (const int n : {-1, 6, 12345, INT_MAX, INT_MIN}) {
     const std::string name = numbered("field ", n);
     manager().userFieldName(n, name.c_str());
-    EXPECT_EQ(name, text(SystemCfg::theConfig().get(numbered("reel_userfield", n).c_str())));
-    EXPECT_EQ(name, text(manager().userFieldName(n)));
+    EXPECT_EQ(text(SystemCfg::theConfig().get(numbered("reel_userfield", n).c_str())), name);
+    EXPECT_EQ(text(manager().userFieldName(n)), name);
   }
 }
 
@@ -511,24 +511,24 @@ TEST_F(Lookup, EmptyUserFieldNameCountsAsNone)
 {
   manager().userFieldName(0, "Scene");
   manager().userFieldName(0, "");
-  EXPECT_EQ("User field 1", text(manager().userFieldName(0)));
+  EXPECT_EQ(text(manager().userFieldName(0)), "User field 1");
 }
 
 TEST_F(Lookup, UserFieldNameIsStoredAsItIsAndEachTime)
 {
   manager().userFieldName(0, " Sc\xC3\xA8ne ");
-  EXPECT_EQ(" Sc\xC3\xA8ne ", text(manager().userFieldName(0)));
-  EXPECT_EQ(1, countOf(operationsOf([&] { manager().userFieldName(0, " Sc\xC3\xA8ne "); }), "SystemCfg::set"));
+  EXPECT_EQ(text(manager().userFieldName(0)), " Sc\xC3\xA8ne ");
+  EXPECT_EQ(countOf(operationsOf([&] { manager().userFieldName(0, " Sc\xC3\xA8ne "); }), "SystemCfg::set"), 1);
 }
 
-TEST_F(Lookup, UserFieldNamesTellNobodyAndNeedNoReel)
+TEST_F(Lookup, UserFieldNamesNotifyNobodyAndNeedNoReel)
 {
   Heard heard;
   RecordingClient client(heard);
   manager().userFieldName(0, "Scene");
   EXPECT_EQ(heard, Heard{});
-  EXPECT_EQ(1,
-            countOf(linesOf([&] { manager().userFieldName(0); }), R"(SystemCfg::get("reel_userfield0") -> "Scene")"));
+  EXPECT_EQ(countOf(linesOf([&] { manager().userFieldName(0); }), R"(SystemCfg::get("reel_userfield0") -> "Scene")"),
+            1);
 }
 
 TEST_F(Lookup, KeyOfTheNamesIsNotTheKeyOfTheFields)
@@ -537,7 +537,7 @@ TEST_F(Lookup, KeyOfTheNamesIsNotTheKeyOfTheFields)
   TR_USER_FIELD_BASE = "elsewhere";
   manager().userFieldName(3, "Roll");
   TR_USER_FIELD_BASE = base;
-  EXPECT_EQ("Roll", text(manager().userFieldName(3)));
+  EXPECT_EQ(text(manager().userFieldName(3)), "Roll");
 }
 
 } // namespace reeldb_tests

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What another host may return and the standalone host never does. A program of its own: it defines those operations in
-// front of the host, and each case chooses what they return.
+// Results that another host may return, but the standalone host never returns. It is a separate program, which replaces
+// those operations of the host; each case chooses their results.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -21,10 +21,10 @@ namespace {
 
 struct OtherHost {
   std::optional<Cookie> openedInPlaceOfInvalid;             ///< the log that the invalid Cookie opens
-  bool nullCell = false;                                    ///< a row without a text in the column "Reel Type"
-  std::optional<std::pair<std::uint16_t, char>> tagAndKind; ///< of every log
+  bool nullCell = false;                                    ///< whether rows have no text in the column "Reel Type"
+  std::optional<std::pair<std::uint16_t, char>> tagAndKind; ///< the tag and kind of every log
   std::map<std::string, std::wstring> fileNames;            ///< by the text of the Cookie
-  bool emptyTextsHaveBodies = false;                        ///< of attributes, settings and label maps of devices
+  bool emptyTextsHaveBodies = false;                        ///< for attributes, settings and label maps of devices
 };
 
 OtherHost& other()
@@ -33,8 +33,8 @@ OtherHost& other()
   return host;
 }
 
-/// Closes of logs, ends of text fields and of device configurations, identifiers given to logs, and trimmings, in
-/// order, while it is not null.
+/// While it is not null, records in order: closes of logs, ends of text fields and of device configurations,
+/// identifiers that logs get, and trimmings.
 std::vector<std::string>* noted = nullptr;
 
 void note(const char* what)
@@ -43,7 +43,7 @@ void note(const char* what)
     noted->push_back(what);
 }
 
-/// A text that has a body, of length 0: made by hand, for the host makes none.
+/// A text that has a body of length 0. It is made by hand, because the host makes no such body.
 template <class CharT>
 LightweightString<CharT> emptyWithBody()
 {
@@ -178,7 +178,7 @@ protected:
     noted = nullptr;
   }
 
-  /// What was noted while @p action ran.
+  /// The records of the steps of @p action.
   static Texts notedBy(const std::function<void()>& action)
   {
     Texts notes;
@@ -236,7 +236,7 @@ TEST_F(OtherHosts, EmptyRecordWhoseLogOpensFollowsTheDeviceWithoutReadingTheType
 
 // --- Lookup --------------------------------------------------------------------------------------
 
-TEST_F(OtherHosts, InvalidCookieInTheReelListThatMatchesIsNoReelAndEndsTheSearch)
+TEST_F(OtherHosts, InvalidCookieInTheReelListThatMatchesIsNotAReelAndEndsTheSearch)
 {
   const Cookie hidden = addLog(codes::materialLog, "A");
   const Cookie reel = addReel("A");
@@ -295,8 +295,8 @@ TEST_F(OtherHosts, EmptyTextWithABodyIsTakenAsOneWithout)
       {"keys", [&](const Narrow& key, const Wide&) { ReelDbRec(manager().getReelInfo("R1")).setIntValInEdit(key, 1); }},
       {"label maps", [&](const Narrow& id, const Wide&) { get_required_label_map_name(id, IdStamp(104)); }},
   };
-  for (const auto& [what, use] : uses)
-    EXPECT_EQ(linesOf([&] { use(body, wideBody); }), linesOf([&] { use(none, wideNone); })) << what;
+  for (const auto& use : uses)
+    EXPECT_EQ(linesOf([&] { use.second(body, wideBody); }), linesOf([&] { use.second(none, wideNone); })) << use.first;
 
   CookieVec shots;
   shots.add(bare);

@@ -12,7 +12,7 @@ namespace reeldb_tests {
 /// For operations that walk the reel list.
 class ReelListTest : public LibraryTest {
 protected:
-  /// Sees to it that nobody but the manager holds the reel list: once it is replaced, its memory is gone.
+  /// Makes the manager the only holder of the reel list, so that its memory is released when the list is replaced.
   void holdReelListOnlyInTheManager()
   {
     CookieVec copy;
@@ -23,8 +23,8 @@ protected:
     script().maskSearchResult.reset();
   }
 
-  /// Rebuilds the reel list as one of as many invalid Cookies. The memory of the list before is put to other use, so
-  /// that whoever still reads there does not find the reels.
+  /// Rebuilds the reel list with the same number of invalid Cookies. The memory of the previous list is reused, so that
+  /// code that still reads there does not find the reels.
   void replaceReelList()
   {
     const int count = manager().reelList.count();

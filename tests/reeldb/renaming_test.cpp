@@ -15,7 +15,7 @@ class Renaming : public ChangesTest {
 protected:
   void rename(const char* oldId, const char* newId) { manager().changeReelId(oldId, newId); }
 
-  /// What is printed of a shot that follows its reel.
+  /// The print for a shot that follows its reel.
   static std::string renamed(const Cookie& shot, const std::string& oldId, const std::string& newId)
   {
     const std::string file = toUTF8(getFilenameForCookie(shot, Cookie())).c_str();
@@ -75,7 +75,7 @@ TEST_F(Renaming, EmptyOldIdentifierMakesNoHostCall)
   EXPECT_EQ(linesOf([this] { rename("", "B001"); }), Lines{});
 }
 
-TEST_F(Renaming, ReelWithoutShotsIsAnnouncedAllTheSame)
+TEST_F(Renaming, ReelWithoutShotsIsAnnouncedAnyway)
 {
   addReel("A001");
   const RecordingClient client(heard_, "", "A001");
@@ -122,14 +122,14 @@ TEST_F(Renaming, ChangeOfCaseOnlyReachesReelAndShots)
   EXPECT_EQ(configText(shot, "reelid"), "A001");
 }
 
-TEST_F(Renaming, SearchThatAnswersTheReelItselfMakesItAShotOfACaseOnlyChange)
+TEST_F(Renaming, SearchThatReturnsTheReelItselfMakesItAShotOfACaseOnlyChange)
 {
   const Cookie reel = addReel("a001");
   script().attributeSearchResult = cookies({reel});
   EXPECT_EQ(printedBy([this] { rename("a001", "A001"); }), Lines{renamed(reel, "a001", "A001")});
 }
 
-TEST_F(Renaming, SearchThatAnswersTheReelItselfMakesNoDifferenceToOtherChanges)
+TEST_F(Renaming, SearchThatReturnsTheReelItselfMakesNoDifferenceToOtherChanges)
 {
   const Cookie reel = addReel("A001");
   script().attributeSearchResult = cookies({reel});
@@ -227,7 +227,7 @@ TEST_F(Renaming, DatabaseIsFetchedAfterTheFirstNotice)
   EXPECT_EQ(heard_, Heard{"some(A001)"}) << "it ends where there is no database";
 }
 
-TEST_F(Renaming, ReelStaysOpenUntilEverybodyWasTold)
+TEST_F(Renaming, ReelStaysOpenUntilEverybodyIsNotified)
 {
   addReel("A001");
   addShot("A001");
@@ -258,7 +258,7 @@ TEST_F(Renaming, HeldNotificationsStayUnsentButTheListIsRebuilt)
   EXPECT_EQ(reelIds(), (Lines{"B001", "A002"}));
 }
 
-TEST_F(Renaming, OtherManagerRenamesTheReelsOfItsOwnListAndTellsItsOwnClients)
+TEST_F(Renaming, OtherManagerRenamesTheReelsOfItsOwnListAndNotifiesItsOwnClients)
 {
   const Cookie reel = addReel("A001");
   const RecordingClient client(heard_);
@@ -290,7 +290,7 @@ TEST_F(Renaming, WithoutADatabaseItEndsAfterTheFirstNotice)
 // The openings of a rename of the only reel: the lookup, the identifier read, the identifier written, the name, and for
 // each shot one to read its attribute and one to change it.
 
-TEST_F(Renaming, ReelThatDoesNotOpenForItsNameKeepsItAndTheRestGoesOn)
+TEST_F(Renaming, ReelThatDoesNotOpenForItsNameKeepsItAndTheRestContinues)
 {
   const Cookie reel = addReel("A001");
   const Cookie shot = addShot("A001");
@@ -319,7 +319,7 @@ TEST_F(Renaming, ReelThatDoesNotOpenForItsNameIsClosedOnceAfterEverythingElse)
   EXPECT_EQ(lines.back(), closed);
 }
 
-TEST_F(Renaming, ReelThatDoesNotOpenForItsIdentifierKeepsItAndTheRestGoesOn)
+TEST_F(Renaming, ReelThatDoesNotOpenForItsIdentifierKeepsItAndTheRestContinues)
 {
   const Cookie reel = addReel("A001");
   const Cookie shot = addShot("A001");
@@ -457,7 +457,7 @@ TEST_F(Copying, FieldsTheSourceLacksAreEmptied)
   EXPECT_EQ(userField(to, 6), "field 6");
 }
 
-TEST_F(Copying, MappingThatStandsForNoneIsCopiedAsTheEmptyText)
+TEST_F(Copying, MappingThatMeansNoValueIsCopiedAsTheEmptyText)
 {
   addReel("from", {}, {{TR_LABEL_MAPPING, "unknown"}});
   const Cookie to = addFullReel("to", "Tape");
@@ -465,7 +465,7 @@ TEST_F(Copying, MappingThatStandsForNoneIsCopiedAsTheEmptyText)
   EXPECT_EQ(configText(to, TR_LABEL_MAPPING), "");
 }
 
-TEST_F(Copying, ClientsHearOneNoticeAfterAllFieldsWereCopied)
+TEST_F(Copying, ClientsAreNotifiedOnceAfterAllFieldsWereCopied)
 {
   addFullReel("from", "Tape");
   const Cookie to = addReel("to");
@@ -502,7 +502,7 @@ TEST_F(Copying, UnknownTargetCopiesNothingButIsAnnounced)
   EXPECT_EQ(manager().notifyHoldCount, 0);
 }
 
-TEST_F(Copying, EmptyTargetCopiesNothingAndTellsNobody)
+TEST_F(Copying, EmptyTargetCopiesNothingAndNotifiesNobody)
 {
   addFullReel("from", "Tape");
   const RecordingClient client(heard_);
@@ -572,7 +572,7 @@ TEST_F(Copying, ReelOntoItselfWritesNothingAndIsAnnounced)
   EXPECT_EQ(heard_, Heard{"some(r1)"});
 }
 
-/// Journal lines of reading a field of each kind, and of writing one with the read of the identifier that follows.
+/// The journal lines for reading a field of each kind, and for writing one, followed by reading the identifier.
 Lines flagRead(const std::string& log, const std::string& key, const std::string& outcome)
 {
   return withLog(log, {"configb::in(" + quoted(key) + ", int&) -> " + outcome});
@@ -633,8 +633,8 @@ protected:
     manager().notifyHoldCount = 0;
   }
 
-  /// Copies with the hold count at @p outer; returns what it was during the copy, the same at each host call from the
-  /// first lookup on.
+  /// Copies with the hold count at @p outer. Returns the count during the copy, which is the same at each host call
+  /// from the first lookup on.
   int countDuring(int outer)
   {
     manager().notifyHoldCount = outer;
@@ -691,7 +691,7 @@ TEST_F(CopyingHold, CountFurtherBelowZeroKeepsEverythingBack)
   EXPECT_EQ(heard_, Heard{});
 }
 
-TEST_F(CopyingHold, FailedCopyGivesTheHoldBackAndTellsNobody)
+TEST_F(CopyingHold, FailedCopyReleasesTheHoldAndNotifiesNobody)
 {
   const RecordingClient client(heard_);
   for (int outer : {0, 1}) {

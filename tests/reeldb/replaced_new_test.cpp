@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program that replaces the plain operators new and delete. The library's other forms forward to what the program
-// put there, so that memory is given back where it was taken.
+// A program that replaces the plain operators new and delete. The library's other forms forward to the program's, so
+// that memory is released by the same allocator that provided it.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -60,7 +60,7 @@ Counted countedDuring(Action action)
 
 TEST(ReplacedNew, ArrayFormsForwardToIt)
 {
-  ASSERT_NE(reeldbDllVersionStr(), nullptr); // so that the program is linked to the library
+  ASSERT_NE(reeldbDllVersionStr(), nullptr); // keeps the program linked to the library
   const auto take = own<void*(std::size_t)>("_Znam");
   const auto giveBack = own<void(void*)>("_ZdaPv");
   ASSERT_TRUE(take && giveBack);

@@ -20,7 +20,7 @@ protected:
 
   bool isReel(const Cookie& log) { return containsReels({log}); }
 
-  /// What is left of these logs, and whether any was removed.
+  /// The logs that are left, and whether any was removed.
   struct Removal {
     Lines left;
     bool removed;
@@ -64,7 +64,7 @@ TEST_F(LogTypes, RowsTypeWinsOverTheLogsOwn)
   EXPECT_TRUE(isReel(shot));
 }
 
-TEST_F(LogTypes, RowWithoutATypeIsNoReelAndTheLogIsNotAsked)
+TEST_F(LogTypes, RowWithoutATypeIsNotAReelAndTheLogIsNotOpened)
 {
   const Cookie reel = addReel("A001");
   script().typeField(reel, std::nullopt);
@@ -95,7 +95,7 @@ TEST_F(LogTypes, WithoutADatabaseLogsAreOpenedForTheirTypeAndNoColumnIsLookedUp)
   EXPECT_FALSE(isReel(shot));
 }
 
-TEST_F(LogTypes, LogThatDoesNotOpenIsNoReelAndIsClosedAllTheSame)
+TEST_F(LogTypes, LogThatDoesNotOpenIsNotAReelAndIsClosedAnyway)
 {
   const Cookie reel = addReel("A001");
   script().noRow(reel);
@@ -247,7 +247,7 @@ protected:
   }
 };
 
-TEST_F(ShotSearch, DatabaseIsAskedForTheReelsIdentifier)
+TEST_F(ShotSearch, DatabaseIsSearchedForTheReelsIdentifier)
 {
   const Cookie reel = addReel("A001");
   const Cookie shot = addShot("a001");
@@ -291,7 +291,7 @@ TEST_F(ShotSearch, OnlyAsciiLettersAreComparedWithoutCase)
   EXPECT_EQ(shotsOf(reel), Lines{});
 }
 
-TEST_F(ShotSearch, AnyKindOfLogTheSearchAnswersCountsTheReelItselfToo)
+TEST_F(ShotSearch, AnyKindOfLogTheSearchReturnsCountsTheReelItselfToo)
 {
   const Cookie reel = addReel("A001");
   const Cookie other = addLog(2, "A001");
@@ -447,7 +447,7 @@ TEST_F(Shots, WithoutADatabaseOnlyTheIdentifierIsRead)
   EXPECT_EQ(out.count(), 0);
 }
 
-// --- What goes when a selection is deleted -------------------------------------------------------
+// --- The logs to delete with a selection ---------------------------------------------------------
 
 TEST_F(Shots, EachSelectedReelIsFollowedByItsShots)
 {
@@ -500,7 +500,7 @@ TEST_F(Shots, MarkInAnotherCaseKeepsNothingBack)
   EXPECT_EQ(doomed({a}), Lines{text(a)});
 }
 
-TEST_F(Shots, MarksAreThoseOfTheManagerThatIsAsked)
+TEST_F(Shots, MarksAreThoseOfTheCalledManager)
 {
   const Cookie a = addReel("A001");
   manager().reelInUse("A001", true);
@@ -541,7 +541,7 @@ TEST_F(Shots, WithoutADatabaseTheReelsGoWithoutShots)
   EXPECT_EQ(doomed({shot, a}), Lines{text(a)});
 }
 
-TEST_F(Shots, NobodyIsTold)
+TEST_F(Shots, NobodyIsNotified)
 {
   const Cookie a = addReel("A001");
   addShot("A001");

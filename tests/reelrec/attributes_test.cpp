@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The attributes of a reel: what their getters read, when their setters write, and whom they tell in what order.
+// The attributes of a reel: what their getters read, when their setters write, and whom they notify in which order.
 #include <climits>
 #include <functional>
 #include <ostream>
@@ -28,7 +28,7 @@ protected:
     return reel;
   }
 
-  /// What a setter does that finds a difference: reads, writes, and tells with the identifier read anew.
+  /// The steps of a setter that finds a difference: it reads, writes, and notifies with the identifier read again.
   Steps changed(const Steps& read, const std::string& key, const std::string& value) const
   {
     return joined({read, write(reel, key, value), readId(reel), {some("R1")}});
@@ -95,7 +95,7 @@ TEST_F(Attributes, IdIsCutAt2047Bytes)
   }
 }
 
-TEST_F(Attributes, NewIdIsWrittenAndItsRowRefreshedAndNobodyTold)
+TEST_F(Attributes, NewIdIsWrittenAndItsRowRefreshedAndNobodyNotified)
 {
   ReelDbRec rec = reelWith({});
   EXPECT_EQ(stepsOf([&] { rec.reelId("R2"); }),
@@ -204,7 +204,7 @@ TEST_P(AttributeFlags, LogThatDoesNotOpenIsFalse)
   EXPECT_FALSE(get(ReelDbRec()));
 }
 
-TEST_P(AttributeFlags, NumberThatTheHostLeftCountsWhateverItAnswered)
+TEST_P(AttributeFlags, NumberThatTheHostLeftCountsWhateverItReturned)
 {
   const ReelDbRec rec = reelWith({});
   script().configInt[key] = {1, 7};
@@ -221,7 +221,7 @@ TEST_P(AttributeFlags, TheOtherFlagIsAnotherKey)
   EXPECT_NE(rec.recInhibit(), rec.reelAvailable());
 }
 
-TEST_P(AttributeFlags, SettingAnAbsentFlagStoresOneAndTells)
+TEST_P(AttributeFlags, SettingAnAbsentFlagStoresOneAndNotifies)
 {
   const ReelDbRec rec = reelWith({});
   EXPECT_EQ(stepsOf([&] { set(rec, true); }), changed(readInt(reel, key), key, "1"));
@@ -230,7 +230,7 @@ TEST_P(AttributeFlags, SettingAnAbsentFlagStoresOneAndTells)
   EXPECT_TRUE(get(rec));
 }
 
-TEST_P(AttributeFlags, ClearingASetFlagStoresZeroAndTells)
+TEST_P(AttributeFlags, ClearingASetFlagStoresZeroAndNotifies)
 {
   const ReelDbRec rec = reelWith({{key, "1"}});
   EXPECT_EQ(stepsOf([&] { set(rec, false); }), changed(readInt(reel, key), key, "0"));
@@ -238,7 +238,7 @@ TEST_P(AttributeFlags, ClearingASetFlagStoresZeroAndTells)
   EXPECT_FALSE(get(rec));
 }
 
-TEST_P(AttributeFlags, EqualFlagIsNeitherWrittenNorTold)
+TEST_P(AttributeFlags, EqualFlagIsNeitherWrittenNorNotified)
 {
   const ReelDbRec set1 = reelWith({{key, "5"}});
   EXPECT_EQ(stepsOf([&] { set(set1, true); }), readInt(reel, key));
@@ -249,7 +249,7 @@ TEST_P(AttributeFlags, EqualFlagIsNeitherWrittenNorTold)
   EXPECT_EQ(heard, Heard());
 }
 
-TEST_P(AttributeFlags, SettingOneOnALogThatDoesNotOpenTellsNobody)
+TEST_P(AttributeFlags, SetFlagOfALogThatDoesNotOpenNotifiesNobody)
 {
   const ReelDbRec rec = reelWith({});
   script().failOpen(reel);
@@ -258,7 +258,7 @@ TEST_P(AttributeFlags, SettingOneOnALogThatDoesNotOpenTellsNobody)
   EXPECT_EQ(heard, Heard());
 }
 
-TEST_P(AttributeFlags, WriteThatDoesNotOpenIsToldAllTheSame)
+TEST_P(AttributeFlags, WriteThatDoesNotOpenIsNotifiedAnyway)
 {
   const ReelDbRec rec = reelWith({});
   script().failOpenNumber(2);
@@ -267,13 +267,13 @@ TEST_P(AttributeFlags, WriteThatDoesNotOpenIsToldAllTheSame)
   EXPECT_EQ(configText(reel, key.c_str()), "<absent>");
 }
 
-TEST_P(AttributeFlags, ReelWithoutIdIsWrittenAndNobodyTold)
+TEST_P(AttributeFlags, ReelWithoutIdIsWrittenAndNobodyNotified)
 {
   const ReelDbRec rec = addReel("");
   EXPECT_EQ(stepsOf([&] { set(rec, true); }), joined({readInt(rec, key), write(rec, key, "1"), readId(rec)}));
 }
 
-TEST_P(AttributeFlags, ClientOfThisReelHearsBothCalls)
+TEST_P(AttributeFlags, ClientOfThisReelReceivesBothCalls)
 {
   const ReelDbRec rec = reelWith({});
   RecordingClient ours(heard, "ours", "R1"), theirs(heard, "theirs", "r1");
@@ -294,7 +294,7 @@ TEST_P(AttributeFlags, HandlersRunWithTheLogClosedAndTheFlagStored)
   EXPECT_EQ(calls, 1);
 }
 
-// --- Texts with one word that stands for nothing -------------------------------------------------
+// --- Texts with one word that means no value -----------------------------------------------------
 
 struct Named {
   const char* key;
@@ -355,7 +355,7 @@ TEST_P(AttributeTexts, OnlyExactlyThatWordDoes)
     EXPECT_EQ(get(reelWith({{key, stored}})), stored);
 }
 
-TEST_P(AttributeTexts, NewTextIsWrittenAndTold)
+TEST_P(AttributeTexts, NewTextIsWrittenAndNotified)
 {
   const ReelDbRec rec = reelWith({});
   EXPECT_EQ(stepsOf([&] { set(rec, "text"); }), changed(readText(reel, key), key, "text"));
@@ -363,7 +363,7 @@ TEST_P(AttributeTexts, NewTextIsWrittenAndTold)
   EXPECT_EQ(get(rec), "text");
 }
 
-TEST_P(AttributeTexts, EqualTextIsNeitherWrittenNorTold)
+TEST_P(AttributeTexts, EqualTextIsNeitherWrittenNorNotified)
 {
   const ReelDbRec rec = reelWith({{key, "text"}});
   EXPECT_EQ(stepsOf([&] { set(rec, "text"); }), readText(reel, key));
@@ -400,7 +400,7 @@ TEST_P(AttributeTexts, EmptyTextOnTheWordForNothingIsNotWritten)
   EXPECT_EQ(configText(reel, key.c_str()), nothing);
 }
 
-TEST_P(AttributeTexts, TheWordForNothingIsWrittenAgainAndTold)
+TEST_P(AttributeTexts, TheWordForNothingIsWrittenAgainAndNotified)
 {
   const ReelDbRec rec = reelWith({{key, nothing}});
   EXPECT_EQ(stepsOf([&] { set(rec, nothing.c_str()); }), changed(readText(reel, key), key, nothing));
@@ -416,7 +416,7 @@ TEST_P(AttributeTexts, TheWordForNothingOnAnAbsentKeyIsWritten)
   EXPECT_EQ(heard, (Heard{"some(R1)"}));
 }
 
-TEST_P(AttributeTexts, TextOnALogThatDoesNotOpenTellsNobody)
+TEST_P(AttributeTexts, TextOnALogThatDoesNotOpenNotifiesNobody)
 {
   const ReelDbRec rec = reelWith({});
   script().failOpen(reel);
@@ -459,7 +459,7 @@ TEST_F(Attributes, UserFieldHasNoWordForNothing)
   EXPECT_EQ(text(rec.userField(1)), "default");
 }
 
-TEST_F(Attributes, NewUserFieldIsWrittenAndTold)
+TEST_F(Attributes, NewUserFieldIsWrittenAndNotified)
 {
   ReelDbRec rec = reelWith({});
   for (const int n : {0, 5, -1, INT_MAX, INT_MIN}) {
@@ -470,7 +470,7 @@ TEST_F(Attributes, NewUserFieldIsWrittenAndTold)
   EXPECT_EQ(countOf(heard, "some(R1)"), 5);
 }
 
-TEST_F(Attributes, EqualUserFieldIsNeitherWrittenNorTold)
+TEST_F(Attributes, EqualUserFieldIsNeitherWrittenNorNotified)
 {
   ReelDbRec rec = reelWith({{"reel_userfield2", "text"}});
   EXPECT_EQ(stepsOf([&] { rec.userField(2, "text"); }), readText(reel, "reel_userfield2"));
@@ -479,7 +479,7 @@ TEST_F(Attributes, EqualUserFieldIsNeitherWrittenNorTold)
   EXPECT_EQ(heard, Heard());
 }
 
-TEST_F(Attributes, UserFieldThatDiffersInCaseIsWrittenAndTold)
+TEST_F(Attributes, UserFieldThatDiffersInCaseIsWrittenAndNotified)
 {
   ReelDbRec rec = reelWith({{"reel_userfield2", "text"}});
   rec.userField(2, "Text");
@@ -503,7 +503,7 @@ TEST_F(Attributes, LongUserFieldIsComparedAsItReads)
             changed(readText(reel, "reel_userfield2"), "reel_userfield2", longText));
 }
 
-TEST_F(Attributes, UserFieldOnALogThatDoesNotOpenTellsNobody)
+TEST_F(Attributes, UserFieldOnALogThatDoesNotOpenNotifiesNobody)
 {
   ReelDbRec rec = reelWith({});
   script().failOpen(reel);
@@ -513,9 +513,9 @@ TEST_F(Attributes, UserFieldOnALogThatDoesNotOpenTellsNobody)
 
 // --- Notification --------------------------------------------------------------------------------
 
-TEST_F(Attributes, ChangeIsToldWithTheIdThatStandsAfterIt)
+TEST_F(Attributes, ChangeIsNotifiedWithTheIdReadAfterIt)
 {
-  // A label mapping that is stored where the identifier is: what is told is read after the write.
+  // A label mapping in the place of the identifier: the notification has the identifier as it is after the write.
   const char* const original = TR_LABEL_MAPPING;
   ReelDbRec rec = reelWith({});
   TR_LABEL_MAPPING = "reelid";
@@ -593,7 +593,7 @@ TEST_F(Attributes, LastDeviceIsReadAsUtf8)
   EXPECT_EQ(stepsOf([&] { rec.lastDevice(); }), readText(reel, "reel_last_device"));
 }
 
-TEST_F(Attributes, LastDeviceThatIsNoUtf8IsStillRead)
+TEST_F(Attributes, LastDeviceThatIsNotUtf8IsStillRead)
 {
   ReelDbRec rec = reelWith({{"reel_last_device", "a\xFF-\xC3"}});
   EXPECT_STREQ(rec.lastDevice().c_str(), L"a\xFFFD-\xFFFD");
@@ -609,7 +609,7 @@ TEST_F(Attributes, LastDeviceThatIsAbsentOrUnopenedIsEmpty)
   EXPECT_TRUE(ReelDbRec().lastDevice().empty());
 }
 
-TEST_F(Attributes, NewLastDeviceIsWrittenThenToldThenGivesTheChannels)
+TEST_F(Attributes, NewLastDeviceIsWrittenThenNotifiedThenGivesTheChannels)
 {
   reelhost::DeviceSettings deck = device(4, eAcute + "ck");
   deck.audioInputs = 2;
@@ -666,7 +666,7 @@ TEST_F(Attributes, EmptyLastDeviceReplacesAName)
   EXPECT_EQ(heard, (Heard{"some(R1)"}));
 }
 
-TEST_F(Attributes, LastDeviceOfALogThatDoesNotOpenTellsNobody)
+TEST_F(Attributes, LastDeviceOfALogThatDoesNotOpenNotifiesNobody)
 {
   ReelDbRec rec = reelWith({});
   script().failOpen(reel);
@@ -713,7 +713,7 @@ TEST_F(Attributes, TypeOfAnEmptyRecordIsEmpty)
   EXPECT_EQ(text(ReelDbRec().typeName()), "");
 }
 
-TEST_F(Attributes, NewTypeIsWrittenGivesTheChannelsAndIsThenTold)
+TEST_F(Attributes, NewTypeIsWrittenGivesTheChannelsAndIsThenNotified)
 {
   theReelTypeManager()->add("attributes test: 2a1v", "VideoChannels=1 AudioChannels=2");
   ReelDbRec rec = reelWith({}, "attributes test: old");
@@ -786,7 +786,7 @@ TEST_F(Attributes, TypeThatTheRowLearnsLaterIsWrittenEachTime)
   EXPECT_EQ(heard, (Heard{"some(R1)", "some(R1)"}));
 }
 
-TEST_F(Attributes, TypeOfALogThatDoesNotOpenTellsNobodyButReadsTheId)
+TEST_F(Attributes, TypeOfALogThatDoesNotOpenNotifiesNobodyButReadsTheId)
 {
   ReelDbRec rec = reelWith({}, "attributes test: type");
   script().failOpen(reel);
@@ -796,7 +796,7 @@ TEST_F(Attributes, TypeOfALogThatDoesNotOpenTellsNobodyButReadsTheId)
   EXPECT_EQ(heard, Heard());
 }
 
-TEST_F(Attributes, TypeThatCannotBeWrittenIsToldAllTheSame)
+TEST_F(Attributes, TypeThatCannotBeWrittenIsNotifiedAnyway)
 {
   ReelDbRec rec = reelWith({}, "attributes test: type");
   script().failOpenNumber(1);

@@ -12,7 +12,7 @@ namespace {
 
 class Channels : public RecordTest {
 protected:
-  /// A reel with so many channels, and its log.
+  /// A reel with these numbers of channels, and its log.
   ReelDbRec reelWith(int video, int audio, const std::string& type, const reelhost::KeyValues& fields = {})
   {
     reelhost::StoredLog log;
@@ -182,7 +182,7 @@ TEST_F(Channels, TypeThatAQuestionAddedToTheCatalogueWantsNone)
 
 // --- By device -----------------------------------------------------------------------------------
 
-TEST_F(Channels, UnknownTypeAsksTheLastDeviceAndIsNotAddedToTheCatalogue)
+TEST_F(Channels, UnknownTypeUsesTheLastDeviceAndIsNotAddedToTheCatalogue)
 {
   setDeck(3, 2);
   ReelDbRec rec = reelWith(0, 0, "channels test: unknown", onDeck);
@@ -204,7 +204,7 @@ TEST_F(Channels, TypeNameIsNotTrimmedNorFoldedForTheCatalogue)
   }
 }
 
-TEST_F(Channels, EmptyTypeAsksTheLastDeviceEvenWhenTheCatalogueHasTheEmptyName)
+TEST_F(Channels, EmptyTypeUsesTheLastDeviceEvenIfTheCatalogueHasTheEmptyName)
 {
   setDeck(3, 1);
   define("", "VideoChannels=7 AudioChannels=7");
@@ -243,7 +243,7 @@ TEST_F(Channels, ChannelsThatTheDeviceDoesNotHaveStay)
   EXPECT_EQ(videoAndAudio(), Pair(2, 3));
 }
 
-TEST_F(Channels, DeviceThatIsNotConfiguredIsAskedAllTheSame)
+TEST_F(Channels, DeviceThatIsNotConfiguredIsReadAnyway)
 {
   setDeck(3, 2);
   ReelDbRec rec = reelWith(0, 0, "", {{"reel_last_device", "gone"}});
@@ -257,7 +257,7 @@ TEST_F(Channels, ReelWithoutLastDeviceAsksForTheEmptyName)
   EXPECT_EQ(stepsOf([&] { rec.updateNumChansInReel(); }), byDevice("", -1, {}));
 }
 
-TEST_F(Channels, WithoutADatabaseTheLastDeviceIsAsked)
+TEST_F(Channels, WithoutADatabaseTheLastDeviceIsUsed)
 {
   setDeck(3, 1);
   define("channels test: no database", "AudioChannels=5");
@@ -283,7 +283,7 @@ TEST_F(Channels, EmptyRecordIsLeftAlone)
   EXPECT_EQ(stepsOf([&] { rec.updateNumChansInReel(); }), failedOpen(Cookie()));
 }
 
-TEST_F(Channels, UpdateTellsNobodyAndMarksNothing)
+TEST_F(Channels, UpdateNotifiesNobodyAndMarksNothing)
 {
   define("channels test: quiet", "AudioChannels=1");
   ReelDbRec rec = reelWith(0, 0, "channels test: quiet");

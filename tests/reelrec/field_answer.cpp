@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The program's own configb::in(key, strp_field&) is found before the host's, which answers unless a test does.
+// The program's own configb::in(key, strp_field&) replaces the host's, and calls it unless a test has set a result.
 #include "reelrec/field_answer.h"
 
 #include <optional>

@@ -4,8 +4,8 @@
 
 namespace reeldb_tests {
 
-/// While this lives, configb::in(key, strp_field&) answers this status and leaves this text in the field; null leaves
-/// the field alone. One at a time.
+/// While it lives, configb::in(key, strp_field&) returns this status and stores this text in the field; with null it
+/// leaves the field unchanged. One at a time.
 class FieldAnswer {
 public:
   FieldAnswer(int status, const char* text);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The exported field names: their texts, and that every access reads the pointer anew.
+// The exported field names: their texts, and that every access reads the pointer again.
 #include <type_traits>
 
 #include "reelrec/record_fixture.h"
@@ -18,7 +18,7 @@ static_assert(std::is_same_v<decltype(TR_LAST_DEVICE), const char*>);
 static_assert(std::is_same_v<decltype(TR_REEL_TYPE_NAME), const char*>);
 static_assert(std::is_same_v<decltype(TR_REEL_LENGTH), const char*>);
 
-/// Another field name while this lives.
+/// Replaces a field name while it lives.
 class Renamed {
 public:
   Renamed(const char*& name, const char* other) : name_(name), original_(name) { name_ = other; }

@@ -13,13 +13,13 @@ namespace reeldb_tests {
 
 using Steps = std::vector<std::string>;
 
-/// A reel, and a client that hears of every reel. The client's handlers are the test's.
+/// A reel, and a client that is notified of every reel. The test sets the client's handlers.
 class RecordTest : public LibraryTest {
 protected:
   RecordTest() : client(heard) {}
 
-  /// What happened while @p action ran, in order: host calls as "operation(arguments)" without their results, and
-  /// between them what the client heard.
+  /// The steps of @p action, in order: host calls as "operation(arguments)" without their results, and between them the
+  /// notifications of the client.
   Steps stepsOf(const std::function<void()>& action)
   {
     struct Mark {
@@ -87,7 +87,7 @@ protected:
   }
   static std::string some(const std::string& id) { return "some(" + id + ")"; }
 
-  // Groups of them.
+  // Groups of these calls.
   static Steps readId(const Cookie& log) { return {open(log), inField("reelid"), close(log)}; }
   static Steps readInt(const Cookie& log, const std::string& key) { return {open(log), inInt(key), close(log)}; }
   static Steps readText(const Cookie& log, const std::string& key) { return {open(log), inText(key), close(log)}; }
@@ -106,12 +106,12 @@ protected:
             "ODBViewRep::cellText(0, \"Reel Type\")",
             "ODBView::~ODBView()"};
   }
-  /// Bringing the channels into line with a type that the catalogue knows.
+  /// Adjusting the channels to a type of the catalogue.
   static Steps channelsByType(const Cookie& log, const Steps& adds)
   {
     return joined({{open(log)}, readType(log), readType(log), readType(log), completed(log, adds)});
   }
-  /// The same with the last device of this name; its number is -1 when it is not configured.
+  /// The same with the last device of this name; its number is -1 if it is not configured.
   static Steps channelsByDevice(const Cookie& log, const std::string& name, int number, const Steps& adds)
   {
     const std::string configured = quoted(number < 0 ? "" : name);

@@ -31,7 +31,7 @@ Text withRoom(const char* text, std::size_t room)
   return result;
 }
 
-/// Whether a string is empty for want of a body.
+/// Whether a string is empty because it has no body.
 bool hasNoBody(const Text& text)
 {
   return text.c_str() == Text().c_str();
@@ -67,7 +67,7 @@ TEST_F(TypedAccess, CopyNamesTheSameReel)
   EXPECT_STREQ(out.c_str(), "v");
 }
 
-TEST_F(TypedAccess, MakingARecordAsksTheHostNothing)
+TEST_F(TypedAccess, MakingARecordMakesNoHostCall)
 {
   const Cookie reel = addReel("R1");
   EXPECT_EQ(stepsOf([&] { const ReelDbRec empty, rec(reel), copy(rec); }), Steps());
@@ -290,7 +290,7 @@ TEST_F(TypedAccess, StringOfALogThatDoesNotOpenIsLeftAlone)
   EXPECT_STREQ(out.c_str(), "old");
 }
 
-TEST_F(TypedAccess, StringIsWhatTheHostWroteWhateverItAnswered)
+TEST_F(TypedAccess, StringIsWhatTheHostWroteWhateverItReturned)
 {
   ReelDbRec rec = addReel("R1", {}, {{"s", "text"}});
   script().configText["s"] = {1, "written"};
@@ -450,7 +450,7 @@ TEST_F(TypedAccess, AnEmptyRecordReadsAndWritesNothing)
   EXPECT_FALSE(rec.valid());
 }
 
-TEST_F(TypedAccess, WritingTellsNobodyAndKeepsTheCookie)
+TEST_F(TypedAccess, WritingNotifiesNobodyAndKeepsTheCookie)
 {
   const Cookie reel = addReel("R1");
   ReelDbRec rec = reel;
@@ -494,7 +494,7 @@ TEST_F(TypedAccess, AThrowingOpenIsClosedToo)
 
 // --- The two meanings of configb::in -------------------------------------------------------------
 
-TEST_F(TypedAccess, PresenceAndTextOfAKeyAreToldApart)
+TEST_F(TypedAccess, PresenceAndTextOfAKeyAreDistinguished)
 {
   configb& options = EditManager::ProjOpts();
   options.set("present", "text", nullptr);

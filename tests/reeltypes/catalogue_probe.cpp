@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Prints what the catalogue holds when the library has been loaded: a line "name|parameters" for each type. Before that
-// it writes "new:A=1" to the file that PROBE_REWRITES names, if any, and asks for the channels of the first type.
+// Prints the catalogue after the library has been loaded: a line "name|parameters" for each type. Before that it writes
+// "new:A=1" to the file that PROBE_REWRITES names, if any, and reads the channels of the first type.
 #include <cstdio>
 #include <cstdlib>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Questions to the catalogue: parameters, channel counts, types by position and by name, all names.
+// Lookups in the catalogue: parameters, channel counts, types by position and by name, all names.
 #include <cstddef>
 #include <new>
 #include <ostream>
@@ -15,14 +15,14 @@
 namespace reeldb_tests {
 namespace {
 
-bool flagOfTheBody = true; // of the one made last
+bool flagOfTheBody = true; // the flag of the last body that was made
 bool listFails = false;
-std::vector<std::string>* upperCased = nullptr; ///< the texts that were, while it is not null
+std::vector<std::string>* upperCased = nullptr; ///< records the converted texts while it is not null
 
 } // namespace
 } // namespace reeldb_tests
 
-// The program's own are found before the host's. A list comes marked, so that it shows what the library makes of that.
+// The program's own functions replace the host's. New lists are marked, to show how the library treats the mark.
 AssocListRep::AssocListRep(bool flag) : impl_(nullptr)
 {
   reeldb_tests::flagOfTheBody = flag;
@@ -53,12 +53,12 @@ static_assert(offsetof(ReelType, numVideoChans) < offsetof(ReelType, numAudioCha
 static_assert(std::is_same_v<decltype(ReelType::numVideoChans), int>);
 static_assert(std::is_same_v<decltype(ReelType::numAudioChans), int>);
 
-/// The list's own mark, which only a derived class sees.
+/// The list's mark, which is visible only in a derived class.
 struct Mark : ReelTypeManager {
   static bool of(const ReelTypeManager& catalogue) { return catalogue.*&Mark::flag_; }
 };
 
-/// A catalogue of its own for each test, empty at the start.
+/// Each test has its own catalogue, which is empty at the start.
 class Catalogue : public LibraryTest {
 protected:
   Catalogue() { catalogue.rep()->discardAll(); }
@@ -105,7 +105,7 @@ TEST_F(Catalogue, BodyOfTheListIsMadeWithFalse)
   EXPECT_FALSE(flagOfTheBody);
 }
 
-TEST_F(Catalogue, BodyGoesWhenTheListCannotBeMade)
+TEST_F(Catalogue, BodyIsReleasedWhenTheListCannotBeMade)
 {
   NEEDS_ROUTED_NEW;
   const Ledger ledger;
@@ -325,7 +325,7 @@ TEST_F(Catalogue, TypeByNameHasNameAndCounts)
   EXPECT_EQ(type.numAudioChans, 2);
 }
 
-TEST_F(Catalogue, TypeAsksForTheAudioChannelsFirst)
+TEST_F(Catalogue, TypeReadsTheAudioChannelsFirst)
 {
   put("Tape", "Q=1");
   const Names asked = {"Q=1", "AudioChannels", "Q=1", "VideoChannels"};
@@ -406,7 +406,7 @@ TEST_F(Catalogue, PositionBeyondTheEndHasTheCountsOfTheEmptyName)
 
 // --- getAllReelTypes -----------------------------------------------------------------------------
 
-TEST_F(Catalogue, AllNamesOfAnEmptyCatalogueAreNone)
+TEST_F(Catalogue, EmptyCatalogueHasNoNames)
 {
   StringList list;
   catalogue.getAllReelTypes(list);

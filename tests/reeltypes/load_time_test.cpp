@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the catalogue holds when the library has been loaded. Each case is a program of its own.
+// The catalogue after the library has been loaded. Each case runs a separate program.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -21,15 +21,15 @@ namespace reeldb_tests {
 namespace {
 
 struct Outcome {
-  int exitCode = -1; ///< -1 when a signal ended the program
+  int exitCode = -1; ///< -1 if a signal ended the program
   int signal = 0;
   std::string out, err;
 };
 
 class LoadTime : public ::testing::Test {
 protected:
-  /// Runs the program in the folder "cwd" of the test, with these environment variables and without a facility unless
-  /// one is among them.
+  /// Runs the program in the folder "cwd" of the test, with these environment variables. There is no facility unless
+  /// the variables name one.
   Outcome run(const char* program, const std::map<std::string, std::string>& environment = {})
   {
     const std::string out = dir.write("out", ""), err = dir.write("err", "");
@@ -56,7 +56,7 @@ protected:
             read(err)};
   }
 
-  /// A facility whose type file holds these bytes.
+  /// A facility whose type file has these bytes.
   std::string facilityWith(const std::string& bytes)
   {
     dir.write("facility/facility.toml", "");
@@ -135,7 +135,7 @@ TEST_F(LoadTime, FieldOf2048BytesAbortsTheProgramWhereTheHostLetsItPass)
   }
 }
 
-/// What the library asks while it is loaded, in this order: the default type exists before the catalogue is made.
+/// The host calls of the library while it is loaded, in order: the default type is read before the catalogue is made.
 const char* const questions = "config_string(default_reel_type,)\ngetDeviceDataDirectory(1)\n";
 
 TEST_F(LoadTime, DirectoryTextIsFollowedByTheFileName)

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Takes the place of what the library asks the host while it is loaded, and prints the questions. The data directory is
-// whatever text PROBE_DIRECTORY holds. With PROBE_PARAMETERS set it asks the catalogue for the channels of a type with
-// these parameters, while the catalogue is being made.
+// Replaces the host operations that the library calls while it is loaded, and prints the calls. The data directory is
+// the text of PROBE_DIRECTORY. With PROBE_PARAMETERS set, it reads the channels of a type with these parameters while
+// the catalogue is being made.
 #include <cstdio>
 #include <cstdlib>
 

@@ -32,7 +32,7 @@ protected:
     return false;
   }
 
-  /// Whether the file that was tried last ends a process that reads it.
+  /// Whether the last file ends a process that reads it.
   bool endsTheProcess()
   {
     const pid_t child = ::fork();

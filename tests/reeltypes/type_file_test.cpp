@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reading the reel type file, storing a definition, trimming, and taking one parameter token apart.
+// Reading the reel type file, storing a definition, trimming, and splitting a parameter token.
 #include <csignal>
 #include <filesystem>
 #include <iterator>
@@ -27,12 +27,12 @@ int openFiles()
 struct Streams {
   int onFiles = 0;
   std::optional<int> openFilesAtEnd;
-  bool watched = false; ///< looking takes memory, and a stream may end because there is none
+  bool watched = false; ///< counting needs memory, which a stream that fails for lack of memory does not have
 } streams;
 
 } // namespace
 
-// The program's own are found before the host's.
+// The program's own functions replace the host's.
 void makeStream(ByteStream* stream, FILE* file) asm("_ZN10ByteStreamC1EP8_IO_FILE");
 void endStream(ByteStream* stream) asm("_ZN10ByteStreamD1Ev");
 
@@ -54,12 +54,12 @@ namespace {
 using Entries = std::vector<std::pair<std::string, std::string>>;
 using Printed = std::vector<std::string>;
 
-/// A catalogue of its own for each test, empty at the start.
+/// Each test has its own catalogue, which is empty at the start.
 class TypeFile : public LibraryTest {
 protected:
   TypeFile() { catalogue.rep()->discardAll(); }
 
-  /// Loads a file with these bytes; what the catalogue printed meanwhile.
+  /// Loads a file with these bytes. Returns the prints of the catalogue.
   Printed load(const std::string& bytes)
   {
     const std::string path = dir.write("reeltype.dat", bytes);
@@ -76,7 +76,7 @@ protected:
 
   std::string chopped(const std::string& given) { return catalogue.chopSpaces(given.c_str()).c_str(); }
 
-  /// How the journal shows the warning about a record.
+  /// The journal's line for the warning about a record.
   static std::string warning(const std::string& name, int line)
   {
     return "\"ReelTypeList Warning: " + name + ": no parameters. Line " + std::to_string(line) + "\\n\"";
@@ -337,7 +337,7 @@ TEST_F(TypeFile, TextAfterASecondColonIsIgnored)
 
 struct Lines {
   const char* bytes;
-  int line; ///< of the one record without parameters, "S"
+  int line; ///< the line of the only record without parameters, "S"
 };
 
 void PrintTo(const Lines& lines, std::ostream* out)
@@ -606,7 +606,7 @@ INSTANTIATE_TEST_SUITE_P(WithoutAValue, TypeFileToken,
                                            Token{"VideoChannel=2", "VideoChannels", false, 0},
                                            Token{"", "VideoChannels", false, 0}, Token{"", "", false, 0},
                                            Token{"A", "", false, 0}, Token{"=", "", false, 0},
-                                           // Letters beyond ASCII have no case here.
+                                           // Letters beyond ASCII have no case in this locale.
                                            Token{"\xC3\x89=4", "\xC3\xA9", false, 0}));
 
 TEST_F(TypeFile, TokenAndNameOfTheCallerKeepTheirCase)

@@ -59,7 +59,7 @@ bool failsWithoutMemory(Action action)
 }
 
 /// Runs @p scenario again and again, and makes its first allocation fail, then its second and so on, until a run meets
-/// no failure. Answers how many runs ended in std::bad_alloc, or -1 when one of them kept memory.
+/// no failure. Returns the number of runs that ended in std::bad_alloc, or -1 if one of them kept memory.
 template <class Scenario>
 int failEachAllocation(Scenario scenario)
 {

@@ -18,11 +18,11 @@
 
 namespace reeldb_tests {
 
-/// What clients heard, in order: "dbC(id)", "our(name)", "some(id)"; several clients share one list, each line then
-/// starts with the client's name and a colon.
+/// The notifications of clients, in order: "dbC(id)", "our(name)", "some(id)"; several clients share one list, each
+/// line then starts with the client's name and a colon.
 using Heard = std::vector<std::string>;
 
-/// A client that writes down what it hears.
+/// A client that records its notifications.
 class RecordingClient : public ReelDbClient {
 public:
   explicit RecordingClient(Heard& heard, std::string name = {}) : heard_(heard), name_(std::move(name)) {}
@@ -78,7 +78,7 @@ protected:
   Cookie addReel(const std::string& id, const std::string& type = {}, const reelhost::KeyValues& fields = {});
   /// A material log that carries the identifier @p reel (absent when empty).
   Cookie addShot(const std::string& reel, const std::string& name = "shot", bool imported = true);
-  /// A log of any type, not told to the manager.
+  /// A log of any type, of which the manager is not notified.
   Cookie addLog(int type, const std::string& id, const std::string& reelType = {},
                 const reelhost::KeyValues& fields = {}, bool imported = false, const std::string& name = {});
 

@@ -8,14 +8,14 @@
 
 namespace host_check {
 
-/// A symbol that nobody offers.
+/// A symbol that no library of the host exports.
 struct Unmet {
   std::string symbol; ///< mangled
-  /// What is offered under the same qualified name, with other parameters or another const: mangled, in order.
+  /// The mangled exported symbols with the same qualified name, but with other parameters or another const, in order.
   std::vector<std::string> others;
 };
 
-/// What of @p asked is not among @p offered, ordered as it is written in C++.
+/// The symbols of @p asked that are not in @p offered, ordered by their C++ text.
 std::vector<Unmet> unmet(const std::set<std::string>& asked, const std::set<std::string>& offered);
 
 } // namespace host_check

@@ -28,7 +28,7 @@ constexpr Version firstNamedVersion = 2; // 0 is local, 1 is without a version
 constexpr unsigned char ownClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
 constexpr unsigned char ownData = __BYTE_ORDER == __LITTLE_ENDIAN ? ELFDATA2LSB : ELFDATA2MSB;
 
-/// The bytes of a file. Whatever is taken from them is taken by value, and must lie within.
+/// The bytes of a file. Values are copied out of it, and must lie within it.
 class Image {
 public:
   explicit Image(const std::filesystem::path& file) : name_(file.string())
@@ -55,7 +55,7 @@ public:
     return value;
   }
 
-  /// The text that starts at @p offset and ends with NUL.
+  /// The text from @p offset up to a NUL.
   std::string_view text(std::uint64_t offset) const
   {
     const std::size_t end = offset < bytes_.size() ? bytes_.find('\0', offset) : std::string::npos;
@@ -71,7 +71,7 @@ private:
   std::string bytes_;
 };
 
-/// The table of sections. It is there also in a stripped library.
+/// The table of sections. A stripped library has it, too.
 class Sections {
 public:
   explicit Sections(const Image& image) : image_(image), header_(image.at<Header>(0))
@@ -80,7 +80,7 @@ public:
       image.fail("has no sections to read");
   }
 
-  /// The first section of this type; null type when there is none.
+  /// The first section of this type; a section of type null if there is none.
   Section find(unsigned type) const
   {
     for (unsigned i = 0; i < header_.e_shnum; ++i)
@@ -114,7 +114,7 @@ void requireOwnKind(const Image& image)
 {
   const Header header = image.size() < sizeof(Header) ? Header() : image.at<Header>(0);
   if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0)
-    image.fail("is no shared library");
+    image.fail("is not a shared library");
   if (header.e_ident[EI_CLASS] != ownClass || header.e_ident[EI_DATA] != ownData)
     image.fail("is a library for another kind of machine");
   if (header.e_type != ET_DYN && header.e_type != ET_EXEC)
@@ -126,7 +126,7 @@ bool begins(std::string_view name, std::string_view with)
   return name.substr(0, with.size()) == with;
 }
 
-/// Whether a symbol that is not here has to be brought by a host.
+/// Whether a host has to provide this undefined symbol.
 bool asksHost(const Symbol& symbol, Version version, std::string_view name)
 {
   const bool allocation = begins(name, "_Znw") || begins(name, "_Zna") || begins(name, "_Zdl") || begins(name, "_Zda");
@@ -134,7 +134,7 @@ bool asksHost(const Symbol& symbol, Version version, std::string_view name)
          begins(name, "_Z") && !allocation;
 }
 
-/// Whether others are linked to this symbol when they ask for its name without a version.
+/// Whether other files link to this symbol by its name without a version.
 bool isOffered(const Symbol& symbol, Version version)
 {
   const auto binding = ELF64_ST_BIND(symbol.st_info);
@@ -159,7 +159,7 @@ DynamicSymbols readDynamicSymbols(const std::filesystem::path& file)
   const bool versioned = versions.sh_type == SHT_GNU_versym;
 
   DynamicSymbols result;
-  for (std::uint64_t i = 1; i < sections.count<Symbol>(symbols); ++i) { // the first is none
+  for (std::uint64_t i = 1; i < sections.count<Symbol>(symbols); ++i) { // the first entry is not a symbol
     const Symbol symbol = sections.entry<Symbol>(symbols, i);
     const Version version = versioned ? sections.entry<Version>(versions, i) : Version{1};
     const std::string_view name = image.text(names.sh_offset + symbol.st_name);

@@ -13,6 +13,7 @@
 
 #include "host_check/dynamic_symbols.h"
 #include "host_check/report.h"
+#include "host_check/stubs.h"
 
 namespace {
 
@@ -20,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr int allThere = 0, somethingMissing = 1, notChecked = 2;
 
-/// The library that this program was installed with, or built with.
+/// The library of this program's installation or build.
 fs::path libraryBeside()
 {
   const fs::path folder = fs::read_symlink("/proc/self/exe").parent_path();
@@ -33,7 +34,7 @@ fs::path libraryBeside()
                                              " and ../lib from there; --library names one)");
 }
 
-/// Whether the library is the compiler's runtime or the system's: no part of any host.
+/// Whether the library belongs to the compiler's runtime or to the system, and so is not a part of a host.
 bool isRuntime(const std::string& library)
 {
   for (const char* const name : {"libstdc++.so", "libgcc_s.so", "libm.so", "libc.so", "libc++", "libpthread.so",
@@ -43,7 +44,7 @@ bool isRuntime(const std::string& library)
   return false;
 }
 
-/// What libraries are named by, in each other and on the command line: the file name, and what links lead to.
+/// The names of a library in other libraries and on the command line: its file name, and the name that links lead to.
 std::vector<std::string> namesOf(const std::vector<std::string>& files)
 {
   std::vector<std::string> names;
@@ -75,7 +76,7 @@ host_check::Report check(const fs::path& library, const std::vector<std::string>
   }
   const std::set<std::string> asked = host_check::readDynamicSymbols(library).asked;
   if (asked.empty())
-    throw std::runtime_error(library.string() + ": asks nothing of a host (is it the reel database?)");
+    throw std::runtime_error(library.string() + ": needs nothing from a host (is it the reel database?)");
   report.asked = asked.size();
   report.unmet = host_check::unmet(asked, offered);
   return report;
@@ -86,31 +87,44 @@ host_check::Report check(const fs::path& library, const std::vector<std::string>
 int main(int argc, char** argv)
 {
   CLI::App app(
-      "Says which symbols the reel database asks of a host and does not get, and which are there with other\n"
-      "parameters only. Results, layouts and the order of virtual functions are no part of a symbol: the host\n"
-      "contract suite is for these.",
+      "Lists the symbols that the reel database needs from a host and that the host lacks, or has only with\n"
+      "other parameters. Results, layouts and the order of virtual functions are not part of a symbol; use the\n"
+      "host contract suite for these.",
       "reeldb-host-check");
   std::vector<std::string> hosts;
   std::string library;
-  bool json = false;
-  app.add_option("LIB", hosts, "the libraries that make up the host; a program that is a host will do, too")
-      ->required()
+  bool json = false, list = false, stubs = false;
+  app.add_option("LIB", hosts, "the libraries that the host consists of; also a program that is a host")
       ->type_name("");
-  app.add_option("--library", library, "the reel database; by default the one this program came with")
+  app.add_option("--library", library, "the reel database; by default the one of this program's installation")
       ->type_name("FILE");
-  app.add_flag("--json", json, "answer as JSON");
-  app.footer("Exit code: 0 all are there, 1 some are not, 2 it could not be checked.");
+  app.add_flag("--json", json, "report as JSON");
+  app.add_flag("--list", list,
+               "list the missing symbols and nothing else; without LIB, all symbols that a host has to provide");
+  app.add_flag("--stubs", stubs,
+               "print a C++ source with a stub for each operation of every class of which something is missing; "
+               "without LIB, for a complete host");
+  app.footer("Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"
+             "A list and stubs that could be printed give 0.");
   try {
     app.parse(argc, argv);
+    if (hosts.empty() && !list && !stubs)
+      throw CLI::RequiredError("LIB");
+    if (stubs && (json || list))
+      throw CLI::ExcludesError("--stubs", json ? "--json" : "--list");
   } catch (const CLI::ParseError& e) {
     return app.exit(e) == 0 ? allThere : notChecked;
   }
   try {
     const host_check::Report report = check(library.empty() ? libraryBeside() : fs::path(library), hosts);
-    std::fputs((json ? asJson(report) : asText(report)).c_str(), stdout);
+    const std::string text = stubs  ? stubsFor(report.unmet)
+                             : json ? asJson(report)
+                             : list ? asList(report)
+                                    : asText(report);
+    std::fputs(text.c_str(), stdout);
     if (std::fflush(stdout) != 0)
       throw std::runtime_error("standard output: cannot be written");
-    return report.unmet.empty() ? allThere : somethingMissing;
+    return report.unmet.empty() || list || stubs ? allThere : somethingMissing;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "reeldb-host-check: %s\n", e.what());
     return notChecked;

@@ -13,8 +13,8 @@ namespace host_check {
 
 namespace {
 
-/// How symbols are written. Two can read alike, the constructor of a whole object and the one of a base: then the
-/// symbol is added.
+/// The text for a symbol. If two symbols have the same text, as the constructors of a whole object and of a base have,
+/// the mangled name is added.
 class Signatures {
 public:
   explicit Signatures(const std::vector<Unmet>& all)
@@ -46,7 +46,7 @@ std::string sectionOf(const Report& report, const char* title, bool withOthers)
       continue;
     text += fmt::format("  {}\n", signatures.of(unmet.symbol));
     for (const std::string& other : unmet.others)
-      text += fmt::format("      there is: {}\n", signatures.of(other));
+      text += fmt::format("      found: {}\n", signatures.of(other));
   }
   return text.empty() ? text : fmt::format("{}:\n{}", title, text);
 }
@@ -56,13 +56,22 @@ std::string sectionOf(const Report& report, const char* title, bool withOthers)
 std::string asText(const Report& report)
 {
   if (report.unmet.empty())
-    return fmt::format("{}: all {} symbols that it asks of a host are there\n", report.library, report.asked);
-  std::string text = fmt::format("{}: asks a host for {} symbols, and {} of them {} not there\n", report.library,
+    return fmt::format("{}: all {} symbols that it needs from a host are there\n", report.library, report.asked);
+  std::string text = fmt::format("{}: needs {} symbols from a host, and {} of them {} not there\n", report.library,
                                  report.asked, report.unmet.size(), report.unmet.size() == 1 ? "is" : "are");
   text += sectionOf(report, "missing", false);
-  text += sectionOf(report, "there with other parameters only", true);
+  text += sectionOf(report, "found only with other parameters", true);
   for (const std::string& pair : report.notLookedAt)
-    text += fmt::format("not looked at: {} (name it, too, if it is a part of the host)\n", pair);
+    text += fmt::format("not checked: {} (name it, too, if it is a part of the host)\n", pair);
+  return text;
+}
+
+std::string asList(const Report& report)
+{
+  const Signatures signatures(report.unmet);
+  std::string text;
+  for (const Unmet& unmet : report.unmet)
+    text += signatures.of(unmet.symbol) + "\n";
   return text;
 }
 

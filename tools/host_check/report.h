@@ -11,15 +11,16 @@
 namespace host_check {
 
 struct Report {
-  std::string library;            ///< the reel database that asks
-  std::vector<std::string> hosts; ///< the files that were looked at
-  std::size_t asked = 0;          ///< how many symbols the library asks of a host
+  std::string library;            ///< the reel database
+  std::vector<std::string> hosts; ///< the files that were checked
+  std::size_t asked = 0;          ///< the number of symbols that the library needs from a host
   std::vector<Unmet> unmet;
-  /// Libraries that a host names as needed and that were not looked at: "libx.so needs liby.so".
+  /// Libraries that a host needs and that were not checked: "libx.so needs liby.so".
   std::vector<std::string> notLookedAt;
 };
 
 std::string asText(const Report& report); ///< for people; ends in a newline
+std::string asList(const Report& report); ///< what is unmet, one signature per line
 std::string asJson(const Report& report); ///< one object, with a newline at its end
 
 } // namespace host_check

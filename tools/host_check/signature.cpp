@@ -28,7 +28,7 @@ std::string_view withoutQualifiers(std::string_view signature)
   return signature;
 }
 
-/// Up to the parenthesis that belongs to the one at the end.
+/// The part before the parenthesis that matches the one at the end.
 std::string_view withoutParameters(std::string_view signature)
 {
   int depth = 0;
@@ -41,7 +41,7 @@ std::string_view withoutParameters(std::string_view signature)
   return signature;
 }
 
-/// From the last blank that is not within brackets on. What follows the word operator belongs to the name.
+/// The part after the last blank outside of brackets. Text after the word "operator" belongs to the name.
 std::string_view withoutResult(std::string_view name)
 {
   const std::size_t end = std::min(name.find("operator"), name.size());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What a mangled name says.
+// The C++ text of a mangled name.
 #ifndef REELDB_HOST_CHECK_SIGNATURE_H
 #define REELDB_HOST_CHECK_SIGNATURE_H
 
@@ -9,11 +9,11 @@
 
 namespace host_check {
 
-/// As it is written in C++: "Edit::setDirty(bool)". What is no mangled name stays as it is.
+/// The name as in C++: "Edit::setDirty(bool)". A name that is not mangled stays as it is.
 std::string demangled(const std::string& symbol);
 
-/// The qualified name alone: "Edit::setDirty". Without parameters, const and, where a template has put it in front,
-/// result. @p signature is demangled.
+/// Only the qualified name: "Edit::setDirty", without parameters, const, and the result that templates have. @p
+/// signature is demangled.
 std::string qualifiedName(std::string_view signature);
 
 } // namespace host_check

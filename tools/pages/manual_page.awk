@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
-# Makes a manual page of what "COMMAND --help" prints. Variables: command, "reeldb device show"; parent, its page or
-# nothing; children, the pages below it.
+# Makes a manual page from the output of "COMMAND --help". Variables: command, "reeldb device show"; parent, the
+# parent's page or empty; children, the pages of its commands.
 
 function escaped(text)
 {
@@ -15,7 +15,7 @@ function page_of(words)
   return words
 }
 
-# A text goes into the part of the page that is being written: its description, or a section of its own.
+# Adds a text to the current part of the page: the description or a section.
 function put(text)
 {
   if (section == "")

@@ -1,7 +1,7 @@
 #!/bin/sh
 # SPDX-License-Identifier: Apache-2.0
-# pages.sh REELDB FOLDER: makes a manual page for every command in FOLDER, from the help of the program REELDB. Pages that
-# were there before are removed.
+# pages.sh REELDB FOLDER: makes a manual page in FOLDER for every command, from the help of the program REELDB. Earlier
+# pages are removed.
 set -eu
 program=$(realpath "$1")
 tools=$(cd "$(dirname "$0")" && pwd)
@@ -9,7 +9,7 @@ mkdir -p "$2"
 cd "$2"
 
 help_of() { # help_of COMMAND...
-  # The caller's project is none of this, nor is the width of his terminal.
+  # The help must not depend on the caller's project or on the width of the terminal.
   env -u REELDB_FACILITY -u COLUMNS NO_COLOR=1 "$program" "$@" --help
 }
 

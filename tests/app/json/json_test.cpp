@@ -299,7 +299,7 @@ TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
   EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
 }
 
-// --- What is no such report ------------------------------------------------------------------------
+// --- Texts that are not a report of this kind -------------------------------------------------------
 
 template <class T>
 void expectRefused(const std::string& text)
@@ -309,7 +309,7 @@ void expectRefused(const std::string& text)
     ADD_FAILURE() << text << ": was read";
   } catch (const Error& error) {
     EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
-    EXPECT_EQ(std::string(error.what()).rfind("JSON: not such a report (", 0), 0u) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not a report of this kind (", 0), 0u) << error.what();
   }
 }
 
@@ -338,7 +338,7 @@ TEST(FromJson, UnknownWordOrNumberOfAUserFieldIsRefused)
   expectRefused<Reel>(text);
 }
 
-TEST(FromJson, KeysThatAreNotKnownArePassedOver)
+TEST(FromJson, UnknownKeysAreSkipped)
 {
   EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "new": [1, 2]})").gone, 3);
 }

@@ -7,7 +7,7 @@ using namespace reeldb::cli;
 
 namespace {
 
-TEST(Table, TextGoesLeftNumbersRight)
+TEST(Table, TextIsAlignedLeftAndNumbersRight)
 {
   Table table({{"NAME"}, {.title = "N", .number = true}, {"X"}});
   table.add({"a", "1", "x"});

@@ -149,7 +149,7 @@ TEST_P(Config, ALongTextIsCutToTheBuffer)
   EXPECT_STREQ(block.in("long"), text.c_str());
 }
 
-TEST_P(Config, WhatIsNoNumberReadsAsItsDigits)
+TEST_P(Config, TextThatIsNotANumberReadsAsItsDigits)
 {
   PROMISE("host/config.h", "@p value is the text read as decimal, 0 without digits.");
   configb block;
@@ -177,7 +177,7 @@ TEST_P(Config, TheFolderOfDeviceDataEndsInASeparator)
   EXPECT_EQ(folder.c_str()[folder.length() - 1], L'/');
 }
 
-TEST_P(Config, SystemSettingsAreKeptAndEmptyMeansNone)
+TEST_P(Config, SystemSettingsAreKeptAndTheEmptyTextRemovesThem)
 {
   PROMISE("host/config.h", "Sets the text of the key at once; the empty text removes the key.");
   SystemCfg& config = SystemCfg::theConfig();

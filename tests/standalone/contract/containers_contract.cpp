@@ -321,7 +321,7 @@ TEST_P(Containers, AnIteratorComesToEntriesThatAreAddedMeanwhile)
   EXPECT_EQ(keys, (Names{"a", "b"}));
 }
 
-TEST_P(Containers, AnIteratorWalksEveryEntryAndThenAnswersNull)
+TEST_P(Containers, AnIteratorWalksEveryEntryAndThenReturnsNull)
 {
   PROMISE("host/containers.h", "Walks an AssocList from its first entry to its last");
   AssocList list(new AssocListRep(false));

@@ -142,6 +142,9 @@ TEST_P(Cookies, ADeviceStampIsValidUnlessZero)
   const IdStamp stamp(5);
   EXPECT_TRUE(stamp.valid());
   EXPECT_TRUE(IdStamp(stamp).valid());
+  IdStamp assigned;
+  assigned = stamp;
+  EXPECT_EQ(assigned.value(), 5u);
 }
 
 } // namespace

@@ -116,7 +116,7 @@ TEST_P(Database, ALogOfNoTypeIsFoundAmongTheShots)
   EXPECT_TRUE(holds(shotsOf("A001"), log));
 }
 
-// What the search answers is renamed, and deleted, as a shot.
+// All found logs are renamed and deleted as shots.
 TEST_P(Database, AReelLogIsNoShot)
 {
   PROMISE("host/projdb.h", "every log that is not a reel log.");
@@ -150,7 +150,7 @@ TEST_P(Database, ARenamedShotIsFoundUnderItsNewIdentifier)
   EXPECT_TRUE(holds(shotsOf("b002"), shot));
 }
 
-TEST_P(Database, RowsTellTheTypesOfLogs)
+TEST_P(Database, RowsHaveTheTypesOfLogs)
 {
   PROMISE("host/edit.h", "The log type for the text of a row's field \"Type\".");
   host().openEmptyProject("A");
@@ -164,7 +164,7 @@ TEST_P(Database, RowsTellTheTypesOfLogs)
   EXPECT_NE(typeOf(host().addLog(0, "")), 9);
 }
 
-TEST_P(Database, ATextThatIsNoTypeIsNoReel)
+TEST_P(Database, AnUnknownTypeTextIsNotAReel)
 {
   PROMISE("host/edit.h", "Empty or unknown text does not give codes::reelLog.");
   EXPECT_NE(Edit::getLogTypeFromString(""), 9);
@@ -284,7 +284,7 @@ TEST_P(Database, AViewShowsOtherRowsInPlaceOfThoseItShowed)
   EXPECT_EQ(view->numRows(), 0);
 }
 
-TEST_P(Database, AViewTellsItsRowsApart)
+TEST_P(Database, AViewDistinguishesItsRows)
 {
   PROMISE("host/projdb.h", "Null if there is no such row or column.");
   host().openEmptyProject("A");

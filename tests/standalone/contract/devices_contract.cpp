@@ -179,12 +179,13 @@ TEST_P(Devices, AnUnknownDeviceIsNotStored)
   EXPECT_EQ(theConfigurationManager().findConfigForName(L""), -1);
 }
 
-TEST_P(Devices, AMessageTellsItsDevice)
+TEST_P(Devices, AMessageNamesItsDevice)
 {
   PROMISE("host/device.h", "the device that the message names; invalid: no device");
   HOST_NEEDS(Devices);
   const IdStamp known = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(42));
   EXPECT_TRUE(known.valid());
+  EXPECT_EQ(known.value(), 42u);
   const IdStamp none = ExtDeviceConfigurationManager::DeviceChangedMsgParser(host().messageAbout(0));
   EXPECT_FALSE(none.valid());
 }

@@ -99,7 +99,7 @@ inline void PrintTo(const Host& host, std::ostream* out)
   *out << host.name;
 }
 
-/// The hosts, or the kinds of one host, that the suite runs against. Defined by whoever writes the host.
+/// The hosts, or the kinds of one host, that the suite runs against. The author of the host defines it.
 std::vector<Host> hosts();
 
 /// A sentence of a header that a case tries. While it lives, every failure of the case quotes it, also an exception

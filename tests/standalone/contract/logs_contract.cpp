@@ -26,7 +26,7 @@ void makeReel(Edit& edit, const char* id)
   edit.redetermineLogType();
 }
 
-/// Hears of modified logs.
+/// Is notified of modified logs.
 class Listener final : public ProjectListener {
 public:
   void handleLogModification(const Cookie& log, const EditModification& modification) override
@@ -46,7 +46,7 @@ TEST_P(Logs, WithoutAProjectNoLogIsMade)
   EXPECT_EQ(modifier.get(), nullptr);
 }
 
-// The manager rebuilds its list, and tells its clients, before the modifier ends.
+// The manager rebuilds its list, and notifies its clients, before the modifier ends.
 TEST_P(Logs, ANewLogIsThereBeforeItsModifierEnds)
 {
   PROMISE("host/edit.h",

@@ -109,7 +109,7 @@ TEST_P(Project, TheDeviceLayerMayBeReset)
   resetDevices();
 }
 
-TEST_P(Project, ListenersHearOfEntryAndExitFromTheirConstructionOn)
+TEST_P(Project, ListenersAreNotifiedOfEntryAndExitFromTheirConstructionOn)
 {
   PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;
@@ -154,7 +154,7 @@ TEST_P(Project, AtExitTheProjectIsStillThere)
   EXPECT_EQ(events, (Events{"a entry", "a exit", "a entry"}));
 }
 
-TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
+TEST_P(Project, AListenerMayEndItselfOrAnotherDuringAnEvent)
 {
   PROMISE("host/events.h", "Listeners may be created and destroyed during an event.");
   Events events;
@@ -169,7 +169,7 @@ TEST_P(Project, AListenerMayEndItselfOrAnotherWhileItIsTold)
   EXPECT_EQ(events, (Events{"first entry", "third entry"}));
 }
 
-TEST_P(Project, AListenerThatComesWhileOthersAreToldHearsTheNextEvent)
+TEST_P(Project, AListenerMadeDuringAnEventIsNotifiedOfTheNext)
 {
   PROMISE("host/events.h", "A new listener receives the next event; a destroyed one receives no more.");
   Events events;

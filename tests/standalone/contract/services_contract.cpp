@@ -10,7 +10,7 @@
 #include "host/refcount.h"
 #include "host_fixture.h"
 
-// A sanitizer ends the process where malloc answers null, unless it is told not to. Other builds have no use for these.
+// With this option a sanitizer lets malloc return null instead of ending the process. Other builds ignore it.
 extern "C" const char* __asan_default_options()
 {
   return "allocator_may_return_null=1";
@@ -89,7 +89,7 @@ TEST_P(Services, NullIsReleasedWithoutHarm)
   OS()->allocator().release(nullptr);
 }
 
-TEST_P(Services, ACountAnswersWhatRemains)
+TEST_P(Services, ACountReturnsTheRest)
 {
   PROMISE("host/os.h", "Subtracts one from `*address` and returns the new value.");
   int count = 1;

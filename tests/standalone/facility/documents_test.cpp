@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The examples of the documents are read as the documents say.
+// The host reads the examples of the documents as the documents describe.
 #include <algorithm>
 #include <sstream>
 
@@ -21,7 +21,7 @@ std::string document(const std::string& name)
   return bytesOf(std::filesystem::path(REELDB_SOURCE_DIR) / "docs/formats" / name);
 }
 
-/// The contents of the blocks marked as TOML.
+/// The contents of all blocks that are marked as TOML.
 std::vector<std::string> tomlBlocks(const std::string& name)
 {
   std::vector<std::string> blocks;

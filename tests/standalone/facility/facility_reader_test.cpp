@@ -130,7 +130,7 @@ TEST(FacilityWords, CodeWithoutAWordIsItsNumber)
   EXPECT_EQ(inputWord(6), "6");
 }
 
-TEST_F(FacilityReaderTest, StateFileGoesBeforeTheFacility)
+TEST_F(FacilityReaderTest, StateFileOverridesTheFacility)
 {
   writeBytes(folder() / "state.toml", "[system]\nreel_userfield0 = \"Stored\"\nempty = \"\"\n"
                                       "[last_reel]\n1 = \"R1\"\n99 = \"of a device that is gone\"\n");
@@ -166,9 +166,9 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
        "2: frame_rates.a\\x1bb: the name of a frame rate holds a control character"},
       {"[facility]\ndefault_reel_type = [1]\n", "2: facility.default_reel_type: a text is needed (this is an array)"},
       {"[facility]\ndefault_project = \"\"\n",
-       "2: facility.default_project: \"\": no name for a project (it is empty)"},
+       "2: facility.default_project: \"\": not a valid project name (it is empty)"},
       {"[facility]\ndefault_project = \"../x\"\n",
-       "2: facility.default_project: \"../x\": no name for a project (it begins with a dot)"},
+       "2: facility.default_project: \"../x\": not a valid project name (it begins with a dot)"},
       {"texts = \"x\"\n", "1: texts: a table is needed (this is a text)"},
       {"[texts]\nreal = \"x\"\n", "2: texts.real: unknown key (known: reel)"},
       {"[texts]\nreel = true\n", "2: texts.reel: a text is needed (this is true or false)"},
@@ -194,12 +194,10 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
       {"[[device]]\nnumber = 0\nid = 4294967296\n", "3: device.id: 4294967296 is out of range (1 to 4294967295)"},
       {device + "prot = \"9-pin\"\n",
        "5: device.prot: unknown key (known: number, id, name, port, input, audio_inputs, tapes, label_map)"},
-      {device + "port = \"9pin\"\n",
-       "5: device.port: \"9pin\" is no word for it (known: 9-pin, 1394, device-named, none)"},
+      {device + "port = \"9pin\"\n", "5: device.port: \"9pin\" is unknown (known: 9-pin, 1394, device-named, none)"},
       {device + "port = 0\n", "5: device.port: a text is needed (this is a whole number)"},
-      {device + "input = \"SDI\"\n",
-       "5: device.input: \"SDI\" is no word for it (known: composite, s-video, component, "
-       "sdi, hdmi, 1394, none)"},
+      {device + "input = \"SDI\"\n", "5: device.input: \"SDI\" is unknown (known: composite, s-video, component, "
+                                     "sdi, hdmi, 1394, none)"},
       {device + "audio_inputs = -2\n", "5: device.audio_inputs: -2 is out of range (0 to 1024)"},
       {device + "audio_inputs = 1025\n", "5: device.audio_inputs: 1025 is out of range (0 to 1024)"},
       {device + "tapes = \"Live\"\n", "5: device.tapes: an array of texts is needed (this is a text)"},
@@ -225,27 +223,27 @@ TEST_F(FacilityReaderTest, NamesThatDifferInCaseAreTwoDevices)
 TEST_F(FacilityReaderTest, FolderWithoutTheFileIsNotFound)
 {
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "NotFound: " + folder().native() + ": no facility (facility.toml not found)");
+            "NotFound: " + folder().native() + ": not a facility (facility.toml not found)");
 }
 
-TEST_F(FacilityReaderTest, WhatIsNoFolderIsNotFound)
+TEST_F(FacilityReaderTest, AnythingButAFolderIsNotFound)
 {
   const fs::path none = folder() / "none", notAFolder = folder() / "f";
   writeBytes(notAFolder, "");
-  EXPECT_EQ(errorOf([&] { Facility::read(none); }), "NotFound: " + none.native() + ": no facility (no such folder)");
+  EXPECT_EQ(errorOf([&] { Facility::read(none); }), "NotFound: " + none.native() + ": not a facility (no such folder)");
   EXPECT_EQ(errorOf([&] { Facility::read(notAFolder); }),
-            "NotFound: " + notAFolder.native() + ": no facility (not a folder)");
+            "NotFound: " + notAFolder.native() + ": not a facility (not a folder)");
 }
 
-TEST_F(FacilityReaderTest, WhatIsNoRegularFileIsRefusedWithoutWaiting)
+TEST_F(FacilityReaderTest, AnythingButARegularFileIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
   fs::remove(file());
   fs::create_directory(file());
   EXPECT_EQ(errorOf([&] { Facility::read(folder()); }),
-            "Unreadable: " + file().native() + ": no regular file (a folder)");
+            "Unreadable: " + file().native() + ": not a regular file (a folder)");
 }
 
 TEST_F(FacilityReaderTest, LinkToTheFileIsFollowed)

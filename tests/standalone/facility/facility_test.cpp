@@ -90,7 +90,7 @@ TEST_F(FacilityTest, PendingValuesAreSeenAndDropped)
   EXPECT_FALSE(fs::exists(folder() / "state.toml"));
 }
 
-TEST_F(FacilityTest, SettingWhatIsStoredIsNoChange)
+TEST_F(FacilityTest, SettingTheStoredValueIsNotAChange)
 {
   Facility facility = read();
   facility.setSystemValue("reel_userfield0", "Scene");

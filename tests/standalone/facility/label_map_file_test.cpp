@@ -78,9 +78,9 @@ TEST_F(LabelMapFile, EveryErrorNamesFileLineAndReason)
       {entries(2) + entry("1", "\"ltc\"", "\"text\""),
        ":13: entry.in_use: true or false is needed (this is a whole number)"},
       {entry("true", "9", "\"text\""), ":4: entry.source: a text is needed (this is a whole number)"},
-      {entry("true", "\"LTC\"", "\"text\""), ":4: entry.source: \"LTC\" is no word for it (known: " + sources + ")"},
-      {entry("true", "\"\"", "\"text\""), ":4: entry.source: \"\" is no word for it (known: " + sources + ")"},
-      {entry("true", "\"ltc\"", "\"25\""), ":5: entry.format: \"25\" is no word for it (known: " + formats + ")"},
+      {entry("true", "\"LTC\"", "\"text\""), ":4: entry.source: \"LTC\" is unknown (known: " + sources + ")"},
+      {entry("true", "\"\"", "\"text\""), ":4: entry.source: \"\" is unknown (known: " + sources + ")"},
+      {entry("true", "\"ltc\"", "\"25\""), ":5: entry.format: \"25\" is unknown (known: " + formats + ")"},
       {entry("true", "\"ltc\"", "[]"), ":5: entry.format: a text is needed (this is an array)"},
       {"[[entry]]\nlabel = 5\n", ":2: entry.label: a text is needed (this is a whole number)"},
       {"[[entry]]\nlabel = \"a\"\ninuse = true\n",
@@ -103,7 +103,7 @@ TEST_F(LabelMapFile, NamedPipeIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { readLabelMap(file()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
 }
 
 } // namespace

@@ -7,7 +7,7 @@ namespace {
 
 using namespace reelhost;
 
-// The codes are what the library tests; the words are what people have in their files. Neither ever changes.
+// The library tests the codes, and people have the words in their files. Neither ever changes.
 TEST(LabelSourceCode, EveryWord)
 {
   const std::pair<const char*, unsigned> words[] = {

@@ -107,13 +107,13 @@ TEST(NewFacilityTest, FacilityThatIsThereIsRefusedAndStays)
   const TempFolder folder;
   writeBytes(folder / "facility.toml", "mine");
   EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
-            "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
+            "Refused: " + folder.path().native() + ": is already a facility (it has a facility.toml)");
   EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"facility.toml"});
   EXPECT_EQ(bytesOf(folder / "facility.toml"), "mine");
   fs::remove(folder / "facility.toml");
   fs::create_symlink("nowhere", folder / "facility.toml");
   EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
-            "Refused: " + folder.path().native() + ": is a facility already (it has a facility.toml)");
+            "Refused: " + folder.path().native() + ": is already a facility (it has a facility.toml)");
 }
 
 TEST(NewFacilityTest, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
@@ -122,7 +122,7 @@ TEST(NewFacilityTest, AnyOfItsFilesThatIsThereIsRefusedAndNothingIsMade)
   fs::create_directory(folder / "labelmaps");
   writeBytes(folder / "labelmaps/ntstofd.toml", "mine");
   EXPECT_EQ(errorOf([&] { NewFacility(folder.path()).keep(); }),
-            "Refused: " + (folder / "labelmaps/ntstofd.toml").native() + ": exists already");
+            "Refused: " + (folder / "labelmaps/ntstofd.toml").native() + ": already exists");
   EXPECT_EQ(namesIn(folder.path()), std::vector<std::string>{"labelmaps"});
   EXPECT_EQ(bytesOf(folder / "labelmaps/ntstofd.toml"), "mine");
 }

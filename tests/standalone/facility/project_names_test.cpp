@@ -32,23 +32,23 @@ TEST_F(ProjectNames, FileOfAPlainName)
   EXPECT_EQ(facility().projectFile(std::string(200, 'n')), projects() / (std::string(200, 'n') + ".reels"));
 }
 
-TEST_F(ProjectNames, NamesThatAreNoFileNamesAreRefused)
+TEST_F(ProjectNames, NamesThatAreNotFileNamesAreRefused)
 {
   const std::pair<std::string, std::string> cases[] = {
-      {"", "\"\": no name for a project (it is empty)"},
-      {".", "\".\": no name for a project (it begins with a dot)"},
-      {"..", "\"..\": no name for a project (it begins with a dot)"},
-      {".hidden", "\".hidden\": no name for a project (it begins with a dot)"},
-      {"a/b", "\"a/b\": no name for a project (it holds a slash)"},
-      {"/etc/x", "\"/etc/x\": no name for a project (it holds a slash)"},
-      {"a\nb", "\"a\\nb\": no name for a project (it holds a control character)"},
-      {std::string("a\0b", 3), "\"a\\x00b\": no name for a project (it holds a control character)"},
-      {"a\xC2\x9B", "\"a\\u009b\": no name for a project (it holds a control character)"},
+      {"", "\"\": not a valid project name (it is empty)"},
+      {".", "\".\": not a valid project name (it begins with a dot)"},
+      {"..", "\"..\": not a valid project name (it begins with a dot)"},
+      {".hidden", "\".hidden\": not a valid project name (it begins with a dot)"},
+      {"a/b", "\"a/b\": not a valid project name (it holds a slash)"},
+      {"/etc/x", "\"/etc/x\": not a valid project name (it holds a slash)"},
+      {"a\nb", "\"a\\nb\": not a valid project name (it holds a control character)"},
+      {std::string("a\0b", 3), "\"a\\x00b\": not a valid project name (it holds a control character)"},
+      {"a\xC2\x9B", "\"a\\u009b\": not a valid project name (it holds a control character)"},
   };
   for (const auto& [name, message] : cases)
     EXPECT_EQ(errorOf([&, &wanted = name] { facility().projectFile(wanted); }), "Refused: " + message);
   EXPECT_EQ(errorOf([&] { facility().projectFile(std::string(201, 'n')); }),
-            "Refused: \"" + std::string(201, 'n') + "\": no name for a project (it is longer than 200 bytes)");
+            "Refused: \"" + std::string(201, 'n') + "\": not a valid project name (it is longer than 200 bytes)");
 }
 
 TEST_F(ProjectNames, LinkIsFollowedWithinTheFacilityOnly)

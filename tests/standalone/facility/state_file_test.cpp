@@ -26,7 +26,7 @@ protected:
   StateFile state() const { return StateFile(folder_.path()); }
   fs::path file() const { return folder_ / "state.toml"; }
   fs::path folder() const { return folder_.path(); }
-  const char* const stays = "; the state file is damaged and stays as it is (moving it away starts a new one)";
+  const char* const stays = "; the state file is damaged and stays as it is (move it away to start a new one)";
 
 private:
   TempFolder folder_;
@@ -75,7 +75,7 @@ TEST_F(StateFileTest, EmptyValuesOfAnOlderFileGoWithTheNextChange)
 TEST_F(StateFileTest, FileReadsAsWritten)
 {
   state().merge({{{"reel_userfield0", "Scene \"A\""}}, {{5, "R1"}}});
-  EXPECT_EQ(bytesOf(file()), "# Written by reeldb; what it holds goes before facility.toml. Not to be edited while a "
+  EXPECT_EQ(bytesOf(file()), "# Written by reeldb. Its values override those of facility.toml. Do not edit it while a "
                              "command runs.\n\n[last_reel]\n5 = \"R1\"\n\n[system]\nreel_userfield0 = \"Scene "
                              "\\\"A\\\"\"\n");
 }
@@ -123,7 +123,7 @@ TEST_F(StateFileTest, KeyThatIsNotUtf8IsRefused)
   EXPECT_EQ(errorOf([&] {
               state().merge({{{"k\xFF", "v"}}, {}});
             }),
-            "Refused: " + file().native() + ": \"k\\xff\" is no key (not UTF-8)");
+            "Refused: " + file().native() + ": \"k\\xff\" is not a valid key (not UTF-8)");
   EXPECT_TRUE(namesIn(folder()).empty());
 }
 
@@ -146,10 +146,10 @@ TEST_F(StateFileTest, DamagedFileIsAnErrorAndIsNotOverwritten)
       {"[system]\nk = [\"a\"]\n", ":2: system.k: a whole number is needed (this is a text)"},
       {"[system]\nk = [0]\n", ":2: system.k: 0 is out of range (1 to 255)"},
       {"[system]\nk = [256]\n", ":2: system.k: 256 is out of range (1 to 255)"},
-      {"[last_reel]\n0 = \"R\"\n", ":2: last_reel.0: no identity of a device"},
-      {"[last_reel]\nx1 = \"R\"\n", ":2: last_reel.x1: no identity of a device"},
-      {"[last_reel]\n1x = \"R\"\n", ":2: last_reel.1x: no identity of a device"},
-      {"[last_reel]\n4294967296 = \"R\"\n", ":2: last_reel.4294967296: no identity of a device"},
+      {"[last_reel]\n0 = \"R\"\n", ":2: last_reel.0: not a device identity"},
+      {"[last_reel]\nx1 = \"R\"\n", ":2: last_reel.x1: not a device identity"},
+      {"[last_reel]\n1x = \"R\"\n", ":2: last_reel.1x: not a device identity"},
+      {"[last_reel]\n4294967296 = \"R\"\n", ":2: last_reel.4294967296: not a device identity"},
       {"last_reel = 1\n", ":1: last_reel: a table is needed (this is a whole number)"},
   };
   for (const auto& [content, message] : cases) {
@@ -161,13 +161,13 @@ TEST_F(StateFileTest, DamagedFileIsAnErrorAndIsNotOverwritten)
   }
 }
 
-TEST_F(StateFileTest, WhatIsNoRegularFileIsRefused)
+TEST_F(StateFileTest, AnythingButARegularFileIsRefused)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] {
               state().merge({{{"a", "1"}}, {}});
             }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)" + stays);
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)" + stays);
   EXPECT_TRUE(fs::is_fifo(file()));
 }
 
@@ -204,7 +204,7 @@ TEST_F(StateFileTest, MergeWaitsForTheLockAndThenGivesUp)
   EXPECT_TRUE(fs::exists(file()));
 }
 
-TEST_F(StateFileTest, LeftoverOfAKilledProcessIsNoHindrance)
+TEST_F(StateFileTest, LeftoverOfAKilledProcessIsIgnored)
 {
   writeBytes(folder() / ".state.toml.new", "half");
   state().merge({{{"a", "1"}}, {}});

@@ -45,7 +45,7 @@ TEST_F(TomlFileTest, ValuesOfEveryKind)
   EXPECT_EQ(root.keys(), (std::vector<std::string>{"t", "n", "f", "l", "m", "s", "a"}));
 }
 
-TEST_F(TomlFileTest, AbsentKeysAnswerNothing)
+TEST_F(TomlFileTest, AbsentKeysHaveNoValue)
 {
   const TomlFile file = read("");
   const TomlTable root(file, file.root(), "");

@@ -18,7 +18,7 @@ using Lines = std::vector<std::string>;
 
 const std::string longName = "the name is longer than 2047 bytes";
 const std::string longParameters = "the parameters are longer than 2047 bytes";
-const std::string longWarning = "the record has no parameters and is too long for the warning of that";
+const std::string longWarning = "the record has no parameters and is too long for the library's warning";
 
 std::string text(std::size_t length)
 {
@@ -168,10 +168,11 @@ TEST_F(TypeFileCheckTest, AnythingButARegularFileIsRefusedWithoutWaiting)
 {
   ASSERT_EQ(::mkfifo(file().c_str(), 0600), 0);
   EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }),
-            "Unreadable: " + file().native() + ": no regular file (a named pipe)");
+            "Unreadable: " + file().native() + ": not a regular file (a named pipe)");
   fs::remove(file());
   fs::create_directory(file());
-  EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }), "Unreadable: " + file().native() + ": no regular file (a folder)");
+  EXPECT_EQ(errorOf([&] { checkTypeFile(file()); }),
+            "Unreadable: " + file().native() + ": not a regular file (a folder)");
 }
 
 TEST_F(TypeFileCheckTest, FileOfMoreThan64MiBIsRefused)
@@ -189,30 +190,29 @@ TEST_F(TypeFileCheckTest, FileThatLeadsNowhereButToItselfIsAnError)
             "Io: " + file().native() + ": cannot be opened (Too many levels of symbolic links)");
 }
 
-TEST_F(TypeFileCheckTest, ValueThatIsNoNumberIsRemarkedOn)
+TEST_F(TypeFileCheckTest, ValueThatIsNotANumberIsRemarkedOn)
 {
-  expectRemark("VideoChannels=1 AudioChannels=x", "AudioChannels: \"x\" is no number (taken as 0)");
-  expectRemark("VideoChannels=2x AudioChannels=3", "VideoChannels: \"2x\" is no number (taken as 2)");
-  expectRemark("videochannels==4", "VideoChannels: \"\" is no number (taken as 0)");
-  expectRemark("VideoChannels=0x10", "VideoChannels: \"0x10\" is no number (taken as 0)");
-  expectRemark("VideoChannels=\x1b", "VideoChannels: \"\\x1b\" is no number (taken as 0)");
+  expectRemark("VideoChannels=1 AudioChannels=x", "AudioChannels: \"x\" is not a number (read as 0)");
+  expectRemark("VideoChannels=2x AudioChannels=3", "VideoChannels: \"2x\" is not a number (read as 2)");
+  expectRemark("videochannels==4", "VideoChannels: \"\" is not a number (read as 0)");
+  expectRemark("VideoChannels=0x10", "VideoChannels: \"0x10\" is not a number (read as 0)");
+  expectRemark("VideoChannels=\x1b", "VideoChannels: \"\\x1b\" is not a number (read as 0)");
 }
 
 TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsRemarkedOn)
 {
-  expectRemark("VideoChannels=65536",
-               "VideoChannels: 65536 are too many (65535 are the most; no reel can get this type)");
+  expectRemark("VideoChannels=65536", "VideoChannels: 65536 is too many (at most 65535; no reel can get this type)");
   expectRemark("AudioChannels=70000:AudioChannels=x",
-               "AudioChannels: 70000 are too many (65535 are the most; no reel can get this type)");
-  expectRemark("AudioChannels=4294967297", "AudioChannels: 4294967297 are too many (65535 are the most; taken as 1)");
+               "AudioChannels: 70000 is too many (at most 65535; no reel can get this type)");
+  expectRemark("AudioChannels=4294967297", "AudioChannels: 4294967297 is too many (at most 65535; read as 1)");
   expectRemark("AudioChannels=99999999999999999999",
-               "AudioChannels: 99999999999999999999 are too many (65535 are the most; taken as -1)");
-  expectRemark("AudioChannels=-3", "AudioChannels: -3 is no number of channels (none are added)");
+               "AudioChannels: 99999999999999999999 is too many (at most 65535; read as -1)");
+  expectRemark("AudioChannels=-3", "AudioChannels: -3 is not a number of channels (no channels are added)");
 }
 
 TEST_F(TypeFileCheckTest, ParameterWithoutANumberIsRemarkedOn)
 {
-  const std::string none = ": no number (it follows the \"=\" at once; none are added)";
+  const std::string none = ": no number directly after the \"=\" (no channels are added)";
   expectRemark("VideoChannels = 2 AudioChannels=1", "VideoChannels" + none);
   expectRemark("audiochannels =2", "AudioChannels" + none);
   expectRemark("AudioChannels=", "AudioChannels" + none);
@@ -225,7 +225,7 @@ TEST_F(TypeFileCheckTest, OnlyTheTokenThatTheLibraryReadsIsLookedAt)
   expectGood("VideoChannels=x\n:\n");
 }
 
-TEST_F(TypeFileCheckTest, WhiteSpaceBehindTheLastNumberIsNoPartOfIt)
+TEST_F(TypeFileCheckTest, WhiteSpaceBehindTheLastNumberIsNotPartOfIt)
 {
   expectGood("a:VideoChannels=1\t\v\nb:\tAudioChannels=2\t \r\n");
 }
@@ -234,9 +234,9 @@ TEST_F(TypeFileCheckTest, BothNumbersOfEveryRecordAreRemarkedOnInOrder)
 {
   const std::string path = file().native();
   EXPECT_EQ(remarksOn("a:VideoChannels=x AudioChannels=y\r\nb:AudioChannels=z"),
-            (Lines{path + ":1: VideoChannels: \"x\" is no number (taken as 0)",
-                   path + ":1: AudioChannels: \"y\" is no number (taken as 0)",
-                   path + ":2: AudioChannels: \"z\" is no number (taken as 0)"}));
+            (Lines{path + ":1: VideoChannels: \"x\" is not a number (read as 0)",
+                   path + ":1: AudioChannels: \"y\" is not a number (read as 0)",
+                   path + ":2: AudioChannels: \"z\" is not a number (read as 0)"}));
 }
 
 class FacilityTypes : public testing::Test {
@@ -260,7 +260,7 @@ TEST_F(FacilityTypes, RemarksComeWithTheFacility)
 {
   writeBytes(file(), "a:VideoChannels=2x\n");
   EXPECT_EQ(Facility::read(dir()).remarks(),
-            Lines{file().native() + ":1: VideoChannels: \"2x\" is no number (taken as 2)"});
+            Lines{file().native() + ":1: VideoChannels: \"2x\" is not a number (read as 2)"});
 }
 
 TEST_F(FacilityTypes, FacilityWithoutATypeFileIsGood)

@@ -124,7 +124,7 @@ TEST_F(JournalTest, WhatACallThrewIsItsResult)
   EXPECT_EQ(lines, Texts{"get_project_cookie() -> threw reelhost::ScriptedFault"});
 }
 
-/// The lines of everything that can be called, with the Cookie of the reel as REEL and of the shot as SHOT.
+/// The lines of calls of all operations, with REEL for the Cookie of the reel and SHOT for that of the shot.
 class EveryCall : public JournalTest {
 protected:
   Texts lines(const std::function<void()>& work)

@@ -23,7 +23,7 @@ protected:
 
 // --- Faults --------------------------------------------------------------------------------------
 
-/// A piece of work of many host calls, some of them inside others.
+/// Work with many host calls, some of them inside others.
 void work(const Cookie& log)
 {
   EditPtr handle;
@@ -108,7 +108,7 @@ TEST_F(ScriptTest, BeforeSeesEachCallAndMayThrowInItsPlace)
   Texts seen;
   script().before = [&](const std::string& operation, const std::string& arguments) {
     seen.push_back(operation + "(" + arguments + ")");
-    get_project_cookie(); // a call of the test's own is not seen
+    get_project_cookie(); // a call by the test itself is not counted
     if (operation == "Edit::set_reelid")
       throw std::out_of_range("scripted");
   };
@@ -128,7 +128,7 @@ TEST_F(ScriptTest, ALogCanBeKeptFromOpening)
   EXPECT_FALSE(opens(log));
   EXPECT_EQ(reelIdOf(log), "");
   EXPECT_TRUE(opens(other));
-  EXPECT_EQ(typeNameOf(log), ""); // it has its row all the same
+  EXPECT_EQ(typeNameOf(log), ""); // it still has its row
   script().reset();
   EXPECT_TRUE(opens(log));
 }
@@ -160,7 +160,7 @@ TEST_F(ScriptTest, TheDatabaseCanGoAway)
   EXPECT_NE(EditManager::getProjdb(), nullptr);
 }
 
-TEST_F(ScriptTest, SearchesCanBeAnswered)
+TEST_F(ScriptTest, ResultsOfSearchesCanBeReplaced)
 {
   const Cookie reel = addLog(9, "R1");
   CookieVec none, one;
@@ -223,7 +223,7 @@ TEST_F(ScriptTest, TheViewCanFollowWithTheRowAlone)
 
 // --- Configuration -------------------------------------------------------------------------------
 
-TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeAnswered)
+TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeReplaced)
 {
   configb block;
   block.set("flag", "0", nullptr);
@@ -237,7 +237,7 @@ TEST_F(ScriptTest, NumbersOfTheConfigurationCanBeAnswered)
   EXPECT_STREQ(block.in("flag"), "0");
 }
 
-TEST_F(ScriptTest, TextsOfTheConfigurationCanBeAnswered)
+TEST_F(ScriptTest, TextsOfTheConfigurationCanBeReplaced)
 {
   configb block;
   script().configText["a"] = {1, "left behind"};
@@ -265,7 +265,7 @@ TEST_F(ScriptTest, BuffersAreLookedAt)
 
 // --- The rest ------------------------------------------------------------------------------------
 
-TEST_F(ScriptTest, TextsThreadsAndRatesCanBeAnswered)
+TEST_F(ScriptTest, TextsThreadsAndRatesCanBeReplaced)
 {
   script().resourceText = L"<10043>";
   EXPECT_EQ(std::wstring(paddedResourceStrW(10043, L"a", L" ", ResStrFmt(0)).c_str()), L"a<10043> ");
@@ -281,7 +281,7 @@ TEST_F(ScriptTest, TextsThreadsAndRatesCanBeAnswered)
   EXPECT_NE(co_pid(), 0x12345);
 }
 
-TEST_F(ScriptTest, ProjectsCanBeAnsweredInTurn)
+TEST_F(ScriptTest, ProjectsCanBeReplacedInTurn)
 {
   const Cookie first("P0001000", false), second("P0001001", false);
   script().projectCookies = {first, second};
@@ -292,7 +292,7 @@ TEST_F(ScriptTest, ProjectsCanBeAnsweredInTurn)
   EXPECT_FALSE(get_project_cookie().valid());
 }
 
-TEST_F(ScriptTest, LabelMapsCanBeAnswered)
+TEST_F(ScriptTest, LabelMapsCanBeReplaced)
 {
   LabelMappingSet map;
   map.entries[5].inUse = 1;

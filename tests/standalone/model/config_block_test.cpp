@@ -52,7 +52,7 @@ TEST(ConfigBlock, NullIsTheEmptyKeyAndTheEmptyText)
   ASSERT_NE(block.find(static_cast<const char*>(nullptr)), nullptr);
 }
 
-TEST(ConfigBlock, TheOwnerHearsOfChangesAlone)
+TEST(ConfigBlock, OwnerIsNotifiedOfChangesOnly)
 {
   ConfigBlock block;
   Owner owner;

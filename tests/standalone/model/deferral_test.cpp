@@ -14,7 +14,7 @@ using reelhost::runDeferredActions;
 
 class DeferralTest : public HostTest {
 protected:
-  ~DeferralTest() override { reelhost::runDeferredActions(); } // while what they write to is still there
+  ~DeferralTest() override { reelhost::runDeferredActions(); } // before the members that the actions write to end
   class Action : public iExecutableAction {
   public:
     explicit Action(std::function<void()> work) : work_(std::move(work)) {}

@@ -23,7 +23,7 @@ protected:
   }
 };
 
-TEST_F(DeletionTest, DeletedLogsAreGoneAndListenersHearOfThem)
+TEST_F(DeletionTest, DeletedLogsAreGoneAndListenersAreNotified)
 {
   const Cookie reel = addLog(9, "R1"), shot = addLog(1, "R1"), other = addLog(9, "R2");
   RecordingListener listener;
@@ -41,7 +41,7 @@ TEST_F(DeletionTest, DeletedLogsAreGoneAndListenersHearOfThem)
   EXPECT_EQ(reelhost::allShots().count(), 0);
 }
 
-TEST_F(DeletionTest, NothingToDeleteIsNotToldAndNotStored)
+TEST_F(DeletionTest, EmptyDeletionIsNeitherNotifiedNorStored)
 {
   reelhost::commit();
   RecordingListener listener;
@@ -130,7 +130,7 @@ TEST_F(DeletionTest, WhatCameBackMayBeChangedAndDeletedAgain)
   EXPECT_EQ(texts(reels()), texts(these({reel, other})));
 }
 
-TEST_F(DeletionTest, CompactEmptiesTheBinForGood)
+TEST_F(DeletionTest, CompactEmptiesTheTrashForGood)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(1, "R1");
   reelhost::commit();
@@ -145,7 +145,7 @@ TEST_F(DeletionTest, CompactEmptiesTheBinForGood)
   EXPECT_FALSE(reelhost::hasChanges());
 }
 
-// The store does one thing to its trash at a time, and "the last deletion" is the last that it holds.
+// The store makes one change of its trash per commit, and its last deletion is the last stored one.
 TEST_F(DeletionTest, TheBinWaitsForWhatIsNotStoredYet)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");

@@ -13,7 +13,7 @@ namespace {
 using namespace reeldb_tests;
 using reelhost::Facility;
 
-/// A new facility of the test's own, with the two devices that every new facility has.
+/// A new facility, with the two devices that every new facility has.
 class DevicesTest : public HostTest {
 protected:
   DevicesTest()
@@ -78,7 +78,7 @@ TEST_F(DevicesTest, SystemSettingsAreStoredWithoutAProjectToo)
   EXPECT_STREQ(SystemCfg::theConfig().get("reel_userfield0").c_str(), "Scene");
 }
 
-// A project that is only read takes no changes; the settings are not the project's.
+// The settings can change while the project is open for reading, because they do not belong to it.
 TEST_F(DevicesTest, SettingsAreStoredWhileAProjectIsRead)
 {
   openMemory();

@@ -44,7 +44,7 @@ TEST_F(EditHandles, WhatDidNotOpenIsNotCounted)
   EXPECT_EQ(openLogs(), 0);
 }
 
-// No store keeps such a log; one that a fault left in memory stays out of reach.
+// No store keeps such a log. A log that a fault left in memory cannot be opened.
 TEST_F(EditHandles, InvalidCookieOpensNothingEvenBesideALogOfItsKind)
 {
   reelhost::StoredLog log;
@@ -65,7 +65,7 @@ TEST_F(EditHandles, InvalidCookieOpensNothingEvenBesideALogOfItsKind)
   EXPECT_EQ((*EditManager::getProjdb())[Cookie()], nullptr);
 }
 
-// In a process of its own, for there the opening stays for good.
+// In a separate process, because the log is never closed.
 TEST_F(EditHandles, AHandleDoesNotCloseByItself)
 {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
@@ -123,7 +123,7 @@ TEST_F(EditHandles, ATypeThatIsNotTheIdentifierHasNoText)
   info.i_close();
 }
 
-// A client may close the project from inside an event of the library, with logs open all the way up.
+// A client may close the project during an event of the library, while callers have logs open.
 TEST_F(EditHandles, AnOpenLogOutlivesItsProject)
 {
   const Cookie log = addLog(9, "R1");

@@ -20,7 +20,7 @@ protected:
   }
 };
 
-TEST_F(EditTest, AnEntireMediumThatIsNoOriginalIsAReel)
+TEST_F(EditTest, EntireMediumThatIsNotAnOriginalIsAReel)
 {
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   Edit& edit = *modifier.get();
@@ -49,7 +49,7 @@ TEST_F(EditTest, ImportedMaterialStaysMaterial)
   });
 }
 
-TEST_F(EditTest, AStoredReelStaysAReelWhenItsTypeIsDeterminedAnew)
+TEST_F(EditTest, StoredReelStaysAReelWhenItsTypeIsDeterminedAgain)
 {
   reelhost::StoredLog stored;
   stored.type = 9;
@@ -90,7 +90,7 @@ TEST_F(EditTest, ChannelsOfOtherTypesCountForNothing)
   });
 }
 
-// One more would leave 0 in the bits that the library reads, which would add channels for ever.
+// With one more, the bits that the library reads would be 0, and it would add channels for ever.
 TEST_F(EditTest, ChannelBeyondTheBitsThatCountIsRefused)
 {
   reelhost::StoredLog stored;
@@ -125,7 +125,7 @@ TEST_F(EditTest, EveryChangeIsToBeStored)
       {"channel",
        [](Edit& edit) { edit.addChan(codes::videoChannel, nullptr, false, EditChanSubType(0), false, -1.0); }},
       {"field", [](Edit& edit) { edit.config().set("k", "v", nullptr); }},
-      {"type", [](Edit& edit) { edit.redetermineLogType(); }}, // by what was set it is no reel
+      {"type", [](Edit& edit) { edit.redetermineLogType(); }}, // by its flags it is not a reel
       {"entire medium", [](Edit& edit) { edit.set_entire_medium(1); }},
       {"said so", [](Edit& edit) { edit.setDirty(true); }},
   };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A program on the library and the standalone host that says which facility it has.
+// A program with the library and the standalone host that prints its facility.
 #include <cstdio>
 
 #include "ReelTypeManager.h"

@@ -10,8 +10,8 @@
 
 namespace reeldb_tests {
 
-/// Hands every call on to another store, which stays when a project that uses this one is closed. A test overrides what
-/// it wants to see or to spoil.
+/// Forwards every call to another store, which stays when a project that uses this one is closed. A test overrides the
+/// calls that it counts or lets fail.
 class ForwardingStore : public reelhost::Store {
 public:
   using Sink = std::function<void(reelhost::StoredLog&&)>;

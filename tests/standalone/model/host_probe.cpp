@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the host answers before main, as a library asks that is being loaded: one answer a line. Then, in main, what
-// facility() says, and what became of starting up without the library.
+// Prints the host's results before main, where a library that is being loaded calls it: one result per line. Then, in
+// main, prints the result of facility(), and of starting up without the library.
 #include <cstdio>
 
 #include "host/action.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of the standalone host share.
+// Shared by the tests of the standalone host.
 #ifndef REELDB_TESTS_STANDALONE_MODEL_HOST_TEST_H
 #define REELDB_TESTS_STANDALONE_MODEL_HOST_TEST_H
 
@@ -21,7 +21,7 @@
 
 namespace reeldb_tests {
 
-/// Writes down what it is told; @p onEvent, when set, is called each time and may throw.
+/// Records its notifications. If @p onEvent is set, it is called each time and may throw.
 class RecordingListener final : public ProjectListener {
 public:
   void handleLogModification(const Cookie& log, const EditModification& modification) override
@@ -47,7 +47,7 @@ private:
   }
 };
 
-/// No project is open, no device known, nothing scripted. In the end every log must be closed.
+/// A host without a project, devices and script. At the end of a case, every log must be closed.
 class HostTest : public ::testing::Test {
 protected:
   HostTest();
@@ -63,15 +63,15 @@ protected:
   static std::string text(const Cookie& log);
   static std::vector<std::string> texts(const CookieVec& logs);
   static std::string reelIdOf(const Cookie& log);                 ///< attribute 20
-  static std::string fieldOf(const Cookie& log, const char* key); ///< "<absent>" when there is none
+  static std::string fieldOf(const Cookie& log, const char* key); ///< "<absent>" if the key is absent
   static bool opens(const Cookie& log);
   static void withLog(const Cookie& log, const std::function<void(Edit&)>& work);
   static void rename(const Cookie& log, const char* reelId);
-  static CookieVec reels(); ///< what the mask search finds
+  static CookieVec reels(); ///< the result of the mask search
   static CookieVec shotsOf(const char* reelId);
-  static std::string typeNameOf(const Cookie& log); ///< what a view shows; "<no row>" when it shows none
+  static std::string typeNameOf(const Cookie& log); ///< the type in a view; "<no row>" if the view has no row
 
-  /// What @p work throws: kind and text, "none" when nothing.
+  /// The kind and text of the Error that @p work throws; "none" if it does not throw.
   static std::string errorOf(const std::function<void()>& work);
   static std::vector<std::string> linesOf(const std::function<void()>& work); ///< the host calls it makes
 

@@ -13,7 +13,7 @@ using Texts = std::vector<std::string>;
 
 class ListenersTest : public HostTest {};
 
-TEST_F(ListenersTest, WhatTheFirstThrowsPassesWhenAllHaveBeenTold)
+TEST_F(ListenersTest, FirstExceptionIsRethrownWhenAllHaveBeenNotified)
 {
   RecordingListener first, second, third;
   first.onEvent = [](const std::string&) { throw std::out_of_range("first"); };
@@ -25,8 +25,8 @@ TEST_F(ListenersTest, WhatTheFirstThrowsPassesWhenAllHaveBeenTold)
   EXPECT_EQ(third.heard, (Texts{"entry", "exit"}));
 }
 
-// Places that became free while one event was told inside another are tidied up with the outer one.
-TEST_F(ListenersTest, EventsInsideEventsReachWhoIsThere)
+// Places that became free during nested events are removed at the end of the outer event.
+TEST_F(ListenersTest, EventsInsideEventsReachThoseThatExist)
 {
   RecordingListener first, last;
   auto going = std::make_unique<RecordingListener>();

@@ -55,7 +55,7 @@ TEST_F(LogTableTest, EveryLogIsFoundWhileOthersComeAndGo)
     ASSERT_EQ(table.find(log->words), log);
 }
 
-// A full half of the places, all taken by one run: taking one out must not hide those behind it, also around the end.
+// Half of all places are taken, in one run. Removing a log must not hide those behind it, also around the end.
 TEST_F(LogTableTest, TakingALogOutHidesNoOther)
 {
   for (std::uint32_t first = 0; first < 200; ++first) {

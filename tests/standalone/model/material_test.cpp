@@ -94,15 +94,15 @@ TEST_F(MaterialTest, WhatAListenerThrowsPassesAndTheLogStays)
   first.onEvent = [](const std::string&) { throw std::runtime_error("no reel today"); };
   EXPECT_THROW(reelhost::importMaterial(clip("R1")), std::runtime_error);
   EXPECT_EQ(shotsOf("R1").count(), 1);
-  EXPECT_EQ(second.heard.size(), 1u); // the others hear of it all the same
+  EXPECT_EQ(second.heard.size(), 1u); // the others are notified anyway
 }
 
-TEST_F(MaterialTest, TheImportItselfIsNoHostCall)
+TEST_F(MaterialTest, ImportItselfIsNotAHostCall)
 {
   EXPECT_EQ(linesOf([&] { reelhost::importMaterial(clip("R1")); }), std::vector<std::string>{});
 }
 
-TEST_F(MaterialTest, WhatIsNoLogHasNoMaterial)
+TEST_F(MaterialTest, MissingLogHasNoMaterial)
 {
   EXPECT_EQ(reelhost::materialOf(Cookie()).name, "");
 }

@@ -16,7 +16,7 @@ using reelhost::ErrorKind;
 using reelhost::Store;
 using Texts = std::vector<std::string>;
 
-/// Counts what is asked of a store, and refuses what it is told to refuse.
+/// Counts the calls of a store, and refuses the calls that the test selects.
 struct Seen {
   int begun = 0, othersRead = 0, committed = 0;
   bool refuseBegin = false, refuseCommit = false;
@@ -125,7 +125,7 @@ TEST_F(OpenProject, AListenerThatClosesItOnExitClosesItOnce)
 
 // --- Reading -------------------------------------------------------------------------------------
 
-TEST_F(OpenProject, ShotsAreReadAtTheFirstQuestionThatTheyCouldAnswer)
+TEST_F(OpenProject, ShotsAreReadWhenTheyAreFirstNeeded)
 {
   openWatched();
   const Cookie reel = addLog(9, "R1"), shot = addLog(1, "R1");
@@ -136,7 +136,7 @@ TEST_F(OpenProject, ShotsAreReadAtTheFirstQuestionThatTheyCouldAnswer)
     question();
     const int first = seen_.othersRead;
     question();
-    return first * 10 + seen_.othersRead; // 11: at the first question alone
+    return first * 10 + seen_.othersRead; // 11: only at the first call
   };
   EXPECT_EQ(freshly([&] { EXPECT_EQ(reelIdOf(reel), "R1"); }), 0);
   EXPECT_EQ(freshly([&] { EXPECT_EQ(reels().count(), 1); }), 0);
@@ -389,7 +389,7 @@ protected:
 
   void open(Access access = Access::Write) { reelhost::openProject(reelhost::makeSqliteStore(file_), access); }
 
-  /// What another process does: it stores a reel.
+  /// Stores a reel, as another process does.
   void storeElsewhere(std::int64_t number)
   {
     const auto other = reelhost::makeSqliteStore(file_);
@@ -416,7 +416,7 @@ TEST_F(SharedProject, AProjectThatIsOpenForWritingKeepsWritersAwayUntilItsCommit
   storeElsewhere(7);
 }
 
-TEST_F(SharedProject, AChangeOnTopOfForeignOnesIsRefusedUntilTheProjectWasReadAnew)
+TEST_F(SharedProject, ChangeOnTopOfForeignOnesIsRefusedUntilTheProjectIsReadAgain)
 {
   open();
   const Cookie log = addLog(9, "R1");
@@ -438,7 +438,7 @@ TEST_F(SharedProject, AChangeOnTopOfForeignOnesIsRefusedUntilTheProjectWasReadAn
   EXPECT_EQ(reelIdOf(log), "R2");
 }
 
-TEST_F(SharedProject, AWaitingProjectKeepsNobodyAwayAndHearsOfCommits)
+TEST_F(SharedProject, WaitingProjectBlocksNobodyAndDetectsCommits)
 {
   open();
   addLog(1, "R1");
@@ -452,7 +452,7 @@ TEST_F(SharedProject, AWaitingProjectKeepsNobodyAwayAndHearsOfCommits)
   EXPECT_EQ(reels().count(), 0);
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 1);
-  storeElsewhere(8); // reading it again keeps nobody away either
+  storeElsewhere(8); // reading it again does not block others either
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reels().count(), 2);
   EXPECT_TRUE(listener.heard.empty());
@@ -469,7 +469,7 @@ TEST_F(SharedProject, ShotsThatWereNotReadInTimeAreNotMixedIn)
   EXPECT_EQ(reelhost::allShots().count(), 0);
 }
 
-TEST_F(SharedProject, WhatCannotBeReadAnewStaysAsItWas)
+TEST_F(SharedProject, ProjectThatCannotBeReadAgainStaysAsItWas)
 {
   open(Access::Read);
   reelhost::idle();

@@ -94,7 +94,7 @@ TEST_F(ProjdbTest, LettersBeyondAsciiAreTakenAsTheyAre)
   EXPECT_EQ(shotsOf("\xC3\x89").count(), 1);
 }
 
-TEST_F(ProjdbTest, AShotThatBecomesAReelIsNoShot)
+TEST_F(ProjdbTest, ShotThatBecomesAReelIsNotAShot)
 {
   const EditModifier modifier(EditManager::makeNewEdit(Cookie()));
   modifier.get()->set_reelid(0, "R1");

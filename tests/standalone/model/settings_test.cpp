@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the host answers while libraries are loaded: in a process of its own, for it looks at its environment once.
+// The settings that the host returns while libraries are loaded. Each case needs a process of its own, because the host
+// reads its environment only once.
 #include <stdio.h>
 
 #include <array>
@@ -41,7 +42,7 @@ Lines probe(const std::string& environment)
   return linesOf(HOST_PROBE, environment);
 }
 
-TEST(Settings, WithoutAFacilityThereIsNoFolderThatCouldHoldAFile)
+TEST(Settings, WithoutAFacilityTheFolderCannotContainAFile)
 {
   const Lines none = {"<default>", "/dev/null/", "", "1"};
   EXPECT_EQ(probe(""), none);
@@ -77,7 +78,7 @@ TEST(Settings, MissingFacilityCountsAsNoneAndIsReportedLater)
   EXPECT_NE(lines[2].find("/nowhere/at/all"), std::string::npos);
 }
 
-// The library would end the process, had the host not read the file before.
+// If the host did not check the file first, the library would end the process.
 TEST(Settings, ProgramStartsWithATypeFileThatTheLibraryCannotTakeAndReportsIt)
 {
   const TempFolder folder;

@@ -17,7 +17,7 @@ using namespace reelhost;
 using namespace store_tests;
 namespace fs = std::filesystem;
 
-/// A shell, started as @p arguments, that holds a lock on bytes of a file while it lives.
+/// A shell with the command line @p arguments. It holds a lock on bytes of a file while it lives.
 class LockingShell {
 public:
   LockingShell(const fs::path& file, off_t start, off_t length, const std::vector<std::string>& arguments)

@@ -18,7 +18,7 @@ TEST(LeadingPlace, KnownAndOtherKeys)
   EXPECT_EQ(leadingPlace(""), shotTexts.size());
 }
 
-// In a project file that was written by any version of this program, these are columns.
+// These keys are columns in the project files of all versions.
 TEST(LeadingPlace, ReleasedKeysKeepTheirPlaces)
 {
   const char* const released[] = {"reelid",    "source_file", "source_in", "source_out",

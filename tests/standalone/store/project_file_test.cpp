@@ -11,7 +11,7 @@ using namespace reelhost;
 using namespace store_tests;
 namespace fs = std::filesystem;
 
-TEST(InspectProjectFile, TellsPathSizeAndWhatLiesBeside)
+TEST(InspectProjectFile, ReportsPathSizeAndFilesBeside)
 {
   const TempFolder folder;
   const fs::path file = folder / "p";

@@ -52,14 +52,14 @@ TEST_F(SqliteCreate, FollowsTheUmask)
 TEST_F(SqliteCreate, WhatIsThereIsRefusedAndStays)
 {
   writeBytes(file(), "mine");
-  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": already exists");
   EXPECT_EQ(bytesOf(file()), "mine");
   fs::remove(file());
   fs::create_directory(file());
-  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": already exists");
   fs::remove(file());
   fs::create_symlink(folder() / "nowhere", file());
-  EXPECT_EQ(createError(), "Refused: " + file().native() + ": exists already");
+  EXPECT_EQ(createError(), "Refused: " + file().native() + ": already exists");
   EXPECT_EQ(namesIn(folder()), std::vector<std::string>{"new.reels"});
 }
 

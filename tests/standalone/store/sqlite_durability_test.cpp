@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A commit is stored whole or not at all, whatever happens to the process, the disk or the write-ahead log.
+// A commit is stored completely or not at all, whatever happens to the process, the disk or the write-ahead log.
 #include <iostream>
 #include <memory>
 #include <random>
@@ -41,8 +41,8 @@ std::uint32_t bigEndian(std::string_view bytes)
   return value;
 }
 
-/// How many commits lie whole in the first @p size bytes of a write-ahead log: after its header come frames, each a
-/// page behind a header of its own, and the last frame of a commit says how many pages the database then has.
+/// The number of complete commits in the first @p size bytes of a write-ahead log. After the log's header come frames,
+/// each a header and a page. The last frame of a commit has the number of pages that the database then has.
 std::size_t commitsIn(std::string_view log, std::size_t size)
 {
   constexpr std::size_t logHeader = 32, pageSizeAt = 8, frameHeader = 24, commitAt = 4;
@@ -134,7 +134,7 @@ TEST_F(SqliteDurability, KilledAtAnyMomentEachCommitIsThereWholeOrNotAtAll)
         *reported = next + perCommit - 1;
       }
     });
-    // Every other round surely gets past a commit; the rest is killed somewhere on the way to its first.
+    // Every other round is killed after a commit, the rest on the way to the first commit.
     for (int i = 0; round % 2 == 0 && *reported == before && i < 60'000; ++i)
       ::usleep(1000);
     ::usleep(static_cast<useconds_t>(random() % 40'000));
@@ -217,7 +217,7 @@ TEST_F(SqliteDurability, LogWithADamagedFrameHoldsTheStateBeforeIt)
 
 // --- Disk full, I/O errors -----------------------------------------------------------------------
 
-/// Lets the n-th call of a kind that SQLite makes in this process, and all after it, fail.
+/// Lets the n-th call of a kind that SQLite makes in this process, and all later ones, fail.
 class Fault {
 public:
   enum Kind { Write, Truncate, Sync };
@@ -276,7 +276,7 @@ private:
                                              {"pwrite64", reinterpret_cast<sqlite3_syscall_ptr>(&pwrite)},
                                              {"ftruncate", reinterpret_cast<sqlite3_syscall_ptr>(&ftruncate)}};
   static inline Kind failing = Write;
-  static inline int left = 0; ///< the call that fails first; 0: none does
+  static inline int left = 0; ///< the number of the first failing call; 0: no call fails
   static inline int errorNumber = 0;
   sqlite3_vfs* vfs_;
 };
@@ -309,7 +309,7 @@ TEST_F(SqliteDurability, EveryWriteThatFailsInTurnLosesNothing)
           ++refused;
           EXPECT_EQ(answer, expected) << "write " << n;
           EXPECT_EQ(numbersOf(*project).size(), 30u) << "write " << n;
-          if (n % 2 == 0) { // the same store goes on when there is room again
+          if (n % 2 == 0) { // the same store works again when there is room
             store(*project, batch(31, 5));
             EXPECT_EQ(numbersOf(*project).size(), 35u) << "write " << n;
           }
@@ -401,7 +401,7 @@ protected:
 
   fs::path file() const { return disk_ / "main.reels"; }
 
-  /// Leaves no room on the disk, until makeRoom().
+  /// Fills the disk until makeRoom().
   void fill() { writeBytes(filling(), std::string(fs::space(file()).available, 'x')); }
   void makeRoom() { fs::remove(filling()); }
 
@@ -485,7 +485,7 @@ TEST(SqliteDiskFullFromTheStart, NewProjectLeavesNothing)
 
 } // namespace
 
-// SQLite calls these by name, not through its table: what stands in the program is what it finds.
+// SQLite calls these functions by name, not through its table, so those of the program replace them.
 int fsync(int fd)
 {
   return Fault::fails(Fault::Sync) ? -1 : static_cast<int>(::syscall(SYS_fsync, fd));

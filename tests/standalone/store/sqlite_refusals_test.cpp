@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What is no project, or cannot be used now, gets an error that says so and stays as it was.
+// A file that is not a project, or cannot be used now, causes an error with the reason, and is not changed.
 #include <algorithm>
 #include <iostream>
 #include <map>
@@ -27,7 +27,7 @@ protected:
   fs::path file() const { return folder_ / "main.reels"; }
   fs::path folder() const { return folder_.path(); }
 
-  /// A project of a few pages with logs in it, closed and at rest.
+  /// A closed project of a few pages with logs.
   void makeProject(int logs = 200) const
   {
     createSqliteProject(file(), exampleInfo(), {{"a", "b"}});
@@ -55,7 +55,7 @@ protected:
     }
   }
 
-  /// "Kind: fact" with the file named between.
+  /// "Kind: FILE: fact" for "Kind: fact".
   std::string withSubject(const std::string& kindAndFact) const
   {
     const std::size_t colon = kindAndFact.find(": ");
@@ -71,7 +71,7 @@ protected:
       if (!fs::is_regular_file(path, error))
         out[name] = "";
       else if (name.ends_with("-shm"))
-        out[name] = "index"; // made anew whenever it is needed
+        out[name] = "index"; // made again whenever it is needed
       else
         out[name] = std::to_string(modificationTime(path)) + bytesOf(path);
     }
@@ -390,7 +390,7 @@ TEST_F(SqliteRefusals, DamageInALargeFileIsFoundWhenItIsRead)
     store(*project, changes);
   }
   ASSERT_GT(fs::file_size(file()), 9'000'000u);
-  // The root page of the logs; the start of the file stays sound.
+  // The root page of the logs. The start of the file is not damaged.
   const auto root = static_cast<std::size_t>(
       std::stoi(runSql(file(), "SELECT rootpage FROM sqlite_schema WHERE type = 'table' AND name = 'logs'")));
   overwrite((root - 1) * pageSize(), std::string(pageSize(), '\x5A'));
@@ -446,7 +446,7 @@ TEST_F(SqliteRefusals, ControlCharactersOfANameAreShownEscaped)
             "NotFound: " + (folder() / "a\\nb\\x1b[2J.reels").native() + ": no such project");
 }
 
-TEST_F(SqliteRefusals, UseGoesOnAfterARefusalWithTheNextBegin)
+TEST_F(SqliteRefusals, UseContinuesAfterARefusalWithTheNextBegin)
 {
   makeProject(3);
   const auto project = makeSqliteStore(file());
@@ -524,7 +524,7 @@ TEST_F(SqliteReadOnly, WritableAgainIsWrittenAgain)
 
 TEST_F(SqliteReadOnly, AnotherCommitIsSeenThroughAReadOnlyFile)
 {
-  // A project read as it lies has nothing that counts its changes; the file's time and size do.
+  // A project that is read without locks has no version, so the file's time and size are compared.
   const auto reader = makeSqliteStore(file());
   fs::permissions(file(), fs::perms::owner_read);
   EXPECT_EQ(reelsOf(*reader), whole_);
@@ -560,7 +560,7 @@ TEST_F(SqliteReadOnly, ReadOnlyFileWithAnUnfinishedLogIsReadWithIt)
   EXPECT_EQ(everything(), beforeAgain);
 }
 
-TEST_F(SqliteReadOnly, IndexWithoutALogIsPassedOver)
+TEST_F(SqliteReadOnly, IndexWithoutALogIsSkipped)
 {
   fs::permissions(file(), fs::perms::owner_read);
   writeBytes(file().native() + "-shm", std::string(32768, '\0'));
@@ -612,14 +612,14 @@ TEST_F(SqliteReadOnlyMount, UnfinishedLogWithoutItsIndexIsRead)
   expectNumbers({1, 2});
 }
 
-TEST_F(SqliteReadOnlyMount, IndexWithoutALogIsPassedOver)
+TEST_F(SqliteReadOnlyMount, IndexWithoutALogIsSkipped)
 {
   writeBytes(file().native() + "-shm", std::string(32768, '\0'));
   ASSERT_TRUE(mount_.makeReadOnly());
   expectNumbers({1});
 }
 
-TEST_F(SqliteReadOnlyMount, EmptyLogIsPassedOver)
+TEST_F(SqliteReadOnlyMount, EmptyLogIsSkipped)
 {
   writeBytes(file().native() + "-wal", "");
   ASSERT_TRUE(mount_.makeReadOnly());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Files of every version that was ever released are read. Nothing in this file that makes an old file is ever changed.
+// Files of every released version can be read. The code in this file that makes old files is never changed.
 #include "store/sqlite_schema.h"
 
 #include <memory>
@@ -16,7 +16,7 @@ using namespace reelhost;
 using namespace store_tests;
 namespace fs = std::filesystem;
 
-// A project of version 1 as its first release wrote it.
+// A project of version 1 as the first release of that version wrote it.
 const char fileOfVersion1[] = R"sql(
 PRAGMA application_id = 1380271436;
 PRAGMA journal_mode = WAL;
@@ -112,7 +112,7 @@ TEST_F(SqliteSchema, NewFileHasTheTablesOfVersion1)
   createSqliteProject(made, exampleInfo(), {});
   const std::string tables = "SELECT group_concat(replace(replace(sql, char(10), ''), ' ', ''), ';') FROM "
                              "(SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name)";
-  // The columns stand in the same order with the same types and constraints; only the line breaks differ.
+  // The columns have the same order, types and constraints; only the line breaks differ.
   EXPECT_EQ(runSql(made, tables), runSql(file(), tables));
 }
 
@@ -157,7 +157,7 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
   EXPECT_EQ(runSql(file(), "SELECT group_concat(key || value) FROM options"), "op");
 }
 
-// Two more versions, as a later program might know them.
+// Two more versions, as a later program may have them.
 const SchemaSteps& laterSteps()
 {
   static const SchemaSteps steps = {
@@ -220,7 +220,7 @@ TEST_F(SqliteSchema, OlderFileThatCannotBeWrittenIsRefused)
                 ": of an older version (1) and cannot be brought up to date (its mode does not allow writing)");
 }
 
-TEST_F(SqliteSchema, OlderFileThatIsBusyIsToldBusy)
+TEST_F(SqliteSchema, OlderFileThatIsBusyIsReportedAsBusy)
 {
   runSql(file(), fileOfVersion1);
   const auto holder = makeSqliteStore(file());

@@ -26,7 +26,7 @@ protected:
   fs::path file() const { return folder_ / "main.reels"; }
   fs::path folder() const { return folder_.path(); }
 
-  /// A process that has begun to write and goes on holding the project.
+  /// A process that has begun to write and holds the project.
   Child holder() const
   {
     return Child([this] {
@@ -41,7 +41,7 @@ protected:
     return "Busy: " + file().native() + ": held by another process (pid " + std::to_string(pid) + ", store_test";
   }
 
-  /// What a process of its own gets that wants to write.
+  /// The error of a separate process that tries to write.
   std::string errorElsewhere() const
   {
     const fs::path answer = folder_ / "answer";
@@ -66,7 +66,7 @@ private:
   TempFolder folder_;
 };
 
-TEST_F(SqliteSharing, SecondWriterIsToldWhoHoldsTheProject)
+TEST_F(SqliteSharing, ErrorOfTheSecondWriterNamesTheHolderOfTheProject)
 {
   Child other = holder();
   other.waitUntilDone();
@@ -89,7 +89,7 @@ TEST_F(SqliteSharing, SecondWriterWaitsAsLongAsItsBusyTimeout)
   EXPECT_LT(waited, milliseconds(20000));
 }
 
-TEST_F(SqliteSharing, SecondWriterGoesOnWhenTheFirstIsDone)
+TEST_F(SqliteSharing, SecondWriterContinuesWhenTheFirstIsDone)
 {
   Child other([this] {
     const auto project = makeSqliteStore(file());
@@ -122,7 +122,7 @@ TEST_F(SqliteSharing, BusyStoreWritesOnceTheHolderIsGone)
 TEST_F(SqliteSharing, FirstUseWaitsForAProcessThatHasTheFileToItself)
 {
   for (const Access access : {Access::Read, Access::Write}) {
-    // As a process does for a moment when it closes the file behind itself, or takes in a log that was left.
+    // A process does this for a moment when it closes the file last, or recovers a log.
     Child closing([this] {
       const int fd = ::open(file().c_str(), O_RDWR | O_CLOEXEC);
       struct flock lock = {};
@@ -194,7 +194,7 @@ TEST_F(SqliteSharing, ReaderKeepsNoWriterAwayAndItsSnapshotStays)
   EXPECT_EQ(numbersOf(*reader), (Numbers{1, 2}));
 }
 
-TEST_F(SqliteSharing, CommitOfAnotherProcessIsToldOnceAfterTheUse)
+TEST_F(SqliteSharing, CommitOfAnotherProcessIsReportedOnceAfterTheUse)
 {
   const auto project = makeSqliteStore(file());
   EXPECT_FALSE(project->changedElsewhere()); // nothing has begun
@@ -209,11 +209,11 @@ TEST_F(SqliteSharing, CommitOfAnotherProcessIsToldOnceAfterTheUse)
   EXPECT_TRUE(project->changedElsewhere());
   EXPECT_FALSE(project->changedElsewhere());
   storeElsewhere(4);
-  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4})); // begin sees it, so it is no news any more
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4})); // begin has seen it, so it is not reported again
   EXPECT_FALSE(project->changedElsewhere());
 }
 
-TEST_F(SqliteSharing, UseWithoutChangesElsewhereIsNoNews)
+TEST_F(SqliteSharing, UseWithoutChangesElsewhereReportsNoChange)
 {
   const auto project = makeSqliteStore(file());
   numbersOf(*project);
@@ -256,7 +256,7 @@ TEST_F(SqliteSharing, CheckDuringAUseLeavesItBegun)
   EXPECT_EQ(numbersOf(*project), (Numbers{1}));
 }
 
-TEST_F(SqliteSharing, BusyBeginIsNoNews)
+TEST_F(SqliteSharing, BusyBeginReportsNoChange)
 {
   const auto project = makeSqliteStore(file());
   numbersOf(*project);
@@ -319,12 +319,12 @@ TEST_F(SqliteSharing, LinkAndFileAreOneProject)
   EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);
 }
 
-TEST_F(SqliteSharing, AskingWhoHoldsTheProjectDropsNoLock)
+TEST_F(SqliteSharing, FindingTheHolderOfTheProjectDropsNoLock)
 {
   const auto project = makeSqliteStore(file());
   const auto second = makeSqliteStore(file());
   project->begin(Access::Write, noPatience);
-  // Within one process the system names nobody.
+  // Within one process the system does not report the holder.
   EXPECT_EQ(errorOf([&] { second->begin(Access::Write, noPatience); }),
             "Busy: " + file().native() + ": held by another process");
   EXPECT_EQ(errorElsewhere().rfind(busyError(::getpid()), 0), 0u);
@@ -387,7 +387,7 @@ protected:
     fs::permissions(file(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read);
   }
 
-  /// What @p work answers as that user.
+  /// The result of @p work as that user.
   std::string asOtherUser(const std::function<std::string()>& work) const
   {
     int answer[2];

@@ -118,7 +118,7 @@ TEST_F(SqliteStoreTest, HolderOfAFileWithoutWriteAheadModeIsNamed)
       << error;
 }
 
-TEST_F(SqliteStoreTest, CheckTellsWhatIsWrong)
+TEST_F(SqliteStoreTest, CheckReportsFaults)
 {
   const auto project = makeSqliteStore(file());
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
@@ -139,7 +139,7 @@ TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
                                                         "log 3: no valid identity (its kind is 'I')"}));
 }
 
-TEST_F(SqliteStoreTest, CheckOfAFileThatIsNoProjectSaysSo)
+TEST_F(SqliteStoreTest, CheckOfAFileThatIsNotAProjectSaysSo)
 {
   writeBytes(file(), "text");
   const auto project = makeSqliteStore(file());

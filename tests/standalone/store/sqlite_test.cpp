@@ -84,7 +84,7 @@ TEST_F(SqliteWrapper, ReadOnlyConnectionRefusesToWrite)
   }
 }
 
-TEST_F(SqliteWrapper, CausesAreToldApart)
+TEST_F(SqliteWrapper, CausesAreDistinguished)
 {
   Database database(file(), Database::Mode::ReadWrite), other(file(), Database::Mode::ReadWrite);
   EXPECT_EQ(failureOf([&] { Statement(database, "SELECT * FROM none"); }).cause(), Cause::Damaged);

@@ -250,7 +250,7 @@ TEST_P(StoreContract, FieldsStayWithTheirLogAmongManyOthers)
   const auto project = make();
   std::vector<StoredLog> logs;
   for (std::int64_t number = 1; number <= 400; ++number) {
-    // Runs of reels with many keys between logs with none, so that rows have to be passed over near and far.
+    // Runs of reels with many keys between logs with none, so that few and many rows have to be skipped.
     StoredLog log = exampleLog(number, number % 100 < 60 ? 9 : 1);
     for (int i = 0; i < number % 8; ++i)
       log.fields.emplace_back("user" + std::to_string(i), std::to_string(number * 10 + i));
@@ -349,7 +349,7 @@ TEST_P(StoreContract, UndeleteBringsDeletionsBackLastFirst)
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4}));
 }
 
-TEST_P(StoreContract, DeletionPassesOverWhatIsNoLogOrIsInTheBin)
+TEST_P(StoreContract, DeletionSkipsMissingLogsAndLogsInTheTrash)
 {
   const auto project = make();
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
@@ -362,7 +362,7 @@ TEST_P(StoreContract, DeletionPassesOverWhatIsNoLogOrIsInTheBin)
   EXPECT_EQ(lastDeletion(*project), (Numbers{1}));
 }
 
-TEST_P(StoreContract, CompactEmptiesTheBinForGood)
+TEST_P(StoreContract, CompactEmptiesTheTrashForGood)
 {
   const auto project = make();
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
@@ -472,7 +472,7 @@ TEST_P(StoreContract, BeginDuringAUseEndsThatUse)
   EXPECT_EQ(numbersOf(*project), (Numbers{1}));
 }
 
-TEST_P(StoreContract, ExceptionOfASinkPassesAndTheStoreGoesOn)
+TEST_P(StoreContract, ExceptionOfASinkPassesAndTheStoreContinues)
 {
   const auto project = make();
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 1)}));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What the tests of the stores share.
+// Shared by the tests of the stores.
 #ifndef REELDB_TESTS_STANDALONE_STORE_SUPPORT_H
 #define REELDB_TESTS_STANDALONE_STORE_SUPPORT_H
 
@@ -20,7 +20,7 @@ namespace store_tests {
 
 using reeldb_tests::TempFolder;
 
-/// A small file system mounted in a folder of its own, gone with its owner. mounted() is false where that is not
+/// A small file system that is mounted in a folder while the object lives. mounted() is false if mounting is not
 /// allowed.
 class TempMount {
 public:
@@ -40,7 +40,7 @@ void writeBytes(const std::filesystem::path& file, std::string_view bytes);
 std::int64_t modificationTime(const std::filesystem::path& file);      ///< nanoseconds
 std::vector<std::string> namesIn(const std::filesystem::path& folder); ///< sorted
 
-/// Runs @p sql on the file with SQLite itself; fails the test on an error. Answers the first column of the last row.
+/// Runs @p sql on the file with SQLite itself; fails the test on an error. Returns the first column of the last row.
 std::string runSql(const std::filesystem::path& file, const std::string& sql);
 
 constexpr std::chrono::milliseconds noPatience(0);
@@ -48,14 +48,14 @@ constexpr std::chrono::milliseconds muchPatience(30000);
 
 reelhost::ProjectInfo exampleInfo();
 
-/// A log whose every value is told by its number.
+/// A log whose values all follow from its number.
 reelhost::StoredLog exampleLog(std::int64_t number, int type);
 
-/// As one text, for comparing and for messages of failed tests.
+/// The log as one text, for comparisons and for messages of failed tests.
 std::string describe(const reelhost::StoredLog& log);
-std::vector<std::string> reelsOf(reelhost::Store& store);    ///< each reel described; a use of its own
+std::vector<std::string> reelsOf(reelhost::Store& store);    ///< all reels, described; begins and ends a use
 std::vector<std::string> othersOf(reelhost::Store& store);   ///< likewise
-std::vector<std::int64_t> numbersOf(reelhost::Store& store); ///< of all logs, reels first; a use of its own
+std::vector<std::int64_t> numbersOf(reelhost::Store& store); ///< of all logs, reels first; begins and ends a use
 
 /// begin for writing, commit.
 void store(reelhost::Store& store, const reelhost::Changes& changes);
@@ -64,15 +64,15 @@ reelhost::Changes logChanges(std::vector<reelhost::StoredLog> logs);
 /// The kind and the text of the Error that @p work throws: "Busy: x: held by another process"; "nothing" without one.
 std::string errorOf(const std::function<void()>& work);
 
-/// A process of its own that runs @p work and then waits to be ended; killed and reaped with its owner. What the work
-/// throws ends it with status 1.
+/// A separate process that runs @p work and then waits. The destructor kills and reaps it. An exception of the work
+/// ends it with status 1.
 class Child {
 public:
   explicit Child(const std::function<void()>& work);
   ~Child();
   pid_t pid() const { return pid_; }
-  void waitUntilDone(); ///< returns when the work is done; the process goes on living
-  int waitForExit();    ///< lets the process exit; its status, -1 when it was killed
+  void waitUntilDone(); ///< returns when the work is done; the process still lives
+  int waitForExit();    ///< lets the process exit. Returns its status, -1 if it was killed
   void kill();          ///< SIGKILL, and reaps it
 
 private:
@@ -82,7 +82,7 @@ private:
   int keep_ = -1;
 };
 
-/// A process that stores @p changes and is killed before it closes the project: its write-ahead log stays behind.
+/// A process that stores @p changes and is killed before it closes the project, so that its write-ahead log stays.
 void storeAndDie(const std::filesystem::path& file, const reelhost::Changes& changes);
 
 } // namespace store_tests

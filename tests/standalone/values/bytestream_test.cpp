@@ -15,7 +15,7 @@ namespace {
 
 using Pieces = std::vector<std::string>;
 
-/// What a stream should give, from the whole text: cut at each separator, without an empty piece behind the last.
+/// The expected pieces of a text: it is cut at each separator, without an empty piece after the last.
 Pieces model(const std::string& text, const std::string& separators, bool joinCrLf)
 {
   Pieces pieces;
@@ -113,9 +113,9 @@ TEST(ByteStream, LinesAndFields)
       {"a\r", "\r\n", true, {"a"}},
       {"a\r\n\nb", "\r\n", true, {"a", "", "b"}}, // one LF belongs to the CR
       {"a\rb", "\r\n", true, {"a", "b"}},
-      {"a\r\nb", "\n", true, {"a\r", "b"}},                // a CR that is no separator is text
+      {"a\r\nb", "\n", true, {"a\r", "b"}},                // a CR that is not a separator is text
       {"a\r\nb", "\r", true, {"a", "b"}},                  // the LF goes with the CR
-      {"\xFF\x80:\xE9", ":", false, {"\xFF\x80", "\xE9"}}, // no byte is taken for the end
+      {"\xFF\x80:\xE9", ":", false, {"\xFF\x80", "\xE9"}}, // no byte is read as the end
   };
   for (const auto& row : table) {
     EXPECT_EQ(model(row.text, row.separators, row.joinCrLf), row.expected) << testing::PrintToString(row.text);
@@ -187,7 +187,7 @@ TEST(ByteStream, NulIsTextAndNoSeparator)
   stream.separators = ":";
   GrowString piece;
   stream >> piece;
-  EXPECT_STREQ(piece, "a"); // up to the NUL, for whoever reads the buffer as text
+  EXPECT_STREQ(piece, "a"); // up to the NUL, for code that reads the buffer as text
   EXPECT_STREQ(piece + 2, "b");
   stream >> piece;
   EXPECT_STREQ(piece, "c");
@@ -276,7 +276,7 @@ TEST(ByteStream, AfterAReadErrorTheFileStaysAtItsEnd)
   EXPECT_EQ(source.reads, 2);
 }
 
-TEST(ByteStream, FileMayBeClosedBeforeTheStreamGoes)
+TEST(ByteStream, FileMayBeClosedBeforeTheStreamEnds)
 {
   File file = fileOver("a\n");
   ByteStream stream(file.get());

@@ -148,7 +148,7 @@ TEST(Array, SortedMarkMovesNothingAndAppendIgnoresIt)
   EXPECT_EQ(numbers(array), (std::vector<int>{2, 1, 0, 5, 2}));
 }
 
-TEST(Array, RemoveTakesOneByIndexAndPassesOverOthers)
+TEST(Array, RemoveTakesOneByIndexAndIgnoresOthers)
 {
   Numbered a(0), b(1), c(2);
   Array array;

@@ -211,7 +211,7 @@ TEST(CookieVec, CopyThatWentShorterDoesNotWriteOverTheOther)
   CookieVec vec = vecOf(0, 2);
   CookieVec copy = vec;
   vec.add(nth(2));
-  copy.add(nth(9)); // the place behind its last is the other's
+  copy.add(nth(9)); // the entry behind its last belongs to the other vector
   EXPECT_EQ(numbers(vec), (Numbers{0, 1, 2}));
   EXPECT_EQ(numbers(copy), (Numbers{0, 1, 9}));
 }
@@ -235,7 +235,7 @@ TEST(CookieVec, RemovedElementIsGoneForLaterAdds)
   vec.remove(nth(1));
   CookieVec copy = vec;
   const Ledger ledger;
-  copy.add(nth(8)); // right behind the last that stayed
+  copy.add(nth(8)); // directly behind the last remaining entry
   EXPECT_EQ(ledger.allocations(), 0);
   vec.add(nth(9));
   EXPECT_EQ(numbers(vec), (Numbers{0, 2, 3, 9}));

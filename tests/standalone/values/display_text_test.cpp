@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The rules have their cases in tests/base/display_text_test.cpp; these see that the host offers them.
+// tests/base/display_text_test.cpp has the cases of the rules. These cases check that the host exports the functions.
 #include "reelhost/display_text.h"
 
 #include <gtest/gtest.h>

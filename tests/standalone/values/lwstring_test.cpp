@@ -78,7 +78,7 @@ TYPED_TEST(Strings, LengthCountsAndNulsInsideStay)
   EXPECT_EQ(this->plain(part), "a");
 }
 
-TYPED_TEST(Strings, EndlessLengthIsNoMemory)
+TYPED_TEST(Strings, EndlessLengthIsOutOfMemory)
 {
   const TypeParam text[2] = {};
   EXPECT_THROW(LightweightString<TypeParam>(text, SIZE_MAX), std::bad_alloc);

@@ -15,7 +15,7 @@
 
 namespace {
 
-/// A little of everything; whether it all went well.
+/// Uses each service. Returns whether all worked.
 bool valuesWork()
 {
   void* p = OS()->allocator().allocate(24);

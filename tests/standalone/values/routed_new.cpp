@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The program's operator new, as the library replaces it: so nothing behind OS() can come to need it unnoticed. clang's
-// runtime for the thread sanitizer brings one that cannot be replaced.
+// The program's operator new, as the library replaces it, so that code behind OS() that needs it is noticed. The
+// operator of clang's thread sanitizer cannot be replaced.
 #include <cstddef>
 #include <new>
 

@@ -21,7 +21,7 @@ TEST(Compare, ANameNobodyOffersHasNoOthers)
   EXPECT_TRUE(result[0].others.empty());
 }
 
-TEST(Compare, TheSameNameWithOtherParametersOrConstIsTold)
+TEST(Compare, SameNameWithOtherParametersOrConstIsReported)
 {
   // Edit::isImported() const is asked; there are isImported(), isImported(int) and notImported() const.
   const auto result = unmet({"_ZNK4Edit10isImportedEv"},

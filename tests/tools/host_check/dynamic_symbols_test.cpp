@@ -62,7 +62,7 @@ bool holds(const std::vector<std::string>& list, const std::string& begin)
 
 } // namespace
 
-TEST_F(DynamicSymbolsTest, OfTheReelDatabaseAreWhatItAsksOfAHostAndWhatItExports)
+TEST_F(DynamicSymbolsTest, OfTheReelDatabaseAreItsImportsFromAHostAndItsExports)
 {
   const DynamicSymbols symbols = readDynamicSymbols(REELDB_LIBRARY);
   EXPECT_EQ(symbols.asked.count("_Z6co_pidv"), 1u);
@@ -88,12 +88,12 @@ TEST_F(DynamicSymbolsTest, AProgramHasThemToo)
   EXPECT_TRUE(holds(readDynamicSymbols("/proc/self/exe").libraries, "libc.so"));
 }
 
-TEST_F(DynamicSymbolsTest, WhatIsNoLibraryIsRefused)
+TEST_F(DynamicSymbolsTest, AnythingButALibraryIsRefused)
 {
-  EXPECT_EQ(refusal(""), "is no shared library");
-  EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is no shared library");
-  EXPECT_EQ(refusal(std::string(100, '\0')), "is no shared library");
-  EXPECT_EQ(refusal(ELFMAG), "is no shared library");
+  EXPECT_EQ(refusal(""), "is not a shared library");
+  EXPECT_EQ(refusal("!<arch>\n" + std::string(100, ' ')), "is not a shared library");
+  EXPECT_EQ(refusal(std::string(100, '\0')), "is not a shared library");
+  EXPECT_EQ(refusal(ELFMAG), "is not a shared library");
   EXPECT_THROW(readDynamicSymbols(folder_.path()), std::runtime_error);
   EXPECT_THROW(readDynamicSymbols(folder_ / "gone"), std::runtime_error);
 }

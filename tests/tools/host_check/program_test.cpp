@@ -3,12 +3,14 @@
 // The program as its users meet it.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
 #include <nlohmann/json.hpp>
 
 #include "cli/process.h"
+#include "support/temp_folder.h"
 
 using reeldb_tests::ProcessResult;
 using reeldb_tests::runProcess;
@@ -32,16 +34,16 @@ TEST(HostCheck, TheStandaloneHostHasAll)
 {
   const ProcessResult result = check({STANDALONE_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 0) << result.out << result.err;
-  EXPECT_TRUE(holds(result.out, "symbols that it asks of a host are there\n")) << result.out;
+  EXPECT_TRUE(holds(result.out, "symbols that it needs from a host are there\n")) << result.out;
   EXPECT_EQ(result.err, "");
 }
 
-TEST(HostCheck, LibraryThatAsksNothingIsNotTheReelDatabase)
+TEST(HostCheck, LibraryThatImportsNothingIsNotTheReelDatabase)
 {
   const ProcessResult result = check({"--library", HOST_VALUES, STANDALONE_HOST});
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.out, "");
-  EXPECT_TRUE(holds(result.err, ": asks nothing of a host (is it the reel database?)\n")) << result.err;
+  EXPECT_TRUE(holds(result.err, ": needs nothing from a host (is it the reel database?)\n")) << result.err;
 }
 
 TEST(HostCheck, WithoutItsValuesAHostIsNotWhole)
@@ -63,15 +65,15 @@ TEST(HostCheck, TheValuesAloneAreNoHost)
   EXPECT_FALSE(holds(result.out, "with other parameters")) << result.out;
 }
 
-TEST(HostCheck, MistakesAreToldApart)
+TEST(HostCheck, MistakesAreDistinguished)
 {
   const ProcessResult result = check({BROKEN_HOST, HOST_VALUES});
   EXPECT_EQ(result.code, 1);
-  EXPECT_TRUE(holds(result.out, "there with other parameters only:\n"
+  EXPECT_TRUE(holds(result.out, "found only with other parameters:\n"
                                 "  Edit::isImported() const\n"
-                                "      there is: Edit::isImported()\n"
+                                "      found: Edit::isImported()\n"
                                 "  Edit::setDirty(bool)\n"
-                                "      there is: Edit::setDirty(int)\n"))
+                                "      found: Edit::setDirty(int)\n"))
       << result.out;
   EXPECT_TRUE(holds(result.out, "\n  Edit::make_original(bool, bool)\n")) << result.out;
   EXPECT_FALSE(holds(result.out, "co_pid")) << result.out;
@@ -97,6 +99,63 @@ TEST(HostCheck, AnotherLibraryMayBeNamed)
   EXPECT_EQ(result.out.rfind(std::string(REELDB_LIBRARY) + ": all ", 0), 0u) << result.out;
 }
 
+TEST(HostCheck, WithoutAHostTheListIsAllThatIsAsked)
+{
+  const ProcessResult result = check({"--list"});
+  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.out.rfind("Array::Array()\n", 0), 0u) << result.out;
+  EXPECT_TRUE(holds(result.out, "\nco_pid()\n")) << result.out;
+  const auto json = nlohmann::json::parse(check({"--list", "--json"}).out);
+  EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), json["asked"]);
+  EXPECT_EQ(json["unmet"].size(), json["asked"]);
+}
+
+TEST(HostCheck, TheListLeavesOutWhatTheLibrariesHave)
+{
+  const ProcessResult result = check({"--list", HOST_VALUES});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_FALSE(holds(result.out, "Array::Array()\n")) << result.out;
+  EXPECT_TRUE(holds(result.out, "\nco_pid()\n")) << result.out;
+  EXPECT_EQ(check({"--list", STANDALONE_HOST, HOST_VALUES}).out, "");
+}
+
+namespace {
+
+/// Makes a library of the stubs that @p words print, and checks it together with @p others.
+ProcessResult checkOfStubs(std::vector<std::string> words, const std::vector<std::string>& others)
+{
+  const reeldb_tests::TempFolder folder;
+  words.insert(words.begin(), "--stubs");
+  const ProcessResult stubs = check(words);
+  EXPECT_EQ(stubs.code, 0) << stubs.err;
+  folder.write("my_host.cpp", stubs.out);
+  const std::string library = folder / "libmyhost.so";
+  const ProcessResult compiled = runProcess({CXX, "-std=c++17", "-Wall", "-Wextra", "-fPIC", "-shared", "-I", INCLUDES,
+                                             folder / "my_host.cpp", "-o", library});
+  EXPECT_EQ(compiled.code, 0) << compiled.err;
+  std::vector<std::string> host = others;
+  host.push_back(library);
+  return check(host);
+}
+
+} // namespace
+
+TEST(HostCheck, TheStubsAreACompleteHost)
+{
+  const ProcessResult result = checkOfStubs({}, {});
+  EXPECT_EQ(result.code, 0) << result.out << result.err;
+}
+
+TEST(HostCheck, TheStubsBesideTheValuesAreTheRest)
+{
+  const ProcessResult result = checkOfStubs({HOST_VALUES}, {HOST_VALUES});
+  EXPECT_EQ(result.code, 0) << result.out << result.err;
+  const std::string stubs = check({"--stubs", HOST_VALUES}).out;
+  EXPECT_TRUE(holds(stubs, "\nint co_pid() { unwritten(\"co_pid\"); }\n")) << stubs;
+  EXPECT_FALSE(holds(stubs, "Array::Array()")) << stubs;
+  EXPECT_EQ(check({"--stubs", STANDALONE_HOST, HOST_VALUES}).out, "");
+}
+
 TEST(HostCheck, WhatCannotBeReadIsNotChecked)
 {
   const ProcessResult gone = check({"no/such/lib.so"});
@@ -107,10 +166,13 @@ TEST(HostCheck, WhatCannotBeReadIsNotChecked)
   EXPECT_EQ(check({"--library", "/proc/self/status", HOST_VALUES}).code, 2);
 }
 
-TEST(HostCheck, ALineThatMakesNoSenseIsNotChecked)
+TEST(HostCheck, WrongCommandLineIsNotChecked)
 {
   EXPECT_EQ(check({}).code, 2);
   EXPECT_EQ(check({"--no-such-option", HOST_VALUES}).code, 2);
+  EXPECT_EQ(check({"--json"}).code, 2);
+  EXPECT_EQ(check({"--stubs", "--json"}).code, 2);
+  EXPECT_EQ(check({"--stubs", "--list"}).code, 2);
 }
 
 TEST(HostCheck, TheManualPageHasEveryOptionOfTheHelp)
@@ -124,14 +186,14 @@ TEST(HostCheck, TheManualPageHasEveryOptionOfTheHelp)
     EXPECT_TRUE(holds(page, "\\-\\-" + name)) << name;
     ++options;
   }
-  EXPECT_EQ(options, 3);
+  EXPECT_EQ(options, 5);
 }
 
-TEST(HostCheck, TheHelpTellsTheExitCodes)
+TEST(HostCheck, HelpListsTheExitCodes)
 {
   const ProcessResult result = check({"--help"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_TRUE(holds(result.out, "Exit code: 0 all are there, 1 some are not, 2 it could not be checked.\n"))
+  EXPECT_TRUE(holds(result.out, "Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"))
       << result.out;
   EXPECT_EQ(result.err, "");
 }

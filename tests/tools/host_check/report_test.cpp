@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 using host_check::asJson;
+using host_check::asList;
 using host_check::asText;
 using host_check::Report;
 
@@ -30,18 +31,23 @@ TEST(Report, WhereNothingIsUnmetItIsOneLine)
   report.library = "libreeldb.so.14";
   report.asked = 203;
   report.notLookedAt = {"libh.so needs libv.so"}; // of no interest when all is there
-  EXPECT_EQ(asText(report), "libreeldb.so.14: all 203 symbols that it asks of a host are there\n");
+  EXPECT_EQ(asText(report), "libreeldb.so.14: all 203 symbols that it needs from a host are there\n");
 }
 
 TEST(Report, WhatIsMissingComesBeforeWhatIsDifferent)
 {
-  EXPECT_EQ(asText(withUnmet()), "lib/libreeldb.so.14: asks a host for 10 symbols, and 2 of them are not there\n"
+  EXPECT_EQ(asText(withUnmet()), "lib/libreeldb.so.14: needs 10 symbols from a host, and 2 of them are not there\n"
                                  "missing:\n"
                                  "  co_pid()\n"
-                                 "there with other parameters only:\n"
+                                 "found only with other parameters:\n"
                                  "  Edit::isImported() const\n"
-                                 "      there is: Edit::isImported()\n"
-                                 "not looked at: libh.so needs libv.so (name it, too, if it is a part of the host)\n");
+                                 "      found: Edit::isImported()\n"
+                                 "not checked: libh.so needs libv.so (name it, too, if it is a part of the host)\n");
+}
+
+TEST(Report, AListIsWhatIsUnmetLineByLine)
+{
+  EXPECT_EQ(asList(withUnmet()), "co_pid()\nEdit::isImported() const\n");
 }
 
 TEST(Report, OneIsOne)
@@ -49,7 +55,7 @@ TEST(Report, OneIsOne)
   Report report = withUnmet();
   report.unmet.pop_back();
   EXPECT_EQ(asText(report).substr(0, 76),
-            "lib/libreeldb.so.14: asks a host for 10 symbols, and 1 of them is not there\n");
+            "lib/libreeldb.so.14: needs 10 symbols from a host, and 1 of them is not there\n");
 }
 
 TEST(Report, SymbolsThatReadAlikeAreShownBesideTheirSignature)
@@ -57,7 +63,7 @@ TEST(Report, SymbolsThatReadAlikeAreShownBesideTheirSignature)
   Report report = withUnmet();
   report.unmet = {{"_ZN6CookieC2Ev", {"_ZN6CookieC1Ev"}}};
   EXPECT_NE(asText(report).find("  Cookie::Cookie() [_ZN6CookieC2Ev]\n"
-                                "      there is: Cookie::Cookie() [_ZN6CookieC1Ev]\n"),
+                                "      found: Cookie::Cookie() [_ZN6CookieC1Ev]\n"),
             std::string::npos);
 }
 
@@ -75,7 +81,7 @@ TEST(Report, AsJsonItHoldsTheSame)
   EXPECT_EQ(json["notLookedAt"], nlohmann::json({"libh.so needs libv.so"}));
 }
 
-TEST(Report, APathThatIsNoUtf8DoesNotSpoilTheJson)
+TEST(Report, PathThatIsNotUtf8DoesNotSpoilTheJson)
 {
   Report report = withUnmet();
   report.hosts = {"lib\xFF.so"};

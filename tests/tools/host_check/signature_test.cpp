@@ -43,14 +43,14 @@ TEST(Signature, OperatorsKeepTheirNames)
   EXPECT_EQ(qualifiedName("GrowString::operator char const*() const"), "GrowString::operator char const*");
 }
 
-TEST(Signature, TheResultThatATemplateNamesIsNoPartOfTheName)
+TEST(Signature, ResultThatATemplateNamesIsNotPartOfTheName)
 {
   EXPECT_EQ(qualifiedName("LightweightString<char> operator+<char>(LightweightString<char> const&)"),
             "operator+<char>");
   EXPECT_EQ(qualifiedName("std::map<int, long> make<int, long>(int)"), "make<int, long>");
 }
 
-TEST(Signature, WhatIsNoFunctionIsAllName)
+TEST(Signature, AnythingButAFunctionIsAllName)
 {
   EXPECT_EQ(qualifiedName("typeinfo for ArrayRec"), "typeinfo for ArrayRec");
   EXPECT_EQ(qualifiedName("glib_pid"), "glib_pid");
