@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/session.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -50,14 +51,19 @@ std::string chosenProject(const std::optional<std::string>& asked)
 {
   return guarded([&] {
     const reelhost::Facility& facility = requireFacility();
-    std::string name = asked.value_or(facility.defaultProject());
+    const char* const variable = std::getenv(projectVariable);
+    const bool fromVariable = !asked && variable && *variable;
+    std::string name = fromVariable ? variable : asked.value_or(facility.defaultProject());
     if (name.empty())
-      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p names one; {})", projectsThereAre(facility)));
+      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p or {} names one; {})", projectVariable,
+                                                  projectsThereAre(facility)));
     std::error_code none;
-    if (!std::filesystem::exists(facility.projectFile(name), none))
-      throw Error(ErrorKind::NotFound,
-                  fmt::format("{}: no such project ({}{})", base::shortText(name),
-                              asked ? "" : "default_project in facility.toml names it; ", projectsThereAre(facility)));
+    if (!std::filesystem::exists(facility.projectFile(name), none)) {
+      const std::string source = fromVariable ? std::string(projectVariable) : "default_project in facility.toml";
+      throw Error(ErrorKind::NotFound, fmt::format("{}: no such project ({}{})", base::shortText(name),
+                                                   asked ? std::string() : fmt::format("{} names it; ", source),
+                                                   projectsThereAre(facility)));
+    }
     return name;
   });
 }

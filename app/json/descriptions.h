@@ -36,6 +36,25 @@ void describe(Io& io, R& shot)
   io("aliases", shot.aliases);
   io("video_channels", shot.videoChannels);
   io("audio_channels", shot.audioChannels);
+  io("frame_rate", shot.frameRate);
+  io("drop_frame", shot.dropFrame);
+}
+
+template <class Io, app::json::Like<Proof> R>
+void describe(Io& io, R& proof)
+{
+  io("says", proof.says);
+  io("line", proof.line);
+  io("text", proof.text);
+}
+
+template <class Io, app::json::Like<Timing> R>
+void describe(Io& io, R& timing)
+{
+  io("frame_rates", timing.rates);
+  io.optional("drop_frame", timing.dropFrame);
+  io.optional("most_frames", timing.mostFrames);
+  io("frames", timing.frames);
 }
 
 template <class Io, app::json::Like<Special> R>
@@ -308,6 +327,7 @@ void describe(Io& io, R& imported)
   io("warnings", list.warnings);
   io("rejected", list.rejected);
   io("lines", list.tally);
+  io("timing", list.timing);
 }
 
 template <class Io, Like<ImportReport> R>
@@ -485,6 +505,16 @@ void describe(Io& io, R& project)
   io("rate", project.rate);
   io("rate_code", project.rateCode);
   io.optional("fault", project.fault);
+}
+
+template <class Io, Like<ProjectRate> R>
+void describe(Io& io, R& rate)
+{
+  io("project", rate.project);
+  io("rate", rate.rate);
+  io("rate_code", rate.rateCode);
+  io("before", rate.before);
+  io("stored", rate.stored);
 }
 
 template <class Io, Like<ProjectCheck> R>

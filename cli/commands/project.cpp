@@ -54,6 +54,25 @@ ExitCode list(const ListOptions& options)
   return code;
 }
 
+struct RateOptions {
+  std::optional<std::string> rate;
+  bool json = false;
+};
+
+ExitCode rate(const RateOptions& options, const Globals& globals)
+{
+  app::Session session(globals.project, options.rate ? app::Access::Write : app::Access::Read);
+  const app::ProjectRate result = options.rate ? app::changeRate(session, *options.rate) : app::rateOf(session);
+  if (result.stored)
+    changesAreStored();
+  if (options.json)
+    print(app::jsonText(result));
+  else
+    print(fmt::format("{}: {} fps{}\n", displayText(result.project), result.rate,
+                      result.stored ? fmt::format(" (before: {})", result.before) : ""));
+  return done;
+}
+
 struct CompactOptions {
   bool json = false;
 };
@@ -93,15 +112,18 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
 
 void addProject(CommandLine& line)
 {
-  const Command group = line.addGroup("project", "Make, list, check or compact projects", "reeldb project list");
+  const Command group = line.addGroup("project", "Make, list, check or compact projects, or change their frame rate",
+                                      "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
-  Command making = line.add(group,
-                            {.name = "new",
-                             .description = "Make a project",
-                             .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
-                             .details = "facility.toml can add frame rates, and it names the default project."},
-                            [newOptions](const Globals&) { return makeNew(*newOptions); });
+  Command making =
+      line.add(group,
+               {.name = "new",
+                .description = "Make a project",
+                .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
+                .details = "A frame rate is a name or a code of the facility, or another way to write it: 23.976 or\n"
+                           "24000/1001 is 23.98. facility.toml can add frame rates, and it names the default project."},
+               [newOptions](const Globals&) { return makeNew(*newOptions); });
   making.text("NAME", newOptions->name, "Its name, and the name of its file").required().shownAs("");
   making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
@@ -123,6 +145,17 @@ void addProject(CommandLine& line)
                 .details = "Reports that the file is sound, or each fault; the exit code is then 3. Changes nothing."},
                [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
   checking.json(checkOptions->json);
+
+  const auto rateOptions = std::make_shared<RateOptions>();
+  Command rating = line.add(group,
+                            {.name = "rate",
+                             .description = "Show or change the frame rate of a project",
+                             .examples = {"reeldb project rate", "reeldb project rate 23.976"},
+                             .details = "Timecodes stay as they are, and so do the rates that lists gave their shots:\n"
+                                        "a new rate is for a project that was made with the wrong one."},
+                            [rateOptions](const Globals& globals) { return rate(*rateOptions, globals); });
+  rating.text("RATE", rateOptions->rate, "Its frame rate from now on").shownAs("");
+  rating.json(rateOptions->json);
 
   const auto compactOptions = std::make_shared<CompactOptions>();
   Command compacting = line.add(group,

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "reelhost/host.h"
 
 namespace reelhost::model {
 
@@ -67,7 +68,7 @@ Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
   store_->begin(beginWith, busyTimeout());
   use_ = beginWith == Access::Write ? Use::Write : Use::Read;
   try {
-    info_ = store_->info();
+    info_ = currentInfo(*store_);
     Zr::UUID uuid;
     std::copy(info_.uuid.begin(), info_.uuid.end(), uuid.bytes);
     cookie_ = Cookie(uuid, 0, 'P');

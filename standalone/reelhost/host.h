@@ -72,6 +72,14 @@ bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
 
+/// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
+/// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was
+/// begun.
+ProjectInfo currentInfo(Store& store);
+/// The project option with the code of the rate that a project was given after it was made. It is an option because
+/// those are changed, and changed back, like all else in a project; what Store::info returns never changes.
+inline constexpr const char* frameRateOption = "reeldb_frame_rate";
+
 bool hasChanges(); ///< whether commit would store anything
 /// Stores all changes as one transaction, then the facility's state file. Returns whether anything was stored. A
 /// project opened for writing can be changed and committed again afterwards. Throws Error, with ReadOnly if the project
