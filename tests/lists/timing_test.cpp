@@ -247,7 +247,7 @@ TEST(Contradiction, MoreFramesThanTheProjectCounts)
   EXPECT_EQ(against(list, {30, false}), "");
 }
 
-TEST(Contradiction, LastFrameThatTheProjectCountsIsNone)
+TEST(Contradiction, LastFrameThatTheProjectCountsDoesNotContradict)
 {
   const List list = read("TITLE: X\n" + line("001", "01:00:00:24", "01:00:01:00"));
   EXPECT_EQ(against(list, rate25), "");
