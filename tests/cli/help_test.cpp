@@ -132,6 +132,7 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb project new",
                           "reeldb project list",
                           "reeldb project check",
+                          "reeldb project rate",
                           "reeldb project compact",
                           "reeldb device",
                           "reeldb device list",
