@@ -342,30 +342,47 @@ CookieVec Project::erase(const CookieVec& cookies)
   return gone;
 }
 
-// The store restores the last deletion before it moves anything to the trash.
+History& Project::requireHistory() const
+{
+  if (History* const history = store_->history())
+    return *history;
+  throw Error(ErrorKind::Refused, subject() + ": this project keeps no history");
+}
+
+// The stored history does not know yet what waits to be stored.
+void Project::requireNoTrashPending(const char* what) const
+{
+  if (!deleted_.empty() || inverse_.revision != 0 || compact_)
+    throw Error(ErrorKind::Refused,
+                subject() + ": cannot " + what + " (a deletion or an undeletion is not stored yet)");
+}
+
 int Project::undelete()
 {
-  if (!deleted_.empty() || undelete_ || compact_)
-    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a deletion or an undeletion is not stored yet)");
+  requireNoTrashPending("undelete");
   useForChange();
   use(Access::Read);
-  int count = 0;
-  store_->readLastDeletion([&](StoredLog&& log) {
-    read(std::move(log));
-    ++count;
-  });
-  undelete_ = count != 0;
-  return count;
+  History& history = requireHistory();
+  const std::int64_t deletion = lastDeletion(history);
+  if (deletion == 0)
+    return 0;
+  Inverse inverse;
+  inverse.revision = deletion;
+  for (LogChange& change : history.changesOf(deletion).logs)
+    if (isRestorable(change))
+      inverse.logs.push_back(std::move(*change.before));
+  for (const StoredLog& log : inverse.logs)
+    read(StoredLog(log));
+  inverse_ = std::move(inverse);
+  return static_cast<int>(inverse_.logs.size());
 }
 
 int Project::compact()
 {
-  if (!deleted_.empty() || undelete_ || compact_)
-    throw Error(ErrorKind::Refused,
-                subject() + ": cannot empty the trash (a deletion or an undeletion is not stored yet)");
+  requireNoTrashPending("empty the trash");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = store_->trashCount();
+  const std::int64_t count = requireHistory().trashCount();
   compact_ = count != 0;
   return static_cast<int>(count);
 }
@@ -388,7 +405,7 @@ void Project::OptionsOwner::configChanged(Key key)
 
 bool Project::hasChanges() const
 {
-  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || undelete_ || compact_;
+  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || inverse_.revision != 0 || compact_;
 }
 
 Changes Project::collect() const
@@ -399,7 +416,7 @@ Changes Project::collect() const
   for (const Log* log : logs)
     changes.logs.push_back(log->toStored());
   changes.deleted.assign(deleted_.begin(), deleted_.end());
-  changes.undelete = undelete_;
+  changes.inverse = inverse_;
   changes.compact = compact_;
   for (const Key key : changedOptions_)
     changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
@@ -413,7 +430,8 @@ void Project::forgetChanges()
   dirty_.clear();
   changedOptions_.clear();
   deleted_.clear();
-  undelete_ = compact_ = false;
+  inverse_ = {};
+  compact_ = false;
 }
 
 bool Project::commit()

@@ -20,7 +20,7 @@
 #include "model/config_block.h"
 #include "model/log.h"
 #include "model/log_table.h"
-#include "reelhost/store.h"
+#include "reelhost/history.h"
 
 namespace reelhost::model {
 
@@ -95,6 +95,8 @@ private:
   void dropIndex();
   void loadOthers();
   Log* findAmongOthers(const Cookie& cookie);
+  History& requireHistory() const;
+  void requireNoTrashPending(const char* what) const;
   Changes collect() const;
   void forgetChanges();
   std::string subject() const { return store_->subject(); }
@@ -122,7 +124,8 @@ private:
   std::vector<Log*> dirty_;
   std::vector<Key> changedOptions_;
   std::set<std::int64_t> deleted_;
-  bool undelete_ = false, compact_ = false;
+  Inverse inverse_; ///< what takes an earlier revision back; its changes are made already
+  bool compact_ = false;
 };
 
 /// The project that is open; null without one.

@@ -40,12 +40,11 @@ TEST_F(SqliteStoreTest, WhatIsCommittedIsThereForTheNextStore)
   const auto project = makeSqliteStore(file());
   EXPECT_EQ(reelsOf(*project), reels);
   EXPECT_EQ(othersOf(*project), others);
+  Changes changes;
+  changes.inverse = inverseOfLastDeletion(*project);
   project->begin(Access::Write, noPatience);
   EXPECT_EQ(project->options(), (KeyValues{{"k", "v"}}));
-  EXPECT_EQ(project->lastDeletion(), (Numbers{3}));
   EXPECT_EQ(project->nextNumber(), 4);
-  Changes changes;
-  changes.undelete = true;
   project->commit(changes);
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 2}));
 }
@@ -75,16 +74,13 @@ TEST_F(SqliteStoreTest, RefusedValueStoresNothingOfTheCommit)
   EXPECT_EQ(numbersOf(*project), Numbers{});
 }
 
-TEST_F(SqliteStoreTest, CompactTakesTheFieldsOfItsLogsAlong)
+TEST_F(SqliteStoreTest, DeletionTakesTheFieldsOfItsLogsAlong)
 {
   const auto project = makeSqliteStore(file());
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
   Changes changes;
   changes.deleted = {1};
   store(*project, changes);
-  Changes compact;
-  compact.compact = true;
-  store(*project, compact);
   EXPECT_EQ(runSql(file(), "SELECT group_concat(DISTINCT log) FROM fields"), "2");
 }
 
