@@ -26,6 +26,10 @@ std::vector<std::string> facilityRemarks();
 /// that are safe to show. An empty sink restores standard error, which is the default.
 void printLibraryTo(std::function<void(std::string_view)> sink);
 
+/// Sends what is worth knowing besides an operation's result to @p sink: "subject: fact (cause)", for example that a
+/// project is of a newer format now. Without a sink, which is the default, nobody is notified.
+void noticesTo(std::function<void(const std::string&)> sink);
+
 /// Writes every call of the library to its host to the file, one line per call; null stops that. The file is borrowed.
 void traceHostCalls(std::FILE* file);
 

@@ -11,7 +11,9 @@
 #include "ReelDbManager.h"
 #include "app/facility.h"
 #include "app/host_errors.h"
+#include "app/notice.h"
 #include "base/text_width.h"
+#include "reelhost/history.h"
 #include "reelhost/host.h"
 
 namespace reeldb::app {
@@ -30,6 +32,13 @@ std::string projectsThereAre(const reelhost::Facility& facility)
   const auto names = facility.projectNames();
   return names.empty() ? "this facility has no projects; reeldb project new NAME makes one"
                        : fmt::format("this facility has: {}", fmt::join(names, ", "));
+}
+
+/// Of the open project's file, if it is older than this program.
+int olderVersion()
+{
+  reelhost::History* const history = reelhost::projectStore().history();
+  return history ? history->olderVersion() : 0;
 }
 
 } // namespace
@@ -91,7 +100,12 @@ bool Session::commit()
 {
   return guarded([] {
     reelhost::runDeferredActions();
-    return reelhost::commit();
+    const int version = olderVersion();
+    const bool stored = reelhost::commit();
+    if (version != 0 && olderVersion() == 0)
+      notice(fmt::format("{}: brought up to date from version {} (older programs cannot open it any more)",
+                         reelhost::projectInfo().name, version));
+    return stored;
   });
 }
 

@@ -27,6 +27,7 @@ ExitCode carryOut(const Reading& reading, const Globals& globals)
 {
   try {
     app::startUp();
+    app::noticesTo([](const std::string& message) { complain(message); });
     if (globals.trace)
       app::traceHostCalls(stderr);
     if (reading.needsFacility)
