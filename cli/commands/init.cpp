@@ -5,8 +5,8 @@
 
 #include "app/projects.h"
 #include "base/display_text.h"
+#include "base/shell_word.h"
 #include "text/output.h"
-#include "text/shell_word.h"
 
 namespace reeldb::cli {
 
@@ -28,7 +28,7 @@ ExitCode run(const Options& options, const Globals& globals)
                   made.project.empty() ? "" : fmt::format(", with the project {} ({} fps)", made.project, made.rate)));
   print(fmt::format("next: {}reeldb import FILE... to import cut lists and log files\n      {}/facility.toml lists the "
                     "devices, {}/devicedata/reeltype.dat the reel types\n",
-                    folder == "." ? "" : fmt::format("cd {}, then ", shellWord(folder)), shown, shown));
+                    folder == "." ? "" : fmt::format("cd {}, then ", base::shellWord(folder)), shown, shown));
   return done;
 }
 

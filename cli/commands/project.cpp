@@ -6,9 +6,9 @@
 #include "app/json/json.h"
 #include "app/projects.h"
 #include "base/display_text.h"
+#include "base/shell_word.h"
 #include "text/counted.h"
 #include "text/output.h"
-#include "text/shell_word.h"
 #include "text/table.h"
 
 namespace reeldb::cli {
@@ -29,7 +29,7 @@ ExitCode makeNew(const NewOptions& options)
   print(fmt::format("project {} made ({} fps)\n", displayText(options.name), rate));
   if (options.name != app::defaultProject())
     print(fmt::format("next: reeldb -p {} import FILE...; default_project in facility.toml makes -p unnecessary\n",
-                      shellWord(options.name)));
+                      base::shellWord(options.name)));
   return done;
 }
 
