@@ -333,13 +333,18 @@ CookieVec Project::erase(const CookieVec& cookies)
       continue;
     gone.add(cookie);
     deleted_.insert(log->number);
-    table_.erase(*log);
-    if (index_)
-      index_->take(*log);
-    if (log->type == codes::reelLog)
-      reelsReady_ = false;
+    remove(*log);
   }
   return gone;
+}
+
+void Project::remove(Log& log)
+{
+  table_.erase(log);
+  if (index_)
+    index_->take(log);
+  if (log.type == codes::reelLog)
+    reelsReady_ = false;
 }
 
 History& Project::requireHistory() const
@@ -352,7 +357,7 @@ History& Project::requireHistory() const
 // The stored history does not know yet what waits to be stored.
 void Project::requireNoTrashPending(const char* what) const
 {
-  if (!deleted_.empty() || inverse_.revision != 0 || compact_)
+  if (!deleted_.empty() || inverse_.revision != 0 || compact_ || forgetBefore_ != 0)
     throw Error(ErrorKind::Refused,
                 subject() + ": cannot " + what + " (a deletion or an undeletion is not stored yet)");
 }
@@ -387,6 +392,20 @@ int Project::compact()
   return static_cast<int>(count);
 }
 
+int Project::forgetHistory(std::int64_t before)
+{
+  requireNoTrashPending("forget history");
+  useForChange();
+  use(Access::Read);
+  int count = 0;
+  requireHistory().readRevisions([&](Revision&& revision) {
+    count += revision.number < before ? 1 : 0;
+    return true;
+  });
+  forgetBefore_ = count == 0 ? 0 : before;
+  return count;
+}
+
 void Project::OptionsOwner::configChanging()
 {
   if (!project_.isClosed_)
@@ -405,7 +424,8 @@ void Project::OptionsOwner::configChanged(Key key)
 
 bool Project::hasChanges() const
 {
-  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || inverse_.revision != 0 || compact_;
+  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || inverse_.revision != 0 || compact_ ||
+         forgetBefore_ != 0;
 }
 
 Changes Project::collect() const
@@ -417,7 +437,9 @@ Changes Project::collect() const
     changes.logs.push_back(log->toStored());
   changes.deleted.assign(deleted_.begin(), deleted_.end());
   changes.inverse = inverse_;
+  changes.origin = currentOrigin();
   changes.compact = compact_;
+  changes.forgetBefore = forgetBefore_;
   for (const Key key : changedOptions_)
     changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
   return changes;
@@ -432,6 +454,7 @@ void Project::forgetChanges()
   deleted_.clear();
   inverse_ = {};
   compact_ = false;
+  forgetBefore_ = 0;
 }
 
 bool Project::commit()

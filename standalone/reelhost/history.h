@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -62,7 +63,15 @@ public:
   virtual void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
+
+  /// Gives the space back that forgotten revisions have left. Needs no begin; it is an error if a use was begun. Throws
+  /// Error: Busy, ReadOnly, Io. The project has not changed then.
+  virtual void giveSpaceBack() = 0;
 };
+
+/// Every revision that is taken back, and the one that takes it back. A revision that took another one back and is
+/// taken back itself has no effect.
+std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);

@@ -69,9 +69,9 @@ struct Inverse {
   std::vector<std::string> unsetOptions; ///< the options that the revision set first
 };
 
-/// The changes of one command. They are stored in this order: inverse, logs, compact, deleted, options. A written log
-/// replaces the log of its number, or brings it back if it was deleted. A number in deleted is ignored if there is no
-/// such log.
+/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted,
+/// options. A written log replaces the log of its number, or brings it back if it was deleted. A number in deleted is
+/// ignored if there is no such log.
 ///
 /// A store that keeps a history gives each commit a revision. The inverse has a revision of its own, and so have the
 /// deletions if one of the deleted logs is also written: the last revision says what the log was when it was deleted.
@@ -80,9 +80,13 @@ struct Changes {
   std::vector<StoredLog> logs;       ///< new and changed logs, by number
   std::vector<std::int64_t> deleted; ///< logs to delete, as one deletion
   bool compact = false;              ///< removes for good what the history keeps of deleted logs
+  std::int64_t forgetBefore = 0;     ///< removes all revisions below this number from the history
   KeyValues options;                 ///< project options that were set
   Origin origin;
-  bool empty() const { return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && options.empty(); }
+  bool empty() const
+  {
+    return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 && options.empty();
+  }
 };
 
 /// How a project is used.
@@ -152,6 +156,10 @@ std::unique_ptr<Store> makeMemoryStore(const ProjectInfo& info, const KeyValues&
 
 /// The project in the SQLite file @p path. Reads nothing before begin; the file need not exist.
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
+
+/// Copies the project in the SQLite file @p project, as its last commit left it, to the new file @p copy. Others may
+/// read and write it meanwhile. Throws Error as Store::begin does for reading; Refused if @p copy exists, Io.
+void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy);
 
 /// Creates the project file @p path, completely or not at all. Throws Error: Refused if it exists or if files of an
 /// earlier project of this name lie beside it, Io.

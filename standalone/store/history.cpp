@@ -2,7 +2,6 @@
 #include "reelhost/history.h"
 
 #include <algorithm>
-#include <set>
 
 namespace reelhost {
 
@@ -11,17 +10,24 @@ bool isRestorable(const LogChange& change)
   return change.before && !change.after && !change.isThere;
 }
 
-std::int64_t lastDeletion(History& history)
+std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history)
 {
-  std::set<std::int64_t> takenBack;
-  std::vector<std::int64_t> deletions;
+  std::map<std::int64_t, std::int64_t> takenBack;
   history.readRevisions([&](Revision&& revision) {
     // Later revisions come first, so it is known by now whether this one was taken back.
-    if (takenBack.count(revision.number) != 0)
-      return true;
-    if (revision.takesBack != 0)
-      takenBack.insert(revision.takesBack);
-    else if (revision.deleted != 0)
+    if (revision.takesBack != 0 && takenBack.count(revision.number) == 0)
+      takenBack.emplace(revision.takesBack, revision.number);
+    return true;
+  });
+  return takenBack;
+}
+
+std::int64_t lastDeletion(History& history)
+{
+  const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);
+  std::vector<std::int64_t> deletions;
+  history.readRevisions([&](Revision&& revision) {
+    if (revision.takesBack == 0 && revision.deleted != 0 && takenBack.count(revision.number) == 0)
       deletions.push_back(revision.number);
     return true;
   });

@@ -35,7 +35,7 @@ struct Commit {
 struct Content {
   Options options;
   Logs logs;
-  std::int64_t lastNumber = 0;
+  std::int64_t lastNumber = 0, lastRevision = 0;
   std::vector<Commit> commits; ///< by number
 };
 
@@ -89,7 +89,7 @@ public:
     if (!always && !commit_.revision.hasChanges())
       return;
     Revision& revision = commit_.revision;
-    revision.number = content_.commits.empty() ? 1 : content_.commits.back().revision.number + 1;
+    revision.number = ++content_.lastRevision;
     std::random_device source;
     for (unsigned char& byte : revision.token)
       byte = static_cast<unsigned char>(source());
@@ -147,7 +147,7 @@ public:
       return;
     Content after = content_; // nothing has changed when memory runs short
     writeRevisions(
-        changes, [&] { return RevisionWriter(after); }, [&] { compact(after); });
+        changes, [&] { return RevisionWriter(after); }, [&] { removeForGood(after, changes); });
     content_ = std::move(after);
   }
 
@@ -188,6 +188,8 @@ public:
         sink(changeOf(number, commit));
   }
 
+  void giveSpaceBack() override {}
+
   std::int64_t trashCount() override
   {
     std::set<std::int64_t> gone;
@@ -226,8 +228,11 @@ private:
     return change;
   }
 
-  static void compact(Content& content)
+  static void removeForGood(Content& content, const Changes& changes)
   {
+    std::erase_if(content.commits, [&](const Commit& commit) { return commit.revision.number < changes.forgetBefore; });
+    if (!changes.compact)
+      return;
     for (Commit& commit : content.commits)
       for (auto& [number, before] : commit.before)
         if (before.log && content.logs.count(number) == 0)

@@ -10,10 +10,10 @@
 
 namespace reelhost {
 
-/// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, then finish. @p compact removes
-/// what is kept of deleted logs.
-template <class MakeRevision, class Compact>
-void writeRevisions(const Changes& changes, MakeRevision makeRevision, Compact compact)
+/// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, then finish. @p removeForGood
+/// does what the changes say of compact and forgetBefore.
+template <class MakeRevision, class RemoveForGood>
+void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveForGood removeForGood)
 {
   if (const Inverse& inverse = changes.inverse; inverse.revision != 0) {
     auto revision = makeRevision();
@@ -27,12 +27,11 @@ void writeRevisions(const Changes& changes, MakeRevision makeRevision, Compact c
   });
   auto revision = makeRevision();
   revision.writeLogs(changes.logs);
-  if (changes.compact)
-    compact();
+  removeForGood();
   if (!deletesWhatItWrites)
     revision.deleteLogs(changes.deleted);
   revision.setOptions(changes.options, {});
-  revision.finish(changes.origin, {}, changes.compact);
+  revision.finish(changes.origin, {}, changes.compact || changes.forgetBefore != 0);
   if (deletesWhatItWrites) {
     auto deletion = makeRevision();
     deletion.deleteLogs(changes.deleted);

@@ -19,7 +19,7 @@ namespace {
 [[noreturn]] void failDamaged(std::int64_t revision, std::int64_t log)
 {
   throw sqlite::Failure(sqlite::Cause::Damaged,
-                        "revision " + std::to_string(revision) + ": what log " + std::to_string(log) + " was before");
+                        "revision " + std::to_string(revision) + ": no image of log " + std::to_string(log));
 }
 
 /// The columns before, revision and log of a row of changes.

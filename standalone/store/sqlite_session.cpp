@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_session.h"
 
+#include <stdexcept>
 #include <thread>
 
 #include <unistd.h>
@@ -167,6 +168,21 @@ void SqliteSession::commit(const std::function<void(Database&)>& write)
   // Some tools copy a project without its write-ahead mode, and readers then block writers. If setting the mode fails
   // now, the next commit tries again.
   database_->tryExecute("PRAGMA journal_mode = WAL");
+}
+
+void SqliteSession::giveSpaceBack()
+{
+  if (hasBegun())
+    throw std::logic_error(subject() + ": giveSpaceBack during a use");
+  beginWrite(std::chrono::seconds(2)); // the project may be another by now
+  transaction_.reset();
+  const struct Ending {
+    SqliteSession& session;
+    ~Ending() { session.end(); }
+  } ending{*this};
+  guarded("the space is not given back", [this] { database_->execute("VACUUM"); });
+  // While others read, the file keeps its size until the last of them is done.
+  database_->tryExecute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 void SqliteSession::end() noexcept

@@ -50,6 +50,7 @@ public:
   void commit(const std::function<void(sqlite::Database&)>& write);
 
   bool changedElsewhere(); ///< as Store::changedElsewhere
+  void giveSpaceBack();    ///< as History::giveSpaceBack
 
   /// Runs @p work and converts a Failure of SQLite to an Error with @p fact.
   template <class Work>

@@ -98,7 +98,7 @@ std::vector<std::string> SqliteStore::check()
     if (!session_.hasBegun())
       session_.beginCheck();
     problems = read([this](Database& database) {
-      std::vector<std::string> found = integrityProblems(database);
+      std::vector<std::string> found = integrityProblems(database, session_.version());
       if (const std::string missing = missingBytes(database, session_.path()); !missing.empty())
         found.push_back("only " + missing + " are there");
       readInfo(database); // throws if the tables are damaged

@@ -40,6 +40,7 @@ public:
   RevisionChanges changesOf(std::int64_t revision) override;
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
   std::int64_t trashCount() override;
+  void giveSpaceBack() override { session_.giveSpaceBack(); }
 
 private:
   /// Reads with @p work, which takes the database.

@@ -192,10 +192,15 @@ private:
   std::optional<Statement> changeRow_;
 };
 
-void compact(Database& database)
+void removeForGood(Database& database, const Changes& changes)
 {
-  database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
-                   "log NOT IN (SELECT number FROM logs)");
+  if (changes.compact)
+    database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
+                     "log NOT IN (SELECT number FROM logs)");
+  if (changes.forgetBefore == 0)
+    return;
+  for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
+    Statement(database, sql).bind(1, changes.forgetBefore).run();
 }
 
 } // namespace
@@ -203,7 +208,7 @@ void compact(Database& database)
 void writeChanges(Database& database, const Changes& changes)
 {
   writeRevisions(
-      changes, [&] { return RevisionWriter(database); }, [&] { compact(database); });
+      changes, [&] { return RevisionWriter(database); }, [&] { removeForGood(database, changes); });
 }
 
 } // namespace reelhost

@@ -84,6 +84,31 @@ TEST_F(SqliteStoreTest, DeletionTakesTheFieldsOfItsLogsAlong)
   EXPECT_EQ(runSql(file(), "SELECT group_concat(DISTINCT log) FROM fields"), "2");
 }
 
+TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  store(*project, logChanges({exampleLog(1, 1)}));
+  Changes changes;
+  changes.options = {{"k", "v"}};
+  store(*project, changes);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  runSql(file(), "UPDATE revisions SET token = x'00112233445566778899aabbccddeeff' WHERE number < 3;"
+                 "UPDATE revisions SET takes_back = 2 WHERE number = 2; UPDATE revisions SET last_new = 3;"
+                 "UPDATE changes SET before = x'00' WHERE revision = 2;"
+                 "UPDATE changes SET before = x'41' WHERE revision = 3;"
+                 "INSERT INTO changes VALUES(9, 1, NULL)");
+  EXPECT_EQ(project->check(), (std::vector<std::string>{
+                                  "revision 9: changes without a revision", "revision 2: takes back a later revision",
+                                  "revision 1: new logs with numbers that were not given out",
+                                  "revision 2: new logs with numbers that were not given out",
+                                  "revision 3: new logs with numbers that were not given out",
+                                  "revision 2: the token of another revision", "revision 2: no image of log 1",
+                                  "revision 3: no image of log 0"}));
+  EXPECT_EQ(errorOf([&] { changesOf(*project, 2); }),
+            "Unreadable: " + file().native() + ": damaged (revision 2: no image of log 1)");
+}
+
 TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
 {
   runSql(file(), "PRAGMA journal_mode = DELETE"); // as some tools leave a copy
@@ -123,7 +148,8 @@ TEST_F(SqliteStoreTest, CheckReportsFaults)
                  "UPDATE logs SET uuid = (SELECT uuid FROM logs WHERE number = 1), tag = 1 WHERE number = 2");
   EXPECT_EQ(project->check(),
             (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was never given to a log",
-                                      "log 2: the identity of another log"}));
+                                      "log 2: the identity of another log",
+                                      "revision 1: new logs with numbers that were not given out"}));
 }
 
 TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
