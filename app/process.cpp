@@ -26,6 +26,11 @@ void startUp()
   reelhost::startUp();
 }
 
+void setCommandLine(std::vector<std::string> words)
+{
+  reelhost::setCommandLine("reeldb " + libraryVersion(), std::move(words));
+}
+
 std::string libraryVersion()
 {
   return reeldbDllVersionStr();

@@ -15,6 +15,9 @@ namespace reeldb::app {
 /// Makes the calling thread the library's main thread. Before any other operation of this room.
 void startUp();
 
+/// Names the program and the words of its command line in the history of every project that is changed from now on.
+void setCommandLine(std::vector<std::string> words);
+
 /// The version of the library: "14.0.0.0".
 std::string libraryVersion();
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/projects.h"
 
+#include <algorithm>
 #include <array>
+#include <ctime>
 #include <random>
 
 #include <fmt/format.h>
@@ -9,9 +11,12 @@
 
 #include "app/facility.h"
 #include "app/host_errors.h"
+#include "app/notice.h"
 #include "app/plain_text.h"
+#include "base/number.h"
 #include "base/text_width.h"
 #include "host/projdb.h"
+#include "reelhost/history.h"
 #include "reelhost/host.h"
 #include "reelhost/store.h"
 
@@ -68,6 +73,37 @@ std::string makeProjectIn(const reelhost::Facility& facility, const std::string&
   createSqliteProject(facility.projectFile(name), info,
                       {{"reeldb_defaultType", facility.configString("default_reel_type").value_or("")}});
   return nameOfRate(facility, code);
+}
+
+/// Seconds since 1970 of the day's start by the clock of this place; empty if the text is not a day.
+std::optional<std::int64_t> startOfDay(const std::string& text)
+{
+  std::tm day = {};
+  const char* const end = ::strptime(text.c_str(), "%Y-%m-%d", &day);
+  if (!end || *end != '\0')
+    return {};
+  day.tm_isdst = -1;
+  return std::mktime(&day);
+}
+
+/// The revision after the last one that is older than @p before, which is a day or the number of a revision.
+std::int64_t firstRevisionToKeep(reelhost::History& history, const std::string& before)
+{
+  if (const std::optional<int> revision = base::parseNumber(before))
+    return *revision;
+  const std::optional<std::int64_t> start = startOfDay(before);
+  if (!start)
+    throw Error(ErrorKind::Invalid,
+                fmt::format("\"{}\": neither a revision nor a day such as 2026-11-01 (reeldb history "
+                            "lists revisions)",
+                            base::shortText(before)));
+  std::int64_t first = 0;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    if (revision.origin.time < *start)
+      first = std::max(first, revision.number + 1);
+    return true;
+  });
+  return first;
 }
 
 Project look(const reelhost::Facility& facility, const std::string& name)
@@ -196,9 +232,37 @@ ProjectCheck checkProject(const std::optional<std::string>& project)
 Compacted compactProject(Session& session)
 {
   return guarded([&] {
-    const Compacted compacted{reelhost::compact()};
+    const Compacted compacted{reelhost::compact(), {}};
     session.commit();
     return compacted;
+  });
+}
+
+Compacted forgetHistory(Session& session, const std::string& before)
+{
+  return guarded([&] {
+    reelhost::History* const history = reelhost::projectStore().history();
+    if (!history)
+      throw Error(ErrorKind::Refused, fmt::format("{}: keeps no history", reelhost::projectInfo().name));
+    Compacted compacted;
+    compacted.revisions = reelhost::forgetHistory(firstRevisionToKeep(*history, before));
+    if (!session.commit())
+      return compacted;
+    try {
+      history->giveSpaceBack();
+    } catch (const reelhost::Error& error) {
+      notice(error.what());
+    }
+    return compacted;
+  });
+}
+
+Backup backUpProject(const std::optional<std::string>& project, const std::string& file)
+{
+  return guarded([&] {
+    Backup backup{chosenProject(project), file};
+    reelhost::backUpSqliteProject(requireFacility().projectFile(backup.project), file);
+    return backup;
   });
 }
 

@@ -88,11 +88,26 @@ struct ProjectCheck {
 ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
-  int gone = 0; ///< the number of deleted logs
+  int gone = 0;                      ///< the number of deleted logs
+  std::optional<int> revisions = {}; ///< the number of forgotten revisions, if history was to be forgotten
 };
 
 /// Empties the trash for good and stores that. REQUIRES: a session for writing.
 Compacted compactProject(Session& session);
+
+/// Forgets the history before a revision, given by its number, or before a day ("2026-11-01", by the clock of this
+/// place), with the deleted logs that only the forgotten part has; stores that and gives the space back. If that last
+/// step fails, notice reports it. Throws Error: Invalid for anything else, Refused if the project keeps no history.
+/// REQUIRES: a session for writing.
+Compacted forgetHistory(Session& session, const std::string& before);
+
+struct Backup {
+  std::string project, file;
+};
+
+/// Copies the project as its last commit left it to a new file, while others read and write it. Throws Error: Refused
+/// if the file exists, Io.
+Backup backUpProject(const std::optional<std::string>& project, const std::string& file);
 
 } // namespace reeldb::app
 

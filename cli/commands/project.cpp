@@ -74,20 +74,40 @@ ExitCode rate(const RateOptions& options, const Globals& globals)
 }
 
 struct CompactOptions {
+  std::optional<std::string> before;
   bool json = false;
 };
 
 ExitCode compact(const CompactOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Write);
-  const app::Compacted compacted = app::compactProject(session);
-  if (compacted.gone > 0)
+  const app::Compacted compacted =
+      options.before ? app::forgetHistory(session, *options.before) : app::compactProject(session);
+  if (compacted.gone > 0 || compacted.revisions.value_or(0) > 0)
     changesAreStored();
   if (options.json)
     print(app::jsonText(compacted));
+  else if (compacted.revisions)
+    print(*compacted.revisions == 0 ? "nothing to forget\n"
+                                    : fmt::format("{} forgotten\n", counted(*compacted.revisions, "revision")));
   else
     print(compacted.gone == 0 ? "nothing to remove\n"
                               : fmt::format("{} removed for good\n", counted(compacted.gone, "deleted log")));
+  return done;
+}
+
+struct BackupOptions {
+  std::string file;
+  bool json = false;
+};
+
+ExitCode backUp(const BackupOptions& options, const Globals& globals)
+{
+  const app::Backup backup = app::backUpProject(globals.project, options.file);
+  if (options.json)
+    print(app::jsonText(backup));
+  else
+    print(fmt::format("{}: backed up to {}\n", displayText(backup.project), displayText(backup.file)));
   return done;
 }
 
@@ -112,8 +132,8 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
 
 void addProject(CommandLine& line)
 {
-  const Command group = line.addGroup("project", "Make, list, check or compact projects, or change their frame rate",
-                                      "reeldb project list");
+  const Command group = line.addGroup(
+      "project", "Make, list, check, back up or compact projects, or change their frame rate", "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
   Command making =
@@ -158,13 +178,31 @@ void addProject(CommandLine& line)
   rating.json(rateOptions->json);
 
   const auto compactOptions = std::make_shared<CompactOptions>();
-  Command compacting = line.add(group,
-                                {.name = "compact",
-                                 .description = "Remove deleted reels and shots for good",
-                                 .examples = {"reeldb project compact"},
-                                 .details = "After that, reeldb undelete can no longer bring them back."},
-                                [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
+  Command compacting = line.add(
+      group,
+      {.name = "compact",
+       .description = "Remove deleted reels and shots for good",
+       .examples = {"reeldb project compact", "reeldb project compact --before 3",
+                    "reeldb project compact --before 2026-11-01"},
+       .details = "After that, reeldb undelete can no longer bring them back. With --before, the earlier part of the\n"
+                  "history is forgotten instead, with the reels and shots that were deleted in it, and its space is\n"
+                  "given back."},
+      [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
+  compacting.text("--before", compactOptions->before, "Forget the history before this revision or day")
+      .shownAs("REVISION|DAY");
   compacting.json(compactOptions->json);
+
+  const auto backupOptions = std::make_shared<BackupOptions>();
+  Command backingUp =
+      line.add(group,
+               {.name = "backup",
+                .description = "Copy a project to a new file, while others work in it",
+                .examples = {"reeldb project backup before-conform.reels"},
+                .details = "The copy is the project as its last commit left it, with its history. To use it, move "
+                           "it\nto projects/NAME.reels."},
+               [backupOptions](const Globals& globals) { return backUp(*backupOptions, globals); });
+  backingUp.text("FILE", backupOptions->file, "The new file").required().shownAs("");
+  backingUp.json(backupOptions->json);
 }
 
 } // namespace reeldb::cli

@@ -275,4 +275,60 @@ TEST_F(ProjectVariable, ProjectThatIsNotThereIsReportedWithTheVariable)
             "reeldb: nosuch: no such project (this facility has: film, main, promo)\n");
 }
 
+TEST_F(ProjectCommand, CompactBeforeForgetsEarlierRevisionsAndGivesTheSpaceBack)
+{
+  Words many = {"delete", "--yes"};
+  std::string list = "TITLE: T\n";
+  for (int i = 0; i < 300; ++i) {
+    many.push_back("R" + std::to_string(i));
+    list += "001  " + many.back() + " V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n";
+  }
+  dir_.write("many.edl", list);
+  output({"create", "A001"});
+  output({"import", "many.edl"});
+  reeldb(many);
+  output({"set", "A001", "bin=7"});
+  reeldb({"delete", "A001", "--yes"});
+  const auto size = fs::file_size(path("projects/main.reels"));
+  EXPECT_EQ(output({"project", "compact", "--before", "1"}), "nothing to forget\n");
+  EXPECT_EQ(output({"project", "compact", "--before", "5"}), "4 revisions forgotten\n");
+  EXPECT_LT(fs::file_size(path("projects/main.reels")) + 50'000, size);
+  const Json commits = json({"history", "--json"}).at("commits");
+  ASSERT_EQ(commits.size(), 2u);
+  EXPECT_EQ(commits[1].at("revision"), 5);
+  EXPECT_EQ(commits[0].at("command"), "reeldb project compact --before 5");
+  EXPECT_EQ(output({"undo"}).rfind("revision 5 taken back: ", 0), 0u);
+  EXPECT_EQ(reelIds(), Words{"A001"});
+  EXPECT_EQ(json({"project", "compact", "--before", "99", "--json"}).at("revisions"), 3);
+  EXPECT_EQ(json({"project", "check", "--json"}).at("sound"), true);
+}
+
+TEST_F(ProjectCommand, CompactBeforeADayForgetsWhatIsOlder)
+{
+  output({"create", "A001"});
+  EXPECT_EQ(output({"project", "compact", "--before", "2000-01-01"}), "nothing to forget\n");
+  EXPECT_EQ(output({"project", "compact", "--before", "2999-12-31"}), "1 revision forgotten\n");
+  for (const char* odd : {"2999-13-01", "yesterday", "2999-12-31x", ""}) {
+    const ProcessResult result = reeldb({"project", "compact", "--before", odd});
+    EXPECT_EQ(result.code, 2) << odd;
+  }
+  EXPECT_EQ(reeldb({"project", "compact", "--before", "x"}).err,
+            "reeldb: \"x\": neither a revision nor a day such as 2026-11-01 (reeldb history lists revisions)\n");
+}
+
+TEST_F(ProjectCommand, BackupIsAProjectOfItsOwn)
+{
+  output({"create", "A001"});
+  output({"rename", "A001", "B001"});
+  EXPECT_EQ(output({"project", "backup", "projects/copy.reels"}), "main: backed up to projects/copy.reels\n");
+  EXPECT_EQ(output({"history", "-p", "copy"}), output({"history"}));
+  output({"-p", "copy", "undo"});
+  EXPECT_EQ(reelIds(), Words{"B001"});
+  EXPECT_EQ(json({"project", "check", "--json", "-p", "copy"}).at("sound"), true);
+  const ProcessResult again = reeldb({"project", "backup", "projects/copy.reels"});
+  EXPECT_EQ(again.code, 1);
+  EXPECT_EQ(again.err, "reeldb: projects/copy.reels: already exists\n");
+  EXPECT_EQ(reeldb({"project", "backup", "no/such/folder/x"}).code, 3);
+}
+
 } // namespace
