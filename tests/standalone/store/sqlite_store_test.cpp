@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_store.h"
 
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 
@@ -82,6 +83,39 @@ TEST_F(SqliteStoreTest, DeletionTakesTheFieldsOfItsLogsAlong)
   changes.deleted = {1};
   store(*project, changes);
   EXPECT_EQ(runSql(file(), "SELECT group_concat(DISTINCT log) FROM fields"), "2");
+}
+
+/// Pages in the write-ahead log of an open project, as long as none of it has moved into the file.
+std::size_t pagesInLog(const fs::path& project)
+{
+  constexpr std::size_t logHeader = 32, frame = 24 + 4096;
+  const std::size_t size = fs::file_size(project.native() + "-wal");
+  return size < logHeader ? 0 : (size - logHeader) / frame;
+}
+
+TEST_F(SqliteStoreTest, ChangeOfOneFieldWritesFourPagesOnAverage)
+{
+  constexpr int reels = 10'000, commits = 100;
+  {
+    const auto project = makeSqliteStore(file());
+    std::vector<StoredLog> logs;
+    for (int number = 1; number <= reels; ++number)
+      logs.push_back(exampleLog(number, 9));
+    store(*project, logChanges(logs));
+  }
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project); // opens it
+  const std::size_t before = pagesInLog(file());
+  for (int commit = 0; commit < commits; ++commit) {
+    StoredLog log = exampleLog(1 + commit * 97 % reels, 9);
+    log.fields.emplace_back("reel_userfield0", "scene " + std::to_string(commit));
+    Changes changes = logChanges({log});
+    changes.origin = {1700000000, "reeldb 14.0.0.0", "reeldb set A001 scene=7", "anna", "suite1", "/work/site", {}};
+    store(*project, changes);
+  }
+  const std::size_t pages = pagesInLog(file()) - before;
+  std::cout << static_cast<double>(pages) / commits << " pages per commit\n";
+  EXPECT_LE(pages, 4u * commits);
 }
 
 TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)

@@ -453,7 +453,7 @@ TEST_P(HistoryContract, CompactAndDeleteTogetherKeepTheNewDeletion)
   EXPECT_EQ(trashCount(*project), 1);
 }
 
-TEST_P(HistoryContract, DeletionPassesOverWhatIsNoLogOrIsInTheTrash)
+TEST_P(HistoryContract, DeletionIgnoresNumbersOfNoLogAndOfDeletedLogs)
 {
   const auto project = make();
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
