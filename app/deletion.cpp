@@ -9,6 +9,7 @@
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/reel_records.h"
+#include "app/reel_state.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
 
@@ -33,34 +34,6 @@ CookieVec select(ReelDbManager& manager, const std::vector<std::string>& ids)
       selection.add(reel);
   }
   return selection;
-}
-
-std::set<std::string> logsOf(const ReelDbManager& manager)
-{
-  std::set<std::string> logs;
-  for (const Cookie& log : manager.reelList)
-    logs.insert(nameOf(log));
-  return logs;
-}
-
-/// Throws Error if a reel to restore has the same identifier as an existing reel: one of the two could not be found any
-/// more.
-void requireFreeIdentifiers(const ReelDbManager& manager, const std::set<std::string>& before)
-{
-  std::set<std::string> taken;
-  std::vector<std::string> back;
-  for (const Cookie& log : manager.reelList) {
-    std::string id = text(ReelDbRec(log).reelId());
-    if (before.count(nameOf(log)) != 0)
-      taken.insert(base::fold(id));
-    else
-      back.push_back(std::move(id));
-  }
-  for (const std::string& id : back)
-    if (taken.count(base::fold(id)) != 0)
-      throw Error(ErrorKind::Refused, fmt::format("undelete: {}: another reel now has this name, nothing brought "
-                                                  "back (rename that reel first)",
-                                                  id));
 }
 
 struct Planned {
@@ -140,17 +113,17 @@ DeletionPlan deleteReels(Session& session, const std::vector<std::string>& reels
 Undeleted undelete(Session& session)
 {
   return guarded([&] {
-    ReelDbManager& manager = session.manager();
-    const std::set<std::string> before = logsOf(manager);
+    const ReelState before(session);
     const int count = reelhost::undelete();
     if (count == 0)
       throw Error(ErrorKind::Refused, "undelete: there is no deletion to bring back");
-    manager.informReelDbChanged("");
-    requireFreeIdentifiers(manager, before);
+    session.manager().informReelDbChanged("");
+    const ReelState after(session);
+    after.requireSoundAfter(before, "undelete", "nothing brought back");
     Undeleted result;
-    for (const Cookie& log : manager.reelList)
-      if (before.count(nameOf(log)) == 0)
-        result.reels.push_back(text(ReelDbRec(log).reelId()));
+    for (const auto& [log, id] : after.reels())
+      if (before.reels().count(log) == 0)
+        result.reels.push_back(id);
     result.shots = static_cast<std::size_t>(count) - result.reels.size();
     session.commit();
     return result;

@@ -134,14 +134,14 @@ Written writeShotsCsv(const ProjectContent& content)
   row.reserve(shotTexts.size() + 3);
   for (const ShotText& text : shotTexts)
     row.emplace_back(text.name);
-  row.insert(row.end(), {"aliases", "video_channels", "audio_channels"});
+  row.insert(row.end(), {"aliases", "video_channels", "audio_channels", "frame_rate", "drop_frame"});
   Written written{lists::csvRow(row), content.shots.size(), {}, {}};
   for (const Shot& shot : content.shots) {
     row.clear();
     for (const ShotText& text : shotTexts)
       row.push_back(shot.*text.text);
     row.insert(row.end(), {fmt::format("{}", fmt::join(shot.aliases, "\n")), std::to_string(shot.videoChannels),
-                           std::to_string(shot.audioChannels)});
+                           std::to_string(shot.audioChannels), shot.frameRate, wordOf(shot.dropFrame)});
     written.text += lists::csvRow(row);
   }
   return written;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -11,9 +12,11 @@
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
+#include "lists/timing.h"
 #include "reelhost/host.h"
 
 namespace reeldb::app {
@@ -41,7 +44,7 @@ class Importer {
 public:
   /// Reads the reels and the shots of the project.
   Importer(Session& session, std::size_t clips, const Progress& progress)
-      : manager_(session.manager()), clips_(clips), progress_(progress)
+      : manager_(session.manager()), clips_(clips), progress_(progress), rate_(projectRate())
   {
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
@@ -74,6 +77,8 @@ public:
         manager_.createNewReel(hostText(clip.reel), noDevice);
       advance();
     }
+    if (rate_)
+      warnOfRate(result.list);
     result.clips = result.list.clips.size();
     result.list.clips.clear();
     return result;
@@ -104,6 +109,16 @@ private:
     return true;
   }
 
+  /// Adds the warning that the list contradicts the project, if it does.
+  void warnOfRate(lists::List& list) const
+  {
+    const auto warning = lists::contradiction(list, *rate_);
+    if (!warning)
+      return;
+    const auto isBefore = [](const lists::Warning& one, const lists::Warning& other) { return one.line < other.line; };
+    list.warnings.insert(std::upper_bound(list.warnings.begin(), list.warnings.end(), *warning, isBefore), *warning);
+  }
+
   void advance()
   {
     ++done_;
@@ -114,6 +129,7 @@ private:
   ReelDbManager& manager_;
   std::size_t clips_, done_ = 0;
   const Progress& progress_;
+  std::optional<lists::FrameRate> rate_; ///< of the project
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
   std::unordered_set<std::string> shots_; ///< the keys of the shots

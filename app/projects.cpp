@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/projects.h"
 
+#include <algorithm>
 #include <array>
+#include <ctime>
 #include <random>
 
 #include <fmt/format.h>
@@ -9,8 +11,12 @@
 
 #include "app/facility.h"
 #include "app/host_errors.h"
+#include "app/notice.h"
 #include "app/plain_text.h"
+#include "base/number.h"
 #include "base/text_width.h"
+#include "host/projdb.h"
+#include "reelhost/history.h"
 #include "reelhost/host.h"
 #include "reelhost/store.h"
 
@@ -38,25 +44,66 @@ std::string nameOfRate(const reelhost::Facility& facility, int code)
   return std::to_string(code);
 }
 
+/// The code of a rate by its name or its code, or by another way to write a rate that is named: 23.976 is 23.98. Throws
+/// Error (Invalid) for a rate that the facility does not have.
+int codeOfRate(const reelhost::Facility& facility, const std::string& rate)
+{
+  if (const auto code = facility.frameRateCode(rate))
+    return *code;
+  const auto meant = lists::rateOf(rate);
+  std::vector<std::string> known;
+  for (const auto& [name, code] : facility.frameRates()) {
+    if (meant && lists::rateOf(name) == meant)
+      return code;
+    known.push_back(fmt::format("{} (code {})", name, code));
+  }
+  throw Error(ErrorKind::Invalid, fmt::format("\"{}\": no such frame rate (this facility has: {})",
+                                              base::shortText(rate), fmt::join(known, ", ")));
+}
+
 std::string makeProjectIn(const reelhost::Facility& facility, const std::string& name, const std::string& rate)
 {
-  const auto code = facility.frameRateCode(rate);
-  if (!code) {
-    std::vector<std::string> known;
-    for (const auto& [rateName, rateCode] : facility.frameRates())
-      known.push_back(fmt::format("{} (code {})", rateName, rateCode));
-    throw Error(ErrorKind::Invalid, fmt::format("\"{}\": no such frame rate (this facility has: {})",
-                                                base::shortText(rate), fmt::join(known, ", ")));
-  }
+  const int code = codeOfRate(facility, rate);
   requirePlainText(name, fmt::format("\"{}\": not a valid project name", base::shortText(name)));
   reelhost::ProjectInfo info;
   info.name = name;
   info.uuid = newUuid();
-  info.frameRate = *code;
-  info.outputFrameRate = *code;
+  info.frameRate = code;
+  info.outputFrameRate = code;
   createSqliteProject(facility.projectFile(name), info,
                       {{"reeldb_defaultType", facility.configString("default_reel_type").value_or("")}});
-  return nameOfRate(facility, *code);
+  return nameOfRate(facility, code);
+}
+
+/// Seconds since 1970 of the day's start by the clock of this place; empty if the text is not a day.
+std::optional<std::int64_t> startOfDay(const std::string& text)
+{
+  std::tm day = {};
+  const char* const end = ::strptime(text.c_str(), "%Y-%m-%d", &day);
+  if (!end || *end != '\0')
+    return {};
+  day.tm_isdst = -1;
+  return std::mktime(&day);
+}
+
+/// The revision after the last one that is older than @p before, which is a day or the number of a revision.
+std::int64_t firstRevisionToKeep(reelhost::History& history, const std::string& before)
+{
+  if (const std::optional<int> revision = base::parseNumber(before))
+    return *revision;
+  const std::optional<std::int64_t> start = startOfDay(before);
+  if (!start)
+    throw Error(ErrorKind::Invalid,
+                fmt::format("\"{}\": neither a revision nor a day such as 2026-11-01 (reeldb history "
+                            "lists revisions)",
+                            base::shortText(before)));
+  std::int64_t first = 0;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    if (revision.origin.time < *start)
+      first = std::max(first, revision.number + 1);
+    return true;
+  });
+  return first;
 }
 
 Project look(const reelhost::Facility& facility, const std::string& name)
@@ -67,7 +114,7 @@ Project look(const reelhost::Facility& facility, const std::string& name)
   try {
     const auto store = reelhost::makeSqliteStore(facility.projectFile(name));
     store->begin(reelhost::Access::Read, {});
-    project.rateCode = store->info().frameRate;
+    project.rateCode = reelhost::currentInfo(*store).frameRate;
     project.rate = nameOfRate(facility, project.rateCode);
     store->end();
   } catch (const reelhost::Error& error) {
@@ -78,7 +125,7 @@ Project look(const reelhost::Facility& facility, const std::string& name)
 
 } // namespace
 
-NewFacilityReport makeFacility(const std::string& folder)
+NewFacilityReport makeFacility(const std::string& folder, const std::string& rate)
 {
   return guarded([&] {
     reelhost::NewFacility made(folder);
@@ -86,7 +133,7 @@ NewFacilityReport makeFacility(const std::string& folder)
     NewFacilityReport report;
     report.project = facility.defaultProject();
     if (!report.project.empty())
-      report.rate = makeProjectIn(facility, report.project, usualFrameRate);
+      report.rate = makeProjectIn(facility, report.project, rate);
     made.keep();
     return report;
   });
@@ -102,12 +149,53 @@ std::string frameRateName(int code)
   return nameOfRate(requireFacility(), code);
 }
 
+ProjectRate rateOf(Session&)
+{
+  return guarded([] {
+    const reelhost::ProjectInfo& info = reelhost::projectInfo();
+    ProjectRate result;
+    result.project = info.name;
+    result.rateCode = info.frameRate;
+    result.rate = result.before = nameOfRate(requireFacility(), info.frameRate);
+    return result;
+  });
+}
+
+ProjectRate changeRate(Session& session, const std::string& rate)
+{
+  return guarded([&] {
+    ProjectRate result = rateOf(session);
+    const int code = codeOfRate(requireFacility(), rate);
+    if (code == result.rateCode)
+      return result;
+    EditManager::ProjOpts().set(reelhost::frameRateOption, std::to_string(code).c_str(), nullptr);
+    result.stored = session.commit();
+    result.rateCode = code;
+    result.rate = nameOfRate(requireFacility(), code);
+    return result;
+  });
+}
+
+std::optional<lists::FrameRate> projectRate()
+{
+  return guarded([]() -> std::optional<lists::FrameRate> {
+    const int code = reelhost::projectInfo().frameRate;
+    for (const auto& [name, known] : reelhost::facility().frameRates())
+      if (known == code)
+        if (const auto rate = lists::rateOf(name))
+          return rate;
+    return std::nullopt;
+  });
+}
+
 std::vector<FrameRate> frameRates()
 {
-  std::vector<FrameRate> rates;
-  for (const auto& [name, code] : requireFacility().frameRates())
-    rates.push_back({name, code});
-  return rates;
+  return guarded([] {
+    std::vector<FrameRate> rates;
+    for (const auto& [name, code] : reelhost::facility().frameRates())
+      rates.push_back({name, code});
+    return rates;
+  });
 }
 
 std::vector<Project> listProjects()
@@ -144,9 +232,37 @@ ProjectCheck checkProject(const std::optional<std::string>& project)
 Compacted compactProject(Session& session)
 {
   return guarded([&] {
-    const Compacted compacted{reelhost::compact()};
+    const Compacted compacted{reelhost::compact(), {}};
     session.commit();
     return compacted;
+  });
+}
+
+Compacted forgetHistory(Session& session, const std::string& before)
+{
+  return guarded([&] {
+    reelhost::History* const history = reelhost::projectStore().history();
+    if (!history)
+      throw Error(ErrorKind::Refused, fmt::format("{}: keeps no history", reelhost::projectInfo().name));
+    Compacted compacted;
+    compacted.revisions = reelhost::forgetHistory(firstRevisionToKeep(*history, before));
+    if (!session.commit())
+      return compacted;
+    try {
+      history->giveSpaceBack();
+    } catch (const reelhost::Error& error) {
+      notice(error.what());
+    }
+    return compacted;
+  });
+}
+
+Backup backUpProject(const std::optional<std::string>& project, const std::string& file)
+{
+  return guarded([&] {
+    Backup backup{chosenProject(project), file};
+    reelhost::backUpSqliteProject(requireFacility().projectFile(backup.project), file);
+    return backup;
   });
 }
 

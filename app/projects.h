@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/session.h"
+#include "lists/frame_rate.h"
 
 namespace reeldb::app {
 
@@ -21,24 +22,44 @@ struct NewFacilityReport {
 };
 
 /// Creates a facility in the folder, completely or not at all: configuration, reel types, label maps and a first
-/// project. Overwrites nothing. Throws Error: Refused if one of its files already exists, Io.
-NewFacilityReport makeFacility(const std::string& folder);
+/// project of this frame rate, as in makeProject(). Overwrites nothing. Throws Error: Invalid for a rate that
+/// facilities do not have, Refused if one of its files already exists, Io.
+NewFacilityReport makeFacility(const std::string& folder, const std::string& rate = usualFrameRate);
 
 /// Creates the project in the facility of the process, with everything that entering it would otherwise store, so that
-/// a reader never changes a new project. Returns the facility's name of its frame rate. Throws Error: Invalid for a
-/// rate that the facility does not know and for a name that cannot be shown, Refused for a name that is not a plain
+/// a reader never changes a new project. The rate is a name or a code of the facility, or another way to write the rate
+/// that a name means ("23.976" for "23.98"). Returns the facility's name of it. Throws Error: Invalid for a rate that
+/// the facility does not know and for a name that cannot be shown, Refused for a name that is not a plain
 /// file name or is taken, Io.
 std::string makeProject(const std::string& name, const std::string& rate);
 
 /// The facility's name of a frame rate code, or the code itself.
 std::string frameRateName(int code);
 
+/// The frame rate of a project, or how it was changed.
+struct ProjectRate {
+  std::string project;
+  std::string rate; ///< the facility's name of it
+  int rateCode = -1;
+  std::string before; ///< its rate before the change; the same if it was not changed
+  bool stored = false;
+};
+
+ProjectRate rateOf(Session& session);
+
+/// Gives the project this rate, as in makeProject(), and stores that. Timecodes, shots and lists stay as they are.
+/// Throws Error (Invalid) for a rate that the facility does not know. REQUIRES: a session for writing.
+ProjectRate changeRate(Session& session, const std::string& rate);
+
+/// The frame rate of the open project. Empty if the facility has no name for it that is a known rate.
+std::optional<lists::FrameRate> projectRate();
+
 struct FrameRate {
   std::string name;
   int code = -1;
 };
 
-/// The frame rates that the facility knows, in the order of its file.
+/// The frame rates that the facility knows, in the order of its file; without a facility, those that a new one has.
 std::vector<FrameRate> frameRates();
 
 struct Project {
@@ -67,11 +88,26 @@ struct ProjectCheck {
 ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
-  int gone = 0; ///< the number of deleted logs
+  int gone = 0;                      ///< the number of deleted logs
+  std::optional<int> revisions = {}; ///< the number of forgotten revisions, if history was to be forgotten
 };
 
 /// Empties the trash for good and stores that. REQUIRES: a session for writing.
 Compacted compactProject(Session& session);
+
+/// Forgets the history before a revision, given by its number, or before a day ("2026-11-01", by the clock of this
+/// place), with the deleted logs that only the forgotten part has; stores that and gives the space back. If that last
+/// step fails, notice reports it. Throws Error: Invalid for anything else, Refused if the project keeps no history.
+/// REQUIRES: a session for writing.
+Compacted forgetHistory(Session& session, const std::string& before);
+
+struct Backup {
+  std::string project, file;
+};
+
+/// Copies the project as its last commit left it to a new file, while others read and write it. Throws Error: Refused
+/// if the file exists, Io.
+Backup backUpProject(const std::optional<std::string>& project, const std::string& file);
 
 } // namespace reeldb::app
 

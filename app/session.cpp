@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/session.h"
 
+#include <cstdlib>
 #include <filesystem>
 #include <system_error>
 
@@ -10,7 +11,9 @@
 #include "ReelDbManager.h"
 #include "app/facility.h"
 #include "app/host_errors.h"
+#include "app/notice.h"
 #include "base/text_width.h"
+#include "reelhost/history.h"
 #include "reelhost/host.h"
 
 namespace reeldb::app {
@@ -29,6 +32,13 @@ std::string projectsThereAre(const reelhost::Facility& facility)
   const auto names = facility.projectNames();
   return names.empty() ? "this facility has no projects; reeldb project new NAME makes one"
                        : fmt::format("this facility has: {}", fmt::join(names, ", "));
+}
+
+/// Of the open project's file, if it is older than this program.
+int olderVersion()
+{
+  reelhost::History* const history = reelhost::projectStore().history();
+  return history ? history->olderVersion() : 0;
 }
 
 } // namespace
@@ -50,14 +60,19 @@ std::string chosenProject(const std::optional<std::string>& asked)
 {
   return guarded([&] {
     const reelhost::Facility& facility = requireFacility();
-    std::string name = asked.value_or(facility.defaultProject());
+    const char* const variable = std::getenv(projectVariable);
+    const bool fromVariable = !asked && variable && *variable;
+    std::string name = fromVariable ? variable : asked.value_or(facility.defaultProject());
     if (name.empty())
-      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p names one; {})", projectsThereAre(facility)));
+      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p or {} names one; {})", projectVariable,
+                                                  projectsThereAre(facility)));
     std::error_code none;
-    if (!std::filesystem::exists(facility.projectFile(name), none))
-      throw Error(ErrorKind::NotFound,
-                  fmt::format("{}: no such project ({}{})", base::shortText(name),
-                              asked ? "" : "default_project in facility.toml names it; ", projectsThereAre(facility)));
+    if (!std::filesystem::exists(facility.projectFile(name), none)) {
+      const std::string source = fromVariable ? std::string(projectVariable) : "default_project in facility.toml";
+      throw Error(ErrorKind::NotFound, fmt::format("{}: no such project ({}{})", base::shortText(name),
+                                                   asked ? std::string() : fmt::format("{} names it; ", source),
+                                                   projectsThereAre(facility)));
+    }
     return name;
   });
 }
@@ -85,7 +100,12 @@ bool Session::commit()
 {
   return guarded([] {
     reelhost::runDeferredActions();
-    return reelhost::commit();
+    const int version = olderVersion();
+    const bool stored = reelhost::commit();
+    if (version != 0 && olderVersion() == 0)
+      notice(fmt::format("{}: brought up to date from version {} (older programs cannot open it any more)",
+                         reelhost::projectInfo().name, version));
+    return stored;
   });
 }
 

@@ -11,8 +11,12 @@ class ReelDbManager;
 
 namespace reeldb::app {
 
-/// The name of the project to work on: @p asked, else the facility's default. Throws Error (Refused), which lists the
-/// existing projects, if there is no default or no project of that name.
+/// The environment variable that names the project to work on.
+inline constexpr const char* projectVariable = "REELDB_PROJECT";
+
+/// The name of the project to work on: @p asked, else the one in projectVariable unless that is empty, else the
+/// facility's default. Throws Error (Refused), which lists the existing projects, if there is no default or no project
+/// of that name.
 std::string chosenProject(const std::optional<std::string>& asked);
 
 enum class Access { Read, Write };

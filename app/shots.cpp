@@ -39,6 +39,8 @@ reelhost::Material materialFrom(const Shot& shot)
   material.aliases = fmt::format("{}", fmt::join(shot.aliases, std::string_view(&divider, 1)));
   material.videoChannels = shot.videoChannels;
   material.audioChannels = shot.audioChannels;
+  material.frameRate = shot.frameRate;
+  material.dropFrame = shot.dropFrame;
   return material;
 }
 
@@ -50,6 +52,8 @@ Shot shotFrom(const reelhost::Material& material)
   shot.aliases = divided(material.aliases);
   shot.videoChannels = material.videoChannels;
   shot.audioChannels = material.audioChannels;
+  shot.frameRate = material.frameRate;
+  shot.dropFrame = material.dropFrame;
   return shot;
 }
 

@@ -177,10 +177,10 @@ std::size_t readRows(const std::string& file)
   sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
   std::size_t bytes = 0;
   for (const char* const query :
-       {"SELECT * FROM logs WHERE type = 9 AND deletion IS NULL ORDER BY number",
-        "SELECT f.* FROM fields f JOIN logs l ON l.number = f.log WHERE l.type = 9 AND l.deletion IS NULL ORDER BY "
+       {"SELECT * FROM logs WHERE type = 9 ORDER BY number",
+        "SELECT f.* FROM fields f JOIN logs l ON l.number = f.log WHERE l.type = 9 ORDER BY "
         "f.log",
-        "SELECT reel_id, count(*) FROM logs WHERE type <> 9 AND deletion IS NULL GROUP BY reel_id COLLATE NOCASE"}) {
+        "SELECT reel_id, count(*) FROM logs WHERE type <> 9 GROUP BY reel_id COLLATE NOCASE"}) {
     sqlite3_stmt* statement = nullptr;
     if (sqlite3_prepare_v2(db, query, -1, &statement, nullptr) != SQLITE_OK)
       throw std::runtime_error(sqlite3_errmsg(db));
@@ -308,8 +308,8 @@ void listProcess(Table& table)
   const std::string select =
       "sqlite3 -readonly " + project +
       " 'SELECT l.reel_id, l.reel_type, l.video, l.audio, (SELECT count(*) FROM logs s WHERE s.type"
-      " <> 9 AND s.deletion IS NULL AND s.reel_id = l.reel_id COLLATE NOCASE) FROM logs l WHERE"
-      " l.type = 9 AND l.deletion IS NULL'";
+      " <> 9 AND s.reel_id = l.reel_id COLLATE NOCASE) FROM logs l WHERE"
+      " l.type = 9'";
   const Pair times = sideBySide(
       31, [&] { run(bin + "reeldb -C " + facility + " -p bench list"); }, [&] { run(select); });
   table.add(

@@ -12,6 +12,7 @@
 
 #include "base/ascii.h"
 #include "lists/collector.h"
+#include "lists/frame_rate.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -33,23 +34,40 @@ enum Column : std::size_t {
   Camroll,
   Labroll,
   Soundroll,
+  Fps,
   TracksAsWritten, ///< this, those below and AlsoCalled are only in logs of this program: docs/formats/export.md
   CutRecordIn,
   CutRecordOut,
+  ColonsAsWritten,
   ColumnCount,
   AlsoCalled, ///< "Reel Also Called 1", 2, ...: the only column that a log may have several times
 };
 
 /// The titles of the columns, which are case-sensitive.
 constexpr std::array<std::string_view, ColumnCount> columnTitles = {
-    "Name",           "Tape",   "Tracks",  "Start",   "End",       "Source File",       "Source File Path",
-    "TapeID",         "Reel #", "Camroll", "Labroll", "Soundroll", "Tracks As Written", "Cut Record In",
+    "Name",
+    "Tape",
+    "Tracks",
+    "Start",
+    "End",
+    "Source File",
+    "Source File Path",
+    "TapeID",
+    "Reel #",
+    "Camroll",
+    "Labroll",
+    "Soundroll",
+    "FPS",
+    "Tracks As Written",
+    "Cut Record In",
     "Cut Record Out",
+    "Colons As Written",
 };
 
 constexpr std::string_view alsoCalledTitle = "Reel Also Called ";
 
 constexpr std::array timeColumns = {Start, End};
+constexpr std::array timecodeColumns = {Start, End, CutRecordIn, CutRecordOut};
 
 /// A rate in the heading above this is ignored.
 constexpr int mostFramesASecond = 999;
@@ -105,6 +123,17 @@ std::string_view takeCell(std::string_view& row)
   return cell;
 }
 
+/// The timecode as the list had it. Logs write drop frame with a semicolon; if the cell names the timecode's column,
+/// the list had a colon.
+std::string asWritten(const Cells& cells, Column column)
+{
+  std::string timecode(cells[column]);
+  const std::size_t separator = timecode.rfind(';');
+  if (separator != std::string::npos && cells[ColonsAsWritten].find(columnTitles[column]) != std::string_view::npos)
+    timecode[separator] = ':';
+  return timecode;
+}
+
 /// Whether the line is the name of the section, without any other text.
 bool isSection(std::string_view line, std::string_view section)
 {
@@ -119,8 +148,9 @@ private:
   enum class Section { None, Heading, Column, Titles, Data };
 
   void line(int number, std::string_view line);
-  void heading(std::string_view line);
-  void setting(std::string_view key, std::string_view value);
+  void heading(int number, std::string_view line);
+  void setting(int number, std::string_view line, std::string_view key, std::string_view value);
+  void rate(int number, std::string_view line, std::string_view value);
   void titles(int number, std::string_view line);
   void row(int number, std::string_view line);
   Cells cellsOf(std::string_view line) const;
@@ -135,6 +165,7 @@ private:
   Section section_ = Section::None;
   std::string tape_; ///< the tape of the heading, for rows without a tape
   int frames_ = 0;   ///< the heading's frames per second; 0 if it does not say
+  Proof rate_;       ///< the heading's rate; line 0 if it does not say
   /// The columns that the reader uses: their positions from left to right, and the position of each.
   std::vector<std::pair<std::size_t, Column>> positions_;
   std::array<std::optional<std::size_t>, ColumnCount> places_;
@@ -171,12 +202,12 @@ void Reader::line(int number, std::string_view line)
     }
     section_ = Section::Heading;
     takeCell(line); // the word "Heading"; settings may follow it
-    return heading(line);
+    return heading(number, line);
   case Section::Heading:
     if (isSection(line, "Column"))
       section_ = Section::Column;
     else
-      heading(line);
+      heading(number, line);
     return;
   case Section::Column:
     titles(number, line);
@@ -192,30 +223,41 @@ void Reader::line(int number, std::string_view line)
 }
 
 /// Key, tab, value. A line may hold one such pair, or all pairs of the heading.
-void Reader::heading(std::string_view line)
+void Reader::heading(int number, std::string_view line)
 {
+  const std::string_view whole = line;
   if (line.find('\t') == std::string_view::npos) { // some writers align the values with blanks
     const std::string_view key = takeFirst(line);
-    return setting(key, line);
+    return setting(number, whole, key, line);
   }
   while (!trim(line).empty()) {
     const std::string_view key = takeCell(line);
-    setting(trim(key), takeCell(line));
+    setting(number, whole, trim(key), takeCell(line));
   }
 }
 
-void Reader::setting(std::string_view key, std::string_view value)
+void Reader::setting(int number, std::string_view line, std::string_view key, std::string_view value)
 {
   if (base::sameName(key, "TAPE"))
     tape_ = clean(value);
-  if (base::sameName(key, "FPS"))
+  if (base::sameName(key, "FPS")) {
     frames_ = std::max(frames_, framesASecond(trim(value)));
+    rate(number, line, trim(value));
+  }
   for (const auto& [format, frames] : formatFrames) {
     if (base::sameName(key, "VIDEO_FORMAT") && base::sameName(trim(value), format))
       frames_ = std::max(frames_, frames);
   }
   if (base::sameName(key, "FIELD_DELIM") && !base::sameName(trim(value), "TABS"))
     throw Error("log file with the field delimiter " + inQuotes(trim(value)) + " (only TABS is understood)");
+}
+
+void Reader::rate(int number, std::string_view line, std::string_view value)
+{
+  if (const std::optional<FrameRate> known = rateOf(value))
+    rate_ = {rateName(*known), number, std::string(line)};
+  else if (!value.empty())
+    collector_.warn(number, line, "unknown frame rate " + inQuotes(value) + " (the rows are kept without it)");
 }
 
 void Reader::titles(int number, std::string_view line)
@@ -293,8 +335,9 @@ std::string Reader::fault(const Cells& cells) const
 {
   if (std::string fault = cutFault(cells); !fault.empty())
     return fault;
-  for (Column column : {Start, End, CutRecordIn, CutRecordOut}) {
-    if (cells[column].empty())
+  const bool numbered = isFrameNumber(cells[Start]) && isFrameNumber(cells[End]);
+  for (Column column : timecodeColumns) {
+    if (cells[column].empty() || (numbered && (column == Start || column == End)))
       continue;
     if (const std::string fault = timecodeFault(cells[column]); !fault.empty())
       return std::string(columnTitles[column]) + " " + inQuotes(cells[column]) + " is not a timecode (" + fault + ")";
@@ -314,8 +357,8 @@ void Reader::row(int number, std::string_view line)
   clip.line = number;
   clip.clipName = clean(cells[Name]);
   clip.sourceFile = clean(cells[cells[SourceFile].empty() ? SourceFilePath : SourceFile]);
-  clip.sourceIn = cells[Start];
-  clip.sourceOut = cells[End];
+  clip.sourceIn = asWritten(cells, Start);
+  clip.sourceOut = asWritten(cells, End);
   clip.tracks = cells[TracksColumn].empty() ? std::string(defaultTracks) : clean(cells[TracksColumn]);
   const Tracks tracks = parseLogTracks(clip.tracks).value_or(Tracks());
   clip.videoChannels = tracks.video;
@@ -323,8 +366,15 @@ void Reader::row(int number, std::string_view line)
   if (const std::string_view written = cells[TracksAsWritten];
       !written.empty() && written.size() <= nameBytes && firstControl(written).empty())
     clip.tracks = clean(written);
-  clip.recordIn = cells[CutRecordIn];
-  clip.recordOut = cells[CutRecordOut];
+  clip.recordIn = asWritten(cells, CutRecordIn);
+  clip.recordOut = asWritten(cells, CutRecordOut);
+  clip.dropFrame =
+      std::any_of(timecodeColumns.begin(), timecodeColumns.end(), [&](Column c) { return isDropFrame(cells[c]); });
+  // A column of rates is about the tapes, the heading about the project: also of tapes of a format that counts more.
+  if (!hasColumn(Fps))
+    clip.frameRate = rate_.line != 0 && framesASecond(rate_.says) == frames_ ? rate_.says : std::string();
+  else if (const std::optional<FrameRate> own = rateOf(cells[Fps]))
+    clip.frameRate = rateName(*own);
   for (const std::string_view name : cells.alsoCalled)
     clip.aliases.push_back(clean(name));
   for (Column column : aliasColumns)
@@ -338,20 +388,27 @@ void Reader::row(int number, std::string_view line)
     return collector_.special(isAuxiliary(tape) ? tape : clip.reel, "AX without a clip name or source file", number);
   if (clip.reel.empty())
     return collector_.special(clip.clipName, "no tape and no source file", number);
+  const std::string rate = clip.frameRate;
+  if (!rate.empty() && rate == rate_.says)
+    collector_.rate(rate, rate_.line, rate_.text);
   if (collector_.clip(std::move(clip), line))
     warnOfTimes(number, line, cells);
 }
 
 void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)
 {
+  const std::optional<FrameRate> own = rateOf(cells[Fps]);
+  const bool rowHasMore = own && own->frames > frames_;
+  const int frames = rowHasMore ? own->frames : frames_;
   std::vector<Column> empty;
   for (Column column : timeColumns) {
     if (hasColumn(column) && cells[column].empty())
       empty.push_back(column);
-    else if (frames_ > 0 && !cells[column].empty() && framesOf(cells[column]) >= frames_)
+    else if (frames > 0 && !cells[column].empty() && !isFrameNumber(cells[column]) && framesOf(cells[column]) >= frames)
       collector_.warn(number, line,
                       std::string(columnTitles[column]) + " " + std::string(cells[column]) + " counts more than the " +
-                          std::to_string(frames_) + " frames per second of the heading (kept as it is)");
+                          std::to_string(frames) + " frames per second of the " + (rowHasMore ? "row" : "heading") +
+                          " (kept as it is)");
   }
   if (!empty.empty())
     collector_.warn(number, line, lacking(empty) + " (kept " + withoutThem(empty) + ")");

@@ -2,16 +2,21 @@
 #include "lists/collector.h"
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 #include "base/ascii.h"
 #include "base/display_text.h"
+#include "lists/frame_rate.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 
 namespace reeldb::lists {
 namespace {
+
+/// The two rates with drop frame.
+constexpr FrameRate lowerDropFrame = {30, true}, higherDropFrame = {60, true};
 
 /// Removes empty and repeated names, the reel's own name and names that never mean a reel.
 std::vector<std::string> aliasesOf(std::vector<std::string> names, std::string_view reel)
@@ -50,6 +55,33 @@ std::string namesFault(const Clip& clip)
   return fault;
 }
 
+/// The timecodes of a clip with what they are called.
+std::array<std::pair<const char*, const std::string*>, 4> timecodesOf(const Clip& clip)
+{
+  return {{{"source in", &clip.sourceIn},
+           {"source out", &clip.sourceOut},
+           {"record in", &clip.recordIn},
+           {"record out", &clip.recordOut}}};
+}
+
+bool hasFrames(const std::string& timecode)
+{
+  return !timecode.empty() && !isFrameNumber(timecode);
+}
+
+/// Why the timecode of a clip does not exist in drop frame; empty if it does. Without a rate it is the lower one that
+/// has that number of frames.
+std::string dropFrameFault(const std::string& timecode, const std::string& clipRate)
+{
+  FrameRate rate = framesOf(timecode) < lowerDropFrame.frames ? lowerDropFrame : higherDropFrame;
+  if (const auto own = rateOf(clipRate); own && hasDropFrame(*own))
+    rate = *own;
+  if (framesOf(timecode) >= rate.frames)
+    return {}; // another fault than that of drop frame
+  std::int64_t frame = 0;
+  return frameOf(timecode, {rate, true}, frame);
+}
+
 std::string orderFault(std::string_view side, std::string_view in, std::string_view out)
 {
   if (in.empty() || out.empty() || !isAfter(in, out))
@@ -83,6 +115,7 @@ bool Collector::clip(Clip clip, std::string_view text)
   }
   clip.aliases = aliasesOf(std::move(clip.aliases), clip.reel);
   warnOfOrder(clip, text);
+  noteTiming(clip, text);
   list_.clips.push_back(std::move(clip));
   return true;
 }
@@ -119,6 +152,68 @@ void Collector::warnOfOrder(const Clip& clip, std::string_view text)
   }
 }
 
+void Collector::rate(const std::string& rate, int line, std::string_view text)
+{
+  std::vector<Proof>& rates = list_.timing.rates;
+  if (std::none_of(rates.begin(), rates.end(), [&](const Proof& proof) { return proof.says == rate; }))
+    rates.push_back({rate, line, shortened(trim(text), shownBytes)});
+}
+
+void Collector::dropFrame(int line, std::string_view text)
+{
+  if (!list_.timing.dropFrame)
+    list_.timing.dropFrame = Proof{"drop frame", line, shortened(trim(text), shownBytes)};
+}
+
+void Collector::noteTiming(Clip& clip, std::string_view text)
+{
+  const auto timecodes = timecodesOf(clip);
+  clip.dropFrame = clip.dropFrame || std::any_of(timecodes.begin(), timecodes.end(),
+                                                 [](const auto& each) { return isDropFrame(*each.second); });
+  if (clip.dropFrame) {
+    dropFrame(clip.line, text);
+    for (const auto& [name, timecode] : timecodes)
+      if (hasFrames(*timecode))
+        if (const std::string fault = dropFrameFault(*timecode, clip.frameRate); !fault.empty())
+          warn(clip.line, text, std::string(name) + " " + *timecode + " does not exist (" + fault + "; kept as it is)");
+  }
+  const std::optional<FrameRate> known = rateOf(clip.frameRate);
+  if (known && std::any_of(timecodes.begin(), timecodes.end(), [&](const auto& each) {
+        return hasFrames(*each.second) && framesOf(*each.second) >= known->frames;
+      }))
+    clip.frameRate.clear(); // its own timecodes refute it
+  if (!clip.frameRate.empty())
+    return rate(clip.frameRate, clip.line, text);
+  // A clip with a rate of its own says nothing of the list.
+  for (const auto& [name, timecode] : timecodes) {
+    if (!hasFrames(*timecode))
+      continue;
+    const int frames = framesOf(*timecode);
+    const auto proof = [&, name = name, timecode = timecode] {
+      return Proof{std::string(name) + " " + *timecode, clip.line, shortened(trim(text), shownBytes)};
+    };
+    if (!list_.timing.mostFrames || frames > list_.timing.frames) {
+      list_.timing.frames = frames;
+      list_.timing.mostFrames = proof();
+    }
+    if (!clip.dropFrame)
+      continue;
+    mostDropFrames_ = std::max(mostDropFrames_, frames);
+    if (frames >= lowerDropFrame.frames && !higherDropFrame_)
+      higherDropFrame_ = proof();
+  }
+}
+
+void Collector::proveRate()
+{
+  if (!higherDropFrame_ || mostDropFrames_ >= higherDropFrame.frames)
+    return;
+  for (Clip& clip : list_.clips)
+    if (clip.dropFrame && clip.frameRate.empty())
+      clip.frameRate = rateName(higherDropFrame);
+  rate(rateName(higherDropFrame), higherDropFrame_->line, higherDropFrame_->text);
+}
+
 const std::string& Collector::spelling(const std::string& reel) const
 {
   const auto known = spellings_.find(base::fold(reel));
@@ -127,6 +222,7 @@ const std::string& Collector::spelling(const std::string& reel) const
 
 List Collector::finish()
 {
+  proveRate();
   const auto byLine = [](const auto& a, const auto& b) { return a.line < b.line; };
   std::stable_sort(list_.rejected.begin(), list_.rejected.end(), byLine);
   std::stable_sort(list_.warnings.begin(), list_.warnings.end(), byLine);

@@ -27,6 +27,10 @@ public:
 
   void special(std::string_view text, std::string_view reason, int line);
   void reject(int line, std::string_view text, std::string reason);
+  /// Notes that a line gives this rate, or that it begins drop frame, unless an earlier line has done so. clip() notes
+  /// what the clip itself says.
+  void rate(const std::string& rate, int line, std::string_view text);
+  void dropFrame(int line, std::string_view text);
   /// Adds a warning about a line that is kept.
   void warn(int line, std::string_view text, std::string reason);
 
@@ -38,8 +42,15 @@ public:
 
 private:
   void warnOfOrder(const Clip& clip, std::string_view text);
+  /// Notes what the clip says of how its timecodes count.
+  void noteTiming(Clip& clip, std::string_view text);
+  /// Gives the clips in drop frame the rate that their frames prove.
+  void proveRate();
 
   List list_;
+  int mostDropFrames_ = 0; ///< of the clips in drop frame without a rate
+  std::optional<Proof>
+      higherDropFrame_; ///< the first timecode in drop frame, of a clip without a rate, that only the higher rate has
   std::unordered_map<std::string, std::string> spellings_; ///< folded name to the spelling used first
   std::unordered_set<std::string> otherSpellings_;         ///< reported
   std::unordered_map<std::string, std::size_t> specials_;  ///< folded text and reason to the entry

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -14,6 +15,7 @@
 #include "lists/edl_event.h"
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
+#include "lists/frame_rate.h"
 #include "lists/names.h"
 #include "lists/source_table.h"
 #include "lists/text.h"
@@ -23,10 +25,13 @@ namespace reeldb::lists {
 namespace {
 
 /// Statements without information on reels. M2 only repeats a reel of the list.
-constexpr std::array<std::string_view, 8> silentStatements = {
-    "M2", "FCM", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
+constexpr std::array<std::string_view, 7> silentStatements = {
+    "M2", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
 constexpr std::string_view titleWord = "TITLE";
+constexpr std::string_view frameCodeModeWord = "FCM";
+constexpr std::string_view dropFrameWord = "DROP";
+constexpr std::string_view nonDropFrameWord = "NON";
 constexpr std::string_view sourceMark = ">>>";
 constexpr std::string_view sourceWord = "SOURCE";
 constexpr std::string_view replacedReelWords = "FINAL CUT PRO REEL";
@@ -59,6 +64,13 @@ struct Known {
   bool reported = false;            ///< whether the ambiguity was reported
 };
 
+/// Where the list begins or ends drop frame.
+struct FrameCodeMode {
+  int line = 0;
+  std::string_view text;
+  bool dropFrame = false;
+};
+
 /// A row of the source table: its line, and the counter that counted it.
 struct TableRow {
   int line = 0;
@@ -79,6 +91,13 @@ void takeAway(std::string_view names, Clip& clip)
   }
 }
 
+/// The name of the rate that a text means; empty if it is not a rate.
+std::string knownRate(std::string_view text)
+{
+  const std::optional<FrameRate> rate = rateOf(text);
+  return rate ? rateName(*rate) : std::string();
+}
+
 class Reader {
 public:
   List read(std::string_view text);
@@ -92,6 +111,9 @@ private:
   /// Uses the statement of a replaced reel. Returns why it cannot be used; empty if it can.
   std::string replacedReel(std::string_view statement);
   void closeEvent();
+  void frameCodeMode(int number, std::string_view line, std::string_view mode);
+  /// The mode of a line; null before the first one.
+  const FrameCodeMode* modeOf(int line) const;
 
   void decide(const EventSource& source, Digits digits);
   Known& lookUp(const std::string& reel);
@@ -105,6 +127,8 @@ private:
   bool inEvents_ = false; ///< whether an event line was found, good or bad
   EdlEvent event_;        ///< the event that notes belong to
   NoteJoiner notes_;
+  std::vector<FrameCodeMode> modes_; ///< in the order of their lines
+  std::string frameRate_;            ///< that a note before the events gives all of them; empty without one
   std::vector<EventSource> sources_; ///< all complete events
   SourceTable table_;
   std::vector<TableRow> tableRows_;                                    ///< in the order of the table
@@ -189,6 +213,8 @@ void Reader::takeNote(std::optional<Note> note)
 {
   if (note && note->kind == NoteKind::ReelMap)
     map_[base::fold(note->reel)].push_back(std::move(note->value));
+  else if (note && note->kind == NoteKind::FrameRate && !inEvents_)
+    frameRate_ = knownRate(note->value);
   else if (note && !event_.empty())
     event_.note(std::move(*note));
 }
@@ -204,8 +230,14 @@ bool Reader::statement(int number, std::string_view line)
       return true;
     }
   }
+  if (takeStatement(rest, frameCodeModeWord)) {
+    frameCodeMode(number, line, rest);
+    ++counter;
+    return true;
+  }
   if (takeStatement(rest, titleWord)) {
     closeEvent();
+    modes_.push_back({number, line, false}); // of the list before, if there was one
     if (collector_.list().title.empty())
       collector_.list().title = shortened(rest, shownBytes);
     ++counter;
@@ -261,6 +293,21 @@ void Reader::closeEvent()
 {
   for (EventSource& source : event_.finish())
     sources_.push_back(std::move(source));
+}
+
+void Reader::frameCodeMode(int number, std::string_view line, std::string_view mode)
+{
+  if (base::startsWithName(mode, dropFrameWord))
+    modes_.push_back({number, line, true});
+  else if (base::startsWithName(mode, nonDropFrameWord))
+    modes_.push_back({number, line, false});
+}
+
+const FrameCodeMode* Reader::modeOf(int line) const
+{
+  const auto next = std::upper_bound(modes_.begin(), modes_.end(), line,
+                                     [](int wanted, const FrameCodeMode& mode) { return wanted < mode.line; });
+  return next == modes_.begin() ? nullptr : &*std::prev(next);
 }
 
 Known& Reader::lookUp(const std::string& reel)
@@ -348,6 +395,11 @@ void Reader::decide(const EventSource& source, Digits digits)
     clip.tracks = source.tracks;
   takeAway(source.noTimecode, clip);
   clip.line = source.line;
+  clip.frameRate = source.frameRate.empty() ? frameRate_ : knownRate(source.frameRate);
+  if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame) {
+    clip.dropFrame = true;
+    collector_.dropFrame(mode->line, mode->text);
+  }
 
   const std::string identifier = clip.reel;
   if (!collector_.clip(std::move(clip), source.text) || auxiliary)

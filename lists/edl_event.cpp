@@ -76,7 +76,7 @@ struct Piles {
   Texts sourceFiles, reels;
   std::vector<std::pair<std::string, std::string>> reelIsClip;
   Texts alsoCalled;
-  std::string tracks, noTimecode;
+  std::string tracks, noTimecode, frameRate;
 };
 
 Piles sorted(std::vector<Note>& notes)
@@ -116,6 +116,9 @@ Piles sorted(std::vector<Note>& notes)
       break;
     case NoteKind::NoTimecode:
       piles.noTimecode = std::move(note.value);
+      break;
+    case NoteKind::FrameRate:
+      piles.frameRate = std::move(note.value);
       break;
     case NoteKind::ReelMap: // it belongs to the list, not to the event
     case NoteKind::Other:
@@ -266,6 +269,7 @@ std::vector<EventSource> EdlEvent::finish()
       sources_[i].alsoCalled = piles.alsoCalled;
       sources_[i].tracks = piles.tracks;
       sources_[i].noTimecode = piles.noTimecode;
+      sources_[i].frameRate = piles.frameRate;
     }
   }
   notes_.clear();

@@ -26,6 +26,7 @@ struct EventSource {
   std::vector<std::string> alsoCalled; ///< * REEL ALSO CALLED:
   std::string tracks;                  ///< * TRACKS AS WRITTEN:
   std::string noTimecode;              ///< * NO TIMECODE:
+  std::string frameRate;               ///< * FRAME RATE:
 };
 
 class EdlEvent {
@@ -46,7 +47,8 @@ public:
   /// single note is for the first side, unless that is black or only the second side has a clip name. Sides of the
   /// same reel share a source file and a REEL note; AX sides do so only when they are the same clip.
   ///
-  /// The notes that this program writes (REEL ALSO CALLED, TRACKS AS WRITTEN, NO TIMECODE) hold for every line.
+  /// The notes that this program writes (REEL ALSO CALLED, TRACKS AS WRITTEN, NO TIMECODE, FRAME RATE) hold for every
+  /// line.
   std::vector<EventSource> finish();
 
 private:

@@ -150,18 +150,24 @@ std::string parseEvent(std::string_view line, EventLine& event)
   std::string_view fields = trim(line);
   event.number = takeFirst(fields);
   const std::string_view afterNumber = fields;
-  for (std::size_t i = event.timecodes.size(); i-- > 0;) {
+  for (std::size_t i = event.timecodes.size(); i-- > 0;)
     event.timecodes[i] = takeLast(fields);
-    if (!looksLikeTimecode(event.timecodes[i]))
-      return timecodesFault(afterNumber);
-  }
-  for (std::size_t i = 0; i < event.timecodes.size(); ++i) {
+  // Some lists have frame numbers in place of the source timecodes.
+  const bool numbered = isFrameNumber(event.timecodes[0]) && isFrameNumber(event.timecodes[1]);
+  const std::size_t first = numbered ? 2 : 0;
+  if (!std::all_of(event.timecodes.begin() + first, event.timecodes.end(), looksLikeTimecode))
+    return timecodesFault(afterNumber);
+  for (std::size_t i = first; i < event.timecodes.size(); ++i) {
     const std::string fault = timecodeFault(event.timecodes[i]);
     if (!fault.empty())
       return std::string(timecodeNames[i]) + " " + inQuotes(event.timecodes[i]) + " is not a timecode (" + fault + ")";
   }
   if (!takeFields(fields, event))
     return fieldsFault(fields);
+  // What was taken for the source in may be the duration of such a transition, and a timecode is missing.
+  if (numbered && (event.transition == Transition::Into || event.transition == Transition::Key) &&
+      !allDigits(takeLast(fields)))
+    return timecodesFault(afterNumber);
   const std::size_t characters = length(event.reel);
   if (characters > reelLength)
     return "reel " + inQuotes(event.reel) + " has " + std::to_string(characters) + " characters (at most " +

@@ -26,7 +26,8 @@ struct EventLine {
   std::string_view reel; ///< without outer blanks, 1 to reelLength code points
   std::string_view channels;
   Transition transition = Transition::Cut;
-  std::array<std::string_view, 4> timecodes; ///< source in, source out, record in, record out
+  /// Source in, source out, record in, record out. The first two may be frame numbers.
+  std::array<std::string_view, 4> timecodes;
 };
 
 /// The widest reel field in use.

@@ -23,6 +23,7 @@ enum class NoteKind {
   AlsoCalled, ///< REEL ALSO CALLED: another name of the reel
   Tracks,     ///< TRACKS AS WRITTEN
   NoTimecode, ///< NO TIMECODE: which of the four timecodes the event does not have
+  FrameRate,  ///< FRAME RATE: of the event, or of all events if the note comes before them
   Other,
 };
 

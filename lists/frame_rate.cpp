@@ -74,7 +74,7 @@ int twoDigits(std::string_view label, std::size_t at)
 std::string countingFault(Counting counting)
 {
   if (counting.dropFrame && !hasDropFrame(counting.rate))
-    return "no drop frame at " + rateName(counting.rate) + " frames a second";
+    return "no drop frame at " + rateName(counting.rate) + " frames per second";
   return {};
 }
 
@@ -200,7 +200,7 @@ std::string framesIn(Seconds seconds, FrameRate rate, std::int64_t& frames)
     }
   }
   if (seconds.denominator != 1 || exact.denominator != 1)
-    return "no whole number of frames at " + rateName(rate) + " frames a second";
+    return "no whole number of frames at " + rateName(rate) + " frames per second";
   std::int64_t product = 0;
   if (__builtin_mul_overflow(seconds.numerator, exact.numerator, &product))
     return tooLarge;

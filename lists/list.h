@@ -26,12 +26,15 @@ enum class Format { Edl, Ale };
 /// bytes without outer blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A
 /// text that the list does not give is empty.
 struct Clip {
-  std::string reel;                 ///< the reel identifier, never empty, in the spelling the list used first
-  std::string clipName;             ///< the editor's name for it
-  std::string sourceFile;           ///< as written, a path or a name
-  std::string tracks;               ///< as written: "V", "A34", "VA1A2"
-  std::string sourceIn, sourceOut;  ///< hh:mm:ss:ff with the separators as written (';' means drop frame)
-  std::string recordIn, recordOut;  ///< as above; always empty in a log file
+  std::string reel;       ///< the reel identifier, never empty, in the spelling the list used first
+  std::string clipName;   ///< the editor's name for it
+  std::string sourceFile; ///< as written, a path or a name
+  std::string tracks;     ///< as written: "V", "A34", "VA1A2"
+  /// hh:mm:ss:ff with the separators as written (';' means drop frame), or frame numbers, both of digits alone
+  std::string sourceIn, sourceOut;
+  std::string recordIn, recordOut;  ///< hh:mm:ss:ff as above; always empty in a log file
+  std::string frameRate;            ///< of its timecodes, as rateName() writes it: "23.98"
+  bool dropFrame = false;           ///< whether the list says that its timecodes are drop frame
   std::vector<std::string> aliases; ///< other names of this source in the list; each once, ignoring ASCII case
   int line = 0;                     ///< the number of its line, from 1
   int videoChannels = 0;
@@ -58,6 +61,21 @@ struct Warning {
   int line = 0;       ///< counted from 1
   std::string text;   ///< as in Rejected
   std::string reason; ///< what is odd, and how it was read
+};
+
+/// A line that says how timecodes count.
+struct Proof {
+  std::string says; ///< "23.98", "drop frame", "source in 01:00:00:29"
+  int line = 0;     ///< counted from 1
+  std::string text; ///< as in Rejected
+};
+
+/// What a list says of how its timecodes count.
+struct Timing {
+  std::vector<Proof> rates;        ///< the rates of its clips, each once and with the first line that says so
+  std::optional<Proof> dropFrame;  ///< the first line that says so
+  std::optional<Proof> mostFrames; ///< of the timecodes without a rate, the first one with the most frames
+  int frames = 0;                  ///< the frames of that one: 29
 };
 
 /// Two spellings that differ only in ASCII case: the same reel. One entry for each further spelling.
@@ -93,6 +111,7 @@ struct List {
   std::vector<Warning> warnings;  ///< likewise
   std::vector<Spelling> spellings;
   std::vector<Ambiguous> ambiguous;
+  Timing timing;
   Tally tally;
 };
 

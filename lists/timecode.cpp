@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "base/number.h"
 #include "lists/text.h"
 
 namespace reeldb::lists {
@@ -12,6 +13,9 @@ namespace {
 /// rates have three digits.
 constexpr std::string_view mostFrames = "59";
 constexpr std::string_view mostFramesOfThree = "119";
+
+/// Of a frame number: more than a month at any rate, and fewer than an int holds.
+constexpr std::size_t mostDigits = 9;
 
 bool isSeparator(char c)
 {
@@ -64,8 +68,20 @@ int framesOf(std::string_view timecode)
   return frames;
 }
 
+bool isFrameNumber(std::string_view text)
+{
+  return !text.empty() && text.size() <= mostDigits && std::all_of(text.begin(), text.end(), isDigit);
+}
+
+bool isDropFrame(std::string_view timecode)
+{
+  return timecode.find(';') != std::string_view::npos;
+}
+
 bool isAfter(std::string_view a, std::string_view b)
 {
+  if (isFrameNumber(a) && isFrameNumber(b))
+    return base::parseNumber(a) > base::parseNumber(b);
   return digitsOf(a) > digitsOf(b);
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Timecodes stay texts, because a list does not give their frame rate. These functions only check whether one is
-// written as hh:mm:ss:ff, and which of two comes first.
+// Timecodes stay texts, because a list may not give their frame rate. These functions only check whether one is written
+// as hh:mm:ss:ff, and which of two comes first. lists/frame_rate.h converts them.
 #ifndef REELDB_LISTS_TIMECODE_H
 #define REELDB_LISTS_TIMECODE_H
 
@@ -17,8 +17,14 @@ std::string timecodeFault(std::string_view text);
 /// The frames of a timecode without fault.
 int framesOf(std::string_view timecode);
 
-/// Whether timecode a counts a later frame of the day than b. Both are without fault.
+/// Whether the text is a frame number, which some lists have in place of source timecodes: one to nine digits.
+bool isFrameNumber(std::string_view text);
+
+/// Whether timecode a counts a later frame of the day than b. Both are without fault, or both are frame numbers.
 bool isAfter(std::string_view a, std::string_view b);
+
+/// Whether a separator of the timecode means drop frame.
+bool isDropFrame(std::string_view timecode);
 
 /// Whether the text was meant as a timecode, good or bad: only digits and three separators, or any text with two colons
 /// or semicolons.

@@ -22,10 +22,11 @@ std::string clipFault(const Clip& clip)
 {
   if (clip.reel.empty())
     return "it has no reel";
+  const bool numbered = isFrameNumber(clip.sourceIn) && isFrameNumber(clip.sourceOut);
   for (const auto& [what, timecode] :
        {std::pair("source in", &clip.sourceIn), std::pair("source out", &clip.sourceOut),
         std::pair("record in", &clip.recordIn), std::pair("record out", &clip.recordOut)})
-    if (!timecode->empty())
+    if (!timecode->empty() && !(numbered && (timecode == &clip.sourceIn || timecode == &clip.sourceOut)))
       if (const std::string fault = timecodeFault(*timecode); !fault.empty())
         return std::string(what) + " " + inQuotes(*timecode) + " is not a timecode: " + fault;
   return {};

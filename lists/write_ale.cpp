@@ -2,9 +2,11 @@
 #include <algorithm>
 #include <functional>
 #include <string_view>
+#include <utility>
 
 #include "base/ascii.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 #include "lists/tracks.h"
 #include "lists/writable.h"
 
@@ -40,6 +42,43 @@ bool namesTheReel(const Clip& clip)
                      [&](const std::string& alias) { return base::sameName(alias, clip.sourceFile); });
 }
 
+/// The rate that every clip has; empty if they differ or one has none.
+std::string commonRate(const std::vector<Clip>& clips)
+{
+  const std::string rate = clips.empty() ? std::string() : clips.front().frameRate;
+  const bool common = std::all_of(clips.begin(), clips.end(), [&](const Clip& clip) { return clip.frameRate == rate; });
+  return common ? rate : std::string();
+}
+
+/// Where the separator of drop frame stands.
+constexpr std::size_t lastSeparator = 8;
+
+/// Whether the timecode is drop frame but has a colon, as in cut lists that say so by a statement.
+bool lacksSemicolon(const Clip& clip, const std::string& timecode)
+{
+  return clip.dropFrame && timecode.size() > lastSeparator && timecode[lastSeparator] == ':' && !isDropFrame(timecode);
+}
+
+/// The timecode as a log has it.
+std::string inLog(const Clip& clip, std::string timecode)
+{
+  if (lacksSemicolon(clip, timecode))
+    timecode[lastSeparator] = ';';
+  return timecode;
+}
+
+/// The columns of the timecodes that inLog() changes.
+std::string colonsOf(const Clip& clip)
+{
+  std::string columns;
+  for (const auto& [title, timecode] :
+       {std::pair("Start", &clip.sourceIn), std::pair("End", &clip.sourceOut),
+        std::pair("Cut Record In", &clip.recordIn), std::pair("Cut Record Out", &clip.recordOut)})
+    if (lacksSemicolon(clip, *timecode))
+      columns += (columns.empty() ? "" : ", ") + std::string(title);
+  return columns;
+}
+
 struct OutColumn {
   std::string title;
   std::function<std::string(const Clip&)> cell;
@@ -51,15 +90,19 @@ std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
   std::vector<OutColumn> columns = {
       {"Name", [](const Clip& clip) { return clip.clipName; }, true},
       {"Tracks", [](const Clip& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
-      {"Start", [](const Clip& clip) { return clip.sourceIn; }, true},
-      {"End", [](const Clip& clip) { return clip.sourceOut; }, true},
+      {"Start", [](const Clip& clip) { return inLog(clip, clip.sourceIn); }, true},
+      {"End", [](const Clip& clip) { return inLog(clip, clip.sourceOut); }, true},
       {"Tape", [](const Clip& clip) { return clip.reel; }, true},
       {"Source File", [](const Clip& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
       {"Source File Path", [](const Clip& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
       {"Tracks As Written", [](const Clip& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
-      {"Cut Record In", [](const Clip& clip) { return clip.recordIn; }},
-      {"Cut Record Out", [](const Clip& clip) { return clip.recordOut; }},
+      {"Cut Record In", [](const Clip& clip) { return inLog(clip, clip.recordIn); }},
+      {"Cut Record Out", [](const Clip& clip) { return inLog(clip, clip.recordOut); }},
+      {"Colons As Written", colonsOf},
   };
+  // An empty cell says that the rate of the heading is not the clip's.
+  if (!clips.empty() && commonRate(clips).empty())
+    columns.push_back({"FPS", [](const Clip& clip) { return clip.frameRate; }, true});
   std::size_t aliases = 0;
   for (const Clip& clip : clips)
     aliases = std::max(aliases, clip.aliases.size());
@@ -99,7 +142,9 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
   Written written;
   const std::vector<Clip> writable = writableClips(clips, written);
   const std::vector<OutColumn> columns = columnsFor(writable);
-  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t" + rate + "\n\nColumn\n";
+  const std::string common = commonRate(writable);
+  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t" +
+                 (common.empty() ? rate : common) + "\n\nColumn\n";
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
   for (const Clip& clip : writable)

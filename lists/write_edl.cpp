@@ -9,6 +9,7 @@
 #include "lists/edl_note.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 #include "lists/tracks.h"
 #include "lists/writable.h"
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr std::string_view noTimecode = "00:00:00:00";
 constexpr std::size_t channelColumns = 5;
+constexpr std::size_t timecodeColumns = 11;
 
 /// Each reel once, in its first spelling.
 std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
@@ -78,18 +80,23 @@ public:
   std::string run(const std::string& title)
   {
     text_ = "TITLE: " + title + "\n";
-    dropFrame(!clips_.empty() && isDropFrame(clips_.front()));
+    dropFrame(!clips_.empty() && dropsFrames(clips_.front()));
     text_ += map_;
+    oneRate_ = !clips_.empty() && std::all_of(clips_.begin(), clips_.end(), [&](const Clip& clip) {
+      return clip.frameRate == clips_.front().frameRate;
+    });
+    if (oneRate_)
+      note("FRAME RATE", clips_.front().frameRate);
     for (const Clip& clip : clips_)
       event(clip);
     return std::move(text_);
   }
 
 private:
-  static bool isDropFrame(const Clip& clip)
+  static bool dropsFrames(const Clip& clip)
   {
-    const auto drops = [](const std::string& timecode) { return timecode.find(';') != std::string::npos; };
-    return drops(clip.sourceIn) || drops(clip.sourceOut) || drops(clip.recordIn) || drops(clip.recordOut);
+    return clip.dropFrame || isDropFrame(clip.sourceIn) || isDropFrame(clip.sourceOut) || isDropFrame(clip.recordIn) ||
+           isDropFrame(clip.recordOut);
   }
 
   void dropFrame(bool drop)
@@ -101,7 +108,7 @@ private:
   void event(const Clip& clip)
   {
     constexpr std::size_t wideField = 32, digits = 3, wideDigits = 6;
-    if (drop_ != isDropFrame(clip))
+    if (drop_ != dropsFrames(clip))
       dropFrame(!drop_);
     std::string number = std::to_string(++number_);
     const std::size_t width = field_ < wideField ? digits : wideDigits;
@@ -116,13 +123,17 @@ private:
     for (const std::string& alias : clip.aliases)
       note("REEL ALSO CALLED", alias);
     note("SOURCE FILE", clip.sourceFile);
+    if (!oneRate_)
+      note("FRAME RATE", clip.frameRate);
   }
 
-  /// The timecodes of the event. A clip without record timecodes gets its source timecodes there, and vice versa.
+  /// The timecodes of the event. A clip without record timecodes gets its source timecodes there, and vice versa. Frame
+  /// numbers stay where they are.
   void timecodes(const Clip& clip)
   {
     const auto written = [](const std::string& timecode, const std::string& other) {
-      return !timecode.empty() ? timecode : !other.empty() ? other : std::string(noTimecode);
+      const bool isSpare = !other.empty() && !isFrameNumber(other);
+      return padded(!timecode.empty() ? timecode : isSpare ? other : std::string(noTimecode), timecodeColumns);
     };
     text_ += written(clip.sourceIn, clip.recordIn) + " " + written(clip.sourceOut, clip.recordOut) + " " +
              written(clip.recordIn, clip.sourceIn) + " " + written(clip.recordOut, clip.sourceOut) + "\n";
@@ -148,6 +159,7 @@ private:
   Digits digits_ = Digits::Set;
   std::string text_;
   bool drop_ = false;
+  bool oneRate_ = false; ///< all clips say the same rate, or none does
   int number_ = 0;
 };
 

@@ -13,6 +13,7 @@
 #include "app/devices.h"
 #include "app/diff.h"
 #include "app/export.h"
+#include "app/history.h"
 #include "app/import.h"
 #include "app/json/io.h"
 #include "app/label_maps.h"
@@ -36,6 +37,25 @@ void describe(Io& io, R& shot)
   io("aliases", shot.aliases);
   io("video_channels", shot.videoChannels);
   io("audio_channels", shot.audioChannels);
+  io("frame_rate", shot.frameRate);
+  io("drop_frame", shot.dropFrame);
+}
+
+template <class Io, app::json::Like<Proof> R>
+void describe(Io& io, R& proof)
+{
+  io("says", proof.says);
+  io("line", proof.line);
+  io("text", proof.text);
+}
+
+template <class Io, app::json::Like<Timing> R>
+void describe(Io& io, R& timing)
+{
+  io("frame_rates", timing.rates);
+  io.optional("drop_frame", timing.dropFrame);
+  io.optional("most_frames", timing.mostFrames);
+  io("frames", timing.frames);
 }
 
 template <class Io, app::json::Like<Special> R>
@@ -308,6 +328,7 @@ void describe(Io& io, R& imported)
   io("warnings", list.warnings);
   io("rejected", list.rejected);
   io("lines", list.tally);
+  io("timing", list.timing);
 }
 
 template <class Io, Like<ImportReport> R>
@@ -414,10 +435,61 @@ void describe(Io& io, R& undeleted)
   io("shots", undeleted.shots);
 }
 
+// --- History ---------------------------------------------------------------------------------------
+
+template <class Io, Like<FieldStep> R>
+void describe(Io& io, R& step)
+{
+  io("field", step.field);
+  io("before", step.before);
+  io("after", step.after);
+}
+
+template <class Io, Like<CommitEntry> R>
+void describe(Io& io, R& commit)
+{
+  io("revision", commit.revision);
+  io("time", commit.time);
+  io("program", commit.program);
+  io("command", commit.command);
+  io("user", commit.user);
+  io("machine", commit.machine);
+  io("folder", commit.folder);
+  io("takes_back", commit.takesBack);
+  io("redo", commit.isRedo);
+  io("taken_back_by", commit.takenBackBy);
+  io("created", commit.created);
+  io("changed", commit.changed);
+  io("deleted", commit.deleted);
+  io("elsewhere", commit.elsewhere);
+  io("fields", commit.fields);
+}
+
+template <class Io, Like<ProjectHistory> R>
+void describe(Io& io, R& history)
+{
+  io.optional("reel", history.reel);
+  io("commits", history.commits);
+}
+
+template <class Io, Like<TakenBackCommit> R>
+void describe(Io& io, R& result)
+{
+  io("commit", result.commit);
+  io("redo", result.isRedo);
+  io("revision", result.revision);
+  io("reels_restored", result.reelsRestored);
+  io("reels_removed", result.reelsRemoved);
+  io("shots_restored", result.shotsRestored);
+  io("shots_removed", result.shotsRemoved);
+  io("changed", result.logsChanged);
+}
+
 template <class Io, Like<Compacted> R>
 void describe(Io& io, R& compacted)
 {
   io("gone", compacted.gone);
+  io.optional("revisions", compacted.revisions);
 }
 
 // --- The facility ----------------------------------------------------------------------------------
@@ -485,6 +557,23 @@ void describe(Io& io, R& project)
   io("rate", project.rate);
   io("rate_code", project.rateCode);
   io.optional("fault", project.fault);
+}
+
+template <class Io, Like<ProjectRate> R>
+void describe(Io& io, R& rate)
+{
+  io("project", rate.project);
+  io("rate", rate.rate);
+  io("rate_code", rate.rateCode);
+  io("before", rate.before);
+  io("stored", rate.stored);
+}
+
+template <class Io, Like<Backup> R>
+void describe(Io& io, R& backup)
+{
+  io("project", backup.project);
+  io("file", backup.file);
 }
 
 template <class Io, Like<ProjectCheck> R>

@@ -20,6 +20,9 @@ void addCommands(CommandLine& line)
   addReelsOf(line);
   addDelete(line);
   addUndelete(line);
+  addUndo(line);
+  addRedo(line);
+  addHistory(line);
   addWatch(line);
   addProject(line);
   addDevice(line);

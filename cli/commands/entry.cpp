@@ -23,10 +23,20 @@ ExitCode fail(ExitCode code, const char* message)
   return code;
 }
 
-ExitCode carryOut(const Reading& reading, const Globals& globals)
+/// The command line, with the program's name alone in front.
+std::vector<std::string> wordsOf(int argc, char** argv)
+{
+  std::vector<std::string> words = {"reeldb"};
+  words.insert(words.end(), argv + std::min(argc, 1), argv + argc);
+  return words;
+}
+
+ExitCode carryOut(const Reading& reading, const Globals& globals, std::vector<std::string> words)
 {
   try {
     app::startUp();
+    app::setCommandLine(std::move(words));
+    app::noticesTo([](const std::string& message) { complain(message); });
     if (globals.trace)
       app::traceHostCalls(stderr);
     if (reading.needsFacility)
@@ -48,7 +58,7 @@ ExitCode runLine(int argc, char** argv)
   const Reading reading = line.read(argc, argv);
   ExitCode code = reading.code;
   if (reading.run)
-    code = carryOut(reading, line.globals());
+    code = carryOut(reading, line.globals(), wordsOf(argc, argv));
   else if (!reading.message.empty())
     complain(reading.message);
   else

@@ -92,7 +92,8 @@ void addImport(CommandLine& line)
            "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
            "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
            "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"
-           "imported, with a warning. If a file cannot be read, nothing of any file is imported."},
+           "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"
+           "is reported. If a file cannot be read, nothing of any file is imported."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");

@@ -6,9 +6,9 @@
 #include "app/json/json.h"
 #include "app/projects.h"
 #include "base/display_text.h"
+#include "base/shell_word.h"
 #include "text/counted.h"
 #include "text/output.h"
-#include "text/shell_word.h"
 #include "text/table.h"
 
 namespace reeldb::cli {
@@ -29,7 +29,7 @@ ExitCode makeNew(const NewOptions& options)
   print(fmt::format("project {} made ({} fps)\n", displayText(options.name), rate));
   if (options.name != app::defaultProject())
     print(fmt::format("next: reeldb -p {} import FILE...; default_project in facility.toml makes -p unnecessary\n",
-                      shellWord(options.name)));
+                      base::shellWord(options.name)));
   return done;
 }
 
@@ -54,21 +54,60 @@ ExitCode list(const ListOptions& options)
   return code;
 }
 
+struct RateOptions {
+  std::optional<std::string> rate;
+  bool json = false;
+};
+
+ExitCode rate(const RateOptions& options, const Globals& globals)
+{
+  app::Session session(globals.project, options.rate ? app::Access::Write : app::Access::Read);
+  const app::ProjectRate result = options.rate ? app::changeRate(session, *options.rate) : app::rateOf(session);
+  if (result.stored)
+    changesAreStored();
+  if (options.json)
+    print(app::jsonText(result));
+  else
+    print(fmt::format("{}: {} fps{}\n", displayText(result.project), result.rate,
+                      result.stored ? fmt::format(" (before: {})", result.before) : ""));
+  return done;
+}
+
 struct CompactOptions {
+  std::optional<std::string> before;
   bool json = false;
 };
 
 ExitCode compact(const CompactOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Write);
-  const app::Compacted compacted = app::compactProject(session);
-  if (compacted.gone > 0)
+  const app::Compacted compacted =
+      options.before ? app::forgetHistory(session, *options.before) : app::compactProject(session);
+  if (compacted.gone > 0 || compacted.revisions.value_or(0) > 0)
     changesAreStored();
   if (options.json)
     print(app::jsonText(compacted));
+  else if (compacted.revisions)
+    print(*compacted.revisions == 0 ? "nothing to forget\n"
+                                    : fmt::format("{} forgotten\n", counted(*compacted.revisions, "revision")));
   else
     print(compacted.gone == 0 ? "nothing to remove\n"
                               : fmt::format("{} removed for good\n", counted(compacted.gone, "deleted log")));
+  return done;
+}
+
+struct BackupOptions {
+  std::string file;
+  bool json = false;
+};
+
+ExitCode backUp(const BackupOptions& options, const Globals& globals)
+{
+  const app::Backup backup = app::backUpProject(globals.project, options.file);
+  if (options.json)
+    print(app::jsonText(backup));
+  else
+    print(fmt::format("{}: backed up to {}\n", displayText(backup.project), displayText(backup.file)));
   return done;
 }
 
@@ -93,15 +132,18 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
 
 void addProject(CommandLine& line)
 {
-  const Command group = line.addGroup("project", "Make, list, check or compact projects", "reeldb project list");
+  const Command group = line.addGroup(
+      "project", "Make, list, check, back up or compact projects, or change their frame rate", "reeldb project list");
 
   const auto newOptions = std::make_shared<NewOptions>();
-  Command making = line.add(group,
-                            {.name = "new",
-                             .description = "Make a project",
-                             .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
-                             .details = "facility.toml can add frame rates, and it names the default project."},
-                            [newOptions](const Globals&) { return makeNew(*newOptions); });
+  Command making =
+      line.add(group,
+               {.name = "new",
+                .description = "Make a project",
+                .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
+                .details = "A frame rate is a name or a code of the facility, or another way to write it: 23.976 or\n"
+                           "24000/1001 is 23.98. facility.toml can add frame rates, and it names the default project."},
+               [newOptions](const Globals&) { return makeNew(*newOptions); });
   making.text("NAME", newOptions->name, "Its name, and the name of its file").required().shownAs("");
   making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
@@ -124,14 +166,43 @@ void addProject(CommandLine& line)
                [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
   checking.json(checkOptions->json);
 
+  const auto rateOptions = std::make_shared<RateOptions>();
+  Command rating = line.add(group,
+                            {.name = "rate",
+                             .description = "Show or change the frame rate of a project",
+                             .examples = {"reeldb project rate", "reeldb project rate 23.976"},
+                             .details = "Timecodes stay as they are, and so do the rates that lists gave their shots:\n"
+                                        "a new rate is for a project that was made with the wrong one."},
+                            [rateOptions](const Globals& globals) { return rate(*rateOptions, globals); });
+  rating.text("RATE", rateOptions->rate, "Its frame rate from now on").shownAs("");
+  rating.json(rateOptions->json);
+
   const auto compactOptions = std::make_shared<CompactOptions>();
-  Command compacting = line.add(group,
-                                {.name = "compact",
-                                 .description = "Remove deleted reels and shots for good",
-                                 .examples = {"reeldb project compact"},
-                                 .details = "After that, reeldb undelete can no longer bring them back."},
-                                [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
+  Command compacting = line.add(
+      group,
+      {.name = "compact",
+       .description = "Remove deleted reels and shots for good",
+       .examples = {"reeldb project compact", "reeldb project compact --before 3",
+                    "reeldb project compact --before 2026-11-01"},
+       .details = "After that, reeldb undelete can no longer bring them back. With --before, the earlier part of the\n"
+                  "history is forgotten instead, with the reels and shots that were deleted in it, and its space is\n"
+                  "given back."},
+      [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
+  compacting.text("--before", compactOptions->before, "Forget the history before this revision or day")
+      .shownAs("REVISION|DAY");
   compacting.json(compactOptions->json);
+
+  const auto backupOptions = std::make_shared<BackupOptions>();
+  Command backingUp =
+      line.add(group,
+               {.name = "backup",
+                .description = "Copy a project to a new file, while others work in it",
+                .examples = {"reeldb project backup before-conform.reels"},
+                .details = "The copy is the project as its last commit left it, with its history. To use it, move "
+                           "it\nto projects/NAME.reels."},
+               [backupOptions](const Globals& globals) { return backUp(*backupOptions, globals); });
+  backingUp.text("FILE", backupOptions->file, "The new file").required().shownAs("");
+  backingUp.json(backupOptions->json);
 }
 
 } // namespace reeldb::cli

@@ -57,7 +57,8 @@ std::string examplesText(const CommandInfo& info)
 const char* const generalHelp =
     R"(The facility is the folder with facility.toml: the one given with -C, else the one in the environment variable
 REELDB_FACILITY, else the nearest folder from the working folder upwards. The project is the one given with -p, else
-the facility's default project. A command stores all of its changes, or none.
+the one in the environment variable REELDB_PROJECT, else the facility's default project. A command stores all of its
+changes, or none.
 
 Exit codes:
   0  done
@@ -208,7 +209,8 @@ CommandLine::CommandLine() : parser_(std::make_unique<Parser>())
   app.footer(generalHelp);
   Command root(&app);
   root.text("-C,--facility", parser_->globals.facility, "The facility to work in").shownAs("DIR");
-  root.text("-p,--project", parser_->globals.project, "The project to work on").shownAs("PROJECT");
+  root.text("-p,--project", parser_->globals.project, "The project to work on; without it, REELDB_PROJECT")
+      .shownAs("PROJECT");
   root.flag("--trace", parser_->globals.trace, "Show every call of the library to its host on standard error");
 }
 

@@ -317,7 +317,9 @@ configb& EditManager::ProjOpts() {
   return state().project ? state().project->options : *state().noOptions;
 }
 Cookie get_project_cookie() { return state().project ? state().project->cookie : Cookie(); }
-WideText getFilenameForCookie(const Cookie& log, Cookie) { return fromUTF8(log.asString(false)); }
+WideText getFilenameForCookie(const Cookie& log, Cookie) {
+  return findLog(log) ? fromUTF8(log.asString(false)) : WideText();
+}
 int Zr::CurrentProject::getFrameRate(Revision) {
   return state().project ? state().project->frameRate : codes::noFrameRate;
 }

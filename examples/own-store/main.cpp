@@ -79,10 +79,7 @@ public:
   bool changedElsewhere() override { return false; } // no other process writes to it
   std::vector<std::string> check() override { return {}; }
 
-  // There is no trash: what is deleted is gone.
-  std::vector<std::int64_t> lastDeletion() override { return {}; }
-  void readLastDeletion(const Sink&) override {}
-  std::int64_t trashCount() override { return 0; }
+  // It hands out no history, so what is deleted is gone.
 
 private:
   void read(const Sink& sink, bool reels) {

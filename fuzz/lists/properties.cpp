@@ -12,7 +12,9 @@
 #include "base/ascii.h"
 #include "base/display_text.h"
 #include "lists/encoding.h"
+#include "lists/frame_rate.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 #include "support/check.h"
 
 namespace reeldb_fuzz {
@@ -100,6 +102,37 @@ private:
   std::set<int> taken_;
 };
 
+void requireProof(const Proof& proof, int lines)
+{
+  require(proof.line >= 1 && proof.line <= lines, "proof of line", proof.line, "which does not exist");
+  requireShown(proof.text, "text of a proof");
+  requireReason(proof.says, "what a proof says");
+}
+
+/// What the list says of its timecodes is what its clips say.
+void requireTiming(const List& list)
+{
+  const Timing& timing = list.timing;
+  std::set<std::string> rates, clipRates;
+  for (const Proof& proof : timing.rates) {
+    requireProof(proof, list.tally.lines);
+    require(rates.insert(proof.says).second, "frame rate is there twice", proof.says);
+  }
+  bool dropFrame = false;
+  for (const Clip& clip : list.clips) {
+    dropFrame = dropFrame || clip.dropFrame;
+    if (!clip.frameRate.empty())
+      clipRates.insert(clip.frameRate);
+  }
+  require(std::includes(rates.begin(), rates.end(), clipRates.begin(), clipRates.end()), "rate of a clip has no proof");
+  require(!dropFrame || timing.dropFrame, "drop frame of a clip has no proof");
+  if (timing.dropFrame)
+    requireProof(*timing.dropFrame, list.tally.lines);
+  if (timing.mostFrames)
+    requireProof(*timing.mostFrames, list.tally.lines);
+  require(timing.frames >= 0 && timing.frames < 120, "frames", timing.frames);
+}
+
 void requireAliases(const Clip& clip)
 {
   std::set<std::string> seen = {fold(clip.reel)};
@@ -120,8 +153,16 @@ void requireClip(const Clip& clip)
   requireName(clip.clipName, "clip name");
   requireName(clip.sourceFile, "source file");
   requireName(clip.tracks, "tracks");
-  for (const std::string* timecode : {&clip.sourceIn, &clip.sourceOut, &clip.recordIn, &clip.recordOut})
-    requireTimecode(*timecode, "timecode");
+  if (!isFrameNumber(clip.sourceIn) || !isFrameNumber(clip.sourceOut)) {
+    requireTimecode(clip.sourceIn, "source in");
+    requireTimecode(clip.sourceOut, "source out");
+  }
+  requireTimecode(clip.recordIn, "record in");
+  requireTimecode(clip.recordOut, "record out");
+  if (!clip.frameRate.empty()) {
+    const std::optional<FrameRate> rate = rateOf(clip.frameRate);
+    require(rate && rateName(*rate) == clip.frameRate, "frame rate is not the name of one", clip.frameRate);
+  }
   requireAliases(clip);
   // The reader accepts up to 256 letters and digits as tracks.
   require(clip.videoChannels >= 0 && clip.videoChannels <= 256, "video channels", clip.videoChannels);
@@ -144,7 +185,12 @@ std::string textOf(const List& list)
   for (const Clip& c : list.clips)
     text << "\nclip " << c.line << ' ' << flat({c.reel, c.clipName, c.sourceFile, c.tracks, c.sourceIn, c.sourceOut})
          << flat({c.recordIn, c.recordOut}) << " aliases" << flat(c.aliases) << "\n " << c.videoChannels << ' '
-         << c.audioChannels;
+         << c.audioChannels << ' ' << shown(c.frameRate) << (c.dropFrame ? " drop" : "");
+  for (const Proof& p : list.timing.rates)
+    text << "\nrate " << p.line << flat({p.says, p.text});
+  for (const std::optional<Proof>& p : {list.timing.dropFrame, list.timing.mostFrames})
+    if (p)
+      text << "\nproof " << p->line << flat({p->says, p->text});
   for (const Special& s : list.specials)
     text << "\nspecial " << flat({s.text, s.reason}) << ' ' << s.count << ' ' << shown(s.lines);
   for (const Rejected& r : list.rejected)
@@ -248,6 +294,7 @@ void requireSound(const List& list, const std::string& bytes)
     requireReason(warning.text, "text of a line that is warned of");
     requireReason(warning.reason, "reason of a warning");
   }
+  requireTiming(list);
   const Tally& tally = list.tally;
   requireEqual(taken.count() + tally.blank + tally.headers + tally.notes + tally.statements, tally.lines,
                "number of lines that went somewhere");

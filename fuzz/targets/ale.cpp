@@ -41,7 +41,14 @@ std::string cellBelow(const std::string& title, const std::vector<std::string>& 
              : std::string();
 }
 
-/// The cells that the reader takes unchanged.
+/// The timecode without the mark of drop frame, which a log may give in another column.
+std::string withColons(std::string timecode)
+{
+  std::replace(timecode.begin(), timecode.end(), ';', ':');
+  return timecode;
+}
+
+/// The cells that the reader takes unchanged, but for that mark.
 void requireCells(const List& list, const std::vector<std::string>& lines)
 {
   const auto isBlankLine = [](const std::string& line) { return trim(line).empty(); };
@@ -52,8 +59,10 @@ void requireCells(const List& list, const std::vector<std::string>& lines)
   for (const Clip& clip : list.clips) {
     const std::string& row = lines.at(static_cast<std::size_t>(clip.line) - 1);
     requireEqual(clip.clipName, cellBelow("Name", titles, row), "the clip name of line", clip.line);
-    requireEqual(clip.sourceIn, cellBelow("Start", titles, row), "the source in of line", clip.line);
-    requireEqual(clip.sourceOut, cellBelow("End", titles, row), "the source out of line", clip.line);
+    requireEqual(withColons(clip.sourceIn), withColons(cellBelow("Start", titles, row)), "the source in of line",
+                 clip.line);
+    requireEqual(withColons(clip.sourceOut), withColons(cellBelow("End", titles, row)), "the source out of line",
+                 clip.line);
     const std::string tape = cellBelow("Tape", titles, row);
     require(tape.empty() || sameName(tape, "AX") || sameName(tape, clip.reel), "the reel of line", clip.line, "is",
             clip.reel, "and its tape", tape);

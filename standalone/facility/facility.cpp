@@ -90,6 +90,20 @@ bool Facility::stateChanged() const
   return !pendingSystem_.empty() || !pendingLastReel_.empty();
 }
 
+std::vector<std::string> Facility::pendingChanges() const
+{
+  std::vector<std::string> changes;
+  for (const auto& [id, reel] : pendingLastReel_) {
+    const auto device =
+        std::find_if(devices_.begin(), devices_.end(), [id = id](const DeviceSettings& d) { return d.id == id; });
+    const std::string name = device == devices_.end() ? std::to_string(id) : device->name;
+    changes.push_back("device " + name + ": last reel " + (reel.empty() ? "none" : reel));
+  }
+  for (const auto& [key, value] : pendingSystem_)
+    changes.push_back("setting " + key + ": " + (value.empty() ? "none" : value));
+  return changes;
+}
+
 void Facility::saveState()
 {
   if (!stateChanged())

@@ -86,7 +86,7 @@ FacilityReader::FacilityReader(const std::filesystem::path& dir)
   facility_.directory_ = dir;
   const TomlFile file(dir / "facility.toml");
   const TomlTable root(file, file.root(), "");
-  root.allowOnly({"facility", "texts", "frame_rates", "system", "device"});
+  root.allowOnly({"facility", "texts", "frame_rates", "system", "device", "history"});
   if (const auto table = root.table("facility"))
     readFacility(*table);
   if (const auto table = root.table("texts"))
@@ -97,6 +97,10 @@ FacilityReader::FacilityReader(const std::filesystem::path& dir)
     readSystem(*table);
   for (const TomlTable& table : root.tables("device"))
     readDevice(table);
+  if (const auto table = root.table("history")) {
+    table->allowOnly({"names"});
+    facility_.keepsNames_ = table->flag("names").value_or(true);
+  }
   readState();
   facility_.remarks_ = checkTypeFile(facility_.deviceDataDirectory() / "reeltype.dat");
 }

@@ -23,4 +23,9 @@ int compact()
   return model::requireProject("compact").compact();
 }
 
+int forgetHistory(std::int64_t before)
+{
+  return model::requireProject("forget history").forgetHistory(before);
+}
+
 } // namespace reelhost

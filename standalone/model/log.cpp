@@ -55,6 +55,21 @@ StoredLog Edit::Impl::toStored() const
   return stored;
 }
 
+void Edit::Impl::assign(const StoredLog& stored)
+{
+  type = stored.type;
+  imported = stored.imported;
+  entireMedium = stored.entireMedium;
+  name = stored.name;
+  videoChannels = stored.videoChannels;
+  audioChannels = stored.audioChannels;
+  reelTypeName = stored.reelType.c_str();
+  shownReelType = reelTypeName;
+  block.assign(stored.fields);
+  const LightweightString<char>* const id = block.find(reelhost::model::reelIdKey());
+  showReelId(id ? *id : LightweightString<char>());
+}
+
 void Edit::Impl::showReelId(const LightweightString<char>& id)
 {
   reelId = id;

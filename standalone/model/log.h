@@ -29,6 +29,8 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   Impl(const Impl&) = delete;
   Impl& operator=(const Impl&) = delete;
   reelhost::StoredLog toStored() const;
+  /// Takes all values over but number and identity. Notifies neither the project nor a listener.
+  void assign(const reelhost::StoredLog& stored);
 
   void showReelId(const LightweightString<char>& id);
   void setReelType(const LightweightString<char>& name, bool shownAtOnce);

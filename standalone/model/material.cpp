@@ -24,6 +24,10 @@ Cookie importMaterial(const Material& material)
   for (const auto& [key, member] : shotTexts)
     if (const std::string& text = material.*member; !text.empty())
       log.fields.emplace_back(key, text);
+  if (!material.frameRate.empty())
+    log.fields.emplace_back(frameRateKey, material.frameRate);
+  if (material.dropFrame)
+    log.fields.emplace_back(dropFrameKey, "yes");
   Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
@@ -41,6 +45,9 @@ Material materialOf(const Cookie& cookie)
   for (const auto& [key, member] : shotTexts)
     if (const LightweightString<char>* const text = log->block.find(key))
       material.*member = text->c_str();
+  if (const LightweightString<char>* const rate = log->block.find(frameRateKey))
+    material.frameRate = rate->c_str();
+  material.dropFrame = log->block.find(dropFrameKey) != nullptr;
   return material;
 }
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
+#include "base/number.h"
 #include "model/edit_handles.h"
 #include "model/listeners.h"
 #include "model/project.h"
@@ -98,6 +100,15 @@ const ProjectInfo& projectInfo()
 Store& projectStore()
 {
   return *model::requireProject("project").store();
+}
+
+ProjectInfo currentInfo(Store& store)
+{
+  ProjectInfo info = store.info();
+  for (const auto& [key, text] : store.options())
+    if (const std::optional<int> code = reeldb::base::parseNumber(text); key == frameRateOption && code)
+      info.frameRate = info.outputFrameRate = *code;
+  return info;
 }
 
 bool hasChanges()

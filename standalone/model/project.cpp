@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "reelhost/host.h"
 
 namespace reelhost::model {
 
@@ -67,7 +68,7 @@ Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
   store_->begin(beginWith, busyTimeout());
   use_ = beginWith == Access::Write ? Use::Write : Use::Read;
   try {
-    info_ = store_->info();
+    info_ = currentInfo(*store_);
     Zr::UUID uuid;
     std::copy(info_.uuid.begin(), info_.uuid.end(), uuid.bytes);
     cookie_ = Cookie(uuid, 0, 'P');
@@ -332,41 +333,77 @@ CookieVec Project::erase(const CookieVec& cookies)
       continue;
     gone.add(cookie);
     deleted_.insert(log->number);
-    table_.erase(*log);
-    if (index_)
-      index_->take(*log);
-    if (log->type == codes::reelLog)
-      reelsReady_ = false;
+    remove(*log);
   }
   return gone;
 }
 
-// The store restores the last deletion before it moves anything to the trash.
+void Project::remove(Log& log)
+{
+  table_.erase(log);
+  if (index_)
+    index_->take(log);
+  if (log.type == codes::reelLog)
+    reelsReady_ = false;
+}
+
+History& Project::requireHistory() const
+{
+  if (History* const history = store_->history())
+    return *history;
+  throw Error(ErrorKind::Refused, subject() + ": this project keeps no history");
+}
+
+// The stored history does not know yet what waits to be stored.
+void Project::requireNoTrashPending(const char* what) const
+{
+  if (!deleted_.empty() || inverse_.revision != 0 || compact_ || forgetBefore_ != 0)
+    throw Error(ErrorKind::Refused,
+                subject() + ": cannot " + what + " (a deletion or an undeletion is not stored yet)");
+}
+
 int Project::undelete()
 {
-  if (!deleted_.empty() || undelete_ || compact_)
-    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a deletion or an undeletion is not stored yet)");
+  requireNoTrashPending("undelete");
   useForChange();
   use(Access::Read);
-  int count = 0;
-  store_->readLastDeletion([&](StoredLog&& log) {
-    read(std::move(log));
-    ++count;
-  });
-  undelete_ = count != 0;
-  return count;
+  History& history = requireHistory();
+  const std::int64_t deletion = lastDeletion(history);
+  if (deletion == 0)
+    return 0;
+  Inverse inverse;
+  inverse.revision = deletion;
+  for (LogChange& change : history.changesOf(deletion).logs)
+    if (isRestorable(change))
+      inverse.logs.push_back(std::move(*change.before));
+  for (const StoredLog& log : inverse.logs)
+    read(StoredLog(log));
+  inverse_ = std::move(inverse);
+  return static_cast<int>(inverse_.logs.size());
 }
 
 int Project::compact()
 {
-  if (!deleted_.empty() || undelete_ || compact_)
-    throw Error(ErrorKind::Refused,
-                subject() + ": cannot empty the trash (a deletion or an undeletion is not stored yet)");
+  requireNoTrashPending("empty the trash");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = store_->trashCount();
+  const std::int64_t count = requireHistory().trashCount();
   compact_ = count != 0;
   return static_cast<int>(count);
+}
+
+int Project::forgetHistory(std::int64_t before)
+{
+  requireNoTrashPending("forget history");
+  useForChange();
+  use(Access::Read);
+  int count = 0;
+  requireHistory().readRevisions([&](Revision&& revision) {
+    count += revision.number < before ? 1 : 0;
+    return true;
+  });
+  forgetBefore_ = count == 0 ? 0 : before;
+  return count;
 }
 
 void Project::OptionsOwner::configChanging()
@@ -387,7 +424,8 @@ void Project::OptionsOwner::configChanged(Key key)
 
 bool Project::hasChanges() const
 {
-  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || undelete_ || compact_;
+  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || inverse_.revision != 0 || compact_ ||
+         forgetBefore_ != 0;
 }
 
 Changes Project::collect() const
@@ -398,8 +436,10 @@ Changes Project::collect() const
   for (const Log* log : logs)
     changes.logs.push_back(log->toStored());
   changes.deleted.assign(deleted_.begin(), deleted_.end());
-  changes.undelete = undelete_;
+  changes.inverse = inverse_;
+  changes.origin = currentOrigin();
   changes.compact = compact_;
+  changes.forgetBefore = forgetBefore_;
   for (const Key key : changedOptions_)
     changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
   return changes;
@@ -412,7 +452,9 @@ void Project::forgetChanges()
   dirty_.clear();
   changedOptions_.clear();
   deleted_.clear();
-  undelete_ = compact_ = false;
+  inverse_ = {};
+  compact_ = false;
+  forgetBefore_ = 0;
 }
 
 bool Project::commit()

@@ -20,7 +20,8 @@
 #include "model/config_block.h"
 #include "model/log.h"
 #include "model/log_table.h"
-#include "reelhost/store.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
 
 namespace reelhost::model {
 
@@ -65,6 +66,8 @@ public:
   CookieVec erase(const CookieVec& logs); ///< returns the logs that existed
   int undelete();
   int compact();
+  int forgetHistory(std::int64_t before);
+  TakenBack takeBack(std::int64_t revision);
 
   // --- Storing -----------------------------------------------------------------------------------
   bool hasChanges() const;
@@ -95,6 +98,20 @@ private:
   void dropIndex();
   void loadOthers();
   Log* findAmongOthers(const Cookie& cookie);
+  /// What takes a revision back.
+  struct Plan {
+    Inverse inverse;
+    std::vector<Log*> gone; ///< the logs of inverse.deleted
+    int changed = 0;        ///< the number of logs in inverse.logs that exist
+    KeyValues options;      ///< all of them, if inverse changes options
+  };
+  void remove(Log& log);
+  /// Adds what takes the change back. Throws Error (Refused) if a later revision is in the way.
+  void planTakingBack(const LogChange& change, Plan& plan);
+  void planTakingBack(const RevisionChanges& changes, Plan& plan);
+  void apply(const Plan& plan);
+  History& requireHistory() const;
+  void requireNoTrashPending(const char* what) const;
   Changes collect() const;
   void forgetChanges();
   std::string subject() const { return store_->subject(); }
@@ -122,7 +139,9 @@ private:
   std::vector<Log*> dirty_;
   std::vector<Key> changedOptions_;
   std::set<std::int64_t> deleted_;
-  bool undelete_ = false, compact_ = false;
+  Inverse inverse_; ///< what takes an earlier revision back; its changes are made already
+  bool compact_ = false;
+  std::int64_t forgetBefore_ = 0;
 };
 
 /// The project that is open; null without one.

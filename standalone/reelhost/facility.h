@@ -68,13 +68,18 @@ public:
   /// The code of a frame rate, by name or else by code. Empty if neither is known.
   std::optional<int> frameRateCode(const std::string& nameOrCode) const;
 
+  /// Whether the history of a project keeps who made a commit, on which machine and in which folder. Unless
+  /// facility.toml says otherwise, it does.
+  bool keepsNames() const { return keepsNames_; }
+
   const std::vector<DeviceSettings>& devices() const { return devices_; } ///< in the order of the file
   std::vector<DeviceSettings>& devices() { return devices_; }             ///< changes are never stored
 
   std::string systemValue(const std::string& key) const; ///< the pending value, else the stored one, else empty
   void setSystemValue(const std::string& key, const std::string& value); ///< pending until saveState
   void setLastReel(unsigned deviceId, const std::string& reel);          ///< pending until saveState
-  bool stateChanged() const; ///< whether a pending value differs from the stored one
+  bool stateChanged() const;                       ///< whether a pending value differs from the stored one
+  std::vector<std::string> pendingChanges() const; ///< the pending values as texts, each "subject: fact"
   /// Merges the pending values into the state file, replaces the file by rename, and takes over values that other
   /// processes have stored meanwhile. Without a facility the values last as long as this object. Throws Error: Busy if
   /// another process is merging and does not finish, Unreadable if the file is damaged (it then stays as it is),
@@ -89,6 +94,7 @@ private:
   void take(const State& state); ///< replaces the stored values, which override facility.toml
   std::filesystem::path directory_;
   std::string defaultProject_;
+  bool keepsNames_ = true;
   std::map<std::string, std::string> config_;
   std::map<std::string, std::string> configuredSystem_; ///< from facility.toml
   std::map<std::string, std::string> system_, pendingSystem_;

@@ -51,6 +51,13 @@ void useFacility(Facility facility);
 /// this function.
 void printTo(std::function<void(std::string_view)> sink);
 
+/// Names the program ("reeldb 14.0.0.0") and the words of its command line in the history of every project that it
+/// changes from now on. Without this call the history names neither.
+void setCommandLine(std::string program, std::vector<std::string> words);
+/// The origin of a commit that is made now, with the pending changes of the facility's state. If the facility keeps no
+/// names, there is neither user, machine nor folder, and the words of the command line lose the folders of paths.
+Origin currentOrigin();
+
 /// @}
 /// @name Projects
 /// @{
@@ -71,6 +78,14 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
+
+/// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
+/// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was
+/// begun.
+ProjectInfo currentInfo(Store& store);
+/// The project option with the code of the rate that a project was given after it was made. It is an option because
+/// those are changed, and changed back, like all else in a project; what Store::info returns never changes.
+inline constexpr const char* frameRateOption = "reeldb_frame_rate";
 
 bool hasChanges(); ///< whether commit would store anything
 /// Stores all changes as one transaction, then the facility's state file. Returns whether anything was stored. A
@@ -124,6 +139,28 @@ int deleteLogs(const CookieVec& logs);
 int undelete();
 /// Empties the trash for good and returns the number of logs in it. commit stores the change. Throws as undelete does.
 int compact();
+
+/// @}
+/// @name History
+/// @{
+
+/// What taking a revision back has changed: numbers of logs.
+struct TakenBack {
+  int restored = 0, changed = 0, removed = 0;
+  bool options = false; ///< whether options of the project changed
+  bool anything() const { return restored != 0 || changed != 0 || removed != 0 || options; }
+};
+
+/// Takes a stored revision back: each value of a log that it changed is as it was before, logs that it created are
+/// gone, and logs that it deleted are there again, with number and Cookie. Values that it did not change stay. Taking a
+/// revision back that took another one back makes the changes of that other one again. Notifies no listener. commit
+/// stores the change, as a revision of its own. Throws Error, and nothing has changed: Refused if a later revision
+/// changed one of the values, if the revision is taken back already, if another change is not stored yet, or if the
+/// project keeps no history; NotFound if there is no such revision.
+TakenBack takeBack(std::int64_t revision);
+/// Removes all revisions below @p before from the history for good, with the deleted logs that only they have, and
+/// returns their number. commit stores the change. Throws as undelete does.
+int forgetHistory(std::int64_t before);
 
 /// @}
 /// @name Direct changes, as another module of the application would make them

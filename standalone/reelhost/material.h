@@ -22,6 +22,8 @@ struct Material {
   std::string aliases;    ///< other names of the reel, one per line
   int videoChannels = 0,  ///< number of video channels
       audioChannels = 0;  ///< number of audio channels
+  std::string frameRate;  ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
+  bool dropFrame = false; ///< whether the list says that its timecodes are drop frame
 };
 
 /// One text of a shot.
@@ -42,6 +44,11 @@ inline constexpr std::array<ShotText, 8> shotTexts = {{
     {"tracks", &Material::tracks},
     {"aliases", &Material::aliases},
 }};
+
+/// The keys of frameRate and dropFrame, which logs have only if the list says so. To stores they are like any other
+/// key.
+inline constexpr const char* frameRateKey = "frame_rate";
+inline constexpr const char* dropFrameKey = "drop_frame"; ///< its text is "yes"
 
 } // namespace reelhost
 

@@ -48,16 +48,45 @@ struct StoredLog {
   KeyValues fields;
 };
 
-/// The changes of one command. They are stored in this order: first undelete and compact, which apply to the trash as
-/// it was stored before, then logs, deleted and options. A log in the trash that is written stays in the trash. A
-/// number in deleted is ignored if there is no such log or if the log is in the trash.
+/// Who made a commit, and how. A text is empty if it is unknown or not to be kept.
+struct Origin {
+  std::int64_t time = 0;              ///< seconds since 1970; 0: unknown
+  std::string program;                ///< its name and version
+  std::string command;                ///< its command line, at most longestCommand bytes
+  std::string user, machine;          ///< who ran it, and where
+  std::string folder;                 ///< the working folder
+  std::vector<std::string> elsewhere; ///< what the commit changed beside the project; each "subject: fact"
+};
+inline constexpr std::size_t longestCommand = 2047;
+
+/// What takes an earlier revision back.
+struct Inverse {
+  std::int64_t revision = 0; ///< the revision that is taken back; 0: no revision is
+  bool isRedo = false;       ///< whether that revision took another one back, so that its changes are made again
+  std::vector<StoredLog> logs;
+  std::vector<std::int64_t> deleted;
+  KeyValues options;
+  std::vector<std::string> unsetOptions; ///< the options that the revision set first
+};
+
+/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted,
+/// options. A written log replaces the log of its number, or brings it back if it was deleted. A number in deleted is
+/// ignored if there is no such log.
+///
+/// A store that keeps a history gives each commit a revision. The inverse has a revision of its own, and so have the
+/// deletions if one of the deleted logs is also written: the last revision says what the log was when it was deleted.
 struct Changes {
+  Inverse inverse;
   std::vector<StoredLog> logs;       ///< new and changed logs, by number
-  std::vector<std::int64_t> deleted; ///< logs to move to the trash, as one deletion
-  bool undelete = false;             ///< restores the last deletion from the trash
-  bool compact = false;              ///< empties the trash for good
+  std::vector<std::int64_t> deleted; ///< logs to delete, as one deletion
+  bool compact = false;              ///< removes for good what the history keeps of deleted logs
+  std::int64_t forgetBefore = 0;     ///< removes all revisions below this number from the history
   KeyValues options;                 ///< project options that were set
-  bool empty() const { return logs.empty() && deleted.empty() && !undelete && !compact && options.empty(); }
+  Origin origin;
+  bool empty() const
+  {
+    return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 && options.empty();
+  }
 };
 
 /// How a project is used.
@@ -66,11 +95,17 @@ enum class Access {
   Write ///< changes are stored; no other process can write meanwhile
 };
 
+class History;
+
 /// Keeps one project. One use is begin, any number of reads, then end or commit; uses can be repeated. After an Error
 /// the use goes on, except after an Error of commit.
 class Store {
 public:
   virtual ~Store() = default; ///< ends the current use and discards its changes
+
+  /// The history of the project, which lives as long as the store. Null if this store keeps no history: what is deleted
+  /// is then gone for good.
+  virtual History* history() { return nullptr; }
 
   /// The project's name in messages: the file's path, or "memory".
   virtual std::string subject() const = 0;
@@ -90,18 +125,14 @@ public:
 
   virtual ProjectInfo info() = 0;
   virtual KeyValues options() = 0;       ///< ordered by key
-  virtual std::int64_t nextNumber() = 0; ///< one more than the highest number ever used, the trash included
-  /// Reads all logs of type 9, by number, without those in the trash.
+  virtual std::int64_t nextNumber() = 0; ///< one more than the highest number ever used
+  /// Reads all logs of type 9, by number.
   virtual void readReels(const std::function<void(StoredLog&&)>& sink) = 0;
-  /// Reads all other logs, by number, without those in the trash.
+  /// Reads all other logs, by number.
   virtual void readOthers(const std::function<void(StoredLog&&)>& sink) = 0;
   /// The number of logs other than reel logs for each identifier. Identifiers have ASCII letters in lower case and are
   /// ascending. Logs without an identifier, or with an empty one, are not counted.
   virtual std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() = 0;
-  /// Numbers of the logs in the last deletion that is still in the trash, ascending.
-  virtual std::vector<std::int64_t> lastDeletion() = 0;
-  virtual void readLastDeletion(const std::function<void(StoredLog&&)>& sink) = 0; ///< the same logs, by number
-  virtual std::int64_t trashCount() = 0;                                           ///< logs in the trash
 
   /// @}
 
@@ -125,6 +156,10 @@ std::unique_ptr<Store> makeMemoryStore(const ProjectInfo& info, const KeyValues&
 
 /// The project in the SQLite file @p path. Reads nothing before begin; the file need not exist.
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
+
+/// Copies the project in the SQLite file @p project, as its last commit left it, to the new file @p copy. Others may
+/// read and write it meanwhile. Throws Error as Store::begin does for reading; Refused if @p copy exists, Io.
+void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy);
 
 /// Creates the project file @p path, completely or not at all. Throws Error: Refused if it exists or if files of an
 /// earlier project of this name lie beside it, Io.

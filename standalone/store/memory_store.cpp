@@ -1,143 +1,246 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <map>
+#include <optional>
+#include <random>
+#include <set>
 
 #include "base/ascii.h"
 #include "host/codes.h"
-#include "reelhost/store.h"
+#include "reelhost/history.h"
 #include "store/log_fields.h"
+#include "store/log_image.h"
+#include "store/revisions.h"
 
 namespace reelhost {
 
 namespace {
 
-struct Record {
-  StoredLog log;
-  std::int64_t deletion = 0; ///< 0: not in the trash
+using SharedLog = std::shared_ptr<const StoredLog>; ///< null: no such log
+using Logs = std::map<std::int64_t, SharedLog>;
+using Options = std::map<std::string, std::string>;
+
+/// One revision and what it found.
+struct Commit {
+  struct Before {
+    SharedLog log;
+    bool forgotten = false;
+  };
+  Revision revision;
+  std::map<std::int64_t, Before> before; ///< of each log that it changed
+  std::optional<Options> options;        ///< all of them, if it changed options
 };
 
-class MemoryStore final : public Store {
+/// All that a project holds: a value that is quick to copy.
+struct Content {
+  Options options;
+  Logs logs;
+  std::int64_t lastNumber = 0, lastRevision = 0;
+  std::vector<Commit> commits; ///< by number
+};
+
+/// Changes the content as one revision.
+class RevisionWriter {
+public:
+  explicit RevisionWriter(Content& content) : content_(content) {}
+
+  void writeLogs(const std::vector<StoredLog>& logs)
+  {
+    for (const StoredLog& log : logs) {
+      StoredLog whole = log;
+      whole.fields = arranged(log.fields);
+      content_.lastNumber = std::max(content_.lastNumber, log.number);
+      const auto there = content_.logs.find(log.number);
+      if (there == content_.logs.end()) {
+        commit_.before[log.number] = {};
+        ++commit_.revision.created;
+      } else if (imageOf(*there->second) != imageOf(whole)) {
+        commit_.before[log.number].log = there->second;
+        ++commit_.revision.changed;
+      }
+      content_.logs[log.number] = std::make_shared<const StoredLog>(std::move(whole));
+    }
+  }
+
+  void deleteLogs(const std::vector<std::int64_t>& numbers)
+  {
+    for (const std::int64_t number : numbers)
+      if (auto gone = content_.logs.extract(number)) {
+        commit_.before[number].log = std::move(gone.mapped());
+        ++commit_.revision.deleted;
+      }
+  }
+
+  void setOptions(const KeyValues& options, const std::vector<std::string>& unset)
+  {
+    const Options before = content_.options;
+    for (const auto& [key, value] : options)
+      content_.options[key] = value;
+    for (const std::string& key : unset)
+      content_.options.erase(key);
+    if (content_.options == before)
+      return;
+    commit_.options = before;
+    commit_.revision.setOptions = true;
+  }
+
+  void finish(const Origin& origin, const Inverse& inverse, bool always = false)
+  {
+    if (!always && !commit_.revision.hasChanges())
+      return;
+    Revision& revision = commit_.revision;
+    revision.number = ++content_.lastRevision;
+    std::random_device source;
+    for (unsigned char& byte : revision.token)
+      byte = static_cast<unsigned char>(source());
+    revision.origin = origin;
+    revision.origin.command.resize(std::min(origin.command.size(), longestCommand));
+    revision.takesBack = inverse.revision;
+    revision.isRedo = inverse.isRedo;
+    content_.commits.push_back(std::move(commit_));
+  }
+
+private:
+  Content& content_;
+  Commit commit_;
+};
+
+KeyValues listOf(const Options& options)
+{
+  return KeyValues(options.begin(), options.end());
+}
+
+class MemoryStore final : public Store, public History {
 public:
   MemoryStore(const ProjectInfo& info, const KeyValues& options) : info_(info)
   {
     for (const auto& [key, value] : options)
-      options_[key] = value;
+      content_.options[key] = value;
   }
 
   std::string subject() const override { return "memory"; }
   void begin(Access, std::chrono::milliseconds) override {}
   void end() noexcept override {}
   ProjectInfo info() override { return info_; }
-  KeyValues options() override { return KeyValues(options_.begin(), options_.end()); }
-  std::int64_t nextNumber() override { return lastNumber_ + 1; }
+  KeyValues options() override { return listOf(content_.options); }
+  std::int64_t nextNumber() override { return content_.lastNumber + 1; }
 
-  void readReels(const std::function<void(StoredLog&&)>& sink) override
-  {
-    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type == codes::reelLog; });
-  }
-
-  void readOthers(const std::function<void(StoredLog&&)>& sink) override
-  {
-    read(sink, [](const Record& record) { return record.deletion == 0 && record.log.type != codes::reelLog; });
-  }
+  void readReels(const std::function<void(StoredLog&&)>& sink) override { read(sink, true); }
+  void readOthers(const std::function<void(StoredLog&&)>& sink) override { read(sink, false); }
 
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override
   {
     std::map<std::string, std::int64_t> counts;
-    for (const auto& [number, record] : records_) {
-      if (record.deletion != 0 || record.log.type == codes::reelLog)
+    for (const auto& [number, log] : content_.logs) {
+      if (log->type == codes::reelLog)
         continue;
-      for (const auto& [key, value] : record.log.fields)
+      for (const auto& [key, value] : log->fields)
         if (key == shotTexts.front().key && !value.empty())
           ++counts[reeldb::base::fold(value)];
     }
     return {counts.begin(), counts.end()};
   }
 
-  std::vector<std::int64_t> lastDeletion() override
-  {
-    std::vector<std::int64_t> numbers;
-    const std::int64_t last = lastDeletionNumber();
-    for (const auto& [number, record] : records_)
-      if (last != 0 && record.deletion == last)
-        numbers.push_back(number);
-    return numbers;
-  }
-
-  void readLastDeletion(const std::function<void(StoredLog&&)>& sink) override
-  {
-    const std::int64_t last = lastDeletionNumber();
-    read(sink, [last](const Record& record) { return last != 0 && record.deletion == last; });
-  }
-
-  std::int64_t trashCount() override
-  {
-    return std::count_if(records_.begin(), records_.end(),
-                         [](const auto& entry) { return entry.second.deletion != 0; });
-  }
-
   void commit(const Changes& changes) override
   {
-    // Memory is allocated first, so that nothing has changed if that fails.
-    std::map<std::int64_t, Record> incoming;
-    for (const StoredLog& log : changes.logs) {
-      StoredLog& kept = incoming[log.number].log;
-      kept = log;
-      kept.fields = arranged(log.fields);
-    }
-    std::map<std::string, std::string> options = options_;
-    for (const auto& [key, value] : changes.options)
-      options[key] = value;
-
-    if (changes.undelete)
-      if (const std::int64_t last = lastDeletionNumber(); last != 0)
-        for (auto& [number, record] : records_)
-          if (record.deletion == last)
-            record.deletion = 0;
-    if (changes.compact)
-      std::erase_if(records_, [](const auto& entry) { return entry.second.deletion != 0; });
-    while (!incoming.empty()) {
-      auto node = incoming.extract(incoming.begin());
-      lastNumber_ = std::max(lastNumber_, node.key());
-      const auto there = records_.find(node.key());
-      if (there == records_.end())
-        records_.insert(std::move(node));
-      else
-        std::swap(there->second.log, node.mapped().log);
-    }
-    const std::int64_t deletion = lastDeletionNumber() + 1;
-    for (const std::int64_t number : changes.deleted) {
-      const auto there = records_.find(number);
-      if (there != records_.end() && there->second.deletion == 0)
-        there->second.deletion = deletion;
-    }
-    options_.swap(options);
+    if (changes.empty())
+      return;
+    Content after = content_; // nothing has changed when memory runs short
+    writeRevisions(
+        changes, [&] { return RevisionWriter(after); }, [&] { removeForGood(after, changes); });
+    content_ = std::move(after);
   }
 
   bool changedElsewhere() override { return false; }
   std::vector<std::string> check() override { return {}; }
 
+  History* history() override { return this; }
+  int olderVersion() override { return 0; }
+
+  void readRevisions(const std::function<bool(Revision&&)>& sink) override
+  {
+    for (auto commit = content_.commits.rbegin(); commit != content_.commits.rend(); ++commit)
+      if (!sink(Revision(commit->revision)))
+        return;
+  }
+
+  RevisionChanges changesOf(std::int64_t number) override
+  {
+    const auto commit = std::find_if(content_.commits.begin(), content_.commits.end(),
+                                     [&](const Commit& c) { return c.revision.number == number; });
+    if (commit == content_.commits.end())
+      throw Error(ErrorKind::NotFound, subject() + ": no revision " + std::to_string(number));
+    RevisionChanges changes;
+    for (const auto& [log, before] : commit->before)
+      changes.logs.push_back(changeOf(log, commit));
+    if (!commit->options)
+      return changes;
+    changes.optionsBefore = listOf(*commit->options);
+    const auto next = std::find_if(commit + 1, content_.commits.end(), [](const Commit& c) { return !!c.options; });
+    changes.optionsAfter = listOf(next == content_.commits.end() ? content_.options : *next->options);
+    return changes;
+  }
+
+  void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override
+  {
+    for (auto commit = content_.commits.begin(); commit != content_.commits.end(); ++commit)
+      if (commit->before.count(number) != 0)
+        sink(changeOf(number, commit));
+  }
+
+  void giveSpaceBack() override {}
+
+  std::int64_t trashCount() override
+  {
+    std::set<std::int64_t> gone;
+    for (const Commit& commit : content_.commits)
+      for (const auto& [number, before] : commit.before)
+        if (before.log && content_.logs.count(number) == 0)
+          gone.insert(number);
+    return static_cast<std::int64_t>(gone.size());
+  }
+
 private:
-  template <class Chosen>
-  void read(const std::function<void(StoredLog&&)>& sink, Chosen chosen)
+  using Commits = std::vector<Commit>;
+
+  void read(const std::function<void(StoredLog&&)>& sink, bool reels)
   {
-    for (const auto& [number, record] : records_)
-      if (chosen(record))
-        sink(StoredLog(record.log));
+    for (const auto& [number, log] : content_.logs)
+      if ((log->type == codes::reelLog) == reels)
+        sink(StoredLog(*log));
   }
 
-  std::int64_t lastDeletionNumber() const
+  LogChange changeOf(std::int64_t number, Commits::const_iterator commit) const
   {
-    std::int64_t last = 0;
-    for (const auto& [number, record] : records_)
-      last = std::max(last, record.deletion);
-    return last;
+    const auto valueOf = [](const SharedLog& log) { return log ? std::optional(*log) : std::nullopt; };
+    const Commit::Before& before = commit->before.at(number);
+    LogChange change{commit->revision.number, number, valueOf(before.log), {}, before.forgotten, 0, false};
+    const auto there = content_.logs.find(number);
+    change.isThere = there != content_.logs.end();
+    const auto next = std::find_if(commit + 1, content_.commits.end(),
+                                   [number](const Commit& c) { return c.before.count(number) != 0; });
+    if (next != content_.commits.end()) {
+      change.after = valueOf(next->before.at(number).log);
+      change.next = next->revision.number;
+    } else if (change.isThere) {
+      change.after = *there->second;
+    }
+    return change;
   }
 
-  ProjectInfo info_;
-  std::map<std::string, std::string> options_;
-  std::map<std::int64_t, Record> records_;
-  std::int64_t lastNumber_ = 0;
+  static void removeForGood(Content& content, const Changes& changes)
+  {
+    std::erase_if(content.commits, [&](const Commit& commit) { return commit.revision.number < changes.forgetBefore; });
+    if (!changes.compact)
+      return;
+    for (Commit& commit : content.commits)
+      for (auto& [number, before] : commit.before)
+        if (before.log && content.logs.count(number) == 0)
+          before = {{}, true};
+  }
+
+  const ProjectInfo info_;
+  Content content_;
 };
 
 } // namespace

@@ -163,6 +163,16 @@ void Database::keepLogOnClose(bool keep)
   sqlite3_db_config(handle(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keep ? 1 : 0, nullptr);
 }
 
+void Database::copyTo(const std::string& path)
+{
+  Database copy(path, Mode::ReadWrite);
+  sqlite3_backup* const backup = sqlite3_backup_init(copy.handle(), "main", handle(), "main");
+  if (!backup)
+    fail(copy.handle(), sqlite3_errcode(copy.handle()));
+  sqlite3_backup_step(backup, -1);
+  check(copy.handle(), sqlite3_backup_finish(backup));
+}
+
 bool Database::moved()
 {
   int answer = 0;

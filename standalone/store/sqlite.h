@@ -61,8 +61,9 @@ public:
   void setBusyTimeout(std::chrono::milliseconds timeout); ///< how long to wait for a lock
   /// Whether the last connection keeps the write-ahead log when it closes. It does not, unless this is called.
   void keepLogOnClose(bool keep);
-  bool moved();         ///< whether the path no longer leads to the file that was opened
-  bool inTransaction(); ///< whether a transaction is open
+  void copyTo(const std::string& path); ///< the pages as this transaction sees them, into the empty file @p path
+  bool moved();                         ///< whether the path no longer leads to the file that was opened
+  bool inTransaction();                 ///< whether a transaction is open
   sqlite3* handle() const { return handle_.get(); }
 
 private:

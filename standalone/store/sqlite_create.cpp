@@ -8,6 +8,7 @@
 #include "store/project_file.h"
 #include "store/sqlite.h"
 #include "store/sqlite_schema.h"
+#include "store/sqlite_session.h"
 
 namespace reelhost {
 
@@ -37,7 +38,9 @@ void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
   database.execute("PRAGMA journal_mode = WAL");
 }
 
-void createProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
+/// Makes the project file @p path, completely or not at all: @p fill writes the empty file whose place it is given.
+template <class Fill>
+void makeProjectFile(const std::filesystem::path& path, Fill fill)
 {
   const auto isTaken = [&path](const std::filesystem::path& name) {
     struct stat status = {};
@@ -64,8 +67,7 @@ void createProject(const std::filesystem::path& path, const ProjectInfo& info, c
     throw base::FileError(base::FileFault::System, path, "cannot be made", "its full path is too long");
   const base::TemporaryFile journal(place + "-journal"), log(place + "-wal"), index(place + "-shm");
   try {
-    Database database(place, Database::Mode::ReadWrite);
-    fill(database, info, options);
+    fill(place);
   } catch (const sqlite::Failure& failure) {
     throw base::FileError(base::FileFault::System, path, "cannot be made", failure.what());
   }
@@ -77,7 +79,19 @@ void createProject(const std::filesystem::path& path, const ProjectInfo& info, c
 
 void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
 {
-  withHostErrors([&] { createProject(path, info, options); });
+  withHostErrors([&] {
+    makeProjectFile(path, [&](const std::string& place) {
+      Database database(place, Database::Mode::ReadWrite);
+      fill(database, info, options);
+    });
+  });
+}
+
+void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy)
+{
+  SqliteSession session(project, schemaSteps());
+  session.beginRead(std::chrono::seconds(2));
+  withHostErrors([&] { makeProjectFile(copy, [&](const std::string& place) { session.database().copyTo(place); }); });
 }
 
 } // namespace reelhost

@@ -4,7 +4,9 @@
 #include <algorithm>
 
 #include "reelhost/display_text.h"
+#include "store/log_image.h"
 #include "store/project_file.h"
+#include "store/sqlite_history.h"
 #include "store/sqlite_schema.h"
 
 namespace reelhost {
@@ -32,6 +34,31 @@ std::vector<std::string> problemsFrom(Database& database, const char* sql)
   return problems;
 }
 
+void addProblemsOfHistory(Database& database, std::vector<std::string>& problems)
+{
+  const auto add = [&](std::int64_t revision, const std::string& what) {
+    problems.push_back("revision " + std::to_string(revision) + ": " + what);
+  };
+  const auto addEach = [&](const char* sql, const char* what) {
+    Statement rows(database, sql);
+    while (rows.step())
+      add(rows.integer(0), what);
+  };
+  addEach("SELECT DISTINCT revision FROM changes WHERE revision NOT IN (SELECT number FROM revisions)",
+          "changes without a revision");
+  addEach("SELECT number FROM revisions WHERE takes_back >= number ORDER BY number", "takes back a later revision");
+  addEach("SELECT number FROM revisions WHERE last_new > (SELECT value FROM project WHERE key = 'last_number') "
+          "OR last_new < first_new ORDER BY number",
+          "new logs with numbers that were not given out");
+  addEach("SELECT max(number) FROM revisions GROUP BY token HAVING count(*) > 1", "the token of another revision");
+  Statement images(database, "SELECT revision, log, before FROM changes WHERE length(before) > 0 OR log = 0");
+  while (images.step()) {
+    const std::int64_t log = images.integer(1);
+    if (log == optionsNumber ? !valuesFrom(images.text(2)) : !logFrom(log, images.text(2)))
+      add(images.integer(0), "no image of log " + std::to_string(log));
+  }
+}
+
 } // namespace
 
 std::string missingBytes(Database& database, const std::filesystem::path& path)
@@ -49,7 +76,7 @@ std::string quickCheck(Database& database)
   return problems.empty() ? std::string() : problems.front();
 }
 
-std::vector<std::string> integrityProblems(Database& database)
+std::vector<std::string> integrityProblems(Database& database, std::int64_t version)
 {
   std::vector<std::string> problems = problemsFrom(database, "PRAGMA integrity_check");
   const auto add = [&](const char* sql, const char* what) {
@@ -62,6 +89,8 @@ std::vector<std::string> integrityProblems(Database& database)
       "a number that was never given to a log");
   add("SELECT number FROM logs WHERE kind = 'I' ORDER BY number", "no valid identity (its kind is 'I')");
   add("SELECT max(number) FROM logs GROUP BY uuid, tag, kind HAVING count(*) > 1", "the identity of another log");
+  if (version >= versionWithHistory)
+    addProblemsOfHistory(database, problems);
   return problems;
 }
 

@@ -4,6 +4,7 @@
 #ifndef REELDB_STORE_SQLITE_INTEGRITY_H
 #define REELDB_STORE_SQLITE_INTEGRITY_H
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -20,7 +21,8 @@ std::string missingBytes(sqlite::Database& database, const std::filesystem::path
 std::string quickCheck(sqlite::Database& database);
 
 /// One line per fault in the pages of the file and in their content; empty if there is no fault.
-std::vector<std::string> integrityProblems(sqlite::Database& database);
+/// @p version is that of the tables.
+std::vector<std::string> integrityProblems(sqlite::Database& database, std::int64_t version);
 
 } // namespace reelhost
 

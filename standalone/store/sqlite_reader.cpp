@@ -6,6 +6,7 @@
 
 #include "base/ascii.h"
 #include "store/sqlite_columns.h"
+#include "store/sqlite_schema.h"
 
 namespace reelhost {
 
@@ -19,17 +20,15 @@ namespace {
   throw sqlite::Failure(sqlite::Cause::Damaged, text);
 }
 
-const char* conditionFor(LogSet set)
+std::string conditionFor(LogSet set, std::int64_t version)
 {
-  switch (set) {
-  case LogSet::Reels:
-    return "type = 9 AND deletion IS NULL";
-  case LogSet::Others:
-    return "type <> 9 AND deletion IS NULL";
-  case LogSet::LastDeletion:
-    break;
-  }
-  return "deletion = (SELECT max(deletion) FROM logs WHERE deletion IS NOT NULL)";
+  return std::string(set == LogSet::Reels ? "type = 9" : "type <> 9") +
+         (version < versionWithHistory ? " AND deletion IS NULL" : "");
+}
+
+std::string namesOfColumns()
+{
+  return listOf(logColumns(), [](const std::string& column) { return column; });
 }
 
 /// The keys of logs that are not columns. They are read in ascending order of the logs' numbers.
@@ -129,10 +128,10 @@ std::int64_t lastNumber(Database& database)
   return database.integer("SELECT value FROM project WHERE key = 'last_number'");
 }
 
-void readLogs(Database& database, LogSet set, const std::function<void(StoredLog&&)>& sink)
+void readLogs(Database& database, std::int64_t version, LogSet set, const std::function<void(StoredLog&&)>& sink)
 {
-  const std::string columns = listOf(logColumns(), [](const std::string& column) { return column; });
-  Statement rows(database, "SELECT " + columns + " FROM logs WHERE " + conditionFor(set) + " ORDER BY number");
+  Statement rows(database,
+                 "SELECT " + namesOfColumns() + " FROM logs WHERE " + conditionFor(set, version) + " ORDER BY number");
   FieldRows fields(database);
   while (rows.step()) {
     StoredLog log = logIn(rows);
@@ -141,29 +140,44 @@ void readLogs(Database& database, LogSet set, const std::function<void(StoredLog
   }
 }
 
-std::vector<std::pair<std::string, std::int64_t>> countOthersByReel(Database& database)
+std::vector<std::pair<std::string, std::int64_t>> countOthersByReel(Database& database, std::int64_t version)
 {
   std::vector<std::pair<std::string, std::int64_t>> counts;
-  Statement rows(database, "SELECT reel_id, count(*) FROM logs WHERE type <> 9 AND deletion IS NULL "
-                           "AND reel_id <> '' GROUP BY reel_id COLLATE NOCASE ORDER BY reel_id COLLATE NOCASE");
+  Statement rows(database, "SELECT reel_id, count(*) FROM logs WHERE " + conditionFor(LogSet::Others, version) +
+                               " AND reel_id <> '' GROUP BY reel_id COLLATE NOCASE ORDER BY reel_id COLLATE NOCASE");
   while (rows.step())
     counts.emplace_back(reeldb::base::fold(rows.text(0)), rows.integer(1));
   return counts;
 }
 
-std::vector<std::int64_t> lastDeletion(Database& database)
+LogLookup::LogLookup(Database& database)
+    : log_(database, "SELECT " + namesOfColumns() + " FROM logs WHERE number = ?1"),
+      fields_(database, "SELECT key, value FROM fields WHERE log = ?1 ORDER BY key"),
+      exists_(database, "SELECT 1 FROM logs WHERE number = ?1")
 {
-  std::vector<std::int64_t> numbers;
-  Statement rows(database, "SELECT number FROM logs WHERE " + std::string(conditionFor(LogSet::LastDeletion)) +
-                               " ORDER BY number");
-  while (rows.step())
-    numbers.push_back(rows.integer(0));
-  return numbers;
 }
 
-std::int64_t trashCount(Database& database)
+bool LogLookup::exists(std::int64_t number)
 {
-  return database.integer("SELECT count(*) FROM logs WHERE deletion IS NOT NULL");
+  exists_.bind(1, number);
+  const bool found = exists_.step();
+  exists_.reset();
+  return found;
+}
+
+std::optional<StoredLog> LogLookup::find(std::int64_t number)
+{
+  std::optional<StoredLog> log;
+  log_.bind(1, number);
+  if (log_.step()) {
+    log = logIn(log_);
+    fields_.bind(1, number);
+    while (fields_.step())
+      log->fields.emplace_back(fields_.text(0), fields_.text(1));
+    fields_.reset();
+  }
+  log_.reset();
+  return log;
 }
 
 } // namespace reelhost

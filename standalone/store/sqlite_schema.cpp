@@ -1,9 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_schema.h"
 
+#include <algorithm>
 #include <string>
 
+#include "store/log_image.h"
+
 namespace reelhost {
+
+using sqlite::Database;
+using sqlite::Statement;
 
 namespace {
 
@@ -11,7 +17,7 @@ namespace {
 // The columns from reel_id to aliases hold the configuration keys that shots have (null: the log has no such key);
 // fields holds all other keys. project.last_number: the highest log number ever used. others_by_reel counts the uses
 // of each identifier without reading the logs: SQLite needs type and deletion in the index even though its condition
-// fixes them.
+// fixes them. Version 2 has neither the column deletion nor the index bin.
 const char version1[] = R"sql(
 CREATE TABLE project(key TEXT PRIMARY KEY NOT NULL, value ANY NOT NULL) STRICT, WITHOUT ROWID;
 CREATE TABLE options(key TEXT PRIMARY KEY NOT NULL, value TEXT NOT NULL) STRICT, WITHOUT ROWID;
@@ -45,6 +51,88 @@ CREATE INDEX others_by_reel ON logs(reel_id COLLATE NOCASE, type, deletion) WHER
 CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 )sql";
 
+// revisions: one row per commit; null: unknown, or not to be kept. takes_back: the earlier revision that this one takes
+// back. The new logs of a revision have the numbers from first_new to last_new. changes: each other log that a revision
+// changed, and the image that it had before; null: there was no such log, an empty blob: removed for good. log 0 stands
+// for the options of the project.
+const char history[] = R"sql(
+CREATE TABLE revisions(
+  number INTEGER PRIMARY KEY,
+  token BLOB NOT NULL CHECK(length(token) = 16),
+  time INTEGER,
+  program TEXT,
+  command TEXT,
+  user TEXT,
+  machine TEXT,
+  folder TEXT,
+  elsewhere TEXT,
+  takes_back INTEGER,
+  is_redo INTEGER NOT NULL,
+  first_new INTEGER,
+  last_new INTEGER,
+  created INTEGER NOT NULL,
+  changed INTEGER NOT NULL,
+  deleted INTEGER NOT NULL) STRICT;
+CREATE TABLE changes(
+  revision INTEGER NOT NULL,
+  log INTEGER NOT NULL,
+  before BLOB,
+  PRIMARY KEY(revision, log)) STRICT, WITHOUT ROWID;
+)sql";
+
+/// Each deletion in the trash becomes a revision, with the logs that it still holds.
+void moveTrash(Database& database)
+{
+  Statement revision(database, "INSERT INTO revisions(number, token, is_redo, created, changed, deleted) "
+                               "VALUES(?1, randomblob(16), 0, 0, 0, ?2)");
+  Statement change(database, "INSERT INTO changes(revision, log, before) VALUES(?1, ?2, ?3)");
+  Statement fields(database, "SELECT key, value FROM fields WHERE log = ?1");
+  Statement logs(database, "SELECT number, uuid, tag, kind, type, imported, entire_medium, name, reel_type, video, "
+                           "audio, reel_id, source_file, source_in, source_out, record_in, record_out, tracks, aliases "
+                           "FROM logs WHERE deletion = ?1 ORDER BY number");
+  constexpr const char* keys[] = {"reelid",    "source_file", "source_in", "source_out",
+                                  "record_in", "record_out",  "tracks",    "aliases"};
+  Statement deletions(database, "SELECT deletion, count(*) FROM logs WHERE deletion IS NOT NULL GROUP BY deletion "
+                                "ORDER BY deletion");
+  for (std::int64_t number = 1; deletions.step(); ++number) {
+    revision.bind(1, number).bind(2, deletions.integer(1)).run();
+    logs.bind(1, deletions.integer(0));
+    while (logs.step()) {
+      StoredLog log;
+      const std::string_view uuid = logs.text(1), kind = logs.text(3);
+      std::copy_n(uuid.begin(), std::min(uuid.size(), log.uuid.size()), log.uuid.begin());
+      log.tag = static_cast<std::uint16_t>(logs.integer(2));
+      log.kind = kind.empty() ? 'I' : kind[0];
+      log.type = static_cast<int>(logs.integer(4));
+      log.imported = logs.integer(5) != 0;
+      log.entireMedium = logs.integer(6) != 0;
+      log.name = logs.text(7);
+      log.reelType = logs.text(8);
+      log.videoChannels = static_cast<int>(logs.integer(9));
+      log.audioChannels = static_cast<int>(logs.integer(10));
+      for (int i = 0; i < 8; ++i)
+        if (!logs.isNull(11 + i))
+          log.fields.emplace_back(keys[i], logs.text(11 + i));
+      fields.bind(1, logs.integer(0));
+      while (fields.step())
+        log.fields.emplace_back(fields.text(0), fields.text(1));
+      fields.reset();
+      const std::string image = imageOf(log);
+      change.bind(1, number).bind(2, logs.integer(0)).bindBlob(3, image.data(), image.size()).run();
+    }
+    logs.reset();
+  }
+}
+
+void keepHistory(Database& database)
+{
+  database.execute(history);
+  moveTrash(database);
+  database.execute("DELETE FROM logs WHERE deletion IS NOT NULL;"
+                   "DROP INDEX bin; DROP INDEX others_by_reel; ALTER TABLE logs DROP COLUMN deletion;"
+                   "CREATE INDEX others_by_reel ON logs(reel_id COLLATE NOCASE, type) WHERE type <> 9;");
+}
+
 std::int64_t bigEndian(std::string_view bytes, std::size_t at, std::size_t count)
 {
   std::int64_t value = 0;
@@ -55,9 +143,14 @@ std::int64_t bigEndian(std::string_view bytes, std::size_t at, std::size_t count
 
 } // namespace
 
+SchemaStep sqlStep(const char* sql)
+{
+  return [sql](Database& database) { database.execute(sql); };
+}
+
 const SchemaSteps& schemaSteps()
 {
-  static const SchemaSteps steps = {version1};
+  static const SchemaSteps steps = {sqlStep(version1), keepHistory};
   return steps;
 }
 
@@ -65,7 +158,7 @@ void bringUpToDate(sqlite::Database& database, const SchemaSteps& steps)
 {
   auto version = static_cast<std::size_t>(database.integer("PRAGMA user_version"));
   for (; version < steps.size(); ++version) {
-    database.execute(steps[version]);
+    steps[version](database);
     database.execute(("PRAGMA user_version = " + std::to_string(version + 1)).c_str());
   }
 }

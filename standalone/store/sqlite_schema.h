@@ -4,6 +4,7 @@
 #ifndef REELDB_STORE_SQLITE_SCHEMA_H
 #define REELDB_STORE_SQLITE_SCHEMA_H
 
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -14,11 +15,18 @@ namespace reelhost {
 /// In bytes 68 to 71 of every project file ("REEL"). Never changes.
 constexpr std::int64_t projectApplicationId = 0x5245454C;
 
+/// Upgrades a file of one version to the next.
+using SchemaStep = std::function<void(sqlite::Database&)>;
+SchemaStep sqlStep(const char* sql); ///< runs the statements
+
 /// Step n (from 0) upgrades a file of version n to version n + 1. A released step is never edited, because files of
 /// that version exist. A change of the tables is a new step at the end.
-using SchemaSteps = std::vector<const char*>;
+using SchemaSteps = std::vector<SchemaStep>;
 
-/// The steps of this program. Their number is the version that it reads and writes.
+/// The first version that keeps a history. In a file of version 1 the table logs also holds the deleted logs.
+constexpr std::int64_t versionWithHistory = 2;
+
+/// The steps of this program. Their count is the version that it writes; it reads that one and all older ones.
 const SchemaSteps& schemaSteps();
 
 /// Brings the tables from their version to the last one, one step at a time. REQUIRES: a transaction that writes.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_session.h"
 
+#include <stdexcept>
 #include <thread>
 
 #include <unistd.h>
@@ -113,24 +114,23 @@ void SqliteSession::open(const ProjectFile& file, Mode mode, std::chrono::millis
 
 void SqliteSession::start(Kind kind, Purpose purpose)
 {
-  auto transaction = transactionOf(kind);
+  auto transaction = std::make_unique<Transaction>(*database_, kind);
+  stored_ = tables_ = database_->integer("PRAGMA user_version"); // the first read: it takes the snapshot
+  requireKnown(stored_);
   if (purpose == Purpose::Use && !verified_)
     verify();
-  if (database_->integer("PRAGMA user_version") < static_cast<std::int64_t>(steps_.size())) {
-    transaction.reset();
-    upgrade();
-    transaction = transactionOf(kind);
+  if (kind == Kind::Write && olderVersion() != 0) {
+    bringUpToDate(*database_, steps_); // a part of the transaction, stored or rolled back with it
+    tables_ = static_cast<std::int64_t>(steps_.size());
   }
   if (purpose == Purpose::Use)
     version_ = currentVersion();
   transaction_ = std::move(transaction);
 }
 
-std::unique_ptr<Transaction> SqliteSession::transactionOf(Kind kind)
+int SqliteSession::olderVersion() const
 {
-  auto transaction = std::make_unique<Transaction>(*database_, kind);
-  requireKnown(database_->integer("PRAGMA user_version")); // the first read begins the snapshot
-  return transaction;
+  return stored_ < static_cast<std::int64_t>(steps_.size()) ? static_cast<int>(stored_) : 0;
 }
 
 void SqliteSession::requireKnown(std::int64_t version) const
@@ -154,16 +154,6 @@ void SqliteSession::verify()
   database_->keepLogOnClose(false);
 }
 
-void SqliteSession::upgrade()
-{
-  if (!file_.writable)
-    refuse(ErrorKind::Unreadable, "of an older version (" + database_->text("PRAGMA user_version") +
-                                      ") and cannot be brought up to date (" + file_.whyNot + ")");
-  const auto transaction = transactionOf(Kind::Write);
-  bringUpToDate(*database_, steps_);
-  transaction->commit();
-}
-
 void SqliteSession::commit(const std::function<void(Database&)>& write)
 {
   const struct Ending {
@@ -173,10 +163,26 @@ void SqliteSession::commit(const std::function<void(Database&)>& write)
   guarded("not stored", [&] {
     write(*database_);
     transaction_->commit();
+    stored_ = tables_;
   });
   // Some tools copy a project without its write-ahead mode, and readers then block writers. If setting the mode fails
   // now, the next commit tries again.
   database_->tryExecute("PRAGMA journal_mode = WAL");
+}
+
+void SqliteSession::giveSpaceBack()
+{
+  if (hasBegun())
+    throw std::logic_error(subject() + ": giveSpaceBack during a use");
+  beginWrite(std::chrono::seconds(2)); // the project may be another by now
+  transaction_.reset();
+  const struct Ending {
+    SqliteSession& session;
+    ~Ending() { session.end(); }
+  } ending{*this};
+  guarded("the space is not given back", [this] { database_->execute("VACUUM"); });
+  // While others read, the file keeps its size until the last of them is done.
+  database_->tryExecute("PRAGMA wal_checkpoint(TRUNCATE)");
 }
 
 void SqliteSession::end() noexcept

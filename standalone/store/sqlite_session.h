@@ -41,12 +41,16 @@ public:
   bool hasBegun() const { return transaction_ != nullptr; }
   bool isWriting() const { return hasBegun() && transaction_->kind() == sqlite::Transaction::Kind::Write; }
   sqlite::Database& database() { return *database_; } ///< REQUIRES: begun
+  std::int64_t version() const { return tables_; }    ///< of the tables. REQUIRES: begun
+  /// As History::olderVersion.
+  int olderVersion() const;
 
   /// Runs @p write and commits, or throws Error and discards the changes; ends the use either way. REQUIRES: begun for
   /// writing.
   void commit(const std::function<void(sqlite::Database&)>& write);
 
   bool changedElsewhere(); ///< as Store::changedElsewhere
+  void giveSpaceBack();    ///< as History::giveSpaceBack
 
   /// Runs @p work and converts a Failure of SQLite to an Error with @p fact.
   template <class Work>
@@ -71,9 +75,7 @@ private:
   void begin(Kind kind, std::chrono::milliseconds busyTimeout, Purpose purpose);
   void open(const ProjectFile& file, Mode mode, std::chrono::milliseconds busyTimeout);
   void start(Kind kind, Purpose purpose);
-  std::unique_ptr<sqlite::Transaction> transactionOf(Kind kind);
   void verify();
-  void upgrade();
   void requireKnown(std::int64_t version) const;
   void close() noexcept;
   Version currentVersion();
@@ -87,7 +89,8 @@ private:
   ProjectFile file_;            ///< as it was when it was opened
   bool verified_ = false;       ///< whether the open database was
   std::unique_ptr<sqlite::Transaction> transaction_;
-  std::optional<Version> version_; ///< at the last begin; empty before the first
+  std::int64_t stored_ = 0, tables_ = 0; ///< the version of the tables, as stored and as the transaction sees them
+  std::optional<Version> version_;       ///< at the last begin; empty before the first
 };
 
 } // namespace reelhost

@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 
+#include "store/sqlite_history.h"
 #include "store/sqlite_integrity.h"
 #include "store/sqlite_reader.h"
 #include "store/sqlite_writer.h"
@@ -54,32 +55,17 @@ std::int64_t SqliteStore::nextNumber()
 
 void SqliteStore::readReels(const std::function<void(StoredLog&&)>& sink)
 {
-  read([&](Database& database) { readLogs(database, LogSet::Reels, sink); });
+  read([&](Database& database) { readLogs(database, session_.version(), LogSet::Reels, sink); });
 }
 
 void SqliteStore::readOthers(const std::function<void(StoredLog&&)>& sink)
 {
-  read([&](Database& database) { readLogs(database, LogSet::Others, sink); });
+  read([&](Database& database) { readLogs(database, session_.version(), LogSet::Others, sink); });
 }
 
 std::vector<std::pair<std::string, std::int64_t>> SqliteStore::countOthersByReel()
 {
-  return read(reelhost::countOthersByReel);
-}
-
-std::vector<std::int64_t> SqliteStore::lastDeletion()
-{
-  return read(reelhost::lastDeletion);
-}
-
-void SqliteStore::readLastDeletion(const std::function<void(StoredLog&&)>& sink)
-{
-  read([&](Database& database) { readLogs(database, LogSet::LastDeletion, sink); });
-}
-
-std::int64_t SqliteStore::trashCount()
-{
-  return read(reelhost::trashCount);
+  return read([this](Database& database) { return reelhost::countOthersByReel(database, session_.version()); });
 }
 
 void SqliteStore::commit(const Changes& changes)
@@ -112,7 +98,7 @@ std::vector<std::string> SqliteStore::check()
     if (!session_.hasBegun())
       session_.beginCheck();
     problems = read([this](Database& database) {
-      std::vector<std::string> found = integrityProblems(database);
+      std::vector<std::string> found = integrityProblems(database, session_.version());
       if (const std::string missing = missingBytes(database, session_.path()); !missing.empty())
         found.push_back("only " + missing + " are there");
       readInfo(database); // throws if the tables are damaged
@@ -124,6 +110,38 @@ std::vector<std::string> SqliteStore::check()
     problems.push_back(error.what());
   }
   return problems;
+}
+
+int SqliteStore::olderVersion()
+{
+  return session_.olderVersion();
+}
+
+void SqliteStore::readRevisions(const std::function<bool(Revision&&)>& sink)
+{
+  if (keepsHistory())
+    read([&](Database& database) { reelhost::readRevisions(database, sink); });
+}
+
+RevisionChanges SqliteStore::changesOf(std::int64_t revision)
+{
+  std::optional<RevisionChanges> changes;
+  if (keepsHistory())
+    changes = read([&](Database& database) { return reelhost::changesOf(database, revision); });
+  if (!changes)
+    throw Error(ErrorKind::NotFound, subject() + ": no revision " + std::to_string(revision));
+  return std::move(*changes);
+}
+
+void SqliteStore::readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink)
+{
+  if (keepsHistory())
+    read([&](Database& database) { reelhost::readChangesOfLog(database, number, sink); });
+}
+
+std::int64_t SqliteStore::trashCount()
+{
+  return keepsHistory() ? read(reelhost::trashCount) : 0;
 }
 
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path)

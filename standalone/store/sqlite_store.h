@@ -5,17 +5,18 @@
 #define REELDB_STORE_SQLITE_STORE_H
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "reelhost/store.h"
+#include "reelhost/history.h"
 #include "store/sqlite_schema.h"
 #include "store/sqlite_session.h"
 
 namespace reelhost {
 
-class SqliteStore final : public Store {
+class SqliteStore final : public Store, public History {
 public:
   /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
@@ -29,17 +30,23 @@ public:
   void readReels(const std::function<void(StoredLog&&)>& sink) override;
   void readOthers(const std::function<void(StoredLog&&)>& sink) override;
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override;
-  std::vector<std::int64_t> lastDeletion() override;
-  void readLastDeletion(const std::function<void(StoredLog&&)>& sink) override;
-  std::int64_t trashCount() override;
   void commit(const Changes& changes) override;
   bool changedElsewhere() override;
   std::vector<std::string> check() override;
+
+  History* history() override { return this; }
+  int olderVersion() override;
+  void readRevisions(const std::function<bool(Revision&&)>& sink) override;
+  RevisionChanges changesOf(std::int64_t revision) override;
+  void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
+  std::int64_t trashCount() override;
+  void giveSpaceBack() override { session_.giveSpaceBack(); }
 
 private:
   /// Reads with @p work, which takes the database.
   template <class Work>
   auto read(Work work);
+  bool keepsHistory() const { return session_.version() >= versionWithHistory; }
 
   SqliteSession session_;
 };

@@ -2,9 +2,14 @@
 #include "store/sqlite_writer.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 #include "store/log_fields.h"
+#include "store/log_image.h"
+#include "store/revisions.h"
 #include "store/sqlite_columns.h"
+#include "store/sqlite_history.h"
 #include "store/sqlite_reader.h"
 
 namespace reelhost {
@@ -39,47 +44,171 @@ void bind(Statement& put, const StoredLog& log)
       put.bind(parameter(place), value);
 }
 
-void writeLogs(Database& database, const std::vector<StoredLog>& logs)
+/// The value, or null for the one that means unknown.
+Statement& bindKnown(Statement& put, int parameter, std::string_view text)
 {
-  Statement put(database, sqlToStoreLog());
-  Statement dropFields(database, "DELETE FROM fields WHERE log = ?1");
-  Statement putField(database, "INSERT OR REPLACE INTO fields(log, key, value) VALUES(?1, ?2, ?3)");
-  const std::int64_t lastBefore = lastNumber(database);
-  std::int64_t last = lastBefore;
-  for (const StoredLog& log : logs) {
-    bind(put, log);
-    put.run();
-    if (log.number <= lastBefore)
-      dropFields.bind(1, log.number).run();
-    for (const auto& [key, value] : log.fields)
-      if (leadingPlace(key) == shotTexts.size())
-        putField.bind(1, log.number).bind(2, key).bind(3, value).run();
-    last = std::max(last, log.number);
+  return text.empty() ? put.bindNull(parameter) : put.bind(parameter, text);
+}
+Statement& bindKnown(Statement& put, int parameter, std::int64_t number)
+{
+  return number == 0 ? put.bindNull(parameter) : put.bind(parameter, number);
+}
+
+/// Writes the changes of one revision, each together with what was there before, and then the row of the revision. What
+/// changes nothing is not written.
+class RevisionWriter {
+public:
+  explicit RevisionWriter(Database& database)
+      : database_(database), number_(database.integer("SELECT max(number) FROM revisions") + 1),
+        lastBefore_(lastNumber(database)), last_(lastBefore_)
+  {
   }
-  if (last != lastBefore)
-    Statement(database, "UPDATE project SET value = ?1 WHERE key = 'last_number'").bind(1, last).run();
+
+  void writeLogs(const std::vector<StoredLog>& logs)
+  {
+    if (logs.empty())
+      return;
+    Statement put(database_, sqlToStoreLog());
+    Statement dropFields(database_, "DELETE FROM fields WHERE log = ?1");
+    Statement putField(database_, "INSERT OR REPLACE INTO fields(log, key, value) VALUES(?1, ?2, ?3)");
+    for (const StoredLog& log : logs) {
+      if (log.number <= lastBefore_) {
+        if (!keepBefore(log))
+          continue;
+        dropFields.bind(1, log.number).run();
+      } else {
+        firstNew_ = std::min(firstNew_, log.number);
+        ++created_;
+      }
+      bind(put, log);
+      put.run();
+      for (const auto& [key, value] : log.fields)
+        if (leadingPlace(key) == shotTexts.size())
+          putField.bind(1, log.number).bind(2, key).bind(3, value).run();
+      last_ = std::max(last_, log.number);
+    }
+    if (last_ != lastBefore_)
+      Statement(database_, "UPDATE project SET value = ?1 WHERE key = 'last_number'").bind(1, last_).run();
+  }
+
+  void deleteLogs(const std::vector<std::int64_t>& numbers)
+  {
+    if (numbers.empty())
+      return;
+    Statement drop(database_, "DELETE FROM logs WHERE number = ?1");
+    for (const std::int64_t number : numbers)
+      if (const std::optional<StoredLog> log = lookup().find(number)) {
+        keep(number, imageOf(*log));
+        drop.bind(1, number).run();
+        ++deleted_;
+      }
+  }
+
+  void setOptions(const KeyValues& options, const std::vector<std::string>& unset)
+  {
+    if (options.empty() && unset.empty())
+      return;
+    const std::string before = imageOf(readOptions(database_));
+    Statement put(database_, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
+    for (const auto& [key, value] : options)
+      put.bind(1, key).bind(2, value).run();
+    Statement drop(database_, "DELETE FROM options WHERE key = ?1");
+    for (const std::string& key : unset)
+      drop.bind(1, key).run();
+    if (imageOf(readOptions(database_)) != before) {
+      keep(optionsNumber, before);
+      setsOptions_ = true;
+    }
+  }
+
+  /// @p always: even if nothing was changed.
+  void finish(const Origin& origin, const Inverse& inverse, bool always = false)
+  {
+    if (!always && created_ + changed_ + deleted_ == 0 && !setsOptions_)
+      return;
+    Statement put(database_, "INSERT INTO revisions VALUES(?1, randomblob(16), ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, "
+                             "?11, ?12, ?13, ?14, ?15)");
+    std::string elsewhere;
+    for (const std::string& line : origin.elsewhere)
+      elsewhere += (elsewhere.empty() ? "" : "\n") + line;
+    const std::string_view command = std::string_view(origin.command).substr(0, longestCommand);
+    bindKnown(put.bind(1, number_), 2, origin.time);
+    bindKnown(put, 3, origin.program);
+    bindKnown(put, 4, command);
+    bindKnown(put, 5, origin.user);
+    bindKnown(put, 6, origin.machine);
+    bindKnown(put, 7, origin.folder);
+    bindKnown(put, 8, elsewhere);
+    bindKnown(put, 9, inverse.revision).bind(10, inverse.isRedo ? 1 : 0);
+    const bool hasNew = last_ != lastBefore_;
+    bindKnown(put, 11, hasNew ? firstNew_ : 0);
+    bindKnown(put, 12, hasNew ? last_ : 0);
+    put.bind(13, created_).bind(14, changed_).bind(15, deleted_).run();
+  }
+
+private:
+  /// Keeps what @p log was before. Returns whether it was anything else.
+  bool keepBefore(const StoredLog& log)
+  {
+    const std::optional<StoredLog> before = lookup().find(log.number);
+    if (!before) {
+      changeRow().bind(1, number_).bind(2, log.number).bindNull(3).run();
+      ++created_;
+      return true;
+    }
+    const std::string image = imageOf(*before);
+    if (image == imageOf(log))
+      return false;
+    keep(log.number, image);
+    ++changed_;
+    return true;
+  }
+
+  void keep(std::int64_t number, const std::string& image)
+  {
+    // One byte at least: an empty blob means that the image was removed.
+    changeRow().bind(1, number_).bind(2, number).bindBlob(3, image.data(), image.size()).run();
+  }
+
+  LogLookup& lookup()
+  {
+    if (!lookup_)
+      lookup_.emplace(database_);
+    return *lookup_;
+  }
+  Statement& changeRow()
+  {
+    if (!changeRow_)
+      changeRow_.emplace(database_, "INSERT INTO changes(revision, log, before) VALUES(?1, ?2, ?3)");
+    return *changeRow_;
+  }
+
+  Database& database_;
+  const std::int64_t number_, lastBefore_;
+  std::int64_t last_, firstNew_ = std::numeric_limits<std::int64_t>::max();
+  std::int64_t created_ = 0, changed_ = 0, deleted_ = 0;
+  bool setsOptions_ = false;
+  std::optional<LogLookup> lookup_;
+  std::optional<Statement> changeRow_;
+};
+
+void removeForGood(Database& database, const Changes& changes)
+{
+  if (changes.compact)
+    database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
+                     "log NOT IN (SELECT number FROM logs)");
+  if (changes.forgetBefore == 0)
+    return;
+  for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
+    Statement(database, sql).bind(1, changes.forgetBefore).run();
 }
 
 } // namespace
 
 void writeChanges(Database& database, const Changes& changes)
 {
-  if (changes.undelete)
-    database.execute("UPDATE logs SET deletion = NULL "
-                     "WHERE deletion = (SELECT max(deletion) FROM logs WHERE deletion IS NOT NULL)");
-  if (changes.compact)
-    database.execute("DELETE FROM logs WHERE deletion IS NOT NULL");
-  if (!changes.logs.empty())
-    writeLogs(database, changes.logs);
-  if (!changes.deleted.empty()) {
-    const std::int64_t deletion = database.integer("SELECT max(deletion) FROM logs WHERE deletion IS NOT NULL") + 1;
-    Statement remove(database, "UPDATE logs SET deletion = ?1 WHERE number = ?2 AND deletion IS NULL");
-    for (const std::int64_t number : changes.deleted)
-      remove.bind(1, deletion).bind(2, number).run();
-  }
-  Statement option(database, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
-  for (const auto& [key, value] : changes.options)
-    option.bind(1, key).bind(2, value).run();
+  writeRevisions(
+      changes, [&] { return RevisionWriter(database); }, [&] { removeForGood(database, changes); });
 }
 
 } // namespace reelhost

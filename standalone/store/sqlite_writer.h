@@ -7,8 +7,8 @@
 
 namespace reelhost {
 
-/// Writes the changes into the tables. Throws sqlite::Failure. REQUIRES: a transaction that writes, and that is rolled
-/// back when this throws.
+/// Writes the changes and their revisions into the tables, which are up to date. Throws sqlite::Failure. REQUIRES: a
+/// transaction that writes, and that is rolled back when this throws.
 void writeChanges(sqlite::Database& database, const Changes& changes);
 
 } // namespace reelhost

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/session.h"
 
+#include <filesystem>
+
+#include "app/process.h"
 #include "app/projects.h"
 #include "app/reels.h"
+#include "app/rename.h"
 #include "reelhost/host.h"
 #include "tests/app/app_fixture.h"
 
@@ -53,6 +57,28 @@ TEST_F(Session, CommitReturnsWhetherThereWasAnythingToStore)
 {
   app::Session session({}, app::Access::Write);
   EXPECT_FALSE(session.commit());
+}
+
+TEST_F(Session, FirstCommitToAnOlderProjectIsNoticed)
+{
+  const std::filesystem::path project = folder_.path() / "projects/main.reels";
+  std::filesystem::copy_file(std::filesystem::path(REELDB_SOURCE_DIR) / "tests/standalone/store/data/version-1.reels",
+                             project, std::filesystem::copy_options::overwrite_existing);
+  std::vector<std::string> notices;
+  app::noticesTo([&](const std::string& message) { notices.push_back(message); });
+  EXPECT_EQ(reelIds().size(), 11u);
+  {
+    app::Session session({}, app::Access::Write);
+    EXPECT_FALSE(session.commit());
+  }
+  EXPECT_EQ(notices, std::vector<std::string>{});
+  for (const char* name : {"NEW1", "NEW2"}) {
+    app::Session session({}, app::Access::Write);
+    app::renameReel(session, std::string(name) == "NEW1" ? "006-J" : "NEW1", name, false);
+  }
+  app::noticesTo({});
+  EXPECT_EQ(notices, std::vector<std::string>{
+                         "main: brought up to date from version 1 (older programs cannot open it any more)"});
 }
 
 } // namespace

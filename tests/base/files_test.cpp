@@ -138,7 +138,7 @@ TEST(FileErrorTest, NamesPathFactAndCause)
   EXPECT_EQ(error.fault(), FileFault::System);
   EXPECT_EQ(error.fact(), "cannot be read");
   EXPECT_EQ(error.cause(), "No space left on device");
-  EXPECT_STREQ(FileError(FileFault::Exists, "", "already exists").what(), "\"\": exists already");
+  EXPECT_STREQ(FileError(FileFault::Exists, "", "already exists").what(), "\"\": already exists");
 }
 
 TEST(FileDescriptorTest, ClosesWithItsOwner)

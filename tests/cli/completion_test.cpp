@@ -105,6 +105,26 @@ TEST_F(Completion, ReelOfTheProjectThatWasChosen)
   EXPECT_EQ(candidates({"-p", "gone", "show", ""}), Words{"words"});
 }
 
+TEST_F(Completion, ReelOfTheProjectThatTheEnvironmentNames)
+{
+  output({"project", "new", "film"});
+  output({"-p", "film", "create", "Film 1"});
+  asked_.environment["REELDB_PROJECT"] = "film";
+  EXPECT_EQ(candidates({"show", ""}), (Words{"words", "Film 1"}));
+  EXPECT_EQ(candidates({"-p", "main", "show", "Tape"}), (Words{"words", "Tape 7"}));
+}
+
+TEST_F(Completion, RateOfAProject)
+{
+  EXPECT_EQ(candidates({"project", "rate", "5"}), (Words{"words", "50", "59.94"}));
+}
+
+TEST_F(Completion, RateOfANewFacilityNeedsNone)
+{
+  asked_.folder = "/";
+  EXPECT_EQ(candidates({"init", "--rate", "23"}), (Words{"words", "23.98"}));
+}
+
 TEST_F(Completion, DeviceGivesNumbersWithTheirNames)
 {
   EXPECT_EQ(answer({"device", "show", ""}), "words\n0\tDeck 1\n1\tCamera 1\n");

@@ -111,8 +111,39 @@ TEST_F(Export, LogHasTheRequiredColumnsAndThoseThatAreUsed)
   ASSERT_EQ(reeldb({"import", "cut.ale"}).code, 0);
   EXPECT_EQ(output({"export", "--ale"}),
             "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t25\n\nColumn\n"
-            "Name\tTracks\tStart\tEnd\tTape\n\nData\n"
-            "one\tVA1A2\t01:00:00:00\t01:00:05:00\tA001\n");
+            "Name\tTracks\tStart\tEnd\tTape\tFPS\n\nData\n"
+            "one\tVA1A2\t01:00:00:00\t01:00:05:00\tA001\t\n");
+}
+
+TEST_F(Export, DropFrameAndRateAreWrittenBack)
+{
+  dir_.write("cut.edl", "TITLE: X\nFCM: DROP FRAME\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:31"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  const std::string edl = output({"export", "--edl"});
+  EXPECT_NE(edl.find("\nFCM: DROP FRAME\n* FRAME RATE: 59.94\n001  A001 "), std::string::npos) << edl;
+  EXPECT_NE(edl.find(" 01:00:00:00 01:00:01:31 "), std::string::npos) << edl;
+  const std::string ale = output({"export", "--ale"});
+  EXPECT_NE(ale.find("\nFPS\t59.94\n"), std::string::npos) << ale;
+  EXPECT_NE(ale.find("\t01:00:00;00\t01:00:01;31\tA001\t"), std::string::npos) << ale;
+  expectSameAfter({"--edl"}, "main");
+  expectSameAfter({"--ale"}, "main");
+}
+
+TEST_F(Export, ShotsOfSeveralRatesComeBackWithTheirRates)
+{
+  const std::string titles = "\nColumn\nName\tTracks\tStart\tEnd\tTape\n\nData\n";
+  dir_.write("a.ale",
+             "Heading\nFIELD_DELIM\tTABS\nFPS\t23.976\n" + titles + "one\tV\t01:00:00:00\t01:00:05:00\tA001\n");
+  dir_.write("b.ale", "Heading\nFIELD_DELIM\tTABS\nFPS\t25\n" + titles + "two\tV\t01:00:00:00\t01:00:05:00\tA002\n");
+  dir_.write("c.edl", event(1, "A003", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "a.ale", "b.ale", "c.edl"}).code, 0);
+  const Json shots = json({"export", "--json"}).at("shots");
+  EXPECT_EQ(shots.at(0).at("frame_rate"), "23.98");
+  EXPECT_EQ(shots.at(1).at("frame_rate"), "25");
+  EXPECT_EQ(shots.at(2).at("frame_rate"), "");
+  EXPECT_NE(output({"export", "--ale"}).find("\nFPS\t25\n"), std::string::npos);
+  expectSameAfter({"--edl"}, "main");
+  expectSameAfter({"--ale"}, "main");
 }
 
 TEST_F(Export, TableQuotesWhatItMust)
@@ -121,8 +152,8 @@ TEST_F(Export, TableQuotesWhatItMust)
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
   EXPECT_EQ(output({"export", "--csv"}),
             "reel,clip,tracks,source_in,source_out,record_in,record_out,source_file,aliases,video_channels,"
-            "audio_channels\r\n"
-            "\"A\"\"1\",\"one, two\",V,01:00:00:00,01:00:01:00,01:00:00:00,01:00:01:00,,,1,0\r\n");
+            "audio_channels,frame_rate,drop_frame\r\n"
+            "\"A\"\"1\",\"one, two\",V,01:00:00:00,01:00:01:00,01:00:00:00,01:00:01:00,,,1,0,,no\r\n");
   ASSERT_EQ(reeldb({"rename", "A\"1", "B1"}).code, 0);
   ASSERT_EQ(reeldb({"set", "B1", "0=12A"}).code, 0);
   EXPECT_EQ(output({"export", "--csv", "--reels"}),

@@ -72,6 +72,8 @@ protected:
     output({"create", "gone"});
     reeldb({"delete", "gone", "--yes"});
     output({"import", "evening.edl"});
+    output({"create", "undone"});
+    output({"undo"});
   }
 
   ProcessSetting inPath_;
@@ -127,12 +129,17 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb reels-of",
                           "reeldb delete",
                           "reeldb undelete",
+                          "reeldb undo",
+                          "reeldb redo",
+                          "reeldb history",
                           "reeldb watch",
                           "reeldb project",
                           "reeldb project new",
                           "reeldb project list",
                           "reeldb project check",
+                          "reeldb project rate",
                           "reeldb project compact",
+                          "reeldb project backup",
                           "reeldb device",
                           "reeldb device list",
                           "reeldb device show",

@@ -232,6 +232,64 @@ TEST_F(Import, OddLineIsKeptWithAWarningAndIsNotAFailure)
             "source in 23:59:59:00 is after source out 00:00:01:00 (backwards, or past midnight)");
 }
 
+TEST_F(Import, ListThatContradictsTheProjectIsWarnedOfOnceWithTheLine)
+{
+  dir_.write("cut.edl", "TITLE: X\nFCM: DROP FRAME\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:28") +
+                            event(2, "A002", "V", "01:00:00:26", "01:00:01:29"));
+  const ProcessResult result = reeldb({"import", "--json", "cut.edl"});
+  EXPECT_EQ(result.code, 0);
+  const Json file = Json::parse(result.out).at("files").at(0);
+  ASSERT_EQ(file.at("warnings").size(), 1u) << result.out;
+  EXPECT_EQ(file.at("warnings").at(0).at("line"), 4);
+  EXPECT_EQ(file.at("warnings").at(0).at("reason"),
+            "source out 01:00:01:29 counts more than the 25 frames per second of the project (kept as it is)");
+  EXPECT_EQ(file.at("timing").at("drop_frame").at("line"), 2);
+  EXPECT_EQ(file.at("timing").at("frames"), 29);
+  EXPECT_TRUE(json({"shots", "--json", "A001"}).at(0).at("drop_frame").get<bool>());
+}
+
+TEST_F(Import, ListOfTheProjectsRateIsNotWarnedOf)
+{
+  output({"project", "new", "ntsc", "--rate", "29.97"});
+  dir_.write("cut.edl", "TITLE: X\nFCM: DROP FRAME\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:29"));
+  EXPECT_EQ(json({"-p", "ntsc", "import", "--json", "cut.edl"}).at("files").at(0).at("warnings"), Json::array());
+  const std::string report = output({"import", "cut.edl"});
+  EXPECT_NE(report.find("\n    line 3: source out 01:00:01:29 counts more than the 25 frames per second of the project "
+                        "(kept as it is): 001  "),
+            std::string::npos)
+      << report;
+}
+
+TEST_F(Import, WarningOfTheRateStandsAmongTheOthersByItsLine)
+{
+  dir_.write("cut.edl", "TITLE: X\n" + event(1, "A001", "V", "02:00:00:00", "01:00:01:00") +
+                            event(2, "A001", "V", "01:00:00:00", "01:00:01:29") +
+                            event(3, "A001", "V", "02:00:00:00", "01:00:01:00"));
+  const Json warnings = json({"import", "--json", "cut.edl"}).at("files").at(0).at("warnings");
+  ASSERT_EQ(warnings.size(), 3u);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(warnings.at(static_cast<std::size_t>(i)).at("line"), i + 2);
+}
+
+TEST_F(Import, LogOfAnotherRateIsWarnedOfAtItsHeading)
+{
+  dir_.write("a.ale", "Heading\nFIELD_DELIM\tTABS\nFPS\t23.976\n\nColumn\nName\tTracks\tStart\tEnd\tTape\n\nData\n"
+                      "one\tV\t01:00:00:00\t01:00:05:00\tA001\n");
+  const Json warnings = json({"import", "--json", "a.ale"}).at("files").at(0).at("warnings");
+  ASSERT_EQ(warnings.size(), 1u);
+  EXPECT_EQ(warnings.at(0),
+            (Json{{"line", 3}, {"text", "FPS 23.976"}, {"reason", "frame rate 23.98 (the project has 25)"}}));
+  EXPECT_EQ(json({"shots", "--json", "A001"}).at(0).at("frame_rate"), "23.98");
+}
+
+TEST_F(Import, FrameNumbersAreKeptAsTheyAre)
+{
+  dir_.write("cut.edl", "TITLE: X\n001  A001 V C 1009 1064 00:00:00:00 00:00:02:07\n");
+  EXPECT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(json({"shots", "--json", "A001"}).at(0).at("source_out"), "1064");
+  EXPECT_EQ(json({"import", "--json", "cut.edl"}).at("files").at(0).at("shots_added"), 0);
+}
+
 TEST_F(Import, HumanReportNamesEverything)
 {
   dir_.write("cut.edl", threeShots + event(4, "b001", "V", "01:00:09:00", "01:00:10:00") +

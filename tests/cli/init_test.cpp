@@ -90,8 +90,23 @@ TEST_F(Init, HintIsReadyToBeTyped)
                                                                                      {"plain-1.2", "plain-1.2"},
                                                                                      {"a\x1b\n", "$'a\\x1b\\n'"}}) {
     const std::string text = output({"init", folder});
-    EXPECT_NE(text.find("\nnext: cd " + word + " and reeldb import"), std::string::npos) << text;
+    EXPECT_NE(text.find("\nnext: cd " + word + ", then reeldb import"), std::string::npos) << text;
   }
+}
+
+TEST_F(Init, RateIsThatOfTheProject)
+{
+  const std::string text = output({"init", "site", "--rate", "23.976"});
+  EXPECT_EQ(text.compare(0, 56, "facility made in site, with the project main (23.98 fps)"), 0) << text;
+  EXPECT_EQ(json({"-C", "site", "project", "list", "--json"}).at(0).at("rate"), "23.98");
+}
+
+TEST_F(Init, RateThatIsNotKnownLeavesNothingBehind)
+{
+  const ProcessResult result = reeldb({"init", "site", "--rate", "26"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err.compare(0, 53, "reeldb: \"26\": no such frame rate (this facility has: "), 0) << result.err;
+  EXPECT_FALSE(fs::exists(path("site")));
 }
 
 TEST_F(Init, FacilityOfTheEnvironmentIsNotTouched)

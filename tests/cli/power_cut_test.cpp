@@ -12,7 +12,7 @@
 #include <thread>
 
 #include "cli/command_fixture.h"
-#include "reelhost/store.h"
+#include "reelhost/history.h"
 
 using namespace reeldb_tests;
 
@@ -55,8 +55,11 @@ protected:
     };
     store->readReels(write);
     store->readOthers(write);
-    out << "bin " << store->trashCount() << '\n';
-    store->readLastDeletion(write);
+    out << "trash " << store->history()->trashCount() << '\n';
+    for (std::int64_t revision = reelhost::lastDeletion(*store->history()); revision != 0; revision = 0)
+      for (reelhost::LogChange& change : store->history()->changesOf(revision).logs)
+        if (change.before)
+          write(std::move(*change.before));
     store->end();
     return out.str();
   }

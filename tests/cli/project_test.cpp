@@ -45,6 +45,22 @@ TEST_F(ProjectCommand, RateIsTakenByNameAndByCode)
   EXPECT_EQ(project("a").at("rate"), "29.97");
 }
 
+TEST_F(ProjectCommand, RateWrittenAnotherWayIsTheOneThatHasAName)
+{
+  EXPECT_EQ(output({"project", "new", "a", "--rate", "23.976"}).substr(0, 27), "project a made (23.98 fps)\n");
+  EXPECT_EQ(output({"project", "new", "b", "--rate", "30000/1001"}).substr(0, 27), "project b made (29.97 fps)\n");
+  EXPECT_EQ(output({"project", "new", "c", "--rate", "24.00"}).substr(0, 24), "project c made (24 fps)\n");
+}
+
+TEST_F(ProjectCommand, RateThatTheFacilityLacksIsRefusedHoweverItIsWritten)
+{
+  EXPECT_EQ(reeldb({"project", "new", "a", "--rate", "119.88"}).code, 2);
+  std::string toml = readFile("facility.toml");
+  toml.replace(toml.find("\"60\" = 10"), 9, "\"60\" = 10\n\"119.88\" = 40");
+  dir_.write("facility.toml", toml);
+  EXPECT_EQ(output({"project", "new", "a", "--rate", "119.880"}).substr(0, 28), "project a made (119.88 fps)\n");
+}
+
 TEST_F(ProjectCommand, UnknownRateIsAUsageErrorThatNamesTheRates)
 {
   const ProcessResult result = reeldb({"project", "new", "film", "--rate", "26"});
@@ -173,6 +189,146 @@ TEST_F(ProjectCommand, CheckOfNoProjectIsRefused)
   const ProcessResult result = reeldb({"-p", "nosuch", "project", "check"});
   EXPECT_EQ(result.code, 1);
   EXPECT_NE(result.err.find("nosuch: no such project"), std::string::npos) << result.err;
+}
+
+TEST_F(ProjectCommand, RateIsShownAndChanged)
+{
+  EXPECT_EQ(output({"project", "rate"}), "main: 25 fps\n");
+  EXPECT_EQ(output({"project", "rate", "23.976"}), "main: 23.98 fps (before: 25)\n");
+  EXPECT_EQ(output({"project", "rate"}), "main: 23.98 fps\n");
+  EXPECT_EQ(project("main").at("rate"), "23.98");
+  EXPECT_EQ(json({"export", "--json"}).at("frame_rate"), "23.98");
+  EXPECT_EQ(json({"project", "rate", "--json", "25"}),
+            (Json{{"project", "main"}, {"rate", "25"}, {"rate_code", 3}, {"before", "23.98"}, {"stored", true}}));
+}
+
+TEST_F(ProjectCommand, RateThatTheProjectHasAlreadyChangesNothing)
+{
+  const std::string before = readFile("projects/main.reels");
+  EXPECT_EQ(output({"project", "rate", "25.00"}), "main: 25 fps\n");
+  EXPECT_FALSE(json({"project", "rate", "--json", "3"}).at("stored").get<bool>());
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ProjectCommand, RateThatIsNotKnownIsNotSet)
+{
+  EXPECT_EQ(reeldb({"project", "rate", "26"}).code, 2);
+  EXPECT_EQ(output({"project", "rate"}), "main: 25 fps\n");
+}
+
+TEST_F(ProjectCommand, NewRateDecidesWhichListContradictsTheProject)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:29"));
+  const auto warnings = [&] {
+    return json({"import", "--dry-run", "--json", "cut.edl"}).at("files").at(0).at("warnings");
+  };
+  EXPECT_EQ(warnings().size(), 1u);
+  output({"project", "rate", "30"});
+  EXPECT_EQ(warnings(), Json::array());
+}
+
+class ProjectVariable : public ProjectCommand {
+protected:
+  void SetUp() override
+  {
+    ProjectCommand::SetUp();
+    output({"project", "new", "film"});
+    output({"project", "new", "promo"});
+    output({"-p", "film", "create", "F1"});
+    output({"-p", "promo", "create", "P1"});
+  }
+
+  /// What the command prints while REELDB_PROJECT has this value.
+  ProcessResult with(const std::string& project, const Words& words)
+  {
+    ProcessSetting setting = setting_;
+    setting.environment["REELDB_PROJECT"] = project;
+    return reeldb(words, setting);
+  }
+};
+
+TEST_F(ProjectVariable, NamesTheProjectThatEachCommandWorksOn)
+{
+  EXPECT_EQ(Json::parse(with("film", {"list", "--json"}).out).at(0).at("id"), "F1");
+  EXPECT_EQ(with("promo", {"create", "P2"}).code, 0);
+  EXPECT_EQ(json({"-p", "promo", "list", "--json"}).size(), 2u);
+  EXPECT_EQ(json({"list", "--json"}), Json::array());
+}
+
+TEST_F(ProjectVariable, OptionGoesBeforeIt)
+{
+  EXPECT_EQ(Json::parse(with("film", {"-p", "promo", "list", "--json"}).out).at(0).at("id"), "P1");
+}
+
+TEST_F(ProjectVariable, EmptyOneIsAsIfItWereNotThere)
+{
+  EXPECT_EQ(with("", {"list", "--json"}).out, output({"list", "--json"}));
+}
+
+TEST_F(ProjectVariable, ProjectThatIsNotThereIsReportedWithTheVariable)
+{
+  const ProcessResult result = with("nosuch", {"list"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: nosuch: no such project (REELDB_PROJECT names it; this facility has: film, main, "
+                        "promo)\n");
+  EXPECT_EQ(reeldb({"-p", "nosuch", "list"}).err,
+            "reeldb: nosuch: no such project (this facility has: film, main, promo)\n");
+}
+
+TEST_F(ProjectCommand, CompactBeforeForgetsEarlierRevisionsAndGivesTheSpaceBack)
+{
+  Words many = {"delete", "--yes"};
+  std::string list = "TITLE: T\n";
+  for (int i = 0; i < 300; ++i) {
+    many.push_back("R" + std::to_string(i));
+    list += "001  " + many.back() + " V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n";
+  }
+  dir_.write("many.edl", list);
+  output({"create", "A001"});
+  output({"import", "many.edl"});
+  reeldb(many);
+  output({"set", "A001", "bin=7"});
+  reeldb({"delete", "A001", "--yes"});
+  const auto size = fs::file_size(path("projects/main.reels"));
+  EXPECT_EQ(output({"project", "compact", "--before", "1"}), "nothing to forget\n");
+  EXPECT_EQ(output({"project", "compact", "--before", "5"}), "4 revisions forgotten\n");
+  EXPECT_LT(fs::file_size(path("projects/main.reels")) + 50'000, size);
+  const Json commits = json({"history", "--json"}).at("commits");
+  ASSERT_EQ(commits.size(), 2u);
+  EXPECT_EQ(commits[1].at("revision"), 5);
+  EXPECT_EQ(commits[0].at("command"), "reeldb project compact --before 5");
+  EXPECT_EQ(output({"undo"}).rfind("revision 5 taken back: ", 0), 0u);
+  EXPECT_EQ(reelIds(), Words{"A001"});
+  EXPECT_EQ(json({"project", "compact", "--before", "99", "--json"}).at("revisions"), 3);
+  EXPECT_EQ(json({"project", "check", "--json"}).at("sound"), true);
+}
+
+TEST_F(ProjectCommand, CompactBeforeADayForgetsWhatIsOlder)
+{
+  output({"create", "A001"});
+  EXPECT_EQ(output({"project", "compact", "--before", "2000-01-01"}), "nothing to forget\n");
+  EXPECT_EQ(output({"project", "compact", "--before", "2999-12-31"}), "1 revision forgotten\n");
+  for (const char* odd : {"2999-13-01", "yesterday", "2999-12-31x", ""}) {
+    const ProcessResult result = reeldb({"project", "compact", "--before", odd});
+    EXPECT_EQ(result.code, 2) << odd;
+  }
+  EXPECT_EQ(reeldb({"project", "compact", "--before", "x"}).err,
+            "reeldb: \"x\": neither a revision nor a day such as 2026-11-01 (reeldb history lists revisions)\n");
+}
+
+TEST_F(ProjectCommand, BackupIsAProjectOfItsOwn)
+{
+  output({"create", "A001"});
+  output({"rename", "A001", "B001"});
+  EXPECT_EQ(output({"project", "backup", "projects/copy.reels"}), "main: backed up to projects/copy.reels\n");
+  EXPECT_EQ(output({"history", "-p", "copy"}), output({"history"}));
+  output({"-p", "copy", "undo"});
+  EXPECT_EQ(reelIds(), Words{"B001"});
+  EXPECT_EQ(json({"project", "check", "--json", "-p", "copy"}).at("sound"), true);
+  const ProcessResult again = reeldb({"project", "backup", "projects/copy.reels"});
+  EXPECT_EQ(again.code, 1);
+  EXPECT_EQ(again.err, "reeldb: projects/copy.reels: already exists\n");
+  EXPECT_EQ(reeldb({"project", "backup", "no/such/folder/x"}).code, 3);
 }
 
 } // namespace

@@ -115,7 +115,7 @@ TEST_F(ReelsOf, SourcesOfAListThatAreNotReelsAreReported)
   EXPECT_EQ(Json::parse(result.out).size(), 1u);
   EXPECT_NE(result.err.find("reeldb: online.edl: BL: not a reel (black; 1 clip, line 2)\n"), std::string::npos)
       << result.err;
-  EXPECT_NE(result.err.find("reeldb: online.edl: AX: no reel (AX without a clip name or source file; 1 clip, line "
+  EXPECT_NE(result.err.find("reeldb: online.edl: AX: not a reel (AX without a clip name or source file; 1 clip, line "
                             "3)\n"),
             std::string::npos)
       << result.err;

@@ -100,7 +100,7 @@ TEST_F(ReelPanel, WithoutAFacilitySaysSo)
 {
   const ProcessResult result = runProcess({REELDB_PANEL}, setting_);
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reel-panel: REELDB_FACILITY: names no facility\n");
+  EXPECT_EQ(result.err, "reel-panel: REELDB_FACILITY: not a facility\n");
 }
 
 TEST_F(ReelPanel, ColumnsStandBelowEachOtherWhateverTheScript)

@@ -144,7 +144,7 @@ TEST(DropFrame, OnlyAt2997And5994)
     EXPECT_EQ(hasDropFrame(rate), has) << rateName(rate);
     if (has)
       continue;
-    const std::string reason = "no drop frame at " + rateName(rate) + " frames a second";
+    const std::string reason = "no drop frame at " + rateName(rate) + " frames per second";
     EXPECT_EQ(refusal("01:00:00;00", {rate, true}), reason);
     std::string label = "as it was";
     EXPECT_EQ(labelOf(0, {rate, true}, label), reason);
@@ -254,8 +254,8 @@ TEST(FramesIn, ExactTimesOnly)
   EXPECT_EQ(frames, 30'000);
   EXPECT_EQ(framesIn({-4004, 96'000}, rate2397, frames), "");
   EXPECT_EQ(frames, -1);
-  EXPECT_EQ(framesIn({1, 1}, rate2997, frames), "no whole number of frames at 29.97 frames a second");
-  EXPECT_EQ(framesIn({1, 50}, rate25, frames), "no whole number of frames at 25 frames a second");
+  EXPECT_EQ(framesIn({1, 1}, rate2997, frames), "no whole number of frames at 29.97 frames per second");
+  EXPECT_EQ(framesIn({1, 50}, rate25, frames), "no whole number of frames at 25 frames per second");
   EXPECT_EQ(frames, -1);
 }
 

@@ -94,7 +94,9 @@ void expectSound(const List& list)
       ASSERT_TRUE(utf8::is_valid(name->begin(), name->end()));
     }
     for (const std::string* time : {&clip.sourceIn, &clip.sourceOut, &clip.recordIn, &clip.recordOut})
-      ASSERT_TRUE(time->empty() || timecodeFault(*time).empty()) << *time;
+      ASSERT_TRUE(time->empty() || isFrameNumber(*time) || timecodeFault(*time).empty()) << *time;
+    ASSERT_EQ(isFrameNumber(clip.sourceIn), isFrameNumber(clip.sourceOut));
+    ASSERT_FALSE(isFrameNumber(clip.recordIn) || isFrameNumber(clip.recordOut));
     ASSERT_EQ(clip.reel.find('*'), std::string::npos);
     ASSERT_GE(clip.line, 1);
     ASSERT_LE(clip.line, list.tally.lines);

@@ -123,7 +123,8 @@ END {
   printf "%s", sections
   if (parent == "") {
     print ".SH ENVIRONMENT\n.TP\n.B REELDB_FACILITY"
-    print "The facility to work in, when \\-C names none."
+    print "The facility to work in, without \\-C."
+    print ".TP\n.B REELDB_PROJECT\nThe project to work on, without \\-p."
     print ".TP\n.B NO_COLOR\nAnything: no colours."
   } else {
     print ".SH EXIT STATUS\nAs for\n.BR reeldb (1)."

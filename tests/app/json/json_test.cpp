@@ -60,13 +60,15 @@ Shot sampleShot()
   shot.sourceFile = "a.mov";
   shot.aliases = {"A1", "A-1"};
   shot.videoChannels = 1;
+  shot.frameRate = "29.97";
+  shot.dropFrame = true;
   return shot;
 }
 
 constexpr const char* shotObject =
     R"({"reel": "A001", "clip": "WIDE", "tracks": "V", "source_in": "01:00:00:00", "source_out": "01:00:01:00",
         "record_in": "10:00:00:00", "record_out": "10:00:01:00", "source_file": "a.mov", "aliases": ["A1", "A-1"],
-        "video_channels": 1, "audio_channels": 0})";
+        "video_channels": 1, "audio_channels": 0, "frame_rate": "29.97", "drop_frame": true})";
 
 Candidate sampleCandidate()
 {
@@ -92,6 +94,10 @@ ImportReport sampleImport()
   imported.list.warnings = {{6, "odd\tline", "looks odd"}};
   imported.list.rejected = {{7, "bad\tline", "no timecodes"}};
   imported.list.tally = {20, 1, 2, 3, 4};
+  imported.list.timing.rates = {{"59.94", 8, "event"}};
+  imported.list.timing.dropFrame = {"drop frame", 2, "FCM: DROP FRAME"};
+  imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
+  imported.list.timing.frames = 56;
   return {{imported}, true, true, false, {"a remark is no part of it"}};
 }
 
@@ -104,7 +110,10 @@ constexpr const char* importObject = R"({"dry_run": true, "stored": false, "file
                     "source_ids": ["11", "12"]}],
      "warnings": [{"line": 6, "text": "odd\tline", "reason": "looks odd"}],
      "rejected": [{"line": 7, "text": "bad\tline", "reason": "no timecodes"}],
-     "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4}}]})";
+     "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4},
+     "timing": {"frame_rates": [{"says": "59.94", "line": 8, "text": "event"}],
+                "drop_frame": {"says": "drop frame", "line": 2, "text": "FCM: DROP FRAME"},
+                "most_frames": {"says": "source in 01:00:00:56", "line": 8, "text": "event"}, "frames": 56}}]})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
@@ -255,6 +264,8 @@ TEST(Json, TheFacility)
   expectJson(std::vector<Project>{{"main", true, "25", 3, ""}, {"odd", false, "", -1, "damaged"}},
              R"([{"name": "main", "default": true, "rate": "25", "rate_code": 3},
                  {"name": "odd", "default": false, "rate": "", "rate_code": -1, "fault": "damaged"}])");
+  expectJson(ProjectRate{"main", "23.98", 7, "25", true},
+             R"({"project": "main", "rate": "23.98", "rate_code": 7, "before": "25", "stored": true})");
   expectJson(ProjectCheck{"main", {"page 3: damaged"}},
              R"({"project": "main", "sound": false, "problems": ["page 3: damaged"]})");
 }

@@ -61,6 +61,15 @@ TEST_P(Containers, ElementsAreEqualToThemselvesAloneUnlessTheySayOtherwise)
   EXPECT_STREQ(text, "");
 }
 
+TEST_P(Containers, ElementsHaveAnOrder)
+{
+  PROMISE("host/containers.h", "Negative, 0 or positive if this record comes before, with or after the other.");
+  const ArrayRec a, b;
+  EXPECT_EQ(a.compare(a), 0);
+  EXPECT_NE(a.compare(b), 0);
+  EXPECT_EQ(a.compare(b) < 0, b.compare(a) > 0);
+}
+
 TEST_P(Containers, AnArrayNeitherOwnsNorCompares)
 {
   PROMISE("host/containers.h", "It does not own them, and compares them only if it is marked sorted.");

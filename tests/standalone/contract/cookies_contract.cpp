@@ -75,6 +75,44 @@ TEST_P(Cookies, ACookieIsItsUuidItsTagAndItsKind)
   EXPECT_NE(cookie.compare(Cookie(Zr::UUID(), 7, 'E')), 0);
 }
 
+TEST_P(Cookies, AnyOtherTextGivesAnInvalidOne)
+{
+  PROMISE("host/cookie.h", "Any other text, and null, gives an invalid Cookie.");
+  for (const char* const other : {static_cast<const char*>(nullptr), "", "I", "no Cookie", "E{", "Reel A001"})
+    EXPECT_FALSE(named(other).valid()) << (other ? other : "null");
+}
+
+TEST_P(Cookies, OneOfKindIIsTheInvalidOne)
+{
+  PROMISE("host/cookie.h", "Kind 'I' gives the same Cookie as Cookie().");
+  Zr::UUID uuid;
+  uuid.bytes[0] = 1;
+  EXPECT_FALSE(Cookie(uuid, 7, 'I').valid());
+  EXPECT_EQ(Cookie(uuid, 7, 'I').compare(Cookie()), 0);
+}
+
+TEST_P(Cookies, CopiesOfASetShareTheirBody)
+{
+  PROMISE("host/cookie.h", "Copies share the body, so a change to one copy changes all.");
+  CookieSet set;
+  const CookieSet copy(set);
+  set.insert(numbered(1));
+  EXPECT_EQ(copy->count(), 1);
+}
+
+TEST_P(Cookies, AnAssignedVectorKeepsItsCookies)
+{
+  PROMISE("host/cookie.h", "Copies share the storage; a change detaches it first, so no other copy sees it.");
+  CookieVec first, second;
+  first.add(numbered(1));
+  second.add(numbered(2));
+  second = first;
+  first.clear();
+  first.add(numbered(3));
+  ASSERT_EQ(second.count(), 1);
+  EXPECT_EQ(second[0].compare(numbered(1)), 0);
+}
+
 TEST_P(Cookies, AChangeOfOneVectorIsSeenByNoOther)
 {
   PROMISE("host/cookie.h", "Copies share the storage; a change detaches it first, so no other copy sees it.");

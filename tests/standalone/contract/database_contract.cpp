@@ -189,6 +189,13 @@ TEST_P(Database, WhatNamesNoLogHasNoRow)
   EXPECT_EQ((*EditManager::getProjdb())[Cookie("P0001000", false)], nullptr);
 }
 
+TEST_P(Database, AnUnknownLogHasNoFileName)
+{
+  PROMISE("host/projdb.h", "The file name of a log, unique among logs; empty for an unknown log.");
+  host().openEmptyProject("A");
+  EXPECT_TRUE(getFilenameForCookie(Cookie(), Cookie()).empty());
+}
+
 TEST_P(Database, RowsOfUnknownLogsAreUpdatedWithoutHarm)
 {
   PROMISE("host/projdb.h", "writes a changed log's fields to its row; an unknown log is ignored");

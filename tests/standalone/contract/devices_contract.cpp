@@ -217,6 +217,17 @@ TEST_P(Devices, ALabelMapIsLoadedByName)
   EXPECT_EQ(map.entries[13].format, 10u);
 }
 
+TEST_P(Devices, ANewLabelMapIsEmpty)
+{
+  PROMISE("host/device.h", "all entries zero");
+  const LabelMappingSet map;
+  for (const LabelMappingSet::Entry& entry : map.entries) {
+    EXPECT_EQ(entry.inUse, 0);
+    EXPECT_EQ(entry.source, 0u);
+    EXPECT_EQ(entry.format, 0u);
+  }
+}
+
 TEST_P(Devices, ALabelMapThatIsNotThereResetsTheEntries)
 {
   PROMISE("host/device.h",

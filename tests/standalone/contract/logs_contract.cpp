@@ -209,6 +209,16 @@ TEST_P(Logs, EachOpeningIsClosedOnce)
   EXPECT_EQ(held(), 0);
 }
 
+TEST_P(Logs, AssigningNoLogOpensNone)
+{
+  PROMISE("host/edit.h", "One more opening of a log that is open already; null: no opening.");
+  host().openEmptyProject("A");
+  EditPtr handle;
+  handle = nullptr;
+  EXPECT_EQ(handle.get(), nullptr);
+  handle.i_close();
+}
+
 TEST_P(Logs, AModifierHoldsItsLogUntilItEnds)
 {
   PROMISE("host/edit.h", "Holds a new log open for change.");
@@ -406,7 +416,10 @@ TEST_P(Logs, ChangesAreStoredWhetherMarkedOrNot)
     edit.addChan(codes::audioChannel, nullptr, false, EditChanSubType(0), false, -1.0);
     edit.reelType("Tape");
   });
-  withLog(shot, [](Edit& edit) { edit.config().set("key", "x", nullptr); });
+  withLog(shot, [](Edit& edit) {
+    edit.config().set("key", "x", nullptr);
+    edit.setDirty(true);
+  });
   host().storeAndReopen();
   EXPECT_EQ(textsOf(reelLogs()),
             (std::vector<std::string>{fresh.asString(false).c_str(), log.asString(false).c_str()}));

@@ -86,6 +86,35 @@ TEST_P(Strings, AMovedFromStringIsEmpty)
   EXPECT_TRUE(from.empty());
 }
 
+TEST_P(Strings, AMoveTakesTheText)
+{
+  PROMISE("host/lwstring.h", "takes the body; a self-move changes nothing");
+  Text from("R1"), to("R2");
+  to = std::move(from);
+  EXPECT_STREQ(to.c_str(), "R1");
+  Text& same = to;
+  to = std::move(same);
+  EXPECT_STREQ(to.c_str(), "R1");
+}
+
+TEST_P(Strings, WithoutATextThereIsNothingToWrite)
+{
+  PROMISE("host/lwstring.h", "Null without a body.");
+  EXPECT_EQ(Text().writable(), nullptr);
+  Text text("R1");
+  text.append(static_cast<const char*>(nullptr));
+  EXPECT_STREQ(text.c_str(), "R1");
+}
+
+TEST_P(Strings, AWideCopyKeepsItsText)
+{
+  PROMISE("host/lwstring.h", "A string that shares its text with its copies.");
+  Wide original(L"Deck");
+  const Wide copy(original);
+  original.append(L" 2");
+  EXPECT_EQ(std::wstring(copy.c_str()), L"Deck");
+}
+
 TEST_P(Strings, AddUp)
 {
   PROMISE("host/lwstring.h", "Concatenates the two texts.");

@@ -178,6 +178,36 @@ TEST_P(Texts, AStreamTakesOneSeparatorAfterEachPiece)
   EXPECT_EQ(pieces("a b", "", false), (Pieces{"a b"})); // no separators by default
 }
 
+TEST_P(Texts, AStreamOverABufferReadsIt)
+{
+  PROMISE("host/text.h", "borrows the buffer, which must not change while it is read");
+  GrowString buffer;
+  buffer.append("a b");
+  ByteStream stream(buffer);
+  stream.separators = " ";
+  GrowString piece;
+  stream >> piece;
+  EXPECT_STREQ(piece, "a");
+  stream >> piece;
+  EXPECT_STREQ(piece, "b");
+  EXPECT_TRUE(stream.atEnd());
+  stream >> piece;
+  EXPECT_STREQ(piece, "");
+  EXPECT_STREQ(buffer, "a b");
+}
+
+TEST_P(Texts, ABufferMayAppendItsOwnText)
+{
+  PROMISE("host/text.h", "null appends nothing; may lie in this buffer");
+  GrowString buffer;
+  buffer.append("0123456789");
+  for (int i = 0; i < 5; ++i)
+    buffer.append(buffer);
+  EXPECT_EQ(std::string(static_cast<const char*>(buffer)).size(), 320u);
+  buffer.append(static_cast<const char*>(nullptr));
+  EXPECT_EQ(std::string(static_cast<const char*>(buffer)).size(), 320u);
+}
+
 TEST_P(Texts, AStreamOverAFileEndsWhereTheFileDoes)
 {
   PROMISE("host/text.h", "borrows the file and never closes it; a read error counts as the end");

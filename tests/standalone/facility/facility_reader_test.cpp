@@ -40,6 +40,16 @@ TEST_F(FacilityReaderTest, EmptyFileIsAFacilityOfDefaults)
   EXPECT_EQ(facility.frameRates(), Facility().frameRates());
   EXPECT_TRUE(facility.devices().empty());
   EXPECT_FALSE(facility.stateChanged());
+  EXPECT_TRUE(facility.keepsNames());
+}
+
+TEST_F(FacilityReaderTest, HistoryWithoutNamesIsRead)
+{
+  EXPECT_FALSE(read("[history]\nnames = false\n").keepsNames());
+  EXPECT_TRUE(read("[history]\nnames = true\n").keepsNames());
+  EXPECT_TRUE(read("[history]\n").keepsNames());
+  EXPECT_NE(errorFor("[history]\nnames = 0\n").find("facility.toml:2: history.names"), std::string::npos);
+  EXPECT_NE(errorFor("[history]\nname = true\n").find("facility.toml:2: history.name"), std::string::npos);
 }
 
 TEST_F(FacilityReaderTest, EveryValueIsRead)
@@ -153,9 +163,9 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
       {"[facility]\nname = \"a\"\nname = \"b\"\n",
        "3: not valid TOML (Error while parsing key-value pair: cannot redefine existing string 'name')"},
       {"\n[system]\nkey = \"\xFF\"\n", "3: not valid TOML (Encountered invalid utf-8 sequence)"},
-      {"\nfoo = 1\n", "2: foo: unknown key (known: facility, texts, frame_rates, system, device)"},
-      {"zoo = 1\nair = 2\n", "1: zoo: unknown key (known: facility, texts, frame_rates, system, device)"},
-      {"[devices]\n", "1: devices: unknown key (known: facility, texts, frame_rates, system, device)"},
+      {"\nfoo = 1\n", "2: foo: unknown key (known: facility, texts, frame_rates, system, device, history)"},
+      {"zoo = 1\nair = 2\n", "1: zoo: unknown key (known: facility, texts, frame_rates, system, device, history)"},
+      {"[devices]\n", "1: devices: unknown key (known: facility, texts, frame_rates, system, device, history)"},
       {"facility = 3\n", "1: facility: a table is needed (this is a whole number)"},
       {"[facility]\n\nnam = \"x\"\n", "3: facility.nam: unknown key (known: name, default_project, default_reel_type)"},
       {"[facility]\nname = 3.5\n", "2: facility.name: a text is needed (this is a decimal number)"},

@@ -29,9 +29,7 @@ public:
   void readReels(const Sink& sink) override { to_->readReels(sink); }
   void readOthers(const Sink& sink) override { to_->readOthers(sink); }
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override { return to_->countOthersByReel(); }
-  std::vector<std::int64_t> lastDeletion() override { return to_->lastDeletion(); }
-  void readLastDeletion(const Sink& sink) override { to_->readLastDeletion(sink); }
-  std::int64_t trashCount() override { return to_->trashCount(); }
+  reelhost::History* history() override { return to_->history(); }
   void commit(const reelhost::Changes& changes) override { to_->commit(changes); }
   bool changedElsewhere() override { return to_->changedElsewhere(); }
   std::vector<std::string> check() override { return to_->check(); }

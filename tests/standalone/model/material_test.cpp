@@ -25,6 +25,8 @@ protected:
     material.aliases = "A001\nA001_C002";
     material.videoChannels = 1;
     material.audioChannels = 2;
+    material.frameRate = "29.97";
+    material.dropFrame = true;
     return material;
   }
 };
@@ -37,6 +39,20 @@ TEST_F(MaterialTest, AnImportIsReportedOnceItIsThere)
   const Cookie log = reelhost::importMaterial(clip("R1"));
   EXPECT_EQ(listener.heard, std::vector<std::string>{"modified " + text(log) + " 59"});
   EXPECT_TRUE(wasThere);
+}
+
+TEST_F(MaterialTest, RateAndDropFrameThatTheListDoesNotSayAreNoKeysOfTheLog)
+{
+  Material material = clip("R1");
+  material.frameRate.clear();
+  material.dropFrame = false;
+  const Cookie log = reelhost::importMaterial(material);
+  EXPECT_EQ(reelhost::materialOf(log).frameRate, "");
+  EXPECT_FALSE(reelhost::materialOf(log).dropFrame);
+  EditInfo shot(log, codes::openAsUsual);
+  EXPECT_EQ(shot->config().in(reelhost::frameRateKey), nullptr);
+  EXPECT_EQ(shot->config().in(reelhost::dropFrameKey), nullptr);
+  shot.i_close();
 }
 
 TEST_F(MaterialTest, EverythingOfAClipIsStored)
@@ -57,6 +73,8 @@ TEST_F(MaterialTest, EverythingOfAClipIsStored)
   EXPECT_EQ(stored.aliases, wanted.aliases);
   EXPECT_EQ(stored.videoChannels, 1);
   EXPECT_EQ(stored.audioChannels, 2);
+  EXPECT_EQ(stored.frameRate, "29.97");
+  EXPECT_TRUE(stored.dropFrame);
   EXPECT_EQ(reelIdOf(log), "R1");
   EXPECT_EQ(fieldOf(log, "source_file"), "A001.mov");
 }

@@ -352,6 +352,30 @@ TEST_F(OpenProject, OptionsWithoutAProjectAreGoneAtOnce)
   EXPECT_EQ(EditManager::ProjOpts().in("a"), nullptr);
 }
 
+TEST_F(OpenProject, RateThatAnOptionHoldsGoesBeforeThatOfTheStore)
+{
+  openMemory();
+  const int first = reelhost::projectInfo().frameRate;
+  EditManager::ProjOpts().set(reelhost::frameRateOption, "7", nullptr);
+  EXPECT_EQ(reelhost::projectInfo().frameRate, first);
+  reelhost::commit();
+  reopen();
+  EXPECT_EQ(reelhost::projectInfo().frameRate, 7);
+  EXPECT_EQ(reelhost::projectInfo().outputFrameRate, 7);
+  EXPECT_EQ(Zr::CurrentProject::getFrameRate({}), 7);
+  EXPECT_EQ(reelhost::projectStore().info().frameRate, first);
+}
+
+TEST_F(OpenProject, OptionThatHoldsNoRateIsIgnored)
+{
+  openMemory();
+  const int first = reelhost::projectInfo().frameRate;
+  EditManager::ProjOpts().set(reelhost::frameRateOption, "fast", nullptr);
+  reelhost::commit();
+  reopen();
+  EXPECT_EQ(reelhost::projectInfo().frameRate, first);
+}
+
 // --- Other processes -----------------------------------------------------------------------------
 
 class SharedProject : public HostTest {

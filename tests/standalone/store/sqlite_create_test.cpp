@@ -32,7 +32,7 @@ TEST_F(SqliteCreate, MakesOneFileAtRestInWriteAheadMode)
   const std::string bytes = bytesOf(file());
   EXPECT_EQ(bytes.substr(0, 15), "SQLite format 3");
   EXPECT_EQ(bytes.substr(18, 2), "\x02\x02"); // write-ahead log for writing and reading
-  EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\1", 4));
+  EXPECT_EQ(bytes.substr(60, 4), std::string("\0\0\0\2", 4));
   EXPECT_EQ(bytes.substr(68, 4), "REEL");
   struct stat status = {};
   ASSERT_EQ(::stat(file().c_str(), &status), 0);

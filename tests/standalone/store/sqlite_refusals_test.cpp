@@ -209,8 +209,8 @@ TEST_F(SqliteRefusals, DatabaseOfAnotherApplicationWithAnUnfinishedLog)
 TEST_F(SqliteRefusals, NewerVersion)
 {
   makeProject();
-  runSql(file(), "PRAGMA user_version = 2");
-  expectRefused("Unreadable: of a newer version (2; this program reads up to 1)");
+  runSql(file(), "PRAGMA user_version = 3");
+  expectRefused("Unreadable: of a newer version (3; this program reads up to 2)");
 }
 
 TEST_F(SqliteRefusals, NewerVersionThatIsStillInTheLog)
@@ -218,12 +218,12 @@ TEST_F(SqliteRefusals, NewerVersionThatIsStillInTheLog)
   makeProject();
   const auto reader = makeSqliteStore(file()); // keeps the log from being moved into the file
   reader->begin(Access::Read, noPatience);
-  runSql(file(), "PRAGMA user_version = 3");
-  EXPECT_EQ(bytesOf(file())[63], 1);
-  EXPECT_EQ(beginError(Access::Read), withSubject("Unreadable: of a newer version (3; this program reads up to 1)"));
+  runSql(file(), "PRAGMA user_version = 4");
+  EXPECT_EQ(bytesOf(file())[63], 2);
+  EXPECT_EQ(beginError(Access::Read), withSubject("Unreadable: of a newer version (4; this program reads up to 2)"));
   reader->end();
   EXPECT_EQ(errorOf([&] { reader->begin(Access::Write, noPatience); }),
-            withSubject("Unreadable: of a newer version (3; this program reads up to 1)"));
+            withSubject("Unreadable: of a newer version (4; this program reads up to 2)"));
 }
 
 TEST_F(SqliteRefusals, VersionZero)

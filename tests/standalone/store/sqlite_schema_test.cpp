@@ -65,8 +65,6 @@ void expectContentOfVersion1(Store& project)
   EXPECT_EQ(info.outputFrameRate, 8);
   EXPECT_EQ(project.options(), (KeyValues{{"reeldb_defaultType", "Tape 2ch"}}));
   EXPECT_EQ(project.nextNumber(), 8);
-  EXPECT_EQ(project.trashCount(), 1);
-  EXPECT_EQ(project.lastDeletion(), std::vector<std::int64_t>{5});
   EXPECT_EQ(project.countOthersByReel(), (std::vector<std::pair<std::string, std::int64_t>>{{"r1", 1}}));
   project.end();
   StoredLog reel;
@@ -103,17 +101,187 @@ TEST_F(SqliteSchema, FileOfVersion1IsReadAndWritten)
   EXPECT_EQ(project->check(), std::vector<std::string>{});
   store(*project, logChanges({exampleLog(8, 9)}));
   EXPECT_EQ(numbersOf(*project), (std::vector<std::int64_t>{1, 8, 2}));
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
 }
 
-TEST_F(SqliteSchema, NewFileHasTheTablesOfVersion1)
+TEST_F(SqliteSchema, ReadingAFileOfVersion1LeavesEveryByteOfIt)
 {
   runSql(file(), fileOfVersion1);
+  const std::string before = bytesOf(file());
+  {
+    const auto project = makeSqliteStore(file());
+    expectContentOfVersion1(*project);
+    EXPECT_EQ(revisionsOf(*project).size(), 0u);
+    EXPECT_EQ(trashCountOf(*project), 0);
+    project->begin(Access::Read, noPatience);
+    EXPECT_EQ(project->history()->olderVersion(), 1);
+  }
+  EXPECT_EQ(bytesOf(file()), before);
+}
+
+TEST_F(SqliteSchema, UseForWritingThatStoresNothingLeavesTheFileInItsVersion)
+{
+  runSql(file(), fileOfVersion1);
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->history()->olderVersion(), 1);
+  EXPECT_EQ(project->history()->trashCount(), 1); // as it is going to be
+  project->commit({});
+  EXPECT_EQ(runSql(file(), "PRAGMA user_version"), "1");
+  expectContentOfVersion1(*project);
+}
+
+TEST_F(SqliteSchema, TablesOfAFileBroughtUpToDateAreThoseOfANewFile)
+{
+  runSql(file(), fileOfVersion1);
+  store(*makeSqliteStore(file()), logChanges({exampleLog(8, 9)}));
   const fs::path made = file().native() + ".new";
   createSqliteProject(made, exampleInfo(), {});
   const std::string tables = "SELECT group_concat(replace(replace(sql, char(10), ''), ' ', ''), ';') FROM "
                              "(SELECT sql FROM sqlite_schema WHERE sql IS NOT NULL ORDER BY name)";
   // The columns have the same order, types and constraints; only the line breaks differ.
   EXPECT_EQ(runSql(made, tables), runSql(file(), tables));
+}
+
+// --- The file that a program of version 1 wrote: a list imported, two reels changed, one renamed, two deletions. -----
+
+class FileOfVersion1 : public SqliteSchema {
+protected:
+  void SetUp() override
+  {
+    fs::copy_file(fs::path(REELDB_SOURCE_DIR) / "tests/standalone/store/data/version-1.reels", file());
+  }
+  void bringUpToDate() { store(*makeSqliteStore(file()), logChanges({exampleLog(100, 9)})); }
+};
+
+TEST_F(FileOfVersion1, ItsTrashBecomesARevisionForEachDeletion)
+{
+  bringUpToDate();
+  const auto project = makeSqliteStore(file());
+  const std::vector<Revision> revisions = revisionsOf(*project);
+  ASSERT_EQ(revisions.size(), 3u);
+  EXPECT_EQ(revisions[0].number, 1);
+  EXPECT_EQ(revisions[0].deleted, 2);
+  EXPECT_EQ(revisions[0].origin.time, 0);
+  EXPECT_EQ(revisions[0].origin.command, "");
+  EXPECT_EQ(revisions[1].deleted, 5);
+  EXPECT_EQ(revisions[2].created, 1);
+  EXPECT_NE(revisions[0].token, revisions[1].token);
+  EXPECT_EQ(trashCountOf(*project), 7);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+}
+
+TEST_F(FileOfVersion1, ItsDeletionsComeBackAsTheyWere)
+{
+  const fs::path old = file().native() + ".old";
+  fs::copy_file(file(), old);
+  // What version 1 itself would bring back.
+  runSql(old, "UPDATE logs SET deletion = NULL");
+  const auto whole = makeSqliteStore(old);
+  const std::vector<std::string> reels = reelsOf(*whole), others = othersOf(*whole);
+  bringUpToDate();
+  const auto project = makeSqliteStore(file());
+  for (int deletion = 0; deletion < 2; ++deletion) {
+    Changes changes;
+    changes.inverse = inverseOfLastDeletion(*project);
+    store(*project, changes);
+  }
+  EXPECT_EQ(trashCountOf(*project), 0);
+  std::vector<std::string> back = reelsOf(*project);
+  back.pop_back(); // the one that brought the file up to date
+  EXPECT_EQ(back, reels);
+  EXPECT_EQ(othersOf(*project), others);
+}
+
+TEST_F(FileOfVersion1, ReadOnlyPlaceIsReadAsItIs)
+{
+  const std::string before = bytesOf(file());
+  fs::permissions(file(), fs::perms::owner_read);
+  fs::permissions(file().parent_path(), fs::perms::owner_read | fs::perms::owner_exec);
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(reelsOf(*project).size(), 11u);
+  EXPECT_EQ(revisionsOf(*project).size(), 0u);
+  EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }).rfind("ReadOnly: ", 0), 0u);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  fs::permissions(file().parent_path(), fs::perms::owner_all);
+  EXPECT_EQ(bytesOf(file()), before);
+}
+
+TEST_F(FileOfVersion1, FullDiskLeavesItInItsVersion)
+{
+  TempMount disk("size=128k");
+  if (!disk.mounted())
+    GTEST_SKIP() << "needs root to mount a small file system";
+  const fs::path place = disk / "full.reels";
+  fs::copy_file(file(), place);
+  const std::string before = bytesOf(place);
+  const auto fill = [&](std::size_t bytes) { writeBytes(disk / "filler", std::string(bytes, 'x')); };
+  int refused = 0;
+  for (std::size_t left = 0; left <= 96 * 1024; left += 4096) {
+    fill(96 * 1024 - left);
+    const auto project = makeSqliteStore(place);
+    const std::string error = errorOf([&] { store(*project, logChanges({exampleLog(100, 9)})); });
+    if (error == "nothing")
+      break;
+    ++refused;
+    EXPECT_EQ(error.rfind("Io: ", 0), 0u) << error;
+    EXPECT_EQ(reelsOf(*project).size(), 11u);
+    EXPECT_EQ(bytesOf(place).substr(60, 4), before.substr(60, 4)); // its version
+  }
+  EXPECT_GT(refused, 0);
+  EXPECT_EQ(makeSqliteStore(place)->check(), std::vector<std::string>{});
+}
+
+/// The steps of a program that knows version 1 only.
+const SchemaSteps& firstSteps()
+{
+  static const SchemaSteps steps = {schemaSteps()[0]};
+  return steps;
+}
+
+TEST_F(FileOfVersion1, OlderProgramThatHasItOpenReadsOnAndThenRefuses)
+{
+  SqliteStore old(file(), firstSteps());
+  old.begin(Access::Read, noPatience);
+  bringUpToDate();
+  int reels = 0;
+  old.readReels([&](StoredLog&&) { ++reels; });
+  EXPECT_EQ(reels, 11); // its snapshot
+  old.end();
+  EXPECT_TRUE(old.changedElsewhere());
+  const std::string refusal = "Unreadable: " + file().native() + ": of a newer version (2; this program reads up to 1)";
+  EXPECT_EQ(errorOf([&] { old.begin(Access::Read, noPatience); }), refusal);
+  EXPECT_EQ(errorOf([&] { old.begin(Access::Write, noPatience); }), refusal);
+}
+
+TEST_F(FileOfVersion1, OlderProgramThatWritesIsWaitedFor)
+{
+  SqliteStore old(file(), firstSteps());
+  old.begin(Access::Write, noPatience);
+  const auto project = makeSqliteStore(file());
+  EXPECT_EQ(errorOf([&] { project->begin(Access::Write, noPatience); }),
+            "Busy: " + file().native() + ": held by another process");
+  EXPECT_EQ(reelsOf(*project).size(), 11u);
+  old.end();
+  bringUpToDate();
+}
+
+TEST_F(FileOfVersion1, ProcessKilledWhileItBringsItUpToDateLeavesIt)
+{
+  const std::string before = bytesOf(file());
+  {
+    Child upgrading([this] {
+      static std::unique_ptr<Store> held;
+      held = makeSqliteStore(file());
+      held->begin(Access::Write, noPatience); // the tables are new from here on, in its transaction
+    });
+    upgrading.waitUntilDone();
+    upgrading.kill();
+  }
+  EXPECT_EQ(bytesOf(file()), before);
+  EXPECT_EQ(reelsOf(*makeSqliteStore(file())).size(), 11u);
+  bringUpToDate();
+  EXPECT_EQ(trashCountOf(*makeSqliteStore(file())), 7);
 }
 
 TEST_F(SqliteSchema, DocumentShowsTheTablesOfANewFile)
@@ -139,22 +307,48 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
   {
     const auto project = makeSqliteStore(file());
     store(*project, logChanges({log}));
-    Changes changes;
-    changes.deleted = {3};
+    Changes changes = logChanges({exampleLog(4, 9)});
+    changes.options = {{"o", "q"}};
+    changes.origin = {1, "reeldb 14", "reeldb create", "anna", "suite1", "/work", {"device VTR: last reel R4", "x"}};
+    store(*project, changes);
+    changes = {};
+    changes.deleted = {4};
+    store(*project, changes);
+    changes.deleted = {};
+    changes.inverse = {3, true, {exampleLog(4, 9)}, {}, {}, {}};
+    store(*project, changes);
+    changes.inverse = {};
+    changes.deleted = {4};
+    store(*project, changes);
+    changes = {};
+    changes.compact = true;
     store(*project, changes);
   }
-  EXPECT_EQ(runSql(file(),
-                   "SELECT number || '|' || type || '|' || deletion || '|' || hex(uuid) || '|' || tag || '|' || "
-                   "kind || '|' || imported || '|' || entire_medium || '|' || name || '|' || reel_type || '|' "
-                   "|| video || '|' || audio || '|' || reel_id || '|' || source_file || '|' || source_in || "
-                   "'|' || ifnull(source_out, 'NULL') FROM logs"),
-            "3|1|1|03000000000000000000000000000000|3|E|1|1|name 3|type 3|3|3|R3|clip3.mov|01:00:00:00|NULL");
+  EXPECT_EQ(runSql(file(), "SELECT number || '|' || type || '|' || hex(uuid) || '|' || tag || '|' || "
+                           "kind || '|' || imported || '|' || entire_medium || '|' || name || '|' || reel_type || '|' "
+                           "|| video || '|' || audio || '|' || reel_id || '|' || source_file || '|' || source_in || "
+                           "'|' || ifnull(source_out, 'NULL') FROM logs"),
+            "3|1|03000000000000000000000000000000|3|E|1|1|name 3|type 3|3|3|R3|clip3.mov|01:00:00:00|NULL");
   EXPECT_EQ(runSql(file(), "SELECT group_concat(log || key || value) FROM fields"), "3kv");
   EXPECT_EQ(
       runSql(file(), "SELECT group_concat(key || '=' || typeof(value)) FROM (SELECT * FROM project ORDER BY key)"),
       "frame_rate=integer,last_number=integer,name=text,output_frame_rate=integer,uuid=blob");
-  EXPECT_EQ(runSql(file(), "SELECT value FROM project WHERE key = 'last_number'"), "3");
-  EXPECT_EQ(runSql(file(), "SELECT group_concat(key || value) FROM options"), "op");
+  EXPECT_EQ(runSql(file(), "SELECT value FROM project WHERE key = 'last_number'"), "4");
+  EXPECT_EQ(runSql(file(), "SELECT group_concat(key || value) FROM options"), "oq");
+  EXPECT_EQ(runSql(file(),
+                   "SELECT group_concat(number || ',' || time || ',' || program || ',' || command || ',' || user "
+                   "|| ',' || machine || ',' || folder || ',' || elsewhere || ',' || length(token)) "
+                   "FROM revisions WHERE time IS NOT NULL"),
+            "2,1,reeldb 14,reeldb create,anna,suite1,/work,device VTR: last reel R4\nx,16");
+  EXPECT_EQ(runSql(file(), "SELECT group_concat(number || ':' || ifnull(takes_back, '') || is_redo || ' ' || "
+                           "ifnull(first_new || '-' || last_new, '') || ' ' || created || changed || deleted, '; ') "
+                           "FROM revisions"),
+            "1:0 3-3 100; 2:0 4-4 100; 3:0  001; 4:31  100; 5:0  001; 6:0  000");
+  EXPECT_EQ(
+      runSql(file(),
+             "SELECT group_concat(revision || ':' || log || ' ' || iif(before IS NULL, 'null', hex(before)), '; ') "
+             "FROM changes"),
+      "2:0 6F007000; 3:4 ; 4:4 null; 5:4 ");
 }
 
 // Two more versions, as a later program may have them.
@@ -162,44 +356,49 @@ const SchemaSteps& laterSteps()
 {
   static const SchemaSteps steps = {
       schemaSteps()[0],
-      "ALTER TABLE project RENAME TO project_old; CREATE TABLE project(key TEXT PRIMARY KEY NOT NULL, value ANY NOT "
-      "NULL) STRICT, WITHOUT ROWID; INSERT INTO project SELECT * FROM project_old; DROP TABLE project_old; INSERT INTO "
-      "options VALUES('step', 'two')",
-      "UPDATE options SET value = value || ', three' WHERE key = 'step'",
+      schemaSteps()[1],
+      sqlStep(
+          "ALTER TABLE project RENAME TO project_old; CREATE TABLE project(key TEXT PRIMARY KEY NOT NULL, value ANY "
+          "NOT NULL) STRICT, WITHOUT ROWID; INSERT INTO project SELECT * FROM project_old; DROP TABLE project_old; "
+          "INSERT INTO options VALUES('step', 'three')"),
+      sqlStep("UPDATE options SET value = value || ', four' WHERE key = 'step'"),
   };
   return steps;
 }
 
-TEST_F(SqliteSchema, OlderFileIsBroughtUpStepByStep)
+TEST_F(SqliteSchema, OlderFileIsBroughtUpStepByStepByWhatIsStored)
 {
-  for (const Access access : {Access::Read, Access::Write}) {
-    fs::remove(file());
-    runSql(file(), fileOfVersion1);
-    SqliteStore project(file(), laterSteps());
-    project.begin(access, noPatience);
-    EXPECT_EQ(project.options(), (KeyValues{{"reeldb_defaultType", "Tape 2ch"}, {"step", "two, three"}}));
-    EXPECT_EQ(project.nextNumber(), 8);
-    project.end();
-    EXPECT_EQ(runSql(file(), "PRAGMA user_version"), "3");
-    project.begin(access, noPatience); // nothing is left to do
-    EXPECT_EQ(project.options()[1].second, "two, three");
-  }
+  runSql(file(), fileOfVersion1);
+  SqliteStore project(file(), laterSteps());
+  project.begin(Access::Read, noPatience);
+  EXPECT_EQ(project.options(), (KeyValues{{"reeldb_defaultType", "Tape 2ch"}}));
+  project.begin(Access::Write, noPatience);
+  EXPECT_EQ(project.olderVersion(), 1);
+  EXPECT_EQ(project.options(), (KeyValues{{"reeldb_defaultType", "Tape 2ch"}, {"step", "three, four"}}));
+  EXPECT_EQ(project.nextNumber(), 8);
+  project.commit(logChanges({exampleLog(8, 9)}));
+  EXPECT_EQ(runSql(file(), "PRAGMA user_version"), "4");
+  project.begin(Access::Write, noPatience); // nothing is left to do
+  EXPECT_EQ(project.olderVersion(), 0);
+  EXPECT_EQ(project.options()[1].second, "three, four");
 }
 
 TEST_F(SqliteSchema, FileOfAVersionInBetweenTakesOnlyTheStepsItLacks)
 {
-  runSql(file(), fileOfVersion1);
-  runSql(file(), "INSERT INTO options VALUES('step', 'two by hand'); PRAGMA user_version = 2");
+  createSqliteProject(file(), exampleInfo(), {});
+  runSql(file(), "INSERT INTO options VALUES('step', 'three by hand'); PRAGMA user_version = 3");
   SqliteStore project(file(), laterSteps());
+  store(project, logChanges({exampleLog(1, 9)}));
   project.begin(Access::Read, noPatience);
-  EXPECT_EQ(project.options()[1].second, "two by hand, three");
+  EXPECT_EQ(project.options()[0].second, "three by hand, four");
 }
 
 TEST_F(SqliteSchema, StepThatFailsLeavesTheFileInItsVersion)
 {
   runSql(file(), fileOfVersion1);
-  static const SchemaSteps broken = {schemaSteps()[0], "INSERT INTO options VALUES('step', 'two')",
-                                     "UPDATE missing SET x = 1"};
+  static const SchemaSteps broken = {schemaSteps()[0], schemaSteps()[1],
+                                     sqlStep("INSERT INTO options VALUES('step', 'three')"),
+                                     sqlStep("UPDATE missing SET x = 1")};
   const std::string before = bytesOf(file());
   {
     SqliteStore project(file(), broken);
@@ -208,29 +407,6 @@ TEST_F(SqliteSchema, StepThatFailsLeavesTheFileInItsVersion)
   }
   EXPECT_EQ(bytesOf(file()), before);
   expectContentOfVersion1(*makeSqliteStore(file()));
-}
-
-TEST_F(SqliteSchema, OlderFileThatCannotBeWrittenIsRefused)
-{
-  runSql(file(), fileOfVersion1);
-  fs::permissions(file(), fs::perms::owner_read);
-  SqliteStore project(file(), laterSteps());
-  EXPECT_EQ(errorOf([&] { project.begin(Access::Read, noPatience); }),
-            "Unreadable: " + file().native() +
-                ": of an older version (1) and cannot be brought up to date (its mode does not allow writing)");
-}
-
-TEST_F(SqliteSchema, OlderFileThatIsBusyIsReportedAsBusy)
-{
-  runSql(file(), fileOfVersion1);
-  const auto holder = makeSqliteStore(file());
-  holder->begin(Access::Write, noPatience);
-  SqliteStore project(file(), laterSteps());
-  EXPECT_EQ(errorOf([&] { project.begin(Access::Read, noPatience); }),
-            "Busy: " + file().native() + ": held by another process");
-  holder->end();
-  project.begin(Access::Read, noPatience);
-  EXPECT_EQ(project.options()[1].second, "two, three");
 }
 
 TEST(FileStart, ReadsWhatTheFirstHundredBytesSay)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/sqlite_store.h"
 
+#include <iostream>
 #include <memory>
 #include <stdexcept>
 
@@ -40,12 +41,11 @@ TEST_F(SqliteStoreTest, WhatIsCommittedIsThereForTheNextStore)
   const auto project = makeSqliteStore(file());
   EXPECT_EQ(reelsOf(*project), reels);
   EXPECT_EQ(othersOf(*project), others);
+  Changes changes;
+  changes.inverse = inverseOfLastDeletion(*project);
   project->begin(Access::Write, noPatience);
   EXPECT_EQ(project->options(), (KeyValues{{"k", "v"}}));
-  EXPECT_EQ(project->lastDeletion(), (Numbers{3}));
   EXPECT_EQ(project->nextNumber(), 4);
-  Changes changes;
-  changes.undelete = true;
   project->commit(changes);
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 2}));
 }
@@ -75,17 +75,72 @@ TEST_F(SqliteStoreTest, RefusedValueStoresNothingOfTheCommit)
   EXPECT_EQ(numbersOf(*project), Numbers{});
 }
 
-TEST_F(SqliteStoreTest, CompactTakesTheFieldsOfItsLogsAlong)
+TEST_F(SqliteStoreTest, DeletionTakesTheFieldsOfItsLogsAlong)
 {
   const auto project = makeSqliteStore(file());
   store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
   Changes changes;
   changes.deleted = {1};
   store(*project, changes);
-  Changes compact;
-  compact.compact = true;
-  store(*project, compact);
   EXPECT_EQ(runSql(file(), "SELECT group_concat(DISTINCT log) FROM fields"), "2");
+}
+
+/// Pages in the write-ahead log of an open project, as long as none of it has moved into the file.
+std::size_t pagesInLog(const fs::path& project)
+{
+  constexpr std::size_t logHeader = 32, frame = 24 + 4096;
+  const std::size_t size = fs::file_size(project.native() + "-wal");
+  return size < logHeader ? 0 : (size - logHeader) / frame;
+}
+
+TEST_F(SqliteStoreTest, ChangeOfOneFieldWritesFourPagesOnAverage)
+{
+  constexpr int reels = 10'000, commits = 100;
+  {
+    const auto project = makeSqliteStore(file());
+    std::vector<StoredLog> logs;
+    for (int number = 1; number <= reels; ++number)
+      logs.push_back(exampleLog(number, 9));
+    store(*project, logChanges(logs));
+  }
+  const auto project = makeSqliteStore(file());
+  numbersOf(*project); // opens it
+  const std::size_t before = pagesInLog(file());
+  for (int commit = 0; commit < commits; ++commit) {
+    StoredLog log = exampleLog(1 + commit * 97 % reels, 9);
+    log.fields.emplace_back("reel_userfield0", "scene " + std::to_string(commit));
+    Changes changes = logChanges({log});
+    changes.origin = {1700000000, "reeldb 14.0.0.0", "reeldb set A001 scene=7", "anna", "suite1", "/work/site", {}};
+    store(*project, changes);
+  }
+  const std::size_t pages = pagesInLog(file()) - before;
+  std::cout << static_cast<double>(pages) / commits << " pages per commit\n";
+  EXPECT_LE(pages, 4u * commits);
+}
+
+TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  store(*project, logChanges({exampleLog(1, 1)}));
+  Changes changes;
+  changes.options = {{"k", "v"}};
+  store(*project, changes);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  runSql(file(), "UPDATE revisions SET token = x'00112233445566778899aabbccddeeff' WHERE number < 3;"
+                 "UPDATE revisions SET takes_back = 2 WHERE number = 2; UPDATE revisions SET last_new = 3;"
+                 "UPDATE changes SET before = x'00' WHERE revision = 2;"
+                 "UPDATE changes SET before = x'41' WHERE revision = 3;"
+                 "INSERT INTO changes VALUES(9, 1, NULL)");
+  EXPECT_EQ(project->check(), (std::vector<std::string>{
+                                  "revision 9: changes without a revision", "revision 2: takes back a later revision",
+                                  "revision 1: new logs with numbers that were not given out",
+                                  "revision 2: new logs with numbers that were not given out",
+                                  "revision 3: new logs with numbers that were not given out",
+                                  "revision 2: the token of another revision", "revision 2: no image of log 1",
+                                  "revision 3: no image of log 0"}));
+  EXPECT_EQ(errorOf([&] { changesOf(*project, 2); }),
+            "Unreadable: " + file().native() + ": damaged (revision 2: no image of log 1)");
 }
 
 TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
@@ -127,7 +182,8 @@ TEST_F(SqliteStoreTest, CheckReportsFaults)
                  "UPDATE logs SET uuid = (SELECT uuid FROM logs WHERE number = 1), tag = 1 WHERE number = 2");
   EXPECT_EQ(project->check(),
             (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was never given to a log",
-                                      "log 2: the identity of another log"}));
+                                      "log 2: the identity of another log",
+                                      "revision 1: new logs with numbers that were not given out"}));
 }
 
 TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)

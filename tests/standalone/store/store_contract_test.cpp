@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "standalone/model/forwarding_store.h"
 #include "standalone/store/support.h"
 
 namespace {
@@ -16,12 +17,20 @@ using namespace store_tests;
 using Numbers = std::vector<std::int64_t>;
 using Counts = std::vector<std::pair<std::string, std::int64_t>>;
 
+class StoreWithoutHistory final : public reeldb_tests::ForwardingStore {
+public:
+  using ForwardingStore::ForwardingStore;
+  History* history() override { return nullptr; }
+};
+
 class StoreContract : public testing::TestWithParam<const char*> {
 protected:
   std::unique_ptr<Store> make(const KeyValues& options = {})
   {
     if (std::string(GetParam()) == "memory")
       return makeMemoryStore(exampleInfo(), options);
+    if (std::string(GetParam()) == "without_history")
+      return std::make_unique<StoreWithoutHistory>(makeMemoryStore(exampleInfo(), options));
     createSqliteProject(file(), exampleInfo(), options);
     return makeSqliteStore(file());
   }
@@ -40,21 +49,20 @@ protected:
   {
     return in(project, [&] { return project.nextNumber(); });
   }
-  std::int64_t trashCount(Store& project)
-  {
-    return in(project, [&] { return project.trashCount(); });
-  }
+  std::int64_t trashCount(Store& project) { return trashCountOf(project); }
   Numbers lastDeletion(Store& project)
   {
-    return in(project, [&] { return project.lastDeletion(); });
+    Numbers numbers;
+    for (const StoredLog& log : deletedLogsOf(project))
+      numbers.push_back(log.number);
+    return numbers;
   }
   std::vector<std::string> lastDeletionWhole(Store& project)
   {
-    return in(project, [&] {
-      std::vector<std::string> out;
-      project.readLastDeletion([&](StoredLog&& log) { out.push_back(describe(log)); });
-      return out;
-    });
+    std::vector<std::string> out;
+    for (const StoredLog& log : deletedLogsOf(project))
+      out.push_back(describe(log));
+    return out;
   }
   Counts counts(Store& project)
   {
@@ -73,7 +81,7 @@ protected:
   void undelete(Store& project)
   {
     Changes changes;
-    changes.undelete = true;
+    changes.inverse = inverseOfLastDeletion(project);
     store(project, changes);
   }
   void compact(Store& project)
@@ -87,8 +95,12 @@ private:
   TempFolder folder_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::Values("memory", "sqlite"),
-                         [](const auto& which) { return std::string(which.param); });
+/// What a store that keeps a history promises besides.
+class HistoryContract : public StoreContract {};
+
+const auto nameOfStore = [](const auto& which) { return std::string(which.param); };
+INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::Values("memory", "sqlite", "without_history"), nameOfStore);
+INSTANTIATE_TEST_SUITE_P(Stores, HistoryContract, testing::Values("memory", "sqlite"), nameOfStore);
 
 StoredLog logWithFields(std::int64_t number, int type, KeyValues fields)
 {
@@ -100,7 +112,7 @@ StoredLog logWithFields(std::int64_t number, int type, KeyValues fields)
 TEST_P(StoreContract, SubjectNamesTheProject)
 {
   const auto project = make();
-  EXPECT_EQ(project->subject(), std::string(GetParam()) == "memory" ? "memory" : file().native());
+  EXPECT_EQ(project->subject(), std::string(GetParam()) == "sqlite" ? file().native() : "memory");
 }
 
 TEST_P(StoreContract, InfoComesBackAsCreated)
@@ -135,9 +147,6 @@ TEST_P(StoreContract, NewProjectHoldsNothing)
   EXPECT_EQ(nextNumber(*project), 1);
   EXPECT_EQ(numbersOf(*project), Numbers{});
   EXPECT_EQ(counts(*project), Counts{});
-  EXPECT_EQ(lastDeletion(*project), Numbers{});
-  EXPECT_EQ(lastDeletionWhole(*project), std::vector<std::string>{});
-  EXPECT_EQ(trashCount(*project), 0);
 }
 
 TEST_P(StoreContract, LogComesBackWhole)
@@ -317,128 +326,6 @@ TEST_P(StoreContract, CountsFoldAsciiCaseAndLeaveOutReelsBinAndEmptyIdentifiers)
             (Counts{{"b", 1}, {"r1", 1}, {"s", 1}, {"\xC3\x89z", 1}, {"\xC3\xA9z", 1}, {"\xFFq", 1}}));
 }
 
-TEST_P(StoreContract, DeletedLogsAreInTheBinOnly)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 1), exampleLog(3, 9), exampleLog(4, 1)}));
-  remove(*project, {4, 1});
-  EXPECT_EQ(numbersOf(*project), (Numbers{3, 2}));
-  EXPECT_EQ(lastDeletion(*project), (Numbers{1, 4}));
-  EXPECT_EQ(lastDeletionWhole(*project),
-            (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(4, 1))}));
-  EXPECT_EQ(trashCount(*project), 2);
-}
-
-TEST_P(StoreContract, UndeleteBringsDeletionsBackLastFirst)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9), exampleLog(4, 9)}));
-  remove(*project, {2});
-  remove(*project, {3, 1});
-  EXPECT_EQ(lastDeletion(*project), (Numbers{1, 3}));
-  EXPECT_EQ(trashCount(*project), 3);
-  undelete(*project);
-  EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 4}));
-  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
-  undelete(*project);
-  EXPECT_EQ(reelsOf(*project), (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(2, 9)),
-                                                         describe(exampleLog(3, 9)), describe(exampleLog(4, 9))}));
-  EXPECT_EQ(lastDeletion(*project), Numbers{});
-  EXPECT_EQ(trashCount(*project), 0);
-  undelete(*project); // nothing is left: nothing happens
-  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4}));
-}
-
-TEST_P(StoreContract, DeletionSkipsMissingLogsAndLogsInTheTrash)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
-  remove(*project, {1});
-  remove(*project, {1, 2, 99, 2});
-  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
-  undelete(*project);
-  EXPECT_EQ(lastDeletion(*project), (Numbers{1}));
-  remove(*project, {99});
-  EXPECT_EQ(lastDeletion(*project), (Numbers{1}));
-}
-
-TEST_P(StoreContract, CompactEmptiesTheTrashForGood)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
-  remove(*project, {1});
-  remove(*project, {2});
-  compact(*project);
-  EXPECT_EQ(trashCount(*project), 0);
-  EXPECT_EQ(lastDeletion(*project), Numbers{});
-  undelete(*project);
-  EXPECT_EQ(numbersOf(*project), (Numbers{3}));
-}
-
-TEST_P(StoreContract, UndeleteAndCompactTogetherKeepTheLastDeletion)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
-  remove(*project, {1});
-  remove(*project, {2});
-  Changes changes;
-  changes.undelete = true;
-  changes.compact = true;
-  store(*project, changes);
-  EXPECT_EQ(numbersOf(*project), (Numbers{2}));
-  EXPECT_EQ(trashCount(*project), 0);
-}
-
-TEST_P(StoreContract, CompactAndDeleteTogetherKeepTheNewDeletion)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
-  remove(*project, {1});
-  Changes changes;
-  changes.compact = true;
-  changes.deleted = {2};
-  store(*project, changes);
-  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
-  EXPECT_EQ(trashCount(*project), 1);
-}
-
-TEST_P(StoreContract, UndeleteAndDeleteTogetherMakeOneNewDeletion)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
-  remove(*project, {1});
-  remove(*project, {2});
-  Changes changes;
-  changes.undelete = true;
-  changes.deleted = {3};
-  store(*project, changes);
-  EXPECT_EQ(numbersOf(*project), (Numbers{2}));
-  EXPECT_EQ(lastDeletion(*project), (Numbers{3}));
-  EXPECT_EQ(trashCount(*project), 2);
-}
-
-TEST_P(StoreContract, LogWrittenAndDeletedInOneIsInTheBinAsWritten)
-{
-  const auto project = make();
-  Changes changes = logChanges({exampleLog(1, 9)});
-  changes.deleted = {1};
-  store(*project, changes);
-  EXPECT_EQ(numbersOf(*project), Numbers{});
-  EXPECT_EQ(lastDeletionWhole(*project), std::vector<std::string>{describe(exampleLog(1, 9))});
-}
-
-TEST_P(StoreContract, LogWrittenWhileInTheBinStaysThere)
-{
-  const auto project = make();
-  store(*project, logChanges({exampleLog(1, 9)}));
-  remove(*project, {1});
-  StoredLog changed = exampleLog(1, 9);
-  changed.name = "changed";
-  store(*project, logChanges({changed}));
-  EXPECT_EQ(numbersOf(*project), Numbers{});
-  EXPECT_EQ(lastDeletionWhole(*project), std::vector<std::string>{describe(changed)});
-}
-
 TEST_P(StoreContract, CommitWithoutChangesChangesNothing)
 {
   const auto project = make({{"a", "b"}});
@@ -512,6 +399,378 @@ TEST_P(StoreContract, CheckFindsNothingInASoundProject)
   project->begin(Access::Read, muchPatience);
   EXPECT_EQ(project->check(), std::vector<std::string>{});
   EXPECT_EQ(project->nextNumber(), 4); // the use goes on
+  project->end();
+}
+
+TEST_P(StoreContract, DeletedLogsAreNotThere)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 1), exampleLog(3, 9), exampleLog(4, 1)}));
+  remove(*project, {4, 1});
+  EXPECT_EQ(numbersOf(*project), (Numbers{3, 2}));
+}
+
+TEST_P(StoreContract, InverseIsStoredBeforeAllOtherChanges)
+{
+  const auto project = make({{"first", "1"}});
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  StoredLog renamed = exampleLog(1, 9);
+  renamed.name = "renamed";
+  Changes changes = logChanges({renamed});
+  changes.inverse = {1, false, {exampleLog(1, 9), exampleLog(5, 1)}, {2}, {{"second", "2"}}, {"first"}};
+  changes.options = {{"second", "3"}};
+  changes.deleted = {5};
+  store(*project, changes);
+  EXPECT_EQ(reelsOf(*project), std::vector<std::string>{describe(renamed)});
+  EXPECT_EQ(othersOf(*project), std::vector<std::string>{});
+  EXPECT_EQ(options(*project), (KeyValues{{"second", "3"}}));
+}
+
+// --- History -------------------------------------------------------------------------------------
+
+TEST_P(HistoryContract, DeletedLogsAreInTheTrashOnly)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 1), exampleLog(3, 9), exampleLog(4, 1)}));
+  remove(*project, {4, 1});
+  EXPECT_EQ(numbersOf(*project), (Numbers{3, 2}));
+  EXPECT_EQ(lastDeletion(*project), (Numbers{1, 4}));
+  EXPECT_EQ(lastDeletionWhole(*project),
+            (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(4, 1))}));
+  EXPECT_EQ(trashCount(*project), 2);
+}
+
+TEST_P(HistoryContract, CompactAndDeleteTogetherKeepTheNewDeletion)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  remove(*project, {1});
+  Changes changes;
+  changes.compact = true;
+  changes.deleted = {2};
+  store(*project, changes);
+  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
+  EXPECT_EQ(trashCount(*project), 1);
+}
+
+TEST_P(HistoryContract, DeletionIgnoresNumbersOfNoLogAndOfDeletedLogs)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  remove(*project, {1});
+  remove(*project, {1, 2, 99, 2});
+  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
+  undelete(*project);
+  EXPECT_EQ(lastDeletion(*project), (Numbers{1}));
+  remove(*project, {99});
+  EXPECT_EQ(lastDeletion(*project), (Numbers{1}));
+}
+
+TEST_P(HistoryContract, LogWrittenAfterItsDeletionIsBack)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  remove(*project, {1});
+  StoredLog changed = exampleLog(1, 9);
+  changed.name = "changed";
+  store(*project, logChanges({changed}));
+  EXPECT_EQ(reelsOf(*project), std::vector<std::string>{describe(changed)});
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+}
+
+TEST_P(HistoryContract, LogWrittenAndDeletedInOneIsInTheTrashAsWritten)
+{
+  const auto project = make();
+  Changes changes = logChanges({exampleLog(1, 9)});
+  changes.deleted = {1};
+  store(*project, changes);
+  EXPECT_EQ(numbersOf(*project), Numbers{});
+  EXPECT_EQ(lastDeletionWhole(*project), std::vector<std::string>{describe(exampleLog(1, 9))});
+}
+
+TEST_P(HistoryContract, UndeleteAndCompactTogetherKeepTheLastDeletion)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  remove(*project, {1});
+  remove(*project, {2});
+  Changes changes;
+  changes.inverse = inverseOfLastDeletion(*project);
+  changes.compact = true;
+  store(*project, changes);
+  EXPECT_EQ(numbersOf(*project), (Numbers{2}));
+  EXPECT_EQ(trashCount(*project), 0);
+}
+
+TEST_P(HistoryContract, UndeleteAndDeleteTogetherMakeOneNewDeletion)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
+  remove(*project, {1});
+  remove(*project, {2});
+  Changes changes;
+  changes.inverse = inverseOfLastDeletion(*project);
+  changes.deleted = {3};
+  store(*project, changes);
+  EXPECT_EQ(numbersOf(*project), (Numbers{2}));
+  EXPECT_EQ(lastDeletion(*project), (Numbers{3}));
+  EXPECT_EQ(trashCount(*project), 2);
+}
+
+TEST_P(HistoryContract, UndeleteBringsDeletionsBackLastFirst)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9), exampleLog(4, 9)}));
+  remove(*project, {2});
+  remove(*project, {3, 1});
+  EXPECT_EQ(lastDeletion(*project), (Numbers{1, 3}));
+  EXPECT_EQ(trashCount(*project), 3);
+  undelete(*project);
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 3, 4}));
+  EXPECT_EQ(lastDeletion(*project), (Numbers{2}));
+  undelete(*project);
+  EXPECT_EQ(reelsOf(*project), (std::vector<std::string>{describe(exampleLog(1, 9)), describe(exampleLog(2, 9)),
+                                                         describe(exampleLog(3, 9)), describe(exampleLog(4, 9))}));
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  EXPECT_EQ(trashCount(*project), 0);
+  undelete(*project); // nothing is left: nothing happens
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3, 4}));
+}
+
+TEST_P(HistoryContract, CompactEmptiesTheTrashForGood)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9), exampleLog(3, 9)}));
+  remove(*project, {1});
+  remove(*project, {2});
+  compact(*project);
+  EXPECT_EQ(trashCount(*project), 0);
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  undelete(*project);
+  EXPECT_EQ(numbersOf(*project), (Numbers{3}));
+}
+
+/// "number: created changed deleted", with "options" if it set some, and what it takes back.
+std::vector<std::string> summaries(const std::vector<Revision>& revisions)
+{
+  std::vector<std::string> lines;
+  for (const Revision& revision : revisions)
+    lines.push_back(std::to_string(revision.number) + ": " + std::to_string(revision.created) + ' ' +
+                    std::to_string(revision.changed) + ' ' + std::to_string(revision.deleted) +
+                    (revision.setOptions ? " options" : "") +
+                    (revision.takesBack == 0
+                         ? ""
+                         : (revision.isRedo ? " redoes " : " undoes ") + std::to_string(revision.takesBack)));
+  return lines;
+}
+
+/// "before -> after" of each log by its name, with the next revision that changed it.
+std::vector<std::string> described(const std::vector<LogChange>& changes)
+{
+  const auto nameOf = [](const std::optional<StoredLog>& log) { return log ? log->name : std::string("none"); };
+  std::vector<std::string> lines;
+  for (const LogChange& change : changes)
+    lines.push_back(std::to_string(change.number) + ": " + (change.forgotten ? "forgotten" : nameOf(change.before)) +
+                    " -> " + nameOf(change.after) + (change.next == 0 ? "" : ", " + std::to_string(change.next)));
+  return lines;
+}
+
+using Texts = std::vector<std::string>;
+
+StoredLog named(std::int64_t number, const std::string& name)
+{
+  StoredLog log = exampleLog(number, 9);
+  log.name = name;
+  return log;
+}
+
+TEST_P(HistoryContract, NewProjectHasNoRevisions)
+{
+  const auto project = make({{"a", "b"}});
+  EXPECT_EQ(revisionsOf(*project).size(), 0u);
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  EXPECT_EQ(trashCount(*project), 0);
+  EXPECT_EQ(in(*project, [&] { return project->history()->olderVersion(); }), 0);
+}
+
+TEST_P(HistoryContract, EveryCommitHasARevisionWithItsOrigin)
+{
+  const auto project = make();
+  Changes changes = logChanges({exampleLog(1, 9), exampleLog(2, 1)});
+  changes.origin = {1700000000, "reeldb 14.0.0.0", "reeldb import \xFF.edl", "anna",
+                    "suite1",   "/work",           {"a: b", "c: d"}};
+  store(*project, changes);
+  store(*project, logChanges({named(1, "x"), named(3, "y")}));
+  remove(*project, {2, 3});
+  const std::vector<Revision> revisions = revisionsOf(*project);
+  EXPECT_EQ(summaries(revisions), (Texts{"1: 2 0 0", "2: 1 1 0", "3: 0 0 2"}));
+  const Origin& origin = revisions[0].origin;
+  EXPECT_EQ(origin.time, 1700000000);
+  EXPECT_EQ(origin.program, "reeldb 14.0.0.0");
+  EXPECT_EQ(origin.command, "reeldb import \xFF.edl");
+  EXPECT_EQ(origin.user + origin.machine + origin.folder, "annasuite1/work");
+  EXPECT_EQ(origin.elsewhere, (Texts{"a: b", "c: d"}));
+  EXPECT_EQ(revisions[1].origin.time, 0);
+  EXPECT_EQ(revisions[1].origin.elsewhere, Texts{});
+  EXPECT_NE(revisions[0].token, revisions[1].token);
+}
+
+TEST_P(HistoryContract, CommandLineIsCutToItsLongestLength)
+{
+  const auto project = make();
+  Changes changes = logChanges({exampleLog(1, 9)});
+  changes.origin.command = std::string(longestCommand, 'a') + "b";
+  store(*project, changes);
+  EXPECT_EQ(revisionsOf(*project)[0].origin.command, std::string(longestCommand, 'a'));
+}
+
+TEST_P(HistoryContract, RevisionKnowsEachLogBeforeAndAfterIt)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a"), named(2, "b"), named(3, "c")}));
+  store(*project, logChanges({named(1, "a2"), named(2, "b2")}));
+  remove(*project, {2});
+  store(*project, logChanges({named(1, "a3")}));
+  EXPECT_EQ(described(changesOf(*project, 1).logs), (Texts{"1: none -> a, 2", "2: none -> b, 2", "3: none -> c"}));
+  EXPECT_EQ(described(changesOf(*project, 2).logs), (Texts{"1: a -> a2, 4", "2: b -> b2, 3"}));
+  EXPECT_EQ(described(changesOf(*project, 3).logs), Texts{"2: b2 -> none"});
+  EXPECT_EQ(described(changesOf(*project, 4).logs), Texts{"1: a2 -> a3"});
+}
+
+TEST_P(HistoryContract, ImageOfALogIsTheWholeLog)
+{
+  const auto project = make();
+  StoredLog log = exampleLog(1, 1);
+  log.fields = {{"reelid", "R"}, {"tracks", ""}, {"aliases", "a\nb"}, {"", ""}, {"k", "\xFF"}};
+  log.kind = '\xFE';
+  log.videoChannels = INT_MIN;
+  store(*project, logChanges({log}));
+  store(*project, logChanges({exampleLog(1, 9)}));
+  EXPECT_EQ(describe(*changesOf(*project, 2).logs.at(0).before), describe(log));
+  EXPECT_EQ(describe(*changesOf(*project, 2).logs.at(0).after), describe(exampleLog(1, 9)));
+}
+
+TEST_P(HistoryContract, ChangesOfALogComeInTheirOrder)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a"), named(2, "b")}));
+  store(*project, logChanges({named(2, "b2")}));
+  store(*project, logChanges({named(1, "a2")}));
+  remove(*project, {1});
+  const auto changes = in(*project, [&] {
+    std::vector<LogChange> found;
+    project->history()->readChangesOfLog(1, [&](LogChange&& change) { found.push_back(std::move(change)); });
+    return found;
+  });
+  EXPECT_EQ(described(changes), (Texts{"1: none -> a, 3", "1: a -> a2, 4", "1: a2 -> none"}));
+  EXPECT_EQ(changes[1].revision, 3);
+  EXPECT_EQ(in(*project,
+               [&] {
+                 int calls = 0;
+                 project->history()->readChangesOfLog(7, [&](LogChange&&) { ++calls; });
+                 return calls;
+               }),
+            0);
+}
+
+TEST_P(HistoryContract, NumberLeftOutAndUsedLaterIsNewThere)
+{
+  const auto project = make();
+  store(*project, logChanges({named(5, "a"), named(3, "b")}));
+  store(*project, logChanges({named(4, "c")}));
+  EXPECT_EQ(summaries(revisionsOf(*project)), (Texts{"1: 2 0 0", "2: 1 0 0"}));
+  EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"4: none -> c"});
+}
+
+TEST_P(HistoryContract, WhatIsAsItWasIsNoChange)
+{
+  const auto project = make({{"a", "b"}});
+  store(*project, logChanges({exampleLog(1, 9)}));
+  Changes same = logChanges({exampleLog(1, 9)});
+  same.options = {{"a", "b"}};
+  same.deleted = {9};
+  store(*project, same);
+  EXPECT_EQ(summaries(revisionsOf(*project)), Texts{"1: 1 0 0"});
+}
+
+TEST_P(HistoryContract, OptionsAreKeptAsTheyWere)
+{
+  const auto project = make({{"a", "1"}});
+  Changes changes;
+  changes.options = {{"b", "2"}};
+  store(*project, changes);
+  store(*project, logChanges({exampleLog(1, 9)}));
+  changes.options = {{"a", "3"}};
+  store(*project, changes);
+  EXPECT_EQ(summaries(revisionsOf(*project)), (Texts{"1: 0 0 0 options", "2: 1 0 0", "3: 0 0 0 options"}));
+  EXPECT_EQ(changesOf(*project, 1).optionsBefore, (KeyValues{{"a", "1"}}));
+  EXPECT_EQ(changesOf(*project, 1).optionsAfter, (KeyValues{{"a", "1"}, {"b", "2"}}));
+  EXPECT_EQ(changesOf(*project, 2).optionsBefore, std::nullopt);
+  EXPECT_EQ(changesOf(*project, 2).optionsAfter, std::nullopt);
+  EXPECT_EQ(changesOf(*project, 3).optionsAfter, (KeyValues{{"a", "3"}, {"b", "2"}}));
+}
+
+TEST_P(HistoryContract, InverseHasARevisionOfItsOwn)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a"), named(2, "b")}));
+  Changes changes = logChanges({named(1, "a2")});
+  changes.inverse = {1, true, {}, {2}, {}, {}};
+  store(*project, changes);
+  EXPECT_EQ(summaries(revisionsOf(*project)), (Texts{"1: 2 0 0", "2: 0 0 1 redoes 1", "3: 0 1 0"}));
+}
+
+TEST_P(HistoryContract, LogWrittenAndDeletedInOneHasTwoRevisions)
+{
+  const auto project = make();
+  Changes changes = logChanges({named(1, "a"), named(2, "b")});
+  changes.deleted = {1};
+  store(*project, changes);
+  EXPECT_EQ(summaries(revisionsOf(*project)), (Texts{"1: 2 0 0", "2: 0 0 1"}));
+  EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"1: a -> none"});
+}
+
+TEST_P(HistoryContract, CompactForgetsDeletedLogsAndKeepsTheRevisions)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a"), named(2, "b")}));
+  store(*project, logChanges({named(1, "a2"), named(2, "b2")}));
+  remove(*project, {1});
+  compact(*project);
+  EXPECT_EQ(summaries(revisionsOf(*project)), (Texts{"1: 2 0 0", "2: 0 2 0", "3: 0 0 1", "4: 0 0 0"}));
+  EXPECT_EQ(described(changesOf(*project, 2).logs), (Texts{"1: forgotten -> none, 3", "2: b -> b2"}));
+  EXPECT_EQ(described(changesOf(*project, 3).logs), Texts{"1: forgotten -> none"});
+}
+
+TEST_P(HistoryContract, DeletionThatWasTakenBackAndMadeAgainIsTheLastOne)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a")}));
+  remove(*project, {1});
+  undelete(*project);
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  Changes again;
+  again.inverse = {3, true, {}, {1}, {}, {}};
+  store(*project, again);
+  EXPECT_EQ(lastDeletion(*project), Numbers{1});
+}
+
+TEST_P(HistoryContract, WhatAnUndoTookAwayIsNoDeletion)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a")}));
+  Changes undo;
+  undo.inverse = {1, false, {}, {1}, {}, {}};
+  store(*project, undo);
+  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  EXPECT_EQ(trashCount(*project), 1);
+}
+
+TEST_P(HistoryContract, UnknownRevisionIsNotFound)
+{
+  const auto project = make();
+  project->begin(Access::Read, muchPatience);
+  EXPECT_EQ(errorOf([&] { project->history()->changesOf(1); }), "NotFound: " + project->subject() + ": no revision 1");
   project->end();
 }
 

@@ -178,6 +178,59 @@ std::vector<std::int64_t> numbersOf(Store& store)
   });
 }
 
+namespace {
+
+template <class Read>
+auto inHistory(Store& store, Read read)
+{
+  store.begin(Access::Read, muchPatience);
+  auto result = read(*store.history());
+  store.end();
+  return result;
+}
+
+} // namespace
+
+Inverse inverseOfLastDeletion(Store& store)
+{
+  return inHistory(store, [](History& history) {
+    Inverse inverse;
+    inverse.revision = lastDeletion(history);
+    if (inverse.revision != 0)
+      for (LogChange& change : history.changesOf(inverse.revision).logs)
+        if (isRestorable(change))
+          inverse.logs.push_back(std::move(*change.before));
+    return inverse;
+  });
+}
+
+std::vector<StoredLog> deletedLogsOf(Store& store)
+{
+  return inverseOfLastDeletion(store).logs;
+}
+
+std::vector<Revision> revisionsOf(Store& store)
+{
+  return inHistory(store, [](History& history) {
+    std::vector<Revision> revisions;
+    history.readRevisions([&](Revision&& revision) {
+      revisions.insert(revisions.begin(), std::move(revision));
+      return true;
+    });
+    return revisions;
+  });
+}
+
+RevisionChanges changesOf(Store& store, std::int64_t revision)
+{
+  return inHistory(store, [&](History& history) { return history.changesOf(revision); });
+}
+
+std::int64_t trashCountOf(Store& store)
+{
+  return inHistory(store, [](History& history) { return history.trashCount(); });
+}
+
 void store(Store& store, const Changes& changes)
 {
   store.begin(Access::Write, muchPatience);

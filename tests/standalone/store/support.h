@@ -13,7 +13,7 @@
 
 #include <sys/types.h>
 
-#include "reelhost/store.h"
+#include "reelhost/history.h"
 #include "support/temp_folder.h"
 
 namespace store_tests {
@@ -56,6 +56,13 @@ std::string describe(const reelhost::StoredLog& log);
 std::vector<std::string> reelsOf(reelhost::Store& store);    ///< all reels, described; begins and ends a use
 std::vector<std::string> othersOf(reelhost::Store& store);   ///< likewise
 std::vector<std::int64_t> numbersOf(reelhost::Store& store); ///< of all logs, reels first; begins and ends a use
+
+/// The logs of the last deletion; a use of its own, as for the functions below.
+std::vector<reelhost::StoredLog> deletedLogsOf(reelhost::Store& store);
+reelhost::Inverse inverseOfLastDeletion(reelhost::Store& store);     ///< of nothing when there is no deletion
+std::vector<reelhost::Revision> revisionsOf(reelhost::Store& store); ///< the oldest first
+reelhost::RevisionChanges changesOf(reelhost::Store& store, std::int64_t revision);
+std::int64_t trashCountOf(reelhost::Store& store);
 
 /// begin for writing, commit.
 void store(reelhost::Store& store, const reelhost::Changes& changes);

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "text/shell_word.h"
+#include "base/shell_word.h"
 
 #include <gtest/gtest.h>
 
-using namespace reeldb::cli;
+using namespace reeldb::base;
 
 namespace {
 

@@ -1,0 +1,271 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/history.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <map>
+#include <set>
+#include <utility>
+
+#include <fmt/format.h>
+
+#include "ReelDbRec.h"
+#include "app/host_errors.h"
+#include "app/host_text.h"
+#include "app/reel_records.h"
+#include "app/reel_state.h"
+#include "base/ascii.h"
+#include "base/text_width.h"
+#include "host/codes.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
+
+namespace reeldb::app {
+
+namespace {
+
+reelhost::History& requireHistory()
+{
+  if (reelhost::History* const history = reelhost::projectStore().history())
+    return *history;
+  throw Error(ErrorKind::Refused, fmt::format("{}: keeps no history", reelhost::projectInfo().name));
+}
+
+std::string timeText(std::int64_t seconds)
+{
+  const std::time_t time = seconds;
+  std::tm utc = {};
+  if (seconds == 0 || !::gmtime_r(&time, &utc))
+    return {};
+  std::array<char, 64> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
+  return text.data();
+}
+
+using TakenBackRevisions = std::map<std::int64_t, std::int64_t>;
+
+CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisions& takenBack)
+{
+  CommitEntry entry;
+  entry.revision = revision.number;
+  entry.time = timeText(revision.origin.time);
+  entry.program = revision.origin.program;
+  entry.command = revision.origin.command;
+  entry.user = revision.origin.user;
+  entry.machine = revision.origin.machine;
+  entry.folder = revision.origin.folder;
+  entry.takesBack = revision.takesBack;
+  entry.isRedo = revision.isRedo;
+  const auto by = takenBack.find(revision.number);
+  entry.takenBackBy = by == takenBack.end() ? 0 : by->second;
+  entry.created = revision.created;
+  entry.changed = revision.changed;
+  entry.deleted = revision.deleted;
+  entry.elsewhere = revision.origin.elsewhere;
+  return entry;
+}
+
+// --- The history of one reel ---------------------------------------------------------------------
+
+using Values = std::map<std::string, std::string>;
+
+std::string idOf(const reelhost::StoredLog& log)
+{
+  for (const auto& [key, value] : log.fields)
+    if (key == TR_REEL_ID)
+      return value;
+  return {};
+}
+
+/// The name of a field by its key; empty for a key that people do not set.
+std::string fieldName(const std::string& key)
+{
+  const std::array<std::pair<const char*, const char*>, 6> names = {{{TR_REEL_ID, "reel"},
+                                                                     {TR_REEL_AVAILABLE_FLAG, "available"},
+                                                                     {TR_REC_INHIBIT_FLAG, "inhibit"},
+                                                                     {TR_LABEL_MAPPING, "label-map"},
+                                                                     {TR_BIN_NAME, "bin"},
+                                                                     {TR_LAST_DEVICE, "last-device"}}};
+  for (const auto& [known, name] : names)
+    if (key == known)
+      return name;
+  if (const std::string_view base = TR_USER_FIELD_BASE; key.compare(0, base.size(), base) == 0)
+    return "user-field." + key.substr(base.size());
+  return {};
+}
+
+Values valuesOf(const std::optional<reelhost::StoredLog>& log)
+{
+  Values values;
+  if (!log)
+    return values;
+  for (const auto& [key, value] : log->fields)
+    if (const std::string name = fieldName(key); !name.empty() && !value.empty())
+      values[name] = name == "available" || name == "inhibit" ? (value == "1" ? "yes" : "no") : value;
+  values["type"] = log->reelType;
+  return values;
+}
+
+std::vector<FieldStep> stepsOf(const reelhost::LogChange& change)
+{
+  const Values before = valuesOf(change.before), after = valuesOf(change.after);
+  Values fields = before;
+  fields.insert(after.begin(), after.end());
+  const auto valueIn = [](const Values& values, const std::string& field) {
+    const auto found = values.find(field);
+    return found == values.end() ? std::string() : found->second;
+  };
+  std::vector<FieldStep> steps;
+  for (const auto& [field, any] : fields)
+    if (FieldStep step{field, valueIn(before, field), valueIn(after, field)}; step.before != step.after)
+      steps.push_back(std::move(step));
+  return steps;
+}
+
+/// The number of the log of the reel that has the identifier, or of the one that had it when it was deleted last.
+std::int64_t logNumberOf(reelhost::History& history, const std::string& id,
+                         const std::vector<reelhost::Revision>& revisions)
+{
+  const auto isTheReel = [&](const std::optional<reelhost::StoredLog>& log) {
+    return log && log->type == codes::reelLog && base::sameName(idOf(*log), id);
+  };
+  std::int64_t number = 0;
+  reelhost::projectStore().readReels([&](reelhost::StoredLog&& log) {
+    if (number == 0 && isTheReel(log))
+      number = log.number;
+  });
+  for (auto revision = revisions.begin(); number == 0 && revision != revisions.end(); ++revision)
+    if (revision->deleted != 0)
+      for (const reelhost::LogChange& change : history.changesOf(revision->number).logs)
+        if (isTheReel(change.before) && !change.after)
+          number = change.number;
+  if (number == 0)
+    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, and none in the history", base::shortText(id)));
+  return number;
+}
+
+// --- Taking back ---------------------------------------------------------------------------------
+
+std::vector<reelhost::Revision> revisionsOf(reelhost::History& history)
+{
+  std::vector<reelhost::Revision> revisions;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    revisions.push_back(std::move(revision));
+    return true;
+  });
+  return revisions;
+}
+
+/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody.
+const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack,
+                                 bool anybody, const char* operation, bool (*wanted)(const reelhost::Revision&))
+{
+  const reelhost::Origin me = reelhost::currentOrigin();
+  bool ofOthers = false;
+  for (const reelhost::Revision& revision : revisions) {
+    if (!wanted(revision) || takenBack.count(revision.number) != 0)
+      continue;
+    if (anybody || (revision.origin.user == me.user && revision.origin.machine == me.machine))
+      return revision;
+    ofOthers = true;
+  }
+  throw Error(
+      ErrorKind::Refused,
+      fmt::format("{0}: nothing to {0}{1}", operation,
+                  ofOthers ? fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine) : ""));
+}
+
+/// @p revision is one of @p revisions.
+TakenBackCommit takeBack(Session& session, const char* operation, const reelhost::Revision& revision,
+                         const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack)
+{
+  const ReelState before(session);
+  const reelhost::TakenBack done = reelhost::takeBack(revision.number);
+  if (!done.anything())
+    throw Error(ErrorKind::Refused,
+                fmt::format("{}: revision {}: nothing of it is left to take back", operation, revision.number));
+  session.manager().informReelDbChanged("");
+  const ReelState after(session);
+  after.requireSoundAfter(before, operation, "nothing taken back");
+
+  TakenBackCommit result;
+  result.commit = entryFrom(revision, takenBack);
+  result.revision = revisions.front().number + 1;
+  result.isRedo = revision.takesBack != 0 && !revision.isRedo;
+  if (result.isRedo)
+    for (const reelhost::Revision& original : revisions)
+      if (original.number == revision.takesBack)
+        result.commit = entryFrom(original, takenBack);
+  result.logsChanged = static_cast<std::size_t>(done.changed);
+  for (const auto& [log, id] : after.reels())
+    if (before.reels().count(log) == 0)
+      result.reelsRestored.push_back(id);
+  for (const auto& [log, id] : before.reels())
+    if (after.reels().count(log) == 0)
+      result.reelsRemoved.push_back(id);
+  result.shotsRestored = static_cast<std::size_t>(done.restored) - result.reelsRestored.size();
+  result.shotsRemoved = static_cast<std::size_t>(done.removed) - result.reelsRemoved.size();
+  session.commit();
+  return result;
+}
+
+} // namespace
+
+ProjectHistory readHistory(Session&, const std::optional<std::string>& reel)
+{
+  return guarded([&] {
+    reelhost::History& history = requireHistory();
+    ProjectHistory result;
+    result.reel = reel.value_or("");
+    const std::vector<reelhost::Revision> revisions = revisionsOf(history);
+    std::map<std::int64_t, std::vector<FieldStep>> steps;
+    if (reel)
+      history.readChangesOfLog(logNumberOf(history, *reel, revisions),
+                               [&](reelhost::LogChange&& change) { steps[change.revision] = stepsOf(change); });
+    const TakenBackRevisions takenBack = takenBackRevisions(history);
+    for (const reelhost::Revision& revision : revisions) {
+      const auto found = steps.find(revision.number);
+      if (reel && found == steps.end())
+        continue;
+      result.commits.push_back(entryFrom(revision, takenBack));
+      if (reel)
+        result.commits.back().fields = std::move(found->second);
+    }
+    return result;
+  });
+}
+
+TakenBackCommit undo(Session& session, std::optional<std::int64_t> revision, bool anybody)
+{
+  return guarded([&] {
+    reelhost::History& history = requireHistory();
+    const std::vector<reelhost::Revision> revisions = revisionsOf(history);
+    const TakenBackRevisions takenBack = takenBackRevisions(history);
+    if (!revision) {
+      const reelhost::Revision& chosen = choose(revisions, takenBack, anybody, "undo", [](const reelhost::Revision& r) {
+        return r.takesBack == 0 && r.hasChanges();
+      });
+      return takeBack(session, "undo", chosen, revisions, takenBack);
+    }
+    for (const reelhost::Revision& known : revisions)
+      if (known.number == *revision)
+        return takeBack(session, "undo", known, revisions, takenBack);
+    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {}", *revision));
+  });
+}
+
+TakenBackCommit redo(Session& session, bool anybody)
+{
+  return guarded([&] {
+    reelhost::History& history = requireHistory();
+    const std::vector<reelhost::Revision> revisions = revisionsOf(history);
+    const TakenBackRevisions takenBack = takenBackRevisions(history);
+    const reelhost::Revision& chosen = choose(revisions, takenBack, anybody, "redo", [](const reelhost::Revision& r) {
+      return r.takesBack != 0 && !r.isRedo && r.hasChanges();
+    });
+    return takeBack(session, "redo", chosen, revisions, takenBack);
+  });
+}
+
+} // namespace reeldb::app

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "commands/taken_back.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include "app/json/json.h"
+#include "base/display_text.h"
+#include "text/counted.h"
+#include "text/output.h"
+
+namespace reeldb::cli {
+
+using base::displayText;
+
+namespace {
+
+std::string reelsAndShots(const std::vector<std::string>& reels, std::size_t shots, const char* what)
+{
+  if (reels.empty() && shots == 0)
+    return {};
+  return fmt::format("{} and {} {}{}\n", counted(reels.size(), "reel"), counted(shots, "shot"), what,
+                     reels.empty() ? "" : displayText(fmt::format(": {}", fmt::join(reels, ", "))));
+}
+
+} // namespace
+
+ExitCode report(const app::TakenBackCommit& result, bool json)
+{
+  changesAreStored();
+  if (json) {
+    print(app::jsonText(result));
+    return done;
+  }
+  const app::CommitEntry& commit = result.commit;
+  print(fmt::format("revision {} {}: {}\n", commit.revision, result.isRedo ? "made again" : "taken back",
+                    commit.command.empty() ? "no command line is kept of it" : displayText(commit.command)));
+  print(reelsAndShots(result.reelsRestored, result.shotsRestored, "restored"));
+  print(reelsAndShots(result.reelsRemoved, result.shotsRemoved, "removed"));
+  if (result.logsChanged != 0)
+    print(fmt::format("{} {} {}\n", result.logsChanged, result.logsChanged == 1 ? "reel or shot" : "reels or shots",
+                      result.isRedo ? "changed again" : "changed back"));
+  for (const std::string& change : commit.elsewhere)
+    print(fmt::format("not {}: {}\n", result.isRedo ? "made again" : "taken back", displayText(change)));
+  return done;
+}
+
+} // namespace reeldb::cli

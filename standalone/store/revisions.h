@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The order in which every store carries out the changes of a commit, and which revisions they make.
+#ifndef REELDB_STORE_REVISIONS_H
+#define REELDB_STORE_REVISIONS_H
+
+#include <algorithm>
+
+#include "reelhost/store.h"
+
+namespace reelhost {
+
+/// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, then finish. @p removeForGood
+/// does what the changes say of compact and forgetBefore.
+template <class MakeRevision, class RemoveForGood>
+void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveForGood removeForGood)
+{
+  if (const Inverse& inverse = changes.inverse; inverse.revision != 0) {
+    auto revision = makeRevision();
+    revision.writeLogs(inverse.logs);
+    revision.deleteLogs(inverse.deleted);
+    revision.setOptions(inverse.options, inverse.unsetOptions);
+    revision.finish(changes.origin, inverse);
+  }
+  const bool deletesWhatItWrites = std::any_of(changes.logs.begin(), changes.logs.end(), [&](const StoredLog& log) {
+    return std::find(changes.deleted.begin(), changes.deleted.end(), log.number) != changes.deleted.end();
+  });
+  auto revision = makeRevision();
+  revision.writeLogs(changes.logs);
+  removeForGood();
+  if (!deletesWhatItWrites)
+    revision.deleteLogs(changes.deleted);
+  revision.setOptions(changes.options, {});
+  revision.finish(changes.origin, {}, changes.compact || changes.forgetBefore != 0);
+  if (deletesWhatItWrites) {
+    auto deletion = makeRevision();
+    deletion.deleteLogs(changes.deleted);
+    deletion.finish(changes.origin, {});
+  }
+}
+
+} // namespace reelhost
+
+#endif

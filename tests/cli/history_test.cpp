@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <sys/utsname.h>
+
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+class HistoryCommand : public FacilityTest {
+protected:
+  void SetUp() override
+  {
+    FacilityTest::SetUp();
+    output({"create", "A001"});
+  }
+};
+
+TEST_F(HistoryCommand, UndoSaysWhatItTookBack)
+{
+  output({"rename", "A001", "B 1"});
+  EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb rename A001 'B 1'\n1 reel or shot changed back\n");
+  EXPECT_EQ(output({"undo"}), "revision 1 taken back: reeldb create A001\n1 reel and 0 shots removed: A001\n");
+  const ProcessResult nothing = reeldb({"undo"});
+  EXPECT_EQ(nothing.code, 1);
+  EXPECT_EQ(nothing.err, "reeldb: undo: nothing to undo\n");
+  EXPECT_EQ(output({"redo"}), "revision 1 made again: reeldb create A001\n1 reel and 0 shots restored: A001\n");
+}
+
+TEST_F(HistoryCommand, UndoTakesARevisionByItsNumber)
+{
+  output({"set", "A001", "bin=1"});
+  output({"set", "A001", "available=no"});
+  EXPECT_EQ(json({"undo", "2", "--json"}).at("commit").at("command"), "reeldb set A001 bin=1");
+  EXPECT_EQ(json({"show", "A001", "--json"}).at("bin"), "");
+  EXPECT_EQ(json({"show", "A001", "--json"}).at("available"), false);
+  EXPECT_EQ(reeldb({"undo", "77"}).err, "reeldb: undo: no revision 77\n");
+  const ProcessResult bad = reeldb({"undo", "x"});
+  EXPECT_EQ(bad.code, 2);
+  EXPECT_EQ(bad.err, "reeldb: \"x\": not a revision (reeldb history lists them)\n");
+}
+
+TEST_F(HistoryCommand, HistoryListsTheNewestCommitFirst)
+{
+  output({"set", "A001", "bin=shelf"});
+  output({"undo"});
+  const Json commits = json({"history", "--json"}).at("commits");
+  ASSERT_EQ(commits.size(), 3u);
+  utsname machine = {};
+  uname(&machine);
+  EXPECT_EQ(commits[0].at("revision"), 3);
+  EXPECT_EQ(commits[0].at("takes_back"), 2);
+  EXPECT_EQ(commits[1].at("taken_back_by"), 3);
+  EXPECT_EQ(commits[1].at("command"), "reeldb set A001 bin=shelf");
+  EXPECT_EQ(commits[1].at("machine"), machine.nodename);
+  EXPECT_EQ(commits[2].at("created"), 1);
+  const std::string table = output({"history"});
+  EXPECT_NE(table.find("taken back by 3"), std::string::npos) << table;
+  EXPECT_NE(table.find("takes back 2"), std::string::npos) << table;
+  EXPECT_NE(output({"history", "A001"}).find("bin: shelf (was -)"), std::string::npos);
+  EXPECT_EQ(reeldb({"history", "X9"}).err, "reeldb: X9: no such reel, and none in the history\n");
+}
+
+TEST_F(HistoryCommand, NamesFalseKeepsNeitherNamesNorFolders)
+{
+  dir_.write("facility.toml", readFile("facility.toml") + "\n[history]\nnames = false\n");
+  dir_.write("list.edl", "TITLE: T\n001  R1 V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n");
+  output({"import", path("list.edl")});
+  const Json commit = json({"history", "--json"}).at("commits").at(0);
+  EXPECT_EQ(commit.at("command"), "reeldb import list.edl");
+  for (const char* key : {"user", "machine", "folder"})
+    EXPECT_EQ(commit.at(key), "") << key;
+}
+
+TEST_F(HistoryCommand, CommandsThatStoreNothingHaveNoRevision)
+{
+  const std::string before = readFile("projects/main.reels");
+  output({"set", "A001", "bin="});
+  output({"rename", "--dry-run", "A001", "B001"});
+  EXPECT_EQ(reeldb({"undo", "99"}).code, 1);
+  EXPECT_EQ(readFile("projects/main.reels"), before);
+  EXPECT_EQ(json({"history", "--json"}).at("commits").size(), 1u);
+}
+
+} // namespace
