@@ -3,7 +3,7 @@
 # A source includes what it uses all the same; the presets that set REELDB_PCH to OFF see an include that is missing.
 
 # reeldb_precompile(NAME [KIND] HEADERS <header>... [LIBRARIES target...]): makes the set NAME. KIND is EXECUTABLE for the
-# sources of programs, else they are those of libraries: the compiler tells the two apart.
+# sources of programs, else they are those of libraries (the compiler accepts no other ones).
 function(reeldb_precompile name)
   cmake_parse_arguments(PARSE_ARGV 1 ARG "EXECUTABLE" "" "HEADERS;LIBRARIES")
   if(NOT REELDB_PCH)
