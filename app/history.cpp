@@ -236,6 +236,28 @@ ProjectHistory readHistory(Session&, const std::optional<std::string>& reel)
   });
 }
 
+std::vector<KeptDeletion> keptDeletions(Session&)
+{
+  return guarded([] {
+    reelhost::History& history = requireHistory();
+    std::vector<KeptDeletion> deletions;
+    for (const reelhost::Revision& revision : reelhost::deletionsInForce(history)) {
+      KeptDeletion deletion{entryFrom(revision, {}), {}, 0};
+      for (const reelhost::LogChange& change : history.changesOf(revision.number).logs) {
+        if (!reelhost::isRestorable(change))
+          continue;
+        if (change.before->type == codes::reelLog)
+          deletion.reels.push_back(idOf(*change.before));
+        else
+          ++deletion.shots;
+      }
+      if (!deletion.reels.empty() || deletion.shots != 0)
+        deletions.push_back(std::move(deletion));
+    }
+    return deletions;
+  });
+}
+
 TakenBackCommit undo(Session& session, std::optional<std::int64_t> revision, bool anybody)
 {
   return guarded([&] {

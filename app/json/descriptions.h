@@ -472,6 +472,14 @@ void describe(Io& io, R& history)
   io("commits", history.commits);
 }
 
+template <class Io, Like<KeptDeletion> R>
+void describe(Io& io, R& deletion)
+{
+  io("commit", deletion.commit);
+  io("reels", deletion.reels);
+  io("shots", deletion.shots);
+}
+
 template <class Io, Like<TakenBackCommit> R>
 void describe(Io& io, R& result)
 {

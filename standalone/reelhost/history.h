@@ -76,6 +76,9 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
+/// The deletions that were not taken back, the newest first. Project compact may have removed what they deleted.
+std::vector<Revision> deletionsInForce(History& history);
+
 /// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);
 
