@@ -9,7 +9,7 @@
 #include "app/host_text.h"
 #include "app/reel_records.h"
 #include "base/ascii.h"
-#include "reelhost/host.h"
+#include "reelhost/inform_manager.h"
 
 namespace reeldb::app {
 
@@ -163,10 +163,7 @@ void Watcher::idle()
 
 void Watcher::poll()
 {
-  guarded([this] {
-    if (reelhost::reloadIfChangedElsewhere())
-      session_.manager().informReelDbChanged("");
-  });
+  guarded([this] { reelhost::informOfChangesFromElsewhere(session_.manager()); });
 }
 
 } // namespace reeldb::app

@@ -165,6 +165,8 @@ TEST_F(FileWatchTest, FileInThePlaceOfTheProjectIsHeardAndWhole)
 {
   const fs::path other = folder_ / "other.reels";
   createSqliteProject(other, exampleInfo(), {});
+  for (const char* ending : {"-wal", "-shm"}) // of the project that is replaced
+    fs::remove(file().native() + ending);
   fs::rename(other, file());
   EXPECT_TRUE(hearsOfACommit());
   EXPECT_TRUE(delta().whole);
