@@ -110,6 +110,11 @@ Store& projectStore()
   return *model::requireProject("project").store();
 }
 
+Store& projectStoreToRead()
+{
+  return model::requireProject("project").storeToRead();
+}
+
 ProjectInfo currentInfo(Store& store)
 {
   ProjectInfo info = store.info();

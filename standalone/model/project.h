@@ -41,6 +41,11 @@ public:
   void close() noexcept;
 
   const std::shared_ptr<Store>& store() const { return store_; }
+  Store& storeToRead() ///< begun for reading, in the state of the logs in memory
+  {
+    use(Access::Read);
+    return *store_;
+  }
   Access access() const { return access_; }
   const ProjectInfo& info() const { return info_; }
   const Cookie& cookie() const { return cookie_; }

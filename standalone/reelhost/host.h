@@ -78,6 +78,9 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
+/// The same, begun for reading in the state that the logs in memory have, for those who read more than the logs after
+/// idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
 /// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was

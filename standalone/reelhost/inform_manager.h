@@ -14,18 +14,21 @@ namespace reelhost {
 /// Applies the changes of other processes (applyChangesFromElsewhere), then notifies the manager: of the set of reels,
 /// once, if it changed, with the identifier of the reel if exactly one is new; then of each reel that keeps its
 /// identifier and has another value, in the order of the project. Clients are called when the whole change is applied.
-/// While notifications are held nothing is applied: the state is Later. Throws as applyChangesFromElsewhere does;
-/// exceptions of clients pass through.
-inline ForeignChanges::State informOfChangesFromElsewhere(ReelDbManager& manager)
+/// While notifications are held nothing is applied: the state is Later. Returns what was applied. Throws as
+/// applyChangesFromElsewhere does; exceptions of clients pass through.
+inline ForeignChanges informOfChangesFromElsewhere(ReelDbManager& manager)
 {
-  if (manager.notifyHoldCount != 0)
-    return ForeignChanges::State::Later;
-  const ForeignChanges changes = applyChangesFromElsewhere();
+  ForeignChanges changes;
+  if (manager.notifyHoldCount != 0) {
+    changes.state = ForeignChanges::State::Later;
+    return changes;
+  }
+  changes = applyChangesFromElsewhere();
   if (changes.reelSet)
     manager.informReelDbChanged(changes.newReel.c_str());
   for (const Cookie& log : changes.changedReels)
     manager.informReelDbRecChanged(ReelDbRec(log).reelId());
-  return changes.state;
+  return changes;
 }
 
 } // namespace reelhost
