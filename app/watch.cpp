@@ -384,10 +384,10 @@ std::string Watcher::whyNoHandle()
   });
 }
 
-std::optional<std::chrono::microseconds> Watcher::heard()
+std::optional<std::chrono::microseconds> Watcher::readEvents()
 {
   reelhost::Feed* const feed = reelhost::projectStore().feed();
-  return feed ? feed->heard() : std::nullopt;
+  return feed ? feed->readEvents() : std::nullopt;
 }
 
 } // namespace reeldb::app

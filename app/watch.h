@@ -54,8 +54,8 @@ struct WatchedCommit {
 /// only commits that changed that reel, and of them only that reel, also after a renaming; after the reel is deleted,
 /// the next reel with its identifier. Blocks no other process. Main thread only.
 ///
-/// A caller waits like this: it calls idle and poll once; then it waits until waitHandle() is readable, calls heard()
-/// until that returns zero, and calls idle and poll again.
+/// A caller waits like this: it calls idle and poll once; then it waits until waitHandle() is readable, calls
+/// readEvents() until that returns zero, and calls idle and poll again.
 class Watcher {
 public:
   using Listener = std::function<void(const WatchedCommit&)>;
@@ -80,7 +80,7 @@ public:
   int waitHandle();
   std::string whyNoHandle();
   /// Zero: call poll now. A longer time: call this again after that time. No time: wait on.
-  std::optional<std::chrono::microseconds> heard();
+  std::optional<std::chrono::microseconds> readEvents();
 
 private:
   class Reels;

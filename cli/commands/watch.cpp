@@ -2,14 +2,7 @@
 #include "commands/commands.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
-#include <csignal>
-#include <ctime>
-
-#include <poll.h>
-#include <sys/signalfd.h>
-#include <unistd.h>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -20,6 +13,7 @@
 #include "base/text_width.h"
 #include "commands/tables.h"
 #include "text/output.h"
+#include "text/waiting.h"
 
 namespace reeldb::cli {
 
@@ -91,9 +85,7 @@ std::string totalsOf(const app::WatchedCommit& commit)
 std::string linesOf(const app::WatchedCommit& commit, const Options& options)
 {
   std::string lines;
-  const auto add = [&](const std::string& text) {
-    lines.append(text).append(originOf(commit.commit)).append("\n");
-  };
+  const auto add = [&](const std::string& text) { lines.append(text).append(originOf(commit.commit)).append("\n"); };
   if (options.all || options.reel || commit.reels.size() == 1)
     for (const app::ReelEvent& event : commit.reels)
       add(changeOf(event));
@@ -122,40 +114,6 @@ void report(const app::WatchedCommit& commit, const Options& options)
     throw app::Error(app::ErrorKind::Io, "watch: ended (its output cannot be written)");
 }
 
-/// Waits for the signals that end the command, so that the command can clean up, and for another descriptor.
-class Waiting {
-public:
-  Waiting()
-  {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigaddset(&signals, SIGHUP);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    signals_ = ::signalfd(-1, &signals, SFD_CLOEXEC);
-  }
-  ~Waiting() { ::close(signals_); }
-  Waiting(const Waiting&) = delete;
-  Waiting& operator=(const Waiting&) = delete;
-
-  /// Waits until the descriptor, unless it is -1, is readable, or for this time. Returns whether a signal came.
-  bool endedBySignal(int descriptor, std::optional<std::chrono::microseconds> time) const
-  {
-    std::array<pollfd, 2> sources = {pollfd{signals_, POLLIN, 0}, pollfd{descriptor, POLLIN, 0}};
-    timespec limit{};
-    if (time) {
-      limit.tv_sec = time->count() / 1'000'000;
-      limit.tv_nsec = time->count() % 1'000'000 * 1'000;
-    }
-    ::ppoll(sources.data(), sources.size(), time ? &limit : nullptr, nullptr);
-    return sources[0].revents != 0;
-  }
-
-private:
-  int signals_ = -1;
-};
-
 /// Waits for a commit and reports it, again and again, until the deadline or a signal.
 void follow(app::Watcher& watcher, const Waiting& waiting, const Deadline& end)
 {
@@ -182,7 +140,7 @@ void follow(app::Watcher& watcher, const Waiting& waiting, const Deadline& end)
       }
       if (waiting.endedBySignal(pause && handle >= 0 ? -1 : handle, time))
         return;
-      pause = handle < 0 ? microseconds(0) : watcher.heard();
+      pause = handle < 0 ? microseconds(0) : watcher.readEvents();
       isNews = pause && pause->count() == 0;
     }
   }

@@ -186,7 +186,7 @@ void run(const std::string& wanted)
       ask = now;
     } else {
       key = keys.pressed(ask ? -1 : commits, ask);
-      ask = feed.heard();
+      ask = feed.readEvents();
     }
   }
   reelhost::closeProject();

@@ -19,7 +19,11 @@ namespace reelhost {
 struct FeedPosition {
   std::int64_t revision = 0;             ///< 0: there is no revision yet
   std::array<unsigned char, 16> token{}; ///< that of the revision
-  bool operator==(const FeedPosition&) const = default;
+  friend bool operator==(const FeedPosition& a, const FeedPosition& b)
+  {
+    return a.revision == b.revision && a.token == b.token;
+  }
+  friend bool operator!=(const FeedPosition& a, const FeedPosition& b) { return !(a == b); }
 };
 
 /// A log that no longer exists.
@@ -32,7 +36,7 @@ struct GoneLog {
 
 /// The difference between two states of a project.
 struct Delta {
-  bool whole = false;          ///< the store cannot tell: the project has to be read again. All below is empty then
+  bool whole = false;          ///< the difference is unknown: the project has to be read again. All below is empty then
   std::vector<StoredLog> logs; ///< the logs that are new or changed, as they are now, by number
   std::vector<GoneLog> gone;   ///< by number
   std::optional<KeyValues> options; ///< all options, if one changed
@@ -44,7 +48,7 @@ using AskAgain = std::optional<std::chrono::microseconds>;
 /// What a store may have for those who wait for changes by other processes.
 ///
 /// The way to wait: get the handle, then ask Store::changedElsewhere once, because a commit may have come before the
-/// handle. Then wait until the handle is readable, call heard, and do what it says until it returns zero; then ask
+/// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero; then ask
 /// Store::changedElsewhere.
 class Feed {
 public:
@@ -65,7 +69,7 @@ public:
   virtual std::string whyNoWaitHandle() = 0;
   /// Reads what the handle has to say. Zero: ask Store::changedElsewhere now. A longer time: another process is just
   /// writing, so call this again after that time. No time: nothing has happened. Never throws and never waits.
-  virtual AskAgain heard() noexcept = 0;
+  virtual AskAgain readEvents() noexcept = 0;
 };
 
 } // namespace reelhost

@@ -29,7 +29,7 @@ constexpr microseconds firstPause{200}, shortPause{10'000}, longPause{200'000}, 
 
 constexpr long smb2Magic = 0xFE534D42, cifsMagic = 0xFF534D42, nineMagic = 0x01021997, fuseMagic = 0x65735546;
 
-/// Whether other machines may write to the folder: this one does not hear of that.
+/// Whether other machines may write to the folder, which this one does not report.
 bool mayBeShared(const std::string& folder)
 {
   struct statfs status = {};
@@ -88,7 +88,7 @@ bool FileWatch::drain() noexcept
   }
 }
 
-AskAgain FileWatch::heard() noexcept
+AskAgain FileWatch::readEvents() noexcept
 {
   if (handle_ >= 0 && drain())
     mayHaveChanged_ = true;

@@ -9,7 +9,7 @@
 
 namespace reelhost {
 
-/// Hears of commits to a project file by other processes of this machine, without asking in the meantime.
+/// Reports commits to a project file by other processes of this machine, without asking in the meantime.
 ///
 /// The system reports a write to the write-ahead log before the commit can be seen: the writer then waits for the disk,
 /// and only after that publishes the commit and releases its lock, of which nothing is reported. So after a report this
@@ -24,7 +24,7 @@ public:
 
   int handle() const { return handle_; }                ///< as Feed::waitHandle
   const std::string& whyNot() const { return whyNot_; } ///< as Feed::whyNoWaitHandle
-  AskAgain heard() noexcept;                            ///< as Feed::heard
+  AskAgain readEvents() noexcept;                       ///< as Feed::readEvents
 
 private:
   bool drain() noexcept;

@@ -245,7 +245,7 @@ public:
 
   int waitHandle() override { return -1; } // no other process has this project
   std::string whyNoWaitHandle() override { return {}; }
-  AskAgain heard() noexcept override { return std::nullopt; }
+  AskAgain readEvents() noexcept override { return std::nullopt; }
 
 private:
   using Commits = std::vector<Commit>;

@@ -50,7 +50,7 @@ public:
   Delta since(const FeedPosition& before) override;
   int waitHandle() override { return watch().handle(); }
   std::string whyNoWaitHandle() override { return watch().whyNot(); }
-  AskAgain heard() noexcept override { return watch_ ? watch_->heard() : std::nullopt; }
+  AskAgain readEvents() noexcept override { return watch_ ? watch_->readEvents() : std::nullopt; }
 
 private:
   /// Reads with @p work, which takes the database.

@@ -210,7 +210,7 @@ TEST_P(ApplyChanges, ReelThatComesBackIsThereAgain)
   EXPECT_EQ(texts(reels()), (Texts{text(first_), text(second_)}));
 }
 
-TEST_P(ApplyChanges, ShotsChangeNoReelAndListenersHear)
+TEST_P(ApplyChanges, ShotsChangeNoReelAndAreReportedToListeners)
 {
   makeLogs();
   RecordingListener listener;

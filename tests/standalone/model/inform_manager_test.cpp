@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// What clients of the library hear of commits of other processes, and in which order.
+// The notifications of clients after commits of other processes, and their order.
 #include "host/events.h"
 #include "reelhost/inform_manager.h"
 #include "support/library_fixture.h"
@@ -101,7 +101,7 @@ protected:
 
 } // namespace
 
-TEST_F(ChangesFromElsewhere, FieldsAreToldReelByReelInTheOrderOfTheProject)
+TEST_F(ChangesFromElsewhere, FieldsAreReportedReelByReelInTheOrderOfTheProject)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_, {}, "R2");
@@ -112,7 +112,7 @@ TEST_F(ChangesFromElsewhere, FieldsAreToldReelByReelInTheOrderOfTheProject)
             (Heard{"modified 2", "our()", "some(R2)", "some(R3)"}));
 }
 
-TEST_F(ChangesFromElsewhere, OneNewReelIsToldByItsName)
+TEST_F(ChangesFromElsewhere, OneNewReelIsReportedByItsName)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
@@ -122,7 +122,7 @@ TEST_F(ChangesFromElsewhere, OneNewReelIsToldByItsName)
             (Heard{"modified 2", "dbC(R4)", "some(R1)"}));
 }
 
-TEST_F(ChangesFromElsewhere, OtherChangesOfTheSetAreToldOnceWithoutAName)
+TEST_F(ChangesFromElsewhere, OtherChangesOfTheSetAreReportedOnceWithoutAName)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
@@ -136,7 +136,7 @@ TEST_F(ChangesFromElsewhere, OtherChangesOfTheSetAreToldOnceWithoutAName)
             (Heard{"modified 2", "deleted 1", "dbC()", "some(R2)"}));
 }
 
-TEST_F(ChangesFromElsewhere, ShotsAndOptionsAreToldToNoClient)
+TEST_F(ChangesFromElsewhere, ShotsAndOptionsAreReportedToNoClient)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
@@ -192,7 +192,7 @@ TEST_F(ChangesFromElsewhere, MarksOfReelsInUseStay)
   EXPECT_TRUE(manager().reelInUse("R1"));
 }
 
-TEST_F(ChangesFromElsewhere, EachStateIsToldOnce)
+TEST_F(ChangesFromElsewhere, EachStateIsReportedOnce)
 {
   RecordingClient client(heard_);
   EXPECT_EQ(heardOf([this] { storeLogs({log(1, 9, "R1", "a")}); }), Heard{"some(R1)"});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A commit of another process is heard, whoever makes it and however long it takes, and nothing else is.
+// Every commit of another process is noticed, however it is made and however long it takes.
 #include "store/file_watch.h"
 
 #include <thread>
@@ -30,7 +30,7 @@ protected:
     project_->begin(Access::Read, muchPatience);
     position_ = feed().position();
     project_->end();
-    feed().heard(); // opening the project has made files
+    feed().readEvents(); // opening the project has made files
     ASSERT_FALSE(project_->changedElsewhere());
   }
   fs::path file() const { return folder_ / "main.reels"; }
@@ -43,14 +43,14 @@ protected:
   }
 
   /// Waits as those who use a feed do. Returns whether another process has committed.
-  bool hearsOfACommit(milliseconds patience = milliseconds(20'000))
+  bool noticesACommit(milliseconds patience = milliseconds(20'000))
   {
     const auto end = steady_clock::now() + patience;
     while (steady_clock::now() < end) {
       if (!isReadable(std::chrono::duration_cast<milliseconds>(end - steady_clock::now())))
         return false;
-      AskAgain again = feed().heard();
-      for (; again && again->count() != 0; again = feed().heard()) {
+      AskAgain again = feed().readEvents();
+      for (; again && again->count() != 0; again = feed().readEvents()) {
         ++pauses_;
         std::this_thread::sleep_for(*again);
       }
@@ -84,14 +84,14 @@ protected:
   int pauses_ = 0;
 };
 
-TEST_F(FileWatchTest, OneCommitThenSilenceIsHeard)
+TEST_F(FileWatchTest, OneCommitThenSilenceIsNoticed)
 {
   storeElsewhere(1);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
 }
 
-TEST_F(FileWatchTest, CommitOfAWriterThatStaysOpenIsHeard)
+TEST_F(FileWatchTest, CommitOfAWriterThatStaysOpenIsNoticed)
 {
   Child writer([&] {
     static std::unique_ptr<Store> project; // stays open after the work
@@ -99,22 +99,22 @@ TEST_F(FileWatchTest, CommitOfAWriterThatStaysOpenIsHeard)
     store(*project, logChanges({exampleLog(1, 9)}));
   });
   writer.waitUntilDone();
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
 }
 
-TEST_F(FileWatchTest, CommitOfAWriterThatIsKilledAfterItIsHeard)
+TEST_F(FileWatchTest, CommitOfAWriterThatIsKilledAfterItIsNoticed)
 {
   storeAndDie(file(), logChanges({exampleLog(1, 9)}));
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
 }
 
-TEST_F(FileWatchTest, EveryCommitOfManyIsHeard)
+TEST_F(FileWatchTest, EveryCommitOfManyIsNoticed)
 {
   for (std::int64_t number = 1; number <= 40; ++number) {
     storeElsewhere(number);
-    ASSERT_TRUE(hearsOfACommit()) << number;
+    ASSERT_TRUE(noticesACommit()) << number;
     const Delta found = delta();
     ASSERT_FALSE(found.whole);
     ASSERT_EQ(found.logs.size(), 1u);
@@ -123,7 +123,7 @@ TEST_F(FileWatchTest, EveryCommitOfManyIsHeard)
 }
 
 // The log is written to long before the commit can be seen, as on a slow disk.
-TEST_F(FileWatchTest, CommitIsHeardHoweverLongItTakesAfterTheFirstWrite)
+TEST_F(FileWatchTest, CommitIsNoticedHoweverLongItTakesAfterTheFirstWrite)
 {
   int pipes[2];
   ASSERT_EQ(::pipe(pipes), 0);
@@ -140,7 +140,7 @@ TEST_F(FileWatchTest, CommitIsHeardHoweverLongItTakesAfterTheFirstWrite)
   char written = 0;
   ASSERT_EQ(::read(pipes[0], &written, 1), 1);
   EXPECT_TRUE(isReadable(milliseconds(10'000)));
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_GT(pauses_, 0);
   EXPECT_EQ(writer.waitForExit(), 0);
   EXPECT_TRUE(delta().whole); // no revision says what was written
@@ -148,54 +148,54 @@ TEST_F(FileWatchTest, CommitIsHeardHoweverLongItTakesAfterTheFirstWrite)
   ::close(pipes[1]);
 }
 
-TEST_F(FileWatchTest, CommitAfterACheckpointIsHeard)
+TEST_F(FileWatchTest, CommitAfterACheckpointIsNoticed)
 {
   storeElsewhere(1);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   delta();
   runSql(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
-  hearsOfACommit(milliseconds(300)); // a checkpoint may look like a commit
+  noticesACommit(milliseconds(300)); // a checkpoint may look like a commit
   delta();
   storeElsewhere(2);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
 }
 
-TEST_F(FileWatchTest, FileInThePlaceOfTheProjectIsHeardAndWhole)
+TEST_F(FileWatchTest, FileInThePlaceOfTheProjectIsNoticedAndWhole)
 {
   const fs::path other = folder_ / "other.reels";
   createSqliteProject(other, exampleInfo(), {});
   for (const char* ending : {"-wal", "-shm"}) // of the project that is replaced
     fs::remove(file().native() + ending);
   fs::rename(other, file());
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_TRUE(delta().whole);
-  storeElsewhere(1); // the new file is heard of, too
-  EXPECT_TRUE(hearsOfACommit());
+  storeElsewhere(1); // commits to the new file are noticed, too
+  EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
 }
 
-TEST_F(FileWatchTest, ProgramThatKeepsNoHistoryIsHeardAndWhole)
+TEST_F(FileWatchTest, ProgramThatKeepsNoHistoryIsNoticedAndWhole)
 {
   storeElsewhere(1);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   delta();
   runSql(file(), "UPDATE logs SET name = 'by hand'");
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_TRUE(delta().whole);
 }
 
-TEST_F(FileWatchTest, ProjectThatGaveItsSpaceBackIsHeard)
+TEST_F(FileWatchTest, ProjectThatGaveItsSpaceBackIsNoticed)
 {
   storeElsewhere(1);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   delta();
   Child other([&] {
     const auto project = makeSqliteStore(file());
     project->history()->giveSpaceBack();
   });
   EXPECT_EQ(other.waitForExit(), 0);
-  EXPECT_TRUE(hearsOfACommit());
+  EXPECT_TRUE(noticesACommit());
   EXPECT_TRUE(delta().whole);
 }
 
@@ -210,15 +210,15 @@ TEST_F(FileWatchTest, ReadersAndOtherFilesWakeNobodyForLong)
   EXPECT_FALSE(isReadable(milliseconds(100)));
   writeBytes(folder_ / "main.reels-old", "x");
   writeBytes(folder_ / "another.reels", "x");
-  EXPECT_FALSE(hearsOfACommit(milliseconds(100)));
-  EXPECT_EQ(feed().heard(), AskAgain());
+  EXPECT_FALSE(noticesACommit(milliseconds(100)));
+  EXPECT_EQ(feed().readEvents(), AskAgain());
   EXPECT_FALSE(isReadable(milliseconds(100))); // the events are read
 }
 
 TEST_F(FileWatchTest, OwnCommitIsNotOneOfOthers)
 {
   store(*project_, logChanges({exampleLog(1, 9)}));
-  EXPECT_FALSE(hearsOfACommit(milliseconds(200)));
+  EXPECT_FALSE(noticesACommit(milliseconds(200)));
 }
 
 TEST(FileWatchWithoutAFolder, SaysWhyItCannotWatch)
