@@ -227,6 +227,7 @@ void EdlEvent::add(int line, std::string_view text, const EventLine& fields)
 {
   EventSource source;
   source.line = line;
+  source.isFirst = sources_.empty();
   source.text = text;
   source.fields = fields;
   sources_.push_back(std::move(source));
@@ -237,6 +238,22 @@ void EdlEvent::note(Note note)
   noted_ = true;
   if (note.kind != NoteKind::Other)
     notes_.push_back(std::move(note));
+}
+
+bool EdlEvent::speed(const SpeedLine& line)
+{
+  const auto takes = [&](const EventSource& source) {
+    return !source.speed && base::sameName(source.fields.reel, line.reel);
+  };
+  auto found = std::find_if(sources_.begin(), sources_.end(), [&](const EventSource& source) {
+    return takes(source) && source.fields.timecodes[0] == line.speed.timecode;
+  });
+  if (found == sources_.end())
+    found = std::find_if(sources_.begin(), sources_.end(), takes);
+  if (found == sources_.end())
+    return false;
+  found->speed = line.speed;
+  return true;
 }
 
 std::vector<EventSource> EdlEvent::finish()

@@ -5,20 +5,24 @@
 #ifndef REELDB_LISTS_EDL_EVENT_H
 #define REELDB_LISTS_EDL_EVENT_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
+#include "lists/speed.h"
 
 namespace reeldb::lists {
 
 /// An event line with the notes that belong to it. The texts of notes are clean; the text of a missing note is empty.
 struct EventSource {
   int line = 0;
+  bool isFirst = false;  ///< whether the event begins with it
   std::string_view text; ///< the whole line
   EventLine fields;
+  std::optional<Speed> speed;
   std::string clipName;
   std::string sourceFile;
   std::string reelNote;                ///< * REEL:
@@ -38,6 +42,9 @@ public:
   bool takes(const EventLine& fields) const;
   void add(int line, std::string_view text, const EventLine& fields);
   void note(Note note);
+  /// Gives the speed to the line of its reel: the one with that source in, else the first one without a speed. Returns
+  /// false if the event has no such line.
+  bool speed(const SpeedLine& line);
 
   /// Returns the lines in order, with their notes, and empties the event.
   ///

@@ -23,9 +23,12 @@ enum class Transition {
 /// Views into the line.
 struct EventLine {
   std::string_view number;
-  std::string_view reel; ///< without outer blanks, 1 to reelLength code points
+  std::string_view reel;      ///< without outer blanks, 1 to reelLength code points
+  std::size_t reelColumn = 0; ///< the width of the reel in characters, with the blanks that pad it
   std::string_view channels;
   Transition transition = Transition::Cut;
+  std::string transitionCode; ///< as in Event
+  std::string_view duration;
   /// Source in, source out, record in, record out. The first two may be frame numbers.
   std::array<std::string_view, 4> timecodes;
 };
