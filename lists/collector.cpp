@@ -160,6 +160,7 @@ void Collector::special(Clip clip, std::string_view reason)
   clip.reel = shortened(clip.reel, shownBytes);
   clip.special = reason;
   clip.aliases.clear();
+  clip.event.sourceIds.clear();
   for (std::string* name :
        {&clip.clipName, &clip.sourceFile, &clip.event.reelText, &clip.event.number, &clip.event.duration})
     if (!nameFault("", *name).empty())

@@ -229,12 +229,17 @@ void Reader::event(int number, std::string_view line)
 
 void Reader::takeNote(std::optional<Note> note)
 {
-  if (note && note->kind == NoteKind::ReelMap)
+  if (!note)
+    return;
+  if (note->kind == NoteKind::ReelMap) {
     map_[base::fold(note->reel)].push_back(std::move(note->value));
-  else if (note && note->kind == NoteKind::FrameRate && !inEvents_)
+  } else if (note->kind == NoteKind::FrameRate && !inEvents_) {
     frameRate_ = knownRate(note->value);
-  else if (note && !event_.empty())
-    event_.note(std::move(*note));
+  } else {
+    collector_.list().tally.ignored += event_.empty() || note->kind == NoteKind::Other ? 1 : 0;
+    if (!event_.empty())
+      event_.note(std::move(*note));
+  }
 }
 
 bool Reader::statement(int number, std::string_view line)
@@ -244,6 +249,7 @@ bool Reader::statement(int number, std::string_view line)
   std::string_view rest = line;
   for (std::string_view silent : silentStatements) {
     if (takeStatement(rest, silent)) {
+      ++tally.ignored;
       ++counter;
       return true;
     }
@@ -294,8 +300,10 @@ void Reader::speed(int number, std::string_view line, std::string_view statement
   std::string fault = parseSpeedLine(statement, speed);
   if (fault.empty() && !event_.speed(speed))
     fault = "the event above has no line of reel " + inQuotes(speed.reel) + " without a speed";
-  if (!fault.empty())
-    collector_.warn(number, line, "speed not used: " + fault);
+  if (fault.empty())
+    return;
+  ++collector_.list().tally.ignored;
+  collector_.warn(number, line, "speed not used: " + fault);
 }
 
 std::string Reader::replacedReel(std::string_view statement)
@@ -351,6 +359,7 @@ Known& Reader::lookUp(const std::string& reel)
     return known;
   if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
     known.mapped = known.settled = true;
+    known.ids = table_.find(reel).ids;
     settle(known, mapped->second, "the map of the list gives the name to several reels");
     return known;
   }

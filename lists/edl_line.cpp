@@ -133,6 +133,16 @@ std::size_t countTimecodes(std::string_view line)
   return count;
 }
 
+bool isEventNumber(std::string_view text)
+{
+  return numberDigits(text) > 0;
+}
+
+bool isTransitionCode(std::string_view text)
+{
+  return transitionOf(text).has_value();
+}
+
 bool beginsLikeEvent(std::string_view line)
 {
   const std::size_t digits = numberDigits(takeFirst(line));

@@ -40,6 +40,12 @@ inline constexpr std::size_t reelLength = 129;
 /// or with a shorter number and contains a timecode, good or bad.
 bool beginsLikeEvent(std::string_view line);
 
+/// Whether the text is the number of an event: digits, which a letter may follow.
+bool isEventNumber(std::string_view text);
+
+/// Whether the text is the code of a transition, as in Event.
+bool isTransitionCode(std::string_view text);
+
 /// The number of words of the line that were meant as timecodes, valid or not.
 std::size_t countTimecodes(std::string_view line);
 

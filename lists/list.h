@@ -140,6 +140,7 @@ struct Tally {
   int headers = 0;    ///< title, frame code mode and the like before the first event; headings, sections and columns
   int notes = 0;      ///< lines with a star
   int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like
+  int ignored = 0;    ///< the number of notes and statements, of those above, that no clip keeps
 };
 
 struct List {

@@ -159,6 +159,45 @@ TEST(EdlEvents, ASpeedThatCannotBeUsedIsAWarning)
   EXPECT_EQ(list.tally.statements, 4);
 }
 
+TEST(EdlEvents, NotesBelowAnEventLineNoteBelongToThatLineAlone)
+{
+  const List list = readWhole(event("001", "A V C") + event("001", "A V D 024") +
+                              "* EVENT LINE: 2 OF 2\n* SOURCE FILE: two.mov\nM2 A 012.5 01:00:00:00\n"
+                              "* FROM CLIP NAME: two\n* EVENT LINE: 1 OF 2\n* NO TIMECODE: SOURCE IN\n");
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(sourceFiles(list), (Strings{"", "two.mov"}));
+  EXPECT_EQ(clipNames(list), (Strings{"", "two"}));
+  EXPECT_EQ(list.clips[0].sourceIn, "");
+  EXPECT_EQ(list.clips[1].sourceIn, "01:00:00:00");
+  EXPECT_FALSE(list.clips[0].event.speed);
+  EXPECT_TRUE(list.clips[1].event.speed);
+}
+
+TEST(EdlEvents, AnEventLineNoteEndsTheEvent)
+{
+  const List list = readWhole(event("001", "A V C") + "* EVENT LINE: 1 OF 1\n" + event("001", "B V D 024"));
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(list.clips[1].event.part, 1);
+}
+
+TEST(EdlEvents, AnEventLineNoteThatDoesNotFitTheEventIsSkipped)
+{
+  for (const char* value : {"", "1", "3 OF 2", "0 OF 2", "1 OF 3", "1 OF", "x OF 2", "1 IN 2", "1 OF 2 3"}) {
+    const List list = readWhole(event("001", "A V C") + event("001", "B V D 024") + "* EVENT LINE: " + value +
+                                "\n* TO CLIP NAME: two\n* FROM CLIP NAME: one\n" + event("001", "C1 V D 024"));
+    EXPECT_EQ(clipNames(list), (Strings{"one", "two", ""})) << value;
+    EXPECT_EQ(list.clips.at(2).event.part, 3) << value;
+  }
+}
+
+TEST(EdlEvents, NotesAndStatementsThatNoClipKeepsAreCounted)
+{
+  EXPECT_EQ(readWhole("TITLE: A\n* early\n" + event("001", "A V C") + "* LOC: x\n* FROM CLIP NAME: a\nAUD 3\n" +
+                      "* REEL MAP: A = B\nM2 A 012.5\nM2 X 012.5\n")
+                .tally.ignored,
+            4);
+}
+
 TEST(EdlEvents, TheIdsOfTheSourceTableAreKeptWithTheirKind)
 {
   const List list = readWhole(event("001", "A001C001 V C") + event("002", "A001C001 V C") + event("003", "B V C") +
