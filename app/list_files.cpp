@@ -29,12 +29,20 @@ ErrorKind kindFrom(base::FileFault fault)
 
 } // namespace
 
-ListFile readListFile(const std::string& path)
+std::string readInputFile(const std::string& path, std::size_t largest)
 {
   try {
-    return {path, lists::read(base::readRegularFile(path, largestList))};
+    return base::readRegularFile(path, largest);
   } catch (const base::FileError& error) {
     throw Error(kindFrom(error.fault()), error.what());
+  }
+}
+
+ListFile readListFile(const std::string& path)
+{
+  const std::string bytes = readInputFile(path, largestList);
+  try {
+    return {path, lists::read(bytes)};
   } catch (const lists::Error& error) {
     throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
   }

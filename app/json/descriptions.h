@@ -24,6 +24,7 @@
 #include "app/reels.h"
 #include "app/rename.h"
 #include "app/shot_logs.h"
+#include "app/state.h"
 #include "app/types.h"
 #include "app/watch.h"
 
@@ -377,6 +378,77 @@ void describe(Io& io, R& diff)
   io("rejected", diff.rejected);
 }
 
+/// A whole number. Other numbers would be rounded in silence.
+template <class Io, class T>
+void whole(Io& io, const char* key, T& number)
+{
+  if constexpr (!Io::writes)
+    if (!io.json().at(key).is_number_integer())
+      throw std::invalid_argument(std::string(key) + " is not a whole number");
+  io(key, number);
+}
+
+/// An object, and beside it an array of the keys that are not UTF-8, if there are any.
+template <class Io, class T>
+void keyTexts(Io& io, const char* key, T& texts)
+{
+  const std::string others = std::string(key) + "_in_bytes";
+  if constexpr (Io::writes) {
+    Value named = Value::object(), unnamed = Value::array();
+    for (const auto& [name, text] : texts)
+      if (utf8::is_valid(name))
+        named[name] = json::bytesJson(text);
+      else
+        unnamed.push_back({{"key", json::bytesJson(name)}, {"text", json::bytesJson(text)}});
+    io.json()[key] = std::move(named);
+    if (!unnamed.empty())
+      io.json()[others] = std::move(unnamed);
+  } else {
+    for (const auto& [name, text] : io.json().at(key).template get_ref<const Value::object_t&>())
+      texts.emplace_back(name, json::bytesFrom(text));
+    if (io.json().contains(others))
+      for (const Value& entry : io.json().at(others).template get_ref<const Value::array_t&>())
+        texts.emplace_back(json::bytesFrom(entry.at("key")), json::bytesFrom(entry.at("text")));
+  }
+}
+
+template <class Io, Like<LogState> R>
+void describe(Io& io, R& log)
+{
+  whole(io, "number", log.number);
+  io("id", log.id);
+  whole(io, "tag", log.tag);
+  io.bytes("kind", log.kind);
+  whole(io, "type", log.type);
+  io("imported", log.imported);
+  io("entire_medium", log.entireMedium);
+  io.bytes("name", log.name);
+  io.bytes("reel_type", log.reelType);
+  whole(io, "video_channels", log.videoChannels);
+  whole(io, "audio_channels", log.audioChannels);
+  keyTexts(io, "keys", log.keys);
+}
+
+template <class Io, Like<ProjectState> R>
+void describe(Io& io, R& state)
+{
+  constexpr int knownVersion = 1;
+  if constexpr (Io::writes) {
+    io.json()["state_version"] = knownVersion;
+  } else {
+    if (!io.json().contains("state_version"))
+      throw std::invalid_argument("it has no state, as reeldb export --json without --reels has");
+    if (io.json().at("state_version") != knownVersion)
+      throw std::invalid_argument("its state_version is " + io.json().at("state_version").dump() + ", not " +
+                                  std::to_string(knownVersion));
+  }
+  io("project_id", state.id);
+  whole(io, "frame_rate_code", state.frameRateCode);
+  whole(io, "output_frame_rate_code", state.outputFrameRateCode);
+  keyTexts(io, "options", state.options);
+  io("logs", state.logs);
+}
+
 template <class Io, Like<ProjectContent> R>
 void describe(Io& io, R& content)
 {
@@ -388,13 +460,18 @@ void describe(Io& io, R& content)
       io.json()["reels"][i]["old_names"] = content.oldNames[i];
     if (!content.reelsOnly)
       io("shots", content.shots);
+    if (content.state)
+      describe(io, *content.state);
   } else {
     for (const Value& reel : io.json().at("reels"))
       json::read(reel.at("old_names"), content.oldNames.emplace_back());
     content.reelsOnly = !io.json().contains("shots");
     if (!content.reelsOnly)
       io("shots", content.shots);
+    if (io.json().contains("state_version"))
+      describe(io, content.state.emplace());
   }
+  io.optional("history", content.history);
 }
 
 // --- Deletions -------------------------------------------------------------------------------------

@@ -161,9 +161,11 @@ std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
 /// read and write it meanwhile. Throws Error as Store::begin does for reading; Refused if @p copy exists, Io.
 void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy);
 
-/// Creates the project file @p path, completely or not at all. Throws Error: Refused if it exists or if files of an
-/// earlier project of this name lie beside it, Io.
-void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options);
+/// Creates the project file @p path, completely or not at all, with what @p content adds to an empty project. Its
+/// history is empty. Throws Error: Refused if it exists or if files of an earlier project of this name lie beside it,
+/// Io.
+void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
+                         const Changes& content = {});
 
 } // namespace reelhost
 

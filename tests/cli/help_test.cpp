@@ -74,6 +74,7 @@ protected:
     output({"import", "evening.edl"});
     output({"create", "undone"});
     output({"undo"});
+    output({"export", "--json", "--force", "-o", "documentary.json"});
   }
 
   ProcessSetting inPath_;
