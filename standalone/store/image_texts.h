@@ -58,6 +58,8 @@ public:
     return values;
   }
 
+  bool empty() const { return rest_.empty(); }
+  std::string_view rest() const { return rest_; }
   bool failed() const { return failed_; }
 
 private:
