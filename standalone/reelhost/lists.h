@@ -20,11 +20,22 @@ namespace reelhost {
 using Digest = std::array<unsigned char, 32>;
 Digest digestOf(std::string_view bytes);
 
-/// One line of a list that names a source. A shot that a list uses twice has two events.
+/// One event line of a list. A shot that a list uses twice has two events. Texts are as the list has them, whatever the
+/// shot has become since; a text that the list does not give is empty.
 struct ListEvent {
-  std::int64_t shot = 0; ///< the number of its shot's log
-  int line = 0;          ///< of the list, counted from 1
-  Material clip;         ///< what the list says, whatever the shot has become since
+  std::int64_t shot = 0;     ///< the number of its shot's log; 0: the line has no source, and no shot
+  int line = 0;              ///< of the list, counted from 1
+  Material clip;             ///< the shot as the list gives it
+  std::string special;       ///< why the line has no source: "black"
+  std::string number;        ///< the number of the event
+  int part = 1;              ///< the place of the line in its event
+  std::string reelText;      ///< the reel field, which clip.reel is made of
+  int reelField = 0;         ///< the width of the list's reel field; 0: unknown
+  std::string transition;    ///< its code: "C", "D", "W001"
+  std::string duration;      ///< of the transition, in frames
+  std::string speed;         ///< in frames per second: "-024.0"
+  std::string speedTimecode; ///< of the source, where the speed begins
+  std::string sourceIds;     ///< the ids of the source, one per line: the kind, a tab, the id
 
   bool operator==(const ListEvent&) const = default;
 };

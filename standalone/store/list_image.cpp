@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include "store/deflate.h"
 #include "store/image_texts.h"
@@ -19,31 +20,56 @@ struct NumberColumn {
   const char* key;
   std::int64_t (*read)(const ListEvent&);
   void (*write)(ListEvent&, std::int64_t);
+  bool grows;
 };
-constexpr std::array<NumberColumn, 2> growing = {{
+constexpr std::array<NumberColumn, 7> numbers = {{
     {"shot", [](const ListEvent& event) { return event.shot; },
-     [](ListEvent& event, std::int64_t number) { event.shot = number; }},
-    {"line", [](const ListEvent& event) { return static_cast<std::int64_t>(event.line); },
-     [](ListEvent& event, std::int64_t number) { event.line = static_cast<int>(number); }},
-}};
-constexpr std::array<NumberColumn, 3> small = {{
-    {"video", [](const ListEvent& event) { return static_cast<std::int64_t>(event.clip.videoChannels); },
-     [](ListEvent& event, std::int64_t number) { event.clip.videoChannels = static_cast<int>(number); }},
-    {"audio", [](const ListEvent& event) { return static_cast<std::int64_t>(event.clip.audioChannels); },
-     [](ListEvent& event, std::int64_t number) { event.clip.audioChannels = static_cast<int>(number); }},
+     [](ListEvent& event, std::int64_t number) { event.shot = number; }, true},
+    {"line", [](const ListEvent& event) { return std::int64_t{event.line}; },
+     [](ListEvent& event, std::int64_t number) { event.line = static_cast<int>(number); }, true},
+    {"part", [](const ListEvent& event) { return std::int64_t{event.part} - 1; },
+     [](ListEvent& event, std::int64_t number) { event.part = static_cast<int>(number) + 1; }, false},
+    {"reel_field", [](const ListEvent& event) { return std::int64_t{event.reelField}; },
+     [](ListEvent& event, std::int64_t number) { event.reelField = static_cast<int>(number); }, true},
+    {"video", [](const ListEvent& event) { return std::int64_t{event.clip.videoChannels}; },
+     [](ListEvent& event, std::int64_t number) { event.clip.videoChannels = static_cast<int>(number); }, false},
+    {"audio", [](const ListEvent& event) { return std::int64_t{event.clip.audioChannels}; },
+     [](ListEvent& event, std::int64_t number) { event.clip.audioChannels = static_cast<int>(number); }, false},
     {dropFrameKey, [](const ListEvent& event) { return std::int64_t{event.clip.dropFrame}; },
-     [](ListEvent& event, std::int64_t number) { event.clip.dropFrame = number != 0; }},
+     [](ListEvent& event, std::int64_t number) { event.clip.dropFrame = number != 0; }, false},
+}};
+
+struct TextColumn {
+  const char* key;
+  std::string ListEvent::*text;
+};
+constexpr std::array<TextColumn, 8> eventTexts = {{
+    {"special", &ListEvent::special},
+    {"number", &ListEvent::number},
+    {"reel_text", &ListEvent::reelText},
+    {"transition", &ListEvent::transition},
+    {"duration", &ListEvent::duration},
+    {"speed", &ListEvent::speed},
+    {"speed_timecode", &ListEvent::speedTimecode},
+    {"source_ids", &ListEvent::sourceIds},
 }};
 constexpr std::array<ShotText, 2> furtherTexts = {{{"name", &Material::name}, {frameRateKey, &Material::frameRate}}};
 
-/// Passes each text of an event, with its key.
+/// Passes the key of each column of texts, and a function that returns the text of an event.
 template <class Pass>
 void forEachText(Pass pass)
 {
+  const auto passClip = [&](const ShotText& text) {
+    pass(
+        text.key, [text](auto& event) -> auto& { return event.clip.*text.text; });
+  };
   for (const ShotText& text : shotTexts)
-    pass(text);
+    passClip(text);
   for (const ShotText& text : furtherTexts)
-    pass(text);
+    passClip(text);
+  for (const TextColumn& text : eventTexts)
+    pass(
+        text.key, [text](auto& event) -> auto& { return event.*text.text; });
 }
 
 std::string numberText(std::int64_t number)
@@ -65,6 +91,7 @@ public:
   explicit Table(const std::vector<ListEvent>& events) : events_(events)
   {
     appendText(text_, std::to_string(events.size()));
+    firstColumn_ = text_.size();
   }
 
   /// @p read returns the text of one event.
@@ -76,7 +103,7 @@ public:
     const std::size_t first = text_.size();
     for (const ListEvent& event : events_)
       appendText(text_, read(event));
-    if (text_.size() == first + events_.size())
+    if (text_.size() == first + events_.size() && start != firstColumn_)
       text_.resize(start);
   }
 
@@ -85,17 +112,18 @@ public:
 private:
   const std::vector<ListEvent>& events_;
   std::string text_;
+  std::size_t firstColumn_ = 0; ///< is always there, so there are at least as many bytes as events
 };
 
 /// Reads one column of numbers. Returns whether its texts are numbers.
-bool readNumbers(const NumberColumn& column, bool grows, ImageTexts& texts, std::vector<ListEvent>& events)
+bool readNumbers(const NumberColumn& column, ImageTexts& texts, std::vector<ListEvent>& events)
 {
   std::int64_t last = 0;
   for (ListEvent& event : events) {
     const std::optional<std::int64_t> number = numberFrom(texts.next());
     if (!number)
       return false;
-    last = *number + (grows ? last : 0);
+    last = *number + (column.grows ? last : 0);
     column.write(event, last);
   }
   return true;
@@ -104,18 +132,16 @@ bool readNumbers(const NumberColumn& column, bool grows, ImageTexts& texts, std:
 /// Reads the column of that key. Returns whether it is one.
 bool readColumn(std::string_view key, ImageTexts& texts, std::vector<ListEvent>& events)
 {
-  const auto isIt = [&](const auto& column) { return key == column.key; };
-  if (const auto column = std::find_if(growing.begin(), growing.end(), isIt); column != growing.end())
-    return readNumbers(*column, true, texts, events);
-  if (const auto column = std::find_if(small.begin(), small.end(), isIt); column != small.end())
-    return readNumbers(*column, false, texts, events);
+  for (const NumberColumn& column : numbers)
+    if (key == column.key)
+      return readNumbers(column, texts, events);
   bool known = false;
-  forEachText([&](const ShotText& text) {
-    if (!isIt(text))
+  forEachText([&](const char* columnKey, auto textOf) {
+    if (key != columnKey)
       return;
     known = true;
     for (ListEvent& event : events)
-      event.clip.*text.text = texts.next();
+      textOf(event) = texts.next();
   });
   return known;
 }
@@ -125,17 +151,15 @@ bool readColumn(std::string_view key, ImageTexts& texts, std::vector<ListEvent>&
 std::string packed(const std::vector<ListEvent>& events)
 {
   Table table(events);
-  for (const NumberColumn& column : growing) {
+  for (const NumberColumn& column : numbers) {
     std::int64_t last = 0;
     table.add(column.key, [&](const ListEvent& event) {
       const std::int64_t number = column.read(event);
-      return numberText(number - std::exchange(last, number));
+      return numberText(number - (column.grows ? std::exchange(last, number) : 0));
     });
   }
-  for (const NumberColumn& column : small)
-    table.add(column.key, [&](const ListEvent& event) { return numberText(column.read(event)); });
-  forEachText([&](const ShotText& text) {
-    table.add(text.key, [&](const ListEvent& event) -> std::string_view { return event.clip.*text.text; });
+  forEachText([&](const char* key, auto textOf) {
+    table.add(key, [&](const ListEvent& event) -> std::string_view { return textOf(event); });
   });
   return deflated(table.text());
 }
@@ -147,7 +171,6 @@ std::optional<std::vector<ListEvent>> eventsFrom(std::string_view packed)
     return {};
   ImageTexts texts(*table);
   const std::optional<std::int64_t> count = numberFrom(texts.next());
-  // Each event has a number for its shot, so there are not more events than bytes.
   if (!count || *count < 0 || static_cast<std::size_t>(*count) > table->size())
     return {};
   std::vector<ListEvent> events(static_cast<std::size_t>(*count));

@@ -86,7 +86,7 @@ void addProblemsOfLists(Database& database, std::vector<std::string>& problems)
       add(list, "another number of events than it says");
     if (events)
       for (const ListEvent& event : *events)
-        if (shots.count(event.shot) == 0)
+        if (event.shot != 0 && shots.count(event.shot) == 0)
           add(list, "an event without its shot (line " + std::to_string(event.line) + ", log " +
                         std::to_string(event.shot) + ")");
     if (lists.integer(3) == 0)

@@ -24,6 +24,13 @@ TEST(ListImage, ListComesBackFromItsImage)
   EXPECT_EQ(*back, list);
 }
 
+TEST(ListImage, EventsThatSayNothingComeBack)
+{
+  std::vector<ListEvent> events(100);
+  events[40].special = "black";
+  EXPECT_EQ(eventsFrom(packed(events)), events);
+}
+
 TEST(ListImage, ListWithoutEventsComesBack)
 {
   const KeptList list = exampleList(1, {});

@@ -157,6 +157,15 @@ KeptList exampleList(std::int64_t number, const std::vector<std::int64_t>& shots
                   2,
                   "29.97",
                   shot % 2 == 0};
+    event.number = "00" + s;
+    event.part = 2;
+    event.reelText = "R" + s + "_";
+    event.reelField = 32;
+    event.transition = "D";
+    event.duration = "024";
+    event.speed = "-024.0";
+    event.speedTimecode = "01:00:00:00";
+    event.sourceIds = "umid\t1\nsource table\t2";
   }
   list.eventCount = static_cast<std::int64_t>(list.events.size());
   return list;
