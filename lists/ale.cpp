@@ -391,7 +391,7 @@ void Reader::row(int number, std::string_view line)
   }
   if (clip.reel.empty()) {
     clip.reel = clip.clipName;
-    return collector_.special(std::move(clip), "no tape and no source file");
+    return collector_.special(std::move(clip), noSourceReason);
   }
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)

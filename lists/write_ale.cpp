@@ -80,11 +80,14 @@ std::string colonsOf(const Clip& clip)
   return columns;
 }
 
-/// The tape of the row. A clip without a source has the text in place of one, which may be none.
+/// The tape of the row, or what stands in its place if the clip has no source; empty if the row had no tape.
 std::string tapeOf(const Clip& clip)
 {
-  const bool isText = clip.special.empty() || !specialReason(clip.reel).empty() || isAuxiliary(clip.reel);
-  return isText ? clip.reel : clip.event.reelText;
+  if (clip.special.empty())
+    return clip.reel;
+  if (clip.event.reelText.empty())
+    return {};
+  return specialReason(clip.reel).empty() ? "AX" : clip.reel;
 }
 
 struct OutColumn {

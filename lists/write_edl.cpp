@@ -352,10 +352,10 @@ void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
 std::vector<Clip> withReels(std::vector<Clip> clips, Written& written)
 {
   std::erase_if(clips, [&](const Clip& clip) {
-    const bool isNameless = !clip.special.empty() && clip.event.reelText.empty() && !isAuxiliary(clip.reel);
-    if (isNameless)
-      written.leftOut.push_back("row " + inQuotes(clip.clipName) + ": left out (" + clip.special + ")");
-    return isNameless;
+    if (clip.special != noSourceReason)
+      return false;
+    written.leftOut.push_back("row " + inQuotes(clip.clipName) + ": left out (" + clip.special + ")");
+    return true;
   });
   return clips;
 }

@@ -325,6 +325,22 @@ TEST(WriteAleEvents, RowsWithoutASourceComeBack)
   EXPECT_EQ(eventTexts(eventsOf(read(writeAle("25", events).text))), eventTexts(events));
 }
 
+TEST(WriteAleEvents, ARowWithoutASourceStaysOneWhateverItsName)
+{
+  const List list = read("Column\nName\tTape\tTracks\tStart\tEnd\nData\n*\t\tV\t\t\nBL\t\tV\t\t\n");
+  const std::vector<Clip> events = eventsOf(list);
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_EQ(eventTexts(eventsOf(read(writeAle("25", events).text))), eventTexts(events));
+  EXPECT_EQ(writeEdl("", events, 8).leftOut.size(), 2u);
+}
+
+TEST(Write, ANameThatBeginsWithAByteOrderMarkKeepsIt)
+{
+  expectRoundTrips({clipOf("\xef\xbb\xbf"
+                           "006I",
+                           "\xef\xbb\xbf", "V", 1, 0)});
+}
+
 TEST(ReelMap, GivesTheReelOfANameAnywhereAndTheNameIsNotAnAlias)
 {
   const List list =
