@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/list_files.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "base/files.h"
@@ -32,7 +34,9 @@ ErrorKind kindFrom(base::FileFault fault)
 ListFile readListFile(const std::string& path)
 {
   try {
-    return {path, lists::read(base::readRegularFile(path, largestList))};
+    std::string bytes = base::readRegularFile(path, largestList);
+    lists::List list = lists::read(bytes);
+    return {path, std::move(list), std::move(bytes)};
   } catch (const base::FileError& error) {
     throw Error(kindFrom(error.fault()), error.what());
   } catch (const lists::Error& error) {
