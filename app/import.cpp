@@ -2,6 +2,7 @@
 #include "app/import.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <unordered_map>
@@ -12,6 +13,8 @@
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/kept_events.h"
+#include "app/list_versions.h"
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -40,6 +43,31 @@ private:
   Receive receive_;
 };
 
+/// What the project keeps of a list.
+struct KeptVersion {
+  reelhost::KeptList list;         ///< number 0: nothing
+  std::vector<Shot> clips;         ///< those with a shot
+  std::vector<std::int64_t> shots; ///< of these clips
+};
+
+KeptVersion keptVersionOf(const ListFile& file)
+{
+  KeptVersion version;
+  const reelhost::Digest digest = reelhost::digestOf(file.bytes);
+  for (reelhost::KeptList& list : reelhost::keptLists())
+    if (list.digest == digest)
+      version.list = std::move(list);
+  if (version.list.number == 0)
+    return version;
+  version.list.events = reelhost::eventsOfList(version.list.number);
+  for (const reelhost::ListEvent& event : version.list.events)
+    if (event.shot != 0) {
+      version.clips.push_back(clipFrom(event));
+      version.shots.push_back(event.shot);
+    }
+  return version;
+}
+
 class Importer {
 public:
   /// Reads the reels and the shots of the project.
@@ -50,8 +78,8 @@ public:
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
-    for (const Shot& shot : allShots(session))
-      shots_.insert(shotKey(shot));
+    for (const Cookie& log : reelhost::allShots())
+      shots_.emplace(shotKey(shotFrom(reelhost::materialOf(log))), reelhost::logNumber(log));
   }
 
   ImportedList import(ListFile file)
@@ -63,24 +91,34 @@ public:
       addReel(id);
       result.created.push_back(id);
     });
+    const KeptVersion before = keptVersionOf(file);
+    const auto places = sameShots(before.clips, result.list.clips);
+    std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
-    for (const lists::Clip& clip : result.list.clips) {
-      const bool missing = met.insert(base::fold(clip.reel)).second && !noteReel(clip.reel, result);
+    for (std::size_t i = 0; i < result.list.clips.size(); ++i) {
+      const lists::Clip& clip = result.list.clips[i];
+      const std::int64_t known = places[i] ? before.shots[*places[i]] : 0;
+      const std::string reel = known == 0 ? clip.reel : reelOf(known);
+      const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       std::string key = shotKey(clip);
       const bool repeated = !metShots.insert(key).second;
-      const bool added = bringIn(clip, std::move(key));
+      const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
+      shots.push_back(shot);
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
       // An existing shot may have lost its reel's record. The library is not notified of it, so the reel is created
       // here.
       if (missing && !added)
-        manager_.createNewReel(hostText(clip.reel), noDevice);
+        manager_.createNewReel(hostText(reel), noDevice);
       advance();
     }
+    if (reelhost::keepsLists())
+      keep(file, before.list, shots, result);
     if (rate_)
       warnOfRate(result.list);
     result.clips = result.list.clips.size();
     result.list.clips.clear();
+    result.list.specialClips.clear();
     return result;
   }
 
@@ -100,13 +138,45 @@ private:
     return true;
   }
 
-  /// Creates the clip's shot unless a shot with that key exists. Returns whether it was created.
-  bool bringIn(const lists::Clip& clip, std::string key)
+  /// Creates the clip's shot unless a shot with that key exists. Returns the number of the shot, and whether it was
+  /// created.
+  std::pair<std::int64_t, bool> bringIn(const lists::Clip& clip, std::string key)
   {
-    if (!shots_.insert(std::move(key)).second)
-      return false;
-    reelhost::importMaterial(materialFrom(clip));
-    return true;
+    const auto [shot, isNew] = shots_.emplace(std::move(key), 0);
+    if (isNew)
+      shot->second = reelhost::logNumber(reelhost::importMaterial(materialFrom(clip)));
+    return {shot->second, isNew};
+  }
+
+  /// The reel of a shot that existed before the import.
+  const std::string& reelOf(std::int64_t shot)
+  {
+    if (reelOfShot_.empty())
+      for (const Cookie& log : reelhost::allShots())
+        reelOfShot_.emplace(reelhost::logNumber(log), reelhost::materialOf(log).reel);
+    return reelOfShot_[shot];
+  }
+
+  /// Keeps the list, whose clips are these shots, unless it is kept as it is: @p before.
+  static void keep(ListFile& file, const reelhost::KeptList& before, const std::vector<std::int64_t>& shots,
+                   ImportedList& result)
+  {
+    reelhost::KeptList list;
+    list.number = before.number;
+    list.file = std::filesystem::path(result.file).filename().native();
+    list.title = result.list.title;
+    list.format = formatWord(result.list.format);
+    for (std::size_t i = 0; i < shots.size(); ++i)
+      list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
+    for (const lists::Clip& clip : result.list.specialClips)
+      list.events.push_back(eventFrom(clip, 0));
+    std::stable_sort(list.events.begin(), list.events.end(),
+                     [](const auto& one, const auto& other) { return one.line < other.line; });
+    result.keeping = before.number == 0             ? Keeping::New
+                     : before.events == list.events ? Keeping::Unchanged
+                                                    : Keeping::NewVersion;
+    result.keptAs = result.keeping == Keeping::Unchanged ? before.number
+                                                         : reelhost::keepList(std::move(list), std::move(file.bytes));
   }
 
   /// Adds the warning that the list contradicts the project, if it does.
@@ -132,10 +202,31 @@ private:
   std::optional<lists::FrameRate> rate_; ///< of the project
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
-  std::unordered_set<std::string> shots_; ///< the keys of the shots
+  std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
+  std::unordered_map<std::int64_t, std::string> reelOfShot_; ///< filled when it is needed
 };
 
 } // namespace
+
+std::string_view wordOf(Keeping keeping)
+{
+  switch (keeping) {
+  case Keeping::NotKept:
+    return "no";
+  case Keeping::New:
+    return "new";
+  case Keeping::Unchanged:
+    return "unchanged";
+  case Keeping::NewVersion:
+    return "new version";
+  }
+  return "";
+}
+
+bool ImportedList::changesProject() const
+{
+  return shotsAdded > 0 || !created.empty() || keeping == Keeping::New || keeping == Keeping::NewVersion;
+}
 
 bool ImportReport::rejectedLines() const
 {
@@ -155,7 +246,7 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
     for (ListFile& file : files) {
       report.lists.push_back(importer.import(std::move(file)));
       const ImportedList& imported = report.lists.back();
-      report.changes = report.changes || imported.shotsAdded > 0 || !imported.created.empty();
+      report.changes = report.changes || imported.changesProject();
       if (!imported.created.empty() && report.remarks.empty()) // all of them have the project's default type
         remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
     }

@@ -5,7 +5,9 @@
 #define REELDB_APP_IMPORT_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/list_files.h"
@@ -13,6 +15,17 @@
 #include "app/session.h"
 
 namespace reeldb::app {
+
+/// What the project now keeps of an imported list.
+enum class Keeping {
+  NotKept,   ///< nothing: its store keeps no lists
+  New,       ///< a further list
+  Unchanged, ///< what it kept before, because the list has these very bytes
+  NewVersion ///< the list in the place of what was kept before
+};
+
+/// "no", "new", "unchanged", "new version"
+std::string_view wordOf(Keeping keeping);
 
 /// The result for one list.
 struct ImportedList {
@@ -24,6 +37,10 @@ struct ImportedList {
   std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
   std::vector<std::string> created; ///< identifiers of the reels that were created, in order
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
+  Keeping keeping = Keeping::NotKept;
+  std::int64_t keptAs = 0; ///< the number of the kept list; 0: it is not kept
+
+  bool changesProject() const; ///< whether the import of this list changes the project
 };
 
 /// The result for all lists.
@@ -39,7 +56,9 @@ struct ImportReport {
 
 /// Reports every new clip to the host as imported material; the library creates the reels. Two shots are the same if
 /// reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the same shot is not added twice.
-/// The import is one transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it
+/// The project keeps each list with its bytes and its events. A list whose bytes it keeps already is not kept twice,
+/// and its clips are the shots that they became then, whatever their reels are called now. The import is one
+/// transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it
 /// throws Error, nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {});
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/list_files.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "base/files.h"
@@ -40,9 +42,10 @@ std::string readInputFile(const std::string& path, std::size_t largest)
 
 ListFile readListFile(const std::string& path)
 {
-  const std::string bytes = readInputFile(path, largestList);
+  std::string bytes = readInputFile(path, largestList);
   try {
-    return {path, lists::read(bytes)};
+    lists::List list = lists::read(bytes);
+    return {path, std::move(list), std::move(bytes)};
   } catch (const lists::Error& error) {
     throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
   }

@@ -18,6 +18,7 @@ namespace reeldb::app {
 struct ListFile {
   std::string path;
   lists::List list;
+  std::string bytes;
 };
 
 /// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound if there is no such file; Unreadable if it

@@ -330,6 +330,15 @@ void describe(Io& io, R& imported)
   io("rejected", list.rejected);
   io("lines", list.tally);
   io("timing", list.timing);
+  if constexpr (Io::writes) {
+    io.json()["kept"] = wordOf(imported.keeping);
+    io.json()["list"] = imported.keptAs == 0 ? Value(nullptr) : Value(imported.keptAs);
+  } else {
+    imported.keeping = fromWord(io.json().at("kept"),
+                                std::array{Keeping::NotKept, Keeping::New, Keeping::Unchanged, Keeping::NewVersion});
+    if (const Value& number = io.json().at("list"); !number.is_null())
+      imported.keptAs = number;
+  }
 }
 
 template <class Io, Like<ImportReport> R>
@@ -339,9 +348,8 @@ void describe(Io& io, R& report)
   io("stored", report.stored);
   io("files", report.lists);
   if constexpr (!Io::writes)
-    report.changes = std::any_of(report.lists.begin(), report.lists.end(), [](const ImportedList& imported) {
-      return imported.shotsAdded > 0 || !imported.created.empty();
-    });
+    report.changes = std::any_of(report.lists.begin(), report.lists.end(),
+                                 [](const ImportedList& imported) { return imported.changesProject(); });
 }
 
 template <class Io, Like<NewReel> R>

@@ -117,6 +117,8 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
   if (imported.shotsRepeated > 0)
     result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
   result += "\n";
+  if (imported.keeping == app::Keeping::Unchanged)
+    result += fmt::format("  unchanged: list {} of the project\n", imported.keptAs);
   result += reelsText(did(mood, "created"), imported.created, columns);
   result += reelsText("already there", imported.matched, columns);
   if (!list.specials.empty())

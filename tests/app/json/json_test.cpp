@@ -98,6 +98,8 @@ ImportReport sampleImport()
   imported.list.timing.dropFrame = {"drop frame", 2, "FCM: DROP FRAME"};
   imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
   imported.list.timing.frames = 56;
+  imported.keeping = Keeping::NewVersion;
+  imported.keptAs = 3;
   return {{imported}, true, true, false, {"a remark is no part of it"}};
 }
 
@@ -113,7 +115,8 @@ constexpr const char* importObject = R"({"dry_run": true, "stored": false, "file
      "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4},
      "timing": {"frame_rates": [{"says": "59.94", "line": 8, "text": "event"}],
                 "drop_frame": {"says": "drop frame", "line": 2, "text": "FCM: DROP FRAME"},
-                "most_frames": {"says": "source in 01:00:00:56", "line": 8, "text": "event"}, "frames": 56}}]})";
+                "most_frames": {"says": "source in 01:00:00:56", "line": 8, "text": "event"}, "frames": 56},
+     "kept": "new version", "list": 3}]})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
