@@ -14,12 +14,14 @@
 #include "app/facility.h"
 #include "app/host_errors.h"
 #include "app/json/json.h"
+#include "app/kept_events.h"
 #include "app/list_files.h"
 #include "app/plain_text.h"
 #include "app/projects.h"
 #include "base/display_text.h"
 #include "base/text_width.h"
 #include "reelhost/host.h"
+#include "reelhost/lists.h"
 #include "reelhost/store.h"
 
 namespace reeldb::app {
@@ -142,6 +144,67 @@ std::vector<reelhost::StoredLog> logsFrom(const std::vector<LogState>& states)
   return logs;
 }
 
+std::vector<ListState> listsOf(reelhost::Lists& lists)
+{
+  std::vector<reelhost::KeptList> heads;
+  lists.readListHeads([&](reelhost::KeptList&& head) { heads.push_back(std::move(head)); });
+  std::vector<ListState> states;
+  for (const reelhost::KeptList& head : heads) {
+    ListState& state = states.emplace_back(
+        ListState{head.number, head.file, head.title, head.format, lists.listBytes(head.digest), {}});
+    for (const reelhost::ListEvent& event : lists.eventsOf(head.number))
+      state.events.push_back({event.shot, clipFrom(event)});
+  }
+  return states;
+}
+
+/// Throws Error if a text of the event holds NUL, or if its numbers are not those of an event.
+void checkEvent(const std::string& subject, const EventState& event)
+{
+  const lists::Clip& clip = event.clip;
+  for (const std::string* text :
+       {&clip.reel, &clip.clipName, &clip.sourceFile, &clip.tracks, &clip.sourceIn, &clip.sourceOut, &clip.recordIn,
+        &clip.recordOut, &clip.frameRate, &clip.special, &clip.event.number, &clip.event.reelText,
+        &clip.event.transition, &clip.event.duration})
+    withoutNul(subject, *text);
+  for (const std::string& alias : clip.aliases)
+    withoutNul(subject, alias);
+  if (clip.event.speed) {
+    withoutNul(subject, clip.event.speed->framesPerSecond);
+    withoutNul(subject, clip.event.speed->timecode);
+  }
+  for (const lists::SourceId& id : clip.event.sourceIds) {
+    withoutNul(subject, id.kind);
+    withoutNul(subject, id.id);
+  }
+  if (clip.line < 0 || clip.event.part < 1 || clip.videoChannels < 0 || clip.audioChannels < 0)
+    refuse(subject, "an event has a line, a part or channels that no list has");
+}
+
+/// @p logs are those of the state, by number.
+reelhost::KeptList listFrom(const ListState& state, const std::vector<reelhost::StoredLog>& logs)
+{
+  const std::string subject = fmt::format("list {}", state.number);
+  if (state.number < 1 || state.number > largestNumber)
+    refuse(subject, fmt::format("its number is not between 1 and {}", largestNumber));
+  reelhost::KeptList list;
+  list.number = state.number;
+  list.digest = reelhost::digestOf(state.content);
+  list.file = withoutNul(subject, state.file);
+  list.title = withoutNul(subject, state.title);
+  list.format = withoutNul(subject, state.format);
+  for (const EventState& event : state.events) {
+    checkEvent(subject, event);
+    const auto log =
+        std::lower_bound(logs.begin(), logs.end(), event.shot,
+                         [](const reelhost::StoredLog& one, std::int64_t number) { return one.number < number; });
+    if (event.shot != 0 && (log == logs.end() || log->number != event.shot))
+      refuse(subject, fmt::format("an event names log {}, which does not exist", event.shot));
+    list.events.push_back(eventFrom(event.clip, event.shot));
+  }
+  return list;
+}
+
 } // namespace
 
 ProjectState readState(Session&)
@@ -159,6 +222,8 @@ ProjectState readState(Session&)
     store.readOthers(keep);
     std::sort(state.logs.begin(), state.logs.end(),
               [](const LogState& one, const LogState& other) { return one.number < other.number; });
+    if (reelhost::Lists* const lists = store.lists())
+      state.lists = listsOf(*lists);
     return state;
   });
 }
@@ -186,6 +251,12 @@ std::string makeProjectFrom(const ProjectState& state, const std::string& name)
     info.outputFrameRate = within("project", "output_frame_rate_code", state.outputFrameRateCode, -1, mostCode);
     reelhost::Changes content;
     content.logs = logsFrom(state.logs);
+    for (const ListState& list : state.lists) {
+      content.lists.push_back(listFrom(list, content.logs));
+      content.listBytes.push_back(list.content);
+      if (content.lists.size() > 1 && list.number <= content.lists[content.lists.size() - 2].number)
+        refuse(fmt::format("list {}", list.number), "its number is not above that of the list before it");
+    }
     const reelhost::KeyValues options = keysFrom("options", state.options);
     createSqliteProject(facility.projectFile(name), info, options, content);
     const auto same = makeMemoryStore(info, options);

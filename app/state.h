@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "app/session.h"
+#include "lists/list.h"
 
 namespace reeldb::app {
 
@@ -32,12 +33,29 @@ struct LogState {
   KeyTexts keys; ///< its configuration, in the order of the store
 };
 
+/// An event of a list.
+struct EventState {
+  std::int64_t shot = 0; ///< the number of its shot's log; 0: it has no source
+  lists::Clip clip;      ///< what the list says
+};
+
+/// A list that was imported, as the project keeps it.
+struct ListState {
+  std::int64_t number = 0; ///< 1, 2, 3, ... in the order of the first import
+  std::string file;        ///< the name of its file
+  std::string title;
+  std::string format;  ///< "edl", "ale"
+  std::string content; ///< the bytes of its file
+  std::vector<EventState> events;
+};
+
 struct ProjectState {
   std::string id;                  ///< the project's uuid, as above
   std::int64_t frameRateCode = -1; ///< the code that the project was made with
   std::int64_t outputFrameRateCode = -1;
-  KeyTexts options;           ///< by key
-  std::vector<LogState> logs; ///< by number
+  KeyTexts options;             ///< by key
+  std::vector<LogState> logs;   ///< by number
+  std::vector<ListState> lists; ///< likewise
 };
 
 /// The state that is stored. REQUIRES: the session has not changed anything.

@@ -437,6 +437,66 @@ void describe(Io& io, R& log)
   keyTexts(io, "keys", log.keys);
 }
 
+template <class Io, class T>
+void bytesArray(Io& io, const char* key, T& texts)
+{
+  if constexpr (Io::writes) {
+    Value array = Value::array();
+    for (const std::string& text : texts)
+      array.push_back(json::bytesJson(text));
+    io.json()[key] = std::move(array);
+  } else {
+    for (const Value& text : io.json().at(key).template get_ref<const Value::array_t&>())
+      texts.push_back(json::bytesFrom(text));
+  }
+}
+
+template <class Io, Like<EventState> R>
+void describe(Io& io, R& event)
+{
+  whole(io, "shot", event.shot);
+  whole(io, "line", event.clip.line);
+  for (const ShotText& text : shotTexts)
+    io.bytes(text.name, event.clip.*text.text);
+  bytesArray(io, "aliases", event.clip.aliases);
+  whole(io, "video_channels", event.clip.videoChannels);
+  whole(io, "audio_channels", event.clip.audioChannels);
+  io.bytes("frame_rate", event.clip.frameRate);
+  io("drop_frame", event.clip.dropFrame);
+  io.bytes("special", event.clip.special);
+  io.bytes("number", event.clip.event.number);
+  whole(io, "part", event.clip.event.part);
+  io.bytes("reel_text", event.clip.event.reelText);
+  whole(io, "reel_field", event.clip.event.reelField);
+  io.bytes("transition", event.clip.event.transition);
+  io.bytes("duration", event.clip.event.duration);
+  auto& speed = event.clip.event.speed;
+  if constexpr (Io::writes) {
+    io.json()["speed"] = speed ? json::bytesJson(speed->framesPerSecond) : Value(nullptr);
+    io.json()["speed_timecode"] = speed ? json::bytesJson(speed->timecode) : Value(nullptr);
+    Value ids = Value::array();
+    for (const lists::SourceId& id : event.clip.event.sourceIds)
+      ids.push_back({{"kind", json::bytesJson(id.kind)}, {"id", json::bytesJson(id.id)}});
+    io.json()["source_ids"] = std::move(ids);
+  } else {
+    if (const Value& written = io.json().at("speed"); !written.is_null())
+      speed = lists::Speed{json::bytesFrom(written), json::bytesFrom(io.json().at("speed_timecode"))};
+    for (const Value& id : io.json().at("source_ids").template get_ref<const Value::array_t&>())
+      event.clip.event.sourceIds.push_back({json::bytesFrom(id.at("kind")), json::bytesFrom(id.at("id"))});
+  }
+}
+
+template <class Io, Like<ListState> R>
+void describe(Io& io, R& list)
+{
+  whole(io, "number", list.number);
+  io.bytes("file", list.file);
+  io.bytes("title", list.title);
+  io.bytes("format", list.format);
+  io.bytes("content", list.content);
+  io("events", list.events);
+}
+
 template <class Io, Like<ProjectState> R>
 void describe(Io& io, R& state)
 {
@@ -455,6 +515,7 @@ void describe(Io& io, R& state)
   whole(io, "output_frame_rate_code", state.outputFrameRateCode);
   keyTexts(io, "options", state.options);
   io("logs", state.logs);
+  io("lists", state.lists);
 }
 
 template <class Io, Like<ProjectContent> R>

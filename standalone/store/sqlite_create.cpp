@@ -37,7 +37,8 @@ void fill(Database& database, const ProjectInfo& info, const KeyValues& options,
     option.bind(1, key).bind(2, value).run();
   if (!content.empty()) {
     writeChanges(database, content);
-    database.execute("DELETE FROM revisions"); // nothing was there before, so there is nothing to take back
+    // Nothing was there before, so there is nothing to take back.
+    database.execute("DELETE FROM revisions; DELETE FROM changes");
   }
   transaction.commit();
   database.execute("PRAGMA journal_mode = WAL");

@@ -5,7 +5,9 @@
 
 #include "app/export.h"
 #include "app/history.h"
+#include "app/import.h"
 #include "app/json/json.h"
+#include "app/list_files.h"
 #include "app/projects.h"
 #include "reelhost/host.h"
 #include "tests/app/app_fixture.h"
@@ -84,6 +86,59 @@ TEST_F(State, WhatTheProjectWasGivenLaterIsPartOfIt)
   }
   EXPECT_EQ(app::makeProjectFrom(read(), "copy"), "29.97");
   EXPECT_EQ(exported("copy"), exported("main"));
+}
+
+TEST_F(State, ListsComeBackWithTheirBytesAndAllTheirEvents)
+{
+  folder_.write("cut.edl",
+                "TITLE: K\xdcSTE\n001  BL       V     C        00:00:00:00 00:00:00:00 10:00:00:00 10:00:00:00\n"
+                "001  A001     V     D    024 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                "M2   A001     -025.0                01:00:00:00\n"
+                "002  A001     V     C        01:00:00:00 01:00:01:00 10:00:01:00 10:00:02:00\n"
+                ">>> SOURCE A001 A001 4919975f.793b8d33\n");
+  {
+    app::Session session("main", app::Access::Write);
+    app::importLists(session, {app::readListFile((folder_.path() / "cut.edl").native())}, false);
+  }
+  const std::string text = exported("main");
+  app::makeProjectFrom(app::fromJson<app::ProjectState>(text), "copy");
+  EXPECT_EQ(exported("copy"), text);
+  const app::ProjectState copy = read("copy");
+  ASSERT_EQ(copy.lists.size(), 1u);
+  const app::ListState& list = copy.lists[0];
+  EXPECT_EQ(list.number, 1);
+  EXPECT_EQ(list.file, "cut.edl");
+  EXPECT_EQ(list.title, "K\u00DCSTE");
+  EXPECT_EQ(list.content.substr(0, 12), "TITLE: K\xdcSTE");
+  ASSERT_EQ(list.events.size(), 3u);
+  EXPECT_EQ(list.events[0].shot, 0);
+  EXPECT_EQ(list.events[0].clip.special, "black");
+  EXPECT_GT(list.events[1].shot, 0);
+  EXPECT_EQ(list.events[2].shot, list.events[1].shot); // one shot, used twice
+  const lists::Event& dissolve = list.events[1].clip.event;
+  EXPECT_EQ(dissolve.part, 2);
+  EXPECT_EQ(dissolve.transition, "D");
+  EXPECT_EQ(dissolve.duration, "024");
+  EXPECT_EQ(dissolve.speed, (lists::Speed{"-025.0", "01:00:00:00"}));
+  EXPECT_EQ(dissolve.sourceIds, (std::vector<lists::SourceId>{{"source table", "4919975f.793b8d33"}}));
+  EXPECT_EQ(list.events[2].clip.recordOut, "10:00:02:00");
+  EXPECT_EQ(app::checkProject("copy").problems, std::vector<std::string>{});
+}
+
+TEST_F(State, AListThatNoProjectCanHaveIsRefused)
+{
+  import({"A001"});
+  const auto list = [](auto change) { return [change](app::ProjectState& state) { change(state.lists.at(0)); }; };
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.number = 0; })),
+            "list 0: its number is not between 1 and 9007199254740991");
+  EXPECT_EQ(errorWith([](app::ProjectState& state) { state.lists.push_back(state.lists.at(0)); }),
+            "list 1: its number is not above that of the list before it");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).shot = 99; })),
+            "list 1: an event names log 99, which does not exist");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).clip.event.part = 0; })),
+            "list 1: an event has a line, a part or channels that no list has");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).clip.aliases = {std::string(1, '\0')}; })),
+            "list 1: a text holds a byte 0");
 }
 
 TEST_F(State, AStateThatNoProjectCanHaveIsRefused)
