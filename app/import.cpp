@@ -2,9 +2,9 @@
 #include "app/import.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <functional>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -14,10 +14,12 @@
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/kept_events.h"
+#include "app/list_choice.h"
 #include "app/list_versions.h"
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
+#include "app/unused_shots.h"
 #include "base/ascii.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
@@ -50,15 +52,21 @@ struct KeptVersion {
   std::vector<std::int64_t> shots; ///< of these clips
 };
 
-KeptVersion keptVersionOf(const ListFile& file)
+/// The kept list that the file's list takes the place of, or that has its bytes.
+std::optional<reelhost::KeptList> listReplacedBy(const ListFile& file, const Replacing& replacing)
+{
+  if (replacing.list)
+    return listNamed(*replacing.list);
+  return replacing.byName ? versionOf(file) : listWithBytesOf(file);
+}
+
+KeptVersion keptVersionOf(const ListFile& file, const Replacing& replacing)
 {
   KeptVersion version;
-  const reelhost::Digest digest = reelhost::digestOf(file.bytes);
-  for (reelhost::KeptList& list : reelhost::keptLists())
-    if (list.digest == digest)
-      version.list = std::move(list);
-  if (version.list.number == 0)
+  std::optional<reelhost::KeptList> list = listReplacedBy(file, replacing);
+  if (!list)
     return version;
+  version.list = std::move(*list);
   version.list.events = reelhost::eventsOfList(version.list.number);
   for (const reelhost::ListEvent& event : version.list.events)
     if (event.shot != 0) {
@@ -71,8 +79,8 @@ KeptVersion keptVersionOf(const ListFile& file)
 class Importer {
 public:
   /// Reads the reels and the shots of the project.
-  Importer(Session& session, std::size_t clips, const Progress& progress)
-      : manager_(session.manager()), clips_(clips), progress_(progress), rate_(projectRate())
+  Importer(Session& session, std::size_t clips, const Progress& progress, const Replacing& replacing)
+      : manager_(session.manager()), clips_(clips), progress_(progress), replacing_(replacing), rate_(projectRate())
   {
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
@@ -85,13 +93,16 @@ public:
   ImportedList import(ListFile file)
   {
     ImportedList result;
-    result.file = std::move(file.path);
-    result.list = std::move(file.list);
+    result.file = file.path;
     const CreatedReels listener([&](const std::string& id) {
       addReel(id);
       result.created.push_back(id);
     });
-    const KeptVersion before = keptVersionOf(file);
+    const KeptVersion before = keptVersionOf(file, replacing_);
+    if (before.list.number == 0)
+      noteEarlier(file, result);
+    const std::string name = fileNameOf(file);
+    result.list = std::move(file.list);
     const auto places = sameShots(before.clips, result.list.clips);
     std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
@@ -113,7 +124,7 @@ public:
       advance();
     }
     if (reelhost::keepsLists())
-      keep(file, before.list, shots, result);
+      keep(name, std::move(file.bytes), before, shots, result);
     if (rate_)
       warnOfRate(result.list);
     result.clips = result.list.clips.size();
@@ -121,6 +132,9 @@ public:
     result.list.specialClips.clear();
     return result;
   }
+
+  /// The shots of the versions that gave their place to another.
+  const std::set<std::int64_t>& replacedShots() const { return replacedShots_; }
 
 private:
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
@@ -157,13 +171,21 @@ private:
     return reelOfShot_[shot];
   }
 
-  /// Keeps the list, whose clips are these shots, unless it is kept as it is: @p before.
-  static void keep(ListFile& file, const reelhost::KeptList& before, const std::vector<std::int64_t>& shots,
-                   ImportedList& result)
+  /// Notes a kept list of which this one seems to be another version.
+  static void noteEarlier(const ListFile& file, ImportedList& result)
+  {
+    for (const reelhost::KeptList& list : reelhost::keptLists())
+      if (base::sameName(list.file, fileNameOf(file)) || (!list.title.empty() && list.title == file.list.title))
+        result.earlier = list.number;
+  }
+
+  /// Keeps the list, whose clips are these shots, unless it is kept as it is.
+  void keep(const std::string& name, std::string bytes, const KeptVersion& before,
+            const std::vector<std::int64_t>& shots, ImportedList& result)
   {
     reelhost::KeptList list;
-    list.number = before.number;
-    list.file = std::filesystem::path(result.file).filename().native();
+    list.number = before.list.number;
+    list.file = name;
     list.title = result.list.title;
     list.format = formatWord(result.list.format);
     for (std::size_t i = 0; i < shots.size(); ++i)
@@ -172,11 +194,17 @@ private:
       list.events.push_back(eventFrom(clip, 0));
     std::stable_sort(list.events.begin(), list.events.end(),
                      [](const auto& one, const auto& other) { return one.line < other.line; });
-    result.keeping = before.number == 0             ? Keeping::New
-                     : before.events == list.events ? Keeping::Unchanged
-                                                    : Keeping::NewVersion;
-    result.keptAs = result.keeping == Keeping::Unchanged ? before.number
-                                                         : reelhost::keepList(std::move(list), std::move(file.bytes));
+    result.keptAs = list.number;
+    if (list.number != 0 && before.list.events == list.events && before.list.digest == reelhost::digestOf(bytes)) {
+      result.keeping = Keeping::Unchanged;
+      return;
+    }
+    result.keeping = list.number == 0 ? Keeping::New : Keeping::NewVersion;
+    if (result.keeping == Keeping::NewVersion) {
+      result.difference = difference(before.clips, result.list.clips);
+      replacedShots_.insert(before.shots.begin(), before.shots.end());
+    }
+    result.keptAs = reelhost::keepList(std::move(list), std::move(bytes));
   }
 
   /// Adds the warning that the list contradicts the project, if it does.
@@ -199,11 +227,13 @@ private:
   ReelDbManager& manager_;
   std::size_t clips_, done_ = 0;
   const Progress& progress_;
+  const Replacing& replacing_;
   std::optional<lists::FrameRate> rate_; ///< of the project
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
   std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
   std::unordered_map<std::int64_t, std::string> reelOfShot_; ///< filled when it is needed
+  std::set<std::int64_t> replacedShots_;                     ///< of versions that gave their place to another
 };
 
 } // namespace
@@ -234,13 +264,18 @@ bool ImportReport::rejectedLines() const
                      [](const ImportedList& imported) { return !imported.list.rejected.empty(); });
 }
 
-ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress)
+ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,
+                         const Replacing& replacing)
 {
   return guarded([&] {
+    if (replacing.byName || replacing.list)
+      requireKeepsLists();
+    if (replacing.list && files.size() != 1)
+      throw Error(ErrorKind::Invalid, "import: one list cannot be replaced by several files");
     std::size_t clips = 0;
     for (const ListFile& file : files)
       clips += file.list.clips.size();
-    Importer importer(session, clips, progress);
+    Importer importer(session, clips, progress, replacing);
     ImportReport report;
     report.dryRun = dryRun;
     for (ListFile& file : files) {
@@ -249,6 +284,11 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
       report.changes = report.changes || imported.changesProject();
       if (!imported.created.empty() && report.remarks.empty()) // all of them have the project's default type
         remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
+    }
+    if (!importer.replacedShots().empty()) {
+      UnusedShots unused = deleteUnused(session, importer.replacedShots());
+      report.shotsRemoved = std::move(unused.shots);
+      report.reelsRemoved = std::move(unused.reels);
     }
     report.stored = !dryRun && session.commit();
     return report;

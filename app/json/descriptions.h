@@ -16,6 +16,7 @@
 #include "app/history.h"
 #include "app/import.h"
 #include "app/json/io.h"
+#include "app/kept_lists.h"
 #include "app/label_maps.h"
 #include "app/names.h"
 #include "app/needs.h"
@@ -40,6 +41,13 @@ void describe(Io& io, R& shot)
   io("audio_channels", shot.audioChannels);
   io("frame_rate", shot.frameRate);
   io("drop_frame", shot.dropFrame);
+}
+
+template <class Io, app::json::Like<SourceId> R>
+void describe(Io& io, R& id)
+{
+  io("kind", id.kind);
+  io("id", id.id);
 }
 
 template <class Io, app::json::Like<Proof> R>
@@ -300,6 +308,22 @@ void describe(Io& io, R& meaning)
 
 // --- Lists -----------------------------------------------------------------------------------------
 
+template <class Io, Like<ClipStep> R>
+void describe(Io& io, R& step)
+{
+  io("from", step.before);
+  io("to", step.after);
+}
+
+template <class Io, Like<VersionDifference> R>
+void describe(Io& io, R& difference)
+{
+  io("added", difference.added);
+  io("gone", difference.gone);
+  io("trimmed", difference.trimmed);
+  io("changed", difference.changed);
+}
+
 template <class Io, Like<ImportedList> R>
 void describe(Io& io, R& imported)
 {
@@ -339,6 +363,58 @@ void describe(Io& io, R& imported)
     if (const Value& number = io.json().at("list"); !number.is_null())
       imported.keptAs = number;
   }
+  io("difference", imported.difference);
+  io.optional("earlier_list", imported.earlier);
+}
+
+template <class Io, Like<KeptList> R>
+void describe(Io& io, R& list)
+{
+  io("number", list.number);
+  io("file", list.file);
+  io("title", list.title);
+  io("format", list.format);
+  io("events", list.events);
+}
+
+template <class Io, Like<ListUse> R>
+void describe(Io& io, R& use)
+{
+  auto& event = use.clip.event;
+  io("number", event.number);
+  io("part", event.part);
+  io("line", use.clip.line);
+  describe(io, use.clip);
+  io("special", use.clip.special);
+  io("reel_text", event.reelText);
+  io("reel_field", event.reelField);
+  io("transition", event.transition);
+  io("duration", event.duration);
+  if constexpr (Io::writes) {
+    io.json()["speed"] = event.speed ? Value(event.speed->framesPerSecond) : Value(nullptr);
+    io.json()["speed_timecode"] = event.speed ? Value(event.speed->timecode) : Value(nullptr);
+  } else if (const Value& speed = io.json().at("speed"); !speed.is_null()) {
+    event.speed = lists::Speed{speed, io.json().at("speed_timecode")};
+  }
+  io("source_ids", event.sourceIds);
+  io("reel_now", use.reel);
+}
+
+template <class Io, Like<ListEvents> R>
+void describe(Io& io, R& found)
+{
+  io("list", found.list);
+  io("events", found.events);
+}
+
+template <class Io, Like<RemovedList> R>
+void describe(Io& io, R& removed)
+{
+  io("list", removed.list);
+  io("dry_run", removed.dryRun);
+  io("stored", removed.stored);
+  io("reels", removed.reels);
+  io("shots", removed.shots);
 }
 
 template <class Io, Like<ImportReport> R>
@@ -347,6 +423,8 @@ void describe(Io& io, R& report)
   io("dry_run", report.dryRun);
   io("stored", report.stored);
   io("files", report.lists);
+  io("reels_removed", report.reelsRemoved);
+  io("shots_removed", report.shotsRemoved);
   if constexpr (!Io::writes)
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
                                  [](const ImportedList& imported) { return imported.changesProject(); });

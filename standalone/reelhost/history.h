@@ -83,7 +83,8 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion.
+/// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion. A
+/// revision that also created logs is not a deletion.
 std::int64_t lastDeletion(History& history);
 
 } // namespace reelhost

@@ -231,4 +231,104 @@ TEST_F(ImportKeeps, NothingOfWhatIsTakenBack)
   EXPECT_EQ(reelhost::eventsOfList(2).size(), 2u);
 }
 
+class ImportReplaces : public ImportKeeps {
+protected:
+  app::ImportReport replace(const std::string& path, const std::optional<std::string>& list = {})
+  {
+    app::Session session({}, app::Access::Write);
+    return app::importLists(session, {app::readListFile(path)}, false, {}, {true, list});
+  }
+  static std::vector<std::string> idsOf(const std::vector<app::Shot>& shots)
+  {
+    std::vector<std::string> ids;
+    for (const app::Shot& shot : shots)
+      ids.push_back(shot.reel);
+    return ids;
+  }
+};
+
+TEST_F(ImportReplaces, VersionOfTheSameFileName)
+{
+  import({"A001", "B002", "C003"});
+  const app::ImportReport report = replace(cutList("fixture.edl", {"A001", "X002", "C003"}));
+  EXPECT_TRUE(report.stored);
+  const app::ImportedList& list = report.lists.front();
+  EXPECT_EQ(list.keeping, app::Keeping::NewVersion);
+  EXPECT_EQ(list.keptAs, 1);
+  EXPECT_EQ(list.shotsAdded, 1u);
+  EXPECT_EQ(idsOf(list.difference.added), std::vector<std::string>{"X002"});
+  EXPECT_EQ(idsOf(list.difference.gone), std::vector<std::string>{"B002"});
+  EXPECT_TRUE(list.difference.trimmed.empty());
+  EXPECT_EQ(report.reelsRemoved, std::vector<std::string>{"B002"});
+  EXPECT_EQ(idsOf(report.shotsRemoved), std::vector<std::string>{"B002"});
+  EXPECT_EQ(keptLists().size(), 1u);
+  EXPECT_EQ(reelIds(), (std::vector<std::string>{"A001", "C003", "X002"}));
+  {
+    app::Session session({}, app::Access::Write);
+    EXPECT_EQ(errorOf([&] { app::undelete(session); }).kind(), app::ErrorKind::Refused); // it was not a deletion
+  }
+  app::Session session({}, app::Access::Write);
+  app::undo(session, {}, false);
+  EXPECT_EQ(app::shotsOfReel(session, "B002").shots.size(), 1u);
+  EXPECT_EQ(reelhost::eventsOfList(1).size(), 3u);
+}
+
+TEST_F(ImportReplaces, NamedListWhateverTheFileIsCalled)
+{
+  import({"A001"});
+  again((cutList("b.edl", {"B002"}), "b.edl"));
+  EXPECT_EQ(replace(cutList("c.edl", {"C003"}), "fixture.edl").lists.front().keptAs, 1);
+  EXPECT_EQ(keptLists().at(0).file, "c.edl");
+  EXPECT_EQ(keptLists().at(1).file, "b.edl");
+}
+
+TEST_F(ImportReplaces, NothingIfNoListHasTheFileNameOrTheTitle)
+{
+  folder_.write("one.edl", "001  A001     V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n");
+  again("one.edl");
+  const std::string other =
+      folder_.write("other.edl", "001  B001     V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n");
+  EXPECT_EQ(replace(other).lists.front().keeping, app::Keeping::New);
+  EXPECT_EQ(keptLists().size(), 2u);
+}
+
+TEST_F(ImportReplaces, NothingIfTwoListsHaveTheTitle)
+{
+  import({"A001"});
+  again((cutList("b.edl", {"B002"}), "b.edl"));
+  const app::Error error = errorOf([&] { replace(cutList("c.edl", {"C003"})); });
+  EXPECT_EQ(error.what(),
+            std::string("TEST: 2 lists have this name (name one of them: --as 2; reeldb list-file list has them)"));
+}
+
+TEST_F(ImportReplaces, ShotsOfARenamedReelStayWithTheirReel)
+{
+  import({"A001", "B002"});
+  {
+    app::Session session({}, app::Access::Write);
+    app::renameReel(session, "A001", "Z001", false);
+  }
+  const app::ImportReport report = replace(cutList("fixture.edl", {"A001", "B002", "C003"}));
+  EXPECT_EQ(report.lists.front().shotsAdded, 1u);
+  EXPECT_EQ(reelIds(), (std::vector<std::string>{"Z001", "B002", "C003"}));
+  EXPECT_TRUE(report.shotsRemoved.empty());
+}
+
+TEST_F(ImportReplaces, UnchangedListByItself)
+{
+  import({"A001"});
+  const app::ImportReport report = replace((folder_.path() / "fixture.edl").string());
+  EXPECT_EQ(report.lists.front().keeping, app::Keeping::Unchanged);
+  EXPECT_FALSE(report.changes);
+}
+
+TEST_F(ImportReplaces, EarlierVersionIsNamedWhenItIsNotReplaced)
+{
+  import({"A001"});
+  const app::ImportedList imported = again((cutList("fixture.edl", {"B002"}), "fixture.edl"));
+  EXPECT_EQ(imported.keeping, app::Keeping::New);
+  EXPECT_EQ(imported.earlier, 1);
+  EXPECT_EQ(again("fixture.edl").earlier, std::nullopt);
+}
+
 } // namespace
