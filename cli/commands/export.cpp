@@ -24,7 +24,7 @@ namespace {
 
 struct Options {
   bool edl = false, ale = false, csv = false, json = false;
-  bool reelsOnly = false;
+  bool reelsOnly = false, history = false;
   std::optional<std::string> reelLength, file;
   bool force = false;
 };
@@ -57,6 +57,8 @@ void checkOptions(const Options& options)
     refuse("export: --reel-length needs --edl");
   if (options.reelsOnly && (options.edl || options.ale))
     refuse("export: --reels needs --csv or --json (lists contain shots)");
+  if (options.history && (!options.json || options.reelsOnly))
+    refuse("export: --history needs --json, without --reels");
   if (options.force && !options.file)
     refuse("export: --force needs -o FILE");
 }
@@ -91,6 +93,10 @@ ExitCode run(const Options& options, const Globals& globals)
   app::Session session(globals.project, app::Access::Read);
   app::ProjectContent content = app::readContent(session);
   content.reelsOnly = options.reelsOnly;
+  if (options.json && !options.reelsOnly)
+    content.state = app::readState(session);
+  if (options.history)
+    content.history = app::readHistory(session, std::nullopt).commits;
   const app::Written written = write(options, content, reelLength);
   if (options.file) {
     app::writeOutputFile(*options.file, written.text, options.force);
@@ -113,20 +119,22 @@ void addExport(CommandLine& line)
       {.name = "export",
        .description = "Write the reels and shots of the project as a cut list, a log file, a table or JSON",
        .examples = {"reeldb export --edl --reel-length 32 -o cut.edl", "reeldb export --ale -o rushes-out.ale",
-                    "reeldb export --csv --reels", "reeldb export --json"},
+                    "reeldb export --csv --reels", "reeldb export --json -o main.json"},
        .details =
            "A cut list has an event for each shot. Its reel names have the length that the receiving system\n"
            "reads: three digits, 6 or 8 capitals and digits, or 32 or 129 characters. They are unique, and notes\n"
            "at the head map them to the full names; reeldb import reads these notes, so an exported list or log\n"
-           "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. A file is written\n"
-           "completely or not at all. The command reports whatever a list cannot contain; if a shot is left out,\n"
-           "the exit code is 4."},
+           "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. JSON contains the\n"
+           "whole project but its history; reeldb project new NAME --from FILE makes the same project of it.\n"
+           "A file is written completely or not at all. The command reports whatever a list cannot contain; if\n"
+           "a shot is left out, the exit code is 4."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.flag("--edl", options->edl, "A cut list (CMX3600 EDL)");
   command.flag("--ale", options->ale, "A log exchange file (ALE)");
   command.flag("--csv", options->csv, "A table of the shots");
-  command.flag("--json", options->json, "Reels and shots as JSON");
+  command.flag("--json", options->json, "All of the project as JSON, from which project new --from makes it again");
   command.flag("--reels", options->reelsOnly, "Only the reels, for --csv and --json");
+  command.flag("--history", options->history, "Its commits, too, for --json");
   command.text("--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
       .shownAs("N");
   command.text("-o,--output", options->file, "The file to write; without it, standard output").shownAs("FILE");

@@ -187,6 +187,65 @@ TEST_F(Export, JsonHoldsReelsAndShots)
   EXPECT_FALSE(json({"export", "--json", "--reels"}).contains("shots"));
 }
 
+TEST_F(Export, JsonMakesTheSameProjectAgainByteForByte)
+{
+  dir_.write("cut.edl", "TITLE: X\nFCM: DROP FRAME\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:31") +
+                            event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  output({"create", "C001"});
+  output({"delete", "C001", "-y"});
+  output({"set", "A001", "bin=Shelf 4", "0=rain"});
+  ASSERT_EQ(reeldb({"rename", "A001", "A002"}).code, 0);
+  setStored(path("projects/main.reels"), "B001", "bin", "\xff shelf");
+  output({"project", "rate", "29.97"});
+  const std::string state = output({"export", "--json"});
+  dir_.write("main.json", state);
+  EXPECT_EQ(output({"project", "new", "copy", "--from", "main.json"}).substr(0, 29), "project copy made (29.97 fps)");
+  fs::remove(path("projects/main.reels"));
+  output({"project", "new", "main", "--from", "main.json"});
+  EXPECT_EQ(output({"export", "--json"}), state);
+  EXPECT_EQ(json({"history", "--json"}).at("commits"), Json::array());
+  EXPECT_EQ(reeldb({"project", "check"}).code, 0);
+  // It goes on as any other project.
+  EXPECT_EQ(json({"import", "cut.edl", "--json"}).at("files").at(0).at("shots_there"), 1);
+  output({"undo"});
+  EXPECT_EQ(output({"export", "--json"}), state);
+}
+
+TEST_F(Export, EverySampleComesBackByteForByteFromJson)
+{
+  const char* const folder = std::getenv("REELDB_SAMPLES");
+  if (!folder || listsIn(folder).empty())
+    GTEST_SKIP() << "REELDB_SAMPLES names no folder with lists";
+  for (const fs::path& file : listsIn(folder))
+    reeldb({"import", file.string()});
+  output({"export", "--json", "-o", "main.json"});
+  fs::remove(path("projects/main.reels"));
+  output({"project", "new", "main", "--from", "main.json"});
+  EXPECT_EQ(output({"export", "--json"}), readFile("main.json"));
+}
+
+TEST_F(Export, JsonHasTheHistoryIfAskedTo)
+{
+  output({"create", "A001"});
+  EXPECT_FALSE(json({"export", "--json"}).contains("history"));
+  const Json all = json({"export", "--json", "--history"});
+  EXPECT_EQ(all.at("history"), json({"history", "--json"}).at("commits"));
+  EXPECT_EQ(all.at("history").at(0).at("created"), 1);
+  dir_.write("main.json", all.dump());
+  output({"project", "new", "copy", "--from", "main.json"});
+  EXPECT_EQ(json({"-p", "copy", "history", "--json"}).at("commits"), Json::array());
+}
+
+TEST_F(Export, JsonWithReelsAloneIsNoProject)
+{
+  dir_.write("main.json", output({"export", "--json", "--reels"}));
+  expectRefusal({"project", "new", "copy", "--from", "main.json"},
+                "main.json: JSON: not a report of this kind (it has no state, as reeldb export --json without --reels "
+                "has)",
+                3);
+}
+
 TEST_F(Export, EmptyProjectMakesListsThatCanBeRead)
 {
   for (const char* format : {"--edl", "--ale"})
@@ -316,6 +375,11 @@ TEST_F(Export, OptionsThatDoNotFitAreUsageErrors)
   expectRefusal({"export", "--edl", "--reel-length", "7"}, "--reel-length 7: invalid (use one of 3, 6, 8, 32, 129)", 2);
   expectRefusal({"export", "--ale", "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
   expectRefusal({"export", "--edl", "--reels"}, "export: --reels needs --csv or --json (lists contain shots)", 2);
+  for (const Words& words : {Words{"--csv"}, Words{"--edl"}, Words{"--json", "--reels"}}) {
+    Words command = {"export", "--history"};
+    command.insert(command.end(), words.begin(), words.end());
+    expectRefusal(command, "export: --history needs --json, without --reels", 2);
+  }
   expectRefusal({"export", "--csv", "--force"}, "export: --force needs -o FILE", 2);
 }
 
