@@ -207,7 +207,8 @@ TEST_F(Export, JsonMakesTheSameProjectAgainByteForByte)
   EXPECT_EQ(json({"history", "--json"}).at("commits"), Json::array());
   EXPECT_EQ(reeldb({"project", "check"}).code, 0);
   // It goes on as any other project.
-  EXPECT_EQ(json({"import", "cut.edl", "--json"}).at("files").at(0).at("shots_there"), 1);
+  dir_.write("next.edl", event(1, "D001", "V", "01:00:00:00", "01:00:01:00"));
+  EXPECT_EQ(json({"import", "next.edl", "--json"}).at("files").at(0).at("shots_added"), 1);
   output({"undo"});
   EXPECT_EQ(output({"export", "--json"}), state);
 }
