@@ -308,8 +308,8 @@ TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsRemarkedOn)
                          "M2 A001 012.5 01:00:00:00\n>>> SOURCE A001 A001 4919975f.793b8d33\n");
   const Written written = writeAle("25", eventsOf(list));
   EXPECT_EQ(written.remarks,
-            (Strings{"2 event numbers: not written (a log has none)", "1 transitions: not written (a log has none)",
-                     "1 speeds: not written (a log has none)", "1 source ids: not written (a log has none)"}));
+            (Strings{"event numbers not written: 2 (a log has none)", "transitions not written: 1 (a log has none)",
+                     "speeds not written: 1 (a log has none)", "source ids not written: 1 (a log has none)"}));
   const List again = read(written.text);
   EXPECT_EQ(reels(again), Strings{"A001"});
   EXPECT_EQ(specialLines(again), 1);
