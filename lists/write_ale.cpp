@@ -142,7 +142,7 @@ void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
     if (const auto count =
             std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
         count > 0)
-      written.remarks.push_back(std::to_string(count) + " " + what + ": not written (a log has none)");
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) + " (a log has none)");
   };
   remark("event numbers", [](const Event& event) { return !event.number.empty(); });
   remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });
