@@ -622,7 +622,8 @@ class Tests:
         own, others = [], []
         for program, (_, sources) in sorted(self.workshop.programs.items()):
             for room in self.rooms_of(name):
-                if not any(str(pathlib.PurePath(source).parent) == f"tests/{room}" for source in sources):
+                # Programs that only borrow helpers of the folder do not count.
+                if not any(re.fullmatch(f"tests/{room}/[^/]+_test\\.cpp", source) for source in sources):
                     continue
                 has_own = any(pathlib.PurePath(source).name == f"{stem}_test.cpp" for source in sources)
                 (own if has_own else others).append(program)
