@@ -142,6 +142,24 @@ TEST_F(TakeBack, LaterChangeOfTheSameValueIsInTheWay)
   EXPECT_EQ(takeBack(4).restored, 1);
 }
 
+TEST_F(TakeBack, DeletedLogThatWasStoredAgainAndChangedIsInTheWay)
+{
+  const Cookie reel = addLog(9, "R1");
+  reelhost::commit();
+  remove(reel);
+  reelhost::commit();
+  reelhost::Changes changes; // as another program may store it, without taking the deletion back
+  changes.logs.push_back(*kept()->history()->changesOf(2).logs.at(0).before);
+  kept()->commit(changes);
+  reopen();
+  EXPECT_FALSE(takeBack(2).anything());
+  changes.logs[0].name = "another";
+  kept()->commit(changes);
+  reopen();
+  EXPECT_EQ(errorOf([] { takeBack(2); }),
+            "Refused: R1: restored and changed since revision 2 (by revision 3, take that one back first)");
+}
+
 TEST_F(TakeBack, CreatedLogThatIsDeletedIsNotMissed)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");

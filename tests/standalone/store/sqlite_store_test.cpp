@@ -141,6 +141,8 @@ TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
                                   "revision 3: no image of log 0"}));
   EXPECT_EQ(errorOf([&] { changesOf(*project, 2); }),
             "Unreadable: " + file().native() + ": damaged (revision 2: no image of log 1)");
+  EXPECT_EQ(errorOf([&] { changesOf(*project, 3); }),
+            "Unreadable: " + file().native() + ": damaged (revision 3: no image of log 0)");
 }
 
 TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
