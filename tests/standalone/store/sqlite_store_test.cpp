@@ -188,6 +188,30 @@ TEST_F(SqliteStoreTest, CheckReportsFaults)
                                       "revision 1: new logs with numbers that were not given out"}));
 }
 
+TEST_F(SqliteStoreTest, NewLogReplacesNoOtherAlthoughTheLastNumberIsTooSmall)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  runSql(file(), "UPDATE project SET value = 1 WHERE key = 'last_number'");
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->nextNumber(), 3);
+  project->commit(logChanges({exampleLog(3, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3}));
+}
+
+TEST_F(SqliteStoreTest, ProjectWithoutALastNumberIsDamaged)
+{
+  const auto project = makeSqliteStore(file());
+  for (const char* sql :
+       {"UPDATE project SET value = 'x' WHERE key = 'last_number'", "DELETE FROM project WHERE key = 'last_number'"}) {
+    runSql(file(), sql);
+    project->begin(Access::Read, noPatience);
+    EXPECT_EQ(errorOf([&] { project->nextNumber(); }),
+              "Unreadable: " + file().native() + ": damaged (the project has no last number)");
+    project->end();
+  }
+}
+
 TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
 {
   const auto project = makeSqliteStore(file());
