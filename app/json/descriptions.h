@@ -600,13 +600,19 @@ void describe(Io& io, R& event)
   if constexpr (Io::writes) {
     io.json()["what"] = wordOf(event.what);
   } else {
-    constexpr std::array all = {What::New,      What::Changed, What::Gone, What::Renamed,
-                                What::Database, What::Record,  What::Ours};
+    constexpr std::array all = {What::New, What::Changed, What::Gone, What::Renamed, What::Database};
     event.what = fromWord(io.json().at("what"), all);
   }
   io("reel", event.reel);
   if (event.what == What::Renamed)
     io("from", event.from);
+  if constexpr (Io::writes) {
+    if (event.what == What::Changed)
+      io("fields", event.fields);
+  } else if (io.json().contains("fields")) {
+    io("fields", event.fields);
+  }
+  io.optional("commit", event.commit);
 }
 
 } // namespace reeldb::app

@@ -6,17 +6,20 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "reelhost/feed.h"
 #include "reelhost/history.h"
+#include "store/file_watch.h"
 #include "store/sqlite_schema.h"
 #include "store/sqlite_session.h"
 
 namespace reelhost {
 
-class SqliteStore final : public Store, public History {
+class SqliteStore final : public Store, public History, public Feed {
 public:
   /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
@@ -42,13 +45,24 @@ public:
   std::int64_t trashCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
 
+  Feed* feed() override { return this; }
+  FeedPosition position() override;
+  Delta since(const FeedPosition& before) override;
+  int waitHandle() override { return watch().handle(); }
+  std::string whyNoWaitHandle() override { return watch().whyNot(); }
+  AskAgain readEvents() noexcept override { return watch_ ? watch_->readEvents() : std::nullopt; }
+
 private:
   /// Reads with @p work, which takes the database.
   template <class Work>
   auto read(Work work);
   bool keepsHistory() const { return session_.version() >= versionWithHistory; }
 
+  FileWatch& watch();
+
   SqliteSession session_;
+  FeedPosition stored_; ///< by the last commit
+  std::optional<FileWatch> watch_;
 };
 
 } // namespace reelhost
