@@ -298,6 +298,17 @@ TEST_F(TakeBack, CommitHasItsOrigin)
   EXPECT_NEAR(static_cast<double>(origin.time), static_cast<double>(std::time(nullptr)), 10);
 }
 
+TEST_F(TakeBack, OriginNamesWhatWaitsToBeStoredInTheFacility)
+{
+  const TempFolder folder;
+  folder.write("facility.toml", "");
+  reelhost::useFacility(reelhost::Facility::read(folder.path()));
+  EXPECT_EQ(reelhost::currentOrigin().elsewhere, Texts{});
+  SystemCfg::theConfig().set("reel_userfield0", "Scene");
+  EXPECT_EQ(reelhost::currentOrigin().elsewhere, Texts{"setting reel_userfield0: Scene"});
+  reelhost::useFacility(reelhost::Facility());
+}
+
 TEST_F(TakeBack, LongCommandLineIsCutBetweenCharacters)
 {
   reelhost::setCommandLine("", {std::string(2043, 'a') + "\xC3\xA9" + std::string(9, 'b')});
