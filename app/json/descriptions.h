@@ -462,6 +462,16 @@ void describe(Io& io, R& diff)
   io("shots_added", diff.added);
   io("shots_gone", diff.missing);
   io("rejected", diff.rejected);
+  io("shots_trimmed", diff.trimmed);
+  io("shots_changed", diff.changed);
+  if constexpr (Io::writes) {
+    io.json()["versions"] = Value::array();
+    for (const std::optional<std::int64_t>& version : diff.versions)
+      io.json()["versions"].push_back(version ? Value(*version) : Value(nullptr));
+  } else {
+    for (const Value& version : io.json().at("versions"))
+      diff.versions.push_back(version.is_null() ? std::nullopt : std::optional<std::int64_t>(version));
+  }
 }
 
 /// A whole number. Other numbers would be rounded in silence.

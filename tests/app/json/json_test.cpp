@@ -258,11 +258,16 @@ TEST(Json, Differences)
   diff.spellings = {{"A", "a"}};
   diff.added = {sampleShot()};
   diff.rejected = {{"cut.edl", {7, "bad", "no timecodes"}}};
+  diff.trimmed = {{sampleShot(), sampleShot()}};
+  diff.versions = {3, std::nullopt};
   const std::string head = R"({"files": ["cut.edl"], "equal": false, "reels_new": [{"reel": "B1", "candidates": [{)" +
                            std::string(candidateKeys) + R"(}]}], "reels_gone": )";
   const std::string rest = R"(, "spellings": [{"reel": "A", "other": "a"}], "shots_added": [)" +
                            std::string(shotObject) + R"(], "shots_gone": [],
-      "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}]})";
+      "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}],
+      "shots_trimmed": [{"from": )" +
+                           shotObject + R"(, "to": )" + shotObject +
+                           R"(}], "shots_changed": [], "versions": [3, null]})";
   expectJson(diff, head + "null" + rest);
   diff.whole = true;
   diff.goneReels = {"C1"};
