@@ -43,6 +43,17 @@ struct ProjectHistory {
 /// Error: NotFound, Refused if the project keeps no history.
 ProjectHistory readHistory(Session& session, const std::optional<std::string>& reel);
 
+/// A deletion that undelete can still bring back.
+struct KeptDeletion {
+  CommitEntry commit;
+  std::vector<std::string> reels; ///< identifiers, in the order of the project
+  std::size_t shots = 0;
+};
+
+/// The deletions that are kept, the newest first: undelete brings the first one back. Throws Error (Refused) if the
+/// project keeps no history.
+std::vector<KeptDeletion> keptDeletions(Session& session);
+
 /// What undo or redo has done.
 struct TakenBackCommit {
   CommitEntry commit;                                   ///< the one that was taken back or made again

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
 """Runs clang-tidy over the sources of rooms, and over the headers they include: tidy.py BUILD [ROOM...]. Without a
-name these are src and standalone.
+name these are all rooms but tests and fuzz. A room without sources, such as base, is checked with those that include
+its headers; a header that no checked source includes is an error.
 
 BUILD is a folder that cmake has configured with the preset tidy; nothing needs to be built in it. A source that several
 targets compile is checked once, and a finding in a header is printed once. .clang-tidy in the root has the checks, and
@@ -24,7 +25,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ("src", "standalone")
+ROOMS = ("include", "src", "standalone", "base", "lists", "app", "cli", "tools", "bench", "examples")
 FINDING = re.compile(r"^(?P<file>/.*?):(?P<line>\d+:\d+): (?:error|warning): (?P<text>.*)$")
 
 
@@ -49,6 +50,7 @@ class Checker:
         self.folder = build / "tidy"
         self.kept = self.folder / "clean"
         self.kept.mkdir(parents=True, exist_ok=True)
+        self.read = set()  # by the sources without findings
         try:
             commands = json.loads((build / "compile_commands.json").read_text())
         except FileNotFoundError:
@@ -85,7 +87,17 @@ class Checker:
             kept = json.loads(self.record(source).read_text())
         except (OSError, ValueError):
             return False
-        return kept["state"] == self.state(source, kept["read"])
+        if kept["state"] != self.state(source, kept["read"]):
+            return False
+        self.note_read(source, kept["read"])
+        return True
+
+    def note_read(self, source, names):
+        folder = pathlib.Path(self.commands[source]["directory"])
+        self.read.update((folder / name).resolve() for name in names)
+
+    def unread_headers(self, room):
+        return sorted(path.relative_to(ROOT) for path in (ROOT / room).rglob("*.h") if path.resolve() not in self.read)
 
     def keep_clean(self, source):
         command = self.commands[source]
@@ -98,6 +110,7 @@ class Checker:
             return
         names = listed.stdout.decode().split(":", 1)[1].replace("\\\n", " ").split()
         self.record(source).write_text(json.dumps({"state": self.state(source, names), "read": names}))
+        self.note_read(source, names)
 
     def check(self, source):
         """The findings in one source and its headers; nothing when clang-tidy did not get through."""
@@ -132,7 +145,8 @@ def main():
     checker = Checker(arguments.build.resolve(), arguments.clang_tidy, arguments.compiler)
     complete = True
     sources = []
-    for room in arguments.rooms or ROOMS:
+    rooms = arguments.rooms or ROOMS
+    for room in rooms:
         if not (ROOT / room).is_dir():
             fail(f"{room}: no such room")
         found, all_found = checker.sources_of(room)
@@ -149,6 +163,10 @@ def main():
             for finding in sorted(found - findings):
                 print(finding, flush=True)
             findings |= found
+    if complete and not findings:
+        for header in (header for room in rooms for header in checker.unread_headers(room)):
+            print(f"tidy: {header}: no checked source includes it, so it is not checked", file=sys.stderr)
+            complete = False
     print(f"tidy: {len(sources)} sources and the headers they include, {len(findings)} findings")
     if not sources or not complete:
         return 2

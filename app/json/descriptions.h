@@ -706,6 +706,14 @@ void describe(Io& io, R& history)
   io("commits", history.commits);
 }
 
+template <class Io, Like<KeptDeletion> R>
+void describe(Io& io, R& deletion)
+{
+  io("commit", deletion.commit);
+  io("reels", deletion.reels);
+  io("shots", deletion.shots);
+}
+
 template <class Io, Like<TakenBackCommit> R>
 void describe(Io& io, R& result)
 {
@@ -826,13 +834,19 @@ void describe(Io& io, R& event)
   if constexpr (Io::writes) {
     io.json()["what"] = wordOf(event.what);
   } else {
-    constexpr std::array all = {What::New,      What::Changed, What::Gone, What::Renamed,
-                                What::Database, What::Record,  What::Ours};
+    constexpr std::array all = {What::New, What::Changed, What::Gone, What::Renamed, What::Database};
     event.what = fromWord(io.json().at("what"), all);
   }
   io("reel", event.reel);
   if (event.what == What::Renamed)
     io("from", event.from);
+  if constexpr (Io::writes) {
+    if (event.what == What::Changed)
+      io("fields", event.fields);
+  } else if (io.json().contains("fields")) {
+    io("fields", event.fields);
+  }
+  io.optional("commit", event.commit);
 }
 
 } // namespace reeldb::app

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
 
-#include <array>
-#include <ctime>
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -21,18 +18,6 @@ struct Options {
   std::optional<std::string> reel;
   bool json = false;
 };
-
-/// "2026-11-22T13:38:48Z" as the time of this place, to the minute.
-std::string localTime(const std::string& utc)
-{
-  std::tm parts = {};
-  if (!::strptime(utc.c_str(), "%Y-%m-%dT%H:%M:%SZ", &parts))
-    return {};
-  const std::time_t time = ::timegm(&parts);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", ::localtime_r(&time, &parts));
-  return text.data();
-}
 
 std::string changesOf(const app::CommitEntry& commit)
 {

@@ -103,6 +103,7 @@ enum class Access {
   Write ///< changes are stored; no other process can write meanwhile
 };
 
+class Feed;
 class History;
 
 /// Keeps one project. One use is begin, any number of reads, then end or commit; uses can be repeated. After an Error
@@ -114,6 +115,9 @@ public:
   /// The history of the project, which lives as long as the store. Null if this store keeps no history: what is deleted
   /// is then gone for good.
   virtual History* history() { return nullptr; }
+  /// What others change in the project, revision by revision; lives as long as the store. Null if this store does not
+  /// know that: the project is then read again after each change by others.
+  virtual Feed* feed() { return nullptr; }
   /// The lists of the project, which live as long as the store. Null if this store keeps no lists.
   virtual Lists* lists() { return nullptr; }
 

@@ -67,7 +67,8 @@ TEST_F(Completion, UnknownCommandGivesNothing)
 
 TEST_F(Completion, HyphenGivesOptionsOfTheCommandAndOfAll)
 {
-  EXPECT_EQ(candidates({"undelete", "-"}), (Words{"words", "--help", "--json", "--facility", "--project", "--trace"}));
+  EXPECT_EQ(candidates({"undelete", "-"}),
+            (Words{"words", "--help", "--list", "--json", "--facility", "--project", "--trace"}));
   EXPECT_EQ(candidates({"--ver"}), (Words{"words", "--version"}));
   EXPECT_EQ(candidates({"list", "--ver"}), Words{"words"});
 }

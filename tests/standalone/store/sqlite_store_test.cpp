@@ -141,6 +141,8 @@ TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
                                   "revision 3: no image of log 0"}));
   EXPECT_EQ(errorOf([&] { changesOf(*project, 2); }),
             "Unreadable: " + file().native() + ": damaged (revision 2: no image of log 1)");
+  EXPECT_EQ(errorOf([&] { changesOf(*project, 3); }),
+            "Unreadable: " + file().native() + ": damaged (revision 3: no image of log 0)");
 }
 
 TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
@@ -184,6 +186,30 @@ TEST_F(SqliteStoreTest, CheckReportsFaults)
             (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was never given to a log",
                                       "log 2: the identity of another log",
                                       "revision 1: new logs with numbers that were not given out"}));
+}
+
+TEST_F(SqliteStoreTest, NewLogReplacesNoOtherAlthoughTheLastNumberIsTooSmall)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  runSql(file(), "UPDATE project SET value = 1 WHERE key = 'last_number'");
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->nextNumber(), 3);
+  project->commit(logChanges({exampleLog(3, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3}));
+}
+
+TEST_F(SqliteStoreTest, ProjectWithoutALastNumberIsDamaged)
+{
+  const auto project = makeSqliteStore(file());
+  for (const char* sql :
+       {"UPDATE project SET value = 'x' WHERE key = 'last_number'", "DELETE FROM project WHERE key = 'last_number'"}) {
+    runSql(file(), sql);
+    project->begin(Access::Read, noPatience);
+    EXPECT_EQ(errorOf([&] { project->nextNumber(); }),
+              "Unreadable: " + file().native() + ": damaged (the project has no last number)");
+    project->end();
+  }
 }
 
 TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
