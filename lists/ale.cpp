@@ -381,13 +381,18 @@ void Reader::row(int number, std::string_view line)
     clip.aliases.push_back(clean(cells[column]));
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
+  clip.event.reelText = tape;
   clip.reel = !tape.empty() && !isAuxiliary(tape) ? tape : clip.sourceFile;
   if (clip.reel.empty() && isAuxiliary(tape))
     clip.reel = clip.clipName;
-  if (isAuxiliary(clip.reel) || (clip.reel.empty() && isAuxiliary(tape)))
-    return collector_.special(isAuxiliary(tape) ? tape : clip.reel, "AX without a clip name or source file", number);
-  if (clip.reel.empty())
-    return collector_.special(clip.clipName, "no tape and no source file", number);
+  if (isAuxiliary(clip.reel) || (clip.reel.empty() && isAuxiliary(tape))) {
+    clip.reel = isAuxiliary(tape) ? tape : clip.reel;
+    return collector_.special(std::move(clip), "AX without a clip name or source file");
+  }
+  if (clip.reel.empty()) {
+    clip.reel = clip.clipName;
+    return collector_.special(std::move(clip), noSourceReason);
+  }
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)
     collector_.rate(rate, rate_.line, rate_.text);

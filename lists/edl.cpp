@@ -18,16 +18,18 @@
 #include "lists/frame_rate.h"
 #include "lists/names.h"
 #include "lists/source_table.h"
+#include "lists/speed.h"
 #include "lists/text.h"
 #include "lists/tracks.h"
 
 namespace reeldb::lists {
 namespace {
 
-/// Statements without information on reels. M2 only repeats a reel of the list.
-constexpr std::array<std::string_view, 7> silentStatements = {
-    "M2", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
+/// Statements that are not kept.
+constexpr std::array<std::string_view, 6> silentStatements = {
+    "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
+constexpr std::string_view speedWord = "M2";
 constexpr std::string_view titleWord = "TITLE";
 constexpr std::string_view frameCodeModeWord = "FCM";
 constexpr std::string_view dropFrameWord = "DROP";
@@ -62,6 +64,7 @@ struct Known {
   std::vector<std::string> fits;    ///< its possible meanings if it is ambiguous, else empty
   std::string_view reason;          ///< why it is ambiguous
   bool reported = false;            ///< whether the ambiguity was reported
+  bool noted = false;               ///< whether noteIds() had the ids
 };
 
 /// Where the list begins or ends drop frame.
@@ -108,6 +111,7 @@ private:
   void takeNote(std::optional<Note> note);
   /// Whether the line is a statement. A faulty statement is rejected.
   bool statement(int number, std::string_view line);
+  void speed(int number, std::string_view line, std::string_view statement);
   /// Uses the statement of a replaced reel. Returns why it cannot be used; empty if it can.
   std::string replacedReel(std::string_view statement);
   void closeEvent();
@@ -116,6 +120,8 @@ private:
   const FrameCodeMode* modeOf(int line) const;
 
   void decide(const EventSource& source, Digits digits);
+  /// The clip of an event line, without its reel and its other names.
+  Clip clipOf(const EventSource& source, Digits digits) const;
   Known& lookUp(const std::string& reel);
   /// Sets the reel that a name stands for. If there are several, sets them all as fits, with the reason.
   static void settle(Known& known, const std::vector<std::string>& originals, std::string_view reason);
@@ -130,6 +136,8 @@ private:
   std::vector<FrameCodeMode> modes_; ///< in the order of their lines
   std::string frameRate_;            ///< that a note before the events gives all of them; empty without one
   std::vector<EventSource> sources_; ///< all complete events
+  std::size_t reelField_ = 0;        ///< the width of the list's reel field
+  int part_ = 1;                     ///< the part of its event that the line becomes that is decided on
   SourceTable table_;
   std::vector<TableRow> tableRows_;                                    ///< in the order of the table
   std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement: the reels it replaces
@@ -151,17 +159,27 @@ List Reader::read(std::string_view text)
 
   std::unordered_set<std::string> reels;
   bool channelNumbers = false;
+  std::size_t reelColumn = 0; // programs pad the reels of the list, but set AX and BL at the right
   for (const EventSource& source : sources_) {
     reels.insert(base::fold(clean(source.fields.reel)));
     channelNumbers = channelNumbers || hasChannelNumber(source.fields.channels);
+    if (!isAuxiliary(source.fields.reel) && placeholderReason(source.fields.reel).empty())
+      reelColumn = std::max(reelColumn, source.fields.reelColumn);
   }
+  reelField_ = paddedField(reelColumn);
   for (UnusedRow& unused : table_.settle([&](const std::string& folded) { return reels.contains(folded); })) {
     const TableRow& row = tableRows_[unused.row];
     --*row.counter;
     collector_.reject(row.line, row.text, std::move(unused.reason));
   }
-  for (const EventSource& source : sources_)
+  const std::vector<Rejected>& rejected = collector_.list().rejected;
+  for (const EventSource& source : sources_) {
+    if (source.isFirst)
+      part_ = 1;
+    const std::size_t rejectedBefore = rejected.size();
     decide(source, channelNumbers ? Digits::Number : Digits::Set);
+    part_ += rejected.size() == rejectedBefore ? 1 : 0;
+  }
   reportSharedNames();
   return collector_.finish();
 }
@@ -211,12 +229,17 @@ void Reader::event(int number, std::string_view line)
 
 void Reader::takeNote(std::optional<Note> note)
 {
-  if (note && note->kind == NoteKind::ReelMap)
+  if (!note)
+    return;
+  if (note->kind == NoteKind::ReelMap) {
     map_[base::fold(note->reel)].push_back(std::move(note->value));
-  else if (note && note->kind == NoteKind::FrameRate && !inEvents_)
+  } else if (note->kind == NoteKind::FrameRate && !inEvents_) {
     frameRate_ = knownRate(note->value);
-  else if (note && !event_.empty())
-    event_.note(std::move(*note));
+  } else {
+    collector_.list().tally.ignored += event_.empty() || note->kind == NoteKind::Other ? 1 : 0;
+    if (!event_.empty())
+      event_.note(std::move(*note));
+  }
 }
 
 bool Reader::statement(int number, std::string_view line)
@@ -226,9 +249,15 @@ bool Reader::statement(int number, std::string_view line)
   std::string_view rest = line;
   for (std::string_view silent : silentStatements) {
     if (takeStatement(rest, silent)) {
+      ++tally.ignored;
       ++counter;
       return true;
     }
+  }
+  if (takeStatement(rest, speedWord)) {
+    speed(number, line, rest);
+    ++counter;
+    return true;
   }
   if (takeStatement(rest, frameCodeModeWord)) {
     frameCodeMode(number, line, rest);
@@ -263,6 +292,18 @@ bool Reader::statement(int number, std::string_view line)
   tableRows_.push_back({number, line, &counter});
   ++counter;
   return true;
+}
+
+void Reader::speed(int number, std::string_view line, std::string_view statement)
+{
+  SpeedLine speed;
+  std::string fault = parseSpeedLine(statement, speed);
+  if (fault.empty() && !event_.speed(speed))
+    fault = "the event above has no line of reel " + inQuotes(speed.reel) + " without a speed";
+  if (fault.empty())
+    return;
+  ++collector_.list().tally.ignored;
+  collector_.warn(number, line, "speed not used: " + fault);
 }
 
 std::string Reader::replacedReel(std::string_view statement)
@@ -318,6 +359,7 @@ Known& Reader::lookUp(const std::string& reel)
     return known;
   if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
     known.mapped = known.settled = true;
+    known.ids = table_.find(reel).ids;
     settle(known, mapped->second, "the map of the list gives the name to several reels");
     return known;
   }
@@ -355,13 +397,13 @@ void Reader::settle(Known& known, const std::vector<std::string>& originals, std
 void Reader::decide(const EventSource& source, Digits digits)
 {
   const std::string reel = clean(source.fields.reel);
-  if (const std::string_view reason = placeholderReason(reel); !reason.empty()) {
-    collector_.special(reel, reason, source.line);
-    return;
-  }
-  Known& known = lookUp(reel);
-  Clip clip;
+  Clip clip = clipOf(source, digits);
   clip.reel = reel;
+  if (const std::string_view reason = placeholderReason(reel); !reason.empty())
+    return collector_.special(std::move(clip), reason);
+  Known& known = lookUp(reel);
+  for (const std::string& id : known.ids)
+    clip.event.sourceIds.push_back({std::string(isUmid(id) ? umidKind : tableKind), id});
   if (!known.identifier.empty())
     clip.reel = known.identifier;
   else if (!known.settled && !source.reelNote.empty() && !isAuxiliary(source.reelNote))
@@ -371,8 +413,8 @@ void Reader::decide(const EventSource& source, Digits digits)
     // A source file or a clip name AX does not identify the source either.
     clip.reel = source.sourceFile.empty() || isAuxiliary(source.sourceFile) ? source.clipName : source.sourceFile;
     if (clip.reel.empty() || isAuxiliary(clip.reel)) {
-      collector_.special(reel, "AX without a clip name or source file", source.line);
-      return;
+      clip.reel = reel;
+      return collector_.special(std::move(clip), "AX without a clip name or source file");
     }
   }
 
@@ -381,6 +423,21 @@ void Reader::decide(const EventSource& source, Digits digits)
   const std::string unmapped = known.mapped ? std::string() : reel;
   for (const std::string* name : {&unmapped, &source.reelNote, &source.otherReel, &source.sourceFile})
     clip.aliases.push_back(*name);
+  if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame)
+    collector_.dropFrame(mode->line, mode->text);
+
+  const std::string identifier = clip.reel;
+  if (!collector_.clip(std::move(clip), source.text) || auxiliary)
+    return;
+  reportAmbiguous(known, reel);
+  if (known.fits.empty() && !known.noted)
+    noteIds(identifier, known.ids);
+  known.noted = true;
+}
+
+Clip Reader::clipOf(const EventSource& source, Digits digits) const
+{
+  Clip clip;
   clip.clipName = source.clipName;
   clip.sourceFile = source.sourceFile;
   clip.tracks = clean(source.fields.channels);
@@ -396,18 +453,16 @@ void Reader::decide(const EventSource& source, Digits digits)
   takeAway(source.noTimecode, clip);
   clip.line = source.line;
   clip.frameRate = source.frameRate.empty() ? frameRate_ : knownRate(source.frameRate);
-  if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame) {
-    clip.dropFrame = true;
-    collector_.dropFrame(mode->line, mode->text);
-  }
-
-  const std::string identifier = clip.reel;
-  if (!collector_.clip(std::move(clip), source.text) || auxiliary)
-    return;
-  reportAmbiguous(known, reel);
-  if (known.fits.empty())
-    noteIds(identifier, known.ids);
-  known.ids.clear(); // once is enough
+  const FrameCodeMode* const mode = modeOf(source.line);
+  clip.dropFrame = mode && mode->dropFrame;
+  clip.event.number = source.fields.number;
+  clip.event.part = part_;
+  clip.event.reelText = clean(source.fields.reel);
+  clip.event.reelField = reelField_;
+  clip.event.transition = source.fields.transitionCode;
+  clip.event.duration = source.fields.duration;
+  clip.event.speed = source.speed;
+  return clip;
 }
 
 void Reader::reportAmbiguous(Known& known, const std::string& reel)

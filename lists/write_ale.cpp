@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 #include "lists/tracks.h"
@@ -79,6 +80,16 @@ std::string colonsOf(const Clip& clip)
   return columns;
 }
 
+/// The tape of the row, or what stands in its place if the clip has no source; empty if the row had no tape.
+std::string tapeOf(const Clip& clip)
+{
+  if (clip.special.empty())
+    return clip.reel;
+  if (clip.event.reelText.empty())
+    return {};
+  return specialReason(clip.reel).empty() ? "AX" : clip.reel;
+}
+
 struct OutColumn {
   std::string title;
   std::function<std::string(const Clip&)> cell;
@@ -92,7 +103,7 @@ std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
       {"Tracks", [](const Clip& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
       {"Start", [](const Clip& clip) { return inLog(clip, clip.sourceIn); }, true},
       {"End", [](const Clip& clip) { return inLog(clip, clip.sourceOut); }, true},
-      {"Tape", [](const Clip& clip) { return clip.reel; }, true},
+      {"Tape", tapeOf, true},
       {"Source File", [](const Clip& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
       {"Source File Path", [](const Clip& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
       {"Tracks As Written", [](const Clip& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
@@ -124,6 +135,21 @@ void addRow(std::string& text, const std::vector<OutColumn>& columns,
   text += "\n";
 }
 
+/// Remarks on what events say and a log cannot.
+void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
+{
+  const auto remark = [&](const char* what, auto says) {
+    if (const auto count =
+            std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
+        count > 0)
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) + " (a log has none)");
+  };
+  remark("event numbers", [](const Event& event) { return !event.number.empty(); });
+  remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });
+  remark("speeds", [](const Event& event) { return event.speed.has_value(); });
+  remark("source ids", [](const Event& event) { return !event.sourceIds.empty(); });
+}
+
 void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_t columns)
 {
   const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
@@ -149,6 +175,7 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
   written.text += "\nData\n";
   for (const Clip& clip : writable)
     addRow(written.text, columns, [&](const OutColumn& column) { return column.cell(clip); });
+  remarkOnEvents(written, writable);
   remarkOnLimits(written, writable, columns.size());
   return written;
 }

@@ -47,8 +47,8 @@ Images imagesAt(Database& database, std::int64_t revision)
   while (created.step())
     for (std::int64_t number = created.integer(0); number <= created.integer(1); ++number)
       images.emplace(number, std::nullopt);
-  // The first change after the revision has what the log was at that time.
-  Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 ORDER BY revision");
+  // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
+  Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 AND log >= 0 ORDER BY revision");
   changed.bind(1, revision);
   while (changed.step())
     images.emplace(changed.integer(0), changed.isNull(1) ? std::nullopt : std::optional<std::string>(changed.text(1)));

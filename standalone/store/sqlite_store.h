@@ -19,7 +19,7 @@
 
 namespace reelhost {
 
-class SqliteStore final : public Store, public History, public Feed {
+class SqliteStore final : public Store, public History, public Feed, public Lists {
 public:
   /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
@@ -42,6 +42,7 @@ public:
   void readRevisions(const std::function<bool(Revision&&)>& sink) override;
   RevisionChanges changesOf(std::int64_t revision) override;
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override;
   std::int64_t trashCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
 
@@ -51,6 +52,12 @@ public:
   int waitHandle() override { return watch().handle(); }
   std::string whyNoWaitHandle() override { return watch().whyNot(); }
   AskAgain readEvents() noexcept override { return watch_ ? watch_->readEvents() : std::nullopt; }
+
+  Lists* lists() override { return this; }
+  std::int64_t nextListNumber() override;
+  void readListHeads(const std::function<void(KeptList&&)>& sink) override;
+  std::vector<ListEvent> eventsOf(std::int64_t list) override;
+  std::string listBytes(const Digest& digest) override;
 
 private:
   /// Reads with @p work, which takes the database.
