@@ -303,6 +303,18 @@ TEST_F(OpenProject, ACommitThatFailsMayBeTriedAgain)
   EXPECT_EQ(reels().count(), 1);
 }
 
+TEST_F(OpenProject, CommitThatStoresNothingKeepsNoOtherProcessWaiting)
+{
+  openWatched();
+  addLog(9, "R1");
+  reelhost::commit();
+  EXPECT_EQ(reelhost::undelete(), 0); // begins a use for writing
+  const int begun = seen_.begun;
+  EXPECT_FALSE(reelhost::commit());
+  EXPECT_EQ(reelhost::undelete(), 0);
+  EXPECT_EQ(seen_.begun, begun + 1) << "the commit ended the use";
+}
+
 TEST_F(OpenProject, UndeletionThatIsRefusedKeepsNoOtherProcessWaiting)
 {
   openWatched();
