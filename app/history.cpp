@@ -62,6 +62,7 @@ CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisio
   entry.created = revision.created;
   entry.changed = revision.changed;
   entry.deleted = revision.deleted;
+  entry.lists = revision.lists;
   entry.elsewhere = revision.origin.elsewhere;
   return entry;
 }
@@ -198,6 +199,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
       if (original.number == revision.takesBack)
         result.commit = entryFrom(original, takenBack);
   result.logsChanged = static_cast<std::size_t>(done.changed);
+  result.lists = static_cast<std::size_t>(done.lists);
   for (const auto& [log, id] : after.reels())
     if (before.reels().count(log) == 0)
       result.reelsRestored.push_back(id);

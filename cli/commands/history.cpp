@@ -10,6 +10,7 @@
 #include "app/history.h"
 #include "app/json/json.h"
 #include "commands/tables.h"
+#include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
 
@@ -45,6 +46,8 @@ std::string changesOf(const app::CommitEntry& commit)
        {std::pair(commit.created, "new"), {commit.changed, "changed"}, {commit.deleted, "deleted"}})
     if (count != 0)
       parts.push_back(fmt::format("{} {}", count, what));
+  if (commit.lists != 0)
+    parts.push_back(counted(commit.lists, "list"));
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 
