@@ -150,7 +150,7 @@ std::string transitionField(const Event& event)
   constexpr std::size_t columns = 4;
   std::string code = event.transition.empty() ? "C" : event.transition;
   if (code == "KB" || code == "KO")
-    code.insert(1, " ");
+    code = {code[0], ' ', code[1]};
   return padded(std::move(code), columns);
 }
 

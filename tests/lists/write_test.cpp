@@ -339,6 +339,18 @@ TEST(WriteEdlEvents, AnEventThatNoListCanHoldIsLeftOut)
                      "clip 'ONE' of reel 'A': left out ('noon' is not a timecode)"}));
 }
 
+TEST(WriteEdlEvents, WhatIsLeftOfTwoEventsDoesNotBecomeOne)
+{
+  Clip first = clipOf("A", "", "V", 1, 0), lost = clipOf("", "", "V", 1, 0), second = clipOf("B", "", "V", 1, 0);
+  first.event.number = "001";
+  lost.event.number = second.event.number = "002";
+  second.event.part = 2;
+  second.event.transition = "D";
+  const std::string text = writeEdl("", {first, lost, second}, 8).text;
+  EXPECT_NE(text.find("\n001  A "), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  B "), std::string::npos) << text;
+}
+
 TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsRemarkedOn)
 {
   const List list = read("TITLE: A\n" + event("001", "BL V C") + event("001", "A001 V D 024") +
