@@ -104,6 +104,7 @@ std::optional<std::vector<std::string>> namesFor(const std::vector<std::string>&
 {
   const std::vector<ReelText> ofList = reelTextsOf(reels, clips);
   std::vector<std::string> texts;
+  texts.reserve(ofList.size());
   for (const ReelText& each : ofList)
     texts.push_back(each.text);
   std::optional<std::vector<std::string>> names = shortReelNames(texts, field);

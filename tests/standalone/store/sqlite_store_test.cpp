@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "standalone/store/support.h"
+#include "store/sqlite.h"
 
 namespace {
 
@@ -155,6 +156,19 @@ TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
   store(*project, logChanges({exampleLog(1, 9)}));
   EXPECT_EQ(bytesOf(file()).substr(18, 2), "\x02\x02");
   EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteStoreTest, FileThatIsHeldCompletelyDidNotChangeYet)
+{
+  runSql(file(), "PRAGMA journal_mode = DELETE"); // in write-ahead mode nobody keeps readers out
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Read, noPatience);
+  project->end();
+  sqlite::Database other(file().native(), sqlite::Database::Mode::ReadWrite);
+  other.execute("BEGIN EXCLUSIVE; UPDATE project SET value = 'x' WHERE key = 'name'");
+  EXPECT_FALSE(project->changedElsewhere());
+  other.execute("COMMIT");
+  EXPECT_TRUE(project->changedElsewhere());
 }
 
 TEST_F(SqliteStoreTest, HolderOfAFileWithoutWriteAheadModeIsNamed)
