@@ -74,6 +74,7 @@ CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisio
   entry.created = revision.created;
   entry.changed = revision.changed;
   entry.deleted = revision.deleted;
+  entry.lists = revision.lists;
   entry.elsewhere = revision.origin.elsewhere;
   return entry;
 }

@@ -105,6 +105,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
       if (original.number == revision.takesBack)
         result.commit = entryFrom(original, takenBack);
   result.logsChanged = static_cast<std::size_t>(done.changed);
+  result.lists = static_cast<std::size_t>(done.lists);
   for (const auto& [log, id] : after.reels())
     if (before.reels().count(log) == 0)
       result.reelsRestored.push_back(id);

@@ -697,6 +697,7 @@ void describe(Io& io, R& commit)
   io("deleted", commit.deleted);
   io("elsewhere", commit.elsewhere);
   io("fields", commit.fields);
+  io("lists", commit.lists);
 }
 
 template <class Io, Like<ProjectHistory> R>
@@ -725,6 +726,7 @@ void describe(Io& io, R& result)
   io("shots_restored", result.shotsRestored);
   io("shots_removed", result.shotsRemoved);
   io("changed", result.logsChanged);
+  io("lists", result.lists);
 }
 
 template <class Io, Like<Compacted> R>

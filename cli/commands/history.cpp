@@ -7,6 +7,7 @@
 #include "app/history.h"
 #include "app/json/json.h"
 #include "commands/tables.h"
+#include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
 
@@ -30,6 +31,8 @@ std::string changesOf(const app::CommitEntry& commit)
        {std::pair(commit.created, "new"), {commit.changed, "changed"}, {commit.deleted, "deleted"}})
     if (count != 0)
       parts.push_back(fmt::format("{} {}", count, what));
+  if (commit.lists != 0)
+    parts.push_back(counted(commit.lists, "list"));
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 

@@ -200,7 +200,6 @@ ValueKind valueKindOf(const std::string& metavariable)
       {"FIELD=VALUE", ValueKind::Field},
       {"NUMBER=NAME", ValueKind::UserField},
       {"FILE", ValueKind::File},
-      {"LIST", ValueKind::File},
       {"DIR", ValueKind::Folder},
   };
   const auto found = kinds.find(metavariable);

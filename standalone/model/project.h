@@ -173,7 +173,7 @@ private:
   std::vector<Key> changedOptions_;
   std::set<std::int64_t> deleted_;
   std::map<std::int64_t, std::optional<KeptList>> changedLists_; ///< empty: to be removed
-  std::vector<std::string> listBytes_;                           ///< of changed lists
+  std::map<Digest, std::string> listBytes_;                      ///< of changed lists
   Inverse inverse_; ///< what takes an earlier revision back; its changes are made already
   bool compact_ = false;
   std::int64_t forgetBefore_ = 0;

@@ -169,8 +169,8 @@ std::vector<ListEvent> eventsOfList(std::int64_t list);
 /// The bytes of a kept list, by its digest. Throws Error (NotFound) if there are none.
 std::string bytesOfList(const Digest& digest);
 /// Keeps a list of these bytes, or, if @p list has a number, puts it in the place of the list with that number. Its
-/// digest and its number of events are set here. Returns its number. commit stores the change. REQUIRES: each event
-/// names a log that exists, or none.
+/// number of events is set here. Returns its number. commit stores the change. REQUIRES: its digest is that of the
+/// bytes; each event names a log that exists, or none.
 std::int64_t keepList(KeptList list, std::string bytes);
 /// Removes the list with its events. Its shots stay. commit stores the change.
 void removeList(std::int64_t list);

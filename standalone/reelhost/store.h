@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -88,7 +89,7 @@ struct Changes {
   KeyValues options;                 ///< project options that were set
   std::vector<KeptList> lists;       ///< new and changed lists, by number
   std::vector<std::int64_t> deletedLists;
-  std::vector<std::string> listBytes; ///< the bytes of lists, unless they are stored already
+  std::map<Digest, std::string> listBytes; ///< the bytes of lists by their digests, unless they are stored already
   Origin origin;
   bool empty() const
   {

@@ -93,10 +93,10 @@ public:
     commit_.revision.setOptions = true;
   }
 
-  void writeLists(const std::vector<KeptList>& lists, const std::vector<std::string>& allBytes)
+  void writeLists(const std::vector<KeptList>& lists, const std::map<Digest, std::string>& allBytes)
   {
-    for (const std::string& bytes : allBytes)
-      content_.listBytes.try_emplace(digestOf(bytes), std::make_shared<const std::string>(bytes));
+    for (const auto& [digest, bytes] : allBytes)
+      content_.listBytes.try_emplace(digest, std::make_shared<const std::string>(bytes));
     for (const KeptList& list : lists) {
       KeptList whole = list;
       whole.eventCount = static_cast<std::int64_t>(list.events.size());

@@ -151,6 +151,7 @@ TEST_F(Completion, LabelMapAndFrameRateGiveTheirNames)
 
 TEST_F(Completion, FilesAndFoldersAreLeftToTheShell)
 {
+  EXPECT_EQ(answer({"reels-of", "--file", ""}), "files\n");
   EXPECT_EQ(answer({"import", "c"}), "files\n");
   EXPECT_EQ(answer({"export", "--edl", "-o", ""}), "files\n");
   EXPECT_EQ(answer({"init", ""}), "folders\n");

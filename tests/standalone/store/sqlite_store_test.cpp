@@ -284,7 +284,7 @@ TEST_F(SqliteStoreTest, BytesOfAListAreStoredOncePerDigest)
   again.digest = exampleList(1, {}).digest;
   changes = {};
   changes.lists = {again};
-  changes.listBytes = {exampleListBytes(1), exampleListBytes(1)};
+  changes.listBytes = {{again.digest, exampleListBytes(1)}};
   store(*project, changes);
   EXPECT_EQ(runSql(file(), "SELECT count(*) FROM list_bytes"), "1");
 }

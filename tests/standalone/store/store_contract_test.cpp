@@ -880,7 +880,7 @@ TEST_P(ListsContract, WrittenListReplacesTheOldOneWhole)
   next.title.clear();
   Changes changes;
   changes.lists = {next};
-  changes.listBytes = {exampleListBytes(9)};
+  changes.listBytes = {{next.digest, exampleListBytes(9)}};
   store(*project, changes);
   EXPECT_EQ(listsOf(*project), (std::vector{next, exampleList(2, {1})}));
   EXPECT_TRUE(bytes(*project, 9) == exampleListBytes(9));
