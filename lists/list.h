@@ -23,6 +23,9 @@ public:
 
 enum class Format { Edl, Ale };
 
+/// "edl", "ale"
+std::string_view wordOf(Format format);
+
 /// The kinds of source ids.
 inline constexpr std::string_view umidKind = "umid";          ///< a UMID, the same in every list
 inline constexpr std::string_view tableKind = "source table"; ///< any other id in the source table of a cut list

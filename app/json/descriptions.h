@@ -330,9 +330,9 @@ void describe(Io& io, R& imported)
   auto& list = imported.list;
   io("file", imported.file);
   if constexpr (Io::writes) {
-    io.json()["format"] = list.format == lists::Format::Edl ? "edl" : "ale";
+    io.json()["format"] = lists::wordOf(list.format);
   } else {
-    list.format = io.json().at("format") == "edl" ? lists::Format::Edl : lists::Format::Ale;
+    list.format = io.json().at("format") == lists::wordOf(lists::Format::Edl) ? lists::Format::Edl : lists::Format::Ale;
   }
   io("title", list.title);
   io("clips", imported.clips);
