@@ -86,11 +86,27 @@ std::optional<std::int64_t> startOfDay(const std::string& text)
   return std::mktime(&day);
 }
 
+std::int64_t newestRevision(reelhost::History& history)
+{
+  std::int64_t newest = 0;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    newest = revision.number;
+    return false;
+  });
+  return newest;
+}
+
 /// The revision after the last one that is older than @p before, which is a day or the number of a revision.
 std::int64_t firstRevisionToKeep(reelhost::History& history, const std::string& before)
 {
-  if (const std::optional<int> revision = base::parseNumber(before))
+  if (const std::optional<int> revision = base::parseNumber(before)) {
+    const std::int64_t newest = newestRevision(history);
+    if (*revision > newest + 1)
+      throw Error(ErrorKind::NotFound,
+                  fmt::format("{}: no such revision (the newest is {}; a day is written like 2026-11-01)", *revision,
+                              newest));
     return *revision;
+  }
   const std::optional<std::int64_t> start = startOfDay(before);
   if (!start)
     throw Error(ErrorKind::Invalid,

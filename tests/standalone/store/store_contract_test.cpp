@@ -764,6 +764,17 @@ TEST_P(HistoryContract, LogWrittenAndDeletedInOneHasTwoRevisions)
   EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"1: a -> none"});
 }
 
+TEST_P(HistoryContract, ForgettingMoreThanThereIsKeepsWhatTheSameCommitChanged)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a")}));
+  Changes changes = logChanges({named(1, "b")});
+  changes.forgetBefore = 1000;
+  store(*project, changes);
+  EXPECT_EQ(summaries(revisionsOf(*project)), Texts{"2: 0 1 0"});
+  EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"1: a -> b"});
+}
+
 TEST_P(HistoryContract, CompactForgetsDeletedLogsAndKeepsTheRevisions)
 {
   const auto project = make();
