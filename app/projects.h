@@ -95,9 +95,10 @@ struct Compacted {
 /// Empties the trash for good and stores that. REQUIRES: a session for writing.
 Compacted compactProject(Session& session);
 
-/// Forgets the history before a revision, given by its number, or before a day ("2026-11-01", by the clock of this
-/// place), with the deleted logs that only the forgotten part has; stores that and gives the space back. If that last
-/// step fails, notice reports it. Throws Error: Invalid for anything else, Refused if the project keeps no history.
+/// Forgets the history before a revision, given by its number, or before the first revision of a day ("2026-11-01", by
+/// the clock of this place) or of a later one, with the deleted logs that only the forgotten part has; stores that and
+/// gives the space back. If that last step fails, notice reports it. Throws Error: NotFound if the number is above the
+/// one of the next revision, Invalid for anything else, Refused if the project keeps no history.
 /// REQUIRES: a session for writing.
 Compacted forgetHistory(Session& session, const std::string& before);
 
