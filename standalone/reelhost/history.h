@@ -66,8 +66,10 @@ public:
   virtual RevisionChanges changesOf(std::int64_t revision) = 0;
   /// Reads every change of the log, the oldest first.
   virtual void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) = 0;
-  /// Reads which logs each revision changed, deleted or created, without what they were.
-  virtual void readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log)>& sink) = 0;
+  /// Reads which logs each revision changed, deleted, restored or created, without what they were. @p isNew: the
+  /// revision created the log, which had never been there before.
+  virtual void
+  readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log, bool isNew)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
 

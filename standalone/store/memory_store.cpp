@@ -29,6 +29,7 @@ struct Commit {
   struct Before {
     Shared<Record> record;
     bool forgotten = false;
+    bool isNew = false; ///< there had never been such a log
   };
   template <class Record>
   using Found = std::map<std::int64_t, Before<Record>>;
@@ -51,17 +52,18 @@ struct Content {
 /// Changes the content as one revision.
 class RevisionWriter {
 public:
-  explicit RevisionWriter(Content& content) : content_(content) {}
+  explicit RevisionWriter(Content& content) : content_(content), lastBefore_(content.lastNumber) {}
 
   void writeLogs(const std::vector<StoredLog>& logs)
   {
     for (const StoredLog& log : logs) {
       StoredLog whole = log;
       whole.fields = arranged(log.fields);
+      const bool isNew = log.number > lastBefore_;
       content_.lastNumber = std::max(content_.lastNumber, log.number);
       const auto there = content_.logs.find(log.number);
       if (there == content_.logs.end()) {
-        commit_.logs[log.number] = {};
+        commit_.logs[log.number].isNew = isNew;
         ++commit_.revision.created;
       } else if (imageOf(*there->second) != imageOf(whole)) {
         commit_.logs[log.number].record = there->second;
@@ -136,6 +138,7 @@ public:
 
 private:
   Content& content_;
+  const std::int64_t lastBefore_;
   Commit commit_;
 };
 
@@ -224,11 +227,11 @@ public:
         sink(changeOf(number, commit, &Commit::logs, content_.logs));
   }
 
-  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink) override
   {
     for (const Commit& commit : content_.commits)
       for (const auto& [log, before] : commit.logs)
-        sink(commit.revision.number, log);
+        sink(commit.revision.number, log, before.isNew);
   }
 
   void giveSpaceBack() override {}
@@ -354,7 +357,7 @@ private:
   {
     for (auto& [number, before] : found)
       if (before.record && records.count(number) == 0)
-        before = {{}, true};
+        before = {{}, true, before.isNew};
   }
 
   static void removeForGood(Content& content, const Changes& changes)

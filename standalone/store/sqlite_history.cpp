@@ -209,15 +209,15 @@ void readChangesOfLog(Database& database, std::int64_t number, const std::functi
   sink(std::move(*last));
 }
 
-void readChangedLogs(Database& database, const std::function<void(std::int64_t, std::int64_t)>& sink)
+void readChangedLogs(Database& database, const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
   Statement rows(database, "SELECT revision, log FROM changes WHERE log > 0");
   while (rows.step())
-    sink(rows.integer(0), rows.integer(1));
+    sink(rows.integer(0), rows.integer(1), false);
   Statement ranges(database, "SELECT number, first_new, last_new FROM revisions WHERE first_new IS NOT NULL");
   while (ranges.step())
     for (std::int64_t log = ranges.integer(1); log <= ranges.integer(2); ++log)
-      sink(ranges.integer(0), log);
+      sink(ranges.integer(0), log, true);
 }
 
 std::int64_t trashCount(Database& database)

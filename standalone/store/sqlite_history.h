@@ -25,7 +25,7 @@ constexpr std::int64_t logNumberOfList(std::int64_t list)
 void readRevisions(sqlite::Database& database, const std::function<bool(Revision&&)>& sink); ///< the newest first
 std::optional<RevisionChanges> changesOf(sqlite::Database& database, std::int64_t revision);
 void readChangesOfLog(sqlite::Database& database, std::int64_t number, const std::function<void(LogChange&&)>& sink);
-void readChangedLogs(sqlite::Database& database, const std::function<void(std::int64_t, std::int64_t)>& sink);
+void readChangedLogs(sqlite::Database& database, const std::function<void(std::int64_t, std::int64_t, bool)>& sink);
 std::int64_t trashCount(sqlite::Database& database);
 
 } // namespace reelhost

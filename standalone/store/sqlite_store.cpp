@@ -147,7 +147,7 @@ void SqliteStore::readChangesOfLog(std::int64_t number, const std::function<void
     read([&](Database& database) { reelhost::readChangesOfLog(database, number, sink); });
 }
 
-void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink)
+void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
   if (keepsHistory())
     read([&](Database& database) { reelhost::readChangedLogs(database, sink); });

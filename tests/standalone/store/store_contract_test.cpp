@@ -5,6 +5,7 @@
 #include <climits>
 #include <memory>
 #include <stdexcept>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -825,14 +826,16 @@ TEST_P(HistoryContract, ChangedLogsAreThoseOfEachRevision)
   store(*project, logChanges({named(1, "a"), named(2, "b")}));
   store(*project, logChanges({named(2, "b2"), named(3, "c")}));
   remove(*project, {1});
-  std::vector<std::pair<std::int64_t, std::int64_t>> changed;
+  undelete(*project);
+  std::vector<std::tuple<std::int64_t, std::int64_t, bool>> changed;
   in(*project, [&] {
     project->history()->readChangedLogs(
-        [&](std::int64_t revision, std::int64_t log) { changed.emplace_back(revision, log); });
+        [&](std::int64_t revision, std::int64_t log, bool isNew) { changed.emplace_back(revision, log, isNew); });
     return 0;
   });
   std::sort(changed.begin(), changed.end());
-  EXPECT_EQ(changed, (decltype(changed){{1, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 1}}));
+  EXPECT_EQ(changed,
+            (decltype(changed){{1, 1, true}, {1, 2, true}, {2, 2, false}, {2, 3, true}, {3, 1, false}, {4, 1, false}}));
 }
 
 TEST_P(ListsContract, NewProjectKeepsNoList)
