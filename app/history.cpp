@@ -149,9 +149,9 @@ std::vector<KeptDeletion> keptDeletions(Session&)
   return guarded([] {
     reelhost::History& history = requireHistory();
     std::vector<KeptDeletion> deletions;
-    for (const reelhost::Revision& revision : reelhost::deletionsInForce(history)) {
+    const auto take = [&](const reelhost::Revision& revision, const reelhost::RevisionChanges& changes) {
       KeptDeletion deletion{entryFrom(revision, {}), {}, 0};
-      for (const reelhost::LogChange& change : history.changesOf(revision.number).logs) {
+      for (const reelhost::LogChange& change : changes.logs) {
         if (!reelhost::isRestorable(change))
           continue;
         if (change.before->type == codes::reelLog)
@@ -161,7 +161,9 @@ std::vector<KeptDeletion> keptDeletions(Session&)
       }
       if (!deletion.reels.empty() || deletion.shots != 0)
         deletions.push_back(std::move(deletion));
-    }
+      return true;
+    };
+    reelhost::readDeletionsInForce(history, take);
     return deletions;
   });
 }

@@ -85,9 +85,10 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The deletions that were not taken back, the newest first. A revision that also created logs is not a deletion.
+/// Reads the deletions that were not taken back, the newest first, until @p sink returns false. A revision that also
+/// created logs is not a deletion, nor is one that replaced or removed a list and deleted what only that list had used.
 /// Project compact may have removed what they deleted.
-std::vector<Revision> deletionsInForce(History& history);
+void readDeletionsInForce(History& history, const std::function<bool(const Revision&, const RevisionChanges&)>& sink);
 
 /// The last deletion in force that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);
