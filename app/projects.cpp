@@ -249,9 +249,9 @@ ProjectCheck checkProject(const std::optional<std::string>& project)
 Compacted compactProject(Session& session)
 {
   return guarded([&] {
-    const Compacted compacted{reelhost::compact(), {}};
+    const reelhost::Compacted compacted = reelhost::compact();
     session.commit();
-    return compacted;
+    return Compacted{compacted.logs, compacted.lists};
   });
 }
 

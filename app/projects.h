@@ -89,6 +89,7 @@ ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
   int gone = 0;                      ///< the number of deleted logs
+  int lists = 0;                     ///< the number of removed lists
   std::optional<int> revisions = {}; ///< the number of forgotten revisions, if history was to be forgotten
 };
 

@@ -385,14 +385,15 @@ int Project::undelete()
   return static_cast<int>(inverse_.logs.size());
 }
 
-int Project::compact()
+Compacted Project::compact()
 {
   requireNoTrashPending("empty the trash");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = requireHistory().trashCount();
-  compact_ = count != 0;
-  return static_cast<int>(count);
+  History& history = requireHistory();
+  const Compacted result{static_cast<int>(history.trashCount()), static_cast<int>(history.removedListCount())};
+  compact_ = result.logs != 0 || result.lists != 0;
+  return result;
 }
 
 int Project::forgetHistory(std::int64_t before)

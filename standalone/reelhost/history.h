@@ -72,6 +72,8 @@ public:
   readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log, bool isNew)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
+  /// The number of removed lists that the history keeps.
+  virtual std::int64_t removedListCount() = 0;
 
   /// Gives the space back that forgotten revisions have left. Needs no begin; it is an error if a use was begun. Throws
   /// Error: Busy, ReadOnly, Io. The project has not changed then.

@@ -186,8 +186,14 @@ int deleteLogs(const CookieVec& logs);
 /// Restores the logs of the last stored deletion, with their events, and returns their number. Notifies no listener.
 /// commit stores the change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
 int undelete();
-/// Empties the trash for good and returns the number of logs in it. commit stores the change. Throws as undelete does.
-int compact();
+/// What compact removes.
+struct Compacted {
+  int logs = 0;  ///< the number of deleted logs
+  int lists = 0; ///< the number of removed lists
+};
+/// Removes for good what the history keeps of deleted logs and removed lists. commit stores the change. Throws as
+/// undelete does.
+Compacted compact();
 
 /// @}
 /// @name History

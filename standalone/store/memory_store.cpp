@@ -236,15 +236,8 @@ public:
 
   void giveSpaceBack() override {}
 
-  std::int64_t trashCount() override
-  {
-    std::set<std::int64_t> gone;
-    for (const Commit& commit : content_.commits)
-      for (const auto& [number, before] : commit.logs)
-        if (before.record && content_.logs.count(number) == 0)
-          gone.insert(number);
-    return static_cast<std::int64_t>(gone.size());
-  }
+  std::int64_t trashCount() override { return keptOfDeleted(&Commit::logs, content_.logs); }
+  std::int64_t removedListCount() override { return keptOfDeleted(&Commit::lists, content_.lists); }
 
   Feed* feed() override { return this; }
 
@@ -349,6 +342,18 @@ private:
       change.after = *there->second;
     }
     return change;
+  }
+
+  /// The number of records that the commits found and that are not there any more.
+  template <class Record>
+  std::int64_t keptOfDeleted(Commit::Found<Record> Commit::*found, const Records<Record>& records) const
+  {
+    std::set<std::int64_t> gone;
+    for (const Commit& commit : content_.commits)
+      for (const auto& [number, before] : commit.*found)
+        if (before.record && records.count(number) == 0)
+          gone.insert(number);
+    return static_cast<std::int64_t>(gone.size());
   }
 
   /// Forgets what the commits found of records that are not there any more.

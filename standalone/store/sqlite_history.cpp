@@ -226,4 +226,10 @@ std::int64_t trashCount(Database& database)
                           "log NOT IN (SELECT number FROM logs)");
 }
 
+std::int64_t removedListCount(Database& database)
+{
+  return database.integer("SELECT count(DISTINCT log) FROM changes WHERE log < 0 AND length(before) > 0 AND "
+                          "-log NOT IN (SELECT number FROM lists)");
+}
+
 } // namespace reelhost

@@ -27,6 +27,7 @@ std::optional<RevisionChanges> changesOf(sqlite::Database& database, std::int64_
 void readChangesOfLog(sqlite::Database& database, std::int64_t number, const std::function<void(LogChange&&)>& sink);
 void readChangedLogs(sqlite::Database& database, const std::function<void(std::int64_t, std::int64_t, bool)>& sink);
 std::int64_t trashCount(sqlite::Database& database);
+std::int64_t removedListCount(sqlite::Database& database);
 
 } // namespace reelhost
 

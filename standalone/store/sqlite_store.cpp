@@ -158,6 +158,11 @@ std::int64_t SqliteStore::trashCount()
   return keepsHistory() ? read(reelhost::trashCount) : 0;
 }
 
+std::int64_t SqliteStore::removedListCount()
+{
+  return keepsHistory() ? read(reelhost::removedListCount) : 0;
+}
+
 FeedPosition SqliteStore::position()
 {
   if (!session_.hasBegun())

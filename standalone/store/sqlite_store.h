@@ -44,6 +44,7 @@ public:
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
   void readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink) override;
   std::int64_t trashCount() override;
+  std::int64_t removedListCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
 
   Feed* feed() override { return this; }

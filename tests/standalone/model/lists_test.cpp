@@ -101,6 +101,21 @@ TEST_F(ListsTest, RemovedListIsGoneAndItsShotStays)
   EXPECT_TRUE(opens(shot));
 }
 
+TEST_F(ListsTest, CompactRemovesARemovedListForGood)
+{
+  keep("a.edl", {});
+  reelhost::commit();
+  const reelhost::Digest digest = reelhost::keptLists().at(0).digest;
+  reelhost::removeList(1);
+  reelhost::commit();
+  EXPECT_EQ(reelhost::bytesOfList(digest), "bytes of a.edl");
+  EXPECT_EQ(reelhost::compact().lists, 1);
+  reelhost::commit();
+  EXPECT_EQ(errorOf([&] { reelhost::bytesOfList(digest); }), "NotFound: memory: no list with these bytes");
+  EXPECT_EQ(reelhost::compact().lists, 0);
+  EXPECT_FALSE(reelhost::hasChanges());
+}
+
 TEST_F(ListsTest, UnstoredListIsGoneWhenTheProjectIsClosed)
 {
   keep("a.edl", {addLog(1, "R1")});

@@ -992,7 +992,10 @@ TEST_P(ListsContract, CompactForgetsRemovedListsAndTheirBytes)
   store(*project, listChanges({exampleList(2, {1})}));
   removeLists(*project, {1});
   EXPECT_TRUE(hasBytes(*project, 1));
+  const auto removedLists = [&] { return in(*project, [&] { return project->history()->removedListCount(); }); };
+  EXPECT_EQ(removedLists(), 1);
   compact(*project);
+  EXPECT_EQ(removedLists(), 0);
   EXPECT_TRUE(changesOf(*project, 4).lists.at(0).forgotten);
   EXPECT_FALSE(changesOf(*project, 3).lists.at(0).forgotten);
   EXPECT_FALSE(hasBytes(*project, 1));
