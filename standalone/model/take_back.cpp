@@ -283,6 +283,7 @@ TakenBack Project::takeBack(std::int64_t revision)
   if (hasChanges())
     throw Error(ErrorKind::Refused, subject() + ": cannot take a revision back (other changes are not stored yet)");
   useForChange();
+  use(Access::Read);
   loadOthers();
   History& history = requireHistory();
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);

@@ -279,6 +279,43 @@ TEST_F(TakeBack, ProjectWithoutHistorySaysSo)
   EXPECT_EQ(errorOf([] { reelhost::compact(); }), refusal);
 }
 
+/// Counts how often the history is asked for while no use of the project is begun.
+class StoreWithUses final : public ForwardingStore {
+public:
+  using ForwardingStore::ForwardingStore;
+  void begin(reelhost::Access access, std::chrono::milliseconds busyTimeout) override
+  {
+    ForwardingStore::begin(access, busyTimeout);
+    isUsed_ = true;
+  }
+  void end() noexcept override
+  {
+    ForwardingStore::end();
+    isUsed_ = false;
+  }
+  reelhost::History* history() override
+  {
+    outsideAUse += isUsed_ ? 0 : 1;
+    return ForwardingStore::history();
+  }
+  int outsideAUse = 0;
+
+private:
+  bool isUsed_ = false;
+};
+
+TEST_F(TakeBack, ReadsTheHistoryInAUseAlsoAfterIdle)
+{
+  addLog(9, "R1");
+  reelhost::commit();
+  auto store = std::make_unique<StoreWithUses>(kept());
+  const StoreWithUses& uses = *store;
+  reelhost::openProject(std::move(store), reelhost::Access::Read);
+  reelhost::idle();
+  EXPECT_EQ(takeBack(1).removed, 1);
+  EXPECT_EQ(uses.outsideAUse, 0);
+}
+
 // --- Who and what --------------------------------------------------------------------------------
 
 TEST_F(TakeBack, CommitHasItsOrigin)
