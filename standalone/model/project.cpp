@@ -363,6 +363,8 @@ void Project::requireNoTrashPending(const char* what) const
 int Project::undelete()
 {
   requireNoTrashPending("undelete");
+  if (!changedLists_.empty()) // it may be one that gets events back
+    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a change of a list is not stored yet)");
   useForChange();
   use(Access::Read);
   History& history = requireHistory();

@@ -184,15 +184,16 @@ void removeList(std::int64_t list);
 /// deletion. Exceptions of listeners pass through; the logs are deleted.
 int deleteLogs(const CookieVec& logs);
 /// Restores the logs of the last stored deletion, with their events, and returns their number. Notifies no listener.
-/// commit stores the change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+/// commit stores the change. Throws Error (Refused) while a deletion, an undelete, a compact or a change of a list is
+/// not stored yet.
 int undelete();
 /// What compact removes.
 struct Compacted {
   int logs = 0;  ///< the number of deleted logs
   int lists = 0; ///< the number of removed lists
 };
-/// Removes for good what the history keeps of deleted logs and removed lists. commit stores the change. Throws as
-/// undelete does.
+/// Removes for good what the history keeps of deleted logs and removed lists. commit stores the change. Throws
+/// Error (Refused) while a deletion, an undelete or a compact is not stored yet.
 Compacted compact();
 
 /// @}

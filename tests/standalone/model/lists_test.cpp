@@ -149,6 +149,19 @@ TEST_F(ListsTest, DeletedShotTakesItsEventsAlongAndUndeleteBringsThemBack)
   EXPECT_TRUE(opens(one));
 }
 
+TEST_F(ListsTest, UndeleteWaitsForAListThatIsNotStoredYet)
+{
+  const Cookie shot = addLog(1, "R1");
+  keep("a.edl", {shot});
+  reelhost::commit();
+  remove({shot});
+  reelhost::commit();
+  keep("b.edl", {}, 1);
+  EXPECT_EQ(errorOf([] { reelhost::undelete(); }),
+            "Refused: memory: cannot undelete (a change of a list is not stored yet)");
+  EXPECT_EQ(files(), Texts{"b.edl"});
+}
+
 TEST_F(ListsTest, EventsOfEachOfTwoDeletionsComeBackByThemselves)
 {
   const Cookie one = addLog(1, "R1"), two = addLog(1, "R2"), three = addLog(1, "R3");
