@@ -362,13 +362,14 @@ TEST_F(TakeBack, FacilityWithoutNamesKeepsNeitherNamesNorFolders)
   const TempFolder folder;
   folder.write("facility.toml", "[history]\nnames = false\n");
   reelhost::useFacility(reelhost::Facility::read(folder.path()));
-  reelhost::setCommandLine("prog", {"prog", "-C", "/home/anna/site/", "import", "../cuts/a b.edl",
-                                    "--output=/home/anna/x.edl", "name=24/25", "/"});
+  reelhost::setCommandLine("prog",
+                           {"prog", "-C", "/home/anna/site/", "import", "../cuts/a b.edl", "--output=/home/anna/x.edl",
+                            "name=24/25", "/", "bin=/shelf/3", "-o/tmp/x", "-o=/tmp/y", "/home/a=b/c", "-/d/e"});
   const reelhost::Origin origin = reelhost::currentOrigin();
   reelhost::setCommandLine("", {});
   reelhost::useFacility(reelhost::Facility());
   EXPECT_EQ(origin.user + origin.machine + origin.folder, "");
-  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl 25 /");
+  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl name=25 / bin=3 -ox -o=y c e");
   EXPECT_EQ(origin.program, "prog");
 }
 
