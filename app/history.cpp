@@ -112,8 +112,12 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   for (const auto& [log, id] : before.reels())
     if (after.reels().count(log) == 0)
       result.reelsRemoved.push_back(id);
-  result.shotsRestored = static_cast<std::size_t>(done.restored) - result.reelsRestored.size();
-  result.shotsRemoved = static_cast<std::size_t>(done.removed) - result.reelsRemoved.size();
+  const auto shotsOnlyIn = [](const ReelState& state, const ReelState& other) {
+    return static_cast<std::size_t>(std::count_if(state.shots().begin(), state.shots().end(),
+                                                  [&](const auto& shot) { return other.shots().count(shot) == 0; }));
+  };
+  result.shotsRestored = shotsOnlyIn(after, before);
+  result.shotsRemoved = shotsOnlyIn(before, after);
   session.commit();
   return result;
 }

@@ -192,6 +192,22 @@ TEST_F(History, OthersCommitsAreLeftAloneUnlessAnybodysAreMeant)
   EXPECT_EQ(undo().commit.revision, 1);
 }
 
+TEST_F(History, ReelThatWasNoReelForAWhileIsCountedOnce)
+{
+  import({"A001"});
+  reelhost::openProject("main", reelhost::Access::Write);
+  reelhost::Changes changes;
+  reelhost::projectStore().readReels([&](reelhost::StoredLog&& log) { changes.logs.push_back(std::move(log)); });
+  changes.logs.front().type = 1;
+  reelhost::projectStore().commit(changes);
+  reelhost::closeProject();
+  const app::TakenBackCommit done = undo({}, true);
+  EXPECT_EQ(done.reelsRestored, Names{"A001"});
+  EXPECT_EQ(done.shotsRestored, 0u);
+  EXPECT_EQ(done.shotsRemoved, 1u); // which it was meanwhile
+  EXPECT_EQ(done.logsChanged, 1u);
+}
+
 TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
 {
   folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
