@@ -64,7 +64,8 @@ std::vector<reelhost::Revision> revisionsOf(reelhost::History& history)
   return revisions;
 }
 
-/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody.
+/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody. If names are not
+/// kept, no revision is known to be this user's.
 const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack,
                                  bool anybody, const char* operation, bool (*wanted)(const reelhost::Revision&))
 {
@@ -73,14 +74,16 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
   for (const reelhost::Revision& revision : revisions) {
     if (!wanted(revision) || takenBack.count(revision.number) != 0)
       continue;
-    if (anybody || (revision.origin.user == me.user && revision.origin.machine == me.machine))
+    if (anybody || (!me.user.empty() && revision.origin.user == me.user && revision.origin.machine == me.machine))
       return revision;
     ofOthers = true;
   }
-  throw Error(
-      ErrorKind::Refused,
-      fmt::format("{0}: nothing to {0}{1}", operation,
-                  ofOthers ? fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine) : ""));
+  std::string cause;
+  if (ofOthers && me.user.empty())
+    cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
+  else if (ofOthers)
+    cause = fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine);
+  throw Error(ErrorKind::Refused, fmt::format("{0}: nothing to {0}{1}", operation, cause));
 }
 
 /// @p revision is one of @p revisions.

@@ -221,6 +221,21 @@ TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
             "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any takes what others did)");
 }
 
+TEST_F(History, WithoutNamesOnlyACommitThatIsMeantIsTakenBack)
+{
+  folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
+  reelhost::useFacility(reelhost::Facility::read(folder_.path()));
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo");
+  import({"A001"});
+  rename("A001", "B001");
+  const std::string cause =
+      " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo" + cause);
+  EXPECT_EQ(undo(2).commit.revision, 2);
+  EXPECT_EQ(refusal([] { redo(); }), "redo: nothing to redo" + cause);
+  EXPECT_EQ(undo({}, true).commit.revision, 1);
+}
+
 TEST_F(History, OfAReelHasItsFieldsBeforeAndAfter)
 {
   import({"A001", "B002"});
