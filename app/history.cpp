@@ -64,8 +64,8 @@ std::vector<reelhost::Revision> revisionsOf(reelhost::History& history)
   return revisions;
 }
 
-/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody. If names are not
-/// kept, no revision is known to be this user's.
+/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody. If names are
+/// not kept, no revision is known to be this user's.
 const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack,
                                  bool anybody, const char* operation, bool (*wanted)(const reelhost::Revision&))
 {
@@ -94,7 +94,9 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   const reelhost::TakenBack done = reelhost::takeBack(revision.number);
   if (!done.anything())
     throw Error(ErrorKind::Refused,
-                fmt::format("{}: revision {}: nothing of it is left to take back", operation, revision.number));
+                fmt::format("{}: revision {}: nothing of it is left to take back (undo REVISION takes an earlier "
+                            "one back)",
+                            operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
   after.requireSoundAfter(before, operation, "nothing taken back");

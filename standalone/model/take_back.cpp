@@ -136,8 +136,10 @@ template <class Record>
 void Project::refuseIfForgotten(bool forgotten, std::int64_t revision) const
 {
   if (forgotten)
-    throw Error(ErrorKind::Refused, subject() + ": revision " + std::to_string(revision) +
-                                        " cannot be taken back (project compact has removed what it deleted)");
+    throw Error(ErrorKind::Refused,
+                subject() + ": revision " + std::to_string(revision) +
+                    " cannot be taken back (project compact has removed what it deleted; undo REVISION takes an "
+                    "earlier one back)");
 }
 
 void Project::planTakingBack(const LogChange& change, Plan& plan)

@@ -247,7 +247,8 @@ TEST_F(TakeBack, WhatCompactRemovedCannotBeTakenBack)
   reelhost::commit();
   reelhost::compact();
   reelhost::commit();
-  const std::string refusal = " cannot be taken back (project compact has removed what it deleted)";
+  const std::string refusal = " cannot be taken back (project compact has removed what it deleted; undo "
+                              "REVISION takes an earlier one back)";
   EXPECT_EQ(errorOf([] { takeBack(3); }), "Refused: memory: revision 3" + refusal);
   EXPECT_EQ(errorOf([] { takeBack(2); }), "Refused: memory: revision 2" + refusal);
   EXPECT_FALSE(takeBack(1).anything()); // its log is gone anyway
