@@ -18,7 +18,6 @@ namespace reelhost::model {
 namespace {
 
 constexpr std::size_t prefixLength = 8, numberLength = 8; // together the sixteen bytes of a UUID
-constexpr std::int64_t lastNumber = 99'999'999;
 
 /// Eight characters made from the project's UUID, so that logs of two projects hardly ever have the same name.
 std::string prefixFor(const std::array<unsigned char, 16>& project)
@@ -263,7 +262,7 @@ std::unordered_map<std::string, std::int64_t> Project::countOthersByReelId()
 Log& Project::create(StoredLog&& stored)
 {
   useForChange();
-  if (nextNumber_ > lastNumber)
+  if (nextNumber_ > lastLogNumber)
     throw Error(ErrorKind::Refused, subject() + ": no number is left for another log");
   char digits[numberLength + 1];
   std::snprintf(digits, sizeof digits, "%08d", static_cast<int>(nextNumber_));

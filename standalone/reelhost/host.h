@@ -153,6 +153,8 @@ CookieVec shotsOf(const std::string& reelId);
 /// case. Empty if no project is open.
 std::unordered_map<std::string, std::int64_t> shotCounts();
 
+/// The highest number that a log can have: Cookies have eight digits for it.
+inline constexpr std::int64_t lastLogNumber = 99'999'999;
 /// The number of the log; 0 if there is no such log. Events of lists name their shots by it.
 std::int64_t logNumber(const Cookie& log);
 
