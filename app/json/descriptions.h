@@ -129,7 +129,7 @@ Enum fromWord(const Value& json, const std::array<Enum, size>& all)
   throw std::invalid_argument("unknown word \"" + word + "\"");
 }
 
-// --- Reels -----------------------------------------------------------------------------------------
+// --- Reels ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Reel> R>
 void describe(Io& io, R& reel)
@@ -270,7 +270,7 @@ void describe(Io& io, R& type)
   io("parameters", type.parameters);
 }
 
-// --- Names -----------------------------------------------------------------------------------------
+// --- Names ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Candidate> R>
 void describe(Io& io, R& candidate)
@@ -306,7 +306,7 @@ void describe(Io& io, R& meaning)
   }
 }
 
-// --- Lists -----------------------------------------------------------------------------------------
+// --- Lists ---------------------------------------------------------------------------------------
 
 template <class Io, Like<ClipStep> R>
 void describe(Io& io, R& step)
@@ -631,7 +631,7 @@ void describe(Io& io, R& content)
   io.optional("history", content.history);
 }
 
-// --- Deletions -------------------------------------------------------------------------------------
+// --- Deletions -----------------------------------------------------------------------------------
 
 /// The only reason to keep a reel.
 inline constexpr const char* whyKept = "--keep";
@@ -669,7 +669,7 @@ void describe(Io& io, R& undeleted)
   io("shots", undeleted.shots);
 }
 
-// --- History ---------------------------------------------------------------------------------------
+// --- History -------------------------------------------------------------------------------------
 
 template <class Io, Like<FieldStep> R>
 void describe(Io& io, R& step)
@@ -736,7 +736,7 @@ void describe(Io& io, R& compacted)
   io.optional("revisions", compacted.revisions);
 }
 
-// --- The facility ----------------------------------------------------------------------------------
+// --- The facility --------------------------------------------------------------------------------
 
 template <class Io, Like<Device> R>
 void describe(Io& io, R& device)
