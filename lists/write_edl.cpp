@@ -354,7 +354,7 @@ private:
   bool oneRate_ = false; ///< all clips say the same rate, or none does
   int number_ = 0;
 };
-/// Remarks on lists that exceed the limits of such a reel field, by the manuals of the devices.
+/// Warns about lists that exceed the limits of such a reel field, by the manuals of the devices.
 void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
 {
   constexpr std::size_t digits = 3, six = 6, eight = 8, fewest = 253, few = 999, more = 9999;
@@ -368,7 +368,7 @@ void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
                               " of some lists with numbered reels (other programs may not read all reels)");
 }
 
-/// Remarks on texts that cannot be read back from a note.
+/// Warns about texts that cannot be read back from a note.
 void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
 {
   std::set<std::string> remarked;

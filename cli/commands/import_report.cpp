@@ -82,7 +82,7 @@ std::string ambiguousText(const lists::Ambiguous& ambiguous)
   return result + "\n";
 }
 
-/// The lines of the list with a remark on each.
+/// The lines of the list, each with its remark.
 template <class Remark>
 std::string remarksText(const std::string& what, const std::vector<Remark>& remarks)
 {

@@ -78,8 +78,8 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
-/// The same, begun for reading in the state that the logs in memory have, for those who read more than the logs after
-/// idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+/// The same, begun for reading in the state that the logs in memory have, for callers that read more than the logs
+/// after idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
 Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
@@ -105,7 +105,7 @@ void idle();
 /// false if no project is open.
 bool reloadIfChangedElsewhere();
 
-/// What changes by other processes mean for those who know the reels of the project.
+/// What changes by other processes mean for a program that knows the reels of the project.
 struct ForeignChanges {
   enum class State {
     Nothing, ///< no other process has committed

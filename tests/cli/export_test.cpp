@@ -379,7 +379,7 @@ TEST_F(Export, JsonHasTheHistoryIfAskedTo)
   EXPECT_EQ(json({"-p", "copy", "history", "--json"}).at("commits"), Json::array());
 }
 
-TEST_F(Export, JsonWithReelsAloneIsNoProject)
+TEST_F(Export, JsonWithReelsAloneIsNotAProject)
 {
   dir_.write("main.json", output({"export", "--json", "--reels"}));
   expectRefusal({"project", "new", "copy", "--from", "main.json"},

@@ -111,7 +111,7 @@ paths) # nothing remembers where it was built or first installed, and libraries 
 
 documents) # the links between them lead somewhere here, too
   cd "$moved/share/doc/reeldb"
-  # The pages of the project itself name its sources; those who have only the installed tree are not sent there.
+  # The pages of the project itself name its sources; readers who have only the installed tree are not sent there.
   find . -name '*.md' ! -name CONTRIBUTING.md ! -name architecture.md >"$work/documents"
   [ "$(wc -l <"$work/documents")" -gt 10 ] || fail "too few documents are installed"
   while read -r document; do

@@ -525,7 +525,7 @@ TEST(Edl, ControlCharactersInNamesCostTheirEvent)
   EXPECT_EQ(list.rejected[5].reason, "reel 'C1\\x02' holds a control character (\\x02)");
 }
 
-TEST(Edl, ControlCharactersInOtherFieldsAreNoFields)
+TEST(Edl, ControlCharactersInOtherFieldsAreNotFields)
 {
   const List list =
       readWhole(event("001", "A V\x01 C") + "002  A V C 01:00:00:00\x01 01:00:01:00 10:00:00:00 10:00:01:00\n");

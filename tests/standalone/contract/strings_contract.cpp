@@ -152,7 +152,7 @@ TEST_P(Strings, NumbersAreAppendedInDecimal)
   EXPECT_STREQ(character.c_str(), "120");
 }
 
-TEST_P(Strings, WideOnesHoldOneCodePointAnElement)
+TEST_P(Strings, ElementOfAWideOneHoldsOneCodePoint)
 {
   PROMISE("host/lwstring.h", "device and file names wide (one 32-bit code point each)");
   const Wide text(L"\U0001F39E");

@@ -46,7 +46,7 @@ TEST_P(Texts, ASequenceThatBreaksOffIsReplacedByteByByte)
 }
 
 // Two spellings of one identifier must not become one text.
-TEST_P(Texts, WhatIsSpeltTooLongOrIsNoCharacterIsReplacedByteByByte)
+TEST_P(Texts, WhatIsSpeltTooLongOrIsNotACharacterIsReplacedByteByByte)
 {
   PROMISE("host/text.h", "Each byte that is not part of a well-formed sequence becomes U+FFFD.");
   EXPECT_EQ(wide(fromUTF8("\xC1\x81!")), std::wstring(2, L'\uFFFD') + L"!");         // A in two bytes
