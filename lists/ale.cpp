@@ -14,6 +14,7 @@
 #include "lists/collector.h"
 #include "lists/frame_rate.h"
 #include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 #include "lists/tracks.h"
@@ -132,6 +133,17 @@ std::string asWritten(const Cells& cells, Column column)
   if (separator != std::string::npos && cells[ColonsAsWritten].find(columnTitles[column]) != std::string_view::npos)
     timecode[separator] = ':';
   return timecode;
+}
+
+/// The name of a row's source. A log has no reel field, so no name of it is cut.
+OwnName ownNameOf(const std::string& tape, const Clip& clip)
+{
+  if (isAuxiliary(tape) || tape.empty())
+    return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
+  NameTexts texts;
+  texts.reel = tape;
+  texts.sourceFile = clip.sourceFile;
+  return ownNames(texts).front();
 }
 
 /// Whether the line is the name of the section, without any other text.
@@ -381,13 +393,14 @@ void Reader::row(int number, std::string_view line)
     clip.aliases.push_back(clean(cells[column]));
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
-  clip.reel = !tape.empty() && !isAuxiliary(tape) ? tape : clip.sourceFile;
-  if (clip.reel.empty() && isAuxiliary(tape))
-    clip.reel = clip.clipName;
-  if (isAuxiliary(clip.reel) || (clip.reel.empty() && isAuxiliary(tape)))
-    return collector_.special(isAuxiliary(tape) ? tape : clip.reel, "AX without a clip name or source file", number);
-  if (clip.reel.empty())
+  if (tape.empty() && clip.sourceFile.empty())
     return collector_.special(clip.clipName, "no tape and no source file", number);
+  const OwnName name = ownNameOf(tape, clip);
+  if (name.name.empty())
+    return collector_.special(isAuxiliary(tape) ? tape : clip.sourceFile, "AX without a clip name or source file",
+                              number);
+  clip.reel = name.name;
+  clip.evidence = name.evidence;
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)
     collector_.rate(rate, rate_.line, rate_.text);

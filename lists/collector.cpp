@@ -107,6 +107,7 @@ bool Collector::clip(Clip clip, std::string_view text)
     special(clip.reel, reason, clip.line);
     return false;
   }
+  clip.ownName = clip.reel;
   const std::string& first = spellings_.try_emplace(base::fold(clip.reel), clip.reel).first->second;
   if (first != clip.reel) {
     if (otherSpellings_.insert(clip.reel).second)

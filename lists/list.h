@@ -22,6 +22,20 @@ public:
 
 enum class Format { Edl, Ale };
 
+/// The place of a list that gives the name of a clip's source.
+enum class NameEvidence {
+  ReelMap,      ///< the list's own map
+  SourceFile,   ///< the source file of the clip, or the one noted in the source table
+  SourceTable,  ///< the longer name in the source table
+  ReplacedReel, ///< the statement that a reel was replaced
+  ReelNote,     ///< the REEL note
+  ClipName,
+  ReelText, ///< the text in the place of the reel: the event's, or the tape of the row
+};
+
+/// "reel-map", "source-file", "source-table", "replaced-reel", "reel-note", "clip-name", "reel"
+std::string_view wordOf(NameEvidence evidence);
+
 /// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8 of at most 2,047
 /// bytes without outer blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A
 /// text that the list does not give is empty.
@@ -39,6 +53,10 @@ struct Clip {
   int line = 0;                     ///< the number of its line, from 1
   int videoChannels = 0;
   int audioChannels = 0;
+  std::string ownName; ///< the name that the list gives its source: the reel, in the spelling of this clip
+  NameEvidence evidence = NameEvidence::ReelText; ///< where that name stands
+  bool mayBeCut = false;                          ///< whether that name may be the beginning of a longer one
+  std::string sourceId;                           ///< the id of its source in the source table
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
@@ -122,9 +140,14 @@ inline constexpr std::size_t nameBytes = 2047;
 /// mark, or Latin-1.
 std::optional<Format> detect(std::string_view bytes);
 
+/// How a list is read.
+struct ReadOptions {
+  bool clipNames = false; ///< whether a clip name that goes on behind the cut name of a reel is the name of its source
+};
+
 /// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file
 /// without the sections and columns that are needed to read any row. Time and space are linear in the size.
-List read(std::string_view bytes);
+List read(std::string_view bytes, const ReadOptions& options = {});
 
 } // namespace reeldb::lists
 
