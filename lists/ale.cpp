@@ -136,13 +136,13 @@ std::string asWritten(const Cells& cells, Column column)
 }
 
 /// The name of a row's source. A log has no reel field, so no name of it is cut.
-OwnName ownNameOf(const std::string& tape, const Clip& clip)
+OwnName ownNameOf(const std::string& tape, std::string_view sourceFile, const Clip& clip)
 {
   if (isAuxiliary(tape) || tape.empty())
     return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
   NameTexts texts;
   texts.reel = tape;
-  texts.sourceFile = clip.sourceFile;
+  texts.sourceFile = sourceFile; // a path does not say what a tape is called
   return ownNames(texts).front();
 }
 
@@ -393,14 +393,18 @@ void Reader::row(int number, std::string_view line)
     clip.aliases.push_back(clean(cells[column]));
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
-  if (tape.empty() && clip.sourceFile.empty())
-    return collector_.special(clip.clipName, "no tape and no source file", number);
-  const OwnName name = ownNameOf(tape, clip);
-  if (name.name.empty())
-    return collector_.special(isAuxiliary(tape) ? tape : clip.sourceFile, "AX without a clip name or source file",
-                              number);
-  clip.reel = name.name;
+  clip.event.reelText = tape;
+  const OwnName name = ownNameOf(tape, cells[SourceFile], clip);
   clip.evidence = name.evidence;
+  clip.reel = name.name;
+  if (tape.empty() && clip.sourceFile.empty()) {
+    clip.reel = clip.clipName;
+    return collector_.special(std::move(clip), "no tape and no source file");
+  }
+  if (clip.reel.empty()) {
+    clip.reel = isAuxiliary(tape) ? tape : clip.sourceFile;
+    return collector_.special(std::move(clip), "AX without a clip name or source file");
+  }
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)
     collector_.rate(rate, rate_.line, rate_.text);

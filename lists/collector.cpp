@@ -52,6 +52,12 @@ std::string namesFault(const Clip& clip)
     fault = nameFault("reel", clip.reel);
   for (auto alias = clip.aliases.begin(); fault.empty() && alias != clip.aliases.end(); ++alias)
     fault = nameFault("other name of the reel", *alias);
+  if (fault.empty())
+    fault = nameFault("reel", clip.event.reelText);
+  if (fault.empty())
+    fault = nameFault("event number", clip.event.number);
+  if (fault.empty())
+    fault = nameFault("duration", clip.event.duration);
   return fault;
 }
 
@@ -67,6 +73,25 @@ std::array<std::pair<const char*, const std::string*>, 4> timecodesOf(const Clip
 bool hasFrames(const std::string& timecode)
 {
   return !timecode.empty() && !isFrameNumber(timecode);
+}
+
+/// Makes the clip drop frame if a separator of its timecodes says so.
+void takeDropFrame(Clip& clip)
+{
+  const auto timecodes = timecodesOf(clip);
+  clip.dropFrame = clip.dropFrame || std::any_of(timecodes.begin(), timecodes.end(),
+                                                 [](const auto& each) { return isDropFrame(*each.second); });
+}
+
+/// Removes the rate of a clip whose own timecodes have more frames.
+void removeRefutedRate(Clip& clip)
+{
+  const std::optional<FrameRate> known = rateOf(clip.frameRate);
+  const auto timecodes = timecodesOf(clip);
+  if (known && std::any_of(timecodes.begin(), timecodes.end(), [&](const auto& each) {
+        return hasFrames(*each.second) && framesOf(*each.second) >= known->frames;
+      }))
+    clip.frameRate.clear();
 }
 
 /// Why the timecode of a clip does not exist in drop frame; empty if it does. Without a rate it is the lower one that
@@ -104,7 +129,7 @@ bool Collector::clip(Clip clip, std::string_view text)
   }
   const std::string_view reason = specialReason(clip.reel);
   if (!reason.empty()) {
-    special(clip.reel, reason, clip.line);
+    special(std::move(clip), reason);
     return false;
   }
   clip.ownName = clip.reel;
@@ -121,17 +146,29 @@ bool Collector::clip(Clip clip, std::string_view text)
   return true;
 }
 
-void Collector::special(std::string_view text, std::string_view reason, int line)
+void Collector::special(Clip clip, std::string_view reason)
 {
-  std::string key = base::fold(text);
+  std::string key = base::fold(clip.reel);
   key += '\n';
   key += reason;
   const auto [entry, isNew] = specials_.try_emplace(std::move(key), list_.specials.size());
   if (isNew)
-    list_.specials.push_back({shortened(text, shownBytes), std::string(reason), 0, {}});
+    list_.specials.push_back({shortened(clip.reel, shownBytes), std::string(reason), 0, {}});
   Special& known = list_.specials[entry->second];
   ++known.count;
-  known.lines.push_back(line);
+  known.lines.push_back(clip.line);
+
+  clip.reel = shortened(clip.reel, shownBytes);
+  clip.special = reason;
+  clip.aliases.clear();
+  clip.event.sourceIds.clear();
+  for (std::string* name :
+       {&clip.clipName, &clip.sourceFile, &clip.event.reelText, &clip.event.number, &clip.event.duration})
+    if (!nameFault("", *name).empty())
+      name->clear();
+  takeDropFrame(clip);
+  removeRefutedRate(clip);
+  list_.specialClips.push_back(std::move(clip));
 }
 
 void Collector::reject(int line, std::string_view text, std::string reason)
@@ -168,9 +205,8 @@ void Collector::dropFrame(int line, std::string_view text)
 
 void Collector::noteTiming(Clip& clip, std::string_view text)
 {
+  takeDropFrame(clip);
   const auto timecodes = timecodesOf(clip);
-  clip.dropFrame = clip.dropFrame || std::any_of(timecodes.begin(), timecodes.end(),
-                                                 [](const auto& each) { return isDropFrame(*each.second); });
   if (clip.dropFrame) {
     dropFrame(clip.line, text);
     for (const auto& [name, timecode] : timecodes)
@@ -178,11 +214,7 @@ void Collector::noteTiming(Clip& clip, std::string_view text)
         if (const std::string fault = dropFrameFault(*timecode, clip.frameRate); !fault.empty())
           warn(clip.line, text, std::string(name) + " " + *timecode + " does not exist (" + fault + "; kept as it is)");
   }
-  const std::optional<FrameRate> known = rateOf(clip.frameRate);
-  if (known && std::any_of(timecodes.begin(), timecodes.end(), [&](const auto& each) {
-        return hasFrames(*each.second) && framesOf(*each.second) >= known->frames;
-      }))
-    clip.frameRate.clear(); // its own timecodes refute it
+  removeRefutedRate(clip);
   if (!clip.frameRate.empty())
     return rate(clip.frameRate, clip.line, text);
   // A clip with a rate of its own says nothing of the list.
@@ -209,9 +241,10 @@ void Collector::proveRate()
 {
   if (!higherDropFrame_ || mostDropFrames_ >= higherDropFrame.frames)
     return;
-  for (Clip& clip : list_.clips)
-    if (clip.dropFrame && clip.frameRate.empty())
-      clip.frameRate = rateName(higherDropFrame);
+  for (std::vector<Clip>* clips : {&list_.clips, &list_.specialClips})
+    for (Clip& clip : *clips)
+      if (clip.dropFrame && clip.frameRate.empty())
+        clip.frameRate = rateName(higherDropFrame);
   rate(rateName(higherDropFrame), higherDropFrame_->line, higherDropFrame_->text);
 }
 

@@ -25,7 +25,9 @@ public:
   /// are not another name are removed. Warns of an in point behind its out point.
   bool clip(Clip clip, std::string_view text);
 
-  void special(std::string_view text, std::string_view reason, int line);
+  /// Takes a clip that has no source: the reel is the text in place of one, in any state. A name that cannot be kept
+  /// is removed, because the clip does not need it.
+  void special(Clip clip, std::string_view reason);
   void reject(int line, std::string_view text, std::string reason);
   /// Notes that a line gives this rate, or that it begins drop frame, unless an earlier line has done so. clip() notes
   /// what the clip itself says.

@@ -20,16 +20,18 @@
 #include "lists/names.h"
 #include "lists/own_name.h"
 #include "lists/source_table.h"
+#include "lists/speed.h"
 #include "lists/text.h"
 #include "lists/tracks.h"
 
 namespace reeldb::lists {
 namespace {
 
-/// Statements without information on reels. M2 only repeats a reel of the list.
-constexpr std::array<std::string_view, 7> silentStatements = {
-    "M2", "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
+/// Statements that are not kept.
+constexpr std::array<std::string_view, 6> silentStatements = {
+    "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
+constexpr std::string_view speedWord = "M2";
 constexpr std::string_view titleWord = "TITLE";
 constexpr std::string_view frameCodeModeWord = "FCM";
 constexpr std::string_view dropFrameWord = "DROP";
@@ -68,6 +70,7 @@ struct Known {
   std::vector<std::string> fits;    ///< its possible meanings if it is ambiguous, else empty
   std::string_view reason;          ///< why it is ambiguous
   bool reported = false;            ///< whether the ambiguity was reported
+  bool noted = false;               ///< whether noteIds() had the ids
 };
 
 /// Where the list begins or ends drop frame.
@@ -104,13 +107,6 @@ std::string knownRate(std::string_view text)
   return rate ? rateName(*rate) : std::string();
 }
 
-/// The width of the reel column of an event line: from the reel to the channels, less the blank between them.
-std::size_t reelColumn(const EventLine& fields)
-{
-  const auto bytes = static_cast<std::size_t>(fields.channels.data() - fields.reel.data());
-  return length({fields.reel.data(), bytes}) - 1;
-}
-
 class Reader {
 public:
   explicit Reader(const ReadOptions& options) : options_(options) {}
@@ -122,6 +118,7 @@ private:
   void takeNote(std::optional<Note> note);
   /// Whether the line is a statement. A faulty statement is rejected.
   bool statement(int number, std::string_view line);
+  void speed(int number, std::string_view line, std::string_view statement);
   /// Uses the statement of a replaced reel. Returns why it cannot be used; empty if it can.
   std::string replacedReel(std::string_view statement);
   void closeEvent();
@@ -130,6 +127,8 @@ private:
   const FrameCodeMode* modeOf(int line) const;
 
   void decide(const EventSource& source, Digits digits);
+  /// The clip of an event line, without its reel and its other names.
+  Clip clipOf(const EventSource& source, Digits digits) const;
   Known& lookUp(const std::string& reel);
   void lookUpRows(const std::string& reel, Known& known);
   /// Sets the reel that a name stands for. If there are several, sets them all as fits, with the reason.
@@ -155,13 +154,14 @@ private:
   std::vector<FrameCodeMode> modes_; ///< in the order of their lines
   std::string frameRate_;            ///< that a note before the events gives all of them; empty without one
   std::vector<EventSource> sources_; ///< all complete events
+  std::size_t reelField_ = 0;        ///< the width of the list's reel field
+  int part_ = 1;                     ///< the part of its event that the line becomes that is decided on
   SourceTable table_;
   std::vector<TableRow> tableRows_;                                    ///< in the order of the table
   std::unordered_map<std::string, std::vector<std::string>> replaced_; ///< folded replacement: the reels it replaces
 
   std::unordered_map<std::string, std::vector<std::string>> map_;     ///< folded name: its meanings by REEL MAP
   std::unordered_map<std::string, Known> known_;                      ///< folded reel text: its meaning
-  std::size_t field_ = 0;                                             ///< the field of the reel column
   std::unordered_map<std::string, std::string> idOf_;                 ///< folded name: the id of its source
   std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier: the index in ids_
   std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
@@ -180,22 +180,27 @@ List Reader::read(std::string_view text)
 
   std::unordered_set<std::string> reels;
   bool channelNumbers = false;
-  std::size_t column = 0;
+  std::size_t reelColumn = 0; // programs pad the reels of the list, but set AX and BL at the right
   for (const EventSource& source : sources_) {
-    const std::string reel = clean(source.fields.reel);
-    if (!isAuxiliary(reel) && placeholderReason(reel).empty())
-      column = std::max(column, reelColumn(source.fields));
-    reels.insert(base::fold(reel));
+    reels.insert(base::fold(clean(source.fields.reel)));
     channelNumbers = channelNumbers || hasChannelNumber(source.fields.channels);
+    if (!isAuxiliary(source.fields.reel) && placeholderReason(source.fields.reel).empty())
+      reelColumn = std::max(reelColumn, source.fields.reelColumn);
   }
-  field_ = fieldOf(column);
+  reelField_ = paddedField(reelColumn);
   for (UnusedRow& unused : table_.settle([&](const std::string& folded) { return reels.contains(folded); })) {
     const TableRow& row = tableRows_[unused.row];
     --*row.counter;
     collector_.reject(row.line, row.text, std::move(unused.reason));
   }
-  for (const EventSource& source : sources_)
+  const std::vector<Rejected>& rejected = collector_.list().rejected;
+  for (const EventSource& source : sources_) {
+    if (source.isFirst)
+      part_ = 1;
+    const std::size_t rejectedBefore = rejected.size();
     decide(source, channelNumbers ? Digits::Number : Digits::Set);
+    part_ += rejected.size() == rejectedBefore ? 1 : 0;
+  }
   reportSharedNames();
   for (Ambiguous& files : longerFiles_)
     if (files.names.size() > 1) {
@@ -251,14 +256,20 @@ void Reader::event(int number, std::string_view line)
 
 void Reader::takeNote(std::optional<Note> note)
 {
-  if (note && note->kind == NoteKind::ReelMap)
+  if (!note)
+    return;
+  if (note->kind == NoteKind::ReelMap) {
     map_[base::fold(note->reel)].push_back(std::move(note->value));
-  else if (note && note->kind == NoteKind::FrameRate && !inEvents_)
+  } else if (note->kind == NoteKind::FrameRate && !inEvents_) {
     frameRate_ = knownRate(note->value);
-  else if (note && !event_.empty())
-    event_.note(std::move(*note));
-  else if (note && inRow_ && note->kind == NoteKind::SourceFile)
-    table_.noteSourceFile(std::move(note->value));
+  } else {
+    const bool isOfRow = event_.empty() && inRow_ && note->kind == NoteKind::SourceFile;
+    collector_.list().tally.ignored += (event_.empty() && !isOfRow) || note->kind == NoteKind::Other ? 1 : 0;
+    if (isOfRow)
+      table_.noteSourceFile(std::move(note->value));
+    else if (!event_.empty())
+      event_.note(std::move(*note));
+  }
 }
 
 bool Reader::statement(int number, std::string_view line)
@@ -268,9 +279,15 @@ bool Reader::statement(int number, std::string_view line)
   std::string_view rest = line;
   for (std::string_view silent : silentStatements) {
     if (takeStatement(rest, silent)) {
+      ++tally.ignored;
       ++counter;
       return true;
     }
+  }
+  if (takeStatement(rest, speedWord)) {
+    speed(number, line, rest);
+    ++counter;
+    return true;
   }
   if (takeStatement(rest, frameCodeModeWord)) {
     frameCodeMode(number, line, rest);
@@ -307,6 +324,18 @@ bool Reader::statement(int number, std::string_view line)
   inRow_ = true;
   ++counter;
   return true;
+}
+
+void Reader::speed(int number, std::string_view line, std::string_view statement)
+{
+  SpeedLine speed;
+  std::string fault = parseSpeedLine(statement, speed);
+  if (fault.empty() && !event_.speed(speed))
+    fault = "the event above has no line of reel " + inQuotes(speed.reel) + " without a speed";
+  if (fault.empty())
+    return;
+  ++collector_.list().tally.ignored;
+  collector_.warn(number, line, "speed not used: " + fault);
 }
 
 std::string Reader::replacedReel(std::string_view statement)
@@ -362,6 +391,7 @@ Known& Reader::lookUp(const std::string& reel)
     return known;
   if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
     known.isMapped = true;
+    known.ids = table_.find(reel).ids;
     settle(known, known.mapped, mapped->second, "the map of the list gives the name to several reels");
     return known;
   }
@@ -414,11 +444,11 @@ std::vector<OwnName> Reader::namesOf(const EventSource& source, const std::strin
     return {{reel, NameEvidence::ReelText}};
   NameTexts texts;
   texts.reel = reel;
-  texts.field = field_;
+  texts.field = reelField_;
   texts.sourceFile = source.sourceFile;
   texts.rowSourceFile = known.rowSourceFile;
   texts.rowName = known.rowName;
-  texts.rowField = known.isSecondName ? rowNameField : field_;
+  texts.rowField = known.isSecondName ? rowNameField : reelField_;
   texts.replacedReel = known.replaced;
   texts.reelNote = source.reelNote;
   texts.clipName = source.clipName;
@@ -473,7 +503,7 @@ void Reader::keepOwn(std::vector<OwnName>& names, const std::string& sourceId)
 void Reader::noteLongerFile(const EventSource& source, const std::string& reel)
 {
   const std::string_view file = fileName(source.sourceFile);
-  if (fillsField(reel, field_) || isShortForm(reel, false, file) || !isCutForm(reel, file))
+  if (fillsField(reel, reelField_) || isShortForm(reel, false, file) || !isCutForm(reel, file))
     return;
   const auto [entry, isNew] = longerFilesOf_.try_emplace(base::fold(reel), longerFiles_.size());
   if (isNew)
@@ -486,20 +516,19 @@ void Reader::noteLongerFile(const EventSource& source, const std::string& reel)
 void Reader::decide(const EventSource& source, Digits digits)
 {
   const std::string reel = clean(source.fields.reel);
-  if (const std::string_view reason = placeholderReason(reel); !reason.empty()) {
-    collector_.special(reel, reason, source.line);
-    return;
-  }
+  Clip clip = clipOf(source, digits);
+  clip.reel = reel;
+  if (const std::string_view reason = placeholderReason(reel); !reason.empty())
+    return collector_.special(std::move(clip), reason);
   Known& known = lookUp(reel);
-  Clip clip;
+  for (const std::string& id : known.ids)
+    clip.event.sourceIds.push_back({std::string(isUmid(id) ? umidKind : tableKind), id});
   std::vector<OwnName> names = namesOf(source, reel, known);
   const bool auxiliary = isAuxiliary(names.front().name);
   if (auxiliary) {
     names = {ownNameWithoutTape(source.sourceFile, source.clipName)};
-    if (names.front().name.empty()) {
-      collector_.special(reel, "AX without a clip name or source file", source.line);
-      return;
-    }
+    if (names.front().name.empty())
+      return collector_.special(std::move(clip), "AX without a clip name or source file");
   }
   clip.sourceId = auxiliary ? std::string() : sourceIdOf(known, names.front().name);
   keepOwn(names, clip.sourceId);
@@ -514,6 +543,23 @@ void Reader::decide(const EventSource& source, Digits digits)
   for (const std::string* name :
        {&unmapped, &source.reelNote, &source.otherReel, &source.sourceFile, &std::as_const(known).rowSourceFile})
     clip.aliases.push_back(*name);
+  if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame)
+    collector_.dropFrame(mode->line, mode->text);
+
+  const std::string identifier = clip.reel;
+  const bool isReelText = clip.evidence == NameEvidence::ReelText;
+  const bool hasId = !clip.sourceId.empty();
+  if (!collector_.clip(std::move(clip), source.text) || auxiliary)
+    return;
+  if (isReelText)
+    reportAmbiguous(known, reel);
+  if (known.fits.empty() && !hasId && !std::exchange(known.noted, true))
+    noteIds(identifier, known.ids);
+}
+
+Clip Reader::clipOf(const EventSource& source, Digits digits) const
+{
+  Clip clip;
   clip.clipName = source.clipName;
   clip.sourceFile = source.sourceFile;
   clip.tracks = clean(source.fields.channels);
@@ -529,22 +575,16 @@ void Reader::decide(const EventSource& source, Digits digits)
   takeAway(source.noTimecode, clip);
   clip.line = source.line;
   clip.frameRate = source.frameRate.empty() ? frameRate_ : knownRate(source.frameRate);
-  if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame) {
-    clip.dropFrame = true;
-    collector_.dropFrame(mode->line, mode->text);
-  }
-
-  const std::string identifier = clip.reel;
-  const bool isFromText = clip.evidence == NameEvidence::ReelText;
-  const bool hasId = !clip.sourceId.empty();
-  if (!collector_.clip(std::move(clip), source.text) || auxiliary)
-    return;
-  if (isFromText)
-    reportAmbiguous(known, reel);
-  if (known.fits.empty() && !hasId) {
-    noteIds(identifier, known.ids);
-    known.ids.clear(); // once is enough
-  }
+  const FrameCodeMode* const mode = modeOf(source.line);
+  clip.dropFrame = mode && mode->dropFrame;
+  clip.event.number = source.fields.number;
+  clip.event.part = part_;
+  clip.event.reelText = clean(source.fields.reel);
+  clip.event.reelField = reelField_;
+  clip.event.transition = source.fields.transitionCode;
+  clip.event.duration = source.fields.duration;
+  clip.event.speed = source.speed;
+  return clip;
 }
 
 void Reader::reportAmbiguous(Known& known, const std::string& reel)

@@ -2,9 +2,11 @@
 #include "lists/edl_event.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/number.h"
 #include "lists/names.h"
 #include "lists/text.h"
 
@@ -45,7 +47,7 @@ struct Side {
 using Texts = std::vector<std::string>;
 using Field = std::string Side::*;
 
-std::vector<Side> sidesOf(const std::vector<EventSource>& sources)
+std::vector<Side> sidesOf(std::span<const EventSource> sources)
 {
   std::vector<Side> sides;
   for (std::size_t i = 0; i < sources.size(); ++i) {
@@ -120,7 +122,8 @@ Piles sorted(std::vector<Note>& notes)
     case NoteKind::FrameRate:
       piles.frameRate = std::move(note.value);
       break;
-    case NoteKind::ReelMap: // it belongs to the list, not to the event
+    case NoteKind::ReelMap:   // it belongs to the list, not to the event
+    case NoteKind::EventLine: // it says where other notes belong
     case NoteKind::Other:
       break;
     }
@@ -210,39 +213,11 @@ void share(std::vector<Side>& sides, Field field)
   }
 }
 
-} // namespace
-
-bool EdlEvent::takes(const EventLine& fields) const
+/// Deals the notes out to the lines.
+void deal(std::span<EventSource> sources, std::vector<Note>& notes)
 {
-  if (sources_.empty() || sources_.size() == mostLines || sources_.back().fields.number != fields.number)
-    return false;
-  if (fields.transition != Transition::Cut)
-    return true;
-  const EventLine& above = sources_.back().fields;
-  return !noted_ && above.transition == Transition::Cut && base::sameName(above.reel, fields.reel) &&
-         above.timecodes[2] == fields.timecodes[2];
-}
-
-void EdlEvent::add(int line, std::string_view text, const EventLine& fields)
-{
-  EventSource source;
-  source.line = line;
-  source.text = text;
-  source.fields = fields;
-  sources_.push_back(std::move(source));
-}
-
-void EdlEvent::note(Note note)
-{
-  noted_ = true;
-  if (note.kind != NoteKind::Other)
-    notes_.push_back(std::move(note));
-}
-
-std::vector<EventSource> EdlEvent::finish()
-{
-  std::vector<Side> sides = sidesOf(sources_);
-  Piles piles = sorted(notes_);
+  std::vector<Side> sides = sidesOf(sources);
+  Piles piles = sorted(notes);
   Texts otherReels, isClips;
   for (auto& [reel, clip] : piles.reelIsClip) {
     otherReels.push_back(std::move(reel));
@@ -262,19 +237,95 @@ std::vector<EventSource> EdlEvent::finish()
 
   for (const Side& side : sides) {
     for (std::size_t i = side.first; i < side.last; ++i) {
-      sources_[i].clipName = side.clipName;
-      sources_[i].sourceFile = side.sourceFile;
-      sources_[i].reelNote = side.reelNote;
-      sources_[i].otherReel = side.otherReel;
-      sources_[i].alsoCalled = piles.alsoCalled;
-      sources_[i].tracks = piles.tracks;
-      sources_[i].noTimecode = piles.noTimecode;
-      sources_[i].frameRate = piles.frameRate;
+      sources[i].clipName = side.clipName;
+      sources[i].sourceFile = side.sourceFile;
+      sources[i].reelNote = side.reelNote;
+      sources[i].otherReel = side.otherReel;
+      sources[i].alsoCalled = piles.alsoCalled;
+      sources[i].tracks = piles.tracks;
+      sources[i].noTimecode = piles.noTimecode;
+      sources[i].frameRate = piles.frameRate;
     }
   }
-  notes_.clear();
-  noted_ = false;
-  return std::exchange(sources_, {});
+}
+
+/// The line that an EVENT LINE note for an event of this number of lines means, from 0; empty if there is no such line.
+std::optional<std::size_t> lineOf(const Note& note, std::size_t lines)
+{
+  std::string_view rest = note.value;
+  const std::optional<int> line = base::parseNumber(takeFirst(rest));
+  if (!base::sameName(takeFirst(rest), "OF"))
+    return std::nullopt;
+  const std::optional<int> count = base::parseNumber(rest);
+  if (!line || !count || *line < 1 || *line > *count || static_cast<std::size_t>(*count) != lines)
+    return std::nullopt;
+  return static_cast<std::size_t>(*line) - 1;
+}
+
+} // namespace
+
+bool EdlEvent::takes(const EventLine& fields) const
+{
+  if (sources_.empty() || divided_ || sources_.size() == mostLines || sources_.back().fields.number != fields.number)
+    return false;
+  if (fields.transition != Transition::Cut)
+    return true;
+  const EventLine& above = sources_.back().fields;
+  return !noted_ && above.transition == Transition::Cut && base::sameName(above.reel, fields.reel) &&
+         above.timecodes[2] == fields.timecodes[2];
+}
+
+void EdlEvent::add(int line, std::string_view text, const EventLine& fields)
+{
+  EventSource source;
+  source.line = line;
+  source.isFirst = sources_.empty();
+  source.text = text;
+  source.fields = fields;
+  sources_.push_back(std::move(source));
+}
+
+void EdlEvent::note(Note note)
+{
+  noted_ = true;
+  if (note.kind == NoteKind::EventLine) {
+    const std::optional<std::size_t> line = lineOf(note, sources_.size());
+    if (!line)
+      return;
+    divided_ = true;
+    at_ = *line;
+    notes_.resize(sources_.size());
+  } else if (note.kind != NoteKind::Other) {
+    notes_[at_].push_back(std::move(note));
+  }
+}
+
+bool EdlEvent::speed(const SpeedLine& line)
+{
+  const std::span<EventSource> lines = divided_ ? std::span(&sources_[at_], 1) : std::span(sources_);
+  const auto takes = [&](const EventSource& source) {
+    return !source.speed && base::sameName(source.fields.reel, line.reel);
+  };
+  auto found = std::find_if(lines.begin(), lines.end(), [&](const EventSource& source) {
+    return takes(source) && source.fields.timecodes[0] == line.speed.timecode;
+  });
+  if (found == lines.end())
+    found = std::find_if(lines.begin(), lines.end(), takes);
+  if (found == lines.end())
+    return false;
+  found->speed = line.speed;
+  return true;
+}
+
+std::vector<EventSource> EdlEvent::finish()
+{
+  if (divided_) {
+    for (std::size_t i = 0; i < sources_.size(); ++i)
+      deal({&sources_[i], 1}, notes_[i]);
+  } else {
+    deal(sources_, notes_[0]);
+  }
+  return std::exchange(*this, EdlEvent()).sources_;
 }
 
 } // namespace reeldb::lists

@@ -28,6 +28,7 @@ std::size_t numberDigits(std::string_view word)
   return allDigits(word) ? word.size() : 0;
 }
 
+/// The role of the line by a transition without blanks.
 std::optional<Transition> transitionOf(std::string_view word)
 {
   if (base::sameName(word, "C"))
@@ -43,25 +44,17 @@ std::optional<Transition> transitionOf(std::string_view word)
   return std::nullopt;
 }
 
-/// Takes the transition off the end. Returns false, and leaves @p fields unchanged, if there is no transition.
-bool takeTransition(std::string_view& fields, Transition& transition)
+/// Takes the transition off the end and returns its code; empty, and @p fields is unchanged, if there is no transition.
+std::string takeTransition(std::string_view& fields)
 {
   std::string_view rest = fields;
-  const std::string_view last = takeLast(rest);
-  if (base::sameName(last, "B") || base::sameName(last, "O")) {
-    const std::string_view before = takeLast(rest);
-    if (!base::sameName(before, "K"))
-      return false;
-    transition = base::sameName(last, "B") ? Transition::Background : Transition::Key;
-    fields = rest;
-    return true;
-  }
-  const std::optional<Transition> found = transitionOf(last);
-  if (!found)
-    return false;
-  transition = *found;
+  std::string code(takeLast(rest));
+  if (base::sameName(code, "B") || base::sameName(code, "O"))
+    code.insert(0, takeLast(rest));
+  if (!transitionOf(code))
+    return {};
   fields = rest;
-  return true;
+  return base::upperCase(code);
 }
 
 /// Splits "reel channels". Returns false if the last word is not a channel field or nothing stands before it.
@@ -72,6 +65,8 @@ bool takeChannels(std::string_view fields, EventLine& event)
     return false;
   event.channels = channels;
   event.reel = fields;
+  event.reelColumn =
+      length(std::string_view(fields.data(), static_cast<std::size_t>(channels.data() - fields.data()))) - 1;
   return true;
 }
 
@@ -80,19 +75,20 @@ bool takeChannels(std::string_view fields, EventLine& event)
 bool takeFields(std::string_view fields, EventLine& event)
 {
   std::string_view shorter = fields;
-  const bool hasDuration = allDigits(takeLast(shorter));
+  const std::string_view last = takeLast(shorter);
+  const bool hasDuration = allDigits(last);
   for (int duration = hasDuration ? 1 : 0; duration >= 0; --duration) {
     const std::string_view here = duration == 1 ? shorter : fields;
     std::string_view before = here;
-    Transition transition = Transition::Cut;
-    if (takeTransition(before, transition) && takeChannels(before, event)) {
-      event.transition = transition;
-      return true;
-    }
-    if (takeChannels(here, event)) {
-      event.transition = Transition::Cut;
-      return true;
-    }
+    std::string code = takeTransition(before);
+    const bool hasCode = !code.empty() && takeChannels(before, event);
+    if (!hasCode && !takeChannels(here, event))
+      continue;
+    event.transitionCode = hasCode ? std::move(code) : "C";
+    event.transition = *transitionOf(event.transitionCode);
+    if (duration == 1)
+      event.duration = last;
+    return true;
   }
   return false;
 }
@@ -103,8 +99,7 @@ std::string fieldsFault(std::string_view fields)
   std::string_view shorter = fields;
   if (allDigits(takeLast(shorter)))
     fields = shorter;
-  Transition transition = Transition::Cut;
-  takeTransition(fields, transition);
+  takeTransition(fields);
   const std::string_view channels = takeLast(fields);
   if (channels.empty())
     return "no reel and no channels";
@@ -136,6 +131,16 @@ std::size_t countTimecodes(std::string_view line)
   for (std::string_view word = takeFirst(line); !word.empty(); word = takeFirst(line))
     count += looksLikeTimecode(word) ? 1 : 0;
   return count;
+}
+
+bool isEventNumber(std::string_view text)
+{
+  return numberDigits(text) > 0;
+}
+
+bool isTransitionCode(std::string_view text)
+{
+  return transitionOf(text).has_value();
 }
 
 bool beginsLikeEvent(std::string_view line)

@@ -23,9 +23,12 @@ enum class Transition {
 /// Views into the line.
 struct EventLine {
   std::string_view number;
-  std::string_view reel; ///< without outer blanks, 1 to reelLength code points
+  std::string_view reel;      ///< without outer blanks, 1 to reelLength code points
+  std::size_t reelColumn = 0; ///< the width of the reel in characters, with the blanks that pad it
   std::string_view channels;
   Transition transition = Transition::Cut;
+  std::string transitionCode; ///< as in Event
+  std::string_view duration;
   /// Source in, source out, record in, record out. The first two may be frame numbers.
   std::array<std::string_view, 4> timecodes;
 };
@@ -36,6 +39,12 @@ inline constexpr std::size_t reelLength = 129;
 /// Whether the line is meant as an event: it starts with a number of three digits or more, which a letter may follow,
 /// or with a shorter number and contains a timecode, good or bad.
 bool beginsLikeEvent(std::string_view line);
+
+/// Whether the text is the number of an event: digits, which a letter may follow.
+bool isEventNumber(std::string_view text);
+
+/// Whether the text is the code of a transition, as in Event.
+bool isTransitionCode(std::string_view text);
 
 /// The number of words of the line that were meant as timecodes, valid or not.
 std::size_t countTimecodes(std::string_view line);

@@ -17,7 +17,7 @@ constexpr std::size_t wrapColumn = 80;
 /// A line of fewer columns was ended on purpose, however long the first word of the next line is.
 constexpr std::size_t leastWrapped = 60;
 
-constexpr std::array<std::pair<std::string_view, NoteKind>, 13> noteKeys = {{
+constexpr std::array<std::pair<std::string_view, NoteKind>, 14> noteKeys = {{
     {"FROM CLIP NAME", NoteKind::FromClipName},
     {"TO CLIP NAME", NoteKind::ToClipName},
     {"KEY CLIP NAME", NoteKind::KeyClipName},
@@ -31,6 +31,7 @@ constexpr std::array<std::pair<std::string_view, NoteKind>, 13> noteKeys = {{
     {"TRACKS AS WRITTEN", NoteKind::Tracks},
     {"NO TIMECODE", NoteKind::NoTimecode},
     {"FRAME RATE", NoteKind::FrameRate},
+    {"EVENT LINE", NoteKind::EventLine},
 }};
 
 constexpr std::string_view reelMapKey = "REEL MAP";

@@ -24,6 +24,7 @@ enum class NoteKind {
   Tracks,     ///< TRACKS AS WRITTEN
   NoTimecode, ///< NO TIMECODE: which of the four timecodes the event does not have
   FrameRate,  ///< FRAME RATE: of the event, or of all events if the note comes before them
+  EventLine,  ///< EVENT LINE: 1 OF 2: the line that the notes below belong to, and the number of lines of the event
   Other,
 };
 

@@ -5,6 +5,7 @@
 #ifndef REELDB_LISTS_LIST_H
 #define REELDB_LISTS_LIST_H
 
+#include <array>
 #include <cstddef>
 #include <optional>
 #include <stdexcept>
@@ -36,9 +37,46 @@ enum class NameEvidence {
 /// "reel-map", "source-file", "source-table", "replaced-reel", "reel-note", "clip-name", "reel"
 std::string_view wordOf(NameEvidence evidence);
 
-/// One event line of a cut list, or one row of a log file, that names a source. Every text is UTF-8 of at most 2,047
-/// bytes without outer blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A
-/// text that the list does not give is empty.
+/// The kinds of source ids.
+inline constexpr std::string_view umidKind = "umid";          ///< a UMID, the same in every list
+inline constexpr std::string_view tableKind = "source table"; ///< any other id in the source table of a cut list
+
+/// An id that a list gives a source.
+struct SourceId {
+  std::string kind; ///< umidKind or tableKind
+  std::string id;   ///< as written
+  friend bool operator==(const SourceId&, const SourceId&) = default;
+};
+
+/// How fast a source plays: the M2 line of an event. lists/speed.h has its exact value.
+struct Speed {
+  std::string framesPerSecond; ///< as written: "047.6", "-024.0" (backwards), "000.0" (a freeze frame)
+  std::string timecode;        ///< of the source, where the speed begins, as written; may be empty
+  friend bool operator==(const Speed&, const Speed&) = default;
+};
+
+/// What an event says of the cut. In a log file, a row has a reel text at most.
+///
+/// The lines of a dissolve, a wipe or a key are clips of their own that follow each other. They have one number and
+/// count up from 1 in `part`; the same goes for picture and sound of one event. Each line has its own transition. The
+/// picture that the event comes from is a cut, or the background of a key; the one that it goes to has the code and the
+/// duration.
+struct Event {
+  std::string number;        ///< as written: "001", "000012", "012A"
+  int part = 1;              ///< the place of the line in its event
+  std::string reelText;      ///< the reel field as written; the tape of a row
+  std::size_t reelField = 0; ///< the width of the list's reel field, one of paddedReelFields; 0: unknown
+  std::string
+      transition;       ///< the code in capitals and without blanks: "C" (also if the line has none), "D", "W001", "KB"
+  std::string duration; ///< of the transition, in frames; digits as written: "024"
+  std::optional<Speed> speed;
+  std::vector<SourceId> sourceIds; ///< the ids that the list gives to the reel text, each once
+  friend bool operator==(const Event&, const Event&) = default;
+};
+
+/// One event line of a cut list, or one row of a log file. Every text is UTF-8 of at most 2,047 bytes without outer
+/// blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A text that the list
+/// does not give is empty.
 struct Clip {
   std::string reel;       ///< the reel identifier, never empty, in the spelling the list used first
   std::string clipName;   ///< the editor's name for it
@@ -53,6 +91,8 @@ struct Clip {
   int line = 0;                     ///< the number of its line, from 1
   int videoChannels = 0;
   int audioChannels = 0;
+  Event event;
+  std::string special; ///< why the clip has no source, and `reel` is not a reel: "black"; empty if it has one
   std::string ownName; ///< the name that the list gives its source: the reel, in the spelling of this clip
   NameEvidence evidence = NameEvidence::ReelText; ///< where that name stands
   bool mayBeCut = false;                          ///< whether that name may be the beginning of a longer one
@@ -118,12 +158,14 @@ struct Tally {
   int headers = 0;    ///< title, frame code mode and the like before the first event; headings, sections and columns
   int notes = 0;      ///< lines with a star
   int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like
+  int ignored = 0;    ///< the number of notes and statements, of those above, that no clip keeps
 };
 
 struct List {
   Format format = Format::Edl;
   std::string title;              ///< the title of a cut list, shown as in Rejected; empty if it has no title
-  std::vector<Clip> clips;        ///< in the order of their lines
+  std::vector<Clip> clips;        ///< with a source, in the order of their lines
+  std::vector<Clip> specialClips; ///< without one, in the order of their lines; counted in specials
   std::vector<Special> specials;  ///< in the order of first appearance, like all below
   std::vector<Rejected> rejected; ///< in the order of their lines
   std::vector<Warning> warnings;  ///< likewise
@@ -132,6 +174,9 @@ struct List {
   Timing timing;
   Tally tally;
 };
+
+/// The widths of the reel fields that cut lists pad, in characters. A name that fills its field may be cut.
+inline constexpr std::array<std::size_t, 5> paddedReelFields = {6, 8, 16, 32, 129};
 
 /// The longest name of a clip, in bytes. A reel's fields return names up to this length whole.
 inline constexpr std::size_t nameBytes = 2047;
@@ -148,6 +193,9 @@ struct ReadOptions {
 /// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file
 /// without the sections and columns that are needed to read any row. Time and space are linear in the size.
 List read(std::string_view bytes, const ReadOptions& options = {});
+
+/// The clips of the list, those without a source included, in the order of their lines.
+std::vector<Clip> eventsOf(const List& list);
 
 } // namespace reeldb::lists
 

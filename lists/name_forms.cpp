@@ -2,6 +2,7 @@
 #include "lists/name_forms.h"
 
 #include <algorithm>
+#include <array>
 
 #include "base/ascii.h"
 #include "lists/text.h"
@@ -75,12 +76,6 @@ bool beginsWith(std::string_view longer, std::string_view start)
 }
 
 } // namespace
-
-std::size_t fieldOf(std::size_t width)
-{
-  const auto field = std::find_if(cutFields.begin(), cutFields.end(), [&](std::size_t each) { return each >= width; });
-  return field == cutFields.end() ? 0 : *field;
-}
 
 bool fillsField(std::string_view name, std::size_t field)
 {

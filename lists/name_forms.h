@@ -9,21 +9,14 @@
 #ifndef REELDB_LISTS_NAME_FORMS_H
 #define REELDB_LISTS_NAME_FORMS_H
 
-#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace reeldb::lists {
 
-/// The widths of the reel fields in which lists cut names.
-inline constexpr std::array<std::size_t, 5> cutFields = {6, 8, 16, 32, 129};
-
 /// The field of the second name in a row of a source table.
 inline constexpr std::size_t rowNameField = 16;
-
-/// The narrowest of cutFields that holds the number of characters; 0 if none does.
-std::size_t fieldOf(std::size_t width);
 
 /// Whether the name has as many characters as the field; false for a field of 0. Such a name may be the beginning of a
 /// longer one.

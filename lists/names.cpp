@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "lists/names.h"
 
+#include <algorithm>
+
 #include "base/ascii.h"
+#include "lists/text.h"
 
 namespace reeldb::lists {
 
@@ -22,6 +25,17 @@ std::string_view specialReason(std::string_view identifier)
   if (reason.empty() && identifier.find('*') != std::string_view::npos)
     return "a star denotes internally generated material";
   return reason;
+}
+
+std::size_t paddedField(std::size_t column)
+{
+  const auto field = std::lower_bound(paddedReelFields.begin(), paddedReelFields.end(), column);
+  return column == 0 || field == paddedReelFields.end() ? 0 : *field;
+}
+
+bool fillsField(const Event& event)
+{
+  return event.reelField > 0 && length(event.reelText) >= event.reelField;
 }
 
 bool isAuxiliary(std::string_view name)

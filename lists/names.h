@@ -4,7 +4,10 @@
 #ifndef REELDB_LISTS_NAMES_H
 #define REELDB_LISTS_NAMES_H
 
+#include <cstddef>
 #include <string_view>
+
+#include "lists/list.h"
 
 namespace reeldb::lists {
 
@@ -14,6 +17,13 @@ std::string_view placeholderReason(std::string_view reelText);
 
 /// Why an identifier does not name a reel: it is a placeholder, or contains a star. Empty if it names a reel.
 std::string_view specialReason(std::string_view identifier);
+
+/// The width of the reel field that holds a column of this width: the narrowest of paddedReelFields; 0 if none does, or
+/// if the column is empty.
+std::size_t paddedField(std::size_t column);
+
+/// Whether the reel text of an event fills its field, so that it may be cut.
+bool fillsField(const Event& event);
 
 /// AX, in any case: a source without a tape; its clip name or source file identifies it.
 bool isAuxiliary(std::string_view name);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <iterator>
 #include <string>
 
 #include "base/display_text.h"
@@ -74,6 +75,15 @@ List read(std::string_view bytes, const ReadOptions& options)
   if (isUnmarkedUtf16(bytes))
     throw Error("UTF-16 without a byte order mark (save it as UTF-8)");
   throw Error("neither a cut list (EDL) nor a log file (ALE) (" + std::string(whatElse(bytes, text)) + ")");
+}
+
+std::vector<Clip> eventsOf(const List& list)
+{
+  std::vector<Clip> events;
+  events.reserve(list.clips.size() + list.specialClips.size());
+  std::merge(list.clips.begin(), list.clips.end(), list.specialClips.begin(), list.specialClips.end(),
+             std::back_inserter(events), [](const Clip& one, const Clip& other) { return one.line < other.line; });
+  return events;
 }
 
 } // namespace reeldb::lists

@@ -83,6 +83,11 @@ bool isCut(std::string_view a, std::string_view b)
 
 } // namespace
 
+bool isUmid(std::string_view id)
+{
+  return base::startsWithName(id, "060a2b34");
+}
+
 std::string SourceTable::add(std::string_view row)
 {
   Row added;

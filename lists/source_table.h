@@ -38,6 +38,9 @@ struct UnusedRow {
   std::string reason;
 };
 
+/// Whether the id has the form of a UMID. Other ids are two hexadecimal words.
+bool isUmid(std::string_view id);
+
 class SourceTable {
 public:
   using IsReel = std::function<bool(const std::string& folded)>;

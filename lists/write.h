@@ -24,11 +24,13 @@ struct Written {
 std::string writableText(const std::string& text);
 
 /// Writes a cut list with reel names for a field of this width, one of reelFields. If a name is not the identifier, a
-/// note at the head maps it; notes say the rates of the clips. Throws Error if the field has fewer names than there are
-/// reels.
+/// note at the head maps it; notes say the rates of the clips. A clip of a list becomes its event again, with its
+/// number, transition, duration, speed and source ids, and keeps its reel text where that is the name of one reel; any
+/// other clip becomes a cut with the next number. Throws Error if the field has fewer names than there are reels.
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);
 
-/// Writes a log file. The rate is that of the project, "25", "23.98"; the log has it unless all clips have another one.
+/// Writes a log file. A log has no events, so what they say of the cut is remarked on. The rate is that of the project,
+/// "25", "23.98"; the log has it unless all clips have another one.
 Written writeAle(const std::string& rate, const std::vector<Clip>& clips);
 
 } // namespace reeldb::lists

@@ -5,6 +5,8 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 #include "lists/tracks.h"
@@ -34,9 +36,15 @@ std::string tracksOf(const Clip& clip)
   return result.empty() ? "NONE" : result;
 }
 
-/// Whether the source file is one of the reel's names. The reader takes the column "Source File" as such a name.
+/// Whether the source file is one of the reel's names, and not a better one. The reader takes the column "Source File"
+/// as such a name.
 bool namesTheReel(const Clip& clip)
 {
+  NameTexts texts;
+  texts.reel = clip.reel;
+  texts.sourceFile = clip.sourceFile;
+  if (clip.special.empty() && !base::sameName(ownNames(texts).front().name, clip.reel))
+    return false;
   return base::sameName(clip.sourceFile, clip.reel) ||
          std::any_of(clip.aliases.begin(), clip.aliases.end(),
                      [&](const std::string& alias) { return base::sameName(alias, clip.sourceFile); });
@@ -79,6 +87,13 @@ std::string colonsOf(const Clip& clip)
   return columns;
 }
 
+/// The tape of the row. A clip without a source has the text in place of one, which may be none.
+std::string tapeOf(const Clip& clip)
+{
+  const bool isText = clip.special.empty() || !specialReason(clip.reel).empty() || isAuxiliary(clip.reel);
+  return isText ? clip.reel : clip.event.reelText;
+}
+
 struct OutColumn {
   std::string title;
   std::function<std::string(const Clip&)> cell;
@@ -92,7 +107,7 @@ std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
       {"Tracks", [](const Clip& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
       {"Start", [](const Clip& clip) { return inLog(clip, clip.sourceIn); }, true},
       {"End", [](const Clip& clip) { return inLog(clip, clip.sourceOut); }, true},
-      {"Tape", [](const Clip& clip) { return clip.reel; }, true},
+      {"Tape", tapeOf, true},
       {"Source File", [](const Clip& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
       {"Source File Path", [](const Clip& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
       {"Tracks As Written", [](const Clip& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
@@ -124,6 +139,21 @@ void addRow(std::string& text, const std::vector<OutColumn>& columns,
   text += "\n";
 }
 
+/// Remarks on what events say and a log cannot.
+void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
+{
+  const auto remark = [&](const char* what, auto says) {
+    if (const auto count =
+            std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
+        count > 0)
+      written.remarks.push_back(std::to_string(count) + " " + what + ": not written (a log has none)");
+  };
+  remark("event numbers", [](const Event& event) { return !event.number.empty(); });
+  remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });
+  remark("speeds", [](const Event& event) { return event.speed.has_value(); });
+  remark("source ids", [](const Event& event) { return !event.sourceIds.empty(); });
+}
+
 void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_t columns)
 {
   const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
@@ -149,6 +179,7 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
   written.text += "\nData\n";
   for (const Clip& clip : writable)
     addRow(written.text, columns, [&](const OutColumn& column) { return column.cell(clip); });
+  remarkOnEvents(written, writable);
   remarkOnLimits(written, writable, columns.size());
   return written;
 }

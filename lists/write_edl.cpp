@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
+#include <optional>
 #include <set>
 #include <unordered_map>
 #include <unordered_set>
@@ -7,6 +8,8 @@
 
 #include "base/ascii.h"
 #include "lists/edl_note.h"
+#include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -17,18 +20,74 @@ namespace reeldb::lists {
 namespace {
 
 constexpr std::string_view noTimecode = "00:00:00:00";
+constexpr std::string_view auxiliary = "AX";
 constexpr std::size_t channelColumns = 5;
 constexpr std::size_t timecodeColumns = 11;
+constexpr std::size_t durationColumns = 3;
 
-/// Each reel once, in its first spelling.
+/// The name that an event without a reel has in the list; empty if it is a name like others.
+std::string_view placeholderName(const Clip& clip)
+{
+  if (clip.special.empty())
+    return {};
+  if (!placeholderReason(clip.reel).empty())
+    return clip.reel;
+  return specialReason(clip.reel).empty() ? auxiliary : std::string_view();
+}
+
+/// Whether the clip is AX in its list, and is read as the same reel when it is AX again.
+bool staysAuxiliary(const Clip& clip)
+{
+  if (!isAuxiliary(clip.event.reelText) || !clip.special.empty())
+    return false;
+  const auto written = [](const std::string& text) { return saysNothing(text) ? std::string() : text; };
+  return ownNameWithoutTape(written(clip.sourceFile), written(clip.clipName)).name == clip.reel;
+}
+
+/// Whether the clip needs a name for its reel.
+bool needsName(const Clip& clip)
+{
+  return placeholderName(clip).empty() && !staysAuxiliary(clip);
+}
+
+/// Each reel that needs a name once, in its first spelling.
 std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
 {
   std::vector<std::string> reels;
   std::unordered_set<std::string> seen;
   for (const Clip& clip : clips)
-    if (seen.insert(base::fold(clip.reel)).second)
+    if (needsName(clip) && seen.insert(base::fold(clip.reel)).second)
       reels.push_back(clip.reel);
   return reels;
+}
+
+/// The text that each reel has in its list, if that is one and of this reel alone; else the reel itself. So a list is
+/// written back with the names that it came with.
+std::vector<std::string> reelTextsOf(const std::vector<std::string>& reels, const std::vector<Clip>& clips)
+{
+  std::unordered_map<std::string, std::string> texts; // by folded reel; empty: there are several
+  for (const Clip& clip : clips) {
+    if (!needsName(clip))
+      continue;
+    const std::string text = isAuxiliary(clip.event.reelText) ? std::string() : clip.event.reelText;
+    const auto [known, isNew] = texts.try_emplace(base::fold(clip.reel), text);
+    if (!isNew && !base::sameName(known->second, text))
+      known->second.clear();
+  }
+  std::unordered_map<std::string, int> uses; // of folded names
+  for (const std::string& reel : reels) {
+    const std::string& text = texts.at(base::fold(reel));
+    ++uses[base::fold(reel)];
+    if (!base::sameName(text, reel))
+      ++uses[base::fold(text)];
+  }
+  std::vector<std::string> result;
+  for (const std::string& reel : reels) {
+    const std::string& text = texts.at(base::fold(reel));
+    const bool isOwn = !text.empty() && !base::sameName(text, reel) && uses.at(base::fold(text)) == 1;
+    result.push_back(isOwn ? text : reel);
+  }
+  return result;
 }
 
 /// Whether the reader reads the clip's channels from its tracks when they stand in an event.
@@ -57,27 +116,50 @@ std::string padded(std::string text, std::size_t width)
   return text;
 }
 
+/// The transition as lists have it: "C   ", "K B ", "W001".
+std::string transitionField(const Event& event)
+{
+  constexpr std::size_t columns = 4;
+  std::string code = event.transition.empty() ? "C" : event.transition;
+  if (code == "KB" || code == "KO")
+    code.insert(1, " ");
+  return padded(std::move(code), columns);
+}
+
+/// The note that names the clip of a line, by the role of the line.
+std::string_view clipNameKey(const Event& event)
+{
+  const std::string& code = event.transition;
+  if (code == "K" || code == "KO")
+    return "KEY CLIP NAME";
+  return code.starts_with('D') || code.starts_with('W') ? "TO CLIP NAME" : "FROM CLIP NAME";
+}
+
 class Writer {
 public:
   Writer(const std::vector<Clip>& clips, std::size_t reelField) : clips_(clips), field_(reelField)
   {
     const std::vector<std::string> reels = reelsOf(clips);
-    const auto names = shortReelNames(reels, reelField);
+    const auto names = shortReelNames(reelTextsOf(reels, clips), reelField);
     if (!names)
       throw Error(std::to_string(reels.size()) + " reels: a reel field of " + std::to_string(reelField) +
                   " has fewer names");
+    std::size_t column = reelColumns();
     for (std::size_t i = 0; i < reels.size(); ++i) {
       names_[base::fold(reels[i])] = (*names)[i];
-      if ((*names)[i] != reels[i])
-        map_ += "* REEL MAP: " + (*names)[i] + " = " + reels[i] + "\n";
+      column = std::max(column, length((*names)[i]));
     }
+    const std::unordered_set<std::string> misread = misreadReels(paddedField(column));
+    for (std::size_t i = 0; i < reels.size(); ++i)
+      if ((*names)[i] != reels[i] || misread.contains(base::fold(reels[i])))
+        map_ += "* REEL MAP: " + (*names)[i] + " = " + reels[i] + "\n";
     if (std::any_of(clips.begin(), clips.end(), [](const Clip& clip) {
           return hasChannelNumber(clip.tracks) && isChannelField(clip, Digits::Number);
         }))
       digits_ = Digits::Number;
   }
 
-  std::string run(const std::string& title)
+  void run(const std::string& title, Written& written)
   {
     text_ = "TITLE: " + title + "\n";
     dropFrame(!clips_.empty() && dropsFrames(clips_.front()));
@@ -87,12 +169,23 @@ public:
     });
     if (oneRate_)
       note("FRAME RATE", clips_.front().frameRate);
-    for (const Clip& clip : clips_)
-      event(clip);
-    return std::move(text_);
+    for (std::size_t first = 0; first < clips_.size();) {
+      std::size_t last = first + 1;
+      while (last < clips_.size() && isSameEvent(clips_[last - 1].event, clips_[last].event))
+        ++last;
+      event(first, last);
+      first = last;
+    }
+    sourceTable(written);
+    written.text = std::move(text_);
   }
 
 private:
+  static bool isSameEvent(const Event& one, const Event& next)
+  {
+    return next.part > one.part && next.number == one.number;
+  }
+
   static bool dropsFrames(const Clip& clip)
   {
     return clip.dropFrame || isDropFrame(clip.sourceIn) || isDropFrame(clip.sourceOut) || isDropFrame(clip.recordIn) ||
@@ -105,38 +198,93 @@ private:
     text_ += drop ? "FCM: DROP FRAME\n" : "FCM: NON-DROP FRAME\n";
   }
 
-  void event(const Clip& clip)
+  /// The lines of an event, then the notes of each line. Notes of several lines, and those of an event that the next
+  /// one could be taken for a part of, say where they belong.
+  void event(std::size_t first, std::size_t last)
   {
-    constexpr std::size_t wideField = 32, digits = 3, wideDigits = 6;
-    if (drop_ != dropsFrames(clip))
-      dropFrame(!drop_);
-    std::string number = std::to_string(++number_);
-    const std::size_t width = field_ < wideField ? digits : wideDigits;
-    number.insert(0, width - std::min(width, number.size()), '0');
-    const bool literal = isChannelField(clip, digits_);
-    text_ += number + "  " + padded(names_.at(base::fold(clip.reel)), std::min(field_, wideField)) + " " +
-             padded(literal ? clip.tracks : channelsOf(clip), channelColumns) + " C        ";
-    timecodes(clip);
-    if (!literal && !clip.tracks.empty())
-      note("TRACKS AS WRITTEN", clip.tracks);
-    note("FROM CLIP NAME", clip.clipName);
-    for (const std::string& alias : clip.aliases)
-      note("REEL ALSO CALLED", alias);
-    note("SOURCE FILE", clip.sourceFile);
-    if (!oneRate_)
-      note("FRAME RATE", clip.frameRate);
+    const std::string number = numberOf(clips_[first]);
+    for (std::size_t i = first; i < last; ++i)
+      line(number, clips_[i], clips_[first]);
+    const bool isDivided = last - first > 1 || (last < clips_.size() && clips_[last].event.number == number);
+    for (std::size_t i = first; i < last; ++i) {
+      if (isDivided)
+        note("EVENT LINE", std::to_string(i - first + 1) + " OF " + std::to_string(last - first));
+      notes(clips_[i]);
+    }
   }
 
-  /// The timecodes of the event. A clip without record timecodes gets its source timecodes there, and vice versa. Frame
-  /// numbers stay where they are.
-  void timecodes(const Clip& clip)
+  /// The number of the list, or the next one if the clip is of no list.
+  std::string numberOf(const Clip& clip)
   {
+    constexpr std::size_t wideField = 32, digits = 3, wideDigits = 6;
+    ++number_;
+    if (!clip.event.number.empty())
+      return clip.event.number;
+    std::string number = std::to_string(number_);
+    const std::size_t width = field_ < wideField ? digits : wideDigits;
+    return number.insert(0, width - std::min(width, number.size()), '0');
+  }
+
+  std::string nameOf(const Clip& clip) const
+  {
+    if (const std::string_view name = placeholderName(clip); !name.empty())
+      return std::string(name);
+    return staysAuxiliary(clip) ? std::string(auxiliary) : names_.at(base::fold(clip.reel));
+  }
+
+  /// The least width of the column of reels.
+  std::size_t reelColumns() const
+  {
+    constexpr std::size_t wideField = 32;
+    return std::min(field_, wideField);
+  }
+
+  /// The folded reels that the notes of an event give another name.
+  std::unordered_set<std::string> misreadReels(std::size_t field) const
+  {
+    std::unordered_set<std::string> misread;
+    for (const Clip& clip : clips_) {
+      if (!needsName(clip))
+        continue;
+      const std::string& name = names_.at(base::fold(clip.reel));
+      NameTexts texts;
+      texts.reel = name;
+      texts.field = field;
+      texts.sourceFile = clip.sourceFile;
+      texts.clipName = clip.clipName;
+      if (!base::sameName(ownNames(texts).front().name, clip.reel))
+        misread.insert(base::fold(clip.reel));
+    }
+    return misread;
+  }
+
+  void line(const std::string& number, const Clip& clip, const Clip& first)
+  {
+    if (drop_ != dropsFrames(clip))
+      dropFrame(!drop_);
+    text_ += number + "  " + padded(nameOf(clip), reelColumns()) + " " +
+             padded(isLiteral(clip) ? clip.tracks : channelsOf(clip), channelColumns) + " " +
+             transitionField(clip.event) + " " + padded(clip.event.duration, durationColumns) + " ";
+    // A clip without record timecodes gets source timecodes there, and vice versa. The lines of an event begin at the
+    // same record in. Frame numbers stay where they are.
     const auto written = [](const std::string& timecode, const std::string& other) {
       const bool isSpare = !other.empty() && !isFrameNumber(other);
       return padded(!timecode.empty() ? timecode : isSpare ? other : std::string(noTimecode), timecodeColumns);
     };
     text_ += written(clip.sourceIn, clip.recordIn) + " " + written(clip.sourceOut, clip.recordOut) + " " +
-             written(clip.recordIn, clip.sourceIn) + " " + written(clip.recordOut, clip.sourceOut) + "\n";
+             written(clip.recordIn, first.recordIn.empty() ? first.sourceIn : first.recordIn) + " " +
+             written(clip.recordOut, clip.sourceOut) + "\n";
+  }
+
+  bool isLiteral(const Clip& clip) const { return isChannelField(clip, digits_); }
+
+  void notes(const Clip& clip)
+  {
+    if (const std::optional<Speed>& speed = clip.event.speed) {
+      constexpr std::size_t speedColumns = 7;
+      text_ += "M2   " + padded(nameOf(clip), reelColumns()) + " " + padded(speed->framesPerSecond, speedColumns) +
+               "                " + speed->timecode + "\n";
+    }
     std::string missing;
     for (const auto& [what, timecode] :
          {std::pair("SOURCE IN", &clip.sourceIn), std::pair("SOURCE OUT", &clip.sourceOut),
@@ -144,12 +292,48 @@ private:
       if (timecode->empty())
         missing += (missing.empty() ? "" : ", ") + std::string(what);
     note("NO TIMECODE", missing);
+    if (!isLiteral(clip))
+      note("TRACKS AS WRITTEN", clip.tracks);
+    note(clipNameKey(clip.event), clip.clipName);
+    for (const std::string& alias : clip.aliases)
+      note("REEL ALSO CALLED", alias);
+    note("SOURCE FILE", clip.sourceFile);
+    if (!oneRate_)
+      note("FRAME RATE", clip.frameRate);
   }
 
   void note(std::string_view key, const std::string& value)
   {
     if (!value.empty())
       text_.append("* ").append(key).append(": ").append(value).append("\n");
+  }
+
+  /// A row for each id of a name. The table gives an id to a name, not to an event.
+  void sourceTable(Written& written)
+  {
+    std::vector<std::pair<std::string, std::vector<SourceId>>> rows;
+    std::unordered_map<std::string, std::size_t> places;
+    std::set<std::string> remarked;
+    for (const Clip& clip : clips_) {
+      if (!clip.special.empty())
+        continue;
+      const std::string name = nameOf(clip);
+      const auto [place, isNew] = places.try_emplace(name, rows.size());
+      if (isNew) {
+        rows.emplace_back(name, clip.event.sourceIds);
+        continue;
+      }
+      std::vector<SourceId>& ids = rows[place->second].second;
+      if (ids != clip.event.sourceIds && remarked.insert(name).second)
+        written.remarks.push_back("reel " + inQuotes(clip.reel) +
+                                  ": its events have different source ids (a list gives all of them to each event)");
+      for (const SourceId& id : clip.event.sourceIds)
+        if (std::find(ids.begin(), ids.end(), id) == ids.end())
+          ids.push_back(id);
+    }
+    for (const auto& [name, ids] : rows)
+      for (const SourceId& id : ids)
+        text_ += ">>> SOURCE " + padded(name, reelColumns()) + " " + padded(name, reelColumns()) + " " + id.id + "\n";
   }
 
   const std::vector<Clip>& clips_;
@@ -162,7 +346,6 @@ private:
   bool oneRate_ = false; ///< all clips say the same rate, or none does
   int number_ = 0;
 };
-
 /// Remarks on lists that exceed the limits of such a reel field, by the manuals of the devices.
 void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
 {
@@ -193,13 +376,25 @@ void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
   }
 }
 
+/// Removes the rows of logs that have no source: an event needs a reel.
+std::vector<Clip> withReels(std::vector<Clip> clips, Written& written)
+{
+  std::erase_if(clips, [&](const Clip& clip) {
+    const bool isNameless = !clip.special.empty() && clip.event.reelText.empty() && !isAuxiliary(clip.reel);
+    if (isNameless)
+      written.leftOut.push_back("row " + inQuotes(clip.clipName) + ": left out (" + clip.special + ")");
+    return isNameless;
+  });
+  return clips;
+}
+
 } // namespace
 
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField)
 {
   Written written;
-  const std::vector<Clip> writable = writableClips(clips, written);
-  written.text = Writer(writable, reelField).run(writableText(title));
+  const std::vector<Clip> writable = writableClips(withReels(clips, written), written);
+  Writer(writable, reelField).run(writableText(title), written);
   remarkOnNothing(written, writable);
   remarkOnLimits(written, reelField, reelsOf(writable).size());
   return written;

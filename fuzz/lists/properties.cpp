@@ -13,8 +13,10 @@
 #include "base/display_text.h"
 #include "lists/encoding.h"
 #include "lists/frame_rate.h"
+#include "lists/speed.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
+#include "lists/write.h"
 #include "support/check.h"
 
 namespace reeldb_fuzz {
@@ -143,6 +145,21 @@ void requireAliases(const Clip& clip)
   }
 }
 
+void requireEvent(const Event& event)
+{
+  requireName(event.number, "event number");
+  requireName(event.reelText, "reel text");
+  requireName(event.duration, "duration");
+  require(event.part >= 1, "part", event.part);
+  require(event.reelField == 0 ||
+              std::find(paddedReelFields.begin(), paddedReelFields.end(), event.reelField) != paddedReelFields.end(),
+          "reel field", event.reelField);
+  if (event.speed)
+    require(exactSpeed(event.speed->framesPerSecond).has_value(), "speed", event.speed->framesPerSecond);
+  for (const SourceId& id : event.sourceIds)
+    requireName(id.id, "id of a source");
+}
+
 void requireClip(const Clip& clip)
 {
   requireName(clip.reel, "reel");
@@ -164,6 +181,7 @@ void requireClip(const Clip& clip)
     require(rate && rateName(*rate) == clip.frameRate, "frame rate is not the name of one", clip.frameRate);
   }
   requireAliases(clip);
+  requireEvent(clip.event);
   // The reader accepts up to 256 letters and digits as tracks.
   require(clip.videoChannels >= 0 && clip.videoChannels <= 256, "video channels", clip.videoChannels);
   require(clip.audioChannels >= 0 && clip.audioChannels <= 256, "audio channels", clip.audioChannels);
@@ -177,6 +195,24 @@ std::string flat(const std::vector<std::string>& texts)
   return all;
 }
 
+/// An event as one text: all but its line, and its reel text with the field, which another list may write otherwise.
+std::string eventOf(const Clip& c, bool withIds)
+{
+  // What stands in place of a reel is shown: it may be escaped. AX without a name is AX again, whatever it was.
+  const bool hasReel = c.special.empty();
+  std::ostringstream text;
+  text << flat({hasReel ? c.reel : c.special, c.clipName, c.sourceFile, c.tracks, c.sourceIn, c.sourceOut, c.recordIn})
+       << flat({c.recordOut, c.frameRate, c.dropFrame ? "drop" : "", c.event.number, c.event.transition})
+       << flat({c.event.duration}) << ' ' << c.videoChannels << ' ' << c.audioChannels << ' ' << c.event.part
+       << " aliases" << flat(c.aliases);
+  if (c.event.speed)
+    text << " speed" << flat({c.event.speed->framesPerSecond, c.event.speed->timecode});
+  for (const SourceId& id : c.event.sourceIds)
+    if (withIds)
+      text << " id" << flat({id.kind, id.id});
+  return text.str();
+}
+
 /// The whole list as one text. Equal lists have equal texts.
 std::string textOf(const List& list)
 {
@@ -186,6 +222,8 @@ std::string textOf(const List& list)
     text << "\nclip " << c.line << ' ' << flat({c.reel, c.clipName, c.sourceFile, c.tracks, c.sourceIn, c.sourceOut})
          << flat({c.recordIn, c.recordOut}) << " aliases" << flat(c.aliases) << "\n " << c.videoChannels << ' '
          << c.audioChannels << ' ' << shown(c.frameRate) << (c.dropFrame ? " drop" : "");
+  for (const Clip& c : eventsOf(list))
+    text << "\nevent " << c.line << flat({c.event.reelText}) << ' ' << c.event.reelField << eventOf(c, true);
   for (const Proof& p : list.timing.rates)
     text << "\nrate " << p.line << flat({p.says, p.text});
   for (const std::optional<Proof>& p : {list.timing.dropFrame, list.timing.mostFrames})
@@ -272,13 +310,26 @@ void requireSound(const List& list, const std::string& bytes)
     requireClip(clip);
     requireEqual(clip.reel, spelling.try_emplace(fold(clip.reel), clip.reel).first->second, "spelling of a reel");
   }
+  std::vector<int> specialLines;
+  for (const Clip& clip : list.specialClips) {
+    require(!clip.special.empty(), "what is no reel has no reason");
+    requireShown(clip.reel, "text of what is no reel");
+    requireName(clip.clipName, "clip name");
+    requireName(clip.sourceFile, "source file");
+    requireEvent(clip.event);
+    specialLines.push_back(clip.line);
+  }
+  std::vector<int> countedLines;
   for (const Special& special : list.specials) {
+    countedLines.insert(countedLines.end(), special.lines.begin(), special.lines.end());
     requireShown(special.text, "text of what is no reel");
     requireReason(special.reason, "reason why it is no reel");
     requireEqual(special.count, static_cast<int>(special.lines.size()), "number of lines of what is no reel");
     for (const int line : special.lines)
       taken.take(line, "what is no reel");
   }
+  std::sort(countedLines.begin(), countedLines.end());
+  require(countedLines == specialLines, "lines of what is no reel are not its clips");
   last = 0;
   for (const Rejected& rejected : list.rejected) {
     taken.take(rejected.line, "rejected");
@@ -325,6 +376,31 @@ void requireSameInOtherForms(const List& list, const std::string& bytes)
   for (const std::string& line : piecesOf(text))
     other += line + "\r\n";
   requireSameList(other, list, "the list with CR LF and a byte order mark");
+}
+
+void requireEventsComeBack(const List& list)
+{
+  const std::vector<Clip> events = eventsOf(list);
+  requireEqual(events.size(), list.clips.size() + list.specialClips.size(), "number of events");
+  const bool isLog = list.format == Format::Ale;
+  for (const std::size_t field : {std::size_t{8}, std::size_t{32}}) {
+    const Written written = isLog ? writeAle("25", events) : writeEdl(list.title, events, field);
+    requireEqual(written.leftOut.size(), std::size_t{0}, "events that were left out");
+    const auto isRemarked = [&](const char* fact) {
+      return std::any_of(written.remarks.begin(), written.remarks.end(),
+                         [&](const std::string& remark) { return remark.find(fact) != std::string::npos; });
+    };
+    if (isRemarked("an import will not read it back"))
+      return;
+    const std::optional<List> read = readList(written.text);
+    require(read && read->format == list.format, "what was written is no list of that format");
+    requireEqual(read->rejected.size(), std::size_t{0}, "rejected lines of what was written");
+    const std::vector<Clip> again = eventsOf(*read);
+    requireEqual(again.size(), events.size(), "events of what was written");
+    const bool sameIds = !isRemarked("different source ids");
+    for (std::size_t i = 0; i < events.size(); ++i)
+      requireEqual(eventOf(again[i], sameIds), eventOf(events[i], sameIds), "event, written and read again");
+  }
 }
 
 void requireSameClips(const List& again, const List& list, bool whole)

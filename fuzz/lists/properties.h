@@ -29,6 +29,10 @@ void requireSameInOtherForms(const reeldb::lists::List& list, const std::string&
 /// are compared only if @p whole is set.
 void requireSameClips(const reeldb::lists::List& again, const reeldb::lists::List& list, bool whole);
 
+/// Throws Broken if a list that was written with all events of the list is read as other events. Texts that no list can
+/// hold, of which the writer remarks, are excused.
+void requireEventsComeBack(const reeldb::lists::List& list);
+
 } // namespace reeldb_fuzz
 
 #endif

@@ -88,6 +88,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   requireSound(*list, bytes);
   requireCells(*list, linesOf(bytes));
+  requireEventsComeBack(*list);
   requireSameInOtherForms(*list, bytes);
   const std::optional<List> again = readList(written(*list));
   require(again && again->format == Format::Ale, "what was written is no log file");

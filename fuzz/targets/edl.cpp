@@ -65,6 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   requireSound(*list, bytes);
   requireTimecodes(*list, linesOf(bytes));
   requireSameInOtherForms(*list, bytes);
+  requireEventsComeBack(*list);
   if (!canBeWritten(*list))
     return 0;
   const std::optional<List> again = readList(written(*list));

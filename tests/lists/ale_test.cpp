@@ -108,6 +108,18 @@ TEST(Ale, RowsTapeComesBeforeTheHeadingsTapeBeforeTheSourceFile)
   EXPECT_EQ(reels(readWhole(log(titles, "a||f.mov|/p/f.mov\nb|||/p/f.mov\n"))), (Strings{"f.mov", "f.mov"}));
 }
 
+TEST(Ale, TheTapeIsTheReelTextOfTheRow)
+{
+  const List list = readWhole(log("Name|Tape|Source File", "a|T1|\nb|AX|f.mov\nc|BL|\nd||f.mov\n"));
+  ASSERT_EQ(reels(list), (Strings{"T1", "f.mov", "f.mov"}));
+  EXPECT_EQ(list.clips[0].event.reelText, "T1");
+  EXPECT_EQ(list.clips[1].event.reelText, "AX");
+  EXPECT_EQ(list.clips[2].event.reelText, "");
+  ASSERT_EQ(list.specialClips.size(), 1u);
+  EXPECT_EQ(list.specialClips[0].event.reelText, "BL");
+  EXPECT_EQ(list.specialClips[0].clipName, "c");
+}
+
 TEST(Ale, ARowWithoutTapeAndFileIsReported)
 {
   const List list = readWhole(log("Name|Tape|Source File", "Lost| |\nLost|\nAlso||\n"));

@@ -56,13 +56,40 @@ TEST(Collector, SpecialIdentifiersMakeNoClip)
   EXPECT_EQ(list.specials[0].lines, std::vector<int>{7});
 }
 
+TEST(Collector, ASpecialIsKeptWithoutTheNamesThatNoClipCanHave)
+{
+  Collector collector(Format::Edl);
+  Clip clip = clipOf("BL", 3, {"other"});
+  clip.clipName = "a\x01";
+  clip.sourceFile = "file";
+  clip.event.number = std::string(2048, '1');
+  collector.special(clip, "black");
+  const List list = collector.finish();
+  ASSERT_EQ(list.specialClips.size(), 1u);
+  EXPECT_EQ(list.specialClips[0].special, "black");
+  EXPECT_EQ(list.specialClips[0].clipName, "");
+  EXPECT_EQ(list.specialClips[0].sourceFile, "file");
+  EXPECT_EQ(list.specialClips[0].event.number, "");
+  EXPECT_TRUE(list.specialClips[0].aliases.empty());
+}
+
+TEST(Collector, AnEventWithANumberThatCannotBeKeptIsRejected)
+{
+  Collector collector(Format::Edl);
+  Clip clip = clipOf("R");
+  clip.event.number = std::string(2048, '1');
+  EXPECT_FALSE(collector.clip(clip, "line"));
+  EXPECT_EQ(collector.finish().rejected.at(0).reason,
+            "event number '" + std::string(40, '1') + "...' has 2048 bytes (at most 2047)");
+}
+
 TEST(Collector, SpecialsOfOneTextAndReasonAreOneEntry)
 {
   Collector collector(Format::Edl);
-  collector.special("BL", "black", 3);
-  collector.special("AX", "one", 4);
-  collector.special("AX", "two", 5);
-  collector.special("bl", "black", 9);
+  collector.special(clipOf("BL", 3), "black");
+  collector.special(clipOf("AX", 4), "one");
+  collector.special(clipOf("AX", 5), "two");
+  collector.special(clipOf("bl", 9), "black");
   const List list = collector.finish();
   ASSERT_EQ(list.specials.size(), 3u);
   EXPECT_EQ(list.specials[0].text, "BL");
@@ -146,7 +173,7 @@ TEST(Collector, AnInPointBehindItsOutPointIsKeptWithAWarning)
   EXPECT_TRUE(collector.clip(timed(3, "01:00:00:00", "01:00:01:00", "10:00:01:00", "10:00:00:00"), " back\t"));
   EXPECT_TRUE(collector.clip(timed(4, "01:00:00:00", "01:00:00:00", "10:00:00:00", "10:00:00:00"), "same"));
   EXPECT_TRUE(collector.clip(timed(5, "01:00:00:00", "", "", "10:00:00:00"), "half"));
-  collector.special("BL", "black", 6);
+  collector.special(clipOf("BL", 6), "black");
   const List list = collector.finish();
   EXPECT_EQ(list.clips.size(), 4u);
   EXPECT_TRUE(list.rejected.empty());
@@ -163,9 +190,9 @@ TEST(Collector, AnInPointBehindItsOutPointIsKeptWithAWarning)
 TEST(Collector, SpecialTextsAreEscapedAndCut)
 {
   Collector collector(Format::Ale);
-  collector.special("Lost\x1B", "no tape and no source file", 1);
-  collector.special(std::string(1001, 'L'), "no tape and no source file", 2);
-  collector.special(std::string(1002, 'L'), "no tape and no source file", 3);
+  collector.special(clipOf("Lost\x1B", 1), "no tape and no source file");
+  collector.special(clipOf(std::string(1001, 'L'), 2), "no tape and no source file");
+  collector.special(clipOf(std::string(1002, 'L'), 3), "no tape and no source file");
   const List list = collector.finish();
   ASSERT_EQ(list.specials.size(), 3u) << "the whole texts tell them apart";
   EXPECT_EQ(list.specials[0].text, "Lost\\x1b");

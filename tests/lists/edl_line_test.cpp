@@ -55,6 +55,46 @@ TEST(CountTimecodes, GoodAndBadOnesCount)
   EXPECT_EQ(countTimecodes("EFFECTS NAME IS"), 0u);
 }
 
+/// "code|duration" of "001 <fields> <timecodes>", or the fault.
+std::string transition(const std::string& fields)
+{
+  const std::string line = "001  " + fields + " " + anyTimecodes;
+  EventLine event;
+  const std::string fault = parseEvent(line, event);
+  return fault.empty() ? event.transitionCode + "|" + std::string(event.duration) : fault;
+}
+
+TEST(ParseEvent, TheCodeOfATransitionIsInCapitalsWithoutBlanksAndTheDurationAsWritten)
+{
+  EXPECT_EQ(transition("R V C"), "C|");
+  EXPECT_EQ(transition("R V d 024"), "D|024");
+  EXPECT_EQ(transition("R V w001 25"), "W001|25");
+  EXPECT_EQ(transition("R V K B"), "KB|");
+  EXPECT_EQ(transition("R V kb 000"), "KB|000");
+  EXPECT_EQ(transition("R V K  O 012"), "KO|012");
+  EXPECT_EQ(transition("R V K 0"), "K|0");
+}
+
+TEST(ParseEvent, AnEventWithoutATransitionIsACut)
+{
+  EXPECT_EQ(transition("R V"), "C|");
+  EXPECT_EQ(transition("R V 010"), "C|010");
+  EXPECT_EQ(transition("K B"), "C|");
+}
+
+TEST(ParseEvent, TheReelColumnGoesUpToTheTracks)
+{
+  const auto column = [](const std::string& line) {
+    EventLine event;
+    EXPECT_EQ(parseEvent(line + " " + anyTimecodes, event), "");
+    return event.reelColumn;
+  };
+  EXPECT_EQ(column("001  A001     V     C       "), 8u);
+  EXPECT_EQ(column("001  A001C001 V     C       "), 8u);
+  EXPECT_EQ(column("001  R\u00C9EL V C"), 4u);
+  EXPECT_EQ(column("001       AX V     C"), 2u);
+}
+
 TEST(ParseEvent, AllFieldsOfAFullLine)
 {
   EventLine event;

@@ -44,6 +44,172 @@ TEST(Edl, AClipCarriesAllThatItsEventSays)
   EXPECT_EQ(list.tally.notes, 2);
 }
 
+TEST(EdlEvents, ALineCarriesWhatItSaysOfTheCut)
+{
+  const List list = readWhole("000012  A001C001_200303_R1AB             V     C        " + anyTimecodes + "\n" +
+                              "012A    A001                             V     W001 025 " + anyTimecodes + "\n");
+  ASSERT_EQ(list.clips.size(), 2u);
+  const Event& cut = list.clips[0].event;
+  EXPECT_EQ(cut.number, "000012");
+  EXPECT_EQ(cut.part, 1);
+  EXPECT_EQ(cut.reelText, "A001C001_200303_R1AB");
+  EXPECT_EQ(cut.reelField, 32u);
+  EXPECT_EQ(cut.transition, "C");
+  EXPECT_EQ(cut.duration, "");
+  EXPECT_FALSE(cut.speed);
+  const Event& wipe = list.clips[1].event;
+  EXPECT_EQ(wipe.number, "012A");
+  EXPECT_EQ(wipe.part, 1);
+  EXPECT_EQ(wipe.reelField, 32u);
+  EXPECT_EQ(wipe.transition, "W001");
+  EXPECT_EQ(wipe.duration, "025");
+}
+
+TEST(EdlEvents, TheReelTextIsKeptWhenTheReelHasAnotherName)
+{
+  const List list = readWhole("001  A021C012 V     C        " + anyTimecodes + "\n* REEL: A021C012_210609\n" +
+                              "002       AX V     C        " + anyTimecodes + "\n* FROM CLIP NAME: still.png\n");
+  ASSERT_EQ(reels(list), (Strings{"A021C012_210609", "still.png"}));
+  EXPECT_EQ(list.clips[0].event.reelText, "A021C012");
+  EXPECT_EQ(list.clips[1].event.reelText, "AX");
+  EXPECT_EQ(list.clips[1].event.reelField, 8u);
+}
+
+TEST(EdlEvents, TheFieldIsThatOfTheWidestReelButBlackAndAx)
+{
+  EXPECT_EQ(readWhole("001  A001   V C " + anyTimecodes + "\n002  BL        V C " + anyTimecodes + "\n")
+                .clips.at(0)
+                .event.reelField,
+            6u);
+}
+
+TEST(EdlEvents, TheLinesOfADissolveCountUp)
+{
+  const List list = readWhole(event("001", "A V C") + event("001", "B V D 024") + event("002", "B V C"));
+  ASSERT_EQ(list.clips.size(), 3u);
+  EXPECT_EQ(list.clips[0].event.part, 1);
+  EXPECT_EQ(list.clips[0].event.transition, "C");
+  EXPECT_EQ(list.clips[1].event.part, 2);
+  EXPECT_EQ(list.clips[1].event.transition, "D");
+  EXPECT_EQ(list.clips[1].event.duration, "024");
+  EXPECT_EQ(list.clips[2].event.part, 1);
+}
+
+TEST(EdlEvents, ALineWithoutASourceIsASpecialClip)
+{
+  const List list = readWhole("FCM: DROP FRAME\n" + event("001", "BL V C") + event("001", "B V D 024") +
+                              "* TO CLIP NAME: b\n" + event("002", "BARS V C") + "* FROM CLIP NAME: bars\n");
+  ASSERT_EQ(list.specialClips.size(), 2u);
+  const Clip& black = list.specialClips[0];
+  EXPECT_EQ(black.reel, "BL");
+  EXPECT_EQ(black.special, "black");
+  EXPECT_EQ(black.line, 2);
+  EXPECT_EQ(black.tracks, "V");
+  EXPECT_EQ(black.sourceIn, "01:00:00:00");
+  EXPECT_TRUE(black.dropFrame);
+  EXPECT_EQ(black.event.number, "001");
+  EXPECT_EQ(black.event.part, 1);
+  EXPECT_EQ(list.clips.at(0).event.part, 2);
+  EXPECT_EQ(list.clips.at(0).special, "");
+  EXPECT_EQ(list.specialClips[1].clipName, "bars");
+  Strings events;
+  for (const Clip& clip : eventsOf(list))
+    events.push_back(clip.reel);
+  EXPECT_EQ(events, (Strings{"BL", "B", "BARS"}));
+}
+
+TEST(EdlEvents, ARejectedLineIsNotAPart)
+{
+  const List list = readWhole(event("001", "A V C") + event("001", "B\x01 V D 024") + event("001", "C1 V D 024"));
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(list.clips[1].event.part, 2);
+}
+
+TEST(EdlEvents, TheSpeedGoesToTheLineOfItsReel)
+{
+  const List list = readWhole(event("025", "A V C") + event("025", "B V D 022") +
+                              "M2   B         -025.0                01:00:00:00\n* BLEND, DISSOLVE\n"
+                              "M2   A         012.5                09:13:01:07\n");
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(list.clips[0].event.speed, (Speed{"012.5", "09:13:01:07"}));
+  EXPECT_EQ(list.clips[1].event.speed, (Speed{"-025.0", "01:00:00:00"}));
+  EXPECT_TRUE(list.warnings.empty());
+}
+
+TEST(EdlEvents, OfTwoLinesOfOneReelTheSpeedGoesToTheOneThatItsTimecodeBegins)
+{
+  const List list = readWhole("001  A V C     01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                              "001  A V D 010 02:00:00:00 02:00:01:00 10:00:01:00 10:00:02:00\n"
+                              "M2   A 012.5 02:00:00:00\nM2   A 050.0 03:00:00:00\n");
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(list.clips[0].event.speed, (Speed{"050.0", "03:00:00:00"}));
+  EXPECT_EQ(list.clips[1].event.speed, (Speed{"012.5", "02:00:00:00"}));
+}
+
+TEST(EdlEvents, ASpeedThatCannotBeUsedIsAWarning)
+{
+  const List list = readWhole(event("001", "A V C") + "M2 A 024.0 01:00:00:00\nM2 A 012.0 01:00:00:00\n"
+                                                      "M2 B 024.0 01:00:00:00\nM2 A fast 01:00:00:00\n");
+  EXPECT_EQ(list.clips.at(0).event.speed, (Speed{"024.0", "01:00:00:00"}));
+  ASSERT_EQ(list.warnings.size(), 3u);
+  EXPECT_EQ(list.warnings[0].line, 3);
+  EXPECT_EQ(list.warnings[0].reason, "speed not used: the event above has no line of reel 'A' without a speed");
+  EXPECT_EQ(list.warnings[1].reason, "speed not used: the event above has no line of reel 'B' without a speed");
+  EXPECT_EQ(list.warnings[2].reason, "speed not used: 'fast' is not a number of frames per second");
+  EXPECT_EQ(list.tally.statements, 4);
+}
+
+TEST(EdlEvents, NotesBelowAnEventLineNoteBelongToThatLineAlone)
+{
+  const List list = readWhole(event("001", "A V C") + event("001", "A V D 024") +
+                              "* EVENT LINE: 2 OF 2\n* SOURCE FILE: two.mov\nM2 A 012.5 01:00:00:00\n"
+                              "* FROM CLIP NAME: two\n* EVENT LINE: 1 OF 2\n* NO TIMECODE: SOURCE IN\n");
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(sourceFiles(list), (Strings{"", "two.mov"}));
+  EXPECT_EQ(clipNames(list), (Strings{"", "two"}));
+  EXPECT_EQ(list.clips[0].sourceIn, "");
+  EXPECT_EQ(list.clips[1].sourceIn, "01:00:00:00");
+  EXPECT_FALSE(list.clips[0].event.speed);
+  EXPECT_TRUE(list.clips[1].event.speed);
+}
+
+TEST(EdlEvents, AnEventLineNoteEndsTheEvent)
+{
+  const List list = readWhole(event("001", "A V C") + "* EVENT LINE: 1 OF 1\n" + event("001", "B V D 024"));
+  ASSERT_EQ(list.clips.size(), 2u);
+  EXPECT_EQ(list.clips[1].event.part, 1);
+}
+
+TEST(EdlEvents, AnEventLineNoteThatDoesNotFitTheEventIsSkipped)
+{
+  for (const char* value : {"", "1", "3 OF 2", "0 OF 2", "1 OF 3", "1 OF", "x OF 2", "1 IN 2", "1 OF 2 3"}) {
+    const List list = readWhole(event("001", "A V C") + event("001", "B V D 024") + "* EVENT LINE: " + value +
+                                "\n* TO CLIP NAME: two\n* FROM CLIP NAME: one\n" + event("001", "C1 V D 024"));
+    EXPECT_EQ(clipNames(list), (Strings{"one", "two", ""})) << value;
+    EXPECT_EQ(list.clips.at(2).event.part, 3) << value;
+  }
+}
+
+TEST(EdlEvents, NotesAndStatementsThatNoClipKeepsAreCounted)
+{
+  EXPECT_EQ(readWhole("TITLE: A\n* early\n" + event("001", "A V C") + "* LOC: x\n* FROM CLIP NAME: a\nAUD 3\n" +
+                      "* REEL MAP: A = B\nM2 A 012.5\nM2 X 012.5\n")
+                .tally.ignored,
+            4);
+}
+
+TEST(EdlEvents, TheIdsOfTheSourceTableAreKeptWithTheirKind)
+{
+  const List list = readWhole(event("001", "A001C001 V C") + event("002", "A001C001 V C") + event("003", "B V C") +
+                              ">>> SOURCE A001C001_X A001C001 060a2b340101010501010d4313000000-{0a21c012-2106-09aa}\n"
+                              ">>> SOURCE B          B        4919975f.793b8d33\n");
+  ASSERT_EQ(list.clips.size(), 3u);
+  const SourceId umid = {"umid", "060a2b340101010501010d4313000000-{0a21c012-2106-09aa}"};
+  EXPECT_EQ(list.clips[0].event.sourceIds, std::vector<SourceId>{umid});
+  EXPECT_EQ(list.clips[1].event.sourceIds, std::vector<SourceId>{umid});
+  EXPECT_EQ(list.clips[2].event.sourceIds, (std::vector<SourceId>{{"source table", "4919975f.793b8d33"}}));
+}
+
 TEST(Edl, ThreeFourAndSixDigitsAndNoTitleNoFcmNoTransitionAreNormal)
 {
   const List list =

@@ -7,17 +7,6 @@ using namespace reeldb::lists;
 
 namespace {
 
-TEST(FieldOf, NarrowestFieldThatHoldsTheWidth)
-{
-  EXPECT_EQ(fieldOf(1), 6U);
-  EXPECT_EQ(fieldOf(6), 6U);
-  EXPECT_EQ(fieldOf(7), 8U);
-  EXPECT_EQ(fieldOf(9), 16U);
-  EXPECT_EQ(fieldOf(17), 32U);
-  EXPECT_EQ(fieldOf(33), 129U);
-  EXPECT_EQ(fieldOf(130), 0U);
-}
-
 TEST(FillsField, OfTheFieldsWidthInCharacters)
 {
   EXPECT_TRUE(fillsField("A001C001", 8));

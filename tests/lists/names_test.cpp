@@ -29,6 +29,30 @@ TEST(SpecialReason, AStarAnywhere)
   EXPECT_EQ(specialReason("TITLES2"), "");
 }
 
+TEST(PaddedField, TheNarrowestThatHoldsTheColumn)
+{
+  EXPECT_EQ(paddedField(0), 0u);
+  EXPECT_EQ(paddedField(1), 6u);
+  EXPECT_EQ(paddedField(6), 6u);
+  EXPECT_EQ(paddedField(7), 8u);
+  EXPECT_EQ(paddedField(16), 16u);
+  EXPECT_EQ(paddedField(30), 32u);
+  EXPECT_EQ(paddedField(129), 129u);
+  EXPECT_EQ(paddedField(130), 0u);
+}
+
+TEST(FillsField, ATextOfTheWholeWidth)
+{
+  Event event;
+  event.reelText = "R\u00C9EL56";
+  event.reelField = 6;
+  EXPECT_TRUE(fillsField(event));
+  event.reelField = 8;
+  EXPECT_FALSE(fillsField(event));
+  event.reelField = 0;
+  EXPECT_FALSE(fillsField(event));
+}
+
 TEST(IsAuxiliary, AxInAnyCaseAlone)
 {
   EXPECT_TRUE(isAuxiliary("AX"));

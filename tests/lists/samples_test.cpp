@@ -2,14 +2,18 @@
 //
 // Lists from the field, which are not part of the project: the folder comes from REELDB_SAMPLES. What each must give
 // was counted with a script of its own; list_names.py counts the names.
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "lists/list.h"
+#include "lists/short_names.h"
+#include "lists/write.h"
 #include "support.h"
 
 using namespace reeldb::lists;
@@ -101,6 +105,79 @@ INSTANTIATE_TEST_SUITE_P(Lists, Samples, testing::ValuesIn(samples), [](const au
     c = c == '.' ? '_' : c;
   return name;
 });
+
+TEST(AllSamples, EventsComeBackAsTheyWere)
+{
+  const char* folder = std::getenv("REELDB_SAMPLES");
+  if (folder == nullptr || *folder == '\0')
+    GTEST_SKIP() << "REELDB_SAMPLES does not name the folder of sample lists";
+  int lists = 0, speeds = 0, transitions = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    const std::string extension = entry.path().extension();
+    if (extension != ".edl" && extension != ".ale")
+      continue;
+    SCOPED_TRACE(entry.path().filename());
+    const List list = read(fileBytes(entry.path()));
+    const std::vector<Clip> events = eventsOf(list);
+    ++lists;
+    for (const Clip& clip : events) {
+      speeds += clip.event.speed ? 1 : 0;
+      transitions += clip.event.transition.empty() || clip.event.transition == "C" ? 0 : 1;
+    }
+    if (list.format == Format::Ale) {
+      const Written written = writeAle("25", events);
+      EXPECT_EQ(eventTexts(eventsOf(read(written.text))), eventTexts(events));
+      EXPECT_EQ(written.leftOut, Strings{});
+      continue;
+    }
+    for (const std::size_t field : reelFields) {
+      SCOPED_TRACE(field);
+      const Written written = writeEdl(list.title, events, field);
+      const List again = read(written.text);
+      EXPECT_EQ(eventTexts(eventsOf(again)), eventTexts(events));
+      EXPECT_TRUE(again.rejected.empty());
+      EXPECT_EQ(again.warnings.size(), list.warnings.size());
+      EXPECT_EQ(written.leftOut, Strings{});
+    }
+  }
+  EXPECT_GE(lists, 24);
+  EXPECT_GE(speeds, 58);
+  EXPECT_GE(transitions, 33);
+}
+
+TEST(SampleOfSpeeds, AllSeventeenComeBack)
+{
+  const char* folder = std::getenv("REELDB_SAMPLES");
+  if (folder == nullptr || *folder == '\0')
+    GTEST_SKIP() << "REELDB_SAMPLES does not name the folder of sample lists";
+  const List list = read(fileBytes(std::string(folder) + "/20_many_reels_dots.edl"));
+  const std::string text = writeEdl(list.title, eventsOf(list), 8).text;
+  Strings speeds;
+  for (const Clip& clip : read(text).clips)
+    if (clip.event.speed)
+      speeds.push_back(clip.event.speed->framesPerSecond + " " + clip.event.speed->timecode);
+  EXPECT_EQ(speeds.size(), 17u);
+  EXPECT_EQ(speeds.at(0), "000.0 01:00:10:21");
+  EXPECT_EQ(speeds.at(2), "047.6 01:00:06:00");
+  EXPECT_EQ(std::count(speeds.begin(), speeds.end(), "045.3 01:00:18:09"), 1);
+}
+
+TEST(SampleOfDropFrame, TheMannerOfCountingComesBack)
+{
+  const char* folder = std::getenv("REELDB_SAMPLES");
+  if (folder == nullptr || *folder == '\0')
+    GTEST_SKIP() << "REELDB_SAMPLES does not name the folder of sample lists";
+  const List list = read(fileBytes(std::string(folder) + "/33_drop_frame_5994.edl"));
+  const std::string text = writeEdl(list.title, eventsOf(list), 8).text;
+  EXPECT_NE(text.find("FCM: DROP FRAME\n"), std::string::npos);
+  EXPECT_EQ(text.find("NON-DROP"), std::string::npos);
+  const List again = read(text);
+  ASSERT_EQ(again.clips.size(), 9u);
+  for (const Clip& clip : again.clips) {
+    EXPECT_TRUE(clip.dropFrame);
+    EXPECT_EQ(clip.frameRate, "59.94");
+  }
+}
 
 TEST(SampleOfASoundMix, SidesOfDissolvesKeepTheirFiles)
 {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <set>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,32 @@ inline int accountedLines(const List& list)
   const Tally& tally = list.tally;
   return tally.blank + tally.headers + tally.notes + tally.statements + static_cast<int>(list.clips.size()) +
          specialLines(list) + static_cast<int>(list.rejected.size());
+}
+
+/// All that an event says, as a text for comparisons: without its line, and without the reel text and its field, which
+/// another list may write in another way.
+inline std::string eventText(const Clip& clip)
+{
+  std::ostringstream text;
+  text << clip.reel << '|' << clip.clipName << '|' << clip.sourceFile << '|' << clip.tracks << '|' << clip.sourceIn
+       << '|' << clip.sourceOut << '|' << clip.recordIn << '|' << clip.recordOut << '|' << clip.frameRate << '|'
+       << clip.dropFrame << '|' << clip.videoChannels << '|' << clip.audioChannels << '|' << clip.special << '|'
+       << clip.event.number << '|' << clip.event.part << '|' << clip.event.transition << '|' << clip.event.duration;
+  for (const std::string& alias : clip.aliases)
+    text << "|alias " << alias;
+  if (clip.event.speed)
+    text << "|speed " << clip.event.speed->framesPerSecond << ' ' << clip.event.speed->timecode;
+  for (const SourceId& id : clip.event.sourceIds)
+    text << '|' << id.kind << ' ' << id.id;
+  return text.str();
+}
+
+inline std::vector<std::string> eventTexts(const std::vector<Clip>& clips)
+{
+  std::vector<std::string> result;
+  for (const Clip& clip : clips)
+    result.push_back(eventText(clip));
+  return result;
 }
 
 /// The bytes of a file; empty when there is none.

@@ -158,6 +158,173 @@ TEST(Write, TextThatIsNotUtf8IsReadAsLatin1AndRemarkedOn)
   EXPECT_EQ(written.remarks.size(), 1u);
 }
 
+/// The text that is written of a list's events, with a reel field of 8. They must be read as the same events.
+std::string writtenBack(const std::string& text)
+{
+  const List list = read(text);
+  const std::vector<Clip> events = eventsOf(list);
+  const Written written = writeEdl(list.title, events, 8);
+  EXPECT_EQ(written.remarks, Strings{});
+  EXPECT_EQ(written.leftOut, Strings{});
+  EXPECT_EQ(written.clips, events.size());
+  EXPECT_EQ(eventTexts(eventsOf(read(written.text))), eventTexts(events)) << written.text;
+  return written.text;
+}
+
+TEST(WriteEdlEvents, NumbersTransitionsAndDurationsAreThoseOfTheList)
+{
+  EXPECT_EQ(writtenBack("TITLE: A\nFCM: NON-DROP FRAME\n"
+                        "007  A001     V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                        "012A A001     V     W001 025 01:00:00:00 01:00:01:00 10:00:01:00 10:00:02:00\n"),
+            "TITLE: A\nFCM: NON-DROP FRAME\n"
+            "007  A001     V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+            "012A  A001     V     W001 025 01:00:00:00 01:00:01:00 10:00:01:00 10:00:02:00\n");
+}
+
+TEST(WriteEdlEvents, ADissolveHasTwoLinesWithTheirNotes)
+{
+  const std::string text = writtenBack("TITLE: A\n" + event("025", "A001 V C") + event("025", "B001 V D 022") +
+                                       "M2 A001 -025.0 09:13:01:07\n* FROM CLIP NAME: one\n* TO CLIP NAME: two\n"
+                                       "* SOURCE FILE: one.mov\n* SOURCE FILE: two.mov\n" +
+                                       event("026", "B001 V C"));
+  EXPECT_NE(text.find("025  A001     V     C        " + anyTimecodes + "\n025  B001     V     D    022 " +
+                      anyTimecodes +
+                      "\n* EVENT LINE: 1 OF 2\n"
+                      "M2   A001     -025.0                 09:13:01:07\n"
+                      "* FROM CLIP NAME: one\n* REEL ALSO CALLED: one.mov\n* SOURCE FILE: one.mov\n"
+                      "* EVENT LINE: 2 OF 2\n* TO CLIP NAME: two\n* REEL ALSO CALLED: two.mov\n* SOURCE FILE: two.mov\n"
+                      "026  B001 "),
+            std::string::npos)
+      << text;
+}
+
+TEST(WriteEdlEvents, AKeyHasItsBackgroundAndItsName)
+{
+  const std::string text = writtenBack("TITLE: A\n" + event("002", "A001 V K B") + event("002", "B001 V K    000") +
+                                       "* FROM CLIP NAME: back\n* KEY CLIP NAME: over\n");
+  EXPECT_NE(text.find(" K B "), std::string::npos) << text;
+  EXPECT_NE(text.find(" K    000 "), std::string::npos) << text;
+  EXPECT_NE(text.find("* KEY CLIP NAME: over\n"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, EventsOfOneNumberStayApart)
+{
+  // Without the note, the second would be read as a part of the first: a wipe, and sound that begins with the picture.
+  writtenBack("TITLE: A\n" + event("001", "A001 V C") + "* FROM CLIP NAME: a\n001 broken 01:00:00:00\n" +
+              event("001", "B001 V W001 010"));
+  const std::string text =
+      writtenBack("TITLE: A\n" + event("001", "A001 V C") + "* LOC: x\n" + event("001", "A001 A C"));
+  EXPECT_NE(text.find("* EVENT LINE: 1 OF 1\n001 "), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, PictureAndSoundWithoutARecordInStayOneEvent)
+{
+  const std::string text = writtenBack("TITLE: A\n"
+                                       "001  A001 V C 01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                                       "001  A001 A C 02:00:00:00 02:00:01:00 10:00:00:00 10:00:01:00\n"
+                                       "* NO TIMECODE: RECORD IN\n");
+  EXPECT_NE(text.find("* EVENT LINE: 2 OF 2\n"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, BlackAndAxStayWhatTheyAre)
+{
+  const std::string text =
+      writtenBack("TITLE: A\n" + event("001", "BL V C") + event("001", "AX V D 024") + "* TO CLIP NAME: still.png\n" +
+                  event("002", "AX V C") + "* FROM CLIP NAME: a\n* SOURCE FILE: a.mov\n" + event("003", "AX V C"));
+  EXPECT_NE(text.find("001  BL       V     C "), std::string::npos) << text;
+  EXPECT_NE(text.find("001  AX       V     D    024 "), std::string::npos) << text;
+  EXPECT_NE(text.find("003  AX       V     C "), std::string::npos) << text;
+  EXPECT_EQ(text.find("REEL MAP"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, AStarIsSpecialAgain)
+{
+  const std::string text = writtenBack("TITLE: A\n" + event("001", "TITLE*2 V C") + "* FROM CLIP NAME: a\n" +
+                                       event("002", "A001 V C") + "* REEL: MATTE*\n" + event("003", "A001 V C"));
+  EXPECT_NE(text.find("* REEL MAP: TITLE2 = TITLE*2\n"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, AReelKeepsItsTextWhereThatIsItsAlone)
+{
+  const std::string text = writtenBack("TITLE: A\n" + event("001", "A021C012 V C") + "* REEL: A021C012_210609_H1KV\n" +
+                                       event("002", "A021C013 V C") + "* REEL: A021C013_210609_H1KV\n" +
+                                       event("003", "A021C013 V C") + "* REEL: A021C013_210610_H1KV\n");
+  EXPECT_NE(text.find("* REEL MAP: A021C012 = A021C012_210609_H1KV\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("A021C013 ="), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, SourceIdsAreATable)
+{
+  const std::string table = "060a2b340101010501010d4313000000-{0a21c012-2106-09aa}";
+  const std::string text =
+      writtenBack("TITLE: A\n" + event("001", "A001 V C") + event("002", "B001 V C") + ">>> SOURCE A001_LONG  A001  " +
+                  table + "\n" + ">>> SOURCE B001  B001  4919975f 793b8d33\n");
+  EXPECT_NE(text.find(">>> SOURCE A001     A001     " + table + "\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(">>> SOURCE B001     B001     4919975f 793b8d33\n"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, IdsThatDifferBetweenTheEventsOfAReelAreRemarkedOn)
+{
+  Clip one = clipOf("A001", "", "V", 1, 0), other = one;
+  one.event.sourceIds = {{"source table", "11111111.22222222"}};
+  EXPECT_EQ(writeEdl("", {one, other, one}, 8).remarks,
+            Strings{"reel 'A001': its events have different source ids (a list gives all of them to each event)"});
+}
+
+TEST(WriteEdlEvents, DropFrameAndTheProvenRateComeBack)
+{
+  const std::string text = writtenBack("TITLE: A\nFCM: DROP FRAME\n"
+                                       "001  A001 V C 01:00:00:45 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                                       "002  BL   V C 00:00:00:00 00:00:01:00 10:00:01:00 10:00:02:00\n"
+                                       "FCM: NON-DROP FRAME\n" +
+                                       event("003", "A001 V C"));
+  EXPECT_NE(text.find("* FRAME RATE: 59.94\n002  BL "), std::string::npos) << text;
+  EXPECT_NE(text.find("FCM: NON-DROP FRAME\n003 "), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, AnEventThatNoListCanHoldIsLeftOut)
+{
+  Clip number = clipOf("A", "ONE", "V", 1, 0), code = number, duration = number, speed = number, from = number;
+  number.event.number = "first";
+  code.event.transition = "D 2";
+  duration.event.duration = "long";
+  speed.event.speed = Speed{"fast", ""};
+  from.event.speed = Speed{"24.0", "noon"};
+  Clip row;
+  row.clipName = row.reel = "Lost";
+  row.special = "no tape and no source file";
+  EXPECT_EQ(writeEdl("", {number, code, duration, speed, from, row}, 8).leftOut,
+            (Strings{"row 'Lost': left out (no tape and no source file)",
+                     "clip 'ONE' of reel 'A': left out ('first' is not an event number)",
+                     "clip 'ONE' of reel 'A': left out ('D 2' is not a transition)",
+                     "clip 'ONE' of reel 'A': left out ('long' is not a duration)",
+                     "clip 'ONE' of reel 'A': left out ('fast' is not a speed)",
+                     "clip 'ONE' of reel 'A': left out ('noon' is not a timecode)"}));
+}
+
+TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsRemarkedOn)
+{
+  const List list = read("TITLE: A\n" + event("001", "BL V C") + event("001", "A001 V D 024") +
+                         "M2 A001 012.5 01:00:00:00\n>>> SOURCE A001 A001 4919975f.793b8d33\n");
+  const Written written = writeAle("25", eventsOf(list));
+  EXPECT_EQ(written.remarks,
+            (Strings{"2 event numbers: not written (a log has none)", "1 transitions: not written (a log has none)",
+                     "1 speeds: not written (a log has none)", "1 source ids: not written (a log has none)"}));
+  const List again = read(written.text);
+  EXPECT_EQ(reels(again), Strings{"A001"});
+  EXPECT_EQ(specialLines(again), 1);
+}
+
+TEST(WriteAleEvents, RowsWithoutASourceComeBack)
+{
+  const List list = read("Column\nName\tTape\tTracks\tStart\tEnd\tSource File\nData\n"
+                         "Lost\t\tV\t01:00:00:00\t01:00:01:00\t\nBlack\tBL\tV\t\t\t\nax\tAX\tV\t\t\t\n"
+                         "one\tA*\tV\t\t\t\nAX\tAX\tV\t\t\t\n");
+  const std::vector<Clip> events = eventsOf(list);
+  ASSERT_EQ(list.specialClips.size(), 5u);
+  EXPECT_EQ(eventTexts(eventsOf(read(writeAle("25", events).text))), eventTexts(events));
+}
+
 TEST(ReelMap, GivesTheReelOfANameAnywhereAndTheNameIsNotAnAlias)
 {
   const List list =
