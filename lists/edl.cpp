@@ -144,6 +144,8 @@ private:
   void reportAmbiguous(Known& known, const std::string& reel);
   void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
   void reportSharedNames();
+  /// Reports a list whose clips all have one reel text: some programs write one for want of a name.
+  void reportOneText();
 
   ReadOptions options_;
   Collector collector_{Format::Edl};
@@ -202,6 +204,7 @@ List Reader::read(std::string_view text)
     part_ += rejected.size() == rejectedBefore ? 1 : 0;
   }
   reportSharedNames();
+  reportOneText();
   for (Ambiguous& files : longerFiles_)
     if (files.names.size() > 1) {
       files.reel = collector_.spelling(files.reel);
@@ -231,6 +234,9 @@ void Reader::line(int number, std::string_view line)
     return;
   } else if (countTimecodes(text) >= 4) {
     collector_.reject(number, text, "no event number");
+  } else if (isMarker(text)) {
+    ++tally.notes;
+    ++tally.ignored;
   } else if (inEvents_) {
     collector_.reject(number, text, "not an event, a note or a known statement");
   } else {
@@ -619,6 +625,20 @@ void Reader::reportSharedNames()
       collector_.list().ambiguous.push_back(
           {collector_.spelling(identifier), "several sources of the list share the name", {}, std::move(distinct)});
   }
+}
+
+void Reader::reportOneText()
+{
+  constexpr std::size_t fewest = 3; // fewer clips are often of one reel
+  const std::vector<Clip>& clips = collector_.list().clips;
+  if (clips.size() < fewest || isAuxiliary(clips.front().event.reelText))
+    return;
+  const auto hasText = [&](const Clip& clip) {
+    return base::sameName(clip.event.reelText, clips.front().event.reelText) && clip.reel == clips.front().reel;
+  };
+  if (std::all_of(clips.begin(), clips.end(), hasText))
+    collector_.list().ambiguous.push_back(
+        {clips.front().reel, "all clips of the list have this reel; it may stand for several sources", {}, {}});
 }
 
 } // namespace

@@ -156,7 +156,7 @@ struct Tally {
   int lines = 0;
   int blank = 0;
   int headers = 0;    ///< title, frame code mode and the like before the first event; headings, sections and columns
-  int notes = 0;      ///< lines with a star
+  int notes = 0;      ///< lines with a star, and markers without one
   int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like
   int ignored = 0;    ///< the number of notes and statements, of those above, that no clip keeps
 };

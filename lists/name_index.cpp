@@ -43,15 +43,6 @@ bool agrees(std::string_view clipName, std::string_view name, bool lettersOnly)
          (lettersOnly && oneBeginsOther(lettersForm(clip), lettersForm(stem)));
 }
 
-/// The first @p characters of the text.
-std::string_view beginning(std::string_view text, std::size_t characters)
-{
-  for (std::size_t at = 0; at < text.size(); ++at)
-    if ((static_cast<unsigned char>(text[at]) & 0xC0) != 0x80 && characters-- == 0)
-      return text.substr(0, at);
-  return text;
-}
-
 } // namespace
 
 std::string_view wordOf(Match match)

@@ -653,4 +653,62 @@ TEST(Edl, OneLineOfMegabytesCostsThatLine)
             "reel '" + std::string(40, 'R') + "...' has " + std::to_string(many.size()) + " characters (at most 129)");
 }
 
+TEST(Edl, MarkersWithoutAStarAreNotes)
+{
+  const List list = readWhole(event("001", "A V C") + "LOC: 00:00:01:00 YELLOW X|D:464\n--\n" + event("002", "B V C") +
+                              "|C:Blue |M:m |D:1\n");
+  EXPECT_EQ(reels(list), (Strings{"A", "B"}));
+  EXPECT_TRUE(list.rejected.empty());
+  EXPECT_EQ(list.tally.notes, 3);
+}
+
+TEST(Edl, FileOfNotesIsAnEmptyList)
+{
+  const List list = readWhole("* a note\n|C:Blue |M:m |D:1\n");
+  EXPECT_TRUE(list.clips.empty());
+  EXPECT_EQ(list.tally.notes, 2);
+}
+
+TEST(Edl, OneReelTextForAllClipsIsADoubt)
+{
+  const std::string two = event("001", "001 V C") + event("002", "001 V C");
+  EXPECT_TRUE(readWhole(two).ambiguous.empty());
+  const List list = readWhole(two + event("003", "001 V C"));
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].reel, "001");
+  EXPECT_TRUE(readWhole(two + event("003", "B V C")).ambiguous.empty());
+}
+
+TEST(Edl, TwoOwnNamesOfOneReelTextAreTwoReels)
+{
+  const List list =
+      readWhole(event("001", "FKI_LEAD V C") + "* SOURCE FILE: FKI_LEADER_HEAD.MOV\n" + event("002", "FKI_LEAD V C") +
+                "* SOURCE FILE: FKI_LEADER_TAIL.MOV\n" + event("003", "FKI_LEAD V C"));
+  EXPECT_EQ(reels(list), (Strings{"FKI_LEADER_HEAD.MOV", "FKI_LEADER_TAIL.MOV", "FKI_LEAD"}));
+  EXPECT_EQ(list.clips[0].evidence, NameEvidence::SourceFile);
+  EXPECT_FALSE(list.clips[0].mayBeCut);
+  EXPECT_TRUE(list.clips[2].mayBeCut);
+}
+
+TEST(Edl, SourceFilesBehindAReelTextThatIsNotCutAreADoubt)
+{
+  const std::string one = event("001", "ACC112   V C") + "* SOURCE FILE: ACC112 WARBIRDS\n";
+  EXPECT_TRUE(readWhole(one).ambiguous.empty());
+  const List list = readWhole(one + event("002", "ACC112   V C") + "* SOURCE FILE: ACC112 TAKE 2\n");
+  EXPECT_EQ(reels(list), (Strings{"ACC112", "ACC112"}));
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"ACC112 WARBIRDS", "ACC112 TAKE 2"}));
+}
+
+TEST(Edl, SourceIdsStayWithTheClip)
+{
+  const List list = readWhole(event("001", "A001C001 V C") + event("002", "B V C") + event("003", "C1 V C") +
+                              ">>> SOURCE A001C001_LONG A001C001 id00000000000001\n"
+                              "* SOURCE FILE: A001C001_LONG_AND_WHOLE\n>>> SOURCE B B id2\n>>> SOURCE B B id3\n");
+  EXPECT_EQ(list.clips.at(0).reel, "A001C001_LONG_AND_WHOLE");
+  EXPECT_EQ(list.clips.at(0).sourceId, "id00000000000001");
+  EXPECT_EQ(list.clips.at(1).sourceId, "") << "the table does not say which of the two";
+  EXPECT_EQ(list.clips.at(2).sourceId, "");
+}
+
 } // namespace

@@ -89,7 +89,8 @@ TEST_P(Samples, GivesExactlyItsReels)
   EXPECT_TRUE(list.rejected.empty());
   EXPECT_TRUE(list.warnings.empty());
   EXPECT_TRUE(list.spellings.empty());
-  EXPECT_TRUE(list.ambiguous.empty());
+  EXPECT_EQ(list.ambiguous.empty(), list.format == Format::Ale || sample.reels > 1)
+      << "one reel for all clips is a doubt";
 }
 
 TEST_P(Samples, EveryLineIsAccountedFor)
