@@ -136,14 +136,11 @@ std::string asWritten(const Cells& cells, Column column)
 }
 
 /// The name of a row's source. A log has no reel field, so no name of it is cut.
-OwnName ownNameOf(const std::string& tape, std::string_view sourceFile, const Clip& clip)
+OwnName ownNameOf(const std::string& tape, const Clip& clip)
 {
   if (isAuxiliary(tape) || tape.empty())
     return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
-  NameTexts texts;
-  texts.reel = tape;
-  texts.sourceFile = sourceFile; // a path does not say what a tape is called
-  return ownNames(texts).front();
+  return {tape};
 }
 
 /// Whether the line is the name of the section, without any other text.
@@ -394,7 +391,7 @@ void Reader::row(int number, std::string_view line)
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
   clip.event.reelText = tape;
-  const OwnName name = ownNameOf(tape, cells[SourceFile], clip);
+  const OwnName name = ownNameOf(tape, clip);
   clip.evidence = name.evidence;
   clip.reel = name.name;
   if (tape.empty() && clip.sourceFile.empty()) {

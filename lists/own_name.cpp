@@ -47,9 +47,9 @@ std::vector<OwnName> ownNames(const NameTexts& texts)
     for (const std::string_view name : {file, fileName(file)}) {
       if (!isName(name))
         continue;
-      if (isSameName(texts.reel, name))
+      if (isSameName(texts.reel, name) || isShortForm(texts.reel, false, name))
         return add(texts.reel, NameEvidence::SourceFile);
-      if (isShortForm(texts.reel, fills, name))
+      if (fills && isCutForm(texts.reel, name))
         return add(name, NameEvidence::SourceFile);
     }
   };

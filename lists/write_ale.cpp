@@ -6,7 +6,6 @@
 
 #include "base/ascii.h"
 #include "lists/names.h"
-#include "lists/own_name.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 #include "lists/tracks.h"
@@ -36,15 +35,9 @@ std::string tracksOf(const Clip& clip)
   return result.empty() ? "NONE" : result;
 }
 
-/// Whether the source file is one of the reel's names, and not a better one. The reader takes the column "Source File"
-/// as such a name.
+/// Whether the source file is one of the reel's names. The reader takes the column "Source File" as such a name.
 bool namesTheReel(const Clip& clip)
 {
-  NameTexts texts;
-  texts.reel = clip.reel;
-  texts.sourceFile = clip.sourceFile;
-  if (clip.special.empty() && !base::sameName(ownNames(texts).front().name, clip.reel))
-    return false;
   return base::sameName(clip.sourceFile, clip.reel) ||
          std::any_of(clip.aliases.begin(), clip.aliases.end(),
                      [&](const std::string& alias) { return base::sameName(alias, clip.sourceFile); });

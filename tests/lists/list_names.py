@@ -136,7 +136,8 @@ def clips_of(path):
         else:
             forms = [f for f in files if same(reel, f) or is_short(reel, fills, f)]
             if forms:
-                name, by_note = (reel if same(reel, forms[0]) else forms[0]), True
+                stays = same(reel, forms[0]) or same(reel, parts(forms[0])[0])
+                name, by_note = (reel if stays else forms[0]), True
             elif len({l.lower() for l in longer}) == 1:
                 name = longer.pop()
             elif fills and "*" not in clip and parts(plain(clip))[1] and is_cut(reel, plain(clip)):

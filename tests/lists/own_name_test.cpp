@@ -38,9 +38,8 @@ TEST(OwnNames, SourceFileOfWhichTheReelTextIsAForm)
   EXPECT_EQ(best(texts), "BOONE SMITH.MOV source-file");
   texts.sourceFile = "boone.sm";
   EXPECT_EQ(best(texts), "BOONE_SM source-file") << "the same name, so the reel text is whole";
-  texts.reel = "BOONE";
-  texts.sourceFile = "BOONE.MOV";
-  EXPECT_EQ(best(texts), "BOONE.MOV source-file");
+  texts.sourceFile = "BOONE_SM.MOV";
+  EXPECT_EQ(best(texts), "BOONE_SM source-file") << "a reel is not called by the ending of its file";
 }
 
 TEST(OwnNames, OtherSourceFilesDecideNothing)
