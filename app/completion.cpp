@@ -2,6 +2,7 @@
 #include "app/completion.h"
 
 #include "app/devices.h"
+#include "app/kept_lists.h"
 #include "app/label_maps.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
@@ -19,6 +20,15 @@ std::vector<Choice> reels(const std::optional<std::string>& project)
   std::vector<Choice> result;
   for (const Reel& reel : listReels(session))
     result.push_back({reel.id, reel.type});
+  return result;
+}
+
+std::vector<Choice> lists(const std::optional<std::string>& project)
+{
+  Session session(project, Access::Read);
+  std::vector<Choice> result;
+  for (const KeptList& list : keptLists(session))
+    result.push_back({list.file, list.title});
   return result;
 }
 
@@ -114,6 +124,8 @@ std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std:
     return plain(projectNames());
   case ValueKind::LabelMap:
     return plain(labelMapNames());
+  case ValueKind::ListFile:
+    return lists(project);
   case ValueKind::FrameRate:
     return rates();
   case ValueKind::Field:

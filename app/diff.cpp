@@ -2,12 +2,15 @@
 #include "app/diff.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 #include <unordered_set>
 
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/kept_events.h"
+#include "app/list_choice.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
@@ -28,6 +31,24 @@ public:
     diff_.whole = whole;
     for (const Shot& shot : shots_)
       there_.insert(shotKey(shot));
+  }
+
+  /// Compares the list with its kept version.
+  void compare(const lists::List& list, const reelhost::KeptList& kept)
+  {
+    std::vector<Shot> before;
+    for (const reelhost::ListEvent& event : reelhost::eventsOfList(kept.number))
+      before.push_back(clipFrom(event));
+    VersionDifference found = difference(before, list.clips);
+    for (const Shot& shot : found.added)
+      addReel(shot.reel);
+    const auto move = [](auto& from, auto& to) {
+      to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
+    };
+    move(found.added, diff_.added);
+    move(found.gone, diff_.missing);
+    move(found.trimmed, diff_.trimmed);
+    move(found.changed, diff_.changed);
   }
 
   void add(const lists::List& list)
@@ -96,13 +117,24 @@ private:
 
 } // namespace
 
-ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole)
+ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
+                      const std::optional<std::string>& as)
 {
   return guarded([&] {
+    if (as && (whole || files.size() != 1))
+      throw Error(ErrorKind::Invalid, "diff: --as compares one file with one list");
     Comparison comparison(session, whole);
-    for (const ListFile& file : files)
-      comparison.add(file.list);
+    std::vector<std::optional<std::int64_t>> versions;
+    for (const ListFile& file : files) {
+      const std::optional<reelhost::KeptList> kept = as ? listNamed(*as) : whole ? std::nullopt : versionOf(file);
+      versions.push_back(kept ? std::optional(kept->number) : std::nullopt);
+      if (kept)
+        comparison.compare(file.list, *kept);
+      else
+        comparison.add(file.list);
+    }
     ListDiff diff = comparison.finish();
+    diff.versions = std::move(versions);
     for (const ListFile& file : files) {
       diff.files.push_back(file.path);
       for (const lists::Rejected& line : file.list.rejected)

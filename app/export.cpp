@@ -12,6 +12,7 @@
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
+#include "base/display_text.h"
 #include "lists/csv.h"
 #include "lists/short_names.h"
 #include "lists/write.h"
@@ -38,10 +39,15 @@ std::string wordOf(bool flag)
   return flag ? "yes" : "no";
 }
 
-/// Adds the remark on reels without shots, because a list cannot contain them.
+/// Adds the remarks on what a list of the project's shots is not, and on reels without shots, which it cannot contain.
 Written listFrom(lists::Written written, const ProjectContent& content)
 {
   Written result{std::move(written.text), written.clips, {}, std::move(written.leftOut)};
+  if (written.clips > 0)
+    result.remarks.push_back(
+        fmt::format("{}: the project is not a cut (each shot once, without transitions and speeds; "
+                    "reeldb export LIST writes a list that was imported)",
+                    base::displayText(content.project)));
   const auto shotless =
       std::count_if(content.reels.begin(), content.reels.end(), [](const Reel& reel) { return reel.shots == 0; });
   if (shotless > 0)

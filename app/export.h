@@ -5,12 +5,15 @@
 #define REELDB_APP_EXPORT_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "app/history.h"
 #include "app/reels.h"
 #include "app/session.h"
 #include "app/shots.h"
+#include "app/state.h"
 
 namespace reeldb::app {
 
@@ -22,6 +25,8 @@ struct ProjectContent {
   std::vector<std::vector<std::string>> oldNames; ///< of each reel
   bool reelsOnly = false;                         ///< for reports: whether the shots are left out
   std::vector<Shot> shots;
+  std::optional<ProjectState> state = {};               ///< for JSON without reelsOnly
+  std::optional<std::vector<CommitEntry>> history = {}; ///< for JSON, if asked for; the newest first
 };
 
 /// All reels and shots, in the project's order. Reels are read by record, not by name: if two identifiers differ only

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <set>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -12,9 +13,13 @@
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/kept_events.h"
+#include "app/list_choice.h"
+#include "app/list_versions.h"
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
+#include "app/unused_shots.h"
 #include "base/ascii.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
@@ -40,49 +45,96 @@ private:
   Receive receive_;
 };
 
+/// What the project keeps of a list.
+struct KeptVersion {
+  reelhost::KeptList list;         ///< number 0: nothing
+  std::vector<Shot> clips;         ///< those with a shot
+  std::vector<std::int64_t> shots; ///< of these clips
+};
+
+/// The kept list that the file's list takes the place of, or that has its bytes.
+std::optional<reelhost::KeptList> listReplacedBy(const ListFile& file, const Replacing& replacing)
+{
+  if (replacing.list)
+    return listNamed(*replacing.list);
+  return replacing.byName ? versionOf(file) : listWithBytesOf(file);
+}
+
+KeptVersion keptVersionOf(const ListFile& file, const Replacing& replacing)
+{
+  KeptVersion version;
+  std::optional<reelhost::KeptList> list = listReplacedBy(file, replacing);
+  if (!list)
+    return version;
+  version.list = std::move(*list);
+  version.list.events = reelhost::eventsOfList(version.list.number);
+  for (const reelhost::ListEvent& event : version.list.events)
+    if (event.shot != 0) {
+      version.clips.push_back(clipFrom(event));
+      version.shots.push_back(event.shot);
+    }
+  return version;
+}
+
 class Importer {
 public:
   /// Reads the reels and the shots of the project.
-  Importer(Session& session, std::size_t clips, const Progress& progress)
-      : manager_(session.manager()), clips_(clips), progress_(progress), rate_(projectRate())
+  Importer(Session& session, std::size_t clips, const Progress& progress, const Replacing& replacing)
+      : manager_(session.manager()), clips_(clips), progress_(progress), replacing_(replacing), rate_(projectRate())
   {
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
-    for (const Shot& shot : allShots(session))
-      shots_.insert(shotKey(shot));
+    for (const Cookie& log : reelhost::allShots())
+      shots_.emplace(shotKey(shotFrom(reelhost::materialOf(log))), reelhost::logNumber(log));
   }
 
   ImportedList import(ListFile file)
   {
     ImportedList result;
-    result.file = std::move(file.path);
-    result.list = std::move(file.list);
+    result.file = file.path;
     const CreatedReels listener([&](const std::string& id) {
       addReel(id);
       result.created.push_back(id);
     });
+    const KeptVersion before = keptVersionOf(file, replacing_);
+    if (before.list.number == 0)
+      noteEarlier(file, result);
+    const std::string name = fileNameOf(file);
+    result.list = std::move(file.list);
+    const auto places = sameShots(before.clips, result.list.clips);
+    std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
-    for (const lists::Clip& clip : result.list.clips) {
-      const bool missing = met.insert(base::fold(clip.reel)).second && !noteReel(clip.reel, result);
+    for (std::size_t i = 0; i < result.list.clips.size(); ++i) {
+      const lists::Clip& clip = result.list.clips[i];
+      const std::int64_t known = places[i] ? before.shots[*places[i]] : 0;
+      const std::string reel = known == 0 ? clip.reel : reelOf(known);
+      const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       std::string key = shotKey(clip);
       const bool repeated = !metShots.insert(key).second;
-      const bool added = bringIn(clip, std::move(key));
+      const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
+      shots.push_back(shot);
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
       // An existing shot may have lost its reel's record. The library is not notified of it, so the reel is created
       // here.
       if (missing && !added)
-        manager_.createNewReel(hostText(clip.reel), noDevice);
+        manager_.createNewReel(hostText(reel), noDevice);
       advance();
     }
+    if (reelhost::keepsLists())
+      keep(name, std::move(file.bytes), before, shots, result);
     if (rate_)
       warnOfRate(result.list);
     result.clips = result.list.clips.size();
     result.list.clips.clear();
+    result.list.specialClips.clear();
     return result;
   }
+
+  /// The shots of the versions that gave their place to another.
+  const std::set<std::int64_t>& replacedShots() const { return replacedShots_; }
 
 private:
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
@@ -100,13 +152,59 @@ private:
     return true;
   }
 
-  /// Creates the clip's shot unless a shot with that key exists. Returns whether it was created.
-  bool bringIn(const lists::Clip& clip, std::string key)
+  /// Creates the clip's shot unless a shot with that key exists. Returns the number of the shot, and whether it was
+  /// created.
+  std::pair<std::int64_t, bool> bringIn(const lists::Clip& clip, std::string key)
   {
-    if (!shots_.insert(std::move(key)).second)
-      return false;
-    reelhost::importMaterial(materialFrom(clip));
-    return true;
+    const auto [shot, isNew] = shots_.emplace(std::move(key), 0);
+    if (isNew)
+      shot->second = reelhost::logNumber(reelhost::importMaterial(materialFrom(clip)));
+    return {shot->second, isNew};
+  }
+
+  /// The reel of a shot that existed before the import.
+  const std::string& reelOf(std::int64_t shot)
+  {
+    if (reelOfShot_.empty())
+      for (const Cookie& log : reelhost::allShots())
+        reelOfShot_.emplace(reelhost::logNumber(log), reelhost::materialOf(log).reel);
+    return reelOfShot_[shot];
+  }
+
+  /// Notes a kept list of which this one seems to be another version.
+  static void noteEarlier(const ListFile& file, ImportedList& result)
+  {
+    for (const reelhost::KeptList& list : reelhost::keptLists())
+      if (base::sameName(list.file, fileNameOf(file)) || (!list.title.empty() && list.title == file.list.title))
+        result.earlier = list.number;
+  }
+
+  /// Keeps the list, whose clips are these shots, unless it is kept as it is.
+  void keep(const std::string& name, std::string bytes, const KeptVersion& before,
+            const std::vector<std::int64_t>& shots, ImportedList& result)
+  {
+    reelhost::KeptList list;
+    list.number = before.list.number;
+    list.file = name;
+    list.title = result.list.title;
+    list.format = formatWord(result.list.format);
+    for (std::size_t i = 0; i < shots.size(); ++i)
+      list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
+    for (const lists::Clip& clip : result.list.specialClips)
+      list.events.push_back(eventFrom(clip, 0));
+    std::stable_sort(list.events.begin(), list.events.end(),
+                     [](const auto& one, const auto& other) { return one.line < other.line; });
+    result.keptAs = list.number;
+    if (list.number != 0 && before.list.events == list.events && before.list.digest == reelhost::digestOf(bytes)) {
+      result.keeping = Keeping::Unchanged;
+      return;
+    }
+    result.keeping = list.number == 0 ? Keeping::New : Keeping::NewVersion;
+    if (result.keeping == Keeping::NewVersion) {
+      result.difference = difference(before.clips, result.list.clips);
+      replacedShots_.insert(before.shots.begin(), before.shots.end());
+    }
+    result.keptAs = reelhost::keepList(std::move(list), std::move(bytes));
   }
 
   /// Adds the warning that the list contradicts the project, if it does.
@@ -129,13 +227,36 @@ private:
   ReelDbManager& manager_;
   std::size_t clips_, done_ = 0;
   const Progress& progress_;
+  const Replacing& replacing_;
   std::optional<lists::FrameRate> rate_; ///< of the project
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
-  std::unordered_set<std::string> shots_; ///< the keys of the shots
+  std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
+  std::unordered_map<std::int64_t, std::string> reelOfShot_; ///< filled when it is needed
+  std::set<std::int64_t> replacedShots_;                     ///< of versions that gave their place to another
 };
 
 } // namespace
+
+std::string_view wordOf(Keeping keeping)
+{
+  switch (keeping) {
+  case Keeping::NotKept:
+    return "no";
+  case Keeping::New:
+    return "new";
+  case Keeping::Unchanged:
+    return "unchanged";
+  case Keeping::NewVersion:
+    return "new version";
+  }
+  return "";
+}
+
+bool ImportedList::changesProject() const
+{
+  return shotsAdded > 0 || !created.empty() || keeping == Keeping::New || keeping == Keeping::NewVersion;
+}
 
 bool ImportReport::rejectedLines() const
 {
@@ -143,21 +264,31 @@ bool ImportReport::rejectedLines() const
                      [](const ImportedList& imported) { return !imported.list.rejected.empty(); });
 }
 
-ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress)
+ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,
+                         const Replacing& replacing)
 {
   return guarded([&] {
+    if (replacing.byName || replacing.list)
+      requireKeepsLists();
+    if (replacing.list && files.size() != 1)
+      throw Error(ErrorKind::Invalid, "import: one list cannot be replaced by several files");
     std::size_t clips = 0;
     for (const ListFile& file : files)
       clips += file.list.clips.size();
-    Importer importer(session, clips, progress);
+    Importer importer(session, clips, progress, replacing);
     ImportReport report;
     report.dryRun = dryRun;
     for (ListFile& file : files) {
       report.lists.push_back(importer.import(std::move(file)));
       const ImportedList& imported = report.lists.back();
-      report.changes = report.changes || imported.shotsAdded > 0 || !imported.created.empty();
+      report.changes = report.changes || imported.changesProject();
       if (!imported.created.empty() && report.remarks.empty()) // all of them have the project's default type
         remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
+    }
+    if (!importer.replacedShots().empty()) {
+      UnusedShots unused = deleteUnused(session, importer.replacedShots());
+      report.shotsRemoved = std::move(unused.shots);
+      report.reelsRemoved = std::move(unused.reels);
     }
     report.stored = !dryRun && session.commit();
     return report;

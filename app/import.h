@@ -5,14 +5,29 @@
 #define REELDB_APP_IMPORT_H
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/list_files.h"
+#include "app/list_versions.h"
 #include "app/progress.h"
 #include "app/session.h"
 
 namespace reeldb::app {
+
+/// What the project now keeps of an imported list.
+enum class Keeping {
+  NotKept,   ///< nothing: its store keeps no lists
+  New,       ///< a further list
+  Unchanged, ///< what it kept before, because the list has these very bytes
+  NewVersion ///< the list in the place of what was kept before
+};
+
+/// "no", "new", "unchanged", "new version"
+std::string_view wordOf(Keeping keeping);
 
 /// The result for one list.
 struct ImportedList {
@@ -24,24 +39,43 @@ struct ImportedList {
   std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
   std::vector<std::string> created; ///< identifiers of the reels that were created, in order
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
+  Keeping keeping = Keeping::NotKept;
+  std::int64_t keptAs = 0;             ///< the number of the kept list; 0: it is not kept
+  VersionDifference difference;        ///< of a new version from the version before
+  std::optional<std::int64_t> earlier; ///< a kept list of this file name or title, in whose place this one was not put
+
+  bool changesProject() const; ///< whether the import of this list changes the project
 };
 
 /// The result for all lists.
 struct ImportReport {
   std::vector<ImportedList> lists;
   bool dryRun = false;
-  bool changes = false;             ///< whether the lists contain anything new
-  bool stored = false;              ///< whether that was stored
-  std::vector<std::string> remarks; ///< why the new reels are doubtful; each "subject: fact (cause)"
+  bool changes = false;                  ///< whether the lists contain anything new
+  bool stored = false;                   ///< whether that was stored
+  std::vector<std::string> remarks;      ///< why the new reels are doubtful; each "subject: fact (cause)"
+  std::vector<std::string> reelsRemoved; ///< identifiers of reels that only replaced versions named
+  std::vector<Shot> shotsRemoved;        ///< shots that only replaced versions used
 
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };
 
+/// Which kept lists an import replaces.
+struct Replacing {
+  bool byName = false;                  ///< those of the file name, or else of the title, of an imported list
+  std::optional<std::string> list = {}; ///< this one, as requireList reads it; for an import of one list
+};
+
 /// Reports every new clip to the host as imported material; the library creates the reels. Two shots are the same if
 /// reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the same shot is not added twice.
-/// The import is one transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it
-/// throws Error, nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
-ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {});
+/// The project keeps each list with its bytes and its events. A list whose bytes it keeps already is not kept twice,
+/// and its clips are the shots that they became then, whatever their reels are called now. A list that is replaced
+/// gives its place to the new version; clips that are in both keep their shots. Shots and reels that only the old
+/// version named, and that imports alone made and changed, are deleted. The import is one transaction. With @p dryRun
+/// nothing is stored, and the report contains what would be stored. If it throws Error, nothing is stored. REQUIRES: a
+/// session for writing, unless it is a dry run.
+ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
+                         const Replacing& replacing = {});
 
 } // namespace reeldb::app
 

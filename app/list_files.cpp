@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/list_files.h"
 
+#include <utility>
+
 #include <fmt/format.h>
 
 #include "base/files.h"
@@ -29,12 +31,21 @@ ErrorKind kindFrom(base::FileFault fault)
 
 } // namespace
 
-ListFile readListFile(const std::string& path)
+std::string readInputFile(const std::string& path, std::size_t largest)
 {
   try {
-    return {path, lists::read(base::readRegularFile(path, largestList))};
+    return base::readRegularFile(path, largest);
   } catch (const base::FileError& error) {
     throw Error(kindFrom(error.fault()), error.what());
+  }
+}
+
+ListFile readListFile(const std::string& path)
+{
+  std::string bytes = readInputFile(path, largestList);
+  try {
+    lists::List list = lists::read(bytes);
+    return {path, std::move(list), std::move(bytes)};
   } catch (const lists::Error& error) {
     throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
   }

@@ -4,6 +4,7 @@
 #ifndef REELDB_APP_LIST_FILES_H
 #define REELDB_APP_LIST_FILES_H
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,11 +18,15 @@ namespace reeldb::app {
 struct ListFile {
   std::string path;
   lists::List list;
+  std::string bytes;
 };
 
 /// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound if there is no such file; Unreadable if it
 /// is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
 ListFile readListFile(const std::string& path);
+
+/// The bytes of a file of at most @p largest bytes. Throws as readListFile does, but takes any content.
+std::string readInputFile(const std::string& path, std::size_t largest);
 
 /// The result for several files: the lists, in the order of the files, and an Error for each file that cannot be read.
 struct ListFiles {

@@ -396,7 +396,7 @@ void Reader::row(int number, std::string_view line)
   clip.reel = name.name;
   if (tape.empty() && clip.sourceFile.empty()) {
     clip.reel = clip.clipName;
-    return collector_.special(std::move(clip), "no tape and no source file");
+    return collector_.special(std::move(clip), noSourceReason);
   }
   if (clip.reel.empty()) {
     clip.reel = isAuxiliary(tape) ? tape : clip.sourceFile;

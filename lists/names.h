@@ -25,6 +25,9 @@ std::size_t paddedField(std::size_t column);
 /// Whether the reel text of an event fills its field, so that it may be cut.
 bool fillsField(const Event& event);
 
+/// Why a row of a log has no source.
+inline constexpr std::string_view noSourceReason = "no tape and no source file";
+
 /// AX, in any case: a source without a tape; its clip name or source file identifies it.
 bool isAuxiliary(std::string_view name);
 

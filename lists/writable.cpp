@@ -5,6 +5,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include <utf8.h>
+
 #include "lists/edl_line.h"
 #include "lists/encoding.h"
 #include "lists/names.h"
@@ -59,7 +61,8 @@ std::string clipFault(const Clip& clip)
 
 std::string writableText(const std::string& text)
 {
-  std::string result = decode(text);
+  // decode() takes the mark of an encoding off the start, where a name may have that character.
+  std::string result = utf8::is_valid(text) ? text : decode(text);
   for (char& c : result)
     if (static_cast<unsigned char>(c) < ' ' || c == '\x7f')
       c = ' ';

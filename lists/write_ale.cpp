@@ -80,11 +80,14 @@ std::string colonsOf(const Clip& clip)
   return columns;
 }
 
-/// The tape of the row. A clip without a source has the text in place of one, which may be none.
+/// The tape of the row, or what stands in its place if the clip has no source; empty if the row had no tape.
 std::string tapeOf(const Clip& clip)
 {
-  const bool isText = clip.special.empty() || !specialReason(clip.reel).empty() || isAuxiliary(clip.reel);
-  return isText ? clip.reel : clip.event.reelText;
+  if (clip.special.empty())
+    return clip.reel;
+  if (clip.event.reelText.empty())
+    return {};
+  return specialReason(clip.reel).empty() ? "AX" : clip.reel;
 }
 
 struct OutColumn {
@@ -139,7 +142,7 @@ void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
     if (const auto count =
             std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
         count > 0)
-      written.remarks.push_back(std::to_string(count) + " " + what + ": not written (a log has none)");
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) + " (a log has none)");
   };
   remark("event numbers", [](const Event& event) { return !event.number.empty(); });
   remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });

@@ -61,9 +61,15 @@ std::vector<std::string> reelsOf(const std::vector<Clip>& clips)
   return reels;
 }
 
+/// The text that stands for a reel in a list.
+struct ReelText {
+  std::string text;
+  bool isOfList = false; ///< whether the list has it
+};
+
 /// The text that each reel has in its list, if that is one and of this reel alone; else the reel itself. So a list is
 /// written back with the names that it came with.
-std::vector<std::string> reelTextsOf(const std::vector<std::string>& reels, const std::vector<Clip>& clips)
+std::vector<ReelText> reelTextsOf(const std::vector<std::string>& reels, const std::vector<Clip>& clips)
 {
   std::unordered_map<std::string, std::string> texts; // by folded reel; empty: there are several
   for (const Clip& clip : clips) {
@@ -81,13 +87,35 @@ std::vector<std::string> reelTextsOf(const std::vector<std::string>& reels, cons
     if (!base::sameName(text, reel))
       ++uses[base::fold(text)];
   }
-  std::vector<std::string> result;
+  std::vector<ReelText> result;
   for (const std::string& reel : reels) {
     const std::string& text = texts.at(base::fold(reel));
-    const bool isOwn = !text.empty() && !base::sameName(text, reel) && uses.at(base::fold(text)) == 1;
-    result.push_back(isOwn ? text : reel);
+    const bool isReel = base::sameName(text, reel);
+    const bool isOwn = !text.empty() && !isReel && uses.at(base::fold(text)) == 1;
+    result.push_back({isOwn ? text : reel, isOwn || isReel});
   }
   return result;
+}
+
+/// A name in a field of this width for each reel; empty if the field has fewer names than there are reels. A reel text
+/// that came in a field of this width stays as it is: the systems that read such a list take it.
+std::optional<std::vector<std::string>> namesFor(const std::vector<std::string>& reels, const std::vector<Clip>& clips,
+                                                 std::size_t field)
+{
+  const std::vector<ReelText> ofList = reelTextsOf(reels, clips);
+  std::vector<std::string> texts;
+  for (const ReelText& each : ofList)
+    texts.push_back(each.text);
+  std::optional<std::vector<std::string>> names = shortReelNames(texts, field);
+  const auto isOfThisField = [&](const Clip& clip) { return clip.event.reelField == field; };
+  if (!names || std::none_of(clips.begin(), clips.end(), isOfThisField))
+    return names;
+  // A text that is not a short name itself has a character that no short name has, so all names stay distinct.
+  for (std::size_t i = 0; i < reels.size(); ++i)
+    if (ofList[i].isOfList && length(texts[i]) <= field && texts[i].find(' ') == std::string::npos &&
+        specialReason(texts[i]).empty() && !isAuxiliary(texts[i]))
+      (*names)[i] = texts[i];
+  return names;
 }
 
 /// Whether the reader reads the clip's channels from its tracks when they stand in an event.
@@ -140,7 +168,7 @@ public:
   Writer(const std::vector<Clip>& clips, std::size_t reelField) : clips_(clips), field_(reelField)
   {
     const std::vector<std::string> reels = reelsOf(clips);
-    const auto names = shortReelNames(reelTextsOf(reels, clips), reelField);
+    const auto names = namesFor(reels, clips, reelField);
     if (!names)
       throw Error(std::to_string(reels.size()) + " reels: a reel field of " + std::to_string(reelField) +
                   " has fewer names");
@@ -168,7 +196,7 @@ public:
       return clip.frameRate == clips_.front().frameRate;
     });
     if (oneRate_)
-      note("FRAME RATE", clips_.front().frameRate);
+      text_ += note("FRAME RATE", clips_.front().frameRate);
     for (std::size_t first = 0; first < clips_.size();) {
       std::size_t last = first + 1;
       while (last < clips_.size() && isSameEvent(clips_[last - 1].event, clips_[last].event))
@@ -198,18 +226,23 @@ private:
     text_ += drop ? "FCM: DROP FRAME\n" : "FCM: NON-DROP FRAME\n";
   }
 
-  /// The lines of an event, then the notes of each line. Notes of several lines, and those of an event that the next
-  /// one could be taken for a part of, say where they belong.
+  /// The lines of an event, then the notes of each line. Notes of several lines say where they belong, and so do those
+  /// of an event that the next one could be taken for a part of.
   void event(std::size_t first, std::size_t last)
   {
     const std::string number = numberOf(clips_[first]);
     for (std::size_t i = first; i < last; ++i)
       line(number, clips_[i], clips_[first]);
-    const bool isDivided = last - first > 1 || (last < clips_.size() && clips_[last].event.number == number);
-    for (std::size_t i = first; i < last; ++i) {
-      if (isDivided)
-        note("EVENT LINE", std::to_string(i - first + 1) + " OF " + std::to_string(last - first));
-      notes(clips_[i]);
+    std::vector<std::string> notes;
+    for (std::size_t i = first; i < last; ++i)
+      notes.push_back(notesOf(clips_[i]));
+    const bool hasNotes =
+        std::any_of(notes.begin(), notes.end(), [](const std::string& each) { return !each.empty(); });
+    const bool couldGoOn = last < clips_.size() && clips_[last].event.number == number;
+    for (std::size_t i = 0; i < notes.size(); ++i) {
+      if (couldGoOn || (hasNotes && notes.size() > 1))
+        text_ += note("EVENT LINE", std::to_string(i + 1) + " OF " + std::to_string(notes.size()));
+      text_ += notes[i];
     }
   }
 
@@ -278,11 +311,12 @@ private:
 
   bool isLiteral(const Clip& clip) const { return isChannelField(clip, digits_); }
 
-  void notes(const Clip& clip)
+  std::string notesOf(const Clip& clip) const
   {
+    std::string notes;
     if (const std::optional<Speed>& speed = clip.event.speed) {
       constexpr std::size_t speedColumns = 7;
-      text_ += "M2   " + padded(nameOf(clip), reelColumns()) + " " + padded(speed->framesPerSecond, speedColumns) +
+      notes += "M2   " + padded(nameOf(clip), reelColumns()) + " " + padded(speed->framesPerSecond, speedColumns) +
                "                " + speed->timecode + "\n";
     }
     std::string missing;
@@ -291,21 +325,22 @@ private:
           std::pair("RECORD IN", &clip.recordIn), std::pair("RECORD OUT", &clip.recordOut)})
       if (timecode->empty())
         missing += (missing.empty() ? "" : ", ") + std::string(what);
-    note("NO TIMECODE", missing);
+    notes += note("NO TIMECODE", missing);
     if (!isLiteral(clip))
-      note("TRACKS AS WRITTEN", clip.tracks);
-    note(clipNameKey(clip.event), clip.clipName);
+      notes += note("TRACKS AS WRITTEN", clip.tracks);
+    notes += note(clipNameKey(clip.event), clip.clipName);
     for (const std::string& alias : clip.aliases)
-      note("REEL ALSO CALLED", alias);
-    note("SOURCE FILE", clip.sourceFile);
+      notes += note("REEL ALSO CALLED", alias);
+    notes += note("SOURCE FILE", clip.sourceFile);
     if (!oneRate_)
-      note("FRAME RATE", clip.frameRate);
+      notes += note("FRAME RATE", clip.frameRate);
+    return notes;
   }
 
-  void note(std::string_view key, const std::string& value)
+  /// The note with its line end; empty without a value.
+  static std::string note(std::string_view key, const std::string& value)
   {
-    if (!value.empty())
-      text_.append("* ").append(key).append(": ").append(value).append("\n");
+    return value.empty() ? value : "* " + std::string(key) + ": " + value + "\n";
   }
 
   /// A row for each id of a name. The table gives an id to a name, not to an event.
@@ -380,10 +415,10 @@ void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
 std::vector<Clip> withReels(std::vector<Clip> clips, Written& written)
 {
   std::erase_if(clips, [&](const Clip& clip) {
-    const bool isNameless = !clip.special.empty() && clip.event.reelText.empty() && !isAuxiliary(clip.reel);
-    if (isNameless)
-      written.leftOut.push_back("row " + inQuotes(clip.clipName) + ": left out (" + clip.special + ")");
-    return isNameless;
+    if (clip.special != noSourceReason)
+      return false;
+    written.leftOut.push_back("row " + inQuotes(clip.clipName) + ": left out (" + clip.special + ")");
+    return true;
   });
   return clips;
 }

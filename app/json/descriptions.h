@@ -16,6 +16,7 @@
 #include "app/history.h"
 #include "app/import.h"
 #include "app/json/io.h"
+#include "app/kept_lists.h"
 #include "app/label_maps.h"
 #include "app/names.h"
 #include "app/needs.h"
@@ -24,6 +25,7 @@
 #include "app/reels.h"
 #include "app/rename.h"
 #include "app/shot_logs.h"
+#include "app/state.h"
 #include "app/types.h"
 #include "app/watch.h"
 
@@ -39,6 +41,13 @@ void describe(Io& io, R& shot)
   io("audio_channels", shot.audioChannels);
   io("frame_rate", shot.frameRate);
   io("drop_frame", shot.dropFrame);
+}
+
+template <class Io, app::json::Like<SourceId> R>
+void describe(Io& io, R& id)
+{
+  io("kind", id.kind);
+  io("id", id.id);
 }
 
 template <class Io, app::json::Like<Proof> R>
@@ -299,6 +308,22 @@ void describe(Io& io, R& meaning)
 
 // --- Lists -----------------------------------------------------------------------------------------
 
+template <class Io, Like<ClipStep> R>
+void describe(Io& io, R& step)
+{
+  io("from", step.before);
+  io("to", step.after);
+}
+
+template <class Io, Like<VersionDifference> R>
+void describe(Io& io, R& difference)
+{
+  io("added", difference.added);
+  io("gone", difference.gone);
+  io("trimmed", difference.trimmed);
+  io("changed", difference.changed);
+}
+
 template <class Io, Like<ImportedList> R>
 void describe(Io& io, R& imported)
 {
@@ -329,6 +354,67 @@ void describe(Io& io, R& imported)
   io("rejected", list.rejected);
   io("lines", list.tally);
   io("timing", list.timing);
+  if constexpr (Io::writes) {
+    io.json()["kept"] = wordOf(imported.keeping);
+    io.json()["list"] = imported.keptAs == 0 ? Value(nullptr) : Value(imported.keptAs);
+  } else {
+    imported.keeping = fromWord(io.json().at("kept"),
+                                std::array{Keeping::NotKept, Keeping::New, Keeping::Unchanged, Keeping::NewVersion});
+    if (const Value& number = io.json().at("list"); !number.is_null())
+      imported.keptAs = number;
+  }
+  io("difference", imported.difference);
+  io.optional("earlier_list", imported.earlier);
+}
+
+template <class Io, Like<KeptList> R>
+void describe(Io& io, R& list)
+{
+  io("number", list.number);
+  io("file", list.file);
+  io("title", list.title);
+  io("format", list.format);
+  io("events", list.events);
+}
+
+template <class Io, Like<ListUse> R>
+void describe(Io& io, R& use)
+{
+  auto& event = use.clip.event;
+  io("number", event.number);
+  io("part", event.part);
+  io("line", use.clip.line);
+  describe(io, use.clip);
+  io("special", use.clip.special);
+  io("reel_text", event.reelText);
+  io("reel_field", event.reelField);
+  io("transition", event.transition);
+  io("duration", event.duration);
+  if constexpr (Io::writes) {
+    io.json()["speed"] = event.speed ? Value(event.speed->framesPerSecond) : Value(nullptr);
+    io.json()["speed_timecode"] = event.speed ? Value(event.speed->timecode) : Value(nullptr);
+  } else if (const Value& speed = io.json().at("speed"); !speed.is_null()) {
+    event.speed = lists::Speed{speed, io.json().at("speed_timecode")};
+  }
+  io("source_ids", event.sourceIds);
+  io("reel_now", use.reel);
+}
+
+template <class Io, Like<ListEvents> R>
+void describe(Io& io, R& found)
+{
+  io("list", found.list);
+  io("events", found.events);
+}
+
+template <class Io, Like<RemovedList> R>
+void describe(Io& io, R& removed)
+{
+  io("list", removed.list);
+  io("dry_run", removed.dryRun);
+  io("stored", removed.stored);
+  io("reels", removed.reels);
+  io("shots", removed.shots);
 }
 
 template <class Io, Like<ImportReport> R>
@@ -337,10 +423,11 @@ void describe(Io& io, R& report)
   io("dry_run", report.dryRun);
   io("stored", report.stored);
   io("files", report.lists);
+  io("reels_removed", report.reelsRemoved);
+  io("shots_removed", report.shotsRemoved);
   if constexpr (!Io::writes)
-    report.changes = std::any_of(report.lists.begin(), report.lists.end(), [](const ImportedList& imported) {
-      return imported.shotsAdded > 0 || !imported.created.empty();
-    });
+    report.changes = std::any_of(report.lists.begin(), report.lists.end(),
+                                 [](const ImportedList& imported) { return imported.changesProject(); });
 }
 
 template <class Io, Like<NewReel> R>
@@ -375,6 +462,148 @@ void describe(Io& io, R& diff)
   io("shots_added", diff.added);
   io("shots_gone", diff.missing);
   io("rejected", diff.rejected);
+  io("shots_trimmed", diff.trimmed);
+  io("shots_changed", diff.changed);
+  if constexpr (Io::writes) {
+    io.json()["versions"] = Value::array();
+    for (const std::optional<std::int64_t>& version : diff.versions)
+      io.json()["versions"].push_back(version ? Value(*version) : Value(nullptr));
+  } else {
+    for (const Value& version : io.json().at("versions"))
+      diff.versions.push_back(version.is_null() ? std::nullopt : std::optional<std::int64_t>(version));
+  }
+}
+
+/// A whole number. Other numbers would be rounded in silence.
+template <class Io, class T>
+void whole(Io& io, const char* key, T& number)
+{
+  if constexpr (!Io::writes)
+    if (!io.json().at(key).is_number_integer())
+      throw std::invalid_argument(std::string(key) + " is not a whole number");
+  io(key, number);
+}
+
+/// An object, and beside it an array of the keys that are not UTF-8, if there are any.
+template <class Io, class T>
+void keyTexts(Io& io, const char* key, T& texts)
+{
+  const std::string others = std::string(key) + "_in_bytes";
+  if constexpr (Io::writes) {
+    Value named = Value::object(), unnamed = Value::array();
+    for (const auto& [name, text] : texts)
+      if (utf8::is_valid(name))
+        named[name] = json::bytesJson(text);
+      else
+        unnamed.push_back({{"key", json::bytesJson(name)}, {"text", json::bytesJson(text)}});
+    io.json()[key] = std::move(named);
+    if (!unnamed.empty())
+      io.json()[others] = std::move(unnamed);
+  } else {
+    for (const auto& [name, text] : io.json().at(key).template get_ref<const Value::object_t&>())
+      texts.emplace_back(name, json::bytesFrom(text));
+    if (io.json().contains(others))
+      for (const Value& entry : io.json().at(others).template get_ref<const Value::array_t&>())
+        texts.emplace_back(json::bytesFrom(entry.at("key")), json::bytesFrom(entry.at("text")));
+  }
+}
+
+template <class Io, Like<LogState> R>
+void describe(Io& io, R& log)
+{
+  whole(io, "number", log.number);
+  io("id", log.id);
+  whole(io, "tag", log.tag);
+  io.bytes("kind", log.kind);
+  whole(io, "type", log.type);
+  io("imported", log.imported);
+  io("entire_medium", log.entireMedium);
+  io.bytes("name", log.name);
+  io.bytes("reel_type", log.reelType);
+  whole(io, "video_channels", log.videoChannels);
+  whole(io, "audio_channels", log.audioChannels);
+  keyTexts(io, "keys", log.keys);
+}
+
+template <class Io, class T>
+void bytesArray(Io& io, const char* key, T& texts)
+{
+  if constexpr (Io::writes) {
+    Value array = Value::array();
+    for (const std::string& text : texts)
+      array.push_back(json::bytesJson(text));
+    io.json()[key] = std::move(array);
+  } else {
+    for (const Value& text : io.json().at(key).template get_ref<const Value::array_t&>())
+      texts.push_back(json::bytesFrom(text));
+  }
+}
+
+template <class Io, Like<EventState> R>
+void describe(Io& io, R& event)
+{
+  whole(io, "shot", event.shot);
+  whole(io, "line", event.clip.line);
+  for (const ShotText& text : shotTexts)
+    io.bytes(text.name, event.clip.*text.text);
+  bytesArray(io, "aliases", event.clip.aliases);
+  whole(io, "video_channels", event.clip.videoChannels);
+  whole(io, "audio_channels", event.clip.audioChannels);
+  io.bytes("frame_rate", event.clip.frameRate);
+  io("drop_frame", event.clip.dropFrame);
+  io.bytes("special", event.clip.special);
+  io.bytes("number", event.clip.event.number);
+  whole(io, "part", event.clip.event.part);
+  io.bytes("reel_text", event.clip.event.reelText);
+  whole(io, "reel_field", event.clip.event.reelField);
+  io.bytes("transition", event.clip.event.transition);
+  io.bytes("duration", event.clip.event.duration);
+  auto& speed = event.clip.event.speed;
+  if constexpr (Io::writes) {
+    io.json()["speed"] = speed ? json::bytesJson(speed->framesPerSecond) : Value(nullptr);
+    io.json()["speed_timecode"] = speed ? json::bytesJson(speed->timecode) : Value(nullptr);
+    Value ids = Value::array();
+    for (const lists::SourceId& id : event.clip.event.sourceIds)
+      ids.push_back({{"kind", json::bytesJson(id.kind)}, {"id", json::bytesJson(id.id)}});
+    io.json()["source_ids"] = std::move(ids);
+  } else {
+    if (const Value& written = io.json().at("speed"); !written.is_null())
+      speed = lists::Speed{json::bytesFrom(written), json::bytesFrom(io.json().at("speed_timecode"))};
+    for (const Value& id : io.json().at("source_ids").template get_ref<const Value::array_t&>())
+      event.clip.event.sourceIds.push_back({json::bytesFrom(id.at("kind")), json::bytesFrom(id.at("id"))});
+  }
+}
+
+template <class Io, Like<ListState> R>
+void describe(Io& io, R& list)
+{
+  whole(io, "number", list.number);
+  io.bytes("file", list.file);
+  io.bytes("title", list.title);
+  io.bytes("format", list.format);
+  io.bytes("content", list.content);
+  io("events", list.events);
+}
+
+template <class Io, Like<ProjectState> R>
+void describe(Io& io, R& state)
+{
+  constexpr int knownVersion = 1;
+  if constexpr (Io::writes) {
+    io.json()["state_version"] = knownVersion;
+  } else {
+    if (!io.json().contains("state_version"))
+      throw std::invalid_argument("it has no state, as reeldb export --json without --reels has");
+    if (io.json().at("state_version") != knownVersion)
+      throw std::invalid_argument("its state_version is " + io.json().at("state_version").dump() + ", not " +
+                                  std::to_string(knownVersion));
+  }
+  io("project_id", state.id);
+  whole(io, "frame_rate_code", state.frameRateCode);
+  whole(io, "output_frame_rate_code", state.outputFrameRateCode);
+  keyTexts(io, "options", state.options);
+  io("logs", state.logs);
+  io("lists", state.lists);
 }
 
 template <class Io, Like<ProjectContent> R>
@@ -388,13 +617,18 @@ void describe(Io& io, R& content)
       io.json()["reels"][i]["old_names"] = content.oldNames[i];
     if (!content.reelsOnly)
       io("shots", content.shots);
+    if (content.state)
+      describe(io, *content.state);
   } else {
     for (const Value& reel : io.json().at("reels"))
       json::read(reel.at("old_names"), content.oldNames.emplace_back());
     content.reelsOnly = !io.json().contains("shots");
     if (!content.reelsOnly)
       io("shots", content.shots);
+    if (io.json().contains("state_version"))
+      describe(io, content.state.emplace());
   }
+  io.optional("history", content.history);
 }
 
 // --- Deletions -------------------------------------------------------------------------------------

@@ -7,11 +7,15 @@
 
 #include <concepts>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
 
 #include <nlohmann/json.hpp>
+#include <utf8.h>
+
+#include "base/base64.h"
 
 namespace reeldb::app::json {
 
@@ -31,6 +35,24 @@ template <class T>
 Value write(const T& value);
 template <class T>
 void read(const Value& json, T& value);
+
+inline Value bytesJson(const std::string& text)
+{
+  if (utf8::is_valid(text))
+    return text;
+  return {{"bytes", base::toBase64(text)}};
+}
+
+/// Throws std::invalid_argument, or nlohmann's exceptions.
+inline std::string bytesFrom(const Value& json)
+{
+  if (!json.is_object())
+    return json.get<std::string>();
+  const auto& text = json.at("bytes").get_ref<const std::string&>();
+  if (auto bytes = base::fromBase64(text))
+    return *std::move(bytes);
+  throw std::invalid_argument("\"" + text.substr(0, 40) + "\" is not base64");
+}
 
 /// Sets the keys of an object.
 class Writer {
@@ -56,6 +78,8 @@ public:
     if (!text.empty())
       json_[key] = text;
   }
+  /// Sets the key to a text of any bytes: one that is not UTF-8 becomes {"bytes": "<base64>"}.
+  void bytes(const char* key, const std::string& text) { json_[key] = bytesJson(text); }
   Value& json() { return json_; }
 
 private:
@@ -84,6 +108,7 @@ public:
     if (json_.contains(key))
       text = json_.at(key).get<std::string>();
   }
+  void bytes(const char* key, std::string& text) { text = bytesFrom(json_.at(key)); }
   const Value& json() const { return json_; }
 
 private:

@@ -24,6 +24,7 @@ void addCommands(CommandLine& line)
   addRedo(line);
   addHistory(line);
   addWatch(line);
+  addListFile(line);
   addProject(line);
   addDevice(line);
   addLabelMap(line);

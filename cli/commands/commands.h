@@ -20,6 +20,7 @@ void addImport(CommandLine& line);
 void addInit(CommandLine& line);
 void addLabelMap(CommandLine& line);
 void addList(CommandLine& line);
+void addListFile(CommandLine& line);
 void addProject(CommandLine& line);
 void addReelsOf(CommandLine& line);
 void addRedo(CommandLine& line);

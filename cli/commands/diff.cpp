@@ -19,6 +19,7 @@ using base::displayText;
 
 struct Options {
   std::vector<std::string> files;
+  std::optional<std::string> as;
   bool gone = false;
   bool json = false;
 };
@@ -51,6 +52,33 @@ void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shot
   table.print(indent);
 }
 
+void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& steps)
+{
+  constexpr std::size_t indent = 2;
+  if (steps.empty())
+    return;
+  print(fmt::format("{} {}:\n", counted(steps.size(), "shot"), heading));
+  Table table({{"REEL"},
+               {"CLIP"},
+               {"TRACKS"},
+               {"SOURCE IN"},
+               {"SOURCE OUT"},
+               {.title = "RECORD IN", .optional = true},
+               {.title = "RECORD OUT", .optional = true},
+               {.title = "WAS", .optional = true}});
+  const auto was = [](const app::Shot& shot, const app::Shot& now) {
+    std::string text;
+    for (const auto part : {&app::Shot::sourceIn, &app::Shot::sourceOut, &app::Shot::recordIn, &app::Shot::recordOut})
+      if (shot.*part != now.*part)
+        text += (text.empty() ? "" : " ") + orDash(shot.*part);
+    return text;
+  };
+  for (const auto& [before, after] : steps)
+    table.add({after.reel, orDash(after.clipName), after.tracks, after.sourceIn, after.sourceOut, after.recordIn,
+               after.recordOut, was(before, after)});
+  table.print(indent);
+}
+
 void printDiff(const app::ListDiff& diff)
 {
   if (!diff.newReels.empty())
@@ -67,8 +95,16 @@ void printDiff(const app::ListDiff& diff)
     print(fmt::format("  {} is {}\n", displayText(spelling.other), displayText(spelling.reel)));
   printShotsOf("added", diff.added);
   printShotsOf("no longer there", diff.missing);
+  printStepsOf("trimmed", diff.trimmed);
+  printStepsOf("elsewhere in the cut", diff.changed);
   if (diff.empty())
     print("no differences\n");
+  else if (!diff.whole)
+    for (std::size_t i = 0; i < diff.files.size(); ++i)
+      if (!diff.versions[i])
+        print(
+            fmt::format("{}: compared with all shots of its reels (no earlier version of it is known; --as names it)\n",
+                        displayText(diff.files[i])));
   for (const auto& [file, line] : diff.rejected)
     complain(fmt::format("{}: line {} rejected: {} ({})", file, line.line, line.reason, line.text));
 }
@@ -79,12 +115,14 @@ ExitCode run(const Options& options, const Globals& globals)
   if (!files.failures.empty())
     throw files.failures.front();
   app::Session session(globals.project, app::Access::Read);
-  const app::ListDiff diff = app::compareLists(session, files.read, options.gone);
+  const app::ListDiff diff = app::compareLists(session, files.read, options.gone, options.as);
   if (options.json)
     print(app::jsonText(diff));
   else
     printDiff(diff);
-  return diff.rejected.empty() ? done : incomplete;
+  if (!diff.rejected.empty())
+    return incomplete;
+  return diff.empty() ? done : refused;
 }
 
 } // namespace
@@ -94,17 +132,22 @@ void addDiff(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "diff",
-       .description = "Compare new versions of cut lists and log files with the project",
+       .description = "Compare new versions of cut lists and log files with those that the project keeps",
        .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl", "reeldb diff --json rushes.ale"},
        .details =
-           "Reports the reels that an import would make (with existing reels that they may be, see reeldb which),\n"
-           "reels in another spelling, the shots that it would add, and shots of the lists' reels that are in the\n"
-           "project but no longer in the lists. Several files are compared as one list. A cut list is compared\n"
-           "only with shots from cut lists, and a log file only with shots from log files. With --gone the files\n"
-           "are taken as complete: a reel that none of them names is reported as gone, with its shots. Nothing is\n"
-           "changed. The exit code is 0, with and without differences, or 4 if lines were rejected."},
+           "Compares a list with the version of it that the project keeps: the one with its bytes, or else its file\n"
+           "name, or else its title; --as names it. Reports shots that were added, are no longer there, were trimmed\n"
+           "(another source in or out) or stand elsewhere in the cut, and the reels that an import would make, with\n"
+           "existing reels that they may be (see reeldb which).\n"
+           "\n"
+           "A list without such a version is compared with the shots of its reels, a cut list only with shots from\n"
+           "cut lists, and a log file only with shots from log files; several such files are compared as one list.\n"
+           "With --gone all files are compared so, and are taken as complete: a reel that none of them names is\n"
+           "reported as gone, with its shots. Nothing is changed. The exit code is 0 without differences, 1 with\n"
+           "differences, and 4 if lines were rejected."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The lists").required().shownAs("");
+  command.text("--as", options->as, "Compare with this list").shownAs("LIST");
   command.flag("--gone", options->gone, "Also report reels that none of the files names");
   command.json(options->json);
 }

@@ -10,6 +10,7 @@
 
 #include "app/export.h"
 #include "app/json/json.h"
+#include "app/list_export.h"
 #include "app/list_files.h"
 #include "base/number.h"
 #include "base/text_width.h"
@@ -23,23 +24,24 @@ namespace reeldb::cli {
 namespace {
 
 struct Options {
+  std::optional<std::string> list;
   bool edl = false, ale = false, csv = false, json = false;
-  bool reelsOnly = false;
+  bool reelsOnly = false, history = false;
   std::optional<std::string> reelLength, file;
   bool force = false;
 };
 
-constexpr std::size_t usualReelLength = 8;
+constexpr std::size_t usualReelLength = 8; // of a cut list of the project; a list of its own has its own
 
 [[noreturn]] void refuse(const std::string& what)
 {
   throw app::Error(app::ErrorKind::Invalid, what);
 }
 
-std::size_t readReelLength(const Options& options)
+std::optional<std::size_t> readReelLength(const Options& options)
 {
   if (!options.reelLength)
-    return usualReelLength;
+    return std::nullopt;
   const std::vector<std::size_t>& lengths = app::reelLengths();
   const auto number = base::parseNumber(*options.reelLength);
   const auto found = std::find(lengths.begin(), lengths.end(), static_cast<std::size_t>(number.value_or(0)));
@@ -49,16 +51,31 @@ std::size_t readReelLength(const Options& options)
   return *found;
 }
 
+/// An export of a list needs no format: it has its own.
+void checkListOptions(const Options& options)
+{
+  if (options.csv || options.json || options.reelsOnly || options.history)
+    refuse("export LIST: --edl or --ale, if any (reeldb list-file show LIST --json has its events as JSON)");
+  if (options.edl && options.ale)
+    refuse("export LIST: --edl and --ale exclude each other");
+  if (options.reelLength && options.ale)
+    refuse("export: --reel-length needs --edl");
+}
+
 void checkOptions(const Options& options)
 {
+  if (options.force && !options.file)
+    refuse("export: --force needs -o FILE");
+  if (options.list)
+    return checkListOptions(options);
   if (options.edl + options.ale + options.csv + options.json != 1)
     refuse("export: no format given (use one of --edl, --ale, --csv, --json)");
   if (options.reelLength && !options.edl)
     refuse("export: --reel-length needs --edl");
   if (options.reelsOnly && (options.edl || options.ale))
     refuse("export: --reels needs --csv or --json (lists contain shots)");
-  if (options.force && !options.file)
-    refuse("export: --force needs -o FILE");
+  if (options.history && (!options.json || options.reelsOnly))
+    refuse("export: --history needs --json, without --reels");
 }
 
 app::Written write(const Options& options, const app::ProjectContent& content, std::size_t reelLength)
@@ -84,24 +101,46 @@ void printBytes(const std::string& text)
   }
 }
 
-ExitCode run(const Options& options, const Globals& globals)
+/// Writes to the file or standard output, and complains of what it is not. @p what is in the file: "3 shots".
+ExitCode writeOut(const Options& options, const app::Written& written, const std::string& what)
 {
-  checkOptions(options);
-  const std::size_t reelLength = readReelLength(options);
-  app::Session session(globals.project, app::Access::Read);
-  app::ProjectContent content = app::readContent(session);
-  content.reelsOnly = options.reelsOnly;
-  const app::Written written = write(options, content, reelLength);
   if (options.file) {
     app::writeOutputFile(*options.file, written.text, options.force);
-    print(fmt::format("{}: {}\n", base::displayText(*options.file),
-                      options.reelsOnly ? counted(content.reels.size(), "reel") : counted(written.shots, "shot")));
+    print(fmt::format("{}: {}\n", base::displayText(*options.file), what));
   } else {
     printBytes(written.text);
   }
   complainOf(written.remarks);
   complainOf(written.leftOut);
   return written.leftOut.empty() ? done : incomplete;
+}
+
+ExitCode writeList(const Options& options, std::optional<std::size_t> reelLength, const Globals& globals)
+{
+  app::ListForm form{{}, reelLength};
+  if (options.edl || options.ale)
+    form.format = options.edl ? lists::Format::Edl : lists::Format::Ale;
+  app::Session session(globals.project, app::Access::Read);
+  const app::Written written = app::exportList(session, *options.list, form);
+  return writeOut(options, written, counted(written.shots, "event"));
+}
+
+ExitCode run(const Options& options, const Globals& globals)
+{
+  checkOptions(options);
+  const std::optional<std::size_t> reelLength = readReelLength(options);
+  if (options.list)
+    return writeList(options, reelLength, globals);
+  app::Session session(globals.project, app::Access::Read);
+  app::ProjectContent content = app::readContent(session);
+  content.reelsOnly = options.reelsOnly;
+  if (options.json && !options.reelsOnly)
+    content.state = app::readState(session);
+  if (options.history)
+    content.history = app::readHistory(session, std::nullopt).commits;
+  const app::Written written = write(options, content, reelLength.value_or(usualReelLength));
+  return writeOut(options, written,
+                  options.reelsOnly ? counted(content.reels.size(), "reel") : counted(written.shots, "shot"));
 }
 
 } // namespace
@@ -111,22 +150,30 @@ void addExport(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "export",
-       .description = "Write the reels and shots of the project as a cut list, a log file, a table or JSON",
-       .examples = {"reeldb export --edl --reel-length 32 -o cut.edl", "reeldb export --ale -o rushes-out.ale",
-                    "reeldb export --csv --reels", "reeldb export --json"},
+       .description = "Write a list of the project, or its reels and shots, as a cut list, a log file, a table or JSON",
+       .examples = {"reeldb export evening.edl", "reeldb export --edl --reel-length 32 -o cut.edl",
+                    "reeldb export --ale -o rushes-out.ale", "reeldb export --csv --reels",
+                    "reeldb export --json -o main.json"},
        .details =
-           "A cut list has an event for each shot. Its reel names have the length that the receiving system\n"
-           "reads: three digits, 6 or 8 capitals and digits, or 32 or 129 characters. They are unique, and notes\n"
+           "LIST is a list that was imported: its number, file name or title. Its events are written back as they\n"
+           "came, with transitions, speeds and repeated shots, and with the reels that they have now. Without\n"
+           "LIST, a cut list has an event for each shot of the project, which is not a cut.\n"
+           "\n"
+           "The reel names of a cut list have the length that the receiving system reads: three digits, 6 or 8\n"
+           "capitals and digits, or 32 or 129 characters; those of LIST by default. They are unique, and notes\n"
            "at the head map them to the full names; reeldb import reads these notes, so an exported list or log\n"
-           "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. A file is written\n"
-           "completely or not at all. The command reports whatever a list cannot contain; if a shot is left out,\n"
-           "the exit code is 4."},
+           "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. JSON contains the\n"
+           "whole project but its history; reeldb project new NAME --from FILE makes the same project of it.\n"
+           "A file is written completely or not at all. The command reports whatever a list cannot contain; if\n"
+           "a shot is left out, the exit code is 4."},
       [options](const Globals& globals) { return run(*options, globals); });
+  command.text("LIST", options->list, "The list to write; without it, the project").shownAs("");
   command.flag("--edl", options->edl, "A cut list (CMX3600 EDL)");
   command.flag("--ale", options->ale, "A log exchange file (ALE)");
   command.flag("--csv", options->csv, "A table of the shots");
-  command.flag("--json", options->json, "Reels and shots as JSON");
+  command.flag("--json", options->json, "All of the project as JSON, from which project new --from makes it again");
   command.flag("--reels", options->reelsOnly, "Only the reels, for --csv and --json");
+  command.flag("--history", options->history, "Its commits, too, for --json");
   command.text("--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
       .shownAs("N");
   command.text("-o,--output", options->file, "The file to write; without it, standard output").shownAs("FILE");

@@ -19,6 +19,7 @@ namespace {
 
 struct Options {
   std::vector<std::string> files;
+  app::Replacing replacing;
   bool dryRun = false;
   bool json = false;
 };
@@ -34,6 +35,7 @@ void show(const Options& options, const app::ImportReport& report)
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
   for (const app::ImportedList& imported : report.lists)
     print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
+  print(removedText(report, terminalColumns(stdout).value_or(usualColumns), mood));
   if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
   else if (!report.stored)
@@ -65,10 +67,11 @@ ExitCode run(const Options& options, const Globals& globals)
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
   const app::ImportReport report = [&] {
     ProgressBar bar("importing");
-    return app::importLists(session, std::move(files), options.dryRun, [&](std::size_t done, std::size_t total) {
+    const app::Progress show = [&](std::size_t done, std::size_t total) {
       bar.show(done, total);
       return true;
-    });
+    };
+    return app::importLists(session, std::move(files), options.dryRun, show, options.replacing);
   }();
   if (report.stored)
     changesAreStored();
@@ -86,16 +89,23 @@ void addImport(CommandLine& line)
       {.name = "import",
        .description = "Import cut lists and log files, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
-                    "reeldb import --json rushes.ale"},
+                    "reeldb import --replace evening.edl", "reeldb import --json rushes.ale"},
        .details =
            "Reads cut lists (CMX3600 EDL) and log exchange files (ALE); their content shows which they are. Every\n"
            "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
            "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
            "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"
            "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"
-           "is reported. If a file cannot be read, nothing of any file is imported."},
+           "is reported. If a file cannot be read, nothing of any file is imported.\n"
+           "\n"
+           "The project keeps each list. With --replace a list takes the place of the kept list that has its file\n"
+           "name, or else its title; --as names that list. The report has what was added, is gone, was trimmed, or\n"
+           "stands elsewhere in the cut. Shots that only the old version used go, and their reels with the last of\n"
+           "them, unless a person made or changed them."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
+  command.flag("--replace", options->replacing.byName, "Put the list in the place of its earlier version");
+  command.text("--as", options->replacing.list, "Put the list in the place of this one").shownAs("LIST");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

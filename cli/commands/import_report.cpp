@@ -105,7 +105,32 @@ std::string remarksText(const std::string& what, const std::vector<Remark>& rema
   return result;
 }
 
+std::string keepingText(const app::ImportedList& imported)
+{
+  if (imported.keeping == app::Keeping::Unchanged)
+    return fmt::format("  unchanged: list {} of the project\n", imported.keptAs);
+  if (imported.keeping == app::Keeping::NewVersion) {
+    const app::VersionDifference& difference = imported.difference;
+    return fmt::format("  new version of list {}: {} added, {} gone, {} trimmed, {} elsewhere in the cut\n",
+                       imported.keptAs, difference.added.size(), difference.gone.size(), difference.trimmed.size(),
+                       difference.changed.size());
+  }
+  if (imported.earlier)
+    return fmt::format("  list {} stays beside it (--as {} puts this one in its place)\n", *imported.earlier,
+                       *imported.earlier);
+  return {};
+}
+
 } // namespace
+
+std::string removedText(const app::ImportReport& report, std::size_t columns, Mood mood)
+{
+  std::string text;
+  if (!report.shotsRemoved.empty())
+    text = fmt::format("{} {}: only earlier versions had {}\n", counted(report.shotsRemoved.size(), "shot"),
+                       did(mood, "removed"), report.shotsRemoved.size() == 1 ? "it" : "them");
+  return text + reelsText(did(mood, "removed"), report.reelsRemoved, columns);
+}
 
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
 {
@@ -117,6 +142,7 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
   if (imported.shotsRepeated > 0)
     result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
   result += "\n";
+  result += keepingText(imported);
   result += reelsText(did(mood, "created"), imported.created, columns);
   result += reelsText("already there", imported.matched, columns);
   if (!list.specials.empty())

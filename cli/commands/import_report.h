@@ -15,6 +15,9 @@ enum class Mood { Fact, Conditional };
 /// The result for the list as text for people. Names are wrapped at @p columns; quoted lines of the list are not.
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood);
 
+/// What the import removed, because only replaced versions of lists had it; empty if that is nothing.
+std::string removedText(const app::ImportReport& report, std::size_t columns, Mood mood);
+
 } // namespace reeldb::cli
 
 #endif

@@ -5,6 +5,7 @@
 
 #include "app/json/json.h"
 #include "app/projects.h"
+#include "app/state.h"
 #include "base/display_text.h"
 #include "base/shell_word.h"
 #include "text/counted.h"
@@ -19,12 +20,15 @@ using base::displayText;
 
 struct NewOptions {
   std::string name;
-  std::string rate = app::usualFrameRate;
+  std::optional<std::string> rate, from;
 };
 
 ExitCode makeNew(const NewOptions& options)
 {
-  const std::string rate = app::makeProject(options.name, options.rate);
+  if (options.from && options.rate)
+    throw app::Error(app::ErrorKind::Invalid, "project new: --rate and --from given (the file has the rate)");
+  const std::string rate = options.from ? app::makeProjectFrom(app::readStateFile(*options.from), options.name)
+                                        : app::makeProject(options.name, options.rate.value_or(app::usualFrameRate));
   changesAreStored();
   print(fmt::format("project {} made ({} fps)\n", displayText(options.name), rate));
   if (options.name != app::defaultProject())
@@ -140,13 +144,17 @@ void addProject(CommandLine& line)
       line.add(group,
                {.name = "new",
                 .description = "Make a project",
-                .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97"},
+                .examples = {"reeldb project new documentary", "reeldb project new promo --rate 29.97",
+                             "reeldb project new copy --from documentary.json"},
                 .details = "A frame rate is a name or a code of the facility, or another way to write it: 23.976 or\n"
-                           "24000/1001 is 23.98. facility.toml can add frame rates, and it names the default project."},
+                           "24000/1001 is 23.98. facility.toml can add frame rates, and it names the default project.\n"
+                           "With --from, the project is the same as the one that reeldb export --json wrote to the\n"
+                           "file, with an empty history."},
                [newOptions](const Globals&) { return makeNew(*newOptions); });
   making.text("NAME", newOptions->name, "Its name, and the name of its file").required().shownAs("");
   making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
+  making.text("--from", newOptions->from, "A file of reeldb export --json, of which it is made").shownAs("FILE");
 
   const auto listOptions = std::make_shared<ListOptions>();
   Command listing = line.add(group,

@@ -186,11 +186,22 @@ private:
 ValueKind valueKindOf(const std::string& metavariable)
 {
   static const std::map<std::string_view, ValueKind> kinds = {
-      {"ID", ValueKind::Reel},         {"REEL", ValueKind::Reel},         {"OLD", ValueKind::Reel},
-      {"FROM", ValueKind::Reel},       {"TO", ValueKind::Reel},           {"NUMBER", ValueKind::Device},
-      {"PROJECT", ValueKind::Project}, {"MAP", ValueKind::LabelMap},      {"CODE|NAME", ValueKind::FrameRate},
-      {"RATE", ValueKind::FrameRate},  {"FIELD=VALUE", ValueKind::Field}, {"NUMBER=NAME", ValueKind::UserField},
-      {"FILE", ValueKind::File},       {"LIST", ValueKind::File},         {"DIR", ValueKind::Folder},
+      {"ID", ValueKind::Reel},
+      {"REEL", ValueKind::Reel},
+      {"OLD", ValueKind::Reel},
+      {"FROM", ValueKind::Reel},
+      {"TO", ValueKind::Reel},
+      {"NUMBER", ValueKind::Device},
+      {"PROJECT", ValueKind::Project},
+      {"MAP", ValueKind::LabelMap},
+      {"LIST", ValueKind::ListFile},
+      {"CODE|NAME", ValueKind::FrameRate},
+      {"RATE", ValueKind::FrameRate},
+      {"FIELD=VALUE", ValueKind::Field},
+      {"NUMBER=NAME", ValueKind::UserField},
+      {"FILE", ValueKind::File},
+      {"LIST", ValueKind::File},
+      {"DIR", ValueKind::Folder},
   };
   const auto found = kinds.find(metavariable);
   return found == kinds.end() ? ValueKind::Other : found->second;

@@ -371,14 +371,19 @@ int Project::undelete()
   const std::int64_t deletion = lastDeletion(history);
   if (deletion == 0)
     return 0;
-  Inverse inverse;
-  inverse.revision = deletion;
-  for (LogChange& change : history.changesOf(deletion).logs)
+  RevisionChanges changes = history.changesOf(deletion);
+  Plan plan;
+  plan.inverse.revision = deletion;
+  for (LogChange& change : changes.logs)
     if (isRestorable(change))
-      inverse.logs.push_back(std::move(*change.before));
-  for (const StoredLog& log : inverse.logs)
+      plan.inverse.logs.push_back(std::move(*change.before));
+  for (const ListChange& change : changes.lists)
+    if (!change.forgotten)
+      planTakingBack(change, plan);
+  requireShots(plan);
+  for (const StoredLog& log : plan.inverse.logs)
     read(StoredLog(log));
-  inverse_ = std::move(inverse);
+  inverse_ = std::move(plan.inverse);
   return static_cast<int>(inverse_.logs.size());
 }
 
@@ -424,8 +429,8 @@ void Project::OptionsOwner::configChanged(Key key)
 
 bool Project::hasChanges() const
 {
-  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || inverse_.revision != 0 || compact_ ||
-         forgetBefore_ != 0;
+  return !dirty_.empty() || !changedOptions_.empty() || !deleted_.empty() || !changedLists_.empty() ||
+         inverse_.revision != 0 || compact_ || forgetBefore_ != 0;
 }
 
 Changes Project::collect() const
@@ -442,6 +447,12 @@ Changes Project::collect() const
   changes.forgetBefore = forgetBefore_;
   for (const Key key : changedOptions_)
     changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
+  for (const auto& [number, list] : changedLists_)
+    if (list)
+      changes.lists.push_back(*list);
+    else
+      changes.deletedLists.push_back(number);
+  changes.listBytes = listBytes_;
   return changes;
 }
 
@@ -452,6 +463,8 @@ void Project::forgetChanges()
   dirty_.clear();
   changedOptions_.clear();
   deleted_.clear();
+  changedLists_.clear();
+  listBytes_.clear();
   inverse_ = {};
   compact_ = false;
   forgetBefore_ = 0;
@@ -467,6 +480,7 @@ bool Project::commit()
   if (access_ == Access::Read)
     throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
   use(Access::Write);
+  dropEventsOfDeletedLogs();
   const Changes changes = collect();
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);

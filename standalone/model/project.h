@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <memory>
 #include <optional>
 #include <set>
@@ -69,6 +70,14 @@ public:
   int forgetHistory(std::int64_t before);
   TakenBack takeBack(std::int64_t revision);
 
+  // --- Lists; those that wait to be stored are included ------------------------------------------
+  bool keepsLists() const { return !isClosed_ && store_->lists(); }
+  std::vector<KeptList> lists(); ///< without their events
+  std::vector<ListEvent> eventsOf(std::int64_t list);
+  std::string listBytes(const Digest& digest);
+  std::int64_t keep(KeptList&& list, std::string&& bytes);
+  void removeList(std::int64_t list);
+
   // --- Storing -----------------------------------------------------------------------------------
   bool hasChanges() const;
   bool commit(); ///< returns whether anything was stored
@@ -108,7 +117,15 @@ private:
   void remove(Log& log);
   /// Adds what takes the change back. Throws Error (Refused) if a later revision is in the way.
   void planTakingBack(const LogChange& change, Plan& plan);
+  void planTakingBack(const ListChange& change, Plan& plan);
+  void refuseIfForgotten(bool forgotten, std::int64_t revision) const;
   void planTakingBack(const RevisionChanges& changes, Plan& plan);
+  /// Throws Error (Refused) if an event of a list would be left without its shot.
+  void requireShots(const Plan& plan);
+  /// The list as it waits to be stored, null if it is to be removed; empty if it is as it is stored.
+  std::optional<const KeptList*> pendingList(std::int64_t number) const;
+  void dropEventsOfDeletedLogs();
+  Lists& requireLists() const;
   void apply(const Plan& plan);
   History& requireHistory() const;
   void requireNoTrashPending(const char* what) const;
@@ -139,6 +156,8 @@ private:
   std::vector<Log*> dirty_;
   std::vector<Key> changedOptions_;
   std::set<std::int64_t> deleted_;
+  std::map<std::int64_t, std::optional<KeptList>> changedLists_; ///< empty: to be removed
+  std::vector<std::string> listBytes_;                           ///< of changed lists
   Inverse inverse_; ///< what takes an earlier revision back; its changes are made already
   bool compact_ = false;
   std::int64_t forgetBefore_ = 0;

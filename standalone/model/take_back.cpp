@@ -27,7 +27,8 @@ bool takeBackValue(T& now, const T& before, const T& after)
   return now == before;
 }
 
-std::optional<std::string> valueIn(const Values& values, const std::string& key)
+template <class Map>
+std::optional<typename Map::mapped_type> valueIn(const Map& values, const typename Map::key_type& key)
 {
   const auto found = values.find(key);
   return found == values.end() ? std::nullopt : std::optional(found->second);
@@ -38,13 +39,15 @@ Values valuesOf(const KeyValues& values)
   return Values(values.begin(), values.end());
 }
 
-bool takeBackValues(Values& now, const Values& before, const Values& after)
+/// The same for each value of a map.
+template <class Map>
+bool takeBackValues(Map& now, const Map& before, const Map& after)
 {
-  Values keys = before;
+  Map keys = before;
   keys.insert(after.begin(), after.end());
   return std::all_of(keys.begin(), keys.end(), [&](const auto& entry) {
-    const std::string& key = entry.first;
-    std::optional<std::string> value = valueIn(now, key);
+    const auto& key = entry.first;
+    auto value = valueIn(now, key);
     if (!takeBackValue(value, valueIn(before, key), valueIn(after, key)))
       return false;
     now.erase(key);
@@ -67,6 +70,47 @@ bool takeBackValues(StoredLog& now, const StoredLog& before, const StoredLog& af
                     takeBackValue(now.audioChannels, before.audioChannels, after.audioChannels) &&
                     takeBackValues(fields, valuesOf(before.fields), valuesOf(after.fields));
   now.fields.assign(fields.begin(), fields.end());
+  return done;
+}
+
+/// The events by their lines and shots.
+std::map<std::pair<int, std::int64_t>, ListEvent> byPlace(const std::vector<ListEvent>& events)
+{
+  std::map<std::pair<int, std::int64_t>, ListEvent> places;
+  for (const ListEvent& event : events)
+    places.emplace(std::pair(event.line, event.shot), event);
+  return places;
+}
+
+/// The same for the events of one version of a list.
+bool takeBackEvents(std::vector<ListEvent>& now, const std::vector<ListEvent>& before,
+                    const std::vector<ListEvent>& after)
+{
+  auto events = byPlace(now);
+  if (!takeBackValues(events, byPlace(before), byPlace(after)))
+    return false;
+  // Events of one line keep the order that they had.
+  std::vector<ListEvent> ordered;
+  for (const std::vector<ListEvent>* known : {&before, static_cast<const std::vector<ListEvent>*>(&now)})
+    for (const ListEvent& event : *known)
+      if (auto found = events.extract({event.line, event.shot}))
+        ordered.push_back(std::move(found.mapped()));
+  std::stable_sort(ordered.begin(), ordered.end(),
+                   [](const ListEvent& a, const ListEvent& b) { return a.line < b.line; });
+  now = std::move(ordered);
+  return true;
+}
+
+/// The same for a list, whose number never changes.
+bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after)
+{
+  const bool oneVersion = now.digest == before.digest && now.digest == after.digest;
+  const bool done =
+      (oneVersion ? takeBackEvents(now.events, before.events, after.events)
+                  : takeBackValue(now.events, before.events, after.events)) &&
+      takeBackValue(now.digest, before.digest, after.digest) && takeBackValue(now.file, before.file, after.file) &&
+      takeBackValue(now.title, before.title, after.title) && takeBackValue(now.format, before.format, after.format);
+  now.eventCount = static_cast<std::int64_t>(now.events.size());
   return done;
 }
 
@@ -95,19 +139,30 @@ std::string nameOf(const StoredLog& log)
   return "log " + std::to_string(log.number);
 }
 
-[[noreturn]] void refuse(const LogChange& change, const StoredLog& log, const char* what)
+std::string nameOf(const KeptList& list)
 {
-  throw Error(ErrorKind::Refused, nameOf(log) + ": " + what + " since revision " + std::to_string(change.revision) +
+  return displayText(list.file.empty() ? "list " + std::to_string(list.number) : list.file);
+}
+
+template <class Record>
+[[noreturn]] void refuse(const RecordChange<Record>& change, const Record& record, const char* what)
+{
+  throw Error(ErrorKind::Refused, nameOf(record) + ": " + what + " since revision " + std::to_string(change.revision) +
                                       " (by revision " + std::to_string(change.next) + ", take that one back first)");
 }
 
 } // namespace
 
+void Project::refuseIfForgotten(bool forgotten, std::int64_t revision) const
+{
+  if (forgotten)
+    throw Error(ErrorKind::Refused, subject() + ": revision " + std::to_string(revision) +
+                                        " cannot be taken back (project compact has removed what it deleted)");
+}
+
 void Project::planTakingBack(const LogChange& change, Plan& plan)
 {
-  if (change.forgotten)
-    throw Error(ErrorKind::Refused, subject() + ": revision " + std::to_string(change.revision) +
-                                        " cannot be taken back (project compact has removed what it deleted)");
+  refuseIfForgotten(change.forgotten, change.revision);
   const std::optional<StoredLog>& before = change.before;
   const std::optional<StoredLog>& after = change.after;
   if (!before && !after)
@@ -139,10 +194,76 @@ void Project::planTakingBack(const LogChange& change, Plan& plan)
   }
 }
 
+void Project::planTakingBack(const ListChange& change, Plan& plan)
+{
+  refuseIfForgotten(change.forgotten, change.revision);
+  const std::optional<KeptList>& before = change.before;
+  const std::optional<KeptList>& after = change.after;
+  std::optional<KeptList> now;
+  for (KeptList& list : lists())
+    if (list.number == change.number) {
+      list.events = eventsOf(list.number);
+      now = std::move(list);
+    }
+  if (before && after) {
+    if (!now)
+      refuse(change, *after, "removed");
+    const KeptList found = *now;
+    if (!takeBackValues(*now, *before, *after))
+      refuse(change, found, "changed");
+    if (*now != found)
+      plan.inverse.lists.push_back(std::move(*now));
+  } else if (before) {
+    if (now && *now != *before)
+      refuse(change, *now, "restored and changed");
+    if (!now)
+      plan.inverse.lists.push_back(*before);
+  } else if (after && now) {
+    if (*now != *after)
+      refuse(change, *now, "changed");
+    plan.inverse.deletedLists.push_back(change.number);
+  }
+}
+
+void Project::requireShots(const Plan& plan)
+{
+  if (plan.inverse.deleted.empty() && plan.inverse.lists.empty())
+    return;
+  std::set<std::int64_t> shots;
+  for (const Log* log : others())
+    shots.insert(log->number);
+  for (const StoredLog& log : plan.inverse.logs)
+    if (log.type != codes::reelLog)
+      shots.insert(log.number);
+  for (const std::int64_t number : plan.inverse.deleted)
+    shots.erase(number);
+  const auto require = [&](const KeptList& list, const std::vector<ListEvent>& events, const char* fact) {
+    for (const ListEvent& event : events)
+      if (event.shot != 0 && shots.count(event.shot) == 0)
+        throw Error(ErrorKind::Refused, nameOf(list) + ": line " + std::to_string(event.line) + fact);
+  };
+  for (const KeptList& list : plan.inverse.lists)
+    require(list, list.events, " names a shot that is gone (import the list again)");
+  if (plan.inverse.deleted.empty())
+    return;
+  const auto isPlanned = [&](std::int64_t number) {
+    const std::vector<std::int64_t>& gone = plan.inverse.deletedLists;
+    return std::find(gone.begin(), gone.end(), number) != gone.end() ||
+           std::any_of(plan.inverse.lists.begin(), plan.inverse.lists.end(),
+                       [number](const KeptList& list) { return list.number == number; });
+  };
+  for (const KeptList& list : lists())
+    if (!isPlanned(list.number))
+      require(list, eventsOf(list.number), " would lose its shot (remove this list first)");
+}
+
 void Project::planTakingBack(const RevisionChanges& changes, Plan& plan)
 {
   for (const LogChange& change : changes.logs)
     planTakingBack(change, plan);
+  for (const ListChange& change : changes.lists)
+    planTakingBack(change, plan);
+  requireShots(plan);
   if (!changes.optionsBefore)
     return;
   const Values found = valuesOf(blockOf(options_).fields());
@@ -201,6 +322,7 @@ TakenBack Project::takeBack(std::int64_t revision)
   result.removed = static_cast<int>(plan.gone.size());
   result.changed = plan.changed;
   result.restored = static_cast<int>(plan.inverse.logs.size()) - plan.changed;
+  result.lists = static_cast<int>(plan.inverse.lists.size() + plan.inverse.deletedLists.size());
   result.options = !plan.inverse.options.empty() || !plan.inverse.unsetOptions.empty();
   if (result.anything())
     inverse_ = std::move(plan.inverse);

@@ -23,24 +23,29 @@ struct Revision {
   std::int64_t takesBack = 0;                         ///< the earlier revision that it takes back; 0: no revision
   bool isRedo = false;                                ///< whether that one took another one back
   std::int64_t created = 0, changed = 0, deleted = 0; ///< numbers of logs
+  std::int64_t lists = 0;                             ///< the number of lists that it changed
   bool setOptions = false;                            ///< whether it changed options of the project
 
-  bool hasChanges() const { return created != 0 || changed != 0 || deleted != 0 || setOptions; }
+  bool hasChanges() const { return created != 0 || changed != 0 || deleted != 0 || lists != 0 || setOptions; }
 };
 
-/// A log before and after one revision.
-struct LogChange {
+/// A log or a list before and after one revision.
+template <class Record>
+struct RecordChange {
   std::int64_t revision = 0;
-  std::int64_t number = 0;                ///< of the log
-  std::optional<StoredLog> before, after; ///< empty: there was no such log
-  bool forgotten = false;                 ///< what it was before was removed for good
-  std::int64_t next = 0;                  ///< the next revision that changed the log; 0: no later revision did
-  bool isThere = false;                   ///< whether there is such a log now
+  std::int64_t number = 0;             ///< of the log or list
+  std::optional<Record> before, after; ///< empty: there was no such log or list
+  bool forgotten = false;              ///< what it was before was removed for good
+  std::int64_t next = 0;               ///< the next revision that changed it; 0: no later revision did
+  bool isThere = false;                ///< whether it is there now
 };
+using LogChange = RecordChange<StoredLog>;
+using ListChange = RecordChange<KeptList>;
 
 /// What one revision changed.
 struct RevisionChanges {
   std::vector<LogChange> logs;                          ///< by number
+  std::vector<ListChange> lists;                        ///< by number
   std::optional<KeyValues> optionsBefore, optionsAfter; ///< all options; empty if the revision changed no option
 };
 
@@ -61,6 +66,8 @@ public:
   virtual RevisionChanges changesOf(std::int64_t revision) = 0;
   /// Reads every change of the log, the oldest first.
   virtual void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) = 0;
+  /// Reads which logs each revision changed, deleted or created, without what they were.
+  virtual void readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
 
@@ -76,7 +83,8 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion.
+/// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion. A
+/// revision that also created logs is not a deletion.
 std::int64_t lastDeletion(History& history);
 
 } // namespace reelhost

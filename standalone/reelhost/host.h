@@ -126,16 +126,38 @@ CookieVec shotsOf(const std::string& reelId);
 /// case. Empty if no project is open.
 std::unordered_map<std::string, std::int64_t> shotCounts();
 
+/// The number of the log; 0 if there is no such log. Events of lists name their shots by it.
+std::int64_t logNumber(const Cookie& log);
+
+/// @}
+/// @name Lists
+/// The lists that the project keeps. Those that wait to be stored are included. Throws Error: Refused if the project's
+/// store keeps no lists, and as reading it does.
+/// @{
+
+bool keepsLists();                 ///< whether the open project's store keeps lists
+std::vector<KeptList> keptLists(); ///< without their events, by number. Empty if the store keeps no lists
+/// The events of the list. Throws Error (NotFound) if there is no such list.
+std::vector<ListEvent> eventsOfList(std::int64_t list);
+/// The bytes of a kept list, by its digest. Throws Error (NotFound) if there are none.
+std::string bytesOfList(const Digest& digest);
+/// Keeps a list of these bytes, or, if @p list has a number, puts it in the place of the list with that number. Its
+/// digest and its number of events are set here. Returns its number. commit stores the change. REQUIRES: each event
+/// names a log that exists, or none.
+std::int64_t keepList(KeptList list, std::string bytes);
+/// Removes the list with its events. Its shots stay. commit stores the change.
+void removeList(std::int64_t list);
+
 /// @}
 /// @name Deletion
 /// @{
 
-/// Deletes the logs as one deletion, notifies the listeners (handleLogsDeletion) and returns the number of deleted
-/// logs. Skips logs that do not exist. commit stores the deletion. Exceptions of listeners pass through; the logs are
-/// deleted.
+/// Deletes the logs as one deletion, with the events of lists that name them, notifies the listeners
+/// (handleLogsDeletion) and returns the number of deleted logs. Skips logs that do not exist. commit stores the
+/// deletion. Exceptions of listeners pass through; the logs are deleted.
 int deleteLogs(const CookieVec& logs);
-/// Restores the logs of the last stored deletion and returns their number. Notifies no listener. commit stores the
-/// change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+/// Restores the logs of the last stored deletion, with their events, and returns their number. Notifies no listener.
+/// commit stores the change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
 int undelete();
 /// Empties the trash for good and returns the number of logs in it. commit stores the change. Throws as undelete does.
 int compact();
@@ -144,19 +166,21 @@ int compact();
 /// @name History
 /// @{
 
-/// What taking a revision back has changed: numbers of logs.
+/// What taking a revision back has changed.
 struct TakenBack {
-  int restored = 0, changed = 0, removed = 0;
-  bool options = false; ///< whether options of the project changed
-  bool anything() const { return restored != 0 || changed != 0 || removed != 0 || options; }
+  int restored = 0, changed = 0, removed = 0; ///< numbers of logs
+  int lists = 0;                              ///< the number of lists that changed
+  bool options = false;                       ///< whether options of the project changed
+  bool anything() const { return restored != 0 || changed != 0 || removed != 0 || lists != 0 || options; }
 };
 
 /// Takes a stored revision back: each value of a log that it changed is as it was before, logs that it created are
 /// gone, and logs that it deleted are there again, with number and Cookie. Values that it did not change stay. Taking a
 /// revision back that took another one back makes the changes of that other one again. Notifies no listener. commit
 /// stores the change, as a revision of its own. Throws Error, and nothing has changed: Refused if a later revision
-/// changed one of the values, if the revision is taken back already, if another change is not stored yet, or if the
-/// project keeps no history; NotFound if there is no such revision.
+/// changed one of the values, if the revision is taken back already, if an event of a list would be left without its
+/// shot, if another change is not stored yet, or if the project keeps no history; NotFound if there is no such
+/// revision.
 TakenBack takeBack(std::int64_t revision);
 /// Removes all revisions below @p before from the history for good, with the deleted logs that only they have, and
 /// returns their number. commit stores the change. Throws as undelete does.

@@ -5,6 +5,7 @@
 #define REELHOST_MATERIAL_H
 
 #include <array>
+#include <compare>
 #include <string>
 
 namespace reelhost {
@@ -24,6 +25,8 @@ struct Material {
       audioChannels = 0;  ///< number of audio channels
   std::string frameRate;  ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
   bool dropFrame = false; ///< whether the list says that its timecodes are drop frame
+
+  bool operator==(const Material&) const = default;
 };
 
 /// One text of a shot.

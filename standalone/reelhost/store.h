@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "reelhost/error.h"
+#include "reelhost/lists.h"
 
 namespace reelhost {
 
@@ -67,11 +68,14 @@ struct Inverse {
   std::vector<std::int64_t> deleted;
   KeyValues options;
   std::vector<std::string> unsetOptions; ///< the options that the revision set first
+  std::vector<KeptList> lists = {};
+  std::vector<std::int64_t> deletedLists = {};
 };
 
 /// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted,
-/// options. A written log replaces the log of its number, or brings it back if it was deleted. A number in deleted is
-/// ignored if there is no such log.
+/// options, lists, deletedLists. A written log or list replaces the one of its number, or brings it back if it was
+/// deleted. A number in deleted or deletedLists is ignored if there is no such log or list. A store that keeps no lists
+/// ignores the lists and their bytes.
 ///
 /// A store that keeps a history gives each commit a revision. The inverse has a revision of its own, and so have the
 /// deletions if one of the deleted logs is also written: the last revision says what the log was when it was deleted.
@@ -82,10 +86,14 @@ struct Changes {
   bool compact = false;              ///< removes for good what the history keeps of deleted logs
   std::int64_t forgetBefore = 0;     ///< removes all revisions below this number from the history
   KeyValues options;                 ///< project options that were set
+  std::vector<KeptList> lists;       ///< new and changed lists, by number
+  std::vector<std::int64_t> deletedLists;
+  std::vector<std::string> listBytes; ///< the bytes of lists, unless they are stored already
   Origin origin;
   bool empty() const
   {
-    return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 && options.empty();
+    return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 &&
+           options.empty() && lists.empty() && deletedLists.empty();
   }
 };
 
@@ -106,6 +114,8 @@ public:
   /// The history of the project, which lives as long as the store. Null if this store keeps no history: what is deleted
   /// is then gone for good.
   virtual History* history() { return nullptr; }
+  /// The lists of the project, which live as long as the store. Null if this store keeps no lists.
+  virtual Lists* lists() { return nullptr; }
 
   /// The project's name in messages: the file's path, or "memory".
   virtual std::string subject() const = 0;
@@ -138,7 +148,8 @@ public:
 
   /// Stores all changes durably, or throws and stores none of them; ends the use either way. Writes nothing if there is
   /// no change. Throws Error: Busy, ReadOnly, Refused, Unreadable, Io. REQUIRES: a use was begun for writing; log
-  /// numbers are positive, and no log is of kind 'I'.
+  /// numbers are positive, no log is of kind 'I', the bytes of a new list are
+  /// stored or in @p changes, and no list is both written and deleted.
   virtual void commit(const Changes& changes) = 0;
 
   /// Whether another process has committed since the last begin, or since this function last returned true. Needs no
@@ -161,9 +172,11 @@ std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path);
 /// read and write it meanwhile. Throws Error as Store::begin does for reading; Refused if @p copy exists, Io.
 void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy);
 
-/// Creates the project file @p path, completely or not at all. Throws Error: Refused if it exists or if files of an
-/// earlier project of this name lie beside it, Io.
-void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options);
+/// Creates the project file @p path, completely or not at all, with what @p content adds to an empty project. Its
+/// history is empty. Throws Error: Refused if it exists or if files of an earlier project of this name lie beside it,
+/// Io.
+void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
+                         const Changes& content = {});
 
 } // namespace reelhost
 

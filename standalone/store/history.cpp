@@ -27,7 +27,8 @@ std::int64_t lastDeletion(History& history)
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);
   std::vector<std::int64_t> deletions;
   history.readRevisions([&](Revision&& revision) {
-    if (revision.takesBack == 0 && revision.deleted != 0 && takenBack.count(revision.number) == 0)
+    if (revision.takesBack == 0 && revision.deleted != 0 && revision.created == 0 &&
+        takenBack.count(revision.number) == 0)
       deletions.push_back(revision.number);
     return true;
   });

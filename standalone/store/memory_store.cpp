@@ -16,26 +16,34 @@ namespace reelhost {
 
 namespace {
 
-using SharedLog = std::shared_ptr<const StoredLog>; ///< null: no such log
-using Logs = std::map<std::int64_t, SharedLog>;
+template <class Record>
+using Shared = std::shared_ptr<const Record>; ///< null: no such log or list
+template <class Record>
+using Records = std::map<std::int64_t, Shared<Record>>; ///< by number
 using Options = std::map<std::string, std::string>;
 
 /// One revision and what it found.
 struct Commit {
+  template <class Record>
   struct Before {
-    SharedLog log;
+    Shared<Record> record;
     bool forgotten = false;
   };
+  template <class Record>
+  using Found = std::map<std::int64_t, Before<Record>>;
   Revision revision;
-  std::map<std::int64_t, Before> before; ///< of each log that it changed
-  std::optional<Options> options;        ///< all of them, if it changed options
+  Found<StoredLog> logs; ///< what each log was that it changed
+  Found<KeptList> lists;
+  std::optional<Options> options; ///< all of them, if it changed options
 };
 
 /// All that a project holds: a value that is quick to copy.
 struct Content {
   Options options;
-  Logs logs;
-  std::int64_t lastNumber = 0, lastRevision = 0;
+  Records<StoredLog> logs;
+  Records<KeptList> lists;
+  std::map<Digest, Shared<std::string>> listBytes;
+  std::int64_t lastNumber = 0, lastRevision = 0, lastList = 0;
   std::vector<Commit> commits; ///< by number
 };
 
@@ -52,10 +60,10 @@ public:
       content_.lastNumber = std::max(content_.lastNumber, log.number);
       const auto there = content_.logs.find(log.number);
       if (there == content_.logs.end()) {
-        commit_.before[log.number] = {};
+        commit_.logs[log.number] = {};
         ++commit_.revision.created;
       } else if (imageOf(*there->second) != imageOf(whole)) {
-        commit_.before[log.number].log = there->second;
+        commit_.logs[log.number].record = there->second;
         ++commit_.revision.changed;
       }
       content_.logs[log.number] = std::make_shared<const StoredLog>(std::move(whole));
@@ -66,7 +74,7 @@ public:
   {
     for (const std::int64_t number : numbers)
       if (auto gone = content_.logs.extract(number)) {
-        commit_.before[number].log = std::move(gone.mapped());
+        commit_.logs[number].record = std::move(gone.mapped());
         ++commit_.revision.deleted;
       }
   }
@@ -82,6 +90,31 @@ public:
       return;
     commit_.options = before;
     commit_.revision.setOptions = true;
+  }
+
+  void writeLists(const std::vector<KeptList>& lists, const std::vector<std::string>& allBytes)
+  {
+    for (const std::string& bytes : allBytes)
+      content_.listBytes.try_emplace(digestOf(bytes), std::make_shared<const std::string>(bytes));
+    for (const KeptList& list : lists) {
+      KeptList whole = list;
+      whole.eventCount = static_cast<std::int64_t>(list.events.size());
+      content_.lastList = std::max(content_.lastList, list.number);
+      Shared<KeptList>& there = content_.lists[list.number];
+      if (there && *there == whole)
+        continue;
+      commit_.lists[list.number].record = std::exchange(there, std::make_shared<const KeptList>(std::move(whole)));
+      ++commit_.revision.lists;
+    }
+  }
+
+  void deleteLists(const std::vector<std::int64_t>& numbers)
+  {
+    for (const std::int64_t number : numbers)
+      if (auto gone = content_.lists.extract(number)) {
+        commit_.lists[number].record = std::move(gone.mapped());
+        ++commit_.revision.lists;
+      }
   }
 
   void finish(const Origin& origin, const Inverse& inverse, bool always = false)
@@ -110,7 +143,7 @@ KeyValues listOf(const Options& options)
   return KeyValues(options.begin(), options.end());
 }
 
-class MemoryStore final : public Store, public History {
+class MemoryStore final : public Store, public History, public Lists {
 public:
   MemoryStore(const ProjectInfo& info, const KeyValues& options) : info_(info)
   {
@@ -171,8 +204,10 @@ public:
     if (commit == content_.commits.end())
       throw Error(ErrorKind::NotFound, subject() + ": no revision " + std::to_string(number));
     RevisionChanges changes;
-    for (const auto& [log, before] : commit->before)
-      changes.logs.push_back(changeOf(log, commit));
+    for (const auto& [log, before] : commit->logs)
+      changes.logs.push_back(changeOf(log, commit, &Commit::logs, content_.logs));
+    for (const auto& [list, before] : commit->lists)
+      changes.lists.push_back(changeOf(list, commit, &Commit::lists, content_.lists));
     if (!commit->options)
       return changes;
     changes.optionsBefore = listOf(*commit->options);
@@ -184,8 +219,15 @@ public:
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override
   {
     for (auto commit = content_.commits.begin(); commit != content_.commits.end(); ++commit)
-      if (commit->before.count(number) != 0)
-        sink(changeOf(number, commit));
+      if (commit->logs.count(number) != 0)
+        sink(changeOf(number, commit, &Commit::logs, content_.logs));
+  }
+
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override
+  {
+    for (const Commit& commit : content_.commits)
+      for (const auto& [log, before] : commit.logs)
+        sink(commit.revision.number, log);
   }
 
   void giveSpaceBack() override {}
@@ -194,10 +236,35 @@ public:
   {
     std::set<std::int64_t> gone;
     for (const Commit& commit : content_.commits)
-      for (const auto& [number, before] : commit.before)
-        if (before.log && content_.logs.count(number) == 0)
+      for (const auto& [number, before] : commit.logs)
+        if (before.record && content_.logs.count(number) == 0)
           gone.insert(number);
     return static_cast<std::int64_t>(gone.size());
+  }
+
+  Lists* lists() override { return this; }
+  std::int64_t nextListNumber() override { return content_.lastList + 1; }
+
+  void readListHeads(const std::function<void(KeptList&&)>& sink) override
+  {
+    for (const auto& [number, list] : content_.lists)
+      sink({list->number, list->digest, list->file, list->title, list->format, list->eventCount, {}});
+  }
+
+  std::vector<ListEvent> eventsOf(std::int64_t number) override
+  {
+    const auto list = content_.lists.find(number);
+    if (list == content_.lists.end())
+      throw Error(ErrorKind::NotFound, subject() + ": no list " + std::to_string(number));
+    return list->second->events;
+  }
+
+  std::string listBytes(const Digest& digest) override
+  {
+    const auto bytes = content_.listBytes.find(digest);
+    if (bytes == content_.listBytes.end())
+      throw Error(ErrorKind::NotFound, subject() + ": no list with these bytes");
+    return *bytes->second;
   }
 
 private:
@@ -210,17 +277,21 @@ private:
         sink(StoredLog(*log));
   }
 
-  LogChange changeOf(std::int64_t number, Commits::const_iterator commit) const
+  /// @p found is what the commits found of these records, and @p records are those of now.
+  template <class Record>
+  RecordChange<Record> changeOf(std::int64_t number, Commits::const_iterator commit,
+                                Commit::Found<Record> Commit::*found, const Records<Record>& records) const
   {
-    const auto valueOf = [](const SharedLog& log) { return log ? std::optional(*log) : std::nullopt; };
-    const Commit::Before& before = commit->before.at(number);
-    LogChange change{commit->revision.number, number, valueOf(before.log), {}, before.forgotten, 0, false};
-    const auto there = content_.logs.find(number);
-    change.isThere = there != content_.logs.end();
+    const auto valueOf = [](const Shared<Record>& record) { return record ? std::optional(*record) : std::nullopt; };
+    const Commit::Before<Record>& before = ((*commit).*found).at(number);
+    RecordChange<Record> change{
+        commit->revision.number, number, valueOf(before.record), {}, before.forgotten, 0, false};
+    const auto there = records.find(number);
+    change.isThere = there != records.end();
     const auto next = std::find_if(commit + 1, content_.commits.end(),
-                                   [number](const Commit& c) { return c.before.count(number) != 0; });
+                                   [&](const Commit& c) { return (c.*found).count(number) != 0; });
     if (next != content_.commits.end()) {
-      change.after = valueOf(next->before.at(number).log);
+      change.after = valueOf(((*next).*found).at(number).record);
       change.next = next->revision.number;
     } else if (change.isThere) {
       change.after = *there->second;
@@ -228,15 +299,33 @@ private:
     return change;
   }
 
+  /// Forgets what the commits found of records that are not there any more.
+  template <class Record>
+  static void forgetDeleted(Commit::Found<Record>& found, const Records<Record>& records)
+  {
+    for (auto& [number, before] : found)
+      if (before.record && records.count(number) == 0)
+        before = {{}, true};
+  }
+
   static void removeForGood(Content& content, const Changes& changes)
   {
     std::erase_if(content.commits, [&](const Commit& commit) { return commit.revision.number < changes.forgetBefore; });
-    if (!changes.compact)
+    if (changes.compact)
+      for (Commit& commit : content.commits) {
+        forgetDeleted(commit.logs, content.logs);
+        forgetDeleted(commit.lists, content.lists);
+      }
+    if (!changes.compact && changes.forgetBefore == 0)
       return;
-    for (Commit& commit : content.commits)
-      for (auto& [number, before] : commit.before)
-        if (before.log && content.logs.count(number) == 0)
-          before = {{}, true};
+    std::set<Digest> named;
+    for (const auto& [number, list] : content.lists)
+      named.insert(list->digest);
+    for (const Commit& commit : content.commits)
+      for (const auto& [number, before] : commit.lists)
+        if (before.record)
+          named.insert(before.record->digest);
+    std::erase_if(content.listBytes, [&](const auto& entry) { return named.count(entry.first) == 0; });
   }
 
   const ProjectInfo info_;

@@ -10,7 +10,8 @@
 
 namespace reelhost {
 
-/// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, then finish. @p removeForGood
+/// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, writeLists, deleteLists, then
+/// finish. @p removeForGood
 /// does what the changes say of compact and forgetBefore.
 template <class MakeRevision, class RemoveForGood>
 void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveForGood removeForGood)
@@ -20,21 +21,29 @@ void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveFor
     revision.writeLogs(inverse.logs);
     revision.deleteLogs(inverse.deleted);
     revision.setOptions(inverse.options, inverse.unsetOptions);
+    revision.writeLists(inverse.lists, {});
+    revision.deleteLists(inverse.deletedLists);
     revision.finish(changes.origin, inverse);
   }
   const bool deletesWhatItWrites = std::any_of(changes.logs.begin(), changes.logs.end(), [&](const StoredLog& log) {
     return std::find(changes.deleted.begin(), changes.deleted.end(), log.number) != changes.deleted.end();
   });
+  // The events of deleted logs go with these logs.
+  const auto deleteAndWriteLists = [&](auto& revision) {
+    revision.deleteLogs(changes.deleted);
+    revision.writeLists(changes.lists, changes.listBytes);
+    revision.deleteLists(changes.deletedLists);
+  };
   auto revision = makeRevision();
   revision.writeLogs(changes.logs);
   removeForGood();
   if (!deletesWhatItWrites)
-    revision.deleteLogs(changes.deleted);
+    deleteAndWriteLists(revision);
   revision.setOptions(changes.options, {});
   revision.finish(changes.origin, {}, changes.compact || changes.forgetBefore != 0);
   if (deletesWhatItWrites) {
     auto deletion = makeRevision();
-    deletion.deleteLogs(changes.deleted);
+    deleteAndWriteLists(deletion);
     deletion.finish(changes.origin, {});
   }
 }

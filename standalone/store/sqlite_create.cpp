@@ -9,6 +9,7 @@
 #include "store/sqlite.h"
 #include "store/sqlite_schema.h"
 #include "store/sqlite_session.h"
+#include "store/sqlite_writer.h"
 
 namespace reelhost {
 
@@ -18,7 +19,7 @@ using sqlite::Database;
 using sqlite::Statement;
 using sqlite::Transaction;
 
-void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
+void fill(Database& database, const ProjectInfo& info, const KeyValues& options, const Changes& content)
 {
   database.execute("PRAGMA synchronous = FULL");
   database.execute(("PRAGMA application_id = " + std::to_string(projectApplicationId)).c_str());
@@ -34,6 +35,11 @@ void fill(Database& database, const ProjectInfo& info, const KeyValues& options)
   Statement option(database, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
   for (const auto& [key, value] : options)
     option.bind(1, key).bind(2, value).run();
+  if (!content.empty()) {
+    writeChanges(database, content);
+    // Nothing was there before, so there is nothing to take back.
+    database.execute("DELETE FROM revisions; DELETE FROM changes");
+  }
   transaction.commit();
   database.execute("PRAGMA journal_mode = WAL");
 }
@@ -77,12 +83,13 @@ void makeProjectFile(const std::filesystem::path& path, Fill fill)
 
 } // namespace
 
-void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options)
+void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
+                         const Changes& content)
 {
   withHostErrors([&] {
     makeProjectFile(path, [&](const std::string& place) {
       Database database(place, Database::Mode::ReadWrite);
-      fill(database, info, options);
+      fill(database, info, options, content);
     });
   });
 }

@@ -16,10 +16,16 @@ namespace reelhost {
 
 /// The log number under which a revision keeps the options of the project.
 constexpr std::int64_t optionsNumber = 0;
+/// The log number under which it keeps a list.
+constexpr std::int64_t logNumberOfList(std::int64_t list)
+{
+  return -list;
+}
 
 void readRevisions(sqlite::Database& database, const std::function<bool(Revision&&)>& sink); ///< the newest first
 std::optional<RevisionChanges> changesOf(sqlite::Database& database, std::int64_t revision);
 void readChangesOfLog(sqlite::Database& database, std::int64_t number, const std::function<void(LogChange&&)>& sink);
+void readChangedLogs(sqlite::Database& database, const std::function<void(std::int64_t, std::int64_t)>& sink);
 std::int64_t trashCount(sqlite::Database& database);
 
 } // namespace reelhost

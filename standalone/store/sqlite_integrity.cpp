@@ -2,11 +2,15 @@
 #include "store/sqlite_integrity.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "reelhost/display_text.h"
+#include "store/deflate.h"
+#include "store/list_image.h"
 #include "store/log_image.h"
 #include "store/project_file.h"
 #include "store/sqlite_history.h"
+#include "store/sqlite_lists.h"
 #include "store/sqlite_schema.h"
 
 namespace reelhost {
@@ -54,9 +58,51 @@ void addProblemsOfHistory(Database& database, std::vector<std::string>& problems
   Statement images(database, "SELECT revision, log, before FROM changes WHERE length(before) > 0 OR log = 0");
   while (images.step()) {
     const std::int64_t log = images.integer(1);
-    if (log == optionsNumber ? !valuesFrom(images.text(2)) : !logFrom(log, images.text(2)))
+    if (log < optionsNumber && !listFrom(-log, images.text(2)))
+      add(images.integer(0), "no image of list " + std::to_string(-log));
+    else if (log == optionsNumber ? !valuesFrom(images.text(2)) : log > optionsNumber && !logFrom(log, images.text(2)))
       add(images.integer(0), "no image of log " + std::to_string(log));
   }
+}
+
+void addProblemsOfLists(Database& database, std::vector<std::string>& problems)
+{
+  const auto add = [&](std::int64_t list, const std::string& what) {
+    problems.push_back("list " + std::to_string(list) + ": " + what);
+  };
+  std::unordered_set<std::int64_t> shots;
+  for (Statement rows(database, "SELECT number FROM logs WHERE type <> 9"); rows.step();)
+    shots.insert(rows.integer(0));
+  Statement lists(database, "SELECT number, events, event_count, "
+                            "EXISTS(SELECT 1 FROM list_bytes WHERE list_bytes.digest = lists.digest), "
+                            "number > ifnull((SELECT value FROM project WHERE key = 'last_list'), 0) "
+                            "FROM lists ORDER BY number");
+  while (lists.step()) {
+    const std::int64_t list = lists.integer(0);
+    const std::optional<std::vector<ListEvent>> events = eventsFrom(lists.text(1));
+    if (!events)
+      add(list, "no valid events");
+    else if (static_cast<std::int64_t>(events->size()) != lists.integer(2))
+      add(list, "another number of events than it says");
+    if (events)
+      for (const ListEvent& event : *events)
+        if (event.shot != 0 && shots.count(event.shot) == 0)
+          add(list, "an event without its shot (line " + std::to_string(event.line) + ", log " +
+                        std::to_string(event.shot) + ")");
+    if (lists.integer(3) == 0)
+      add(list, "its bytes are missing");
+    if (lists.integer(4) != 0)
+      add(list, "a number that was never given to a list");
+  }
+  const auto isDigestOf = [](std::string_view digest, const std::string& bytes) {
+    return textOf(digestOf(bytes)) == digest;
+  };
+  int broken = 0;
+  for (Statement rows(database, "SELECT digest, bytes FROM list_bytes"); rows.step();)
+    if (const auto bytes = inflated(rows.text(1)); !bytes || !isDigestOf(rows.text(0), *bytes))
+      ++broken;
+  if (broken != 0)
+    problems.push_back("lists: " + std::to_string(broken) + " with other bytes than those that were stored");
 }
 
 } // namespace
@@ -89,8 +135,10 @@ std::vector<std::string> integrityProblems(Database& database, std::int64_t vers
       "a number that was never given to a log");
   add("SELECT number FROM logs WHERE kind = 'I' ORDER BY number", "no valid identity (its kind is 'I')");
   add("SELECT max(number) FROM logs GROUP BY uuid, tag, kind HAVING count(*) > 1", "the identity of another log");
-  if (version >= versionWithHistory)
+  if (version >= versionWithHistory) {
     addProblemsOfHistory(database, problems);
+    addProblemsOfLists(database, problems);
+  }
   return problems;
 }
 

@@ -54,7 +54,9 @@ CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 // revisions: one row per commit; null: unknown, or not to be kept. takes_back: the earlier revision that this one takes
 // back. The new logs of a revision have the numbers from first_new to last_new. changes: each other log that a revision
 // changed, and the image that it had before; null: there was no such log, an empty blob: removed for good. log 0 stands
-// for the options of the project.
+// for the options of the project, log -n for list n. lists: the lists that are there; events is their packed text.
+// list_bytes: the deflated bytes of each list that lists or changes names. project.last_list: the highest number that a
+// list ever had.
 const char history[] = R"sql(
 CREATE TABLE revisions(
   number INTEGER PRIMARY KEY,
@@ -78,6 +80,17 @@ CREATE TABLE changes(
   log INTEGER NOT NULL,
   before BLOB,
   PRIMARY KEY(revision, log)) STRICT, WITHOUT ROWID;
+CREATE TABLE lists(
+  number INTEGER PRIMARY KEY,
+  digest BLOB NOT NULL CHECK(length(digest) = 32),
+  file TEXT NOT NULL,
+  title TEXT NOT NULL,
+  format TEXT NOT NULL,
+  event_count INTEGER NOT NULL,
+  events BLOB NOT NULL) STRICT;
+CREATE TABLE list_bytes(
+  digest BLOB PRIMARY KEY NOT NULL CHECK(length(digest) = 32),
+  bytes BLOB NOT NULL) STRICT, WITHOUT ROWID;
 )sql";
 
 /// Each deletion in the trash becomes a revision, with the logs that it still holds.

@@ -23,7 +23,7 @@ SchemaStep sqlStep(const char* sql); ///< runs the statements
 /// that version exist. A change of the tables is a new step at the end.
 using SchemaSteps = std::vector<SchemaStep>;
 
-/// The first version that keeps a history. In a file of version 1 the table logs also holds the deleted logs.
+/// The first version that keeps a history and lists. In a file of version 1 the table logs also holds the deleted logs.
 constexpr std::int64_t versionWithHistory = 2;
 
 /// The steps of this program. Their count is the version that it writes; it reads that one and all older ones.

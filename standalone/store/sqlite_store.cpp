@@ -5,6 +5,7 @@
 
 #include "store/sqlite_history.h"
 #include "store/sqlite_integrity.h"
+#include "store/sqlite_lists.h"
 #include "store/sqlite_reader.h"
 #include "store/sqlite_writer.h"
 
@@ -139,9 +140,46 @@ void SqliteStore::readChangesOfLog(std::int64_t number, const std::function<void
     read([&](Database& database) { reelhost::readChangesOfLog(database, number, sink); });
 }
 
+void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink)
+{
+  if (keepsHistory())
+    read([&](Database& database) { reelhost::readChangedLogs(database, sink); });
+}
+
 std::int64_t SqliteStore::trashCount()
 {
   return keepsHistory() ? read(reelhost::trashCount) : 0;
+}
+
+std::int64_t SqliteStore::nextListNumber()
+{
+  return (keepsHistory() ? read(lastListNumber) : 0) + 1;
+}
+
+void SqliteStore::readListHeads(const std::function<void(KeptList&&)>& sink)
+{
+  if (keepsHistory())
+    read([&](Database& database) { reelhost::readListHeads(database, sink); });
+}
+
+std::vector<ListEvent> SqliteStore::eventsOf(std::int64_t list)
+{
+  std::optional<std::vector<ListEvent>> events;
+  if (keepsHistory())
+    events = read([&](Database& database) { return reelhost::eventsOf(database, list); });
+  if (!events)
+    throw Error(ErrorKind::NotFound, subject() + ": no list " + std::to_string(list));
+  return std::move(*events);
+}
+
+std::string SqliteStore::listBytes(const Digest& digest)
+{
+  std::optional<std::string> bytes;
+  if (keepsHistory())
+    bytes = read([&](Database& database) { return reelhost::listBytes(database, digest); });
+  if (!bytes)
+    throw Error(ErrorKind::NotFound, subject() + ": no list with these bytes");
+  return std::move(*bytes);
 }
 
 std::unique_ptr<Store> makeSqliteStore(const std::filesystem::path& path)

@@ -16,7 +16,7 @@
 
 namespace reelhost {
 
-class SqliteStore final : public Store, public History {
+class SqliteStore final : public Store, public History, public Lists {
 public:
   /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
@@ -39,8 +39,15 @@ public:
   void readRevisions(const std::function<bool(Revision&&)>& sink) override;
   RevisionChanges changesOf(std::int64_t revision) override;
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override;
   std::int64_t trashCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
+
+  Lists* lists() override { return this; }
+  std::int64_t nextListNumber() override;
+  void readListHeads(const std::function<void(KeptList&&)>& sink) override;
+  std::vector<ListEvent> eventsOf(std::int64_t list) override;
+  std::string listBytes(const Digest& digest) override;
 
 private:
   /// Reads with @p work, which takes the database.

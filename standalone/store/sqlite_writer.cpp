@@ -5,11 +5,14 @@
 #include <limits>
 #include <optional>
 
+#include "store/deflate.h"
+#include "store/list_image.h"
 #include "store/log_fields.h"
 #include "store/log_image.h"
 #include "store/revisions.h"
 #include "store/sqlite_columns.h"
 #include "store/sqlite_history.h"
+#include "store/sqlite_lists.h"
 #include "store/sqlite_reader.h"
 
 namespace reelhost {
@@ -52,6 +55,26 @@ Statement& bindKnown(Statement& put, int parameter, std::string_view text)
 Statement& bindKnown(Statement& put, int parameter, std::int64_t number)
 {
   return number == 0 ? put.bindNull(parameter) : put.bind(parameter, number);
+}
+
+/// Keeps bytes that are not kept yet.
+void keepBytes(Database& database, const std::vector<std::string>& all)
+{
+  for (const std::string& bytes : all) {
+    const Digest digest = digestOf(bytes);
+    Statement there(database, "SELECT 1 FROM list_bytes WHERE digest = ?1");
+    if (there.bindBlob(1, digest.data(), digest.size()).step())
+      continue;
+    const std::string stored = deflated(bytes);
+    Statement put(database, "INSERT INTO list_bytes(digest, bytes) VALUES(?1, ?2)");
+    put.bindBlob(1, digest.data(), digest.size()).bindBlob(2, stored.data(), stored.size()).run();
+  }
+}
+
+/// Whether both have the same content, whatever their counts of events say.
+bool isSame(const KeptList& a, const KeptList& b)
+{
+  return a.digest == b.digest && a.file == b.file && a.title == b.title && a.format == b.format && a.events == b.events;
 }
 
 /// Writes the changes of one revision, each together with what was there before, and then the row of the revision. What
@@ -121,10 +144,45 @@ public:
     }
   }
 
+  void writeLists(const std::vector<KeptList>& lists, const std::vector<std::string>& bytes)
+  {
+    keepBytes(database_, bytes);
+    for (const KeptList& list : lists) {
+      if (const std::optional<KeptList> before = findList(database_, list.number)) {
+        if (isSame(*before, list))
+          continue;
+        keep(logNumberOfList(list.number), imageOf(*before));
+      } else {
+        changeRow().bind(1, number_).bind(2, logNumberOfList(list.number)).bindNull(3).run();
+      }
+      Statement put(database_, "INSERT OR REPLACE INTO lists(number, digest, file, title, format, event_count, events) "
+                               "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
+      const std::string events = packed(list.events);
+      put.bind(1, list.number).bindBlob(2, list.digest.data(), list.digest.size()).bind(3, list.file);
+      put.bind(4, list.title).bind(5, list.format).bind(6, static_cast<std::int64_t>(list.events.size()));
+      put.bindBlob(7, events.data(), events.size()).run();
+      changesLists_ = true;
+      if (list.number > lastListNumber(database_))
+        Statement(database_, "INSERT OR REPLACE INTO project(key, value) VALUES('last_list', ?1)")
+            .bind(1, list.number)
+            .run();
+    }
+  }
+
+  void deleteLists(const std::vector<std::int64_t>& numbers)
+  {
+    for (const std::int64_t number : numbers)
+      if (const std::optional<KeptList> list = findList(database_, number)) {
+        keep(logNumberOfList(number), imageOf(*list));
+        Statement(database_, "DELETE FROM lists WHERE number = ?1").bind(1, number).run();
+        changesLists_ = true;
+      }
+  }
+
   /// @p always: even if nothing was changed.
   void finish(const Origin& origin, const Inverse& inverse, bool always = false)
   {
-    if (!always && created_ + changed_ + deleted_ == 0 && !setsOptions_)
+    if (!always && created_ + changed_ + deleted_ == 0 && !setsOptions_ && !changesLists_)
       return;
     Statement put(database_, "INSERT INTO revisions VALUES(?1, randomblob(16), ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, "
                              "?11, ?12, ?13, ?14, ?15)");
@@ -187,7 +245,7 @@ private:
   const std::int64_t number_, lastBefore_;
   std::int64_t last_, firstNew_ = std::numeric_limits<std::int64_t>::max();
   std::int64_t created_ = 0, changed_ = 0, deleted_ = 0;
-  bool setsOptions_ = false;
+  bool setsOptions_ = false, changesLists_ = false;
   std::optional<LogLookup> lookup_;
   std::optional<Statement> changeRow_;
 };
@@ -196,11 +254,13 @@ void removeForGood(Database& database, const Changes& changes)
 {
   if (changes.compact)
     database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
-                     "log NOT IN (SELECT number FROM logs)");
-  if (changes.forgetBefore == 0)
-    return;
-  for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
-    Statement(database, sql).bind(1, changes.forgetBefore).run();
+                     "log NOT IN (SELECT number FROM logs) AND -log NOT IN (SELECT number FROM lists)");
+  if (changes.forgetBefore != 0)
+    for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
+      Statement(database, sql).bind(1, changes.forgetBefore).run();
+  if (changes.compact || changes.forgetBefore != 0) // the image of a list begins with its digest
+    database.execute("DELETE FROM list_bytes WHERE digest NOT IN (SELECT digest FROM lists) AND digest NOT IN "
+                     "(SELECT substr(before, 1, 32) FROM changes WHERE log < 0 AND length(before) > 0)");
 }
 
 } // namespace

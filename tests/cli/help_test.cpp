@@ -74,6 +74,7 @@ protected:
     output({"import", "evening.edl"});
     output({"create", "undone"});
     output({"undo"});
+    output({"export", "--json", "--force", "-o", "documentary.json"});
   }
 
   ProcessSetting inPath_;
@@ -133,6 +134,11 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb redo",
                           "reeldb history",
                           "reeldb watch",
+                          "reeldb list-file",
+                          "reeldb list-file list",
+                          "reeldb list-file show",
+                          "reeldb list-file used-in",
+                          "reeldb list-file remove",
                           "reeldb project",
                           "reeldb project new",
                           "reeldb project list",

@@ -593,8 +593,8 @@ TEST_F(HostileFiles, OddNameOfAListIsShownWithEscapesEverywhere)
       EXPECT_NE((result.out + result.err).find(oddNameShown), std::string::npos) << result.out << result.err;
     }
   EXPECT_EQ(reelIds(), (Words{"A001", "B001"}));
-  EXPECT_EQ(answer({"export", "--edl", "-o", oddName + "2"}), oddNameShown + "2: 2 shots\n");
-  EXPECT_EQ(readFile(oddName + "2"), answer({"export", "--edl"}));
+  EXPECT_EQ(answer({"export", "--json", "-o", oddName + "2"}), oddNameShown + "2: 2 shots\n");
+  EXPECT_EQ(readFile(oddName + "2"), answer({"export", "--json"}));
   expectError({"export", "--edl", "-o", oddName}, 1, oddNameShown + ": already exists (--force replaces it)");
 }
 

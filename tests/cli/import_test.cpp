@@ -80,6 +80,7 @@ TEST_F(Import, SameFileAgainChangesNothingAndSaysSo)
   EXPECT_EQ(report.at("shots_added"), 0);
   EXPECT_EQ(report.at("shots_there"), 3);
   EXPECT_EQ(output({"import", "cut.edl"}), "cut.edl (edl): 3 clips, 0 shots added, 3 already there\n"
+                                           "  unchanged: list 1 of the project\n"
                                            "  2 reels already there: A001, B001\n"
                                            "nothing new: the project stays as it was\n");
   EXPECT_EQ(projectBytes(), before);
@@ -103,6 +104,7 @@ TEST_F(Import, RepeatedShotsAreCountedApartFromExistingOnes)
   EXPECT_EQ(output({"import", "cut.edl"}),
             start + "3 shots added, 0 already there, 1 repeated in the list\n  2 reels created: A001, B001\n");
   EXPECT_EQ(output({"import", "cut.edl"}), start + "0 shots added, 3 already there, 1 repeated in the list\n"
+                                                   "  unchanged: list 1 of the project\n"
                                                    "  2 reels already there: A001, B001\n"
                                                    "nothing new: the project stays as it was\n");
 }
@@ -214,6 +216,7 @@ TEST_F(Import, DryRunShowsTheSameReportAndChangesNothing)
   EXPECT_EQ(dry.at("files"), real.at("files"));
   EXPECT_EQ(output({"import", "--dry-run", "cut.edl"}),
             "cut.edl (edl): 3 clips, 0 shots would be added, 3 already there\n"
+            "  unchanged: list 1 of the project\n"
             "  2 reels already there: A001, B001\n"
             "dry run: there would be nothing new\n");
 }

@@ -37,6 +37,17 @@ TEST_F(ProjectCommand, NewProjectIsEmptyAndHasTheUsualRate)
   EXPECT_EQ(json({"list", "--json", "-p", "film"}), Json::array());
 }
 
+TEST_F(ProjectCommand, FileForANewProjectIsReadFirstAndHasItsRate)
+{
+  output({"export", "--json", "-o", "main.json"});
+  expectRefusal({"project", "new", "a", "--from", "main.json", "--rate", "25"},
+                "project new: --rate and --from given (the file has the rate)", 2);
+  expectRefusal({"project", "new", "a", "--from", "none.json"},
+                "none.json: cannot be opened (No such file or directory)", 1);
+  expectRefusal({"project", "new", "main", "--from", "main.json"}, path("projects/main.reels") + ": already exists");
+  EXPECT_EQ(json({"project", "list", "--json"}).size(), 1u);
+}
+
 TEST_F(ProjectCommand, RateIsTakenByNameAndByCode)
 {
   output({"project", "new", "a", "--rate", "29.97"});

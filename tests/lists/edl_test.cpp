@@ -118,6 +118,13 @@ TEST(EdlEvents, ALineWithoutASourceIsASpecialClip)
   EXPECT_EQ(events, (Strings{"BL", "B", "BARS"}));
 }
 
+TEST(EdlEvents, ARateThatIsProvedIsAlsoThatOfBlack)
+{
+  const List list = readWhole("FCM: DROP FRAME\n001  A V C 01:00:00:45 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                              "002  BL V C 00:00:00:00 00:00:01:00 10:00:01:00 10:00:02:00\n");
+  EXPECT_EQ(list.specialClips.at(0).frameRate, "59.94");
+}
+
 TEST(EdlEvents, ARejectedLineIsNotAPart)
 {
   const List list = readWhole(event("001", "A V C") + event("001", "B\x01 V D 024") + event("001", "C1 V D 024"));

@@ -253,6 +253,43 @@ TEST(WriteEdlEvents, AReelKeepsItsTextWhereThatIsItsAlone)
   EXPECT_EQ(text.find("A021C013 ="), std::string::npos) << text;
 }
 
+TEST(WriteEdlEvents, ATextThatCameInAFieldOfThisWidthStaysAsItIs)
+{
+  const std::string list = "TITLE: A\nFCM: NON-DROP FRAME\n"
+                           "001  BOONE_SM V     C        " +
+                           anyTimecodes + "\n" + "002  Z686_5A. V     C        " + anyTimecodes + "\n" +
+                           "003  tape 1   V     C        " + anyTimecodes + "\n";
+  EXPECT_EQ(writtenBack(list), "TITLE: A\nFCM: NON-DROP FRAME\n* REEL MAP: TAPE1 = tape 1\n" +
+                                   list.substr(list.find("001"), list.find("003") - list.find("001")) +
+                                   "003  TAPE1    V     C        " + anyTimecodes + "\n");
+  const std::string wide = writeEdl("A", eventsOf(read(list)), 6).text;
+  EXPECT_NE(wide.find("* REEL MAP: BOONES = BOONE_SM\n"), std::string::npos) << wide;
+}
+
+TEST(WriteEdlEvents, NamesStayDistinctWhenTextsStay)
+{
+  Clip own = clipOf("AB_CD", "", "V", 1, 0), other = clipOf("ABCD", "", "V", 1, 0),
+       lower = clipOf("abcd x", "", "V", 1, 0);
+  for (Clip* clip : {&own, &other, &lower}) {
+    clip->event.reelText = clip->reel;
+    clip->event.reelField = 8;
+  }
+  const Written written = writeEdl("", {own, other, lower}, 8);
+  EXPECT_EQ(reels(read(written.text)), (Strings{"AB_CD", "ABCD", "abcd x"})) << written.text;
+  EXPECT_NE(written.text.find("001  AB_CD "), std::string::npos) << written.text;
+  EXPECT_NE(written.text.find("002  ABCD "), std::string::npos) << written.text;
+  own.reel = "AB-CD"; // renamed since
+  own.event.reelText = "AX";
+  EXPECT_EQ(writeEdl("", {own}, 8).text.find("001  AB-CD "), std::string::npos);
+}
+
+TEST(WriteEdlEvents, LinesWithoutNotesDoNotSayWhereNotesBelong)
+{
+  const std::string text =
+      writtenBack("TITLE: A\n" + event("025", "A001 V C") + event("025", "B001 V D 022") + event("026", "B001 V C"));
+  EXPECT_EQ(text.find("EVENT LINE"), std::string::npos) << text;
+}
+
 TEST(WriteEdlEvents, SourceIdsAreATable)
 {
   const std::string table = "060a2b340101010501010d4313000000-{0a21c012-2106-09aa}";
@@ -302,14 +339,26 @@ TEST(WriteEdlEvents, AnEventThatNoListCanHoldIsLeftOut)
                      "clip 'ONE' of reel 'A': left out ('noon' is not a timecode)"}));
 }
 
+TEST(WriteEdlEvents, WhatIsLeftOfTwoEventsDoesNotBecomeOne)
+{
+  Clip first = clipOf("A", "", "V", 1, 0), lost = clipOf("", "", "V", 1, 0), second = clipOf("B", "", "V", 1, 0);
+  first.event.number = "001";
+  lost.event.number = second.event.number = "002";
+  second.event.part = 2;
+  second.event.transition = "D";
+  const std::string text = writeEdl("", {first, lost, second}, 8).text;
+  EXPECT_NE(text.find("\n001  A "), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  B "), std::string::npos) << text;
+}
+
 TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsRemarkedOn)
 {
   const List list = read("TITLE: A\n" + event("001", "BL V C") + event("001", "A001 V D 024") +
                          "M2 A001 012.5 01:00:00:00\n>>> SOURCE A001 A001 4919975f.793b8d33\n");
   const Written written = writeAle("25", eventsOf(list));
   EXPECT_EQ(written.remarks,
-            (Strings{"2 event numbers: not written (a log has none)", "1 transitions: not written (a log has none)",
-                     "1 speeds: not written (a log has none)", "1 source ids: not written (a log has none)"}));
+            (Strings{"event numbers not written: 2 (a log has none)", "transitions not written: 1 (a log has none)",
+                     "speeds not written: 1 (a log has none)", "source ids not written: 1 (a log has none)"}));
   const List again = read(written.text);
   EXPECT_EQ(reels(again), Strings{"A001"});
   EXPECT_EQ(specialLines(again), 1);
@@ -323,6 +372,22 @@ TEST(WriteAleEvents, RowsWithoutASourceComeBack)
   const std::vector<Clip> events = eventsOf(list);
   ASSERT_EQ(list.specialClips.size(), 5u);
   EXPECT_EQ(eventTexts(eventsOf(read(writeAle("25", events).text))), eventTexts(events));
+}
+
+TEST(WriteAleEvents, ARowWithoutASourceStaysOneWhateverItsName)
+{
+  const List list = read("Column\nName\tTape\tTracks\tStart\tEnd\nData\n*\t\tV\t\t\nBL\t\tV\t\t\n");
+  const std::vector<Clip> events = eventsOf(list);
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_EQ(eventTexts(eventsOf(read(writeAle("25", events).text))), eventTexts(events));
+  EXPECT_EQ(writeEdl("", events, 8).leftOut.size(), 2u);
+}
+
+TEST(Write, ANameThatBeginsWithAByteOrderMarkKeepsIt)
+{
+  expectRoundTrips({clipOf("\xef\xbb\xbf"
+                           "006I",
+                           "\xef\xbb\xbf", "V", 1, 0)});
 }
 
 TEST(ReelMap, GivesTheReelOfANameAnywhereAndTheNameIsNotAnAlias)

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/json/json.h"
+#include "app/kept_lists.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -98,10 +99,14 @@ ImportReport sampleImport()
   imported.list.timing.dropFrame = {"drop frame", 2, "FCM: DROP FRAME"};
   imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
   imported.list.timing.frames = 56;
-  return {{imported}, true, true, false, {"a remark is no part of it"}};
+  imported.keeping = Keeping::NewVersion;
+  imported.keptAs = 3;
+  imported.difference.trimmed = {{sampleShot(), sampleShot()}};
+  imported.earlier = 2;
+  return {{imported}, true, true, false, {"a remark is no part of it"}, {"D"}, {sampleShot()}};
 }
 
-constexpr const char* importObject = R"({"dry_run": true, "stored": false, "files": [
+const std::string importObject = R"({"dry_run": true, "stored": false, "files": [
     {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
      "shots_repeated": 3, "created": ["A", "B"], "matched": ["C"],
      "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
@@ -113,7 +118,13 @@ constexpr const char* importObject = R"({"dry_run": true, "stored": false, "file
      "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4},
      "timing": {"frame_rates": [{"says": "59.94", "line": 8, "text": "event"}],
                 "drop_frame": {"says": "drop frame", "line": 2, "text": "FCM: DROP FRAME"},
-                "most_frames": {"says": "source in 01:00:00:56", "line": 8, "text": "event"}, "frames": 56}}]})";
+                "most_frames": {"says": "source in 01:00:00:56", "line": 8, "text": "event"}, "frames": 56},
+     "kept": "new version", "list": 3,
+     "difference": {"added": [], "gone": [], "trimmed": [{"from": )" +
+                                 std::string(shotObject) + R"(, "to": )" + shotObject +
+                                 R"(}], "changed": []}, "earlier_list": 2}],
+     "reels_removed": ["D"], "shots_removed": [)" +
+                                 shotObject + "]}";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
@@ -162,6 +173,50 @@ TEST(Json, RenamedReel)
                  std::string(shotObject) + "]}");
 }
 
+KeptList sampleList()
+{
+  return {3, "cut.edl", "EVENING", "edl", 12};
+}
+
+constexpr const char* listObject =
+    R"({"number": 3, "file": "cut.edl", "title": "EVENING", "format": "edl", "events": 12})";
+
+TEST(Json, KeptLists)
+{
+  expectJson(std::vector<KeptList>{sampleList()}, "[" + std::string(listObject) + "]");
+  expectJson(RemovedList{sampleList(), false, true, {"A001"}, {sampleShot()}},
+             R"({"list": )" + std::string(listObject) +
+                 R"(, "dry_run": false, "stored": true, "reels": ["A001"], "shots": [)" + shotObject + "]}");
+}
+
+TEST(Json, EventsOfAListSayWhatItsLinesSay)
+{
+  Shot clip = sampleShot();
+  clip.line = 7;
+  clip.event.number = "012";
+  clip.event.part = 2;
+  clip.event.reelText = "A001_";
+  clip.event.reelField = 32;
+  clip.event.transition = "D";
+  clip.event.duration = "024";
+  clip.event.speed = reeldb::lists::Speed{"-024.0", "01:00:00:00"};
+  clip.event.sourceIds = {{"umid", "1"}};
+  Shot black;
+  black.special = "black";
+  const std::string shot = shotObject;
+  expectJson(ListEvents{sampleList(), {{clip, "B001"}, {black, ""}}},
+             R"({"list": )" + std::string(listObject) + R"(, "events": [{"number": "012", "part": 2, "line": 7, )" +
+                 shot.substr(1, shot.size() - 2) +
+                 R"(, "special": "", "reel_text": "A001_", "reel_field": 32, "transition": "D", "duration": "024",
+                     "speed": "-024.0", "speed_timecode": "01:00:00:00",
+                     "source_ids": [{"kind": "umid", "id": "1"}], "reel_now": "B001"},
+                    {"number": "", "part": 1, "line": 0, "reel": "", "clip": "", "tracks": "", "source_in": "",
+                     "source_out": "", "record_in": "", "record_out": "", "source_file": "", "aliases": [],
+                     "video_channels": 0, "audio_channels": 0, "frame_rate": "", "drop_frame": false,
+                     "special": "black", "reel_text": "", "reel_field": 0, "transition": "", "duration": "",
+                     "speed": null, "speed_timecode": null, "source_ids": [], "reel_now": ""}]})");
+}
+
 TEST(Json, Shots)
 {
   expectJson(std::vector<Shot>{sampleShot()}, "[" + std::string(shotObject) + "]");
@@ -203,11 +258,16 @@ TEST(Json, Differences)
   diff.spellings = {{"A", "a"}};
   diff.added = {sampleShot()};
   diff.rejected = {{"cut.edl", {7, "bad", "no timecodes"}}};
+  diff.trimmed = {{sampleShot(), sampleShot()}};
+  diff.versions = {3, std::nullopt};
   const std::string head = R"({"files": ["cut.edl"], "equal": false, "reels_new": [{"reel": "B1", "candidates": [{)" +
                            std::string(candidateKeys) + R"(}]}], "reels_gone": )";
   const std::string rest = R"(, "spellings": [{"reel": "A", "other": "a"}], "shots_added": [)" +
                            std::string(shotObject) + R"(], "shots_gone": [],
-      "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}]})";
+      "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}],
+      "shots_trimmed": [{"from": )" +
+                           shotObject + R"(, "to": )" + shotObject +
+                           R"(}], "shots_changed": [], "versions": [3, null]})";
   expectJson(diff, head + "null" + rest);
   diff.whole = true;
   diff.goneReels = {"C1"};

@@ -39,6 +39,28 @@ TEST_F(SqliteCreate, MakesOneFileAtRestInWriteAheadMode)
   EXPECT_EQ(status.st_nlink, 1u);
 }
 
+TEST_F(SqliteCreate, ContentIsThereFromTheStartAndHasNoHistory)
+{
+  Changes content;
+  content.logs = {exampleLog(2, 9), exampleLog(7, 1)};
+  createSqliteProject(file(), exampleInfo(), {{"k", "v"}}, content);
+  const auto store = makeSqliteStore(file());
+  EXPECT_EQ(numbersOf(*store), (std::vector<std::int64_t>{2, 7}));
+  store->begin(Access::Write, {});
+  EXPECT_EQ(store->options(), (KeyValues{{"k", "v"}}));
+  EXPECT_EQ(store->nextNumber(), 8);
+  int revisions = 0;
+  store->history()->readRevisions([&](Revision&&) { return ++revisions > 0; });
+  EXPECT_EQ(revisions, 0);
+  Changes next;
+  next.deleted = {2};
+  store->commit(next);
+  store->begin(Access::Read, {});
+  EXPECT_EQ(lastDeletion(*store->history()), 1);
+  store->end();
+  EXPECT_EQ(store->check(), std::vector<std::string>{});
+}
+
 TEST_F(SqliteCreate, FollowsTheUmask)
 {
   const mode_t before = ::umask(027);

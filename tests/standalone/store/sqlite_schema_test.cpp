@@ -323,6 +323,8 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
     changes = {};
     changes.compact = true;
     store(*project, changes);
+    store(*project, listChanges({exampleList(1, {3})}));
+    store(*project, listChanges({exampleList(1, {3, 3})}));
   }
   EXPECT_EQ(runSql(file(), "SELECT number || '|' || type || '|' || hex(uuid) || '|' || tag || '|' || "
                            "kind || '|' || imported || '|' || entire_medium || '|' || name || '|' || reel_type || '|' "
@@ -332,7 +334,7 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
   EXPECT_EQ(runSql(file(), "SELECT group_concat(log || key || value) FROM fields"), "3kv");
   EXPECT_EQ(
       runSql(file(), "SELECT group_concat(key || '=' || typeof(value)) FROM (SELECT * FROM project ORDER BY key)"),
-      "frame_rate=integer,last_number=integer,name=text,output_frame_rate=integer,uuid=blob");
+      "frame_rate=integer,last_list=integer,last_number=integer,name=text,output_frame_rate=integer,uuid=blob");
   EXPECT_EQ(runSql(file(), "SELECT value FROM project WHERE key = 'last_number'"), "4");
   EXPECT_EQ(runSql(file(), "SELECT group_concat(key || value) FROM options"), "oq");
   EXPECT_EQ(runSql(file(),
@@ -343,12 +345,19 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
   EXPECT_EQ(runSql(file(), "SELECT group_concat(number || ':' || ifnull(takes_back, '') || is_redo || ' ' || "
                            "ifnull(first_new || '-' || last_new, '') || ' ' || created || changed || deleted, '; ') "
                            "FROM revisions"),
-            "1:0 3-3 100; 2:0 4-4 100; 3:0  001; 4:31  100; 5:0  001; 6:0  000");
+            "1:0 3-3 100; 2:0 4-4 100; 3:0  001; 4:31  100; 5:0  001; 6:0  000; 7:0  000; 8:0  000");
   EXPECT_EQ(
       runSql(file(),
              "SELECT group_concat(revision || ':' || log || ' ' || iif(before IS NULL, 'null', hex(before)), '; ') "
-             "FROM changes"),
-      "2:0 6F007000; 3:4 ; 4:4 null; 5:4 ");
+             "FROM changes WHERE revision < 8"),
+      "2:0 6F007000; 3:4 ; 4:4 null; 5:4 ; 7:-1 null");
+  EXPECT_EQ(runSql(file(), "SELECT number || ' ' || file || ' ' || title || ' ' || format || ' ' || event_count || ' ' "
+                           "|| (SELECT count(*) FROM list_bytes WHERE list_bytes.digest = lists.digest) FROM lists"),
+            "1 list1.edl TITLE 1 edl 2 1");
+  EXPECT_EQ(runSql(file(), "SELECT value FROM project WHERE key = 'last_list'"), "1");
+  EXPECT_EQ(runSql(file(), "SELECT count(*) FROM changes, lists WHERE log = -1 AND revision = 8 AND "
+                           "substr(before, 1, 32) = digest"),
+            "1");
 }
 
 // Two more versions, as a later program may have them.

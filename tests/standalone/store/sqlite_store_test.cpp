@@ -233,4 +233,44 @@ TEST_F(SqliteStoreTest, CheckFindsADamagedIndex)
   EXPECT_FALSE(makeSqliteStore(file())->check().empty());
 }
 
+TEST_F(SqliteStoreTest, BytesOfAListAreStoredOncePerDigest)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, listChanges({exampleList(1, {})}));
+  Changes changes;
+  changes.deletedLists = {1};
+  store(*project, changes);
+  KeptList again = exampleList(2, {});
+  again.digest = exampleList(1, {}).digest;
+  changes = {};
+  changes.lists = {again};
+  changes.listBytes = {exampleListBytes(1), exampleListBytes(1)};
+  store(*project, changes);
+  EXPECT_EQ(runSql(file(), "SELECT count(*) FROM list_bytes"), "1");
+}
+
+TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheLists)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 1), exampleLog(2, 9)}));
+  store(*project, listChanges({exampleList(1, {1}), exampleList(2, {1}), exampleList(3, {1}), exampleList(4, {1})}));
+  store(*project, listChanges({exampleList(4, {1, 1})}));
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+  runSql(file(), "UPDATE lists SET events = x'00' WHERE number = 1;"
+                 "UPDATE lists SET event_count = 9, digest = zeroblob(32) WHERE number = 2;"
+                 "UPDATE project SET value = 3 WHERE key = 'last_list';"
+                 "UPDATE changes SET before = x'00' WHERE revision = 3;"
+                 "UPDATE list_bytes SET bytes = x'00' WHERE digest = (SELECT digest FROM lists WHERE number = 3)");
+  store(*project, listChanges({exampleList(3, {1, 2, 77})}));
+  EXPECT_EQ(project->check(),
+            (std::vector<std::string>{"revision 3: no image of list 4", "list 1: no valid events",
+                                      "list 2: another number of events than it says", "list 2: its bytes are missing",
+                                      "list 3: an event without its shot (line 8, log 2)",
+                                      "list 3: an event without its shot (line 11, log 77)",
+                                      "list 4: a number that was never given to a list",
+                                      "lists: 1 with other bytes than those that were stored"}));
+  EXPECT_EQ(errorOf([&] { listsOf(*project); }),
+            "Unreadable: " + file().native() + ": damaged (list 1 has no valid events)");
+}
+
 } // namespace

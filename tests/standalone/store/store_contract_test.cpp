@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // What every store promises, tried on each of them.
+#include <algorithm>
 #include <climits>
 #include <memory>
 #include <stdexcept>
@@ -98,9 +99,29 @@ private:
 /// What a store that keeps a history promises besides.
 class HistoryContract : public StoreContract {};
 
+/// What a store that keeps lists promises besides.
+class ListsContract : public HistoryContract {
+protected:
+  std::string bytes(Store& project, std::int64_t number)
+  {
+    return in(project, [&] { return project.lists()->listBytes(exampleList(number, {}).digest); });
+  }
+  bool hasBytes(Store& project, std::int64_t number)
+  {
+    return errorOf([&] { bytes(project, number); }) == "nothing";
+  }
+  void removeLists(Store& project, Numbers numbers)
+  {
+    Changes changes;
+    changes.deletedLists = std::move(numbers);
+    store(project, changes);
+  }
+};
+
 const auto nameOfStore = [](const auto& which) { return std::string(which.param); };
 INSTANTIATE_TEST_SUITE_P(Stores, StoreContract, testing::Values("memory", "sqlite", "without_history"), nameOfStore);
 INSTANTIATE_TEST_SUITE_P(Stores, HistoryContract, testing::Values("memory", "sqlite"), nameOfStore);
+INSTANTIATE_TEST_SUITE_P(Stores, ListsContract, testing::Values("memory", "sqlite"), nameOfStore);
 
 StoredLog logWithFields(std::int64_t number, int type, KeyValues fields)
 {
@@ -772,6 +793,207 @@ TEST_P(HistoryContract, UnknownRevisionIsNotFound)
   project->begin(Access::Read, muchPatience);
   EXPECT_EQ(errorOf([&] { project->history()->changesOf(1); }), "NotFound: " + project->subject() + ": no revision 1");
   project->end();
+}
+
+TEST_P(HistoryContract, ChangedLogsAreThoseOfEachRevision)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a"), named(2, "b")}));
+  store(*project, logChanges({named(2, "b2"), named(3, "c")}));
+  remove(*project, {1});
+  std::vector<std::pair<std::int64_t, std::int64_t>> changed;
+  in(*project, [&] {
+    project->history()->readChangedLogs(
+        [&](std::int64_t revision, std::int64_t log) { changed.emplace_back(revision, log); });
+    return 0;
+  });
+  std::sort(changed.begin(), changed.end());
+  EXPECT_EQ(changed, (decltype(changed){{1, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 1}}));
+}
+
+TEST_P(ListsContract, NewProjectKeepsNoList)
+{
+  const auto project = make();
+  EXPECT_EQ(listsOf(*project).size(), 0u);
+  EXPECT_EQ(in(*project, [&] { return project->lists()->nextListNumber(); }), 1);
+  EXPECT_FALSE(hasBytes(*project, 1));
+}
+
+TEST_P(ListsContract, ListComesBackWholeWithItsBytes)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 1), exampleLog(2, 1)}));
+  store(*project, listChanges({exampleList(1, {1, 2, 1})}));
+  EXPECT_EQ(listsOf(*project), std::vector{exampleList(1, {1, 2, 1})});
+  EXPECT_TRUE(bytes(*project, 1) == exampleListBytes(1));
+  EXPECT_EQ(in(*project, [&] { return project->lists()->nextListNumber(); }), 2);
+}
+
+TEST_P(ListsContract, HeadsComeByNumberAndWithoutEvents)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(2, {1}), exampleList(1, {1, 2})}));
+  std::vector<KeptList> heads;
+  in(*project, [&] {
+    project->lists()->readListHeads([&](KeptList&& list) { heads.push_back(std::move(list)); });
+    return 0;
+  });
+  KeptList one = exampleList(1, {1, 2}), two = exampleList(2, {1});
+  one.events.clear();
+  two.events.clear();
+  EXPECT_EQ(heads, (std::vector{one, two}));
+  EXPECT_EQ(heads[0].eventCount, 2);
+}
+
+TEST_P(ListsContract, TextsOfAnyBytesComeBackUnchanged)
+{
+  const auto project = make();
+  std::string every;
+  for (int byte = 1; byte < 256; ++byte)
+    every.push_back(static_cast<char>(byte));
+  KeptList list = exampleList(1, {1});
+  list.file = list.title = every;
+  list.events[0].clip.name = list.events[0].clip.reel = every + every;
+  store(*project, listChanges({list}));
+  EXPECT_EQ(listsOf(*project), std::vector{list});
+}
+
+TEST_P(ListsContract, WrittenListReplacesTheOldOneWhole)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {1, 2}), exampleList(2, {1})}));
+  KeptList next = exampleList(1, {3});
+  next.digest = exampleList(9, {}).digest;
+  next.title.clear();
+  Changes changes;
+  changes.lists = {next};
+  changes.listBytes = {exampleListBytes(9)};
+  store(*project, changes);
+  EXPECT_EQ(listsOf(*project), (std::vector{next, exampleList(2, {1})}));
+  EXPECT_TRUE(bytes(*project, 9) == exampleListBytes(9));
+  EXPECT_TRUE(bytes(*project, 1) == exampleListBytes(1)); // the history names it
+}
+
+TEST_P(ListsContract, NumberOfARemovedListIsNotUsedAgain)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {1}), exampleList(2, {1})}));
+  removeLists(*project, {2, 77});
+  EXPECT_EQ(listsOf(*project), std::vector{exampleList(1, {1})});
+  EXPECT_EQ(in(*project, [&] { return project->lists()->nextListNumber(); }), 3);
+  EXPECT_EQ(errorOf([&] { in(*project, [&] { return project->lists()->eventsOf(2); }); }),
+            "NotFound: " + project->subject() + ": no list 2");
+}
+
+TEST_P(ListsContract, RevisionKnowsEachListBeforeAndAfterIt)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {1}), exampleList(2, {2})}));
+  store(*project, listChanges({exampleList(1, {1, 1})}));
+  removeLists(*project, {1});
+  const std::vector<Revision> revisions = revisionsOf(*project);
+  ASSERT_EQ(revisions.size(), 3u);
+  EXPECT_EQ(revisions[0].lists, 2);
+  EXPECT_EQ(revisions[1].lists, 1);
+  EXPECT_TRUE(revisions[2].hasChanges());
+  const std::vector<ListChange> first = changesOf(*project, 1).lists, second = changesOf(*project, 2).lists,
+                                third = changesOf(*project, 3).lists;
+  ASSERT_EQ(first.size(), 2u);
+  EXPECT_EQ(first[0].before, std::nullopt);
+  EXPECT_EQ(first[0].after, exampleList(1, {1}));
+  EXPECT_EQ(first[0].next, 2);
+  EXPECT_FALSE(first[0].isThere);
+  EXPECT_EQ(first[1].after, exampleList(2, {2}));
+  EXPECT_EQ(first[1].next, 0);
+  EXPECT_TRUE(first[1].isThere);
+  ASSERT_EQ(second.size(), 1u);
+  EXPECT_EQ(second[0].before, exampleList(1, {1}));
+  EXPECT_EQ(second[0].after, exampleList(1, {1, 1}));
+  ASSERT_EQ(third.size(), 1u);
+  EXPECT_EQ(third[0].before, exampleList(1, {1, 1}));
+  EXPECT_EQ(third[0].after, std::nullopt);
+  EXPECT_EQ(third[0].number, 1);
+}
+
+TEST_P(ListsContract, ListThatIsAsItWasIsNoChange)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {1})}));
+  store(*project, listChanges({exampleList(1, {1})}));
+  removeLists(*project, {5});
+  EXPECT_EQ(revisionsOf(*project).size(), 1u);
+}
+
+TEST_P(ListsContract, InverseRemovesListsAndBringsThemBack)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {1})}));
+  Changes undo;
+  undo.inverse.revision = 1;
+  undo.inverse.deletedLists = {1};
+  store(*project, undo);
+  EXPECT_EQ(listsOf(*project).size(), 0u);
+  Changes redo;
+  redo.inverse.revision = 2;
+  redo.inverse.isRedo = true;
+  redo.inverse.lists = {exampleList(1, {1})};
+  store(*project, redo);
+  EXPECT_EQ(listsOf(*project), std::vector{exampleList(1, {1})});
+  EXPECT_TRUE(bytes(*project, 1) == exampleListBytes(1));
+  EXPECT_EQ(revisionsOf(*project).back().takesBack, 2);
+}
+
+TEST_P(ListsContract, ListsGoWithTheDeletionOfLogsThatAreAlsoWritten)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 1), exampleLog(2, 1)}));
+  store(*project, listChanges({exampleList(1, {1, 2})}));
+  Changes changes = logChanges({exampleLog(3, 1)});
+  changes.deleted = {1, 3};
+  changes.lists = {exampleList(1, {2})};
+  store(*project, changes);
+  EXPECT_EQ(changesOf(*project, 3).lists.size(), 0u);
+  EXPECT_EQ(changesOf(*project, 4).lists.size(), 1u);
+  EXPECT_EQ(numbersOf(*project), Numbers{2});
+}
+
+TEST_P(ListsContract, CompactForgetsRemovedListsAndTheirBytes)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 1)}));
+  store(*project, listChanges({exampleList(1, {}), exampleList(2, {})}));
+  store(*project, listChanges({exampleList(2, {1})}));
+  removeLists(*project, {1});
+  EXPECT_TRUE(hasBytes(*project, 1));
+  compact(*project);
+  EXPECT_TRUE(changesOf(*project, 4).lists.at(0).forgotten);
+  EXPECT_FALSE(changesOf(*project, 3).lists.at(0).forgotten);
+  EXPECT_FALSE(hasBytes(*project, 1));
+  EXPECT_TRUE(hasBytes(*project, 2));
+  EXPECT_EQ(project->check(), Texts{});
+}
+
+TEST_P(ListsContract, ForgettingHistoryForgetsTheBytesThatOnlyItNames)
+{
+  const auto project = make();
+  store(*project, listChanges({exampleList(1, {}), exampleList(2, {}), exampleList(3, {})}));
+  removeLists(*project, {1});
+  removeLists(*project, {2});
+  Changes changes;
+  changes.forgetBefore = 3;
+  store(*project, changes);
+  EXPECT_FALSE(hasBytes(*project, 1));
+  EXPECT_TRUE(hasBytes(*project, 2));
+  EXPECT_TRUE(hasBytes(*project, 3));
+}
+
+TEST_P(ListsContract, ListStoredWithACompactKeepsItsBytes)
+{
+  const auto project = make();
+  Changes changes = listChanges({exampleList(1, {})});
+  changes.compact = true;
+  store(*project, changes);
+  EXPECT_TRUE(hasBytes(*project, 1));
 }
 
 } // namespace

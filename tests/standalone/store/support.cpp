@@ -124,6 +124,62 @@ StoredLog exampleLog(std::int64_t number, int type)
   return log;
 }
 
+std::string exampleListBytes(std::int64_t number)
+{
+  return "TITLE: " + std::to_string(number) + std::string("\0\xFF", 2) + std::string(5000, 'e');
+}
+
+KeptList exampleList(std::int64_t number, const std::vector<std::int64_t>& shots)
+{
+  const std::string n = std::to_string(number);
+  KeptList list;
+  list.number = number;
+  list.digest = digestOf(exampleListBytes(number));
+  list.file = "list" + n + ".edl";
+  list.title = "TITLE " + n;
+  list.format = "edl";
+  int line = 2;
+  for (const std::int64_t shot : shots) {
+    const std::string s = std::to_string(shot);
+    ListEvent& event = list.events.emplace_back();
+    event.shot = shot;
+    event.line = line += 3;
+    event.clip = {"R" + s,
+                  "clip " + s,
+                  "file" + s + ".mov",
+                  "01:00:00:00",
+                  "01:00:01:00",
+                  "10:00:00:00",
+                  "10:00:01:00",
+                  "VA1",
+                  "other\nnames",
+                  1,
+                  2,
+                  "29.97",
+                  shot % 2 == 0};
+    event.number = "00" + s;
+    event.part = 2;
+    event.reelText = "R" + s + "_";
+    event.reelField = 32;
+    event.transition = "D";
+    event.duration = "024";
+    event.speed = "-024.0";
+    event.speedTimecode = "01:00:00:00";
+    event.sourceIds = "umid\t1\nsource table\t2";
+  }
+  list.eventCount = static_cast<std::int64_t>(list.events.size());
+  return list;
+}
+
+Changes listChanges(std::vector<KeptList> lists)
+{
+  Changes changes;
+  for (const KeptList& list : lists)
+    changes.listBytes.push_back(exampleListBytes(list.number));
+  changes.lists = std::move(lists);
+  return changes;
+}
+
 std::string describe(const StoredLog& log)
 {
   std::string out = std::to_string(log.number) + " " + log.kind + " tag " + std::to_string(log.tag) + " uuid ";
@@ -165,6 +221,17 @@ std::vector<std::string> othersOf(Store& store)
     std::vector<std::string> out;
     store.readOthers([&](StoredLog&& log) { out.push_back(describe(log)); });
     return out;
+  });
+}
+
+std::vector<KeptList> listsOf(Store& store)
+{
+  return inUse(store, [&] {
+    std::vector<KeptList> lists;
+    store.lists()->readListHeads([&](KeptList&& list) { lists.push_back(std::move(list)); });
+    for (KeptList& list : lists)
+      list.events = store.lists()->eventsOf(list.number);
+    return lists;
   });
 }
 

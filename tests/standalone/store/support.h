@@ -51,6 +51,12 @@ reelhost::ProjectInfo exampleInfo();
 /// A log whose values all follow from its number.
 reelhost::StoredLog exampleLog(std::int64_t number, int type);
 
+/// The bytes of a list of that number, and the list itself with an event for each of @p shots.
+std::string exampleListBytes(std::int64_t number);
+reelhost::KeptList exampleList(std::int64_t number, const std::vector<std::int64_t>& shots);
+reelhost::Changes listChanges(std::vector<reelhost::KeptList> lists); ///< with the bytes of these lists
+std::vector<reelhost::KeptList> listsOf(reelhost::Store& store);      ///< whole; begins and ends a use
+
 /// The log as one text, for comparisons and for messages of failed tests.
 std::string describe(const reelhost::StoredLog& log);
 std::vector<std::string> reelsOf(reelhost::Store& store);    ///< all reels, described; begins and ends a use

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/list_export.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+#include "app/error.h"
+#include "app/kept_events.h"
+#include "app/kept_lists.h"
+#include "app/projects.h"
+#include "base/display_text.h"
+#include "lists/write.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr std::size_t usualReelLength = 8;
+
+/// The narrowest reel field that has room for that of the list.
+std::size_t reelLengthOf(const std::vector<Shot>& events)
+{
+  const std::size_t field = events.empty() ? 0 : events.front().event.reelField;
+  const std::vector<std::size_t>& lengths = reelLengths();
+  const auto found = std::lower_bound(lengths.begin(), lengths.end(), field);
+  return field == 0 || found == lengths.end() ? usualReelLength : *found;
+}
+
+/// What the list's own bytes say besides its events.
+std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& list)
+{
+  const lists::List original = lists::read(originalOf(session, std::to_string(list.number)));
+  std::vector<std::string> remarks;
+  const auto remark = [&](auto count, const char* what, const char* cause) {
+    if (count > 0)
+      remarks.push_back(fmt::format("{}: {} not written: {} ({})", base::displayText(list.file), what, count, cause));
+  };
+  remark(original.tally.ignored, "notes and statements", "the project keeps none of their kind");
+  remark(original.rejected.size(), "rejected lines", "they could not be read");
+  remark(static_cast<std::int64_t>(lists::eventsOf(original).size()) - list.events, "events",
+         "the project does not keep them any more");
+  return remarks;
+}
+
+} // namespace
+
+Written exportList(Session& session, const std::string& name, const ListForm& form)
+{
+  const ListEvents found = eventsOf(session, name);
+  std::vector<Shot> events;
+  for (const ListUse& use : found.events) {
+    events.push_back(use.clip);
+    if (!use.reel.empty())
+      events.back().reel = use.reel;
+  }
+  const bool isLog =
+      form.format ? *form.format == lists::Format::Ale : found.list.format == formatWord(lists::Format::Ale);
+  try {
+    lists::Written written =
+        isLog ? lists::writeAle(rateOf(session).rate, events)
+              : lists::writeEdl(found.list.title, events, form.reelLength ? *form.reelLength : reelLengthOf(events));
+    Written result{std::move(written.text), written.clips, remarksOnOriginal(session, found.list),
+                   std::move(written.leftOut)};
+    result.remarks.insert(result.remarks.end(), written.remarks.begin(), written.remarks.end());
+    return result;
+  } catch (const lists::Error& error) {
+    throw Error(ErrorKind::Refused, fmt::format("export: nothing written ({})", error.what()));
+  }
+}
+
+} // namespace reeldb::app

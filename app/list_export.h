@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Writes a list that the project keeps.
+#ifndef REELDB_APP_LIST_EXPORT_H
+#define REELDB_APP_LIST_EXPORT_H
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "app/export.h"
+#include "lists/list.h"
+
+namespace reeldb::app {
+
+/// The form that a list is written in. What is not given is as in the list.
+struct ListForm {
+  std::optional<lists::Format> format;
+  std::optional<std::size_t> reelLength; ///< for a cut list, one of reelLengths
+};
+
+/// Writes the events of the list that the name means, as requireList reads it, with the reels that their shots have
+/// now. Written::shots is the number of events, and the remarks say what of the list is not written. Throws Error as
+/// requireList does, and Refused if the reel field has fewer names than there are reels.
+Written exportList(Session& session, const std::string& list, const ListForm& form);
+
+} // namespace reeldb::app
+
+#endif

@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/unused_shots.h"
+
+#include "ReelDbManager.h"
+#include "app/host_text.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
+
+namespace reeldb::app {
+
+namespace {
+
+/// The logs that nothing but imports has made and changed. An import is a revision that changed a list.
+std::set<std::int64_t> madeByImports()
+{
+  std::set<std::int64_t> made, others, imports;
+  reelhost::History* const history = reelhost::projectStore().history();
+  if (!history)
+    return made;
+  history->readRevisions([&](reelhost::Revision&& revision) {
+    if (revision.lists != 0)
+      imports.insert(revision.number);
+    return true;
+  });
+  history->readChangedLogs(
+      [&](std::int64_t revision, std::int64_t log) { (imports.count(revision) != 0 ? made : others).insert(log); });
+  for (const std::int64_t log : others)
+    made.erase(log);
+  return made;
+}
+
+} // namespace
+
+UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots)
+{
+  UnusedShots result;
+  std::set<std::int64_t> removable = madeByImports();
+  for (const reelhost::KeptList& list : reelhost::keptLists())
+    for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number))
+      removable.erase(event.shot);
+
+  CookieVec logs;
+  std::set<std::string> reels; // folded
+  for (const Cookie& log : reelhost::allShots())
+    if (const std::int64_t number = reelhost::logNumber(log);
+        shots.count(number) != 0 && removable.count(number) != 0) {
+      logs.add(log);
+      result.shots.push_back(shotFrom(reelhost::materialOf(log)));
+      reels.insert(base::fold(result.shots.back().reel));
+    }
+  if (logs.empty())
+    return result;
+  reelhost::deleteLogs(logs);
+  CookieVec reelLogs;
+  for (const Cookie& log : session.manager().reelList) {
+    const std::string id = text(ReelDbRec(log).reelId());
+    if (reels.count(base::fold(id)) == 0 || removable.count(reelhost::logNumber(log)) == 0 ||
+        !reelhost::shotsOf(id).empty())
+      continue;
+    reelLogs.add(log);
+    result.reels.push_back(id);
+  }
+  reelhost::deleteLogs(reelLogs);
+  session.manager().informReelDbChanged("");
+  return result;
+}
+
+} // namespace reeldb::app

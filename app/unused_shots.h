@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Shots that no list uses any more. For the sources of this room.
+#ifndef REELDB_APP_UNUSED_SHOTS_H
+#define REELDB_APP_UNUSED_SHOTS_H
+
+#include <cstdint>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/session.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+struct UnusedShots {
+  std::vector<Shot> shots;
+  std::vector<std::string> reels; ///< identifiers
+};
+
+/// Deletes those of the shots, given by their logs' numbers, that no kept list uses and that imports alone made and
+/// changed; then each of their reels that has no shot left and that imports alone made and changed. Returns what was
+/// deleted. What was made before the history of the project begins stays.
+UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots);
+
+} // namespace reeldb::app
+
+#endif
