@@ -26,7 +26,7 @@ EVENT = re.compile(r"\s*(?P<number>\d{1,6}[A-Za-z]?)\s+(?P<reel>\S.*?)(?P<blanks
                    r"(?P<times>(?:\d\d[:;.,]\d\d[:;.,]\d\d[:;.,]\d{2,3}|\d+)\s+(?:\d\d[:;.,]\d\d[:;.,]\d\d[:;.,]\d{2,3}|\d+)"
                    r"\s+\d\d[:;.,]\d\d[:;.,]\d\d[:;.,]\d{2,3}\s+\d\d[:;.,]\d\d[:;.,]\d\d[:;.,]\d{2,3})\s*$", re.I)
 
-Clip = collections.namedtuple("Clip", "file line reel field clip source_file id times name by_note")
+Clip = collections.namedtuple("Clip", "file line reel field clip source_file id tracks times name by_note")
 
 
 def form(name):
@@ -86,7 +86,7 @@ def read(path):
         found = EVENT.fullmatch(line)
         if found:
             event = dict(line=number, number=found["number"], reel=found["reel"].strip(), times=found["times"].split(),
-                         notes=collections.defaultdict(list))
+                         tracks=found["tracks"], notes=collections.defaultdict(list))
             if event["reel"].upper() not in ("AX", "BL", "BLACK", "BARS", "GEN"):
                 widths.append(len(found["reel"]) + len(found["blanks"]) - 1)
             if group and group[-1]["number"] != event["number"]:
@@ -145,7 +145,7 @@ def clips_of(path):
         if not name or name.upper() in ("AX", "BL", "BARS", "GEN", "BLACK") or "*" in name:
             continue
         yield Clip(path, event["line"], reel, field, clip, source, ids.pop() if len(ids) == 1 else "",
-                   tuple(event["times"]), name, by_note)
+                   event["tracks"], tuple(event["times"]), name, by_note)
 
 
 def digest(names):
@@ -163,8 +163,66 @@ def names(paths):
         print(len(first), "0x%016x" % digest(first.values()), path)
 
 
-if __name__ == "__main__":
-    if len(sys.argv) > 2 and sys.argv[1] == "names":
-        names(sys.argv[2:])
+def kept_apart(a, b):
+    """Whether the rules for one list keep two of its names apart."""
+    if same(a.name, b.name) or (parts(a.name)[1] == parts(b.name)[1] and same(parts(a.name)[0], parts(b.name)[0])):
+        return False
+    return not (is_short(a.name, len(a.reel) == a.field, b.name) or is_short(b.name, len(b.reel) == b.field, a.name))
+
+
+def check(export, paths):
+    """Returns what is wrong, and how many clips were found in the project."""
+    shots = collections.defaultdict(list)
+    for shot in export["shots"]:
+        shots[shot["clip"], shot["tracks"], shot["source_in"], shot["source_out"]].append(shot)
+    faults, found, lost = [], 0, 0
+    ids, files = collections.defaultdict(set), collections.defaultdict(set)
+    for path in paths:
+        seen = collections.defaultdict(dict)
+        for clip in clips_of(path):
+            # Another shot of that range may be in another reel, so the shot must know the clip's reel text or name.
+            known = {clip.reel.lower(), clip.name.lower()}
+            reels = {shot["reel"].lower() for shot in shots[clip.clip, clip.tracks, clip.times[0], clip.times[1]]
+                     if known & {text.lower() for text in [shot["reel"], *shot["aliases"]]}}
+            if len(reels) != 1:
+                lost += 1
+                continue
+            found += 1
+            reel = reels.pop()
+            seen[reel].setdefault(clip.name.lower(), clip)
+            if clip.id:
+                ids[reel].add(clip.id)
+            if clip.by_note:
+                files[reel].add(clip.source_file or clip.name)
+        for reel, clips in seen.items():
+            clips = list(clips.values())
+            faults += ["%s: %s and %s are one reel: %s" % (path, a.name, b.name, reel)
+                       for i, a in enumerate(clips) for b in clips[:i] if kept_apart(a, b)]
+    faults += ["one reel of several source ids: %s %s" % (reel, sorted(known)) for reel, known in ids.items()
+               if len(known) > 1]
+    for reel, known in files.items():
+        known = sorted(known)
+        faults += ["one reel of two source files: %s: %s, %s" % (reel, a, b) for i, a in enumerate(known)
+                   for b in known[:i] if not same(a, b) and not is_short(a, False, b) and not is_short(b, False, a)
+                   and (parts(a)[1] != parts(b)[1] or not same(parts(a)[0], parts(b)[0]))]
+    return faults, found, lost
+
+
+def main(arguments):
+    if len(arguments) > 1 and arguments[0] == "names":
+        names(arguments[1:])
+    elif len(arguments) > 2 and arguments[0] == "check":
+        with open(arguments[1], encoding="utf-8") as file:
+            faults, found, lost = check(json.load(file), arguments[2:])
+        print("%d clips found, %d not found alone, %d faults" % (found, lost, len(faults)))
+        for fault in faults:
+            print(fault)
+        # A check that finds hardly any clip checks nothing.
+        return 1 if faults or found < 9 * lost else 0
     else:
-        sys.exit(__doc__)
+        return __doc__
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))
