@@ -59,7 +59,7 @@ memcheck: ## test under valgrind: PROGRAMS="reelrec_test store_test" for some pr
 	$(call build,release,-DREELDB_TESTS=ON)
 	@sh scripts/memcheck.sh build/release $(PROGRAMS)
 
-tidy: ## check the library and its host with clang-tidy: TIDY_ROOMS="lists cli" for other rooms
+tidy: ## check the sources with clang-tidy: TIDY_ROOMS="lists cli" for some rooms
 	@sh scripts/setup.sh check
 	cmake --preset tidy >/dev/null
 	@python3 scripts/tidy.py build/tidy $(TIDY_ROOMS)

@@ -126,7 +126,9 @@ ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool
     Comparison comparison(session, whole);
     std::vector<std::optional<std::int64_t>> versions;
     for (const ListFile& file : files) {
-      const std::optional<reelhost::KeptList> kept = as ? listNamed(*as) : whole ? std::nullopt : versionOf(file);
+      const std::optional<reelhost::KeptList> kept = as      ? listNamed(*as)
+                                                     : whole ? std::nullopt
+                                                             : versionOf(file, reelhost::digestOf(file.bytes));
       versions.push_back(kept ? std::optional(kept->number) : std::nullopt);
       if (kept)
         comparison.compare(file.list, *kept);

@@ -2,15 +2,13 @@
 #include "app/history.h"
 
 #include <algorithm>
-#include <array>
-#include <ctime>
 #include <map>
 #include <set>
 #include <utility>
 
 #include <fmt/format.h>
 
-#include "ReelDbRec.h"
+#include "app/commit_entries.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/reel_records.h"
@@ -30,97 +28,6 @@ reelhost::History& requireHistory()
   if (reelhost::History* const history = reelhost::projectStore().history())
     return *history;
   throw Error(ErrorKind::Refused, fmt::format("{}: keeps no history", reelhost::projectInfo().name));
-}
-
-std::string timeText(std::int64_t seconds)
-{
-  const std::time_t time = seconds;
-  std::tm utc = {};
-  if (seconds == 0 || !::gmtime_r(&time, &utc))
-    return {};
-  std::array<char, 64> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text.data();
-}
-
-using TakenBackRevisions = std::map<std::int64_t, std::int64_t>;
-
-CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisions& takenBack)
-{
-  CommitEntry entry;
-  entry.revision = revision.number;
-  entry.time = timeText(revision.origin.time);
-  entry.program = revision.origin.program;
-  entry.command = revision.origin.command;
-  entry.user = revision.origin.user;
-  entry.machine = revision.origin.machine;
-  entry.folder = revision.origin.folder;
-  entry.takesBack = revision.takesBack;
-  entry.isRedo = revision.isRedo;
-  const auto by = takenBack.find(revision.number);
-  entry.takenBackBy = by == takenBack.end() ? 0 : by->second;
-  entry.created = revision.created;
-  entry.changed = revision.changed;
-  entry.deleted = revision.deleted;
-  entry.elsewhere = revision.origin.elsewhere;
-  return entry;
-}
-
-// --- The history of one reel ---------------------------------------------------------------------
-
-using Values = std::map<std::string, std::string>;
-
-std::string idOf(const reelhost::StoredLog& log)
-{
-  for (const auto& [key, value] : log.fields)
-    if (key == TR_REEL_ID)
-      return value;
-  return {};
-}
-
-/// The name of a field by its key; empty for a key that people do not set.
-std::string fieldName(const std::string& key)
-{
-  const std::array<std::pair<const char*, const char*>, 6> names = {{{TR_REEL_ID, "reel"},
-                                                                     {TR_REEL_AVAILABLE_FLAG, "available"},
-                                                                     {TR_REC_INHIBIT_FLAG, "inhibit"},
-                                                                     {TR_LABEL_MAPPING, "label-map"},
-                                                                     {TR_BIN_NAME, "bin"},
-                                                                     {TR_LAST_DEVICE, "last-device"}}};
-  for (const auto& [known, name] : names)
-    if (key == known)
-      return name;
-  if (const std::string_view base = TR_USER_FIELD_BASE; key.compare(0, base.size(), base) == 0)
-    return "user-field." + key.substr(base.size());
-  return {};
-}
-
-Values valuesOf(const std::optional<reelhost::StoredLog>& log)
-{
-  Values values;
-  if (!log)
-    return values;
-  for (const auto& [key, value] : log->fields)
-    if (const std::string name = fieldName(key); !name.empty() && !value.empty())
-      values[name] = name == "available" || name == "inhibit" ? (value == "1" ? "yes" : "no") : value;
-  values["type"] = log->reelType;
-  return values;
-}
-
-std::vector<FieldStep> stepsOf(const reelhost::LogChange& change)
-{
-  const Values before = valuesOf(change.before), after = valuesOf(change.after);
-  Values fields = before;
-  fields.insert(after.begin(), after.end());
-  const auto valueIn = [](const Values& values, const std::string& field) {
-    const auto found = values.find(field);
-    return found == values.end() ? std::string() : found->second;
-  };
-  std::vector<FieldStep> steps;
-  for (const auto& [field, any] : fields)
-    if (FieldStep step{field, valueIn(before, field), valueIn(after, field)}; step.before != step.after)
-      steps.push_back(std::move(step));
-  return steps;
 }
 
 /// The number of the log of the reel that has the identifier, or of the one that had it when it was deleted last.
@@ -198,6 +105,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
       if (original.number == revision.takesBack)
         result.commit = entryFrom(original, takenBack);
   result.logsChanged = static_cast<std::size_t>(done.changed);
+  result.lists = static_cast<std::size_t>(done.lists);
   for (const auto& [log, id] : after.reels())
     if (before.reels().count(log) == 0)
       result.reelsRestored.push_back(id);
@@ -233,6 +141,28 @@ ProjectHistory readHistory(Session&, const std::optional<std::string>& reel)
         result.commits.back().fields = std::move(found->second);
     }
     return result;
+  });
+}
+
+std::vector<KeptDeletion> keptDeletions(Session&)
+{
+  return guarded([] {
+    reelhost::History& history = requireHistory();
+    std::vector<KeptDeletion> deletions;
+    for (const reelhost::Revision& revision : reelhost::deletionsInForce(history)) {
+      KeptDeletion deletion{entryFrom(revision, {}), {}, 0};
+      for (const reelhost::LogChange& change : history.changesOf(revision.number).logs) {
+        if (!reelhost::isRestorable(change))
+          continue;
+        if (change.before->type == codes::reelLog)
+          deletion.reels.push_back(idOf(*change.before));
+        else
+          ++deletion.shots;
+      }
+      if (!deletion.reels.empty() || deletion.shots != 0)
+        deletions.push_back(std::move(deletion));
+    }
+    return deletions;
   });
 }
 

@@ -30,6 +30,7 @@ struct CommitEntry {
   bool isRedo = false;                                ///< whether that one took another one back
   std::int64_t takenBackBy = 0;                       ///< the revision that takes it back; 0: it is in force
   std::int64_t created = 0, changed = 0, deleted = 0; ///< numbers of logs: reels and shots
+  std::int64_t lists = 0;                             ///< the number of kept lists that it changed
   std::vector<std::string> elsewhere;                 ///< what the command changed beside the project
   std::vector<FieldStep> fields;                      ///< of the reel, if the history of a reel was asked for
 };
@@ -43,6 +44,17 @@ struct ProjectHistory {
 /// Error: NotFound, Refused if the project keeps no history.
 ProjectHistory readHistory(Session& session, const std::optional<std::string>& reel);
 
+/// A deletion that undelete can still bring back.
+struct KeptDeletion {
+  CommitEntry commit;
+  std::vector<std::string> reels; ///< identifiers, in the order of the project
+  std::size_t shots = 0;
+};
+
+/// The deletions that are kept, the newest first: undelete brings the first one back. Throws Error (Refused) if the
+/// project keeps no history.
+std::vector<KeptDeletion> keptDeletions(Session& session);
+
 /// What undo or redo has done.
 struct TakenBackCommit {
   CommitEntry commit;                                   ///< the one that was taken back or made again
@@ -51,6 +63,7 @@ struct TakenBackCommit {
   std::vector<std::string> reelsRestored, reelsRemoved; ///< identifiers
   std::size_t shotsRestored = 0, shotsRemoved = 0;
   std::size_t logsChanged = 0; ///< reels and shots that are there before and after
+  std::size_t lists = 0;       ///< kept lists that are there again, as they were, or gone
 };
 
 /// Takes a commit back and stores that as a commit of its own: @p revision, or else the newest one of this user on this

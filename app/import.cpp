@@ -53,17 +53,18 @@ struct KeptVersion {
 };
 
 /// The kept list that the file's list takes the place of, or that has its bytes.
-std::optional<reelhost::KeptList> listReplacedBy(const ListFile& file, const Replacing& replacing)
+std::optional<reelhost::KeptList> listReplacedBy(const ListFile& file, const reelhost::Digest& digest,
+                                                 const Replacing& replacing)
 {
   if (replacing.list)
     return listNamed(*replacing.list);
-  return replacing.byName ? versionOf(file) : listWithBytesOf(file);
+  return replacing.byName ? versionOf(file, digest) : listWith(digest);
 }
 
-KeptVersion keptVersionOf(const ListFile& file, const Replacing& replacing)
+KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, const Replacing& replacing)
 {
   KeptVersion version;
-  std::optional<reelhost::KeptList> list = listReplacedBy(file, replacing);
+  std::optional<reelhost::KeptList> list = listReplacedBy(file, digest, replacing);
   if (!list)
     return version;
   version.list = std::move(*list);
@@ -98,7 +99,8 @@ public:
       addReel(id);
       result.created.push_back(id);
     });
-    const KeptVersion before = keptVersionOf(file, replacing_);
+    const reelhost::Digest digest = reelhost::digestOf(file.bytes);
+    const KeptVersion before = keptVersionOf(file, digest, replacing_);
     if (before.list.number == 0)
       noteEarlier(file, result);
     const std::string name = fileNameOf(file);
@@ -124,7 +126,7 @@ public:
       advance();
     }
     if (reelhost::keepsLists())
-      keep(name, std::move(file.bytes), before, shots, result);
+      keep(name, digest, std::move(file.bytes), before, shots, result);
     if (rate_)
       warnOfRate(result.list);
     result.clips = result.list.clips.size();
@@ -180,11 +182,12 @@ private:
   }
 
   /// Keeps the list, whose clips are these shots, unless it is kept as it is.
-  void keep(const std::string& name, std::string bytes, const KeptVersion& before,
+  void keep(const std::string& name, const reelhost::Digest& digest, std::string bytes, const KeptVersion& before,
             const std::vector<std::int64_t>& shots, ImportedList& result)
   {
     reelhost::KeptList list;
     list.number = before.list.number;
+    list.digest = digest;
     list.file = name;
     list.title = result.list.title;
     list.format = formatWord(result.list.format);
@@ -195,7 +198,7 @@ private:
     std::stable_sort(list.events.begin(), list.events.end(),
                      [](const auto& one, const auto& other) { return one.line < other.line; });
     result.keptAs = list.number;
-    if (list.number != 0 && before.list.events == list.events && before.list.digest == reelhost::digestOf(bytes)) {
+    if (list.number != 0 && before.list.events == list.events && before.list.digest == digest) {
       result.keeping = Keeping::Unchanged;
       return;
     }

@@ -54,18 +54,17 @@ reelhost::KeptList listNamed(const std::string& name)
               fmt::format("{}: no such list (reeldb list-file list has them)", base::shortText(name)));
 }
 
-std::optional<reelhost::KeptList> listWithBytesOf(const ListFile& file)
+std::optional<reelhost::KeptList> listWith(const reelhost::Digest& digest)
 {
-  const reelhost::Digest digest = reelhost::digestOf(file.bytes);
   for (const reelhost::KeptList& list : reelhost::keptLists())
     if (list.digest == digest)
       return list;
   return {};
 }
 
-std::optional<reelhost::KeptList> versionOf(const ListFile& file)
+std::optional<reelhost::KeptList> versionOf(const ListFile& file, const reelhost::Digest& digest)
 {
-  if (auto list = listWithBytesOf(file))
+  if (auto list = listWith(digest))
     return list;
   const std::vector<reelhost::KeptList> lists = reelhost::keptLists();
   constexpr const char* advice = "name one of them: --as {}; reeldb list-file list has them";

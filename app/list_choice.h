@@ -18,12 +18,13 @@ void requireKeepsLists();
 /// As requireList of app/kept_lists.h; without the events.
 reelhost::KeptList listNamed(const std::string& name);
 
-/// The kept list that has the bytes of the file, without its events.
-std::optional<reelhost::KeptList> listWithBytesOf(const ListFile& file);
+/// The kept list whose bytes have the digest, without its events.
+std::optional<reelhost::KeptList> listWith(const reelhost::Digest& digest);
 
-/// The kept list whose new version the file is: the one with its bytes, or else with its file name, or else with its
-/// title. Empty if there is no such list. Throws Error (Refused) if several lists have the file name, or the title.
-std::optional<reelhost::KeptList> versionOf(const ListFile& file);
+/// The kept list whose new version the file is: the one with its bytes, of this digest, or else with its file name, or
+/// else with its title. Empty if there is no such list. Throws Error (Refused) if several lists have the file name, or
+/// the title.
+std::optional<reelhost::KeptList> versionOf(const ListFile& file, const reelhost::Digest& digest);
 
 /// The name of the file without folders, under which the project keeps a list.
 std::string fileNameOf(const ListFile& file);

@@ -253,7 +253,7 @@ std::string makeProjectFrom(const ProjectState& state, const std::string& name)
     content.logs = logsFrom(state.logs);
     for (const ListState& list : state.lists) {
       content.lists.push_back(listFrom(list, content.logs));
-      content.listBytes.push_back(list.content);
+      content.listBytes.emplace(content.lists.back().digest, list.content);
       if (content.lists.size() > 1 && list.number <= content.lists[content.lists.size() - 2].number)
         refuse(fmt::format("list {}", list.number), "its number is not above that of the list before it");
     }

@@ -1,43 +1,61 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/watch.h"
 
+#include <algorithm>
+#include <array>
 #include <map>
+#include <unordered_map>
+#include <utility>
 
-#include "ReelDbClient.h"
+#include <fmt/format.h>
+
 #include "ReelDbManager.h"
+#include "app/commit_entries.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/reel_records.h"
 #include "base/ascii.h"
-#include "reelhost/host.h"
+#include "host/codes.h"
+#include "reelhost/feed.h"
+#include "reelhost/history.h"
+#include "reelhost/inform_manager.h"
 
 namespace reeldb::app {
 
 namespace {
 
-/// The fields of all reels by log, for comparison. The key is the log because identifiers may change.
-using Snapshot = std::map<std::string, Reel>;
+using What = ReelEvent::What;
 
-std::string nameOf(const Cookie& log)
+/// A state of the project: its newest revision.
+struct Position {
+  std::int64_t revision = 0;
+  std::array<unsigned char, 16> token{};
+};
+
+bool isReel(const std::optional<reelhost::StoredLog>& log)
 {
-  return log.asString(false).c_str();
+  return log && log->type == codes::reelLog;
 }
 
-Snapshot takeSnapshot(const ReelDbManager& manager)
+/// The revisions after @p last, the oldest first. Empty if the history does not hold all of them.
+std::optional<std::vector<reelhost::Revision>> revisionsAfter(reelhost::History& history, const Position& last)
 {
-  Snapshot snapshot;
-  const ShotCounts shots = reelhost::shotCounts();
-  for (const Cookie& log : manager.reelList)
-    if (Reel reel = readReel(ReelDbRec(log), shots); !reel.id.empty())
-      snapshot[nameOf(log)] = std::move(reel);
-  return snapshot;
-}
-
-/// Whether anything but the identifier differs.
-bool differs(const Reel& a, Reel b)
-{
-  b.id = a.id;
-  return !(a == b);
+  std::vector<reelhost::Revision> revisions;
+  bool isKnown = false;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    if (revision.number <= last.revision) {
+      isKnown = revision.number == last.revision && revision.token == last.token;
+      return false;
+    }
+    revisions.push_back(std::move(revision));
+    return true;
+  });
+  std::reverse(revisions.begin(), revisions.end());
+  if (last.revision == 0)
+    isKnown = revisions.empty() || revisions.front().number == 1;
+  if (!isKnown)
+    return std::nullopt;
+  return revisions;
 }
 
 } // namespace
@@ -45,116 +63,285 @@ bool differs(const Reel& a, Reel b)
 std::string_view wordOf(ReelEvent::What what)
 {
   switch (what) {
-  case ReelEvent::What::New:
+  case What::New:
     return "new";
-  case ReelEvent::What::Changed:
+  case What::Changed:
     return "changed";
-  case ReelEvent::What::Gone:
+  case What::Gone:
     return "gone";
-  case ReelEvent::What::Renamed:
+  case What::Renamed:
     return "renamed";
-  case ReelEvent::What::Database:
+  case What::Database:
     return "database";
-  case ReelEvent::What::Record:
-    return "record";
-  case ReelEvent::What::Ours:
-    return "ours";
   }
   return "";
 }
 
-class Watcher::Client : public ReelDbClient {
+/// The identifiers of the reels and the numbers of their shots, commit by commit.
+class Watcher::Reels {
 public:
-  using What = ReelEvent::What;
-
-  Client(Session& session, const std::optional<std::string>& reel, Listener listener)
-      : manager_(session.manager()), listener_(std::move(listener)), reel_(reel), known_(takeSnapshot(manager_))
+  /// REQUIRES: the project is being read.
+  Reels(Session& session, const std::optional<std::string>& reel) : reel_(reel)
   {
-    if (!reel_)
+    read();
+    if (!reel)
       return;
-    ReelDbRec record = requireReel(manager_, *reel_);
-    follow(nameOf(record), text(record.reelId()));
+    reel_ = text(requireReel(session.manager(), *reel).reelId());
+    log_ = logOf(*reel_);
   }
 
-  void reelDbChanged(LightweightString<char> id) override
+  /// Goes back to the state after the revision, so that all commits since are new. Throws Error as reportSince.
+  void goBackTo(std::int64_t revision)
   {
-    Snapshot now = takeSnapshot(manager_);
-    for (const auto& [log, before] : known_)
-      if (now.count(log) == 0)
-        reportGone(log, before.id);
-    for (const auto& [log, reel] : now) {
-      const auto before = known_.find(log);
-      if (before == known_.end())
-        report(What::New, log, reel.id);
-      else if (before->second.id != reel.id)
-        reportRenamed(log, before->second.id, reel.id);
-      if (before != known_.end() && differs(before->second, reel))
-        report(What::Changed, log, reel.id);
+    reelhost::History* const history = reelhost::projectStoreToRead().history();
+    if (!history)
+      throw Error(ErrorKind::Refused, "watch: this project keeps no history");
+    Position position{revision, {}};
+    std::int64_t oldest = 0, newest = 0;
+    history->readRevisions([&](reelhost::Revision&& known) {
+      if (known.number == revision)
+        position.token = known.token;
+      newest = std::max(newest, known.number);
+      oldest = known.number;
+      return known.number > revision;
+    });
+    if (revision > newest)
+      throw Error(ErrorKind::NotFound, fmt::format("watch: no revision {} (the newest is {})", revision, newest));
+    const auto revisions = revisionsAfter(*history, position);
+    if (!revisions)
+      throw Error(
+          ErrorKind::Refused,
+          fmt::format("watch: the history since revision {} is forgotten (it begins with {})", revision, oldest));
+    for (auto later = revisions->rbegin(); later != revisions->rend(); ++later) {
+      reelhost::RevisionChanges changes = history->changesOf(later->number);
+      for (reelhost::LogChange& change : changes.logs)
+        std::swap(change.before, change.after);
+      take(*later, changes);
     }
-    known_ = std::move(now);
-    if (!reel_)
-      listener_({What::Database, text(id), {}});
+    last_ = position;
   }
-  void ourReelDbRecChanged() override { listener_({What::Ours, reel_.value_or(""), {}}); }
-  void someReelDbRecChanged(LightweightString<char> id) override
+
+  /// What the commits since the last call did. Takes them over.
+  std::vector<WatchedCommit> newCommits(const reelhost::ForeignChanges& changes)
   {
-    if (!reel_ || base::sameName(text(id), *reel_))
-      listener_({What::Record, text(id), {}});
+    reelhost::Store& store = reelhost::projectStoreToRead();
+    reelhost::History* const history = store.history();
+    std::optional<std::vector<reelhost::Revision>> revisions;
+    if (history)
+      revisions = revisionsAfter(*history, last_);
+    if (!revisions || revisions->empty())
+      return {difference(changes)};
+    std::vector<WatchedCommit> commits;
+    for (const reelhost::Revision& revision : *revisions) {
+      commits.push_back(take(revision, history->changesOf(revision.number)));
+      last_ = {revision.number, revision.token};
+    }
+    return commits;
+  }
+
+  /// Leaves out what is not of the reel of interest. Returns whether there is anything to report.
+  bool keepWhatIsOfInterest(WatchedCommit& commit)
+  {
+    if (!reel_)
+      return !commit.reels.empty() || commit.shotsNew != 0 || commit.shotsGone != 0;
+    std::erase_if(commit.reels, [this](const ReelEvent& event) { return !isOfInterest(event); });
+    return !commit.reels.empty();
   }
 
 private:
+  using Counts = std::unordered_map<std::string, std::int64_t>;
+
+  void read()
+  {
+    reelhost::Store& store = reelhost::projectStoreToRead();
+    ids_.clear();
+    store.readReels([&](reelhost::StoredLog&& log) { ids_[log.number] = idOf(log); });
+    byId_.clear();
+    for (const auto& [log, id] : ids_)
+      byId_.emplace(base::fold(id), log);
+    shots_ = reelhost::shotCounts();
+    last_ = {};
+    if (reelhost::History* const history = store.history())
+      history->readRevisions([&](reelhost::Revision&& newest) {
+        last_ = {newest.number, newest.token};
+        return false;
+      });
+  }
+
+  std::int64_t logOf(const std::string& id) const
+  {
+    const auto found = byId_.find(base::fold(id));
+    return found == byId_.end() ? 0 : found->second;
+  }
+
+  std::int64_t shotsOf(const std::string& id) const
+  {
+    const auto found = shots_.find(base::fold(id));
+    return found == shots_.end() ? 0 : found->second;
+  }
+
+  static void report(WatchedCommit& commit, std::int64_t log, What what, const std::string& reel,
+                     const std::string& from = {}, std::vector<FieldStep> fields = {})
+  {
+    commit.reels.push_back({what, reel, from, std::move(fields), commit.commit, log});
+  }
+
+  void setId(std::int64_t log, const std::string* id)
+  {
+    if (const auto known = ids_.find(log); known != ids_.end()) {
+      if (const auto named = byId_.find(base::fold(known->second)); named != byId_.end() && named->second == log)
+        byId_.erase(named);
+      ids_.erase(known);
+    }
+    if (id) {
+      ids_[log] = *id;
+      byId_[base::fold(*id)] = log;
+    }
+  }
+
+  void takeReel(WatchedCommit& commit, const reelhost::LogChange& change)
+  {
+    const bool was = isReel(change.before) || (change.forgotten && ids_.count(change.number) != 0);
+    const bool is = isReel(change.after);
+    const std::string id = is ? idOf(*change.after) : std::string();
+    const std::string before = isReel(change.before) ? idOf(*change.before) : ids_[change.number];
+    if (was && !is) {
+      report(commit, change.number, What::Gone, before);
+    } else if (!was && is) {
+      report(commit, change.number, What::New, id);
+    } else if (was && is) {
+      if (before != id)
+        report(commit, change.number, What::Renamed, id, before);
+      std::vector<FieldStep> steps = stepsOf(change);
+      std::erase_if(steps, [](const FieldStep& step) { return step.field == "reel"; });
+      if (!steps.empty())
+        report(commit, change.number, What::Changed, id, {}, std::move(steps));
+    }
+    setId(change.number, is ? &id : nullptr);
+  }
+
+  /// Notes which reels have another number of shots; returns the numbers before.
+  void takeShot(WatchedCommit& commit, const reelhost::LogChange& change, Counts& before)
+  {
+    const bool was = change.before && !isReel(change.before), is = change.after && !isReel(change.after);
+    commit.shotsNew += !was && is ? 1 : 0;
+    commit.shotsGone += was && !is ? 1 : 0;
+    const auto add = [&](const std::string& id, std::int64_t count) {
+      if (id.empty())
+        return;
+      const std::string key = base::fold(id);
+      before.emplace(key, shots_[key]);
+      shots_[key] += count;
+    };
+    if (was)
+      add(idOf(*change.before), -1);
+    if (is)
+      add(idOf(*change.after), 1);
+  }
+
+  WatchedCommit take(const reelhost::Revision& revision, const reelhost::RevisionChanges& changes)
+  {
+    WatchedCommit commit;
+    commit.commit = entryFrom(revision, {});
+    Counts before;
+    for (const reelhost::LogChange& change : changes.logs) {
+      takeReel(commit, change);
+      takeShot(commit, change, before);
+    }
+    reportShots(commit, before);
+    return commit;
+  }
+
+  /// Reports other numbers of shots, but not those of reels that are new, gone or renamed.
+  void reportShots(WatchedCommit& commit, const Counts& before)
+  {
+    std::map<std::int64_t, FieldStep> steps;
+    for (const auto& [id, count] : before)
+      if (const auto log = byId_.find(id); log != byId_.end() && shots_[id] != count)
+        steps[log->second] = {"shots", std::to_string(count), std::to_string(shots_[id])};
+    for (ReelEvent& event : commit.reels)
+      if (const auto step = steps.find(event.log); step != steps.end()) {
+        if (event.what == What::Changed)
+          event.fields.push_back(std::move(step->second));
+        steps.erase(step);
+      }
+    for (auto& [log, step] : steps)
+      report(commit, log, What::Changed, ids_[log], {}, {std::move(step)});
+  }
+
+  /// What differs, without the commits that did it.
+  WatchedCommit difference(const reelhost::ForeignChanges& changes)
+  {
+    const std::map<std::int64_t, std::string> ids = std::exchange(ids_, {});
+    const Counts shots = std::exchange(shots_, {});
+    read();
+    WatchedCommit commit;
+    std::map<std::int64_t, bool> changed;
+    for (const Cookie& log : changes.changedReels)
+      changed[logOf(text(ReelDbRec(log).reelId()))] = true;
+    for (const auto& [log, id] : ids)
+      if (ids_.count(log) == 0)
+        report(commit, log, What::Gone, id);
+    for (const auto& [log, id] : ids_) {
+      const auto before = ids.find(log);
+      if (before == ids.end()) {
+        report(commit, log, What::New, id);
+        continue;
+      }
+      if (before->second != id)
+        report(commit, log, What::Renamed, id, before->second);
+      const auto count = shots.find(base::fold(before->second));
+      const bool otherShots = (count == shots.end() ? 0 : count->second) != shotsOf(id);
+      if (changed.count(log) != 0 || (otherShots && before->second == id))
+        report(commit, log, What::Changed, id);
+    }
+    return commit;
+  }
+
   /// If the reel of interest was deleted, the next log with its identifier becomes the reel of interest.
-  bool isOfInterest(const std::string& log, const std::string& reel)
+  bool isOfInterest(const ReelEvent& event)
   {
-    if (!reel_)
-      return true;
-    if (log_.empty() && base::sameName(reel, *reel_))
-      follow(log, reel);
-    return log == log_;
+    if (log_ == 0 && event.what != What::Gone && base::sameName(event.reel, *reel_))
+      log_ = event.log;
+    if (event.log != log_)
+      return false;
+    if (event.what == What::Gone)
+      log_ = 0;
+    else
+      reel_ = event.reel;
+    return true;
   }
 
-  void follow(const std::string& log, const std::string& reel)
-  {
-    log_ = log;
-    reel_ = reel;
-    setReelIdOfInterest(hostText(reel)); // case-sensitive
-  }
-
-  void report(What what, const std::string& log, const std::string& reel)
-  {
-    if (isOfInterest(log, reel))
-      listener_({what, reel, {}});
-  }
-
-  void reportGone(const std::string& log, const std::string& reel)
-  {
-    report(What::Gone, log, reel);
-    if (log == log_)
-      log_.clear();
-  }
-
-  void reportRenamed(const std::string& log, const std::string& before, const std::string& after)
-  {
-    if (!isOfInterest(log, after))
-      return;
-    if (reel_)
-      follow(log, after);
-    listener_({What::Renamed, after, before});
-  }
-
-  ReelDbManager& manager_;
-  const Listener listener_;
   std::optional<std::string> reel_; ///< the reel of interest, as its record spells it
-  std::string log_;                 ///< the log of that reel; empty while it does not exist
-  Snapshot known_;
+  std::int64_t log_ = 0;            ///< the log of that reel; 0 while it does not exist
+  std::map<std::int64_t, std::string> ids_;
+  std::unordered_map<std::string, std::int64_t> byId_; ///< folded identifiers
+  Counts shots_;                                       ///< likewise
+  Position last_;                                      ///< what was reported last
 };
 
 Watcher::Watcher(Session& session, const std::optional<std::string>& reel, Listener listener)
-    : session_(session), client_(guarded([&] { return std::make_unique<Client>(session, reel, std::move(listener)); }))
+    : session_(session), listener_(std::move(listener)),
+      reels_(guarded([&] { return std::make_unique<Reels>(session, reel); }))
 {
 }
 
 Watcher::~Watcher() = default;
+
+void Watcher::reportSince(std::int64_t revision)
+{
+  guarded([&] {
+    reels_->goBackTo(revision);
+    report({});
+  });
+}
+
+void Watcher::report(const reelhost::ForeignChanges& changes)
+{
+  for (WatchedCommit& commit : reels_->newCommits(changes))
+    if (reels_->keepWhatIsOfInterest(commit))
+      listener_(commit);
+}
 
 void Watcher::idle()
 {
@@ -164,9 +351,43 @@ void Watcher::idle()
 void Watcher::poll()
 {
   guarded([this] {
-    if (reelhost::reloadIfChangedElsewhere())
-      session_.manager().informReelDbChanged("");
+    for (;;) {
+      const reelhost::ForeignChanges changes = reelhost::informOfChangesFromElsewhere(session_.manager());
+      if (changes.state != reelhost::ForeignChanges::State::Applied)
+        return;
+      try {
+        reelhost::projectStoreToRead();
+      } catch (const reelhost::Error& error) {
+        if (error.kind() != reelhost::ErrorKind::Busy)
+          throw;
+        continue; // another commit came in between: its revisions are read with the others
+      }
+      report(changes);
+      return;
+    }
   });
+}
+
+int Watcher::waitHandle()
+{
+  return guarded([] {
+    reelhost::Feed* const feed = reelhost::projectStore().feed();
+    return feed ? feed->waitHandle() : -1;
+  });
+}
+
+std::string Watcher::whyNoHandle()
+{
+  return guarded([] {
+    reelhost::Feed* const feed = reelhost::projectStore().feed();
+    return feed ? feed->whyNoWaitHandle() : reelhost::projectStore().subject() + ": reports no changes";
+  });
+}
+
+std::optional<std::chrono::microseconds> Watcher::readEvents()
+{
+  reelhost::Feed* const feed = reelhost::projectStore().feed();
+  return feed ? feed->readEvents() : std::nullopt;
 }
 
 } // namespace reeldb::app

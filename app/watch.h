@@ -1,60 +1,93 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Changes to the reels of a project while other processes work on it.
+// Commits to a project while other processes work on it.
 #ifndef REELDB_APP_WATCH_H
 #define REELDB_APP_WATCH_H
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "app/history.h"
 #include "app/session.h"
+
+namespace reelhost {
+struct ForeignChanges;
+}
 
 namespace reeldb::app {
 
-/// One event.
+/// What a commit did to one reel.
 struct ReelEvent {
   enum class What {
-    New,      ///< the reel was created
-    Changed,  ///< a field of the reel changed
+    New,      ///< the reel was created or came back
+    Changed,  ///< a field of the reel changed, or the number of its shots
     Gone,     ///< the reel was deleted
-    Renamed,  ///< the reel was renamed
-    Database, ///< the reels were read again
-    Record,   ///< a field of the reel was set by this process
-    Ours,     ///< likewise, of the reel of interest
+    Renamed,  ///< the reel has another identifier
+    Database, ///< for the whole commit: its reels were reported
   };
   What what = What::Database;
   std::string reel; ///< empty for an event that concerns no single reel
   std::string from; ///< Renamed: the former name
+  /// Changed: the fields, and "shots" with the numbers of shots; empty if the history does not say which
+  std::vector<FieldStep> fields = {};
+  std::optional<CommitEntry> commit = {}; ///< the commit that did it, if the history says which
+  std::int64_t log = 0;                   ///< the number of the reel's log, which never changes; 0: no single reel
 };
 
-/// "new", "changed", "gone", "renamed", "database", "record", "ours"
+/// "new", "changed", "gone", "renamed", "database"
 std::string_view wordOf(ReelEvent::What what);
 
-/// Reports the events of a project to a listener. With a reel of interest it reports only events of that reel, also
-/// after a renaming; after the reel is deleted, those of the next reel with its identifier. Blocks no other process.
-/// Main thread only.
+/// One commit, or all that changed at once if the history does not say which commits did it.
+struct WatchedCommit {
+  std::optional<CommitEntry> commit; ///< empty: unknown
+  std::vector<ReelEvent> reels;      ///< by number of their logs; a renamed reel with other changes has two events
+  std::int64_t shotsNew = 0, shotsGone = 0;
+};
+
+/// Reports the commits of other processes to a listener, each once and in order. With a reel of interest it reports
+/// only commits that changed that reel, and of them only that reel, also after a renaming; after the reel is deleted,
+/// the next reel with its identifier. Blocks no other process. Main thread only.
+///
+/// A caller waits like this: it calls idle and poll once; then it waits until waitHandle() is readable, calls
+/// readEvents() until that returns zero, and calls idle and poll again.
 class Watcher {
 public:
-  using Listener = std::function<void(const ReelEvent&)>;
+  using Listener = std::function<void(const WatchedCommit&)>;
 
   /// Throws Error (NotFound) if the reel of interest does not exist. The session must outlive the watcher. Exceptions
-  /// of the listener pass through poll.
+  /// of the listener pass through poll and reportSince.
   Watcher(Session& session, const std::optional<std::string>& reel, Listener listener);
   ~Watcher();
 
+  /// Reports the commits after @p revision that the project holds already, before any poll. Throws Error: NotFound if
+  /// there is no such revision, Refused if the history does not hold all commits since or there is no history. With a
+  /// reel of interest, that reel is the one of this name as of now, and its events are those of its log.
+  void reportSince(std::int64_t revision);
+
   /// Releases the project, so that other processes can work on it.
   void idle();
-  /// Checks whether another process has committed, and reports the changes. Throws Error if that cannot be determined.
+  /// Checks whether another process has committed, and reports what it did. Throws Error if that cannot be determined.
   void poll();
 
+  /// A descriptor that becomes readable when another process may have committed. -1 if there is no such descriptor:
+  /// call poll from time to time; whyNoHandle() says why, "PATH: fact (cause)".
+  int waitHandle();
+  std::string whyNoHandle();
+  /// Zero: call poll now. A longer time: call this again after that time. No time: wait on.
+  std::optional<std::chrono::microseconds> readEvents();
+
 private:
-  class Client;
+  class Reels;
+  void report(const reelhost::ForeignChanges& changes);
   Session& session_;
-  std::unique_ptr<Client> client_;
+  const Listener listener_;
+  std::unique_ptr<Reels> reels_;
 };
 
 } // namespace reeldb::app

@@ -200,7 +200,7 @@ inline std::filesystem::path nameBeside(const std::filesystem::path& path)
     throw FileError(path, "cannot be made", errno);
   char ending[32];
   std::snprintf(ending, sizeof ending, ".new-%016llx", static_cast<unsigned long long>(number));
-  return folderOf(path) / ("." + path.filename().native().substr(0, mostBytes) + ending);
+  return folderOf(path) / std::string(".").append(path.filename().native(), 0, mostBytes).append(ending);
 }
 
 /// Creates the file @p place and waits until its content is on disk. No file is left after a throw. Without @p mode the

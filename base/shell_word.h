@@ -28,6 +28,11 @@ inline std::string replaced(std::string_view text, char what, std::string_view w
   return result;
 }
 
+inline std::string between(std::string_view start, std::string_view text)
+{
+  return std::string(start).append(text).append("'");
+}
+
 } // namespace detail
 
 /// The text as one word of a shell command line, in quotes if necessary. A text with characters that displayText
@@ -35,10 +40,10 @@ inline std::string replaced(std::string_view text, char what, std::string_view w
 inline std::string shellWord(std::string_view text)
 {
   if (displayText(text) != text)
-    return "$'" + detail::replaced(displayText(detail::replaced(text, '\\', "\\\\")), '\'', "\\'") + "'";
+    return detail::between("$'", detail::replaced(displayText(detail::replaced(text, '\\', "\\\\")), '\'', "\\'"));
   if (!text.empty() && std::all_of(text.begin(), text.end(), detail::isHarmlessInShell))
     return std::string(text);
-  return "'" + detail::replaced(text, '\'', "'\\''") + "'";
+  return detail::between("'", detail::replaced(text, '\'', "'\\''"));
 }
 
 } // namespace reeldb::base

@@ -54,6 +54,7 @@ void scanTime(Table& table)
   constexpr int reels = 10000;
   openProjectInMemory(reels, 0);
   std::vector<std::string> ids;
+  ids.reserve(reels);
   for (int i = 0; i < reels; ++i)
     ids.push_back(reelName(i));
   const LightweightString<char> id("Z999999_Z");
@@ -146,16 +147,14 @@ void imports(Table& table)
     writeLists(folder, clips);
     const std::string facility = folder / "facility";
     const std::string project = facility + "/projects/bench.reels";
-    run(bin + "reeldb init " + facility);
+    const std::string list = folder / "list.edl", plainList = folder / "list.txt", plain = folder / "plain.db";
+    run(fmt::format("{}reeldb init {}", bin, facility));
     std::vector<double> ours, theirs;
     for (int i = 0; i < (clips > 1000 ? 3 : 11); ++i) {
-      run("rm -f " + project + "*; " + bin + "reeldb -C " + facility + " project new bench");
-      ours.push_back(
-          timeOf([&] { run(bin + "reeldb -C " + facility + " -p bench import " + (folder / "list.edl").string()); }));
-      run("rm -f " + (folder / "plain.db").string() + "*");
-      theirs.push_back(timeOf([&] {
-        run(bin + "by_hand_import " + (folder / "list.txt").string() + " " + (folder / "plain.db").string());
-      }));
+      run(fmt::format("rm -f {}*; {}reeldb -C {} project new bench", project, bin, facility));
+      ours.push_back(timeOf([&] { run(fmt::format("{}reeldb -C {} -p bench import {}", bin, facility, list)); }));
+      run(fmt::format("rm -f {}*", plain));
+      theirs.push_back(timeOf([&] { run(fmt::format("{}by_hand_import {} {}", bin, plainList, plain)); }));
     }
     Row row{fmt::format("import of {} clips on new reels, process", clips),
             "plain program on the SQLite C API",
@@ -302,7 +301,7 @@ void listProcess(Table& table)
 {
   const TempFolder folder;
   const std::string facility = folder / "facility";
-  run(bin + "reeldb init " + facility);
+  run(fmt::format("{}reeldb init {}", bin, facility));
   const std::string project = facility + "/projects/bench.reels";
   writeProject(project, 400, 2);
   const std::string select =

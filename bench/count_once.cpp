@@ -84,6 +84,7 @@ void rename()
 void notify()
 {
   std::vector<std::unique_ptr<ReelDbClient>> listeners;
+  listeners.reserve(clients);
   for (int i = 0; i < clients; ++i)
     listeners.push_back(std::make_unique<ReelDbClient>());
   const LightweightString<char> id("A000001_C");

@@ -118,7 +118,7 @@ void writeProject(const std::string& file, int reels, int shotsPerReel)
 
 bool bareScan(const CookieVec& reels, const char* id)
 {
-  const CookieVec list = reels;
+  const CookieVec list = reels; // NOLINT(performance-unnecessary-copy-initialization): the library copies it, too
   for (const Cookie& reel : list) {
     const LightweightString<char> have = attribute(reel);
     if (!have.empty() && strcasecmp(have.c_str(), id) == 0)

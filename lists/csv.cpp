@@ -32,7 +32,7 @@ std::string csvRow(const std::vector<std::string>& fields)
 {
   std::string row;
   for (std::size_t i = 0; i < fields.size(); ++i)
-    row += (i == 0 ? "" : ",") + quoted(guarded(fields[i]));
+    row.append(i == 0 ? "" : ",").append(quoted(guarded(fields[i])));
   return row + "\r\n";
 }
 

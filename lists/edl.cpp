@@ -346,7 +346,7 @@ void Reader::speed(int number, std::string_view line, std::string_view statement
 
 std::string Reader::replacedReel(std::string_view statement)
 {
-  const std::string fault = "replaced reel without one of its two names";
+  const char* const fault = "replaced reel without one of its two names";
   const auto sameLetter = [](char a, char b) { return base::toLower(a) == base::toLower(b); };
   const auto found = std::search(statement.begin(), statement.end(), replacedBy.begin(), replacedBy.end(), sameLetter);
   if (found == statement.end())

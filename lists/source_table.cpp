@@ -15,7 +15,7 @@ namespace reeldb::lists {
 namespace {
 
 /// The bytes of two reel fields of the widest kind, and of the blank between them.
-constexpr std::size_t longestNames = 2 * 4 * reelLength + 1;
+constexpr std::size_t longestNames = std::size_t{2} * 4 * reelLength + 1;
 
 /// Names of more words are not split by their meaning. No list has such names, and the limit keeps the work per row
 /// small.

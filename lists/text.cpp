@@ -95,7 +95,7 @@ std::string_view firstControl(std::string_view text)
 std::string inQuotes(std::string_view text)
 {
   constexpr std::size_t quotedBytes = 40;
-  return "'" + shortened(text, quotedBytes) + "'";
+  return std::string("'").append(shortened(text, quotedBytes)).append("'");
 }
 
 std::string shortened(std::string_view text, std::size_t bytes)

@@ -29,9 +29,9 @@ std::string tracksOf(const Clip& clip)
 {
   std::string result;
   for (int i = 1; i <= clip.videoChannels; ++i)
-    result += clip.videoChannels == 1 ? "V" : "V" + std::to_string(i);
+    result.append("V").append(clip.videoChannels == 1 ? "" : std::to_string(i));
   for (int i = 1; i <= clip.audioChannels; ++i)
-    result += "A" + std::to_string(i);
+    result.append("A").append(std::to_string(i));
   return result.empty() ? "NONE" : result;
 }
 
@@ -131,7 +131,7 @@ void addRow(std::string& text, const std::vector<OutColumn>& columns,
             const std::function<std::string(const OutColumn&)>& cell)
 {
   for (std::size_t i = 0; i < columns.size(); ++i)
-    text += (i == 0 ? "" : "\t") + cell(columns[i]);
+    text.append(i == 0 ? "" : "\t").append(cell(columns[i]));
   text += "\n";
 }
 

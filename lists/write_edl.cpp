@@ -104,6 +104,7 @@ std::optional<std::vector<std::string>> namesFor(const std::vector<std::string>&
 {
   const std::vector<ReelText> ofList = reelTextsOf(reels, clips);
   std::vector<std::string> texts;
+  texts.reserve(ofList.size());
   for (const ReelText& each : ofList)
     texts.push_back(each.text);
   std::optional<std::vector<std::string>> names = shortReelNames(texts, field);
@@ -150,7 +151,7 @@ std::string transitionField(const Event& event)
   constexpr std::size_t columns = 4;
   std::string code = event.transition.empty() ? "C" : event.transition;
   if (code == "KB" || code == "KO")
-    code.insert(1, " ");
+    code = {code[0], ' ', code[1]};
   return padded(std::move(code), columns);
 }
 

@@ -5,9 +5,9 @@
 A mutant is the program with one operator, constant, condition, statement or string changed, with two statements
 swapped, or with one call made twice. It is built in a copy of the tree (build/mutate), and the tests of the folder that
 mirrors its source are run on it, those of the file itself first, until one fails: the mutant is killed. One that passes
-them all is run on the host contract and, if it is one of the library, on the tests in which everything beneath the
-library fails in turn. What passes these, too, survives: a test is missing, or the change makes no difference. The
-latter are listed in tests/mutants/equivalent.txt, one per line, and are not run:
+them all is run on the host contract and on the tests in which everything beneath it fails in turn: the calls of the
+library, the memory of the host. What passes these, too, survives: a test is missing, or the change makes no difference.
+The latter are listed in tests/mutants/equivalent.txt, one per line, and are not run:
 
     src/room/file.cpp | old -> new | the text of the source line | why nobody can tell
 
@@ -60,6 +60,7 @@ MEMORY = 8 << 30  # what a test program may ask for: a mutant may ask without en
 
 # Run on what all tests of its folder have passed.
 LAST = (("host_contract", "*"),)
+LAST_OF_HOST = (("reeldb_test_faults", "HostMemory.*"),)
 LAST_OF_LIBRARY = (("reeldb_test_faults", "Every/*:Operations.*"),)
 
 
@@ -506,7 +507,7 @@ class Workshop:
         query.touch()
         # Not optimised: what counts is how soon a mutant is built.
         self.run("cmake", "-S", self.tree, "-B", self.out, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Mutants",
-                 "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_C_FLAGS=-O0", "-DREELDB_TESTS=ON", "-DREELDB_TESTS_PCH=ON",
+                 "-DCMAKE_CXX_FLAGS=-O0", "-DCMAKE_C_FLAGS=-O0", "-DREELDB_TESTS=ON",
                  "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON")
 
     def run(self, *command):
@@ -622,7 +623,8 @@ class Tests:
         own, others = [], []
         for program, (_, sources) in sorted(self.workshop.programs.items()):
             for room in self.rooms_of(name):
-                if not any(str(pathlib.PurePath(source).parent) == f"tests/{room}" for source in sources):
+                # Programs that only borrow helpers of the folder do not count.
+                if not any(re.fullmatch(f"tests/{room}/[^/]+_test\\.cpp", source) for source in sources):
                     continue
                 has_own = any(pathlib.PurePath(source).name == f"{stem}_test.cpp" for source in sources)
                 (own if has_own else others).append(program)
@@ -641,7 +643,7 @@ class Tests:
         return stages + [Stage(program, "*") for program in others]
 
     def last_stages(self, name):
-        last = LAST if name.startswith("standalone/") else LAST + LAST_OF_LIBRARY
+        last = LAST + (LAST_OF_HOST if name.startswith("standalone/") else LAST_OF_LIBRARY)
         return [Stage(program, suites) for program, suites in last]
 
     def targets(self, names):

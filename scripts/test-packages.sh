@@ -153,13 +153,19 @@ if [ -n "${REELDB_OLD_PACKAGES:-}" ]; then
     cd /tmp/used
     reeldb project check
     reeldb export --json >/tmp/after.json
-    reeldb list --json | cmp - /tmp/list.json
-    cmp /tmp/before.json /tmp/after.json
+    reeldb list --json >/tmp/list-after.json'
+  for name in before:after list:list-after; do
+    quietly python3 "$(dirname "$0")/json_grown.py" "$root/tmp/${name%:*}.json" "$root/tmp/${name#*:}.json"
+  done
+  quietly in_root sh -euc '
+    cd /tmp/used
     reeldb which B007
     reeldb undelete
     reeldb show GONE
     reeldb set B008 available=yes
-    reeldb import /usr/share/reeldb/examples/camera-log.ale || [ $? = 4 ]'
+    reeldb import /usr/share/reeldb/examples/camera-log.ale || [ $? = 4 ]
+    reeldb undo
+    reeldb history --json >/dev/null'
   apt purge reeldb "$(dpkg-deb -f "$runtime" Package)"
   apt autoremove --purge
 fi

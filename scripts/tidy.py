@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: Apache-2.0
 """Runs clang-tidy over the sources of rooms, and over the headers they include: tidy.py BUILD [ROOM...]. Without a
-name these are src and standalone.
+name these are all rooms but tests and fuzz. A room without sources, such as base, is checked with those that include
+its headers. A header that only another room includes is checked with a source of that room; one that no source includes
+is an error.
 
 BUILD is a folder that cmake has configured with the preset tidy; nothing needs to be built in it. A source that several
 targets compile is checked once, and a finding in a header is printed once. .clang-tidy in the root has the checks, and
@@ -24,7 +26,7 @@ import subprocess
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
-ROOMS = ("src", "standalone")
+ROOMS = ("include", "src", "standalone", "base", "lists", "app", "cli", "tools", "bench", "examples")
 FINDING = re.compile(r"^(?P<file>/.*?):(?P<line>\d+:\d+): (?:error|warning): (?P<text>.*)$")
 
 
@@ -49,6 +51,7 @@ class Checker:
         self.folder = build / "tidy"
         self.kept = self.folder / "clean"
         self.kept.mkdir(parents=True, exist_ok=True)
+        self.read = set()  # by the sources without findings
         try:
             commands = json.loads((build / "compile_commands.json").read_text())
         except FileNotFoundError:
@@ -85,7 +88,27 @@ class Checker:
             kept = json.loads(self.record(source).read_text())
         except (OSError, ValueError):
             return False
-        return kept["state"] == self.state(source, kept["read"])
+        if kept["state"] != self.state(source, kept["read"]):
+            return False
+        self.note_read(source, kept["read"])
+        return True
+
+    def note_read(self, source, names):
+        folder = pathlib.Path(self.commands[source]["directory"])
+        self.read.update((folder / name).resolve() for name in names)
+
+    def unread_headers(self, room):
+        return sorted(path.relative_to(ROOT) for path in (ROOT / room).rglob("*.h") if path.resolve() not in self.read)
+
+    def includer(self, header):
+        """A source of any room but the tests that names the header, or nothing."""
+        line = re.compile(rf'^#include "(.*/)?{re.escape(header.name)}"', re.MULTILINE)
+        for source in sorted(self.commands):
+            if pathlib.Path(source).is_relative_to(ROOT / "tests"):
+                continue
+            if line.search(pathlib.Path(source).read_text(errors="replace")):
+                return source
+        return None
 
     def keep_clean(self, source):
         command = self.commands[source]
@@ -98,6 +121,7 @@ class Checker:
             return
         names = listed.stdout.decode().split(":", 1)[1].replace("\\\n", " ").split()
         self.record(source).write_text(json.dumps({"state": self.state(source, names), "read": names}))
+        self.note_read(source, names)
 
     def check(self, source):
         """The findings in one source and its headers; nothing when clang-tidy did not get through."""
@@ -132,7 +156,8 @@ def main():
     checker = Checker(arguments.build.resolve(), arguments.clang_tidy, arguments.compiler)
     complete = True
     sources = []
-    for room in arguments.rooms or ROOMS:
+    rooms = arguments.rooms or ROOMS
+    for room in rooms:
         if not (ROOT / room).is_dir():
             fail(f"{room}: no such room")
         found, all_found = checker.sources_of(room)
@@ -140,15 +165,32 @@ def main():
         sources += found
 
     findings = set()
-    with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
-        for source, found in zip(sources, pool.map(checker.check, sources)):
-            if found is None:
-                print(f"tidy: {source}: clang-tidy failed", file=sys.stderr)
-                complete = False
-                continue
-            for finding in sorted(found - findings):
-                print(finding, flush=True)
-            findings |= found
+
+    def check(wanted):
+        passed = True
+        with concurrent.futures.ThreadPoolExecutor(arguments.jobs) as pool:
+            for source, found in zip(wanted, pool.map(checker.check, wanted)):
+                if found is None:
+                    print(f"tidy: {source}: clang-tidy failed", file=sys.stderr)
+                    passed = False
+                    continue
+                for finding in sorted(found - findings):
+                    print(finding, flush=True)
+                findings.update(found)
+        return passed
+
+    def unread_headers():
+        return [header for room in rooms for header in checker.unread_headers(room)]
+
+    complete = check(sources) and complete
+    if complete and not findings:
+        others = sorted({checker.includer(header) for header in unread_headers()} - {None})
+        complete = check(others)
+        sources += others
+    if complete and not findings:
+        for header in unread_headers():
+            print(f"tidy: {header}: no checked source includes it, so it is not checked", file=sys.stderr)
+            complete = False
     print(f"tidy: {len(sources)} sources and the headers they include, {len(findings)} findings")
     if not sources or not complete:
         return 2

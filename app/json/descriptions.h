@@ -697,6 +697,7 @@ void describe(Io& io, R& commit)
   io("deleted", commit.deleted);
   io("elsewhere", commit.elsewhere);
   io("fields", commit.fields);
+  io("lists", commit.lists);
 }
 
 template <class Io, Like<ProjectHistory> R>
@@ -704,6 +705,14 @@ void describe(Io& io, R& history)
 {
   io.optional("reel", history.reel);
   io("commits", history.commits);
+}
+
+template <class Io, Like<KeptDeletion> R>
+void describe(Io& io, R& deletion)
+{
+  io("commit", deletion.commit);
+  io("reels", deletion.reels);
+  io("shots", deletion.shots);
 }
 
 template <class Io, Like<TakenBackCommit> R>
@@ -717,6 +726,7 @@ void describe(Io& io, R& result)
   io("shots_restored", result.shotsRestored);
   io("shots_removed", result.shotsRemoved);
   io("changed", result.logsChanged);
+  io("lists", result.lists);
 }
 
 template <class Io, Like<Compacted> R>
@@ -826,13 +836,19 @@ void describe(Io& io, R& event)
   if constexpr (Io::writes) {
     io.json()["what"] = wordOf(event.what);
   } else {
-    constexpr std::array all = {What::New,      What::Changed, What::Gone, What::Renamed,
-                                What::Database, What::Record,  What::Ours};
+    constexpr std::array all = {What::New, What::Changed, What::Gone, What::Renamed, What::Database};
     event.what = fromWord(io.json().at("what"), all);
   }
   io("reel", event.reel);
   if (event.what == What::Renamed)
     io("from", event.from);
+  if constexpr (Io::writes) {
+    if (event.what == What::Changed)
+      io("fields", event.fields);
+  } else if (io.json().contains("fields")) {
+    io("fields", event.fields);
+  }
+  io.optional("commit", event.commit);
 }
 
 } // namespace reeldb::app

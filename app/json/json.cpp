@@ -66,6 +66,7 @@ T fromJson(std::string_view text)
   REELDB_JSON_RESULT(std::vector<__VA_ARGS__>)
 
 REELDB_JSON_RESULTS(Device)
+REELDB_JSON_RESULTS(KeptDeletion)
 REELDB_JSON_RESULTS(KeptList)
 REELDB_JSON_RESULTS(LabelMap)
 REELDB_JSON_RESULTS(ListEvents)

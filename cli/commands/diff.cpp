@@ -70,7 +70,7 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
     std::string text;
     for (const auto part : {&app::Shot::sourceIn, &app::Shot::sourceOut, &app::Shot::recordIn, &app::Shot::recordOut})
       if (shot.*part != now.*part)
-        text += (text.empty() ? "" : " ") + orDash(shot.*part);
+        text.append(text.empty() ? "" : " ").append(orDash(shot.*part));
     return text;
   };
   for (const auto& [before, after] : steps)

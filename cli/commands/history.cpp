@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
 
-#include <array>
-#include <ctime>
-
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include "app/history.h"
 #include "app/json/json.h"
 #include "commands/tables.h"
+#include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
 
@@ -22,18 +20,6 @@ struct Options {
   bool json = false;
 };
 
-/// "2026-11-22T13:38:48Z" as the time of this place, to the minute.
-std::string localTime(const std::string& utc)
-{
-  std::tm parts = {};
-  if (!::strptime(utc.c_str(), "%Y-%m-%dT%H:%M:%SZ", &parts))
-    return {};
-  const std::time_t time = ::timegm(&parts);
-  std::array<char, 32> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", ::localtime_r(&time, &parts));
-  return text.data();
-}
-
 std::string changesOf(const app::CommitEntry& commit)
 {
   std::vector<std::string> parts;
@@ -45,6 +31,8 @@ std::string changesOf(const app::CommitEntry& commit)
        {std::pair(commit.created, "new"), {commit.changed, "changed"}, {commit.deleted, "deleted"}})
     if (count != 0)
       parts.push_back(fmt::format("{} {}", count, what));
+  if (commit.lists != 0)
+    parts.push_back(counted(commit.lists, "list"));
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 

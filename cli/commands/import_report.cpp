@@ -53,10 +53,10 @@ std::string wrapped(const std::string& heading, const std::vector<std::string>& 
     const std::string name = displayText(names[i]) + (i + 1 < names.size() ? "," : "");
     const std::size_t width = displayWidth(name) + 1;
     if (i > 0 && used + width > columns) {
-      result += "\n" + std::string(indent - 1, ' ');
+      result.append("\n").append(indent - 1, ' ');
       used = indent - 1;
     }
-    result += " " + name;
+    result.append(" ").append(name);
     used += width;
   }
   return result + "\n";

@@ -59,9 +59,9 @@ void checkOptions(const Options& options)
   const auto refuse = [](const char* what) { throw app::Error(app::ErrorKind::Invalid, what); };
   const int ways = !options.clips.empty() + options.reel.has_value() + options.file.has_value();
   if (ways == 0)
-    refuse("reels-of: no shots given (use clip names, --reel ID or --file LIST)");
+    refuse("reels-of: no shots given (use clip names, --reel ID or --file FILE)");
   if (ways > 1)
-    refuse("reels-of: use only one of clip names, --reel ID and --file LIST");
+    refuse("reels-of: use only one of clip names, --reel ID and --file FILE");
   if (std::find(options.clips.begin(), options.clips.end(), "") != options.clips.end())
     refuse("reels-of: \"\": not a clip name");
   if (options.reel && options.reel->empty())
@@ -108,7 +108,7 @@ void addReelsOf(CommandLine& line)
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");
-  command.text("--file", options->file, "The clips of this cut list or log file").shownAs("LIST");
+  command.text("--file", options->file, "The clips of this cut list or log file").shownAs("FILE");
   command.json(options->json);
 }
 

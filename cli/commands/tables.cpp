@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/tables.h"
 
+#include <array>
+#include <ctime>
+
 #include "text/output.h"
 #include "text/table.h"
 
@@ -35,6 +38,17 @@ std::string_view yesOrNo(bool value)
 std::string orDash(const std::string& text)
 {
   return text.empty() ? "-" : text;
+}
+
+std::string localTime(const std::string& utc)
+{
+  std::tm parts = {};
+  if (!::strptime(utc.c_str(), "%Y-%m-%dT%H:%M:%SZ", &parts))
+    return {};
+  const std::time_t time = ::timegm(&parts);
+  std::array<char, 32> text{};
+  std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M", ::localtime_r(&time, &parts));
+  return text.data();
 }
 
 void printShots(const std::vector<app::Shot>& shots, std::size_t indent)

@@ -19,6 +19,9 @@ std::string_view yesOrNo(bool value);
 /// The text, or a dash for an empty one.
 std::string orDash(const std::string& text);
 
+/// "2026-11-22T13:38:48Z" as the time of this place, to the minute; empty if the text is not such a time.
+std::string localTime(const std::string& utc);
+
 /// Prints a table with a line for each shot, indented by @p indent blanks.
 void printShots(const std::vector<app::Shot>& shots, std::size_t indent = 0);
 

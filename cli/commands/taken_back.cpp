@@ -40,6 +40,8 @@ ExitCode report(const app::TakenBackCommit& result, bool json)
   if (result.logsChanged != 0)
     print(fmt::format("{} {} {}\n", result.logsChanged, result.logsChanged == 1 ? "reel or shot" : "reels or shots",
                       result.isRedo ? "changed again" : "changed back"));
+  if (result.lists != 0)
+    print(fmt::format("{} {}\n", counted(result.lists, "list"), result.isRedo ? "made again" : "taken back"));
   for (const std::string& change : commit.elsewhere)
     print(fmt::format("not {}: {}\n", result.isRedo ? "made again" : "taken back", displayText(change)));
   return done;

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
 
-#include <cerrno>
+#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <ctime>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "app/json/json.h"
 #include "app/watch.h"
 #include "base/number.h"
 #include "base/text_width.h"
+#include "commands/tables.h"
 #include "text/output.h"
+#include "text/waiting.h"
 
 namespace reeldb::cli {
 
@@ -23,56 +24,131 @@ using base::displayText;
 struct Options {
   std::optional<std::string> reel;
   std::optional<std::string> seconds;
+  std::optional<std::string> since;
+  bool follow = false;
+  bool all = false;
   bool json = false;
 };
 
+/// How often to ask where the system does not report what others write.
 constexpr std::chrono::milliseconds interval{200};
 
-std::string lineOf(const app::ReelEvent& event)
+using Deadline = std::optional<std::chrono::steady_clock::time_point>;
+
+/// "(revision 4, root on vm: reeldb set R1 bin=x)"; empty if the commit is unknown.
+std::string originOf(const std::optional<app::CommitEntry>& commit)
 {
-  std::string line(wordOf(event.what));
-  if (!event.reel.empty())
-    line += " " + displayText(event.reel);
-  if (event.what == app::ReelEvent::What::Renamed)
-    line += " from " + displayText(event.from);
-  return line + "\n";
+  if (!commit)
+    return {};
+  std::string origin = fmt::format(" (revision {}", commit->revision);
+  if (!commit->user.empty())
+    origin.append(", ").append(displayText(commit->user)).append(" on ").append(displayText(commit->machine));
+  if (!commit->command.empty())
+    origin.append(": ").append(displayText(commit->command));
+  return origin + ")";
 }
 
-/// Prints the event as a line, at once.
-void report(const app::ReelEvent& event, bool json)
+std::string changeOf(const app::ReelEvent& event)
 {
-  print(json ? app::jsonLine(event) : lineOf(event));
+  std::string text(wordOf(event.what));
+  text.append(" ").append(displayText(event.reel));
+  if (event.what == app::ReelEvent::What::Renamed)
+    text.append(" from ").append(displayText(event.from));
+  for (const app::FieldStep& step : event.fields)
+    text.append(&step == &event.fields.front() ? ": " : ", ")
+        .append(displayText(fmt::format("{}: {} (was {})", step.field, orDash(step.after), orDash(step.before))));
+  return text;
+}
+
+/// "12 new reels, 1 reel gone, 60 new shots"
+std::string totalsOf(const app::WatchedCommit& commit)
+{
+  using What = app::ReelEvent::What;
+  std::vector<std::string> parts;
+  const auto add = [&](std::size_t count, std::string_view form) {
+    if (count != 0)
+      parts.push_back(fmt::format(fmt::runtime(form), fmt::arg("n", count), fmt::arg("s", count == 1 ? "" : "s")));
+  };
+  const auto reels = [&](What what) {
+    return static_cast<std::size_t>(std::count_if(commit.reels.begin(), commit.reels.end(),
+                                                  [what](const app::ReelEvent& event) { return event.what == what; }));
+  };
+  add(reels(What::New), "{n} new reel{s}");
+  add(reels(What::Gone), "{n} reel{s} gone");
+  add(reels(What::Renamed), "{n} reel{s} renamed");
+  add(reels(What::Changed), "{n} reel{s} changed");
+  add(static_cast<std::size_t>(commit.shotsNew), "{n} new shot{s}");
+  add(static_cast<std::size_t>(commit.shotsGone), "{n} shot{s} gone");
+  return fmt::format("{}", fmt::join(parts, ", "));
+}
+
+std::string linesOf(const app::WatchedCommit& commit, const Options& options)
+{
+  std::string lines;
+  const auto add = [&](const std::string& text) { lines.append(text).append(originOf(commit.commit)).append("\n"); };
+  if (options.all || options.reel || commit.reels.size() == 1)
+    for (const app::ReelEvent& event : commit.reels)
+      add(changeOf(event));
+  else
+    add(totalsOf(commit));
+  return lines;
+}
+
+std::string jsonLinesOf(const app::WatchedCommit& commit, const Options& options)
+{
+  std::string lines;
+  for (const app::ReelEvent& event : commit.reels)
+    lines += app::jsonLine(event);
+  if (options.reel)
+    return lines;
+  app::ReelEvent whole;
+  whole.commit = commit.commit;
+  return lines + app::jsonLine(whole);
+}
+
+/// Prints the commit at once.
+void report(const app::WatchedCommit& commit, const Options& options)
+{
+  print(options.json ? jsonLinesOf(commit, options) : linesOf(commit, options));
   if (!flushOutput())
     throw app::Error(app::ErrorKind::Io, "watch: ended (its output cannot be written)");
 }
 
-/// Blocks the signals that end the command and waits for them, so that the command can clean up.
-class EndSignals {
-public:
-  EndSignals()
-  {
-    sigemptyset(&set_);
-    sigaddset(&set_, SIGINT);
-    sigaddset(&set_, SIGTERM);
-    sigaddset(&set_, SIGHUP);
-    sigprocmask(SIG_BLOCK, &set_, nullptr);
+/// Waits for a commit and reports it, again and again, until the deadline or a signal.
+void follow(app::Watcher& watcher, const Waiting& waiting, const Deadline& end)
+{
+  using std::chrono::microseconds;
+  const int handle = watcher.waitHandle();
+  if (handle < 0)
+    complainOf({fmt::format("{}; asking {} times a second instead", watcher.whyNoHandle(),
+                            std::chrono::seconds(1) / interval)});
+  for (;;) {
+    watcher.idle();
+    watcher.poll();
+    watcher.idle();
+    std::optional<microseconds> pause; // until somebody writes
+    if (handle < 0)
+      pause = interval;
+    for (bool isNews = false; !isNews;) {
+      std::optional<microseconds> time = pause;
+      if (end) {
+        const auto left =
+            std::chrono::duration_cast<microseconds>(*end - std::chrono::steady_clock::now()) + microseconds(1);
+        if (left <= microseconds(0))
+          return;
+        time = std::min(left, time.value_or(left));
+      }
+      if (waiting.endedBySignal(pause && handle >= 0 ? -1 : handle, time))
+        return;
+      pause = handle < 0 ? microseconds(0) : watcher.readEvents();
+      isNews = pause && pause->count() == 0;
+    }
   }
-  /// Waits for this time at most. Returns whether a signal came.
-  bool cameWithin(std::chrono::milliseconds time) const
-  {
-    timespec wait{};
-    wait.tv_sec = time.count() / 1000;
-    wait.tv_nsec = time.count() % 1000 * 1'000'000;
-    return sigtimedwait(&set_, nullptr, &wait) > 0;
-  }
-
-private:
-  sigset_t set_;
-};
+}
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  std::optional<std::chrono::steady_clock::time_point> end;
+  Deadline end;
   if (options.seconds) {
     const auto seconds = base::parseNumber(*options.seconds);
     if (!seconds)
@@ -80,18 +156,25 @@ ExitCode run(const Options& options, const Globals& globals)
                        fmt::format("--for \"{}\": not a number of seconds", base::shortText(*options.seconds)));
     end = std::chrono::steady_clock::now() + std::chrono::seconds(*seconds);
   }
-  const EndSignals signals;
+  std::optional<int> since;
+  if (options.since) {
+    since = base::parseNumber(*options.since);
+    if (!since)
+      throw app::Error(
+          app::ErrorKind::Invalid,
+          fmt::format("--since \"{}\": not a revision (reeldb history lists them)", base::shortText(*options.since)));
+  }
+  const Waiting waiting;
   app::Session session(globals.project, app::Access::Read);
-  app::Watcher watcher(session, options.reel, [&](const app::ReelEvent& event) { report(event, options.json); });
-  if (!options.json)
+  app::Watcher watcher(session, options.reel, [&](const app::WatchedCommit& commit) { report(commit, options); });
+  const bool follows = !since || options.follow || end;
+  if (!options.json && follows)
     print("watching (end with Ctrl-C)\n");
   flushOutput();
-  do {
-    watcher.idle();
-    if (signals.cameWithin(interval))
-      return done;
-    watcher.poll();
-  } while (!end || std::chrono::steady_clock::now() < *end);
+  if (since)
+    watcher.reportSince(*since);
+  if (follows)
+    follow(watcher, waiting, end);
   return done;
 }
 
@@ -103,18 +186,25 @@ void addWatch(CommandLine& line)
   Command command = line.add(
       {.name = "watch",
        .description = "Show changes to the reels when they are made",
-       .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json"},
-       .details = "Reports what any program stores in the project, without making it wait. Each change is a line:\n"
-                  "  new REEL, changed REEL, gone REEL   the reel was made, changed or deleted\n"
-                  "  renamed REEL from OLD               the reel OLD is now called REEL\n"
-                  "  database                            the reels were read again\n"
-                  "  record REEL, ours REEL              this process itself set a field of a reel, or of the reel of\n"
-                  "                                      --reel; the lines above report changes by other processes\n"
-                  "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
-                  "deleted, it waits for another reel with the same name."},
+       .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json", "reeldb watch --since 0"},
+       .details =
+           "Reports what any program stores in the project, at once and without making it wait. Each commit is a\n"
+           "line, with its revision, who made it and by which command:\n"
+           "  new REEL, gone REEL                 the reel was made or deleted\n"
+           "  changed REEL: FIELD: NEW (was OLD)  the fields of the reel, and the number of its shots\n"
+           "  renamed REEL from OLD               the reel OLD is now called REEL\n"
+           "A commit that changes several reels, such as an import, is a line of totals; --all reports each reel.\n"
+           "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
+           "deleted, it waits for another reel with the same name.\n"
+           "--since reports the commits after a revision and ends, or goes on with --follow or --for: a script\n"
+           "that notes the last revision misses none. --json reports each reel as an object per line, and then\n"
+           "\"database\" for the commit."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("--reel", options->reel, "Report only this reel, which must exist").shownAs("ID");
   command.text("--for", options->seconds, "End after this number of seconds").shownAs("SECONDS");
+  command.text("--since", options->since, "Report the commits after this revision; 0: all").shownAs("REVISION");
+  command.flag("--follow", options->follow, "With --since: go on, and report what is stored from now on");
+  command.flag("--all", options->all, "Report each reel of a commit that changes several");
   command.flag("--json", options->json, "Report as JSON, one object per line");
 }
 

@@ -65,7 +65,7 @@ public:
     else if (!onlyArguments_ && word.size() > 1 && word.front() == '-' && split(word).hasValue)
       completeAttached(word, result);
     else if (!onlyArguments_ && !word.empty() && word.front() == '-')
-      result.words = options();
+      result.words = options(); // NOLINT(bugprone-branch-clone): the order decides
     else if (hasCommands())
       result.words = commands();
     else if (isHelp_)
@@ -200,7 +200,6 @@ ValueKind valueKindOf(const std::string& metavariable)
       {"FIELD=VALUE", ValueKind::Field},
       {"NUMBER=NAME", ValueKind::UserField},
       {"FILE", ValueKind::File},
-      {"LIST", ValueKind::File},
       {"DIR", ValueKind::Folder},
   };
   const auto found = kinds.find(metavariable);

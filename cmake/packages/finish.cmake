@@ -8,6 +8,10 @@ foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   file(MAKE_DIRECTORY ${documents})
   configure_file(${CPACK_REELDB_SOURCE}/cmake/packages/copyright ${documents}/copyright COPYONLY)
   configure_file(${CPACK_REELDB_SOURCE}/cmake/packages/changelog.in ${documents}/changelog.Debian @ONLY)
+  if(component STREQUAL "runtime")
+    configure_file(${CPACK_REELDB_SOURCE}/cmake/packages/lintian-overrides
+      ${root}/usr/share/lintian/overrides/${CPACK_DEBIAN_${upper}_PACKAGE_NAME} COPYONLY)
+  endif()
   file(REMOVE ${documents}/LICENSE) # the copyright file says where the system has it
   if(EXISTS ${documents}/CHANGES.md)
     file(RENAME ${documents}/CHANGES.md ${documents}/changelog)

@@ -28,7 +28,7 @@
 #include "host/text.h"
 
 // Weak, so that this host can be linked with -z defs, and loaded where the library is not.
-extern int glib_pid __attribute__((weak));
+extern int glib_pid __attribute__((weak)); // NOLINT(readability-redundant-declaration): adds the attribute
 
 using Text = LightweightString<char>;
 using WideText = LightweightString<wchar_t>;

@@ -5,19 +5,21 @@
 //   REELDB_FACILITY=DIR reel-panel [PROJECT]
 //
 // It is a ReelDbClient: the library calls it when the reels change, and it only notes that it has to draw again. It
-// holds no lock. It shows commits of other programs as soon as the host detects them.
+// holds no lock. It sleeps until a key is pressed or another program commits, and then shows what that did.
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <clocale>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cwchar>
 #include <exception>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -25,7 +27,8 @@
 #include "ReelDbClient.h"
 #include "ReelDbManager.h"
 #include "reelhost/display_text.h"
-#include "reelhost/host.h"
+#include "reelhost/feed.h"
+#include "reelhost/inform_manager.h"
 
 using reelhost::displayText;
 
@@ -125,11 +128,19 @@ public:
   Keys(const Keys&) = delete;
   Keys& operator=(const Keys&) = delete;
 
-  /// The keys pressed within a short time; "q" at the end of the input.
-  std::string pressed() const
+  /// Waits for keys, until the descriptor (unless it is -1) is readable, for a signal, or for @p longest. Returns the
+  /// keys; "q" at the end of the input; nothing if no key was pressed.
+  std::string pressed(int descriptor, const reelhost::AskAgain& longest) const
   {
-    pollfd input{STDIN_FILENO, POLLIN, 0};
-    if (poll(&input, 1, 200) <= 0)
+    pollfd sources[] = {{STDIN_FILENO, POLLIN, 0}, {descriptor, POLLIN, 0}};
+    timespec limit{};
+    if (longest) {
+      limit.tv_sec = longest->count() / 1'000'000;
+      limit.tv_nsec = longest->count() % 1'000'000 * 1'000;
+    }
+    sigset_t none; // signals are blocked but here, so that none comes between the check of its flag and the sleep
+    sigemptyset(&none);
+    if (ppoll(sources, 2, longest ? &limit : nullptr, &none) <= 0 || sources[0].revents == 0)
       return {};
     char keys[16];
     const ssize_t count = read(STDIN_FILENO, keys, sizeof keys);
@@ -151,18 +162,32 @@ void run(const std::string& wanted)
   reelhost::openProject(project, reelhost::Access::Read);
   Panel panel;
   const Keys keys;
-  for (std::string key; ended == 0 && key != "q"; key = keys.pressed()) {
+  reelhost::Feed& feed = *reelhost::projectStore().feed(); // projects of a facility have one
+  const int commits = feed.waitHandle();
+  const reelhost::AskAgain soon = std::chrono::milliseconds(200), now = std::chrono::microseconds(0);
+  reelhost::AskAgain ask = now;
+  for (std::string key; ended == 0 && key != "q";) {
     if (key == "\x1b[A" || key == "\x1b[B")
       panel.scroll(key == "\x1b[A" ? -1 : 1);
-    reelhost::idle(); // lets other programs write
-    if (reelhost::reloadIfChangedElsewhere())
-      manager.informReelDbChanged("");
+    if (ask == now) {
+      reelhost::idle(); // lets other programs write
+      reelhost::informOfChangesFromElsewhere(manager);
+      reelhost::idle();
+      ask = std::nullopt;
+    }
     if (resized) {
       resized = 0;
       panel.redraw();
     }
     if (panel.stale())
       panel.draw(project);
+    if (commits < 0) { // the system does not report what others write here
+      key = keys.pressed(-1, soon);
+      ask = now;
+    } else {
+      key = keys.pressed(ask ? -1 : commits, ask);
+      ask = feed.readEvents();
+    }
   }
   reelhost::closeProject();
 }
@@ -175,10 +200,15 @@ int main(int argc, char** argv)
     std::fprintf(stderr, "usage: REELDB_FACILITY=DIR %s [PROJECT]\n", argv[0]);
     return 2;
   }
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-    std::signal(signal, [](int) { ended = 1; });
-  std::signal(SIGWINCH, [](int) { resized = 1; });
-  std::setlocale(LC_CTYPE, "C.UTF-8"); // the widths of characters are those of UTF-8
+  sigset_t handled;
+  sigemptyset(&handled);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGWINCH}) {
+    sigaddset(&handled, signal);
+    std::signal(
+        signal, signal == SIGWINCH ? [](int) { resized = 1; } : [](int) { ended = 1; });
+  }
+  sigprocmask(SIG_BLOCK, &handled, nullptr); // they are handled while the panel sleeps
+  std::setlocale(LC_CTYPE, "C.UTF-8");       // the widths of characters are those of UTF-8
   try {
     run(argc == 2 ? argv[1] : "");
     return 0;

@@ -36,7 +36,7 @@ std::string describe(const wchar_t* text)
 
 std::string describe(const std::string& text)
 {
-  return quoted(text);
+  return reelhost::quoted(text); // there is a std::quoted, too
 }
 
 std::string describe(const LightweightString<char>& text)

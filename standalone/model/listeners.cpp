@@ -91,6 +91,11 @@ void notifyLogModification(const Cookie& log, const EditModification& modificati
   listeners().notify([&](ProjectListener& listener) { listener.handleLogModification(log, modification); });
 }
 
+void notifyLogsModification(const CookieVec& logs)
+{
+  listeners().notify([&](ProjectListener& listener) { listener.handleLogsModification(logs); });
+}
+
 void notifyLogsDeletion(const CookieVec& logs)
 {
   listeners().notify([&](ProjectListener& listener) { listener.handleLogsDeletion(logs, {}); });

@@ -12,6 +12,7 @@ namespace reelhost::model {
 void notifyProjectEntry();
 void notifyProjectExit();
 void notifyLogModification(const Cookie& log, const EditModification& modification);
+void notifyLogsModification(const CookieVec& logs);
 void notifyLogsDeletion(const CookieVec& logs);
 
 } // namespace reelhost::model

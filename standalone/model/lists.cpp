@@ -70,9 +70,8 @@ std::vector<ListEvent> Project::eventsOf(std::int64_t number)
 std::string Project::listBytes(const Digest& digest)
 {
   Lists& lists = requireLists();
-  for (const std::string& bytes : listBytes_)
-    if (digestOf(bytes) == digest)
-      return bytes;
+  if (const auto pending = listBytes_.find(digest); pending != listBytes_.end())
+    return pending->second;
   use(Access::Read);
   return lists.listBytes(digest);
 }
@@ -87,10 +86,9 @@ std::int64_t Project::keep(KeptList&& list, std::string&& bytes)
     if (!changedLists_.empty())
       list.number = std::max(list.number, changedLists_.rbegin()->first + 1);
   }
-  list.digest = digestOf(bytes);
   list.eventCount = static_cast<std::int64_t>(list.events.size());
   const std::int64_t number = list.number;
-  listBytes_.push_back(std::move(bytes));
+  listBytes_.insert_or_assign(list.digest, std::move(bytes));
   changedLists_.insert_or_assign(number, std::move(list));
   return number;
 }

@@ -47,6 +47,14 @@ void replaceProject(std::unique_ptr<Project> project)
     p.closed.clear();
 }
 
+// The new state is read before the old one is dropped, so the old one stays if reading fails.
+void reload()
+{
+  openedProject->endUse();
+  replaceProject(std::make_unique<Project>(openedProject->store(), openedProject->access(), Access::Read));
+  openedProject->idle(); // the project waits as before
+}
+
 } // namespace
 
 std::chrono::milliseconds model::busyTimeout()
@@ -102,6 +110,11 @@ Store& projectStore()
   return *model::requireProject("project").store();
 }
 
+Store& projectStoreToRead()
+{
+  return model::requireProject("project").storeToRead();
+}
+
 ProjectInfo currentInfo(Store& store)
 {
   ProjectInfo info = store.info();
@@ -132,15 +145,29 @@ void idle()
     openedProject->idle();
 }
 
-// The new state is read before the old one is dropped, so the old one stays if reading fails.
 bool reloadIfChangedElsewhere()
 {
   if (!openedProject || !openedProject->changedElsewhere())
     return false;
-  openedProject->endUse();
-  replaceProject(std::make_unique<Project>(openedProject->store(), openedProject->access(), Access::Read));
-  openedProject->idle(); // the project waits as before
+  reload();
   return true;
+}
+
+ForeignChanges applyChangesFromElsewhere()
+{
+  ForeignChanges changes;
+  if (!openedProject || !openedProject->changedElsewhere())
+    return changes;
+  if (model::logsAreHeld()) {
+    changes.state = ForeignChanges::State::Later;
+    return changes;
+  }
+  if (std::optional<ForeignChanges> applied = openedProject->applyFromElsewhere())
+    return std::move(*applied);
+  reload();
+  changes.state = ForeignChanges::State::Applied;
+  changes.reelSet = true;
+  return changes;
 }
 
 } // namespace reelhost

@@ -56,7 +56,7 @@ std::string commandText(bool withFolders)
 {
   std::string line;
   for (const std::string& word : commandLine().words)
-    line += (line.empty() ? "" : " ") + reeldb::base::shellWord(withFolders ? word : withoutFolder(word));
+    line.append(line.empty() ? "" : " ").append(reeldb::base::shellWord(withFolders ? word : withoutFolder(word)));
   return shortened(std::move(line));
 }
 

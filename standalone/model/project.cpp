@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "model/stored_log.h"
 #include "reelhost/host.h"
 
 namespace reelhost::model {
@@ -69,13 +70,12 @@ Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
   use_ = beginWith == Access::Write ? Use::Write : Use::Read;
   try {
     info_ = currentInfo(*store_);
-    Zr::UUID uuid;
-    std::copy(info_.uuid.begin(), info_.uuid.end(), uuid.bytes);
-    cookie_ = Cookie(uuid, 0, 'P');
+    cookie_ = cookieOf(info_.uuid, 0, 'P');
     logPrefix_ = prefixFor(info_.uuid);
     nextNumber_ = store_->nextNumber();
     blockOf(options_).assign(store_->options());
     blockOf(options_).setOwner(&optionsOwner_);
+    position_ = newestPosition();
     store_->readReels([this](StoredLog&& log) { read(std::move(log)); });
   } catch (...) {
     endUse();
@@ -156,9 +156,7 @@ Log& Project::add(StoredLog&& stored)
 // Logs in memory are skipped: they were stored since the project was opened. So are logs that are to be deleted.
 void Project::read(StoredLog&& stored)
 {
-  Zr::UUID uuid;
-  std::copy(stored.uuid.begin(), stored.uuid.end(), uuid.bytes);
-  if (table_.find(CookieWords(Cookie(uuid, stored.tag, stored.kind))))
+  if (table_.find(CookieWords(cookieOf(stored))))
     return;
   if (deleted_.count(stored.number))
     return;
@@ -484,6 +482,7 @@ bool Project::commit()
   const Changes changes = collect();
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
+  position_ = newestPosition();
   forgetChanges();
   return true;
 }

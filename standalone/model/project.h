@@ -21,6 +21,7 @@
 #include "model/config_block.h"
 #include "model/log.h"
 #include "model/log_table.h"
+#include "reelhost/feed.h"
 #include "reelhost/history.h"
 #include "reelhost/host.h"
 
@@ -41,6 +42,11 @@ public:
   void close() noexcept;
 
   const std::shared_ptr<Store>& store() const { return store_; }
+  Store& storeToRead() ///< begun for reading, in the state of the logs in memory
+  {
+    use(Access::Read);
+    return *store_;
+  }
   Access access() const { return access_; }
   const ProjectInfo& info() const { return info_; }
   const Cookie& cookie() const { return cookie_; }
@@ -83,7 +89,11 @@ public:
   bool commit(); ///< returns whether anything was stored
   void idle();
   void endUse() noexcept;  ///< ends the use of the store for now
-  bool changedElsewhere(); ///< stays true until the project is read again
+  bool changedElsewhere(); ///< stays true until the project is read again, or the changes are applied
+  /// Reads what others changed, applies it and notifies the listeners. Empty if another project is in the place of this
+  /// one; nothing is applied then. Throws Error as Store::begin does, and Busy if there are changes that are not
+  /// stored. REQUIRES: changedElsewhere, and no handle on a log is open.
+  std::optional<ForeignChanges> applyFromElsewhere();
 
 private:
   enum class Use { None, Read, Write };
@@ -115,6 +125,11 @@ private:
     KeyValues options;      ///< all of them, if inverse changes options
   };
   void remove(Log& log);
+  struct AppliedChanges;
+  FeedPosition newestPosition() const;
+  Delta differenceToStored();
+  void apply(StoredLog&& stored, AppliedChanges& changes);
+  void apply(Delta&& delta, AppliedChanges& changes);
   /// Adds what takes the change back. Throws Error (Refused) if a later revision is in the way.
   void planTakingBack(const LogChange& change, Plan& plan);
   void planTakingBack(const ListChange& change, Plan& plan);
@@ -142,6 +157,7 @@ private:
   Cookie cookie_;
   std::string logPrefix_; ///< the start of the names of the project's logs
   std::int64_t nextNumber_ = 1;
+  FeedPosition position_; ///< the state that the logs in memory have, but for changes that are not stored
   configb options_;
   OptionsOwner optionsOwner_{*this};
 
@@ -157,7 +173,7 @@ private:
   std::vector<Key> changedOptions_;
   std::set<std::int64_t> deleted_;
   std::map<std::int64_t, std::optional<KeptList>> changedLists_; ///< empty: to be removed
-  std::vector<std::string> listBytes_;                           ///< of changed lists
+  std::map<Digest, std::string> listBytes_;                      ///< of changed lists
   Inverse inverse_; ///< what takes an earlier revision back; its changes are made already
   bool compact_ = false;
   std::int64_t forgetBefore_ = 0;

@@ -5,6 +5,7 @@
 
 #include "host/codes.h"
 #include "model/project.h"
+#include "model/stored_log.h"
 #include "reelhost/display_text.h"
 #include "reelhost/history.h"
 #include "reelhost/material.h"
@@ -12,8 +13,6 @@
 namespace reelhost::model {
 
 namespace {
-
-using Values = std::map<std::string, std::string>;
 
 /// Takes the step from @p before to @p after back, if @p now is still as it was after the step. Returns whether @p now
 /// is as it was before, or the step did not touch it.
@@ -32,11 +31,6 @@ std::optional<typename Map::mapped_type> valueIn(const Map& values, const typena
 {
   const auto found = values.find(key);
   return found == values.end() ? std::nullopt : std::optional(found->second);
-}
-
-Values valuesOf(const KeyValues& values)
-{
-  return Values(values.begin(), values.end());
 }
 
 /// The same for each value of a map.
@@ -112,20 +106,6 @@ bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after
       takeBackValue(now.title, before.title, after.title) && takeBackValue(now.format, before.format, after.format);
   now.eventCount = static_cast<std::int64_t>(now.events.size());
   return done;
-}
-
-bool isSame(const StoredLog& a, const StoredLog& b)
-{
-  return a.type == b.type && a.imported == b.imported && a.entireMedium == b.entireMedium && a.name == b.name &&
-         a.reelType == b.reelType && a.videoChannels == b.videoChannels && a.audioChannels == b.audioChannels &&
-         valuesOf(a.fields) == valuesOf(b.fields);
-}
-
-Cookie cookieOf(const StoredLog& log)
-{
-  Zr::UUID uuid;
-  std::copy(log.uuid.begin(), log.uuid.end(), uuid.bytes);
-  return Cookie(uuid, log.tag, log.kind);
 }
 
 /// How messages refer to the log: a reel by its identifier, another log by its name, or else by its reel.

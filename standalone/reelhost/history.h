@@ -83,8 +83,11 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The last deletion that was not taken back and that is not removed for good; 0 if there is no such deletion. A
-/// revision that also created logs is not a deletion.
+/// The deletions that were not taken back, the newest first. A revision that also created logs is not a deletion.
+/// Project compact may have removed what they deleted.
+std::vector<Revision> deletionsInForce(History& history);
+
+/// The last deletion in force that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);
 
 } // namespace reelhost

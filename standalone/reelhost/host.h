@@ -78,6 +78,9 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
+/// The same, begun for reading in the state that the logs in memory have, for those who read more than the logs after
+/// idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
 /// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was
@@ -101,6 +104,30 @@ void idle();
 /// application then notifies the manager. Throws Error as Store::begin does; the project then stays as it was. Returns
 /// false if no project is open.
 bool reloadIfChangedElsewhere();
+
+/// What changes by other processes mean for those who know the reels of the project.
+struct ForeignChanges {
+  enum class State {
+    Nothing, ///< no other process has committed
+    Later,   ///< not applied, because a handle on a log is open: ask again
+    Applied  ///< the project is as it is stored now
+  };
+  State state = State::Nothing;
+  bool reelSet = false;   ///< whether reels are new or gone or have another identifier
+  std::string newReel;    ///< the identifier of the only reel that is new, if that is all that changed in the set
+  CookieVec changedReels; ///< the reels that keep their identifier and have another value, in the order of the project
+};
+
+/// Applies what other processes have committed to the open project: its logs change in place, and nothing else is read
+/// if the store has a Feed. Changes by its own commits are not among them. Then notifies the listeners, once each, of
+/// the logs that are new or changed (handleLogsModification) and of those that are gone (handleLogsDeletion); neither
+/// project entry nor codes::madeOrImported is reported. The application then notifies the manager;
+/// informOfChangesFromElsewhere (reelhost/inform_manager.h) does both. If the file now holds another project, that one
+/// is read, and reelSet is true. Does nothing if no project is open.
+///
+/// Throws Error as Store::begin does, and Busy if changes made here are not stored; nothing is applied then. Exceptions
+/// of listeners pass through; everything is applied then.
+ForeignChanges applyChangesFromElsewhere();
 
 /// Runs the actions that were deferred before the call, in order, on the calling (main) thread. Returns their number.
 /// Actions deferred during the call wait for the next one. If an action throws, the exception passes through, that
@@ -142,8 +169,8 @@ std::vector<ListEvent> eventsOfList(std::int64_t list);
 /// The bytes of a kept list, by its digest. Throws Error (NotFound) if there are none.
 std::string bytesOfList(const Digest& digest);
 /// Keeps a list of these bytes, or, if @p list has a number, puts it in the place of the list with that number. Its
-/// digest and its number of events are set here. Returns its number. commit stores the change. REQUIRES: each event
-/// names a log that exists, or none.
+/// number of events is set here. Returns its number. commit stores the change. REQUIRES: its digest is that of the
+/// bytes; each event names a log that exists, or none.
 std::int64_t keepList(KeptList list, std::string bytes);
 /// Removes the list with its events. Its shots stay. commit stores the change.
 void removeList(std::int64_t list);

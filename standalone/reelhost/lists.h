@@ -5,11 +5,11 @@
 #define REELHOST_LISTS_H
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 #include "reelhost/material.h"
@@ -37,7 +37,14 @@ struct ListEvent {
   std::string speedTimecode; ///< of the source, where the speed begins
   std::string sourceIds;     ///< the ids of the source, one per line: the kind, a tab, the id
 
-  bool operator==(const ListEvent&) const = default;
+  friend bool operator==(const ListEvent& a, const ListEvent& b)
+  {
+    return std::tie(a.shot, a.line, a.clip, a.special, a.number, a.part, a.reelText, a.reelField, a.transition,
+                    a.duration, a.speed, a.speedTimecode, a.sourceIds) ==
+           std::tie(b.shot, b.line, b.clip, b.special, b.number, b.part, b.reelText, b.reelField, b.transition,
+                    b.duration, b.speed, b.speedTimecode, b.sourceIds);
+  }
+  friend bool operator!=(const ListEvent& a, const ListEvent& b) { return !(a == b); }
 };
 
 /// A list that was imported. No text holds NUL.
@@ -50,7 +57,12 @@ struct KeptList {
   std::int64_t eventCount = 0;   ///< stores take it from events
   std::vector<ListEvent> events; ///< in the order of the list; empty where only the head of the list is read
 
-  bool operator==(const KeptList&) const = default;
+  friend bool operator==(const KeptList& a, const KeptList& b)
+  {
+    return std::tie(a.number, a.digest, a.file, a.title, a.format, a.eventCount, a.events) ==
+           std::tie(b.number, b.digest, b.file, b.title, b.format, b.eventCount, b.events);
+  }
+  friend bool operator!=(const KeptList& a, const KeptList& b) { return !(a == b); }
 };
 
 /// What a store keeps of imported lists. Bytes are kept once for each digest, as long as a list or the history names

@@ -5,8 +5,8 @@
 #define REELHOST_MATERIAL_H
 
 #include <array>
-#include <compare>
 #include <string>
+#include <tuple>
 
 namespace reelhost {
 
@@ -26,7 +26,14 @@ struct Material {
   std::string frameRate;  ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
   bool dropFrame = false; ///< whether the list says that its timecodes are drop frame
 
-  bool operator==(const Material&) const = default;
+  friend bool operator==(const Material& a, const Material& b)
+  {
+    return std::tie(a.reel, a.name, a.sourceFile, a.sourceIn, a.sourceOut, a.recordIn, a.recordOut, a.tracks, a.aliases,
+                    a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame) ==
+           std::tie(b.reel, b.name, b.sourceFile, b.sourceIn, b.sourceOut, b.recordIn, b.recordOut, b.tracks, b.aliases,
+                    b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame);
+  }
+  friend bool operator!=(const Material& a, const Material& b) { return !(a == b); }
 };
 
 /// One text of a shot.

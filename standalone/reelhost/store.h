@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -88,7 +89,7 @@ struct Changes {
   KeyValues options;                 ///< project options that were set
   std::vector<KeptList> lists;       ///< new and changed lists, by number
   std::vector<std::int64_t> deletedLists;
-  std::vector<std::string> listBytes; ///< the bytes of lists, unless they are stored already
+  std::map<Digest, std::string> listBytes; ///< the bytes of lists by their digests, unless they are stored already
   Origin origin;
   bool empty() const
   {
@@ -103,6 +104,7 @@ enum class Access {
   Write ///< changes are stored; no other process can write meanwhile
 };
 
+class Feed;
 class History;
 
 /// Keeps one project. One use is begin, any number of reads, then end or commit; uses can be repeated. After an Error
@@ -114,6 +116,9 @@ public:
   /// The history of the project, which lives as long as the store. Null if this store keeps no history: what is deleted
   /// is then gone for good.
   virtual History* history() { return nullptr; }
+  /// What others change in the project, revision by revision; lives as long as the store. Null if this store does not
+  /// know that: the project is then read again after each change by others.
+  virtual Feed* feed() { return nullptr; }
   /// The lists of the project, which live as long as the store. Null if this store keeps no lists.
   virtual Lists* lists() { return nullptr; }
 

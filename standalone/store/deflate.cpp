@@ -14,6 +14,9 @@ namespace reelhost {
 
 namespace {
 
+/// Lists of other people: 4 needs half of the time of the usual level 6, and 8 % more space.
+constexpr int level = 4;
+
 /// The next part of the input: zlib counts it in 32 bits.
 void feed(z_stream& stream, std::string_view& rest)
 {
@@ -66,7 +69,7 @@ Digest digestOf(std::string_view bytes)
 std::string deflated(std::string_view bytes)
 {
   z_stream stream = {};
-  requireMemory(deflateInit(&stream, Z_DEFAULT_COMPRESSION));
+  requireMemory(deflateInit(&stream, level));
   struct Ending {
     z_stream& stream;
     ~Ending() { deflateEnd(&stream); }

@@ -22,20 +22,25 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history)
   return takenBack;
 }
 
-std::int64_t lastDeletion(History& history)
+std::vector<Revision> deletionsInForce(History& history)
 {
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);
-  std::vector<std::int64_t> deletions;
+  std::vector<Revision> deletions;
   history.readRevisions([&](Revision&& revision) {
     if (revision.takesBack == 0 && revision.deleted != 0 && revision.created == 0 &&
         takenBack.count(revision.number) == 0)
-      deletions.push_back(revision.number);
+      deletions.push_back(std::move(revision));
     return true;
   });
-  for (const std::int64_t revision : deletions) {
-    const RevisionChanges changes = history.changesOf(revision);
-    if (std::any_of(changes.logs.begin(), changes.logs.end(), [](const LogChange& log) { return isRestorable(log); }))
-      return revision;
+  return deletions;
+}
+
+std::int64_t lastDeletion(History& history)
+{
+  for (const Revision& revision : deletionsInForce(history)) {
+    const RevisionChanges changes = history.changesOf(revision.number);
+    if (std::any_of(changes.logs.begin(), changes.logs.end(), isRestorable))
+      return revision.number;
   }
   return 0;
 }

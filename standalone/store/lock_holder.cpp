@@ -44,6 +44,14 @@ pid_t holderOf(const std::string& path, off_t start, off_t length)
   return 0;
 }
 
+/// The process that holds the write lock of the project; 0 if it cannot be found.
+pid_t writer(const std::string& path)
+{
+  // SQLite locks these bytes for writing: in the index of the write-ahead log if there is one, else in the file itself.
+  const pid_t pid = holderOf(path + "-shm", 120, 1);
+  return pid != 0 ? pid : holderOf(path, 0x40000000, 2);
+}
+
 /// The command line of a process, with the program's name without its folder; empty if it cannot be read.
 std::string commandOf(pid_t pid)
 {
@@ -63,12 +71,18 @@ std::string commandOf(pid_t pid)
 
 } // namespace
 
+bool isBeingWritten(const std::string& absolutePath) noexcept
+{
+  try {
+    return writer(absolutePath) != 0;
+  } catch (const std::exception&) { // no memory: as if nobody were writing
+    return false;
+  }
+}
+
 std::string writeLockHolder(const std::string& absolutePath)
 {
-  // SQLite locks these bytes for writing: in the index of the write-ahead log if there is one, else in the file itself.
-  pid_t pid = holderOf(absolutePath + "-shm", 120, 1);
-  if (pid == 0)
-    pid = holderOf(absolutePath, 0x40000000, 2);
+  const pid_t pid = writer(absolutePath);
   if (pid == 0)
     return {};
   const std::string command = commandOf(pid);

@@ -7,6 +7,7 @@
 
 #include "base/ascii.h"
 #include "host/codes.h"
+#include "reelhost/feed.h"
 #include "reelhost/history.h"
 #include "store/log_fields.h"
 #include "store/log_image.h"
@@ -92,10 +93,10 @@ public:
     commit_.revision.setOptions = true;
   }
 
-  void writeLists(const std::vector<KeptList>& lists, const std::vector<std::string>& allBytes)
+  void writeLists(const std::vector<KeptList>& lists, const std::map<Digest, std::string>& allBytes)
   {
-    for (const std::string& bytes : allBytes)
-      content_.listBytes.try_emplace(digestOf(bytes), std::make_shared<const std::string>(bytes));
+    for (const auto& [digest, bytes] : allBytes)
+      content_.listBytes.try_emplace(digest, std::make_shared<const std::string>(bytes));
     for (const KeptList& list : lists) {
       KeptList whole = list;
       whole.eventCount = static_cast<std::int64_t>(list.events.size());
@@ -143,7 +144,7 @@ KeyValues listOf(const Options& options)
   return KeyValues(options.begin(), options.end());
 }
 
-class MemoryStore final : public Store, public History, public Lists {
+class MemoryStore final : public Store, public History, public Feed, public Lists {
 public:
   MemoryStore(const ProjectInfo& info, const KeyValues& options) : info_(info)
   {
@@ -242,6 +243,52 @@ public:
     return static_cast<std::int64_t>(gone.size());
   }
 
+  Feed* feed() override { return this; }
+
+  FeedPosition position() override
+  {
+    return content_.commits.empty() ? FeedPosition() : positionOf(content_.commits.back());
+  }
+
+  Delta since(const FeedPosition& before) override
+  {
+    Delta delta;
+    auto commit = content_.commits.begin();
+    if (before.revision != 0) {
+      while (commit != content_.commits.end() && positionOf(*commit) != before)
+        ++commit;
+      delta.whole = commit == content_.commits.end() || ++commit == content_.commits.end();
+    } else {
+      delta.whole = content_.commits.empty() || content_.commits.front().revision.number != 1;
+    }
+    Commit::Found<StoredLog> then;
+    bool setOptions = false;
+    for (; !delta.whole && commit != content_.commits.end(); ++commit) {
+      then.insert(commit->logs.begin(), commit->logs.end());
+      setOptions = setOptions || commit->options;
+    }
+    for (const auto& [number, was] : then) {
+      const auto now = content_.logs.find(number);
+      if (now != content_.logs.end()) {
+        if (!was.record || imageOf(*was.record) != imageOf(*now->second))
+          delta.logs.push_back(*now->second);
+      } else if (was.record) {
+        delta.gone.push_back({number, was.record->uuid, was.record->tag, was.record->kind});
+      } else if (was.forgotten) {
+        delta = {};
+        delta.whole = true;
+        return delta;
+      }
+    }
+    if (setOptions)
+      delta.options = options();
+    return delta;
+  }
+
+  int waitHandle() override { return -1; } // no other process has this project
+  std::string whyNoWaitHandle() override { return {}; }
+  AskAgain readEvents() noexcept override { return std::nullopt; }
+
   Lists* lists() override { return this; }
   std::int64_t nextListNumber() override { return content_.lastList + 1; }
 
@@ -269,6 +316,8 @@ public:
 
 private:
   using Commits = std::vector<Commit>;
+
+  static FeedPosition positionOf(const Commit& commit) { return {commit.revision.number, commit.revision.token}; }
 
   void read(const std::function<void(StoredLog&&)>& sink, bool reels)
   {

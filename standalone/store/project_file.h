@@ -32,6 +32,8 @@ ProjectFile inspectProjectFile(const std::filesystem::path& path);
 /// Names the process that holds the write lock of the project at @p absolutePath, which this process has open:
 /// "pid 4711, reeldb import cut.edl". Empty if no process can be named.
 std::string writeLockHolder(const std::string& absolutePath);
+/// Whether another process holds that lock. REQUIRES: this process has the project open.
+bool isBeingWritten(const std::string& absolutePath) noexcept;
 
 } // namespace reelhost
 

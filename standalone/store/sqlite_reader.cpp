@@ -125,7 +125,12 @@ KeyValues readOptions(Database& database)
 
 std::int64_t lastNumber(Database& database)
 {
-  return database.integer("SELECT value FROM project WHERE key = 'last_number'");
+  // In a damaged file the stored number may be too small, and the next log would replace another.
+  Statement row(database, "SELECT max(value, (SELECT ifnull(max(number), 0) FROM logs)) FROM project "
+                          "WHERE key = 'last_number' AND typeof(value) = 'integer'");
+  if (!row.step())
+    failDamaged("the project has no last number");
+  return row.integer(0);
 }
 
 void readLogs(Database& database, std::int64_t version, LogSet set, const std::function<void(StoredLog&&)>& sink)

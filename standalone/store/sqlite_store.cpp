@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 
+#include "store/sqlite_feed.h"
 #include "store/sqlite_history.h"
 #include "store/sqlite_integrity.h"
 #include "store/sqlite_lists.h"
@@ -73,10 +74,16 @@ void SqliteStore::commit(const Changes& changes)
 {
   if (!session_.isWriting())
     throw std::logic_error(subject() + ": commit without begin for writing");
-  if (changes.empty())
+  if (changes.empty()) {
     session_.end();
-  else
-    session_.commit([&](Database& database) { writeChanges(database, changes); });
+    return;
+  }
+  FeedPosition position;
+  session_.commit([&](Database& database) {
+    writeChanges(database, changes);
+    position = newestPosition(database);
+  });
+  stored_ = position;
 }
 
 bool SqliteStore::changedElsewhere()
@@ -149,6 +156,32 @@ void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::in
 std::int64_t SqliteStore::trashCount()
 {
   return keepsHistory() ? read(reelhost::trashCount) : 0;
+}
+
+FeedPosition SqliteStore::position()
+{
+  if (!session_.hasBegun())
+    return stored_;
+  return keepsHistory() ? read(newestPosition) : FeedPosition();
+}
+
+Delta SqliteStore::since(const FeedPosition& before)
+{
+  if (keepsHistory())
+    return read([&](Database& database) { return changesSince(database, before); });
+  Delta delta;
+  delta.whole = true;
+  return delta;
+}
+
+FileWatch& SqliteStore::watch()
+{
+  if (!watch_) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::canonical(session_.path(), error);
+    watch_.emplace(error ? session_.path().native() : path.native());
+  }
+  return *watch_;
 }
 
 std::int64_t SqliteStore::nextListNumber()

@@ -6,17 +6,20 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "reelhost/feed.h"
 #include "reelhost/history.h"
+#include "store/file_watch.h"
 #include "store/sqlite_schema.h"
 #include "store/sqlite_session.h"
 
 namespace reelhost {
 
-class SqliteStore final : public Store, public History, public Lists {
+class SqliteStore final : public Store, public History, public Feed, public Lists {
 public:
   /// @p steps: the versions that this store knows; tests pass others.
   explicit SqliteStore(std::filesystem::path path, const SchemaSteps& steps = schemaSteps());
@@ -43,6 +46,13 @@ public:
   std::int64_t trashCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
 
+  Feed* feed() override { return this; }
+  FeedPosition position() override;
+  Delta since(const FeedPosition& before) override;
+  int waitHandle() override { return watch().handle(); }
+  std::string whyNoWaitHandle() override { return watch().whyNot(); }
+  AskAgain readEvents() noexcept override { return watch_ ? watch_->readEvents() : std::nullopt; }
+
   Lists* lists() override { return this; }
   std::int64_t nextListNumber() override;
   void readListHeads(const std::function<void(KeptList&&)>& sink) override;
@@ -55,7 +65,11 @@ private:
   auto read(Work work);
   bool keepsHistory() const { return session_.version() >= versionWithHistory; }
 
+  FileWatch& watch();
+
   SqliteSession session_;
+  FeedPosition stored_; ///< by the last commit
+  std::optional<FileWatch> watch_;
 };
 
 } // namespace reelhost

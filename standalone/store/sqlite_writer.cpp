@@ -58,10 +58,9 @@ Statement& bindKnown(Statement& put, int parameter, std::int64_t number)
 }
 
 /// Keeps bytes that are not kept yet.
-void keepBytes(Database& database, const std::vector<std::string>& all)
+void keepBytes(Database& database, const std::map<Digest, std::string>& all)
 {
-  for (const std::string& bytes : all) {
-    const Digest digest = digestOf(bytes);
+  for (const auto& [digest, bytes] : all) {
     Statement there(database, "SELECT 1 FROM list_bytes WHERE digest = ?1");
     if (there.bindBlob(1, digest.data(), digest.size()).step())
       continue;
@@ -144,7 +143,7 @@ public:
     }
   }
 
-  void writeLists(const std::vector<KeptList>& lists, const std::vector<std::string>& bytes)
+  void writeLists(const std::vector<KeptList>& lists, const std::map<Digest, std::string>& bytes)
   {
     keepBytes(database_, bytes);
     for (const KeptList& list : lists) {

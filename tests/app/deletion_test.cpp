@@ -65,7 +65,7 @@ TEST_F(Deletion, PlanIsRefusedWhenTheProjectHasMovedOn)
 
 TEST_F(Deletion, DeletingAtOnceLooksItsPlanUpOnce)
 {
-  const auto openings = [this](const std::function<void(app::Session&)>& work) {
+  const auto openings = [](const std::function<void(app::Session&)>& work) {
     app::Session session({}, app::Access::Write);
     reelhost::Script::the().reset();
     work(session);

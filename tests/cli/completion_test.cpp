@@ -67,7 +67,8 @@ TEST_F(Completion, UnknownCommandGivesNothing)
 
 TEST_F(Completion, HyphenGivesOptionsOfTheCommandAndOfAll)
 {
-  EXPECT_EQ(candidates({"undelete", "-"}), (Words{"words", "--help", "--json", "--facility", "--project", "--trace"}));
+  EXPECT_EQ(candidates({"undelete", "-"}),
+            (Words{"words", "--help", "--list", "--json", "--facility", "--project", "--trace"}));
   EXPECT_EQ(candidates({"--ver"}), (Words{"words", "--version"}));
   EXPECT_EQ(candidates({"list", "--ver"}), Words{"words"});
 }
@@ -150,6 +151,7 @@ TEST_F(Completion, LabelMapAndFrameRateGiveTheirNames)
 
 TEST_F(Completion, FilesAndFoldersAreLeftToTheShell)
 {
+  EXPECT_EQ(answer({"reels-of", "--file", ""}), "files\n");
   EXPECT_EQ(answer({"import", "c"}), "files\n");
   EXPECT_EQ(answer({"export", "--edl", "-o", ""}), "files\n");
   EXPECT_EQ(answer({"init", ""}), "folders\n");

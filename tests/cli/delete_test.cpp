@@ -173,6 +173,29 @@ TEST_F(Delete, UndeleteRestoresOneDeletionAfterTheOther)
   EXPECT_EQ(result.err, "reeldb: undelete: there is no deletion to bring back\n");
 }
 
+TEST_F(Delete, DeletionsThatCanBeBroughtBackAreListedTheNewestFirst)
+{
+  EXPECT_EQ(output({"undelete", "--list"}), "no deletion to bring back\n");
+  ASSERT_EQ(reeldb({"delete", "A001", "C001", "--yes"}).code, 0);
+  ASSERT_EQ(reeldb({"delete", "B001", "--yes"}).code, 0);
+  const Json deletions = json({"undelete", "--list", "--json"});
+  ASSERT_EQ(deletions.size(), 2u);
+  EXPECT_EQ(deletions.at(0).at("reels"), Words{"B001"});
+  EXPECT_EQ(deletions.at(0).at("shots"), 1);
+  EXPECT_EQ(deletions.at(0).at("commit").at("revision"), 3);
+  EXPECT_EQ(deletions.at(1).at("reels"), (Words{"A001", "C001"}));
+  EXPECT_EQ(deletions.at(1).at("shots"), 3);
+  const std::string table = output({"undelete", "--list"});
+  EXPECT_EQ(table.find("REVISION  TIME"), 0u) << table;
+  EXPECT_NE(table.find("3  A001, C001\n"), std::string::npos) << table;
+  EXPECT_EQ(reelIds(), Words{});
+
+  ASSERT_EQ(reeldb({"undelete"}).code, 0);
+  EXPECT_EQ(json({"undelete", "--list", "--json"}).size(), 1u);
+  ASSERT_EQ(reeldb({"project", "compact"}).code, 0);
+  EXPECT_EQ(json({"undelete", "--list", "--json"}), Json::array());
+}
+
 TEST_F(Delete, CompactMakesDeletionsFinal)
 {
   reeldb({"delete", "A001", "--yes"});

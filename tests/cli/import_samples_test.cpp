@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <set>
 
 #include "cli/command_fixture.h"
@@ -92,6 +93,114 @@ TEST_F(ImportSamples, AllAtOnceLoseNothing)
     listed += reel.at("shots").get<int>();
   EXPECT_EQ(listed, shots);
   EXPECT_EQ(reelIds().size(), reels);
+}
+
+/// What makes an event of a list the same shot.
+using EventKey = std::vector<std::string>;
+
+class SampleVersions : public ImportSamples {
+protected:
+  /// The sample whose name begins so.
+  static std::string sample(const std::string& start)
+  {
+    for (const fs::path& file : samples())
+      if (file.filename().string().rfind(start, 0) == 0)
+        return file.string();
+    ADD_FAILURE() << "no sample " << start;
+    return {};
+  }
+  ProcessResult import(const std::string& project, const std::string& file, const Words& options = {})
+  {
+    Words words = {"-p", project, "import", file};
+    words.insert(words.end(), options.begin(), options.end());
+    const ProcessResult result = reeldb(words);
+    EXPECT_TRUE(result.code == 0 || result.code == 4) << result.err;
+    return result;
+  }
+  /// The shots that the events of a list come from, each as often as the list uses it.
+  std::multiset<EventKey> shotsOf(const std::string& project, const std::string& list)
+  {
+    std::multiset<EventKey> keys;
+    const Json shown = json({"-p", project, "list-file", "show", list, "--json"});
+    for (const Json& event : shown.at("events")) {
+      if (event.at("special") != "")
+        continue;
+      EventKey key;
+      for (const char* part : {"reel", "clip", "source_in", "source_out", "tracks"})
+        key.push_back(event.at(part));
+      keys.insert(key);
+    }
+    return keys;
+  }
+};
+
+TEST_F(SampleVersions, EachIsKeptAndAnUndoneImportLeavesTheProjectAsItWas)
+{
+  for (const fs::path& file : samples()) {
+    SCOPED_TRACE(file.filename().string());
+    const std::string project = numbered("p", std::hash<std::string>()(file.string()));
+    output({"project", "new", project});
+    const std::string empty = output({"-p", project, "export", "--json"});
+    import(project, file.string());
+    const Json list = json({"-p", project, "list-file", "list", "--json"}).at(0);
+    EXPECT_EQ(list.at("file"), file.filename().string());
+    EXPECT_EQ(output({"-p", project, "list-file", "show", "1", "--original"}), readFile(file.string()));
+    EXPECT_EQ(json({"-p", project, "list-file", "show", "1", "--json"}).at("events").size(), list.at("events"));
+    const ProcessResult same = reeldb({"-p", project, "diff", file.string()});
+    EXPECT_EQ(same.out, "no differences\n");
+    EXPECT_TRUE(same.code == 0 || same.code == 4);
+    EXPECT_EQ(output({"-p", project, "project", "check"}), project + ": sound\n");
+    output({"-p", project, "undo"});
+    EXPECT_EQ(output({"-p", project, "export", "--json"}), empty);
+    EXPECT_EQ(json({"-p", project, "list-file", "list", "--json"}), Json::array());
+    if (reeldb({"-p", project, "redo"}).code == 1) { // a name in the list means two of its reels
+      EXPECT_EQ(output({"-p", project, "export", "--json"}), empty);
+      continue;
+    }
+    EXPECT_EQ(json({"-p", project, "list-file", "list", "--json"}).at(0), list);
+    EXPECT_EQ(output({"-p", project, "list-file", "show", "1", "--original"}), readFile(file.string()));
+    EXPECT_EQ(output({"-p", project, "project", "check"}), project + ": sound\n");
+  }
+}
+
+TEST_F(SampleVersions, UnchangedListAmongOthersDiffersInNothing)
+{
+  const Words files = {sample("05_"), sample("31_"), sample("32_"), sample("26_")};
+  for (const std::string& file : files)
+    import("main", file);
+  for (const std::string& file : files) {
+    const ProcessResult result = reeldb({"diff", file});
+    EXPECT_EQ(result.code, 0) << file;
+    EXPECT_EQ(result.out, "no differences\n") << file;
+  }
+}
+
+TEST_F(SampleVersions, NewVersionDiffersByTheSetDifferenceOfItsEvents)
+{
+  output({"project", "new", "new"});
+  import("main", sample("26_"));
+  import("new", sample("27_"));
+  const std::multiset<EventKey> before = shotsOf("main", "1"), after = shotsOf("new", "1");
+  std::vector<EventKey> added, gone;
+  std::set_difference(after.begin(), after.end(), before.begin(), before.end(), std::back_inserter(added));
+  std::set_difference(before.begin(), before.end(), after.begin(), after.end(), std::back_inserter(gone));
+  EXPECT_FALSE(added.empty());
+  EXPECT_FALSE(gone.empty());
+
+  const std::string old = output({"export", "--json"});
+  const Json imported = Json::parse(import("main", sample("27_"), {"--as", "1", "--json"}).out);
+  const Json& difference = imported.at("files").at(0).at("difference");
+  const std::size_t trimmed = difference.at("trimmed").size();
+  EXPECT_EQ(difference.at("added").size() + trimmed, added.size());
+  EXPECT_EQ(difference.at("gone").size() + trimmed, gone.size());
+  EXPECT_EQ(shotsOf("main", "1"), after);
+  EXPECT_EQ(json({"list-file", "list", "--json"}).size(), 1u);
+  // Nothing but this version is left, as if it alone had been imported.
+  EXPECT_EQ(json({"export", "--json"}).at("shots").size(), json({"-p", "new", "export", "--json"}).at("shots").size());
+  EXPECT_EQ(reelIds().size(), json({"-p", "new", "list", "--json"}).size());
+  output({"undo"});
+  EXPECT_EQ(output({"export", "--json"}), old);
+  EXPECT_EQ(shotsOf("main", "1"), before);
 }
 
 } // namespace

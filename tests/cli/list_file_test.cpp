@@ -95,8 +95,12 @@ TEST_F(ListFile, RemoveTakesTheListAndWhatOnlyItNamed)
   EXPECT_EQ(reelIds(), Words{"B001"});
   EXPECT_EQ(reeldb({"list-file", "show", "evening.edl"}).err,
             "reeldb: evening.edl: no such list (reeldb list-file list has them)\n");
-  output({"undo"});
+  EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb list-file remove evening.edl\n"
+                              "1 reel and 1 shot restored: A001\n"
+                              "1 list taken back\n");
   EXPECT_EQ(output({"export", "--json"}), before);
+  EXPECT_EQ(json({"history", "--json"}).at("commits").at(2).at("lists"), 2); // the import
+  EXPECT_NE(output({"history"}).find("4 new, 2 lists"), std::string::npos) << output({"history"});
   EXPECT_EQ(output({"list-file", "show", "evening.edl", "--original"}), evening_);
 }
 

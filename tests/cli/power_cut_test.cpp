@@ -55,11 +55,20 @@ protected:
     };
     store->readReels(write);
     store->readOthers(write);
-    out << "trash " << store->history()->trashCount() << '\n';
-    for (std::int64_t revision = reelhost::lastDeletion(*store->history()); revision != 0; revision = 0)
-      for (reelhost::LogChange& change : store->history()->changesOf(revision).logs)
+    reelhost::History& history = *store->history();
+    out << "trash " << history.trashCount() << '\n';
+    std::vector<reelhost::Revision> revisions;
+    history.readRevisions([&](reelhost::Revision&& revision) {
+      revisions.push_back(std::move(revision));
+      return true;
+    });
+    for (const reelhost::Revision& revision : revisions) {
+      out << "revision " << revision.number << ' ' << revision.takesBack << ' ' << revision.created << ' '
+          << revision.changed << ' ' << revision.deleted << '\n';
+      for (reelhost::LogChange& change : history.changesOf(revision.number).logs)
         if (change.before)
           write(std::move(*change.before));
+    }
     store->end();
     return out.str();
   }
@@ -68,7 +77,7 @@ protected:
   Words someChange()
   {
     const Words reels = reelIds();
-    switch (reels.size() < 4 ? 0 : below(5)) {
+    switch (reels.size() < 4 ? 0 : below(9)) {
     case 1:
       return {"rename", reels[below(reels.size())], numbered("N", ++names_)};
     case 2:
@@ -77,6 +86,15 @@ protected:
       return {"undelete"};
     case 4:
       return {"set", reels[below(reels.size())], numbered("bin=b", ++names_)};
+    case 5:
+      return {"undo"};
+    case 6:
+      return {"undo", std::to_string(1 + below(lastRevision()))};
+    case 7:
+      return {"redo"};
+    case 8:
+      return below(3) == 0 ? Words{"project", "compact", "--before", std::to_string(1 + below(lastRevision()))}
+                           : Words{"project", "compact"};
     default:
       break;
     }
@@ -88,6 +106,20 @@ protected:
     names_ += 8; // the next list shares a third of its reels with this one
     dir_.write("list.edl", list);
     return {"import", "list.edl"};
+  }
+
+  std::size_t lastRevision()
+  {
+    const Json commits = json({"history", "--json"}).at("commits");
+    return commits.empty() ? 1 : commits.at(0).at("revision").get<std::size_t>();
+  }
+
+  /// Replaces the project by one that was made before projects kept their history.
+  void takeOlderProject()
+  {
+    for (const char* ending : {"", "-wal", "-shm"})
+      fs::remove(project().native() + ending);
+    fs::copy_file(fs::path(REELDB_SOURCE_DIR) / "tests/standalone/store/data/version-1.reels", project());
   }
 
   /// Puts the project as it is now, with the log beside it, into another facility's folder.
@@ -116,6 +148,8 @@ TEST_F(PowerCut, KilledCommandLeavesWhatWasThereBeforeOrAfterIt)
 {
   int before = 0, after = 0, cut = 0;
   for (int round = 0; round < rounds(40, 400); ++round) {
+    if (round % 10 == 9)
+      takeOlderProject();
     const Words change = someChange();
     const std::string was = contents(project());
 

@@ -169,7 +169,7 @@ TEST_F(ReelsOf, OneSourceMustBeGiven)
   EXPECT_EQ(reeldb({"reels-of"}).code, 2);
   const ProcessResult result = reeldb({"reels-of", "clip", "--reel", "A001"});
   EXPECT_EQ(result.code, 2);
-  EXPECT_EQ(result.err, "reeldb: reels-of: use only one of clip names, --reel ID and --file LIST\n");
+  EXPECT_EQ(result.err, "reeldb: reels-of: use only one of clip names, --reel ID and --file FILE\n");
 }
 
 TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)

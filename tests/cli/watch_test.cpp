@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <optional>
+#include <regex>
+#include <sstream>
 #include <thread>
 
 #include "cli/command_fixture.h"
+#include "standalone/store/support.h"
 
 using namespace reeldb_tests;
 
@@ -20,21 +24,28 @@ protected:
     ProcessSetting setting = setting_;
     setting.outputFile = path("said");
     watcher_.emplace(words, setting);
-    expectSaid("");
+    for (int i = 0; i < 1500 && readFile("said").empty(); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
   }
 
-  /// Waits until the watch has said these lines, and no others, since it began.
+  /// Waits until the watch has said these lines, and no others, since it began; without the commits at their ends.
   void expectSaid(const std::string& lines)
   {
     const std::string expected = "watching (end with Ctrl-C)\n" + lines;
-    for (int i = 0; i < 600 && readFile("said").size() < expected.size(); ++i)
+    for (int i = 0; i < 600 && said().size() < expected.size(); ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    EXPECT_EQ(readFile("said"), expected);
+    EXPECT_EQ(said(), expected) << readFile("said");
+  }
+  std::string said() { return withoutCommits(readFile("said")); }
+  static std::string withoutCommits(const std::string& lines)
+  {
+    static const std::regex commit(R"( \(revision [^\n]*\)\n)");
+    return std::regex_replace(lines, commit, "\n");
   }
 
   /// What a watch of three seconds says in JSON while something is done.
   template <class Action>
-  std::string watchInJson(Action action)
+  std::vector<Json> watchInJson(Action action)
   {
     ProcessResult result;
     std::thread watcher([&] { result = reeldb({"watch", "--json", "--for", "3"}); });
@@ -43,7 +54,11 @@ protected:
     watcher.join();
     EXPECT_EQ(result.code, 0) << result.err;
     EXPECT_EQ(result.err, "");
-    return result.out;
+    std::vector<Json> events;
+    std::istringstream lines(result.out);
+    for (std::string line; std::getline(lines, line);)
+      events.push_back(Json::parse(line));
+    return events;
   }
 
   std::optional<RunningProcess> watcher_;
@@ -54,7 +69,7 @@ TEST_F(Watch, ReportsCommitsOfOtherProcessesAndKeepsNobodyWaiting)
   output({"create", "R1"});
   watch();
   output({"create", "R2"});
-  expectSaid("new R2\ndatabase\n");
+  expectSaid("new R2\n");
 }
 
 TEST_F(Watch, ReportsChangedAndDeletedReels)
@@ -62,18 +77,25 @@ TEST_F(Watch, ReportsChangedAndDeletedReels)
   output({"create", "R1"});
   watch();
   output({"set", "R1", "bin=x"});
-  expectSaid("changed R1\ndatabase\n");
+  expectSaid("changed R1: bin: x (was -)\n");
   reeldb({"delete", "R1", "--yes"});
-  expectSaid("changed R1\ndatabase\ngone R1\ndatabase\n");
+  expectSaid("changed R1: bin: x (was -)\ngone R1\n");
 }
 
 TEST_F(Watch, ReportsARenamedReelAsTheSameReel)
 {
   output({"create", "R1"});
-  EXPECT_EQ(watchInJson([this] {
-              reeldb({"rename", "R1", "R2"});
-            }),
-            "{\"what\":\"renamed\",\"reel\":\"R2\",\"from\":\"R1\"}\n{\"what\":\"database\",\"reel\":\"\"}\n");
+  const std::vector<Json> events = watchInJson([this] { reeldb({"rename", "R1", "R2"}); });
+  ASSERT_EQ(events.size(), 2u);
+  EXPECT_EQ(events[0].at("what"), "renamed");
+  EXPECT_EQ(events[0].at("reel"), "R2");
+  EXPECT_EQ(events[0].at("from"), "R1");
+  EXPECT_EQ(events[1].at("what"), "database");
+  EXPECT_EQ(events[1].at("reel"), "");
+  for (const Json& event : events) {
+    EXPECT_EQ(event.at("commit").at("revision"), 2);
+    EXPECT_EQ(event.at("commit").at("command"), "reeldb rename R1 R2");
+  }
 }
 
 TEST_F(Watch, OneReelOfInterestIsFollowedAndOthersAreLeftOut)
@@ -89,12 +111,12 @@ TEST_F(Watch, OneReelOfInterestIsFollowedAndOthersAreLeftOut)
   };
   expectAfter({"set", "R1", "bin=x"}, "");
   expectAfter({"rename", "R2", "R3"}, "renamed R3 from R2\n");
-  expectAfter({"set", "R3", "bin=x"}, "changed R3\n");
+  expectAfter({"set", "R3", "bin=x"}, "changed R3: bin: x (was -)\n");
   expectAfter({"create", "R2"}, "");
   expectAfter({"delete", "R3", "--yes"}, "gone R3\n");
   expectAfter({"set", "R2", "bin=x"}, "");
   expectAfter({"create", "r3"}, "new r3\n");
-  expectAfter({"set", "R3", "bin=y"}, "changed r3\n");
+  expectAfter({"set", "R3", "bin=y"}, "changed r3: bin: y (was -)\n");
 }
 
 TEST_F(Watch, ReelOfInterestComesBackByAnotherNamedLikeIt)
@@ -106,6 +128,110 @@ TEST_F(Watch, ReelOfInterestComesBackByAnotherNamedLikeIt)
   expectSaid("gone R1\n");
   reeldb({"rename", "R2", "R1"});
   expectSaid("gone R1\nrenamed R1 from R2\n");
+}
+
+TEST_F(Watch, LineNamesTheCommit)
+{
+  dir_.write("facility.toml", readFile("facility.toml") + "\n[history]\nnames = false\n");
+  watch();
+  output({"create", "R1"});
+  expectSaid("new R1\n");
+  EXPECT_EQ(readFile("said"), "watching (end with Ctrl-C)\nnew R1 (revision 1: reeldb create R1)\n");
+}
+
+TEST_F(Watch, CommitThatChangesSeveralReelsIsALineOfTotals)
+{
+  output({"create", "A001"});
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                            event(2, "B001", "V", "01:00:00:00", "01:00:01:00") +
+                            event(3, "C001", "V", "01:00:00:00", "01:00:01:00"));
+  watch();
+  reeldb({"import", "cut.edl"});
+  expectSaid("2 new reels, 1 reel changed, 3 new shots\n");
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1", "--all"})),
+            "new B001\nnew C001\nchanged A001: shots: 1 (was 0)\n");
+}
+
+TEST_F(Watch, EveryCommitIsReportedOnceAndInOrder)
+{
+  watch();
+  std::string lines;
+  for (int i = 0; i < 20; ++i) {
+    output({"create", "R" + std::to_string(i)});
+    lines += "new R" + std::to_string(i) + "\n";
+  }
+  expectSaid(lines);
+}
+
+TEST_F(Watch, CommitOfAnotherProgramIsReportedWithoutItsOrigin)
+{
+  output({"create", "R1"});
+  output({"create", "R2"});
+  watch();
+  store_tests::runSql(dir_.path() / "projects" / "main.reels",
+                      "UPDATE logs SET reel_id = 'R3' WHERE number = 1; DELETE FROM logs WHERE number = 2;"
+                      "DELETE FROM fields WHERE log = 2");
+  expectSaid("1 reel gone, 1 reel renamed\n");
+  output({"set", "R3", "bin=x"});
+  expectSaid("1 reel gone, 1 reel renamed\nchanged R3: bin: x (was -)\n");
+}
+
+TEST_F(Watch, SinceARevisionReportsWhatWasStoredAndEnds)
+{
+  output({"create", "R1"});
+  output({"set", "R1", "bin=x"});
+  output({"rename", "R1", "R2"});
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "0"})),
+            "new R1\nchanged R1: bin: x (was -)\nrenamed R2 from R1\n");
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "2"})), "renamed R2 from R1\n");
+  EXPECT_EQ(output({"watch", "--since", "3"}), "");
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "0", "--reel", "r2"})),
+            "new R1\nchanged R1: bin: x (was -)\nrenamed R2 from R1\n");
+}
+
+TEST_F(Watch, SinceARevisionAndFollowMissNothing)
+{
+  output({"create", "R1"});
+  watch({"--since", "0", "--follow"});
+  expectSaid("new R1\n");
+  output({"create", "R2"});
+  expectSaid("new R1\nnew R2\n");
+}
+
+TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
+{
+  output({"create", "R1"});
+  output({"create", "R2"});
+  ProcessResult result = reeldb({"watch", "--since", "9"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: watch: no revision 9 (the newest is 2)\n");
+  result = reeldb({"watch", "--since", "yesterday"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: --since \"yesterday\": not a revision (reeldb history lists them)\n");
+  output({"project", "compact", "--before", "2"});
+  result = reeldb({"watch", "--since", "1"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: watch: the history since revision 1 is forgotten (it begins with 2)\n");
+}
+
+TEST_F(Watch, QuietProjectWakesNobody)
+{
+  output({"create", "R1"});
+  watch();
+  output({"create", "R2"});
+  expectSaid("new R2\n");
+  const auto timesItWaited = [this] {
+    std::ifstream status("/proc/" + std::to_string(watcher_->id()) + "/status");
+    for (std::string line; std::getline(status, line);)
+      if (line.rfind("voluntary_ctxt_switches:", 0) == 0)
+        return line;
+    return std::string("no process");
+  };
+  std::this_thread::sleep_for(std::chrono::milliseconds(500)); // what it has to do for the commit
+  const std::string before = timesItWaited();
+  EXPECT_NE(before, "no process");
+  std::this_thread::sleep_for(std::chrono::seconds(2));
+  EXPECT_EQ(timesItWaited(), before);
 }
 
 TEST_F(Watch, UnknownReelIsRefused)

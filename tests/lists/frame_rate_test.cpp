@@ -12,7 +12,7 @@ using namespace reeldb::lists;
 namespace {
 
 constexpr FrameRate rate2397 = {24, true}, rate24 = {24, false}, rate25 = {25, false}, rate2997 = {30, true},
-                    rate30 = {30, false}, rate5994 = {60, true}, rate11988 = {120, true}, rate120 = {120, false};
+                    rate5994 = {60, true}, rate11988 = {120, true}, rate120 = {120, false};
 constexpr Counting drop2997 = {rate2997, true}, drop5994 = {rate5994, true};
 constexpr std::int64_t mostOf64Bits = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t leastOf64Bits = std::numeric_limits<std::int64_t>::min();

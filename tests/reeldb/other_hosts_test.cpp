@@ -33,8 +33,8 @@ OtherHost& other()
   return host;
 }
 
-/// While it is not null, records in order: closes of logs, ends of text fields and of device configurations,
-/// identifiers that logs get, and trimmings.
+/// While it is not null, records in order: closes of logs, readings of their tags, ends of text fields and of device
+/// configurations, identifiers that logs get, and trimmings.
 std::vector<std::string>* noted = nullptr;
 
 void note(const char* what)
@@ -119,6 +119,7 @@ const char* ODBViewRep::cellText(int row, const char* column) const
 
 std::uint16_t Edit::cookieTag() const
 {
+  note("cookieTag");
   if (other().tagAndKind)
     return other().tagAndKind->first;
   return hostsOwn<std::uint16_t(const Edit*)>("_ZNK4Edit9cookieTagEv")(this);
@@ -320,6 +321,17 @@ TEST_F(OtherHosts, RecordOfANewReelHasTheTagAndTheKindOfItsLog)
   const std::string name = text(rec);
   EXPECT_EQ(name.front(), 'M');
   EXPECT_NE(name.find(".1234}"), std::string::npos) << name;
+}
+
+// A host may give a log another Cookie together with its type.
+TEST_F(OtherHosts, CookieOfANewReelIsReadAfterItsLogWasWritten)
+{
+  const Texts notes = notedBy([&] { manager().createNewReel("R1", -1); });
+  const auto written = std::find(notes.begin(), notes.end(), "set_reelid");
+  const auto read = std::find(notes.begin(), notes.end(), "cookieTag");
+  ASSERT_LT(written, read);
+  ASSERT_NE(read, notes.end());
+  EXPECT_EQ(std::count(written, read, "close"), 5) << "one close for each of the five changes";
 }
 
 TEST_F(OtherHosts, ConfigurationOfTheDeviceEndsBeforeTheLogOfANewReelIsWritten)

@@ -54,6 +54,14 @@ TEST_F(LogTypes, RowsTypeDecidesWithoutOpeningTheLog)
             listing(join({columnLookup, rowRead("shot", "\"Material\"", "1")})));
 }
 
+TEST_F(LogTypes, LogThatIsInTheSetTwiceIsReadTwice)
+{
+  const Cookie reel = addReel("A001");
+  const Lines lines = linesOf([&] { EXPECT_EQ(removeReels({reel, reel}), (Removal{{}, true})); });
+  const Lines row = rowRead("reel", "\"Reel\"", "9");
+  EXPECT_EQ(listing(lines, {{reel, "reel"}}), listing(join({columnLookup, row, row})));
+}
+
 TEST_F(LogTypes, RowsTypeWinsOverTheLogsOwn)
 {
   const Cookie reel = addReel("A001");
@@ -416,6 +424,20 @@ TEST_F(Shots, ShotsOfTheReelAreAppendedInAnyCaseAndPrinted)
   EXPECT_EQ(printedBy([&] { manager().addShotsFromReel(reel, out); }),
             (Lines{preparing(one, "A001"), preparing(two, "A001")}));
   EXPECT_EQ(texts(out), (Lines{text(before), text(one), text(two)}));
+}
+
+TEST_F(Shots, ShotIsInTheSetAlreadyWhenItsPrintFails)
+{
+  const Cookie reel = addReel("A001");
+  const Cookie shot = addShot("A001");
+  script().before = [](const std::string& operation, const std::string&) {
+    if (operation == "vorn_printf")
+      throw reelhost::ScriptedFault("print");
+  };
+  CookieVec out;
+  EXPECT_THROW(manager().addShotsFromReel(reel, out), reelhost::ScriptedFault);
+  script().before = nullptr;
+  EXPECT_EQ(texts(out), Lines{text(shot)});
 }
 
 TEST_F(Shots, PercentSignsArePrintedAsTheyAre)

@@ -335,8 +335,15 @@ TEST(Json, EventsAreALineEach)
   EXPECT_EQ(jsonLine(ReelEvent{ReelEvent::What::Renamed, "B", "A"}),
             "{\"what\":\"renamed\",\"reel\":\"B\",\"from\":\"A\"}\n");
   EXPECT_EQ(jsonLine(ReelEvent{ReelEvent::What::New, "B", ""}), "{\"what\":\"new\",\"reel\":\"B\"}\n");
-  for (const ReelEvent::What what : {ReelEvent::What::New, ReelEvent::What::Changed, ReelEvent::What::Gone,
-                                     ReelEvent::What::Database, ReelEvent::What::Record, ReelEvent::What::Ours})
+  EXPECT_EQ(jsonLine(ReelEvent{ReelEvent::What::Changed, "B", "", {{"bin", "", "x"}}}),
+            "{\"what\":\"changed\",\"reel\":\"B\",\"fields\":[{\"field\":\"bin\",\"before\":\"\",\"after\":\"x\"}]}\n");
+  ReelEvent known{ReelEvent::What::Gone, "B", ""};
+  known.commit = CommitEntry{};
+  known.commit->revision = 7;
+  EXPECT_EQ(fromJson<ReelEvent>(jsonLine(known)).commit.value().revision, 7);
+  EXPECT_EQ(fromJson<ReelEvent>("{\"what\":\"changed\",\"reel\":\"B\"}").fields.size(), 0u); // of earlier versions
+  for (const ReelEvent::What what :
+       {ReelEvent::What::New, ReelEvent::What::Changed, ReelEvent::What::Gone, ReelEvent::What::Database})
     EXPECT_EQ(fromJson<ReelEvent>(jsonLine(ReelEvent{what, "B", ""})).what, what);
 }
 

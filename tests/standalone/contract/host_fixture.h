@@ -165,7 +165,7 @@ private:
 
 /// One suite of cases, run against every host.
 #define HOST_CONTRACT(Suite)                                                                                           \
-  class Suite : public host_contract::Contract {};                                                                     \
+  class Suite : public host_contract::Contract {}; /* NOLINT(bugprone-macro-parentheses): a name has none */           \
   INSTANTIATE_TEST_SUITE_P(Host, Suite, ::testing::ValuesIn(host_contract::hosts()),                                   \
                            [](const auto& of) { return of.param.name; })
 

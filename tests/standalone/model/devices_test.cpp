@@ -140,8 +140,10 @@ TEST_F(DevicesTest, ALabelMapIsNeverLookedForElsewhere)
 TEST_F(DevicesTest, AProjectIsOpenedByName)
 {
   reelhost::createSqliteProject(reelhost::facility().projectFile("main"), info("MAIN"), {});
+  RecordingListener listener;
   reelhost::openProject("main", reelhost::Access::Read);
   EXPECT_EQ(reelhost::projectInfo().name, "MAIN");
+  EXPECT_EQ(listener.heard, std::vector<std::string>{"entry"}) << "it is opened once";
   EXPECT_EQ(errorOf([] { reelhost::openProject("none", reelhost::Access::Read); }).substr(0, 9), "NotFound:");
   EXPECT_FALSE(reelhost::projectIsOpen());
 }

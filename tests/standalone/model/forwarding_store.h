@@ -30,6 +30,7 @@ public:
   void readOthers(const Sink& sink) override { to_->readOthers(sink); }
   std::vector<std::pair<std::string, std::int64_t>> countOthersByReel() override { return to_->countOthersByReel(); }
   reelhost::History* history() override { return to_->history(); }
+  reelhost::Feed* feed() override { return to_->feed(); }
   reelhost::Lists* lists() override { return to_->lists(); }
   void commit(const reelhost::Changes& changes) override { to_->commit(changes); }
   bool changedElsewhere() override { return to_->changedElsewhere(); }

@@ -28,6 +28,7 @@ public:
   {
     note("modified " + std::string(log.asString(false).c_str()) + " " + std::to_string(modification.type()));
   }
+  void handleLogsModification(const CookieVec& logs) override { note("modified " + std::to_string(logs.count())); }
   void handleLogsDeletion(const CookieVec& logs, LightweightString<char> text) override
   {
     note("deleted " + std::to_string(logs.count()) + " \"" + text.c_str() + "\"");

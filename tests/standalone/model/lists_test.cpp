@@ -28,6 +28,7 @@ protected:
       event.line = 10 * static_cast<int>(list.events.size());
       event.clip.name = "clip";
     }
+    list.digest = reelhost::digestOf("bytes of " + file);
     return reelhost::keepList(std::move(list), "bytes of " + file);
   }
   static void remove(const std::vector<Cookie>& logs)

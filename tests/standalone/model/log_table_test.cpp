@@ -51,8 +51,10 @@ TEST_F(LogTableTest, EveryLogIsFoundWhileOthersComeAndGo)
     ASSERT_EQ(table.find(logs[i]->words), i % 3 ? logs[i] : nullptr) << i;
   for (std::size_t i = 0; i < logs.size(); i += 3)
     table.insert(*logs[i]);
-  for (Log* log : logs)
+  for (Log* log : logs) {
     ASSERT_EQ(table.find(log->words), log);
+    ASSERT_FALSE(log->isGone) << log->number;
+  }
 }
 
 // Half of all places are taken, in one run. Removing a log must not hide those behind it, also around the end.

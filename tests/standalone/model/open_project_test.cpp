@@ -223,6 +223,7 @@ TEST_F(OpenProject, ACommitStoresWhatChangedAndNothingElse)
   rename(second, "R3");
   rename(second, "R4");
   EditManager::ProjOpts().set("a", "1", nullptr); // as it was
+  EditManager::ProjOpts().set("b", "2.5", nullptr);
   EditManager::ProjOpts().set("b", "3", nullptr);
   EXPECT_TRUE(reelhost::commit());
   ASSERT_EQ(seen_.last.logs.size(), 1u);
@@ -300,6 +301,45 @@ TEST_F(OpenProject, ACommitThatFailsMayBeTriedAgain)
   EXPECT_FALSE(reelhost::hasChanges());
   openWatched();
   EXPECT_EQ(reels().count(), 1);
+}
+
+TEST_F(OpenProject, CommitThatStoresNothingKeepsNoOtherProcessWaiting)
+{
+  openWatched();
+  addLog(9, "R1");
+  reelhost::commit();
+  EXPECT_EQ(reelhost::undelete(), 0); // begins a use for writing
+  const int begun = seen_.begun;
+  EXPECT_FALSE(reelhost::commit());
+  EXPECT_EQ(reelhost::undelete(), 0);
+  EXPECT_EQ(seen_.begun, begun + 1) << "the commit ended the use";
+}
+
+TEST_F(OpenProject, UndeletionThatIsRefusedKeepsNoOtherProcessWaiting)
+{
+  openWatched();
+  CookieVec logs;
+  logs.add(addLog(9, "R1"));
+  reelhost::commit();
+  reelhost::deleteLogs(logs);
+  seen_.refuseCommit = true;
+  EXPECT_THROW(reelhost::commit(), Error);
+  const int begun = seen_.begun;
+  EXPECT_EQ(errorOf([] { reelhost::undelete(); }),
+            "Refused: memory: cannot undelete (a deletion or an undeletion is not stored yet)");
+  EXPECT_EQ(seen_.begun, begun);
+}
+
+TEST_F(OpenProject, LogAfterTheLastNumberIsRefused)
+{
+  openWatched();
+  Changes changes;
+  changes.logs.emplace_back();
+  changes.logs[0].number = 99'999'998;
+  store_->commit(changes);
+  openWatched();
+  addLog(9, "R1");
+  EXPECT_EQ(errorOf([] { addLog(9, "R2"); }), "Refused: memory: no number is left for another log");
 }
 
 TEST_F(OpenProject, WhatIsNotCommittedIsLostOnClosing)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "host/projdb.h"
 
+#include "journal/watch.h"
 #include "standalone/model/host_test.h"
 
 namespace {
@@ -167,6 +168,15 @@ TEST_F(ProjdbTest, AViewShowsFromAPositionOn)
   EXPECT_EQ(view->cellText(-1, "Type"), nullptr);
   EXPECT_EQ(view->cellText(0, "Type"), nullptr);
   EXPECT_EQ(view->cellText(0, nullptr), nullptr);
+}
+
+TEST_F(ProjdbTest, AViewShowsTheSameWithoutAScript)
+{
+  const Cookie reel = addLog(9, "R1");
+  withLog(reel, [](Edit& edit) { edit.reelType("Tape"); });
+  reelhost::watch(reelhost::Watcher::Script, false); // as in every program but these tests
+  EXPECT_EQ(typeNameOf(reel), "Tape");
+  EXPECT_EQ(typeNameOf(Cookie()), "<no row>");
 }
 
 } // namespace

@@ -142,6 +142,24 @@ TEST_F(TakeBack, LaterChangeOfTheSameValueIsInTheWay)
   EXPECT_EQ(takeBack(4).restored, 1);
 }
 
+TEST_F(TakeBack, DeletedLogThatWasStoredAgainAndChangedIsInTheWay)
+{
+  const Cookie reel = addLog(9, "R1");
+  reelhost::commit();
+  remove(reel);
+  reelhost::commit();
+  reelhost::Changes changes; // as another program may store it, without taking the deletion back
+  changes.logs.push_back(*kept()->history()->changesOf(2).logs.at(0).before);
+  kept()->commit(changes);
+  reopen();
+  EXPECT_FALSE(takeBack(2).anything());
+  changes.logs[0].name = "another";
+  kept()->commit(changes);
+  reopen();
+  EXPECT_EQ(errorOf([] { takeBack(2); }),
+            "Refused: R1: restored and changed since revision 2 (by revision 3, take that one back first)");
+}
+
 TEST_F(TakeBack, CreatedLogThatIsDeletedIsNotMissed)
 {
   const Cookie first = addLog(9, "R1"), second = addLog(9, "R2");
@@ -278,6 +296,17 @@ TEST_F(TakeBack, CommitHasItsOrigin)
   EXPECT_FALSE(origin.user.empty());
   EXPECT_EQ(origin.folder, std::filesystem::current_path().native());
   EXPECT_NEAR(static_cast<double>(origin.time), static_cast<double>(std::time(nullptr)), 10);
+}
+
+TEST_F(TakeBack, OriginNamesWhatWaitsToBeStoredInTheFacility)
+{
+  const TempFolder folder;
+  folder.write("facility.toml", "");
+  reelhost::useFacility(reelhost::Facility::read(folder.path()));
+  EXPECT_EQ(reelhost::currentOrigin().elsewhere, Texts{});
+  SystemCfg::theConfig().set("reel_userfield0", "Scene");
+  EXPECT_EQ(reelhost::currentOrigin().elsewhere, Texts{"setting reel_userfield0: Scene"});
+  reelhost::useFacility(reelhost::Facility());
 }
 
 TEST_F(TakeBack, LongCommandLineIsCutBetweenCharacters)

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "store/project_file.h"
 
+#include <fcntl.h>
+
 #include <gtest/gtest.h>
 
+#include "base/files.h"
 #include "standalone/store/support.h"
 
 namespace {
@@ -54,6 +57,17 @@ TEST(InspectProjectFile, RelativeNameOfTheWorkingFolder)
   fs::current_path(before);
   EXPECT_EQ(found.path, (folder / "p").native());
   EXPECT_TRUE(found.writable);
+}
+
+TEST(InspectProjectFile, FileThatIsDeletedButStillOpenHasNoPath)
+{
+  const TempFolder folder;
+  writeBytes(folder / "p", "");
+  const reeldb::base::FileDescriptor open(::open((folder / "p").c_str(), O_RDWR));
+  fs::remove(folder / "p");
+  const std::string path = "/proc/self/fd/" + std::to_string(open.get());
+  EXPECT_EQ(errorOf([&] { inspectProjectFile(path); }),
+            "Io: " + path + ": cannot be opened (No such file or directory)");
 }
 
 } // namespace

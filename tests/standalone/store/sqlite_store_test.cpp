@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "standalone/store/support.h"
+#include "store/sqlite.h"
 
 namespace {
 
@@ -141,6 +142,8 @@ TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
                                   "revision 3: no image of log 0"}));
   EXPECT_EQ(errorOf([&] { changesOf(*project, 2); }),
             "Unreadable: " + file().native() + ": damaged (revision 2: no image of log 1)");
+  EXPECT_EQ(errorOf([&] { changesOf(*project, 3); }),
+            "Unreadable: " + file().native() + ": damaged (revision 3: no image of log 0)");
 }
 
 TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
@@ -153,6 +156,19 @@ TEST_F(SqliteStoreTest, FileWithoutWriteAheadModeIsUsedAndGetsItBackWithACommit)
   store(*project, logChanges({exampleLog(1, 9)}));
   EXPECT_EQ(bytesOf(file()).substr(18, 2), "\x02\x02");
   EXPECT_EQ(numbersOf(*project), (Numbers{1}));
+}
+
+TEST_F(SqliteStoreTest, FileThatIsHeldCompletelyDidNotChangeYet)
+{
+  runSql(file(), "PRAGMA journal_mode = DELETE"); // in write-ahead mode nobody keeps readers out
+  const auto project = makeSqliteStore(file());
+  project->begin(Access::Read, noPatience);
+  project->end();
+  sqlite::Database other(file().native(), sqlite::Database::Mode::ReadWrite);
+  other.execute("BEGIN EXCLUSIVE; UPDATE project SET value = 'x' WHERE key = 'name'");
+  EXPECT_FALSE(project->changedElsewhere());
+  other.execute("COMMIT");
+  EXPECT_TRUE(project->changedElsewhere());
 }
 
 TEST_F(SqliteStoreTest, HolderOfAFileWithoutWriteAheadModeIsNamed)
@@ -184,6 +200,30 @@ TEST_F(SqliteStoreTest, CheckReportsFaults)
             (std::vector<std::string>{"log 77: fields without a log", "log 3: a number that was never given to a log",
                                       "log 2: the identity of another log",
                                       "revision 1: new logs with numbers that were not given out"}));
+}
+
+TEST_F(SqliteStoreTest, NewLogReplacesNoOtherAlthoughTheLastNumberIsTooSmall)
+{
+  const auto project = makeSqliteStore(file());
+  store(*project, logChanges({exampleLog(1, 9), exampleLog(2, 9)}));
+  runSql(file(), "UPDATE project SET value = 1 WHERE key = 'last_number'");
+  project->begin(Access::Write, noPatience);
+  EXPECT_EQ(project->nextNumber(), 3);
+  project->commit(logChanges({exampleLog(3, 9)}));
+  EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 3}));
+}
+
+TEST_F(SqliteStoreTest, ProjectWithoutALastNumberIsDamaged)
+{
+  const auto project = makeSqliteStore(file());
+  for (const char* sql :
+       {"UPDATE project SET value = 'x' WHERE key = 'last_number'", "DELETE FROM project WHERE key = 'last_number'"}) {
+    runSql(file(), sql);
+    project->begin(Access::Read, noPatience);
+    EXPECT_EQ(errorOf([&] { project->nextNumber(); }),
+              "Unreadable: " + file().native() + ": damaged (the project has no last number)");
+    project->end();
+  }
 }
 
 TEST_F(SqliteStoreTest, CheckNamesLogsOfTheInvalidKind)
@@ -244,7 +284,7 @@ TEST_F(SqliteStoreTest, BytesOfAListAreStoredOncePerDigest)
   again.digest = exampleList(1, {}).digest;
   changes = {};
   changes.lists = {again};
-  changes.listBytes = {exampleListBytes(1), exampleListBytes(1)};
+  changes.listBytes = {{again.digest, exampleListBytes(1)}};
   store(*project, changes);
   EXPECT_EQ(runSql(file(), "SELECT count(*) FROM list_bytes"), "1");
 }

@@ -566,7 +566,7 @@ TEST_P(HistoryContract, CompactEmptiesTheTrashForGood)
   remove(*project, {2});
   compact(*project);
   EXPECT_EQ(trashCount(*project), 0);
-  EXPECT_EQ(lastDeletion(*project), Numbers{});
+  EXPECT_EQ(inverseOfLastDeletion(*project).revision, 0);
   undelete(*project);
   EXPECT_EQ(numbersOf(*project), (Numbers{3}));
 }
@@ -731,6 +731,19 @@ TEST_P(HistoryContract, OptionsAreKeptAsTheyWere)
   EXPECT_EQ(changesOf(*project, 3).optionsAfter, (KeyValues{{"a", "3"}, {"b", "2"}}));
 }
 
+TEST_P(HistoryContract, InverseSetsOptionsAndTakesOthersAway)
+{
+  const auto project = make({{"a", "1"}, {"b", "2"}});
+  Changes changes;
+  changes.options = {{"a", "3"}, {"c", "4"}};
+  store(*project, changes);
+  Changes undo;
+  undo.inverse = {1, false, {}, {}, {{"a", "1"}}, {"c"}};
+  store(*project, undo);
+  EXPECT_EQ(options(*project), (KeyValues{{"a", "1"}, {"b", "2"}}));
+  EXPECT_EQ(changesOf(*project, 2).optionsAfter, (KeyValues{{"a", "1"}, {"b", "2"}}));
+}
+
 TEST_P(HistoryContract, InverseHasARevisionOfItsOwn)
 {
   const auto project = make();
@@ -867,7 +880,7 @@ TEST_P(ListsContract, WrittenListReplacesTheOldOneWhole)
   next.title.clear();
   Changes changes;
   changes.lists = {next};
-  changes.listBytes = {exampleListBytes(9)};
+  changes.listBytes = {{next.digest, exampleListBytes(9)}};
   store(*project, changes);
   EXPECT_EQ(listsOf(*project), (std::vector{next, exampleList(2, {1})}));
   EXPECT_TRUE(bytes(*project, 9) == exampleListBytes(9));

@@ -175,7 +175,7 @@ Changes listChanges(std::vector<KeptList> lists)
 {
   Changes changes;
   for (const KeptList& list : lists)
-    changes.listBytes.push_back(exampleListBytes(list.number));
+    changes.listBytes[digestOf(exampleListBytes(list.number))] = exampleListBytes(list.number);
   changes.lists = std::move(lists);
   return changes;
 }

@@ -39,7 +39,7 @@ complete) # each command that help names has a page, and each line of its help i
   [ "$number" -gt 30 ] || fail "$number commands only"
   ;;
 
-related) # pages lead to pages that are there, upwards and downwards
+related) # pages lead to pages that are there; a page that its group leads to leads back
   for page in "$MANUAL"/*.1; do
     sed -n '/^\.SH SEE ALSO/,$s/^\.BR \(.*\) (1),*$/\1/p' "$page" | sed 's/\\-/-/g' >"$work/related"
     while read -r other; do
@@ -47,7 +47,8 @@ related) # pages lead to pages that are there, upwards and downwards
     done <"$work/related"
     name=$(basename "$page" .1)
     parent=${name%-*}
-    [ "$parent" = "$name" ] || [ ! -e "$MANUAL/$parent.1" ] || grep -qx "$parent" "$work/related" || fail "$page: does not lead to $parent"
+    [ "$parent" != "$name" ] && [ -e "$MANUAL/$parent.1" ] && sed 's/\\-/-/g' "$MANUAL/$parent.1" | grep -q "^\.BR $name " || continue
+    grep -qx "$parent" "$work/related" || fail "$page: does not lead to $parent"
   done
   grep -qx '.BR reeldb\\-device\\-show (1),' "$MANUAL/reeldb-device.1" || fail "reeldb-device.1: does not lead downwards"
   ;;

@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: Apache-2.0
+/// @file
+/// What others have changed in a project since a revision, and how to wait for it. Main thread only.
+#ifndef REELHOST_FEED_H
+#define REELHOST_FEED_H
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "reelhost/store.h"
+
+namespace reelhost {
+
+/// A state of a project, by its newest revision.
+struct FeedPosition {
+  std::int64_t revision = 0;             ///< 0: there is no revision yet
+  std::array<unsigned char, 16> token{}; ///< that of the revision
+  friend bool operator==(const FeedPosition& a, const FeedPosition& b)
+  {
+    return a.revision == b.revision && a.token == b.token;
+  }
+  friend bool operator!=(const FeedPosition& a, const FeedPosition& b) { return !(a == b); }
+};
+
+/// A log that no longer exists.
+struct GoneLog {
+  std::int64_t number = 0;
+  std::array<unsigned char, 16> uuid{}; ///< uuid, tag and kind form the log's Cookie
+  std::uint16_t tag = 0;
+  char kind = 'E';
+};
+
+/// The difference between two states of a project.
+struct Delta {
+  bool whole = false;          ///< the difference is unknown: the project has to be read again. All below is empty then
+  std::vector<StoredLog> logs; ///< the logs that are new or changed, as they are now, by number
+  std::vector<GoneLog> gone;   ///< by number
+  std::optional<KeyValues> options; ///< all options, if one changed
+};
+
+/// How long to wait for changes: without a time, until the handle is readable again.
+using AskAgain = std::optional<std::chrono::microseconds>;
+
+/// What a store may have for those who wait for changes by other processes.
+///
+/// The way to wait: get the handle, then ask Store::changedElsewhere once, because a commit may have come before the
+/// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero; then ask
+/// Store::changedElsewhere.
+class Feed {
+public:
+  virtual ~Feed() = default;
+
+  /// The state as of the current use, or, without a use, as the last commit of this store left it. Throws Error:
+  /// Unreadable if the data are damaged, Io.
+  virtual FeedPosition position() = 0;
+  /// What differs between @p before and the state that the current use sees. Whole if @p before is no state of this
+  /// project, if its history was forgotten since, and if both are the same: then a program that keeps no history has
+  /// changed the project, or it was not changed. Throws Error as position does. REQUIRES: a use was begun.
+  virtual Delta since(const FeedPosition& before) = 0;
+
+  /// A file descriptor that becomes readable when another process may have committed; it belongs to the store and stays
+  /// the same. -1 if there is no such descriptor: ask Store::changedElsewhere from time to time instead.
+  virtual int waitHandle() = 0;
+  /// Why there is no waitHandle, "PATH: fact (cause)"; empty if there is one or if no other process can commit.
+  virtual std::string whyNoWaitHandle() = 0;
+  /// Reads what the handle has to say. Zero: ask Store::changedElsewhere now. A longer time: another process is just
+  /// writing, so call this again after that time. No time: nothing has happened. Never throws and never waits.
+  virtual AskAgain readEvents() noexcept = 0;
+};
+
+} // namespace reelhost
+
+#endif

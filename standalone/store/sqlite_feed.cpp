@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "store/sqlite_feed.h"
+
+#include <algorithm>
+#include <map>
+#include <string_view>
+
+#include "store/log_image.h"
+#include "store/sqlite_history.h"
+#include "store/sqlite_reader.h"
+
+namespace reelhost {
+
+using sqlite::Database;
+using sqlite::Statement;
+
+namespace {
+
+FeedPosition positionIn(const Statement& row)
+{
+  FeedPosition position;
+  position.revision = row.integer(0);
+  const std::string_view token = row.text(1);
+  std::copy_n(token.begin(), std::min(token.size(), position.token.size()), position.token.begin());
+  return position;
+}
+
+/// Whether the history of this project holds every revision after @p before.
+bool isKnown(Database& database, const FeedPosition& before)
+{
+  if (before.revision == 0)
+    return database.integer("SELECT min(number) FROM revisions") <= 1;
+  Statement row(database, "SELECT number, token FROM revisions WHERE number = ?1");
+  row.bind(1, before.revision);
+  return row.step() && positionIn(row) == before;
+}
+
+/// The image that each log had at @p revision, of all logs that were changed or deleted after it. Null: there was no
+/// such log.
+using Images = std::map<std::int64_t, std::optional<std::string>>;
+
+Images imagesAt(Database& database, std::int64_t revision)
+{
+  Images images;
+  Statement created(database, "SELECT first_new, last_new FROM revisions WHERE number > ?1 AND first_new IS NOT NULL");
+  created.bind(1, revision);
+  while (created.step())
+    for (std::int64_t number = created.integer(0); number <= created.integer(1); ++number)
+      images.emplace(number, std::nullopt);
+  // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
+  Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 AND log >= 0 ORDER BY revision");
+  changed.bind(1, revision);
+  while (changed.step())
+    images.emplace(changed.integer(0), changed.isNull(1) ? std::nullopt : std::optional<std::string>(changed.text(1)));
+  return images;
+}
+
+GoneLog goneFrom(const StoredLog& log)
+{
+  return {log.number, log.uuid, log.tag, log.kind};
+}
+
+} // namespace
+
+FeedPosition newestPosition(Database& database)
+{
+  Statement row(database, "SELECT number, token FROM revisions ORDER BY number DESC LIMIT 1");
+  return row.step() ? positionIn(row) : FeedPosition();
+}
+
+Delta changesSince(Database& database, const FeedPosition& before)
+{
+  Delta delta;
+  if (newestPosition(database) == before || !isKnown(database, before)) {
+    delta.whole = true;
+    return delta;
+  }
+  LogLookup logs(database);
+  for (const auto& [number, image] : imagesAt(database, before.revision)) {
+    if (number == optionsNumber) {
+      delta.options = readOptions(database);
+      continue;
+    }
+    if (std::optional<StoredLog> now = logs.find(number)) {
+      if (!image || *image != imageOf(*now))
+        delta.logs.push_back(std::move(*now));
+      continue;
+    }
+    if (!image)
+      continue; // created and deleted since
+    const std::optional<StoredLog> was = logFrom(number, *image);
+    if (!was) { // project compact has removed what it was
+      delta = {};
+      delta.whole = true;
+      return delta;
+    }
+    delta.gone.push_back(goneFrom(*was));
+  }
+  return delta;
+}
+
+} // namespace reelhost

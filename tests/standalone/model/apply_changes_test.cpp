@@ -1,0 +1,349 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <map>
+#include <random>
+#include <stdexcept>
+
+#include "reelhost/feed.h"
+#include "standalone/model/forwarding_store.h"
+#include "standalone/model/host_test.h"
+#include "support/temp_folder.h"
+
+namespace {
+
+using namespace reeldb_tests;
+using reelhost::Access;
+using reelhost::applyChangesFromElsewhere;
+using reelhost::Changes;
+using reelhost::ForeignChanges;
+using reelhost::StoredLog;
+using State = ForeignChanges::State;
+using Texts = std::vector<std::string>;
+
+/// Counts how often all reels are read.
+class CountingStore : public ForwardingStore {
+public:
+  CountingStore(std::shared_ptr<reelhost::Store> to, bool hasFeed, int& wholeReads)
+      : ForwardingStore(std::move(to)), hasFeed_(hasFeed), wholeReads_(wholeReads)
+  {
+  }
+  reelhost::Feed* feed() override { return hasFeed_ ? ForwardingStore::feed() : nullptr; }
+  void readReels(const Sink& sink) override
+  {
+    ++wholeReads_;
+    ForwardingStore::readReels(sink);
+  }
+
+private:
+  const bool hasFeed_;
+  int& wholeReads_;
+};
+
+/// With a feed, and without one: the same changes are found.
+class ApplyChanges : public HostTest, public testing::WithParamInterface<bool> {
+protected:
+  void SetUp() override
+  {
+    reelhost::createSqliteProject(file_, info(), {});
+    elsewhere_ = reelhost::makeSqliteStore(file_);
+    open();
+  }
+
+  void open()
+  {
+    reelhost::openProject(std::make_unique<CountingStore>(reelhost::makeSqliteStore(file_), GetParam(), wholeReads_),
+                          Access::Write);
+  }
+
+  /// Stores the changes as another process would.
+  void store(const Changes& changes)
+  {
+    elsewhere_->begin(Access::Write, std::chrono::seconds(5));
+    elsewhere_->commit(changes);
+  }
+  void storeLogs(std::vector<StoredLog> logs)
+  {
+    Changes changes;
+    changes.logs = std::move(logs);
+    store(changes);
+  }
+  void removeElsewhere(std::vector<std::int64_t> numbers)
+  {
+    Changes changes;
+    changes.deleted = std::move(numbers);
+    store(changes);
+  }
+  /// The log with this number as it is stored.
+  StoredLog stored(std::int64_t number)
+  {
+    StoredLog found;
+    const auto take = [&](StoredLog&& log) {
+      if (log.number == number)
+        found = std::move(log);
+    };
+    elsewhere_->begin(Access::Read, std::chrono::seconds(5));
+    elsewhere_->readReels(take);
+    elsewhere_->readOthers(take);
+    elsewhere_->end();
+    return found;
+  }
+  /// The same with another value of a field.
+  StoredLog with(std::int64_t number, const std::string& key, const std::string& value)
+  {
+    StoredLog log = stored(number);
+    std::erase_if(log.fields, [&](const auto& field) { return field.first == key; });
+    log.fields.emplace_back(key, value);
+    return log;
+  }
+  static StoredLog newLog(std::int64_t number, int type, const std::string& reelId)
+  {
+    StoredLog log;
+    log.number = number;
+    std::fill(log.uuid.begin(), log.uuid.end(), static_cast<unsigned char>(number));
+    log.type = type;
+    log.fields = {{"reelid", reelId}};
+    return log;
+  }
+  /// Two reels and a shot, numbers 1 to 3, stored by this process; the project waits.
+  void makeLogs()
+  {
+    first_ = addLog(9, "R1");
+    second_ = addLog(9, "R2");
+    shot_ = addLog(1, "R1");
+    reelhost::commit();
+    reelhost::idle();
+    wholeReads_ = 0;
+  }
+
+  TempFolder folder_;
+  const std::filesystem::path file_ = folder_.path() / "shared.reels";
+  std::unique_ptr<reelhost::Store> elsewhere_;
+  Cookie first_, second_, shot_;
+  int wholeReads_ = 0;
+};
+
+INSTANTIATE_TEST_SUITE_P(Stores, ApplyChanges, testing::Bool(),
+                         [](const auto& which) { return std::string(which.param ? "Feed" : "NoFeed"); });
+
+TEST_P(ApplyChanges, NothingWithoutACommitOfOthers)
+{
+  makeLogs();
+  RecordingListener listener;
+  const ForeignChanges changes = applyChangesFromElsewhere();
+  EXPECT_EQ(changes.state, State::Nothing);
+  rename(first_, "R3");
+  reelhost::commit();
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Nothing);
+  EXPECT_EQ(listener.heard, Texts{});
+}
+
+TEST_P(ApplyChanges, FieldOfAReelChangesThatReelAlone)
+{
+  makeLogs();
+  storeLogs({with(2, "bin", "shelf 1")});
+  RecordingListener listener;
+  const ForeignChanges changes = applyChangesFromElsewhere();
+  EXPECT_EQ(changes.state, State::Applied);
+  EXPECT_FALSE(changes.reelSet);
+  EXPECT_EQ(texts(changes.changedReels), Texts{text(second_)});
+  EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
+  EXPECT_EQ(listener.heard, Texts{"modified 1"});
+  EXPECT_EQ(wholeReads_, GetParam() ? 0 : 1);
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Nothing);
+}
+
+TEST_P(ApplyChanges, ChangedReelsAreInTheOrderOfTheProject)
+{
+  makeLogs();
+  storeLogs({with(2, "bin", "b")});
+  storeLogs({with(1, "bin", "a")});
+  EXPECT_EQ(texts(applyChangesFromElsewhere().changedReels), (Texts{text(first_), text(second_)}));
+}
+
+TEST_P(ApplyChanges, OnlyNewReelIsNamed)
+{
+  makeLogs();
+  storeLogs({newLog(7, 9, "R7"), with(1, "bin", "a")});
+  const ForeignChanges changes = applyChangesFromElsewhere();
+  EXPECT_TRUE(changes.reelSet);
+  EXPECT_EQ(changes.newReel, "R7");
+  EXPECT_EQ(texts(changes.changedReels), Texts{text(first_)});
+  EXPECT_EQ(reels().count(), 3);
+  EXPECT_EQ(text(addLog(9, "R8")).substr(9), "00000008"); // numbers go on after those of others
+}
+
+TEST_P(ApplyChanges, OtherChangesOfTheSetNameNoReel)
+{
+  makeLogs();
+  const auto changesTheSet = [](const char* what) {
+    const ForeignChanges changes = applyChangesFromElsewhere();
+    EXPECT_TRUE(changes.reelSet) << what;
+    EXPECT_EQ(changes.newReel, "") << what;
+  };
+  storeLogs({newLog(7, 9, "R7"), newLog(8, 9, "R8")});
+  changesTheSet("two new reels");
+  storeLogs({with(1, "reelid", "r1")});
+  changesTheSet("another spelling");
+  EXPECT_EQ(reelIdOf(first_), "r1");
+  removeElsewhere({7});
+  changesTheSet("a reel is gone");
+  storeLogs({newLog(9, 9, "R9")});
+  removeElsewhere({8});
+  changesTheSet("one new, one gone");
+  StoredLog noReel = stored(9);
+  noReel.type = 1;
+  storeLogs({noReel});
+  changesTheSet("a reel is no reel any more");
+  EXPECT_EQ(reels().count(), 2);
+}
+
+TEST_P(ApplyChanges, ReelThatComesBackIsThereAgain)
+{
+  makeLogs();
+  const StoredLog log = stored(1);
+  removeElsewhere({1});
+  applyChangesFromElsewhere();
+  EXPECT_FALSE(opens(first_));
+  storeLogs({log});
+  EXPECT_EQ(applyChangesFromElsewhere().newReel, "R1");
+  EXPECT_TRUE(opens(first_));
+  EXPECT_EQ(texts(reels()), (Texts{text(first_), text(second_)}));
+}
+
+TEST_P(ApplyChanges, ShotsChangeNoReelAndAreReportedToListeners)
+{
+  makeLogs();
+  RecordingListener listener;
+  storeLogs({newLog(7, 1, "R2"), with(3, "reelid", "R2")});
+  ForeignChanges changes = applyChangesFromElsewhere();
+  EXPECT_FALSE(changes.reelSet);
+  EXPECT_EQ(changes.changedReels.count(), 0);
+  EXPECT_EQ(listener.heard, Texts{"modified 2"});
+  EXPECT_EQ(shotsOf("R1").count(), 0);
+  EXPECT_EQ(shotsOf("R2").count(), 2);
+  removeElsewhere({3});
+  changes = applyChangesFromElsewhere();
+  EXPECT_FALSE(changes.reelSet);
+  EXPECT_EQ(listener.heard, (Texts{"modified 2", "deleted 1 \"\""}));
+  EXPECT_EQ(shotsOf("R2").count(), 1);
+}
+
+TEST_P(ApplyChanges, OptionsAreApplied)
+{
+  makeLogs();
+  Changes changes;
+  changes.options = {{reelhost::frameRateOption, "5"}};
+  store(changes);
+  const ForeignChanges applied = applyChangesFromElsewhere();
+  EXPECT_EQ(applied.state, State::Applied);
+  EXPECT_FALSE(applied.reelSet);
+  EXPECT_EQ(reelhost::projectInfo().frameRate, 5);
+}
+
+TEST_P(ApplyChanges, WaitWhileALogIsOpen)
+{
+  makeLogs();
+  storeLogs({with(2, "bin", "shelf 1")});
+  withLog(first_, [](Edit&) { EXPECT_EQ(applyChangesFromElsewhere().state, State::Later); });
+  EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
+}
+
+TEST_P(ApplyChanges, ChangesThatAreNotStoredStayAndAreInTheWay)
+{
+  makeLogs();
+  rename(first_, "R5");
+  reelhost::idle();
+  storeLogs({with(2, "bin", "shelf 1")});
+  EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }),
+            "Busy: " + file_.string() +
+                ": changed by another process, and changes made here are not stored (read it again)");
+  EXPECT_EQ(reelIdOf(first_), "R5");
+  EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
+  EXPECT_EQ(reelIdOf(first_), "R1");
+}
+
+TEST_P(ApplyChanges, ListenerThatThrowsFindsEverythingApplied)
+{
+  makeLogs();
+  storeLogs({with(2, "bin", "shelf 1"), with(1, "bin", "shelf 2")});
+  RecordingListener listener;
+  listener.onEvent = [&](const std::string&) {
+    EXPECT_EQ(fieldOf(first_, "bin"), "shelf 2");
+    EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
+    throw std::runtime_error("listener");
+  };
+  EXPECT_THROW(applyChangesFromElsewhere(), std::runtime_error);
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Nothing);
+}
+
+TEST_P(ApplyChanges, OtherProjectInItsPlaceIsRead)
+{
+  makeLogs();
+  reelhost::ProjectInfo other = info("OTHER");
+  other.uuid.fill(0xAB);
+  reelhost::createSqliteProject(folder_.path() / "other.reels", other, {});
+  for (const char* ending : {"-wal", "-shm"}) // of the project that is replaced
+    std::filesystem::remove(file_.native() + ending);
+  std::filesystem::rename(folder_.path() / "other.reels", file_);
+  const ForeignChanges changes = applyChangesFromElsewhere();
+  EXPECT_EQ(changes.state, State::Applied);
+  EXPECT_TRUE(changes.reelSet);
+  EXPECT_EQ(reelhost::projectInfo().name, "OTHER");
+  EXPECT_EQ(reels().count(), 0);
+}
+
+TEST_P(ApplyChanges, ProjectThatCannotBeReadStaysAsItWas)
+{
+  makeLogs();
+  storeLogs({with(2, "bin", "shelf 1")});
+  std::filesystem::rename(file_, folder_.path() / "away.reels");
+  EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }).substr(0, 9), "NotFound:");
+  EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
+  std::filesystem::rename(folder_.path() / "away.reels", file_);
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
+}
+
+TEST_P(ApplyChanges, ModelIsAsAFreshLoadAfterEveryCommitOfOthers)
+{
+  makeLogs();
+  const auto contents = [] {
+    std::map<std::string, std::string> logs;
+    for (const CookieVec& all : {reels(), reelhost::allShots()})
+      for (const Cookie& log : all)
+        logs[text(log)] = reelIdOf(log) + " " + fieldOf(log, "bin") + " " + std::to_string(shotsOf("R1").count());
+    return logs;
+  };
+  std::mt19937 random(11);
+  const auto below = [&](std::size_t bound) { return random() % bound; };
+  std::int64_t last = 3;
+  for (int round = 0; round < 60; ++round) {
+    for (std::size_t commits = 1 + below(3); commits > 0; --commits) {
+      const auto any = [&] { return static_cast<std::int64_t>(1 + below(static_cast<std::size_t>(last))); };
+      const std::int64_t number = any();
+      const bool isThere = stored(number).number != 0;
+      switch (below(4)) {
+      case 0:
+        storeLogs({newLog(++last, below(2) == 0 ? 9 : 1, "R" + std::to_string(below(6)))});
+        break;
+      case 1:
+        removeElsewhere({number});
+        break;
+      case 2:
+        storeLogs({isThere ? with(number, "bin", std::to_string(below(3))) : newLog(number, 9, "R1")});
+        break;
+      default:
+        storeLogs({isThere ? with(number, "reelid", "R" + std::to_string(below(6))) : newLog(number, 1, "R1")});
+      }
+    }
+    applyChangesFromElsewhere();
+    const auto applied = contents();
+    open();
+    ASSERT_EQ(applied, contents()) << "round " << round;
+    reelhost::idle();
+  }
+}
+
+} // namespace
