@@ -132,7 +132,6 @@ bool Collector::clip(Clip clip, std::string_view text)
     special(std::move(clip), reason);
     return false;
   }
-  clip.ownName = clip.reel;
   const std::string& first = spellings_.try_emplace(base::fold(clip.reel), clip.reel).first->second;
   if (first != clip.reel) {
     if (otherSpellings_.insert(clip.reel).second)

@@ -31,6 +31,7 @@ namespace {
 constexpr std::array<std::string_view, 6> silentStatements = {
     "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
+constexpr std::size_t umidDigits = 64; ///< of a whole one
 constexpr std::string_view speedWord = "M2";
 constexpr std::string_view titleWord = "TITLE";
 constexpr std::string_view frameCodeModeWord = "FCM";
@@ -538,9 +539,12 @@ void Reader::decide(const EventSource& source, Digits digits)
   }
   clip.sourceId = auxiliary ? std::string() : sourceIdOf(known, names.front().name);
   keepOwn(names, clip.sourceId);
+  if (!isUmid(clip.sourceId) || clip.sourceId.size() < umidDigits)
+    clip.sourceId.clear(); // it counts only within this list
   clip.reel = names.front().name;
   clip.evidence = names.front().evidence;
   clip.mayBeCut = names.front().mayBeCut;
+  clip.ownName = names.front().file;
   noteLongerFile(source, reel);
 
   clip.aliases = known.aliases;

@@ -93,10 +93,11 @@ struct Clip {
   int audioChannels = 0;
   Event event;
   std::string special; ///< why the clip has no source, and `reel` is not a reel: "black"; empty if it has one
-  std::string ownName; ///< the name that the list gives its source: the reel, in the spelling of this clip
-  NameEvidence evidence = NameEvidence::ReelText; ///< where that name stands
+  std::string ownName; ///< the name that its list gives its source, if that is not its reel: for a reel text without
+                       ///< the ending of its file the file, for a shot whatever its list said; else empty
+  NameEvidence evidence = NameEvidence::ReelText; ///< where the name of its source stands
   bool mayBeCut = false;                          ///< whether that name may be the beginning of a longer one
-  std::string sourceId;                           ///< the id of its source in the source table
+  std::string sourceId; ///< the UMID of its source in the source table: it is the same in every list
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.

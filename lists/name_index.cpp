@@ -111,6 +111,7 @@ private:
   };
 
   std::vector<Source>& sources() { return index_.sources_; }
+  const std::vector<Source>& sources() const { return index_.sources_; }
   const Name& nameOf(Index source) const { return index_.names_[index_.sources_[source].name]; }
 
   void makeSources()
@@ -271,8 +272,8 @@ private:
                                         : nameForm(parts.stem) + '\n' + std::to_string(static_cast<int>(parts.ending));
   }
 
-  /// Whether a short form may be joined to a reel: no person decided it, and it is not there already.
-  bool mayClaim(Index source) const { return !nameOf(source).target; }
+  /// Whether a person decided that the name is its own reel.
+  bool isSetApart(Index source) const { return nameOf(source).target == sources()[source].name; }
 
   /// Keeps the reels that the source may be: each once, by one of its sources.
   Indexes reelsFor(Index source, const Indexes& found)
@@ -297,7 +298,7 @@ private:
     std::vector<Claim> claims;
     for (Index i = 0; i < sources().size(); ++i) {
       const Name& name = nameOf(i);
-      if (!name.whole || !mayClaim(i) || partsOf(name.spelling).ending != Ending::None)
+      if (!name.whole || isSetApart(i) || partsOf(name.spelling).ending != Ending::None)
         continue;
       Indexes found;
       for (auto at = std::lower_bound(stems.begin(), stems.end(), std::pair(name.form, Index{0}));
@@ -337,7 +338,7 @@ private:
       letters.emplace_back(lettersForm(name.spelling), i);
       if (!name.whole)
         cutForms_.emplace_back(name.form, i);
-      if (!name.whole && mayClaim(i))
+      if (!name.whole && !name.target)
         byLength[length(name.spelling)].push_back(i);
     }
     std::sort(forms.begin(), forms.end());
@@ -446,7 +447,8 @@ private:
     return faulty;
   }
 
-  /// The name of a reel: the decided one, else the longest whole one, else the longest, and the first of several.
+  /// The name of a reel: the decided one, else a whole one without an ending, else a whole one, else any; of several
+  /// the longest, and of these the first.
   void nameReels()
   {
     std::map<Index, Index> best;
@@ -454,16 +456,20 @@ private:
       const Name& name = nameOf(source);
       const auto& target = anchorOf(source).target;
       const bool isTarget = target && *target == sources()[source].name;
-      return std::tuple(!isTarget, !name.whole, -static_cast<std::ptrdiff_t>(length(name.spelling)),
-                        std::cref(name.form).get(), std::cref(name.spelling).get(), sources()[source].id);
+      return std::tuple(!isTarget, !name.whole, partsOf(name.spelling).ending != Ending::None,
+                        -static_cast<std::ptrdiff_t>(length(name.spelling)), std::cref(name.form).get(),
+                        std::cref(name.spelling).get(), sources()[source].id);
     };
     for (Index i = 0; i < sources().size(); ++i) {
       const auto [entry, isNew] = best.try_emplace(rootOf(i), i);
       if (!isNew && rank(i) < rank(entry->second))
         entry->second = i;
     }
-    for (Index i = 0; i < sources().size(); ++i)
+    for (Index i = 0; i < sources().size(); ++i) {
       sources()[i].reel = best.at(rootOf(i));
+      if (sources()[i].reel != i)
+        noteMatch(i, Match::NoEnding); // the reel is called by its name without the ending
+    }
   }
 
   NameIndex& index_;

@@ -22,7 +22,7 @@ enum class Match {
   SourceId,    ///< a source id of the name is one of the reel
   SameName,    ///< it is the same name in another spelling
   OtherEnding, ///< it is the same name with another ending of the same kind
-  NoEnding,    ///< it is the same name without its ending
+  NoEnding,    ///< it is the same name, and one of both has no ending
   Cut,         ///< it fills its field, and is the cut form of the only reel that it may be
 };
 

@@ -41,14 +41,19 @@ std::vector<OwnName> ownNames(const NameTexts& texts)
   std::vector<OwnName> names;
   const bool fills = fillsField(texts.reel, texts.field);
   const auto add = [&](std::string_view name, NameEvidence evidence, bool mayBeCut = false) {
-    names.push_back({std::string(name), evidence, mayBeCut});
+    names.push_back({std::string(name), evidence, mayBeCut, {}});
   };
   const auto addFile = [&](std::string_view file) {
     for (const std::string_view name : {file, fileName(file)}) {
       if (!isName(name))
         continue;
-      if (isSameName(texts.reel, name) || isShortForm(texts.reel, false, name))
-        return add(texts.reel, NameEvidence::SourceFile);
+      const bool addsEnding = isShortForm(texts.reel, false, name);
+      if (addsEnding || isSameName(texts.reel, name)) {
+        add(texts.reel, NameEvidence::SourceFile);
+        if (addsEnding)
+          names.back().file = name;
+        return;
+      }
       if (fills && isCutForm(texts.reel, name))
         return add(name, NameEvidence::SourceFile);
     }

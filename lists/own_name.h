@@ -33,6 +33,7 @@ struct OwnName {
   std::string name;
   NameEvidence evidence = NameEvidence::ReelText;
   bool mayBeCut = false; ///< whether the name fills its field and nothing proves it whole
+  std::string file = {}; ///< the source file, if it is the same name with an ending; else empty
 };
 
 /// The names of the source, the best one first. The last one is the reel text. Time is linear in the lengths.

@@ -273,7 +273,8 @@ private:
     return std::min(field_, wideField);
   }
 
-  /// The folded reels that the notes of an event give another name.
+  /// The folded reels that a reader would take for another: by the notes of an event, or because the name fills its
+  /// field.
   std::unordered_set<std::string> misreadReels(std::size_t field) const
   {
     std::unordered_set<std::string> misread;
@@ -286,7 +287,9 @@ private:
       texts.field = field;
       texts.sourceFile = clip.sourceFile;
       texts.clipName = clip.clipName;
-      if (!base::sameName(ownNames(texts).front().name, clip.reel))
+      const OwnName own = ownNames(texts).front();
+      const bool isOwn = clip.ownName.empty() || base::sameName(clip.ownName, clip.reel);
+      if (!base::sameName(own.name, clip.reel) || (own.mayBeCut && !(isOwn && clip.mayBeCut)))
         misread.insert(base::fold(clip.reel));
     }
     return misread;

@@ -709,13 +709,16 @@ TEST(Edl, SourceFilesBehindAReelTextThatIsNotCutAreADoubt)
 
 TEST(Edl, SourceIdsStayWithTheClip)
 {
-  const List list = readWhole(event("001", "A001C001 V C") + event("002", "B V C") + event("003", "C1 V C") +
-                              ">>> SOURCE A001C001_LONG A001C001 id00000000000001\n"
-                              "* SOURCE FILE: A001C001_LONG_AND_WHOLE\n>>> SOURCE B B id2\n>>> SOURCE B B id3\n");
+  const List list = readWhole(
+      event("001", "A001C001 V C") + event("002", "B V C") + event("003", "C1 V C") +
+      ">>> SOURCE A001C001_LONG A001C001 060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}\n"
+      "* SOURCE FILE: A001C001_LONG_AND_WHOLE\n>>> SOURCE B B id2\n>>> SOURCE B B id3\n");
   EXPECT_EQ(list.clips.at(0).reel, "A001C001_LONG_AND_WHOLE");
-  EXPECT_EQ(list.clips.at(0).sourceId, "id00000000000001");
+  EXPECT_EQ(list.clips.at(0).sourceId, "060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}");
   EXPECT_EQ(list.clips.at(1).sourceId, "") << "the table does not say which of the two";
   EXPECT_EQ(list.clips.at(2).sourceId, "");
+  EXPECT_EQ(readWhole(event("001", "A V C") + ">>> SOURCE A A 4919975f.793b8d33\n").clips.at(0).sourceId, "")
+      << "it counts only within its list";
 }
 
 } // namespace

@@ -85,8 +85,8 @@ TEST(NameIndex, OtherEndingOfOneKind)
 TEST(NameIndex, NameWithoutItsEnding)
 {
   const NameIndex index = indexOf({whole("X.MOV"), whole("X")});
-  EXPECT_EQ(reelOf(index, "X"), "X.MOV");
-  EXPECT_EQ(index.find("X").match, Match::NoEnding);
+  EXPECT_EQ(reelOf(index, "X.MOV"), "X");
+  EXPECT_EQ(index.find("X.MOV").match, Match::NoEnding);
 }
 
 TEST(NameIndex, NameWithoutItsEndingIsADoubtIfTwoKindsHaveIt)
@@ -114,7 +114,7 @@ TEST(NameIndex, CutNameOfTwoReelsIsADoubt)
 TEST(NameIndex, ReelCountsOnceHoweverManyNamesItHas)
 {
   const NameIndex index = indexOf({cut(cutName), whole(longName + ".MOV"), whole(longName + ".MXF"), whole(longName)});
-  EXPECT_EQ(reelOf(index, cutName), longName + ".MOV");
+  EXPECT_EQ(reelOf(index, cutName), longName);
 }
 
 TEST(NameIndex, WholeNameIsNoBeginning)
@@ -227,6 +227,13 @@ TEST(NameIndex, ShortFormsFollowARenamedReel)
   const NameIndex index = indexOf({cut(cutName), whole(longName)}, {{longName, "KITCHEN"}});
   EXPECT_EQ(reelOf(index, longName), "KITCHEN");
   EXPECT_EQ(reelOf(index, cutName), "KITCHEN");
+}
+
+TEST(NameIndex, NameWithItsEndingFollowsARenamedReel)
+{
+  const NameIndex index = indexOf({whole("X"), whole("X.MOV")}, {{"X", "KITCHEN"}});
+  EXPECT_EQ(reelOf(index, "X"), "KITCHEN");
+  EXPECT_EQ(reelOf(index, "X.MOV"), "KITCHEN");
 }
 
 TEST(NameIndex, DecisionsMakeAChain)
