@@ -240,7 +240,7 @@ private:
     list.digest = digest;
     list.file = name;
     list.title = result.list.title;
-    list.format = formatWord(result.list.format);
+    list.format = lists::wordOf(result.list.format);
     for (std::size_t i = 0; i < shots.size(); ++i)
       list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
     for (const lists::Clip& clip : result.list.specialClips)

@@ -58,7 +58,7 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
     events.back().reel = use.reel;
   }
   const bool isLog =
-      form.format ? *form.format == lists::Format::Ale : found.list.format == formatWord(lists::Format::Ale);
+      form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);
   try {
     lists::Written written =
         isLog ? lists::writeAle(rateOf(session).rate, events)

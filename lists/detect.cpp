@@ -9,6 +9,17 @@
 
 namespace reeldb::lists {
 
+std::string_view wordOf(Format format)
+{
+  switch (format) {
+  case Format::Edl:
+    return "edl";
+  case Format::Ale:
+    return "ale";
+  }
+  return "";
+}
+
 std::optional<Format> detectText(std::string_view text)
 {
   bool first = true;

@@ -23,6 +23,9 @@ public:
 
 enum class Format { Edl, Ale };
 
+/// "edl", "ale"
+std::string_view wordOf(Format format);
+
 /// The place of a list that gives the name of a clip's source.
 enum class NameEvidence {
   ReelMap,      ///< the list's own map

@@ -129,7 +129,7 @@ Enum fromWord(const Value& json, const std::array<Enum, size>& all)
   throw std::invalid_argument("unknown word \"" + word + "\"");
 }
 
-// --- Reels -----------------------------------------------------------------------------------------
+// --- Reels ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Reel> R>
 void describe(Io& io, R& reel)
@@ -305,7 +305,7 @@ void describe(Io& io, R& type)
   io("parameters", type.parameters);
 }
 
-// --- Names -----------------------------------------------------------------------------------------
+// --- Names ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Candidate> R>
 void describe(Io& io, R& candidate)
@@ -343,7 +343,7 @@ void describe(Io& io, R& meaning)
   }
 }
 
-// --- Lists -----------------------------------------------------------------------------------------
+// --- Lists ---------------------------------------------------------------------------------------
 
 template <class Io, Like<ClipStep> R>
 void describe(Io& io, R& step)
@@ -367,9 +367,9 @@ void describe(Io& io, R& imported)
   auto& list = imported.list;
   io("file", imported.file);
   if constexpr (Io::writes) {
-    io.json()["format"] = list.format == lists::Format::Edl ? "edl" : "ale";
+    io.json()["format"] = lists::wordOf(list.format);
   } else {
-    list.format = io.json().at("format") == "edl" ? lists::Format::Edl : lists::Format::Ale;
+    list.format = io.json().at("format") == lists::wordOf(lists::Format::Edl) ? lists::Format::Edl : lists::Format::Ale;
   }
   io("title", list.title);
   io("clips", imported.clips);
@@ -677,7 +677,7 @@ void describe(Io& io, R& content)
   io.optional("history", content.history);
 }
 
-// --- Deletions -------------------------------------------------------------------------------------
+// --- Deletions -----------------------------------------------------------------------------------
 
 /// The only reason to keep a reel.
 inline constexpr const char* whyKept = "--keep";
@@ -715,7 +715,7 @@ void describe(Io& io, R& undeleted)
   io("shots", undeleted.shots);
 }
 
-// --- History ---------------------------------------------------------------------------------------
+// --- History -------------------------------------------------------------------------------------
 
 template <class Io, Like<FieldStep> R>
 void describe(Io& io, R& step)
@@ -782,7 +782,7 @@ void describe(Io& io, R& compacted)
   io.optional("revisions", compacted.revisions);
 }
 
-// --- The facility ----------------------------------------------------------------------------------
+// --- The facility --------------------------------------------------------------------------------
 
 template <class Io, Like<Device> R>
 void describe(Io& io, R& device)

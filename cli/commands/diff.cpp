@@ -38,25 +38,7 @@ std::string newReelText(const app::NewReel& reel)
   return result + (reel.candidates.empty() ? "\n" : ")\n");
 }
 
-void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
-{
-  constexpr std::size_t indent = 2;
-  if (shots.empty())
-    return;
-  print(fmt::format("{} {}:\n", counted(shots.size(), "shot"), heading));
-  Table table({{"REEL"},
-               {"CLIP"},
-               {"TRACKS"},
-               {"SOURCE IN"},
-               {"SOURCE OUT"},
-               {.title = "RECORD IN", .optional = true},
-               {.title = "RECORD OUT", .optional = true}});
-  for (const app::Shot& shot : shots)
-    table.add(
-        {shot.reel, orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut});
-  table.print(indent);
-}
-
+/// Prints a table of shots as they are now. The column of what they were is there if one was anything else.
 void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& steps)
 {
   constexpr std::size_t indent = 2;
@@ -82,6 +64,14 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
     table.add({after.reel, orDash(after.clipName), after.tracks, after.sourceIn, after.sourceOut, after.recordIn,
                after.recordOut, was(before, after)});
   table.print(indent);
+}
+
+void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
+{
+  std::vector<app::ClipStep> steps;
+  for (const app::Shot& shot : shots)
+    steps.push_back({shot, shot});
+  printStepsOf(heading, steps);
 }
 
 void printDiff(const app::ListDiff& diff)

@@ -15,17 +15,6 @@ using base::displayWidth;
 
 namespace {
 
-std::string_view formatName(lists::Format format)
-{
-  switch (format) {
-  case lists::Format::Edl:
-    return "edl";
-  case lists::Format::Ale:
-    return "ale";
-  }
-  return "";
-}
-
 /// The name for a line that describes a source: "event" or "row".
 std::string_view lineName(lists::Format format)
 {
@@ -127,7 +116,7 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
 {
   const lists::List& list = imported.list;
   std::string result =
-      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), formatName(list.format),
+      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), lists::wordOf(list.format),
                   counted(imported.clips, "clip"), counted(imported.shotsAdded, "shot"), did(mood, "added"),
                   imported.shotsThere - imported.shotsRepeated);
   if (imported.shotsRepeated > 0)

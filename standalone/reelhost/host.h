@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
 /// The operations of the standalone host for an application: start it, open a project, import material, commit. The
-/// operations that the library calls are declared in src/host; the same shared object provides them. Main thread only.
+/// operations that the library calls are declared in host/*.h; the same shared object provides them. Main thread only.
 ///
 /// Operations throw Error and std::bad_alloc. Exceptions of listeners pass through where a comment says so. The first
 /// change to a project since it was opened, since a commit or since idle locks the project for writing, in whatever

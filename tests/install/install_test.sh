@@ -146,7 +146,8 @@ headers) # each installed header compiles by itself, as the oldest C++ that is p
   [ "$(wc -l <"$work/headers.cpp")" -gt 25 ] || fail "too few headers are installed"
   while read -r include; do
     echo "$include" >"$work/header.cpp"
-    "$CXX" -std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -I. "$work/header.cpp" ||
+    "$CXX" -std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror -I. \
+      "$work/header.cpp" ||
       fail "$include: does not compile by itself"
   done <"$work/headers.cpp"
   ;;

@@ -12,6 +12,12 @@ using namespace reeldb::lists::test;
 
 namespace {
 
+TEST(FormatWord, IsThatOfTheFilesEnding)
+{
+  EXPECT_EQ(wordOf(Format::Edl), "edl");
+  EXPECT_EQ(wordOf(Format::Ale), "ale");
+}
+
 TEST(Detect, AnEventLineMakesACutListWithoutTitleOrFcm)
 {
   EXPECT_EQ(detectText(event("001", "R V C")), Format::Edl);

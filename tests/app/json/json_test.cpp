@@ -25,7 +25,7 @@ using namespace reeldb::app;
 
 namespace {
 
-// --- What each result looks like -------------------------------------------------------------------
+// --- What each result looks like -----------------------------------------------------------------
 
 Reel sampleReel()
 {
@@ -372,7 +372,7 @@ TEST(Json, EventsAreALineEach)
     EXPECT_EQ(fromJson<ReelEvent>(jsonLine(ReelEvent{what, "B", ""})).what, what);
 }
 
-// --- Bytes -----------------------------------------------------------------------------------------
+// --- Bytes ---------------------------------------------------------------------------------------
 
 TEST(JsonText, WhatSteersATerminalIsEscapedAndMeansTheSame)
 {
@@ -391,7 +391,7 @@ TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
   EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
 }
 
-// --- Texts that are not a report of this kind -------------------------------------------------------
+// --- Texts that are not a report of this kind ----------------------------------------------------
 
 template <class T>
 void expectRefused(const std::string& text)
