@@ -262,7 +262,7 @@ TEST(NameIndex, ExactRulesJoinOnlyTheSameNameAndWhatIsDecided)
   EXPECT_EQ(reelOf(index, "OLD"), "NEW");
 }
 
-// ---- Any names --------------------------------------------------------------------------------
+// ---- Any names ----------------------------------------------------------------------------------
 
 class AnyNames : public testing::TestWithParam<unsigned> {
 protected:
@@ -376,7 +376,7 @@ TEST_P(AnyNames, AreNeverJoinedIfTheirSourceIdsDiffer)
 
 INSTANTIATE_TEST_SUITE_P(Seeds, AnyNames, testing::Values(1U, 2U, 3U));
 
-// ---- Cost -------------------------------------------------------------------------------------
+// ---- Cost ---------------------------------------------------------------------------------------
 
 TEST(NameIndex, HundredThousandNamesWithOneBeginning)
 {
