@@ -141,6 +141,9 @@ int runDeferredActions();
 /// Creates an imported material log and reports it to the listeners as codes::madeOrImported, as a host does when it
 /// imports a clip. The library then creates the reel. Exceptions of listeners pass through; the log stays.
 Cookie importMaterial(const Material& material);
+/// Gives a shot the reel and the texts of @p material, as far as they differ. Its clip name, its channels and its frame
+/// rate stay. Notifies no listener. Does nothing for a log that does not exist.
+void changeMaterial(const Cookie& log, const Material& material);
 /// The clip that the log describes. Texts that the log lacks are empty; all are empty for a log that does not exist.
 Material materialOf(const Cookie& log);
 /// All logs other than reel logs, in the order of creation. Empty if no project is open.
