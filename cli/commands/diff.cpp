@@ -6,10 +6,13 @@
 #include "app/diff.h"
 #include "app/json/json.h"
 #include "base/display_text.h"
+#include "commands/import_report.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -23,6 +26,8 @@ struct Options {
   bool gone = false;
   bool json = false;
 };
+
+constexpr std::size_t usualColumns = 100;
 
 std::string newReelText(const app::NewReel& reel)
 {
@@ -71,6 +76,8 @@ void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shot
 
 void printDiff(const app::ListDiff& diff)
 {
+  print(toText(diff.moves, Mood::Conditional));
+  print(namesText(diff.names, terminalColumns(stdout).value_or(usualColumns)));
   if (!diff.newReels.empty())
     print(fmt::format("{} new:\n", counted(diff.newReels.size(), "reel")));
   for (const app::NewReel& reel : diff.newReels)
