@@ -223,7 +223,7 @@ private:
 
   void keep(std::int64_t number, const std::string& image)
   {
-    // One byte at least: an empty blob means that the image was removed.
+    // The image of a log or a list is never empty, which would mean that it was removed. That of no options is.
     changeRow().bind(1, number_).bind(2, number).bindBlob(3, image.data(), image.size()).run();
   }
 
