@@ -7,6 +7,8 @@
 #include <sstream>
 #include <thread>
 
+#include <sqlite3.h>
+
 #include "cli/command_fixture.h"
 #include "standalone/store/support.h"
 
@@ -174,6 +176,20 @@ TEST_F(Watch, CommitOfAnotherProgramIsReportedWithoutItsOrigin)
   expectSaid("1 reel gone, 1 reel renamed\n");
   output({"set", "R3", "bin=x"});
   expectSaid("1 reel gone, 1 reel renamed\nchanged R3: bin: x (was -)\n");
+}
+
+TEST_F(Watch, CommitIsReportedWhileTheNextProcessWrites)
+{
+  output({"create", "R1"});
+  watch();
+  sqlite3* holder = nullptr;
+  ASSERT_EQ(sqlite3_open(path("projects/main.reels").c_str(), &holder), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(holder,
+                         "BEGIN IMMEDIATE; UPDATE logs SET reel_id = 'R2' WHERE number = 1; COMMIT; BEGIN IMMEDIATE",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  expectSaid("renamed R2 from R1\n");
+  sqlite3_close(holder);
 }
 
 TEST_F(Watch, SinceARevisionReportsWhatWasStoredAndEnds)
