@@ -48,7 +48,7 @@ std::int64_t logNumberOf(reelhost::History& history, const std::string& id,
         if (isTheReel(change.before) && !change.after)
           number = change.number;
   if (number == 0)
-    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, and none in the history", base::shortText(id)));
+    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, now or in the history", base::shortText(id)));
   return number;
 }
 
@@ -77,10 +77,9 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
       return revision;
     ofOthers = true;
   }
-  throw Error(
-      ErrorKind::Refused,
-      fmt::format("{0}: nothing to {0}{1}", operation,
-                  ofOthers ? fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine) : ""));
+  throw Error(ErrorKind::Refused,
+              fmt::format("{0}: nothing to {0}{1}", operation,
+                          ofOthers ? fmt::format(" (by {} on {}; --any includes theirs)", me.user, me.machine) : ""));
 }
 
 /// @p revision is one of @p revisions.
@@ -91,7 +90,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   const reelhost::TakenBack done = reelhost::takeBack(revision.number);
   if (!done.anything())
     throw Error(ErrorKind::Refused,
-                fmt::format("{}: revision {}: nothing of it is left to take back", operation, revision.number));
+                fmt::format("{}: revision {}: nothing left to take back", operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
   after.requireSoundAfter(before, operation, "nothing taken back");
@@ -181,7 +180,7 @@ TakenBackCommit undo(Session& session, std::optional<std::int64_t> revision, boo
     for (const reelhost::Revision& known : revisions)
       if (known.number == *revision)
         return takeBack(session, "undo", known, revisions, takenBack);
-    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {}", *revision));
+    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {} (reeldb history lists them)", *revision));
   });
 }
 

@@ -258,7 +258,7 @@ void requireUnmistakable(const std::map<int, std::string>& names, const std::vec
     if (wanted.find_first_not_of(' ') == std::string::npos)
       throw Error(ErrorKind::Refused, fact + " (it is blank)");
     if (meansField(wanted))
-      throw Error(ErrorKind::Refused, fact + " (for reeldb set it means another field)");
+      throw Error(ErrorKind::Refused, fact + " (reeldb set uses it for another field)");
     for (const UserField& other : fields)
       if (other.number != number && base::sameName(nameOf(other), wanted))
         throw Error(ErrorKind::Refused, fmt::format("{} (user field {} has this name)", fact, other.number));

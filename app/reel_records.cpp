@@ -128,7 +128,7 @@ void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remark
   const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);
   if (!meaning.empty())
     remarks.push_back(
-        fmt::format("{}: accepted, but no import will find this reel by its name (its meaning in cut lists: {})",
+        fmt::format("{}: stored, but import cannot find a reel by this name (its meaning in cut lists: {})",
                     base::shortText(id), meaning));
 }
 

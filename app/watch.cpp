@@ -107,7 +107,9 @@ public:
     if (!revisions)
       throw Error(
           ErrorKind::Refused,
-          fmt::format("watch: the history since revision {} is forgotten (it begins with {})", revision, oldest));
+          fmt::format("watch: the history does not reach back to revision {} (it begins with {}; use --since {} "
+                      "or a later one)",
+                      revision, oldest, oldest));
     for (auto later = revisions->rbegin(); later != revisions->rend(); ++later) {
       reelhost::RevisionChanges changes = history->changesOf(later->number);
       for (reelhost::LogChange& change : changes.logs)

@@ -639,7 +639,7 @@ void describe(Io& io, R& state)
     io.json()["state_version"] = knownVersion;
   } else {
     if (!io.json().contains("state_version"))
-      throw std::invalid_argument("it has no state, as reeldb export --json without --reels has");
+      throw std::invalid_argument("it has no state; reeldb export --json without --reels writes one");
     if (io.json().at("state_version") != knownVersion)
       throw std::invalid_argument("its state_version is " + io.json().at("state_version").dump() + ", not " +
                                   std::to_string(knownVersion));

@@ -205,7 +205,7 @@ TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
   reelhost::useFacility(reelhost::Facility::read(folder_.path()));
   const reelhost::Origin me = reelhost::currentOrigin();
   EXPECT_EQ(refusal([] { undo(); }),
-            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any takes what others did)");
+            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any includes theirs)");
 }
 
 TEST_F(History, OfAReelHasItsFieldsBeforeAndAfter)

@@ -97,8 +97,8 @@ TEST_F(Set, UnknownFieldIsAUsageErrorThatNamesTheFields)
 
 TEST_F(Set, ArgumentWithoutEqualsSignIsAUsageError)
 {
-  expectRefusal(2, {"bin"}, "\"bin\": not of the form field=value\n");
-  expectRefusal(2, {"=x"}, "\"=x\": not of the form field=value\n");
+  expectRefusal(2, {"bin"}, "\"bin\": not of the form FIELD=VALUE\n");
+  expectRefusal(2, {"=x"}, "\"=x\": not of the form FIELD=VALUE\n");
 }
 
 TEST_F(Set, FieldGivenTwiceIsAUsageError)

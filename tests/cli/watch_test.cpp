@@ -211,7 +211,9 @@ TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
   output({"project", "compact", "--before", "2"});
   result = reeldb({"watch", "--since", "1"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: watch: the history since revision 1 is forgotten (it begins with 2)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: watch: the history does not reach back to revision 1 (it begins with 2; use --since 2 or a later "
+            "one)\n");
 }
 
 TEST_F(Watch, QuietProjectWakesNobody)

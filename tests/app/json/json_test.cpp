@@ -401,7 +401,7 @@ void expectRefused(const std::string& text)
     ADD_FAILURE() << text << ": was read";
   } catch (const Error& error) {
     EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
-    EXPECT_EQ(std::string(error.what()).rfind("JSON: not a report of this kind (", 0), 0u) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not of the expected form (", 0), 0u) << error.what();
   }
 }
 
