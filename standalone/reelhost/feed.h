@@ -67,8 +67,8 @@ public:
   virtual int waitHandle() = 0;
   /// Why there is no waitHandle, "PATH: fact (cause)"; empty if there is one or if no other process can commit.
   virtual std::string whyNoWaitHandle() = 0;
-  /// Reads what the handle has to say. Zero: ask Store::changedElsewhere now. A longer time: another process is just
-  /// writing, so call this again after that time. No time: nothing has happened. Never throws and never waits.
+  /// Reads the events of the handle. Zero: ask Store::changedElsewhere now. A longer time: another process is writing,
+  /// so call this again after that time. No time: nothing has happened. Never throws and never waits.
   virtual AskAgain readEvents() noexcept = 0;
 };
 

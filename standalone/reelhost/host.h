@@ -78,16 +78,16 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
-/// The same, begun for reading in the state that the logs in memory have, for callers that read more than the logs
-/// after idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+/// The open project's store, begun for reading. It is in the state of the logs in memory, also after idle. Throws
+/// Error as Store::begin does, and Busy if another process has committed since. REQUIRES: a project is open
 Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
 /// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was
 /// begun.
 ProjectInfo currentInfo(Store& store);
-/// The project option with the code of the rate that a project was given after it was made. It is an option because
-/// those are changed, and changed back, like all else in a project; what Store::info returns never changes.
+/// The project option that holds the frame rate code if the rate was changed after the project was made. It is an
+/// option because a commit can change options and undo can restore them; the result of Store::info never changes.
 inline constexpr const char* frameRateOption = "reeldb_frame_rate";
 
 bool hasChanges(); ///< whether commit would store anything
@@ -105,7 +105,7 @@ void idle();
 /// false if no project is open.
 bool reloadIfChangedElsewhere();
 
-/// What changes by other processes mean for a program that knows the reels of the project.
+/// What changes by other processes mean for a program that shows the reels of the project.
 struct ForeignChanges {
   enum class State {
     Nothing, ///< no other process has committed

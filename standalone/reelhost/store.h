@@ -153,8 +153,8 @@ public:
 
   /// Stores all changes durably, or throws and stores none of them; ends the use either way. Writes nothing if there is
   /// no change. Throws Error: Busy, ReadOnly, Refused, Unreadable, Io. REQUIRES: a use was begun for writing; log
-  /// numbers are positive, no log is of kind 'I', the bytes of a new list are
-  /// stored or in @p changes, and no list is both written and deleted.
+  /// numbers are positive, no log is of kind 'I', the bytes of a new list are stored or in @p changes, and no list is
+  /// both written and deleted.
   virtual void commit(const Changes& changes) = 0;
 
   /// Whether another process has committed since the last begin, or since this function last returned true. Needs no
