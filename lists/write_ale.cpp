@@ -155,7 +155,7 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
 {
   const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
   if (const auto count = std::count_if(clips.begin(), clips.end(), isLong); count > 0)
-    written.remarks.push_back("clip names longer than " + std::to_string(longestClipName) +
+    written.remarks.push_back(std::string("clip names longer than ") + std::to_string(longestClipName) +
                               " characters: " + std::to_string(count) + " (other programs may cut them)");
   if (columns > mostColumns)
     written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(mostColumns) +
