@@ -10,6 +10,7 @@
 #include "app/deletion.h"
 #include "app/import.h"
 #include "app/list_files.h"
+#include "app/names.h"
 #include "app/process.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
@@ -153,6 +154,52 @@ TEST_F(History, FormerNameThatWouldLeadToTwoReelsIsRefused)
   rename("A001", "D004"); // 5: A001 is a former name of D004
   EXPECT_EQ(refusal([] { undo(3); }), "undo: a001: the name would lead to both C003 and D004, nothing taken back (see "
                                       "reeldb which)");
+}
+
+class NameOfTwoReels : public History {
+protected:
+  /// Imports a list that calls two reels by one further name.
+  void SetUp() override
+  {
+    History::SetUp();
+    const std::string event = "V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n* REEL SND1 IS CLIP x\n";
+    folder_.write("sound.edl", "TITLE: T\n001  A001     " + event + "002  B002     " + event);
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {app::readListFile((folder_.path() / "sound.edl").native())}, false);
+    ASSERT_EQ(app::whichReel(session, "SND1").candidates.size(), 2u);
+  }
+};
+
+TEST_F(NameOfTwoReels, ComesBackWithBothReels)
+{
+  undo();
+  redo();
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002"}));
+}
+
+TEST_F(NameOfTwoReels, ComesBackWithADeletedReel)
+{
+  remove("A001");
+  set("B002", "bin", "shelf"); // the other reel may change meanwhile
+  undo(2);
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002"}));
+  remove("B002");
+  app::Session session({}, app::Access::Write);
+  EXPECT_EQ(app::undelete(session).reels, Names{"B002"});
+}
+
+TEST_F(NameOfTwoReels, IsRefusedForAReelThatDidNotHaveItThen)
+{
+  remove("A001");         // 2
+  rename("B002", "SND1"); // 3
+  rename("SND1", "C003"); // 4: SND1 is now a former name, too
+  EXPECT_EQ(undo(2).reelsRestored, Names{"A001"});
+  remove("A001");         // 6
+  remove("C003");         // 7
+  import({"SND1"});       // 8
+  rename("SND1", "D004"); // 9
+  EXPECT_EQ(refusal([] { undo(7); }),
+            "undo: snd1: the name would lead to both C003 and D004, nothing taken back (see reeldb which)");
 }
 
 TEST_F(History, UndeleteIsTheUndoOfTheLastDeletion)
