@@ -6,10 +6,10 @@
 JOBS ?= $(shell nproc)
 LIBRARY_TESTS := reeltypes_test reelrec_test labelmaps_test reeldb_test_core reeldb_test_changes reeldb_test_first_use
 
-# $(call build,PRESET[,OPTIONS]): configures and builds one preset
+# $(call build,PRESET[,OPTIONS[,TARGET]]): configures one preset, and builds it or one target of it
 define build
 	cmake --preset $(1) $(2) >/dev/null
-	cmake --build --preset $(1) -j $(JOBS)
+	cmake --build --preset $(1) -j $(JOBS) $(if $(3),--target $(3))
 endef
 
 # $(call test,PRESET): runs the tests of one preset, and says why some were skipped
@@ -19,7 +19,7 @@ endef
 
 run: ## build and run the main job: import the example lists and show their reels
 	@sh scripts/setup.sh run
-	$(call build,release,-DREELDB_TESTS=OFF)
+	$(call build,release,-DREELDB_TESTS=OFF,reeldb_command)
 	@sh scripts/run.sh
 
 test: ## build and pass every test

@@ -11,6 +11,7 @@
 #include "app/host_text.h"
 #include "app/kept_events.h"
 #include "app/list_choice.h"
+#include "app/project_names.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
@@ -26,22 +27,29 @@ lists::Format formatOf(const Shot& shot)
 
 class Comparison {
 public:
-  Comparison(Session& session, bool whole) : session_(session), shots_(allShots(session))
+  Comparison(Session& session, const std::vector<ListFile>& files, bool whole) : session_(session), names_(session)
   {
     diff_.whole = whole;
-    for (const Shot& shot : shots_)
-      there_.insert(shotKey(shot));
+    for (const ListFile& file : files)
+      for (const lists::Clip& clip : file.list.clips)
+        names_.add(clip);
+    names_.settle();
+    diff_.moves = names_.moveShots(); // in memory, as an import would do it
+    for (const KnownShot& known : names_.shots())
+      there_.insert(shotKey(known.shot));
   }
 
   /// Compares the list with its kept version.
   void compare(const lists::List& list, const reelhost::KeptList& kept)
   {
-    std::vector<Shot> before;
+    std::vector<Shot> before, after;
     for (const reelhost::ListEvent& event : reelhost::eventsOfList(kept.number))
-      before.push_back(clipFrom(event));
-    VersionDifference found = difference(before, list.clips);
+      before.push_back(named(clipFrom(event)));
+    for (const Shot& clip : list.clips)
+      after.push_back(named(clip));
+    VersionDifference found = difference(before, after);
     for (const Shot& shot : found.added)
-      addReel(shot.reel);
+      addReel(noteName(shot));
     const auto move = [](auto& from, auto& to) {
       to.insert(to.end(), std::make_move_iterator(from.begin()), std::make_move_iterator(from.end()));
     };
@@ -54,8 +62,10 @@ public:
   void add(const lists::List& list)
   {
     formats_.push_back(list.format);
-    for (const lists::Clip& clip : list.clips) {
-      addReel(clip.reel);
+    for (lists::Clip clip : list.clips) {
+      const NamedReel name = noteName(clip);
+      clip.reel = name.reel;
+      addReel(name);
       const std::string key = shotKey(clip);
       if (listed_.insert(key).second && !there_.contains(key))
         diff_.added.push_back(clip);
@@ -67,7 +77,8 @@ public:
   ListDiff finish()
   {
     std::unordered_set<std::string> told;
-    for (const Shot& shot : shots_) {
+    for (const KnownShot& known : names_.shots()) {
+      const Shot& shot = known.shot;
       if (shot.reel.empty() || std::find(formats_.begin(), formats_.end(), formatOf(shot)) == formats_.end())
         continue;
       const bool named = reels_.contains(base::fold(shot.reel));
@@ -86,17 +97,33 @@ private:
     return record.valid() ? std::optional(text(record.reelId())) : std::nullopt;
   }
 
-  void addReel(const std::string& id)
+  /// The clip with the reel of its name.
+  Shot named(Shot clip) const
   {
-    if (!reels_.insert(base::fold(id)).second)
+    std::string reel = names_.find(clip).reel;
+    if (clip.ownName.empty())
+      clip.ownName = std::move(clip.reel);
+    clip.reel = std::move(reel);
+    return clip;
+  }
+
+  NamedReel noteName(const Shot& clip)
+  {
+    NamedReel name = names_.find(clip);
+    if (metNames_.insert(base::fold(name.name) + '\n' + name.sourceId).second)
+      diff_.names.push_back(name);
+    return name;
+  }
+
+  void addReel(const NamedReel& name)
+  {
+    if (base::sameName(name.reel, name.name))
+      addSpelling({name.reel, name.name});
+    if (!reels_.insert(base::fold(name.reel)).second || names_.hasRecord(name.reel))
       return;
-    if (const auto spelling = spellingOf(id)) {
-      addSpelling({*spelling, id});
-      return;
-    }
-    if (!names_)
-      names_ = knownNames(session_);
-    diff_.newReels.push_back({id, names_->find(id)});
+    if (!candidates_)
+      candidates_ = knownNames(session_);
+    diff_.newReels.push_back({name.reel, candidates_->find(name.name), name.perhaps});
   }
 
   void addSpelling(const lists::Spelling& spelling)
@@ -106,12 +133,13 @@ private:
   }
 
   Session& session_;
-  std::vector<Shot> shots_;                        ///< the shots of the project
+  ProjectNames names_;
   std::unordered_set<std::string> there_, listed_; ///< the keys of the shots of the project, and of the lists
   std::unordered_set<std::string> reels_;          ///< the folded reels that the lists name
   std::unordered_set<std::string> spellings_;      ///< the spellings that were reported
   std::vector<lists::Format> formats_;
-  std::optional<ReelNames> names_; ///< gathered for the first new reel
+  std::unordered_set<std::string> metNames_;
+  std::optional<ReelNames> candidates_; ///< gathered for the first new reel
   ListDiff diff_;
 };
 
@@ -123,7 +151,7 @@ ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool
   return guarded([&] {
     if (as && (whole || files.size() != 1))
       throw Error(ErrorKind::Invalid, "diff: --as compares one file with one list");
-    Comparison comparison(session, whole);
+    Comparison comparison(session, files, whole);
     std::vector<std::optional<std::int64_t>> versions;
     for (const ListFile& file : files) {
       const std::optional<reelhost::KeptList> kept = as      ? listNamed(*as)

@@ -20,7 +20,8 @@ namespace reeldb::app {
 /// A reel that an import would create.
 struct NewReel {
   std::string id;
-  std::vector<Candidate> candidates; ///< existing reels that the name may mean
+  std::vector<Candidate> candidates;     ///< existing reels that the name may mean
+  std::vector<std::string> perhaps = {}; ///< reels of the project and of the lists that it may be by the rules of names
 };
 
 /// A line of a list that could not be read.
@@ -41,12 +42,14 @@ struct ListDiff {
   std::vector<ClipStep> trimmed;      ///< shots with another source in or out than in the kept version
   std::vector<ClipStep> changed;      ///< shots at another place of the cut than in the kept version
   std::vector<RejectedLine> rejected; ///< in the order of the lists
+  std::vector<NamedReel> names = {};  ///< the names of the lists' sources, each once, in their order
+  std::vector<ReelMove> moves = {};   ///< shots that the names of the lists would give another reel
 
   /// Whether there is no difference.
   bool empty() const
   {
     return newReels.empty() && goneReels.empty() && spellings.empty() && added.empty() && missing.empty() &&
-           trimmed.empty() && changed.empty();
+           trimmed.empty() && changed.empty() && moves.empty();
   }
 };
 

@@ -39,7 +39,7 @@ std::string wordOf(bool flag)
   return flag ? "yes" : "no";
 }
 
-/// Adds the remarks on what a list of the project's shots is not, and on reels without shots, which it cannot contain.
+/// Adds warnings: what the list of the project's shots does not contain, among that the reels without shots.
 Written listFrom(lists::Written written, const ProjectContent& content)
 {
   Written result{std::move(written.text), written.clips, {}, std::move(written.leftOut)};

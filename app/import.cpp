@@ -16,6 +16,7 @@
 #include "app/kept_events.h"
 #include "app/list_choice.h"
 #include "app/list_versions.h"
+#include "app/project_names.h"
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -79,17 +80,26 @@ KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, 
 
 class Importer {
 public:
-  /// Reads the reels and the shots of the project.
-  Importer(Session& session, std::size_t clips, const Progress& progress, const Replacing& replacing)
-      : manager_(session.manager()), clips_(clips), progress_(progress), replacing_(replacing), rate_(projectRate())
+  /// Reads the names of the project and of the lists, and moves the shots that get another reel by them.
+  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing)
+      : manager_(session.manager()), progress_(progress), replacing_(replacing), rate_(projectRate()), names_(session)
   {
+    for (const ListFile& file : files) {
+      clips_ += file.list.clips.size();
+      for (const lists::Clip& clip : file.list.clips)
+        names_.add(clip);
+    }
+    names_.settle();
+    moves_ = names_.moveShots();
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
-    for (const Cookie& log : reelhost::allShots())
-      shots_.emplace(shotKey(shotFrom(reelhost::materialOf(log))), reelhost::logNumber(log));
+    for (const KnownShot& known : names_.shots())
+      shots_.emplace(shotKey(known.shot), reelhost::logNumber(known.log));
   }
+
+  const std::vector<ReelMove>& moves() const { return moves_; }
 
   ImportedList import(ListFile file)
   {
@@ -100,16 +110,19 @@ public:
       result.created.push_back(id);
     });
     const reelhost::Digest digest = reelhost::digestOf(file.bytes);
-    const KeptVersion before = keptVersionOf(file, digest, replacing_);
+    KeptVersion before = keptVersionOf(file, digest, replacing_);
+    for (Shot& clip : before.clips)
+      clip.reel = names_.find(clip).reel;
     if (before.list.number == 0)
       noteEarlier(file, result);
     const std::string name = fileNameOf(file);
     result.list = std::move(file.list);
-    const auto places = sameShots(before.clips, result.list.clips);
+    const std::vector<Shot> clips = namedClips(result);
+    const auto places = sameShots(before.clips, clips);
     std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
-    for (std::size_t i = 0; i < result.list.clips.size(); ++i) {
-      const lists::Clip& clip = result.list.clips[i];
+    for (std::size_t i = 0; i < clips.size(); ++i) {
+      const Shot& clip = clips[i];
       const std::int64_t known = places[i] ? before.shots[*places[i]] : 0;
       const std::string reel = known == 0 ? clip.reel : reelOf(known);
       const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
@@ -127,6 +140,10 @@ public:
     }
     if (reelhost::keepsLists())
       keep(name, digest, std::move(file.bytes), before, shots, result);
+    if (result.keeping == Keeping::NewVersion) {
+      result.difference = difference(before.clips, clips);
+      replacedShots_.insert(before.shots.begin(), before.shots.end());
+    }
     if (rate_)
       warnOfRate(result.list);
     result.clips = result.list.clips.size();
@@ -139,24 +156,57 @@ public:
   const std::set<std::int64_t>& replacedShots() const { return replacedShots_; }
 
 private:
+  /// The clips as the shots that they become, with the reels of their names, which the result gets.
+  std::vector<Shot> namedClips(ImportedList& result) const
+  {
+    std::vector<Shot> shots;
+    std::unordered_set<std::string> met;
+    for (const lists::Clip& clip : result.list.clips) {
+      NamedReel name = names_.find(clip);
+      shots.push_back(namedShot(clip, name.reel));
+      if (name.reel != name.name && base::sameName(name.reel, name.name))
+        noteSpelling(name, result);
+      if (met.insert(base::fold(name.name) + '\n' + name.sourceId).second)
+        result.names.push_back(std::move(name));
+    }
+    return shots;
+  }
+
+  static void noteSpelling(const NamedReel& name, ImportedList& result)
+  {
+    const auto same = [&](const lists::Spelling& known) { return known.reel == name.reel && known.other == name.name; };
+    std::vector<lists::Spelling>& spellings = result.list.spellings;
+    if (std::none_of(spellings.begin(), spellings.end(), same))
+      spellings.push_back({name.reel, name.name});
+  }
+
+  /// The shot of a clip that has the reel. It keeps the name that its list gave it, unless that is the same and whole.
+  static Shot namedShot(const lists::Clip& clip, const std::string& reel)
+  {
+    Shot shot = clip;
+    const bool isSame = base::sameName(clip.reel, reel);
+    if (shot.ownName.empty() && (!isSame || clip.mayBeCut))
+      shot.ownName = clip.reel;
+    if (!isSame) // a shot keeps the spelling of its list
+      shot.reel = reel;
+    return shot;
+  }
+
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
 
-  /// Adds an existing reel, and its spelling if it differs, to the result. Returns whether the reel exists.
+  /// Adds an existing reel to the result. Returns whether the reel exists.
   bool noteReel(const std::string& id, ImportedList& result)
   {
     const auto found = reels_.find(base::fold(id));
     if (found == reels_.end())
       return false;
-    const std::string& spelling = found->second;
-    if (spelling != id)
-      result.list.spellings.push_back({spelling, id});
-    result.matched.push_back(spelling);
+    result.matched.push_back(found->second);
     return true;
   }
 
   /// Creates the clip's shot unless a shot with that key exists. Returns the number of the shot, and whether it was
   /// created.
-  std::pair<std::int64_t, bool> bringIn(const lists::Clip& clip, std::string key)
+  std::pair<std::int64_t, bool> bringIn(const Shot& clip, std::string key)
   {
     const auto [shot, isNew] = shots_.emplace(std::move(key), 0);
     if (isNew)
@@ -190,7 +240,7 @@ private:
     list.digest = digest;
     list.file = name;
     list.title = result.list.title;
-    list.format = formatWord(result.list.format);
+    list.format = lists::wordOf(result.list.format);
     for (std::size_t i = 0; i < shots.size(); ++i)
       list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
     for (const lists::Clip& clip : result.list.specialClips)
@@ -203,10 +253,6 @@ private:
       return;
     }
     result.keeping = list.number == 0 ? Keeping::New : Keeping::NewVersion;
-    if (result.keeping == Keeping::NewVersion) {
-      result.difference = difference(before.clips, result.list.clips);
-      replacedShots_.insert(before.shots.begin(), before.shots.end());
-    }
     result.keptAs = reelhost::keepList(std::move(list), std::move(bytes));
   }
 
@@ -228,10 +274,12 @@ private:
   }
 
   ReelDbManager& manager_;
-  std::size_t clips_, done_ = 0;
+  std::size_t clips_ = 0, done_ = 0;
   const Progress& progress_;
   const Replacing& replacing_;
   std::optional<lists::FrameRate> rate_; ///< of the project
+  ProjectNames names_;
+  std::vector<ReelMove> moves_;
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
   std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
@@ -275,12 +323,11 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
       requireKeepsLists();
     if (replacing.list && files.size() != 1)
       throw Error(ErrorKind::Invalid, "import: one list cannot be replaced by several files");
-    std::size_t clips = 0;
-    for (const ListFile& file : files)
-      clips += file.list.clips.size();
-    Importer importer(session, clips, progress, replacing);
+    Importer importer(session, files, progress, replacing);
     ImportReport report;
     report.dryRun = dryRun;
+    report.moves = importer.moves();
+    report.changes = !report.moves.empty();
     for (ListFile& file : files) {
       report.lists.push_back(importer.import(std::move(file)));
       const ImportedList& imported = report.lists.back();

@@ -13,6 +13,7 @@
 
 #include "app/list_files.h"
 #include "app/list_versions.h"
+#include "app/names.h"
 #include "app/progress.h"
 #include "app/session.h"
 
@@ -39,6 +40,7 @@ struct ImportedList {
   std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
   std::vector<std::string> created; ///< identifiers of the reels that were created, in order
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
+  std::vector<NamedReel> names;     ///< the names of its sources, each once, in the order of the list
   Keeping keeping = Keeping::NotKept;
   std::int64_t keptAs = 0;             ///< the number of the kept list; 0: it is not kept
   VersionDifference difference;        ///< of a new version from the version before
@@ -56,6 +58,7 @@ struct ImportReport {
   std::vector<std::string> remarks;      ///< why the new reels are doubtful; each "subject: fact (cause)"
   std::vector<std::string> reelsRemoved; ///< identifiers of reels that only replaced versions named
   std::vector<Shot> shotsRemoved;        ///< shots that only replaced versions used
+  std::vector<ReelMove> moves;           ///< shots of the project that the names of the lists gave another reel
 
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };
@@ -66,14 +69,15 @@ struct Replacing {
   std::optional<std::string> list = {}; ///< this one, as requireList reads it; for an import of one list
 };
 
-/// Reports every new clip to the host as imported material; the library creates the reels. Two shots are the same if
-/// reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the same shot is not added twice.
-/// The project keeps each list with its bytes and its events. A list whose bytes it keeps already is not kept twice,
-/// and its clips are the shots that they became then, whatever their reels are called now. A list that is replaced
-/// gives its place to the new version; clips that are in both keep their shots. Shots and reels that only the old
-/// version named, and that imports alone made and changed, are deleted. The import is one transaction. With @p dryRun
-/// nothing is stored, and the report contains what would be stored. If it throws Error, nothing is stored. REQUIRES: a
-/// session for writing, unless it is a dry run.
+/// Reports every new clip to the host as imported material; the library creates the reels. The reel of a clip follows
+/// from all names of the project and of the lists; shots of the project that get another reel by them are moved first.
+/// Two shots are the same if reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the
+/// same shot is not added twice. The project keeps each list with its bytes and its events. A list whose bytes it keeps
+/// already is not kept twice, and its clips are the shots that they became then, whatever their reels are called now. A
+/// list that is replaced gives its place to the new version; clips that are in both keep their shots. Shots and reels
+/// that only the old version named, and that imports alone made and changed, are deleted. The import is one
+/// transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it throws Error,
+/// nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
                          const Replacing& replacing = {});
 

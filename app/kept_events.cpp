@@ -71,15 +71,4 @@ lists::Clip clipFrom(const reelhost::ListEvent& event)
   return clip;
 }
 
-const char* formatWord(lists::Format format)
-{
-  switch (format) {
-  case lists::Format::Edl:
-    return "edl";
-  case lists::Format::Ale:
-    return "ale";
-  }
-  return "";
-}
-
 } // namespace reeldb::app

@@ -17,9 +17,6 @@ reelhost::ListEvent eventFrom(const lists::Clip& clip, std::int64_t shot);
 /// The clip that was kept as the event.
 lists::Clip clipFrom(const reelhost::ListEvent& event);
 
-/// "edl", "ale"
-const char* formatWord(lists::Format format);
-
 } // namespace reeldb::app
 
 #endif

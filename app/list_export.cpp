@@ -54,11 +54,14 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
   std::vector<Shot> events;
   for (const ListUse& use : found.events) {
     events.push_back(use.clip);
-    if (!use.reel.empty())
-      events.back().reel = use.reel;
+    if (use.reel.empty())
+      continue;
+    if (events.back().ownName.empty())
+      events.back().ownName = events.back().reel;
+    events.back().reel = use.reel;
   }
   const bool isLog =
-      form.format ? *form.format == lists::Format::Ale : found.list.format == formatWord(lists::Format::Ale);
+      form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);
   try {
     lists::Written written =
         isLog ? lists::writeAle(rateOf(session).rate, events)

@@ -9,6 +9,7 @@
 
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/project_names.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
@@ -57,6 +58,8 @@ std::string_view wordOf(Reason reason)
     return "alias";
   case Reason::OldName:
     return "old-name";
+  case Reason::Form:
+    return "form";
   }
   return "";
 }
@@ -158,6 +161,12 @@ NameMeaning whichReel(Session& session, const std::string& name)
 {
   return guarded([&] {
     NameMeaning meaning{name, knownNames(session).find(name), {}};
+    ProjectNames names(session);
+    names.add(name);
+    names.settle();
+    meaning.asList = names.find(name);
+    if (meaning.candidates.empty() && names.hasRecord(meaning.asList.reel))
+      meaning.candidates.push_back({meaning.asList.reel, true, {Reason::Form}});
     if (meaning.candidates.empty()) {
       const std::string subject = base::shortText(name);
       if (const std::string_view inLists = meaningInLists(name); !inLists.empty())

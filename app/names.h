@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "app/session.h"
+#include "lists/list.h"
+#include "lists/name_index.h"
 
 namespace reeldb::app {
 
@@ -22,15 +24,34 @@ enum class Reason {
   Cut,     ///< it is the identifier as cut by a list with names of 6, 8, 32 or 129 characters
   Alias,   ///< a list gave it as another name of the reel
   OldName, ///< it is a former name of the reel, or a former name as cut by a list
+  Form,    ///< it is another form of a name of the reel, such as with another ending
 };
 
-/// "exact", "case", "cut", "alias", "old-name"
+/// "exact", "case", "cut", "alias", "old-name", "form"
 std::string_view wordOf(Reason reason);
 
 struct Candidate {
   std::string reel;            ///< the identifier
   bool isThere = true;         ///< false: shots name the reel, but it has no record
   std::vector<Reason> reasons; ///< at least one, each once, the strongest first
+};
+
+/// A name that a list gives a source, and its reel in the project.
+struct NamedReel {
+  std::string name;
+  lists::NameEvidence evidence = lists::NameEvidence::ReelText; ///< where the list has the name
+  bool mayBeCut = false;                                        ///< whether it may be the beginning of a longer name
+  std::string sourceId;                                         ///< the list's id of the source
+  std::string reel;                                             ///< the identifier, as its record spells it
+  lists::Match match = lists::Match::Itself;                    ///< how the name leads to it
+  std::vector<std::string> perhaps;   ///< other reels that the name may mean; empty if its reel is clear
+  std::vector<std::string> clipNames; ///< clip names that go on behind a name that may be cut and is a reel of its own
+};
+
+/// Shots that a name's new meaning gave another reel.
+struct ReelMove {
+  std::string from, to; ///< identifiers
+  std::size_t shots = 0;
 };
 
 /// The names of the reels of a project. ASCII case matters only for the reason.
@@ -73,6 +94,7 @@ struct NameMeaning {
   std::string name;
   std::vector<Candidate> candidates; ///< at least one
   std::vector<std::int64_t> shots;   ///< the number of shots of each candidate
+  NamedReel asList = {};             ///< the reel that an import would take a list's name for
 };
 
 /// The reels that a name may mean. Throws Error (NotFound) if there is no such reel. The error lists reels of a similar

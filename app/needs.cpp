@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <map>
 #include <unordered_map>
+#include <unordered_set>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/project_names.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
@@ -41,14 +43,15 @@ public:
         reels_.try_emplace(base::fold(id), log);
   }
 
-  void addShot(const std::string& reelId)
+  /// Counts a shot of the reel. REQUIRES: the identifier is not empty.
+  Need& addShot(const std::string& reelId)
   {
-    if (reelId.empty())
-      return;
     const auto [found, first] = places_.emplace(base::fold(reelId), needs_.size());
     if (first)
       needs_.push_back(lookUp(reelId));
-    ++needs_[found->second].shots;
+    Need& need = needs_[found->second];
+    ++need.shots;
+    return need;
   }
   std::vector<Need> take() { return std::move(needs_); }
 
@@ -87,7 +90,8 @@ std::vector<Need> needsOfClips(Session& session, const std::vector<std::string>&
         if (!base::sameName(shot.clipName, name))
           continue;
         found = true;
-        needs.addShot(shot.reel);
+        if (!shot.reel.empty())
+          needs.addShot(shot.reel);
       }
       if (!found)
         throw Error(ErrorKind::NotFound, fmt::format("{}: no shot has this clip name", base::shortText(name)));
@@ -118,8 +122,17 @@ std::vector<Need> needsOfList(Session& session, const lists::List& list)
 {
   return guarded([&] {
     Needs needs(session);
+    ProjectNames names(session);
     for (const lists::Clip& clip : list.clips)
-      needs.addShot(clip.reel);
+      names.add(clip);
+    names.settle();
+    std::unordered_set<std::string> met;
+    for (const lists::Clip& clip : list.clips) {
+      NamedReel name = names.find(clip);
+      Need& need = needs.addShot(name.reel);
+      if (met.insert(base::fold(name.name) + '\n' + name.sourceId).second)
+        need.names.push_back(std::move(name));
+    }
     return needs.take();
   });
 }

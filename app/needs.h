@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "app/names.h"
 #include "app/reels.h"
 #include "app/session.h"
 #include "lists/list.h"
@@ -22,6 +23,7 @@ struct Need {
   std::int64_t shots = 0;
   std::optional<Reel> reel;          ///< empty: there is no record
   std::vector<std::string> troubles; ///< why it cannot be used: "missing", "unavailable", "unknown type"
+  std::vector<NamedReel> names = {}; ///< of a list: its names for this reel
 
   std::string state() const; ///< the troubles, or "ready"
 };

@@ -32,11 +32,11 @@ bool isListedType(const std::string& type);
 /// characters, that is blank or too long, or that denotes generated material. Reads no project.
 std::string checkedReelName(const std::string& asked);
 
-/// Adds a remark on a type that the catalogue does not list. No remark on the empty type.
+/// Adds a warning about a type that the catalogue does not list. The empty type gets none.
 void remarkOnUnlistedType(const std::string& type, std::vector<std::string>& remarks);
 
-/// Adds a remark on an identifier that cut lists use for something that is not a reel: no import can refer to this reel
-/// by it.
+/// Adds a warning about an identifier that cut lists use for something that is not a reel: no import can refer to this
+/// reel by it.
 void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remarks);
 
 /// The names similar to @p meant: they have the same letters and digits in the same order, ignoring case (also that of

@@ -41,6 +41,9 @@ reelhost::Material materialFrom(const Shot& shot)
   material.audioChannels = shot.audioChannels;
   material.frameRate = shot.frameRate;
   material.dropFrame = shot.dropFrame;
+  material.ownName = shot.ownName;
+  material.mayBeCut = shot.mayBeCut;
+  material.sourceId = shot.sourceId;
   return material;
 }
 
@@ -54,6 +57,9 @@ Shot shotFrom(const reelhost::Material& material)
   shot.audioChannels = material.audioChannels;
   shot.frameRate = material.frameRate;
   shot.dropFrame = material.dropFrame;
+  shot.ownName = material.ownName;
+  shot.mayBeCut = material.mayBeCut;
+  shot.sourceId = material.sourceId;
   return shot;
 }
 

@@ -164,8 +164,8 @@ void checkEvent(const std::string& subject, const EventState& event)
   const lists::Clip& clip = event.clip;
   for (const std::string* text :
        {&clip.reel, &clip.clipName, &clip.sourceFile, &clip.tracks, &clip.sourceIn, &clip.sourceOut, &clip.recordIn,
-        &clip.recordOut, &clip.frameRate, &clip.special, &clip.event.number, &clip.event.reelText,
-        &clip.event.transition, &clip.event.duration})
+        &clip.recordOut, &clip.frameRate, &clip.ownName, &clip.sourceId, &clip.special, &clip.event.number,
+        &clip.event.reelText, &clip.event.transition, &clip.event.duration})
     withoutNul(subject, *text);
   for (const std::string& alias : clip.aliases)
     withoutNul(subject, alias);

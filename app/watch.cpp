@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <map>
+#include <set>
 #include <unordered_map>
 #include <utility>
 
@@ -26,19 +27,14 @@ namespace {
 
 using What = ReelEvent::What;
 
-/// A state of the project: its newest revision.
-struct Position {
-  std::int64_t revision = 0;
-  std::array<unsigned char, 16> token{};
-};
-
 bool isReel(const std::optional<reelhost::StoredLog>& log)
 {
   return log && log->type == codes::reelLog;
 }
 
 /// The revisions after @p last, the oldest first. Empty if the history does not hold all of them.
-std::optional<std::vector<reelhost::Revision>> revisionsAfter(reelhost::History& history, const Position& last)
+std::optional<std::vector<reelhost::Revision>> revisionsAfter(reelhost::History& history,
+                                                              const reelhost::FeedPosition& last)
 {
   std::vector<reelhost::Revision> revisions;
   bool isKnown = false;
@@ -96,7 +92,7 @@ public:
     reelhost::History* const history = reelhost::projectStoreToRead().history();
     if (!history)
       throw Error(ErrorKind::Refused, "watch: this project keeps no history");
-    Position position{revision, {}};
+    reelhost::FeedPosition position{revision, {}};
     std::int64_t oldest = 0, newest = 0;
     history->readRevisions([&](reelhost::Revision&& known) {
       if (known.number == revision)
@@ -203,6 +199,8 @@ private:
   {
     const bool was = isReel(change.before) || (change.forgotten && ids_.count(change.number) != 0);
     const bool is = isReel(change.after);
+    if (!was && !is)
+      return;
     const std::string id = is ? idOf(*change.after) : std::string();
     const std::string before = isReel(change.before) ? idOf(*change.before) : ids_[change.number];
     if (was && !is) {
@@ -220,7 +218,7 @@ private:
     setId(change.number, is ? &id : nullptr);
   }
 
-  /// Notes which reels have another number of shots; returns the numbers before.
+  /// Counts the shot for its reels, and notes in @p before how many shots they had before the commit.
   void takeShot(WatchedCommit& commit, const reelhost::LogChange& change, Counts& before)
   {
     const bool was = change.before && !isReel(change.before), is = change.after && !isReel(change.after);
@@ -276,9 +274,9 @@ private:
     const Counts shots = std::exchange(shots_, {});
     read();
     WatchedCommit commit;
-    std::map<std::int64_t, bool> changed;
+    std::set<std::int64_t> changed;
     for (const Cookie& log : changes.changedReels)
-      changed[logOf(text(ReelDbRec(log).reelId()))] = true;
+      changed.insert(logOf(text(ReelDbRec(log).reelId())));
     for (const auto& [log, id] : ids)
       if (ids_.count(log) == 0)
         report(commit, log, What::Gone, id);
@@ -317,7 +315,7 @@ private:
   std::map<std::int64_t, std::string> ids_;
   std::unordered_map<std::string, std::int64_t> byId_; ///< folded identifiers
   Counts shots_;                                       ///< likewise
-  Position last_;                                      ///< what was reported last
+  reelhost::FeedPosition last_;                        ///< what was reported last
 };
 
 Watcher::Watcher(Session& session, const std::optional<std::string>& reel, Listener listener)

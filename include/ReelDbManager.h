@@ -14,6 +14,10 @@
 #include "host/events.h"
 #include "host/lwstring.h"
 
+// The virtual functions are those of ProjectListener, and nobody deletes a manager.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"
+
 /// The reels of the open project. The manager keeps only the Cookies of the reel logs. Every lookup opens logs in list
 /// order until one matches, so its cost grows with the number of reels.
 ///
@@ -143,8 +147,8 @@ public:
   /// The reels that the shots name, one entry per shot, in the order of the shots. A shot that names no reel, or a reel
   /// that does not exist, has no entry.
   CookieVec getReelsReferenced(const CookieVec& shots);
-  /// Appends every shot recorded from the reel and prints a line for each. The case of ASCII letters is ignored. Does
-  /// nothing for an invalid Cookie or without a database.
+  /// Appends every shot recorded from the reel and prints a line for each. The case of letters is ignored as in
+  /// lookups. Does nothing for an invalid Cookie or without a database.
   void addShotsFromReel(Cookie reel, CookieVec& out);
   /// The logs to delete when the user deletes @p selection: each selected reel that is not in use, followed by its
   /// shots. A shot is not in the result merely because it is selected. Prints a line for each shot and for each reel
@@ -177,5 +181,7 @@ public:
 
   /// @}
 };
+
+#pragma GCC diagnostic pop
 
 #endif

@@ -14,6 +14,7 @@
 #include "lists/collector.h"
 #include "lists/frame_rate.h"
 #include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
 #include "lists/tracks.h"
@@ -135,6 +136,14 @@ std::string asWritten(const Cells& cells, Column column)
   if (separator != std::string::npos && cells[ColonsAsWritten].find(columnTitles[column]) != std::string_view::npos)
     timecode[separator] = ':';
   return timecode;
+}
+
+/// The name of a row's source. A log has no reel field, so no name of it is cut.
+OwnName ownNameOf(const std::string& tape, const Clip& clip)
+{
+  if (isAuxiliary(tape) || tape.empty())
+    return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
+  return {tape};
 }
 
 /// Whether the line is the name of the section, without any other text.
@@ -423,16 +432,16 @@ void Reader::row(int number, std::string_view line)
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
   clip.event.reelText = tape;
-  clip.reel = !tape.empty() && !isAuxiliary(tape) ? tape : clip.sourceFile;
-  if (clip.reel.empty() && isAuxiliary(tape))
-    clip.reel = clip.clipName;
-  if (isAuxiliary(clip.reel) || (clip.reel.empty() && isAuxiliary(tape))) {
-    clip.reel = isAuxiliary(tape) ? tape : clip.reel;
-    return collector_.special(std::move(clip), "AX without a clip name or source file");
-  }
-  if (clip.reel.empty()) {
+  const OwnName name = ownNameOf(tape, clip);
+  clip.evidence = name.evidence;
+  clip.reel = name.name;
+  if (tape.empty() && clip.sourceFile.empty()) {
     clip.reel = clip.clipName;
     return collector_.special(std::move(clip), noSourceReason);
+  }
+  if (clip.reel.empty()) {
+    clip.reel = isAuxiliary(tape) ? tape : clip.sourceFile;
+    return collector_.special(std::move(clip), "AX without a clip name or source file");
   }
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)

@@ -9,10 +9,22 @@
 
 namespace reeldb::lists {
 
+std::string_view wordOf(Format format)
+{
+  switch (format) {
+  case Format::Edl:
+    return "edl";
+  case Format::Ale:
+    return "ale";
+  }
+  return "";
+}
+
 std::optional<Format> detectText(std::string_view text)
 {
   bool first = true;
-  bool emptyCut = false;
+  bool emptyCut = false; // nothing but notes, and numbers of events below a title
+  bool titled = false;
   Lines lines(text);
   for (std::string_view line; lines.next(line);) {
     const std::string_view trimmed = trim(line);
@@ -23,9 +35,9 @@ std::optional<Format> detectText(std::string_view text)
     if (base::startsWithName(trimmed, "FCM:") || (beginsLikeEvent(trimmed) && countTimecodes(trimmed) >= 2))
       return Format::Edl;
     if (first)
-      emptyCut = base::startsWithName(trimmed, "TITLE:");
-    else
-      emptyCut = emptyCut && (isNote(trimmed) || beginsLikeEvent(trimmed));
+      titled = base::startsWithName(trimmed, "TITLE:");
+    const bool isNoteLine = isNote(trimmed) || isMarker(trimmed);
+    emptyCut = (first || emptyCut) && ((first && titled) || isNoteLine || (titled && beginsLikeEvent(trimmed)));
     first = false;
   }
   if (emptyCut)

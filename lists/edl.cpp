@@ -16,7 +16,9 @@
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
 #include "lists/frame_rate.h"
+#include "lists/name_forms.h"
 #include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/source_table.h"
 #include "lists/speed.h"
 #include "lists/text.h"
@@ -29,6 +31,7 @@ namespace {
 constexpr std::array<std::string_view, 6> silentStatements = {
     "AUD", "SPLIT", "GPI", "DLEDL", "REM", "EFFECTS NAME IS",
 };
+constexpr std::size_t umidDigits = 64; ///< of a whole one
 constexpr std::string_view speedWord = "M2";
 constexpr std::string_view titleWord = "TITLE";
 constexpr std::string_view frameCodeModeWord = "FCM";
@@ -54,11 +57,15 @@ bool takeStatement(std::string_view& line, std::string_view statement)
   return true;
 }
 
-/// What a reel text means, according to the list's own map, its replaced reels and its source table.
+/// What a reel text means, according to the list's own map, its source table and its replaced reels.
 struct Known {
-  std::string identifier;           ///< the reel; empty: the reel text itself
-  bool mapped = false;              ///< the map gives the identifier: outside this list the reel text is not a name
-  bool settled = false;             ///< neither a REEL note nor anything else may change it
+  bool isMapped = false;            ///< outside this list the reel text is not a name
+  std::string mapped;               ///< the only reel of the map; empty without one
+  std::string replaced;             ///< the only reel that the text replaces; empty without one
+  std::vector<SourceRow> rows;      ///< of the source table
+  std::string rowName;              ///< the longer name that all of them agree on; empty without one
+  bool isSecondName = false;        ///< whether that is the second name of a row
+  std::string rowSourceFile;        ///< the source file noted below all of them; empty without one
   std::vector<std::string> aliases; ///< the other names in its rows
   std::vector<std::string> ids;     ///< the source ids in its rows
   std::vector<std::string> fits;    ///< its possible meanings if it is ambiguous, else empty
@@ -103,6 +110,7 @@ std::string knownRate(std::string_view text)
 
 class Reader {
 public:
+  explicit Reader(const ReadOptions& options) : options_(options) {}
   List read(std::string_view text);
 
 private:
@@ -123,15 +131,28 @@ private:
   /// The clip of an event line, without its reel and its other names.
   Clip clipOf(const EventSource& source, Digits digits) const;
   Known& lookUp(const std::string& reel);
+  void lookUpRows(const std::string& reel, Known& known);
   /// Sets the reel that a name stands for. If there are several, sets them all as fits, with the reason.
-  static void settle(Known& known, const std::vector<std::string>& originals, std::string_view reason);
+  static void settle(Known& known, std::string& reel, const std::vector<std::string>& originals,
+                     std::string_view reason);
+  /// The names of the event's source, the best first, by what is known of its reel text.
+  std::vector<OwnName> namesOf(const EventSource& source, const std::string& reel, const Known& known) const;
+  /// The id of the source with that name; empty if the table does not give exactly one.
+  static std::string sourceIdOf(const Known& known, const std::string& name);
+  /// Removes the names that belong to a source with another id, as long as a name is left.
+  void keepOwn(std::vector<OwnName>& names, const std::string& sourceId);
+  void noteLongerFile(const EventSource& source, const std::string& reel);
   void reportAmbiguous(Known& known, const std::string& reel);
   void noteIds(const std::string& identifier, const std::vector<std::string>& ids);
   void reportSharedNames();
+  /// Reports a list whose clips all have one reel text: some programs write one for want of a name.
+  void reportOneText();
 
+  ReadOptions options_;
   Collector collector_{Format::Edl};
   bool inEvents_ = false; ///< whether an event line was found, good or bad
   EdlEvent event_;        ///< the event that notes belong to
+  bool inRow_ = false;    ///< whether notes belong to the last row of the source table
   NoteJoiner notes_;
   std::vector<FrameCodeMode> modes_; ///< in the order of their lines
   std::string frameRate_;            ///< that a note before the events gives all of them; empty without one
@@ -144,8 +165,11 @@ private:
 
   std::unordered_map<std::string, std::vector<std::string>> map_;     ///< folded name: its meanings by REEL MAP
   std::unordered_map<std::string, Known> known_;                      ///< folded reel text: its meaning
+  std::unordered_map<std::string, std::string> idOf_;                 ///< folded name: the id of its source
   std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier: the index in ids_
   std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
+  std::unordered_map<std::string, std::size_t> longerFilesOf_;        ///< folded reel text: the index in longerFiles_
+  std::vector<Ambiguous> longerFiles_; ///< the source files that go on behind reel texts that are not cut
 };
 
 List Reader::read(std::string_view text)
@@ -181,6 +205,12 @@ List Reader::read(std::string_view text)
     part_ += rejected.size() == rejectedBefore ? 1 : 0;
   }
   reportSharedNames();
+  reportOneText();
+  for (Ambiguous& files : longerFiles_)
+    if (files.names.size() > 1) {
+      files.reel = collector_.spelling(files.reel);
+      collector_.list().ambiguous.push_back(std::move(files));
+    }
   return collector_.finish();
 }
 
@@ -205,6 +235,9 @@ void Reader::line(int number, std::string_view line)
     return;
   } else if (countTimecodes(text) >= 4) {
     collector_.reject(number, text, "no event number");
+  } else if (isMarker(text)) {
+    ++tally.notes;
+    ++tally.ignored;
   } else if (inEvents_) {
     collector_.reject(number, text, "not an event, a note or a known statement");
   } else {
@@ -224,6 +257,7 @@ void Reader::event(int number, std::string_view line)
   }
   if (!event_.takes(fields))
     closeEvent();
+  inRow_ = false;
   event_.add(number, line, fields);
 }
 
@@ -236,8 +270,11 @@ void Reader::takeNote(std::optional<Note> note)
   } else if (note->kind == NoteKind::FrameRate && !inEvents_) {
     frameRate_ = knownRate(note->value);
   } else {
-    collector_.list().tally.ignored += event_.empty() || note->kind == NoteKind::Other ? 1 : 0;
-    if (!event_.empty())
+    const bool isOfRow = event_.empty() && inRow_ && note->kind == NoteKind::SourceFile;
+    collector_.list().tally.ignored += (event_.empty() && !isOfRow) || note->kind == NoteKind::Other ? 1 : 0;
+    if (isOfRow)
+      table_.noteSourceFile(std::move(note->value));
+    else if (!event_.empty())
       event_.note(std::move(*note));
   }
 }
@@ -285,11 +322,13 @@ bool Reader::statement(int number, std::string_view line)
   if (!takeStatement(rest, sourceWord))
     return false;
   closeEvent(); // notes below a row belong to the row
+  inRow_ = false;
   if (std::string fault = table_.add(rest); !fault.empty()) {
     collector_.reject(number, line, std::move(fault));
     return true;
   }
   tableRows_.push_back({number, line, &counter});
+  inRow_ = true;
   ++counter;
   return true;
 }
@@ -358,29 +397,39 @@ Known& Reader::lookUp(const std::string& reel)
   if (!isNew)
     return known;
   if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
-    known.mapped = known.settled = true;
+    known.isMapped = true;
     known.ids = table_.find(reel).ids;
-    settle(known, mapped->second, "the map of the list gives the name to several reels");
+    settle(known, known.mapped, mapped->second, "the map of the list gives the name to several reels");
     return known;
   }
-  if (SourceMatch match = table_.find(reel); match.found) {
-    known.settled = true;
-    known.identifier = std::move(match.identifier);
-    known.ids = std::move(match.ids);
-    known.fits = std::move(match.fits);
-    known.reason = "the name is cut and fits several sources of the list";
-    if (known.fits.empty())
-      known.aliases = std::move(match.names);
-    return known;
-  }
-  if (const auto replaced = replaced_.find(base::fold(reel)); replaced != replaced_.end()) {
-    known.settled = true;
-    settle(known, replaced->second, "the name replaces several reels of the list");
-  }
+  lookUpRows(reel, known);
+  if (const auto replaced = replaced_.find(base::fold(reel)); known.rows.empty() && replaced != replaced_.end())
+    settle(known, known.replaced, replaced->second, "the name replaces several reels of the list");
   return known;
 }
 
-void Reader::settle(Known& known, const std::vector<std::string>& originals, std::string_view reason)
+void Reader::lookUpRows(const std::string& reel, Known& known)
+{
+  SourceMatch match = table_.find(reel);
+  if (!match.found)
+    return;
+  known.rows = std::move(match.rows);
+  known.ids = std::move(match.ids);
+  known.fits = std::move(match.fits);
+  known.reason = "the name is cut and fits several sources of the list";
+  if (known.fits.empty())
+    known.aliases = std::move(match.names);
+  const SourceRow& first = known.rows.front();
+  const auto all = [&](auto isEqual) { return std::all_of(known.rows.begin(), known.rows.end(), isEqual); };
+  if (all([&](const SourceRow& row) { return base::sameName(row.longer, first.longer); })) {
+    known.rowName = first.longer;
+    known.isSecondName = first.isSecond;
+  }
+  if (all([&](const SourceRow& row) { return base::sameName(row.sourceFile, first.sourceFile); }))
+    known.rowSourceFile = first.sourceFile;
+}
+
+void Reader::settle(Known& known, std::string& reel, const std::vector<std::string>& originals, std::string_view reason)
 {
   std::unordered_set<std::string> seen;
   for (const std::string& original : originals) {
@@ -389,9 +438,86 @@ void Reader::settle(Known& known, const std::vector<std::string>& originals, std
   }
   known.reason = reason;
   if (known.fits.size() == 1) {
-    known.identifier = known.fits.front();
+    reel = known.fits.front();
     known.fits.clear();
   }
+}
+
+std::vector<OwnName> Reader::namesOf(const EventSource& source, const std::string& reel, const Known& known) const
+{
+  if (known.isMapped && !known.mapped.empty())
+    return {{known.mapped, NameEvidence::ReelMap}};
+  if (known.isMapped)
+    return {{reel, NameEvidence::ReelText}};
+  NameTexts texts;
+  texts.reel = reel;
+  texts.field = reelField_;
+  texts.sourceFile = source.sourceFile;
+  texts.rowSourceFile = known.rowSourceFile;
+  texts.rowName = known.rowName;
+  texts.rowField = known.isSecondName ? rowNameField : reelField_;
+  texts.replacedReel = known.replaced;
+  texts.reelNote = source.reelNote;
+  texts.clipName = source.clipName;
+  texts.anyClipName = options_.clipNames;
+  return ownNames(texts);
+}
+
+std::string Reader::sourceIdOf(const Known& known, const std::string& name)
+{
+  const auto only = [&](auto isFit) {
+    std::string id;
+    for (const SourceRow& row : known.rows) {
+      if (!isFit(row))
+        continue;
+      if (row.id.empty() || (!id.empty() && !base::sameName(id, row.id)))
+        return std::string();
+      id = row.id;
+    }
+    return id;
+  };
+  const std::string id = only([](const SourceRow&) { return true; });
+  if (!id.empty())
+    return id;
+  return only([&](const SourceRow& row) {
+    return isSameName(name, row.longer) || isSameName(name, row.sourceFile) ||
+           (row.isSecond && isShortForm(row.longer, fillsField(row.longer, rowNameField), name));
+  });
+}
+
+void Reader::keepOwn(std::vector<OwnName>& names, const std::string& sourceId)
+{
+  if (sourceId.empty())
+    return;
+  const auto isFree = [&](const OwnName& name) {
+    const auto owner = idOf_.find(base::fold(name.name));
+    return owner == idOf_.end() || base::sameName(owner->second, sourceId);
+  };
+  const auto free = std::find_if(names.begin(), names.end(), isFree);
+  if (free == names.end() || free == names.begin()) {
+    idOf_.try_emplace(base::fold(names.front().name), sourceId);
+    return;
+  }
+  const std::string taken = names.front().name;
+  names.erase(names.begin(), free);
+  if (idOf_.try_emplace(base::fold(names.front().name), sourceId).second)
+    collector_.list().ambiguous.push_back({taken,
+                                           "several sources of the list have the name",
+                                           {taken, names.front().name},
+                                           {idOf_.at(base::fold(taken)), sourceId}});
+}
+
+void Reader::noteLongerFile(const EventSource& source, const std::string& reel)
+{
+  const std::string_view file = fileName(source.sourceFile);
+  if (fillsField(reel, reelField_) || isShortForm(reel, false, file) || !isCutForm(reel, file))
+    return;
+  const auto [entry, isNew] = longerFilesOf_.try_emplace(base::fold(reel), longerFiles_.size());
+  if (isNew)
+    longerFiles_.push_back({reel, "several source files go on behind the name", {}, {}});
+  std::vector<std::string>& files = longerFiles_[entry->second].names;
+  if (std::none_of(files.begin(), files.end(), [&](const std::string& each) { return isSameName(each, file); }))
+    files.emplace_back(file);
 }
 
 void Reader::decide(const EventSource& source, Digits digits)
@@ -404,35 +530,41 @@ void Reader::decide(const EventSource& source, Digits digits)
   Known& known = lookUp(reel);
   for (const std::string& id : known.ids)
     clip.event.sourceIds.push_back({std::string(isUmid(id) ? umidKind : tableKind), id});
-  if (!known.identifier.empty())
-    clip.reel = known.identifier;
-  else if (!known.settled && !source.reelNote.empty() && !isAuxiliary(source.reelNote))
-    clip.reel = source.reelNote;
-  const bool auxiliary = isAuxiliary(clip.reel);
+  std::vector<OwnName> names = namesOf(source, reel, known);
+  const bool auxiliary = isAuxiliary(names.front().name);
   if (auxiliary) {
-    // A source file or a clip name AX does not identify the source either.
-    clip.reel = source.sourceFile.empty() || isAuxiliary(source.sourceFile) ? source.clipName : source.sourceFile;
-    if (clip.reel.empty() || isAuxiliary(clip.reel)) {
-      clip.reel = reel;
+    names = {ownNameWithoutTape(source.sourceFile, source.clipName)};
+    if (names.front().name.empty())
       return collector_.special(std::move(clip), "AX without a clip name or source file");
-    }
   }
+  clip.sourceId = auxiliary ? std::string() : sourceIdOf(known, names.front().name);
+  keepOwn(names, clip.sourceId);
+  if (!isUmid(clip.sourceId) || clip.sourceId.size() < umidDigits)
+    clip.sourceId.clear(); // it counts only within this list
+  clip.reel = names.front().name;
+  clip.evidence = names.front().evidence;
+  clip.mayBeCut = names.front().mayBeCut;
+  clip.ownName = names.front().file;
+  noteLongerFile(source, reel);
 
   clip.aliases = known.aliases;
   clip.aliases.insert(clip.aliases.end(), source.alsoCalled.begin(), source.alsoCalled.end());
-  const std::string unmapped = known.mapped ? std::string() : reel;
-  for (const std::string* name : {&unmapped, &source.reelNote, &source.otherReel, &source.sourceFile})
+  const std::string unmapped = known.isMapped ? std::string() : reel;
+  for (const std::string* name :
+       {&unmapped, &source.reelNote, &source.otherReel, &source.sourceFile, &std::as_const(known).rowSourceFile})
     clip.aliases.push_back(*name);
   if (const FrameCodeMode* const mode = modeOf(source.line); mode && mode->dropFrame)
     collector_.dropFrame(mode->line, mode->text);
 
   const std::string identifier = clip.reel;
+  const bool isReelText = clip.evidence == NameEvidence::ReelText;
+  const bool hasId = !clip.sourceId.empty();
   if (!collector_.clip(std::move(clip), source.text) || auxiliary)
     return;
-  reportAmbiguous(known, reel);
-  if (known.fits.empty() && !known.noted)
+  if (isReelText)
+    reportAmbiguous(known, reel);
+  if (known.fits.empty() && !hasId && !std::exchange(known.noted, true))
     noteIds(identifier, known.ids);
-  known.noted = true;
 }
 
 Clip Reader::clipOf(const EventSource& source, Digits digits) const
@@ -499,11 +631,25 @@ void Reader::reportSharedNames()
   }
 }
 
+void Reader::reportOneText()
+{
+  constexpr std::size_t fewest = 3; // fewer clips are often of one reel
+  const std::vector<Clip>& clips = collector_.list().clips;
+  if (clips.size() < fewest || isAuxiliary(clips.front().event.reelText))
+    return;
+  const auto hasText = [&](const Clip& clip) {
+    return base::sameName(clip.event.reelText, clips.front().event.reelText) && clip.reel == clips.front().reel;
+  };
+  if (std::all_of(clips.begin(), clips.end(), hasText))
+    collector_.list().ambiguous.push_back(
+        {clips.front().reel, "all clips of the list have this reel; it may stand for several sources", {}, {}});
+}
+
 } // namespace
 
-List readEdl(std::string_view text)
+List readEdl(std::string_view text, const ReadOptions& options)
 {
-  return Reader().read(text);
+  return Reader(options).read(text);
 }
 
 } // namespace reeldb::lists

@@ -9,7 +9,7 @@
 namespace reeldb::lists {
 
 /// Reads decoded text as a cut list; never throws for what it holds.
-List readEdl(std::string_view text);
+List readEdl(std::string_view text, const ReadOptions& options = {});
 
 } // namespace reeldb::lists
 

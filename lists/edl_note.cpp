@@ -14,6 +14,9 @@ namespace {
 /// Programs that wrap notes fill up to 80 columns.
 constexpr std::size_t wrapColumn = 80;
 
+/// Other programs wrap names, whatever stands before them.
+constexpr std::size_t wrappedName = 63;
+
 /// A line of fewer columns was ended on purpose, however long the first word of the next line is.
 constexpr std::size_t leastWrapped = 60;
 
@@ -138,6 +141,17 @@ bool isNote(std::string_view line)
   return trimLeft(line).starts_with('*');
 }
 
+bool isMarker(std::string_view line)
+{
+  line = trim(line);
+  if (base::startsWithName(line, "LOC:") || (!line.empty() && line.find_first_not_of('-') == std::string_view::npos))
+    return true;
+  for (std::size_t bar = line.find('|'); bar != std::string_view::npos; bar = line.find('|', bar + 1))
+    if (bar + 2 < line.size() && isLetter(line[bar + 1]) && line[bar + 2] == ':')
+      return true;
+  return false;
+}
+
 bool reportsProblem(std::string_view line)
 {
   return base::startsWithName(trim(afterStar(line)), "PROBLEM WITH EDIT");
@@ -146,19 +160,27 @@ bool reportsProblem(std::string_view line)
 std::optional<Note> NoteJoiner::line(std::string_view line)
 {
   const std::string_view text = afterStar(line);
-  const std::size_t width = length(line);
-  if (continues(text)) {
-    // A full line may be cut in the middle of a word. A shorter one ends with a word, and the blank behind it was
-    // dropped.
-    if (width_ != wrapColumn && !open_->empty() && !isBlank(open_->back()))
-      *open_ += ' ';
-    *open_ += text.substr(1);
-    width_ = width;
-    return std::nullopt;
+  const bool goesOn = continues(text);
+  std::optional<Note> complete;
+  if (!goesOn) {
+    complete = flush();
+    open_.emplace();
+  } else if (!isCut_ && !open_->empty() && !isBlank(open_->back())) {
+    *open_ += ' '; // the line above ends with a word, and the blank behind it was dropped
   }
-  std::optional<Note> complete = flush();
-  open_ = std::string(text);
-  width_ = width;
+  width_ = length(line);
+  std::string_view part = goesOn ? text.substr(1) : text;
+  const std::size_t colon = goesOn ? 0 : text.find(':');
+  isCut_ = width_ == wrapColumn;
+  if (colon != std::string_view::npos) {
+    const std::string_view name = goesOn ? part : trimLeft(text.substr(colon + 1));
+    const std::string_view full = beginning(name, wrappedName);
+    if (length(full) == wrappedName && trim(name.substr(full.size())).empty()) {
+      part.remove_suffix(name.size() - full.size());
+      isCut_ = true;
+    }
+  }
+  *open_ += part;
   return complete;
 }
 

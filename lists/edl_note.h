@@ -43,7 +43,12 @@ bool isNote(std::string_view line);
 /// Whether the note says that the program that wrote the list had a problem with the event: PROBLEM WITH EDIT.
 bool reportsProblem(std::string_view line);
 
-/// Joins notes that were wrapped at column 80, in the middle of a word or between two words.
+/// Whether the line is a marker of an event, without a star: it has a field such as "|C:" or "|M:", begins with "LOC:",
+/// or is a rule of hyphens between markers.
+bool isMarker(std::string_view line);
+
+/// Joins notes that were wrapped at column 80 or behind 63 characters of a name, in the middle of a word or between two
+/// words.
 ///
 /// A line of 60 columns or more goes on in the next line if that starts with "* ", opens no note of its own, and its
 /// first word would not have fitted into 80 columns. If the word had fitted, the writer would not have wrapped the
@@ -60,6 +65,7 @@ private:
 
   std::optional<std::string> open_; ///< the text after the star, with its outer blanks
   std::size_t width_ = 0;           ///< the length of its last line, in characters
+  bool isCut_ = false;              ///< whether its last line was cut, so that the next one goes on without a blank
 };
 
 } // namespace reeldb::lists

@@ -23,6 +23,23 @@ public:
 
 enum class Format { Edl, Ale };
 
+/// "edl", "ale"
+std::string_view wordOf(Format format);
+
+/// The place of a list that gives the name of a clip's source.
+enum class NameEvidence {
+  ReelMap,      ///< the list's own map
+  SourceFile,   ///< the source file of the clip, or the one noted in the source table
+  SourceTable,  ///< the longer name in the source table
+  ReplacedReel, ///< the statement that a reel was replaced
+  ReelNote,     ///< the REEL note
+  ClipName,
+  ReelText, ///< the text in the place of the reel: the event's, or the tape of the row
+};
+
+/// "reel-map", "source-file", "source-table", "replaced-reel", "reel-note", "clip-name", "reel"
+std::string_view wordOf(NameEvidence evidence);
+
 /// The kinds of source ids.
 inline constexpr std::string_view umidKind = "umid";          ///< a UMID, the same in every list
 inline constexpr std::string_view tableKind = "source table"; ///< any other id in the source table of a cut list
@@ -79,6 +96,11 @@ struct Clip {
   int audioChannels = 0;
   Event event;
   std::string special; ///< why the clip has no source, and `reel` is not a reel: "black"; empty if it has one
+  std::string ownName; ///< the name that its list gives its source, if that is not its reel: for a reel text without
+                       ///< the ending of its file the file, for a shot whatever its list said; else empty
+  NameEvidence evidence = NameEvidence::ReelText; ///< where the name of its source stands
+  bool mayBeCut = false;                          ///< whether that name may be the beginning of a longer one
+  std::string sourceId; ///< the UMID of its source in the source table: it is the same in every list
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
@@ -138,7 +160,7 @@ struct Tally {
   int lines = 0;
   int blank = 0;
   int headers = 0;    ///< title, frame code mode and the like before the first event; headings, sections and columns
-  int notes = 0;      ///< lines with a star
+  int notes = 0;      ///< lines with a star, and markers without one
   int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like
   int ignored = 0;    ///< the number of notes and statements, of those above, that no clip keeps
 };
@@ -168,9 +190,14 @@ inline constexpr std::size_t nameBytes = 2047;
 /// mark, or Latin-1.
 std::optional<Format> detect(std::string_view bytes);
 
+/// How a list is read.
+struct ReadOptions {
+  bool clipNames = false; ///< whether a clip name that goes on behind the cut name of a reel is the name of its source
+};
+
 /// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file
 /// without the sections and columns that are needed to read any row. Time and space are linear in the size.
-List read(std::string_view bytes);
+List read(std::string_view bytes, const ReadOptions& options = {});
 
 /// The clips of the list, those without a source included, in the order of their lines.
 std::vector<Clip> eventsOf(const List& list);

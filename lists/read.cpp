@@ -62,13 +62,13 @@ std::optional<Format> detect(std::string_view bytes)
   return detectText(decode(bytes));
 }
 
-List read(std::string_view bytes)
+List read(std::string_view bytes, const ReadOptions& options)
 {
   const std::string text = decode(bytes);
   if (trim(text).empty())
     throw Error("holds no text");
   if (const std::optional<Format> format = detectText(text)) {
-    List list = format == Format::Edl ? readEdl(text) : readAle(text);
+    List list = format == Format::Edl ? readEdl(text, options) : readAle(text);
     warnOfEncoding(text, list);
     return list;
   }

@@ -196,6 +196,10 @@ SourceMatch SourceTable::find(const std::string& reel) const
     const std::size_t second = length(row.second);
     return first == second ? reel : first > second ? row.first : row.second;
   };
+  for (const std::size_t i : bucket->second) {
+    const Row& row = rows_[i];
+    match.rows.push_back({longer(row), length(row.second) > length(row.first), row.sourceFile, row.id});
+  }
   // Rows in which the reel text is the whole name come before rows in which it is the cut one.
   std::vector<const Row*> rows;
   for (std::size_t i : bucket->second) {

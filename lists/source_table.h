@@ -9,9 +9,18 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace reeldb::lists {
+
+/// One row for a reel text.
+struct SourceRow {
+  std::string longer;     ///< the longer of its names; with names of one length the reel text
+  bool isSecond = false;  ///< whether that is its second name
+  std::string sourceFile; ///< the source file noted below it; may be empty
+  std::string id;         ///< may be empty
+};
 
 /// The rows of the table for a reel text.
 struct SourceMatch {
@@ -20,6 +29,7 @@ struct SourceMatch {
   std::vector<std::string> names; ///< all names of the rows that fit, each once
   std::vector<std::string> ids;   ///< the ids of those rows, each once
   std::vector<std::string> fits;  ///< the different longer names if the rows that fit do not agree
+  std::vector<SourceRow> rows;    ///< all rows with the text as a name, in order
 };
 
 /// A row that cannot be used.
@@ -38,6 +48,9 @@ public:
   /// Takes the text behind ">>> SOURCE". Returns why it is not a row, or an empty text.
   std::string add(std::string_view row);
 
+  /// Notes the source file of the last row. REQUIRES: a row was added.
+  void noteSourceFile(std::string sourceFile) { rows_.back().sourceFile = std::move(sourceFile); }
+
   /// Splits the names of the rows and makes find() ready; rows whose names hold single blanks need to know which texts
   /// are reels of the list. To be called once, after the last add().
   ///
@@ -54,6 +67,7 @@ private:
     std::string names;         ///< before settle(): the text before the id
     std::string first, second; ///< equal if the row has one name
     std::string id;            ///< may be empty
+    std::string sourceFile;    ///< may be empty
     bool single = false;
   };
 

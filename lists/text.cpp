@@ -135,4 +135,12 @@ std::size_t length(std::string_view text)
       std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
+std::string_view beginning(std::string_view text, std::size_t characters)
+{
+  for (std::size_t at = 0; at < text.size(); ++at)
+    if ((static_cast<unsigned char>(text[at]) & 0xC0) != 0x80 && characters-- == 0)
+      return text.substr(0, at);
+  return text;
+}
+
 } // namespace reeldb::lists

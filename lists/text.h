@@ -58,6 +58,9 @@ std::string_view takeLast(std::string_view& text);
 /// The number of code points.
 std::size_t length(std::string_view text);
 
+/// The first @p characters code points of the text, or all of it.
+std::string_view beginning(std::string_view text, std::size_t characters);
+
 } // namespace reeldb::lists
 
 #endif

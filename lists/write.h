@@ -29,8 +29,8 @@ std::string writableText(const std::string& text);
 /// other clip becomes a cut with the next number. Throws Error if the field has fewer names than there are reels.
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);
 
-/// Writes a log file. A log has no events, so what they say of the cut is remarked on. The rate is that of the project,
-/// "25", "23.98"; the log has it unless all clips have another one.
+/// Writes a log file. A log has no events, so the result warns about what they say of the cut. The rate is that of the
+/// project, "25", "23.98"; the log has it unless all clips have another one.
 Written writeAle(const std::string& rate, const std::vector<Clip>& clips);
 
 } // namespace reeldb::lists

@@ -136,7 +136,7 @@ void addRow(std::string& text, const std::vector<OutColumn>& columns,
   text += "\n";
 }
 
-/// Remarks on what events say and a log cannot.
+/// Warns about what events say and a log cannot.
 void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
 {
   const auto remark = [&](const char* what, auto says) {

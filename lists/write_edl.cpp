@@ -9,6 +9,7 @@
 #include "base/ascii.h"
 #include "lists/edl_note.h"
 #include "lists/names.h"
+#include "lists/own_name.h"
 #include "lists/short_names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -39,9 +40,8 @@ bool staysAuxiliary(const Clip& clip)
 {
   if (!isAuxiliary(clip.event.reelText) || !clip.special.empty())
     return false;
-  const std::string& file =
-      saysNothing(clip.sourceFile) || isAuxiliary(clip.sourceFile) ? clip.clipName : clip.sourceFile;
-  return file == clip.reel && !saysNothing(file);
+  const auto written = [](const std::string& text) { return saysNothing(text) ? std::string() : text; };
+  return ownNameWithoutTape(written(clip.sourceFile), written(clip.clipName)).name == clip.reel;
 }
 
 /// Whether the clip needs a name for its reel.
@@ -173,11 +173,15 @@ public:
     if (!names)
       throw Error(std::to_string(reels.size()) + " reels: a reel field of " + std::to_string(reelField) +
                   " has fewer names");
+    std::size_t column = reelColumns();
     for (std::size_t i = 0; i < reels.size(); ++i) {
       names_[base::fold(reels[i])] = (*names)[i];
-      if ((*names)[i] != reels[i])
-        map_ += "* REEL MAP: " + (*names)[i] + " = " + reels[i] + "\n";
+      column = std::max(column, length((*names)[i]));
     }
+    const std::unordered_set<std::string> misread = misreadReels(paddedField(column));
+    for (std::size_t i = 0; i < reels.size(); ++i)
+      if ((*names)[i] != reels[i] || misread.contains(base::fold(reels[i])))
+        map_ += "* REEL MAP: " + (*names)[i] + " = " + reels[i] + "\n";
     if (std::any_of(clips.begin(), clips.end(), [](const Clip& clip) {
           return hasChannelNumber(clip.tracks) && isChannelField(clip, Digits::Number);
         }))
@@ -262,12 +266,40 @@ private:
     return staysAuxiliary(clip) ? std::string(auxiliary) : names_.at(base::fold(clip.reel));
   }
 
-  void line(const std::string& number, const Clip& clip, const Clip& first)
+  /// The least width of the column of reels.
+  std::size_t reelColumns() const
   {
     constexpr std::size_t wideField = 32;
+    return std::min(field_, wideField);
+  }
+
+  /// The folded reels that a reader would take for another: by the notes of an event, or because the name fills its
+  /// field.
+  std::unordered_set<std::string> misreadReels(std::size_t field) const
+  {
+    std::unordered_set<std::string> misread;
+    for (const Clip& clip : clips_) {
+      if (!needsName(clip))
+        continue;
+      const std::string& name = names_.at(base::fold(clip.reel));
+      NameTexts texts;
+      texts.reel = name;
+      texts.field = field;
+      texts.sourceFile = clip.sourceFile;
+      texts.clipName = clip.clipName;
+      const OwnName own = ownNames(texts).front();
+      const bool isOwn = clip.ownName.empty() || base::sameName(clip.ownName, clip.reel);
+      if (!base::sameName(own.name, clip.reel) || (own.mayBeCut && !(isOwn && clip.mayBeCut)))
+        misread.insert(base::fold(clip.reel));
+    }
+    return misread;
+  }
+
+  void line(const std::string& number, const Clip& clip, const Clip& first)
+  {
     if (drop_ != dropsFrames(clip))
       dropFrame(!drop_);
-    text_ += number + "  " + padded(nameOf(clip), std::min(field_, wideField)) + " " +
+    text_ += number + "  " + padded(nameOf(clip), reelColumns()) + " " +
              padded(isLiteral(clip) ? clip.tracks : channelsOf(clip), channelColumns) + " " +
              transitionField(clip.event) + " " + padded(clip.event.duration, durationColumns) + " ";
     // A clip without record timecodes gets source timecodes there, and vice versa. The lines of an event begin at the
@@ -288,8 +320,8 @@ private:
     std::string notes;
     if (const std::optional<Speed>& speed = clip.event.speed) {
       constexpr std::size_t speedColumns = 7;
-      notes += "M2   " + padded(nameOf(clip), std::min(field_, std::size_t{32})) + " " +
-               padded(speed->framesPerSecond, speedColumns) + "                " + speed->timecode + "\n";
+      notes += "M2   " + padded(nameOf(clip), reelColumns()) + " " + padded(speed->framesPerSecond, speedColumns) +
+               "                " + speed->timecode + "\n";
     }
     std::string missing;
     for (const auto& [what, timecode] :
@@ -340,8 +372,7 @@ private:
     }
     for (const auto& [name, ids] : rows)
       for (const SourceId& id : ids)
-        text_ += ">>> SOURCE " + padded(name, std::min(field_, std::size_t{32})) + " " +
-                 padded(name, std::min(field_, std::size_t{32})) + " " + id.id + "\n";
+        text_ += ">>> SOURCE " + padded(name, reelColumns()) + " " + padded(name, reelColumns()) + " " + id.id + "\n";
   }
 
   const std::vector<Clip>& clips_;
@@ -354,7 +385,7 @@ private:
   bool oneRate_ = false; ///< all clips say the same rate, or none does
   int number_ = 0;
 };
-/// Remarks on lists that exceed the limits of such a reel field, by the manuals of the devices.
+/// Warns about lists that exceed the limits of such a reel field, by the manuals of the devices.
 void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
 {
   constexpr std::size_t digits = 3, six = 6, eight = 8, fewest = 253, few = 999, more = 9999;
@@ -368,7 +399,7 @@ void remarkOnLimits(Written& written, std::size_t reelField, std::size_t reels)
                               " of some lists with numbered reels (other programs may not read all reels)");
 }
 
-/// Remarks on texts that cannot be read back from a note.
+/// Warns about texts that cannot be read back from a note.
 void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
 {
   std::set<std::string> remarked;

@@ -129,7 +129,7 @@ Enum fromWord(const Value& json, const std::array<Enum, size>& all)
   throw std::invalid_argument("unknown word \"" + word + "\"");
 }
 
-// --- Reels -----------------------------------------------------------------------------------------
+// --- Reels ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Reel> R>
 void describe(Io& io, R& reel)
@@ -236,6 +236,39 @@ void describe(Io& io, R& renamed)
   io("shots", renamed.shots);
 }
 
+template <class Io, Like<NamedReel> R>
+void describe(Io& io, R& named)
+{
+  using lists::Match;
+  using lists::NameEvidence;
+  io("name", named.name);
+  io("reel", named.reel);
+  if constexpr (Io::writes) {
+    io.json()["match"] = lists::wordOf(named.match);
+    io.json()["evidence"] = lists::wordOf(named.evidence);
+  } else {
+    constexpr std::array matches = {Match::Itself,      Match::Decided,  Match::SourceId, Match::SameName,
+                                    Match::OtherEnding, Match::NoEnding, Match::Cut};
+    constexpr std::array evidences = {NameEvidence::ReelMap,      NameEvidence::SourceFile, NameEvidence::SourceTable,
+                                      NameEvidence::ReplacedReel, NameEvidence::ReelNote,   NameEvidence::ClipName,
+                                      NameEvidence::ReelText};
+    named.match = fromWord(io.json().at("match"), matches);
+    named.evidence = fromWord(io.json().at("evidence"), evidences);
+  }
+  io("may_be_cut", named.mayBeCut);
+  io("source_id", named.sourceId);
+  io("perhaps", named.perhaps);
+  io("clip_names", named.clipNames);
+}
+
+template <class Io, Like<ReelMove> R>
+void describe(Io& io, R& move)
+{
+  io("from", move.from);
+  io("to", move.to);
+  io("shots", move.shots);
+}
+
 template <class Io, Like<Need> R>
 void describe(Io& io, R& need)
 {
@@ -245,7 +278,9 @@ void describe(Io& io, R& need)
     io("state", need.state());
     io("type", need.reel ? need.reel->type : std::string());
     io("bin", need.reel ? need.reel->bin : std::string());
+    io("names", need.names);
   } else {
+    io("names", need.names);
     std::string state;
     io("state", state);
     for (const char* trouble : {"missing", "unavailable", "unknown type"})
@@ -270,7 +305,7 @@ void describe(Io& io, R& type)
   io("parameters", type.parameters);
 }
 
-// --- Names -----------------------------------------------------------------------------------------
+// --- Names ---------------------------------------------------------------------------------------
 
 template <class Io, Like<Candidate> R>
 void describe(Io& io, R& candidate)
@@ -282,7 +317,7 @@ void describe(Io& io, R& candidate)
       reasons.push_back(wordOf(reason));
     io.json()["reasons"] = std::move(reasons);
   } else {
-    constexpr std::array all = {Reason::Exact, Reason::Case, Reason::Cut, Reason::Alias, Reason::OldName};
+    constexpr std::array all = {Reason::Exact, Reason::Case, Reason::Cut, Reason::Alias, Reason::OldName, Reason::Form};
     for (const Value& reason : io.json().at("reasons"))
       candidate.reasons.push_back(fromWord(reason, all));
   }
@@ -299,14 +334,16 @@ void describe(Io& io, R& meaning)
     io("candidates", meaning.candidates);
     for (std::size_t i = 0; i < meaning.shots.size(); ++i)
       io.json()["candidates"][i]["shots"] = meaning.shots[i];
+    io("as_list", meaning.asList);
   } else {
     io("candidates", meaning.candidates);
     for (const Value& candidate : io.json().at("candidates"))
       meaning.shots.push_back(candidate.at("shots"));
+    io("as_list", meaning.asList);
   }
 }
 
-// --- Lists -----------------------------------------------------------------------------------------
+// --- Lists ---------------------------------------------------------------------------------------
 
 template <class Io, Like<ClipStep> R>
 void describe(Io& io, R& step)
@@ -330,9 +367,9 @@ void describe(Io& io, R& imported)
   auto& list = imported.list;
   io("file", imported.file);
   if constexpr (Io::writes) {
-    io.json()["format"] = list.format == lists::Format::Edl ? "edl" : "ale";
+    io.json()["format"] = lists::wordOf(list.format);
   } else {
-    list.format = io.json().at("format") == "edl" ? lists::Format::Edl : lists::Format::Ale;
+    list.format = io.json().at("format") == lists::wordOf(lists::Format::Edl) ? lists::Format::Edl : lists::Format::Ale;
   }
   io("title", list.title);
   io("clips", imported.clips);
@@ -347,6 +384,7 @@ void describe(Io& io, R& imported)
   }
   io("created", imported.created);
   io("matched", imported.matched);
+  io("names", imported.names);
   io("special", list.specials);
   io("spellings", list.spellings);
   io("ambiguous", list.ambiguous);
@@ -425,9 +463,11 @@ void describe(Io& io, R& report)
   io("files", report.lists);
   io("reels_removed", report.reelsRemoved);
   io("shots_removed", report.shotsRemoved);
+  io("moved", report.moves);
   if constexpr (!Io::writes)
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
-                                 [](const ImportedList& imported) { return imported.changesProject(); });
+                                 [](const ImportedList& imported) { return imported.changesProject(); }) ||
+                     !report.moves.empty();
 }
 
 template <class Io, Like<NewReel> R>
@@ -435,6 +475,7 @@ void describe(Io& io, R& reel)
 {
   io("reel", reel.id);
   io("candidates", reel.candidates);
+  io("perhaps", reel.perhaps);
 }
 
 template <class Io, Like<RejectedLine> R>
@@ -459,6 +500,8 @@ void describe(Io& io, R& diff)
       io("reels_gone", diff.goneReels);
   }
   io("spellings", diff.spellings);
+  io("names", diff.names);
+  io("moved", diff.moves);
   io("shots_added", diff.added);
   io("shots_gone", diff.missing);
   io("rejected", diff.rejected);
@@ -551,6 +594,9 @@ void describe(Io& io, R& event)
   whole(io, "audio_channels", event.clip.audioChannels);
   io.bytes("frame_rate", event.clip.frameRate);
   io("drop_frame", event.clip.dropFrame);
+  io.bytes("own_name", event.clip.ownName);
+  io("own_name_may_be_cut", event.clip.mayBeCut);
+  io.bytes("source_id", event.clip.sourceId);
   io.bytes("special", event.clip.special);
   io.bytes("number", event.clip.event.number);
   whole(io, "part", event.clip.event.part);
@@ -631,7 +677,7 @@ void describe(Io& io, R& content)
   io.optional("history", content.history);
 }
 
-// --- Deletions -------------------------------------------------------------------------------------
+// --- Deletions -----------------------------------------------------------------------------------
 
 /// The only reason to keep a reel.
 inline constexpr const char* whyKept = "--keep";
@@ -669,7 +715,7 @@ void describe(Io& io, R& undeleted)
   io("shots", undeleted.shots);
 }
 
-// --- History ---------------------------------------------------------------------------------------
+// --- History -------------------------------------------------------------------------------------
 
 template <class Io, Like<FieldStep> R>
 void describe(Io& io, R& step)
@@ -736,7 +782,7 @@ void describe(Io& io, R& compacted)
   io.optional("revisions", compacted.revisions);
 }
 
-// --- The facility ----------------------------------------------------------------------------------
+// --- The facility --------------------------------------------------------------------------------
 
 template <class Io, Like<Device> R>
 void describe(Io& io, R& device)

@@ -6,10 +6,13 @@
 #include "app/diff.h"
 #include "app/json/json.h"
 #include "base/display_text.h"
+#include "commands/import_report.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -24,6 +27,8 @@ struct Options {
   bool json = false;
 };
 
+constexpr std::size_t usualColumns = 100;
+
 std::string newReelText(const app::NewReel& reel)
 {
   std::string result = "  " + displayText(reel.id);
@@ -33,25 +38,7 @@ std::string newReelText(const app::NewReel& reel)
   return result + (reel.candidates.empty() ? "\n" : ")\n");
 }
 
-void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
-{
-  constexpr std::size_t indent = 2;
-  if (shots.empty())
-    return;
-  print(fmt::format("{} {}:\n", counted(shots.size(), "shot"), heading));
-  Table table({{"REEL"},
-               {"CLIP"},
-               {"TRACKS"},
-               {"SOURCE IN"},
-               {"SOURCE OUT"},
-               {.title = "RECORD IN", .optional = true},
-               {.title = "RECORD OUT", .optional = true}});
-  for (const app::Shot& shot : shots)
-    table.add(
-        {shot.reel, orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut});
-  table.print(indent);
-}
-
+/// Prints a table of shots as they are now. The column of what they were is there if one was anything else.
 void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& steps)
 {
   constexpr std::size_t indent = 2;
@@ -79,8 +66,18 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
   table.print(indent);
 }
 
+void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
+{
+  std::vector<app::ClipStep> steps;
+  for (const app::Shot& shot : shots)
+    steps.push_back({shot, shot});
+  printStepsOf(heading, steps);
+}
+
 void printDiff(const app::ListDiff& diff)
 {
+  print(toText(diff.moves, Mood::Conditional));
+  print(namesText(diff.names, terminalColumns(stdout).value_or(usualColumns)));
   if (!diff.newReels.empty())
     print(fmt::format("{} new:\n", counted(diff.newReels.size(), "reel")));
   for (const app::NewReel& reel : diff.newReels)

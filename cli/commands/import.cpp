@@ -33,6 +33,7 @@ void show(const Options& options, const app::ImportReport& report)
     return;
   }
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
+  print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
     print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
   print(removedText(report, terminalColumns(stdout).value_or(usualColumns), mood));

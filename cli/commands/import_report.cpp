@@ -5,6 +5,7 @@
 #include <fmt/ranges.h>
 
 #include "base/text_width.h"
+#include "commands/names_text.h"
 #include "text/counted.h"
 
 namespace reeldb::cli {
@@ -13,17 +14,6 @@ using base::displayText;
 using base::displayWidth;
 
 namespace {
-
-std::string_view formatName(lists::Format format)
-{
-  switch (format) {
-  case lists::Format::Edl:
-    return "edl";
-  case lists::Format::Ale:
-    return "ale";
-  }
-  return "";
-}
 
 /// The name for a line that describes a source: "event" or "row".
 std::string_view lineName(lists::Format format)
@@ -41,25 +31,6 @@ std::string_view lineName(lists::Format format)
 std::string did(Mood mood, std::string_view verb)
 {
   return mood == Mood::Fact ? std::string(verb) : fmt::format("would be {}", verb);
-}
-
-/// The heading, and behind it the names, separated by commas and wrapped. Further lines are indented by @p indent.
-std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
-                    std::size_t indent)
-{
-  std::string result = heading;
-  std::size_t used = displayWidth(heading);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    const std::string name = displayText(names[i]) + (i + 1 < names.size() ? "," : "");
-    const std::size_t width = displayWidth(name) + 1;
-    if (i > 0 && used + width > columns) {
-      result.append("\n").append(indent - 1, ' ');
-      used = indent - 1;
-    }
-    result.append(" ").append(name);
-    used += width;
-  }
-  return result + "\n";
 }
 
 std::string reelsText(const std::string& what, const std::vector<std::string>& reels, std::size_t columns)
@@ -93,7 +64,7 @@ std::string ambiguousText(const lists::Ambiguous& ambiguous)
   return result + "\n";
 }
 
-/// The lines of the list with a remark on each.
+/// The lines of the list, each with its remark.
 template <class Remark>
 std::string remarksText(const std::string& what, const std::vector<Remark>& remarks)
 {
@@ -132,11 +103,20 @@ std::string removedText(const app::ImportReport& report, std::size_t columns, Mo
   return text + reelsText(did(mood, "removed"), report.reelsRemoved, columns);
 }
 
+std::string toText(const std::vector<app::ReelMove>& moves, Mood mood)
+{
+  std::string result;
+  for (const app::ReelMove& move : moves)
+    result += fmt::format("{} of {} {} to {}\n", counted(move.shots, "shot"), displayText(move.from),
+                          did(mood, "moved"), displayText(move.to));
+  return result;
+}
+
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
 {
   const lists::List& list = imported.list;
   std::string result =
-      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), formatName(list.format),
+      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), lists::wordOf(list.format),
                   counted(imported.clips, "clip"), counted(imported.shotsAdded, "shot"), did(mood, "added"),
                   imported.shotsThere - imported.shotsRepeated);
   if (imported.shotsRepeated > 0)
@@ -152,6 +132,7 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
   for (const lists::Spelling& spelling : list.spellings)
     result +=
         fmt::format("  same reel, other spelling: {} is {}\n", displayText(spelling.other), displayText(spelling.reel));
+  result += namesText(imported.names, columns);
   for (const lists::Ambiguous& ambiguous : list.ambiguous)
     result += ambiguousText(ambiguous);
   result += remarksText(did(mood, "kept") + " with a warning", list.warnings);

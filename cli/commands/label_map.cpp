@@ -16,7 +16,7 @@ namespace {
 
 using base::displayText;
 
-// --- list ------------------------------------------------------------------------------------------
+// --- list ----------------------------------------------------------------------------------------
 
 struct ListOptions {
   bool json = false;
@@ -43,7 +43,7 @@ ExitCode list(const ListOptions& options, const Globals& globals)
   return code;
 }
 
-// --- check -----------------------------------------------------------------------------------------
+// --- check ---------------------------------------------------------------------------------------
 
 struct CheckOptions {
   std::string map;
@@ -70,7 +70,7 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
   return found.fits() ? done : refused;
 }
 
-// --- for -------------------------------------------------------------------------------------------
+// --- for -----------------------------------------------------------------------------------------
 
 struct ForOptions {
   std::optional<std::string> reel;

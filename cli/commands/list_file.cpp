@@ -47,7 +47,7 @@ void printEvents(const std::vector<app::ListUse>& events, std::size_t indent = 0
   table.print(indent);
 }
 
-// --- list ------------------------------------------------------------------------------------------
+// --- list ----------------------------------------------------------------------------------------
 
 struct ListOptions {
   bool json = false;
@@ -72,7 +72,7 @@ ExitCode list(const ListOptions& options, const Globals& globals)
   return done;
 }
 
-// --- show ------------------------------------------------------------------------------------------
+// --- show ----------------------------------------------------------------------------------------
 
 struct ShowOptions {
   std::string list;
@@ -109,7 +109,7 @@ ExitCode show(const ShowOptions& options, const Globals& globals)
   return done;
 }
 
-// --- used-in ---------------------------------------------------------------------------------------
+// --- used-in -------------------------------------------------------------------------------------
 
 struct UsedInOptions {
   std::string reel;
@@ -133,7 +133,7 @@ ExitCode usedIn(const UsedInOptions& options, const Globals& globals)
   return lists.empty() ? refused : done;
 }
 
-// --- remove ----------------------------------------------------------------------------------------
+// --- remove --------------------------------------------------------------------------------------
 
 struct RemoveOptions {
   std::string list;

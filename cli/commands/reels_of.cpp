@@ -10,10 +10,12 @@
 #include "app/json/json.h"
 #include "app/list_files.h"
 #include "app/needs.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -24,6 +26,8 @@ struct Options {
   std::optional<std::string> reel, file;
   bool json = false;
 };
+
+constexpr std::size_t usualColumns = 100;
 
 void report(const Options& options, const std::vector<app::Need>& needs)
 {
@@ -36,6 +40,8 @@ void report(const Options& options, const std::vector<app::Need>& needs)
     table.add({need.id, std::to_string(need.shots), need.state(), orDash(need.reel ? need.reel->type : ""),
                need.reel ? need.reel->bin : ""});
   table.print();
+  for (const app::Need& need : needs)
+    print(namesText(need.names, terminalColumns(stdout).value_or(usualColumns)));
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));
 }
 

@@ -24,6 +24,8 @@ std::string_view phraseOf(app::Reason reason)
     return "other name in a list";
   case app::Reason::OldName:
     return "old name";
+  case app::Reason::Form:
+    return "another form of a name";
   }
   return "";
 }

@@ -6,10 +6,12 @@
 #include "app/json/json.h"
 #include "app/names.h"
 #include "base/display_text.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
 #include "text/table.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -22,6 +24,8 @@ struct Options {
   bool json = false;
 };
 
+constexpr std::size_t usualColumns = 100;
+
 void report(const app::NameMeaning& meaning)
 {
   Table table({{"REEL"}, {.title = "SHOTS", .number = true}, {"WHY"}});
@@ -32,6 +36,11 @@ void report(const app::NameMeaning& meaning)
   print(one ? fmt::format("{} is {}\n", displayText(meaning.name), displayText(one->reel))
             : fmt::format("{} is ambiguous: {}\n", displayText(meaning.name),
                           counted(meaning.candidates.size(), "reel")));
+  if (const std::string text = !meaning.asList.perhaps.empty()
+                                   ? std::string()
+                                   : namesText({meaning.asList}, terminalColumns(stdout).value_or(usualColumns));
+      !text.empty())
+    print("in a list:\n" + text);
 }
 
 ExitCode run(const Options& options, const Globals& globals)

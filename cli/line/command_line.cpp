@@ -310,7 +310,7 @@ Reading CommandLine::read(int argc, char** argv)
   return reading;
 }
 
-// --- What commands take ----------------------------------------------------------------------------
+// --- What commands take --------------------------------------------------------------------------
 
 Argument& Argument::required()
 {

@@ -3,6 +3,8 @@
 /// Stored settings: the configuration block of a log, the project options, the system configuration.
 /// Keys and texts are bytes; keys are matched with their letter case. Main thread only; functions marked "callable
 /// while loading" are also called on the loading thread.
+/// Where a comment says what an argument is "called with", the library passes nothing else, and a host may ignore the
+/// argument.
 #ifndef REELDB_HOST_CONFIG_H
 #define REELDB_HOST_CONFIG_H
 

@@ -3,6 +3,8 @@
 /// Cookies, the names of logs in the project database, and collections of Cookies.
 /// Main thread only; a Cookie and an IdStamp are values and may be used on any thread. A collection that cannot grow
 /// throws std::bad_alloc and stays as it was.
+/// Where a comment says what an argument is "called with", the library passes nothing else, and a host may ignore the
+/// argument.
 #ifndef REELDB_HOST_COOKIE_H
 #define REELDB_HOST_COOKIE_H
 

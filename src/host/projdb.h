@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
 /// The project database: rows, searches and views. Main thread only.
+/// Where a comment says what an argument is "called with", the library passes nothing else, and a host may ignore the
+/// argument.
 #ifndef REELDB_HOST_PROJDB_H
 #define REELDB_HOST_PROJDB_H
 

@@ -51,7 +51,7 @@ Delta Project::differenceToStored()
   return delta;
 }
 
-/// What the change of the logs means for those who know the reels. Collected while the delta is applied.
+/// What the change of the logs means for listeners that know the reels. It is collected while the delta is applied.
 struct Project::AppliedChanges {
   ForeignChanges result;
   CookieVec modified, gone;

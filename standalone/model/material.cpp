@@ -28,9 +28,31 @@ Cookie importMaterial(const Material& material)
     log.fields.emplace_back(frameRateKey, material.frameRate);
   if (material.dropFrame)
     log.fields.emplace_back(dropFrameKey, "yes");
+  if (!material.ownName.empty())
+    log.fields.emplace_back(ownNameKey, material.ownName);
+  if (material.mayBeCut)
+    log.fields.emplace_back(mayBeCutKey, "yes");
+  if (!material.sourceId.empty())
+    log.fields.emplace_back(sourceIdKey, material.sourceId);
   Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
+}
+
+void changeMaterial(const Cookie& cookie, const Material& material)
+{
+  Log* const log = model::openedProject ? model::openedProject->find(cookie) : nullptr;
+  if (!log)
+    return;
+  const auto change = [&](const char* key, const std::string& text) {
+    if (!text.empty() || log->block.find(key))
+      log->block.set(key, text.c_str());
+  };
+  for (const auto& [key, member] : shotTexts)
+    change(key, material.*member);
+  change(ownNameKey, material.ownName);
+  change(mayBeCutKey, material.mayBeCut ? "yes" : "");
+  change(sourceIdKey, material.sourceId);
 }
 
 Material materialOf(const Cookie& cookie)
@@ -48,6 +70,12 @@ Material materialOf(const Cookie& cookie)
   if (const LightweightString<char>* const rate = log->block.find(frameRateKey))
     material.frameRate = rate->c_str();
   material.dropFrame = log->block.find(dropFrameKey) != nullptr;
+  if (const LightweightString<char>* const name = log->block.find(ownNameKey))
+    material.ownName = name->c_str();
+  if (const LightweightString<char>* const cut = log->block.find(mayBeCutKey))
+    material.mayBeCut = *cut->c_str() != '\0';
+  if (const LightweightString<char>* const id = log->block.find(sourceIdKey))
+    material.sourceId = id->c_str();
   return material;
 }
 

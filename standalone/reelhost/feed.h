@@ -45,7 +45,7 @@ struct Delta {
 /// How long to wait for changes: without a time, until the handle is readable again.
 using AskAgain = std::optional<std::chrono::microseconds>;
 
-/// What a store may have for those who wait for changes by other processes.
+/// What a store may have for programs that wait for changes by other processes.
 ///
 /// The way to wait: get the handle, then ask Store::changedElsewhere once, because a commit may have come before the
 /// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero; then ask

@@ -56,8 +56,8 @@ public:
   virtual ~History() = default;
 
   /// The version of the stored format, if it is an older one; 0 if it is up to date. As of the last begin or commit,
-  /// and needs no begin. A commit brings the format up to date. Until then the history is empty for those who only
-  /// read.
+  /// and needs no begin. A commit brings the format up to date. Until then the history is empty for a
+  /// program that only reads.
   virtual int olderVersion() = 0;
 
   /// Reads the revisions, the newest first, until @p sink returns false.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
 /// The operations of the standalone host for an application: start it, open a project, import material, commit. The
-/// operations that the library calls are declared in src/host; the same shared object provides them. Main thread only.
+/// operations that the library calls are declared in host/*.h; the same shared object provides them. Main thread only.
 ///
 /// Operations throw Error and std::bad_alloc. Exceptions of listeners pass through where a comment says so. The first
 /// change to a project since it was opened, since a commit or since idle locks the project for writing, in whatever
@@ -78,8 +78,8 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
-/// The same, begun for reading in the state that the logs in memory have, for those who read more than the logs after
-/// idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+/// The same, begun for reading in the state that the logs in memory have, for callers that read more than the logs
+/// after idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
 Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
@@ -105,7 +105,7 @@ void idle();
 /// false if no project is open.
 bool reloadIfChangedElsewhere();
 
-/// What changes by other processes mean for those who know the reels of the project.
+/// What changes by other processes mean for a program that knows the reels of the project.
 struct ForeignChanges {
   enum class State {
     Nothing, ///< no other process has committed
@@ -141,6 +141,9 @@ int runDeferredActions();
 /// Creates an imported material log and reports it to the listeners as codes::madeOrImported, as a host does when it
 /// imports a clip. The library then creates the reel. Exceptions of listeners pass through; the log stays.
 Cookie importMaterial(const Material& material);
+/// Gives a shot the reel and the texts of @p material, as far as they differ. Its clip name, its channels and its frame
+/// rate stay. Notifies no listener. Does nothing for a log that does not exist.
+void changeMaterial(const Cookie& log, const Material& material);
 /// The clip that the log describes. Texts that the log lacks are empty; all are empty for a log that does not exist.
 Material materialOf(const Cookie& log);
 /// All logs other than reel logs, in the order of creation. Empty if no project is open.

@@ -25,13 +25,16 @@ struct Material {
       audioChannels = 0;  ///< number of audio channels
   std::string frameRate;  ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
   bool dropFrame = false; ///< whether the list says that its timecodes are drop frame
+  std::string ownName;    ///< the name that the list gave the source; empty: the reel identifier
+  bool mayBeCut = false;  ///< whether that name may be the beginning of a longer one
+  std::string sourceId;   ///< the list's id of the source
 
   friend bool operator==(const Material& a, const Material& b)
   {
     return std::tie(a.reel, a.name, a.sourceFile, a.sourceIn, a.sourceOut, a.recordIn, a.recordOut, a.tracks, a.aliases,
-                    a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame) ==
+                    a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame, a.ownName, a.mayBeCut, a.sourceId) ==
            std::tie(b.reel, b.name, b.sourceFile, b.sourceIn, b.sourceOut, b.recordIn, b.recordOut, b.tracks, b.aliases,
-                    b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame);
+                    b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame, b.ownName, b.mayBeCut, b.sourceId);
   }
   friend bool operator!=(const Material& a, const Material& b) { return !(a == b); }
 };
@@ -59,6 +62,10 @@ inline constexpr std::array<ShotText, 8> shotTexts = {{
 /// key.
 inline constexpr const char* frameRateKey = "frame_rate";
 inline constexpr const char* dropFrameKey = "drop_frame"; ///< its text is "yes"
+/// The keys of ownName, mayBeCut and sourceId, likewise.
+inline constexpr const char* ownNameKey = "own_name";
+inline constexpr const char* mayBeCutKey = "own_name_may_be_cut"; ///< its text is "yes"
+inline constexpr const char* sourceIdKey = "source_id";
 
 } // namespace reelhost
 

@@ -22,7 +22,7 @@ struct NumberColumn {
   void (*write)(ListEvent&, std::int64_t);
   bool grows;
 };
-constexpr std::array<NumberColumn, 7> numbers = {{
+constexpr std::array<NumberColumn, 8> numbers = {{
     {"shot", [](const ListEvent& event) { return event.shot; },
      [](ListEvent& event, std::int64_t number) { event.shot = number; }, true},
     {"line", [](const ListEvent& event) { return std::int64_t{event.line}; },
@@ -37,6 +37,8 @@ constexpr std::array<NumberColumn, 7> numbers = {{
      [](ListEvent& event, std::int64_t number) { event.clip.audioChannels = static_cast<int>(number); }, false},
     {dropFrameKey, [](const ListEvent& event) { return std::int64_t{event.clip.dropFrame}; },
      [](ListEvent& event, std::int64_t number) { event.clip.dropFrame = number != 0; }, false},
+    {mayBeCutKey, [](const ListEvent& event) { return std::int64_t{event.clip.mayBeCut}; },
+     [](ListEvent& event, std::int64_t number) { event.clip.mayBeCut = number != 0; }, false},
 }};
 
 struct TextColumn {
@@ -53,7 +55,12 @@ constexpr std::array<TextColumn, 8> eventTexts = {{
     {"speed_timecode", &ListEvent::speedTimecode},
     {"source_ids", &ListEvent::sourceIds},
 }};
-constexpr std::array<ShotText, 2> furtherTexts = {{{"name", &Material::name}, {frameRateKey, &Material::frameRate}}};
+constexpr std::array<ShotText, 4> furtherTexts = {{
+    {"name", &Material::name},
+    {frameRateKey, &Material::frameRate},
+    {ownNameKey, &Material::ownName},
+    {sourceIdKey, &Material::sourceId},
+}};
 
 /// Passes the key of each column of texts, and a function that returns the text of an event.
 template <class Pass>

@@ -38,6 +38,12 @@ private:
   Cause cause_;
 };
 
+/// Reports that the file holds what no program of ours has written. @p text is the fact: "log 7 has no valid identity".
+[[noreturn]] inline void failDamaged(const std::string& text)
+{
+  throw Failure(Cause::Damaged, text);
+}
+
 /// A connection. It distrusts the schema of the file: triggers, views and unsafe functions in it do nothing.
 class Database {
 public:

@@ -9,14 +9,10 @@
 namespace reelhost {
 
 using sqlite::Database;
+using sqlite::failDamaged;
 using sqlite::Statement;
 
 namespace {
-
-[[noreturn]] void failDamaged(const std::string& text)
-{
-  throw sqlite::Failure(sqlite::Cause::Damaged, text);
-}
 
 std::vector<ListEvent> eventsIn(const Statement& row, int column, std::int64_t list)
 {

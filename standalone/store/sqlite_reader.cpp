@@ -11,14 +11,10 @@
 namespace reelhost {
 
 using sqlite::Database;
+using sqlite::failDamaged;
 using sqlite::Statement;
 
 namespace {
-
-[[noreturn]] void failDamaged(const std::string& text)
-{
-  throw sqlite::Failure(sqlite::Cause::Damaged, text);
-}
 
 std::string conditionFor(LogSet set, std::int64_t version)
 {

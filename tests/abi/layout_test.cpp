@@ -189,10 +189,10 @@ TEST_F(Layout, ActionHoldsIdentifierAndDevice)
 TEST_F(Layout, ManagerListensInTheOrderOfTheHost)
 {
   ReelDbManager& listener = manager();
-  EXPECT_EQ(hosts("_ZN15ProjectListener22handleLogsModificationERK9CookieVec"), slot(&listener, 0));
-  EXPECT_EQ(hosts("_ZN15ProjectListener18handleLogsDeletionERK9CookieVec17LightweightStringIcE"), slot(&listener, 2));
-  EXPECT_EQ(hosts("_ZN15ProjectListener16handleLogDirtiedERK6Cookie"), slot(&listener, 3));
-  EXPECT_EQ(hosts("_ZN15ProjectListener16handleLogStorageERK6Cookieb"), slot(&listener, 4));
+  EXPECT_EQ(slot(&listener, 0), hosts("_ZN15ProjectListener22handleLogsModificationERK9CookieVec"));
+  EXPECT_EQ(slot(&listener, 2), hosts("_ZN15ProjectListener18handleLogsDeletionERK9CookieVec17LightweightStringIcE"));
+  EXPECT_EQ(slot(&listener, 3), hosts("_ZN15ProjectListener16handleLogDirtiedERK6Cookie"));
+  EXPECT_EQ(slot(&listener, 4), hosts("_ZN15ProjectListener16handleLogStorageERK6Cookieb"));
 
   script().projectCookies = {Cookie("PLAYOUT", false)};
   addLog(9, "R1");
@@ -212,10 +212,10 @@ TEST_F(Layout, ManagerListensInTheOrderOfTheHost)
 TEST_F(Layout, ClientsHandlersFollowTheRecords)
 {
   ReelDbClient client;
-  EXPECT_EQ(hosts("_ZNK8ArrayRec7compareERKS_"), slot(&client, 2));
-  EXPECT_EQ(hosts("_ZNK8ArrayReceqERKS_"), slot(&client, 3));
-  EXPECT_EQ(hosts("_ZNK8ArrayRecneERKS_"), slot(&client, 4));
-  EXPECT_EQ(hosts("_ZNK8ArrayRec7printOnER10GrowString"), slot(&client, 5));
+  EXPECT_EQ(slot(&client, 2), hosts("_ZNK8ArrayRec7compareERKS_"));
+  EXPECT_EQ(slot(&client, 3), hosts("_ZNK8ArrayReceqERKS_"));
+  EXPECT_EQ(slot(&client, 4), hosts("_ZNK8ArrayRecneERKS_"));
+  EXPECT_EQ(slot(&client, 5), hosts("_ZNK8ArrayRec7printOnER10GrowString"));
 
   EXPECT_EQ(callSlot<int>(static_cast<ArrayRec*>(&client), 2, static_cast<const ArrayRec*>(&client)), 0);
 

@@ -126,7 +126,10 @@ TEST_F(History, IdentifierThatAnotherReelHasByNowIsRefused)
 {
   import({"A001"});
   rename("A001", "B001");
-  import({"a001"}); // no log is in both commits
+  {
+    app::Session session({}, app::Access::Write);
+    app::createReel(session, "a001", {}); // no log is in both commits
+  }
   EXPECT_EQ(refusal([] { undo(2); }),
             "undo: A001: another reel now has this name, nothing taken back (rename that reel first)");
   EXPECT_EQ(reelIds(), (Names{"B001", "a001"}));

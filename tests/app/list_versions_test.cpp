@@ -60,7 +60,7 @@ TEST(ListVersions, OtherSourceTimesOfTheOnlySuchPairAreATrim)
   EXPECT_EQ(linesOf(difference({clip("A", "x", "1")}, {clip("a", "x", "2")})), Texts{"trimmed A x 1 r -> a x 2 r"});
 }
 
-TEST(ListVersions, SeveralSuchPairsAreNoTrim)
+TEST(ListVersions, SeveralSuchPairsAreNotATrim)
 {
   EXPECT_EQ(linesOf(difference({clip("A", "x", "1"), clip("A", "x", "2")}, {clip("A", "x", "3")})),
             (Texts{"+ A x 3 r", "- A x 1 r", "- A x 2 r"}));
@@ -74,7 +74,7 @@ TEST(ListVersions, PairWithAnUnchangedThirdIsATrim)
             Texts{"trimmed A x 2 r -> A x 3 r"});
 }
 
-TEST(ListVersions, OtherTracksAreNoTrim)
+TEST(ListVersions, OtherTracksAreNotATrim)
 {
   Shot sound = clip("A", "x", "2");
   sound.tracks = "A";

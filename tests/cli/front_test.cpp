@@ -295,7 +295,7 @@ TEST_F(FrontTypeFile, TypesWarnsOfAMissingFile)
   }
 }
 
-TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreRemarkedOnWhereTheFacilityIsUsed)
+TEST_F(FrontTypeFile, BothNumbersOfEveryRecordAreWarnedAboutWhereTheFacilityIsUsed)
 {
   dir_.write("one/devicedata/reeltype.dat", "a:VideoChannels=x AudioChannels=y\r\nb:AudioChannels=z");
   const std::string said = "reeldb: " + typeFile_ + ":1: VideoChannels: \"x\" is not a number (read as 0)\n" +

@@ -73,7 +73,7 @@ protected:
 TEST_F(ReelsOf, ClipNamesFindTheirReelsInAnyCase)
 {
   EXPECT_EQ(json({"reels-of", "--json", "Kitchen Wide"}), Json::parse(R"([
-    {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf"}])"));
+    {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf", "names": []}])"));
 }
 
 TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
@@ -89,7 +89,9 @@ TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
   ASSERT_EQ(needs.size(), 4u);
   EXPECT_EQ(needs.at(0).at("state"), "ready");
   EXPECT_EQ(needs.at(1).at("state"), "unknown type");
-  EXPECT_EQ(needs.at(2), Json::parse(R"({"id": "C001", "shots": 2, "state": "missing", "type": "", "bin": ""})"));
+  EXPECT_EQ(needs.at(2).at("shots"), 2);
+  EXPECT_EQ(needs.at(2).at("state"), "missing");
+  EXPECT_EQ(needs.at(2).at("names").size(), 1u);
   EXPECT_EQ(needs.at(3).at("state"), "unavailable");
   const std::string text = output({"reels-of", "--file", "online.edl"});
   EXPECT_NE(text.find("\nC001       2  missing       -\n"), std::string::npos) << text;

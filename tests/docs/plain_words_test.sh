@@ -27,7 +27,10 @@ forms() {
 \bas things are\b	it is refused as things are	in this state
 \b(hears?|heard)\b	clients hear of it	is notified of, receives
 \bpass(es|ed)? over\b	other lines are passed over	skips, ignores
-\bone [a-z]+ an? (clip|command|file|format|key|line|log|name|project|record|reel|row|shot)\b	one entry a shot	one per
+\bone [a-z]+ an? (case|clip|command|element|file|format|key|line|log|name|project|promise|record|reel|row|shot)\b	one case a promise	one per
+\bremark(s|ed)? on\b	the name is remarked on	warns about
+\bshin(es?|ing) through\b	the old value shines through	is visible, remains
+\bthose who\b	for those who wait	programs that, callers that
 EOF
 }
 
@@ -40,7 +43,7 @@ prose() {
   awk '
     function tail(text, words, count, i, end) {
       count = split(text, words, " ")
-      for (i = count > 3 ? count - 2 : 1; i <= count; ++i)
+      for (i = count > 4 ? count - 3 : 1; i <= count; ++i)
         end = end words[i] " "
       return end
     }
@@ -77,7 +80,7 @@ prose() {
       gsub(/\\"/, "\047", found)
       return found
     }
-    FNR == 1 { carry = ""; block = 0; raw = 0; messages = FILENAME ~ /^(app|base|cli|lists|standalone|tools)\// }
+    FNR == 1 { carry = ""; block = 0; raw = 0; messages = FILENAME ~ /^(app|base|cli|lists|standalone|tests|tools)\// }
     FILENAME == "CONTRIBUTING.md" && /^\|/ { next } # the word list itself
     FILENAME ~ /\.md$/ {
       if (/^ *```/) block = !block

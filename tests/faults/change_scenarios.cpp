@@ -161,7 +161,7 @@ std::vector<Scenario> renaming()
                   "shot 2: reelid 'r1' -> 'B1'\n"
                   "shot 4: reelid 'R1' -> 'B1'\n",
        .heard = "some(R1) dbC()",
-       .toldWithoutChange = "clients hear of the old name whatever came of it",
+       .toldWithoutChange = "clients are notified of the old name, whatever came of it",
        .doneByHalves = nobodyOfThatName},
       {.operation = changeReelId, .situation = "no such reel", .id = "nobody", .value = "B1", .act = rename},
       {.operation = changeReelId,
@@ -176,8 +176,8 @@ std::vector<Scenario> renaming()
                   "shot 1: reelid 'R1' -> 'r1'\n"
                   "shot 4: reelid 'R1' -> 'r1'\n",
        .heard = "some(R1) dbC()",
-       .toldWithoutChange = "clients hear of the old name whatever came of it",
-       .doneByHalves = "clients are told before the shots get the new spelling"},
+       .toldWithoutChange = "clients are notified of the old name, whatever came of it",
+       .doneByHalves = "clients are notified before the shots get the new spelling"},
       {.operation = copyReelInfo,
        .value = "R3",
        .act = copy,
@@ -190,7 +190,7 @@ std::vector<Scenario> renaming()
                   "R3: row's type '' -> 'F2'\n"
                   "R3: video '0' -> '1'\n",
        .heard = "some(R3)",
-       .toldWithoutChange = "clients hear of the target whatever came of it",
+       .toldWithoutChange = "clients are notified of the target, whatever came of it",
        .doneByHalves = "a type that was set half is taken for set"},
       {.operation = copyReelInfo,
        .situation = "from nowhere",
@@ -206,7 +206,7 @@ std::vector<Scenario> renaming()
                   "R1: row's type 'F2' -> ''\n"
                   "R1: video '0' -> '1'\n",
        .heard = "some(R1)",
-       .toldWithoutChange = "clients hear of the target whatever came of it",
+       .toldWithoutChange = "clients are notified of the target, whatever came of it",
        .doneByHalves = "a type that was set half is taken for set"},
   };
 }

@@ -76,7 +76,7 @@ TEST_F(LoadTimeFaults, AllocationThatFailsEndsTheProcessOrIsDoneWithout)
 
 TEST_F(LoadTimeFaults, NoDefaultTypeIsTheEmptyOne)
 {
-  EXPECT_EQ(loadWithoutDefaultType().out, std::string("\n") + types) << "the host answered null";
+  EXPECT_EQ(loadWithoutDefaultType().out, std::string("\n") + types) << "the host returned null";
   EXPECT_EQ(load({{"DEFAULT_TYPE", ""}}).out, std::string("\n") + types);
 }
 

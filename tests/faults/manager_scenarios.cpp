@@ -177,7 +177,7 @@ std::vector<Scenario> clients()
        .changes = "R3: profile_bin_name - -> 'changed meanwhile'\n",
        .heard = "some(R1) some(R3)",
        .callerTells = callerSays,
-       .changesWhenTold = "the client changes a reel when it hears of one"},
+       .changesWhenTold = "the client changes a reel when it is notified of one"},
   };
 }
 

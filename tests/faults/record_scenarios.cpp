@@ -7,7 +7,7 @@ namespace reeldb_tests {
 
 namespace {
 
-constexpr const char* valueDiffered = "the value that was read differed, so that clients hear of it";
+constexpr const char* valueDiffered = "the value that was read differed, so clients are notified";
 
 std::vector<Scenario> typedAccess()
 {

@@ -78,7 +78,7 @@ TEST_F(WorkerCreation, EveryReelIsThereOnceWhileTheMainThreadRunsTheQueue)
     if (notice.compare(0, 4, "dbC(") == 0)
       ++told[folded(notice.substr(4, notice.size() - 5))];
   EXPECT_EQ(found, expected);
-  EXPECT_EQ(told, expected) << "clients hear of each reel once";
+  EXPECT_EQ(told, expected) << "clients are notified of each reel once";
 }
 
 } // namespace

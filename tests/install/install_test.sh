@@ -111,7 +111,7 @@ paths) # nothing remembers where it was built or first installed, and libraries 
 
 documents) # the links between them lead somewhere here, too
   cd "$moved/share/doc/reeldb"
-  # The pages of the project itself name its sources; those who have only the installed tree are not sent there.
+  # The pages of the project itself name its sources; readers who have only the installed tree are not sent there.
   find . -name '*.md' ! -name CONTRIBUTING.md ! -name architecture.md >"$work/documents"
   [ "$(wc -l <"$work/documents")" -gt 10 ] || fail "too few documents are installed"
   while read -r document; do
@@ -146,7 +146,8 @@ headers) # each installed header compiles by itself, as the oldest C++ that is p
   [ "$(wc -l <"$work/headers.cpp")" -gt 25 ] || fail "too few headers are installed"
   while read -r include; do
     echo "$include" >"$work/header.cpp"
-    "$CXX" -std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror -I. "$work/header.cpp" ||
+    "$CXX" -std=c++17 -fsyntax-only -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror -I. \
+      "$work/header.cpp" ||
       fail "$include: does not compile by itself"
   done <"$work/headers.cpp"
   ;;

@@ -54,7 +54,7 @@ TEST_F(LabelMapFiles, WordsOfTheFileDecide)
   EXPECT_FALSE(map_file_is_compatible_with_device(L"mine", theDevice(1)));
 
   writeMap("mine", "9-pin ltc", "30 fps");
-  EXPECT_FALSE(map_file_uses_vitc(L"mine")) << "the file is read anew";
+  EXPECT_FALSE(map_file_uses_vitc(L"mine")) << "the file is read again";
   EXPECT_TRUE(map_file_is_compatible_with_project(L"mine"));
   EXPECT_FALSE(map_file_is_compatible_with_device(L"mine", theDevice(2)));
 }

@@ -194,7 +194,7 @@ TEST(Collector, SpecialTextsAreEscapedAndCut)
   collector.special(clipOf(std::string(1001, 'L'), 2), "no tape and no source file");
   collector.special(clipOf(std::string(1002, 'L'), 3), "no tape and no source file");
   const List list = collector.finish();
-  ASSERT_EQ(list.specials.size(), 3u) << "the whole texts tell them apart";
+  ASSERT_EQ(list.specials.size(), 3u) << "the whole texts differ";
   EXPECT_EQ(list.specials[0].text, "Lost\\x1b");
   EXPECT_EQ(list.specials[1].text, std::string(1000, 'L') + "...");
 }

@@ -12,6 +12,12 @@ using namespace reeldb::lists::test;
 
 namespace {
 
+TEST(FormatWord, IsThatOfTheFilesEnding)
+{
+  EXPECT_EQ(wordOf(Format::Edl), "edl");
+  EXPECT_EQ(wordOf(Format::Ale), "ale");
+}
+
 TEST(Detect, AnEventLineMakesACutListWithoutTitleOrFcm)
 {
   EXPECT_EQ(detectText(event("001", "R V C")), Format::Edl);
@@ -28,6 +34,8 @@ TEST(Detect, AnEmptyCutIsACutList)
 {
   EXPECT_EQ(detectText("TITLE: X\n* NOTHING\n\n"), Format::Edl);
   EXPECT_EQ(detectText("title: X\n"), Format::Edl);
+  EXPECT_EQ(detectText("* a note\n\n* another\n"), Format::Edl);
+  EXPECT_EQ(detectText("|C:ResolveColorBlue |M:look here |D:1\n"), Format::Edl);
   EXPECT_EQ(detectText("FCM: NON-DROP FRAME\n"), Format::Edl);
 }
 
@@ -43,7 +51,7 @@ TEST(Detect, OtherTextsAreNeither)
 {
   for (const char* text : {"", "\n\n", "Title: an essay\nIt was a dark night.\n", "<?xml version=\"1.0\"?>\n<xmeml/>\n",
                            "1\n00:00:01,000 --> 00:00:04,000\nHello\n", "{\"clips\": []}", "The Heading\n",
-                           "001 apples\n", "Headings\n", "* a note\n"})
+                           "001 apples\n", "Headings\n", "* a note\n001 apples\n", "-- \nfoo\n"})
     EXPECT_EQ(detectText(text), std::nullopt) << text;
 }
 

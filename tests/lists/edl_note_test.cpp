@@ -151,9 +151,9 @@ TEST(NoteJoiner, LineContinuesIfTheNextWordDidNotFit)
 
 TEST(NoteJoiner, LongerLineContinuesToo)
 {
-  for (std::size_t width : {81u, 120u})
+  for (std::size_t width : {82u, 120u})
     EXPECT_EQ(notes({wide(width), "* rest"}).at(0).value, wide(width).substr(18) + " rest") << width;
-  EXPECT_EQ(notes({wide(81) + " ", "* rest"}).at(0).value, wide(81).substr(18) + " rest") << "one blank is enough";
+  EXPECT_EQ(notes({wide(82) + " ", "* rest"}).at(0).value, wide(82).substr(18) + " rest") << "one blank is enough";
 }
 
 TEST(NoteJoiner, AWideLineWithNothingBehindTheStarTakesWhatFollows)
@@ -185,6 +185,49 @@ TEST(ReportsProblem, OfNotesThatSayItOnly)
   EXPECT_TRUE(reportsProblem("  *problem with edit"));
   EXPECT_FALSE(reportsProblem("* COMMENT: PROBLEM WITH EDIT"));
   EXPECT_FALSE(reportsProblem("* FROM CLIP NAME: PROBLEM WITH EDIT"));
+}
+
+TEST(NoteJoiner, NamesWrappedBehind63CharactersArePutTogetherAsTheyAre)
+{
+  const std::string name = "ELIMINATION PROCESS WITH DRUMS AND STRINGS, LONG VERSION, TIME (BED NO DRONE).MP3";
+  for (const char* key : {"* FROM CLIP NAME:  ", "* TO CLIP NAME:  ", "*FROM CLIP NAME: "})
+    for (const char* end : {"", " "}) {
+      NoteJoiner joiner;
+      EXPECT_FALSE(joiner.line(key + name.substr(0, 63) + end));
+      EXPECT_FALSE(joiner.line("* " + name.substr(63) + end));
+      const auto note = joiner.flush();
+      ASSERT_TRUE(note);
+      EXPECT_EQ(note->value, name) << key;
+    }
+}
+
+TEST(NoteJoiner, BlankAtTheEndOf63CharactersIsKept)
+{
+  const std::string name = std::string(58, 'A') + " BED" + " NO DRONE.MP3";
+  NoteJoiner joiner;
+  joiner.line("* FROM CLIP NAME:  " + name.substr(0, 63));
+  joiner.line("* " + name.substr(63));
+  EXPECT_EQ(joiner.flush()->value, name);
+}
+
+TEST(NoteJoiner, NameOverThreeLinesIsWhole)
+{
+  std::string name;
+  for (int i = 0; i < 30; ++i)
+    name += "WORD" + std::to_string(i);
+  NoteJoiner joiner;
+  joiner.line("* FROM CLIP NAME:  " + name.substr(0, 63));
+  joiner.line("* " + name.substr(63, 63));
+  joiner.line("* " + name.substr(126));
+  EXPECT_EQ(joiner.flush()->value, name);
+}
+
+TEST(IsMarker, FieldsLocatorsAndRules)
+{
+  for (const char* line : {"|C:ResolveColorBlue |M:text |D:1", "DD509_0020|D:97", "LOC: 00:00:01:00 YELLOW X", " -- "})
+    EXPECT_TRUE(isMarker(line)) << line;
+  for (const char* line : {"", "a|b", "a|1:", "LOCATION: X", "- x", "|C"})
+    EXPECT_FALSE(isMarker(line)) << line;
 }
 
 } // namespace

@@ -358,12 +358,11 @@ TEST(Edl, AStarMakesNoReelButDoesNoHarmInAClipName)
   const List list =
       readWhole(event("001", "TITLES* V C") + event("002", "A V C") + "* FROM CLIP NAME: 3-1*\n" +
                 event("003", "AX V C") + "* FROM CLIP NAME: 4-1*\n" + event("004", "B V C") + "* REEL: B*1\n");
-  EXPECT_EQ(reels(list), Strings{"A"});
+  EXPECT_EQ(reels(list), (Strings{"A", "B"}));
   EXPECT_EQ(list.clips[0].clipName, "3-1*");
-  ASSERT_EQ(list.specials.size(), 3u);
+  ASSERT_EQ(list.specials.size(), 2u);
   EXPECT_EQ(list.specials[0].text, "TITLES*");
   EXPECT_EQ(list.specials[1].text, "4-1*");
-  EXPECT_EQ(list.specials[2].text, "B*1");
   EXPECT_EQ(list.specials[0].reason, "a star denotes internally generated material");
 }
 
@@ -372,14 +371,15 @@ TEST(Edl, AReelTextWithAStarAndAProperNameIsThatReel)
   EXPECT_EQ(reels(readWhole(event("001", "A*1 V C") + ">>> SOURCE A*1 A001C004 id\n")), Strings{"A001C004"});
 }
 
-TEST(Edl, AxIsItsSourceFileElseItsPathElseItsClipName)
+TEST(Edl, AxIsItsFileElseItsClipName)
 {
   const List list =
       readWhole(event("001", "AX V C") + "* FROM CLIP NAME: a\n* SOURCE FILE: f.mov\n" + event("002", "ax V C") +
                 "* FROM CLIP NAME: a\n* FROM FILE: /vol/g.mov\n" + event("003", "AX V C") +
                 "* FROM CLIP: /vol/h.mov\n" + event("004", "AX V C") + "* SOURCE FILE: (NULL)\n* FROM CLIP NAME: a\n" +
                 event("005", "AX V C") + "* REEL RC1 IS CLIP c.mov\n" + event("006", "AX V C") + "* REEL: TAPE7\n");
-  EXPECT_EQ(reels(list), (Strings{"f.mov", "/vol/g.mov", "/vol/h.mov", "a", "c.mov", "TAPE7"}));
+  EXPECT_EQ(reels(list), (Strings{"f.mov", "g.mov", "h.mov", "a", "c.mov"})) << "a REEL note is not the name of AX";
+  EXPECT_EQ(distinctReels(list).count("TAPE7"), 0u);
   EXPECT_EQ(list.clips[0].clipName, "a");
   EXPECT_EQ(list.clips[0].aliases, Strings{}) << "AX is no name";
   EXPECT_EQ(list.clips[4].aliases, Strings{"RC1"});
@@ -409,7 +409,7 @@ TEST(Edl, SourceTableComesBeforeEverythingElse)
                               "* REEL: NOTE2\n>>> SOURCE A001_LONG  A001 id1\n"
                               "* SOURCE FILE: of the row\n>>> SOURCE B001 B001 id2\n");
   EXPECT_EQ(reels(list), (Strings{"A001_LONG", "B001"}));
-  EXPECT_EQ(list.clips[0].aliases, (Strings{"A001", "NOTE"}));
+  EXPECT_EQ(list.clips[0].aliases, (Strings{"A001", "NOTE", "of the row"}));
   EXPECT_EQ(list.clips[1].aliases, Strings{"NOTE2"});
   EXPECT_EQ(sourceFiles(list), (Strings{"", ""})) << "a note below a row is the row's";
   EXPECT_TRUE(list.ambiguous.empty());
@@ -435,11 +435,15 @@ TEST(Edl, AReelThatReplacesSeveralStaysAndIsReported)
   EXPECT_EQ(list.ambiguous[0].names, (Strings{"006-I", "006_I"}));
 }
 
-TEST(Edl, ReelNoteComesBeforeTheReelText)
+TEST(Edl, ReelNoteIsTheNameOnlyIfTheReelTextIsCut)
 {
-  const List list = readWhole(event("001", "SR007 A2 C") + "* REEL: SR007_DAY03\n" + event("002", "SR007 A2 C"));
-  EXPECT_EQ(reels(list), (Strings{"SR007_DAY03", "SR007"}));
-  EXPECT_EQ(list.clips[0].aliases, Strings{"SR007"});
+  const List cut = readWhole(event("001", "SR0071 A2 C") + "* REEL: SR0071_DAY03\n" + event("002", "SR007 A2 C"));
+  EXPECT_EQ(reels(cut), (Strings{"SR0071_DAY03", "SR007"}));
+  EXPECT_EQ(cut.clips[0].aliases, Strings{"SR0071"});
+  const List column = readWhole(event("001", "SR007 A2 C") + "* REEL: SR007_DAY03\n" + event("002", "B001C002 V C") +
+                                "* REEL: LUT_NIGHT\n");
+  EXPECT_EQ(reels(column), (Strings{"SR007", "B001C002"}));
+  EXPECT_EQ(column.clips[0].aliases, Strings{"SR007_DAY03"});
 }
 
 TEST(Edl, ReelIsClipMakesNoReel)
@@ -464,16 +468,16 @@ TEST(Edl, ACutNameThatFitsSeveralSourcesStaysAndIsReportedOnce)
   EXPECT_EQ(list.ambiguous[0].sourceIds, (Strings{"id1", "id2"}));
 }
 
-TEST(Edl, SourcesThatShareANameAreOneReelAndReported)
+TEST(Edl, SourcesThatShareANameAreTwoReelsAndReported)
 {
   const List list = readWhole(event("001", "GFX V C") + event("002", "GFX_L V C") + event("003", "B V C") +
                               ">>> SOURCE GFX_LONG GFX id1\n>>> SOURCE GFX_LONG GFX_L id2\n>>> SOURCE B B id3\n"
                               ">>> SOURCE C C id4\n>>> SOURCE C C id5\n");
-  EXPECT_EQ(reels(list), (Strings{"GFX_LONG", "GFX_LONG", "B"}));
+  EXPECT_EQ(reels(list), (Strings{"GFX_LONG", "GFX_L", "B"}));
   ASSERT_EQ(list.ambiguous.size(), 1u) << "C is no reel of this list";
   EXPECT_EQ(list.ambiguous[0].reel, "GFX_LONG");
-  EXPECT_EQ(list.ambiguous[0].reason, "several sources of the list share the name");
-  EXPECT_EQ(list.ambiguous[0].names, Strings{});
+  EXPECT_EQ(list.ambiguous[0].reason, "several sources of the list have the name");
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"GFX_LONG", "GFX_L"}));
   EXPECT_EQ(list.ambiguous[0].sourceIds, (Strings{"id1", "id2"}));
 }
 
@@ -521,11 +525,11 @@ TEST(Edl, ControlCharactersInNamesCostTheirEvent)
   EXPECT_EQ(list.rejected[2].line, 4);
   EXPECT_EQ(list.rejected[2].reason, "clip name 'x\\x7fy' holds a control character (\\x7f)");
   EXPECT_EQ(list.rejected[3].reason, "source file 'f\\x02' holds a control character (\\x02)");
-  EXPECT_EQ(list.rejected[4].reason, "reel 'A\\x0bB' holds a control character (\\x0b)");
+  EXPECT_EQ(list.rejected[4].reason, "other name of the reel 'A\\x0bB' holds a control character (\\x0b)");
   EXPECT_EQ(list.rejected[5].reason, "reel 'C1\\x02' holds a control character (\\x02)");
 }
 
-TEST(Edl, ControlCharactersInOtherFieldsAreNoFields)
+TEST(Edl, ControlCharactersInOtherFieldsAreNotFields)
 {
   const List list =
       readWhole(event("001", "A V\x01 C") + "002  A V C 01:00:00:00\x01 01:00:01:00 10:00:00:00 10:00:01:00\n");
@@ -654,6 +658,67 @@ TEST(Edl, OneLineOfMegabytesCostsThatLine)
   EXPECT_EQ(list.rejected[0].text.size(), 1003u);
   EXPECT_EQ(list.rejected[0].reason,
             "reel '" + std::string(40, 'R') + "...' has " + std::to_string(many.size()) + " characters (at most 129)");
+}
+
+TEST(Edl, MarkersWithoutAStarAreNotes)
+{
+  const List list = readWhole(event("001", "A V C") + "LOC: 00:00:01:00 YELLOW X|D:464\n--\n" + event("002", "B V C") +
+                              "|C:Blue |M:m |D:1\n");
+  EXPECT_EQ(reels(list), (Strings{"A", "B"}));
+  EXPECT_TRUE(list.rejected.empty());
+  EXPECT_EQ(list.tally.notes, 3);
+}
+
+TEST(Edl, FileOfNotesIsAnEmptyList)
+{
+  const List list = readWhole("* a note\n|C:Blue |M:m |D:1\n");
+  EXPECT_TRUE(list.clips.empty());
+  EXPECT_EQ(list.tally.notes, 2);
+}
+
+TEST(Edl, OneReelTextForAllClipsIsADoubt)
+{
+  const std::string two = event("001", "001 V C") + event("002", "001 V C");
+  EXPECT_TRUE(readWhole(two).ambiguous.empty());
+  const List list = readWhole(two + event("003", "001 V C"));
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].reel, "001");
+  EXPECT_TRUE(readWhole(two + event("003", "B V C")).ambiguous.empty());
+}
+
+TEST(Edl, TwoOwnNamesOfOneReelTextAreTwoReels)
+{
+  const List list =
+      readWhole(event("001", "FKI_LEAD V C") + "* SOURCE FILE: FKI_LEADER_HEAD.MOV\n" + event("002", "FKI_LEAD V C") +
+                "* SOURCE FILE: FKI_LEADER_TAIL.MOV\n" + event("003", "FKI_LEAD V C"));
+  EXPECT_EQ(reels(list), (Strings{"FKI_LEADER_HEAD.MOV", "FKI_LEADER_TAIL.MOV", "FKI_LEAD"}));
+  EXPECT_EQ(list.clips[0].evidence, NameEvidence::SourceFile);
+  EXPECT_FALSE(list.clips[0].mayBeCut);
+  EXPECT_TRUE(list.clips[2].mayBeCut);
+}
+
+TEST(Edl, SourceFilesBehindAReelTextThatIsNotCutAreADoubt)
+{
+  const std::string one = event("001", "ACC112   V C") + "* SOURCE FILE: ACC112 WARBIRDS\n";
+  EXPECT_TRUE(readWhole(one).ambiguous.empty());
+  const List list = readWhole(one + event("002", "ACC112   V C") + "* SOURCE FILE: ACC112 TAKE 2\n");
+  EXPECT_EQ(reels(list), (Strings{"ACC112", "ACC112"}));
+  ASSERT_EQ(list.ambiguous.size(), 1u);
+  EXPECT_EQ(list.ambiguous[0].names, (Strings{"ACC112 WARBIRDS", "ACC112 TAKE 2"}));
+}
+
+TEST(Edl, SourceIdsStayWithTheClip)
+{
+  const List list = readWhole(
+      event("001", "A001C001 V C") + event("002", "B V C") + event("003", "C1 V C") +
+      ">>> SOURCE A001C001_LONG A001C001 060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}\n"
+      "* SOURCE FILE: A001C001_LONG_AND_WHOLE\n>>> SOURCE B B id2\n>>> SOURCE B B id3\n");
+  EXPECT_EQ(list.clips.at(0).reel, "A001C001_LONG_AND_WHOLE");
+  EXPECT_EQ(list.clips.at(0).sourceId, "060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}");
+  EXPECT_EQ(list.clips.at(1).sourceId, "") << "the table does not say which of the two";
+  EXPECT_EQ(list.clips.at(2).sourceId, "");
+  EXPECT_EQ(readWhole(event("001", "A V C") + ">>> SOURCE A A 4919975f.793b8d33\n").clips.at(0).sourceId, "")
+      << "it counts only within its list";
 }
 
 } // namespace

@@ -214,7 +214,7 @@ TEST(RateOf, FurtherDecimalsCutOnesAndFractionsMeanTheSame)
   EXPECT_EQ(rateOf("47.952"), (FrameRate{48, true}));
 }
 
-TEST(RateOf, OtherTextIsNoRate)
+TEST(RateOf, OtherTextIsNotARate)
 {
   for (const char* text : {"",     "0",   "12",  "12.5",       "23",           "23.9",          "23.99", "24.01",
                            "29.9", "-25", "+25", "25 ",        " 25",          "25fps",         "1/0",   "0/1",

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Lists from the field, which are not part of the project: the folder comes from REELDB_SAMPLES. What each must give
-// was counted with a script of its own.
+// was counted with a script of its own; list_names.py counts the names.
 #include <algorithm>
 #include <cstdint>
 #include <cstdlib>
@@ -30,10 +30,10 @@ struct Sample {
 };
 
 const Sample samples[] = {
-    {"01_file32_source_table.edl", 287, 0, 158, 0x1a9d0ca92da0d429U},
+    {"01_file32_source_table.edl", 287, 0, 158, 0x48e4f25b4717d509U},
     {"02_file32_source_table_b.edl", 250, 0, 165, 0x31832146c7c42c35U},
-    {"04_audio_dissolves_BL.edl", 144, 4, 6, 0x018e980624fd3153U},
-    {"05_sound_rolls.edl", 575, 0, 27, 0xae461541af7c3083U},
+    {"04_audio_dissolves_BL.edl", 144, 4, 11, 0xd451100575e543a8U},
+    {"05_sound_rolls.edl", 575, 0, 28, 0x2437b7dbfd4f0916U},
     {"06_long_mixed_case_reels.edl", 42, 0, 20, 0xd41cefd6a6093182U},
     {"08_no_FCM_no_comments.edl", 38, 0, 32, 0x375312e24da21b61U},
     {"10_AX_BL_dissolve_wipe_M2.edl", 12, 1, 4, 0xdcbf8011d3308f83U},
@@ -89,7 +89,8 @@ TEST_P(Samples, GivesExactlyItsReels)
   EXPECT_TRUE(list.rejected.empty());
   EXPECT_TRUE(list.warnings.empty());
   EXPECT_TRUE(list.spellings.empty());
-  EXPECT_TRUE(list.ambiguous.empty());
+  EXPECT_EQ(list.ambiguous.empty(), list.format == Format::Ale || sample.reels > 1)
+      << "one reel for all clips is a doubt";
 }
 
 TEST_P(Samples, EveryLineIsAccountedFor)

@@ -116,7 +116,7 @@ TEST(SourceTable, ARowWithoutAnIdNeedsTwoFormsOfOneReelOfTheList)
   for (const char* second : {"TWO", "060A2B34GBCDEF09", "060a2b34a", "id12"})
     EXPECT_EQ(fault(std::string("ONE ") + second, {"ONE", "TWO"}),
               std::string("source row without an id, and 'ONE' and '") + second + "' are not two forms of one name")
-        << "a name or an id: one cannot tell";
+        << "it may be a name or an id";
 }
 
 TEST(SourceTable, ARowOfNamesOrAnIdThatAreTooLongIsRefused)

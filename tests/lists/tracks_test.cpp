@@ -49,7 +49,7 @@ TEST(ParseTracks, ReadAsNumbersEachIsOneChannel)
   EXPECT_EQ(count("VA1A12", Digits::Number), "1/2");
 }
 
-TEST(ParseTracks, OtherTextsAreNoChannels)
+TEST(ParseTracks, OtherTextsAreNotChannels)
 {
   for (const char* bad : {"", "C", "REEL", "V/", "/V", "A//V", "B2", "V-A", "A1-4", "12"})
     EXPECT_EQ(count(bad), "none") << bad;
@@ -90,7 +90,7 @@ TEST(ParseLogTracks, NumbersAreOneTrackAndRangesAreAsManyAsTheySay)
   EXPECT_EQ(logCount("V1-100A1-156"), "100/156");
 }
 
-TEST(ParseLogTracks, OtherTextsAreNoTracks)
+TEST(ParseLogTracks, OtherTextsAreNotTracks)
 {
   for (const char* bad :
        {"",        "XYZ",   "C",      "VX",           "V-A", "A1-", "A-4", "A4-1", "A0", "A0-4", "A1-V4",

@@ -123,7 +123,7 @@ TEST(Write, DropFrameIsSaidWhereItChanges)
   EXPECT_EQ(text.find("FCM", change + 4), std::string::npos);
 }
 
-TEST(Write, MoreEventsThanTheDeviceTakesAreWrittenAndRemarkedOn)
+TEST(Write, MoreEventsThanTheDeviceTakesAreWrittenAndWarnedAbout)
 {
   std::vector<Clip> clips(1000, clipOf("A", "", "V", 1, 0));
   const Written written = writeEdl("", clips, 8);
@@ -135,7 +135,7 @@ TEST(Write, MoreEventsThanTheDeviceTakesAreWrittenAndRemarkedOn)
   EXPECT_EQ(writeEdl("", clips, 32).remarks, Strings{});
 }
 
-TEST(Write, ClipNamesLongerThanLogsHaveAreWrittenAndRemarkedOn)
+TEST(Write, ClipNamesLongerThanLogsHaveAreWrittenAndWarnedAbout)
 {
   const std::vector<Clip> clips = {clipOf("A", std::string(33, 'n'), "V", 1, 0),
                                    clipOf("A", std::string(32, 'n'), "V", 1, 0)};
@@ -151,7 +151,7 @@ TEST(Write, ClipWithoutAReelIsLeftOut)
   EXPECT_EQ(written.leftOut, Strings{"clip 'ONE' of reel '': left out (it has no reel)"});
 }
 
-TEST(Write, TextThatIsNotUtf8IsReadAsLatin1AndRemarkedOn)
+TEST(Write, TextThatIsNotUtf8IsReadAsLatin1AndWarnedAbout)
 {
   const Written written = writeAle("25", {clipOf("K\xdcSTE", "", "V", 1, 0)});
   EXPECT_EQ(read(written.text).clips.at(0).reel, "K\xc3\x9cSTE");
@@ -300,7 +300,7 @@ TEST(WriteEdlEvents, SourceIdsAreATable)
   EXPECT_NE(text.find(">>> SOURCE B001     B001     4919975f 793b8d33\n"), std::string::npos) << text;
 }
 
-TEST(WriteEdlEvents, IdsThatDifferBetweenTheEventsOfAReelAreRemarkedOn)
+TEST(WriteEdlEvents, IdsThatDifferBetweenTheEventsOfAReelAreWarnedAbout)
 {
   Clip one = clipOf("A001", "", "V", 1, 0), other = one;
   one.event.sourceIds = {{"source table", "11111111.22222222"}};
@@ -351,7 +351,7 @@ TEST(WriteEdlEvents, WhatIsLeftOfTwoEventsDoesNotBecomeOne)
   EXPECT_NE(text.find("\n002  B "), std::string::npos) << text;
 }
 
-TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsRemarkedOn)
+TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsWarnedAbout)
 {
   const List list = read("TITLE: A\n" + event("001", "BL V C") + event("001", "A001 V D 024") +
                          "M2 A001 012.5 01:00:00:00\n>>> SOURCE A001 A001 4919975f.793b8d33\n");
@@ -422,7 +422,7 @@ TEST(ReelMap, BlackStaysBlack)
   EXPECT_EQ(specialLines(list), 1);
 }
 
-TEST(WriteEdl, TextThatMeansNoValueIsRemarkedOn)
+TEST(WriteEdl, TextThatMeansNoValueIsWarnedAbout)
 {
   Clip clip = clipOf("A", "(null)", "V", 1, 0);
   clip.sourceFile = "(NULL)";

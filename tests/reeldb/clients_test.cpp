@@ -313,7 +313,7 @@ TEST_F(Clients, GoToTheManagerOfTheProcess)
 
   second.informReelDbChanged("R1");
   second.informReelDbRecChanged("R1");
-  EXPECT_EQ(heard_, Heard{}) << "each manager tells its own clients";
+  EXPECT_EQ(heard_, Heard{}) << "each manager notifies its own clients";
 }
 
 TEST_F(Clients, OfASecondManagerAreNotifiedByThatOneOnly)

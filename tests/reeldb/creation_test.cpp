@@ -328,7 +328,7 @@ TEST_F(Creation, NamelessDeviceThatNamesReelsStoresTheEmptyIdentifier)
   ASSERT_TRUE(reel.valid());
   EXPECT_EQ(configText(reel, "reelid"), "");
   EXPECT_EQ(logName(reel), "[reel] R1");
-  EXPECT_EQ(heard_, Heard{"dbC()"}) << "a record without identifier has nobody to be told of it";
+  EXPECT_EQ(heard_, Heard{"dbC()"}) << "a record without identifier has no client to notify";
 }
 
 // --- The project's default type ------------------------------------------------------------------

@@ -93,7 +93,8 @@ TEST_F(Lifecycle, FirstEntryDoesItsStepsInOrder)
   EXPECT_EQ(calls,
             (Texts{"get_project_cookie", "get_project_cookie", "EditManager::getProjdb", "projdb::search",
                    "EditManager::ProjOpts", "configb::in", "configb::set", "resetDevices", "get_project_cookie"}));
-  EXPECT_EQ(callsBeforeTelling, 4U) << "clients are told once the list is rebuilt, before the options are looked at";
+  EXPECT_EQ(callsBeforeTelling, 4U)
+      << "clients are notified once the list is rebuilt, before the options are looked at";
   EXPECT_EQ(heard_, (Heard{"dbC()"}));
 }
 
@@ -129,7 +130,7 @@ TEST_F(Lifecycle, EntryDecidesByTheProjectAtItsStartAndRemembersTheOneAtItsEnd)
   manager().lastProject = project("PONE");
   script().projectCookies = {project("PTWO"), project("PONE"), project("PTHREE")};
   EXPECT_EQ(countOf(operationsOf([&] { manager().handleProjectEntry(); }), "resetDevices"), 0)
-      << "the second answer is compared";
+      << "the second result is compared";
   EXPECT_EQ(text(manager().lastProject), "PONE");
 
   script().projectCookies = {project("PONE"), project("PTWO"), project("PTHREE")};
@@ -535,7 +536,7 @@ TEST_F(Lifecycle, HostNotifiesManagersOfTheProjectWhileTheyLive)
   }
   heard_.clear();
   enterProject("THREE");
-  EXPECT_EQ(heard_, (Heard{"dbC()"})) << "a manager that is gone hears nothing";
+  EXPECT_EQ(heard_, (Heard{"dbC()"})) << "a manager that is gone is not notified";
 }
 
 TEST_F(Lifecycle, SecondManagerKeepsItsOwnAffairs)

@@ -420,7 +420,7 @@ TEST_F(Listing, ConfigurationOfTheDeviceIsFetchedFirstAndOnceAlsoForNoReels)
   for (const char* const id : {"A", "B", "C"})
     addReel(id);
   const auto lines = linesOf([&] { compatible(); });
-  EXPECT_EQ(fetched, Texts(lines.begin(), lines.begin() + 2));
+  EXPECT_EQ(Texts(lines.begin(), lines.begin() + 2), fetched);
   const auto calls = operationsOf([&] { compatible(); });
   EXPECT_EQ(countOf(calls, "ExtDeviceConfigurationManager::getConfig"), 1);
   EXPECT_EQ(countOf(calls, "ODBViewRep::displayRecordsAt"), 3);

@@ -142,7 +142,7 @@ TEST_F(LiveMedia, OtherManagerMakesTheReelThatItsOwnListLacksAndListsItItself)
   other.checkLiveDeviceMedia(camera);
   EXPECT_EQ(other.reelList.count(), 2);
   EXPECT_EQ(manager().reelList.count(), 1);
-  EXPECT_EQ(countOf(heard_, "dbC(Cam 2 live feed)"), 0) << "each manager tells its own clients of a new reel";
+  EXPECT_EQ(countOf(heard_, "dbC(Cam 2 live feed)"), 0) << "each manager notifies its own clients of a new reel";
 }
 
 TEST_F(LiveMedia, OtherManagerMakesNoReelThatItsOwnListHolds)

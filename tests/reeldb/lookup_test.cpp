@@ -58,25 +58,25 @@ protected:
 TEST_F(Lookup, FindsTheReelWhateverTheCaseOfItsLetters)
 {
   const Cookie abc = addReel("abc"), other = addReel("Xyz-9");
-  EXPECT_EQ(text(abc), found("ABC"));
-  EXPECT_EQ(text(abc), found("aBc"));
-  EXPECT_EQ(text(abc), found("abc"));
-  EXPECT_EQ(text(other), found("xYZ-9"));
+  EXPECT_EQ(found("ABC"), text(abc));
+  EXPECT_EQ(found("aBc"), text(abc));
+  EXPECT_EQ(found("abc"), text(abc));
+  EXPECT_EQ(found("xYZ-9"), text(other));
 }
 
 TEST_F(Lookup, FindsWholeIdentifiersOnly)
 {
   addReel("abc");
   for (const char* const id : {"ab", "abcd", " abc", "abc ", "b", "a*c", "*"})
-    EXPECT_EQ(invalid(), found(id)) << id;
+    EXPECT_EQ(found(id), invalid()) << id;
 }
 
 TEST_F(Lookup, BlanksOfAStoredIdentifierBelongToIt)
 {
   const Cookie reel = addReel(" abc ");
-  EXPECT_EQ(text(reel), found(" ABC "));
+  EXPECT_EQ(found(" ABC "), text(reel));
   for (const char* const id : {"abc", " abc", "abc "})
-    EXPECT_EQ(invalid(), found(id)) << id;
+    EXPECT_EQ(found(id), invalid()) << id;
 }
 
 TEST_F(Lookup, InvalidCookieInTheListIsOpenedLikeAnyOther)
@@ -92,26 +92,26 @@ TEST_F(Lookup, InvalidCookieInTheListIsOpenedLikeAnyOther)
 TEST_F(Lookup, FoldsAsciiLettersOnly)
 {
   const Cookie lower = addReel("caf\xC3\xA9");
-  EXPECT_EQ(text(lower), found("CAF\xC3\xA9"));
-  EXPECT_EQ(invalid(), found("CAF\xC3\x89"));
+  EXPECT_EQ(found("CAF\xC3\xA9"), text(lower));
+  EXPECT_EQ(found("CAF\xC3\x89"), invalid());
   addReel("a[b");
-  EXPECT_EQ(invalid(), found("a{b"));
+  EXPECT_EQ(found("a{b"), invalid());
 }
 
 TEST_F(Lookup, FindsTheFirstOfTwoThatDifferInCaseOnly)
 {
   const Cookie first = addReel("Cam"), second = addReel("CAM");
-  EXPECT_EQ(text(first), found("Cam"));
-  EXPECT_EQ(text(first), found("CAM"));
-  EXPECT_EQ(text(first), found("cam"));
+  EXPECT_EQ(found("Cam"), text(first));
+  EXPECT_EQ(found("CAM"), text(first));
+  EXPECT_EQ(found("cam"), text(first));
 
   CookieVec swapped;
   swapped.add(second);
   swapped.add(first);
   script().maskSearchResult = swapped;
   manager().buildReelList();
-  EXPECT_EQ(text(second), found("Cam"));
-  EXPECT_EQ(text(second), found("CAM"));
+  EXPECT_EQ(found("Cam"), text(second));
+  EXPECT_EQ(found("CAM"), text(second));
 }
 
 TEST_F(Lookup, NeverFindsTheEmptyIdentifier)
@@ -147,15 +147,15 @@ TEST_F(Lookup, OpensEachLogInTheDefaultWayAndReadsTheIdentifier)
   const auto lines = linesOf([&] { manager().getCookieFromReelId("A"); });
   ASSERT_EQ(lines.size(), 3U);
   EXPECT_EQ(lines[0].find("EditInfo::EditInfo(" + text(reel) + ", 0)"), 0U) << lines[0];
-  EXPECT_EQ("EditInfo::getAttrib(" + text(reel) + ", 20) -> \"A\"", lines[1]);
-  EXPECT_EQ("EditPtr::i_close(" + text(reel) + ")", lines[2]);
+  EXPECT_EQ(lines[1], "EditInfo::getAttrib(" + text(reel) + ", 20) -> \"A\"");
+  EXPECT_EQ(lines[2], "EditPtr::i_close(" + text(reel) + ")");
 }
 
 TEST_F(Lookup, SkipsLogsWithoutIdentifier)
 {
   addReel("");
   const Cookie reel = addReel("A");
-  EXPECT_EQ(text(reel), found("A"));
+  EXPECT_EQ(found("A"), text(reel));
   EXPECT_EQ(looksFor("A"), 2);
 }
 
@@ -170,7 +170,7 @@ TEST_F(Lookup, SkipsALogThatDoesNotOpenAndClosesIt)
 
   EXPECT_EQ(countOf(calls, "EditInfo::EditInfo"), 3);
   EXPECT_EQ(countOf(calls, "EditPtr::i_close"), 3);
-  EXPECT_EQ(invalid(), found("B"));
+  EXPECT_EQ(found("B"), invalid());
   EXPECT_EQ(reelhost::openLogs(), 0);
 }
 
@@ -178,16 +178,16 @@ TEST_F(Lookup, GoesByTheAttributeNotByTheStoredKey)
 {
   const Cookie reel = addReel("stored");
   script().attribute(reel, "shown");
-  EXPECT_EQ(text(reel), found("SHOWN"));
-  EXPECT_EQ(invalid(), found("stored"));
+  EXPECT_EQ(found("SHOWN"), text(reel));
+  EXPECT_EQ(found("stored"), invalid());
 }
 
 TEST_F(Lookup, FindsAReelMadeByOthersAfterTheNextRebuildOnly)
 {
   const Cookie reel = addLog(9, "A");
-  EXPECT_EQ(invalid(), found("A"));
+  EXPECT_EQ(found("A"), invalid());
   manager().informReelDbChanged("");
-  EXPECT_EQ(text(reel), found("A"));
+  EXPECT_EQ(found("A"), text(reel));
 }
 
 TEST_F(Lookup, LooksAtTheLogsThatWereListedWhenItBegan)
@@ -200,7 +200,7 @@ TEST_F(Lookup, LooksAtTheLogsThatWereListedWhenItBegan)
       manager().handleProjectExit(); // a host may call the library while it opens a log
   };
 
-  EXPECT_EQ(text(last), found("C"));
+  EXPECT_EQ(found("C"), text(last));
   EXPECT_EQ(manager().reelList.count(), 0);
 }
 
@@ -215,9 +215,9 @@ TEST_F(Lookup, LooksAtTheLogsItBeganWithAlsoWhenTheListIsRebuiltUnderneath)
       replaceReelList();
   };
 
-  EXPECT_EQ(text(last), found("C"));
+  EXPECT_EQ(found("C"), text(last));
   EXPECT_EQ(manager().reelList.count(), 3);
-  EXPECT_EQ(invalid(), found("C"));
+  EXPECT_EQ(found("C"), invalid());
 }
 
 TEST_F(Lookup, IsOfOneManagersListAlone)
@@ -465,7 +465,7 @@ TEST_F(Lookup, MarksDoNotAffectLookups)
 {
   const Cookie reel = addReel("A", "Live");
   manager().reelInUse("A", true);
-  EXPECT_EQ(text(reel), found("A"));
+  EXPECT_EQ(found("A"), text(reel));
   EXPECT_TRUE(manager().representsLiveMaterial("A"));
   std::vector<LightweightString<char>> ids;
   manager().getAllReelIds(ids, true);

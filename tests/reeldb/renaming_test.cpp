@@ -725,7 +725,7 @@ TEST_F(Copying, EachHostCallMayThrow)
       },
       [&] {
         if (heard_ != Heard{"some(to)", "done"}) {
-          EXPECT_EQ(heard_, Heard{}) << "a copy that failed tells nobody";
+          EXPECT_EQ(heard_, Heard{}) << "a copy that failed notifies nobody";
         }
         heard_.clear();
         copy("from", "to");

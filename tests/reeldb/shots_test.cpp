@@ -121,7 +121,7 @@ TEST_F(LogTypes, LogThatDoesNotOpenButHasARowIsAReel)
   EXPECT_TRUE(isReel(reel));
 }
 
-TEST_F(LogTypes, OtherTypesAreNoReels)
+TEST_F(LogTypes, OtherTypesAreNotReels)
 {
   for (int type : {0, 1, 2, 8, 10}) {
     const Cookie log = addLog(type, "A001");
@@ -320,7 +320,7 @@ TEST_F(ShotSearch, EmptyIdentifierMatchesLogsWithoutOne)
   const Cookie reel = addReel("");
   const Cookie none = addShot("");
   const Cookie some = addShot("A001");
-  EXPECT_EQ(shotsOf(reel), Lines{}) << "this host answers nothing for an empty identifier";
+  EXPECT_EQ(shotsOf(reel), Lines{}) << "this host returns nothing for an empty identifier";
   script().attributeSearchResult = cookies({none, some});
   EXPECT_EQ(shotsOf(reel), Lines{text(none)});
 }

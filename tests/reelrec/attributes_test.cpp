@@ -81,8 +81,8 @@ TEST_F(Attributes, IdIsTheTextOfAFieldThatWasReadAndHoldsOne)
     EXPECT_EQ(text(rec.reelId()), "");
   }
   {
-    const FieldAnswer successWithText(0, "answered");
-    EXPECT_EQ(text(rec.reelId()), "answered");
+    const FieldAnswer successWithText(0, "returned");
+    EXPECT_EQ(text(rec.reelId()), "returned");
   }
   EXPECT_EQ(text(rec.reelId()), "R1");
 }

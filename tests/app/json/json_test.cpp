@@ -25,7 +25,7 @@ using namespace reeldb::app;
 
 namespace {
 
-// --- What each result looks like -------------------------------------------------------------------
+// --- What each result looks like -----------------------------------------------------------------
 
 Reel sampleReel()
 {
@@ -99,16 +99,35 @@ ImportReport sampleImport()
   imported.list.timing.dropFrame = {"drop frame", 2, "FCM: DROP FRAME"};
   imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
   imported.list.timing.frames = 56;
+  imported.names = {
+      {"SHORT", lists::NameEvidence::ReelNote, true, "11", "SHORT_1", lists::Match::Cut, {}, {}},
+      {"C", lists::NameEvidence::ReelText, true, "", "C", lists::Match::Itself, {"C1", "C2"}, {"C1.mov"}}};
   imported.keeping = Keeping::NewVersion;
   imported.keptAs = 3;
   imported.difference.trimmed = {{sampleShot(), sampleShot()}};
   imported.earlier = 2;
-  return {{imported}, true, true, false, {"a remark is no part of it"}, {"D"}, {sampleShot()}};
+  return {
+      {imported}, true, true, false, {"a remark is no part of it"}, {"D"}, {sampleShot()}, {{"SHORT", "SHORT_1", 3}}};
 }
+
+/// A name of a list, and its object.
+NamedReel sampleName()
+{
+  return {"a1", lists::NameEvidence::SourceFile, true, "11", "A001", lists::Match::SameName, {"A002"}, {"A1.mov"}};
+}
+
+constexpr const char* nameObject =
+    R"({"name": "a1", "reel": "A001", "match": "same-name", "evidence": "source-file", "may_be_cut": true,
+        "source_id": "11", "perhaps": ["A002"], "clip_names": ["A1.mov"]})";
 
 const std::string importObject = R"({"dry_run": true, "stored": false, "files": [
     {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
      "shots_repeated": 3, "created": ["A", "B"], "matched": ["C"],
+      "names": [
+        {"name": "SHORT", "reel": "SHORT_1", "match": "cut", "evidence": "reel-note", "may_be_cut": true,
+         "source_id": "11", "perhaps": [], "clip_names": []},
+        {"name": "C", "reel": "C", "match": "itself", "evidence": "reel", "may_be_cut": true, "source_id": "",
+         "perhaps": ["C1", "C2"], "clip_names": ["C1.mov"]}],
      "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
      "spellings": [{"reel": "A", "other": "a"}],
      "ambiguous": [{"reel": "SHORT", "reason": "stands for several sources", "names": ["SHORT_1", "SHORT_2"],
@@ -124,7 +143,7 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
                                  std::string(shotObject) + R"(, "to": )" + shotObject +
                                  R"(}], "changed": []}, "earlier_list": 2}],
      "reels_removed": ["D"], "shots_removed": [)" +
-                                 shotObject + "]}";
+                                 shotObject + R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}]})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
@@ -226,22 +245,25 @@ TEST(Json, NeedsSayTheStateInOneText)
 {
   Reel away = sampleReel();
   away.available = false;
-  expectJson(std::vector<Need>{{"A001", 2, sampleReel(), {}},
+  expectJson(std::vector<Need>{{"A001", 2, sampleReel(), {}, {sampleName()}},
                                {"A002", 1, std::nullopt, {"missing"}},
                                {"A003", 1, away, {"unavailable", "unknown type"}}},
-             R"([{"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "Shelf 4"},
-                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": ""},
+             R"([{"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "Shelf 4", "names": [)" +
+                 std::string(nameObject) + R"(]},
+                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": "", "names": []},
                  {"id": "A003", "shots": 1, "state": "unavailable, unknown type", "type": "Tape 2ch",
-                  "bin": "Shelf 4"}])");
+                  "bin": "Shelf 4", "names": []}])");
 }
 
 TEST(Json, NameMeaningHasTheOneReelOrNull)
 {
-  expectJson(NameMeaning{"a1", {sampleCandidate()}, {7}},
-             R"({"name": "a1", "reel": "A001", "candidates": [{)" + std::string(candidateKeys) + R"(, "shots": 7}]})");
-  expectJson(NameMeaning{"a1", {sampleCandidate(), sampleCandidate()}, {7, 8}},
+  const std::string asList = R"(], "as_list": )" + std::string(nameObject) + "}";
+  expectJson(NameMeaning{"a1", {sampleCandidate()}, {7}, sampleName()},
+             R"({"name": "a1", "reel": "A001", "candidates": [{)" + std::string(candidateKeys) + R"(, "shots": 7})" +
+                 asList);
+  expectJson(NameMeaning{"a1", {sampleCandidate(), sampleCandidate()}, {7, 8}, sampleName()},
              R"({"name": "a1", "reel": null, "candidates": [{)" + std::string(candidateKeys) + R"(, "shots": 7}, {)" +
-                 candidateKeys + R"(, "shots": 8}]})");
+                 candidateKeys + R"(, "shots": 8})" + asList);
 }
 
 TEST(Json, Import)
@@ -254,15 +276,18 @@ TEST(Json, Differences)
 {
   ListDiff diff;
   diff.files = {"cut.edl"};
-  diff.newReels = {{"B1", {sampleCandidate()}}};
+  diff.newReels = {{"B1", {sampleCandidate()}, {"B12"}}};
+  diff.names = {sampleName()};
+  diff.moves = {{"A", "B", 2}};
   diff.spellings = {{"A", "a"}};
   diff.added = {sampleShot()};
   diff.rejected = {{"cut.edl", {7, "bad", "no timecodes"}}};
   diff.trimmed = {{sampleShot(), sampleShot()}};
   diff.versions = {3, std::nullopt};
   const std::string head = R"({"files": ["cut.edl"], "equal": false, "reels_new": [{"reel": "B1", "candidates": [{)" +
-                           std::string(candidateKeys) + R"(}]}], "reels_gone": )";
-  const std::string rest = R"(, "spellings": [{"reel": "A", "other": "a"}], "shots_added": [)" +
+                           std::string(candidateKeys) + R"(}], "perhaps": ["B12"]}], "reels_gone": )";
+  const std::string rest = R"(, "spellings": [{"reel": "A", "other": "a"}], "names": [)" + std::string(nameObject) +
+                           R"(], "moved": [{"from": "A", "to": "B", "shots": 2}], "shots_added": [)" +
                            std::string(shotObject) + R"(], "shots_gone": [],
       "rejected": [{"file": "cut.edl", "line": 7, "text": "bad", "reason": "no timecodes"}],
       "shots_trimmed": [{"from": )" +
@@ -347,7 +372,7 @@ TEST(Json, EventsAreALineEach)
     EXPECT_EQ(fromJson<ReelEvent>(jsonLine(ReelEvent{what, "B", ""})).what, what);
 }
 
-// --- Bytes -----------------------------------------------------------------------------------------
+// --- Bytes ---------------------------------------------------------------------------------------
 
 TEST(JsonText, WhatSteersATerminalIsEscapedAndMeansTheSame)
 {
@@ -366,7 +391,7 @@ TEST(JsonText, BytesThatAreNotUtf8AreReplaced)
   EXPECT_EQ(fromJson<Reel>(jsonLine(reel)).id, "a\xef\xbf\xbd");
 }
 
-// --- Texts that are not a report of this kind -------------------------------------------------------
+// --- Texts that are not a report of this kind ----------------------------------------------------
 
 template <class T>
 void expectRefused(const std::string& text)

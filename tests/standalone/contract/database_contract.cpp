@@ -117,7 +117,7 @@ TEST_P(Database, ALogOfNoTypeIsFoundAmongTheShots)
 }
 
 // All found logs are renamed and deleted as shots.
-TEST_P(Database, AReelLogIsNoShot)
+TEST_P(Database, AReelLogIsNotAShot)
 {
   PROMISE("host/projdb.h", "every log that is not a reel log.");
   host().openEmptyProject("A");

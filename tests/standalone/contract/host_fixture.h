@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The host contract: what the library relies on of any host, one case a promise. The cases are written against the host
-// headers alone; what else they need, they ask of this interface. To try a host, write a HostSetUp for it, define
+// The host contract: what the library relies on of any host, one case per promise. The cases are written against the
+// host headers alone; what else they need, they ask of this interface. To try a host, write a HostSetUp for it, define
 // hosts(), and link both with the suite and the host: with CMake, reeldb_add_host_contract(NAME SETUP file.cpp HOST
 // host) does it.
 #ifndef REELDB_CONTRACT_HOST_FIXTURE_H
@@ -41,9 +41,9 @@ struct Device {
   std::string labelMap;
 };
 
-/// Brings the host into the state that a case starts from. Each case has one of its own; nothing of an earlier case may
-/// shine through, but for numbers that are never given out twice. When a case begins, no project is open and no device
-/// is there.
+/// Brings the host into the state that a case starts from. Each case has one of its own. Nothing of an earlier
+/// case may be visible in it, except that numbers are never given out twice. When a case begins, no project is open and
+/// no device is there.
 class HostSetUp {
 public:
   virtual ~HostSetUp() = default;

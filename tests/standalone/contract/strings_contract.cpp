@@ -146,13 +146,13 @@ TEST_P(Strings, NumbersAreAppendedInDecimal)
   EXPECT_STREQ(text.c_str(), "reel_userfield0-1");
   Text least;
   least += INT_MIN;
-  EXPECT_EQ(std::to_string(INT_MIN), std::string(least.c_str()));
+  EXPECT_EQ(std::string(least.c_str()), std::to_string(INT_MIN));
   Text character;
   character += 'x';
   EXPECT_STREQ(character.c_str(), "120");
 }
 
-TEST_P(Strings, WideOnesHoldOneCodePointAnElement)
+TEST_P(Strings, ElementOfAWideOneHoldsOneCodePoint)
 {
   PROMISE("host/lwstring.h", "device and file names wide (one 32-bit code point each)");
   const Wide text(L"\U0001F39E");

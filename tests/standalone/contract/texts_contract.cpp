@@ -23,7 +23,7 @@ TEST_P(Texts, Utf8GoesToWideAndBack)
   PROMISE("host/text.h", "UTF-8 to wide.");
   const std::string utf8 = "Caf\xC3\xA9 \xE2\x82\xAC \xF0\x9F\x8E\x9E";
   EXPECT_EQ(wide(fromUTF8(utf8.c_str())), L"Caf\u00e9 \u20ac \U0001F39E");
-  EXPECT_EQ(utf8, std::string(toUTF8(fromUTF8(utf8.c_str())).c_str()));
+  EXPECT_EQ(std::string(toUTF8(fromUTF8(utf8.c_str())).c_str()), utf8);
   EXPECT_TRUE(fromUTF8("").empty());
   EXPECT_TRUE(toUTF8(L"").empty());
 }
@@ -46,7 +46,7 @@ TEST_P(Texts, ASequenceThatBreaksOffIsReplacedByteByByte)
 }
 
 // Two spellings of one identifier must not become one text.
-TEST_P(Texts, WhatIsSpeltTooLongOrIsNoCharacterIsReplacedByteByByte)
+TEST_P(Texts, WhatIsSpeltTooLongOrIsNotACharacterIsReplacedByteByByte)
 {
   PROMISE("host/text.h", "Each byte that is not part of a well-formed sequence becomes U+FFFD.");
   EXPECT_EQ(wide(fromUTF8("\xC1\x81!")), std::wstring(2, L'\uFFFD') + L"!");         // A in two bytes
@@ -90,7 +90,7 @@ TEST_P(Texts, ToUpperChangesOnlyAsciiLetters)
   }
   Text text(before.c_str());
   toUpper(text);
-  EXPECT_EQ(after, std::string(text.c_str()));
+  EXPECT_EQ(std::string(text.c_str()), after);
   Text euro("\xE2\x82\xAC");
   toUpper(euro);
   EXPECT_STREQ(euro.c_str(), "\xE2\x82\xAC");

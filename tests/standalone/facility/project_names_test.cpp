@@ -97,7 +97,7 @@ TEST_F(ProjectNames, FacilityBehindALinkHasItsProjects)
   EXPECT_EQ(Facility::read(link).projectFile("main"), link / "projects" / "main.reels");
 }
 
-TEST_F(ProjectNames, MarksOfDirectionAreNoControlCharacters)
+TEST_F(ProjectNames, MarksOfDirectionAreNotControlCharacters)
 {
   EXPECT_EQ(facility().projectFile("\xE2\x80\x8F\xD7\x90"), projects() / "\xE2\x80\x8F\xD7\x90.reels");
 }

@@ -190,7 +190,7 @@ TEST_F(TypeFileCheckTest, FileThatLeadsNowhereButToItselfIsAnError)
             "Io: " + file().native() + ": cannot be opened (Too many levels of symbolic links)");
 }
 
-TEST_F(TypeFileCheckTest, ValueThatIsNotANumberIsRemarkedOn)
+TEST_F(TypeFileCheckTest, ValueThatIsNotANumberIsWarnedAbout)
 {
   expectRemark("VideoChannels=1 AudioChannels=x", "AudioChannels: \"x\" is not a number (read as 0)");
   expectRemark("VideoChannels=2x AudioChannels=3", "VideoChannels: \"2x\" is not a number (read as 2)");
@@ -199,7 +199,7 @@ TEST_F(TypeFileCheckTest, ValueThatIsNotANumberIsRemarkedOn)
   expectRemark("VideoChannels=\x1b", "VideoChannels: \"\\x1b\" is not a number (read as 0)");
 }
 
-TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsRemarkedOn)
+TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsWarnedAbout)
 {
   expectRemark("VideoChannels=65536", "VideoChannels: 65536 is too many (at most 65535; no reel can get this type)");
   expectRemark("AudioChannels=70000:AudioChannels=x",
@@ -210,7 +210,7 @@ TEST_F(TypeFileCheckTest, NumberThatNoReelCanHaveIsRemarkedOn)
   expectRemark("AudioChannels=-3", "AudioChannels: -3 is not a number of channels (no channels are added)");
 }
 
-TEST_F(TypeFileCheckTest, ParameterWithoutANumberIsRemarkedOn)
+TEST_F(TypeFileCheckTest, ParameterWithoutANumberIsWarnedAbout)
 {
   const std::string none = ": no number directly after the \"=\" (no channels are added)";
   expectRemark("VideoChannels = 2 AudioChannels=1", "VideoChannels" + none);
@@ -230,7 +230,7 @@ TEST_F(TypeFileCheckTest, WhiteSpaceBehindTheLastNumberIsNotPartOfIt)
   expectGood("a:VideoChannels=1\t\v\nb:\tAudioChannels=2\t \r\n");
 }
 
-TEST_F(TypeFileCheckTest, BothNumbersOfEveryRecordAreRemarkedOnInOrder)
+TEST_F(TypeFileCheckTest, BothNumbersOfEveryRecordAreWarnedAboutInOrder)
 {
   const std::string path = file().native();
   EXPECT_EQ(remarksOn("a:VideoChannels=x AudioChannels=y\r\nb:AudioChannels=z"),
@@ -269,7 +269,7 @@ TEST_F(FacilityTypes, FacilityWithoutATypeFileIsGood)
   EXPECT_EQ(Facility::read(dir()).remarks(), Lines{});
 }
 
-TEST_F(TypeFileCheckTest, ByteOrderMarkIsRemarkedOnWhereItIsPartOfAName)
+TEST_F(TypeFileCheckTest, ByteOrderMarkIsWarnedAboutWhereItIsPartOfAName)
 {
   const std::string mark = "\xEF\xBB\xBF";
   const Lines remark = {file().native() + ":1: a byte order mark is part of the name (store the file without it)"};

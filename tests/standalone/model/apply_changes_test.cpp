@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <random>
 #include <stdexcept>
 
 #include "reelhost/feed.h"
+#include "standalone/model/elsewhere.h"
 #include "standalone/model/forwarding_store.h"
 #include "standalone/model/host_test.h"
 #include "support/temp_folder.h"
@@ -45,7 +47,7 @@ protected:
   void SetUp() override
   {
     reelhost::createSqliteProject(file_, info(), {});
-    elsewhere_ = reelhost::makeSqliteStore(file_);
+    elsewhere_.emplace(file_);
     open();
   }
 
@@ -55,42 +57,10 @@ protected:
                           Access::Write);
   }
 
-  /// Stores the changes as another process would.
-  void store(const Changes& changes)
-  {
-    elsewhere_->begin(Access::Write, std::chrono::seconds(5));
-    elsewhere_->commit(changes);
-  }
-  void storeLogs(std::vector<StoredLog> logs)
-  {
-    Changes changes;
-    changes.logs = std::move(logs);
-    store(changes);
-  }
-  void removeElsewhere(std::vector<std::int64_t> numbers)
-  {
-    Changes changes;
-    changes.deleted = std::move(numbers);
-    store(changes);
-  }
-  /// The log with this number as it is stored.
-  StoredLog stored(std::int64_t number)
-  {
-    StoredLog found;
-    const auto take = [&](StoredLog&& log) {
-      if (log.number == number)
-        found = std::move(log);
-    };
-    elsewhere_->begin(Access::Read, std::chrono::seconds(5));
-    elsewhere_->readReels(take);
-    elsewhere_->readOthers(take);
-    elsewhere_->end();
-    return found;
-  }
-  /// The same with another value of a field.
+  /// The stored log with another value of a field.
   StoredLog with(std::int64_t number, const std::string& key, const std::string& value)
   {
-    StoredLog log = stored(number);
+    StoredLog log = elsewhere_->stored(number);
     std::erase_if(log.fields, [&](const auto& field) { return field.first == key; });
     log.fields.emplace_back(key, value);
     return log;
@@ -117,7 +87,7 @@ protected:
 
   TempFolder folder_;
   const std::filesystem::path file_ = folder_.path() / "shared.reels";
-  std::unique_ptr<reelhost::Store> elsewhere_;
+  std::optional<Elsewhere> elsewhere_;
   Cookie first_, second_, shot_;
   int wholeReads_ = 0;
 };
@@ -140,7 +110,7 @@ TEST_P(ApplyChanges, NothingWithoutACommitOfOthers)
 TEST_P(ApplyChanges, FieldOfAReelChangesThatReelAlone)
 {
   makeLogs();
-  storeLogs({with(2, "bin", "shelf 1")});
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
   RecordingListener listener;
   const ForeignChanges changes = applyChangesFromElsewhere();
   EXPECT_EQ(changes.state, State::Applied);
@@ -155,15 +125,15 @@ TEST_P(ApplyChanges, FieldOfAReelChangesThatReelAlone)
 TEST_P(ApplyChanges, ChangedReelsAreInTheOrderOfTheProject)
 {
   makeLogs();
-  storeLogs({with(2, "bin", "b")});
-  storeLogs({with(1, "bin", "a")});
+  elsewhere_->commitLogs({with(2, "bin", "b")});
+  elsewhere_->commitLogs({with(1, "bin", "a")});
   EXPECT_EQ(texts(applyChangesFromElsewhere().changedReels), (Texts{text(first_), text(second_)}));
 }
 
 TEST_P(ApplyChanges, OnlyNewReelIsNamed)
 {
   makeLogs();
-  storeLogs({newLog(7, 9, "R7"), with(1, "bin", "a")});
+  elsewhere_->commitLogs({newLog(7, 9, "R7"), with(1, "bin", "a")});
   const ForeignChanges changes = applyChangesFromElsewhere();
   EXPECT_TRUE(changes.reelSet);
   EXPECT_EQ(changes.newReel, "R7");
@@ -180,19 +150,19 @@ TEST_P(ApplyChanges, OtherChangesOfTheSetNameNoReel)
     EXPECT_TRUE(changes.reelSet) << what;
     EXPECT_EQ(changes.newReel, "") << what;
   };
-  storeLogs({newLog(7, 9, "R7"), newLog(8, 9, "R8")});
+  elsewhere_->commitLogs({newLog(7, 9, "R7"), newLog(8, 9, "R8")});
   changesTheSet("two new reels");
-  storeLogs({with(1, "reelid", "r1")});
+  elsewhere_->commitLogs({with(1, "reelid", "r1")});
   changesTheSet("another spelling");
   EXPECT_EQ(reelIdOf(first_), "r1");
-  removeElsewhere({7});
+  elsewhere_->remove({7});
   changesTheSet("a reel is gone");
-  storeLogs({newLog(9, 9, "R9")});
-  removeElsewhere({8});
+  elsewhere_->commitLogs({newLog(9, 9, "R9")});
+  elsewhere_->remove({8});
   changesTheSet("one new, one gone");
-  StoredLog noReel = stored(9);
+  StoredLog noReel = elsewhere_->stored(9);
   noReel.type = 1;
-  storeLogs({noReel});
+  elsewhere_->commitLogs({noReel});
   changesTheSet("a reel is no reel any more");
   EXPECT_EQ(reels().count(), 2);
 }
@@ -200,11 +170,11 @@ TEST_P(ApplyChanges, OtherChangesOfTheSetNameNoReel)
 TEST_P(ApplyChanges, ReelThatComesBackIsThereAgain)
 {
   makeLogs();
-  const StoredLog log = stored(1);
-  removeElsewhere({1});
+  const StoredLog log = elsewhere_->stored(1);
+  elsewhere_->remove({1});
   applyChangesFromElsewhere();
   EXPECT_FALSE(opens(first_));
-  storeLogs({log});
+  elsewhere_->commitLogs({log});
   EXPECT_EQ(applyChangesFromElsewhere().newReel, "R1");
   EXPECT_TRUE(opens(first_));
   EXPECT_EQ(texts(reels()), (Texts{text(first_), text(second_)}));
@@ -214,14 +184,14 @@ TEST_P(ApplyChanges, ShotsChangeNoReelAndAreReportedToListeners)
 {
   makeLogs();
   RecordingListener listener;
-  storeLogs({newLog(7, 1, "R2"), with(3, "reelid", "R2")});
+  elsewhere_->commitLogs({newLog(7, 1, "R2"), with(3, "reelid", "R2")});
   ForeignChanges changes = applyChangesFromElsewhere();
   EXPECT_FALSE(changes.reelSet);
   EXPECT_EQ(changes.changedReels.count(), 0);
   EXPECT_EQ(listener.heard, Texts{"modified 2"});
   EXPECT_EQ(shotsOf("R1").count(), 0);
   EXPECT_EQ(shotsOf("R2").count(), 2);
-  removeElsewhere({3});
+  elsewhere_->remove({3});
   changes = applyChangesFromElsewhere();
   EXPECT_FALSE(changes.reelSet);
   EXPECT_EQ(listener.heard, (Texts{"modified 2", "deleted 1 \"\""}));
@@ -233,7 +203,7 @@ TEST_P(ApplyChanges, OptionsAreApplied)
   makeLogs();
   Changes changes;
   changes.options = {{reelhost::frameRateOption, "5"}};
-  store(changes);
+  elsewhere_->commit(changes);
   const ForeignChanges applied = applyChangesFromElsewhere();
   EXPECT_EQ(applied.state, State::Applied);
   EXPECT_FALSE(applied.reelSet);
@@ -243,7 +213,7 @@ TEST_P(ApplyChanges, OptionsAreApplied)
 TEST_P(ApplyChanges, WaitWhileALogIsOpen)
 {
   makeLogs();
-  storeLogs({with(2, "bin", "shelf 1")});
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
   withLog(first_, [](Edit&) { EXPECT_EQ(applyChangesFromElsewhere().state, State::Later); });
   EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
   EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
@@ -255,7 +225,7 @@ TEST_P(ApplyChanges, ChangesThatAreNotStoredStayAndAreInTheWay)
   makeLogs();
   rename(first_, "R5");
   reelhost::idle();
-  storeLogs({with(2, "bin", "shelf 1")});
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
   EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }),
             "Busy: " + file_.string() +
                 ": changed by another process, and changes made here are not stored (read it again)");
@@ -267,7 +237,7 @@ TEST_P(ApplyChanges, ChangesThatAreNotStoredStayAndAreInTheWay)
 TEST_P(ApplyChanges, ListenerThatThrowsFindsEverythingApplied)
 {
   makeLogs();
-  storeLogs({with(2, "bin", "shelf 1"), with(1, "bin", "shelf 2")});
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1"), with(1, "bin", "shelf 2")});
   RecordingListener listener;
   listener.onEvent = [&](const std::string&) {
     EXPECT_EQ(fieldOf(first_, "bin"), "shelf 2");
@@ -297,7 +267,7 @@ TEST_P(ApplyChanges, OtherProjectInItsPlaceIsRead)
 TEST_P(ApplyChanges, ProjectThatCannotBeReadStaysAsItWas)
 {
   makeLogs();
-  storeLogs({with(2, "bin", "shelf 1")});
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
   std::filesystem::rename(file_, folder_.path() / "away.reels");
   EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }).substr(0, 9), "NotFound:");
   EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
@@ -323,19 +293,20 @@ TEST_P(ApplyChanges, ModelIsAsAFreshLoadAfterEveryCommitOfOthers)
     for (std::size_t commits = 1 + below(3); commits > 0; --commits) {
       const auto any = [&] { return static_cast<std::int64_t>(1 + below(static_cast<std::size_t>(last))); };
       const std::int64_t number = any();
-      const bool isThere = stored(number).number != 0;
+      const bool isThere = elsewhere_->stored(number).number != 0;
       switch (below(4)) {
       case 0:
-        storeLogs({newLog(++last, below(2) == 0 ? 9 : 1, "R" + std::to_string(below(6)))});
+        elsewhere_->commitLogs({newLog(++last, below(2) == 0 ? 9 : 1, "R" + std::to_string(below(6)))});
         break;
       case 1:
-        removeElsewhere({number});
+        elsewhere_->remove({number});
         break;
       case 2:
-        storeLogs({isThere ? with(number, "bin", std::to_string(below(3))) : newLog(number, 9, "R1")});
+        elsewhere_->commitLogs({isThere ? with(number, "bin", std::to_string(below(3))) : newLog(number, 9, "R1")});
         break;
       default:
-        storeLogs({isThere ? with(number, "reelid", "R" + std::to_string(below(6))) : newLog(number, 1, "R1")});
+        elsewhere_->commitLogs(
+            {isThere ? with(number, "reelid", "R" + std::to_string(below(6))) : newLog(number, 1, "R1")});
       }
     }
     applyChangesFromElsewhere();

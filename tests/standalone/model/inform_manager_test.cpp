@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The notifications of clients after commits of other processes, and their order.
+#include <optional>
+
 #include "host/events.h"
 #include "reelhost/inform_manager.h"
+#include "standalone/model/elsewhere.h"
 #include "support/library_fixture.h"
 #include "support/temp_folder.h"
 
@@ -48,10 +51,11 @@ protected:
     info.name = "SHARED";
     info.uuid.fill(7);
     reelhost::createSqliteProject(file_, info, {{"reeldb_defaultType", ""}}); // the library would set it
-    elsewhere_ = reelhost::makeSqliteStore(file_);
+    elsewhere_.emplace(file_);
     reelhost::openProject(reelhost::makeSqliteStore(file_), Access::Write);
+    reelhost::idle();
     for (std::int64_t number = 1; number <= 3; ++number)
-      storeLogs({log(number, 9, "R" + std::to_string(number))});
+      elsewhere_->commitLogs({log(number, 9, "R" + std::to_string(number))});
     informOfChangesFromElsewhere(manager());
     heard_.clear();
   }
@@ -67,26 +71,9 @@ protected:
       log.fields.emplace_back(TR_BIN_NAME, bin);
     return log;
   }
-  void store(const Changes& changes)
-  {
-    reelhost::idle();
-    elsewhere_->begin(Access::Write, std::chrono::seconds(5));
-    elsewhere_->commit(changes);
-  }
-  void storeLogs(std::vector<StoredLog> logs)
-  {
-    Changes changes;
-    changes.logs = std::move(logs);
-    store(changes);
-  }
-  void remove(std::vector<std::int64_t> numbers)
-  {
-    Changes changes;
-    changes.deleted = std::move(numbers);
-    store(changes);
-  }
   Heard heardOf(const std::function<void()>& commits)
   {
+    reelhost::idle();
     commits();
     heard_.clear();
     informOfChangesFromElsewhere(manager());
@@ -95,7 +82,7 @@ protected:
 
   TempFolder folder_;
   const std::filesystem::path file_ = folder_.path() / "shared.reels";
-  std::unique_ptr<reelhost::Store> elsewhere_;
+  std::optional<Elsewhere> elsewhere_;
   Heard heard_;
 };
 
@@ -106,8 +93,8 @@ TEST_F(ChangesFromElsewhere, FieldsAreReportedReelByReelInTheOrderOfTheProject)
   RecordingHostListener host(heard_);
   RecordingClient client(heard_, {}, "R2");
   EXPECT_EQ(heardOf([this] {
-              storeLogs({log(3, 9, "R3", "a")});
-              storeLogs({log(2, 9, "R2", "b"), log(3, 9, "R3", "c")});
+              elsewhere_->commitLogs({log(3, 9, "R3", "a")});
+              elsewhere_->commitLogs({log(2, 9, "R2", "b"), log(3, 9, "R3", "c")});
             }),
             (Heard{"modified 2", "our()", "some(R2)", "some(R3)"}));
 }
@@ -117,7 +104,7 @@ TEST_F(ChangesFromElsewhere, OneNewReelIsReportedByItsName)
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
   EXPECT_EQ(heardOf([this] {
-              storeLogs({log(4, 9, "R4"), log(1, 9, "R1", "a")});
+              elsewhere_->commitLogs({log(4, 9, "R4"), log(1, 9, "R1", "a")});
             }),
             (Heard{"modified 2", "dbC(R4)", "some(R1)"}));
 }
@@ -126,12 +113,15 @@ TEST_F(ChangesFromElsewhere, OtherChangesOfTheSetAreReportedOnceWithoutAName)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
-  EXPECT_EQ(heardOf([this] { storeLogs({log(4, 9, "R4"), log(5, 9, "R5")}); }), (Heard{"modified 2", "dbC()"}));
-  EXPECT_EQ(heardOf([this] { storeLogs({log(4, 9, "R7")}); }), (Heard{"modified 1", "dbC()"}));
-  EXPECT_EQ(heardOf([this] { remove({4}); }), (Heard{"deleted 1", "dbC()"}));
   EXPECT_EQ(heardOf([this] {
-              storeLogs({log(4, 9, "R4"), log(2, 9, "R2", "x")});
-              remove({5});
+              elsewhere_->commitLogs({log(4, 9, "R4"), log(5, 9, "R5")});
+            }),
+            (Heard{"modified 2", "dbC()"}));
+  EXPECT_EQ(heardOf([this] { elsewhere_->commitLogs({log(4, 9, "R7")}); }), (Heard{"modified 1", "dbC()"}));
+  EXPECT_EQ(heardOf([this] { elsewhere_->remove({4}); }), (Heard{"deleted 1", "dbC()"}));
+  EXPECT_EQ(heardOf([this] {
+              elsewhere_->commitLogs({log(4, 9, "R4"), log(2, 9, "R2", "x")});
+              elsewhere_->remove({5});
             }),
             (Heard{"modified 2", "deleted 1", "dbC()", "some(R2)"}));
 }
@@ -140,12 +130,12 @@ TEST_F(ChangesFromElsewhere, ShotsAndOptionsAreReportedToNoClient)
 {
   RecordingHostListener host(heard_);
   RecordingClient client(heard_);
-  EXPECT_EQ(heardOf([this] { storeLogs({log(4, 1, "R1"), log(5, 1, "R1")}); }), Heard{"modified 2"});
-  EXPECT_EQ(heardOf([this] { remove({4}); }), Heard{"deleted 1"});
+  EXPECT_EQ(heardOf([this] { elsewhere_->commitLogs({log(4, 1, "R1"), log(5, 1, "R1")}); }), Heard{"modified 2"});
+  EXPECT_EQ(heardOf([this] { elsewhere_->remove({4}); }), Heard{"deleted 1"});
   EXPECT_EQ(heardOf([this] {
               Changes changes;
               changes.options = {{reelhost::frameRateOption, "5"}};
-              store(changes);
+              elsewhere_->commit(changes);
             }),
             Heard{});
   EXPECT_EQ(reelhost::projectInfo().frameRate, 5);
@@ -164,8 +154,8 @@ TEST_F(ChangesFromElsewhere, ClientsFindTheWholeChange)
   client.onDbChanged = expectWhole;
   client.onSome = expectWhole;
   heardOf([this] {
-    storeLogs({log(1, 9, "R1", "a"), log(2, 9, "R2", "b"), log(4, 9, "R4")});
-    remove({3});
+    elsewhere_->commitLogs({log(1, 9, "R1", "a"), log(2, 9, "R2", "b"), log(4, 9, "R4")});
+    elsewhere_->remove({3});
   });
   EXPECT_EQ(heard_, (Heard{"dbC()", "some(R1)", "some(R2)"}));
 }
@@ -173,7 +163,8 @@ TEST_F(ChangesFromElsewhere, ClientsFindTheWholeChange)
 TEST_F(ChangesFromElsewhere, NothingIsAppliedWhileNotificationsAreHeld)
 {
   RecordingClient client(heard_);
-  storeLogs({log(1, 9, "R1", "a")});
+  reelhost::idle();
+  elsewhere_->commitLogs({log(1, 9, "R1", "a")});
   ++manager().notifyHoldCount;
   EXPECT_EQ(informOfChangesFromElsewhere(manager()).state, State::Later);
   EXPECT_STREQ(manager().getReelInfo("R1").binName().c_str(), "");
@@ -186,8 +177,8 @@ TEST_F(ChangesFromElsewhere, MarksOfReelsInUseStay)
 {
   manager().reelInUse("R1", true);
   heardOf([this] {
-    storeLogs({log(1, 9, "R1", "a"), log(4, 9, "R4")});
-    remove({2});
+    elsewhere_->commitLogs({log(1, 9, "R1", "a"), log(4, 9, "R4")});
+    elsewhere_->remove({2});
   });
   EXPECT_TRUE(manager().reelInUse("R1"));
 }
@@ -195,9 +186,9 @@ TEST_F(ChangesFromElsewhere, MarksOfReelsInUseStay)
 TEST_F(ChangesFromElsewhere, EachStateIsReportedOnce)
 {
   RecordingClient client(heard_);
-  EXPECT_EQ(heardOf([this] { storeLogs({log(1, 9, "R1", "a")}); }), Heard{"some(R1)"});
+  EXPECT_EQ(heardOf([this] { elsewhere_->commitLogs({log(1, 9, "R1", "a")}); }), Heard{"some(R1)"});
   EXPECT_EQ(heardOf([] {}), Heard{});
-  EXPECT_EQ(heardOf([this] { storeLogs({log(1, 9, "R1", "a")}); }), Heard{}); // as it was
+  EXPECT_EQ(heardOf([this] { elsewhere_->commitLogs({log(1, 9, "R1", "a")}); }), Heard{}); // as it was
 }
 
 } // namespace reeldb_tests

@@ -41,7 +41,7 @@ TEST_F(MaterialTest, AnImportIsReportedOnceItIsThere)
   EXPECT_TRUE(wasThere);
 }
 
-TEST_F(MaterialTest, RateAndDropFrameThatTheListDoesNotSayAreNoKeysOfTheLog)
+TEST_F(MaterialTest, RateAndDropFrameThatTheListLacksAreNotKeysOfTheLog)
 {
   Material material = clip("R1");
   material.frameRate.clear();

@@ -42,7 +42,7 @@ protected:
     return ::poll(&handle, 1, static_cast<int>(time.count())) > 0;
   }
 
-  /// Waits as those who use a feed do. Returns whether another process has committed.
+  /// Waits as a program with a feed does. Returns whether another process has committed.
   bool noticesACommit(milliseconds patience = milliseconds(20'000))
   {
     const auto end = steady_clock::now() + patience;

@@ -143,7 +143,7 @@ TEST_F(SqliteSchema, TablesOfAFileBroughtUpToDateAreThoseOfANewFile)
   EXPECT_EQ(runSql(made, tables), runSql(file(), tables));
 }
 
-// --- The file that a program of version 1 wrote: a list imported, two reels changed, one renamed, two deletions. -----
+// --- A file of version 1: a list imported, two reels changed, one renamed, two deletions ---------
 
 class FileOfVersion1 : public SqliteSchema {
 protected:

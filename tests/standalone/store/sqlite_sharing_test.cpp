@@ -44,13 +44,13 @@ protected:
   /// The error of a separate process that tries to write.
   std::string errorElsewhere() const
   {
-    const fs::path answer = folder_ / "answer";
+    const fs::path result = folder_ / "result";
     Child other([&] {
       const auto project = makeSqliteStore(file());
-      writeBytes(answer, errorOf([&] { project->begin(Access::Write, noPatience); }));
+      writeBytes(result, errorOf([&] { project->begin(Access::Write, noPatience); }));
     });
     EXPECT_EQ(other.waitForExit(), 0);
-    return bytesOf(answer);
+    return bytesOf(result);
   }
 
   void storeElsewhere(std::int64_t number) const
@@ -390,20 +390,20 @@ protected:
   /// The result of @p work as that user.
   std::string asOtherUser(const std::function<std::string()>& work) const
   {
-    int answer[2];
-    EXPECT_EQ(::pipe(answer), 0);
+    int pipe[2];
+    EXPECT_EQ(::pipe(pipe), 0);
     Child other([&] {
       if (::setgid(65534) != 0 || ::setuid(65534) != 0)
         throw std::runtime_error("no other user");
       const std::string text = work();
-      if (::write(answer[1], text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-        throw std::runtime_error("no answer");
+      if (::write(pipe[1], text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+        throw std::runtime_error("nothing was written");
     });
     EXPECT_EQ(other.waitForExit(), 0);
-    ::close(answer[1]);
+    ::close(pipe[1]);
     std::string text(1000, ' ');
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, ::read(answer[0], text.data(), text.size()))));
-    ::close(answer[0]);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(0, ::read(pipe[0], text.data(), text.size()))));
+    ::close(pipe[0]);
     return text;
   }
 

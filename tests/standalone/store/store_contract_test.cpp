@@ -397,7 +397,7 @@ TEST_P(StoreContract, ExceptionOfASinkPassesAndTheStoreContinues)
   EXPECT_EQ(numbersOf(*project), (Numbers{1, 2, 4, 3}));
 }
 
-TEST_P(StoreContract, OwnCommitsAreNoChangesElsewhere)
+TEST_P(StoreContract, OwnCommitsAreNotChangesElsewhere)
 {
   const auto project = make();
   EXPECT_FALSE(project->changedElsewhere());
@@ -703,7 +703,7 @@ TEST_P(HistoryContract, NumberLeftOutAndUsedLaterIsNewThere)
   EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"4: none -> c"});
 }
 
-TEST_P(HistoryContract, WhatIsAsItWasIsNoChange)
+TEST_P(HistoryContract, WhatIsAsItWasIsNotAChange)
 {
   const auto project = make({{"a", "b"}});
   store(*project, logChanges({exampleLog(1, 9)}));
@@ -789,7 +789,7 @@ TEST_P(HistoryContract, DeletionThatWasTakenBackAndMadeAgainIsTheLastOne)
   EXPECT_EQ(lastDeletion(*project), Numbers{1});
 }
 
-TEST_P(HistoryContract, WhatAnUndoTookAwayIsNoDeletion)
+TEST_P(HistoryContract, WhatAnUndoTookAwayIsNotADeletion)
 {
   const auto project = make();
   store(*project, logChanges({named(1, "a")}));
@@ -928,7 +928,7 @@ TEST_P(ListsContract, RevisionKnowsEachListBeforeAndAfterIt)
   EXPECT_EQ(third[0].number, 1);
 }
 
-TEST_P(ListsContract, ListThatIsAsItWasIsNoChange)
+TEST_P(ListsContract, ListThatIsAsItWasIsNotAChange)
 {
   const auto project = make();
   store(*project, listChanges({exampleList(1, {1})}));

@@ -156,7 +156,10 @@ KeptList exampleList(std::int64_t number, const std::vector<std::int64_t>& shots
                   1,
                   2,
                   "29.97",
-                  shot % 2 == 0};
+                  shot % 2 == 0,
+                  "own R" + s,
+                  shot % 2 == 1,
+                  "id" + s};
     event.number = "00" + s;
     event.part = 2;
     event.reelText = "R" + s + "_";

@@ -56,7 +56,7 @@ TEST(HostCheck, WithoutItsValuesAHostIsNotWhole)
       << result.out;
 }
 
-TEST(HostCheck, TheValuesAloneAreNoHost)
+TEST(HostCheck, TheValuesAloneAreNotAHost)
 {
   const ProcessResult result = check({HOST_VALUES});
   EXPECT_EQ(result.code, 1);

@@ -1,0 +1,81 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The names of the open project as one index: which reel a name is, and what changes when names come. For the sources
+// of this room.
+#ifndef REELDB_APP_PROJECT_NAMES_H
+#define REELDB_APP_PROJECT_NAMES_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "app/names.h"
+#include "app/session.h"
+#include "app/shots.h"
+#include "host/cookie.h"
+#include "lists/list.h"
+#include "lists/name_index.h"
+
+namespace reeldb::app {
+
+/// A shot and its log.
+struct KnownShot {
+  Cookie log;
+  Shot shot;
+};
+
+/// Reads the project once. Names of lists are added, then the index is settled, then it is asked.
+class ProjectNames {
+public:
+  explicit ProjectNames(Session& session);
+
+  void add(const lists::Clip& clip);
+  /// Adds a name that a person asks for. It may be cut if it fills any field.
+  void add(const std::string& name);
+  void settle();
+
+  /// The reel of a clip's name, in the spelling of its record if it has one. REQUIRES: settle() was called.
+  NamedReel find(const lists::Clip& clip) const;
+  NamedReel find(const std::string& name, const std::string& sourceId = {}) const;
+
+  /// Gives reels and shots of the project the reels that follow from all names: the reel of a short form takes the
+  /// whole name or joins its reel, and shots of a short form that is no longer clear go to a reel of their own. Returns
+  /// what moved. REQUIRES: settle() was called.
+  std::vector<ReelMove> moveShots();
+
+  /// The shots of the project in the order of creation, as they were when it was read and as moveShots() left them.
+  const std::vector<KnownShot>& shots() const { return shots_; }
+  /// Whether a record has the identifier, ignoring ASCII case.
+  bool hasRecord(const std::string& id) const;
+
+private:
+  struct Record {
+    std::string id;
+    Cookie log;
+    std::vector<std::string> oldNames;
+  };
+
+  NamedReel named(const std::string& name, const lists::ReelOfName& found) const;
+  /// The record's spelling of a reel of the index; the reel itself without a record.
+  std::string spelt(const std::string& reel) const;
+  void addNames(const Shot& shot);
+  void decideOldNames();
+  void renameReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves);
+  void joinReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves);
+  void partShots(std::vector<ReelMove>& moves);
+
+  Session& session_;
+  std::vector<Record> records_;
+  std::vector<KnownShot> shots_;
+  lists::NameIndex index_;
+  std::unordered_map<std::string, std::vector<std::size_t>> recordsOf_; ///< folded reel of the index: its records
+  std::unordered_map<std::string, std::string> names_;                  ///< folded reel of the index: its name here
+  std::unordered_set<std::string> ids_;                                 ///< folded identifiers of the records
+};
+
+} // namespace reeldb::app
+
+#endif
