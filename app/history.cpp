@@ -93,7 +93,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
                 fmt::format("{}: revision {}: nothing left to take back", operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
-  after.requireSoundAfter(before, operation, "nothing taken back");
+  after.requireSoundAfter(before, revision.number, operation, "nothing taken back");
 
   TakenBackCommit result;
   result.commit = entryFrom(revision, takenBack);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "lists/ale.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -170,8 +171,9 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
   const std::vector<Clip> writable = writableClips(clips, written);
   const std::vector<OutColumn> columns = columnsFor(writable);
   const std::string common = commonRate(writable);
-  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t" +
-                 (common.empty() ? rate : common) + "\n\nColumn\n";
+  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t";
+  written.text.append(writtenVideoFormat).append("\nAUDIO_FORMAT\t").append(writtenAudioFormat);
+  written.text.append("\nFPS\t").append(common.empty() ? rate : common).append("\n\nColumn\n");
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
   for (const Clip& clip : writable)

@@ -215,6 +215,17 @@ TEST_F(Export, ListAsALogNamesWhatALogHasNot)
                         "reeldb: speeds not written: 1 (a log file cannot hold them)\n");
 }
 
+TEST_F(Export, LogNamesTheColumnsThatAreNotWrittenBack)
+{
+  dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t25\n\nColumn\n"
+                           "Name\tTape\tTracks\tStart\tEnd\tScene\tTake\tEmpty\n\nData\n"
+                           "x\tA001\tV\t01:00:00:00\t01:00:01:00\t7\t1\t\n");
+  ASSERT_EQ(reeldb({"import", "rushes.ale"}).code, 0);
+  const ProcessResult result = reeldb({"export", "rushes.ale"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "reeldb: rushes.ale: headings and columns of the log not written: 2 (Scene, Take)\n");
+}
+
 TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)
 {
   dir_.write("evening.edl", cutWithADissolve);
