@@ -779,6 +779,7 @@ template <class Io, Like<Compacted> R>
 void describe(Io& io, R& compacted)
 {
   io("gone", compacted.gone);
+  io("lists", compacted.lists);
   io.optional("revisions", compacted.revisions);
 }
 

@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "app/json/json.h"
 #include "app/projects.h"
@@ -82,12 +83,22 @@ struct CompactOptions {
   bool json = false;
 };
 
+std::string removedForGood(const app::Compacted& compacted)
+{
+  std::vector<std::string> parts;
+  if (compacted.gone > 0)
+    parts.push_back(counted(compacted.gone, "deleted log"));
+  if (compacted.lists > 0)
+    parts.push_back(counted(compacted.lists, "list"));
+  return parts.empty() ? "nothing to remove" : fmt::format("{} removed for good", fmt::join(parts, " and "));
+}
+
 ExitCode compact(const CompactOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Write);
   const app::Compacted compacted =
       options.before ? app::forgetHistory(session, *options.before) : app::compactProject(session);
-  if (compacted.gone > 0 || compacted.revisions.value_or(0) > 0)
+  if (compacted.gone > 0 || compacted.lists > 0 || compacted.revisions.value_or(0) > 0)
     changesAreStored();
   if (options.json)
     print(app::jsonText(compacted));
@@ -95,8 +106,7 @@ ExitCode compact(const CompactOptions& options, const Globals& globals)
     print(*compacted.revisions == 0 ? "nothing to forget\n"
                                     : fmt::format("{} forgotten\n", counted(*compacted.revisions, "revision")));
   else
-    print(compacted.gone == 0 ? "nothing to remove\n"
-                              : fmt::format("{} removed for good\n", counted(compacted.gone, "deleted log")));
+    print(fmt::format("{}\n", removedForGood(compacted)));
   return done;
 }
 
@@ -190,13 +200,13 @@ void addProject(CommandLine& line)
   Command compacting = line.add(
       group,
       {.name = "compact",
-       .description = "Remove deleted reels and shots for good",
+       .description = "Remove deleted reels and shots and removed lists for good",
        .examples = {"reeldb project compact", "reeldb project compact --before 3",
                     "reeldb project compact --before 2026-11-01"},
        .details =
-           "After that, reeldb undelete cannot bring them back. With --before, it removes the earlier part of the\n"
-           "history instead, with the reels and shots that were deleted in that part, and makes the file\n"
-           "smaller."},
+           "After that, neither reeldb undelete nor reeldb undo can bring them back. With --before, it removes the\n"
+           "earlier part of the history instead, with the reels and shots that were deleted in it, and makes the\n"
+           "file smaller."},
       [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
   compacting.text("--before", compactOptions->before, "Forget the history before this revision or day")
       .shownAs("REVISION|DAY");

@@ -18,7 +18,6 @@ namespace reelhost::model {
 namespace {
 
 constexpr std::size_t prefixLength = 8, numberLength = 8; // together the sixteen bytes of a UUID
-constexpr std::int64_t lastNumber = 99'999'999;
 
 /// Eight characters made from the project's UUID, so that logs of two projects hardly ever have the same name.
 std::string prefixFor(const std::array<unsigned char, 16>& project)
@@ -263,7 +262,7 @@ std::unordered_map<std::string, std::int64_t> Project::countOthersByReelId()
 Log& Project::create(StoredLog&& stored)
 {
   useForChange();
-  if (nextNumber_ > lastNumber)
+  if (nextNumber_ > lastLogNumber)
     throw Error(ErrorKind::Refused, subject() + ": no number is left for another log");
   char digits[numberLength + 1];
   std::snprintf(digits, sizeof digits, "%08d", static_cast<int>(nextNumber_));
@@ -363,6 +362,8 @@ void Project::requireNoTrashPending(const char* what) const
 int Project::undelete()
 {
   requireNoTrashPending("undelete");
+  if (!changedLists_.empty()) // it may be one that gets events back
+    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a change of a list is not stored yet)");
   useForChange();
   use(Access::Read);
   History& history = requireHistory();
@@ -385,14 +386,15 @@ int Project::undelete()
   return static_cast<int>(inverse_.logs.size());
 }
 
-int Project::compact()
+Compacted Project::compact()
 {
   requireNoTrashPending("empty the trash");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = requireHistory().trashCount();
-  compact_ = count != 0;
-  return static_cast<int>(count);
+  History& history = requireHistory();
+  const Compacted result{static_cast<int>(history.trashCount()), static_cast<int>(history.removedListCount())};
+  compact_ = result.logs != 0 || result.lists != 0;
+  return result;
 }
 
 int Project::forgetHistory(std::int64_t before)

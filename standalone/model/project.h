@@ -72,7 +72,7 @@ public:
   void typeChanged(Log& log);             ///< likewise
   CookieVec erase(const CookieVec& logs); ///< returns the logs that existed
   int undelete();
-  int compact();
+  Compacted compact();
   int forgetHistory(std::int64_t before);
   TakenBack takeBack(std::int64_t revision);
 

@@ -136,8 +136,10 @@ template <class Record>
 void Project::refuseIfForgotten(bool forgotten, std::int64_t revision) const
 {
   if (forgotten)
-    throw Error(ErrorKind::Refused, subject() + ": revision " + std::to_string(revision) +
-                                        " cannot be taken back (project compact has removed what it deleted)");
+    throw Error(ErrorKind::Refused,
+                subject() + ": revision " + std::to_string(revision) +
+                    " cannot be taken back (project compact has removed what it deleted; undo REVISION takes an "
+                    "earlier one back)");
 }
 
 void Project::planTakingBack(const LogChange& change, Plan& plan)
@@ -283,6 +285,7 @@ TakenBack Project::takeBack(std::int64_t revision)
   if (hasChanges())
     throw Error(ErrorKind::Refused, subject() + ": cannot take a revision back (other changes are not stored yet)");
   useForChange();
+  use(Access::Read);
   loadOthers();
   History& history = requireHistory();
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);

@@ -66,10 +66,14 @@ public:
   virtual RevisionChanges changesOf(std::int64_t revision) = 0;
   /// Reads every change of the log, the oldest first.
   virtual void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) = 0;
-  /// Reads which logs each revision changed, deleted or created, without what they were.
-  virtual void readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log)>& sink) = 0;
+  /// Reads which logs each revision changed, deleted, restored or created, without what they were. @p isNew: the
+  /// revision created the log, which had never been there before.
+  virtual void
+  readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log, bool isNew)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
+  /// The number of removed lists that the history keeps.
+  virtual std::int64_t removedListCount() = 0;
 
   /// Gives the space back that forgotten revisions have left. Needs no begin; it is an error if a use was begun. Throws
   /// Error: Busy, ReadOnly, Io. The project has not changed then.
@@ -83,9 +87,10 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The deletions that were not taken back, the newest first. A revision that also created logs is not a deletion.
-/// compact() may have removed for good what they deleted.
-std::vector<Revision> deletionsInForce(History& history);
+/// Reads the deletions that were not taken back, the newest first, until @p sink returns false. A revision that also
+/// created logs is not a deletion, nor is one that replaced or removed a list and deleted what only that list had used.
+/// Project compact may have removed what they deleted.
+void readDeletionsInForce(History& history, const std::function<bool(const Revision&, const RevisionChanges&)>& sink);
 
 /// The last deletion in force that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);

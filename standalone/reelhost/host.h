@@ -156,6 +156,8 @@ CookieVec shotsOf(const std::string& reelId);
 /// case. Empty if no project is open.
 std::unordered_map<std::string, std::int64_t> shotCounts();
 
+/// The highest number that a log can have: Cookies have eight digits for it.
+inline constexpr std::int64_t lastLogNumber = 99'999'999;
 /// The number of the log; 0 if there is no such log. Events of lists name their shots by it.
 std::int64_t logNumber(const Cookie& log);
 
@@ -187,10 +189,17 @@ void removeList(std::int64_t list);
 /// deletion. Exceptions of listeners pass through; the logs are deleted.
 int deleteLogs(const CookieVec& logs);
 /// Restores the logs of the last stored deletion, with their events, and returns their number. Notifies no listener.
-/// commit stores the change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+/// commit stores the change. Throws Error (Refused) while a deletion, an undelete, a compact or a change of a list is
+/// not stored yet.
 int undelete();
-/// Empties the trash for good and returns the number of logs in it. commit stores the change. Throws as undelete does.
-int compact();
+/// What compact removes.
+struct Compacted {
+  int logs = 0;  ///< the number of deleted logs
+  int lists = 0; ///< the number of removed lists
+};
+/// Removes for good what the history keeps of deleted logs and removed lists. commit stores the change. Throws
+/// Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+Compacted compact();
 
 /// @}
 /// @name History

@@ -73,10 +73,10 @@ struct Inverse {
   std::vector<std::int64_t> deletedLists = {};
 };
 
-/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted,
-/// options, lists, deletedLists. A written log or list replaces the one of its number, or brings it back if it was
-/// deleted. A number in deleted or deletedLists is ignored if there is no such log or list. A store that keeps no lists
-/// ignores the lists and their bytes.
+/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted, lists,
+/// deletedLists, options; if a log is both written and deleted, the options come before the deletions. A written log or
+/// list replaces the one of its number, or brings it back if it was deleted. A number in deleted or deletedLists is
+/// ignored if there is no such log or list. A store that keeps no lists ignores the lists and their bytes.
 ///
 /// A store that keeps a history gives each commit a revision. The inverse has a revision of its own, and so have the
 /// deletions if one of the deleted logs is also written: the last revision says what the log was when it was deleted.

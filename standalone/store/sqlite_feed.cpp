@@ -45,8 +45,7 @@ Images imagesAt(Database& database, std::int64_t revision)
   Statement created(database, "SELECT first_new, last_new FROM revisions WHERE number > ?1 AND first_new IS NOT NULL");
   created.bind(1, revision);
   while (created.step())
-    for (std::int64_t number = created.integer(0); number <= created.integer(1); ++number)
-      images.emplace(number, std::nullopt);
+    readNewLogs(database, created, 0, [&](std::int64_t number) { images.emplace(number, std::nullopt); });
   // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
   Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 AND log >= 0 ORDER BY revision");
   changed.bind(1, revision);

@@ -54,7 +54,8 @@ CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 // revisions: one row per commit; null: unknown, or not to be kept. takes_back: the earlier revision that this one takes
 // back. The new logs of a revision have the numbers from first_new to last_new. changes: each other log that a revision
 // changed, and the image that it had before; null: there was no such log, an empty blob: removed for good. log 0 stands
-// for the options of the project, log -n for list n. lists: the lists that are there; events is their packed text.
+// for the options of the project, log -n for list n. changes_of_log finds what a log was after a revision: what it was
+// before the next one. lists: the lists that are there; events is their packed text.
 // list_bytes: the deflated bytes of each list that lists or changes names. project.last_list: the highest number that a
 // list ever had.
 const char history[] = R"sql(
@@ -80,6 +81,7 @@ CREATE TABLE changes(
   log INTEGER NOT NULL,
   before BLOB,
   PRIMARY KEY(revision, log)) STRICT, WITHOUT ROWID;
+CREATE INDEX changes_of_log ON changes(log, revision);
 CREATE TABLE lists(
   number INTEGER PRIMARY KEY,
   digest BLOB NOT NULL CHECK(length(digest) = 32),

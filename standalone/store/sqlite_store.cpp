@@ -147,7 +147,7 @@ void SqliteStore::readChangesOfLog(std::int64_t number, const std::function<void
     read([&](Database& database) { reelhost::readChangesOfLog(database, number, sink); });
 }
 
-void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink)
+void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
   if (keepsHistory())
     read([&](Database& database) { reelhost::readChangedLogs(database, sink); });
@@ -156,6 +156,11 @@ void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::in
 std::int64_t SqliteStore::trashCount()
 {
   return keepsHistory() ? read(reelhost::trashCount) : 0;
+}
+
+std::int64_t SqliteStore::removedListCount()
+{
+  return keepsHistory() ? read(reelhost::removedListCount) : 0;
 }
 
 FeedPosition SqliteStore::position()

@@ -223,7 +223,7 @@ private:
 
   void keep(std::int64_t number, const std::string& image)
   {
-    // One byte at least: an empty blob means that the image was removed.
+    // The image of a log or a list is never empty, which would mean that it was removed. That of no options is.
     changeRow().bind(1, number_).bind(2, number).bindBlob(3, image.data(), image.size()).run();
   }
 
@@ -254,8 +254,10 @@ void removeForGood(Database& database, const Changes& changes)
   if (changes.compact)
     database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
                      "log NOT IN (SELECT number FROM logs) AND -log NOT IN (SELECT number FROM lists)");
-  if (changes.forgetBefore != 0)
-    for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
+  if (changes.forgetBefore != 0) // the revision that is being written has changes already, but no row
+    for (const char* sql :
+         {"DELETE FROM changes WHERE revision < ?1 AND revision <= (SELECT max(number) FROM revisions)",
+          "DELETE FROM revisions WHERE number < ?1"})
       Statement(database, sql).bind(1, changes.forgetBefore).run();
   if (changes.compact || changes.forgetBefore != 0) // the image of a list begins with its digest
     database.execute("DELETE FROM list_bytes WHERE digest NOT IN (SELECT digest FROM lists) AND digest NOT IN "

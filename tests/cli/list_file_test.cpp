@@ -104,6 +104,14 @@ TEST_F(ListFile, RemoveTakesTheListAndWhatOnlyItNamed)
   EXPECT_EQ(output({"list-file", "show", "evening.edl", "--original"}), evening_);
 }
 
+TEST_F(ListFile, CompactRemovesRemovedListsForGood)
+{
+  output({"list-file", "remove", "evening.edl"});
+  EXPECT_EQ(output({"project", "compact"}), "2 deleted logs and 1 list removed for good\n");
+  EXPECT_EQ(output({"project", "compact"}), "nothing to remove\n");
+  EXPECT_EQ(reeldb({"undo", "2"}).code, 1);
+}
+
 TEST_F(ListFile, ImportPutsAVersionInThePlaceOfTheList)
 {
   dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00") +

@@ -322,7 +322,7 @@ TEST(Json, Deletions)
                     .dump(2) +
                 "\n");
   expectJson(Undeleted{{"A001"}, 2}, R"({"reels": ["A001"], "shots": 2})");
-  expectJson(Compacted{3}, R"({"gone": 3})");
+  expectJson(Compacted{3, 1}, R"({"gone": 3, "lists": 1})");
 }
 
 TEST(Json, TheFacility)
@@ -415,7 +415,7 @@ TEST(FromJson, TextThatIsNotJsonIsRefused)
 TEST(FromJson, MissingKeyOrAnotherTypeIsRefused)
 {
   expectRefused<Compacted>("{}");
-  expectRefused<Compacted>(R"({"gone": "three"})");
+  expectRefused<Compacted>(R"({"gone": "three", "lists": 1})");
   expectRefused<Compacted>("[]");
   expectRefused<std::vector<Reel>>("{}");
 }
@@ -432,7 +432,7 @@ TEST(FromJson, UnknownWordOrNumberOfAUserFieldIsRefused)
 
 TEST(FromJson, UnknownKeysAreSkipped)
 {
-  EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "new": [1, 2]})").gone, 3);
+  EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "lists": 0, "new": [1, 2]})").gone, 3);
 }
 
 } // namespace
