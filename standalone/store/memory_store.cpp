@@ -257,7 +257,9 @@ public:
     if (before.revision != 0) {
       while (commit != content_.commits.end() && positionOf(*commit) != before)
         ++commit;
-      delta.whole = commit == content_.commits.end() || ++commit == content_.commits.end();
+      delta.whole = commit == content_.commits.end();
+      if (!delta.whole)
+        ++commit;
     } else {
       delta.whole = content_.commits.empty() || content_.commits.front().revision.number != 1;
     }

@@ -156,12 +156,21 @@ TEST_P(FeedContract, SinceBeforeTheFirstRevisionEverythingIsNew)
   EXPECT_EQ(numbersOf(delta), Numbers{1});
 }
 
-TEST_P(FeedContract, WholeWithoutARevisionSince)
+TEST_P(FeedContract, WholeAsLongAsThereIsNoRevision)
 {
   const auto project = make();
   EXPECT_TRUE(since(*project, {}).whole);
+}
+
+TEST_P(FeedContract, NothingDiffersWithoutARevisionSince)
+{
+  const auto project = make();
   store(*project, logChanges({exampleLog(1, 9)}));
-  EXPECT_TRUE(since(*project, position(*project)).whole);
+  const Delta delta = since(*project, position(*project));
+  EXPECT_FALSE(delta.whole);
+  EXPECT_EQ(numbersOf(delta), Numbers{});
+  EXPECT_EQ(goneIn(delta), Numbers{});
+  EXPECT_FALSE(delta.options);
 }
 
 TEST_P(FeedContract, WholeSinceAStateOfAnotherProject)
