@@ -115,8 +115,7 @@ std::optional<ForeignChanges> Project::applyFromElsewhere()
     throw Error(ErrorKind::Busy,
                 subject() + ": changed by another process, and changes made here are not stored (read it again)");
   endUse();
-  store_->begin(Access::Read, busyTimeout());
-  use_ = Use::Read;
+  begin(Access::Read);
   ProjectInfo info = currentInfo(*store_);
   if (info.uuid != info_.uuid)
     return std::nullopt;

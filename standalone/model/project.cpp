@@ -66,8 +66,7 @@ std::string fileNameOf(const Log& log)
 Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     : store_(std::move(store)), access_(access)
 {
-  store_->begin(beginWith, busyTimeout());
-  use_ = beginWith == Access::Write ? Use::Write : Use::Read;
+  begin(beginWith);
   try {
     info_ = currentInfo(*store_);
     cookie_ = cookieOf(info_.uuid, 0, 'P');
@@ -108,11 +107,21 @@ void Project::use(Access needed)
 {
   if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
     return;
-  if (changedElsewhere())
+  endUse(); // the store does not see during a use what others commit
+  if (!changedElsewhere()) {
+    begin(needed);
+    isStale_ = newestPosition() != position_; // the last commit of others may have come after the question
+  }
+  if (isStale_) {
+    endUse();
     throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it again)");
-  endUse();
-  store_->begin(needed, busyTimeout());
-  use_ = needed == Access::Write ? Use::Write : Use::Read;
+  }
+}
+
+void Project::begin(Access access)
+{
+  store_->begin(access, busyTimeout());
+  use_ = access == Access::Write ? Use::Write : Use::Read;
 }
 
 // A project that was opened for reading may be changed in memory, to try out a change.

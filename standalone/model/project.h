@@ -108,6 +108,7 @@ private:
     Project& project_;
   };
 
+  void begin(Access access);
   void use(Access needed);
   void useForChange();
   Log& add(StoredLog&& log);

@@ -95,6 +95,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Stores, ApplyChanges, testing::Bool(),
                          [](const auto& which) { return std::string(which.param ? "Feed" : "NoFeed"); });
 
+/// What only a store with a feed knows.
+class ApplyChangesWithAFeed : public ApplyChanges {};
+INSTANTIATE_TEST_SUITE_P(Stores, ApplyChangesWithAFeed, testing::Values(true),
+                         [](const auto&) { return std::string("Feed"); });
+
 TEST_P(ApplyChanges, NothingWithoutACommitOfOthers)
 {
   makeLogs();
@@ -232,6 +237,47 @@ TEST_P(ApplyChanges, ChangesThatAreNotStoredStayAndAreInTheWay)
   EXPECT_EQ(reelIdOf(first_), "R5");
   EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
   EXPECT_EQ(reelIdOf(first_), "R1");
+}
+
+TEST_P(ApplyChanges, ChangeToAStateThatOthersHaveChangedWhileItWasReadIsRefused)
+{
+  makeLogs();
+  reelhost::projectStoreToRead();
+  elsewhere_->commitLogs({with(1, "bin", "shelf 1")});
+  EXPECT_EQ(errorOf([this] { rename(first_, "R5"); }),
+            "Busy: " + file_.string() + ": changed by another process since it was read (read it again)");
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  rename(first_, "R5");
+  reelhost::commit();
+  EXPECT_EQ(elsewhere_->stored(1).fields, (reelhost::KeyValues{{"reelid", "R5"}, {"bin", "shelf 1"}}));
+}
+
+/// Lets others commit right after it was asked whether they have.
+class LateCommit : public ForwardingStore {
+public:
+  using ForwardingStore::ForwardingStore;
+  bool changedElsewhere() override
+  {
+    const bool changed = ForwardingStore::changedElsewhere();
+    if (const auto commit = std::exchange(lateCommit, nullptr))
+      commit();
+    return changed;
+  }
+  std::function<void()> lateCommit;
+};
+
+TEST_P(ApplyChangesWithAFeed, ChangeToAStateThatOthersChangeRightAfterTheQuestionIsRefused)
+{
+  makeLogs();
+  auto store = std::make_unique<LateCommit>(reelhost::makeSqliteStore(file_));
+  LateCommit& late = *store;
+  reelhost::openProject(std::move(store), Access::Write);
+  reelhost::idle();
+  late.lateCommit = [this] { elsewhere_->commitLogs({with(1, "bin", "shelf 1")}); };
+  EXPECT_EQ(errorOf([this] { rename(first_, "R5"); }),
+            "Busy: " + file_.string() + ": changed by another process since it was read (read it again)");
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  EXPECT_EQ(fieldOf(first_, "bin"), "shelf 1");
 }
 
 TEST_P(ApplyChanges, ListenerThatThrowsFindsEverythingApplied)
