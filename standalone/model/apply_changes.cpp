@@ -131,7 +131,7 @@ std::optional<ForeignChanges> Project::applyFromElsewhere()
   AppliedChanges changes;
   apply(std::move(*delta), changes);
   info_ = std::move(info);
-  nextNumber_ = nextNumber;
+  nextNumber_ = unusedFrom_ = nextNumber;
   position_ = position;
   isStale_ = false;
   idle();

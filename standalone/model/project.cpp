@@ -71,7 +71,7 @@ Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     info_ = currentInfo(*store_);
     cookie_ = cookieOf(info_.uuid, 0, 'P');
     logPrefix_ = prefixFor(info_.uuid);
-    nextNumber_ = store_->nextNumber();
+    nextNumber_ = unusedFrom_ = store_->nextNumber();
     blockOf(options_).assign(store_->options());
     blockOf(options_).setOwner(&optionsOwner_);
     position_ = newestPosition();
@@ -142,7 +142,27 @@ bool Project::changedElsewhere()
 void Project::idle()
 {
   loadOthers();
+  reserveNumbers();
   endUse();
+}
+
+// The Cookie of a log is made of its number, so other processes must not give out the numbers of logs that wait to be
+// stored.
+void Project::reserveNumbers()
+{
+  if (use_ != Use::Write)
+    return;
+  Changes reservation;
+  if (nextNumber_ > unusedFrom_)
+    reservation.reservedLogs = nextNumber_ - 1;
+  if (!changedLists_.empty() && changedLists_.rbegin()->first >= store_->lists()->nextListNumber())
+    reservation.reservedLists = changedLists_.rbegin()->first;
+  if (reservation.empty())
+    return;
+  use_ = Use::None; // the store ends the use even if it throws
+  store_->commit(reservation);
+  position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
 }
 
 // --- Reading -------------------------------------------------------------------------------------
@@ -492,6 +512,7 @@ bool Project::commit()
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
   position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
   forgetChanges();
   return true;
 }

@@ -109,6 +109,7 @@ private:
   };
 
   void begin(Access access);
+  void reserveNumbers();
   void use(Access needed);
   void useForChange();
   Log& add(StoredLog&& log);
@@ -158,7 +159,8 @@ private:
   Cookie cookie_;
   std::string logPrefix_; ///< the start of the names of the project's logs
   std::int64_t nextNumber_ = 1;
-  FeedPosition position_; ///< the state that the logs in memory have, but for changes that are not stored
+  std::int64_t unusedFrom_ = 1; ///< other processes give out numbers from this one on
+  FeedPosition position_;       ///< the state that the logs in memory have, but for changes that are not stored
   configb options_;
   OptionsOwner optionsOwner_{*this};
 

@@ -98,7 +98,9 @@ bool hasChanges(); ///< whether commit would store anything
 bool commit();
 
 /// For an application that waits: loads the part of the project that is not loaded yet, and releases the snapshot or
-/// the write lock, so that it blocks no other process. Changes stay, in memory. Does nothing if no project is open.
+/// the write lock, so that it blocks no other process. Changes stay, in memory; the numbers of logs and lists that wait
+/// to be stored are reserved in the project, so that no other process is given them. Does nothing if no project is
+/// open. Throws Error as commit does if that fails; the lock is released then, and changes stay.
 void idle();
 /// Returns whether another process has committed. If so, reads the project again and discards uncommitted changes; the
 /// application then notifies the manager. Throws Error as Store::begin does; the project then stays as it was. Returns

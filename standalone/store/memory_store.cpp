@@ -182,6 +182,8 @@ public:
     Content after = content_; // nothing has changed when memory runs short
     writeRevisions(
         changes, [&] { return RevisionWriter(after); }, [&] { removeForGood(after, changes); });
+    after.lastNumber = std::max(after.lastNumber, changes.reservedLogs);
+    after.lastList = std::max(after.lastList, changes.reservedLists);
     content_ = std::move(after);
   }
 

@@ -252,6 +252,31 @@ TEST_P(ApplyChanges, ChangeToAStateThatOthersHaveChangedWhileItWasReadIsRefused)
   EXPECT_EQ(elsewhere_->stored(1).fields, (reelhost::KeyValues{{"reelid", "R5"}, {"bin", "shelf 1"}}));
 }
 
+TEST_P(ApplyChanges, NumbersOfLogsThatWaitAreNotGivenToOthers)
+{
+  makeLogs();
+  const Cookie waiting = addLog(9, "R4");
+  reelhost::idle();
+  const Cookie later = addLog(9, "R5");
+  reelhost::idle();
+  elsewhere_->read([](reelhost::Store& store) { EXPECT_EQ(store.nextNumber(), 6); });
+  reelhost::idle();
+  EXPECT_TRUE(reelhost::commit());
+  EXPECT_EQ(elsewhere_->stored(reelhost::logNumber(waiting)).fields, (reelhost::KeyValues{{"reelid", "R4"}}));
+  EXPECT_EQ(elsewhere_->stored(reelhost::logNumber(later)).fields, (reelhost::KeyValues{{"reelid", "R5"}}));
+}
+
+TEST_P(ApplyChanges, NumbersOfListsThatWaitAreNotGivenToOthers)
+{
+  makeLogs();
+  reelhost::KeptList list;
+  list.format = "edl";
+  const std::int64_t number = reelhost::keepList(list, "bytes");
+  reelhost::idle();
+  elsewhere_->read([&](reelhost::Store& store) { EXPECT_EQ(store.lists()->nextListNumber(), number + 1); });
+  EXPECT_TRUE(reelhost::commit());
+}
+
 /// Lets others commit right after it was asked whether they have.
 class LateCommit : public ForwardingStore {
 public:

@@ -42,11 +42,19 @@ public:
       if (log.number == number)
         found = std::move(log);
     };
-    store_->begin(reelhost::Access::Read, patience);
-    store_->readReels(take);
-    store_->readOthers(take);
-    store_->end();
+    read([&](reelhost::Store& store) {
+      store.readReels(take);
+      store.readOthers(take);
+    });
     return found;
+  }
+  /// Reads with @p work, which takes the store.
+  template <class Work>
+  void read(Work work)
+  {
+    store_->begin(reelhost::Access::Read, patience);
+    work(*store_);
+    store_->end();
   }
 
 private:

@@ -173,6 +173,20 @@ TEST_P(FeedContract, NothingDiffersWithoutARevisionSince)
   EXPECT_FALSE(delta.options);
 }
 
+TEST_P(FeedContract, ReservationIsNoChange)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  const FeedPosition before = position(*project);
+  Changes reservation;
+  reservation.reservedLogs = 3;
+  store(*project, reservation);
+  EXPECT_EQ(position(*project), before);
+  store(*project, logChanges({exampleLog(4, 9)}));
+  store(*project, logChanges({exampleLog(2, 9)}));
+  EXPECT_EQ(numbersOf(since(*project, before)), (Numbers{2, 4}));
+}
+
 TEST_P(FeedContract, WholeSinceAStateOfAnotherProject)
 {
   const auto project = make();
