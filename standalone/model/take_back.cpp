@@ -5,7 +5,7 @@
 
 #include "host/codes.h"
 #include "model/project.h"
-#include "model/stored_log.h"
+#include "model/step.h"
 #include "reelhost/display_text.h"
 #include "reelhost/history.h"
 #include "reelhost/material.h"
@@ -13,59 +13,6 @@
 namespace reelhost::model {
 
 namespace {
-
-/// Takes the step from @p before to @p after back, if @p now is still as it was after the step. Returns whether @p now
-/// is as it was before, or the step did not touch it.
-template <class T>
-bool takeBackValue(T& now, const T& before, const T& after)
-{
-  if (before == after)
-    return true;
-  if (now == after)
-    now = before;
-  return now == before;
-}
-
-template <class Map>
-std::optional<typename Map::mapped_type> valueIn(const Map& values, const typename Map::key_type& key)
-{
-  const auto found = values.find(key);
-  return found == values.end() ? std::nullopt : std::optional(found->second);
-}
-
-/// The same for each value of a map.
-template <class Map>
-bool takeBackValues(Map& now, const Map& before, const Map& after)
-{
-  Map keys = before;
-  keys.insert(after.begin(), after.end());
-  return std::all_of(keys.begin(), keys.end(), [&](const auto& entry) {
-    const auto& key = entry.first;
-    auto value = valueIn(now, key);
-    if (!takeBackValue(value, valueIn(before, key), valueIn(after, key)))
-      return false;
-    now.erase(key);
-    if (value)
-      now.emplace(key, std::move(*value));
-    return true;
-  });
-}
-
-/// The same for a log, whose number and identity never change.
-bool takeBackValues(StoredLog& now, const StoredLog& before, const StoredLog& after)
-{
-  Values fields = valuesOf(now.fields);
-  const bool done = takeBackValue(now.type, before.type, after.type) &&
-                    takeBackValue(now.imported, before.imported, after.imported) &&
-                    takeBackValue(now.entireMedium, before.entireMedium, after.entireMedium) &&
-                    takeBackValue(now.name, before.name, after.name) &&
-                    takeBackValue(now.reelType, before.reelType, after.reelType) &&
-                    takeBackValue(now.videoChannels, before.videoChannels, after.videoChannels) &&
-                    takeBackValue(now.audioChannels, before.audioChannels, after.audioChannels) &&
-                    takeBackValues(fields, valuesOf(before.fields), valuesOf(after.fields));
-  now.fields.assign(fields.begin(), fields.end());
-  return done;
-}
 
 /// The events by their lines and shots.
 std::map<std::pair<int, std::int64_t>, ListEvent> byPlace(const std::vector<ListEvent>& events)
@@ -76,12 +23,13 @@ std::map<std::pair<int, std::int64_t>, ListEvent> byPlace(const std::vector<List
   return places;
 }
 
-/// The same for the events of one version of a list.
+/// Takes the step from @p before to @p after back, in the events of one version of a list. Returns whether they are as
+/// they were before, or the step did not touch them.
 bool takeBackEvents(std::vector<ListEvent>& now, const std::vector<ListEvent>& before,
                     const std::vector<ListEvent>& after)
 {
   auto events = byPlace(now);
-  if (!takeBackValues(events, byPlace(before), byPlace(after)))
+  if (takeSteps(events, byPlace(after), byPlace(before)))
     return false;
   // Events of one line keep the order that they had.
   std::vector<ListEvent> ordered;
@@ -99,11 +47,10 @@ bool takeBackEvents(std::vector<ListEvent>& now, const std::vector<ListEvent>& b
 bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after)
 {
   const bool oneVersion = now.digest == before.digest && now.digest == after.digest;
-  const bool done =
-      (oneVersion ? takeBackEvents(now.events, before.events, after.events)
-                  : takeBackValue(now.events, before.events, after.events)) &&
-      takeBackValue(now.digest, before.digest, after.digest) && takeBackValue(now.file, before.file, after.file) &&
-      takeBackValue(now.title, before.title, after.title) && takeBackValue(now.format, before.format, after.format);
+  const bool done = (oneVersion ? takeBackEvents(now.events, before.events, after.events)
+                                : takeStep(now.events, after.events, before.events)) &&
+                    takeStep(now.digest, after.digest, before.digest) && takeStep(now.file, after.file, before.file) &&
+                    takeStep(now.title, after.title, before.title) && takeStep(now.format, after.format, before.format);
   now.eventCount = static_cast<std::int64_t>(now.events.size());
   return done;
 }
@@ -165,7 +112,7 @@ void Project::planTakingBack(const LogChange& change, Plan& plan)
     if (!now)
       refuse(change, *after, "deleted");
     const StoredLog found = *now;
-    if (!takeBackValues(*now, *before, *after))
+    if (takeSteps(*now, *after, *before))
       refuse(change, found, "changed");
     if (!isSame(*now, found)) {
       plan.inverse.logs.push_back(std::move(*now));
@@ -248,7 +195,7 @@ void Project::planTakingBack(const RevisionChanges& changes, Plan& plan)
     return;
   const Values found = valuesOf(blockOf(options_).fields());
   Values now = found;
-  if (!takeBackValues(now, valuesOf(*changes.optionsBefore), valuesOf(*changes.optionsAfter)))
+  if (takeSteps(now, valuesOf(*changes.optionsAfter), valuesOf(*changes.optionsBefore)))
     throw Error(ErrorKind::Refused, subject() + ": an option of the project changed since revision " +
                                         std::to_string(plan.inverse.revision));
   for (const auto& [key, value] : now)
