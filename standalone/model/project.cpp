@@ -107,15 +107,20 @@ void Project::use(Access needed)
 {
   if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
     return;
-  endUse(); // the store does not see during a use what others commit
-  if (!changedElsewhere()) {
-    begin(needed);
-    isStale_ = newestPosition() != position_; // the last commit of others may have come after the question
-  }
-  if (isStale_) {
-    endUse();
+  if (!beginUnlessChanged(needed))
     throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it again)");
-  }
+}
+
+bool Project::beginUnlessChanged(Access access)
+{
+  endUse(); // the store does not see during a use what others commit
+  if (changedElsewhere())
+    return false;
+  begin(access);
+  isStale_ = newestPosition() != position_; // the last commit of others may have come after the question
+  if (isStale_)
+    endUse();
+  return !isStale_;
 }
 
 void Project::begin(Access access)
@@ -304,6 +309,7 @@ Log& Project::create(StoredLog&& stored)
   makeRoom(dirty_); // a log that is made is stored
   Log& log = add(std::move(stored));
   changing(log);
+  log.storedReelId = {};
   return log;
 }
 
@@ -314,6 +320,7 @@ void Project::changing(Log& log)
   useForChange();
   dirty_.push_back(&log);
   log.isDirty = true;
+  log.storedReelId = log.reelId;
 }
 
 // A partial index would hide logs from every search. On out-of-memory the index is dropped; the next search rebuilds
@@ -506,12 +513,28 @@ bool Project::commit()
   }
   if (access_ == Access::Read)
     throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
-  use(Access::Write);
-  dropEventsOfDeletedLogs();
-  const Changes changes = collect();
+  const bool isAlone = use_ == Use::Write || beginUnlessChanged(Access::Write);
+  Changes changes;
+  try {
+    std::vector<StoredLog> merged;
+    if (!isAlone) {
+      begin(Access::Write);
+      merged = differenceWithChangesHere().logs;
+    }
+    dropEventsOfDeletedLogs();
+    changes = collect();
+    for (StoredLog& log : merged)
+      for (StoredLog& written : changes.logs)
+        if (written.number == log.number)
+          written = std::move(log);
+  } catch (...) {
+    endUse();
+    throw;
+  }
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
-  position_ = newestPosition();
+  if (isAlone) // else the logs in memory lack what others stored, until that is applied
+    position_ = newestPosition();
   unusedFrom_ = nextNumber_;
   forgetChanges();
   return true;

@@ -109,6 +109,7 @@ private:
   };
 
   void begin(Access access);
+  bool beginUnlessChanged(Access access); ///< false if others have committed; no use is begun then
   void reserveNumbers();
   void use(Access needed);
   void useForChange();
@@ -130,6 +131,10 @@ private:
   struct AppliedChanges;
   FeedPosition newestPosition() const;
   Delta differenceToStored();
+  class Others;
+  /// What others have stored since, merged with the changes made here. Throws Conflict, and Busy if that is unknown.
+  /// REQUIRES: a use was begun.
+  Delta differenceWithChangesHere();
   void apply(StoredLog&& stored, AppliedChanges& changes);
   void apply(Delta&& delta, AppliedChanges& changes);
   /// Adds what takes the change back. Throws Error (Refused) if a later revision is in the way.

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "model/step.h"
 
+#include "host/codes.h"
+#include "reelhost/material.h"
+
 namespace reelhost::model {
 
 namespace {
@@ -48,6 +51,25 @@ std::optional<std::string> valueIn(const StoredLog& log, const std::string& name
 {
   const std::optional<std::string> field = valueIn(valuesOf(log.fields), name);
   return field ? field : valueIn(membersOf(log), name);
+}
+
+std::string idOf(const StoredLog& log)
+{
+  return valueIn(valuesOf(log.fields), shotTexts.front().key).value_or("");
+}
+
+std::string nameOf(const StoredLog& log)
+{
+  const bool isReel = log.type == codes::reelLog;
+  for (const std::string& name : {isReel ? idOf(log) : log.name, isReel ? log.name : idOf(log)})
+    if (!name.empty())
+      return name;
+  return "log " + std::to_string(log.number);
+}
+
+std::string nameOf(const KeptList& list)
+{
+  return list.file.empty() ? "list " + std::to_string(list.number) : list.file;
 }
 
 } // namespace reelhost::model

@@ -55,6 +55,11 @@ std::optional<std::string> takeSteps(StoredLog& now, const StoredLog& from, cons
 /// The value with this key or name.
 std::optional<std::string> valueIn(const StoredLog& log, const std::string& name);
 
+std::string idOf(const StoredLog& log); ///< the reel identifier; empty if there is none
+/// How messages refer to a log: a reel by its identifier, another log by its name, or else by its reel.
+std::string nameOf(const StoredLog& log);
+std::string nameOf(const KeptList& list);
+
 } // namespace reelhost::model
 
 #endif

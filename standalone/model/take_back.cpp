@@ -8,7 +8,6 @@
 #include "model/step.h"
 #include "reelhost/display_text.h"
 #include "reelhost/history.h"
-#include "reelhost/material.h"
 
 namespace reelhost::model {
 
@@ -55,27 +54,12 @@ bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after
   return done;
 }
 
-/// How messages refer to the log: a reel by its identifier, another log by its name, or else by its reel.
-std::string nameOf(const StoredLog& log)
-{
-  const std::string id = valueIn(valuesOf(log.fields), shotTexts.front().key).value_or("");
-  const bool isReel = log.type == codes::reelLog;
-  for (const std::string& name : {isReel ? id : log.name, isReel ? log.name : id})
-    if (!name.empty())
-      return displayText(name);
-  return "log " + std::to_string(log.number);
-}
-
-std::string nameOf(const KeptList& list)
-{
-  return displayText(list.file.empty() ? "list " + std::to_string(list.number) : list.file);
-}
-
 template <class Record>
 [[noreturn]] void refuse(const RecordChange<Record>& change, const Record& record, const char* what)
 {
-  throw Error(ErrorKind::Refused, nameOf(record) + ": " + what + " since revision " + std::to_string(change.revision) +
-                                      " (by revision " + std::to_string(change.next) + ", take that one back first)");
+  throw Error(ErrorKind::Refused, displayText(nameOf(record)) + ": " + what + " since revision " +
+                                      std::to_string(change.revision) + " (by revision " + std::to_string(change.next) +
+                                      ", take that one back first)");
 }
 
 } // namespace
@@ -167,7 +151,7 @@ void Project::requireShots(const Plan& plan)
   const auto require = [&](const KeptList& list, const std::vector<ListEvent>& events, const char* fact) {
     for (const ListEvent& event : events)
       if (event.shot != 0 && shots.count(event.shot) == 0)
-        throw Error(ErrorKind::Refused, nameOf(list) + ": line " + std::to_string(event.line) + fact);
+        throw Error(ErrorKind::Refused, displayText(nameOf(list)) + ": line " + std::to_string(event.line) + fact);
   };
   for (const KeptList& list : plan.inverse.lists)
     require(list, list.events, " names a shot that is gone (import the list again)");

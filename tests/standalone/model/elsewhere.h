@@ -12,10 +12,11 @@
 
 namespace reeldb_tests {
 
-/// Commits to a project file by a connection of its own, as another process makes them.
+/// Commits to a project file by a connection of its own, or to a store, as another process would.
 class Elsewhere {
 public:
   explicit Elsewhere(const std::filesystem::path& file) : store_(reelhost::makeSqliteStore(file)) {}
+  explicit Elsewhere(std::shared_ptr<reelhost::Store> store) : store_(std::move(store)) {}
 
   void commit(const reelhost::Changes& changes)
   {
@@ -59,7 +60,7 @@ public:
 
 private:
   static constexpr std::chrono::seconds patience{5};
-  std::unique_ptr<reelhost::Store> store_;
+  std::shared_ptr<reelhost::Store> store_;
 };
 
 } // namespace reeldb_tests
