@@ -98,7 +98,7 @@ bool hasChanges(); ///< whether commit would store anything
 /// Facility::saveState comes after the project was stored.
 ///
 /// If others have committed while changes waited over idle, it stores both as far as they concern different values.
-/// Otherwise it throws Conflict (reelhost/conflict.h); or Busy if it cannot tell, as applyChangesFromElsewhere does.
+/// Otherwise it throws Conflict (reelhost/conflict.h); or Busy as applyChangesFromElsewhere does.
 /// What others stored is in memory once it is applied.
 bool commit();
 
