@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
 #include "app/diff.h"
@@ -744,6 +745,16 @@ void describe(Io& io, R& commit)
   io("elsewhere", commit.elsewhere);
   io("fields", commit.fields);
   io("lists", commit.lists);
+}
+
+template <class Io, Like<FieldConflict> R>
+void describe(Io& io, R& conflict)
+{
+  io("id", conflict.id);
+  io("field", conflict.field);
+  io("expected", conflict.expected);
+  io("found", conflict.found);
+  io.optional("commit", conflict.commit);
 }
 
 template <class Io, Like<ProjectHistory> R>

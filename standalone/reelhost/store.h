@@ -90,11 +90,14 @@ struct Changes {
   std::vector<KeptList> lists;       ///< new and changed lists, by number
   std::vector<std::int64_t> deletedLists;
   std::map<Digest, std::string> listBytes; ///< the bytes of lists by their digests, unless they are stored already
+  /// The highest numbers of a log and of a list that a later commit may use and no other process is given. That is not
+  /// a change of the project and has no revision. 0: none are reserved.
+  std::int64_t reservedLogs = 0, reservedLists = 0;
   Origin origin;
   bool empty() const
   {
     return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 &&
-           options.empty() && lists.empty() && deletedLists.empty();
+           options.empty() && lists.empty() && deletedLists.empty() && reservedLogs == 0 && reservedLists == 0;
   }
 };
 

@@ -274,7 +274,7 @@ TEST_F(History, CommitOfWhichNothingIsLeftDoesNotHideEarlierOnes)
             "main.reels: revision 4 cannot be taken back (project compact has removed what it deleted; undo REVISION "
             "takes an earlier one back)");
   EXPECT_EQ(refusal([] { undo(3); }),
-            "undo: revision 3: nothing of it is left to take back (undo REVISION takes an earlier one back)");
+            "undo: revision 3: nothing left to take back (undo REVISION takes an earlier one back)");
   EXPECT_EQ(undo(2).commit.revision, 2);
 }
 
