@@ -359,6 +359,7 @@ std::vector<UserField> listUserFields()
   const reelhost::Facility& facility = requireFacility();
   const auto display = userFieldNames();
   std::vector<UserField> fields;
+  fields.reserve(userFieldCount);
   for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
     fields.push_back({i, facility.systemValue(systemKey(i)), display[static_cast<std::size_t>(i)],
                       fmt::format("User field {}", i + 1)});

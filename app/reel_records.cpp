@@ -97,7 +97,7 @@ Reel readReel(ReelDbRec record, const ShotCounts& shots)
 
 ReelDbRec requireReel(ReelDbManager& manager, const std::string& id)
 {
-  const ReelDbRec reel = manager.getReelInfo(hostText(id));
+  ReelDbRec reel = manager.getReelInfo(hostText(id));
   if (!reel.valid())
     throw Error(ErrorKind::NotFound, noSuchReel(manager, id));
   return reel;

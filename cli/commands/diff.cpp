@@ -69,6 +69,7 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
 void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
 {
   std::vector<app::ClipStep> steps;
+  steps.reserve(shots.size());
   for (const app::Shot& shot : shots)
     steps.push_back({shot, shot});
   printStepsOf(heading, steps);
