@@ -240,7 +240,7 @@ TEST_F(History, OthersCommitsAreLeftAloneUnlessAnybodysAreMeant)
   EXPECT_EQ(undo().commit.revision, 1);
 }
 
-TEST_F(History, ReelThatWasNoReelForAWhileIsCountedOnce)
+TEST_F(History, ReelThatHadAnotherTypeForAWhileIsCountedOnce)
 {
   import({"A001"});
   reelhost::openProject("main", reelhost::Access::Write);

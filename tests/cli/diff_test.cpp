@@ -203,8 +203,7 @@ TEST_F(Diff, AsNamesTheListToCompareWith)
   dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE"));
   EXPECT_EQ(clipsOf(diff({"--as", "one.edl", "two.edl"}).at("shots_gone")), (Words{"TWO", "THREE"}));
   expectRefusal({"diff", "--as", "nosuch", "two.edl"}, "nosuch: no such list (reeldb list-file list shows them)");
-  expectRefusal({"diff", "--as", "1", "one.edl", "two.edl"},
-                "diff: --as compares one file with one list", 2);
+  expectRefusal({"diff", "--as", "1", "one.edl", "two.edl"}, "diff: --as compares one file with one list", 2);
 }
 
 TEST_F(Diff, FileThatCannotBeReadIsRefused)
