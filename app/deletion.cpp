@@ -12,6 +12,8 @@
 #include "app/reel_state.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
@@ -118,7 +120,8 @@ Undeleted undelete(Session& session)
       throw Error(ErrorKind::Refused, "undelete: there is no deletion to bring back");
     session.manager().informReelDbChanged("");
     const ReelState after(session);
-    after.requireSoundAfter(before, "undelete", "nothing brought back");
+    const std::int64_t deletion = reelhost::lastDeletion(*reelhost::projectStore().history());
+    after.requireSoundAfter(before, deletion, "undelete", "nothing brought back");
     Undeleted result;
     for (const auto& [log, id] : after.reels())
       if (before.reels().count(log) == 0)

@@ -48,7 +48,7 @@ std::int64_t logNumberOf(reelhost::History& history, const std::string& id,
         if (isTheReel(change.before) && !change.after)
           number = change.number;
   if (number == 0)
-    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, and none in the history", base::shortText(id)));
+    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, now or in the history", base::shortText(id)));
   return number;
 }
 
@@ -82,7 +82,7 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
   if (ofOthers && me.user.empty())
     cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
   else if (ofOthers)
-    cause = fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine);
+    cause = fmt::format(" (by {} on {}; --any includes theirs)", me.user, me.machine);
   throw Error(ErrorKind::Refused, fmt::format("{0}: nothing to {0}{1}", operation, cause));
 }
 
@@ -94,12 +94,12 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   const reelhost::TakenBack done = reelhost::takeBack(revision.number);
   if (!done.anything())
     throw Error(ErrorKind::Refused,
-                fmt::format("{}: revision {}: nothing of it is left to take back (undo REVISION takes an earlier "
+                fmt::format("{}: revision {}: nothing left to take back (undo REVISION takes an earlier "
                             "one back)",
                             operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
-  after.requireSoundAfter(before, operation, "nothing taken back");
+  after.requireSoundAfter(before, revision.number, operation, "nothing taken back");
 
   TakenBackCommit result;
   result.commit = entryFrom(revision, takenBack);
@@ -192,7 +192,7 @@ TakenBackCommit undo(Session& session, std::optional<std::int64_t> revision, boo
     for (const reelhost::Revision& known : revisions)
       if (known.number == *revision)
         return takeBack(session, "undo", known, revisions, takenBack);
-    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {}", *revision));
+    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {} (reeldb history lists them)", *revision));
   });
 }
 

@@ -104,9 +104,11 @@ public:
     if (revision > newest)
       throw Error(ErrorKind::NotFound, fmt::format("watch: no revision {} (the newest is {})", revision, newest));
     if (!later.empty() && later.back().number != revision + 1)
-      throw Error(ErrorKind::Refused, fmt::format("watch: the history since revision {} is forgotten (it begins with "
-                                                  "{})",
-                                                  revision, later.back().number));
+      throw Error(
+          ErrorKind::Refused,
+          fmt::format("watch: the history does not reach back to revision {} (it begins with {}; use --since {} "
+                      "or a later one)",
+                      revision, later.back().number, later.back().number - 1));
     for (const reelhost::Revision& back : later) {
       reelhost::RevisionChanges changes = history->changesOf(back.number);
       for (reelhost::LogChange& change : changes.logs)
@@ -127,12 +129,12 @@ public:
     std::optional<std::vector<reelhost::Revision>> revisions;
     if (history)
       revisions = revisionsAfter(*history, last_);
-    if (!revisions || revisions->empty())
+    if (!revisions || revisions->empty() || positionOf(store).otherWrites != last_.otherWrites)
       return {difference(changes)};
     std::vector<WatchedCommit> commits;
     for (const reelhost::Revision& revision : *revisions) {
       commits.push_back(take(revision, history->changesOf(revision.number)));
-      last_ = {revision.number, revision.token};
+      last_ = {revision.number, revision.token, last_.otherWrites};
     }
     return commits;
   }
@@ -158,12 +160,13 @@ private:
     for (const auto& [log, id] : ids_)
       byId_.emplace(base::fold(id), log);
     shots_ = reelhost::shotCounts();
-    last_ = {};
-    if (reelhost::History* const history = store.history())
-      history->readRevisions([&](reelhost::Revision&& newest) {
-        last_ = {newest.number, newest.token};
-        return false;
-      });
+    last_ = positionOf(store);
+  }
+
+  static reelhost::FeedPosition positionOf(reelhost::Store& store)
+  {
+    reelhost::Feed* const feed = store.feed();
+    return feed ? feed->position() : reelhost::FeedPosition();
   }
 
   std::int64_t logOf(const std::string& id) const

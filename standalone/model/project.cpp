@@ -65,13 +65,12 @@ std::string fileNameOf(const Log& log)
 Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     : store_(std::move(store)), access_(access)
 {
-  store_->begin(beginWith, busyTimeout());
-  use_ = beginWith == Access::Write ? Use::Write : Use::Read;
+  begin(beginWith);
   try {
     info_ = currentInfo(*store_);
     cookie_ = cookieOf(info_.uuid, 0, 'P');
     logPrefix_ = prefixFor(info_.uuid);
-    nextNumber_ = store_->nextNumber();
+    nextNumber_ = unusedFrom_ = store_->nextNumber();
     blockOf(options_).assign(store_->options());
     blockOf(options_).setOwner(&optionsOwner_);
     position_ = newestPosition();
@@ -107,11 +106,26 @@ void Project::use(Access needed)
 {
   if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
     return;
-  if (changedElsewhere())
+  if (!beginUnlessChanged(needed))
     throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it again)");
-  endUse();
-  store_->begin(needed, busyTimeout());
-  use_ = needed == Access::Write ? Use::Write : Use::Read;
+}
+
+bool Project::beginUnlessChanged(Access access)
+{
+  endUse(); // the store does not see during a use what others commit
+  if (changedElsewhere())
+    return false;
+  begin(access);
+  isStale_ = newestPosition() != position_; // the last commit of others may have come after the question
+  if (isStale_)
+    endUse();
+  return !isStale_;
+}
+
+void Project::begin(Access access)
+{
+  store_->begin(access, busyTimeout());
+  use_ = access == Access::Write ? Use::Write : Use::Read;
 }
 
 // A project that was opened for reading may be changed in memory, to try out a change.
@@ -132,7 +146,27 @@ bool Project::changedElsewhere()
 void Project::idle()
 {
   loadOthers();
+  reserveNumbers();
   endUse();
+}
+
+// The Cookie of a log is made of its number, so other processes must not give out the numbers of logs that wait to be
+// stored.
+void Project::reserveNumbers()
+{
+  if (use_ != Use::Write)
+    return;
+  Changes reservation;
+  if (nextNumber_ > unusedFrom_)
+    reservation.reservedLogs = nextNumber_ - 1;
+  if (!changedLists_.empty() && changedLists_.rbegin()->first >= store_->lists()->nextListNumber())
+    reservation.reservedLists = changedLists_.rbegin()->first;
+  if (reservation.empty())
+    return;
+  use_ = Use::None; // the store ends the use even if it throws
+  store_->commit(reservation);
+  position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
 }
 
 // --- Reading -------------------------------------------------------------------------------------
@@ -274,6 +308,7 @@ Log& Project::create(StoredLog&& stored)
   makeRoom(dirty_); // a log that is made is stored
   Log& log = add(std::move(stored));
   changing(log);
+  log.storedReelId = {};
   return log;
 }
 
@@ -284,6 +319,7 @@ void Project::changing(Log& log)
   useForChange();
   dirty_.push_back(&log);
   log.isDirty = true;
+  log.storedReelId = log.reelId;
 }
 
 // A partial index would hide logs from every search. On out-of-memory the index is dropped; the next search rebuilds
@@ -481,12 +517,29 @@ bool Project::commit()
   }
   if (access_ == Access::Read)
     throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
-  use(Access::Write);
-  dropEventsOfDeletedLogs();
-  const Changes changes = collect();
+  const bool isAlone = use_ == Use::Write || beginUnlessChanged(Access::Write);
+  Changes changes;
+  try {
+    std::vector<StoredLog> merged;
+    if (!isAlone) {
+      begin(Access::Write);
+      merged = differenceWithChangesHere().logs;
+    }
+    dropEventsOfDeletedLogs();
+    changes = collect();
+    for (StoredLog& log : merged)
+      for (StoredLog& written : changes.logs)
+        if (written.number == log.number)
+          written = std::move(log);
+  } catch (...) {
+    endUse();
+    throw;
+  }
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
-  position_ = newestPosition();
+  if (isAlone) // else the logs in memory lack what others stored, until that is applied
+    position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
   forgetChanges();
   return true;
 }

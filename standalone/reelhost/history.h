@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The history of a project: its commits, and what each of them found. Main thread only.
+/// The history of a project: its commits, and what each of them changed. Main thread only.
 #ifndef REELHOST_HISTORY_H
 #define REELHOST_HISTORY_H
 
@@ -35,7 +35,7 @@ struct RecordChange {
   std::int64_t revision = 0;
   std::int64_t number = 0;             ///< of the log or list
   std::optional<Record> before, after; ///< empty: there was no such log or list
-  bool forgotten = false;              ///< what it was before was removed for good
+  bool forgotten = false;              ///< whether its state before was removed for good
   std::int64_t next = 0;               ///< the next revision that changed it; 0: no later revision did
   bool isThere = false;                ///< whether it is there now
 };
@@ -55,9 +55,9 @@ class History {
 public:
   virtual ~History() = default;
 
-  /// The version of the stored format, if it is an older one; 0 if it is up to date. As of the last begin or commit,
-  /// and needs no begin. A commit brings the format up to date. Until then the history is empty for a
-  /// program that only reads.
+  /// The version of the stored format at the last begin or commit, if it is an older one; 0 if it is up to date. Needs
+  /// no begin. A commit brings the format up to date. Until then the history is empty for a program that only
+  /// reads.
   virtual int olderVersion() = 0;
 
   /// Reads the revisions, the newest first, until @p sink returns false.

@@ -185,6 +185,8 @@ public:
     Content after = content_; // nothing has changed when memory runs short
     writeRevisions(
         changes, [&] { return RevisionWriter(after); }, [&] { removeForGood(after, changes); });
+    after.lastNumber = std::max(after.lastNumber, changes.reservedLogs);
+    after.lastList = std::max(after.lastList, changes.reservedLists);
     content_ = std::move(after);
   }
 
@@ -253,7 +255,9 @@ public:
     if (before.revision != 0) {
       while (commit != content_.commits.end() && positionOf(*commit) != before)
         ++commit;
-      delta.whole = commit == content_.commits.end() || ++commit == content_.commits.end();
+      delta.whole = commit == content_.commits.end();
+      if (!delta.whole)
+        ++commit;
     } else {
       delta.whole = content_.commits.empty() || content_.commits.front().revision.number != 1;
     }

@@ -22,16 +22,20 @@ FeedPosition positionIn(const Statement& row)
   position.revision = row.integer(0);
   const std::string_view token = row.text(1);
   std::copy_n(token.begin(), std::min(token.size(), position.token.size()), position.token.begin());
+  position.otherWrites = row.integer(2);
   return position;
 }
 
-/// Whether the history of this project holds every revision after @p before.
+/// Whether the history of this project holds every revision after @p before, and nothing was written without one.
 bool isKnown(Database& database, const FeedPosition& before)
 {
+  const FeedPosition now = newestPosition(database);
+  if (now.revision == 0 || now.otherWrites != before.otherWrites)
+    return false;
   if (before.revision == 0)
     return database.integer("SELECT min(number) FROM revisions") <= 1;
-  Statement row(database, "SELECT number, token FROM revisions WHERE number = ?1");
-  row.bind(1, before.revision);
+  Statement row(database, "SELECT number, token, ?2 FROM revisions WHERE number = ?1");
+  row.bind(1, before.revision).bind(2, before.otherWrites);
   return row.step() && positionIn(row) == before;
 }
 
@@ -63,14 +67,16 @@ GoneLog goneFrom(const StoredLog& log)
 
 FeedPosition newestPosition(Database& database)
 {
-  Statement row(database, "SELECT number, token FROM revisions ORDER BY number DESC LIMIT 1");
+  // max() chooses the row of the token
+  Statement row(database, "SELECT max(number), token, (SELECT value FROM project WHERE key = 'other_writes') "
+                          "FROM revisions");
   return row.step() ? positionIn(row) : FeedPosition();
 }
 
 Delta changesSince(Database& database, const FeedPosition& before)
 {
   Delta delta;
-  if (newestPosition(database) == before || !isKnown(database, before)) {
+  if (!isKnown(database, before)) {
     delta.whole = true;
     return delta;
   }

@@ -57,7 +57,7 @@ CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 // for the options of the project, log -n for list n. changes_of_log finds what a log was after a revision: what it was
 // before the next one. lists: the lists that are there; events is their packed text.
 // list_bytes: the deflated bytes of each list that lists or changes names. project.last_list: the highest number that a
-// list ever had.
+// list ever had. project.other_writes counts what programs of others write, see countOtherWrites.
 const char history[] = R"sql(
 CREATE TABLE revisions(
   number INTEGER PRIMARY KEY,
@@ -139,6 +139,17 @@ void moveTrash(Database& database)
   }
 }
 
+/// Other programs write without a revision. Triggers count what they change; in this program triggers do nothing.
+void countOtherWrites(Database& database)
+{
+  database.execute("INSERT INTO project(key, value) VALUES('other_writes', 0)");
+  for (const char* const table : {"logs", "fields", "options"})
+    for (const char* const change : {"insert", "update", "delete"})
+      database.execute(("CREATE TRIGGER " + std::string(change) + '_' + table + " AFTER " + change + " ON " + table +
+                        " BEGIN UPDATE project SET value = value + 1 WHERE key = 'other_writes'; END")
+                           .c_str());
+}
+
 void keepHistory(Database& database)
 {
   database.execute(history);
@@ -146,6 +157,7 @@ void keepHistory(Database& database)
   database.execute("DELETE FROM logs WHERE deletion IS NOT NULL;"
                    "DROP INDEX bin; DROP INDEX others_by_reel; ALTER TABLE logs DROP COLUMN deletion;"
                    "CREATE INDEX others_by_reel ON logs(reel_id COLLATE NOCASE, type) WHERE type <> 9;");
+  countOtherWrites(database);
 }
 
 std::int64_t bigEndian(std::string_view bytes, std::size_t at, std::size_t count)

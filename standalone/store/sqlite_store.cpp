@@ -167,7 +167,8 @@ FeedPosition SqliteStore::position()
 {
   if (!session_.hasBegun())
     return stored_;
-  return keepsHistory() ? read(newestPosition) : FeedPosition();
+  // What the current use brings up to date has no position yet that another use could have seen.
+  return session_.olderVersion() == 0 ? read(newestPosition) : FeedPosition();
 }
 
 Delta SqliteStore::since(const FeedPosition& before)

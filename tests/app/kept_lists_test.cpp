@@ -60,10 +60,10 @@ TEST_F(KeptLists, AreFoundByNumberFileNameAndTitle)
   EXPECT_EQ(app::requireList(session, "a.edl").events, 1);
   EXPECT_EQ(
       errorOf([&] { app::requireList(session, "test"); }).what(),
-      std::string("test: 2 lists have this name (use the number of one, such as 2; reeldb list-file list has them)"));
+      std::string("test: 2 lists have this name (use the number of one, such as 2; reeldb list-file list shows them)"));
   const app::Error none = errorOf([&] { app::requireList(session, "7"); });
   EXPECT_EQ(none.kind(), app::ErrorKind::NotFound);
-  EXPECT_EQ(none.what(), std::string("7: no such list (reeldb list-file list has them)"));
+  EXPECT_EQ(none.what(), std::string("7: no such list (reeldb list-file list shows them)"));
 }
 
 TEST_F(KeptLists, EventsSayWhatTheListSaysAndWhatTheReelIsNow)

@@ -199,15 +199,15 @@ TEST_F(State, AFileThatIsNotAStateIsReported)
     const std::string what = found.what();
     return what.substr(what.find("state.json: ") + 12);
   };
-  EXPECT_EQ(error("{").substr(0, 32), "JSON: not a report of this kind ");
+  EXPECT_EQ(error("{").substr(0, 32), "JSON: not of the expected form (");
   EXPECT_EQ(error("{}"),
-            "JSON: not a report of this kind (it has no state, as reeldb export --json without --reels has)");
-  EXPECT_EQ(error(R"({"state_version": 2})"), "JSON: not a report of this kind (its state_version is 2, not 1)");
+            "JSON: not of the expected form (it has no state; reeldb export --json without --reels writes one)");
+  EXPECT_EQ(error(R"({"state_version": 2})"), "JSON: not of the expected form (its state_version is 2, not 1)");
   EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1.5})"),
-            "JSON: not a report of this kind (frame_rate_code is not a whole number)");
+            "JSON: not of the expected form (frame_rate_code is not a whole number)");
   EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1, "output_frame_rate_code": 1,
                       "options": {"a": {"bytes": "Zg"}}})"),
-            "JSON: not a report of this kind (\"Zg\" is not base64)");
+            "JSON: not of the expected form (\"Zg\" is not base64)");
 }
 
 } // namespace

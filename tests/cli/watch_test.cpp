@@ -192,6 +192,18 @@ TEST_F(Watch, CommitIsReportedWhileTheNextProcessWrites)
   sqlite3_close(holder);
 }
 
+TEST_F(Watch, CommitRightBehindTheWriteOfAnotherProgramHidesNothing)
+{
+  output({"create", "R1"});
+  output({"create", "R2"});
+  watch();
+  watcher_->signal(SIGSTOP); // it finds both at once
+  store_tests::runSql(dir_.path() / "projects" / "main.reels", "UPDATE logs SET reel_id = 'R3' WHERE number = 1");
+  output({"set", "R2", "bin=x"});
+  watcher_->signal(SIGCONT);
+  expectSaid("1 reel renamed, 1 reel changed\n");
+}
+
 TEST_F(Watch, SinceARevisionReportsWhatWasStoredAndEnds)
 {
   output({"create", "R1"});
@@ -228,7 +240,9 @@ TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
   EXPECT_EQ(withoutCommits(output({"watch", "--since", "1"})), "new R2\n"); // nothing of it is missing
   result = reeldb({"watch", "--since", "0"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: watch: the history since revision 0 is forgotten (it begins with 2)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: watch: the history does not reach back to revision 0 (it begins with 2; use --since 1 or a later "
+            "one)\n");
 }
 
 TEST_F(Watch, QuietProjectWakesNobody)

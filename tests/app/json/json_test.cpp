@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
 #include "app/diff.h"
@@ -183,6 +184,15 @@ TEST(Json, ChangedReelNamesFieldsAsReportsAlwaysHave)
   expectJson(changed, R"({"id": "A001", "changed": [{"field": "label-mapping", "from": "", "to": "pal9pin"}],
                           "unchanged": [{"field": "bin", "value": "x"}]})");
   EXPECT_EQ(fromJson<ChangedReel>(jsonText(changed)).changes.front().field, "label-map");
+}
+
+TEST(Json, ConflictHasTheCommitIfItIsKnown)
+{
+  FieldConflict conflict{"A001", "bin", "Shelf 4", "", {}};
+  expectJson(conflict, R"({"id": "A001", "field": "bin", "expected": "Shelf 4", "found": ""})");
+  conflict.commit.emplace().revision = 7;
+  EXPECT_EQ(nlohmann::json::parse(jsonText(conflict)).at("commit").at("revision"), 7);
+  EXPECT_EQ(fromJson<FieldConflict>(jsonText(conflict)).commit->revision, 7);
 }
 
 TEST(Json, RenamedReel)
@@ -401,7 +411,7 @@ void expectRefused(const std::string& text)
     ADD_FAILURE() << text << ": was read";
   } catch (const Error& error) {
     EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
-    EXPECT_EQ(std::string(error.what()).rfind("JSON: not a report of this kind (", 0), 0u) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not of the expected form (", 0), 0u) << error.what();
   }
 }
 

@@ -358,6 +358,28 @@ TEST_P(StoreContract, CommitWithoutChangesChangesNothing)
   EXPECT_EQ(nextNumber(*project), 2);
 }
 
+TEST_P(StoreContract, ReservedNumbersAreNotGivenOutAndCanBeUsed)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  Changes reservation;
+  reservation.reservedLogs = 3;
+  reservation.reservedLists = 2;
+  store(*project, reservation);
+  EXPECT_EQ(nextNumber(*project), 4);
+  if (Lists* const lists = project->lists()) {
+    EXPECT_EQ(in(*project, [&] { return lists->nextListNumber(); }), 3);
+  }
+  store(*project, logChanges({exampleLog(4, 9)}));
+  store(*project, logChanges({exampleLog(2, 9), exampleLog(3, 1)}));
+  EXPECT_EQ(nextNumber(*project), 5);
+  EXPECT_EQ(numbersOf(*project), (std::vector<std::int64_t>{1, 2, 4, 3}));
+  reservation.reservedLogs = 1; // lower than before
+  store(*project, reservation);
+  EXPECT_EQ(nextNumber(*project), 5);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
+}
+
 TEST_P(StoreContract, UseForWritingSeesTheProjectAndEndKeepsIt)
 {
   const auto project = make();
