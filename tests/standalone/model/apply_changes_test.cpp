@@ -230,6 +230,7 @@ TEST_P(ApplyChanges, NothingIsAppliedIfTheOtherLogsCannotBeRead)
 {
   makeLogs();
   open();
+  reelhost::commit(); // lets others write, and loads nothing, as idle() would
   elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
   RecordingListener listener;
   areOthersDamaged_ = true;
