@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
+#include <map>
 #include <set>
 
 #include "cli/command_fixture.h"
@@ -162,12 +163,18 @@ TEST_F(SampleVersions, EachIsKeptAndUndoneAndMadeAgain)
   }
 }
 
-/// Events without what depends on the file: the number of the line and the width of the reel field.
+/// Events without what depends on the file: the number of the line and the width of the reel field. A text that several
+/// reels share in the list is not kept, either: each reel gets a name of its own.
 Json eventsOf(Json list)
 {
+  std::map<std::string, std::set<std::string>> reelsOfText;
+  for (const Json& event : list.at("events"))
+    reelsOfText[event.at("reel_text")].insert(event.at("reel_now"));
   for (Json& event : list.at("events")) {
     event.erase("line");
     event.erase("reel_field");
+    if (reelsOfText.at(event.at("reel_text")).size() > 1)
+      event.erase("reel_text");
   }
   return list.at("events");
 }
