@@ -116,8 +116,7 @@ Undeleted undelete(Session& session)
 {
   return guarded([&] {
     const ReelState before(session);
-    const int count = reelhost::undelete();
-    if (count == 0)
+    if (reelhost::undelete() == 0)
       throw Error(ErrorKind::Refused, "undelete: there is no deletion to bring back");
     session.manager().informReelDbChanged("");
     const ReelState after(session);
@@ -127,7 +126,8 @@ Undeleted undelete(Session& session)
     for (const auto& [log, id] : after.reels())
       if (before.reels().count(log) == 0)
         result.reels.push_back(id);
-    result.shots = static_cast<std::size_t>(count) - result.reels.size();
+    for (const auto& shot : after.shots())
+      result.shots += before.shots().count(shot) == 0 ? 1 : 0;
     session.commit();
     return result;
   });

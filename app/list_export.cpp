@@ -37,12 +37,12 @@ std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& lis
     if (count > 0)
       remarks.push_back(fmt::format("{}: {} not written: {} ({})", base::displayText(list.file), what, count, cause));
   };
-  remark(original.tally.ignored, "notes and statements", "the project keeps none of their kind");
+  remark(original.tally.ignored, "notes and statements", "the project does not keep them");
   remark(original.unread.size(), "headings and columns of the log",
          fmt::format("{}", fmt::join(original.unread, ", ")));
   remark(original.rejected.size(), "rejected lines", "they could not be read");
   remark(static_cast<std::int64_t>(lists::eventsOf(original).size()) - list.events, "events",
-         "the project does not keep them any more");
+         "their shots were deleted");
   return remarks;
 }
 

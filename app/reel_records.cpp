@@ -97,7 +97,7 @@ Reel readReel(ReelDbRec record, const ShotCounts& shots)
 
 ReelDbRec requireReel(ReelDbManager& manager, const std::string& id)
 {
-  const ReelDbRec reel = manager.getReelInfo(hostText(id));
+  ReelDbRec reel = manager.getReelInfo(hostText(id));
   if (!reel.valid())
     throw Error(ErrorKind::NotFound, noSuchReel(manager, id));
   return reel;
@@ -136,7 +136,7 @@ void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remark
   const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);
   if (!meaning.empty())
     remarks.push_back(
-        fmt::format("{}: accepted, but no import will find this reel by its name (its meaning in cut lists: {})",
+        fmt::format("{}: stored, but import cannot find a reel by this name (its meaning in cut lists: {})",
                     base::shortText(id), meaning));
 }
 

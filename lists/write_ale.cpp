@@ -143,7 +143,8 @@ void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
     if (const auto count =
             std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
         count > 0)
-      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) + " (a log has none)");
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) +
+                                " (a log file cannot hold them)");
   };
   remark("event numbers", [](const Event& event) { return !event.number.empty(); });
   remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });
@@ -155,8 +156,8 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
 {
   const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
   if (const auto count = std::count_if(clips.begin(), clips.end(), isLong); count > 0)
-    written.remarks.push_back(std::to_string(count) + " clip names: longer than " + std::to_string(longestClipName) +
-                              " characters (other programs may cut them)");
+    written.remarks.push_back(std::string("clip names longer than ") + std::to_string(longestClipName) +
+                              " characters: " + std::to_string(count) + " (other programs may cut them)");
   if (columns > mostColumns)
     written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(mostColumns) +
                               " (other programs may not read all columns)");

@@ -240,6 +240,44 @@ TEST_F(History, OthersCommitsAreLeftAloneUnlessAnybodysAreMeant)
   EXPECT_EQ(undo().commit.revision, 1);
 }
 
+TEST_F(History, ReelThatHadAnotherTypeForAWhileIsCountedOnce)
+{
+  import({"A001"});
+  reelhost::openProject("main", reelhost::Access::Write);
+  reelhost::Changes changes;
+  reelhost::projectStore().readReels([&](reelhost::StoredLog&& log) { changes.logs.push_back(std::move(log)); });
+  changes.logs.front().type = 1;
+  reelhost::projectStore().commit(changes);
+  reelhost::closeProject();
+  const app::TakenBackCommit done = undo({}, true);
+  EXPECT_EQ(done.reelsRestored, Names{"A001"});
+  EXPECT_EQ(done.shotsRestored, 0u);
+  EXPECT_EQ(done.shotsRemoved, 1u); // which it was meanwhile
+  EXPECT_EQ(done.logsChanged, 1u);
+}
+
+TEST_F(History, CommitOfWhichNothingIsLeftDoesNotHideEarlierOnes)
+{
+  import({"A001"});
+  set("A001", "bin", "x");
+  {
+    app::Session session({}, app::Access::Write);
+    app::createReel(session, "B001", {});
+  }
+  remove("B001");
+  {
+    app::Session session({}, app::Access::Write);
+    app::compactProject(session); // a commit without changes
+  }
+  const std::string compacted = refusal([] { undo(); });
+  EXPECT_EQ(compacted.substr(compacted.find("main.reels: ")),
+            "main.reels: revision 4 cannot be taken back (project compact has removed what it deleted; undo REVISION "
+            "takes an earlier one back)");
+  EXPECT_EQ(refusal([] { undo(3); }),
+            "undo: revision 3: nothing left to take back (undo REVISION takes an earlier one back)");
+  EXPECT_EQ(undo(2).commit.revision, 2);
+}
+
 TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
 {
   folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
@@ -250,7 +288,21 @@ TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
   reelhost::useFacility(reelhost::Facility::read(folder_.path()));
   const reelhost::Origin me = reelhost::currentOrigin();
   EXPECT_EQ(refusal([] { undo(); }),
-            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any takes what others did)");
+            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any includes theirs)");
+}
+
+TEST_F(History, WithoutNamesOnlyACommitThatIsMeantIsTakenBack)
+{
+  folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
+  reelhost::useFacility(reelhost::Facility::read(folder_.path()));
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo");
+  import({"A001"});
+  rename("A001", "B001");
+  const std::string cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo" + cause);
+  EXPECT_EQ(undo(2).commit.revision, 2);
+  EXPECT_EQ(refusal([] { redo(); }), "redo: nothing to redo" + cause);
+  EXPECT_EQ(undo({}, true).commit.revision, 1);
 }
 
 TEST_F(History, OfAReelHasItsFieldsBeforeAndAfter)
