@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <iterator>
-#include <map>
 #include <set>
 
 #include "cli/command_fixture.h"
@@ -160,44 +159,6 @@ TEST_F(SampleVersions, EachIsKeptAndUndoneAndMadeAgain)
     EXPECT_EQ(json({"-p", project, "list-file", "list", "--json"}).at(0), list);
     EXPECT_EQ(output({"-p", project, "list-file", "show", "1", "--original"}), readFile(file.string()));
     EXPECT_EQ(output({"-p", project, "project", "check"}), project + ": sound\n");
-  }
-}
-
-/// Events without what depends on the file: the number of the line and the width of the reel field. A text that several
-/// reels share in the list is not kept, either: each reel gets a name of its own.
-Json eventsOf(Json list)
-{
-  std::map<std::string, std::set<std::string>> reelsOfText;
-  for (const Json& event : list.at("events"))
-    reelsOfText[event.at("reel_text")].insert(event.at("reel_now"));
-  for (Json& event : list.at("events")) {
-    event.erase("line");
-    event.erase("reel_field");
-    if (reelsOfText.at(event.at("reel_text")).size() > 1)
-      event.erase("reel_text");
-  }
-  return list.at("events");
-}
-
-TEST_F(SampleVersions, ExportOfAListGivesTheSameEventsReelsAndShotsElsewhere)
-{
-  for (const fs::path& file : samples()) {
-    SCOPED_TRACE(file.filename().string());
-    const std::string project = numbered("p", std::hash<std::string>()(file.string())), other = project + "b";
-    output({"project", "new", project});
-    output({"project", "new", other});
-    import(project, file.string());
-    const ProcessResult exported = reeldb({"-p", project, "export", "1"});
-    EXPECT_EQ(exported.code, 0) << exported.err;
-    dir_.write("out", exported.out);
-    import(other, path("out"));
-    const auto events = [&](const std::string& of) {
-      return eventsOf(json({"-p", of, "list-file", "show", "1", "--json"}));
-    };
-    EXPECT_EQ(events(other), events(project));
-    EXPECT_EQ(json({"-p", other, "list", "--json"}), json({"-p", project, "list", "--json"}));
-    EXPECT_EQ(json({"-p", other, "export", "--json"}).at("shots"),
-              json({"-p", project, "export", "--json"}).at("shots"));
   }
 }
 
