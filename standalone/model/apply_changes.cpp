@@ -73,7 +73,8 @@ void Project::apply(StoredLog&& stored, AppliedChanges& changes)
   if (!log) {
     if (!isReel && !othersLoaded_)
       return; // it is read with the others
-    const Log& added = add(std::move(stored));
+    // Nobody holds a log while changes are applied. Those that wait to be stored may still be needed.
+    const Log& added = gone_.empty() || hasChanges() ? add(std::move(stored)) : addInPlaceOfGone(stored);
     changes.modified.add(added.cookie);
     if (isReel) {
       ++changes.newReels;
