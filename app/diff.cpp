@@ -66,6 +66,7 @@ public:
       const NamedReel name = noteName(clip);
       clip.reel = name.reel;
       addReel(name);
+      named_.insert(base::fold(name.reel));
       const std::string key = shotKey(clip);
       if (listed_.insert(key).second && !there_.contains(key))
         diff_.added.push_back(clip);
@@ -81,7 +82,7 @@ public:
       const Shot& shot = known.shot;
       if (shot.reel.empty() || std::find(formats_.begin(), formats_.end(), formatOf(shot)) == formats_.end())
         continue;
-      const bool named = reels_.contains(base::fold(shot.reel));
+      const bool named = named_.contains(base::fold(shot.reel));
       if ((named || diff_.whole) && !listed_.contains(shotKey(shot)))
         diff_.missing.push_back(shot);
       if (!named && diff_.whole && told.insert(base::fold(shot.reel)).second)
@@ -136,6 +137,7 @@ private:
   ProjectNames names_;
   std::unordered_set<std::string> there_, listed_; ///< the keys of the shots of the project, and of the lists
   std::unordered_set<std::string> reels_;          ///< the folded reels that the lists name
+  std::unordered_set<std::string> named_;          ///< those of lists without a kept version
   std::unordered_set<std::string> spellings_;      ///< the spellings that were reported
   std::vector<lists::Format> formats_;
   std::unordered_set<std::string> metNames_;

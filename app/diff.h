@@ -60,8 +60,8 @@ struct ListDiff {
 /// Lists without a kept version, or with @p whole all lists, are compared, taken together, with the reels and shots of
 /// the project. A shot with a record in or out comes from a cut list, any other shot from a log file. Only shots from
 /// lists of the compared kinds can be missing, because a cut list does not describe the content of a log file. A shot
-/// is missing if a list names its reel but not the shot. With @p whole the lists are complete: shots of any reel can be
-/// missing, and a reel is gone if all of its shots of these kinds are missing.
+/// is missing if one of these lists names its reel but none the shot. With @p whole the lists are complete: shots of
+/// any reel can be missing, and a reel is gone if all of its shots of these kinds are missing.
 ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
                       const std::optional<std::string>& as = {});
 

@@ -84,6 +84,10 @@ public:
   Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing)
       : manager_(session.manager()), progress_(progress), replacing_(replacing), rate_(projectRate()), names_(session)
   {
+    for (const Cookie& log : manager_.reelList)
+      lastBefore_ = std::max(lastBefore_, reelhost::logNumber(log));
+    for (const KnownShot& known : names_.shots())
+      lastBefore_ = std::max(lastBefore_, reelhost::logNumber(known.log));
     for (const ListFile& file : files) {
       clips_ += file.list.clips.size();
       for (const lists::Clip& clip : file.list.clips)
@@ -105,6 +109,7 @@ public:
   {
     ImportedList result;
     result.file = file.path;
+    reelOfShot_.clear();
     const CreatedReels listener([&](const std::string& id) {
       addReel(id);
       result.created.push_back(id);
@@ -154,6 +159,8 @@ public:
 
   /// The shots of the versions that gave their place to another.
   const std::set<std::int64_t>& replacedShots() const { return replacedShots_; }
+  /// The highest number of a log before the import, which makes logs with higher ones.
+  std::int64_t lastBefore() const { return lastBefore_; }
 
 private:
   /// The clips as the shots that they become, with the reels of their names, which the result gets.
@@ -214,7 +221,7 @@ private:
     return {shot->second, isNew};
   }
 
-  /// The reel of a shot that existed before the import.
+  /// The reel of a shot that existed before the file was imported.
   const std::string& reelOf(std::int64_t shot)
   {
     if (reelOfShot_.empty())
@@ -285,6 +292,7 @@ private:
   std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
   std::unordered_map<std::int64_t, std::string> reelOfShot_; ///< filled when it is needed
   std::set<std::int64_t> replacedShots_;                     ///< of versions that gave their place to another
+  std::int64_t lastBefore_ = 0;                              ///< the highest number of a log before the import
 };
 
 } // namespace
@@ -336,7 +344,7 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
         remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
     }
     if (!importer.replacedShots().empty()) {
-      UnusedShots unused = deleteUnused(session, importer.replacedShots());
+      UnusedShots unused = deleteUnused(session, importer.replacedShots(), importer.lastBefore());
       report.shotsRemoved = std::move(unused.shots);
       report.reelsRemoved = std::move(unused.reels);
     }

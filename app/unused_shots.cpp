@@ -7,7 +7,6 @@
 #include "app/shot_logs.h"
 #include "base/ascii.h"
 #include "reelhost/history.h"
-#include "reelhost/host.h"
 
 namespace reeldb::app {
 
@@ -39,19 +38,22 @@ std::set<std::int64_t> madeByImports()
 
 } // namespace
 
-UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots)
+UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots, std::int64_t lastBefore)
 {
   UnusedShots result;
-  std::set<std::int64_t> removable = madeByImports();
+  const std::set<std::int64_t> made = madeByImports();
+  std::set<std::int64_t> used;
   for (const reelhost::KeptList& list : reelhost::keptLists())
     for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number))
-      removable.erase(event.shot);
+      used.insert(event.shot);
+  const auto isRemovable = [&](std::int64_t log) {
+    return used.count(log) == 0 && (log > lastBefore || made.count(log) != 0);
+  };
 
   CookieVec logs;
   std::set<std::string> reels; // folded
   for (const Cookie& log : reelhost::allShots())
-    if (const std::int64_t number = reelhost::logNumber(log);
-        shots.count(number) != 0 && removable.count(number) != 0) {
+    if (const std::int64_t number = reelhost::logNumber(log); shots.count(number) != 0 && isRemovable(number)) {
       logs.add(log);
       result.shots.push_back(shotFrom(reelhost::materialOf(log)));
       reels.insert(base::fold(result.shots.back().reel));
@@ -62,8 +64,7 @@ UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots)
   CookieVec reelLogs;
   for (const Cookie& log : session.manager().reelList) {
     const std::string id = text(ReelDbRec(log).reelId());
-    if (reels.count(base::fold(id)) == 0 || removable.count(reelhost::logNumber(log)) == 0 ||
-        !reelhost::shotsOf(id).empty())
+    if (reels.count(base::fold(id)) == 0 || !isRemovable(reelhost::logNumber(log)) || !reelhost::shotsOf(id).empty())
       continue;
     reelLogs.add(log);
     result.reels.push_back(id);

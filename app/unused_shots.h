@@ -11,6 +11,7 @@
 
 #include "app/session.h"
 #include "app/shots.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
@@ -21,8 +22,10 @@ struct UnusedShots {
 
 /// Deletes those of the shots, given by their logs' numbers, that no kept list uses and that imports alone made and
 /// changed; then each of their reels that has no shot left and that imports alone made and changed. Returns what was
-/// deleted. What was made before the history of the project begins stays.
-UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots);
+/// deleted. What was made before the history of the project begins stays. Logs with numbers above @p lastBefore were
+/// made by an import that is not stored yet.
+UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots,
+                         std::int64_t lastBefore = reelhost::lastLogNumber);
 
 } // namespace reeldb::app
 

@@ -86,37 +86,39 @@ public:
     log_ = logOf(*reel_);
   }
 
-  /// Goes back to the state after the revision, so that all commits since are new. Throws Error as reportSince.
-  void goBackTo(std::int64_t revision)
+  /// What the commits after the revision did that the project holds already. Throws Error as reportSince.
+  std::vector<WatchedCommit> commitsSince(std::int64_t revision)
   {
     reelhost::History* const history = reelhost::projectStoreToRead().history();
     if (!history)
       throw Error(ErrorKind::Refused, "watch: this project keeps no history");
-    reelhost::FeedPosition position{revision, {}, last_.otherWrites};
-    std::int64_t oldest = 0, newest = 0;
+    std::vector<reelhost::Revision> later; // the newest first
+    std::int64_t newest = 0;
     history->readRevisions([&](reelhost::Revision&& known) {
-      if (known.number == revision)
-        position.token = known.token;
       newest = std::max(newest, known.number);
-      oldest = known.number;
-      return known.number > revision;
+      if (known.number <= revision)
+        return false;
+      later.push_back(std::move(known));
+      return true;
     });
     if (revision > newest)
       throw Error(ErrorKind::NotFound, fmt::format("watch: no revision {} (the newest is {})", revision, newest));
-    const auto revisions = revisionsAfter(*history, position);
-    if (!revisions)
+    if (!later.empty() && later.back().number != revision + 1)
       throw Error(
           ErrorKind::Refused,
           fmt::format("watch: the history does not reach back to revision {} (it begins with {}; use --since {} "
                       "or a later one)",
-                      revision, oldest, oldest));
-    for (auto later = revisions->rbegin(); later != revisions->rend(); ++later) {
-      reelhost::RevisionChanges changes = history->changesOf(later->number);
+                      revision, later.back().number, later.back().number - 1));
+    for (const reelhost::Revision& back : later) {
+      reelhost::RevisionChanges changes = history->changesOf(back.number);
       for (reelhost::LogChange& change : changes.logs)
         std::swap(change.before, change.after);
-      take(*later, changes);
+      take(back, changes);
     }
-    last_ = position;
+    std::vector<WatchedCommit> commits;
+    for (auto forth = later.rbegin(); forth != later.rend(); ++forth)
+      commits.push_back(take(*forth, history->changesOf(forth->number)));
+    return commits;
   }
 
   /// What the commits since the last call did. Takes them over.
@@ -331,15 +333,13 @@ Watcher::~Watcher() = default;
 
 void Watcher::reportSince(std::int64_t revision)
 {
-  guarded([&] {
-    reels_->goBackTo(revision);
-    report({});
-  });
+  guarded([&] { report(reels_->commitsSince(revision)); });
 }
 
-void Watcher::report(const reelhost::ForeignChanges& changes)
+void Watcher::report(std::vector<WatchedCommit> commits)
 {
-  for (WatchedCommit& commit : reels_->newCommits(changes))
+  reelhost::idle(); // a listener that waits, as for a pipe that is full, must not hold the project meanwhile
+  for (WatchedCommit& commit : commits)
     if (reels_->keepWhatIsOfInterest(commit))
       listener_(commit);
 }
@@ -363,7 +363,7 @@ void Watcher::poll()
           throw;
         continue; // another commit came in between: its revisions are read with the others
       }
-      report(changes);
+      report(reels_->newCommits(changes));
       return;
     }
   });

@@ -16,10 +16,6 @@
 #include "app/history.h"
 #include "app/session.h"
 
-namespace reelhost {
-struct ForeignChanges;
-}
-
 namespace reeldb::app {
 
 /// What a commit did to one reel.
@@ -55,7 +51,7 @@ struct WatchedCommit {
 /// the next reel with its identifier. Blocks no other process. Main thread only.
 ///
 /// A caller waits like this: it calls idle and poll once; then it waits until waitHandle() is readable, calls
-/// readEvents() until that returns zero, and calls idle and poll again.
+/// readEvents() until that returns zero, and calls idle and poll each time that it returns a time.
 class Watcher {
 public:
   using Listener = std::function<void(const WatchedCommit&)>;
@@ -79,12 +75,13 @@ public:
   /// call poll from time to time; whyNoHandle() says why, "PATH: fact (cause)".
   int waitHandle();
   std::string whyNoHandle();
-  /// Zero: call poll now. A longer time: call this again after that time. No time: wait on.
+  /// Zero: call poll now. A longer time: somebody writes; call poll now, because there may be an earlier commit, and
+  /// this again after that time. No time: wait on.
   std::optional<std::chrono::microseconds> readEvents();
 
 private:
   class Reels;
-  void report(const reelhost::ForeignChanges& changes);
+  void report(std::vector<WatchedCommit> commits);
   Session& session_;
   const Listener listener_;
   std::unique_ptr<Reels> reels_;

@@ -122,27 +122,29 @@ void follow(app::Watcher& watcher, const Waiting& waiting, const Deadline& end)
   if (handle < 0)
     complainOf({fmt::format("{}; asking {} times a second instead", watcher.whyNoHandle(),
                             std::chrono::seconds(1) / interval)});
+  std::optional<microseconds> pause(0); // without a value: until somebody writes
   for (;;) {
-    watcher.idle();
-    watcher.poll();
-    watcher.idle();
-    std::optional<microseconds> pause; // until somebody writes
+    if (pause) { // also while somebody writes: there may be an earlier commit
+      watcher.idle();
+      watcher.poll();
+      watcher.idle();
+    }
     if (handle < 0)
       pause = interval;
-    for (bool isNews = false; !isNews;) {
-      std::optional<microseconds> time = pause;
-      if (end) {
-        const auto left =
-            std::chrono::duration_cast<microseconds>(*end - std::chrono::steady_clock::now()) + microseconds(1);
-        if (left <= microseconds(0))
-          return;
-        time = std::min(left, time.value_or(left));
-      }
-      if (waiting.endedBySignal(pause && handle >= 0 ? -1 : handle, time))
+    else if (pause && pause->count() == 0)
+      pause.reset();
+    std::optional<microseconds> time = pause;
+    if (end) {
+      const auto left =
+          std::chrono::duration_cast<microseconds>(*end - std::chrono::steady_clock::now()) + microseconds(1);
+      if (left <= microseconds(0))
         return;
-      pause = handle < 0 ? microseconds(0) : watcher.readEvents();
-      isNews = pause && pause->count() == 0;
+      time = std::min(left, time.value_or(left));
     }
+    if (waiting.endedBySignal(pause && handle >= 0 ? -1 : handle, time))
+      return;
+    if (handle >= 0)
+      pause = watcher.readEvents();
   }
 }
 

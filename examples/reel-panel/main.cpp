@@ -169,12 +169,13 @@ void run(const std::string& wanted)
   for (std::string key; ended == 0 && key != "q";) {
     if (key == "\x1b[A" || key == "\x1b[B")
       panel.scroll(key == "\x1b[A" ? -1 : 1);
-    if (ask == now) {
+    if (ask) {          // also while somebody writes: there may be an earlier commit
       reelhost::idle(); // lets other programs write
       reelhost::informOfChangesFromElsewhere(manager);
       reelhost::idle();
-      ask = std::nullopt;
     }
+    if (ask == now)
+      ask = std::nullopt;
     if (resized) {
       resized = 0;
       panel.redraw();

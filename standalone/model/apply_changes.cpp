@@ -40,8 +40,7 @@ Delta Project::differenceToStored()
       delta.logs.push_back(std::move(stored));
   };
   store_->readReels(compare);
-  if (othersLoaded_)
-    store_->readOthers(compare);
+  store_->readOthers(compare);
   for (const Log& log : logs_)
     if (!log.isGone && there.count(&log) == 0) {
       const StoredLog stored = log.toStored();
@@ -71,8 +70,6 @@ void Project::apply(StoredLog&& stored, AppliedChanges& changes)
   const bool isReel = stored.type == codes::reelLog;
   Log* const log = table_.find(CookieWords(cookieOf(stored)));
   if (!log) {
-    if (!isReel && !othersLoaded_)
-      return; // it is read with the others
     // Nobody holds a log while changes are applied. Those that wait to be stored may still be needed.
     const Log& added = gone_.empty() || hasChanges() ? add(std::move(stored)) : addInPlaceOfGone(stored);
     changes.modified.add(added.cookie);
@@ -128,6 +125,7 @@ std::optional<ForeignChanges> Project::applyFromElsewhere()
     if (!delta || delta->whole)
       delta = differenceToStored();
   }
+  loadOthers(); // now, because nothing may throw once anything is applied
   const FeedPosition position = newestPosition();
   const std::int64_t nextNumber = store_->nextNumber();
 

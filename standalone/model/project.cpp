@@ -500,11 +500,13 @@ Changes Project::collect() const
   for (const Key key : changedOptions_)
     changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
   for (const auto& [number, list] : changedLists_)
-    if (list)
+    if (list) {
       changes.lists.push_back(*list);
-    else
+      if (const auto bytes = listBytes_.find(list->digest); bytes != listBytes_.end())
+        changes.listBytes.insert(*bytes);
+    } else {
       changes.deletedLists.push_back(number);
-  changes.listBytes = listBytes_;
+    }
   return changes;
 }
 

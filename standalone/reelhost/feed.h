@@ -49,8 +49,8 @@ using AskAgain = std::optional<std::chrono::microseconds>;
 /// What a store may have for programs that wait for changes by other processes.
 ///
 /// The way to wait: get the handle, then ask Store::changedElsewhere once, because a commit may have come before the
-/// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero; then ask
-/// Store::changedElsewhere.
+/// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero. Ask
+/// Store::changedElsewhere each time that it returns a time: one process may write after another has committed.
 class Feed {
 public:
   virtual ~Feed() = default;
@@ -69,7 +69,8 @@ public:
   /// Why there is no waitHandle, "PATH: fact (cause)"; empty if there is one or if no other process can commit.
   virtual std::string whyNoWaitHandle() = 0;
   /// Reads the events of the handle. Zero: ask Store::changedElsewhere now. A longer time: another process is writing,
-  /// so call this again after that time. No time: nothing has happened. Never throws and never waits.
+  /// so ask for earlier commits now, and call this again after that time. No time: nothing has happened. Never throws
+  /// and never waits.
   virtual AskAgain readEvents() noexcept = 0;
 };
 

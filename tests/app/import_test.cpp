@@ -273,6 +273,25 @@ TEST_F(ImportReplaces, VersionOfTheSameFileName)
   EXPECT_EQ(reelhost::eventsOfList(1).size(), 3u);
 }
 
+TEST_F(ImportReplaces, ListOfTheSameImport)
+{
+  import({"A001"});
+  const app::ListFile first = app::readListFile(cutList("v1/cut.edl", {"A001", "B002", "D003"})); // by its title
+  const app::ListFile second = app::readListFile(cutList("v2/cut.edl", {"C001", "B002"}));        // by its file name
+  {
+    app::Session session({}, app::Access::Write);
+    const app::ImportReport report = app::importLists(session, {first, second}, false, {}, {.byName = true});
+    EXPECT_EQ(report.lists[1].matched, std::vector<std::string>{"B002"});
+    EXPECT_EQ(idsOf(report.shotsRemoved), (std::vector<std::string>{"A001", "D003"}));
+    EXPECT_EQ(report.reelsRemoved, (std::vector<std::string>{"A001", "D003"}));
+  }
+  EXPECT_EQ(reelIds(), (std::vector<std::string>{"B002", "C001"}));
+  EXPECT_EQ(keptLists().size(), 1u);
+  const app::Session session({}, app::Access::Read);
+  EXPECT_EQ(reelhost::bytesOfList(reelhost::digestOf(second.bytes)), second.bytes);
+  EXPECT_THROW(reelhost::bytesOfList(reelhost::digestOf(first.bytes)), reelhost::Error);
+}
+
 TEST_F(ImportReplaces, NamedListWhateverTheFileIsCalled)
 {
   import({"A001"});

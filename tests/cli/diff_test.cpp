@@ -186,6 +186,18 @@ TEST_F(Diff, NewVersionIsComparedWithItsListAlone)
             std::string::npos);
 }
 
+TEST_F(Diff, ListWithoutAVersionBesideOneWithAVersionIsComparedAlone)
+{
+  dir_.write("other.edl", clip(1, "C001", "05:00:00:00", "OTHER"));
+  output({"import", "other.edl"});
+  dir_.write("one.edl", readFile("one.edl") + clip(4, "C001", "01:00:00:00", "FIVE"));
+  dir_.write("unknown.edl", clip(1, "B001", "01:00:00:00", "THREE"));
+  const Json report = diff({"one.edl", "unknown.edl"});
+  EXPECT_EQ(report.at("versions"), Json::parse("[1, null]"));
+  EXPECT_EQ(clipsOf(report.at("shots_added")), Words{"FIVE"});
+  EXPECT_EQ(clipsOf(report.at("shots_gone")), Words{}); // not OTHER, which is in neither list
+}
+
 TEST_F(Diff, ShotsAtAnotherPlaceOfTheCutAreADifference)
 {
   std::string moved = readFile("one.edl");

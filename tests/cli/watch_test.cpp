@@ -7,6 +7,8 @@
 #include <sstream>
 #include <thread>
 
+#include <sqlite3.h>
+
 #include "cli/command_fixture.h"
 #include "standalone/store/support.h"
 
@@ -176,6 +178,20 @@ TEST_F(Watch, CommitOfAnotherProgramIsReportedWithoutItsOrigin)
   expectSaid("1 reel gone, 1 reel renamed\nchanged R3: bin: x (was -)\n");
 }
 
+TEST_F(Watch, CommitIsReportedWhileTheNextProcessWrites)
+{
+  output({"create", "R1"});
+  watch();
+  sqlite3* holder = nullptr;
+  ASSERT_EQ(sqlite3_open(path("projects/main.reels").c_str(), &holder), SQLITE_OK);
+  EXPECT_EQ(sqlite3_exec(holder,
+                         "BEGIN IMMEDIATE; UPDATE logs SET reel_id = 'R2' WHERE number = 1; COMMIT; BEGIN IMMEDIATE",
+                         nullptr, nullptr, nullptr),
+            SQLITE_OK);
+  expectSaid("renamed R2 from R1\n");
+  sqlite3_close(holder);
+}
+
 TEST_F(Watch, CommitRightBehindTheWriteOfAnotherProgramHidesNothing)
 {
   output({"create", "R1"});
@@ -221,10 +237,11 @@ TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.err, "reeldb: --since \"yesterday\": not a revision (reeldb history lists them)\n");
   output({"project", "compact", "--before", "2"});
-  result = reeldb({"watch", "--since", "1"});
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1"})), "new R2\n"); // nothing of it is missing
+  result = reeldb({"watch", "--since", "0"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err,
-            "reeldb: watch: the history does not reach back to revision 1 (it begins with 2; use --since 2 or a later "
+            "reeldb: watch: the history does not reach back to revision 0 (it begins with 2; use --since 1 or a later "
             "one)\n");
 }
 

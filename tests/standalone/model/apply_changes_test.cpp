@@ -22,12 +22,18 @@ using reelhost::StoredLog;
 using State = ForeignChanges::State;
 using Texts = std::vector<std::string>;
 
-/// Counts how often all reels are read.
+/// Counts how often all reels are read, and reads no other logs if these are damaged.
 class CountingStore : public ForwardingStore {
 public:
-  CountingStore(std::shared_ptr<reelhost::Store> to, bool hasFeed, int& wholeReads)
-      : ForwardingStore(std::move(to)), hasFeed_(hasFeed), wholeReads_(wholeReads)
+  CountingStore(std::shared_ptr<reelhost::Store> to, bool hasFeed, int& wholeReads, const bool& areOthersDamaged)
+      : ForwardingStore(std::move(to)), hasFeed_(hasFeed), wholeReads_(wholeReads), areOthersDamaged_(areOthersDamaged)
   {
+  }
+  void readOthers(const Sink& sink) override
+  {
+    if (areOthersDamaged_)
+      throw reelhost::Error(reelhost::ErrorKind::Unreadable, "damaged");
+    ForwardingStore::readOthers(sink);
   }
   reelhost::Feed* feed() override { return hasFeed_ ? ForwardingStore::feed() : nullptr; }
   void readReels(const Sink& sink) override
@@ -39,6 +45,7 @@ public:
 private:
   const bool hasFeed_;
   int& wholeReads_;
+  const bool& areOthersDamaged_;
 };
 
 /// With a feed, and without one: the same changes are found.
@@ -53,8 +60,9 @@ protected:
 
   void open()
   {
-    reelhost::openProject(std::make_unique<CountingStore>(reelhost::makeSqliteStore(file_), GetParam(), wholeReads_),
-                          Access::Write);
+    reelhost::openProject(
+        std::make_unique<CountingStore>(reelhost::makeSqliteStore(file_), GetParam(), wholeReads_, areOthersDamaged_),
+        Access::Write);
   }
 
   /// The stored log with another value of a field.
@@ -90,6 +98,7 @@ protected:
   std::optional<Elsewhere> elsewhere_;
   Cookie first_, second_, shot_;
   int wholeReads_ = 0;
+  bool areOthersDamaged_ = false;
 };
 
 INSTANTIATE_TEST_SUITE_P(Stores, ApplyChanges, testing::Bool(),
@@ -201,6 +210,34 @@ TEST_P(ApplyChanges, ShotsChangeNoReelAndAreReportedToListeners)
   EXPECT_FALSE(changes.reelSet);
   EXPECT_EQ(listener.heard, (Texts{"modified 2", "deleted 1 \"\""}));
   EXPECT_EQ(shotsOf("R2").count(), 1);
+}
+
+TEST_P(ApplyChanges, OwnShotIsThereBeforeOthersAreLoaded)
+{
+  makeLogs();
+  open();
+  const Cookie own = addLog(1, "R1");
+  reelhost::commit();
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
+  RecordingListener listener;
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  EXPECT_EQ(listener.heard, Texts{"modified 1"});
+  EXPECT_TRUE(opens(own));
+  EXPECT_TRUE(opens(shot_));
+}
+
+TEST_P(ApplyChanges, NothingIsAppliedIfTheOtherLogsCannotBeRead)
+{
+  makeLogs();
+  open();
+  elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
+  RecordingListener listener;
+  areOthersDamaged_ = true;
+  EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }), "Unreadable: damaged");
+  EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
+  areOthersDamaged_ = false;
+  EXPECT_EQ(texts(applyChangesFromElsewhere().changedReels), Texts{text(second_)});
+  EXPECT_EQ(listener.heard, Texts{"modified 1"});
 }
 
 TEST_P(ApplyChanges, OptionsAreApplied)
