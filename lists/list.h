@@ -149,7 +149,7 @@ struct Spelling {
 /// A name that means more than one source. The clips keep the name; this entry reports that it is ambiguous.
 struct Ambiguous {
   std::string reel;                   ///< the identifier
-  std::string reason;                 ///< why it means more than one source
+  std::string reason;                 ///< why it means more than one source, or may: all clips of the list have it
   std::vector<std::string> names;     ///< the longer names that a cut name fits; empty if the name is not cut
   std::vector<std::string> sourceIds; ///< the list's ids of the sources that it means; may be empty
 };

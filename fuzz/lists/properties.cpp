@@ -359,7 +359,10 @@ void requireSound(const List& list, const std::string& bytes)
     requireEqual(ambiguous.reel, spelling[fold(ambiguous.reel)], "ambiguous reel");
     requireReason(ambiguous.reason, "reason of the ambiguity");
     require(ambiguous.names.size() != 1, "a single name is not ambiguous");
-    require(ambiguous.names.size() + ambiguous.sourceIds.size() >= 2, "nothing is ambiguous");
+    const bool isForAll = ambiguous.names.empty() && ambiguous.sourceIds.empty();
+    require(ambiguous.names.size() + ambiguous.sourceIds.size() >= 2 || isForAll, "nothing is ambiguous");
+    for (const Clip& clip : list.clips)
+      require(!isForAll || fold(clip.reel) == fold(ambiguous.reel), "a reel is not that of all clips");
     for (const std::string& name : ambiguous.names)
       requireName(name, "ambiguous name");
     for (const std::string& id : ambiguous.sourceIds)

@@ -70,7 +70,8 @@ void Project::apply(StoredLog&& stored, AppliedChanges& changes)
   const bool isReel = stored.type == codes::reelLog;
   Log* const log = table_.find(CookieWords(cookieOf(stored)));
   if (!log) {
-    const Log& added = add(std::move(stored));
+    // Nobody holds a log while changes are applied. Those that wait to be stored may still be needed.
+    const Log& added = gone_.empty() || hasChanges() ? add(std::move(stored)) : addInPlaceOfGone(stored);
     changes.modified.add(added.cookie);
     if (isReel) {
       ++changes.newReels;

@@ -32,8 +32,11 @@ void AttributeIndex::take(Log& log)
 {
   if (!log.indexedUnder)
     return;
-  std::vector<Log*>& group = logs_.at(*log.indexedUnder);
+  const auto found = logs_.find(*log.indexedUnder);
+  std::vector<Log*>& group = found->second;
   group.erase(std::lower_bound(group.begin(), group.end(), &log, byNumber));
+  if (group.empty())
+    logs_.erase(found);
   log.indexedUnder = nullptr;
 }
 

@@ -20,7 +20,7 @@ public:
   const std::vector<Log*>& find(std::string_view id) const;
 
 private:
-  std::unordered_map<std::string, std::vector<Log*>> logs_; ///< empty groups stay
+  std::unordered_map<std::string, std::vector<Log*>> logs_; ///< no group is empty
 };
 
 } // namespace reelhost::model

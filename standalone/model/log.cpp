@@ -70,6 +70,19 @@ void Edit::Impl::assign(const StoredLog& stored)
   showReelId(id ? *id : LightweightString<char>());
 }
 
+void Edit::Impl::become(const StoredLog& stored)
+{
+  uuid = uuidOf(stored);
+  tag = stored.tag;
+  kind = stored.kind;
+  cookie = Cookie(uuid, tag, kind);
+  words = reelhost::model::CookieWords(cookie);
+  number = stored.number;
+  original = stored.type != codes::reelLog;
+  changeDescription.reset();
+  assign(stored);
+}
+
 void Edit::Impl::showReelId(const LightweightString<char>& id)
 {
   reelId = id;

@@ -31,6 +31,8 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   reelhost::StoredLog toStored() const;
   /// Takes all values over but number and identity. Notifies neither the project nor a listener.
   void assign(const reelhost::StoredLog& stored);
+  /// Becomes another log. REQUIRES: it is gone, and no handle on it is open.
+  void become(const reelhost::StoredLog& stored);
 
   void showReelId(const LightweightString<char>& id);
   void setReelType(const LightweightString<char>& name, bool shownAtOnce);
@@ -41,18 +43,18 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   // The members used to open a log and read its identifier come first, so that they are in one cache line: the library
   // opens all reel logs, one after the other, to find one.
   Edit edit; ///< the one Edit that all openings share
-  const reelhost::model::CookieWords words;
+  reelhost::model::CookieWords words;
   LightweightString<char> reelId; ///< the block's text for "reelid"; without a body if the key is absent
   const char* reelIdText = "";    ///< the text of reelId, for prefetching
   Edit::Impl* follower = nullptr; ///< the log that is likely to be opened next; may be null
   bool isGone = false;            ///< deleted; only handles that were open at that time still refer to it
 
-  const Zr::UUID uuid;
-  const std::uint16_t tag;
-  const char kind;
-  const Cookie cookie;
+  Zr::UUID uuid;
+  std::uint16_t tag;
+  char kind;
+  Cookie cookie;
   reelhost::model::Project& project;
-  const std::int64_t number;
+  std::int64_t number;
 
   configb config;
   reelhost::model::ConfigBlock& block; ///< the implementation of config

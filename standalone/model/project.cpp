@@ -180,10 +180,25 @@ Log& Project::add(StoredLog&& stored)
     logs_.pop_back(); // a log that cannot be found must not exist
     throw;
   }
+  join(log);
+  return log;
+}
+
+Log& Project::addInPlaceOfGone(const StoredLog& stored)
+{
+  Log& log = *gone_.back();
+  log.become(stored);
+  table_.insert(log);
+  gone_.pop_back();
+  join(log);
+  return log;
+}
+
+void Project::join(Log& log)
+{
   if (log.type == codes::reelLog)
     joinReels(log);
   refreshIndex(log);
-  return log;
 }
 
 // Logs in memory are skipped: they were stored since the project was opened. So are logs that are to be deleted.
@@ -373,6 +388,7 @@ CookieVec Project::erase(const CookieVec& cookies)
 
 void Project::remove(Log& log)
 {
+  gone_.push_back(&log);
   table_.erase(log);
   if (index_)
     index_->take(log);

@@ -114,6 +114,8 @@ private:
   void use(Access needed);
   void useForChange();
   Log& add(StoredLog&& log);
+  Log& addInPlaceOfGone(const StoredLog& log);
+  void join(Log& log);
   void read(StoredLog&& log);
   void joinReels(const Log& log);
   void refreshIndex(Log& log);
@@ -169,7 +171,8 @@ private:
   configb options_;
   OptionsOwner optionsOwner_{*this};
 
-  std::deque<Log> logs_; ///< a log never moves and stays until the project ends
+  std::deque<Log> logs_;   ///< a log never moves
+  std::vector<Log*> gone_; ///< those that are gone, whose places others may take while no handle is open
   LogTable table_;
   bool othersLoaded_ = false;
   CookieVec reels_;

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "cli/command_fixture.h"
+#include "reelhost/history.h"
 #include "standalone/store/support.h"
 
 namespace fs = std::filesystem;
@@ -116,6 +117,27 @@ TEST_F(BusyProject, MayBeRead)
   EXPECT_EQ(holder_->waitForExit(), 0);
   for (std::size_t i = 0; i < commands.size(); ++i)
     EXPECT_EQ(output(commands[i]), answers[i]) << commands[i][0];
+}
+
+TEST_F(BusyProject, ReaderKeepsItsHistoryWhileAnotherForgetsIt)
+{
+  output({"set", "A001", "bin=1"});
+  const auto reader = reelhost::makeSqliteStore(project());
+  const auto oldestRevision = [&] {
+    std::int64_t oldest = 0;
+    reader->history()->readRevisions([&](const reelhost::Revision& revision) {
+      oldest = revision.number;
+      return true;
+    });
+    return oldest;
+  };
+  reader->begin(reelhost::Access::Read, store_tests::noPatience);
+  EXPECT_EQ(output({"project", "compact", "--before", "2"}), "1 revision forgotten\n");
+  EXPECT_EQ(oldestRevision(), 1);
+  reader->end();
+  reader->begin(reelhost::Access::Read, store_tests::noPatience);
+  EXPECT_EQ(oldestRevision(), 2);
+  reader->end();
 }
 
 TEST_F(BusyProject, ReadersDuringAnImportSeeWhatWasThereBeforeItOrAfterIt)

@@ -77,6 +77,18 @@ TEST_F(SmallDisk, ImportThatDoesNotFitStoresNothing)
   EXPECT_EQ(json({"list", "--json"}).size(), 22u);
 }
 
+TEST_F(SmallDisk, CompactThatDoesNotFitForgetsNothing)
+{
+  output({"import", listOf(300)});
+  output({"undo"}); // the history has all of it now
+  fillUpTo(40 * 1024);
+  expectNothingDone({"project", "compact", "--before", "4"}, 3, project() + ": not stored (database or disk is full)");
+  fs::remove(disk_ / "filling");
+  const auto size = fs::file_size(project());
+  EXPECT_EQ(output({"project", "compact", "--before", "4"}), "3 revisions forgotten\n");
+  EXPECT_LT(fs::file_size(project()), size);
+}
+
 TEST_F(SmallDisk, ExportThatDoesNotFitKeepsTheOldFile)
 {
   output({"import", listOf(200)});

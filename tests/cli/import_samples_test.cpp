@@ -162,38 +162,6 @@ TEST_F(SampleVersions, EachIsKeptAndUndoneAndMadeAgain)
   }
 }
 
-/// Events without what depends on the file: the number of the line and the width of the reel field.
-Json eventsOf(Json list)
-{
-  for (Json& event : list.at("events")) {
-    event.erase("line");
-    event.erase("reel_field");
-  }
-  return list.at("events");
-}
-
-TEST_F(SampleVersions, ExportOfAListGivesTheSameEventsReelsAndShotsElsewhere)
-{
-  for (const fs::path& file : samples()) {
-    SCOPED_TRACE(file.filename().string());
-    const std::string project = numbered("p", std::hash<std::string>()(file.string())), other = project + "b";
-    output({"project", "new", project});
-    output({"project", "new", other});
-    import(project, file.string());
-    const ProcessResult exported = reeldb({"-p", project, "export", "1"});
-    EXPECT_EQ(exported.code, 0) << exported.err;
-    dir_.write("out", exported.out);
-    import(other, path("out"));
-    const auto events = [&](const std::string& of) {
-      return eventsOf(json({"-p", of, "list-file", "show", "1", "--json"}));
-    };
-    EXPECT_EQ(events(other), events(project));
-    EXPECT_EQ(json({"-p", other, "list", "--json"}), json({"-p", project, "list", "--json"}));
-    EXPECT_EQ(json({"-p", other, "export", "--json"}).at("shots"),
-              json({"-p", project, "export", "--json"}).at("shots"));
-  }
-}
-
 TEST_F(SampleVersions, UnchangedListAmongOthersDiffersInNothing)
 {
   const Words files = {sample("05_"), sample("31_"), sample("32_"), sample("26_")};

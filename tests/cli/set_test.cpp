@@ -146,7 +146,7 @@ TEST_F(Set, BadExpectationIsAUsageError)
 {
   expectRefusal(2, {"bin=x", "--if", "colour=red"}, "colour: no such field");
   expectRefusal(2, {"bin=x", "--if", "available=maybe"}, "available: \"maybe\" is neither yes nor no\n");
-  expectRefusal(2, {"bin=x", "--if", "bin"}, "\"bin\": not of the form field=value\n");
+  expectRefusal(2, {"bin=x", "--if", "bin"}, "\"bin\": not of the form FIELD=VALUE\n");
 }
 
 TEST_F(Set, OfManyWhoExpectOneValueOneSucceeds)
