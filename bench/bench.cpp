@@ -17,6 +17,7 @@
 
 #include "ReelDbManager.h"
 #include "ReelTypeManager.h"
+#include "followers.h"
 #include "processes.h"
 #include "reelhost/host.h"
 #include "stopwatch.h"
@@ -431,6 +432,7 @@ int main(int argc, char** argv)
       {"type-file", typeFile},
       {"notification", notification},
       {"list-process", listProcess},
+      {"followers", followers},
   };
 #ifndef NDEBUG
   fmt::print(stderr, "bench: this is no release build: the figures say little\n");
