@@ -11,15 +11,13 @@
 
 namespace reeldb::app {
 
-namespace {
-
-/// The logs that nothing but imports has made and changed. An import is a revision that changed a list.
 std::set<std::int64_t> madeByImports()
 {
   std::set<std::int64_t> made, others, imports;
   reelhost::History* const history = reelhost::projectStore().history();
   if (!history)
     return made;
+  // An import is a revision that changed a list.
   history->readRevisions([&](reelhost::Revision&& revision) {
     if (revision.lists != 0)
       imports.insert(revision.number);
@@ -31,8 +29,6 @@ std::set<std::int64_t> madeByImports()
     made.erase(log);
   return made;
 }
-
-} // namespace
 
 UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots)
 {

@@ -14,6 +14,9 @@
 
 namespace reeldb::app {
 
+/// The numbers of the logs that nothing but imports has made and changed. Empty if the project keeps no history.
+std::set<std::int64_t> madeByImports();
+
 struct UnusedShots {
   std::vector<Shot> shots;
   std::vector<std::string> reels; ///< identifiers
