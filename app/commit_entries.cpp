@@ -2,27 +2,16 @@
 #include "app/commit_entries.h"
 
 #include <array>
-#include <ctime>
 #include <optional>
 #include <string_view>
 #include <utility>
 
 #include "ReelDbRec.h"
+#include "base/time_text.h"
 
 namespace reeldb::app {
 
 namespace {
-
-std::string timeText(std::int64_t seconds)
-{
-  const std::time_t time = seconds;
-  std::tm utc = {};
-  if (seconds == 0 || !::gmtime_r(&time, &utc))
-    return {};
-  std::array<char, 64> text{};
-  std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &utc);
-  return text.data();
-}
 
 using Values = std::map<std::string, std::string>;
 
@@ -61,7 +50,7 @@ CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisio
 {
   CommitEntry entry;
   entry.revision = revision.number;
-  entry.time = timeText(revision.origin.time);
+  entry.time = base::timeText(revision.origin.time);
   entry.program = revision.origin.program;
   entry.command = revision.origin.command;
   entry.user = revision.origin.user;

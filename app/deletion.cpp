@@ -12,6 +12,8 @@
 #include "app/reel_state.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
@@ -114,17 +116,18 @@ Undeleted undelete(Session& session)
 {
   return guarded([&] {
     const ReelState before(session);
-    const int count = reelhost::undelete();
-    if (count == 0)
+    if (reelhost::undelete() == 0)
       throw Error(ErrorKind::Refused, "undelete: there is no deletion to bring back");
     session.manager().informReelDbChanged("");
     const ReelState after(session);
-    after.requireSoundAfter(before, "undelete", "nothing brought back");
+    const std::int64_t deletion = reelhost::lastDeletion(*reelhost::projectStore().history());
+    after.requireSoundAfter(before, deletion, "undelete", "nothing brought back");
     Undeleted result;
     for (const auto& [log, id] : after.reels())
       if (before.reels().count(log) == 0)
         result.reels.push_back(id);
-    result.shots = static_cast<std::size_t>(count) - result.reels.size();
+    for (const auto& shot : after.shots())
+      result.shots += before.shots().count(shot) == 0 ? 1 : 0;
     session.commit();
     return result;
   });

@@ -17,6 +17,7 @@ enum class ErrorKind {
   Cancelled,  ///< the caller cancelled the operation
   Unreadable, ///< damaged data, data of a newer version, or a file of another kind
   Io,         ///< the system refused a read or a write
+  Conflict,   ///< somebody has changed a value meanwhile
 };
 
 /// The only exception type of this room's operations, besides std::bad_alloc. After a throw nothing of the operation is

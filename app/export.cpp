@@ -44,10 +44,9 @@ Written listFrom(lists::Written written, const ProjectContent& content)
 {
   Written result{std::move(written.text), written.clips, {}, std::move(written.leftOut)};
   if (written.clips > 0)
-    result.remarks.push_back(
-        fmt::format("{}: the project is not a cut (each shot once, without transitions and speeds; "
-                    "reeldb export LIST writes a list that was imported)",
-                    base::displayText(content.project)));
+    result.remarks.push_back(fmt::format("{}: each shot of the project is written once, as a cut "
+                                         "(reeldb export LIST writes an imported list with its transitions and speeds)",
+                                         base::displayText(content.project)));
   const auto shotless =
       std::count_if(content.reels.begin(), content.reels.end(), [](const Reel& reel) { return reel.shots == 0; });
   if (shotless > 0)

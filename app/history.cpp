@@ -48,7 +48,7 @@ std::int64_t logNumberOf(reelhost::History& history, const std::string& id,
         if (isTheReel(change.before) && !change.after)
           number = change.number;
   if (number == 0)
-    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, and none in the history", base::shortText(id)));
+    throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, now or in the history", base::shortText(id)));
   return number;
 }
 
@@ -64,7 +64,8 @@ std::vector<reelhost::Revision> revisionsOf(reelhost::History& history)
   return revisions;
 }
 
-/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody.
+/// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody. If names are
+/// not kept, no revision is known to be this user's.
 const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack,
                                  bool anybody, const char* operation, bool (*wanted)(const reelhost::Revision&))
 {
@@ -73,14 +74,16 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
   for (const reelhost::Revision& revision : revisions) {
     if (!wanted(revision) || takenBack.count(revision.number) != 0)
       continue;
-    if (anybody || (revision.origin.user == me.user && revision.origin.machine == me.machine))
+    if (anybody || (!me.user.empty() && revision.origin.user == me.user && revision.origin.machine == me.machine))
       return revision;
     ofOthers = true;
   }
-  throw Error(
-      ErrorKind::Refused,
-      fmt::format("{0}: nothing to {0}{1}", operation,
-                  ofOthers ? fmt::format(" (by {} on {}; --any takes what others did)", me.user, me.machine) : ""));
+  std::string cause;
+  if (ofOthers && me.user.empty())
+    cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
+  else if (ofOthers)
+    cause = fmt::format(" (by {} on {}; --any includes theirs)", me.user, me.machine);
+  throw Error(ErrorKind::Refused, fmt::format("{0}: nothing to {0}{1}", operation, cause));
 }
 
 /// @p revision is one of @p revisions.
@@ -91,10 +94,12 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   const reelhost::TakenBack done = reelhost::takeBack(revision.number);
   if (!done.anything())
     throw Error(ErrorKind::Refused,
-                fmt::format("{}: revision {}: nothing of it is left to take back", operation, revision.number));
+                fmt::format("{}: revision {}: nothing left to take back (undo REVISION takes an earlier "
+                            "one back)",
+                            operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
-  after.requireSoundAfter(before, operation, "nothing taken back");
+  after.requireSoundAfter(before, revision.number, operation, "nothing taken back");
 
   TakenBackCommit result;
   result.commit = entryFrom(revision, takenBack);
@@ -112,8 +117,12 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
   for (const auto& [log, id] : before.reels())
     if (after.reels().count(log) == 0)
       result.reelsRemoved.push_back(id);
-  result.shotsRestored = static_cast<std::size_t>(done.restored) - result.reelsRestored.size();
-  result.shotsRemoved = static_cast<std::size_t>(done.removed) - result.reelsRemoved.size();
+  const auto shotsOnlyIn = [](const ReelState& state, const ReelState& other) {
+    return static_cast<std::size_t>(std::count_if(state.shots().begin(), state.shots().end(),
+                                                  [&](const auto& shot) { return other.shots().count(shot) == 0; }));
+  };
+  result.shotsRestored = shotsOnlyIn(after, before);
+  result.shotsRemoved = shotsOnlyIn(before, after);
   session.commit();
   return result;
 }
@@ -149,9 +158,9 @@ std::vector<KeptDeletion> keptDeletions(Session&)
   return guarded([] {
     reelhost::History& history = requireHistory();
     std::vector<KeptDeletion> deletions;
-    for (const reelhost::Revision& revision : reelhost::deletionsInForce(history)) {
+    const auto take = [&](const reelhost::Revision& revision, const reelhost::RevisionChanges& changes) {
       KeptDeletion deletion{entryFrom(revision, {}), {}, 0};
-      for (const reelhost::LogChange& change : history.changesOf(revision.number).logs) {
+      for (const reelhost::LogChange& change : changes.logs) {
         if (!reelhost::isRestorable(change))
           continue;
         if (change.before->type == codes::reelLog)
@@ -161,7 +170,9 @@ std::vector<KeptDeletion> keptDeletions(Session&)
       }
       if (!deletion.reels.empty() || deletion.shots != 0)
         deletions.push_back(std::move(deletion));
-    }
+      return true;
+    };
+    reelhost::readDeletionsInForce(history, take);
     return deletions;
   });
 }
@@ -181,7 +192,7 @@ TakenBackCommit undo(Session& session, std::optional<std::int64_t> revision, boo
     for (const reelhost::Revision& known : revisions)
       if (known.number == *revision)
         return takeBack(session, "undo", known, revisions, takenBack);
-    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {}", *revision));
+    throw Error(ErrorKind::NotFound, fmt::format("undo: no revision {} (reeldb history lists them)", *revision));
   });
 }
 

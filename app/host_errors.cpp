@@ -20,6 +20,8 @@ ErrorKind kindFrom(reelhost::ErrorKind kind)
     return ErrorKind::Unreadable;
   case reelhost::ErrorKind::Io:
     return ErrorKind::Io;
+  case reelhost::ErrorKind::Conflict:
+    return ErrorKind::Conflict;
   }
   return ErrorKind::Io;
 }

@@ -48,10 +48,11 @@ reelhost::KeptList listNamed(const std::string& name)
       if (list.number == *number)
         return list;
   for (const auto part : {&reelhost::KeptList::file, &reelhost::KeptList::title})
-    if (auto list = theOneWith(lists, name, part, "use the number of one, such as {}; reeldb list-file list has them"))
+    if (auto list =
+            theOneWith(lists, name, part, "use the number of one, such as {}; reeldb list-file list shows them"))
       return *list;
   throw Error(ErrorKind::NotFound,
-              fmt::format("{}: no such list (reeldb list-file list has them)", base::shortText(name)));
+              fmt::format("{}: no such list (reeldb list-file list shows them)", base::shortText(name)));
 }
 
 std::optional<reelhost::KeptList> listWith(const reelhost::Digest& digest)
@@ -67,7 +68,7 @@ std::optional<reelhost::KeptList> versionOf(const ListFile& file, const reelhost
   if (auto list = listWith(digest))
     return list;
   const std::vector<reelhost::KeptList> lists = reelhost::keptLists();
-  constexpr const char* advice = "name one of them: --as {}; reeldb list-file list has them";
+  constexpr const char* advice = "name one of them: --as {}; reeldb list-file list shows them";
   if (auto list = theOneWith(lists, fileNameOf(file), &reelhost::KeptList::file, advice))
     return list;
   return theOneWith(lists, file.list.title, &reelhost::KeptList::title, advice);

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "app/error.h"
 #include "app/kept_events.h"
@@ -32,14 +33,16 @@ std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& lis
 {
   const lists::List original = lists::read(originalOf(session, std::to_string(list.number)));
   std::vector<std::string> remarks;
-  const auto remark = [&](auto count, const char* what, const char* cause) {
+  const auto remark = [&](auto count, const char* what, const std::string& cause) {
     if (count > 0)
       remarks.push_back(fmt::format("{}: {} not written: {} ({})", base::displayText(list.file), what, count, cause));
   };
-  remark(original.tally.ignored, "notes and statements", "the project keeps none of their kind");
+  remark(original.tally.ignored, "notes and statements", "the project does not keep them");
+  remark(original.unread.size(), "headings and columns of the log",
+         fmt::format("{}", fmt::join(original.unread, ", ")));
   remark(original.rejected.size(), "rejected lines", "they could not be read");
   remark(static_cast<std::int64_t>(lists::eventsOf(original).size()) - list.events, "events",
-         "the project does not keep them any more");
+         "their shots were deleted");
   return remarks;
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/projects.h"
 
-#include <algorithm>
 #include <array>
 #include <ctime>
 #include <random>
@@ -86,21 +85,39 @@ std::optional<std::int64_t> startOfDay(const std::string& text)
   return std::mktime(&day);
 }
 
-/// The revision after the last one that is older than @p before, which is a day or the number of a revision.
+std::int64_t newestRevision(reelhost::History& history)
+{
+  std::int64_t newest = 0;
+  history.readRevisions([&](reelhost::Revision&& revision) {
+    newest = revision.number;
+    return false;
+  });
+  return newest;
+}
+
+/// The first revision that is not older than @p before, which is a day or the number of a revision; the one after the
+/// newest if all are older.
 std::int64_t firstRevisionToKeep(reelhost::History& history, const std::string& before)
 {
-  if (const std::optional<int> revision = base::parseNumber(before))
+  if (const std::optional<int> revision = base::parseNumber(before)) {
+    const std::int64_t newest = newestRevision(history);
+    if (*revision > newest + 1)
+      throw Error(
+          ErrorKind::NotFound,
+          fmt::format("{}: no such revision (the newest is {}; a day is written like 2026-11-01)", *revision, newest));
     return *revision;
+  }
   const std::optional<std::int64_t> start = startOfDay(before);
   if (!start)
     throw Error(ErrorKind::Invalid,
                 fmt::format("\"{}\": neither a revision nor a day such as 2026-11-01 (reeldb history "
                             "lists revisions)",
                             base::shortText(before)));
-  std::int64_t first = 0;
+  // A clock that was wrong must not take newer revisions along: the first one that is not older ends the search.
+  std::int64_t first = newestRevision(history) + 1;
   history.readRevisions([&](reelhost::Revision&& revision) {
-    if (revision.origin.time < *start)
-      first = std::max(first, revision.number + 1);
+    if (revision.origin.time >= *start)
+      first = revision.number;
     return true;
   });
   return first;
@@ -232,9 +249,9 @@ ProjectCheck checkProject(const std::optional<std::string>& project)
 Compacted compactProject(Session& session)
 {
   return guarded([&] {
-    const Compacted compacted{reelhost::compact(), {}};
+    const reelhost::Compacted compacted = reelhost::compact();
     session.commit();
-    return compacted;
+    return Compacted{compacted.logs, compacted.lists};
   });
 }
 

@@ -89,15 +89,17 @@ ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
   int gone = 0;                      ///< the number of deleted logs
+  int lists = 0;                     ///< the number of removed lists
   std::optional<int> revisions = {}; ///< the number of forgotten revisions, if history was to be forgotten
 };
 
 /// Empties the trash for good and stores that. REQUIRES: a session for writing.
 Compacted compactProject(Session& session);
 
-/// Forgets the history before a revision, given by its number, or before a day ("2026-11-01", by the clock of this
-/// place), with the deleted logs that only the forgotten part has; stores that and gives the space back. If that last
-/// step fails, notice reports it. Throws Error: Invalid for anything else, Refused if the project keeps no history.
+/// Forgets the history before a revision, given by its number, or before the first revision of a day ("2026-11-01", by
+/// the clock of this place) or of a later one, with the deleted logs that only the forgotten part has; stores that and
+/// gives the space back. If that last step fails, notice reports it. Throws Error: NotFound if the number is above the
+/// one of the next revision, Invalid for anything else, Refused if the project keeps no history.
 /// REQUIRES: a session for writing.
 Compacted forgetHistory(Session& session, const std::string& before);
 

@@ -8,6 +8,8 @@
 
 #include <fmt/format.h>
 
+#include "app/commit_entries.h"
+#include "app/conflict.h"
 #include "app/device_settings.h"
 #include "app/facility.h"
 #include "app/host_errors.h"
@@ -18,6 +20,8 @@
 #include "base/ascii.h"
 #include "base/number.h"
 #include "base/text_width.h"
+#include "reelhost/conflict.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
@@ -33,6 +37,7 @@ struct ReelField {
   Check check;
   std::function<std::string(ReelDbRec&)> read;
   std::function<void(ReelDbRec&, const std::string&)> write; ///< the value has passed the check
+  bool isFlag = false;
 };
 
 std::optional<bool> parseFlag(const std::string& value)
@@ -45,6 +50,11 @@ std::optional<bool> parseFlag(const std::string& value)
   return std::nullopt;
 }
 
+std::string flagWord(bool flag)
+{
+  return flag ? "yes" : "no";
+}
+
 ReelField flagField(const std::string& name, bool (ReelDbRec::*get)(), void (ReelDbRec::*put)(bool))
 {
   return {name,
@@ -53,8 +63,8 @@ ReelField flagField(const std::string& name, bool (ReelDbRec::*get)(), void (Ree
               throw Error(ErrorKind::Invalid,
                           fmt::format("{}: \"{}\" is neither yes nor no", name, base::shortText(value)));
           },
-          [get](ReelDbRec& reel) { return std::string((reel.*get)() ? "yes" : "no"); },
-          [put](ReelDbRec& reel, const std::string& value) { (reel.*put)(parseFlag(value).value()); }};
+          [get](ReelDbRec& reel) { return flagWord((reel.*get)()); },
+          [put](ReelDbRec& reel, const std::string& value) { (reel.*put)(parseFlag(value).value()); }, true};
 }
 
 using Text = LightweightString<char>;
@@ -222,6 +232,54 @@ std::vector<Wanted> checkAssignments(const std::vector<Assignment>& assignments,
   return result;
 }
 
+/// The last commit that changed the field; empty if the history does not say which.
+std::optional<reelhost::Revision> lastChangeOf(const ReelDbRec& reel, const std::string& field)
+{
+  reelhost::History* const history = reelhost::projectStoreToRead().history();
+  std::int64_t number = 0;
+  std::optional<reelhost::Revision> last;
+  if (!history)
+    return last;
+  history->readChangesOfLog(reelhost::logNumber(reel), [&](const reelhost::LogChange& change) {
+    for (const FieldStep& step : stepsOf(change))
+      if (step.field == field)
+        number = change.revision;
+  });
+  history->readRevisions([&](reelhost::Revision&& revision) {
+    const bool isLater = revision.number > number;
+    if (revision.number == number)
+      last = std::move(revision);
+    return isLater;
+  });
+  return last;
+}
+
+/// Throws Error if a field of the reel has another value.
+void requireExpected(ReelDbRec& reel, const std::vector<Assignment>& expected)
+{
+  const auto shown = [](const std::string& value) {
+    return value.empty() ? std::string("empty") : fmt::format("\"{}\"", base::shortText(value));
+  };
+  for (const Assignment& assignment : expected) {
+    const ReelField field = findField(assignment.field);
+    const std::optional<bool> flag = field.isFlag ? parseFlag(assignment.value) : std::nullopt;
+    Remarks none;
+    if (field.isFlag)
+      field.check(assignment.value, none);
+    FieldConflict conflict{
+        text(reel.reelId()), field.name, flag ? flagWord(*flag) : assignment.value, field.read(reel), {}};
+    if (conflict.found == conflict.expected)
+      continue;
+    std::string what = fmt::format("{}: {} is {}, not {}", conflict.id, conflict.field, shown(conflict.found),
+                                   shown(conflict.expected));
+    if (const auto revision = lastChangeOf(reel, field.name)) {
+      what += fmt::format(" (changed {})", reelhost::describeCommit(*revision));
+      conflict.commit = entryFrom(*revision, {});
+    }
+    throw Conflict(std::move(conflict), what);
+  }
+}
+
 std::string systemKey(int number)
 {
   return "reel_userfield" + std::to_string(number);
@@ -258,7 +316,7 @@ void requireUnmistakable(const std::map<int, std::string>& names, const std::vec
     if (wanted.find_first_not_of(' ') == std::string::npos)
       throw Error(ErrorKind::Refused, fact + " (it is blank)");
     if (meansField(wanted))
-      throw Error(ErrorKind::Refused, fact + " (for reeldb set it means another field)");
+      throw Error(ErrorKind::Refused, fact + " (reeldb set uses it for another field)");
     for (const UserField& other : fields)
       if (other.number != number && base::sameName(nameOf(other), wanted))
         throw Error(ErrorKind::Refused, fmt::format("{} (user field {} has this name)", fact, other.number));
@@ -267,10 +325,12 @@ void requireUnmistakable(const std::map<int, std::string>& names, const std::vec
 
 } // namespace
 
-ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments)
+ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments,
+                       const std::vector<Assignment>& expected)
 {
   return guarded([&] {
     ReelDbRec reel = requireReel(session.manager(), id);
+    requireExpected(reel, expected);
     ChangedReel result;
     result.id = text(reel.reelId());
     for (const Wanted& wanted : checkAssignments(assignments, result.remarks)) {
@@ -299,6 +359,7 @@ std::vector<UserField> listUserFields()
   const reelhost::Facility& facility = requireFacility();
   const auto display = userFieldNames();
   std::vector<UserField> fields;
+  fields.reserve(userFieldCount);
   for (int i = 0; i < static_cast<int>(userFieldCount); ++i)
     fields.push_back({i, facility.systemValue(systemKey(i)), display[static_cast<std::size_t>(i)],
                       fmt::format("User field {}", i + 1)});

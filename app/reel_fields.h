@@ -32,9 +32,11 @@ struct ChangedReel {
 
 /// Changes fields of a reel and stores that. Every field and value is checked before anything is written. The fields
 /// are type, available, inhibit, label-map, bin, last-device and user-field.N. A field also has its name in JSON
-/// reports; a user field also has its number and its display name, ignoring letter case. Throws Error: NotFound,
-/// Invalid for an invalid field or value, Refused. REQUIRES: a session for writing.
-ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments);
+/// reports; a user field also has its number and its display name, ignoring letter case. @p expected: the values that
+/// fields must have now. Throws Error: NotFound, Invalid for an invalid field or value, Refused; Conflict
+/// (app/conflict.h) for the first field that has another value than expected. REQUIRES: a session for writing.
+ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments,
+                       const std::vector<Assignment>& expected = {});
 
 /// The names of the fields that changeReel takes, user fields by number.
 std::vector<std::string> reelFieldNames();

@@ -3,12 +3,14 @@
 
 #include <algorithm>
 #include <cwctype>
+#include <map>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <utf8.h>
 
 #include "ReelTypeManager.h"
+#include "app/commit_entries.h"
 #include "app/host_text.h"
 #include "app/plain_text.h"
 #include "base/ascii.h"
@@ -52,16 +54,22 @@ std::u32string essence(std::string_view text)
 }
 
 /// The key of an old name. Each name has its own key, because the library reads back only values of a name's length.
-LightweightString<char> oldNameKey(std::size_t number)
+std::string oldNameKey(std::size_t number)
 {
-  return hostText("reel_old_name" + std::to_string(number));
+  return "reel_old_name" + std::to_string(number);
 }
 
 std::vector<std::string> keptNames(ReelDbRec& reel)
 {
   std::vector<std::string> names;
-  for (LightweightString<char> name; reel.getStringValFromEdit(oldNameKey(names.size()), name);)
+  for (LightweightString<char> name; reel.getStringValFromEdit(hostText(oldNameKey(names.size())), name);)
     names.push_back(text(name));
+  return names;
+}
+
+std::vector<std::string> without(std::vector<std::string> names, const std::string& name)
+{
+  names.erase(std::remove(names.begin(), names.end(), name), names.end());
   return names;
 }
 
@@ -89,7 +97,7 @@ Reel readReel(ReelDbRec record, const ShotCounts& shots)
 
 ReelDbRec requireReel(ReelDbManager& manager, const std::string& id)
 {
-  const ReelDbRec reel = manager.getReelInfo(hostText(id));
+  ReelDbRec reel = manager.getReelInfo(hostText(id));
   if (!reel.valid())
     throw Error(ErrorKind::NotFound, noSuchReel(manager, id));
   return reel;
@@ -128,7 +136,7 @@ void remarkOnSpecialName(const std::string& id, std::vector<std::string>& remark
   const std::string_view meaning = lists::isAuxiliary(id) ? "a source without a tape" : lists::placeholderReason(id);
   if (!meaning.empty())
     remarks.push_back(
-        fmt::format("{}: accepted, but no import will find this reel by its name (its meaning in cut lists: {})",
+        fmt::format("{}: stored, but import cannot find a reel by this name (its meaning in cut lists: {})",
                     base::shortText(id), meaning));
 }
 
@@ -146,9 +154,16 @@ std::vector<std::string> similarNames(std::string_view meant, const std::vector<
 
 std::vector<std::string> oldNamesOf(ReelDbRec reel)
 {
-  std::vector<std::string> names = keptNames(reel);
-  names.erase(std::remove(names.begin(), names.end(), text(reel.reelId())), names.end()); // not a current name
-  return names;
+  return without(keptNames(reel), text(reel.reelId())); // not a current name
+}
+
+std::vector<std::string> oldNamesOf(const reelhost::StoredLog& reel)
+{
+  const std::map<std::string_view, std::string_view> values(reel.fields.begin(), reel.fields.end());
+  std::vector<std::string> names;
+  for (auto kept = values.find(oldNameKey(0)); kept != values.end(); kept = values.find(oldNameKey(names.size())))
+    names.emplace_back(kept->second);
+  return without(std::move(names), idOf(reel));
 }
 
 void keepOldName(ReelDbRec reel, const std::string& name)
@@ -156,7 +171,7 @@ void keepOldName(ReelDbRec reel, const std::string& name)
   const std::vector<std::string> names = keptNames(reel);
   const auto isSame = [&](const std::string& other) { return base::sameName(other, name); };
   if (std::none_of(names.begin(), names.end(), isSame))
-    reel.setStringValInEdit(oldNameKey(names.size()), hostText(name));
+    reel.setStringValInEdit(hostText(oldNameKey(names.size())), hostText(name));
 }
 
 } // namespace reeldb::app

@@ -13,6 +13,7 @@
 #include "ReelDbManager.h"
 #include "ReelDbRec.h"
 #include "app/reels.h"
+#include "reelhost/store.h"
 
 namespace reeldb::app {
 
@@ -45,6 +46,7 @@ std::vector<std::string> similarNames(std::string_view meant, const std::vector<
 /// The former names of a reel, oldest first, without its current name. They are kept in the configuration block of the
 /// reel's log, under the keys "reel_old_name0", "reel_old_name1" ...
 std::vector<std::string> oldNamesOf(ReelDbRec reel);
+std::vector<std::string> oldNamesOf(const reelhost::StoredLog& reel);
 
 /// Stores a former name of the reel, unless it is stored already. ASCII case does not matter.
 void keepOldName(ReelDbRec reel, const std::string& name);

@@ -2,38 +2,57 @@
 #include "app/reel_state.h"
 
 #include <algorithm>
-#include <string_view>
+#include <iterator>
 
 #include <fmt/format.h>
 
+#include "app/commit_entries.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
+#include "host/codes.h"
+#include "reelhost/history.h"
+#include "reelhost/host.h"
 
 namespace reeldb::app {
 
 namespace {
 
-std::string nameOf(const Cookie& log)
+using Logs = std::map<std::int64_t, reelhost::StoredLog>;
+
+/// The logs as they were stored before the revision.
+Logs logsBefore(std::int64_t revision)
 {
-  return log.asString(false).c_str();
+  reelhost::Store& store = reelhost::projectStore();
+  reelhost::History& history = *store.history();
+  Logs logs;
+  const auto keep = [&](reelhost::StoredLog&& log) { logs.insert_or_assign(log.number, std::move(log)); };
+  store.readReels(keep);
+  store.readOthers(keep);
+  std::vector<std::int64_t> revisions; // the newest first
+  history.readRevisions([&](const reelhost::Revision& read) {
+    revisions.push_back(read.number);
+    return read.number > revision;
+  });
+  for (const std::int64_t number : revisions)
+    for (reelhost::LogChange& change : history.changesOf(number).logs) {
+      logs.erase(change.number);
+      if (change.before)
+        keep(std::move(*change.before));
+    }
+  return logs;
 }
 
-/// A name that leads to more than one log, and to one that it did not lead to before; null if there is none.
-const std::pair<const std::string, std::set<std::string>>*
-newlyAmbiguous(const std::map<std::string, std::set<std::string>>& after,
-               const std::map<std::string, std::set<std::string>>& before)
+Shot shotIn(const reelhost::StoredLog& log)
 {
-  for (const auto& entry : after) {
-    const auto earlier = before.find(entry.first);
-    const bool isNew = earlier == before.end() || !std::includes(earlier->second.begin(), earlier->second.end(),
-                                                                 entry.second.begin(), entry.second.end());
-    if (entry.second.size() > 1 && isNew)
-      return &entry;
-  }
-  return nullptr;
+  reelhost::Material material;
+  for (const auto& [key, value] : log.fields)
+    for (const reelhost::ShotText& known : reelhost::shotTexts)
+      if (key == known.key)
+        material.*known.text = value;
+  return shotFrom(material);
 }
 
 } // namespace
@@ -42,59 +61,92 @@ ReelState::ReelState(Session& session)
 {
   for (const Cookie& log : session.manager().reelList) {
     ReelDbRec record(log);
-    const std::string id = text(record.reelId()), name = nameOf(log);
-    reels_[name] = id;
-    if (id.empty())
-      continue;
-    byId_[base::fold(id)].insert(name);
-    for (const std::string& former : oldNamesOf(record))
-      byName_[base::fold(former)].insert(name);
+    addReel(reelhost::logNumber(log), text(record.reelId()), oldNamesOf(record));
   }
-  for (const Cookie& log : reelhost::allShots()) {
-    const std::string name = nameOf(log);
-    shots_.insert(name);
-    const Shot shot = shotFrom(reelhost::materialOf(log));
-    if (shot.reel.empty())
-      continue;
-    const auto reel = byId_.find(base::fold(shot.reel));
-    if (reel == byId_.end())
-      withoutReel_[name] = shot.reel;
-    for (const std::string& alias : shot.aliases) {
-      std::set<std::string>& meant = byName_[base::fold(alias)];
-      if (reel == byId_.end())
-        meant.insert(base::fold(shot.reel));
-      else
-        meant.insert(*reel->second.begin());
-    }
-  }
+  for (const Cookie& log : reelhost::allShots())
+    addShot(reelhost::logNumber(log), shotFrom(reelhost::materialOf(log)));
 }
 
-void ReelState::requireSoundAfter(const ReelState& before, const std::string& operation,
-                                  const std::string& undone) const
+ReelState::ReelState(std::int64_t revision)
 {
-  const auto refuse = [&](const std::string& subject, std::string_view fact, std::string_view advice) {
-    throw Error(ErrorKind::Refused, fmt::format("{}: {}: {}, {} ({})", operation, subject, fact, undone, advice));
+  const Logs logs = logsBefore(revision);
+  for (const auto& [number, log] : logs)
+    if (log.type == codes::reelLog)
+      addReel(number, idOf(log), oldNamesOf(log));
+  for (const auto& [number, log] : logs)
+    if (log.type != codes::reelLog)
+      addShot(number, shotIn(log));
+}
+
+void ReelState::addReel(std::int64_t log, const std::string& id, const std::vector<std::string>& oldNames)
+{
+  reels_[log] = id;
+  if (id.empty())
+    return;
+  byId_[base::fold(id)].insert(log);
+  for (const std::string& former : oldNames)
+    byName_[base::fold(former)].insert({log, ""});
+}
+
+void ReelState::addShot(std::int64_t log, const Shot& shot)
+{
+  shots_.insert(log);
+  if (shot.reel.empty())
+    return;
+  const auto reel = byId_.find(base::fold(shot.reel));
+  const bool isThere = reel != byId_.end();
+  if (!isThere)
+    withoutReel_[log] = shot.reel;
+  for (const std::string& alias : shot.aliases)
+    byName_[base::fold(alias)].insert(isThere ? Meant(*reel->second.begin(), "") : Meant(0, base::fold(shot.reel)));
+}
+
+std::optional<ReelState::Fault> ReelState::newFault(const std::vector<const ReelState*>& earlier) const
+{
+  const auto isNew = [&](const auto& entry, const auto& namesOf) { // leads to several, and did not before
+    return entry.second.size() > 1 && std::none_of(earlier.begin(), earlier.end(), [&](const ReelState* state) {
+             const auto found = namesOf(*state).find(entry.first);
+             return found != namesOf(*state).end() &&
+                    std::includes(found->second.begin(), found->second.end(), entry.second.begin(), entry.second.end());
+           });
   };
-  if (const auto* const twice = newlyAmbiguous(byId_, before.byId_)) {
-    const auto back = std::find_if(twice->second.begin(), twice->second.end(), [&](const std::string& log) {
-      const auto earlier = before.reels_.find(log);
-      return earlier == before.reels_.end() || earlier->second != reels_.at(log);
+  for (const auto& entry : byId_) {
+    if (!isNew(
+            entry, [](const ReelState& state) -> const auto& { return state.byId_; }))
+      continue;
+    const std::map<std::int64_t, std::string>& before = earlier.front()->reels_;
+    const auto back = std::find_if(entry.second.begin(), entry.second.end(), [&](std::int64_t log) {
+      const auto found = before.find(log);
+      return found == before.end() || found->second != reels_.at(log);
     });
-    refuse(reels_.at(*back), "another reel now has this name", "rename that reel first");
+    return Fault{reels_.at(*back), "another reel now has this name", "rename that reel first"};
   }
   for (const auto& [shot, reel] : withoutReel_)
-    if (before.withoutReel_.count(shot) == 0)
-      refuse(reel, "a shot would name it, but there is no such reel", "create the reel first");
-  if (const auto* const name = newlyAmbiguous(byName_, before.byName_)) {
-    const auto idOf = [&](const std::string& log) {
-      const auto reel = reels_.find(log);
-      return reel == reels_.end() ? log : reel->second;
-    };
-    refuse(name->first,
-           fmt::format("the name would lead to both {} and {}", idOf(*name->second.begin()),
-                       idOf(*std::next(name->second.begin()))),
-           "see reeldb which");
+    if (std::none_of(earlier.begin(), earlier.end(),
+                     [log = shot](const ReelState* state) { return state->withoutReel_.count(log) != 0; }))
+      return Fault{reel, "a shot would name it, but there is no such reel", "create the reel first"};
+  for (const auto& entry : byName_) {
+    if (!isNew(
+            entry, [](const ReelState& state) -> const auto& { return state.byName_; }))
+      continue;
+    const auto idOf = [&](const Meant& meant) { return meant.first == 0 ? meant.second : reels_.at(meant.first); };
+    return Fault{entry.first,
+                 fmt::format("the name would lead to both {} and {}", idOf(*entry.second.begin()),
+                             idOf(*std::next(entry.second.begin()))),
+                 "see reeldb which"};
   }
+  return {};
+}
+
+void ReelState::requireSoundAfter(const ReelState& before, std::int64_t revision, const std::string& operation,
+                                  const std::string& undone) const
+{
+  if (!newFault({&before}))
+    return;
+  const ReelState beforeRevision(revision);
+  if (const std::optional<Fault> fault = newFault({&before, &beforeRevision}))
+    throw Error(ErrorKind::Refused,
+                fmt::format("{}: {}: {}, {} ({})", operation, fault->subject, fault->fact, undone, fault->advice));
 }
 
 } // namespace reeldb::app

@@ -64,8 +64,8 @@ std::string chosenProject(const std::optional<std::string>& asked)
     const bool fromVariable = !asked && variable && *variable;
     std::string name = fromVariable ? variable : asked.value_or(facility.defaultProject());
     if (name.empty())
-      throw Error(ErrorKind::Refused, fmt::format("no project chosen (-p or {} names one; {})", projectVariable,
-                                                  projectsThereAre(facility)));
+      throw Error(ErrorKind::Refused, fmt::format("no project chosen (choose one with -p PROJECT or {}; {})",
+                                                  projectVariable, projectsThereAre(facility)));
     std::error_code none;
     if (!std::filesystem::exists(facility.projectFile(name), none)) {
       const std::string source = fromVariable ? std::string(projectVariable) : "default_project in facility.toml";

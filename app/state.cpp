@@ -8,6 +8,7 @@
 #include <set>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -20,6 +21,7 @@
 #include "app/projects.h"
 #include "base/display_text.h"
 #include "base/text_width.h"
+#include "host/codes.h"
 #include "reelhost/host.h"
 #include "reelhost/lists.h"
 #include "reelhost/store.h"
@@ -32,6 +34,8 @@ constexpr std::size_t largestState = std::size_t{2} << 30;
 
 /// The largest number that every reader of JSON keeps exactly.
 constexpr std::int64_t largestNumber = (std::int64_t{1} << 53) - 1;
+
+constexpr std::size_t largestReelField = std::numeric_limits<int>::max();
 
 using Uuid = std::array<unsigned char, 16>;
 
@@ -108,8 +112,8 @@ reelhost::StoredLog logFrom(const LogState& state)
 {
   constexpr int mostChannels = 65535;
   const std::string subject = fmt::format("log {}", state.number);
-  if (state.number < 1 || state.number > largestNumber)
-    refuse(subject, fmt::format("its number is not between 1 and {}", largestNumber));
+  if (state.number < 1 || state.number > reelhost::lastLogNumber)
+    refuse(subject, fmt::format("its number is not between 1 and {}", reelhost::lastLogNumber));
   if (state.kind.size() != 1 || state.kind == "I" || state.kind[0] == '\0')
     refuse(subject, fmt::format("\"{}\" is not a kind of log", base::shortText(state.kind)));
   reelhost::StoredLog log;
@@ -179,6 +183,9 @@ void checkEvent(const std::string& subject, const EventState& event)
   }
   if (clip.line < 0 || clip.event.part < 1 || clip.videoChannels < 0 || clip.audioChannels < 0)
     refuse(subject, "an event has a line, a part or channels that no list has");
+  if (clip.event.reelField > largestReelField)
+    refuse(subject, fmt::format("an event has a reel field of {} characters, more than {}", clip.event.reelField,
+                                largestReelField));
 }
 
 /// @p logs are those of the state, by number.
@@ -193,6 +200,7 @@ reelhost::KeptList listFrom(const ListState& state, const std::vector<reelhost::
   list.file = withoutNul(subject, state.file);
   list.title = withoutNul(subject, state.title);
   list.format = withoutNul(subject, state.format);
+  std::set<std::pair<int, std::int64_t>> places;
   for (const EventState& event : state.events) {
     checkEvent(subject, event);
     const auto log =
@@ -200,6 +208,10 @@ reelhost::KeptList listFrom(const ListState& state, const std::vector<reelhost::
                          [](const reelhost::StoredLog& one, std::int64_t number) { return one.number < number; });
     if (event.shot != 0 && (log == logs.end() || log->number != event.shot))
       refuse(subject, fmt::format("an event names log {}, which does not exist", event.shot));
+    if (event.shot != 0 && log->type == codes::reelLog)
+      refuse(subject, fmt::format("an event names log {}, which is a reel", event.shot));
+    if (!places.emplace(event.clip.line, event.shot).second)
+      refuse(subject, fmt::format("two events of line {} have the same shot", event.clip.line));
     list.events.push_back(eventFrom(event.clip, event.shot));
   }
   return list;

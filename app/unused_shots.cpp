@@ -13,18 +13,23 @@ namespace reeldb::app {
 
 std::set<std::int64_t> madeByImports()
 {
-  std::set<std::int64_t> made, others, imports;
+  std::set<std::int64_t> made, others, withLists;
   reelhost::History* const history = reelhost::projectStore().history();
   if (!history)
     return made;
-  // An import is a revision that changed a list.
+  // A revision that changed a list is an import if it also created logs: deletions change lists, too, and undo brings
+  // logs back with their events.
   history->readRevisions([&](reelhost::Revision&& revision) {
     if (revision.lists != 0)
-      imports.insert(revision.number);
+      withLists.insert(revision.number);
     return true;
   });
-  history->readChangedLogs(
-      [&](std::int64_t revision, std::int64_t log) { (imports.count(revision) != 0 ? made : others).insert(log); });
+  history->readChangedLogs([&](std::int64_t revision, std::int64_t log, bool isNew) {
+    if (withLists.count(revision) == 0)
+      others.insert(log);
+    else if (isNew)
+      made.insert(log);
+  });
   for (const std::int64_t log : others)
     made.erase(log);
   return made;

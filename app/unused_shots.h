@@ -14,7 +14,8 @@
 
 namespace reeldb::app {
 
-/// The numbers of the logs that nothing but imports has made and changed. Empty if the project keeps no history.
+/// The numbers of the logs that an import has made, and that nothing but changes of lists has changed. Empty if the
+/// project keeps no history.
 std::set<std::int64_t> madeByImports();
 
 struct UnusedShots {

@@ -92,7 +92,7 @@ public:
     reelhost::History* const history = reelhost::projectStoreToRead().history();
     if (!history)
       throw Error(ErrorKind::Refused, "watch: this project keeps no history");
-    reelhost::FeedPosition position{revision, {}};
+    reelhost::FeedPosition position{revision, {}, last_.otherWrites};
     std::int64_t oldest = 0, newest = 0;
     history->readRevisions([&](reelhost::Revision&& known) {
       if (known.number == revision)
@@ -107,7 +107,9 @@ public:
     if (!revisions)
       throw Error(
           ErrorKind::Refused,
-          fmt::format("watch: the history since revision {} is forgotten (it begins with {})", revision, oldest));
+          fmt::format("watch: the history does not reach back to revision {} (it begins with {}; use --since {} "
+                      "or a later one)",
+                      revision, oldest, oldest));
     for (auto later = revisions->rbegin(); later != revisions->rend(); ++later) {
       reelhost::RevisionChanges changes = history->changesOf(later->number);
       for (reelhost::LogChange& change : changes.logs)
@@ -125,12 +127,12 @@ public:
     std::optional<std::vector<reelhost::Revision>> revisions;
     if (history)
       revisions = revisionsAfter(*history, last_);
-    if (!revisions || revisions->empty())
+    if (!revisions || revisions->empty() || positionOf(store).otherWrites != last_.otherWrites)
       return {difference(changes)};
     std::vector<WatchedCommit> commits;
     for (const reelhost::Revision& revision : *revisions) {
       commits.push_back(take(revision, history->changesOf(revision.number)));
-      last_ = {revision.number, revision.token};
+      last_ = {revision.number, revision.token, last_.otherWrites};
     }
     return commits;
   }
@@ -156,12 +158,13 @@ private:
     for (const auto& [log, id] : ids_)
       byId_.emplace(base::fold(id), log);
     shots_ = reelhost::shotCounts();
-    last_ = {};
-    if (reelhost::History* const history = store.history())
-      history->readRevisions([&](reelhost::Revision&& newest) {
-        last_ = {newest.number, newest.token};
-        return false;
-      });
+    last_ = positionOf(store);
+  }
+
+  static reelhost::FeedPosition positionOf(reelhost::Store& store)
+  {
+    reelhost::Feed* const feed = store.feed();
+    return feed ? feed->position() : reelhost::FeedPosition();
   }
 
   std::int64_t logOf(const std::string& id) const

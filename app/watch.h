@@ -46,7 +46,7 @@ std::string_view wordOf(ReelEvent::What what);
 /// One commit, or all that changed at once if the history does not say which commits did it.
 struct WatchedCommit {
   std::optional<CommitEntry> commit; ///< empty: unknown
-  std::vector<ReelEvent> reels;      ///< by number of their logs; a renamed reel with other changes has two events
+  std::vector<ReelEvent> reels; ///< a renamed reel with other changes has two events; other numbers of shots come last
   std::int64_t shotsNew = 0, shotsGone = 0;
 };
 

@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <tuple>
 #include <unordered_map>
 
 #include "ReelDbManager.h"
@@ -127,17 +129,25 @@ void listings(Table& table)
   }
 }
 
-void writeLists(const TempFolder& folder, int clips)
+/// Writes a cut list with one clip on each of these reels.
+void writeList(const std::string& file, int clips, int firstReel)
 {
-  std::ofstream edl(folder / "list.edl"), plain(folder / "list.txt");
+  std::ofstream edl(file);
   edl << "TITLE: BENCH\nFCM: NON-DROP FRAME\n";
-  for (int i = 0; i < clips; ++i) {
+  for (int i = 0; i < clips; ++i)
     edl << fmt::format("{:06d}  {:<32} V     C        01:00:00:00 01:00:05:00 {:02d}:{:02d}:{:02d}:00 "
                        "{:02d}:{:02d}:{:02d}:00\n",
-                       i + 1, reelName(i), 1 + i / 3600, i / 60 % 60, i % 60, 1 + i / 3600, i / 60 % 60, i % 60)
+                       i + 1, reelName(firstReel + i), 1 + i / 3600, i / 60 % 60, i % 60, 1 + i / 3600, i / 60 % 60,
+                       i % 60)
         << fmt::format("* FROM CLIP NAME: shot {}\n", i);
+}
+
+void writeLists(const TempFolder& folder, int clips)
+{
+  writeList(folder / "list.edl", clips, 0);
+  std::ofstream plain(folder / "list.txt");
+  for (int i = 0; i < clips; ++i)
     plain << reelName(i) << "\tshot " << i << '\n';
-  }
 }
 
 void imports(Table& table)
@@ -167,6 +177,94 @@ void imports(Table& table)
       row.target = 4;
     table.add(std::move(row));
   }
+}
+
+/// One of the programs of store_costs.cpp with a facility of its own.
+class StoreCosts {
+public:
+  explicit StoreCosts(const std::string& program) : program_(bin + program), facility_(folder_ / "facility")
+  {
+    run(fmt::format("{} new {}", program_, facility_));
+  }
+
+  std::string importing(const std::string& lists) const
+  {
+    return fmt::format("{} import {} {}", program_, facility_, lists);
+  }
+  double pagesOfAChange(int commits) const
+  {
+    return std::stod(outputOf(fmt::format("{} set {} {}", program_, facility_, commits)));
+  }
+  double fileSize() const
+  {
+    return static_cast<double>(std::filesystem::file_size(facility_ + "/projects/main.reels"));
+  }
+
+private:
+  const TempFolder folder_;
+  const std::string program_, facility_;
+};
+
+struct StoreFigures {
+  double bytes = 0, instructions = 0;
+};
+
+/// The file after 100 commits, each an import of that number of new reels, and the instructions of the process that
+/// imports the first of these lists, of which up to 3 % depend on where the program's data lie in memory. A new project
+/// begins after every 5,000 reels: the scans of a larger one take long, and the ratio is the same.
+StoreFigures storeFigures(const std::string& program, const std::vector<std::string>& lists, int reels)
+{
+  StoreFigures figures;
+  figures.instructions = instructionsOfProcess(StoreCosts(program).importing(lists.front()));
+  const auto listsOfAProject = static_cast<std::size_t>(5000 / reels);
+  for (std::size_t first = 0; first < lists.size(); first += listsOfAProject) {
+    const StoreCosts costs(program);
+    std::string words;
+    for (std::size_t i = first; i < std::min(first + listsOfAProject, lists.size()); ++i)
+      words += lists[i] + " ";
+    run(costs.importing(words));
+    figures.bytes += costs.fileSize();
+  }
+  return figures;
+}
+
+/// What the history of a project and its lists cost, against the store that projects had before they kept them.
+void keeping(Table& table)
+{
+  constexpr int commits = 100;
+  for (const int reels : {1000, 50}) {
+    const TempFolder folder;
+    std::vector<std::string> lists;
+    for (int commit = 0; commit < commits; ++commit) {
+      lists.push_back(folder / fmt::format("{}.edl", commit));
+      writeList(lists.back(), reels, commit * reels);
+    }
+    const StoreFigures plain = storeFigures("store_costs_plain", lists, reels);
+    for (const auto& [program, what, size, count] : {std::tuple("store_costs_no_lists", "history", 1.2, 1.1),
+                                                     std::tuple("store_costs", "history and lists", 1.6, 1.25)}) {
+      const StoreFigures ours = storeFigures(program, lists, reels);
+      const std::string subject = fmt::format("{}, {} new reels a commit: ", what, reels);
+      table.add({subject + "file", "the same rows in the plain store", "bytes", ours.bytes, plain.bytes, size, {}});
+      table.add({subject + "import",
+                 "the same import to the plain store",
+                 "instructions",
+                 ours.instructions,
+                 plain.instructions,
+                 count,
+                 {}});
+    }
+  }
+  const TempFolder folder;
+  writeList(folder / "list.edl", 1000, 0);
+  double pages[2] = {};
+  for (const bool isPlain : {false, true}) {
+    const StoreCosts costs(isPlain ? "store_costs_plain" : "store_costs");
+    run(costs.importing(folder / "list.edl"));
+    pages[isPlain] = costs.pagesOfAChange(commits);
+  }
+  constexpr double morePages = 3;
+  table.add({"change of one field, 1000 reels", "the same change in the plain store", "pages", pages[0], pages[1],
+             (pages[1] + morePages) / pages[1], "the target is 3 pages more"});
 }
 
 /// Reads what a listing reads: the reels with their fields, and the number of shots of each identifier.
@@ -328,6 +426,7 @@ int main(int argc, char** argv)
       {"scan-time", scanTime},
       {"listings", listings},
       {"imports", imports},
+      {"keeping", keeping},
       {"opening", opening},
       {"type-file", typeFile},
       {"notification", notification},

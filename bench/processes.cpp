@@ -33,18 +33,31 @@ std::string outputOf(const std::string& command)
   return text.str();
 }
 
-double instructionsOf(const std::string& command)
+namespace {
+
+double countedInstructions(const std::string& command, const std::string& options)
 {
   const TempFolder folder;
   const std::string out = folder / "callgrind.out";
-  run("GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX,-SSE4_2 valgrind --tool=callgrind --collect-atstart=no "
-      "--callgrind-out-file='" +
-      out + "' " + command);
+  run("GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2,-AVX,-SSE4_2 valgrind --tool=callgrind " + options +
+      " --callgrind-out-file='" + out + "' " + command);
   std::ifstream in(out);
   for (std::string line; std::getline(in, line);)
     if (line.rfind("totals: ", 0) == 0)
       return std::stod(line.substr(8));
   throw std::runtime_error(command + ": callgrind wrote no totals");
+}
+
+} // namespace
+
+double instructionsOf(const std::string& command)
+{
+  return countedInstructions(command, "--collect-atstart=no");
+}
+
+double instructionsOfProcess(const std::string& command)
+{
+  return countedInstructions(command, "");
 }
 
 } // namespace reeldb_bench

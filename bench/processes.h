@@ -15,6 +15,8 @@ std::string outputOf(const std::string& command);
 /// Instructions that callgrind collected in the command, whose program turns collection on and off itself. The CPU
 /// features are fixed, because the variants of string functions would otherwise depend on the machine.
 double instructionsOf(const std::string& command);
+/// Those of the whole process.
+double instructionsOfProcess(const std::string& command);
 
 } // namespace reeldb_bench
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The mark of exported declarations.
+/// The macro that exports a declaration.
 #ifndef REELDB_EXPORT_H
 #define REELDB_EXPORT_H
 

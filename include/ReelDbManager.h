@@ -58,8 +58,8 @@ public:
   /// @name Clients
   /// @{
 
-  /// Appends the client, which is borrowed. A client that is registered twice is notified twice, and
-  /// one registration has to be removed before it is deleted. The constructor of ReelDbClient calls it.
+  /// Appends the client, which is borrowed. The constructor of ReelDbClient calls it. A client that is registered twice
+  /// is notified twice; remove one of the two registrations before you delete it.
   void registerClient(ReelDbClient* client);
   void deRegisterClient(ReelDbClient* client); ///< removes one registration; an unknown client is ignored
   /// Rebuilds the reel list, always, and calls every client's reelDbChanged(@p id), unless notifications are held.
@@ -144,8 +144,8 @@ public:
 
   bool doesCookieSetContainReels(CookieSet& set); ///< changes nothing
   bool removeReelsFromCookieSet(CookieVec& v);    ///< true if @p v contained a reel
-  /// The reels that the shots name, one entry per shot, in the order of the shots. A shot that names no reel, or a reel
-  /// that does not exist, has no entry.
+  /// The reels that the shots name, one entry per shot, in the order of the shots. A shot has no entry if it names no
+  /// reel or a reel that does not exist.
   CookieVec getReelsReferenced(const CookieVec& shots);
   /// Appends every shot recorded from the reel and prints a line for each. The case of letters is ignored as in
   /// lookups. Does nothing for an invalid Cookie or without a database.

@@ -79,6 +79,9 @@ constexpr std::array<std::pair<std::string_view, int>, 2> formatFrames = {{{"NTS
 /// Columns with another name of the row's source.
 constexpr std::array aliasColumns = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
 
+/// A title of a column or heading is shown up to this number of bytes.
+constexpr std::size_t longestTitle = 100;
+
 /// The tracks of a source when the log has none: a picture.
 constexpr std::string_view defaultTracks = "V";
 
@@ -159,8 +162,10 @@ private:
   void line(int number, std::string_view line);
   void heading(int number, std::string_view line);
   void setting(int number, std::string_view line, std::string_view key, std::string_view value);
+  void noteUnread(std::string_view key, std::string_view value);
   void rate(int number, std::string_view line, std::string_view value);
   void titles(int number, std::string_view line);
+  void noteUnread(std::string_view row);
   void row(int number, std::string_view line);
   Cells cellsOf(std::string_view line) const;
   bool hasColumn(Column column) const { return places_[column].has_value(); }
@@ -179,6 +184,13 @@ private:
   std::vector<std::pair<std::size_t, Column>> positions_;
   std::array<std::optional<std::size_t>, ColumnCount> places_;
   std::size_t titleCount_ = 0;
+  /// The columns that the reader does not use, from left to right, and whether a row has a text there.
+  struct UnreadColumn {
+    std::size_t position = 0;
+    std::string title;
+    bool hasText = false;
+  };
+  std::vector<UnreadColumn> unread_;
 };
 
 List Reader::read(std::string_view text)
@@ -190,6 +202,9 @@ List Reader::read(std::string_view text)
     throw Error(section_ == Section::Titles ? "log file without a Data section"
                                             : "log file without a Column section and its titles");
   collector_.list().tally.lines = lines.number();
+  for (UnreadColumn& column : unread_)
+    if (column.hasText)
+      collector_.list().unread.push_back(std::move(column.title));
   return collector_.finish();
 }
 
@@ -257,8 +272,19 @@ void Reader::setting(int number, std::string_view line, std::string_view key, st
     if (base::sameName(key, "VIDEO_FORMAT") && base::sameName(trim(value), format))
       frames_ = std::max(frames_, frames);
   }
+  noteUnread(key, trim(value));
   if (base::sameName(key, "FIELD_DELIM") && !base::sameName(trim(value), "TABS"))
     throw Error("log file with the field delimiter " + inQuotes(trim(value)) + " (only TABS is understood)");
+}
+
+void Reader::noteUnread(std::string_view key, std::string_view value)
+{
+  constexpr std::array<std::string_view, 3> read = {"TAPE", "FPS", "FIELD_DELIM"};
+  const auto isKey = [key](std::string_view known) { return base::sameName(key, known); };
+  const bool isWrittenSo = (isKey("VIDEO_FORMAT") && base::sameName(value, writtenVideoFormat)) ||
+                           (isKey("AUDIO_FORMAT") && base::sameName(value, writtenAudioFormat));
+  if (!value.empty() && !isWrittenSo && std::none_of(read.begin(), read.end(), isKey))
+    collector_.list().unread.push_back(shortened(key, longestTitle) + " " + shortened(value, longestTitle));
 }
 
 void Reader::rate(int number, std::string_view line, std::string_view value)
@@ -279,9 +305,12 @@ void Reader::titles(int number, std::string_view line)
     otherCase = otherCase || base::sameName(title, columnTitles[Name]);
     const auto found = std::find(columnTitles.begin(), columnTitles.end(), title);
     const auto column = static_cast<std::size_t>(found - columnTitles.begin());
-    if (title.starts_with(alsoCalledTitle))
+    if (title.starts_with(alsoCalledTitle)) {
       positions_.emplace_back(position, AlsoCalled);
-    if (column == ColumnCount || places_[column]) // the first of two columns with one title counts
+    } else if (column == ColumnCount || places_[column]) { // the first of two columns with one title counts
+      unread_.push_back({position, shortened(title, longestTitle)});
+    }
+    if (column == ColumnCount || places_[column])
       continue;
     places_[column] = position;
     positions_.emplace_back(position, static_cast<Column>(column));
@@ -315,6 +344,17 @@ Cells Reader::cellsOf(std::string_view line) const
     ++position;
   }
   return cells;
+}
+
+void Reader::noteUnread(std::string_view row)
+{
+  std::size_t position = 0;
+  for (UnreadColumn& column : unread_) {
+    for (; position < column.position; ++position)
+      takeCell(row);
+    column.hasText = !trim(takeCell(row)).empty() || column.hasText;
+    ++position;
+  }
 }
 
 std::string Reader::cutFault(const Cells& cells) const
@@ -362,6 +402,7 @@ void Reader::row(int number, std::string_view line)
   if (std::string fault = this->fault(cells); !fault.empty())
     return collector_.reject(number, line, std::move(fault));
 
+  noteUnread(line);
   Clip clip;
   clip.line = number;
   clip.clipName = clean(cells[Name]);

@@ -8,6 +8,9 @@
 
 namespace reeldb::lists {
 
+/// The headings that a log gets when it is written, whatever the list that it is made of had.
+inline constexpr std::string_view writtenVideoFormat = "1080", writtenAudioFormat = "48khz";
+
 /// Whether a line opens a log file: its first cell is the section name Heading or Column.
 bool startsLog(std::string_view line);
 

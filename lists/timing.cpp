@@ -19,7 +19,7 @@ std::optional<Warning> contradiction(const List& list, FrameRate project)
                        " frames per second of the project (kept as it is)"};
   if (timing.dropFrame && !hasDropFrame(project))
     return Warning{timing.dropFrame->line, timing.dropFrame->text,
-                   "drop frame (the project has " + name + " frames per second, which count without)"};
+                   "drop frame (the project has " + name + " frames per second, without drop frame)"};
   return std::nullopt;
 }
 

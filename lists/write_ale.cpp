@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "lists/ale.h"
 #include "lists/names.h"
 #include "lists/text.h"
 #include "lists/timecode.h"
@@ -142,7 +143,8 @@ void remarkOnEvents(Written& written, const std::vector<Clip>& clips)
     if (const auto count =
             std::count_if(clips.begin(), clips.end(), [&](const Clip& clip) { return says(clip.event); });
         count > 0)
-      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) + " (a log has none)");
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) +
+                                " (a log file cannot hold them)");
   };
   remark("event numbers", [](const Event& event) { return !event.number.empty(); });
   remark("transitions", [](const Event& event) { return !event.transition.empty() && event.transition != "C"; });
@@ -154,8 +156,8 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
 {
   const auto isLong = [](const Clip& clip) { return length(clip.clipName) > longestClipName; };
   if (const auto count = std::count_if(clips.begin(), clips.end(), isLong); count > 0)
-    written.remarks.push_back(std::to_string(count) + " clip names: longer than " + std::to_string(longestClipName) +
-                              " characters (other programs may cut them)");
+    written.remarks.push_back(std::string("clip names longer than ") + std::to_string(longestClipName) +
+                              " characters: " + std::to_string(count) + " (other programs may cut them)");
   if (columns > mostColumns)
     written.remarks.push_back(std::to_string(columns) + " columns: more than " + std::to_string(mostColumns) +
                               " (other programs may not read all columns)");
@@ -169,8 +171,9 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
   const std::vector<Clip> writable = writableClips(clips, written);
   const std::vector<OutColumn> columns = columnsFor(writable);
   const std::string common = commonRate(writable);
-  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nAUDIO_FORMAT\t48khz\nFPS\t" +
-                 (common.empty() ? rate : common) + "\n\nColumn\n";
+  written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t";
+  written.text.append(writtenVideoFormat).append("\nAUDIO_FORMAT\t").append(writtenAudioFormat);
+  written.text.append("\nFPS\t").append(common.empty() ? rate : common).append("\n\nColumn\n");
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
   for (const Clip& clip : writable)

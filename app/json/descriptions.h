@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
 #include "app/diff.h"
@@ -639,7 +640,7 @@ void describe(Io& io, R& state)
     io.json()["state_version"] = knownVersion;
   } else {
     if (!io.json().contains("state_version"))
-      throw std::invalid_argument("it has no state, as reeldb export --json without --reels has");
+      throw std::invalid_argument("it has no state; reeldb export --json without --reels writes one");
     if (io.json().at("state_version") != knownVersion)
       throw std::invalid_argument("its state_version is " + io.json().at("state_version").dump() + ", not " +
                                   std::to_string(knownVersion));
@@ -746,6 +747,16 @@ void describe(Io& io, R& commit)
   io("lists", commit.lists);
 }
 
+template <class Io, Like<FieldConflict> R>
+void describe(Io& io, R& conflict)
+{
+  io("id", conflict.id);
+  io("field", conflict.field);
+  io("expected", conflict.expected);
+  io("found", conflict.found);
+  io.optional("commit", conflict.commit);
+}
+
 template <class Io, Like<ProjectHistory> R>
 void describe(Io& io, R& history)
 {
@@ -779,6 +790,7 @@ template <class Io, Like<Compacted> R>
 void describe(Io& io, R& compacted)
 {
   io("gone", compacted.gone);
+  io("lists", compacted.lists);
   io.optional("revisions", compacted.revisions);
 }
 

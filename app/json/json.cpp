@@ -52,7 +52,7 @@ T fromJson(std::string_view text)
   } catch (const std::bad_alloc&) {
     throw;
   } catch (const std::exception& error) { // the text is not JSON, or the key of a user field is not a number
-    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not a report of this kind ({})", error.what()));
+    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not of the expected form ({})", error.what()));
   }
 }
 
@@ -83,6 +83,7 @@ REELDB_JSON_RESULT(Compacted)
 REELDB_JSON_RESULT(CopiedReel)
 REELDB_JSON_RESULT(CreatedReel)
 REELDB_JSON_RESULT(DeletionPlan)
+REELDB_JSON_RESULT(FieldConflict)
 REELDB_JSON_RESULT(ImportReport)
 REELDB_JSON_RESULT(LabelMapCheck)
 REELDB_JSON_RESULT(ListDiff)

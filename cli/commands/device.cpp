@@ -42,7 +42,7 @@ void printDevices(const std::vector<app::Device>& devices)
     table.add({std::to_string(device.number), device.name, device.port, device.input,
                std::to_string(device.audioInputs), fmt::format("{}", fmt::join(device.tapes, ", ")), device.labelMap,
                device.lastReel});
-  table.printOr("no devices (facility.toml lists them)\n");
+  table.printOr("no devices (add them to facility.toml)\n");
 }
 
 ExitCode list(const ListOptions& options)

@@ -69,6 +69,7 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
 void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shots)
 {
   std::vector<app::ClipStep> steps;
+  steps.reserve(shots.size());
   for (const app::Shot& shot : shots)
     steps.push_back({shot, shot});
   printStepsOf(heading, steps);
@@ -99,9 +100,9 @@ void printDiff(const app::ListDiff& diff)
   else if (!diff.whole)
     for (std::size_t i = 0; i < diff.files.size(); ++i)
       if (!diff.versions[i])
-        print(
-            fmt::format("{}: compared with all shots of its reels (no earlier version of it is known; --as names it)\n",
-                        displayText(diff.files[i])));
+        print(fmt::format("{}: compared with all shots of its reels (the project keeps no earlier version of it; --as "
+                          "LIST names one)\n",
+                          displayText(diff.files[i])));
   for (const auto& [file, line] : diff.rejected)
     complain(fmt::format("{}: line {} rejected: {} ({})", file, line.line, line.reason, line.text));
 }
@@ -132,19 +133,20 @@ void addDiff(CommandLine& line)
        .description = "Compare new versions of cut lists and log files with those that the project keeps",
        .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl", "reeldb diff --json rushes.ale"},
        .details =
-           "Compares a list with the version of it that the project keeps: the one with its bytes, or else its file\n"
-           "name, or else its title; --as names it. Reports shots that were added, are no longer there, were trimmed\n"
-           "(another source in or out) or stand elsewhere in the cut, and the reels that an import would make, with\n"
-           "existing reels that they may be (see reeldb which).\n"
+           "Compares each list with its earlier version: the list of the project that has the same bytes, or else\n"
+           "the same file name, or else the same title; with --as, LIST. Reports the shots that were added, are no\n"
+           "longer there, were trimmed (another source in or out), or are elsewhere in the cut, and the reels that\n"
+           "an import would make. If a new reel may be an existing one under another name, it reports that one, too\n"
+           "(see reeldb which).\n"
            "\n"
-           "A list without such a version is compared with the shots of its reels, a cut list only with shots from\n"
-           "cut lists, and a log file only with shots from log files; several such files are compared as one list.\n"
-           "With --gone all files are compared so, and are taken as complete: a reel that none of them names is\n"
-           "reported as gone, with its shots. Nothing is changed. The exit code is 0 without differences, 1 with\n"
-           "differences, and 4 if lines were rejected."},
+           "A list without an earlier version is compared with the shots of its reels: a cut list with shots from\n"
+           "cut lists, a log file with shots from log files. Several such files are compared as one list. With\n"
+           "--gone all files are compared in this way, as if they were all lists of the project: a reel that none\n"
+           "of them names is reported as gone, with its shots. Nothing is changed. The exit code is 0 without\n"
+           "differences, 1 with differences, and 4 if lines were rejected."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The lists").required().shownAs("");
-  command.text("--as", options->as, "Compare with this list").shownAs("LIST");
+  command.text("--as", options->as, "Compare with this list of the project").shownAs("LIST");
   command.flag("--gone", options->gone, "Also report reels that none of the files names");
   command.json(options->json);
 }

@@ -55,7 +55,7 @@ std::optional<std::size_t> readReelLength(const Options& options)
 void checkListOptions(const Options& options)
 {
   if (options.csv || options.json || options.reelsOnly || options.history)
-    refuse("export LIST: --edl or --ale, if any (reeldb list-file show LIST --json has its events as JSON)");
+    refuse("export LIST: only --edl and --ale choose its format (reeldb list-file show LIST --json shows it as JSON)");
   if (options.edl && options.ale)
     refuse("export LIST: --edl and --ale exclude each other");
   if (options.reelLength && options.ale)
@@ -68,14 +68,15 @@ void checkOptions(const Options& options)
     refuse("export: --force needs -o FILE");
   if (options.list)
     return checkListOptions(options);
-  if (options.edl + options.ale + options.csv + options.json != 1)
-    refuse("export: no format given (use one of --edl, --ale, --csv, --json)");
+  if (const int formats = options.edl + options.ale + options.csv + options.json; formats != 1)
+    refuse(fmt::format("export: {} (use one of --edl, --ale, --csv, --json)",
+                       formats == 0 ? "no format given" : "more than one format given"));
   if (options.reelLength && !options.edl)
     refuse("export: --reel-length needs --edl");
   if (options.reelsOnly && (options.edl || options.ale))
     refuse("export: --reels needs --csv or --json (lists contain shots)");
   if (options.history && (!options.json || options.reelsOnly))
-    refuse("export: --history needs --json, without --reels");
+    refuse("export: --history needs --json and excludes --reels");
 }
 
 app::Written write(const Options& options, const app::ProjectContent& content, std::size_t reelLength)
@@ -155,15 +156,15 @@ void addExport(CommandLine& line)
                     "reeldb export --ale -o rushes-out.ale", "reeldb export --csv --reels",
                     "reeldb export --json -o main.json"},
        .details =
-           "LIST is a list that was imported: its number, file name or title. Its events are written back as they\n"
-           "came, with transitions, speeds and repeated shots, and with the reels that they have now. Without\n"
-           "LIST, a cut list has an event for each shot of the project, which is not a cut.\n"
+           "LIST is a list that was imported: its number, file name or title. Its events are written as they were\n"
+           "imported, with transitions, speeds and repeated shots, but with the present names of reels. Without\n"
+           "LIST, a cut list has one event for each shot of the project, a cut.\n"
            "\n"
            "The reel names of a cut list have the length that the receiving system reads: three digits, 6 or 8\n"
            "capitals and digits, or 32 or 129 characters; those of LIST by default. They are unique, and notes\n"
            "at the head map them to the full names; reeldb import reads these notes, so an exported list or log\n"
            "gives the same reels and shots again. A table (RFC 4180) contains shots or reels. JSON contains the\n"
-           "whole project but its history; reeldb project new NAME --from FILE makes the same project of it.\n"
+           "whole project except its history; reeldb project new NAME --from FILE makes the same project from it.\n"
            "A file is written completely or not at all. The command reports whatever a list cannot contain; if\n"
            "a shot is left out, the exit code is 4."},
       [options](const Globals& globals) { return run(*options, globals); });
@@ -171,9 +172,9 @@ void addExport(CommandLine& line)
   command.flag("--edl", options->edl, "A cut list (CMX3600 EDL)");
   command.flag("--ale", options->ale, "A log exchange file (ALE)");
   command.flag("--csv", options->csv, "A table of the shots");
-  command.flag("--json", options->json, "All of the project as JSON, from which project new --from makes it again");
-  command.flag("--reels", options->reelsOnly, "Only the reels, for --csv and --json");
-  command.flag("--history", options->history, "Its commits, too, for --json");
+  command.flag("--json", options->json, "The whole project as JSON, for project new --from");
+  command.flag("--reels", options->reelsOnly, "The reels without the shots, for --csv and --json");
+  command.flag("--history", options->history, "Also the commits of the project, for --json");
   command.text("--reel-length", options->reelLength, "Characters of a reel name: 3, 6, 8 (the default), 32 or 129")
       .shownAs("N");
   command.text("-o,--output", options->file, "The file to write; without it, standard output").shownAs("FILE");

@@ -41,7 +41,7 @@ ExitCode list(const ListOptions& options)
 
 ExitCode name(const NameOptions& options)
 {
-  const app::NamedUserFields named = app::nameUserFields(parseAssignments(options.assignments));
+  const app::NamedUserFields named = app::nameUserFields(parseAssignments(options.assignments, "NUMBER=NAME"));
   if (named.stored)
     changesAreStored();
   else if (!options.json)

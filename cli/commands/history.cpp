@@ -74,8 +74,9 @@ void addHistory(CommandLine& line)
       {.name = "history",
        .description = "List who changed a project, or a reel, and how",
        .examples = {"reeldb history", "reeldb history A001", "reeldb history --json"},
-       .details = "The newest commit comes first. [history] names = false in facility.toml keeps users, machines and\n"
-                  "folders out of it; reeldb project compact --before forgets a part of it."},
+       .details =
+           "The newest commit comes first. With names = false under [history] in facility.toml, the history does\n"
+           "not keep users, machines and folders. reeldb project compact --before removes a part of it."},
       [options](const Globals& globals) { return history(*options, globals); });
   command.text("ID", options->reel, "Only the commits that changed this reel; it may be deleted").shownAs("");
   command.json(options->json);

@@ -99,14 +99,14 @@ void addImport(CommandLine& line)
            "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"
            "is reported. If a file cannot be read, nothing of any file is imported.\n"
            "\n"
-           "The project keeps each list. With --replace a list takes the place of the kept list that has its file\n"
-           "name, or else its title; --as names that list. The report has what was added, is gone, was trimmed, or\n"
-           "stands elsewhere in the cut. Shots that only the old version used go, and their reels with the last of\n"
-           "them, unless a person made or changed them."},
+           "The project keeps each list. --replace replaces the kept list that has the same file name, or else the\n"
+           "same title; --as replaces LIST. The report counts the shots that were added, are gone, were trimmed, or\n"
+           "are elsewhere in the cut. Shots that only the old version used are deleted, and so are reels that have\n"
+           "no shot left, unless another command than import made or changed them."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
-  command.flag("--replace", options->replacing.byName, "Put the list in the place of its earlier version");
-  command.text("--as", options->replacing.list, "Put the list in the place of this one").shownAs("LIST");
+  command.flag("--replace", options->replacing.byName, "Replace the earlier version of the list");
+  command.text("--as", options->replacing.list, "Replace this list of the project").shownAs("LIST");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

@@ -46,9 +46,9 @@ void addInit(CommandLine& line)
                   "A project has one frame rate; import warns of lists that have another one.",
        .needsFacility = false},
       [options](const Globals& globals) { return run(*options, globals); });
-  command.text("DIR", options->folder, "The folder").shownAs("");
+  command.text("DIR", options->folder, "The folder of the facility").shownAs("");
   command
-      .text("--rate", options->rate, fmt::format("The frame rate of the project; {} unless given", app::usualFrameRate))
+      .text("--rate", options->rate, fmt::format("The frame rate of the project; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
 }
 

@@ -39,7 +39,7 @@ ExitCode list(const ListOptions& options, const Globals& globals)
   if (options.json)
     print(app::jsonText(maps));
   else
-    table.printOr("no label maps (the folder labelmaps of the facility holds them)\n");
+    table.printOr("no label maps (put them into the folder labelmaps of the facility)\n");
   return code;
 }
 
@@ -131,7 +131,7 @@ void addLabelMap(CommandLine& line)
        .examples = {"reeldb label-map for A001 --device 0", "reeldb label-map for --device 0"},
        .details =
            "With a reel: the reel's own map if it names one, whether the map fits or not; else the map for the\n"
-           "device. Without a reel: the device's own map if it fits the device, else the usual map for its port\n"
+           "device. Without a reel: the device's own map if it fits the device, else the default map for its port\n"
            "and the project's frame rate. A warning is printed if the facility has no such map or cannot read it."},
       [forOptions](const Globals& globals) { return needed(*forOptions, globals); });
   finding.text("REEL", forOptions->reel, "The reel").shownAs("");

@@ -151,7 +151,7 @@ ExitCode remove(const RemoveOptions& options, const Globals& globals)
     return done;
   }
   print(fmt::format("{}: {}\n", headText(removed.list), options.dryRun ? "would be removed" : "removed"));
-  print(fmt::format("{} and {} that only it named{}\n", counted(removed.reels.size(), "reel"),
+  print(fmt::format("{} and {} that only this list used{}\n", counted(removed.reels.size(), "reel"),
                     counted(removed.shots.size(), "shot"),
                     removed.reels.empty() ? "" : displayText(fmt::format(": {}", fmt::join(removed.reels, ", ")))));
   print(options.dryRun ? "dry run: the project stays as it was\n" : "reeldb undo brings all of it back\n");
@@ -179,11 +179,12 @@ void addListFile(CommandLine& line)
       {.name = "show",
        .description = "Show the events of a list, or its bytes",
        .examples = {"reeldb list-file show evening.edl", "reeldb list-file show evening.edl --original"},
-       .details = "Texts are as the list has them. A further column names the reel of the shot now, if it has another\n"
-                  "name since. --original gives the file back, byte for byte."},
+       .details =
+           "Shows the texts of the list. If reels have other names now, a further column shows these. --original\n"
+           "writes the file as it was imported, byte for byte."},
       [showOptions](const Globals& globals) { return show(*showOptions, globals); });
   showing.text("LIST", showOptions->list, "The list: its number, its file name or its title").required().shownAs("");
-  showing.flag("--original", showOptions->original, "The bytes of its file");
+  showing.flag("--original", showOptions->original, "Write the bytes of its file");
   showing.text("--output,-o", showOptions->file, "Write the bytes to this file instead of standard output")
       .shownAs("FILE");
   showing.flag("--force", showOptions->force, "Replace an existing file");
@@ -203,11 +204,12 @@ void addListFile(CommandLine& line)
   Command removing = line.add(
       group,
       {.name = "remove",
-       .description = "Remove a list, and what only it named",
+       .description = "Remove a list, with the shots and reels that only it uses",
        .examples = {"reeldb list-file remove --dry-run evening.edl", "reeldb list-file remove evening.edl"},
-       .details = "Removes the list with its events. A shot goes with it if no other list uses it and nothing but an\n"
-                  "import made or changed it; so does a reel that has no shot left. What was made before the history\n"
-                  "of the project begins stays. reeldb undo brings all of it back."},
+       .details =
+           "Removes the list with its events, each shot that no other list uses, and each reel that has no shot\n"
+           "left. Shots and reels that another command than import made or changed stay, and so do those that\n"
+           "are older than the history of the project. reeldb undo brings all of it back."},
       [removeOptions](const Globals& globals) { return remove(*removeOptions, globals); });
   removing.text("LIST", removeOptions->list, "The list: its number, its file name or its title").required().shownAs("");
   removing.flag("--dry-run", removeOptions->dryRun, "Show what would be removed, and remove nothing");

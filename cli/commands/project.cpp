@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "app/json/json.h"
 #include "app/projects.h"
@@ -82,12 +83,22 @@ struct CompactOptions {
   bool json = false;
 };
 
+std::string removedForGood(const app::Compacted& compacted)
+{
+  std::vector<std::string> parts;
+  if (compacted.gone > 0)
+    parts.push_back(counted(compacted.gone, "deleted log"));
+  if (compacted.lists > 0)
+    parts.push_back(counted(compacted.lists, "list"));
+  return parts.empty() ? "nothing to remove" : fmt::format("{} removed for good", fmt::join(parts, " and "));
+}
+
 ExitCode compact(const CompactOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Write);
   const app::Compacted compacted =
       options.before ? app::forgetHistory(session, *options.before) : app::compactProject(session);
-  if (compacted.gone > 0 || compacted.revisions.value_or(0) > 0)
+  if (compacted.gone > 0 || compacted.lists > 0 || compacted.revisions.value_or(0) > 0)
     changesAreStored();
   if (options.json)
     print(app::jsonText(compacted));
@@ -95,8 +106,7 @@ ExitCode compact(const CompactOptions& options, const Globals& globals)
     print(*compacted.revisions == 0 ? "nothing to forget\n"
                                     : fmt::format("{} forgotten\n", counted(*compacted.revisions, "revision")));
   else
-    print(compacted.gone == 0 ? "nothing to remove\n"
-                              : fmt::format("{} removed for good\n", counted(compacted.gone, "deleted log")));
+    print(fmt::format("{}\n", removedForGood(compacted)));
   return done;
 }
 
@@ -154,7 +164,7 @@ void addProject(CommandLine& line)
   making.text("NAME", newOptions->name, "Its name, and the name of its file").required().shownAs("");
   making.text("--rate", newOptions->rate, fmt::format("Its frame rate; {} by default", app::usualFrameRate))
       .shownAs("CODE|NAME");
-  making.text("--from", newOptions->from, "A file of reeldb export --json, of which it is made").shownAs("FILE");
+  making.text("--from", newOptions->from, "Make it from this file of reeldb export --json").shownAs("FILE");
 
   const auto listOptions = std::make_shared<ListOptions>();
   Command listing = line.add(group,
@@ -165,23 +175,24 @@ void addProject(CommandLine& line)
   listing.json(listOptions->json);
 
   const auto checkOptions = std::make_shared<CheckOptions>();
-  Command checking =
-      line.add(group,
-               {.name = "check",
-                .description = "Check the whole file of a project for damage",
-                .examples = {"reeldb project check"},
-                .details = "Reports that the file is sound, or each fault; the exit code is then 3. Changes nothing."},
-               [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
+  Command checking = line.add(
+      group,
+      {.name = "check",
+       .description = "Check the whole file of a project for damage",
+       .examples = {"reeldb project check"},
+       .details = "Reports that the file is sound, or each fault; with faults the exit code is 3. Changes nothing."},
+      [checkOptions](const Globals& globals) { return check(*checkOptions, globals); });
   checking.json(checkOptions->json);
 
   const auto rateOptions = std::make_shared<RateOptions>();
-  Command rating = line.add(group,
-                            {.name = "rate",
-                             .description = "Show or change the frame rate of a project",
-                             .examples = {"reeldb project rate", "reeldb project rate 23.976"},
-                             .details = "Timecodes stay as they are, and so do the rates that lists gave their shots:\n"
-                                        "a new rate is for a project that was made with the wrong one."},
-                            [rateOptions](const Globals& globals) { return rate(*rateOptions, globals); });
+  Command rating =
+      line.add(group,
+               {.name = "rate",
+                .description = "Show or change the frame rate of a project",
+                .examples = {"reeldb project rate", "reeldb project rate 23.976"},
+                .details = "Use it if the project was made with the wrong rate. Timecodes stay as they are,\n"
+                           "and so do the rates that lists give for their shots."},
+               [rateOptions](const Globals& globals) { return rate(*rateOptions, globals); });
   rating.text("RATE", rateOptions->rate, "Its frame rate from now on").shownAs("");
   rating.json(rateOptions->json);
 
@@ -189,12 +200,13 @@ void addProject(CommandLine& line)
   Command compacting = line.add(
       group,
       {.name = "compact",
-       .description = "Remove deleted reels and shots for good",
+       .description = "Remove deleted reels and shots and removed lists for good",
        .examples = {"reeldb project compact", "reeldb project compact --before 3",
                     "reeldb project compact --before 2026-11-01"},
-       .details = "After that, reeldb undelete can no longer bring them back. With --before, the earlier part of the\n"
-                  "history is forgotten instead, with the reels and shots that were deleted in it, and its space is\n"
-                  "given back."},
+       .details =
+           "After that, neither reeldb undelete nor reeldb undo can bring them back. With --before, it removes the\n"
+           "earlier part of the history instead, with the reels and shots that were deleted in it, and makes the\n"
+           "file smaller."},
       [compactOptions](const Globals& globals) { return compact(*compactOptions, globals); });
   compacting.text("--before", compactOptions->before, "Forget the history before this revision or day")
       .shownAs("REVISION|DAY");

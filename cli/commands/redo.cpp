@@ -25,11 +25,11 @@ void addRedo(CommandLine& line)
 {
   const auto options = std::make_shared<Options>();
   Command command = line.add({.name = "redo",
-                              .description = "Make again what undo took back last",
+                              .description = "Repeat what undo took back last",
                               .examples = {"reeldb redo"},
-                              .details = "Said again, it makes again what the undo before took back."},
+                              .details = "The next redo repeats what the undo before that took back."},
                              [options](const Globals& globals) { return run(*options, globals); });
-  command.flag("--any", options->any, "Whoever ran undo, and wherever");
+  command.flag("--any", options->any, "Also what was taken back by other users or on other machines");
   command.json(options->json);
 }
 

@@ -108,9 +108,9 @@ void addReelsOf(CommandLine& line)
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
                     "reeldb reels-of --file evening.edl --json"},
        .details =
-           "The state of a reel is ready, missing (the project has no record of it), unavailable, unknown type, or\n"
-           "the last two. The list need not be imported. Its sources that are not reels, and its lines that cannot\n"
-           "be read, are reported on standard error."},
+           "The state of a reel is ready, missing (the project does not have it), unavailable, unknown type, or both\n"
+           "of the last two. The list need not be imported. Its sources that are not reels, and its lines that\n"
+           "cannot be read, are reported on standard error."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");

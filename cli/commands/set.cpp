@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include "app/conflict.h"
 #include "app/json/json.h"
 #include "app/reel_fields.h"
 #include "base/display_text.h"
@@ -16,7 +17,7 @@ namespace {
 
 struct Options {
   std::string id;
-  std::vector<std::string> assignments;
+  std::vector<std::string> assignments, expected;
   bool json = false;
 };
 
@@ -31,8 +32,16 @@ void printChanges(const app::ChangedReel& changed)
 ExitCode run(const Options& options, const Globals& globals)
 {
   const std::vector<app::Assignment> assignments = parseAssignments(options.assignments);
+  const std::vector<app::Assignment> expected = parseAssignments(options.expected);
   app::Session session(globals.project, app::Access::Write);
-  const app::ChangedReel changed = app::changeReel(session, options.id, assignments);
+  app::ChangedReel changed;
+  try {
+    changed = app::changeReel(session, options.id, assignments, expected);
+  } catch (const app::Conflict& conflict) {
+    if (options.json)
+      print(app::jsonText(conflict.conflict()));
+    throw;
+  }
   if (changed.stored)
     changesAreStored();
   complainOf(changed.remarks);
@@ -52,7 +61,8 @@ void addSet(CommandLine& line)
       {.name = "set",
        .description = "Change the fields of a reel",
        .examples = {"reeldb set A001 \"type=Tape 4ch\" available=no", "reeldb set A001 0=12A bin=\"Shelf 4\"",
-                    "reeldb set A001 \"User field 2=rain\" user-field.2=night", "reeldb set A001 last-device="},
+                    "reeldb set A001 \"User field 2=rain\" user-field.2=night",
+                    "reeldb set A001 last-device=", "reeldb set A001 bin=\"Shelf 5\" --if bin=\"Shelf 4\""},
        .details =
            "Fields:\n"
            "  type           a reel type; reeldb type list lists them\n"
@@ -64,10 +74,16 @@ void addSet(CommandLine& line)
            "  user-field.N   user field N, counted from 0; also N alone, or the field's name as reeldb field list\n"
            "                 shows it, in any letter case\n"
            "An empty value removes the value. A new type or device can add channels to the reel, but never removes\n"
-           "any. Nothing is stored unless all fields and values are valid."},
+           "any. Nothing is stored unless all fields and values are valid.\n"
+           "With --if nothing is stored, and the exit code is 1, if the field has another value meanwhile. The "
+           "message\n"
+           "says which, and who changed it when; with --json that is on standard output, too."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("ID", options->id, "The reel").required().shownAs("");
   command.texts("FIELD=VALUE", options->assignments, "What to change").required().shownAs("");
+  command.texts("--if", options->expected, "The value that a field must have now; several may be given")
+      .shownAs("FIELD=VALUE")
+      .oneEachTime();
   command.json(options->json);
 }
 

@@ -33,7 +33,7 @@ ExitCode report(const app::TakenBackCommit& result, bool json)
     return done;
   }
   const app::CommitEntry& commit = result.commit;
-  print(fmt::format("revision {} {}: {}\n", commit.revision, result.isRedo ? "made again" : "taken back",
+  print(fmt::format("revision {} {}: {}\n", commit.revision, result.isRedo ? "repeated" : "taken back",
                     commit.command.empty() ? "no command line is kept of it" : displayText(commit.command)));
   print(reelsAndShots(result.reelsRestored, result.shotsRestored, "restored"));
   print(reelsAndShots(result.reelsRemoved, result.shotsRemoved, "removed"));
@@ -41,9 +41,9 @@ ExitCode report(const app::TakenBackCommit& result, bool json)
     print(fmt::format("{} {} {}\n", result.logsChanged, result.logsChanged == 1 ? "reel or shot" : "reels or shots",
                       result.isRedo ? "changed again" : "changed back"));
   if (result.lists != 0)
-    print(fmt::format("{} {}\n", counted(result.lists, "list"), result.isRedo ? "made again" : "taken back"));
+    print(fmt::format("{} {}\n", counted(result.lists, "list"), result.isRedo ? "changed again" : "changed back"));
   for (const std::string& change : commit.elsewhere)
-    print(fmt::format("not {}: {}\n", result.isRedo ? "made again" : "taken back", displayText(change)));
+    print(fmt::format("not {}: {}\n", result.isRedo ? "repeated" : "taken back", displayText(change)));
   return done;
 }
 

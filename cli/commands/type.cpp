@@ -28,7 +28,7 @@ ExitCode list(const Options& options)
     // A line of the file may define the type of the empty name.
     table.add({type.name.empty() ? "\"\"" : type.name, std::to_string(type.videoChannels),
                std::to_string(type.audioChannels), type.parameters});
-  table.printOr("no reel types (devicedata/reeltype.dat of the facility lists them)\n");
+  table.printOr("no reel types (add them to devicedata/reeltype.dat of the facility)\n");
   return done;
 }
 

@@ -70,7 +70,9 @@ void addUndelete(CommandLine& line)
        .examples = {"reeldb undelete", "reeldb undelete --list"},
        .details =
            "Deleted reels and shots are kept until reeldb project compact removes them. The next undelete brings\n"
-           "back the deletion before the last, and so on."},
+           "back the deletion before the last, and so on. What import --replace or list-file remove deleted comes back "
+           "by\n"
+           "reeldb undo, together with the list."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.flag("--list", options->list, "Only list the deletions that can be brought back, the newest first");
   command.json(options->json);

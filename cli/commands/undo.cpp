@@ -40,11 +40,12 @@ void addUndo(CommandLine& line)
        .description = "Take back what a command stored",
        .examples = {"reeldb undo", "reeldb undo --any --json"},
        .details = "Without a revision, takes back the newest command of the same user on the same machine that is not\n"
-                  "taken back yet; said again, the one before. Later changes stay. If one of them is in the way, undo\n"
-                  "names it and takes nothing back. What a command changed in the facility is not taken back."},
+                  "taken back yet. The next undo takes back the command before it. Later changes stay. If one of them\n"
+                  "is in the way, undo names it and takes nothing back. What a command changed in the facility is not\n"
+                  "taken back."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("REVISION", options->revision, "The command with this number in reeldb history").shownAs("");
-  command.flag("--any", options->any, "Whoever ran the command, and wherever");
+  command.flag("--any", options->any, "Also commands of other users and on other machines");
   command.json(options->json);
 }
 

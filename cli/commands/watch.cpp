@@ -196,9 +196,9 @@ void addWatch(CommandLine& line)
            "A commit that changes several reels, such as an import, is a line of totals; --all reports each reel.\n"
            "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
            "deleted, it waits for another reel with the same name.\n"
-           "--since reports the commits after a revision and ends, or goes on with --follow or --for: a script\n"
-           "that notes the last revision misses none. --json reports each reel as an object per line, and then\n"
-           "\"database\" for the commit."},
+           "--since reports the commits after a revision and ends; with --follow or --for it goes on. A script\n"
+           "that stores the last revision it has seen misses no commit. --json reports each reel as an object per\n"
+           "line, and then an object whose \"what\" is \"database\" for the commit."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("--reel", options->reel, "Report only this reel, which must exist").shownAs("ID");
   command.text("--for", options->seconds, "End after this number of seconds").shownAs("SECONDS");

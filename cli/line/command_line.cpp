@@ -62,7 +62,7 @@ changes, or none.
 
 Exit codes:
   0  done
-  1  nothing found, or refused
+  1  nothing found, or refused (for example because the project is read-only or in use)
   2  the command line is wrong
   3  damaged or unreadable data, or the system refused a read or a write
   4  done, but some input lines were rejected

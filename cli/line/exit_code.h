@@ -27,6 +27,7 @@ constexpr ExitCode exitCodeOf(app::ErrorKind kind)
   case ErrorKind::ReadOnly:
   case ErrorKind::Busy:
   case ErrorKind::Cancelled:
+  case ErrorKind::Conflict:
     return refused;
   case ErrorKind::Unreadable:
   case ErrorKind::Io:

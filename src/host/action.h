@@ -29,8 +29,8 @@ public:
 void defer(const Zr::Ptr<iExecutableAction>&);
 
 /// The calling thread's id, the same for every call. Callable on any thread. The library compares its bits in
-/// codes::threadMask with `glib_pid`, so these bits must differ between threads. They are not 0 on any thread:
-/// `glib_pid` is 0 before the start-up.
+/// codes::threadMask with `glib_pid`, so these bits must differ between threads. They must not be 0 on any thread,
+/// because `glib_pid` is 0 before the start-up.
 int co_pid();
 
 #pragma GCC visibility pop

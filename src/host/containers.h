@@ -93,8 +93,8 @@ public:
   /// A key with its value. A holder keeps it alive after the list is gone.
   class Entry : public Zr::InternalRefCount {
   public:
-    /// Must not be changed.
-    LightweightString<char> key, value; ///< may be changed at any time
+    /// The key must not be changed. The value may be changed at any time.
+    LightweightString<char> key, value;
   };
   explicit AssocListRep(bool); ///< false: entries in order of creation, keys compared byte by byte
   ~AssocListRep() override;

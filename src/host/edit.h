@@ -73,8 +73,8 @@ public:
   void set_entire_medium(int);                           ///< 1: the log represents the whole medium; called with 1
   void make_original(bool, bool);                        ///< called as (false, false) for a log that becomes a reel
   /// Classifies the log by its values; a search for reels then finds it if it is a reel. It is one after
-  /// set_entire_medium(1) and make_original(false, false), and never without set_entire_medium(1). How the host
-  /// classifies other logs is its own affair.
+  /// set_entire_medium(1) and make_original(false, false), and never without set_entire_medium(1). The host decides
+  /// how it classifies other logs.
   void redetermineLogType();
   /// Sets the modification that the EditModifier reports when it ends. Called with true.
   void setChangeDescription(EditModificationType, bool);
@@ -85,7 +85,7 @@ public:
   void addChan(EditChanType, Zr::Ptr<Cel>, bool, EditChanSubType, bool, double);
   const Zr::UUID& uuid() const; ///< the log's Cookie consists of this and the next two
   std::uint16_t cookieTag() const;
-  char cookieKind() const; ///< the Cookie's kind, not 'I'; every other letter will do
+  char cookieKind() const; ///< the Cookie's kind: any letter except 'I'
 
   struct Impl;
   Impl* impl;

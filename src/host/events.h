@@ -28,7 +28,7 @@ class NotifyMsg;
 /// virtual destructor. The host decides how it finds its listeners; it can register them in the protected constructor
 /// and destructor. Listeners may be created and destroyed during an event. A new listener receives the next event; a
 /// destroyed one receives no more. Each function does nothing unless overridden. The library needs handleProjectEntry,
-/// handleProjectExit and handleLogModification. It ignores the others, so whether a host reports those is up to it.
+/// handleProjectExit and handleLogModification. It ignores the others, so a host need not report those.
 class ProjectListener {
 public:
   virtual void handleLogsModification(const CookieVec&);

@@ -47,8 +47,8 @@ public:
   /// other attributes and criteria without attributes do not occur.
   CookieVec search(const SearchCriteria&);
   dbrecord* operator[](const Cookie&); ///< null if the Cookie has no row
-  /// The column of a field, such as "Type", for get_field. For an unknown name, a number for which get_field returns
-  /// null.
+  /// The column of a field, such as "Type", for get_field. If the name is unknown: a number for which get_field
+  /// returns null.
   unsigned short findField(const char* name) const;
   oledb* database(); ///< for views; never null
   struct Impl;

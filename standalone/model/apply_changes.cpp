@@ -81,6 +81,8 @@ void Project::apply(StoredLog&& stored, AppliedChanges& changes)
     }
     return;
   }
+  if (isSame(log->toStored(), stored))
+    return;
   const bool wasReel = log->type == codes::reelLog;
   const std::string before = textOf(log->reelId);
   log->assign(stored);
@@ -111,28 +113,27 @@ void Project::apply(Delta&& delta, AppliedChanges& changes)
 
 std::optional<ForeignChanges> Project::applyFromElsewhere()
 {
-  if (hasChanges())
-    throw Error(ErrorKind::Busy,
-                subject() + ": changed by another process, and changes made here are not stored (read it again)");
   endUse();
-  store_->begin(Access::Read, busyTimeout());
-  use_ = Use::Read;
+  begin(Access::Read);
   ProjectInfo info = currentInfo(*store_);
-  if (info.uuid != info_.uuid)
-    return std::nullopt;
-  Feed* const feed = store_->feed();
   std::optional<Delta> delta;
-  if (feed)
-    delta = feed->since(position_);
-  if (!delta || delta->whole)
-    delta = differenceToStored();
+  if (hasChanges()) {
+    delta = differenceWithChangesHere();
+  } else if (info.uuid != info_.uuid) {
+    return std::nullopt;
+  } else {
+    if (Feed* const feed = store_->feed())
+      delta = feed->since(position_);
+    if (!delta || delta->whole)
+      delta = differenceToStored();
+  }
   const FeedPosition position = newestPosition();
   const std::int64_t nextNumber = store_->nextNumber();
 
   AppliedChanges changes;
   apply(std::move(*delta), changes);
   info_ = std::move(info);
-  nextNumber_ = nextNumber;
+  nextNumber_ = unusedFrom_ = nextNumber;
   position_ = position;
   isStale_ = false;
   idle();

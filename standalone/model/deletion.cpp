@@ -18,7 +18,7 @@ int undelete()
   return model::requireProject("undelete").undelete();
 }
 
-int compact()
+Compacted compact()
 {
   return model::requireProject("compact").compact();
 }

@@ -72,6 +72,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
 
   // What the project keeps about the log.
   bool isDirty = false;                      ///< differs from what is stored
+  LightweightString<char> storedReelId;      ///< of a dirty log: reelId as it is stored, empty for a new log
   const std::string* indexedUnder = nullptr; ///< its place in the attribute index
 };
 

@@ -29,6 +29,14 @@ CommandLine& commandLine()
   return instance;
 }
 
+/// Where the value in the word begins: behind "field=", "--option=" or "-o", or at the start.
+std::size_t startOfValue(const std::string& word)
+{
+  if (const std::size_t equals = word.find('='); equals < word.find('/'))
+    return equals + 1;
+  return word.size() > 2 && word[0] == '-' && word[1] != '-' && word[1] != '/' ? 2 : 0;
+}
+
 /// The word without the folders of a path in it.
 std::string withoutFolder(const std::string& word)
 {
@@ -36,8 +44,7 @@ std::string withoutFolder(const std::string& word)
   const std::size_t slash = last == std::string::npos ? last : word.rfind('/', last);
   if (slash == std::string::npos)
     return word;
-  const std::size_t value = word.compare(0, 1, "-") == 0 ? word.find('=') : std::string::npos;
-  return (value < slash ? word.substr(0, value + 1) : "") + word.substr(slash + 1, last - slash);
+  return word.substr(0, startOfValue(word)) + word.substr(slash + 1, last - slash);
 }
 
 /// At most longestCommand bytes; a longer line ends in "...", without a part of a character before it.

@@ -18,7 +18,6 @@ namespace reelhost::model {
 namespace {
 
 constexpr std::size_t prefixLength = 8, numberLength = 8; // together the sixteen bytes of a UUID
-constexpr std::int64_t lastNumber = 99'999'999;
 
 /// Eight characters made from the project's UUID, so that logs of two projects hardly ever have the same name.
 std::string prefixFor(const std::array<unsigned char, 16>& project)
@@ -66,13 +65,12 @@ std::string fileNameOf(const Log& log)
 Project::Project(std::shared_ptr<Store> store, Access access, Access beginWith)
     : store_(std::move(store)), access_(access)
 {
-  store_->begin(beginWith, busyTimeout());
-  use_ = beginWith == Access::Write ? Use::Write : Use::Read;
+  begin(beginWith);
   try {
     info_ = currentInfo(*store_);
     cookie_ = cookieOf(info_.uuid, 0, 'P');
     logPrefix_ = prefixFor(info_.uuid);
-    nextNumber_ = store_->nextNumber();
+    nextNumber_ = unusedFrom_ = store_->nextNumber();
     blockOf(options_).assign(store_->options());
     blockOf(options_).setOwner(&optionsOwner_);
     position_ = newestPosition();
@@ -108,11 +106,26 @@ void Project::use(Access needed)
 {
   if (isClosed_ || use_ == Use::Write || (use_ == Use::Read && needed == Access::Read))
     return;
-  if (changedElsewhere())
+  if (!beginUnlessChanged(needed))
     throw Error(ErrorKind::Busy, subject() + ": changed by another process since it was read (read it again)");
-  endUse();
-  store_->begin(needed, busyTimeout());
-  use_ = needed == Access::Write ? Use::Write : Use::Read;
+}
+
+bool Project::beginUnlessChanged(Access access)
+{
+  endUse(); // the store does not see during a use what others commit
+  if (changedElsewhere())
+    return false;
+  begin(access);
+  isStale_ = newestPosition() != position_; // the last commit of others may have come after the question
+  if (isStale_)
+    endUse();
+  return !isStale_;
+}
+
+void Project::begin(Access access)
+{
+  store_->begin(access, busyTimeout());
+  use_ = access == Access::Write ? Use::Write : Use::Read;
 }
 
 // A project that was opened for reading may be changed in memory, to try out a change.
@@ -133,7 +146,27 @@ bool Project::changedElsewhere()
 void Project::idle()
 {
   loadOthers();
+  reserveNumbers();
   endUse();
+}
+
+// The Cookie of a log is made of its number, so other processes must not give out the numbers of logs that wait to be
+// stored.
+void Project::reserveNumbers()
+{
+  if (use_ != Use::Write)
+    return;
+  Changes reservation;
+  if (nextNumber_ > unusedFrom_)
+    reservation.reservedLogs = nextNumber_ - 1;
+  if (!changedLists_.empty() && changedLists_.rbegin()->first >= store_->lists()->nextListNumber())
+    reservation.reservedLists = changedLists_.rbegin()->first;
+  if (reservation.empty())
+    return;
+  use_ = Use::None; // the store ends the use even if it throws
+  store_->commit(reservation);
+  position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
 }
 
 // --- Reading -------------------------------------------------------------------------------------
@@ -263,7 +296,7 @@ std::unordered_map<std::string, std::int64_t> Project::countOthersByReelId()
 Log& Project::create(StoredLog&& stored)
 {
   useForChange();
-  if (nextNumber_ > lastNumber)
+  if (nextNumber_ > lastLogNumber)
     throw Error(ErrorKind::Refused, subject() + ": no number is left for another log");
   char digits[numberLength + 1];
   std::snprintf(digits, sizeof digits, "%08d", static_cast<int>(nextNumber_));
@@ -275,6 +308,7 @@ Log& Project::create(StoredLog&& stored)
   makeRoom(dirty_); // a log that is made is stored
   Log& log = add(std::move(stored));
   changing(log);
+  log.storedReelId = {};
   return log;
 }
 
@@ -285,6 +319,7 @@ void Project::changing(Log& log)
   useForChange();
   dirty_.push_back(&log);
   log.isDirty = true;
+  log.storedReelId = log.reelId;
 }
 
 // A partial index would hide logs from every search. On out-of-memory the index is dropped; the next search rebuilds
@@ -363,6 +398,8 @@ void Project::requireNoTrashPending(const char* what) const
 int Project::undelete()
 {
   requireNoTrashPending("undelete");
+  if (!changedLists_.empty()) // it may be one that gets events back
+    throw Error(ErrorKind::Refused, subject() + ": cannot undelete (a change of a list is not stored yet)");
   useForChange();
   use(Access::Read);
   History& history = requireHistory();
@@ -385,14 +422,15 @@ int Project::undelete()
   return static_cast<int>(inverse_.logs.size());
 }
 
-int Project::compact()
+Compacted Project::compact()
 {
   requireNoTrashPending("empty the trash");
   useForChange();
   use(Access::Read);
-  const std::int64_t count = requireHistory().trashCount();
-  compact_ = count != 0;
-  return static_cast<int>(count);
+  History& history = requireHistory();
+  const Compacted result{static_cast<int>(history.trashCount()), static_cast<int>(history.removedListCount())};
+  compact_ = result.logs != 0 || result.lists != 0;
+  return result;
 }
 
 int Project::forgetHistory(std::int64_t before)
@@ -477,12 +515,29 @@ bool Project::commit()
   }
   if (access_ == Access::Read)
     throw Error(ErrorKind::ReadOnly, subject() + ": changes cannot be stored (opened for reading only)");
-  use(Access::Write);
-  dropEventsOfDeletedLogs();
-  const Changes changes = collect();
+  const bool isAlone = use_ == Use::Write || beginUnlessChanged(Access::Write);
+  Changes changes;
+  try {
+    std::vector<StoredLog> merged;
+    if (!isAlone) {
+      begin(Access::Write);
+      merged = differenceWithChangesHere().logs;
+    }
+    dropEventsOfDeletedLogs();
+    changes = collect();
+    for (StoredLog& log : merged)
+      for (StoredLog& written : changes.logs)
+        if (written.number == log.number)
+          written = std::move(log);
+  } catch (...) {
+    endUse();
+    throw;
+  }
   use_ = Use::None; // the store ends the use even if it throws
   store_->commit(changes);
-  position_ = newestPosition();
+  if (isAlone) // else the logs in memory lack what others stored, until that is applied
+    position_ = newestPosition();
+  unusedFrom_ = nextNumber_;
   forgetChanges();
   return true;
 }

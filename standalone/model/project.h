@@ -72,7 +72,7 @@ public:
   void typeChanged(Log& log);             ///< likewise
   CookieVec erase(const CookieVec& logs); ///< returns the logs that existed
   int undelete();
-  int compact();
+  Compacted compact();
   int forgetHistory(std::int64_t before);
   TakenBack takeBack(std::int64_t revision);
 
@@ -108,6 +108,9 @@ private:
     Project& project_;
   };
 
+  void begin(Access access);
+  bool beginUnlessChanged(Access access); ///< false if others have committed; no use is begun then
+  void reserveNumbers();
   void use(Access needed);
   void useForChange();
   Log& add(StoredLog&& log);
@@ -128,6 +131,10 @@ private:
   struct AppliedChanges;
   FeedPosition newestPosition() const;
   Delta differenceToStored();
+  class Others;
+  /// What others have stored since, merged with the changes made here. Throws Conflict, and Busy if that is unknown.
+  /// REQUIRES: a use was begun.
+  Delta differenceWithChangesHere();
   void apply(StoredLog&& stored, AppliedChanges& changes);
   void apply(Delta&& delta, AppliedChanges& changes);
   /// Adds what takes the change back. Throws Error (Refused) if a later revision is in the way.
@@ -157,7 +164,8 @@ private:
   Cookie cookie_;
   std::string logPrefix_; ///< the start of the names of the project's logs
   std::int64_t nextNumber_ = 1;
-  FeedPosition position_; ///< the state that the logs in memory have, but for changes that are not stored
+  std::int64_t unusedFrom_ = 1; ///< other processes give out numbers from this one on
+  FeedPosition position_;       ///< the state that the logs in memory have, but for changes that are not stored
   configb options_;
   OptionsOwner optionsOwner_{*this};
 

@@ -5,67 +5,13 @@
 
 #include "host/codes.h"
 #include "model/project.h"
-#include "model/stored_log.h"
+#include "model/step.h"
 #include "reelhost/display_text.h"
 #include "reelhost/history.h"
-#include "reelhost/material.h"
 
 namespace reelhost::model {
 
 namespace {
-
-/// Takes the step from @p before to @p after back, if @p now is still as it was after the step. Returns whether @p now
-/// is as it was before, or the step did not touch it.
-template <class T>
-bool takeBackValue(T& now, const T& before, const T& after)
-{
-  if (before == after)
-    return true;
-  if (now == after)
-    now = before;
-  return now == before;
-}
-
-template <class Map>
-std::optional<typename Map::mapped_type> valueIn(const Map& values, const typename Map::key_type& key)
-{
-  const auto found = values.find(key);
-  return found == values.end() ? std::nullopt : std::optional(found->second);
-}
-
-/// The same for each value of a map.
-template <class Map>
-bool takeBackValues(Map& now, const Map& before, const Map& after)
-{
-  Map keys = before;
-  keys.insert(after.begin(), after.end());
-  return std::all_of(keys.begin(), keys.end(), [&](const auto& entry) {
-    const auto& key = entry.first;
-    auto value = valueIn(now, key);
-    if (!takeBackValue(value, valueIn(before, key), valueIn(after, key)))
-      return false;
-    now.erase(key);
-    if (value)
-      now.emplace(key, std::move(*value));
-    return true;
-  });
-}
-
-/// The same for a log, whose number and identity never change.
-bool takeBackValues(StoredLog& now, const StoredLog& before, const StoredLog& after)
-{
-  Values fields = valuesOf(now.fields);
-  const bool done = takeBackValue(now.type, before.type, after.type) &&
-                    takeBackValue(now.imported, before.imported, after.imported) &&
-                    takeBackValue(now.entireMedium, before.entireMedium, after.entireMedium) &&
-                    takeBackValue(now.name, before.name, after.name) &&
-                    takeBackValue(now.reelType, before.reelType, after.reelType) &&
-                    takeBackValue(now.videoChannels, before.videoChannels, after.videoChannels) &&
-                    takeBackValue(now.audioChannels, before.audioChannels, after.audioChannels) &&
-                    takeBackValues(fields, valuesOf(before.fields), valuesOf(after.fields));
-  now.fields.assign(fields.begin(), fields.end());
-  return done;
-}
 
 /// The events by their lines and shots.
 std::map<std::pair<int, std::int64_t>, ListEvent> byPlace(const std::vector<ListEvent>& events)
@@ -76,12 +22,13 @@ std::map<std::pair<int, std::int64_t>, ListEvent> byPlace(const std::vector<List
   return places;
 }
 
-/// The same for the events of one version of a list.
+/// Takes the step from @p before to @p after back, in the events of one version of a list. Returns whether they are as
+/// they were before, or the step did not touch them.
 bool takeBackEvents(std::vector<ListEvent>& now, const std::vector<ListEvent>& before,
                     const std::vector<ListEvent>& after)
 {
   auto events = byPlace(now);
-  if (!takeBackValues(events, byPlace(before), byPlace(after)))
+  if (takeSteps(events, byPlace(after), byPlace(before)))
     return false;
   // Events of one line keep the order that they had.
   std::vector<ListEvent> ordered;
@@ -99,36 +46,20 @@ bool takeBackEvents(std::vector<ListEvent>& now, const std::vector<ListEvent>& b
 bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after)
 {
   const bool oneVersion = now.digest == before.digest && now.digest == after.digest;
-  const bool done =
-      (oneVersion ? takeBackEvents(now.events, before.events, after.events)
-                  : takeBackValue(now.events, before.events, after.events)) &&
-      takeBackValue(now.digest, before.digest, after.digest) && takeBackValue(now.file, before.file, after.file) &&
-      takeBackValue(now.title, before.title, after.title) && takeBackValue(now.format, before.format, after.format);
+  const bool done = (oneVersion ? takeBackEvents(now.events, before.events, after.events)
+                                : takeStep(now.events, after.events, before.events)) &&
+                    takeStep(now.digest, after.digest, before.digest) && takeStep(now.file, after.file, before.file) &&
+                    takeStep(now.title, after.title, before.title) && takeStep(now.format, after.format, before.format);
   now.eventCount = static_cast<std::int64_t>(now.events.size());
   return done;
-}
-
-/// How messages refer to the log: a reel by its identifier, another log by its name, or else by its reel.
-std::string nameOf(const StoredLog& log)
-{
-  const std::string id = valueIn(valuesOf(log.fields), shotTexts.front().key).value_or("");
-  const bool isReel = log.type == codes::reelLog;
-  for (const std::string& name : {isReel ? id : log.name, isReel ? log.name : id})
-    if (!name.empty())
-      return displayText(name);
-  return "log " + std::to_string(log.number);
-}
-
-std::string nameOf(const KeptList& list)
-{
-  return displayText(list.file.empty() ? "list " + std::to_string(list.number) : list.file);
 }
 
 template <class Record>
 [[noreturn]] void refuse(const RecordChange<Record>& change, const Record& record, const char* what)
 {
-  throw Error(ErrorKind::Refused, nameOf(record) + ": " + what + " since revision " + std::to_string(change.revision) +
-                                      " (by revision " + std::to_string(change.next) + ", take that one back first)");
+  throw Error(ErrorKind::Refused, displayText(nameOf(record)) + ": " + what + " since revision " +
+                                      std::to_string(change.revision) + " (by revision " + std::to_string(change.next) +
+                                      ", take that one back first)");
 }
 
 } // namespace
@@ -136,8 +67,10 @@ template <class Record>
 void Project::refuseIfForgotten(bool forgotten, std::int64_t revision) const
 {
   if (forgotten)
-    throw Error(ErrorKind::Refused, subject() + ": revision " + std::to_string(revision) +
-                                        " cannot be taken back (project compact has removed what it deleted)");
+    throw Error(ErrorKind::Refused,
+                subject() + ": revision " + std::to_string(revision) +
+                    " cannot be taken back (project compact has removed what it deleted; undo REVISION takes an "
+                    "earlier one back)");
 }
 
 void Project::planTakingBack(const LogChange& change, Plan& plan)
@@ -165,7 +98,7 @@ void Project::planTakingBack(const LogChange& change, Plan& plan)
     if (!now)
       refuse(change, *after, "deleted");
     const StoredLog found = *now;
-    if (!takeBackValues(*now, *before, *after))
+    if (takeSteps(*now, *after, *before))
       refuse(change, found, "changed");
     if (!isSame(*now, found)) {
       plan.inverse.logs.push_back(std::move(*now));
@@ -220,7 +153,7 @@ void Project::requireShots(const Plan& plan)
   const auto require = [&](const KeptList& list, const std::vector<ListEvent>& events, const char* fact) {
     for (const ListEvent& event : events)
       if (event.shot != 0 && shots.count(event.shot) == 0)
-        throw Error(ErrorKind::Refused, nameOf(list) + ": line " + std::to_string(event.line) + fact);
+        throw Error(ErrorKind::Refused, displayText(nameOf(list)) + ": line " + std::to_string(event.line) + fact);
   };
   for (const KeptList& list : plan.inverse.lists)
     require(list, list.events, " names a shot that is gone (import the list again)");
@@ -248,7 +181,7 @@ void Project::planTakingBack(const RevisionChanges& changes, Plan& plan)
     return;
   const Values found = valuesOf(blockOf(options_).fields());
   Values now = found;
-  if (!takeBackValues(now, valuesOf(*changes.optionsBefore), valuesOf(*changes.optionsAfter)))
+  if (takeSteps(now, valuesOf(*changes.optionsAfter), valuesOf(*changes.optionsBefore)))
     throw Error(ErrorKind::Refused, subject() + ": an option of the project changed since revision " +
                                         std::to_string(plan.inverse.revision));
   for (const auto& [key, value] : now)
@@ -283,6 +216,7 @@ TakenBack Project::takeBack(std::int64_t revision)
   if (hasChanges())
     throw Error(ErrorKind::Refused, subject() + ": cannot take a revision back (other changes are not stored yet)");
   useForChange();
+  use(Access::Read);
   loadOthers();
   History& history = requireHistory();
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);

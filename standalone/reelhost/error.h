@@ -17,6 +17,7 @@ enum class ErrorKind {
   Busy,       ///< another process holds the project
   Unreadable, ///< not a project, damaged, or of a newer version; or a configuration file with an error in it
   Io,         ///< the system refused a read or a write (disk full, permission)
+  Conflict,   ///< another process has stored something else meanwhile; a Conflict (reelhost/conflict.h)
 };
 
 /// The only exception type of the standalone host, besides std::bad_alloc. what() reads "subject: fact (cause)".

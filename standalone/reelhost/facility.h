@@ -43,7 +43,7 @@ public:
   /// refuses to read a file.
   static Facility read(const std::filesystem::path& dir);
   /// Probable mistakes in the folder's files, each as "PATH:LINE: FACT", in the order of the lines: channel counts in
-  /// devicedata/reeltype.dat that are not numbers, or are more than a reel can have. As of read().
+  /// devicedata/reeltype.dat that are not numbers, or are more than a reel can have. read() finds them.
   const std::vector<std::string>& remarks() const { return remarks_; }
 
   const std::filesystem::path& directory() const { return directory_; } ///< absolute; empty without a facility

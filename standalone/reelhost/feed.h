@@ -15,13 +15,14 @@
 
 namespace reelhost {
 
-/// A state of a project, by its newest revision.
+/// A state of a project: its newest revision, and what was written without one.
 struct FeedPosition {
   std::int64_t revision = 0;             ///< 0: there is no revision yet
   std::array<unsigned char, 16> token{}; ///< that of the revision
+  std::int64_t otherWrites = 0;          ///< counts what programs that keep no history have written
   friend bool operator==(const FeedPosition& a, const FeedPosition& b)
   {
-    return a.revision == b.revision && a.token == b.token;
+    return a.revision == b.revision && a.token == b.token && a.otherWrites == b.otherWrites;
   }
   friend bool operator!=(const FeedPosition& a, const FeedPosition& b) { return !(a == b); }
 };
@@ -58,8 +59,8 @@ public:
   /// Unreadable if the data are damaged, Io.
   virtual FeedPosition position() = 0;
   /// What differs between @p before and the state that the current use sees. Whole if @p before is no state of this
-  /// project, if its history was forgotten since, and if both are the same: then a program that keeps no history has
-  /// changed the project, or it was not changed. Throws Error as position does. REQUIRES: a use was begun.
+  /// project or of one without a revision, if its history was forgotten since, and if a program that keeps no history
+  /// has changed the project. Throws Error as position does. REQUIRES: a use was begun.
   virtual Delta since(const FeedPosition& before) = 0;
 
   /// A file descriptor that becomes readable when another process may have committed; it belongs to the store and stays
@@ -67,8 +68,8 @@ public:
   virtual int waitHandle() = 0;
   /// Why there is no waitHandle, "PATH: fact (cause)"; empty if there is one or if no other process can commit.
   virtual std::string whyNoWaitHandle() = 0;
-  /// Reads what the handle has to say. Zero: ask Store::changedElsewhere now. A longer time: another process is just
-  /// writing, so call this again after that time. No time: nothing has happened. Never throws and never waits.
+  /// Reads the events of the handle. Zero: ask Store::changedElsewhere now. A longer time: another process is writing,
+  /// so call this again after that time. No time: nothing has happened. Never throws and never waits.
   virtual AskAgain readEvents() noexcept = 0;
 };
 

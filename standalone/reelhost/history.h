@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 /// @file
-/// The history of a project: its commits, and what each of them found. Main thread only.
+/// The history of a project: its commits, and what each of them changed. Main thread only.
 #ifndef REELHOST_HISTORY_H
 #define REELHOST_HISTORY_H
 
@@ -35,7 +35,7 @@ struct RecordChange {
   std::int64_t revision = 0;
   std::int64_t number = 0;             ///< of the log or list
   std::optional<Record> before, after; ///< empty: there was no such log or list
-  bool forgotten = false;              ///< what it was before was removed for good
+  bool forgotten = false;              ///< whether its state before was removed for good
   std::int64_t next = 0;               ///< the next revision that changed it; 0: no later revision did
   bool isThere = false;                ///< whether it is there now
 };
@@ -55,9 +55,9 @@ class History {
 public:
   virtual ~History() = default;
 
-  /// The version of the stored format, if it is an older one; 0 if it is up to date. As of the last begin or commit,
-  /// and needs no begin. A commit brings the format up to date. Until then the history is empty for a
-  /// program that only reads.
+  /// The version of the stored format at the last begin or commit, if it is an older one; 0 if it is up to date. Needs
+  /// no begin. A commit brings the format up to date. Until then the history is empty for a program that only
+  /// reads.
   virtual int olderVersion() = 0;
 
   /// Reads the revisions, the newest first, until @p sink returns false.
@@ -66,10 +66,14 @@ public:
   virtual RevisionChanges changesOf(std::int64_t revision) = 0;
   /// Reads every change of the log, the oldest first.
   virtual void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) = 0;
-  /// Reads which logs each revision changed, deleted or created, without what they were.
-  virtual void readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log)>& sink) = 0;
+  /// Reads which logs each revision changed, deleted, restored or created, without what they were. @p isNew: the
+  /// revision created the log, which had never been there before.
+  virtual void
+  readChangedLogs(const std::function<void(std::int64_t revision, std::int64_t log, bool isNew)>& sink) = 0;
   /// The number of deleted logs that the history keeps.
   virtual std::int64_t trashCount() = 0;
+  /// The number of removed lists that the history keeps.
+  virtual std::int64_t removedListCount() = 0;
 
   /// Gives the space back that forgotten revisions have left. Needs no begin; it is an error if a use was begun. Throws
   /// Error: Busy, ReadOnly, Io. The project has not changed then.
@@ -83,9 +87,10 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history);
 /// Whether the revision deleted the log, and undelete can restore it.
 bool isRestorable(const LogChange& change);
 
-/// The deletions that were not taken back, the newest first. A revision that also created logs is not a deletion.
+/// Reads the deletions that were not taken back, the newest first, until @p sink returns false. A revision that also
+/// created logs is not a deletion, nor is one that replaced or removed a list and deleted what only that list had used.
 /// Project compact may have removed what they deleted.
-std::vector<Revision> deletionsInForce(History& history);
+void readDeletionsInForce(History& history, const std::function<bool(const Revision&, const RevisionChanges&)>& sink);
 
 /// The last deletion in force that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);

@@ -6,7 +6,8 @@
 /// Operations throw Error and std::bad_alloc. Exceptions of listeners pass through where a comment says so. The first
 /// change to a project since it was opened, since a commit or since idle locks the project for writing, in whatever
 /// host operation it happens. That operation throws Error as Store::begin does, or Busy if another process has
-/// committed since the project was read. An operation that needs an open project throws Error (Refused) without one.
+/// committed since the project was read: apply that first (applyChangesFromElsewhere). An operation that needs an open
+/// project throws Error (Refused) without one.
 #ifndef REELHOST_HOST_H
 #define REELHOST_HOST_H
 
@@ -78,16 +79,16 @@ void closeProject() noexcept;
 bool projectIsOpen();
 const ProjectInfo& projectInfo(); ///< as it was when the project was read. REQUIRES: a project is open
 Store& projectStore();            ///< the open project's store, which it owns. REQUIRES: a project is open
-/// The same, begun for reading in the state that the logs in memory have, for callers that read more than the logs
-/// after idle. Throws Error as Store::begin does, and Busy if another process has committed since. REQUIRES: likewise.
+/// The open project's store, begun for reading. It is in the state of the logs in memory, also after idle. Throws
+/// Error as Store::begin does, and Busy if another process has committed since. REQUIRES: a project is open
 Store& projectStoreToRead();
 
 /// The properties of a store's project, as projectInfo() returns them: the frame rates are those of Store::info, unless
 /// the option frameRateOption holds the code of another rate. Throws as reading the store does. REQUIRES: a use was
 /// begun.
 ProjectInfo currentInfo(Store& store);
-/// The project option with the code of the rate that a project was given after it was made. It is an option because
-/// those are changed, and changed back, like all else in a project; what Store::info returns never changes.
+/// The project option that holds the frame rate code if the rate was changed after the project was made. It is an
+/// option because a commit can change options and undo can restore them; the result of Store::info never changes.
 inline constexpr const char* frameRateOption = "reeldb_frame_rate";
 
 bool hasChanges(); ///< whether commit would store anything
@@ -95,17 +96,23 @@ bool hasChanges(); ///< whether commit would store anything
 /// project opened for writing can be changed and committed again afterwards. Throws Error, with ReadOnly if the project
 /// was opened for reading; nothing is stored then, and all changes are kept for another commit. An Error of
 /// Facility::saveState comes after the project was stored.
+///
+/// If others have committed while changes waited over idle, it stores both as far as they concern different values.
+/// Otherwise it throws Conflict (reelhost/conflict.h); or Busy as applyChangesFromElsewhere does.
+/// What others stored is in memory once it is applied.
 bool commit();
 
 /// For an application that waits: loads the part of the project that is not loaded yet, and releases the snapshot or
-/// the write lock, so that it blocks no other process. Changes stay, in memory. Does nothing if no project is open.
+/// the write lock, so that it blocks no other process. Changes stay, in memory; the numbers of logs and lists that wait
+/// to be stored are reserved in the project, so that no other process is given them. Does nothing if no project is
+/// open. Throws Error as commit does if that fails; the lock is released then, and changes stay.
 void idle();
 /// Returns whether another process has committed. If so, reads the project again and discards uncommitted changes; the
 /// application then notifies the manager. Throws Error as Store::begin does; the project then stays as it was. Returns
 /// false if no project is open.
 bool reloadIfChangedElsewhere();
 
-/// What changes by other processes mean for a program that knows the reels of the project.
+/// What changes by other processes mean for a program that shows the reels of the project.
 struct ForeignChanges {
   enum class State {
     Nothing, ///< no other process has committed
@@ -125,8 +132,10 @@ struct ForeignChanges {
 /// informOfChangesFromElsewhere (reelhost/inform_manager.h) does both. If the file now holds another project, that one
 /// is read, and reelSet is true. Does nothing if no project is open.
 ///
-/// Throws Error as Store::begin does, and Busy if changes made here are not stored; nothing is applied then. Exceptions
-/// of listeners pass through; everything is applied then.
+/// Changes made here that are not stored stay, and are merged with the others. Throws Error, and nothing is applied: as
+/// Store::begin does; Conflict (reelhost/conflict.h) if a change made here and one of others exclude each other; Busy
+/// if changes made here are not stored and the store does not know what others changed, or one of the changes here is
+/// an undelete, a compact or another taking back. Exceptions of listeners pass through; everything is applied then.
 ForeignChanges applyChangesFromElsewhere();
 
 /// Runs the actions that were deferred before the call, in order, on the calling (main) thread. Returns their number.
@@ -156,6 +165,8 @@ CookieVec shotsOf(const std::string& reelId);
 /// case. Empty if no project is open.
 std::unordered_map<std::string, std::int64_t> shotCounts();
 
+/// The highest number that a log can have: Cookies have eight digits for it.
+inline constexpr std::int64_t lastLogNumber = 99'999'999;
 /// The number of the log; 0 if there is no such log. Events of lists name their shots by it.
 std::int64_t logNumber(const Cookie& log);
 
@@ -187,10 +198,17 @@ void removeList(std::int64_t list);
 /// deletion. Exceptions of listeners pass through; the logs are deleted.
 int deleteLogs(const CookieVec& logs);
 /// Restores the logs of the last stored deletion, with their events, and returns their number. Notifies no listener.
-/// commit stores the change. Throws Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+/// commit stores the change. Throws Error (Refused) while a deletion, an undelete, a compact or a change of a list is
+/// not stored yet.
 int undelete();
-/// Empties the trash for good and returns the number of logs in it. commit stores the change. Throws as undelete does.
-int compact();
+/// What compact removes.
+struct Compacted {
+  int logs = 0;  ///< the number of deleted logs
+  int lists = 0; ///< the number of removed lists
+};
+/// Removes for good what the history keeps of deleted logs and removed lists. commit stores the change. Throws
+/// Error (Refused) while a deletion, an undelete or a compact is not stored yet.
+Compacted compact();
 
 /// @}
 /// @name History

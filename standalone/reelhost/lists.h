@@ -28,8 +28,8 @@ struct ListEvent {
   Material clip;             ///< the shot as the list gives it
   std::string special;       ///< why the line has no source: "black"
   std::string number;        ///< the number of the event
-  int part = 1;              ///< the place of the line in its event
-  std::string reelText;      ///< the reel field, which clip.reel is made of
+  int part = 1;              ///< the place of the line in its event, from 1
+  std::string reelText;      ///< the text in the reel field; clip.reel is derived from it
   int reelField = 0;         ///< the width of the list's reel field; 0: unknown
   std::string transition;    ///< its code: "C", "D", "W001"
   std::string duration;      ///< of the transition, in frames

@@ -73,10 +73,10 @@ struct Inverse {
   std::vector<std::int64_t> deletedLists = {};
 };
 
-/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted,
-/// options, lists, deletedLists. A written log or list replaces the one of its number, or brings it back if it was
-/// deleted. A number in deleted or deletedLists is ignored if there is no such log or list. A store that keeps no lists
-/// ignores the lists and their bytes.
+/// The changes of one command. They are stored in this order: inverse, logs, compact and forgetBefore, deleted, lists,
+/// deletedLists, options; if a log is both written and deleted, the options come before the deletions. A written log or
+/// list replaces the one of its number, or brings it back if it was deleted. A number in deleted or deletedLists is
+/// ignored if there is no such log or list. A store that keeps no lists ignores the lists and their bytes.
 ///
 /// A store that keeps a history gives each commit a revision. The inverse has a revision of its own, and so have the
 /// deletions if one of the deleted logs is also written: the last revision says what the log was when it was deleted.
@@ -90,11 +90,14 @@ struct Changes {
   std::vector<KeptList> lists;       ///< new and changed lists, by number
   std::vector<std::int64_t> deletedLists;
   std::map<Digest, std::string> listBytes; ///< the bytes of lists by their digests, unless they are stored already
+  /// The highest numbers of a log and of a list that a later commit may use and no other process is given. That is not
+  /// a change of the project and has no revision. 0: none are reserved.
+  std::int64_t reservedLogs = 0, reservedLists = 0;
   Origin origin;
   bool empty() const
   {
     return inverse.revision == 0 && logs.empty() && deleted.empty() && !compact && forgetBefore == 0 &&
-           options.empty() && lists.empty() && deletedLists.empty();
+           options.empty() && lists.empty() && deletedLists.empty() && reservedLogs == 0 && reservedLists == 0;
   }
 };
 
@@ -153,8 +156,8 @@ public:
 
   /// Stores all changes durably, or throws and stores none of them; ends the use either way. Writes nothing if there is
   /// no change. Throws Error: Busy, ReadOnly, Refused, Unreadable, Io. REQUIRES: a use was begun for writing; log
-  /// numbers are positive, no log is of kind 'I', the bytes of a new list are
-  /// stored or in @p changes, and no list is both written and deleted.
+  /// numbers are positive, no log is of kind 'I', the bytes of a new list are stored or in @p changes, and no list is
+  /// both written and deleted.
   virtual void commit(const Changes& changes) = 0;
 
   /// Whether another process has committed since the last begin, or since this function last returned true. Needs no

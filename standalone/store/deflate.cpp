@@ -27,13 +27,14 @@ void feed(z_stream& stream, std::string_view& rest)
   rest.remove_prefix(part.size());
 }
 
-/// Appends what @p step writes, until it returns anything but Z_OK. Returns that.
+/// Appends what @p step writes, until it returns anything but Z_OK, or the result is larger than @p largest. Returns
+/// what the last step returned.
 template <class Step>
-int drain(z_stream& stream, std::string_view bytes, std::string& result, Step step)
+int drain(z_stream& stream, std::string_view bytes, std::string& result, std::size_t largest, Step step)
 {
   std::array<char, 16384> part;
   int code = Z_OK;
-  while (code == Z_OK) {
+  while (code == Z_OK && result.size() <= largest) {
     if (stream.avail_in == 0)
       feed(stream, bytes);
     stream.next_out = reinterpret_cast<Bytef*>(part.data());
@@ -75,11 +76,11 @@ std::string deflated(std::string_view bytes)
     ~Ending() { deflateEnd(&stream); }
   } ending{stream};
   std::string result;
-  drain(stream, bytes, result, [&](int flush) { return deflate(&stream, flush); });
+  drain(stream, bytes, result, std::string::npos, [&](int flush) { return deflate(&stream, flush); });
   return result;
 }
 
-std::optional<std::string> inflated(std::string_view deflated)
+std::optional<std::string> inflated(std::string_view deflated, std::size_t largest)
 {
   z_stream stream = {};
   requireMemory(inflateInit(&stream));
@@ -88,10 +89,10 @@ std::optional<std::string> inflated(std::string_view deflated)
     ~Ending() { inflateEnd(&stream); }
   } ending{stream};
   std::string result;
-  const int code = drain(stream, deflated, result, [&](int) { return inflate(&stream, Z_NO_FLUSH); });
+  const int code = drain(stream, deflated, result, largest, [&](int) { return inflate(&stream, Z_NO_FLUSH); });
   if (code == Z_MEM_ERROR)
     throw std::bad_alloc();
-  if (code != Z_STREAM_END || stream.total_in != deflated.size())
+  if (code != Z_STREAM_END || stream.total_in != deflated.size() || result.size() > largest)
     return {};
   return result;
 }

@@ -2,6 +2,8 @@
 #include "reelhost/history.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace reelhost {
 
@@ -22,7 +24,17 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history)
   return takenBack;
 }
 
-std::vector<Revision> deletionsInForce(History& history)
+namespace {
+
+/// A deletion of logs takes events out of lists, but leaves the lists what they are.
+bool isReplacedOrRemoved(const ListChange& change)
+{
+  return change.before && (!change.after || change.after->digest != change.before->digest);
+}
+
+} // namespace
+
+void readDeletionsInForce(History& history, const std::function<bool(const Revision&, const RevisionChanges&)>& sink)
 {
   const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);
   std::vector<Revision> deletions;
@@ -32,17 +44,22 @@ std::vector<Revision> deletionsInForce(History& history)
       deletions.push_back(std::move(revision));
     return true;
   });
-  return deletions;
+  for (const Revision& revision : deletions) {
+    const RevisionChanges changes = history.changesOf(revision.number);
+    if (std::none_of(changes.lists.begin(), changes.lists.end(), isReplacedOrRemoved) && !sink(revision, changes))
+      return;
+  }
 }
 
 std::int64_t lastDeletion(History& history)
 {
-  for (const Revision& revision : deletionsInForce(history)) {
-    const RevisionChanges changes = history.changesOf(revision.number);
+  std::int64_t last = 0;
+  readDeletionsInForce(history, [&](const Revision& revision, const RevisionChanges& changes) {
     if (std::any_of(changes.logs.begin(), changes.logs.end(), isRestorable))
-      return revision.number;
-  }
-  return 0;
+      last = revision.number;
+    return last == 0;
+  });
+  return last;
 }
 
 } // namespace reelhost

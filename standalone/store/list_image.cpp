@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 #include <utility>
 
 #include "store/deflate.h"
@@ -28,7 +29,7 @@ constexpr std::array<NumberColumn, 8> numbers = {{
     {"line", [](const ListEvent& event) { return std::int64_t{event.line}; },
      [](ListEvent& event, std::int64_t number) { event.line = static_cast<int>(number); }, true},
     {"part", [](const ListEvent& event) { return std::int64_t{event.part} - 1; },
-     [](ListEvent& event, std::int64_t number) { event.part = static_cast<int>(number) + 1; }, false},
+     [](ListEvent& event, std::int64_t number) { event.part = static_cast<int>(number + 1); }, false},
     {"reel_field", [](const ListEvent& event) { return std::int64_t{event.reelField}; },
      [](ListEvent& event, std::int64_t number) { event.reelField = static_cast<int>(number); }, true},
     {"video", [](const ListEvent& event) { return std::int64_t{event.clip.videoChannels}; },
@@ -122,16 +123,23 @@ private:
   std::size_t firstColumn_ = 0; ///< is always there, so there are at least as many bytes as events
 };
 
-/// Reads one column of numbers. Returns whether its texts are numbers.
+/// No list has more: each event is at least a line with its timecodes.
+constexpr std::int64_t mostEvents = largestInflated / 128;
+/// Far below the end of the type, so that a number and its neighbours can be calculated with.
+constexpr std::int64_t largestNumber = std::numeric_limits<std::int64_t>::max() / 2;
+
+/// Reads one column of numbers. Returns whether its texts are numbers that the events can have.
 bool readNumbers(const NumberColumn& column, ImageTexts& texts, std::vector<ListEvent>& events)
 {
   std::int64_t last = 0;
   for (ListEvent& event : events) {
     const std::optional<std::int64_t> number = numberFrom(texts.next());
-    if (!number)
+    if (!number || __builtin_add_overflow(*number, column.grows ? last : 0, &last) || last > largestNumber ||
+        last < -largestNumber)
       return false;
-    last = *number + (column.grows ? last : 0);
     column.write(event, last);
+    if (column.read(event) != last) // it was cut to the size of an int
+      return false;
   }
   return true;
 }
@@ -178,7 +186,7 @@ std::optional<std::vector<ListEvent>> eventsFrom(std::string_view packed)
     return {};
   ImageTexts texts(*table);
   const std::optional<std::int64_t> count = numberFrom(texts.next());
-  if (!count || *count < 0 || static_cast<std::size_t>(*count) > table->size())
+  if (!count || *count < 0 || *count > mostEvents || static_cast<std::size_t>(*count) > table->size())
     return {};
   std::vector<ListEvent> events(static_cast<std::size_t>(*count));
   while (!texts.empty())

@@ -29,6 +29,7 @@ struct Commit {
   struct Before {
     Shared<Record> record;
     bool forgotten = false;
+    bool isNew = false; ///< there had never been such a log
   };
   template <class Record>
   using Found = std::map<std::int64_t, Before<Record>>;
@@ -51,17 +52,18 @@ struct Content {
 /// Changes the content as one revision.
 class RevisionWriter {
 public:
-  explicit RevisionWriter(Content& content) : content_(content) {}
+  explicit RevisionWriter(Content& content) : content_(content), lastBefore_(content.lastNumber) {}
 
   void writeLogs(const std::vector<StoredLog>& logs)
   {
     for (const StoredLog& log : logs) {
       StoredLog whole = log;
       whole.fields = arranged(log.fields);
+      const bool isNew = log.number > lastBefore_;
       content_.lastNumber = std::max(content_.lastNumber, log.number);
       const auto there = content_.logs.find(log.number);
       if (there == content_.logs.end()) {
-        commit_.logs[log.number] = {};
+        commit_.logs[log.number].isNew = isNew;
         ++commit_.revision.created;
       } else if (imageOf(*there->second) != imageOf(whole)) {
         commit_.logs[log.number].record = there->second;
@@ -136,6 +138,7 @@ public:
 
 private:
   Content& content_;
+  const std::int64_t lastBefore_;
   Commit commit_;
 };
 
@@ -182,6 +185,8 @@ public:
     Content after = content_; // nothing has changed when memory runs short
     writeRevisions(
         changes, [&] { return RevisionWriter(after); }, [&] { removeForGood(after, changes); });
+    after.lastNumber = std::max(after.lastNumber, changes.reservedLogs);
+    after.lastList = std::max(after.lastList, changes.reservedLists);
     content_ = std::move(after);
   }
 
@@ -224,24 +229,17 @@ public:
         sink(changeOf(number, commit, &Commit::logs, content_.logs));
   }
 
-  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink) override
   {
     for (const Commit& commit : content_.commits)
       for (const auto& [log, before] : commit.logs)
-        sink(commit.revision.number, log);
+        sink(commit.revision.number, log, before.isNew);
   }
 
   void giveSpaceBack() override {}
 
-  std::int64_t trashCount() override
-  {
-    std::set<std::int64_t> gone;
-    for (const Commit& commit : content_.commits)
-      for (const auto& [number, before] : commit.logs)
-        if (before.record && content_.logs.count(number) == 0)
-          gone.insert(number);
-    return static_cast<std::int64_t>(gone.size());
-  }
+  std::int64_t trashCount() override { return keptOfDeleted(&Commit::logs, content_.logs); }
+  std::int64_t removedListCount() override { return keptOfDeleted(&Commit::lists, content_.lists); }
 
   Feed* feed() override { return this; }
 
@@ -257,7 +255,9 @@ public:
     if (before.revision != 0) {
       while (commit != content_.commits.end() && positionOf(*commit) != before)
         ++commit;
-      delta.whole = commit == content_.commits.end() || ++commit == content_.commits.end();
+      delta.whole = commit == content_.commits.end();
+      if (!delta.whole)
+        ++commit;
     } else {
       delta.whole = content_.commits.empty() || content_.commits.front().revision.number != 1;
     }
@@ -348,13 +348,25 @@ private:
     return change;
   }
 
+  /// The number of records that the commits found and that are not there any more.
+  template <class Record>
+  std::int64_t keptOfDeleted(Commit::Found<Record> Commit::*found, const Records<Record>& records) const
+  {
+    std::set<std::int64_t> gone;
+    for (const Commit& commit : content_.commits)
+      for (const auto& [number, before] : commit.*found)
+        if (before.record && records.count(number) == 0)
+          gone.insert(number);
+    return static_cast<std::int64_t>(gone.size());
+  }
+
   /// Forgets what the commits found of records that are not there any more.
   template <class Record>
   static void forgetDeleted(Commit::Found<Record>& found, const Records<Record>& records)
   {
     for (auto& [number, before] : found)
       if (before.record && records.count(number) == 0)
-        before = {{}, true};
+        before = {{}, true, before.isNew};
   }
 
   static void removeForGood(Content& content, const Changes& changes)

@@ -5,14 +5,15 @@
 #define REELDB_STORE_REVISIONS_H
 
 #include <algorithm>
+#include <cstdint>
+#include <unordered_set>
 
 #include "reelhost/store.h"
 
 namespace reelhost {
 
 /// @p makeRevision returns a writer of one revision: writeLogs, deleteLogs, setOptions, writeLists, deleteLists, then
-/// finish. @p removeForGood
-/// does what the changes say of compact and forgetBefore.
+/// finish. @p removeForGood does what the changes say of compact and forgetBefore.
 template <class MakeRevision, class RemoveForGood>
 void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveForGood removeForGood)
 {
@@ -25,9 +26,9 @@ void writeRevisions(const Changes& changes, MakeRevision makeRevision, RemoveFor
     revision.deleteLists(inverse.deletedLists);
     revision.finish(changes.origin, inverse);
   }
-  const bool deletesWhatItWrites = std::any_of(changes.logs.begin(), changes.logs.end(), [&](const StoredLog& log) {
-    return std::find(changes.deleted.begin(), changes.deleted.end(), log.number) != changes.deleted.end();
-  });
+  const std::unordered_set<std::int64_t> deleted(changes.deleted.begin(), changes.deleted.end());
+  const bool deletesWhatItWrites = std::any_of(changes.logs.begin(), changes.logs.end(),
+                                               [&](const StoredLog& log) { return deleted.count(log.number) != 0; });
   // The events of deleted logs go with these logs.
   const auto deleteAndWriteLists = [&](auto& revision) {
     revision.deleteLogs(changes.deleted);

@@ -169,8 +169,10 @@ void Database::copyTo(const std::string& path)
   sqlite3_backup* const backup = sqlite3_backup_init(copy.handle(), "main", handle(), "main");
   if (!backup)
     fail(copy.handle(), sqlite3_errcode(copy.handle()));
-  sqlite3_backup_step(backup, -1);
+  const int step = sqlite3_backup_step(backup, -1);
   check(copy.handle(), sqlite3_backup_finish(backup));
+  if (step != SQLITE_DONE) // finish does not report a file that is busy
+    fail(nullptr, step);
 }
 
 bool Database::moved()

@@ -22,16 +22,20 @@ FeedPosition positionIn(const Statement& row)
   position.revision = row.integer(0);
   const std::string_view token = row.text(1);
   std::copy_n(token.begin(), std::min(token.size(), position.token.size()), position.token.begin());
+  position.otherWrites = row.integer(2);
   return position;
 }
 
-/// Whether the history of this project holds every revision after @p before.
+/// Whether the history of this project holds every revision after @p before, and nothing was written without one.
 bool isKnown(Database& database, const FeedPosition& before)
 {
+  const FeedPosition now = newestPosition(database);
+  if (now.revision == 0 || now.otherWrites != before.otherWrites)
+    return false;
   if (before.revision == 0)
     return database.integer("SELECT min(number) FROM revisions") <= 1;
-  Statement row(database, "SELECT number, token FROM revisions WHERE number = ?1");
-  row.bind(1, before.revision);
+  Statement row(database, "SELECT number, token, ?2 FROM revisions WHERE number = ?1");
+  row.bind(1, before.revision).bind(2, before.otherWrites);
   return row.step() && positionIn(row) == before;
 }
 
@@ -45,8 +49,7 @@ Images imagesAt(Database& database, std::int64_t revision)
   Statement created(database, "SELECT first_new, last_new FROM revisions WHERE number > ?1 AND first_new IS NOT NULL");
   created.bind(1, revision);
   while (created.step())
-    for (std::int64_t number = created.integer(0); number <= created.integer(1); ++number)
-      images.emplace(number, std::nullopt);
+    readNewLogs(database, created, 0, [&](std::int64_t number) { images.emplace(number, std::nullopt); });
   // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
   Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 AND log >= 0 ORDER BY revision");
   changed.bind(1, revision);
@@ -64,14 +67,16 @@ GoneLog goneFrom(const StoredLog& log)
 
 FeedPosition newestPosition(Database& database)
 {
-  Statement row(database, "SELECT number, token FROM revisions ORDER BY number DESC LIMIT 1");
+  // max() chooses the row of the token
+  Statement row(database, "SELECT max(number), token, (SELECT value FROM project WHERE key = 'other_writes') "
+                          "FROM revisions");
   return row.step() ? positionIn(row) : FeedPosition();
 }
 
 Delta changesSince(Database& database, const FeedPosition& before)
 {
   Delta delta;
-  if (newestPosition(database) == before || !isKnown(database, before)) {
+  if (!isKnown(database, before)) {
     delta.whole = true;
     return delta;
   }

@@ -44,6 +44,27 @@ struct Before {
   bool forgotten = false;
 };
 
+/// The rows of changes by log and revision.
+class NextRows {
+public:
+  explicit NextRows(Database& database)
+      : rows_(database, "SELECT before, revision, log FROM changes WHERE log = ?1 AND revision > ?2 "
+                        "ORDER BY revision LIMIT 1")
+  {
+  }
+
+  /// The row of the next revision that changed the log, the list or the options; null if no later revision did. Valid
+  /// until the next call.
+  const Statement* after(std::int64_t revision, std::int64_t log)
+  {
+    rows_.reset();
+    return rows_.bind(1, log).bind(2, revision).step() ? &rows_ : nullptr;
+  }
+
+private:
+  Statement rows_;
+};
+
 /// The changes of logs, or of lists, that one revision made.
 template <class Record>
 class Changed {
@@ -53,37 +74,37 @@ public:
   {
   }
 
-  RecordChange<Record>& change(std::int64_t number)
+  RecordChange<Record>& change(std::int64_t log)
   {
-    RecordChange<Record>& change = changes_[number];
+    RecordChange<Record>& change = changes_[log];
     change.revision = revision_;
-    change.number = number;
+    change.number = std::abs(log);
     return change;
   }
 
-  /// Takes the columns before, revision and log of a row of this revision or of a later one, in their order.
+  /// Takes the columns before, revision and log of a row of this revision.
   void take(const Statement& row)
   {
-    const std::int64_t at = row.integer(1), number = std::abs(row.integer(2));
-    if (at == revision_) {
-      Before<Record> before(row, 0, recordFrom_);
-      change(number).before = std::move(before.record);
-      change(number).forgotten = before.forgotten;
-    } else if (const auto found = changes_.find(number); found != changes_.end() && found->second.next == 0) {
-      found->second.after = std::move(Before<Record>(row, 0, recordFrom_).record);
-      found->second.next = at;
-    }
+    Before<Record> before(row, 0, recordFrom_);
+    RecordChange<Record>& change = this->change(row.integer(2));
+    change.before = std::move(before.record);
+    change.forgotten = before.forgotten;
   }
 
   /// @p find returns what is there now, and @p exists whether anything is.
   template <class Find, class Exists>
-  std::vector<RecordChange<Record>> finish(Find find, Exists exists)
+  std::vector<RecordChange<Record>> finish(NextRows& rows, Find find, Exists exists)
   {
     std::vector<RecordChange<Record>> result;
-    for (auto& [number, change] : changes_) {
-      if (change.next == 0)
-        change.after = find(number);
-      change.isThere = change.next == 0 ? change.after.has_value() : exists(number);
+    for (auto& [log, change] : changes_) {
+      if (const Statement* const next = rows.after(revision_, log)) {
+        change.after = std::move(Before<Record>(*next, 0, recordFrom_).record);
+        change.next = next->integer(1);
+        change.isThere = exists(change.number);
+      } else {
+        change.after = find(change.number);
+        change.isThere = change.after.has_value();
+      }
       result.push_back(std::move(change));
     }
     return result;
@@ -92,7 +113,7 @@ public:
 private:
   const std::int64_t revision_;
   std::optional<Record> (*const recordFrom_)(std::int64_t, std::string_view);
-  std::map<std::int64_t, RecordChange<Record>> changes_;
+  std::map<std::int64_t, RecordChange<Record>> changes_; ///< by log number, which is negative for a list
 };
 
 KeyValues optionsIn(const Statement& row, int column, std::int64_t revision)
@@ -115,6 +136,25 @@ std::vector<std::string> linesOf(std::string_view text)
 }
 
 } // namespace
+
+void readNewLogs(Database& database, const Statement& row, int column, const std::function<void(std::int64_t)>& sink)
+{
+  if (row.isNull(column))
+    return;
+  const std::int64_t first = row.integer(column), last = row.integer(column + 1);
+  if (first < 1 || last < first || last > lastNumber(database))
+    sqlite::failDamaged("new logs " + std::to_string(first) + " to " + std::to_string(last) +
+                        ": numbers that were not given out");
+  // Each step is a search in two indexes: a log may have many changes, and a damaged range many numbers.
+  Statement next(database, "SELECT min(number) FROM (SELECT min(number) AS number FROM logs WHERE number BETWEEN ?1 "
+                           "AND ?2 UNION ALL SELECT min(log) FROM changes WHERE log BETWEEN ?1 AND ?2)");
+  next.bind(2, last);
+  for (std::int64_t number = first; next.bind(1, number).step() && !next.isNull(0); ++number) {
+    number = next.integer(0);
+    sink(number);
+    next.reset();
+  }
+}
 
 void readRevisions(Database& database, const std::function<bool(Revision&&)>& sink)
 {
@@ -156,31 +196,32 @@ std::optional<RevisionChanges> changesOf(Database& database, std::int64_t revisi
     return {};
   Changed<StoredLog> logs(revision, logFrom);
   Changed<KeptList> lists(revision, listFrom);
-  if (!row.isNull(0))
-    for (std::int64_t number = row.integer(0); number <= row.integer(1); ++number)
-      logs.change(number);
+  readNewLogs(database, row, 0, [&](std::int64_t number) { logs.change(number); });
 
   RevisionChanges result;
-  Statement rows(database, "SELECT before, revision, log FROM changes WHERE revision >= ?1 ORDER BY revision, log");
+  NextRows next(database);
+  Statement rows(database, "SELECT before, revision, log FROM changes WHERE revision = ?1");
   rows.bind(1, revision);
   while (rows.step()) {
-    const std::int64_t at = rows.integer(1), number = rows.integer(2);
+    const std::int64_t number = rows.integer(2);
     if (number > optionsNumber)
       logs.take(rows);
     else if (number < optionsNumber)
       lists.take(rows);
-    else if (at == revision)
-      result.optionsBefore = optionsIn(rows, 0, at);
-    else if (result.optionsBefore && !result.optionsAfter)
-      result.optionsAfter = optionsIn(rows, 0, at);
+    else
+      result.optionsBefore = optionsIn(rows, 0, revision);
   }
   LogLookup lookup(database);
-  result.logs = logs.finish([&](std::int64_t number) { return lookup.find(number); },
-                            [&](std::int64_t number) { return lookup.exists(number); });
+  result.logs = logs.finish(
+      next, [&](std::int64_t number) { return lookup.find(number); },
+      [&](std::int64_t number) { return lookup.exists(number); });
   const auto list = [&](std::int64_t number) { return findList(database, number); };
-  result.lists = lists.finish(list, [&](std::int64_t number) { return list(number).has_value(); });
-  if (result.optionsBefore && !result.optionsAfter)
-    result.optionsAfter = readOptions(database);
+  result.lists = lists.finish(next, list, [&](std::int64_t number) { return list(number).has_value(); });
+  std::reverse(result.lists.begin(), result.lists.end()); // by number
+  if (result.optionsBefore) {
+    const Statement* const later = next.after(revision, optionsNumber);
+    result.optionsAfter = later ? optionsIn(*later, 0, later->integer(1)) : readOptions(database);
+  }
   return result;
 }
 
@@ -209,21 +250,26 @@ void readChangesOfLog(Database& database, std::int64_t number, const std::functi
   sink(std::move(*last));
 }
 
-void readChangedLogs(Database& database, const std::function<void(std::int64_t, std::int64_t)>& sink)
+void readChangedLogs(Database& database, const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
   Statement rows(database, "SELECT revision, log FROM changes WHERE log > 0");
   while (rows.step())
-    sink(rows.integer(0), rows.integer(1));
-  Statement ranges(database, "SELECT number, first_new, last_new FROM revisions WHERE first_new IS NOT NULL");
-  while (ranges.step())
-    for (std::int64_t log = ranges.integer(1); log <= ranges.integer(2); ++log)
-      sink(ranges.integer(0), log);
+    sink(rows.integer(0), rows.integer(1), false);
+  Statement revisions(database, "SELECT number, first_new, last_new FROM revisions");
+  while (revisions.step())
+    readNewLogs(database, revisions, 1, [&](std::int64_t log) { sink(revisions.integer(0), log, true); });
 }
 
 std::int64_t trashCount(Database& database)
 {
   return database.integer("SELECT count(DISTINCT log) FROM changes WHERE log > 0 AND length(before) > 0 AND "
                           "log NOT IN (SELECT number FROM logs)");
+}
+
+std::int64_t removedListCount(Database& database)
+{
+  return database.integer("SELECT count(DISTINCT log) FROM changes WHERE log < 0 AND length(before) > 0 AND "
+                          "-log NOT IN (SELECT number FROM lists)");
 }
 
 } // namespace reelhost

@@ -52,7 +52,7 @@ void addProblemsOfHistory(Database& database, std::vector<std::string>& problems
           "changes without a revision");
   addEach("SELECT number FROM revisions WHERE takes_back >= number ORDER BY number", "takes back a later revision");
   addEach("SELECT number FROM revisions WHERE last_new > (SELECT value FROM project WHERE key = 'last_number') "
-          "OR last_new < first_new ORDER BY number",
+          "OR last_new < first_new OR first_new < 1 ORDER BY number",
           "new logs with numbers that were not given out");
   addEach("SELECT max(number) FROM revisions GROUP BY token HAVING count(*) > 1", "the token of another revision");
   Statement images(database, "SELECT revision, log, before FROM changes WHERE length(before) > 0 OR log = 0");

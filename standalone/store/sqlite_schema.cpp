@@ -54,9 +54,10 @@ CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 // revisions: one row per commit; null: unknown, or not to be kept. takes_back: the earlier revision that this one takes
 // back. The new logs of a revision have the numbers from first_new to last_new. changes: each other log that a revision
 // changed, and the image that it had before; null: there was no such log, an empty blob: removed for good. log 0 stands
-// for the options of the project, log -n for list n. lists: the lists that are there; events is their packed text.
+// for the options of the project, log -n for list n. changes_of_log finds what a log was after a revision: what it was
+// before the next one. lists: the lists that are there; events is their packed text.
 // list_bytes: the deflated bytes of each list that lists or changes names. project.last_list: the highest number that a
-// list ever had.
+// list ever had. project.other_writes counts what programs of others write, see countOtherWrites.
 const char history[] = R"sql(
 CREATE TABLE revisions(
   number INTEGER PRIMARY KEY,
@@ -80,6 +81,7 @@ CREATE TABLE changes(
   log INTEGER NOT NULL,
   before BLOB,
   PRIMARY KEY(revision, log)) STRICT, WITHOUT ROWID;
+CREATE INDEX changes_of_log ON changes(log, revision);
 CREATE TABLE lists(
   number INTEGER PRIMARY KEY,
   digest BLOB NOT NULL CHECK(length(digest) = 32),
@@ -137,6 +139,17 @@ void moveTrash(Database& database)
   }
 }
 
+/// Other programs write without a revision. Triggers count what they change; in this program triggers do nothing.
+void countOtherWrites(Database& database)
+{
+  database.execute("INSERT INTO project(key, value) VALUES('other_writes', 0)");
+  for (const char* const table : {"logs", "fields", "options"})
+    for (const char* const change : {"insert", "update", "delete"})
+      database.execute(("CREATE TRIGGER " + std::string(change) + '_' + table + " AFTER " + change + " ON " + table +
+                        " BEGIN UPDATE project SET value = value + 1 WHERE key = 'other_writes'; END")
+                           .c_str());
+}
+
 void keepHistory(Database& database)
 {
   database.execute(history);
@@ -144,6 +157,7 @@ void keepHistory(Database& database)
   database.execute("DELETE FROM logs WHERE deletion IS NOT NULL;"
                    "DROP INDEX bin; DROP INDEX others_by_reel; ALTER TABLE logs DROP COLUMN deletion;"
                    "CREATE INDEX others_by_reel ON logs(reel_id COLLATE NOCASE, type) WHERE type <> 9;");
+  countOtherWrites(database);
 }
 
 std::int64_t bigEndian(std::string_view bytes, std::size_t at, std::size_t count)

@@ -147,7 +147,7 @@ void SqliteStore::readChangesOfLog(std::int64_t number, const std::function<void
     read([&](Database& database) { reelhost::readChangesOfLog(database, number, sink); });
 }
 
-void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink)
+void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
   if (keepsHistory())
     read([&](Database& database) { reelhost::readChangedLogs(database, sink); });
@@ -158,11 +158,17 @@ std::int64_t SqliteStore::trashCount()
   return keepsHistory() ? read(reelhost::trashCount) : 0;
 }
 
+std::int64_t SqliteStore::removedListCount()
+{
+  return keepsHistory() ? read(reelhost::removedListCount) : 0;
+}
+
 FeedPosition SqliteStore::position()
 {
   if (!session_.hasBegun())
     return stored_;
-  return keepsHistory() ? read(newestPosition) : FeedPosition();
+  // What the current use brings up to date has no position yet that another use could have seen.
+  return session_.olderVersion() == 0 ? read(newestPosition) : FeedPosition();
 }
 
 Delta SqliteStore::since(const FeedPosition& before)

@@ -42,8 +42,9 @@ public:
   void readRevisions(const std::function<bool(Revision&&)>& sink) override;
   RevisionChanges changesOf(std::int64_t revision) override;
   void readChangesOfLog(std::int64_t number, const std::function<void(LogChange&&)>& sink) override;
-  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t)>& sink) override;
+  void readChangedLogs(const std::function<void(std::int64_t, std::int64_t, bool)>& sink) override;
   std::int64_t trashCount() override;
+  std::int64_t removedListCount() override;
   void giveSpaceBack() override { session_.giveSpaceBack(); }
 
   Feed* feed() override { return this; }

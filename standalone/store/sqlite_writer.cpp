@@ -57,6 +57,11 @@ Statement& bindKnown(Statement& put, int parameter, std::int64_t number)
   return number == 0 ? put.bindNull(parameter) : put.bind(parameter, number);
 }
 
+void putNumber(Database& database, const char* key, std::int64_t number)
+{
+  Statement(database, "INSERT OR REPLACE INTO project(key, value) VALUES(?1, ?2)").bind(1, key).bind(2, number).run();
+}
+
 /// Keeps bytes that are not kept yet.
 void keepBytes(Database& database, const std::map<Digest, std::string>& all)
 {
@@ -110,7 +115,7 @@ public:
       last_ = std::max(last_, log.number);
     }
     if (last_ != lastBefore_)
-      Statement(database_, "UPDATE project SET value = ?1 WHERE key = 'last_number'").bind(1, last_).run();
+      putNumber(database_, "last_number", last_);
   }
 
   void deleteLogs(const std::vector<std::int64_t>& numbers)
@@ -162,9 +167,7 @@ public:
       put.bindBlob(7, events.data(), events.size()).run();
       changesLists_ = true;
       if (list.number > lastListNumber(database_))
-        Statement(database_, "INSERT OR REPLACE INTO project(key, value) VALUES('last_list', ?1)")
-            .bind(1, list.number)
-            .run();
+        putNumber(database_, "last_list", list.number);
     }
   }
 
@@ -223,7 +226,7 @@ private:
 
   void keep(std::int64_t number, const std::string& image)
   {
-    // One byte at least: an empty blob means that the image was removed.
+    // The image of a log or a list is never empty, which would mean that it was removed. That of no options is.
     changeRow().bind(1, number_).bind(2, number).bindBlob(3, image.data(), image.size()).run();
   }
 
@@ -254,8 +257,10 @@ void removeForGood(Database& database, const Changes& changes)
   if (changes.compact)
     database.execute("UPDATE changes SET before = x'' WHERE log <> 0 AND length(before) > 0 AND "
                      "log NOT IN (SELECT number FROM logs) AND -log NOT IN (SELECT number FROM lists)");
-  if (changes.forgetBefore != 0)
-    for (const char* sql : {"DELETE FROM changes WHERE revision < ?1", "DELETE FROM revisions WHERE number < ?1"})
+  if (changes.forgetBefore != 0) // the revision that is being written has changes already, but no row
+    for (const char* sql :
+         {"DELETE FROM changes WHERE revision < ?1 AND revision <= (SELECT max(number) FROM revisions)",
+          "DELETE FROM revisions WHERE number < ?1"})
       Statement(database, sql).bind(1, changes.forgetBefore).run();
   if (changes.compact || changes.forgetBefore != 0) // the image of a list begins with its digest
     database.execute("DELETE FROM list_bytes WHERE digest NOT IN (SELECT digest FROM lists) AND digest NOT IN "
@@ -268,6 +273,10 @@ void writeChanges(Database& database, const Changes& changes)
 {
   writeRevisions(
       changes, [&] { return RevisionWriter(database); }, [&] { removeForGood(database, changes); });
+  if (changes.reservedLogs > lastNumber(database))
+    putNumber(database, "last_number", changes.reservedLogs);
+  if (changes.reservedLists > lastListNumber(database))
+    putNumber(database, "last_list", changes.reservedLists);
 }
 
 } // namespace reelhost

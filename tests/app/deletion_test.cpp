@@ -3,6 +3,10 @@
 
 #include <functional>
 
+#include "app/history.h"
+#include "app/import.h"
+#include "app/kept_lists.h"
+#include "app/list_files.h"
 #include "reelhost/journal.h"
 #include "tests/app/app_fixture.h"
 
@@ -100,6 +104,34 @@ TEST_F(Deletion, UnknownReelIsNamed)
   const app::Error error = errorOf([] { plan({"A-001"}); });
   EXPECT_EQ(error.kind(), app::ErrorKind::NotFound);
   EXPECT_STREQ(error.what(), "A-001: no such reel (but there is A001)");
+}
+
+TEST_F(Deletion, UndeleteLeavesReplacedAndRemovedListsAlone)
+{
+  {
+    app::Session session({}, app::Access::Write);
+    app::deleteReels(session, {"A001"}, {});
+  }
+  const auto importList = [&](const Names& reels, bool replacing) {
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {app::readListFile(cutList("cut.edl", reels))}, false, {}, {.byName = replacing});
+  };
+  importList({"C001", "D001"}, false);
+  importList({"C001"}, true); // in its place: the shot of D001 goes with its reel
+  {
+    app::Session session({}, app::Access::Write);
+    app::removeList(session, "cut.edl", false);
+  }
+  {
+    app::Session session({}, app::Access::Read);
+    const std::vector<app::KeptDeletion> deletions = app::keptDeletions(session);
+    ASSERT_EQ(deletions.size(), 1u);
+    EXPECT_EQ(deletions[0].reels, Names{"A001"});
+  }
+  app::Session session({}, app::Access::Write);
+  EXPECT_EQ(app::undelete(session).reels, Names{"A001"});
+  EXPECT_EQ(errorOf([&] { app::undelete(session); }).kind(), app::ErrorKind::Refused);
+  EXPECT_EQ(app::keptLists(session).size(), 1u); // of the fixture
 }
 
 } // namespace

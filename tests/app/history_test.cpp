@@ -1,21 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/history.h"
 
-#include <cstdlib>
-#include <map>
-#include <random>
-#include <set>
-#include <sstream>
-
 #include "app/deletion.h"
 #include "app/import.h"
 #include "app/list_files.h"
+#include "app/names.h"
 #include "app/process.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
-#include "base/ascii.h"
 #include "reelhost/history.h"
 #include "reelhost/host.h"
 #include "tests/app/app_fixture.h"
@@ -43,6 +37,11 @@ protected:
   {
     app::Session session({}, app::Access::Write);
     app::changeReel(session, reel, {{field, value}});
+  }
+  static void create(const std::string& reel)
+  {
+    app::Session session({}, app::Access::Write);
+    app::createReel(session, reel, {});
   }
   static app::TakenBackCommit undo(std::optional<std::int64_t> revision = {}, bool anybody = false)
   {
@@ -158,6 +157,52 @@ TEST_F(History, FormerNameThatWouldLeadToTwoReelsIsRefused)
                                       "reeldb which)");
 }
 
+class NameOfTwoReels : public History {
+protected:
+  /// Imports a list that calls two reels by one further name.
+  void SetUp() override
+  {
+    History::SetUp();
+    const std::string event = "V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n* REEL SND1 IS CLIP x\n";
+    folder_.write("sound.edl", "TITLE: T\n001  A001     " + event + "002  B002     " + event);
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {app::readListFile((folder_.path() / "sound.edl").native())}, false);
+    ASSERT_EQ(app::whichReel(session, "SND1").candidates.size(), 2u);
+  }
+};
+
+TEST_F(NameOfTwoReels, ComesBackWithBothReels)
+{
+  undo();
+  redo();
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002"}));
+}
+
+TEST_F(NameOfTwoReels, ComesBackWithADeletedReel)
+{
+  remove("A001");
+  set("B002", "bin", "shelf"); // the other reel may change meanwhile
+  undo(2);
+  EXPECT_EQ(reelIds(), (Names{"A001", "B002"}));
+  remove("B002");
+  app::Session session({}, app::Access::Write);
+  EXPECT_EQ(app::undelete(session).reels, Names{"B002"});
+}
+
+TEST_F(NameOfTwoReels, IsRefusedForAReelThatDidNotHaveItThen)
+{
+  remove("A001");         // 2
+  rename("B002", "SND1"); // 3
+  rename("SND1", "C003"); // 4: SND1 is now a former name, too
+  EXPECT_EQ(undo(2).reelsRestored, Names{"A001"});
+  remove("A001");         // 6
+  remove("C003");         // 7
+  create("SND1");         // 8
+  rename("SND1", "D004"); // 9
+  EXPECT_EQ(refusal([] { undo(7); }),
+            "undo: snd1: the name would lead to both C003 and D004, nothing taken back (see reeldb which)");
+}
+
 TEST_F(History, UndeleteIsTheUndoOfTheLastDeletion)
 {
   import({"A001", "B002"});
@@ -195,6 +240,44 @@ TEST_F(History, OthersCommitsAreLeftAloneUnlessAnybodysAreMeant)
   EXPECT_EQ(undo().commit.revision, 1);
 }
 
+TEST_F(History, ReelThatHadAnotherTypeForAWhileIsCountedOnce)
+{
+  import({"A001"});
+  reelhost::openProject("main", reelhost::Access::Write);
+  reelhost::Changes changes;
+  reelhost::projectStore().readReels([&](reelhost::StoredLog&& log) { changes.logs.push_back(std::move(log)); });
+  changes.logs.front().type = 1;
+  reelhost::projectStore().commit(changes);
+  reelhost::closeProject();
+  const app::TakenBackCommit done = undo({}, true);
+  EXPECT_EQ(done.reelsRestored, Names{"A001"});
+  EXPECT_EQ(done.shotsRestored, 0u);
+  EXPECT_EQ(done.shotsRemoved, 1u); // which it was meanwhile
+  EXPECT_EQ(done.logsChanged, 1u);
+}
+
+TEST_F(History, CommitOfWhichNothingIsLeftDoesNotHideEarlierOnes)
+{
+  import({"A001"});
+  set("A001", "bin", "x");
+  {
+    app::Session session({}, app::Access::Write);
+    app::createReel(session, "B001", {});
+  }
+  remove("B001");
+  {
+    app::Session session({}, app::Access::Write);
+    app::compactProject(session); // a commit without changes
+  }
+  const std::string compacted = refusal([] { undo(); });
+  EXPECT_EQ(compacted.substr(compacted.find("main.reels: ")),
+            "main.reels: revision 4 cannot be taken back (project compact has removed what it deleted; undo REVISION "
+            "takes an earlier one back)");
+  EXPECT_EQ(refusal([] { undo(3); }),
+            "undo: revision 3: nothing left to take back (undo REVISION takes an earlier one back)");
+  EXPECT_EQ(undo(2).commit.revision, 2);
+}
+
 TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
 {
   folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
@@ -205,7 +288,21 @@ TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
   reelhost::useFacility(reelhost::Facility::read(folder_.path()));
   const reelhost::Origin me = reelhost::currentOrigin();
   EXPECT_EQ(refusal([] { undo(); }),
-            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any takes what others did)");
+            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any includes theirs)");
+}
+
+TEST_F(History, WithoutNamesOnlyACommitThatIsMeantIsTakenBack)
+{
+  folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
+  reelhost::useFacility(reelhost::Facility::read(folder_.path()));
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo");
+  import({"A001"});
+  rename("A001", "B001");
+  const std::string cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo" + cause);
+  EXPECT_EQ(undo(2).commit.revision, 2);
+  EXPECT_EQ(refusal([] { redo(); }), "redo: nothing to redo" + cause);
+  EXPECT_EQ(undo({}, true).commit.revision, 1);
 }
 
 TEST_F(History, OfAReelHasItsFieldsBeforeAndAfter)
@@ -257,139 +354,6 @@ TEST_F(History, HasAllThatIsKnownOfACommit)
   EXPECT_EQ(commit.machine, me.machine);
   EXPECT_EQ(commit.folder, me.folder);
   EXPECT_EQ(commit.created, 2);
-}
-
-// --- Random commands -----------------------------------------------------------------------------
-
-/// All that a project holds: every log whole, by number.
-std::string contents()
-{
-  const auto store = reelhost::makeSqliteStore(reelhost::facility().projectFile("main"));
-  store->begin(reelhost::Access::Read, std::chrono::seconds(5));
-  std::map<std::int64_t, std::string> logs;
-  const auto keep = [&](reelhost::StoredLog&& log) {
-    std::ostringstream out;
-    out << log.type << log.name << '|' << log.reelType << log.videoChannels << '/' << log.audioChannels;
-    for (const auto& [key, value] : log.fields)
-      out << '|' << key << '=' << value;
-    logs[log.number] = out.str();
-  };
-  store->readReels(keep);
-  store->readOthers(keep);
-  std::ostringstream out;
-  for (const auto& [number, log] : logs)
-    out << number << ' ' << log << '\n';
-  for (const auto& [key, value] : store->options())
-    out << key << '=' << value << '\n';
-  return out.str();
-}
-
-/// What no undo may break, found by other means than the operation's: each fault as one text.
-std::set<std::string> faults()
-{
-  const auto store = reelhost::makeSqliteStore(reelhost::facility().projectFile("main"));
-  store->begin(reelhost::Access::Read, std::chrono::seconds(5));
-  std::map<std::string, std::set<std::int64_t>> ids;
-  std::map<std::string, std::set<std::string>> names;
-  std::set<std::string> found;
-  const auto fieldOf = [](const reelhost::StoredLog& log, const std::string& key) {
-    for (const auto& [known, value] : log.fields)
-      if (known == key)
-        return base::fold(value);
-    return std::string();
-  };
-  store->readReels([&](reelhost::StoredLog&& log) {
-    const std::string id = fieldOf(log, "reelid");
-    if (!ids[id].insert(log.number).second || ids[id].size() > 1)
-      found.insert("two reels " + id);
-    for (const auto& [key, value] : log.fields)
-      if (key.rfind("reel_old_name", 0) == 0)
-        names[base::fold(value)].insert(std::to_string(log.number));
-  });
-  store->readOthers([&](reelhost::StoredLog&& log) {
-    if (const std::string id = fieldOf(log, "reelid"); !id.empty() && ids.count(id) == 0)
-      found.insert("shot " + std::to_string(log.number) + " without reel");
-  });
-  for (const auto& [name, reels] : names)
-    if (reels.size() > 1) {
-      std::string all;
-      for (const std::string& reel : reels)
-        all += " " + reel;
-      found.insert("name " + name + all);
-    }
-  return found;
-}
-
-TEST_F(History, RandomCommandsAreTakenBackAndMadeAgainOrRefused)
-{
-  const int runs = std::getenv("REELDB_LONG_TESTS") ? 3000 : 150;
-  const unsigned seed = std::random_device()();
-  SCOPED_TRACE("seed " + std::to_string(seed));
-  std::mt19937 random(seed);
-  const auto below = [&](std::size_t end) { return static_cast<std::size_t>(random() % end); };
-  const auto someName = [&] {
-    return std::string(1, static_cast<char>((below(2) ? 'A' : 'a') + static_cast<char>(below(5))));
-  };
-  int undone = 0, refused = 0, redone = 0;
-  for (int run = 0; run < runs; ++run) {
-    const Names ids = reelIds();
-    const std::string reel = ids.empty() ? "A" : ids[below(ids.size())];
-    try {
-      switch (below(6)) {
-      case 0:
-        import({someName(), someName()});
-        break;
-      case 1:
-        rename(reel, someName());
-        break;
-      case 2:
-        set(reel, below(2) ? "bin" : "user-field.1", std::to_string(below(3)));
-        break;
-      case 3:
-        remove(reel);
-        break;
-      case 4: {
-        app::Session session({}, app::Access::Write);
-        app::undelete(session);
-        break;
-      }
-      default: {
-        app::Session session({}, app::Access::Write);
-        app::createReel(session, someName(), {});
-      }
-      }
-    } catch (const app::Error&) { // a name that is taken, a reel that is not there: no command of this run
-    }
-    const std::string before = contents();
-    std::string expected = before; // when it is refused
-    const std::set<std::string> faultsBefore = faults();
-    try {
-      const std::vector<app::CommitEntry> commits = history().commits;
-      if (commits.empty())
-        continue;
-      const std::int64_t newest = undo(commits[below(std::min<std::size_t>(commits.size(), 8))].revision).revision;
-      ++undone;
-      for (const std::string& fault : faults())
-        EXPECT_EQ(faultsBefore.count(fault), 1u) << fault;
-      if (below(2) == 0)
-        continue;
-      expected = contents();
-      EXPECT_EQ(undo(newest).revision, newest + 1); // made again
-      EXPECT_EQ(contents(), before);
-      ++redone;
-    } catch (const app::Error& error) {
-      EXPECT_EQ(error.kind(), app::ErrorKind::Refused) << error.what();
-      EXPECT_EQ(contents(), expected) << error.what();
-      ++refused;
-    }
-    if (HasFailure())
-      return;
-  }
-  EXPECT_GT(undone, runs / 20);
-  EXPECT_GT(refused, runs / 20);
-  EXPECT_GT(redone, runs / 50);
-  EXPECT_EQ(reelhost::makeSqliteStore(reelhost::facility().projectFile("main"))->check(), Names{});
-  std::printf("%d taken back, %d of them made again, %d refused (seed %u)\n", undone, redone, refused, seed);
 }
 
 } // namespace

@@ -298,7 +298,7 @@ TEST_F(ImportReplaces, NothingIfTwoListsHaveTheTitle)
   again((cutList("b.edl", {"B002"}), "b.edl"));
   const app::Error error = errorOf([&] { replace(cutList("c.edl", {"C003"})); });
   EXPECT_EQ(error.what(),
-            std::string("TEST: 2 lists have this name (name one of them: --as 2; reeldb list-file list has them)"));
+            std::string("TEST: 2 lists have this name (name one of them: --as 2; reeldb list-file list shows them)"));
 }
 
 TEST_F(ImportReplaces, ShotsOfARenamedReelStayWithTheirReel)

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/kept_lists.h"
 
+#include "app/deletion.h"
 #include "app/history.h"
 #include "app/import.h"
+#include "app/projects.h"
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
@@ -27,6 +29,16 @@ protected:
     app::Session session({}, dryRun ? app::Access::Read : app::Access::Write);
     return app::removeList(session, list, dryRun);
   }
+  /// The deletion takes events out of lists, and undo brings them back.
+  static void deleteAndUndo(const std::string& reel)
+  {
+    {
+      app::Session session({}, app::Access::Write);
+      app::deleteReels(session, {reel}, {});
+    }
+    app::Session session({}, app::Access::Write);
+    app::undo(session, {}, false);
+  }
   static Texts files()
   {
     app::Session session({}, app::Access::Read);
@@ -48,10 +60,10 @@ TEST_F(KeptLists, AreFoundByNumberFileNameAndTitle)
   EXPECT_EQ(app::requireList(session, "a.edl").events, 1);
   EXPECT_EQ(
       errorOf([&] { app::requireList(session, "test"); }).what(),
-      std::string("test: 2 lists have this name (use the number of one, such as 2; reeldb list-file list has them)"));
+      std::string("test: 2 lists have this name (use the number of one, such as 2; reeldb list-file list shows them)"));
   const app::Error none = errorOf([&] { app::requireList(session, "7"); });
   EXPECT_EQ(none.kind(), app::ErrorKind::NotFound);
-  EXPECT_EQ(none.what(), std::string("7: no such list (reeldb list-file list has them)"));
+  EXPECT_EQ(none.what(), std::string("7: no such list (reeldb list-file list shows them)"));
 }
 
 TEST_F(KeptLists, EventsSayWhatTheListSaysAndWhatTheReelIsNow)
@@ -157,6 +169,37 @@ TEST_F(KeptLists, ImportTakenBackAndMadeAgainIsStillAnImport)
     app::redo(session, false);
   }
   EXPECT_EQ(remove("a.edl").reels, Texts{"A001"});
+}
+
+TEST_F(KeptLists, DeletedAndRestoredReelOfAPersonIsNotAnImport)
+{
+  {
+    app::Session session({}, app::Access::Write);
+    app::createReel(session, "MADE", {});
+  }
+  importAs("a.edl", {"MADE", "PLAIN"}); // 2
+  deleteAndUndo("MADE");                // 3 and 4
+  {
+    app::Session session({}, app::Access::Write);
+    app::forgetHistory(session, "3");
+  }
+  EXPECT_EQ(remove("a.edl").reels, Texts{});
+  EXPECT_EQ(reelIds(), (Texts{"MADE", "PLAIN"}));
+}
+
+TEST_F(KeptLists, DeletedAndRestoredReelFromBeforeTheHistoryStaysWithItsShots)
+{
+  importAs("first.edl", {"OLD"});
+  {
+    app::Session session({}, app::Access::Write);
+    app::forgetHistory(session, "2");
+  }
+  remove("first.edl");
+  importAs("a.edl", {"OLD", "PLAIN"});
+  deleteAndUndo("OLD");
+  const app::RemovedList removed = remove("a.edl");
+  EXPECT_EQ(removed.reels, Texts{"PLAIN"});
+  EXPECT_EQ(removed.shots.size(), 1u);
 }
 
 } // namespace

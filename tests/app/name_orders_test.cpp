@@ -9,13 +9,13 @@
 #include <map>
 #include <random>
 #include <regex>
-#include <set>
 #include <sstream>
+
+#include <fmt/format.h>
 
 #include "app/export.h"
 #include "app/import.h"
 #include "app/projects.h"
-#include "base/ascii.h"
 #include "lists/list.h"
 #include "lists/name_forms.h"
 #include "tests/app/app_fixture.h"
@@ -86,7 +86,7 @@ protected:
   /// Imports the lists in that order, each by itself. Returns the reels and the shots, sorted.
   std::vector<std::string> outcome(const std::vector<std::string>& files)
   {
-    const std::string project = "order" + std::to_string(++projects_);
+    const std::string project = fmt::format("order{}", ++projects_);
     app::makeProject(project, "25");
     for (const std::string& file : files) {
       app::Session session(project, app::Access::Write);
@@ -96,10 +96,10 @@ protected:
     const app::ProjectContent content = app::readContent(session);
     std::vector<std::string> lines;
     for (const app::Reel& reel : content.reels)
-      lines.push_back("reel " + formOf(reel.id) + " " + std::to_string(reel.shots));
+      lines.push_back(fmt::format("reel {} {}", formOf(reel.id), reel.shots));
     for (const app::Shot& shot : content.shots)
-      lines.push_back("shot " + formOf(shot.reel) + " \"" + shot.clipName + "\" " + shot.tracks + " " + shot.sourceIn +
-                      " " + shot.sourceOut);
+      lines.push_back(fmt::format("shot {} \"{}\" {} {} {}", formOf(shot.reel), shot.clipName, shot.tracks,
+                                  shot.sourceIn, shot.sourceOut));
     std::sort(lines.begin(), lines.end());
     return lines;
   }

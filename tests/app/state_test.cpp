@@ -137,6 +137,12 @@ TEST_F(State, AListThatNoProjectCanHaveIsRefused)
             "list 1: an event names log 99, which does not exist");
   EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).clip.event.part = 0; })),
             "list 1: an event has a line, a part or channels that no list has");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).clip.event.reelField = 2147483648U; })),
+            "list 1: an event has a reel field of 2147483648 characters, more than 2147483647");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).shot = 2; })),
+            "list 1: an event names log 2, which is a reel");
+  EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.push_back(state.events.at(0)); })),
+            "list 1: two events of line 2 have the same shot");
   EXPECT_EQ(errorWith(list([](app::ListState& state) { state.events.at(0).clip.aliases = {std::string(1, '\0')}; })),
             "list 1: a text holds a byte 0");
 }
@@ -162,9 +168,9 @@ TEST_F(State, AStateThatNoProjectCanHaveIsRefused)
   EXPECT_EQ(errorWith([](app::ProjectState& state) { state.logs.at(1).id = state.logs.at(0).id; }),
             "log 2: another log has its id, tag and kind");
   EXPECT_EQ(errorWith(log([](app::LogState& state) { state.number = 0; })),
-            "log 0: its number is not between 1 and 9007199254740991");
-  EXPECT_EQ(errorWith(log([](app::LogState& state) { state.number = std::int64_t{1} << 53; })),
-            "log 9007199254740992: its number is not between 1 and 9007199254740991");
+            "log 0: its number is not between 1 and 99999999");
+  EXPECT_EQ(errorWith(log([](app::LogState& state) { state.number = 100'000'000; })),
+            "log 100000000: its number is not between 1 and 99999999");
   EXPECT_EQ(errorWith(log([](app::LogState& state) { state.kind = "I"; })), "log 2: \"I\" is not a kind of log");
   EXPECT_EQ(errorWith(log([](app::LogState& state) { state.kind = "EE"; })), "log 2: \"EE\" is not a kind of log");
   EXPECT_EQ(errorWith(log([](app::LogState& state) { state.id[3] = 'G'; })).substr(0, 7), "log 2: ");
@@ -193,15 +199,15 @@ TEST_F(State, AFileThatIsNotAStateIsReported)
     const std::string what = found.what();
     return what.substr(what.find("state.json: ") + 12);
   };
-  EXPECT_EQ(error("{").substr(0, 32), "JSON: not a report of this kind ");
+  EXPECT_EQ(error("{").substr(0, 32), "JSON: not of the expected form (");
   EXPECT_EQ(error("{}"),
-            "JSON: not a report of this kind (it has no state, as reeldb export --json without --reels has)");
-  EXPECT_EQ(error(R"({"state_version": 2})"), "JSON: not a report of this kind (its state_version is 2, not 1)");
+            "JSON: not of the expected form (it has no state; reeldb export --json without --reels writes one)");
+  EXPECT_EQ(error(R"({"state_version": 2})"), "JSON: not of the expected form (its state_version is 2, not 1)");
   EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1.5})"),
-            "JSON: not a report of this kind (frame_rate_code is not a whole number)");
+            "JSON: not of the expected form (frame_rate_code is not a whole number)");
   EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1, "output_frame_rate_code": 1,
                       "options": {"a": {"bytes": "Zg"}}})"),
-            "JSON: not a report of this kind (\"Zg\" is not base64)");
+            "JSON: not of the expected form (\"Zg\" is not base64)");
 }
 
 } // namespace

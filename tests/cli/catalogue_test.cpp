@@ -38,7 +38,7 @@ TEST_F(Types, EmptyNameIsShownAsSuch)
 TEST_F(Types, EmptyCatalogueSaysSo)
 {
   dir_.write("devicedata/reeltype.dat", "");
-  EXPECT_EQ(output({"type", "list"}), "no reel types (devicedata/reeltype.dat of the facility lists them)\n");
+  EXPECT_EQ(output({"type", "list"}), "no reel types (add them to devicedata/reeltype.dat of the facility)\n");
   EXPECT_EQ(output({"type", "list", "--json"}), "[]\n");
 }
 
@@ -119,9 +119,9 @@ TEST_F(Fields, NameThatSetWouldTakeForAnotherFieldIsRefused)
   };
   const auto fact = [](const std::string& name) { return "\"" + name + "\": not a valid name for user field 0 "; };
   for (const std::string name : {"bin", "Type", "LABEL_mapping", "last-device", "available", "inhibit"})
-    expectNoName({"0=" + name}, fact(name) + "(for reeldb set it means another field)");
+    expectNoName({"0=" + name}, fact(name) + "(reeldb set uses it for another field)");
   for (const std::string name : {"3", "0", "99", "-1", "user-field.0", "User-Field.x"})
-    expectNoName({"0=" + name}, fact(name) + "(for reeldb set it means another field)");
+    expectNoName({"0=" + name}, fact(name) + "(reeldb set uses it for another field)");
   expectNoName({"0= "}, fact(" ") + "(it is blank)");
   expectNoName({"0=tAKE"}, fact("tAKE") + "(user field 1 has this name)");
   expectNoName({"0=light"}, fact("light") + "(user field 4 has this name)");
@@ -141,6 +141,13 @@ TEST_F(Fields, NamesMayChangePlacesAndTakeWhatBecomesFree)
   EXPECT_EQ(field(0).at("name"), "Take");
   output({"field", "name", "2=Weather", "3=User field 3"});
   EXPECT_EQ(field(3).at("name"), "User field 3");
+}
+
+TEST_F(Fields, NumberWithoutANameIsAUsageError)
+{
+  const ProcessResult result = reeldb({"field", "name", "0"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: \"0\": not of the form NUMBER=NAME\n");
 }
 
 TEST_F(Fields, NameThatCannotBeHandedOnIsAUsageError)

@@ -139,6 +139,7 @@ TEST_F(Completion, FieldGivesNamesAndThenTheirValues)
                    "user-field.1=", "user-field.2=", "user-field.3=", "user-field.4=", "user-field.5="}));
   EXPECT_EQ(candidates({"set", "T:9", "type=T"}), (Words{"words", "type=Tape 2ch", "type=Tape 4ch"}));
   EXPECT_EQ(candidates({"set", "T:9", "bin=x", "inhibit="}), (Words{"words", "inhibit=yes", "inhibit=no"}));
+  EXPECT_EQ(candidates({"set", "T:9", "bin=x", "--if", "inhibit="}), (Words{"words", "inhibit=yes", "inhibit=no"}));
   EXPECT_EQ(candidates({"set", "T:9", "last-device=C"}), (Words{"words", "last-device=Camera 1"}));
   EXPECT_EQ(candidates({"set", "T:9", "label-map=palt"}), (Words{"words", "label-map=paltofd"}));
 }

@@ -65,9 +65,9 @@ TEST_F(Create, NameThatCutListsUseForNoReelIsTakenWithAWarning)
     const ProcessResult result = reeldb({"create", id});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.out, id + "\n");
-    EXPECT_EQ(result.err, "reeldb: " + id +
-                              ": accepted, but no import will find this reel by its name (its meaning in cut lists: " +
-                              meaning + ")\n");
+    EXPECT_EQ(result.err,
+              "reeldb: " + id +
+                  ": stored, but import cannot find a reel by this name (its meaning in cut lists: " + meaning + ")\n");
   };
   expectWarning("BL", "black");
   expectWarning("Black", "black");

@@ -68,17 +68,17 @@ TEST_F(Diff, NewVersionReportsNewReelsNewShotsAndMissingShots)
 {
   dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE") + clip(2, "A001", "03:00:00:00", "FOUR") +
                             clip(3, "C001", "01:00:00:00", "FIVE"));
-  EXPECT_EQ(text({"two.edl"}),
-            "1 reel new:\n"
-            "  C001\n"
-            "2 shots added:\n"
-            "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
-            "  A001  FOUR  V       03:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
-            "  C001  FIVE  V       01:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
-            "1 shot no longer there:\n"
-            "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
-            "  A001  TWO   V       02:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
-            "two.edl: compared with all shots of its reels (no earlier version of it is known; --as names it)\n");
+  EXPECT_EQ(text({"two.edl"}), "1 reel new:\n"
+                               "  C001\n"
+                               "2 shots added:\n"
+                               "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                               "  A001  FOUR  V       03:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
+                               "  C001  FIVE  V       01:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
+                               "1 shot no longer there:\n"
+                               "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT\n"
+                               "  A001  TWO   V       02:00:00:00  23:00:00:00  01:00:00:00  01:00:01:00\n"
+                               "two.edl: compared with all shots of its reels (the project keeps no earlier version of "
+                               "it; --as LIST names one)\n");
   const Json report = diff({"two.edl"});
   EXPECT_EQ(report.at("equal"), false);
   EXPECT_EQ(report.at("reels_new"), Json::parse(R"([{"reel": "C001", "candidates": [], "perhaps": []}])"));
@@ -202,7 +202,7 @@ TEST_F(Diff, AsNamesTheListToCompareWith)
 {
   dir_.write("two.edl", clip(1, "A001", "01:00:00:00", "ONE"));
   EXPECT_EQ(clipsOf(diff({"--as", "one.edl", "two.edl"}).at("shots_gone")), (Words{"TWO", "THREE"}));
-  expectRefusal({"diff", "--as", "nosuch", "two.edl"}, "nosuch: no such list (reeldb list-file list has them)");
+  expectRefusal({"diff", "--as", "nosuch", "two.edl"}, "nosuch: no such list (reeldb list-file list shows them)");
   expectRefusal({"diff", "--as", "1", "one.edl", "two.edl"}, "diff: --as compares one file with one list", 2);
 }
 

@@ -12,8 +12,8 @@ using namespace reeldb_tests;
 
 namespace {
 
-const std::string notACut = "reeldb: main: the project is not a cut (each shot once, without transitions and speeds; "
-                            "reeldb export LIST writes a list that was imported)\n";
+const std::string eachShotOnce = "reeldb: main: each shot of the project is written once, as a cut "
+                                 "(reeldb export LIST writes an imported list with its transitions and speeds)\n";
 
 const Words reelLengths = {"3", "6", "8", "32", "129"};
 
@@ -39,14 +39,14 @@ protected:
     return {{"reels", std::move(reels)}, {"shots", all.at("shots")}};
   }
 
-  /// Exports the project as a list, which must say that the project is not a cut and nothing else.
+  /// Exports the project as a list, which must report that each shot is written once, and nothing else.
   std::string listOf(const Words& options)
   {
     Words words = {"export"};
     words.insert(words.end(), options.begin(), options.end());
     const ProcessResult result = reeldb(words);
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.err, notACut);
+    EXPECT_EQ(result.err, eachShotOnce);
     return result.out;
   }
 
@@ -170,9 +170,8 @@ TEST_F(Export, ListIsWrittenWithItsOwnEvents)
                         "* TO CLIP NAME: KITCHEN\n"
                         "007  A001     V     C        03:00:00:00 03:00:01:00 10:00:01:00 10:00:02:00\n"
                         "008  A001     V     C        03:00:00:00 03:00:01:00 10:00:02:00 10:00:03:00\n");
-  EXPECT_EQ(result.err,
-            "reeldb: evening.edl: notes and statements not written: 1 (the project keeps none of their kind)\n"
-            "reeldb: evening.edl: rejected lines not written: 1 (they could not be read)\n");
+  EXPECT_EQ(result.err, "reeldb: evening.edl: notes and statements not written: 1 (the project does not keep them)\n"
+                        "reeldb: evening.edl: rejected lines not written: 1 (they could not be read)\n");
   EXPECT_EQ(reeldb({"export", "1", "-o", "out.edl"}).out, "out.edl: 4 events\n");
   EXPECT_EQ(readFile("out.edl"), result.out);
 }
@@ -198,7 +197,7 @@ TEST_F(Export, EventsOfDeletedShotsAreNamed)
   ASSERT_EQ(reeldb({"delete", "B001", "-y"}).code, 0);
   const ProcessResult result = reeldb({"export", "evening.edl"});
   EXPECT_EQ(result.out.find("B001"), std::string::npos);
-  EXPECT_NE(result.err.find("reeldb: evening.edl: events not written: 1 (the project does not keep them any more)\n"),
+  EXPECT_NE(result.err.find("reeldb: evening.edl: events not written: 1 (their shots were deleted)\n"),
             std::string::npos)
       << result.err;
 }
@@ -210,11 +209,21 @@ TEST_F(Export, ListAsALogNamesWhatALogHasNot)
   const ProcessResult result = reeldb({"export", "evening.edl", "--ale"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out.substr(0, 8), "Heading\n");
-  EXPECT_EQ(result.err,
-            "reeldb: evening.edl: notes and statements not written: 1 (the project keeps none of their kind)\n"
-            "reeldb: event numbers not written: 4 (a log has none)\n"
-            "reeldb: transitions not written: 1 (a log has none)\n"
-            "reeldb: speeds not written: 1 (a log has none)\n");
+  EXPECT_EQ(result.err, "reeldb: evening.edl: notes and statements not written: 1 (the project does not keep them)\n"
+                        "reeldb: event numbers not written: 4 (a log file cannot hold them)\n"
+                        "reeldb: transitions not written: 1 (a log file cannot hold them)\n"
+                        "reeldb: speeds not written: 1 (a log file cannot hold them)\n");
+}
+
+TEST_F(Export, LogNamesTheColumnsThatAreNotWrittenBack)
+{
+  dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t25\n\nColumn\n"
+                           "Name\tTape\tTracks\tStart\tEnd\tScene\tTake\tEmpty\n\nData\n"
+                           "x\tA001\tV\t01:00:00:00\t01:00:01:00\t7\t1\t\n");
+  ASSERT_EQ(reeldb({"import", "rushes.ale"}).code, 0);
+  const ProcessResult result = reeldb({"export", "rushes.ale"});
+  EXPECT_EQ(result.code, 0);
+  EXPECT_EQ(result.err, "reeldb: rushes.ale: headings and columns of the log not written: 2 (Scene, Take)\n");
 }
 
 TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)
@@ -223,8 +232,9 @@ TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)
   ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
   EXPECT_EQ(reeldb({"export", "morning.edl"}).code, 1);
   for (const char* option : {"--csv", "--json", "--reels", "--history"})
-    expectRefusal({"export", "evening.edl", option},
-                  "export LIST: --edl or --ale, if any (reeldb list-file show LIST --json has its events as JSON)", 2);
+    expectRefusal(
+        {"export", "evening.edl", option},
+        "export LIST: only --edl and --ale choose its format (reeldb list-file show LIST --json shows it as JSON)", 2);
   expectRefusal({"export", "evening.edl", "--edl", "--ale"}, "export LIST: --edl and --ale exclude each other", 2);
   expectRefusal({"export", "evening.edl", "--ale", "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
   expectRefusal({"export", "evening.edl", "--force"}, "export: --force needs -o FILE", 2);
@@ -384,8 +394,8 @@ TEST_F(Export, JsonWithReelsAloneIsNotAProject)
 {
   dir_.write("main.json", output({"export", "--json", "--reels"}));
   expectRefusal({"project", "new", "copy", "--from", "main.json"},
-                "main.json: JSON: not a report of this kind (it has no state, as reeldb export --json without --reels "
-                "has)",
+                "main.json: JSON: not of the expected form (it has no state; reeldb export --json without --reels "
+                "writes one)",
                 3);
 }
 
@@ -421,7 +431,7 @@ TEST_F(Export, TextWithControlCharactersIsWrittenWithoutThemAndReported)
   for (const char* format : {"--edl", "--ale"}) {
     const ProcessResult result = reeldb({"export", format, "--force", "-o", "out"});
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.err, notACut + "reeldb: 'A 0\\n1': written as 'A 0 1' (a list cannot hold it as it is)\n");
+    EXPECT_EQ(result.err, eachShotOnce + "reeldb: 'A 0\\n1': written as 'A 0 1' (a list cannot hold it as it is)\n");
     const Json report = json({"import", "--dry-run", "--json", "out"});
     EXPECT_EQ(report.at("files").at(0).at("created"), Json::array());
     EXPECT_EQ(report.at("files").at(0).at("names").at(0).at("match"), "same-name");
@@ -437,7 +447,7 @@ TEST_F(Export, ShotWithAnImpossibleTimecodeIsLeftOutAndReported)
   const ProcessResult result = reeldb({"export", "--edl"});
   EXPECT_EQ(result.code, 4);
   EXPECT_EQ(result.err,
-            notACut +
+            eachShotOnce +
                 "reeldb: clip 'ONE' of reel 'A001': left out (source in 'soon' is not a timecode: not hh:mm:ss:ff)\n");
   EXPECT_NE(result.out.find("\n001  B001 "), std::string::npos);
 }
@@ -448,7 +458,7 @@ TEST_F(Export, ReelWithASpecialMeaningInListsIsReported)
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
   ASSERT_EQ(reeldb({"rename", "A001", "BARS"}).code, 0);
   EXPECT_EQ(reeldb({"export", "--edl"}).err,
-            notACut +
+            eachShotOnce +
                 "reeldb: reel 'BARS': an import will not read it as a reel (its meaning in lists: colour bars)\n");
 }
 
@@ -515,16 +525,16 @@ TEST_F(Export, MoreReelsThanNumbersAreRefused)
 
 TEST_F(Export, OptionsThatDoNotFitAreUsageErrors)
 {
-  const std::string which = "export: no format given (use one of --edl, --ale, --csv, --json)";
-  expectRefusal({"export"}, which, 2);
-  expectRefusal({"export", "--edl", "--ale"}, which, 2);
+  const std::string which = " (use one of --edl, --ale, --csv, --json)";
+  expectRefusal({"export"}, "export: no format given" + which, 2);
+  expectRefusal({"export", "--edl", "--ale"}, "export: more than one format given" + which, 2);
   expectRefusal({"export", "--edl", "--reel-length", "7"}, "--reel-length 7: invalid (use one of 3, 6, 8, 32, 129)", 2);
   expectRefusal({"export", "--ale", "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
   expectRefusal({"export", "--edl", "--reels"}, "export: --reels needs --csv or --json (lists contain shots)", 2);
   for (const Words& words : {Words{"--csv"}, Words{"--edl"}, Words{"--json", "--reels"}}) {
     Words command = {"export", "--history"};
     command.insert(command.end(), words.begin(), words.end());
-    expectRefusal(command, "export: --history needs --json, without --reels", 2);
+    expectRefusal(command, "export: --history needs --json and excludes --reels", 2);
   }
   expectRefusal({"export", "--csv", "--force"}, "export: --force needs -o FILE", 2);
 }

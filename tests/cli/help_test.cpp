@@ -184,8 +184,10 @@ TEST_F(Help, OfAnUnknownCommandIsAnErrorWithAGuess)
 TEST_F(Help, DocumentsTheExitCodes)
 {
   const std::string text = help({});
-  for (const char* line : {"  0  done\n", "  1  nothing found, or refused\n", "  2  the command line is wrong\n",
-                           "  3  damaged or unreadable data", "  4  done, but some input lines were rejected\n"})
+  for (const char* line :
+       {"  0  done\n", "  1  nothing found, or refused (for example because the project is read-only or in use)\n",
+        "  2  the command line is wrong\n", "  3  damaged or unreadable data",
+        "  4  done, but some input lines were rejected\n"})
     EXPECT_NE(text.find(line), std::string::npos) << line;
 }
 

@@ -24,7 +24,7 @@ TEST_F(HistoryCommand, UndoSaysWhatItTookBack)
   const ProcessResult nothing = reeldb({"undo"});
   EXPECT_EQ(nothing.code, 1);
   EXPECT_EQ(nothing.err, "reeldb: undo: nothing to undo\n");
-  EXPECT_EQ(output({"redo"}), "revision 1 made again: reeldb create A001\n1 reel and 0 shots restored: A001\n");
+  EXPECT_EQ(output({"redo"}), "revision 1 repeated: reeldb create A001\n1 reel and 0 shots restored: A001\n");
 }
 
 TEST_F(HistoryCommand, UndoTakesARevisionByItsNumber)
@@ -34,7 +34,7 @@ TEST_F(HistoryCommand, UndoTakesARevisionByItsNumber)
   EXPECT_EQ(json({"undo", "2", "--json"}).at("commit").at("command"), "reeldb set A001 bin=1");
   EXPECT_EQ(json({"show", "A001", "--json"}).at("bin"), "");
   EXPECT_EQ(json({"show", "A001", "--json"}).at("available"), false);
-  EXPECT_EQ(reeldb({"undo", "77"}).err, "reeldb: undo: no revision 77\n");
+  EXPECT_EQ(reeldb({"undo", "77"}).err, "reeldb: undo: no revision 77 (reeldb history lists them)\n");
   const ProcessResult bad = reeldb({"undo", "x"});
   EXPECT_EQ(bad.code, 2);
   EXPECT_EQ(bad.err, "reeldb: \"x\": not a revision (reeldb history lists them)\n");
@@ -58,7 +58,7 @@ TEST_F(HistoryCommand, HistoryListsTheNewestCommitFirst)
   EXPECT_NE(table.find("taken back by 3"), std::string::npos) << table;
   EXPECT_NE(table.find("takes back 2"), std::string::npos) << table;
   EXPECT_NE(output({"history", "A001"}).find("bin: shelf (was -)"), std::string::npos);
-  EXPECT_EQ(reeldb({"history", "X9"}).err, "reeldb: X9: no such reel, and none in the history\n");
+  EXPECT_EQ(reeldb({"history", "X9"}).err, "reeldb: X9: no such reel, now or in the history\n");
 }
 
 TEST_F(HistoryCommand, NamesFalseKeepsNeitherNamesNorFolders)

@@ -86,22 +86,30 @@ TEST_F(ListFile, RemoveTakesTheListAndWhatOnlyItNamed)
   const std::string before = output({"export", "--json"});
   EXPECT_EQ(output({"list-file", "remove", "--dry-run", "evening.edl"}),
             "list 1: evening.edl (edl), EVENING: would be removed\n"
-            "1 reel and 1 shot that only it named: A001\n"
+            "1 reel and 1 shot that only this list used: A001\n"
             "dry run: the project stays as it was\n");
   EXPECT_EQ(output({"export", "--json"}), before);
   EXPECT_EQ(output({"list-file", "remove", "evening.edl"}), "list 1: evening.edl (edl), EVENING: removed\n"
-                                                            "1 reel and 1 shot that only it named: A001\n"
+                                                            "1 reel and 1 shot that only this list used: A001\n"
                                                             "reeldb undo brings all of it back\n");
   EXPECT_EQ(reelIds(), Words{"B001"});
   EXPECT_EQ(reeldb({"list-file", "show", "evening.edl"}).err,
-            "reeldb: evening.edl: no such list (reeldb list-file list has them)\n");
+            "reeldb: evening.edl: no such list (reeldb list-file list shows them)\n");
   EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb list-file remove evening.edl\n"
                               "1 reel and 1 shot restored: A001\n"
-                              "1 list taken back\n");
+                              "1 list changed back\n");
   EXPECT_EQ(output({"export", "--json"}), before);
   EXPECT_EQ(json({"history", "--json"}).at("commits").at(2).at("lists"), 2); // the import
   EXPECT_NE(output({"history"}).find("4 new, 2 lists"), std::string::npos) << output({"history"});
   EXPECT_EQ(output({"list-file", "show", "evening.edl", "--original"}), evening_);
+}
+
+TEST_F(ListFile, CompactRemovesRemovedListsForGood)
+{
+  output({"list-file", "remove", "evening.edl"});
+  EXPECT_EQ(output({"project", "compact"}), "2 deleted logs and 1 list removed for good\n");
+  EXPECT_EQ(output({"project", "compact"}), "nothing to remove\n");
+  EXPECT_EQ(reeldb({"undo", "2"}).code, 1);
 }
 
 TEST_F(ListFile, ImportPutsAVersionInThePlaceOfTheList)

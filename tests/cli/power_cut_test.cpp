@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <map>
 #include <random>
 #include <sstream>
 #include <thread>
@@ -40,6 +41,15 @@ protected:
 
   std::size_t below(std::size_t bound) { return random_() % bound; }
 
+  static void writeList(std::ostringstream& out, const reelhost::KeptList& list)
+  {
+    out << "list " << list.number << ' ' << list.file << ' ' << list.title << ' ' << list.eventCount << '\n';
+    out.write(reinterpret_cast<const char*>(list.digest.data()), list.digest.size());
+    for (const reelhost::ListEvent& event : list.events)
+      out << '\n' << event.line << ' ' << event.shot << ' ' << event.number << ' ' << event.clip.reel;
+    out << '\n';
+  }
+
   /// All that the project holds but the identities of its logs, which no two runs share.
   static std::string contents(const fs::path& file)
   {
@@ -55,6 +65,12 @@ protected:
     };
     store->readReels(write);
     store->readOthers(write);
+    reelhost::Lists& lists = *store->lists();
+    lists.readListHeads([&](reelhost::KeptList&& list) {
+      list.events = lists.eventsOf(list.number);
+      writeList(out, list);
+      out << lists.listBytes(list.digest) << '\n';
+    });
     reelhost::History& history = *store->history();
     out << "trash " << history.trashCount() << '\n';
     std::vector<reelhost::Revision> revisions;
@@ -64,10 +80,14 @@ protected:
     });
     for (const reelhost::Revision& revision : revisions) {
       out << "revision " << revision.number << ' ' << revision.takesBack << ' ' << revision.created << ' '
-          << revision.changed << ' ' << revision.deleted << '\n';
-      for (reelhost::LogChange& change : history.changesOf(revision.number).logs)
+          << revision.changed << ' ' << revision.deleted << ' ' << revision.lists << '\n';
+      reelhost::RevisionChanges changes = history.changesOf(revision.number);
+      for (reelhost::LogChange& change : changes.logs)
         if (change.before)
           write(std::move(*change.before));
+      for (const reelhost::ListChange& change : changes.lists)
+        if (change.before)
+          writeList(out, *change.before);
     }
     store->end();
     return out.str();
@@ -77,7 +97,10 @@ protected:
   Words someChange()
   {
     const Words reels = reelIds();
-    switch (reels.size() < 4 ? 0 : below(9)) {
+    const Json lists = json({"list-file", "list", "--json"});
+    const std::string list = lists.empty() ? "" : std::to_string(lists[below(lists.size())].at("number").get<int>());
+    const bool fewThings = reels.size() < 4 || (list.empty() && below(2) == 0);
+    switch (fewThings ? 0 : below(list.empty() ? 9 : 13)) {
     case 1:
       return {"rename", reels[below(reels.size())], numbered("N", ++names_)};
     case 2:
@@ -95,17 +118,29 @@ protected:
     case 8:
       return below(3) == 0 ? Words{"project", "compact", "--before", std::to_string(1 + below(lastRevision()))}
                            : Words{"project", "compact"};
+    case 9:
+    case 10:
+      return {"import", "--as", list, someList()};
+    case 11:
+    case 12:
+      return {"list-file", "remove", list};
     default:
       break;
     }
+    return {"import", someList()};
+  }
+
+  /// Writes a list that shares a third of its reels with the one before.
+  std::string someList()
+  {
     std::string list;
     const std::size_t first = names_;
     for (std::size_t i = 0; i < 60; ++i)
       list += event(static_cast<int>(i) + 1, numbered("T", first + i % 12), "V", numbered("01:00:00:", 10 + i % 10),
                     "01:00:01:00");
-    names_ += 8; // the next list shares a third of its reels with this one
+    names_ += 8;
     dir_.write("list.edl", list);
-    return {"import", "list.edl"};
+    return "list.edl";
   }
 
   std::size_t lastRevision()
@@ -147,8 +182,10 @@ protected:
 TEST_F(PowerCut, KilledCommandLeavesWhatWasThereBeforeOrAfterIt)
 {
   int before = 0, after = 0, cut = 0;
-  for (int round = 0; round < rounds(40, 400); ++round) {
-    if (round % 10 == 9)
+  std::map<std::string, int> killed; // by command
+  for (int round = 0; round < rounds(40, 2000); ++round) {
+    const bool upgrades = round % 10 == 9;
+    if (upgrades)
       takeOlderProject();
     const Words change = someChange();
     const std::string was = contents(project());
@@ -189,11 +226,15 @@ TEST_F(PowerCut, KilledCommandLeavesWhatWasThereBeforeOrAfterIt)
     if (result.code != -1) { // it was done before the kill came: what it reported is there
       ASSERT_EQ(result.code, code) << change.at(0);
       ASSERT_EQ(is, becomes) << change.at(0) << ", seed " << seed_ << ", round " << round;
+    } else {
+      ++killed[upgrades ? "upgrade" : change.at(0)];
     }
     ++(is == becomes && is != was ? after : before);
   }
   std::cout << before << " times what was before, " << after << " times what was after, " << cut << " logs cut (seed "
             << seed_ << ")\n";
+  for (const auto& [command, times] : killed)
+    std::cout << command << " killed " << times << " times\n";
   EXPECT_GT(before, 0);
   EXPECT_GT(after, 0);
   // The log is there for a moment only, between the first write and the last: few kills may all miss it, many do not.

@@ -132,7 +132,7 @@ TEST_F(Rename, LibrarysOwnLinesAreEscapedToo)
 TEST_F(Rename, NameThatCutListsUseForNoReelIsTakenWithAWarning)
 {
   const std::string warning =
-      "reeldb: BARS: accepted, but no import will find this reel by its name (its meaning in cut lists: colour "
+      "reeldb: BARS: stored, but import cannot find a reel by this name (its meaning in cut lists: colour "
       "bars)\n";
   EXPECT_EQ(reeldb({"rename", "--dry-run", "B001", "BARS"}).err, warning);
   const ProcessResult result = reeldb({"rename", "B001", "BARS"});

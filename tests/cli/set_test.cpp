@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <algorithm>
+#include <array>
 #include <filesystem>
+#include <thread>
 
 #include "cli/command_fixture.h"
 #include "cli/stored_field.h"
@@ -97,8 +100,8 @@ TEST_F(Set, UnknownFieldIsAUsageErrorThatNamesTheFields)
 
 TEST_F(Set, ArgumentWithoutEqualsSignIsAUsageError)
 {
-  expectRefusal(2, {"bin"}, "\"bin\": not of the form field=value\n");
-  expectRefusal(2, {"=x"}, "\"=x\": not of the form field=value\n");
+  expectRefusal(2, {"bin"}, "\"bin\": not of the form FIELD=VALUE\n");
+  expectRefusal(2, {"=x"}, "\"=x\": not of the form FIELD=VALUE\n");
 }
 
 TEST_F(Set, FieldGivenTwiceIsAUsageError)
@@ -111,6 +114,51 @@ TEST_F(Set, OneBadValueStoresNothing)
 {
   expectRefusal(2, {"bin=new", "available=perhaps"}, "available: ");
   EXPECT_EQ(reel("A001").at("bin"), "");
+}
+
+TEST_F(Set, FieldWithTheExpectedValueIsChanged)
+{
+  output({"set", "A001", "bin=Shelf 4", "--if", "bin="});
+  EXPECT_EQ(output({"set", "A001", "--if", "bin=Shelf 4", "bin=Shelf 5", "--if", "available=ON"}),
+            "A001: bin: Shelf 5 (was Shelf 4)\n");
+}
+
+TEST_F(Set, FieldWithAnotherValueIsAConflictThatNamesTheCommit)
+{
+  output({"set", "A001", "bin=Shelf 4"});
+  output({"set", "A001", "0=night"});
+  expectRefusal(1, {"0=day", "--if", "bin=Shelf 3"}, "A001: bin is \"Shelf 4\", not \"Shelf 3\" (changed by ");
+  expectRefusal(1, {"0=day", "--if", "0=night", "--if", "bin="}, "A001: bin is \"Shelf 4\", not empty (changed by ");
+  expectRefusal(1, {"0=day", "--if", "available=no"}, "A001: available is \"yes\", not \"no\" (changed by ");
+  const ProcessResult result = reeldb({"set", "A001", "0=day", "--if", "bin=Shelf 3", "--json"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_NE(result.err.find(", revision 3: reeldb set A001 'bin=Shelf 4')\n"), std::string::npos) << result.err;
+  const Json conflict = Json::parse(result.out);
+  EXPECT_EQ(conflict.at("id"), "A001");
+  EXPECT_EQ(conflict.at("field"), "bin");
+  EXPECT_EQ(conflict.at("expected"), "Shelf 3");
+  EXPECT_EQ(conflict.at("found"), "Shelf 4");
+  EXPECT_EQ(conflict.at("commit").at("revision"), 3);
+  EXPECT_EQ(reel("A001").at("user_fields"), Json::parse(R"({"0": "night"})"));
+}
+
+TEST_F(Set, BadExpectationIsAUsageError)
+{
+  expectRefusal(2, {"bin=x", "--if", "colour=red"}, "colour: no such field");
+  expectRefusal(2, {"bin=x", "--if", "available=maybe"}, "available: \"maybe\" is neither yes nor no\n");
+  expectRefusal(2, {"bin=x", "--if", "bin"}, "\"bin\": not of the form field=value\n");
+}
+
+TEST_F(Set, OfManyWhoExpectOneValueOneSucceeds)
+{
+  std::array<int, 6> codes{};
+  std::vector<std::thread> all;
+  for (std::size_t i = 0; i < codes.size(); ++i)
+    all.emplace_back([&, i] { codes[i] = reeldb({"set", "A001", "bin=" + std::to_string(i), "--if", "bin="}).code; });
+  for (std::thread& one : all)
+    one.join();
+  EXPECT_EQ(std::count(codes.begin(), codes.end(), 0), 1);
+  EXPECT_EQ(std::count(codes.begin(), codes.end(), 1), static_cast<int>(codes.size()) - 1);
 }
 
 TEST_F(Set, UserFieldsGoByNumberByPrefixAndByName)

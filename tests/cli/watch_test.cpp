@@ -176,6 +176,18 @@ TEST_F(Watch, CommitOfAnotherProgramIsReportedWithoutItsOrigin)
   expectSaid("1 reel gone, 1 reel renamed\nchanged R3: bin: x (was -)\n");
 }
 
+TEST_F(Watch, CommitRightBehindTheWriteOfAnotherProgramHidesNothing)
+{
+  output({"create", "R1"});
+  output({"create", "R2"});
+  watch();
+  watcher_->signal(SIGSTOP); // it finds both at once
+  store_tests::runSql(dir_.path() / "projects" / "main.reels", "UPDATE logs SET reel_id = 'R3' WHERE number = 1");
+  output({"set", "R2", "bin=x"});
+  watcher_->signal(SIGCONT);
+  expectSaid("1 reel renamed, 1 reel changed\n");
+}
+
 TEST_F(Watch, SinceARevisionReportsWhatWasStoredAndEnds)
 {
   output({"create", "R1"});
@@ -211,7 +223,9 @@ TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
   output({"project", "compact", "--before", "2"});
   result = reeldb({"watch", "--since", "1"});
   EXPECT_EQ(result.code, 1);
-  EXPECT_EQ(result.err, "reeldb: watch: the history since revision 1 is forgotten (it begins with 2)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: watch: the history does not reach back to revision 1 (it begins with 2; use --since 2 or a later "
+            "one)\n");
 }
 
 TEST_F(Watch, QuietProjectWakesNobody)

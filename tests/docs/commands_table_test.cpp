@@ -131,7 +131,7 @@ std::string table()
 {
   std::string text =
       "# Commands and operations\n\n"
-      "Every command is a face of operations in `app/`, which a page or another program calls as well. A test "
+      "Every command is a front end of operations in `app/`. Other programs can call the same operations. A test "
       "makes this table\nfrom `reeldb --help` and the sources, and says how to renew it.\n\n"
       "| command | parses and prints | operations |\n|---|---|---|\n";
   const std::map<std::string, std::string> known = operations();

@@ -77,6 +77,13 @@ TEST(Ale, AllOtherNamesOfASourceAreAliases)
   EXPECT_EQ(list.clips[1].aliases, Strings{"l"});
 }
 
+TEST(Ale, HeadingsAndColumnsThatNoClipKeepsAreNamed)
+{
+  const List list = readWhole(log("Name|Tape|Scene|Take|Reel Also Called 1|Tape|Empty", "n|T1|||x|T2\nm|T1|7\n",
+                                  "VIDEO_FORMAT|PAL\nAUDIO_FORMAT|48kHz\nFPS|25\nTAPE|T3\nFILM_FORMAT|\n"));
+  EXPECT_EQ(list.unread, (Strings{"VIDEO_FORMAT PAL", "Scene", "Tape"}));
+}
+
 TEST(Ale, BlankLinesAreOptionalAndEveryLineEndWorks)
 {
   for (const char* end : {"\n", "\r\n", "\r"}) {

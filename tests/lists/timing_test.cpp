@@ -258,7 +258,7 @@ TEST(Contradiction, DropFrameWhereTheProjectHasNone)
 {
   const List list = read("TITLE: X\nFCM: DROP FRAME\n" + line("001", "01:00:00:00", "01:00:01:00"));
   EXPECT_EQ(against(list, rate25),
-            "2: drop frame (the project has 25 frames per second, which count without): FCM: DROP FRAME");
+            "2: drop frame (the project has 25 frames per second, without drop frame): FCM: DROP FRAME");
   EXPECT_EQ(against(list, rate2997), "");
   EXPECT_EQ(against(list, rate5994), "");
 }

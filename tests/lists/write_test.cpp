@@ -140,7 +140,7 @@ TEST(Write, ClipNamesLongerThanLogsHaveAreWrittenAndWarnedAbout)
   const std::vector<Clip> clips = {clipOf("A", std::string(33, 'n'), "V", 1, 0),
                                    clipOf("A", std::string(32, 'n'), "V", 1, 0)};
   const Written written = writeAle("25", clips);
-  EXPECT_EQ(written.remarks, Strings{"1 clip names: longer than 32 characters (other programs may cut them)"});
+  EXPECT_EQ(written.remarks, Strings{"clip names longer than 32 characters: 1 (other programs may cut them)"});
   expectSame(read(written.text), clips);
 }
 
@@ -356,9 +356,10 @@ TEST(WriteAleEvents, WhatALogCannotSayOfTheCutIsWarnedAbout)
   const List list = read("TITLE: A\n" + event("001", "BL V C") + event("001", "A001 V D 024") +
                          "M2 A001 012.5 01:00:00:00\n>>> SOURCE A001 A001 4919975f.793b8d33\n");
   const Written written = writeAle("25", eventsOf(list));
-  EXPECT_EQ(written.remarks,
-            (Strings{"event numbers not written: 2 (a log has none)", "transitions not written: 1 (a log has none)",
-                     "speeds not written: 1 (a log has none)", "source ids not written: 1 (a log has none)"}));
+  EXPECT_EQ(written.remarks, (Strings{"event numbers not written: 2 (a log file cannot hold them)",
+                                      "transitions not written: 1 (a log file cannot hold them)",
+                                      "speeds not written: 1 (a log file cannot hold them)",
+                                      "source ids not written: 1 (a log file cannot hold them)"}));
   const List again = read(written.text);
   EXPECT_EQ(reels(again), Strings{"A001"});
   EXPECT_EQ(specialLines(again), 1);

@@ -87,24 +87,26 @@ host_check::Report check(const fs::path& library, const std::vector<std::string>
 int main(int argc, char** argv)
 {
   CLI::App app(
-      "Lists the symbols that the reel database needs from a host and that the host lacks, or has only with\n"
-      "other parameters. Results, layouts and the order of virtual functions are not part of a symbol; use the\n"
-      "host contract suite for these.",
+      "Lists the symbols that the reel database needs from its host, and that the host does not have, or has only\n"
+      "with other parameters. Results, layouts and the order of virtual functions are not part of a symbol: the\n"
+      "host contract suite checks these.",
       "reeldb-host-check");
   std::vector<std::string> hosts;
   std::string library;
   bool json = false, list = false, stubs = false;
-  app.add_option("LIB", hosts, "the libraries that the host consists of; also a program that is a host")->type_name("");
-  app.add_option("--library", library, "the reel database; by default the one of this program's installation")
+  app.add_option("LIB", hosts, "The libraries that the host consists of, or a program that is a host")->type_name("");
+  app.add_option("--library", library, "The reel database; by default the one of this program's installation")
       ->type_name("FILE");
-  app.add_flag("--json", json, "report as JSON");
-  app.add_flag("--list", list,
-               "list the missing symbols and nothing else; without LIB, all symbols that a host has to provide");
+  app.add_flag("--json", json, "Report as JSON");
+  app.add_flag("--list", list, "List only the missing symbols; without LIB, all symbols that a host has to provide");
   app.add_flag("--stubs", stubs,
-               "print a C++ source with a stub for each operation of every class of which something is missing; "
-               "without LIB, for a complete host");
-  app.footer("Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"
-             "A list and stubs that could be printed give 0.");
+               "Print a C++ source with a stub for each missing function and for each function of a class that is not "
+               "complete; without LIB, for a complete host");
+  app.footer("Exit codes: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"
+             "A list and stubs give 0 even if symbols are missing.");
+  app.failure_message([](const CLI::App*, const CLI::Error& error) {
+    return std::string("reeldb-host-check: ") + error.what() + " (see reeldb-host-check --help)\n";
+  });
   try {
     app.parse(argc, argv);
     if (hosts.empty() && !list && !stubs)

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
 #include "app/diff.h"
@@ -185,6 +186,15 @@ TEST(Json, ChangedReelNamesFieldsAsReportsAlwaysHave)
   EXPECT_EQ(fromJson<ChangedReel>(jsonText(changed)).changes.front().field, "label-map");
 }
 
+TEST(Json, ConflictHasTheCommitIfItIsKnown)
+{
+  FieldConflict conflict{"A001", "bin", "Shelf 4", "", {}};
+  expectJson(conflict, R"({"id": "A001", "field": "bin", "expected": "Shelf 4", "found": ""})");
+  conflict.commit.emplace().revision = 7;
+  EXPECT_EQ(nlohmann::json::parse(jsonText(conflict)).at("commit").at("revision"), 7);
+  EXPECT_EQ(fromJson<FieldConflict>(jsonText(conflict)).commit->revision, 7);
+}
+
 TEST(Json, RenamedReel)
 {
   expectJson(Renamed{"A001", "B001", false, true, {sampleShot()}, {}},
@@ -322,7 +332,7 @@ TEST(Json, Deletions)
                     .dump(2) +
                 "\n");
   expectJson(Undeleted{{"A001"}, 2}, R"({"reels": ["A001"], "shots": 2})");
-  expectJson(Compacted{3}, R"({"gone": 3})");
+  expectJson(Compacted{3, 1}, R"({"gone": 3, "lists": 1})");
 }
 
 TEST(Json, TheFacility)
@@ -401,7 +411,7 @@ void expectRefused(const std::string& text)
     ADD_FAILURE() << text << ": was read";
   } catch (const Error& error) {
     EXPECT_EQ(error.kind(), ErrorKind::Unreadable);
-    EXPECT_EQ(std::string(error.what()).rfind("JSON: not a report of this kind (", 0), 0u) << error.what();
+    EXPECT_EQ(std::string(error.what()).rfind("JSON: not of the expected form (", 0), 0u) << error.what();
   }
 }
 
@@ -415,7 +425,7 @@ TEST(FromJson, TextThatIsNotJsonIsRefused)
 TEST(FromJson, MissingKeyOrAnotherTypeIsRefused)
 {
   expectRefused<Compacted>("{}");
-  expectRefused<Compacted>(R"({"gone": "three"})");
+  expectRefused<Compacted>(R"({"gone": "three", "lists": 1})");
   expectRefused<Compacted>("[]");
   expectRefused<std::vector<Reel>>("{}");
 }
@@ -432,7 +442,7 @@ TEST(FromJson, UnknownWordOrNumberOfAUserFieldIsRefused)
 
 TEST(FromJson, UnknownKeysAreSkipped)
 {
-  EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "new": [1, 2]})").gone, 3);
+  EXPECT_EQ(fromJson<Compacted>(R"({"gone": 3, "lists": 0, "new": [1, 2]})").gone, 3);
 }
 
 } // namespace

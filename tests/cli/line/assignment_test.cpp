@@ -11,20 +11,20 @@ namespace {
 
 TEST(ParseAssignment, FirstEqualsSignDivides)
 {
-  const reeldb::app::Assignment assignment = parseAssignment("bin=a=b");
+  const reeldb::app::Assignment assignment = parseAssignment("bin=a=b", "A=B");
   EXPECT_EQ(assignment.field, "bin");
   EXPECT_EQ(assignment.value, "a=b");
 }
 
 TEST(ParseAssignment, ValueMayBeEmpty)
 {
-  EXPECT_EQ(parseAssignment("bin=").value, "");
+  EXPECT_EQ(parseAssignment("bin=", "A=B").value, "");
 }
 
 bool isInvalid(const std::string& argument)
 {
   try {
-    parseAssignment(argument);
+    parseAssignment(argument, "A=B");
     return false;
   } catch (const reeldb::app::Error& error) {
     return error.kind() == reeldb::app::ErrorKind::Invalid;

@@ -174,7 +174,7 @@ TEST_P(Database, AnUnknownTypeTextIsNotAReel)
 
 TEST_P(Database, AnUnknownFieldIsNullInEveryRow)
 {
-  PROMISE("host/projdb.h", "For an unknown name, a number for which get_field returns null.");
+  PROMISE("host/projdb.h", "If the name is unknown: a number for which get_field returns null.");
   host().openEmptyProject("A");
   dbrecord* const row = (*EditManager::getProjdb())[host().addLog(codes::reelLog, "R1")];
   ASSERT_NE(row, nullptr);

@@ -23,9 +23,8 @@ private:
 
 TEST_P(Deferral, AThreadHasOneNumberAndAnotherThreadAnother)
 {
-  PROMISE(
-      "host/action.h",
-      "so these bits must differ between threads. They are not 0 on any thread: `glib_pid` is 0 before the start-up.");
+  PROMISE("host/action.h", "so these bits must differ between threads. They must not be 0 on any thread, because "
+                           "`glib_pid` is 0 before the start-up.");
   const int own = co_pid();
   EXPECT_EQ(co_pid(), own);
   int others[2] = {};

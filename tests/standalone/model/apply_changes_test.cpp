@@ -95,6 +95,11 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Stores, ApplyChanges, testing::Bool(),
                          [](const auto& which) { return std::string(which.param ? "Feed" : "NoFeed"); });
 
+/// What only a store with a feed knows.
+class ApplyChangesWithAFeed : public ApplyChanges {};
+INSTANTIATE_TEST_SUITE_P(Stores, ApplyChangesWithAFeed, testing::Values(true),
+                         [](const auto&) { return std::string("Feed"); });
+
 TEST_P(ApplyChanges, NothingWithoutACommitOfOthers)
 {
   makeLogs();
@@ -220,18 +225,90 @@ TEST_P(ApplyChanges, WaitWhileALogIsOpen)
   EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
 }
 
-TEST_P(ApplyChanges, ChangesThatAreNotStoredStayAndAreInTheWay)
+TEST_P(ApplyChanges, ChangesThatAreNotStoredStay)
 {
   makeLogs();
   rename(first_, "R5");
   reelhost::idle();
   elsewhere_->commitLogs({with(2, "bin", "shelf 1")});
-  EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }),
-            "Busy: " + file_.string() +
-                ": changed by another process, and changes made here are not stored (read it again)");
+  if (GetParam()) {
+    EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+    EXPECT_EQ(fieldOf(second_, "bin"), "shelf 1");
+  } else {
+    EXPECT_EQ(errorOf([] { applyChangesFromElsewhere(); }),
+              "Busy: " + file_.string() +
+                  ": changed by another process, and changes made here are not stored (read it again)");
+    EXPECT_EQ(fieldOf(second_, "bin"), "<absent>");
+  }
   EXPECT_EQ(reelIdOf(first_), "R5");
-  EXPECT_TRUE(reelhost::reloadIfChangedElsewhere());
-  EXPECT_EQ(reelIdOf(first_), "R1");
+  EXPECT_EQ(reelhost::reloadIfChangedElsewhere(), !GetParam());
+  EXPECT_EQ(reelIdOf(first_), GetParam() ? "R5" : "R1");
+}
+
+TEST_P(ApplyChanges, ChangeToAStateThatOthersHaveChangedWhileItWasReadIsRefused)
+{
+  makeLogs();
+  reelhost::projectStoreToRead();
+  elsewhere_->commitLogs({with(1, "bin", "shelf 1")});
+  EXPECT_EQ(errorOf([this] { rename(first_, "R5"); }),
+            "Busy: " + file_.string() + ": changed by another process since it was read (read it again)");
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  rename(first_, "R5");
+  reelhost::commit();
+  EXPECT_EQ(elsewhere_->stored(1).fields, (reelhost::KeyValues{{"reelid", "R5"}, {"bin", "shelf 1"}}));
+}
+
+TEST_P(ApplyChanges, NumbersOfLogsThatWaitAreNotGivenToOthers)
+{
+  makeLogs();
+  const Cookie waiting = addLog(9, "R4");
+  reelhost::idle();
+  const Cookie later = addLog(9, "R5");
+  reelhost::idle();
+  elsewhere_->read([](reelhost::Store& store) { EXPECT_EQ(store.nextNumber(), 6); });
+  reelhost::idle();
+  EXPECT_TRUE(reelhost::commit());
+  EXPECT_EQ(elsewhere_->stored(reelhost::logNumber(waiting)).fields, (reelhost::KeyValues{{"reelid", "R4"}}));
+  EXPECT_EQ(elsewhere_->stored(reelhost::logNumber(later)).fields, (reelhost::KeyValues{{"reelid", "R5"}}));
+}
+
+TEST_P(ApplyChanges, NumbersOfListsThatWaitAreNotGivenToOthers)
+{
+  makeLogs();
+  reelhost::KeptList list;
+  list.format = "edl";
+  const std::int64_t number = reelhost::keepList(list, "bytes");
+  reelhost::idle();
+  elsewhere_->read([&](reelhost::Store& store) { EXPECT_EQ(store.lists()->nextListNumber(), number + 1); });
+  EXPECT_TRUE(reelhost::commit());
+}
+
+/// Lets others commit right after it was asked whether they have.
+class LateCommit : public ForwardingStore {
+public:
+  using ForwardingStore::ForwardingStore;
+  bool changedElsewhere() override
+  {
+    const bool changed = ForwardingStore::changedElsewhere();
+    if (const auto commit = std::exchange(lateCommit, nullptr))
+      commit();
+    return changed;
+  }
+  std::function<void()> lateCommit;
+};
+
+TEST_P(ApplyChangesWithAFeed, ChangeToAStateThatOthersChangeRightAfterTheQuestionIsRefused)
+{
+  makeLogs();
+  auto store = std::make_unique<LateCommit>(reelhost::makeSqliteStore(file_));
+  LateCommit& late = *store;
+  reelhost::openProject(std::move(store), Access::Write);
+  reelhost::idle();
+  late.lateCommit = [this] { elsewhere_->commitLogs({with(1, "bin", "shelf 1")}); };
+  EXPECT_EQ(errorOf([this] { rename(first_, "R5"); }),
+            "Busy: " + file_.string() + ": changed by another process since it was read (read it again)");
+  EXPECT_EQ(applyChangesFromElsewhere().state, State::Applied);
+  EXPECT_EQ(fieldOf(first_, "bin"), "shelf 1");
 }
 
 TEST_P(ApplyChanges, ListenerThatThrowsFindsEverythingApplied)

@@ -138,10 +138,10 @@ TEST_F(DeletionTest, CompactEmptiesTheTrashForGood)
   reelhost::commit();
   reelhost::deleteLogs(these({second}));
   reelhost::commit();
-  EXPECT_EQ(reelhost::compact(), 2);
+  EXPECT_EQ(reelhost::compact().logs, 2);
   storeAndReopen();
   EXPECT_EQ(reelhost::undelete(), 0);
-  EXPECT_EQ(reelhost::compact(), 0);
+  EXPECT_EQ(reelhost::compact().logs, 0);
   EXPECT_FALSE(reelhost::hasChanges());
 }
 

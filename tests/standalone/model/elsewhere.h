@@ -12,10 +12,11 @@
 
 namespace reeldb_tests {
 
-/// Commits to a project file by a connection of its own, as another process makes them.
+/// Commits to a project file by a connection of its own, or to a store, as another process would.
 class Elsewhere {
 public:
   explicit Elsewhere(const std::filesystem::path& file) : store_(reelhost::makeSqliteStore(file)) {}
+  explicit Elsewhere(std::shared_ptr<reelhost::Store> store) : store_(std::move(store)) {}
 
   void commit(const reelhost::Changes& changes)
   {
@@ -42,16 +43,24 @@ public:
       if (log.number == number)
         found = std::move(log);
     };
-    store_->begin(reelhost::Access::Read, patience);
-    store_->readReels(take);
-    store_->readOthers(take);
-    store_->end();
+    read([&](reelhost::Store& store) {
+      store.readReels(take);
+      store.readOthers(take);
+    });
     return found;
+  }
+  /// Reads with @p work, which takes the store.
+  template <class Work>
+  void read(Work work)
+  {
+    store_->begin(reelhost::Access::Read, patience);
+    work(*store_);
+    store_->end();
   }
 
 private:
   static constexpr std::chrono::seconds patience{5};
-  std::unique_ptr<reelhost::Store> store_;
+  std::shared_ptr<reelhost::Store> store_;
 };
 
 } // namespace reeldb_tests

@@ -142,7 +142,7 @@ std::string HostTest::typeNameOf(const Cookie& log)
 
 std::string HostTest::errorOf(const std::function<void()>& work)
 {
-  static const char* const kinds[] = {"NotFound", "Refused", "ReadOnly", "Busy", "Unreadable", "Io"};
+  static const char* const kinds[] = {"NotFound", "Refused", "ReadOnly", "Busy", "Unreadable", "Io", "Conflict"};
   try {
     work();
   } catch (const Error& error) {

@@ -101,6 +101,21 @@ TEST_F(ListsTest, RemovedListIsGoneAndItsShotStays)
   EXPECT_TRUE(opens(shot));
 }
 
+TEST_F(ListsTest, CompactRemovesARemovedListForGood)
+{
+  keep("a.edl", {});
+  reelhost::commit();
+  const reelhost::Digest digest = reelhost::keptLists().at(0).digest;
+  reelhost::removeList(1);
+  reelhost::commit();
+  EXPECT_EQ(reelhost::bytesOfList(digest), "bytes of a.edl");
+  EXPECT_EQ(reelhost::compact().lists, 1);
+  reelhost::commit();
+  EXPECT_EQ(errorOf([&] { reelhost::bytesOfList(digest); }), "NotFound: memory: no list with these bytes");
+  EXPECT_EQ(reelhost::compact().lists, 0);
+  EXPECT_FALSE(reelhost::hasChanges());
+}
+
 TEST_F(ListsTest, UnstoredListIsGoneWhenTheProjectIsClosed)
 {
   keep("a.edl", {addLog(1, "R1")});
@@ -132,6 +147,19 @@ TEST_F(ListsTest, DeletedShotTakesItsEventsAlongAndUndeleteBringsThemBack)
   reelhost::commit();
   EXPECT_EQ(lines(1), (Lines{10, 20, 30}));
   EXPECT_TRUE(opens(one));
+}
+
+TEST_F(ListsTest, UndeleteWaitsForAListThatIsNotStoredYet)
+{
+  const Cookie shot = addLog(1, "R1");
+  keep("a.edl", {shot});
+  reelhost::commit();
+  remove({shot});
+  reelhost::commit();
+  keep("b.edl", {}, 1);
+  EXPECT_EQ(errorOf([] { reelhost::undelete(); }),
+            "Refused: memory: cannot undelete (a change of a list is not stored yet)");
+  EXPECT_EQ(files(), Texts{"b.edl"});
 }
 
 TEST_F(ListsTest, EventsOfEachOfTwoDeletionsComeBackByThemselves)

@@ -247,7 +247,8 @@ TEST_F(TakeBack, WhatCompactRemovedCannotBeTakenBack)
   reelhost::commit();
   reelhost::compact();
   reelhost::commit();
-  const std::string refusal = " cannot be taken back (project compact has removed what it deleted)";
+  const std::string refusal = " cannot be taken back (project compact has removed what it deleted; undo "
+                              "REVISION takes an earlier one back)";
   EXPECT_EQ(errorOf([] { takeBack(3); }), "Refused: memory: revision 3" + refusal);
   EXPECT_EQ(errorOf([] { takeBack(2); }), "Refused: memory: revision 2" + refusal);
   EXPECT_FALSE(takeBack(1).anything()); // its log is gone anyway
@@ -277,6 +278,43 @@ TEST_F(TakeBack, ProjectWithoutHistorySaysSo)
   reelhost::commit();
   EXPECT_EQ(errorOf([] { reelhost::undelete(); }), refusal);
   EXPECT_EQ(errorOf([] { reelhost::compact(); }), refusal);
+}
+
+/// Counts how often the history is asked for while no use of the project is begun.
+class StoreWithUses final : public ForwardingStore {
+public:
+  using ForwardingStore::ForwardingStore;
+  void begin(reelhost::Access access, std::chrono::milliseconds busyTimeout) override
+  {
+    ForwardingStore::begin(access, busyTimeout);
+    isUsed_ = true;
+  }
+  void end() noexcept override
+  {
+    ForwardingStore::end();
+    isUsed_ = false;
+  }
+  reelhost::History* history() override
+  {
+    outsideAUse += isUsed_ ? 0 : 1;
+    return ForwardingStore::history();
+  }
+  int outsideAUse = 0;
+
+private:
+  bool isUsed_ = false;
+};
+
+TEST_F(TakeBack, ReadsTheHistoryInAUseAlsoAfterIdle)
+{
+  addLog(9, "R1");
+  reelhost::commit();
+  auto store = std::make_unique<StoreWithUses>(kept());
+  const StoreWithUses& uses = *store;
+  reelhost::openProject(std::move(store), reelhost::Access::Read);
+  reelhost::idle();
+  EXPECT_EQ(takeBack(1).removed, 1);
+  EXPECT_EQ(uses.outsideAUse, 0);
 }
 
 // --- Who and what --------------------------------------------------------------------------------
@@ -325,13 +363,14 @@ TEST_F(TakeBack, FacilityWithoutNamesKeepsNeitherNamesNorFolders)
   const TempFolder folder;
   folder.write("facility.toml", "[history]\nnames = false\n");
   reelhost::useFacility(reelhost::Facility::read(folder.path()));
-  reelhost::setCommandLine("prog", {"prog", "-C", "/home/anna/site/", "import", "../cuts/a b.edl",
-                                    "--output=/home/anna/x.edl", "name=24/25", "/"});
+  reelhost::setCommandLine("prog",
+                           {"prog", "-C", "/home/anna/site/", "import", "../cuts/a b.edl", "--output=/home/anna/x.edl",
+                            "name=24/25", "/", "bin=/shelf/3", "-o/tmp/x", "-o=/tmp/y", "/home/a=b/c", "-/d/e"});
   const reelhost::Origin origin = reelhost::currentOrigin();
   reelhost::setCommandLine("", {});
   reelhost::useFacility(reelhost::Facility());
   EXPECT_EQ(origin.user + origin.machine + origin.folder, "");
-  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl 25 /");
+  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl name=25 / bin=3 -ox -o=y c e");
   EXPECT_EQ(origin.program, "prog");
 }
 

@@ -47,6 +47,15 @@ TEST(Deflate, BytesThatAreNotWholeOrNotDeflatedAreRefused)
   EXPECT_FALSE(inflated(changed).has_value());
 }
 
+TEST(Deflate, MoreThanTheLargestSizeIsRefused)
+{
+  for (const std::size_t size : {100u, 100'000u}) {
+    const std::string stored = deflated(std::string(size, 'x'));
+    EXPECT_TRUE(inflated(stored, size).has_value());
+    EXPECT_FALSE(inflated(stored, size - 1).has_value());
+  }
+}
+
 TEST(Deflate, DigestIsThatOfTheStandard)
 {
   const auto hex = [](const Digest& digest) {

@@ -156,12 +156,35 @@ TEST_P(FeedContract, SinceBeforeTheFirstRevisionEverythingIsNew)
   EXPECT_EQ(numbersOf(delta), Numbers{1});
 }
 
-TEST_P(FeedContract, WholeWithoutARevisionSince)
+TEST_P(FeedContract, WholeAsLongAsThereIsNoRevision)
 {
   const auto project = make();
   EXPECT_TRUE(since(*project, {}).whole);
+}
+
+TEST_P(FeedContract, NothingDiffersWithoutARevisionSince)
+{
+  const auto project = make();
   store(*project, logChanges({exampleLog(1, 9)}));
-  EXPECT_TRUE(since(*project, position(*project)).whole);
+  const Delta delta = since(*project, position(*project));
+  EXPECT_FALSE(delta.whole);
+  EXPECT_EQ(numbersOf(delta), Numbers{});
+  EXPECT_EQ(goneIn(delta), Numbers{});
+  EXPECT_FALSE(delta.options);
+}
+
+TEST_P(FeedContract, ReservationIsNoChange)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  const FeedPosition before = position(*project);
+  Changes reservation;
+  reservation.reservedLogs = 3;
+  store(*project, reservation);
+  EXPECT_EQ(position(*project), before);
+  store(*project, logChanges({exampleLog(4, 9)}));
+  store(*project, logChanges({exampleLog(2, 9)}));
+  EXPECT_EQ(numbersOf(since(*project, before)), (Numbers{2, 4}));
 }
 
 TEST_P(FeedContract, WholeSinceAStateOfAnotherProject)

@@ -185,7 +185,28 @@ TEST_F(FileWatchTest, ProgramThatKeepsNoHistoryIsNoticedAndWhole)
   EXPECT_TRUE(delta().whole);
 }
 
-TEST_F(FileWatchTest, ProjectThatGaveItsSpaceBackIsNoticed)
+TEST_F(FileWatchTest, EachWriteOfSuchAProgramIsWholeAlsoWithACommitBehindIt)
+{
+  storeElsewhere(1);
+  runSql(file(), "INSERT INTO fields VALUES(1, 'bin', 'x')");
+  EXPECT_TRUE(noticesACommit());
+  delta();
+  for (const char* sql :
+       {"UPDATE logs SET name = 'by hand'", "UPDATE fields SET value = 'y' WHERE log = 1", "DELETE FROM fields",
+        "INSERT INTO fields VALUES(1, 'bin', 'x')", "INSERT INTO options VALUES('o', 'x')",
+        "UPDATE options SET value = 'y'", "DELETE FROM options",
+        "INSERT INTO logs SELECT 100, type, uuid, tag, kind, imported, entire_medium, name, reel_type, video, audio, "
+        "reel_id, source_file, source_in, source_out, record_in, record_out, tracks, aliases FROM logs LIMIT 1",
+        "DELETE FROM logs WHERE number = 100"}) {
+    runSql(file(), sql);
+    storeElsewhere(2);
+    EXPECT_TRUE(delta().whole) << sql;
+    storeElsewhere(3);
+    EXPECT_FALSE(delta().whole) << sql;
+  }
+}
+
+TEST_F(FileWatchTest, ProjectThatGaveItsSpaceBackIsNoticedAndTheSame)
 {
   storeElsewhere(1);
   EXPECT_TRUE(noticesACommit());
@@ -196,7 +217,9 @@ TEST_F(FileWatchTest, ProjectThatGaveItsSpaceBackIsNoticed)
   });
   EXPECT_EQ(other.waitForExit(), 0);
   EXPECT_TRUE(noticesACommit());
-  EXPECT_TRUE(delta().whole);
+  const Delta same = delta();
+  EXPECT_FALSE(same.whole);
+  EXPECT_TRUE(same.logs.empty() && same.gone.empty() && !same.options);
 }
 
 TEST_F(FileWatchTest, ReadersAndOtherFilesWakeNobodyForLong)

@@ -77,9 +77,13 @@ TEST(ListImage, WhatIsNotAnImageIsRefused)
   const std::string image = imageOf(list);
   for (std::size_t size = 0; size < image.size(); ++size)
     EXPECT_FALSE(listFrom(1, std::string_view(image).substr(0, size)).has_value()) << size;
-  for (const std::string& text : {""s, "x\0"s, "-1\0"s, "2\0shot\0001\0"s, "1\0shot\0x\0"s, "1\0shot\0001"s,
-                                  "1\0colour\0red\0"s, "9999999999\0shot\0001\0"s})
-    EXPECT_FALSE(eventsFrom(deflated(text)).has_value()) << text;
+  for (const std::string& text :
+       {""s, "x\0"s, "-1\0"s, "2\0shot\0001\0"s, "1\0shot\0x\0"s, "1\0shot\0001"s, "1\0colour\0red\0"s,
+        "9999999999\0shot\0001\0"s, "1\0line\0002147483648\0"s, "1\0part\0002147483647\0"s,
+        "1\0part\0009223372036854775807\0"s, "1\0reel_field\0-2147483649\0"s, "1\0video\0004294967296\0"s,
+        "1\0drop_frame\0002\0"s, "1\0shot\0009223372036854775807\0"s, "2\0shot\0009223372036854775807\0001\0"s,
+        "2\0line\0002147483647\0001\0"s, "5000000\0shot\0"s + std::string(5'000'000, '\0')})
+    EXPECT_FALSE(eventsFrom(deflated(text)).has_value()) << text.substr(0, 40);
   EXPECT_FALSE(eventsFrom("text").has_value());
 }
 

@@ -176,6 +176,19 @@ TEST_F(SqliteWrapper, MovedFileIsNoticed)
   EXPECT_TRUE(database.moved());
 }
 
+TEST_F(SqliteWrapper, CopyToAFileThatAnotherHoldsFails)
+{
+  const std::string copy = file() + ".copy";
+  writeBytes(copy, "");
+  Database holder(copy, Database::Mode::ReadWrite);
+  holder.execute("BEGIN IMMEDIATE; CREATE TABLE other(a)");
+  Database database(file(), Database::Mode::ReadWrite);
+  EXPECT_EQ(failureOf([&] { database.copyTo(copy); }).cause(), Cause::Busy);
+  holder.execute("ROLLBACK");
+  database.copyTo(copy);
+  EXPECT_EQ(runSql(copy, "SELECT count(*) FROM t"), "2");
+}
+
 TEST_F(SqliteWrapper, LogIsKeptOnCloseWhenAsked)
 {
   runSql(file(), "PRAGMA journal_mode = WAL");

@@ -5,6 +5,7 @@
 #include <climits>
 #include <memory>
 #include <stdexcept>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -355,6 +356,28 @@ TEST_P(StoreContract, CommitWithoutChangesChangesNothing)
   EXPECT_EQ(reelsOf(*project), std::vector<std::string>{describe(exampleLog(1, 9))});
   EXPECT_EQ(options(*project), (KeyValues{{"a", "b"}}));
   EXPECT_EQ(nextNumber(*project), 2);
+}
+
+TEST_P(StoreContract, ReservedNumbersAreNotGivenOutAndCanBeUsed)
+{
+  const auto project = make();
+  store(*project, logChanges({exampleLog(1, 9)}));
+  Changes reservation;
+  reservation.reservedLogs = 3;
+  reservation.reservedLists = 2;
+  store(*project, reservation);
+  EXPECT_EQ(nextNumber(*project), 4);
+  if (Lists* const lists = project->lists()) {
+    EXPECT_EQ(in(*project, [&] { return lists->nextListNumber(); }), 3);
+  }
+  store(*project, logChanges({exampleLog(4, 9)}));
+  store(*project, logChanges({exampleLog(2, 9), exampleLog(3, 1)}));
+  EXPECT_EQ(nextNumber(*project), 5);
+  EXPECT_EQ(numbersOf(*project), (std::vector<std::int64_t>{1, 2, 4, 3}));
+  reservation.reservedLogs = 1; // lower than before
+  store(*project, reservation);
+  EXPECT_EQ(nextNumber(*project), 5);
+  EXPECT_EQ(project->check(), std::vector<std::string>{});
 }
 
 TEST_P(StoreContract, UseForWritingSeesTheProjectAndEndKeepsIt)
@@ -764,6 +787,17 @@ TEST_P(HistoryContract, LogWrittenAndDeletedInOneHasTwoRevisions)
   EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"1: a -> none"});
 }
 
+TEST_P(HistoryContract, ForgettingMoreThanThereIsKeepsWhatTheSameCommitChanged)
+{
+  const auto project = make();
+  store(*project, logChanges({named(1, "a")}));
+  Changes changes = logChanges({named(1, "b")});
+  changes.forgetBefore = 1000;
+  store(*project, changes);
+  EXPECT_EQ(summaries(revisionsOf(*project)), Texts{"2: 0 1 0"});
+  EXPECT_EQ(described(changesOf(*project, 2).logs), Texts{"1: a -> b"});
+}
+
 TEST_P(HistoryContract, CompactForgetsDeletedLogsAndKeepsTheRevisions)
 {
   const auto project = make();
@@ -814,14 +848,16 @@ TEST_P(HistoryContract, ChangedLogsAreThoseOfEachRevision)
   store(*project, logChanges({named(1, "a"), named(2, "b")}));
   store(*project, logChanges({named(2, "b2"), named(3, "c")}));
   remove(*project, {1});
-  std::vector<std::pair<std::int64_t, std::int64_t>> changed;
+  undelete(*project);
+  std::vector<std::tuple<std::int64_t, std::int64_t, bool>> changed;
   in(*project, [&] {
     project->history()->readChangedLogs(
-        [&](std::int64_t revision, std::int64_t log) { changed.emplace_back(revision, log); });
+        [&](std::int64_t revision, std::int64_t log, bool isNew) { changed.emplace_back(revision, log, isNew); });
     return 0;
   });
   std::sort(changed.begin(), changed.end());
-  EXPECT_EQ(changed, (decltype(changed){{1, 1}, {1, 2}, {2, 2}, {2, 3}, {3, 1}}));
+  EXPECT_EQ(changed,
+            (decltype(changed){{1, 1, true}, {1, 2, true}, {2, 2, false}, {2, 3, true}, {3, 1, false}, {4, 1, false}}));
 }
 
 TEST_P(ListsContract, NewProjectKeepsNoList)
@@ -978,7 +1014,10 @@ TEST_P(ListsContract, CompactForgetsRemovedListsAndTheirBytes)
   store(*project, listChanges({exampleList(2, {1})}));
   removeLists(*project, {1});
   EXPECT_TRUE(hasBytes(*project, 1));
+  const auto removedLists = [&] { return in(*project, [&] { return project->history()->removedListCount(); }); };
+  EXPECT_EQ(removedLists(), 1);
   compact(*project);
+  EXPECT_EQ(removedLists(), 0);
   EXPECT_TRUE(changesOf(*project, 4).lists.at(0).forgotten);
   EXPECT_FALSE(changesOf(*project, 3).lists.at(0).forgotten);
   EXPECT_FALSE(hasBytes(*project, 1));

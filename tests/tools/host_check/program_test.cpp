@@ -38,6 +38,13 @@ TEST(HostCheck, TheStandaloneHostHasAll)
   EXPECT_EQ(result.err, "");
 }
 
+TEST(HostCheck, NoLibraryIsAUsageError)
+{
+  const ProcessResult result = check({});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb-host-check: LIB is required (see reeldb-host-check --help)\n");
+}
+
 TEST(HostCheck, LibraryThatImportsNothingIsNotTheReelDatabase)
 {
   const ProcessResult result = check({"--library", HOST_VALUES, STANDALONE_HOST});
@@ -193,7 +200,7 @@ TEST(HostCheck, HelpListsTheExitCodes)
 {
   const ProcessResult result = check({"--help"});
   EXPECT_EQ(result.code, 0);
-  EXPECT_TRUE(holds(result.out, "Exit code: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"))
+  EXPECT_TRUE(holds(result.out, "Exit codes: 0 all symbols are there, 1 some are missing, 2 the check failed.\n"))
       << result.out;
   EXPECT_EQ(result.err, "");
 }
