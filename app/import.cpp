@@ -99,8 +99,9 @@ public:
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
-    for (const KnownShot& known : names_.shots())
-      shots_.emplace(shotKey(known.shot), reelhost::logNumber(known.log));
+    shots_ = names_.shots();
+    for (std::size_t i = 0; i < shots_.size(); ++i)
+      byKey_.emplace(shotKey(shots_[i].shot), i);
   }
 
   const std::vector<ReelMove>& moves() const { return moves_; }
@@ -109,7 +110,6 @@ public:
   {
     ImportedList result;
     result.file = file.path;
-    reelOfShot_.clear();
     const CreatedReels listener([&](const std::string& id) {
       addReel(id);
       result.created.push_back(id);
@@ -129,11 +129,13 @@ public:
     for (std::size_t i = 0; i < clips.size(); ++i) {
       const Shot& clip = clips[i];
       const std::int64_t known = places[i] ? before.shots[*places[i]] : 0;
-      const std::string reel = known == 0 ? clip.reel : reelOf(known);
+      const std::string reel = known == 0 ? clip.reel : shots_[placeOf(known)].shot.reel;
       const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       std::string key = shotKey(clip);
       const bool repeated = !metShots.insert(key).second;
       const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
+      if (known != 0 && before.list.digest != digest)
+        noteName(placeOf(known), clip);
       shots.push_back(shot);
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
@@ -187,15 +189,10 @@ private:
       spellings.push_back({name.reel, name.name});
   }
 
-  /// The shot of a clip that has the reel. It keeps the name that its list gave it, unless that is the same and whole.
   static Shot namedShot(const lists::Clip& clip, const std::string& reel)
   {
     Shot shot = clip;
-    const bool isSame = base::sameName(clip.reel, reel);
-    if (shot.ownName.empty() && (!isSame || clip.mayBeCut))
-      shot.ownName = clip.reel;
-    if (!isSame) // a shot keeps the spelling of its list
-      shot.reel = reel;
+    setReel(shot, reel, namesOf(clip));
     return shot;
   }
 
@@ -215,19 +212,34 @@ private:
   /// created.
   std::pair<std::int64_t, bool> bringIn(const Shot& clip, std::string key)
   {
-    const auto [shot, isNew] = shots_.emplace(std::move(key), 0);
-    if (isNew)
-      shot->second = reelhost::logNumber(reelhost::importMaterial(materialFrom(clip)));
-    return {shot->second, isNew};
+    const auto [place, isNew] = byKey_.emplace(std::move(key), shots_.size());
+    if (isNew) {
+      shots_.push_back({reelhost::importMaterial(materialFrom(clip)), clip});
+      if (!byNumber_.empty())
+        byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
+    } else {
+      noteName(place->second, clip);
+    }
+    return {reelhost::logNumber(shots_[place->second].log), isNew};
   }
 
-  /// The reel of a shot that existed before the file was imported.
-  const std::string& reelOf(std::int64_t shot)
+  /// Lets the shot keep the name that the clip's list gives its source: the names of one shot may be two reels later.
+  void noteName(std::size_t place, const Shot& clip)
   {
-    if (reelOfShot_.empty())
-      for (const Cookie& log : reelhost::allShots())
-        reelOfShot_.emplace(reelhost::logNumber(log), reelhost::materialOf(log).reel);
-    return reelOfShot_[shot];
+    KnownShot& known = shots_[place];
+    if (names_.find(ownNameOf(clip), clip.sourceId).match == lists::Match::Decided)
+      return; // the reel keeps that name
+    if (addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}))
+      reelhost::changeMaterial(known.log, materialFrom(known.shot));
+  }
+
+  /// The place of a shot that existed before this list.
+  std::size_t placeOf(std::int64_t shot)
+  {
+    if (byNumber_.empty())
+      for (std::size_t i = 0; i < shots_.size(); ++i)
+        byNumber_.emplace(reelhost::logNumber(shots_[i].log), i);
+    return byNumber_.at(shot);
   }
 
   /// Notes a kept list of which this one seems to be another version.
@@ -289,10 +301,11 @@ private:
   std::vector<ReelMove> moves_;
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
   std::unordered_map<std::string, std::string> reels_;
-  std::unordered_map<std::string, std::int64_t> shots_;      ///< the numbers of the shots by their keys
-  std::unordered_map<std::int64_t, std::string> reelOfShot_; ///< filled when it is needed
-  std::set<std::int64_t> replacedShots_;                     ///< of versions that gave their place to another
-  std::int64_t lastBefore_ = 0;                              ///< the highest number of a log before the import
+  std::vector<KnownShot> shots_;
+  std::unordered_map<std::string, std::size_t> byKey_;     ///< the places of the shots by their keys
+  std::unordered_map<std::int64_t, std::size_t> byNumber_; ///< by their numbers; filled when it is needed
+  std::set<std::int64_t> replacedShots_;                   ///< of versions that gave their place to another
+  std::int64_t lastBefore_ = 0;                            ///< the highest number of a log before the import
 };
 
 } // namespace

@@ -19,23 +19,6 @@ namespace {
 
 using lists::Match;
 
-constexpr int noDevice = -1;
-
-const std::string& ownNameOf(const Shot& shot)
-{
-  return shot.ownName.empty() ? shot.reel : shot.ownName;
-}
-
-void noteMove(std::vector<ReelMove>& moves, const std::string& from, const std::string& to, std::size_t shots)
-{
-  const auto same = [&](const ReelMove& move) { return move.from == from && move.to == to; };
-  const auto known = std::find_if(moves.begin(), moves.end(), same);
-  if (known == moves.end())
-    moves.push_back({from, to, shots});
-  else
-    known->shots += shots;
-}
-
 } // namespace
 
 ProjectNames::ProjectNames(Session& session) : session_(session)
@@ -45,18 +28,21 @@ ProjectNames::ProjectNames(Session& session) : session_(session)
     if (std::string id = text(ReelDbRec(log).reelId()); !id.empty() && ids_.insert(base::fold(id)).second)
       records_.push_back({std::move(id), log, oldNamesOf(record)});
   }
-  std::unordered_set<std::string> cut; // folded identifiers that are names of shots that may be cut
+  std::unordered_set<std::string> said; // folded names that shots have, and the identifiers that are made of them
   for (const Cookie& log : reelhost::allShots()) {
     Shot shot = shotFrom(reelhost::materialOf(log));
     if (!shot.reel.empty()) {
       addNames(shot);
-      if (shot.mayBeCut)
-        cut.insert(base::fold(ownNameOf(shot)));
+      for (const lists::SourceName& name : namesOf(shot)) {
+        said.insert(base::fold(name.name));
+        if (!name.sourceId.empty())
+          said.insert(base::fold(name.name + " " + name.sourceId));
+      }
     }
     shots_.push_back({log, std::move(shot)});
   }
   for (const Record& record : records_)
-    if (!cut.contains(base::fold(record.id)))
+    if (!said.contains(base::fold(record.id)))
       index_.add({record.id});
   decideOldNames();
 }
@@ -79,10 +65,15 @@ void ProjectNames::add(const lists::Clip& clip)
 
 void ProjectNames::addNames(const Shot& shot)
 {
-  index_.add({ownNameOf(shot), shot.mayBeCut, shot.sourceId, shot.clipName});
-  // A reel text that lacks nothing but the ending of its file is a name, too.
-  if (lists::isShortForm(shot.reel, false, shot.ownName))
-    index_.add({shot.reel});
+  const auto add = [&](const std::string& name, bool mayBeCut, const std::string& sourceId) {
+    index_.add({name, mayBeCut, sourceId, shot.clipName});
+    // A reel text that lacks nothing but the ending of its file is a name, too.
+    if (lists::isShortForm(shot.reel, false, name))
+      index_.add({shot.reel});
+  };
+  add(ownNameOf(shot), shot.mayBeCut, shot.sourceId);
+  for (const lists::SourceName& name : shot.furtherNames)
+    add(name.name, name.mayBeCut, name.sourceId);
 }
 
 void ProjectNames::add(const std::string& name)
@@ -97,12 +88,28 @@ void ProjectNames::settle()
   for (std::size_t i = 0; i < records_.size(); ++i)
     recordsOf_[base::fold(index_.find(records_[i].id).reel)].push_back(i);
   for (const auto& [reel, records] : recordsOf_) {
-    // A reel keeps the spelling that came first, unless that is a short form.
-    const auto isWhole = [&](std::size_t record) { return index_.find(records_[record].id).match != Match::Cut; };
-    const auto keeper = std::find_if(records.begin(), records.end(), isWhole);
-    if (keeper != records.end())
+    const auto keeper = keeperOf(reel, records);
+    if (keeper)
       names_[reel] = records_[*keeper].id;
   }
+}
+
+std::optional<std::size_t> ProjectNames::keeperOf(const std::string& reel, const std::vector<std::size_t>& records)
+{
+  const auto isWhole = [&](std::size_t i) { return index_.find(records_[i].id).match != Match::Cut; };
+  const auto isUsed = [&](std::size_t i) { return session_.manager().reelInUse(hostText(records_[i].id)); };
+  const auto isNamed = [&](std::size_t i) { return base::fold(records_[i].id) == reel; };
+  const auto first = [&](const auto& is) -> std::optional<std::size_t> {
+    const auto found = std::find_if(records.begin(), records.end(), is);
+    return found == records.end() ? std::nullopt : std::optional(*found);
+  };
+  if (records.size() == 1 && isWhole(records.front()))
+    return records.front();
+  if (const auto used = first(isUsed))
+    return used;
+  if (const auto named = first(isNamed))
+    return named;
+  return first(isWhole);
 }
 
 std::string ProjectNames::spelt(const std::string& reel) const
@@ -147,86 +154,6 @@ NamedReel ProjectNames::find(const lists::Clip& clip) const
 bool ProjectNames::hasRecord(const std::string& id) const
 {
   return ids_.contains(base::fold(id));
-}
-
-std::vector<ReelMove> ProjectNames::moveShots()
-{
-  std::vector<ReelMove> moves;
-  std::vector<std::pair<std::string, const std::vector<std::size_t>*>> reels;
-  for (const auto& [reel, records] : recordsOf_)
-    reels.emplace_back(reel, &records);
-  std::sort(reels.begin(), reels.end()); // so that the order of changes does not depend on the table
-  CookieVec gone;
-  for (const auto& [reel, records] : reels) {
-    const bool isNamed = names_.contains(reel);
-    const std::string name = isNamed ? names_.at(reel) : index_.find(records_[records->front()].id).reel;
-    bool hasReel = isNamed;
-    for (const std::size_t i : *records) {
-      const Record& record = records_[i];
-      if (index_.find(record.id).match != Match::Cut || session_.manager().reelInUse(hostText(record.id)))
-        continue;
-      if (std::exchange(hasReel, true)) {
-        joinReel(record, name, moves);
-        gone.add(record.log);
-      } else {
-        renameReel(record, name, moves);
-      }
-    }
-  }
-  partShots(moves);
-  if (gone.count() > 0)
-    reelhost::deleteLogs(gone);
-  if (!moves.empty())
-    session_.manager().informReelDbChanged("");
-  return moves;
-}
-
-void ProjectNames::renameReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves)
-{
-  // The shots go first, each with the name that its list gave it: the library then renames the record alone.
-  joinReel(record, to, moves);
-  session_.manager().changeReelId(hostText(record.id), hostText(to));
-  ids_.insert(base::fold(to));
-}
-
-void ProjectNames::joinReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves)
-{
-  std::size_t moved = 0;
-  for (KnownShot& known : shots_) {
-    if (!base::sameName(known.shot.reel, record.id))
-      continue;
-    if (known.shot.ownName.empty())
-      known.shot.ownName = known.shot.reel;
-    known.shot.reel = to;
-    reelhost::changeMaterial(known.log, materialFrom(known.shot));
-    ++moved;
-  }
-  ids_.erase(base::fold(record.id));
-  noteMove(moves, record.id, to, moved);
-}
-
-void ProjectNames::partShots(std::vector<ReelMove>& moves)
-{
-  for (KnownShot& known : shots_) {
-    Shot& shot = known.shot;
-    if (shot.ownName.empty() || base::sameName(shot.ownName, shot.reel))
-      continue;
-    const NamedReel found = find(shot.ownName, shot.sourceId);
-    if (base::sameName(found.reel, shot.reel))
-      continue;
-    // A shot that lies elsewhere for another reason was put there by a person.
-    const auto holds = [](const std::vector<std::string>& reels, const std::string& reel) {
-      return std::any_of(reels.begin(), reels.end(),
-                         [&](const std::string& each) { return base::sameName(each, reel); });
-    };
-    if (!holds(found.perhaps, shot.reel) && !holds(find(shot.reel).perhaps, found.reel))
-      continue;
-    noteMove(moves, shot.reel, found.reel, 1);
-    shot.reel = found.reel;
-    reelhost::changeMaterial(known.log, materialFrom(shot));
-    if (ids_.insert(base::fold(found.reel)).second)
-      session_.manager().createNewReel(hostText(found.reel), noDevice);
-  }
 }
 
 } // namespace reeldb::app

@@ -6,6 +6,7 @@
 #define REELDB_APP_PROJECT_NAMES_H
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,8 +43,10 @@ public:
   NamedReel find(const std::string& name, const std::string& sourceId = {}) const;
 
   /// Gives reels and shots of the project the reels that follow from all names: the reel of a short form takes the
-  /// whole name or joins its reel, and shots of a short form that is no longer clear go to a reel of their own. Returns
-  /// what moved. REQUIRES: settle() was called.
+  /// whole name or joins its reel, and shots of a short form that is no longer clear go to a reel of their own. A shot
+  /// that lists know by names of several reels becomes several, and shots that become the same are joined. A reel that
+  /// this leaves without a shot is deleted if imports alone made and changed it. A shot that does not lie where its
+  /// names put it stays there. Returns what moved. REQUIRES: settle() was called.
   std::vector<ReelMove> moveShots();
 
   /// The shots of the project in the order of creation, as they were when it was read and as moveShots() left them.
@@ -63,9 +66,10 @@ private:
   std::string spelt(const std::string& reel) const;
   void addNames(const Shot& shot);
   void decideOldNames();
-  void renameReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves);
-  void joinReel(const Record& record, const std::string& to, std::vector<ReelMove>& moves);
-  void partShots(std::vector<ReelMove>& moves);
+  /// The record whose spelling the reel of the index has, if any: one that is in use, which cannot be renamed; one of
+  /// that very name; the first one whose name is not a short form.
+  std::optional<std::size_t> keeperOf(const std::string& reel, const std::vector<std::size_t>& records);
+  friend class ShotMover; ///< moves shots; in shot_mover.cpp
 
   Session& session_;
   std::vector<Record> records_;

@@ -39,6 +39,15 @@ reelhost::Material materialFrom(const Shot& shot);
 /// The clip that becomes the shot.
 Shot shotFrom(const reelhost::Material& material);
 
+/// The name that its list gave the source of the shot.
+const std::string& ownNameOf(const Shot& shot);
+/// What lists call the source of the shot: its own name first.
+std::vector<lists::SourceName> namesOf(const Shot& shot);
+/// Gives the shot the reel of its names, at least one, and the names.
+void setReel(Shot& shot, const std::string& reel, const std::vector<lists::SourceName>& names);
+/// Adds what a further list calls the source of the shot, unless its names say as much. Returns whether it was added.
+bool addName(Shot& shot, const lists::SourceName& name);
+
 std::vector<Shot> shotsFrom(const CookieVec& logs);
 
 /// A key that is equal for the same shots: reel (ignoring ASCII case), clip name, source in, source out and tracks.

@@ -18,15 +18,42 @@ namespace {
 
 constexpr char divider = '\n'; ///< between the other names of a shot; no name contains it
 
-std::vector<std::string> divided(const std::string& text)
+std::vector<std::string> divided(const std::string& text, char by = divider)
 {
   std::vector<std::string> parts;
   for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find(divider, at), text.size());
+    const std::size_t end = std::min(text.find(by, at), text.size());
     parts.push_back(text.substr(at, end - at));
     at = end + 1;
   }
   return parts;
+}
+
+constexpr char fieldEnd = '\t'; ///< between what is known of a further name; no name and no id contains it
+
+std::string textOf(const std::vector<lists::SourceName>& names)
+{
+  std::string text;
+  for (const lists::SourceName& name : names) {
+    if (!text.empty())
+      text += divider;
+    text.append(name.name).append(1, fieldEnd).append(name.mayBeCut ? "cut" : "").append(1, fieldEnd);
+    text += name.sourceId;
+  }
+  return text;
+}
+
+std::vector<lists::SourceName> namesFrom(const std::string& text)
+{
+  std::vector<lists::SourceName> names;
+  for (const std::string& line : divided(text)) {
+    const std::vector<std::string> fields = divided(line, fieldEnd);
+    if (fields.empty() || fields[0].empty())
+      continue;
+    names.push_back(
+        {fields[0], fields.size() > 1 && !fields[1].empty(), fields.size() > 2 ? fields[2] : std::string()});
+  }
+  return names;
 }
 
 } // namespace
@@ -44,6 +71,8 @@ reelhost::Material materialFrom(const Shot& shot)
   material.ownName = shot.ownName;
   material.mayBeCut = shot.mayBeCut;
   material.sourceId = shot.sourceId;
+  material.furtherNames = textOf(shot.furtherNames);
+  material.reelOfNames = shot.reelOfNames;
   return material;
 }
 
@@ -60,6 +89,8 @@ Shot shotFrom(const reelhost::Material& material)
   shot.ownName = material.ownName;
   shot.mayBeCut = material.mayBeCut;
   shot.sourceId = material.sourceId;
+  shot.furtherNames = namesFrom(material.furtherNames);
+  shot.reelOfNames = material.reelOfNames;
   return shot;
 }
 
@@ -79,6 +110,45 @@ std::string shotKey(const Shot& shot)
     key += *part;
   }
   return key;
+}
+
+const std::string& ownNameOf(const Shot& shot)
+{
+  return shot.ownName.empty() ? shot.reel : shot.ownName;
+}
+
+std::vector<lists::SourceName> namesOf(const Shot& shot)
+{
+  std::vector<lists::SourceName> names = {{ownNameOf(shot), shot.mayBeCut, shot.sourceId}};
+  names.insert(names.end(), shot.furtherNames.begin(), shot.furtherNames.end());
+  return names;
+}
+
+void setReel(Shot& shot, const std::string& reel, const std::vector<lists::SourceName>& names)
+{
+  const lists::SourceName& first = names.front();
+  const bool isSame = base::sameName(first.name, reel);
+  shot.reel = isSame ? first.name : reel; // a shot keeps the spelling of its list
+  shot.ownName = isSame && !first.mayBeCut && names.size() == 1 ? std::string() : first.name;
+  shot.mayBeCut = first.mayBeCut;
+  shot.sourceId = first.sourceId;
+  shot.furtherNames.assign(names.begin() + 1, names.end());
+  shot.reelOfNames = isSame ? std::string() : reel;
+}
+
+bool addName(Shot& shot, const lists::SourceName& name)
+{
+  const auto saysAll = [&](const lists::SourceName& known) {
+    return base::sameName(known.name, name.name) && known.sourceId == name.sourceId &&
+           (!known.mayBeCut || name.mayBeCut);
+  };
+  const std::vector<lists::SourceName> names = namesOf(shot);
+  if (std::any_of(names.begin(), names.end(), saysAll))
+    return false;
+  if (shot.ownName.empty())
+    shot.ownName = shot.reel;
+  shot.furtherNames.push_back(name);
+  return true;
 }
 
 ReelShots shotsOfReel(Session& session, const std::string& id)

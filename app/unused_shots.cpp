@@ -10,16 +10,14 @@
 
 namespace reeldb::app {
 
-namespace {
-
-/// The logs that an import has made, and that nothing but changes of lists has changed. A revision that changed a list
-/// is an import if it also created logs: deletions change lists, too, and undo brings logs back with their events.
 std::set<std::int64_t> madeByImports()
 {
   std::set<std::int64_t> made, others, withLists;
   reelhost::History* const history = reelhost::projectStore().history();
   if (!history)
     return made;
+  // A revision that changed a list is an import if it also created logs: deletions change lists, too, and undo brings
+  // logs back with their events.
   history->readRevisions([&](reelhost::Revision&& revision) {
     if (revision.lists != 0)
       withLists.insert(revision.number);
@@ -35,8 +33,6 @@ std::set<std::int64_t> madeByImports()
     made.erase(log);
   return made;
 }
-
-} // namespace
 
 UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots, std::int64_t lastBefore)
 {

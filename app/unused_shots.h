@@ -15,6 +15,10 @@
 
 namespace reeldb::app {
 
+/// The numbers of the logs that an import has made, and that nothing but changes of lists has changed. Empty if the
+/// project keeps no history.
+std::set<std::int64_t> madeByImports();
+
 struct UnusedShots {
   std::vector<Shot> shots;
   std::vector<std::string> reels; ///< identifiers

@@ -77,6 +77,14 @@ struct Event {
   friend bool operator==(const Event&, const Event&) = default;
 };
 
+/// A name that a list gives a source.
+struct SourceName {
+  std::string name;
+  bool mayBeCut = false; ///< whether it may be the beginning of a longer one
+  std::string sourceId;  ///< the list's id of the source; may be empty
+  friend bool operator==(const SourceName&, const SourceName&) = default;
+};
+
 /// One event line of a cut list, or one row of a log file. Every text is UTF-8 of at most 2,047 bytes without outer
 /// blanks and without control characters, except for U+0080 to U+009F, which Latin-1 may contain. A text that the list
 /// does not give is empty.
@@ -100,7 +108,9 @@ struct Clip {
                        ///< the ending of its file the file, for a shot whatever its list said; else empty
   NameEvidence evidence = NameEvidence::ReelText; ///< where the name of its source stands
   bool mayBeCut = false;                          ///< whether that name may be the beginning of a longer one
-  std::string sourceId; ///< the UMID of its source in the source table: it is the same in every list
+  std::string sourceId;                 ///< the UMID of its source in the source table: it is the same in every list
+  std::vector<SourceName> furtherNames; ///< for a shot, what other lists call its source; else empty
+  std::string reelOfNames;              ///< for a shot, the reel that its names gave it, if that is not its own name
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.

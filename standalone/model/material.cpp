@@ -34,6 +34,10 @@ Cookie importMaterial(const Material& material)
     log.fields.emplace_back(mayBeCutKey, "yes");
   if (!material.sourceId.empty())
     log.fields.emplace_back(sourceIdKey, material.sourceId);
+  if (!material.furtherNames.empty())
+    log.fields.emplace_back(furtherNamesKey, material.furtherNames);
+  if (!material.reelOfNames.empty())
+    log.fields.emplace_back(reelOfNamesKey, material.reelOfNames);
   Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
@@ -53,6 +57,8 @@ void changeMaterial(const Cookie& cookie, const Material& material)
   change(ownNameKey, material.ownName);
   change(mayBeCutKey, material.mayBeCut ? "yes" : "");
   change(sourceIdKey, material.sourceId);
+  change(furtherNamesKey, material.furtherNames);
+  change(reelOfNamesKey, material.reelOfNames);
 }
 
 Material materialOf(const Cookie& cookie)
@@ -76,6 +82,10 @@ Material materialOf(const Cookie& cookie)
     material.mayBeCut = *cut->c_str() != '\0';
   if (const LightweightString<char>* const id = log->block.find(sourceIdKey))
     material.sourceId = id->c_str();
+  if (const LightweightString<char>* const names = log->block.find(furtherNamesKey))
+    material.furtherNames = names->c_str();
+  if (const LightweightString<char>* const reel = log->block.find(reelOfNamesKey))
+    material.reelOfNames = reel->c_str();
   return material;
 }
 

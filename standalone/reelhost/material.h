@@ -12,29 +12,34 @@ namespace reelhost {
 
 /// A clip of imported material: one shot. All texts UTF-8; timecodes as written.
 struct Material {
-  std::string reel;       ///< reel identifier; empty: no reel
-  std::string name;       ///< clip name
-  std::string sourceFile, ///< file the clip comes from
-      sourceIn,           ///< timecode of its start on the reel
-      sourceOut,          ///< timecode of its end on the reel
-      recordIn,           ///< timecode of its start in the cut
-      recordOut,          ///< timecode of its end in the cut
-      tracks;             ///< the tracks it is on
-  std::string aliases;    ///< other names of the reel, one per line
-  int videoChannels = 0,  ///< number of video channels
-      audioChannels = 0;  ///< number of audio channels
-  std::string frameRate;  ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
-  bool dropFrame = false; ///< whether the list says that its timecodes are drop frame
-  std::string ownName;    ///< the name that the list gave the source; empty: the reel identifier
-  bool mayBeCut = false;  ///< whether that name may be the beginning of a longer one
-  std::string sourceId;   ///< the list's id of the source
+  std::string reel;         ///< reel identifier; empty: no reel
+  std::string name;         ///< clip name
+  std::string sourceFile,   ///< file the clip comes from
+      sourceIn,             ///< timecode of its start on the reel
+      sourceOut,            ///< timecode of its end on the reel
+      recordIn,             ///< timecode of its start in the cut
+      recordOut,            ///< timecode of its end in the cut
+      tracks;               ///< the tracks it is on
+  std::string aliases;      ///< other names of the reel, one per line
+  int videoChannels = 0,    ///< number of video channels
+      audioChannels = 0;    ///< number of audio channels
+  std::string frameRate;    ///< frames per second of its timecodes, such as "23.98"; empty if the list does not say
+  bool dropFrame = false;   ///< whether the list says that its timecodes are drop frame
+  std::string ownName;      ///< the name that the list gave the source; empty: the reel identifier
+  bool mayBeCut = false;    ///< whether that name may be the beginning of a longer one
+  std::string sourceId;     ///< the list's id of the source
+  std::string furtherNames; ///< what other lists call the source of a shot, one name per line: the name, a tab, "cut"
+                            ///< if it may be the beginning of a longer one, a tab, the list's id of the source
+  std::string reelOfNames;  ///< the reel that the names gave a shot; empty: its own name
 
   friend bool operator==(const Material& a, const Material& b)
   {
     return std::tie(a.reel, a.name, a.sourceFile, a.sourceIn, a.sourceOut, a.recordIn, a.recordOut, a.tracks, a.aliases,
-                    a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame, a.ownName, a.mayBeCut, a.sourceId) ==
+                    a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame, a.ownName, a.mayBeCut, a.sourceId,
+                    a.furtherNames, a.reelOfNames) ==
            std::tie(b.reel, b.name, b.sourceFile, b.sourceIn, b.sourceOut, b.recordIn, b.recordOut, b.tracks, b.aliases,
-                    b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame, b.ownName, b.mayBeCut, b.sourceId);
+                    b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame, b.ownName, b.mayBeCut, b.sourceId,
+                    b.furtherNames, b.reelOfNames);
   }
   friend bool operator!=(const Material& a, const Material& b) { return !(a == b); }
 };
@@ -62,10 +67,12 @@ inline constexpr std::array<ShotText, 8> shotTexts = {{
 /// key.
 inline constexpr const char* frameRateKey = "frame_rate";
 inline constexpr const char* dropFrameKey = "drop_frame"; ///< its text is "yes"
-/// The keys of ownName, mayBeCut and sourceId, likewise.
+/// The keys of the texts below dropFrame, likewise.
 inline constexpr const char* ownNameKey = "own_name";
 inline constexpr const char* mayBeCutKey = "own_name_may_be_cut"; ///< its text is "yes"
 inline constexpr const char* sourceIdKey = "source_id";
+inline constexpr const char* furtherNamesKey = "further_names";
+inline constexpr const char* reelOfNamesKey = "reel_of_names";
 
 } // namespace reelhost
 

@@ -2,6 +2,7 @@
 //
 // The reels of names in a project, by importing lists: what a list says of a name may change the reels of earlier ones.
 #include <algorithm>
+#include <numeric>
 #include <optional>
 
 #include "app/diff.h"
@@ -11,6 +12,7 @@
 #include "app/projects.h"
 #include "app/reels.h"
 #include "app/rename.h"
+#include "app/shots.h"
 #include "tests/app/app_fixture.h"
 
 using namespace reeldb;
@@ -24,6 +26,8 @@ struct Event {
   std::string reel;
   std::string clip = {};
   std::string sourceFile = {};
+  std::string sourceId = {}; ///< for a row of the source table
+  int second = 0;            ///< of its timecodes; 0: the place in its list decides
 };
 
 class ProjectNames : public reeldb_tests::AppTest {
@@ -37,7 +41,7 @@ protected:
     for (std::size_t i = 0; i < events.size(); ++i) {
       std::string reel = events[i].reel;
       reel.resize(width, ' ');
-      const std::string second = std::to_string(10 + i);
+      const std::string second = std::to_string(events[i].second != 0 ? events[i].second : 10 + static_cast<int>(i));
       text += "00" + std::to_string(i + 1) + "  " + reel + " V     C        01:00:" + second + ":00 01:00:" + second +
               ":10 10:00:" + second + ":00 10:00:" + second + ":10\n";
       if (!events[i].clip.empty())
@@ -45,6 +49,9 @@ protected:
       if (!events[i].sourceFile.empty())
         text += "* SOURCE FILE: " + events[i].sourceFile + "\n";
     }
+    for (const Event& event : events)
+      if (!event.sourceId.empty())
+        text += ">>> SOURCE " + event.reel + " " + event.reel + " " + event.sourceId + "\n";
     return app::readListFile(folder_.write("list" + std::to_string(++lists_) + ".edl", text));
   }
 
@@ -65,10 +72,45 @@ protected:
     return reels;
   }
 
+  /// Expects the same reels with the same numbers of shots in every order of the lists. Returns them.
+  Names reelsInEveryOrder(const std::vector<std::vector<Event>>& lists)
+  {
+    std::vector<std::size_t> order(lists.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    Names first;
+    do {
+      const std::string project = "order" + std::to_string(++orders_);
+      app::makeProject(project, "25");
+      for (const std::size_t i : order)
+        importList(lists[i], project);
+      const Names reels = reelsWithShots(project);
+      if (first.empty())
+        first = reels;
+      EXPECT_EQ(reels, first) << testing::PrintToString(order);
+      for (const std::size_t i : order)
+        EXPECT_EQ(importList(lists[i], project).lists.front().shotsAdded, 0u) << testing::PrintToString(order);
+      EXPECT_EQ(reelsWithShots(project), first) << "again: " << testing::PrintToString(order);
+    } while (std::next_permutation(order.begin(), order.end()));
+    return first;
+  }
+
+  /// The clip names of the shots of the reel.
+  static Names clipsOf(const std::string& reel)
+  {
+    app::Session session({}, app::Access::Read);
+    Names clips;
+    for (const app::Shot& shot : app::shotsOfReel(session, reel).shots)
+      clips.push_back(shot.clipName);
+    return clips;
+  }
+
   std::size_t lists_ = 0;
+  int orders_ = 0;
 };
 
 const std::string whole = "A001C001_200303_F701", other = "A001C001_200303_G802", cut = "A001C001";
+const std::string umid1 = "060a2b340101010501010d43130000001111111111111111111111111111111111",
+                  umid2 = "060a2b340101010501010d43130000002222222222222222222222222222222222";
 
 TEST_F(ProjectNames, CutListBehindItsWholeListAddsNothing)
 {
@@ -115,20 +157,57 @@ TEST_F(ProjectNames, ShotsOfACutNameThatIsNoLongerClearGoToAReelOfTheirOwn)
 
 TEST_F(ProjectNames, EveryOrderGivesTheSameReels)
 {
-  std::vector<std::vector<Event>> lists = {
-      {{cut, "three"}}, {{whole, "one"}}, {{other, "two"}}, {{"A001C001_200303_", "four"}}};
-  std::vector<std::size_t> order = {0, 1, 2, 3};
-  Names first;
-  int orders = 0;
-  do {
-    const std::string project = "order" + std::to_string(++orders);
-    app::makeProject(project, "25");
-    for (const std::size_t i : order)
-      importList(lists[i], project);
-    if (first.empty())
-      first = reelsWithShots(project);
-    EXPECT_EQ(reelsWithShots(project), first) << order[0] << order[1] << order[2] << order[3];
-  } while (std::next_permutation(order.begin(), order.end()));
+  EXPECT_EQ(reelsInEveryOrder({{{cut, "three"}}, {{whole, "one"}}, {{other, "two"}}, {{"A001C001_200303_", "four"}}}),
+            (Names{"A001C001 1", "A001C001_200303_ 1", whole + " 1", other + " 1"}));
+}
+
+TEST_F(ProjectNames, ShotOfAWholeAndACutNameBecomesTwoWhenTheCutNameIsNoLongerClear)
+{
+  EXPECT_EQ(reelsInEveryOrder({{{cut, "one"}}, {{whole, "one"}}, {{other, "two"}}}),
+            (Names{cut + " 1", whole + " 1", other + " 1"}));
+}
+
+TEST_F(ProjectNames, OneNameWithTwoSourceIdsIsTwoReelsInEveryOrder)
+{
+  EXPECT_EQ(reelsInEveryOrder({{{"X", "one", {}, umid1}}, {{"X", "one", {}, umid2}}}),
+            (Names{"X " + umid1 + " 1", "X " + umid2 + " 1"}));
+}
+
+TEST_F(ProjectNames, SourceIdThatJoinsTwoReelsMakesTheirSameShotsOneUnderTheFirstName)
+{
+  const std::vector<Event> p = {{"P", "one", {}, {}, 27}}, q = {{"Q", "one", {}, {}, 27}},
+                           both = {{"P", "two", {}, umid1}, {"Q", "three", {}, umid1}};
+  for (const auto& event : {p, q, both})
+    importList(event);
+  EXPECT_EQ(reelsWithShots(), Names{"P 3"});
+  app::makeProject("second", "25");
+  for (const auto& event : {q, both, p})
+    importList(event, "second");
+  EXPECT_EQ(reelsWithShots("second"), Names{"Q 3"});
+}
+
+TEST_F(ProjectNames, ShotThatIsPartedKeepsItsListsAndUndoTakesThatBack)
+{
+  importList({{whole, "one"}});
+  const app::ListFile cutList = list({{cut, "one"}});
+  {
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {cutList}, false);
+  }
+  const app::ImportReport report = importList({{other, "two"}});
+  ASSERT_EQ(report.moves.size(), 1u);
+  EXPECT_EQ(report.moves.front().from, whole);
+  EXPECT_EQ(report.moves.front().to, cut);
+  EXPECT_EQ(clipsOf(cut), Names{"one"});
+  {
+    app::Session session({}, app::Access::Read);
+    EXPECT_TRUE(app::compareLists(session, {cutList}, false).empty());
+  }
+  {
+    app::Session session({}, app::Access::Write);
+    app::undo(session, {}, false);
+  }
+  EXPECT_EQ(reelsWithShots(), Names{whole + " 1"});
 }
 
 TEST_F(ProjectNames, FilesOfTwoKindsAreTwoReels)

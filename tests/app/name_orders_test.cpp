@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// Whatever the order in which lists come, the project is the same: the lists of others, whose folder is named by the
+// environment variable REELDB_SAMPLES, and what they would be with fewer characters for the reel.
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <random>
+#include <regex>
+#include <sstream>
+
+#include <fmt/format.h>
+
+#include "app/export.h"
+#include "app/import.h"
+#include "app/projects.h"
+#include "lists/list.h"
+#include "lists/name_forms.h"
+#include "tests/app/app_fixture.h"
+
+using namespace reeldb;
+
+namespace {
+
+std::string bytesOf(const std::filesystem::path& file)
+{
+  std::ostringstream bytes;
+  bytes << std::ifstream(file, std::ios::binary).rdbuf();
+  return bytes.str();
+}
+
+/// The cut list as a system with fewer characters for the reel writes it: without the notes that have the whole name.
+std::string cutTo(std::size_t width, bool clipNames, const std::string& list)
+{
+  static const std::regex event(
+      R"((\s*\d{1,6}[A-Za-z]?\s+)(\S.*?)\s+((?:NONE|[AVB][AV0-9/]*)\s+(?:C|D|W\d|K).*\d\d[:;]\d\d[:;]\d\d[:;]\d\d\s*))");
+  static const std::regex wholeNames(R"(\s*\*\s*(SOURCE FILE|REEL).*|>>>.*|M2.*)");
+  static const std::regex clipNote(R"(\s*\*\s*(FROM|TO|KEY) CLIP.*)");
+  std::istringstream lines(list);
+  std::string text;
+  for (std::string line; std::getline(lines, line);) {
+    if (std::smatch found; std::regex_match(line, found, event)) {
+      std::string reel = found[2].str().substr(0, width);
+      std::replace(reel.begin(), reel.end(), ' ', '_');
+      reel.resize(width, ' ');
+      line = found[1].str() + reel + ' ' + found[3].str();
+    } else if (std::regex_match(line, wholeNames) || (!clipNames && std::regex_match(line, clipNote))) {
+      continue;
+    }
+    text += line + '\n';
+  }
+  return text;
+}
+
+/// A reel by what all spellings of its name have in common.
+std::string formOf(const std::string& reel)
+{
+  return lists::nameForm(lists::partsOf(reel).stem);
+}
+
+class NameOrders : public reeldb_tests::AppTest {
+protected:
+  void SetUp() override
+  {
+    AppTest::SetUp();
+    const char* const folder = std::getenv("REELDB_SAMPLES");
+    if (!folder)
+      GTEST_SKIP() << "REELDB_SAMPLES names no folder with lists";
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+      if (const std::string number = entry.path().filename().string().substr(0, 2);
+          number == "01" || number == "05" || number == "31" || number == "32")
+        samples_[number] = entry.path().string();
+    ASSERT_EQ(samples_.size(), 4u);
+  }
+
+  std::string cut(const std::string& sample, std::size_t width, bool clipNames)
+  {
+    const std::string name = sample + "_" + std::to_string(width) + (clipNames ? "_clips.edl" : ".edl");
+    const std::string text = cutTo(width, clipNames, bytesOf(samples_.at(sample)));
+    EXPECT_FALSE(lists::read(text).clips.empty()) << name;
+    return folder_.write(name, text);
+  }
+
+  /// Imports the lists in that order, each by itself. Returns the reels and the shots, sorted.
+  std::vector<std::string> outcome(const std::vector<std::string>& files)
+  {
+    const std::string project = fmt::format("order{}", ++projects_);
+    app::makeProject(project, "25");
+    for (const std::string& file : files) {
+      app::Session session(project, app::Access::Write);
+      app::importLists(session, {app::readListFile(file)}, false);
+    }
+    app::Session session(project, app::Access::Read);
+    const app::ProjectContent content = app::readContent(session);
+    std::vector<std::string> lines;
+    for (const app::Reel& reel : content.reels)
+      lines.push_back(fmt::format("reel {} {}", formOf(reel.id), reel.shots));
+    for (const app::Shot& shot : content.shots)
+      lines.push_back(fmt::format("shot {} \"{}\" {} {} {}", formOf(shot.reel), shot.clipName, shot.tracks,
+                                  shot.sourceIn, shot.sourceOut));
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  }
+
+  /// Expects the outcome of the order to be that of the first order.
+  void expectSame(const std::vector<std::string>& files)
+  {
+    const std::vector<std::string> lines = outcome(files);
+    if (first_.empty())
+      first_ = lines;
+    std::vector<std::string> lost, found;
+    std::set_difference(first_.begin(), first_.end(), lines.begin(), lines.end(), std::back_inserter(lost));
+    std::set_difference(lines.begin(), lines.end(), first_.begin(), first_.end(), std::back_inserter(found));
+    EXPECT_TRUE(lost.empty()) << lost.size() << " lost: " << testing::PrintToString(lost) << "\nof "
+                              << testing::PrintToString(files);
+    EXPECT_TRUE(found.empty()) << found.size() << " more: " << testing::PrintToString(found) << "\nof "
+                               << testing::PrintToString(files);
+  }
+
+  /// In some orders, the same ones in every run.
+  void expectSameInOrders(std::vector<std::string> files, int orders)
+  {
+    std::minstd_rand random(5);
+    for (int i = 0; i < orders; ++i) {
+      expectSame(files);
+      std::shuffle(files.begin(), files.end(), random);
+    }
+  }
+
+  std::map<std::string, std::string> samples_; ///< files by their numbers
+  std::vector<std::string> first_;
+  int projects_ = 0;
+};
+
+TEST_F(NameOrders, WholeListsGiveOneProjectInEveryOrder)
+{
+  std::vector<std::string> files;
+  for (const auto& [number, file] : samples_)
+    files.push_back(file);
+  do
+    expectSame(files);
+  while (std::next_permutation(files.begin(), files.end()));
+}
+
+TEST_F(NameOrders, ListsCutToEightGiveOneProjectWithTheirWholeLists)
+{
+  expectSameInOrders({samples_["01"], samples_["05"], samples_["32"], cut("01", 8, true), cut("05", 8, false),
+                      cut("05", 8, true), cut("32", 8, true), cut("32", 16, true)},
+                     12);
+}
+
+TEST_F(NameOrders, ListsCutToSixteenGiveOneProjectWithTheirWholeLists)
+{
+  expectSameInOrders({samples_["01"], samples_["31"], cut("01", 8, false), cut("01", 16, true), cut("31", 8, true),
+                      cut("31", 16, false), cut("32", 8, true), cut("05", 16, true)},
+                     12);
+}
+
+} // namespace
