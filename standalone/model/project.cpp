@@ -7,6 +7,7 @@
 #include <cinttypes>
 #include <cstdio>
 #include <new>
+#include <unordered_map>
 #include <utility>
 
 #include "base/ascii.h"
@@ -543,10 +544,12 @@ bool Project::commit()
     }
     dropEventsOfDeletedLogs();
     changes = collect();
+    std::unordered_map<std::int64_t, StoredLog*> written;
+    for (StoredLog& log : changes.logs)
+      written.emplace(log.number, &log);
     for (StoredLog& log : merged)
-      for (StoredLog& written : changes.logs)
-        if (written.number == log.number)
-          written = std::move(log);
+      if (const auto found = written.find(log.number); found != written.end())
+        *found->second = std::move(log);
   } catch (...) {
     endUse();
     throw;
