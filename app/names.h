@@ -44,8 +44,9 @@ struct NamedReel {
   std::string sourceId;                                         ///< the list's id of the source
   std::string reel;                                             ///< the identifier, as its record spells it
   lists::Match match = lists::Match::Itself;                    ///< how the name leads to it
-  std::vector<std::string> perhaps;   ///< other reels that the name may mean; empty if its reel is clear
-  std::vector<std::string> clipNames; ///< clip names that go on behind a name that may be cut and is a reel of its own
+  std::vector<std::string> perhaps; ///< other reels that the name may mean; empty if its reel is clear
+  std::vector<std::string>
+      clipNames; ///< longer clip names that begin with a name that may be cut and is a reel of its own
 };
 
 /// Shots that a name's new meaning gave another reel.

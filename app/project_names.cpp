@@ -24,8 +24,8 @@ using lists::Match;
 ProjectNames::ProjectNames(Session& session) : session_(session)
 {
   for (const Cookie& log : session.manager().reelList) {
-    const ReelDbRec record(log);
-    if (std::string id = text(ReelDbRec(log).reelId()); !id.empty() && ids_.insert(base::fold(id)).second)
+    ReelDbRec record(log);
+    if (std::string id = text(record.reelId()); !id.empty() && ids_.insert(base::fold(id)).second)
       records_.push_back({std::move(id), log, oldNamesOf(record)});
   }
   std::unordered_set<std::string> said; // folded names that shots have, and the identifiers that are made of them

@@ -169,7 +169,7 @@ private:
   std::unordered_map<std::string, std::size_t> idsOf_;                ///< folded identifier: the index in ids_
   std::vector<std::pair<std::string, std::vector<std::string>>> ids_; ///< identifiers and their source ids
   std::unordered_map<std::string, std::size_t> longerFilesOf_;        ///< folded reel text: the index in longerFiles_
-  std::vector<Ambiguous> longerFiles_; ///< the source files that go on behind reel texts that are not cut
+  std::vector<Ambiguous> longerFiles_; ///< the source files whose names begin with reel texts that are not cut
 };
 
 List Reader::read(std::string_view text)
@@ -514,7 +514,7 @@ void Reader::noteLongerFile(const EventSource& source, const std::string& reel)
     return;
   const auto [entry, isNew] = longerFilesOf_.try_emplace(base::fold(reel), longerFiles_.size());
   if (isNew)
-    longerFiles_.push_back({reel, "several source files go on behind the name", {}, {}});
+    longerFiles_.push_back({reel, "several source files have names that begin with it", {}, {}});
   std::vector<std::string>& files = longerFiles_[entry->second].names;
   if (std::none_of(files.begin(), files.end(), [&](const std::string& each) { return isSameName(each, file); }))
     files.emplace_back(file);

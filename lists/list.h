@@ -202,7 +202,7 @@ std::optional<Format> detect(std::string_view bytes);
 
 /// How a list is read.
 struct ReadOptions {
-  bool clipNames = false; ///< whether a clip name that goes on behind the cut name of a reel is the name of its source
+  bool clipNames = false; ///< whether a clip name that begins with the cut name of a reel is the name of its source
 };
 
 /// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file

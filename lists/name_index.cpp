@@ -33,8 +33,8 @@ bool oneBeginsOther(std::string_view a, std::string_view b)
   return a.starts_with(b) || b.starts_with(a);
 }
 
-/// Whether a clip name that goes on behind a cut name agrees with a name that does so, too: one is the beginning of the
-/// other, endings aside.
+/// Whether a longer clip name agrees with a name, if a cut name begins both: one is the beginning of the other, endings
+/// aside.
 bool agrees(std::string_view clipName, std::string_view name, bool lettersOnly)
 {
   const std::string_view clip = partsOf(clipName).stem;
@@ -361,7 +361,7 @@ private:
         found.push_back(at->second);
   }
 
-  /// The sources whose names go on behind the cut name.
+  /// The sources whose longer names begin with the cut name.
   Indexes goingOn(Index source, std::size_t characters, const Sorted& forms, const Sorted& letters) const
   {
     Indexes found;

@@ -48,7 +48,7 @@ struct ReelOfName {
   std::string reel; ///< the identifier: the whole name of the reel in one of its spellings
   Match match = Match::Itself;
   std::vector<std::string> perhaps;   ///< reels that the name may mean, sorted; empty if its reel is clear
-  std::vector<std::string> clipNames; ///< clip names that go on behind a name that may be cut, sorted, each once
+  std::vector<std::string> clipNames; ///< longer clip names that begin with a name that may be cut, sorted, each once
 };
 
 /// Joins names to reels. All uses are added first, then settle() works the reels out, then find() is asked.

@@ -14,7 +14,7 @@ using base::displayWidth;
 
 namespace {
 
-/// How a name is one of another reel, for people.
+/// Why a name means a reel with another name, for people. Empty for the reel's own name.
 std::string_view reasonOf(lists::Match match)
 {
   switch (match) {
@@ -71,7 +71,7 @@ std::string namesText(const std::vector<app::NamedReel>& names, std::size_t colu
       onlyClipNames += named.clipNames.empty() ? 0 : 1;
   }
   if (onlyClipNames > 0)
-    result += fmt::format("  {} may be cut: only clip names go on behind {}\n", counted(onlyClipNames, "name"),
+    result += fmt::format("  {} may be cut (longer clip names begin with {})\n", counted(onlyClipNames, "name"),
                           onlyClipNames == 1 ? "it" : "them");
   return result;
 }

@@ -10,12 +10,12 @@
 
 namespace reeldb::cli {
 
-/// The heading, and behind it the names, separated by commas and wrapped. Further lines are indented by @p indent.
+/// The heading and then the names, separated by commas and wrapped. Further lines are indented by @p indent.
 std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
                     std::size_t indent);
 
-/// The names that lead to a reel of another name, or may: one line each, and one for all names of which only clip names
-/// say that they may be cut.
+/// The names that mean a reel with another name, or perhaps do, one per line. One more line counts the names that may
+/// be cut according to clip names alone.
 std::string namesText(const std::vector<app::NamedReel>& names, std::size_t columns);
 
 } // namespace reeldb::cli

@@ -75,9 +75,8 @@ void addSet(CommandLine& line)
            "                 shows it, in any letter case\n"
            "An empty value removes the value. A new type or device can add channels to the reel, but never removes\n"
            "any. Nothing is stored unless all fields and values are valid.\n"
-           "With --if nothing is stored, and the exit code is 1, if the field has another value meanwhile. The "
-           "message\n"
-           "says which, and who changed it when; with --json that is on standard output, too."},
+           "With --if, nothing is stored and the exit code is 1 if the field has another value now. The message\n"
+           "shows that value and the commit that stored it; with --json, so does standard output."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("ID", options->id, "The reel").required().shownAs("");
   command.texts("FIELD=VALUE", options->assignments, "What to change").required().shownAs("");
