@@ -150,14 +150,14 @@ private:
   int orders_ = -1, times_ = -1;
 };
 
-/// A bare watch: the number of changed logs since the last question, by one statement on an index.
+/// A bare watch: the number of commits since the last question, by one statement on an index.
 class BareWatch {
 public:
   explicit BareWatch(const std::string& file)
   {
     if (sqlite3_open_v2(file.c_str(), &database_, SQLITE_OPEN_READONLY, nullptr) != SQLITE_OK ||
         sqlite3_prepare_v2(database_,
-                           "SELECT max(number), (SELECT count(*) FROM changes WHERE revision > ?1) FROM revisions", -1,
+                           "SELECT max(number), (SELECT count(*) FROM revisions WHERE number > ?1) FROM revisions", -1,
                            &statement_, nullptr) != SQLITE_OK)
       throw std::runtime_error(sqlite3_errmsg(database_));
     ask();

@@ -46,15 +46,19 @@ using Images = std::map<std::int64_t, std::optional<std::string>>;
 Images imagesAt(Database& database, std::int64_t revision)
 {
   Images images;
-  Statement created(database, "SELECT first_new, last_new FROM revisions WHERE number > ?1 AND first_new IS NOT NULL");
-  created.bind(1, revision);
-  while (created.step())
-    readNewLogs(database, created, 0, [&](std::int64_t number) { images.emplace(number, std::nullopt); });
-  // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
-  Statement changed(database, "SELECT log, before FROM changes WHERE revision > ?1 AND log >= 0 ORDER BY revision");
-  changed.bind(1, revision);
-  while (changed.step())
-    images.emplace(changed.integer(0), changed.isNull(1) ? std::nullopt : std::optional<std::string>(changed.text(1)));
+  ChangeRows changes(database);
+  Statement revisions(database, "SELECT number, first_new, last_new, logs FROM revisions WHERE number > ?1 "
+                                "ORDER BY number");
+  revisions.bind(1, revision);
+  while (revisions.step()) {
+    readNewLogs(database, revisions, 1, [&](std::int64_t number) { images.emplace(number, std::nullopt); });
+    // The first change after the revision has what the log was at that time. Negative numbers are those of lists.
+    for (const std::int64_t number : changedLogs(revisions, 3))
+      if (number >= optionsNumber && images.count(number) == 0) {
+        const Statement& row = changes.at(revisions.integer(0), number);
+        images.emplace(number, row.isNull(0) ? std::nullopt : std::optional<std::string>(row.text(0)));
+      }
+  }
   return images;
 }
 

@@ -2,11 +2,13 @@
 #include "store/sqlite_history.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <map>
-#include <string>
+#include <system_error>
 #include <utility>
 
+#include "reelhost/display_text.h"
 #include "store/list_image.h"
 #include "store/log_image.h"
 #include "store/sqlite_lists.h"
@@ -44,27 +46,6 @@ struct Before {
   bool forgotten = false;
 };
 
-/// The rows of changes by log and revision.
-class NextRows {
-public:
-  explicit NextRows(Database& database)
-      : rows_(database, "SELECT before, revision, log FROM changes WHERE log = ?1 AND revision > ?2 "
-                        "ORDER BY revision LIMIT 1")
-  {
-  }
-
-  /// The row of the next revision that changed the log, the list or the options; null if no later revision did. Valid
-  /// until the next call.
-  const Statement* after(std::int64_t revision, std::int64_t log)
-  {
-    rows_.reset();
-    return rows_.bind(1, log).bind(2, revision).step() ? &rows_ : nullptr;
-  }
-
-private:
-  Statement rows_;
-};
-
 /// The changes of logs, or of lists, that one revision made.
 template <class Record>
 class Changed {
@@ -93,7 +74,7 @@ public:
 
   /// @p find returns what is there now, and @p exists whether anything is.
   template <class Find, class Exists>
-  std::vector<RecordChange<Record>> finish(NextRows& rows, Find find, Exists exists)
+  std::vector<RecordChange<Record>> finish(ChangeRows& rows, Find find, Exists exists)
   {
     std::vector<RecordChange<Record>> result;
     for (auto& [log, change] : changes_) {
@@ -137,6 +118,59 @@ std::vector<std::string> linesOf(std::string_view text)
 
 } // namespace
 
+std::string textOfNumbers(std::vector<std::int64_t> numbers)
+{
+  std::sort(numbers.begin(), numbers.end());
+  std::string text;
+  for (const std::int64_t number : numbers) {
+    if (!text.empty())
+      text += ',';
+    text += std::to_string(number);
+  }
+  return text;
+}
+
+std::optional<std::vector<std::int64_t>> numbersFrom(std::string_view text)
+{
+  std::vector<std::int64_t> numbers;
+  const char* const end = text.data() + text.size();
+  for (const char* at = text.data(); at != end;) {
+    const auto [after, error] = std::from_chars(at, end, numbers.emplace_back());
+    if (error != std::errc() || (after != end && (*after != ',' || after + 1 == end)))
+      return {};
+    at = after == end ? end : after + 1;
+  }
+  return numbers;
+}
+
+std::vector<std::int64_t> changedLogs(const Statement& row, int column)
+{
+  std::optional<std::vector<std::int64_t>> numbers = numbersFrom(row.text(column));
+  if (!numbers)
+    sqlite::failDamaged("changed logs " + displayText(row.text(column).substr(0, 100)) + ": not numbers");
+  return std::move(*numbers);
+}
+
+ChangeRows::ChangeRows(Database& database)
+    : rows_(database, "SELECT before, revision, log FROM changes WHERE log = ?1 AND revision >= ?2 "
+                      "ORDER BY revision LIMIT 1")
+{
+}
+
+const Statement& ChangeRows::at(std::int64_t revision, std::int64_t log)
+{
+  const Statement* const row = after(revision - 1, log);
+  if (row == nullptr || row->integer(1) != revision)
+    failDamaged(revision, log);
+  return *row;
+}
+
+const Statement* ChangeRows::after(std::int64_t revision, std::int64_t log)
+{
+  rows_.reset();
+  return rows_.bind(1, log).bind(2, revision + 1).step() ? &rows_ : nullptr;
+}
+
 void readNewLogs(Database& database, const Statement& row, int column, const std::function<void(std::int64_t)>& sink)
 {
   if (row.isNull(column))
@@ -160,10 +194,7 @@ void readRevisions(Database& database, const std::function<bool(Revision&&)>& si
 {
   Statement rows(database,
                  "SELECT number, token, time, program, command, user, machine, folder, elsewhere, takes_back, "
-                 "is_redo, created, changed, deleted, "
-                 "EXISTS(SELECT 1 FROM changes WHERE revision = number AND log = 0), "
-                 "(SELECT count(*) FROM changes WHERE revision = number AND log < 0) "
-                 "FROM revisions ORDER BY number DESC");
+                 "is_redo, created, changed, deleted, logs FROM revisions ORDER BY number DESC");
   while (rows.step()) {
     Revision revision;
     revision.number = rows.integer(0);
@@ -181,8 +212,14 @@ void readRevisions(Database& database, const std::function<bool(Revision&&)>& si
     revision.created = rows.integer(11);
     revision.changed = rows.integer(12);
     revision.deleted = rows.integer(13);
-    revision.setOptions = rows.integer(14) != 0;
-    revision.lists = rows.integer(15);
+    for (const std::int64_t log : changedLogs(rows, 14)) {
+      if (log > optionsNumber)
+        break;
+      if (log == optionsNumber)
+        revision.setOptions = true;
+      else
+        ++revision.lists;
+    }
     if (!sink(std::move(revision)))
       return;
   }
@@ -190,7 +227,7 @@ void readRevisions(Database& database, const std::function<bool(Revision&&)>& si
 
 std::optional<RevisionChanges> changesOf(Database& database, std::int64_t revision)
 {
-  Statement row(database, "SELECT first_new, last_new FROM revisions WHERE number = ?1");
+  Statement row(database, "SELECT first_new, last_new, logs FROM revisions WHERE number = ?1");
   row.bind(1, revision);
   if (!row.step())
     return {};
@@ -199,27 +236,25 @@ std::optional<RevisionChanges> changesOf(Database& database, std::int64_t revisi
   readNewLogs(database, row, 0, [&](std::int64_t number) { logs.change(number); });
 
   RevisionChanges result;
-  NextRows next(database);
-  Statement rows(database, "SELECT before, revision, log FROM changes WHERE revision = ?1");
-  rows.bind(1, revision);
-  while (rows.step()) {
-    const std::int64_t number = rows.integer(2);
+  ChangeRows rows(database);
+  for (const std::int64_t number : changedLogs(row, 2)) {
+    const Statement& change = rows.at(revision, number);
     if (number > optionsNumber)
-      logs.take(rows);
+      logs.take(change);
     else if (number < optionsNumber)
-      lists.take(rows);
+      lists.take(change);
     else
-      result.optionsBefore = optionsIn(rows, 0, revision);
+      result.optionsBefore = optionsIn(change, 0, revision);
   }
   LogLookup lookup(database);
   result.logs = logs.finish(
-      next, [&](std::int64_t number) { return lookup.find(number); },
+      rows, [&](std::int64_t number) { return lookup.find(number); },
       [&](std::int64_t number) { return lookup.exists(number); });
   const auto list = [&](std::int64_t number) { return findList(database, number); };
-  result.lists = lists.finish(next, list, [&](std::int64_t number) { return list(number).has_value(); });
+  result.lists = lists.finish(rows, list, [&](std::int64_t number) { return list(number).has_value(); });
   std::reverse(result.lists.begin(), result.lists.end()); // by number
   if (result.optionsBefore) {
-    const Statement* const later = next.after(revision, optionsNumber);
+    const Statement* const later = rows.after(revision, optionsNumber);
     result.optionsAfter = later ? optionsIn(*later, 0, later->integer(1)) : readOptions(database);
   }
   return result;
@@ -252,12 +287,13 @@ void readChangesOfLog(Database& database, std::int64_t number, const std::functi
 
 void readChangedLogs(Database& database, const std::function<void(std::int64_t, std::int64_t, bool)>& sink)
 {
-  Statement rows(database, "SELECT revision, log FROM changes WHERE log > 0");
-  while (rows.step())
-    sink(rows.integer(0), rows.integer(1), false);
-  Statement revisions(database, "SELECT number, first_new, last_new FROM revisions");
-  while (revisions.step())
+  Statement revisions(database, "SELECT number, first_new, last_new, logs FROM revisions");
+  while (revisions.step()) {
+    for (const std::int64_t log : changedLogs(revisions, 3))
+      if (log > optionsNumber)
+        sink(revisions.integer(0), log, false);
     readNewLogs(database, revisions, 1, [&](std::int64_t log) { sink(revisions.integer(0), log, true); });
+  }
 }
 
 std::int64_t trashCount(Database& database)

@@ -8,6 +8,9 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "reelhost/history.h"
 #include "store/sqlite.h"
@@ -21,6 +24,24 @@ constexpr std::int64_t logNumberOfList(std::int64_t list)
 {
   return -list;
 }
+
+/// The column logs of a revision: the numbers of its rows in changes, from the least on, with commas between.
+std::string textOfNumbers(std::vector<std::int64_t> numbers);
+std::optional<std::vector<std::int64_t>> numbersFrom(std::string_view text); ///< empty if it is no such text
+std::vector<std::int64_t> changedLogs(const sqlite::Statement& row, int column);
+
+/// The rows of changes, with the columns before, revision and log. A row is valid until the next call.
+class ChangeRows {
+public:
+  explicit ChangeRows(sqlite::Database& database);
+  /// The row of a log, a list or the options that @p revision changed.
+  const sqlite::Statement& at(std::int64_t revision, std::int64_t log);
+  /// The row of the next revision that changed the log, the list or the options; null if no later revision did.
+  const sqlite::Statement* after(std::int64_t revision, std::int64_t log);
+
+private:
+  sqlite::Statement rows_;
+};
 
 /// Reads the numbers of the logs that a revision created, which @p row names in two columns, first_new and last_new. Of
 /// the numbers between, it leaves out those of which the project knows nothing.

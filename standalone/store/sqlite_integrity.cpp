@@ -2,6 +2,8 @@
 #include "store/sqlite_integrity.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
 #include <unordered_set>
 
 #include "reelhost/display_text.h"
@@ -48,8 +50,18 @@ void addProblemsOfHistory(Database& database, std::vector<std::string>& problems
     while (rows.step())
       add(rows.integer(0), what);
   };
-  addEach("SELECT DISTINCT revision FROM changes WHERE revision NOT IN (SELECT number FROM revisions)",
-          "changes without a revision");
+  std::map<std::int64_t, std::set<std::int64_t>> changes;
+  for (Statement rows(database, "SELECT revision, log FROM changes"); rows.step();)
+    changes[rows.integer(0)].insert(rows.integer(1));
+  for (Statement rows(database, "SELECT number, logs FROM revisions ORDER BY number"); rows.step();) {
+    const std::optional<std::vector<std::int64_t>> numbers = numbersFrom(rows.text(1));
+    const std::set<std::int64_t> kept = std::move(changes[rows.integer(0)]);
+    changes.erase(rows.integer(0));
+    if (!numbers || kept != std::set<std::int64_t>(numbers->begin(), numbers->end()))
+      add(rows.integer(0), "other changes than it says");
+  }
+  for (const auto& [revision, logs] : changes)
+    add(revision, "changes without a revision");
   addEach("SELECT number FROM revisions WHERE takes_back >= number ORDER BY number", "takes back a later revision");
   addEach("SELECT number FROM revisions WHERE last_new > (SELECT value FROM project WHERE key = 'last_number') "
           "OR last_new < first_new OR first_new < 1 ORDER BY number",

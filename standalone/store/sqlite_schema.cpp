@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "store/log_image.h"
+#include "store/sqlite_history.h"
 
 namespace reelhost {
 
@@ -52,12 +55,13 @@ CREATE INDEX bin ON logs(deletion) WHERE deletion IS NOT NULL;
 )sql";
 
 // revisions: one row per commit; null: unknown, or not to be kept. takes_back: the earlier revision that this one takes
-// back. The new logs of a revision have the numbers from first_new to last_new. changes: each other log that a revision
-// changed, and the image that it had before; null: there was no such log, an empty blob: removed for good. log 0 stands
-// for the options of the project, log -n for list n. changes_of_log finds what a log was after a revision: what it was
-// before the next one. lists: the lists that are there; events is their packed text.
-// list_bytes: the deflated bytes of each list that lists or changes names. project.last_list: the highest number that a
-// list ever had. project.other_writes counts what programs of others write, see countOtherWrites.
+// back. The new logs of a revision have the numbers from first_new to last_new. logs: the other logs that it changed,
+// each with a row in changes. changes: the image that a log had before a revision; null: there was no such log, an
+// empty blob: removed for good. log 0 stands for the options of the project, log -n for list n. What a log was after a
+// revision is what it was before the next one, so all changes of a log stand together. lists: the lists that are there;
+// events is their packed text. list_bytes: the deflated bytes of each list that lists or changes names.
+// project.last_list: the highest number that a list ever had. project.other_writes counts what programs of others
+// write, see countOtherWrites.
 const char history[] = R"sql(
 CREATE TABLE revisions(
   number INTEGER PRIMARY KEY,
@@ -73,15 +77,15 @@ CREATE TABLE revisions(
   is_redo INTEGER NOT NULL,
   first_new INTEGER,
   last_new INTEGER,
+  logs TEXT NOT NULL,
   created INTEGER NOT NULL,
   changed INTEGER NOT NULL,
   deleted INTEGER NOT NULL) STRICT;
 CREATE TABLE changes(
-  revision INTEGER NOT NULL,
   log INTEGER NOT NULL,
+  revision INTEGER NOT NULL,
   before BLOB,
-  PRIMARY KEY(revision, log)) STRICT, WITHOUT ROWID;
-CREATE INDEX changes_of_log ON changes(log, revision);
+  PRIMARY KEY(log, revision)) STRICT, WITHOUT ROWID;
 CREATE TABLE lists(
   number INTEGER PRIMARY KEY,
   digest BLOB NOT NULL CHECK(length(digest) = 32),
@@ -98,8 +102,8 @@ CREATE TABLE list_bytes(
 /// Each deletion in the trash becomes a revision, with the logs that it still holds.
 void moveTrash(Database& database)
 {
-  Statement revision(database, "INSERT INTO revisions(number, token, is_redo, created, changed, deleted) "
-                               "VALUES(?1, randomblob(16), 0, 0, 0, ?2)");
+  Statement revision(database, "INSERT INTO revisions(number, token, is_redo, logs, created, changed, deleted) "
+                               "VALUES(?1, randomblob(16), 0, ?3, 0, 0, ?2)");
   Statement change(database, "INSERT INTO changes(revision, log, before) VALUES(?1, ?2, ?3)");
   Statement fields(database, "SELECT key, value FROM fields WHERE log = ?1");
   Statement logs(database, "SELECT number, uuid, tag, kind, type, imported, entire_medium, name, reel_type, video, "
@@ -110,7 +114,7 @@ void moveTrash(Database& database)
   Statement deletions(database, "SELECT deletion, count(*) FROM logs WHERE deletion IS NOT NULL GROUP BY deletion "
                                 "ORDER BY deletion");
   for (std::int64_t number = 1; deletions.step(); ++number) {
-    revision.bind(1, number).bind(2, deletions.integer(1)).run();
+    std::vector<std::int64_t> deleted;
     logs.bind(1, deletions.integer(0));
     while (logs.step()) {
       StoredLog log;
@@ -133,9 +137,12 @@ void moveTrash(Database& database)
         log.fields.emplace_back(fields.text(0), fields.text(1));
       fields.reset();
       const std::string image = imageOf(log);
+      deleted.push_back(logs.integer(0));
       change.bind(1, number).bind(2, logs.integer(0)).bindBlob(3, image.data(), image.size()).run();
     }
     logs.reset();
+    const std::string numbers = textOfNumbers(std::move(deleted));
+    revision.bind(1, number).bind(2, deletions.integer(1)).bind(3, numbers).run();
   }
 }
 

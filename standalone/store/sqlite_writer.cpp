@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
+#include <vector>
 
 #include "store/deflate.h"
 #include "store/list_image.h"
@@ -157,7 +159,7 @@ public:
           continue;
         keep(logNumberOfList(list.number), imageOf(*before));
       } else {
-        changeRow().bind(1, number_).bind(2, logNumberOfList(list.number)).bindNull(3).run();
+        keepNone(logNumberOfList(list.number));
       }
       Statement put(database_, "INSERT OR REPLACE INTO lists(number, digest, file, title, format, event_count, events) "
                                "VALUES(?1, ?2, ?3, ?4, ?5, ?6, ?7)");
@@ -187,7 +189,7 @@ public:
     if (!always && created_ + changed_ + deleted_ == 0 && !setsOptions_ && !changesLists_)
       return;
     Statement put(database_, "INSERT INTO revisions VALUES(?1, randomblob(16), ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, "
-                             "?11, ?12, ?13, ?14, ?15)");
+                             "?11, ?12, ?13, ?14, ?15, ?16)");
     std::string elsewhere;
     for (const std::string& line : origin.elsewhere)
       elsewhere += (elsewhere.empty() ? "" : "\n") + line;
@@ -203,7 +205,8 @@ public:
     const bool hasNew = last_ != lastBefore_;
     bindKnown(put, 11, hasNew ? firstNew_ : 0);
     bindKnown(put, 12, hasNew ? last_ : 0);
-    put.bind(13, created_).bind(14, changed_).bind(15, deleted_).run();
+    const std::string numbers = textOfNumbers(std::move(kept_));
+    put.bind(13, numbers).bind(14, created_).bind(15, changed_).bind(16, deleted_).run();
   }
 
 private:
@@ -212,7 +215,7 @@ private:
   {
     const std::optional<StoredLog> before = lookup().find(log.number);
     if (!before) {
-      changeRow().bind(1, number_).bind(2, log.number).bindNull(3).run();
+      keepNone(log.number);
       ++created_;
       return true;
     }
@@ -227,8 +230,9 @@ private:
   void keep(std::int64_t number, const std::string& image)
   {
     // The image of a log or a list is never empty, which would mean that it was removed. That of no options is.
-    changeRow().bind(1, number_).bind(2, number).bindBlob(3, image.data(), image.size()).run();
+    changeRow(number).bindBlob(3, image.data(), image.size()).run();
   }
+  void keepNone(std::int64_t number) { changeRow(number).bindNull(3).run(); }
 
   LogLookup& lookup()
   {
@@ -236,11 +240,12 @@ private:
       lookup_.emplace(database_);
     return *lookup_;
   }
-  Statement& changeRow()
+  Statement& changeRow(std::int64_t number)
   {
     if (!changeRow_)
       changeRow_.emplace(database_, "INSERT INTO changes(revision, log, before) VALUES(?1, ?2, ?3)");
-    return *changeRow_;
+    kept_.push_back(number);
+    return changeRow_->bind(1, number_).bind(2, number);
   }
 
   Database& database_;
@@ -250,6 +255,7 @@ private:
   bool setsOptions_ = false, changesLists_ = false;
   std::optional<LogLookup> lookup_;
   std::optional<Statement> changeRow_;
+  std::vector<std::int64_t> kept_;
 };
 
 void removeForGood(Database& database, const Changes& changes)

@@ -343,14 +343,16 @@ TEST_F(SqliteSchema, ValuesAreStoredAsTheyWillAlwaysBe)
                    "|| ',' || machine || ',' || folder || ',' || elsewhere || ',' || length(token)) "
                    "FROM revisions WHERE time IS NOT NULL"),
             "2,1,reeldb 14,reeldb create,anna,suite1,/work,device VTR: last reel R4\nx,16");
-  EXPECT_EQ(runSql(file(), "SELECT group_concat(number || ':' || ifnull(takes_back, '') || is_redo || ' ' || "
-                           "ifnull(first_new || '-' || last_new, '') || ' ' || created || changed || deleted, '; ') "
-                           "FROM revisions"),
-            "1:0 3-3 100; 2:0 4-4 100; 3:0  001; 4:31  100; 5:0  001; 6:0  000; 7:0  000; 8:0  000");
+  EXPECT_EQ(
+      runSql(file(),
+             "SELECT group_concat(number || ':' || ifnull(takes_back, '') || is_redo || ' ' || "
+             "ifnull(first_new || '-' || last_new, '') || ' ' || logs || ' ' || created || changed || deleted, '; ') "
+             "FROM revisions"),
+      "1:0 3-3  100; 2:0 4-4 0 100; 3:0  4 001; 4:31  4 100; 5:0  4 001; 6:0   000; 7:0  -1 000; 8:0  -1 000");
   EXPECT_EQ(
       runSql(file(),
              "SELECT group_concat(revision || ':' || log || ' ' || iif(before IS NULL, 'null', hex(before)), '; ') "
-             "FROM changes WHERE revision < 8"),
+             "FROM (SELECT * FROM changes WHERE revision < 8 ORDER BY revision)"),
       "2:0 6F007000; 3:4 ; 4:4 null; 5:4 ; 7:-1 null");
   EXPECT_EQ(runSql(file(), "SELECT number || ' ' || file || ' ' || title || ' ' || format || ' ' || event_count || ' ' "
                            "|| (SELECT count(*) FROM list_bytes WHERE list_bytes.digest = lists.digest) FROM lists"),
