@@ -27,7 +27,7 @@ constexpr std::int64_t logNumberOfList(std::int64_t list)
 
 /// The column logs of a revision: the numbers of its rows in changes, from the least on, with commas between.
 std::string textOfNumbers(std::vector<std::int64_t> numbers);
-std::optional<std::vector<std::int64_t>> numbersFrom(std::string_view text); ///< empty if it is no such text
+std::optional<std::vector<std::int64_t>> numbersFrom(std::string_view text); ///< empty for any other text
 std::vector<std::int64_t> changedLogs(const sqlite::Statement& row, int column);
 
 /// The rows of changes, with the columns before, revision and log. A row is valid until the next call.

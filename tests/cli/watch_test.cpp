@@ -171,8 +171,8 @@ TEST_F(Watch, CommitOfAnotherProgramIsReportedWithoutItsOrigin)
   output({"create", "R2"});
   watch();
   store_tests::runSql(dir_.path() / "projects" / "main.reels",
-                      "UPDATE logs SET reel_id = 'R3' WHERE number = 1; DELETE FROM logs WHERE number = 2;"
-                      "DELETE FROM fields WHERE log = 2");
+                      "BEGIN; UPDATE logs SET reel_id = 'R3' WHERE number = 1; DELETE FROM logs WHERE number = 2;"
+                      "DELETE FROM fields WHERE log = 2; COMMIT");
   expectSaid("1 reel gone, 1 reel renamed\n");
   output({"set", "R3", "bin=x"});
   expectSaid("1 reel gone, 1 reel renamed\nchanged R3: bin: x (was -)\n");

@@ -235,7 +235,7 @@ TEST_F(SqliteStoreTest, CheckNamesWhatDoesNotFitInTheHistory)
             "Unreadable: " + file().native() + ": damaged (revision 3: no image of log 0)");
 }
 
-TEST_F(SqliteStoreTest, ChangedLogsThatAreNoNumbersOrHaveNoRowAreDamage)
+TEST_F(SqliteStoreTest, ChangedLogsThatAreNotNumbersOrHaveNoRowAreDamage)
 {
   const auto project = makeSqliteStore(file());
   store(*project, logChanges({exampleLog(1, 9)}));
