@@ -81,8 +81,10 @@ KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, 
 class Importer {
 public:
   /// Reads the names of the project and of the lists, and moves the shots that get another reel by them.
-  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing)
-      : manager_(session.manager()), progress_(progress), replacing_(replacing), rate_(projectRate()), names_(session)
+  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing,
+           const Treatment& treatment)
+      : manager_(session.manager()), progress_(progress), replacing_(replacing), rate_(projectRate()),
+        names_(session, treatment.rules)
   {
     for (const Cookie& log : manager_.reelList)
       lastBefore_ = std::max(lastBefore_, reelhost::logNumber(log));
@@ -94,7 +96,8 @@ public:
         names_.add(clip);
     }
     names_.settle();
-    moves_ = names_.moveShots();
+    if (treatment.rules == lists::NameRules::All)
+      moves_ = names_.moveShots();
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
@@ -337,14 +340,14 @@ bool ImportReport::rejectedLines() const
 }
 
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,
-                         const Replacing& replacing)
+                         const Replacing& replacing, const Treatment& treatment)
 {
   return guarded([&] {
     if (replacing.byName || replacing.list)
       requireKeepsLists();
     if (replacing.list && files.size() != 1)
       throw Error(ErrorKind::Invalid, "import: one list cannot be replaced by several files");
-    Importer importer(session, files, progress, replacing);
+    Importer importer(session, files, progress, replacing, treatment);
     ImportReport report;
     report.dryRun = dryRun;
     report.moves = importer.moves();

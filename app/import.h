@@ -69,6 +69,13 @@ struct Replacing {
   std::optional<std::string> list = {}; ///< this one, as requireList reads it; for an import of one list
 };
 
+/// How an import treats what it reads.
+struct Treatment {
+  /// How the names of the lists are matched. NameRules::Exact moves no shot of the project; it does not keep what it
+  /// decides, so a later import by all rules may join these names.
+  lists::NameRules rules = lists::NameRules::All;
+};
+
 /// Reports every new clip to the host as imported material; the library creates the reels. The reel of a clip follows
 /// from all names of the project and of the lists; shots of the project that get another reel by them are moved first.
 /// Two shots are the same if reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the
@@ -79,7 +86,7 @@ struct Replacing {
 /// transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it throws Error,
 /// nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
-                         const Replacing& replacing = {});
+                         const Replacing& replacing = {}, const Treatment& treatment = {});
 
 } // namespace reeldb::app
 

@@ -199,6 +199,8 @@ ValueKind valueKindOf(const std::string& metavariable)
       {"RATE", ValueKind::FrameRate},
       {"FIELD=VALUE", ValueKind::Field},
       {"NUMBER=NAME", ValueKind::UserField},
+      {"MATCH", ValueKind::Match},
+      {"NAMES", ValueKind::NameSource},
       {"FILE", ValueKind::File},
       {"DIR", ValueKind::Folder},
   };

@@ -124,6 +124,8 @@ TEST_F(Completion, RateOfANewFacilityNeedsNone)
 {
   asked_.folder = "/";
   EXPECT_EQ(candidates({"init", "--rate", "23"}), (Words{"words", "23.98"}));
+  EXPECT_EQ(candidates({"import", "--match", ""}), (Words{"words", "all", "exact"}));
+  EXPECT_EQ(candidates({"reels-of", "--names", "c"}), (Words{"words", "clip"}));
 }
 
 TEST_F(Completion, DeviceGivesNumbersWithTheirNames)
