@@ -23,6 +23,7 @@ enum class ValueKind {
   UserField,
   Match,
   NameSource,
+  ReelType,
   File,
   Folder
 };

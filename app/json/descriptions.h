@@ -380,6 +380,13 @@ void describe(Io& io, R& difference)
   io("changed", difference.changed);
 }
 
+template <class Io, Like<TypedReels> R>
+void describe(Io& io, R& typed)
+{
+  io("type", typed.type);
+  io("reels", typed.reels);
+}
+
 template <class Io, Like<ImportedList> R>
 void describe(Io& io, R& imported)
 {
@@ -402,6 +409,7 @@ void describe(Io& io, R& imported)
     imported.shotsThere += imported.shotsRepeated;
   }
   io("created", imported.created);
+  io("types", imported.types);
   io("matched", imported.matched);
   io("names", imported.names);
   io("special", list.specials);

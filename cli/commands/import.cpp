@@ -22,6 +22,7 @@ struct Options {
   std::vector<std::string> files;
   app::Replacing replacing;
   NameOptions names;
+  std::optional<std::string> type;
   bool dryRun = false;
   bool json = false;
 };
@@ -66,7 +67,7 @@ std::vector<app::ListFile> readAll(const std::vector<std::string>& paths, const 
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  const app::Treatment treatment{options.names.rules()};
+  const app::Treatment treatment{options.names.rules(), options.type};
   std::vector<app::ListFile> files = readAll(options.files, options.names.reading());
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
   const app::ImportReport report = [&] {
@@ -93,8 +94,8 @@ void addImport(CommandLine& line)
       {.name = "import",
        .description = "Import cut lists and log files, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
-                    "reeldb import --replace evening.edl", "reeldb import --match exact --names clip evening.edl",
-                    "reeldb import --json rushes.ale"},
+                    "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
+                    "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale"},
        .details =
            "Reads cut lists (CMX3600 EDL) and log exchange files (ALE); their content shows which they are. Every\n"
            "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
@@ -108,6 +109,9 @@ void addImport(CommandLine& line)
            "are elsewhere in the cut. Shots that only the old version used are deleted, and so are reels that have\n"
            "no shot left, unless another command than import made or changed them.\n"
            "\n"
+           "A new reel gets the type that --type names, else the one that a rule of facility.toml or a built-in rule\n"
+           "gives it by its name, its extension and the tracks, else the default type of the project.\n"
+           "\n"
            "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
            "clip\n"
            "takes a clip name that begins with a cut name for the whole name, even if it has no ending of a file.\n"
@@ -117,6 +121,7 @@ void addImport(CommandLine& line)
   command.flag("--replace", options->replacing.byName, "Replace the earlier version of the list");
   command.text("--as", options->replacing.list, "Replace this list of the project").shownAs("LIST");
   addNameOptions(command, options->names);
+  command.text("--type", options->type, "The type of the reels that are made").shownAs("TYPE");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

@@ -118,6 +118,7 @@ TEST_F(Completion, ReelOfTheProjectThatTheEnvironmentNames)
 TEST_F(Completion, RateOfAProject)
 {
   EXPECT_EQ(candidates({"project", "rate", "5"}), (Words{"words", "50", "59.94"}));
+  EXPECT_EQ(candidates({"import", "--type", "Tape"}), (Words{"words", "Tape 2ch", "Tape 4ch"}));
 }
 
 TEST_F(Completion, RateOfANewFacilityNeedsNone)

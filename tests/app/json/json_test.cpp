@@ -94,6 +94,7 @@ ImportReport sampleImport()
   imported.shotsThere = 4;
   imported.shotsRepeated = 3;
   imported.created = {"A", "B"};
+  imported.types = {{"Still", {"B"}}};
   imported.matched = {"C"};
   imported.list.title = "EVENING";
   imported.list.specials = {{"BL", "black", 2, {3, 5}}};
@@ -129,7 +130,8 @@ constexpr const char* nameObject =
 
 const std::string importObject = R"({"dry_run": true, "stored": false, "files": [
     {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
-     "shots_repeated": 3, "created": ["A", "B"], "matched": ["C"],
+     "shots_repeated": 3, "created": ["A", "B"],
+     "types": [{"type": "Still", "reels": ["B"]}], "matched": ["C"],
       "names": [
         {"name": "SHORT", "reel": "SHORT_1", "match": "cut", "evidence": "reel-note", "may_be_cut": true,
          "source_id": "11", "perhaps": [], "clip_names": []},
