@@ -135,7 +135,7 @@ public:
       const bool repeated = !metShots.insert(key).second;
       const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
       if (known != 0 && before.list.digest != digest)
-        noteName(placeOf(known), clip);
+        noteUse(placeOf(known), clip);
       shots.push_back(shot);
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
@@ -218,18 +218,20 @@ private:
       if (!byNumber_.empty())
         byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
     } else {
-      noteName(place->second, clip);
+      noteUse(place->second, clip);
     }
     return {reelhost::logNumber(shots_[place->second].log), isNew};
   }
 
-  /// Lets the shot keep the name that the clip's list gives its source: the names of one shot may be two reels later.
-  void noteName(std::size_t place, const Shot& clip)
+  /// Lets the shot keep what a further use of it says: the name of its source, as the names of one shot may be two
+  /// reels later, and its record times, if they are earlier.
+  void noteUse(std::size_t place, const Shot& clip)
   {
     KnownShot& known = shots_[place];
-    if (names_.find(ownNameOf(clip), clip.sourceId).match == lists::Match::Decided)
-      return; // the reel keeps that name
-    if (addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}))
+    bool changes = takeEarlierRecord(known.shot, clip);
+    if (names_.find(ownNameOf(clip), clip.sourceId).match != lists::Match::Decided) // else the reel keeps that name
+      changes = addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}) || changes;
+    if (changes)
       reelhost::changeMaterial(known.log, materialFrom(known.shot));
   }
 
