@@ -266,8 +266,9 @@ private:
       list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
     for (const lists::Clip& clip : result.list.specialClips)
       list.events.push_back(eventFrom(clip, 0));
-    std::stable_sort(list.events.begin(), list.events.end(),
-                     [](const auto& one, const auto& other) { return one.line < other.line; });
+    const auto isBefore = [](const auto& one, const auto& other) { return one.line < other.line; };
+    if (!std::is_sorted(list.events.begin(), list.events.end(), isBefore)) // the sort moves each event several times
+      std::stable_sort(list.events.begin(), list.events.end(), isBefore);
     result.keptAs = list.number;
     if (list.number != 0 && before.list.events == list.events && before.list.digest == digest) {
       result.keeping = Keeping::Unchanged;
