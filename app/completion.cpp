@@ -132,6 +132,12 @@ std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std:
     return assignments(typed);
   case ValueKind::UserField:
     return userFields();
+  case ValueKind::ReelType:
+    return plain(typeNames());
+  case ValueKind::Match:
+    return {{"all", "all rules of names"}, {"exact", "only the same name, and old names"}};
+  case ValueKind::NameSource:
+    return {{"list", "the list, by its evidence"}, {"clip", "also clip names without an ending"}};
   case ValueKind::Other:
   case ValueKind::File:
   case ValueKind::Folder:

@@ -11,7 +11,22 @@
 namespace reeldb::app {
 
 /// The kind of thing that a value names.
-enum class ValueKind { Other, Reel, Device, Project, LabelMap, ListFile, FrameRate, Field, UserField, File, Folder };
+enum class ValueKind {
+  Other,
+  Reel,
+  Device,
+  Project,
+  LabelMap,
+  ListFile,
+  FrameRate,
+  Field,
+  UserField,
+  Match,
+  NameSource,
+  ReelType,
+  File,
+  Folder
+};
 
 struct Choice {
   std::string word;

@@ -27,14 +27,16 @@ lists::Format formatOf(const Shot& shot)
 
 class Comparison {
 public:
-  Comparison(Session& session, const std::vector<ListFile>& files, bool whole) : session_(session), names_(session)
+  Comparison(Session& session, const std::vector<ListFile>& files, bool whole, lists::NameRules rules)
+      : session_(session), names_(session, rules)
   {
     diff_.whole = whole;
     for (const ListFile& file : files)
       for (const lists::Clip& clip : file.list.clips)
         names_.add(clip);
     names_.settle();
-    diff_.moves = names_.moveShots(); // in memory, as an import would do it
+    if (rules == lists::NameRules::All)
+      diff_.moves = names_.moveShots(); // in memory, as an import would do it
     for (const KnownShot& known : names_.shots())
       there_.insert(shotKey(known.shot));
   }
@@ -148,12 +150,12 @@ private:
 } // namespace
 
 ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
-                      const std::optional<std::string>& as)
+                      const std::optional<std::string>& as, lists::NameRules rules)
 {
   return guarded([&] {
     if (as && (whole || files.size() != 1))
       throw Error(ErrorKind::Invalid, "diff: --as compares one file with one list");
-    Comparison comparison(session, files, whole);
+    Comparison comparison(session, files, whole, rules);
     std::vector<std::optional<std::int64_t>> versions;
     for (const ListFile& file : files) {
       const std::optional<reelhost::KeptList> kept = as      ? listNamed(*as)

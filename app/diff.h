@@ -61,9 +61,10 @@ struct ListDiff {
 /// the project. A shot with a record in or out comes from a cut list, any other shot from a log file. Only shots from
 /// lists of the compared kinds can be missing, because a cut list does not describe the content of a log file. A shot
 /// is missing if one of these lists names its reel but none the shot. With @p whole the lists are complete: shots of
-/// any reel can be missing, and a reel is gone if all of its shots of these kinds are missing.
+/// any reel can be missing, and a reel is gone if all of its shots of these kinds are missing. The names of the lists
+/// are matched by @p rules.
 ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
-                      const std::optional<std::string>& as = {});
+                      const std::optional<std::string>& as = {}, lists::NameRules rules = lists::NameRules::All);
 
 } // namespace reeldb::app
 

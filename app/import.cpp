@@ -9,6 +9,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "ReelDbClient.h"
 #include "ReelDbManager.h"
 #include "app/host_errors.h"
@@ -16,12 +18,14 @@
 #include "app/kept_events.h"
 #include "app/list_choice.h"
 #include "app/list_versions.h"
+#include "app/new_reel_types.h"
 #include "app/project_names.h"
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "app/unused_shots.h"
 #include "base/ascii.h"
+#include "base/text_width.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
 
@@ -81,8 +85,10 @@ KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, 
 class Importer {
 public:
   /// Reads the names of the project and of the lists, and moves the shots that get another reel by them.
-  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing)
-      : manager_(session.manager()), progress_(progress), replacing_(replacing), rate_(projectRate()), names_(session)
+  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing,
+           const Treatment& treatment)
+      : manager_(session.manager()), progress_(progress), replacing_(replacing), type_(treatment.type),
+        rate_(projectRate()), names_(session, treatment.rules)
   {
     for (const Cookie& log : manager_.reelList)
       lastBefore_ = std::max(lastBefore_, reelhost::logNumber(log));
@@ -94,7 +100,8 @@ public:
         names_.add(clip);
     }
     names_.settle();
-    moves_ = names_.moveShots();
+    if (treatment.rules == lists::NameRules::All)
+      moves_ = names_.moveShots();
     std::vector<LightweightString<char>> ids;
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
@@ -113,6 +120,7 @@ public:
     const CreatedReels listener([&](const std::string& id) {
       addReel(id);
       result.created.push_back(id);
+      noteType(id, result);
     });
     const reelhost::Digest digest = reelhost::digestOf(file.bytes);
     KeptVersion before = keptVersionOf(file, digest, replacing_);
@@ -124,6 +132,7 @@ public:
     result.list = std::move(file.list);
     const std::vector<Shot> clips = namedClips(result);
     const auto places = sameShots(before.clips, clips);
+    settleTypes(clips);
     std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
     for (std::size_t i = 0; i < clips.size(); ++i) {
@@ -141,8 +150,10 @@ public:
       result.shotsRepeated += repeated ? 1 : 0;
       // An existing shot may have lost its reel's record. The library is not notified of it, so the reel is created
       // here.
-      if (missing && !added)
+      if (missing && !added) {
+        const TypeOfNewReels type(manager_, newType_ = typeOf(reel));
         manager_.createNewReel(hostText(reel), noDevice);
+      }
       advance();
     }
     if (reelhost::keepsLists())
@@ -198,6 +209,33 @@ private:
 
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
 
+  /// Works out the types of the reels that the clips of a list may need.
+  void settleTypes(const std::vector<Shot>& clips)
+  {
+    uses_.clear();
+    for (const Shot& clip : clips)
+      if (std::string reel = base::fold(clip.reel); !reels_.contains(reel))
+        uses_[std::move(reel)].add(clip);
+  }
+
+  /// The type of a reel if the library creates it. Empty for a reel that exists, and for the project's default.
+  std::string typeOf(const std::string& reel) const
+  {
+    const auto use = uses_.find(base::fold(reel));
+    if (use == uses_.end() || reels_.contains(use->first))
+      return {};
+    return type_ ? *type_ : typeByRules(use->second);
+  }
+
+  void noteType(const std::string& id, ImportedList& result) const
+  {
+    if (newType_.empty())
+      return;
+    const auto known = std::find_if(result.types.begin(), result.types.end(),
+                                    [&](const TypedReels& typed) { return typed.type == newType_; });
+    (known == result.types.end() ? result.types.emplace_back(TypedReels{newType_, {}}) : *known).reels.push_back(id);
+  }
+
   /// Adds an existing reel to the result. Returns whether the reel exists.
   bool noteReel(const std::string& id, ImportedList& result)
   {
@@ -214,6 +252,7 @@ private:
   {
     const auto [place, isNew] = byKey_.emplace(std::move(key), shots_.size());
     if (isNew) {
+      const TypeOfNewReels type(manager_, newType_ = typeOf(clip.reel));
       shots_.push_back({reelhost::importMaterial(materialFrom(clip)), clip});
       if (!byNumber_.empty())
         byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
@@ -299,7 +338,10 @@ private:
   std::size_t clips_ = 0, done_ = 0;
   const Progress& progress_;
   const Replacing& replacing_;
-  std::optional<lists::FrameRate> rate_; ///< of the project
+  std::optional<std::string> type_;               ///< chosen for all new reels
+  std::unordered_map<std::string, ReelUse> uses_; ///< of the reels that the list may need, by folded identifier
+  std::string newType_;                           ///< of the reel that is being created; empty: the project's default
+  std::optional<lists::FrameRate> rate_;          ///< of the project
   ProjectNames names_;
   std::vector<ReelMove> moves_;
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
@@ -310,6 +352,17 @@ private:
   std::set<std::int64_t> replacedShots_;                   ///< of versions that gave their place to another
   std::int64_t lastBefore_ = 0;                            ///< the highest number of a log before the import
 };
+
+/// The first of the created reels with the project's default type.
+std::optional<std::string> reelOfDefaultType(const ImportedList& imported)
+{
+  std::unordered_set<std::string> typed;
+  for (const TypedReels& some : imported.types)
+    typed.insert(some.reels.begin(), some.reels.end());
+  const auto found = std::find_if(imported.created.begin(), imported.created.end(),
+                                  [&](const std::string& id) { return !typed.contains(id); });
+  return found == imported.created.end() ? std::nullopt : std::optional(*found);
+}
 
 } // namespace
 
@@ -340,14 +393,17 @@ bool ImportReport::rejectedLines() const
 }
 
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,
-                         const Replacing& replacing)
+                         const Replacing& replacing, const Treatment& treatment)
 {
   return guarded([&] {
     if (replacing.byName || replacing.list)
       requireKeepsLists();
     if (replacing.list && files.size() != 1)
       throw Error(ErrorKind::Invalid, "import: one list cannot be replaced by several files");
-    Importer importer(session, files, progress, replacing);
+    if (treatment.type && !isListedType(*treatment.type))
+      throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel type (reeldb type list shows the catalogue)",
+                                                   base::shortText(*treatment.type)));
+    Importer importer(session, files, progress, replacing, treatment);
     ImportReport report;
     report.dryRun = dryRun;
     report.moves = importer.moves();
@@ -356,8 +412,8 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
       report.lists.push_back(importer.import(std::move(file)));
       const ImportedList& imported = report.lists.back();
       report.changes = report.changes || imported.changesProject();
-      if (!imported.created.empty() && report.remarks.empty()) // all of them have the project's default type
-        remarkOnUnlistedType(text(requireReel(session.manager(), imported.created.front()).typeName()), report.remarks);
+      if (const auto reel = reelOfDefaultType(imported); reel && report.remarks.empty())
+        remarkOnUnlistedType(text(requireReel(session.manager(), *reel).typeName()), report.remarks);
     }
     if (!importer.replacedShots().empty()) {
       UnusedShots unused = deleteUnused(session, importer.replacedShots(), importer.lastBefore());

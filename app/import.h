@@ -30,6 +30,12 @@ enum class Keeping {
 /// "no", "new", "unchanged", "new version"
 std::string_view wordOf(Keeping keeping);
 
+/// Reels that were given a type other than the project's default.
+struct TypedReels {
+  std::string type;
+  std::vector<std::string> reels; ///< identifiers
+};
+
 /// The result for one list.
 struct ImportedList {
   std::string file;
@@ -39,6 +45,7 @@ struct ImportedList {
   std::size_t shotsThere = 0;       ///< clips whose shot already existed, from another list or earlier in this one
   std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
   std::vector<std::string> created; ///< identifiers of the reels that were created, in order
+  std::vector<TypedReels> types;    ///< of the created reels, those with a type by rule or by choice
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
   std::vector<NamedReel> names;     ///< the names of its sources, each once, in the order of the list
   Keeping keeping = Keeping::NotKept;
@@ -69,6 +76,15 @@ struct Replacing {
   std::optional<std::string> list = {}; ///< this one, as requireList reads it; for an import of one list
 };
 
+/// How an import treats what it reads.
+struct Treatment {
+  /// How the names of the lists are matched. NameRules::Exact moves no shot of the project; it does not keep what it
+  /// decides, so a later import by all rules may join these names.
+  lists::NameRules rules = lists::NameRules::All;
+  /// The type of all reels that the import makes; empty: the rules of the facility decide, then the project's default.
+  std::optional<std::string> type = {};
+};
+
 /// Reports every new clip to the host as imported material; the library creates the reels. The reel of a clip follows
 /// from all names of the project and of the lists; shots of the project that get another reel by them are moved first.
 /// Two shots are the same if reel (ignoring ASCII case), clip name, source in, source out and tracks are equal; the
@@ -76,10 +92,12 @@ struct Replacing {
 /// already is not kept twice, and its clips are the shots that they became then, whatever their reels are called now. A
 /// list that is replaced gives its place to the new version; clips that are in both keep their shots. Shots and reels
 /// that only the old version named, and that imports alone made and changed, are deleted. The import is one
-/// transaction. With @p dryRun nothing is stored, and the report contains what would be stored. If it throws Error,
-/// nothing is stored. REQUIRES: a session for writing, unless it is a dry run.
+/// transaction. A new reel gets the type that the treatment or a rule of the facility says, and the channels of that
+/// type. With @p dryRun nothing is stored, and the report contains what would be stored. If it throws Error (NotFound
+/// for a type that the catalogue does not have), nothing is stored. REQUIRES: a session for writing, unless it is a dry
+/// run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
-                         const Replacing& replacing = {});
+                         const Replacing& replacing = {}, const Treatment& treatment = {});
 
 } // namespace reeldb::app
 

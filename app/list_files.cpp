@@ -40,23 +40,23 @@ std::string readInputFile(const std::string& path, std::size_t largest)
   }
 }
 
-ListFile readListFile(const std::string& path)
+ListFile readListFile(const std::string& path, const lists::ReadOptions& options)
 {
   std::string bytes = readInputFile(path, largestList);
   try {
-    lists::List list = lists::read(bytes);
+    lists::List list = lists::read(bytes, options);
     return {path, std::move(list), std::move(bytes)};
   } catch (const lists::Error& error) {
     throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
   }
 }
 
-ListFiles readListFiles(const std::vector<std::string>& paths)
+ListFiles readListFiles(const std::vector<std::string>& paths, const lists::ReadOptions& options)
 {
   ListFiles files;
   for (const std::string& path : paths) {
     try {
-      files.read.push_back(readListFile(path));
+      files.read.push_back(readListFile(path, options));
     } catch (const Error& error) {
       files.failures.push_back(error);
     }

@@ -23,7 +23,7 @@ struct ListFile {
 
 /// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound if there is no such file; Unreadable if it
 /// is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
-ListFile readListFile(const std::string& path);
+ListFile readListFile(const std::string& path, const lists::ReadOptions& options = {});
 
 /// The bytes of a file of at most @p largest bytes. Throws as readListFile does, but takes any content.
 std::string readInputFile(const std::string& path, std::size_t largest);
@@ -33,7 +33,7 @@ struct ListFiles {
   std::vector<ListFile> read;
   std::vector<Error> failures;
 };
-ListFiles readListFiles(const std::vector<std::string>& paths);
+ListFiles readListFiles(const std::vector<std::string>& paths, const lists::ReadOptions& options = {});
 
 /// Writes a file completely or not at all. Throws Error: Refused if a file of that name must not be replaced, or is not
 /// a regular file; Io. After a throw the old file is unchanged, and no other file is left. A replaced file keeps its

@@ -72,6 +72,31 @@ private:
   std::vector<Need> needs_;
 };
 
+/// Adds the existing reels that the names of missing reels may mean.
+void addCandidates(Session& session, std::vector<Need>& needs, const ProjectNames& names)
+{
+  std::optional<ReelNames> known; // gathered for the first missing reel
+  for (Need& need : needs) {
+    if (need.reel)
+      continue;
+    if (!known)
+      known = knownNames(session);
+    const auto add = [&](Candidate candidate) {
+      const auto same = [&](const Candidate& other) { return base::sameName(other.reel, candidate.reel); };
+      if (candidate.isThere && std::none_of(need.candidates.begin(), need.candidates.end(), same))
+        need.candidates.push_back(std::move(candidate));
+    };
+    for (const NamedReel& name : need.names) {
+      for (const std::string& reel : name.perhaps)
+        add({reel, names.hasRecord(reel), {Reason::Form}});
+      for (Candidate& candidate : known->find(name.name))
+        add(std::move(candidate));
+    }
+    if (!need.candidates.empty())
+      need.troubles = {"perhaps"};
+  }
+}
+
 } // namespace
 
 std::string Need::state() const
@@ -118,11 +143,11 @@ std::vector<Need> needsOfReel(Session& session, const std::string& reel)
   });
 }
 
-std::vector<Need> needsOfList(Session& session, const lists::List& list)
+std::vector<Need> needsOfList(Session& session, const lists::List& list, lists::NameRules rules)
 {
   return guarded([&] {
     Needs needs(session);
-    ProjectNames names(session);
+    ProjectNames names(session, rules);
     for (const lists::Clip& clip : list.clips)
       names.add(clip);
     names.settle();
@@ -133,7 +158,9 @@ std::vector<Need> needsOfList(Session& session, const lists::List& list)
       if (met.insert(base::fold(name.name) + '\n' + name.sourceId).second)
         need.names.push_back(std::move(name));
     }
-    return needs.take();
+    std::vector<Need> result = needs.take();
+    addCandidates(session, result, names);
+    return result;
   });
 }
 

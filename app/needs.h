@@ -21,9 +21,12 @@ namespace reeldb::app {
 struct Need {
   std::string id; ///< as its record spells it; without a record, as the shots do
   std::int64_t shots = 0;
-  std::optional<Reel> reel;          ///< empty: there is no record
-  std::vector<std::string> troubles; ///< why it cannot be used: "missing", "unavailable", "unknown type"
-  std::vector<NamedReel> names = {}; ///< of a list: its names for this reel
+  std::optional<Reel> reel; ///< empty: there is no record
+  /// why it cannot be used: "missing", "perhaps" (it has no record, but its names may mean reels that do),
+  /// "unavailable", "unknown type"
+  std::vector<std::string> troubles;
+  std::vector<NamedReel> names = {};      ///< of a list: its names for this reel
+  std::vector<Candidate> candidates = {}; ///< of a list: the reels that its names may mean, if it has no record
 
   std::string state() const; ///< the troubles, or "ready"
 };
@@ -36,8 +39,10 @@ std::vector<Need> needsOfClips(Session& session, const std::vector<std::string>&
 /// Refused if no shot was recorded from the reel.
 std::vector<Need> needsOfReel(Session& session, const std::string& reel);
 
-/// The needs of a list, which need not be imported. Empty if none of its clips has a reel. Throws Error.
-std::vector<Need> needsOfList(Session& session, const lists::List& list);
+/// The needs of a list, which need not be imported. Empty if none of its clips has a reel. Its names are
+/// matched by @p rules. Throws Error.
+std::vector<Need> needsOfList(Session& session, const lists::List& list,
+                              lists::NameRules rules = lists::NameRules::All);
 
 std::size_t readyCount(const std::vector<Need>& needs);
 

@@ -21,7 +21,7 @@ using lists::Match;
 
 } // namespace
 
-ProjectNames::ProjectNames(Session& session) : session_(session)
+ProjectNames::ProjectNames(Session& session, lists::NameRules rules) : session_(session), index_(rules)
 {
   for (const Cookie& log : session.manager().reelList) {
     ReelDbRec record(log);

@@ -31,7 +31,7 @@ struct KnownShot {
 /// Reads the project once. Names of lists are added, then the index is settled, then it is asked.
 class ProjectNames {
 public:
-  explicit ProjectNames(Session& session);
+  explicit ProjectNames(Session& session, lists::NameRules rules = lists::NameRules::All);
 
   void add(const lists::Clip& clip);
   /// Adds a name that a person asks for. It may be cut if it fills any field.

@@ -11,6 +11,7 @@
 #include "ReelDbManager.h"
 #include "app/host_text.h"
 #include "app/kept_events.h"
+#include "app/new_reel_types.h"
 #include "app/project_names.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -55,8 +56,10 @@ public:
         partShot(plan.shot, plan.parts[part]);
     for (const Plan& plan : plan_)
       for (const Part& part : plan.parts)
-        if (names_.ids_.insert(base::fold(part.reel)).second)
+        if (names_.ids_.insert(base::fold(part.reel)).second) {
+          const TypeOfNewReels type(manager_, typeOf(part.reel));
           manager_.createNewReel(hostText(part.reel), noDevice);
+        }
     storeLists();
     removeEmptied();
     reelhost::deleteLogs(gone_);
@@ -229,6 +232,8 @@ private:
     ++moves_[{from, part.reel}];
     const auto [same, isNew] = byKey_.emplace(shotKey(shot), shots().size());
     if (isNew) {
+      const bool hasReel = names_.ids_.contains(base::fold(part.reel));
+      const TypeOfNewReels type(manager_, hasReel ? std::string() : typeOf(part.reel));
       const Cookie log = reelhost::importMaterial(materialFrom(shot)); // the library creates the reel
       names_.ids_.insert(base::fold(part.reel));
       shots().push_back({log, std::move(shot)});
@@ -236,6 +241,19 @@ private:
       giveUse(same->second, shot, part.names);
     }
     moveEvents(i, same->second, part.reel);
+  }
+
+  /// The type of a reel that does not exist, by the shots that go there.
+  std::string typeOf(const std::string& reel)
+  {
+    if (uses_.empty())
+      for (const Plan& plan : plan_)
+        for (const Part& part : plan.parts) {
+          ReelUse& use = uses_[base::fold(part.reel)];
+          use.add(shots()[plan.shot].shot);
+          use.reel = part.reel;
+        }
+    return typeByRules(uses_.at(base::fold(reel)));
   }
 
   /// Lets the shot keep what another one said, which becomes one with it.
@@ -320,7 +338,8 @@ private:
   std::map<std::string, std::pair<const ProjectNames::Record*, std::string>> renames_; ///< by folded identifier
   std::unordered_map<std::string, std::size_t> byKey_;                                 ///< shots that stay
   std::map<std::pair<std::string, std::string>, std::size_t> moves_;
-  std::set<std::string> left_; ///< folded reels from which shots moved
+  std::unordered_map<std::string, ReelUse> uses_; ///< of the reels of the plan, by folded identifier
+  std::set<std::string> left_;                    ///< folded reels from which shots moved
   CookieVec gone_;
   std::optional<std::set<std::int64_t>> removable_;
   bool haveLists_ = false;

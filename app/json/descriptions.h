@@ -32,6 +32,14 @@
 
 namespace reeldb::lists {
 
+template <class Io, app::json::Like<SourceName> R>
+void describe(Io& io, R& name)
+{
+  io("name", name.name);
+  io("may_be_cut", name.mayBeCut);
+  io("source_id", name.sourceId);
+}
+
 template <class Io, app::json::Like<Clip> R>
 void describe(Io& io, R& shot)
 {
@@ -42,6 +50,14 @@ void describe(Io& io, R& shot)
   io("audio_channels", shot.audioChannels);
   io("frame_rate", shot.frameRate);
   io("drop_frame", shot.dropFrame);
+  // What has a reel has a name. In the result it is empty if it is the reel.
+  if constexpr (Io::writes)
+    io("own_name", app::ownNameOf(shot));
+  else
+    io("own_name", shot.ownName);
+  io("own_name_may_be_cut", shot.mayBeCut);
+  io("source_id", shot.sourceId);
+  io("further_names", shot.furtherNames);
 }
 
 template <class Io, app::json::Like<SourceId> R>
@@ -270,33 +286,6 @@ void describe(Io& io, R& move)
   io("shots", move.shots);
 }
 
-template <class Io, Like<Need> R>
-void describe(Io& io, R& need)
-{
-  io("id", need.id);
-  io("shots", need.shots);
-  if constexpr (Io::writes) {
-    io("state", need.state());
-    io("type", need.reel ? need.reel->type : std::string());
-    io("bin", need.reel ? need.reel->bin : std::string());
-    io("names", need.names);
-  } else {
-    io("names", need.names);
-    std::string state;
-    io("state", state);
-    for (const char* trouble : {"missing", "unavailable", "unknown type"})
-      if (state.find(trouble) != std::string::npos)
-        need.troubles.emplace_back(trouble);
-    if (state == "missing")
-      return;
-    Reel& reel = need.reel.emplace();
-    reel.id = need.id;
-    reel.available = state.find("unavailable") == std::string::npos;
-    io("type", reel.type);
-    io("bin", reel.bin);
-  }
-}
-
 template <class Io, Like<ReelType> R>
 void describe(Io& io, R& type)
 {
@@ -323,6 +312,35 @@ void describe(Io& io, R& candidate)
       candidate.reasons.push_back(fromWord(reason, all));
   }
   io("record", candidate.isThere);
+}
+
+template <class Io, Like<Need> R>
+void describe(Io& io, R& need)
+{
+  io("id", need.id);
+  io("shots", need.shots);
+  if constexpr (Io::writes) {
+    io("state", need.state());
+    io("type", need.reel ? need.reel->type : std::string());
+    io("bin", need.reel ? need.reel->bin : std::string());
+    io("names", need.names);
+    io("candidates", need.candidates);
+  } else {
+    io("names", need.names);
+    io("candidates", need.candidates);
+    std::string state;
+    io("state", state);
+    for (const char* trouble : {"missing", "perhaps", "unavailable", "unknown type"})
+      if (state.find(trouble) != std::string::npos)
+        need.troubles.emplace_back(trouble);
+    if (state == "missing" || state == "perhaps")
+      return;
+    Reel& reel = need.reel.emplace();
+    reel.id = need.id;
+    reel.available = state.find("unavailable") == std::string::npos;
+    io("type", reel.type);
+    io("bin", reel.bin);
+  }
 }
 
 template <class Io, Like<NameMeaning> R>
@@ -362,6 +380,13 @@ void describe(Io& io, R& difference)
   io("changed", difference.changed);
 }
 
+template <class Io, Like<TypedReels> R>
+void describe(Io& io, R& typed)
+{
+  io("type", typed.type);
+  io("reels", typed.reels);
+}
+
 template <class Io, Like<ImportedList> R>
 void describe(Io& io, R& imported)
 {
@@ -384,6 +409,7 @@ void describe(Io& io, R& imported)
     imported.shotsThere += imported.shotsRepeated;
   }
   io("created", imported.created);
+  io("types", imported.types);
   io("matched", imported.matched);
   io("names", imported.names);
   io("special", list.specials);

@@ -7,6 +7,7 @@
 #include "app/json/json.h"
 #include "base/display_text.h"
 #include "commands/import_report.h"
+#include "commands/name_options.h"
 #include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
@@ -23,6 +24,7 @@ using base::displayText;
 struct Options {
   std::vector<std::string> files;
   std::optional<std::string> as;
+  NameOptions names;
   bool gone = false;
   bool json = false;
 };
@@ -109,11 +111,12 @@ void printDiff(const app::ListDiff& diff)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  app::ListFiles files = app::readListFiles(options.files);
+  const lists::NameRules rules = options.names.rules();
+  app::ListFiles files = app::readListFiles(options.files, options.names.reading());
   if (!files.failures.empty())
     throw files.failures.front();
   app::Session session(globals.project, app::Access::Read);
-  const app::ListDiff diff = app::compareLists(session, files.read, options.gone, options.as);
+  const app::ListDiff diff = app::compareLists(session, files.read, options.gone, options.as, rules);
   if (options.json)
     print(app::jsonText(diff));
   else
@@ -131,7 +134,8 @@ void addDiff(CommandLine& line)
   Command command = line.add(
       {.name = "diff",
        .description = "Compare new versions of cut lists and log files with those that the project keeps",
-       .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl", "reeldb diff --json rushes.ale"},
+       .examples = {"reeldb diff evening.edl", "reeldb diff --gone evening.edl",
+                    "reeldb diff --match exact evening.edl", "reeldb diff --json rushes.ale"},
        .details =
            "Compares each list with its earlier version: the list of the project that has the same bytes, or else\n"
            "the same file name, or else the same title; with --as, LIST. Reports the shots that were added, are no\n"
@@ -143,10 +147,15 @@ void addDiff(CommandLine& line)
            "cut lists, a log file with shots from log files. Several such files are compared as one list. With\n"
            "--gone all files are compared in this way, as if they were all lists of the project: a reel that none\n"
            "of them names is reported as gone, with its shots. Nothing is changed. The exit code is 0 without\n"
-           "differences, 1 with differences, and 4 if lines were rejected."},
+           "differences, 1 with differences, and 4 if lines were rejected.\n"
+           "\n"
+           "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
+           "clip\n"
+           "takes a clip name that begins with a cut name for the whole name, even if it has no ending of a file."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The lists").required().shownAs("");
   command.text("--as", options->as, "Compare with this list of the project").shownAs("LIST");
+  addNameOptions(command, options->names);
   command.flag("--gone", options->gone, "Also report reels that none of the files names");
   command.json(options->json);
 }

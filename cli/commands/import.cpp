@@ -8,6 +8,7 @@
 #include "app/import.h"
 #include "app/json/json.h"
 #include "commands/import_report.h"
+#include "commands/name_options.h"
 #include "commands/tables.h"
 #include "text/output.h"
 #include "text/progress.h"
@@ -20,6 +21,8 @@ namespace {
 struct Options {
   std::vector<std::string> files;
   app::Replacing replacing;
+  NameOptions names;
+  std::optional<std::string> type;
   bool dryRun = false;
   bool json = false;
 };
@@ -45,9 +48,9 @@ void show(const Options& options, const app::ImportReport& report)
 
 /// Reads all files before any is imported, so that an unreadable file leaves the project unchanged. Reports each
 /// unreadable file.
-std::vector<app::ListFile> readAll(const std::vector<std::string>& paths)
+std::vector<app::ListFile> readAll(const std::vector<std::string>& paths, const lists::ReadOptions& options)
 {
-  app::ListFiles files = app::readListFiles(paths);
+  app::ListFiles files = app::readListFiles(paths, options);
   const std::vector<app::Error>& failures = files.failures;
   if (failures.empty())
     return std::move(files.read);
@@ -64,7 +67,8 @@ std::vector<app::ListFile> readAll(const std::vector<std::string>& paths)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  std::vector<app::ListFile> files = readAll(options.files);
+  const app::Treatment treatment{options.names.rules(), options.type};
+  std::vector<app::ListFile> files = readAll(options.files, options.names.reading());
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
   const app::ImportReport report = [&] {
     ProgressBar bar("importing");
@@ -72,7 +76,7 @@ ExitCode run(const Options& options, const Globals& globals)
       bar.show(done, total);
       return true;
     };
-    return app::importLists(session, std::move(files), options.dryRun, show, options.replacing);
+    return app::importLists(session, std::move(files), options.dryRun, show, options.replacing, treatment);
   }();
   if (report.stored)
     changesAreStored();
@@ -90,7 +94,8 @@ void addImport(CommandLine& line)
       {.name = "import",
        .description = "Import cut lists and log files, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
-                    "reeldb import --replace evening.edl", "reeldb import --json rushes.ale"},
+                    "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
+                    "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale"},
        .details =
            "Reads cut lists (CMX3600 EDL) and log exchange files (ALE); their content shows which they are. Every\n"
            "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
@@ -102,11 +107,21 @@ void addImport(CommandLine& line)
            "The project keeps each list. --replace replaces the kept list that has the same file name, or else the\n"
            "same title; --as replaces LIST. The report counts the shots that were added, are gone, were trimmed, or\n"
            "are elsewhere in the cut. Shots that only the old version used are deleted, and so are reels that have\n"
-           "no shot left, unless another command than import made or changed them."},
+           "no shot left, unless another command than import made or changed them.\n"
+           "\n"
+           "A new reel gets the type that --type names, else the one that a rule of facility.toml or a built-in rule\n"
+           "gives it by its name, its extension and the tracks, else the default type of the project.\n"
+           "\n"
+           "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
+           "clip\n"
+           "takes a clip name that begins with a cut name for the whole name, even if it has no ending of a file.\n"
+           "A later import without --match exact may join the reels that it kept apart."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
   command.flag("--replace", options->replacing.byName, "Replace the earlier version of the list");
   command.text("--as", options->replacing.list, "Replace this list of the project").shownAs("LIST");
+  addNameOptions(command, options->names);
+  command.text("--type", options->type, "The type of the reels that are made").shownAs("TYPE");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

@@ -11,7 +11,6 @@
 namespace reeldb::cli {
 
 using base::displayText;
-using base::displayWidth;
 
 namespace {
 
@@ -124,6 +123,8 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
   result += "\n";
   result += keepingText(imported);
   result += reelsText(did(mood, "created"), imported.created, columns);
+  for (const app::TypedReels& typed : imported.types)
+    result += reelsText(fmt::format("of type {}", displayText(typed.type)), typed.reels, columns);
   result += reelsText("already there", imported.matched, columns);
   if (!list.specials.empty())
     result += "  without a reel:\n";

@@ -10,6 +10,8 @@
 #include "app/json/json.h"
 #include "app/list_files.h"
 #include "app/needs.h"
+#include "base/display_text.h"
+#include "commands/name_options.h"
 #include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
@@ -24,10 +26,22 @@ namespace {
 struct Options {
   std::vector<std::string> clips;
   std::optional<std::string> reel, file;
+  NameOptions names;
   bool json = false;
 };
 
 constexpr std::size_t usualColumns = 100;
+
+/// The existing reels that the names of a missing one may mean, but for those that namesText() shows.
+std::string candidatesText(const app::Need& need)
+{
+  std::string text;
+  for (const app::Candidate& candidate : need.candidates)
+    if (candidate.reasons != std::vector{app::Reason::Form})
+      text.append(text.empty() ? "" : "; or ")
+          .append(fmt::format("{}: {}", base::displayText(candidate.reel), reasonsText(candidate)));
+  return text.empty() ? text : fmt::format("  {} is perhaps {}\n", base::displayText(need.id), text);
+}
 
 void report(const Options& options, const std::vector<app::Need>& needs)
 {
@@ -40,8 +54,10 @@ void report(const Options& options, const std::vector<app::Need>& needs)
     table.add({need.id, std::to_string(need.shots), need.state(), orDash(need.reel ? need.reel->type : ""),
                need.reel ? need.reel->bin : ""});
   table.print();
-  for (const app::Need& need : needs)
+  for (const app::Need& need : needs) {
     print(namesText(need.names, terminalColumns(stdout).value_or(usualColumns)));
+    print(candidatesText(need));
+  }
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));
 }
 
@@ -70,15 +86,18 @@ void checkOptions(const Options& options)
     refuse("reels-of: use only one of clip names, --reel ID and --file FILE");
   if (std::find(options.clips.begin(), options.clips.end(), "") != options.clips.end())
     refuse("reels-of: \"\": not a clip name");
+  if (!options.file && (options.names.match || options.names.names))
+    refuse("reels-of: --match and --names need --file FILE");
   if (options.reel && options.reel->empty())
     refuse("reels-of: \"\": not a reel");
 }
 
 ExitCode ofList(const Options& options, const Globals& globals)
 {
-  const app::ListFile file = app::readListFile(*options.file);
+  const lists::NameRules rules = options.names.rules();
+  const app::ListFile file = app::readListFile(*options.file, options.names.reading());
   app::Session session(globals.project, app::Access::Read);
-  const std::vector<app::Need> needs = app::needsOfList(session, file.list);
+  const std::vector<app::Need> needs = app::needsOfList(session, file.list, rules);
   if (!needs.empty())
     report(options, needs);
   complainOfTheRest(file);
@@ -106,15 +125,22 @@ void addReelsOf(CommandLine& line)
       {.name = "reels-of",
        .description = "List the reels that shots or a list need, and which of them are not ready",
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
-                    "reeldb reels-of --file evening.edl --json"},
+                    "reeldb reels-of --file evening.edl --match exact", "reeldb reels-of --file evening.edl --json"},
        .details =
-           "The state of a reel is ready, missing (the project does not have it), unavailable, unknown type, or both\n"
-           "of the last two. The list need not be imported. Its sources that are not reels, and its lines that\n"
-           "cannot be read, are reported on standard error."},
+           "The state of a reel is ready, missing (the project does not have it), perhaps (its name may mean reels "
+           "that\n"
+           "the project has), unavailable, unknown type, or both of the last two. The list need not be imported. Its "
+           "sources that are not reels, and its lines that\n"
+           "cannot be read, are reported on standard error.\n"
+           "\n"
+           "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
+           "clip\n"
+           "takes a clip name that begins with a cut name for the whole name, even if it has no ending of a file."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");
   command.text("--file", options->file, "The clips of this cut list or log file").shownAs("FILE");
+  addNameOptions(command, options->names);
   command.json(options->json);
 }
 

@@ -199,6 +199,9 @@ ValueKind valueKindOf(const std::string& metavariable)
       {"RATE", ValueKind::FrameRate},
       {"FIELD=VALUE", ValueKind::Field},
       {"NUMBER=NAME", ValueKind::UserField},
+      {"MATCH", ValueKind::Match},
+      {"TYPE", ValueKind::ReelType},
+      {"NAMES", ValueKind::NameSource},
       {"FILE", ValueKind::File},
       {"DIR", ValueKind::Folder},
   };

@@ -31,6 +31,10 @@ constexpr std::array<Word, 7> inputWords = {{{"composite", codes::compositeInput
                                              {"1394", codes::input1394},
                                              {"none", codes::noVideoInput}}};
 
+constexpr std::array<Word, 3> trackWords = {{{"audio", static_cast<int>(TypeRule::Tracks::Audio)},
+                                             {"video", static_cast<int>(TypeRule::Tracks::Video)},
+                                             {"both", static_cast<int>(TypeRule::Tracks::Both)}}};
+
 // A device number is an index into a list that people write by hand, and no deck has more audio inputs.
 constexpr std::int64_t largestDeviceNumber = 9999;
 constexpr std::int64_t mostAudioInputs = 1024;
@@ -86,7 +90,7 @@ FacilityReader::FacilityReader(const std::filesystem::path& dir)
   facility_.directory_ = dir;
   const TomlFile file(dir / "facility.toml");
   const TomlTable root(file, file.root(), "");
-  root.allowOnly({"facility", "texts", "frame_rates", "system", "device", "history"});
+  root.allowOnly({"facility", "texts", "frame_rates", "system", "device", "history", "type_rule"});
   if (const auto table = root.table("facility"))
     readFacility(*table);
   if (const auto table = root.table("texts"))
@@ -102,7 +106,10 @@ FacilityReader::FacilityReader(const std::filesystem::path& dir)
     facility_.keepsNames_ = table->flag("names").value_or(true);
   }
   readState();
-  facility_.remarks_ = checkTypeFile(facility_.deviceDataDirectory() / "reeltype.dat");
+  CheckedTypes types = checkTypeFile(facility_.deviceDataDirectory() / "reeltype.dat");
+  for (const TomlTable& table : root.tables("type_rule"))
+    readTypeRule(table, types.names);
+  facility_.remarks_ = std::move(types.remarks);
 }
 
 void FacilityReader::readFacility(const TomlTable& table)
@@ -179,6 +186,26 @@ void FacilityReader::readDevice(const TomlTable& table)
       table.fail("name", '"' + device.name + "\" is taken (by device " + std::to_string(other.number) + ")");
   }
   facility_.devices_.push_back(std::move(device));
+}
+
+void FacilityReader::readTypeRule(const TomlTable& table, const std::vector<std::string>& types)
+{
+  table.allowOnly({"type", "name", "extensions", "tracks"});
+  TypeRule rule;
+  rule.type = table.text("type").value_or("");
+  if (rule.type.empty())
+    table.fail("type", "a rule needs one");
+  if (std::find(types.begin(), types.end(), rule.type) == types.end())
+    table.fail("type", '"' + displayText(rule.type) + "\" is not a type of devicedata/reeltype.dat");
+  rule.name = table.text("name").value_or("");
+  rule.extensions = table.texts("extensions");
+  for (const std::string& extension : rule.extensions)
+    if (isBlank(extension) || extension.front() == '.')
+      table.fail("extensions", '"' + displayText(extension) + "\" is not an extension (write it without the dot)");
+  rule.tracks = static_cast<TypeRule::Tracks>(codeOf(table, "tracks", trackWords, 0));
+  if (rule.name.empty() && rule.extensions.empty() && rule.tracks == TypeRule::Tracks::Any)
+    table.fail("a rule needs a name, extensions or tracks");
+  facility_.typeRules_.push_back(std::move(rule));
 }
 
 void FacilityReader::readState()

@@ -21,6 +21,7 @@ private:
   void readFrameRates(const TomlTable& table);
   void readSystem(const TomlTable& table);
   void readDevice(const TomlTable& table);
+  void readTypeRule(const TomlTable& table, const std::vector<std::string>& types);
   void readState();
 
   Facility facility_;

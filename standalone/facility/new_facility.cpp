@@ -43,6 +43,12 @@ reel = "Reel"
 "59.94" = 9
 "60" = 10
 
+# The types of reels that import makes: the first rule that fits decides. Behind them stand built-in rules for "Sound file",
+# "Still", "File" and "Audio only", if devicedata/reeltype.dat has these types.
+# [[type_rule]]
+# type = "Tape 4ch"
+# name = "BC*"
+
 # Settings shared by all projects. The display names of reel user fields count from 0:
 # reel_userfield0 = "Scene"
 [system]
@@ -76,7 +82,10 @@ constexpr std::string_view reelTypes = "Tape 2ch:VideoChannels=1 AudioChannels=2
                                        "Audio only:VideoChannels=0 AudioChannels=8\n"
                                        "Film 35:VideoChannels=1 AudioChannels=0\n"
                                        "Disc:VideoChannels=1 AudioChannels=8\n"
-                                       "Live:VideoChannels=1 AudioChannels=2\n";
+                                       "Live:VideoChannels=1 AudioChannels=2\n"
+                                       "Sound file:VideoChannels=0 AudioChannels=2\n"
+                                       "Still:VideoChannels=1 AudioChannels=0\n"
+                                       "File:VideoChannels=1 AudioChannels=2\n";
 
 struct Entry {
   std::string_view label;

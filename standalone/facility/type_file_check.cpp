@@ -40,6 +40,14 @@ const char* withoutLeadingSpaces(const char* text)
   return text;
 }
 
+std::string trimmed(const char* field)
+{
+  std::string text = withoutLeadingSpaces(field);
+  while (!text.empty() && std::isspace(static_cast<signed char>(text.back())) != 0)
+    text.pop_back();
+  return text;
+}
+
 /// The value of a token "NAME=VALUE"; empty if there is no "=" with a value behind it.
 std::optional<std::string> valueIn(const LightweightString<char>& token)
 {
@@ -58,7 +66,7 @@ class TypeFileCheck {
 public:
   explicit TypeFileCheck(const std::filesystem::path& path) : path_(path) {}
 
-  std::vector<std::string> run(std::FILE* file)
+  CheckedTypes run(std::FILE* file)
   {
     ByteStream records(file);
     records.separators = "\r\n";
@@ -68,7 +76,7 @@ public:
       records >> record;
       checkRecord(record);
     }
-    return std::move(remarks_);
+    return std::move(types_);
   }
 
 private:
@@ -81,7 +89,7 @@ private:
     GrowString name;
     fields >> name;
     if (line_ == 1 && std::strncmp(name, byteOrderMark, std::strlen(byteOrderMark)) == 0)
-      remarks_.push_back(place() + "a byte order mark is part of the name (store the file without it)");
+      types_.remarks.push_back(place() + "a byte order mark is part of the name (store the file without it)");
     if (fields.atEnd()) {
       requireRoomForWarning(name);
       return;
@@ -90,6 +98,7 @@ private:
     fields >> parameters;
     requireRoom(name, "the name is longer than 2047 bytes");
     requireRoom(parameters, "the parameters are longer than 2047 bytes");
+    types_.names.push_back(trimmed(name));
     for (const char* const count : {"VideoChannels", "AudioChannels"})
       checkCount(count, parameters);
   }
@@ -111,10 +120,7 @@ private:
   /// The library takes the first token that contains the name, in any case, and has a value.
   void checkCount(const char* name, const char* parameters)
   {
-    std::string trimmed = withoutLeadingSpaces(parameters);
-    while (!trimmed.empty() && std::isspace(static_cast<signed char>(trimmed.back())) != 0)
-      trimmed.pop_back();
-    ByteStream tokens(LightweightString<char>(trimmed.c_str()));
+    ByteStream tokens(LightweightString<char>(trimmed(parameters).c_str()));
     tokens.separators.append(' ');
     bool named = false;
     while (!tokens.atEnd()) {
@@ -157,7 +163,7 @@ private:
                        (taken > mostChannels ? "no reel can get this type" : "read as " + std::to_string(taken)) + ")");
   }
 
-  void remark(const char* name, const std::string& fact) { remarks_.push_back(place() + name + ": " + fact); }
+  void remark(const char* name, const std::string& fact) { types_.remarks.push_back(place() + name + ": " + fact); }
 
   [[noreturn]] void fail(const char* fact) const { throw Error(ErrorKind::Unreadable, place() + fact); }
 
@@ -165,12 +171,12 @@ private:
 
   const std::filesystem::path& path_;
   int line_ = 0;
-  std::vector<std::string> remarks_;
+  CheckedTypes types_;
 };
 
 } // namespace
 
-std::vector<std::string> checkTypeFile(const std::filesystem::path& file)
+CheckedTypes checkTypeFile(const std::filesystem::path& file)
 {
   std::string content;
   try {

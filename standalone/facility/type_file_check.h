@@ -11,10 +11,16 @@
 
 namespace reelhost {
 
-/// Reads @p file as the library does. Returns remarks, "PATH:LINE: FACT", on channel counts that the library reads as
-/// other numbers. Without a file there are no remarks. Throws Error: Unreadable for a field that would end the process,
-/// for anything but a regular file and for a file that is too large to be a list of types; Io.
-std::vector<std::string> checkTypeFile(const std::filesystem::path& file);
+/// What a reel type file holds.
+struct CheckedTypes {
+  std::vector<std::string> remarks; ///< "PATH:LINE: FACT", on channel counts that the library reads as other numbers
+  std::vector<std::string> names;   ///< of the types, in the order of the file
+};
+
+/// Reads @p file as the library does. Without a file there is nothing in the result. Throws Error: Unreadable for a
+/// field that would end the process, for anything but a regular file and for a file that is too large to be a list of
+/// types; Io.
+CheckedTypes checkTypeFile(const std::filesystem::path& file);
 
 } // namespace reelhost
 

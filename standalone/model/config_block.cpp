@@ -55,10 +55,11 @@ void ConfigBlock::set(const char* key, const char* text)
   if (entry && std::strcmp(entry->text.c_str(), value.c_str()) == 0)
     return;
 
+  const Key changing = entry ? entry->key : internKey(wanted);
   if (owner_)
-    owner_->configChanging();
+    owner_->configChanging(changing);
   if (!entry)
-    entry = &entries_.emplace_back(Entry{internKey(wanted), {}});
+    entry = &entries_.emplace_back(Entry{changing, {}});
   entry->text = std::move(value);
   if (owner_)
     owner_->configChanged(entry->key);

@@ -21,7 +21,7 @@ Key reelIdKey(); ///< "reelid": the configuration key that is a log's reel ident
 /// Is notified of every set that changes the block.
 class ConfigOwner {
 public:
-  virtual void configChanging() = 0; ///< called before the change; an exception prevents the change
+  virtual void configChanging(Key key) = 0; ///< called before the change; an exception prevents the change
   virtual void configChanged(Key key) = 0;
 
 protected:

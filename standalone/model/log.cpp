@@ -99,7 +99,7 @@ void Edit::Impl::setReelType(const LightweightString<char>& typeName, bool shown
     shownReelType = typeName;
 }
 
-void Edit::Impl::configChanging()
+void Edit::Impl::configChanging(Key)
 {
   project.changing(*this);
 }

@@ -37,7 +37,7 @@ struct alignas(64) Edit::Impl final : reelhost::model::ConfigOwner {
   void showReelId(const LightweightString<char>& id);
   void setReelType(const LightweightString<char>& name, bool shownAtOnce);
 
-  void configChanging() override;
+  void configChanging(reelhost::model::Key key) override;
   void configChanged(reelhost::model::Key key) override;
 
   // The members used to open a log and read its identifier come first, so that they are in one cache line: the library

@@ -142,6 +142,10 @@ private:
       throwConflict(std::move(meeting), fact);
     }
     delta_.options->assign(here.begin(), here.end());
+    for (Project::ChangedOption& option : project_.changedOptions_) {
+      const auto found = stored.find(*option.key);
+      option.stored = found == stored.end() ? std::nullopt : std::optional(found->second);
+    }
   }
 
   /// Lists are not merged.

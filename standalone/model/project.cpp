@@ -464,18 +464,24 @@ int Project::forgetHistory(std::int64_t before)
   return count;
 }
 
-void Project::OptionsOwner::configChanging()
+void Project::OptionsOwner::configChanging(Key key)
 {
   if (!project_.isClosed_)
     project_.useForChange();
   makeRoom(project_.changedOptions_); // an option that is changed is stored
+  const LightweightString<char>* const text = blockOf(project_.options_).find(key);
+  before_ = text ? std::optional<std::string>(text->c_str()) : std::nullopt;
 }
 
 void Project::OptionsOwner::configChanged(Key key)
 {
-  std::vector<Key>& changed = project_.changedOptions_;
-  if (std::find(changed.begin(), changed.end(), key) == changed.end())
-    changed.push_back(key);
+  std::vector<ChangedOption>& changed = project_.changedOptions_;
+  const auto known =
+      std::find_if(changed.begin(), changed.end(), [key](const ChangedOption& option) { return option.key == key; });
+  if (known == changed.end())
+    changed.push_back({key, std::move(before_)});
+  else if (known->stored == blockOf(project_.options_).find(key)->c_str())
+    changed.erase(known); // it is as it was
 }
 
 // --- Storing -------------------------------------------------------------------------------------
@@ -498,8 +504,8 @@ Changes Project::collect() const
   changes.origin = currentOrigin();
   changes.compact = compact_;
   changes.forgetBefore = forgetBefore_;
-  for (const Key key : changedOptions_)
-    changes.options.emplace_back(*key, blockOf(options_).find(key)->c_str());
+  for (const ChangedOption& option : changedOptions_)
+    changes.options.emplace_back(*option.key, blockOf(options_).find(option.key)->c_str());
   for (const auto& [number, list] : changedLists_)
     if (list) {
       changes.lists.push_back(*list);

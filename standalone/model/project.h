@@ -98,14 +98,21 @@ public:
 private:
   enum class Use { None, Read, Write };
 
+  /// An option whose text is not the stored one.
+  struct ChangedOption {
+    Key key;
+    std::optional<std::string> stored; ///< empty if it is not stored
+  };
+
   class OptionsOwner final : public ConfigOwner {
   public:
     explicit OptionsOwner(Project& project) : project_(project) {}
-    void configChanging() override;
+    void configChanging(Key key) override;
     void configChanged(Key key) override;
 
   private:
     Project& project_;
+    std::optional<std::string> before_; ///< the text of the option that is being changed
   };
 
   void begin(Access access);
@@ -181,7 +188,7 @@ private:
   std::optional<AttributeIndex> index_; ///< from the first attribute search on
 
   std::vector<Log*> dirty_;
-  std::vector<Key> changedOptions_;
+  std::vector<ChangedOption> changedOptions_;
   std::set<std::int64_t> deleted_;
   std::map<std::int64_t, std::optional<KeptList>> changedLists_; ///< empty: to be removed
   std::map<Digest, std::string> listBytes_;                      ///< of changed lists

@@ -32,6 +32,14 @@ struct DeviceSettings {
   std::string lastReel;           ///< from the state file; may be empty
 };
 
+/// Which type a new reel gets. Every condition that is given must hold; there is at least one.
+struct TypeRule {
+  std::string type; ///< a type of devicedata/reeltype.dat
+  std::string name; ///< a pattern for the identifier: '*' is any text, '?' any character; may be empty
+  std::vector<std::string> extensions;                                ///< of the file, without the dot; may be empty
+  enum class Tracks { Any, Audio, Video, Both } tracks = Tracks::Any; ///< those that its shots use
+};
+
 /// The content of facility.toml and of the state file beside it; a value. The host never writes the hand-written files;
 /// changes by commands go to the state file.
 class Facility {
@@ -72,6 +80,9 @@ public:
   /// facility.toml says otherwise, it does.
   bool keepsNames() const { return keepsNames_; }
 
+  /// The rules for the types of new reels, in the order of the file: the first one that fits decides.
+  const std::vector<TypeRule>& typeRules() const { return typeRules_; }
+
   const std::vector<DeviceSettings>& devices() const { return devices_; } ///< in the order of the file
   std::vector<DeviceSettings>& devices() { return devices_; }             ///< changes are never stored
 
@@ -100,6 +111,7 @@ private:
   std::map<std::string, std::string> system_, pendingSystem_;
   std::map<unsigned, std::string> texts_, storedLastReel_, pendingLastReel_;
   std::vector<std::pair<std::string, int>> frameRates_;
+  std::vector<TypeRule> typeRules_;
   std::vector<DeviceSettings> devices_;
   std::vector<std::string> remarks_;
 };

@@ -54,4 +54,15 @@ TEST_F(ListFiles, FileIsReplacedOnlyOnRequest)
   EXPECT_EQ(std::filesystem::file_size(path("out")), 5u);
 }
 
+TEST_F(ListFiles, OptionsOfReadingHoldForEachFile)
+{
+  const std::string file =
+      folder_.write("cut.edl", "001  A001C001 V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
+                               "* FROM CLIP NAME: A001C001_200303_F701\n");
+  const lists::ReadOptions byClipNames{.clipNames = true};
+  EXPECT_EQ(app::readListFile(file).list.clips.at(0).reel, "A001C001");
+  EXPECT_EQ(app::readListFile(file, byClipNames).list.clips.at(0).reel, "A001C001_200303_F701");
+  EXPECT_EQ(app::readListFiles({file}, byClipNames).read.at(0).list.clips.at(0).reel, "A001C001_200303_F701");
+}
+
 } // namespace

@@ -263,4 +263,46 @@ TEST_F(ProjectNames, NeedsAndDifferencesKnowTheReelOfACutName)
   EXPECT_TRUE(app::compareLists(session, {cutList}, false).empty());
 }
 
+TEST_F(ProjectNames, ExactMatchMakesAReelOfEachNameAndMovesNothing)
+{
+  importList({{whole, "one"}});
+  importList({{cut, "one"}}); // is the whole one
+  const auto importExactly = [&](const std::vector<Event>& events) {
+    app::Session session({}, app::Access::Write);
+    return app::importLists(session, {list(events)}, false, {}, {}, {lists::NameRules::Exact});
+  };
+  const app::ImportReport report = importExactly({{cut, "two", "", "", 40}});
+  EXPECT_EQ(report.lists.front().created, Names{cut});
+  EXPECT_EQ(importExactly({{"a001c001_200303_f701", "one"}}).lists.front().matched, Names{whole});
+  EXPECT_TRUE(report.moves.empty());
+  EXPECT_EQ(reelsWithShots(), (Names{cut + " 1", whole + " 1"}));
+  EXPECT_EQ(importExactly({{cut, "two", "", "", 40}}).lists.front().shotsAdded, 0u);
+  EXPECT_EQ(importList({{"B002", "three"}}).moves.size(), 1u) << "all rules join them";
+  EXPECT_EQ(reelsWithShots(), (Names{whole + " 2", "B002 1"}));
+}
+
+TEST_F(ProjectNames, ExactMatchFollowsOldNames)
+{
+  importList({{"OLD", "one"}});
+  {
+    app::Session session({}, app::Access::Write);
+    app::renameReel(session, "OLD", "NEW", false);
+  }
+  app::Session session({}, app::Access::Write);
+  const app::ImportReport report =
+      app::importLists(session, {list({{"OLD", "two"}})}, false, {}, {}, {lists::NameRules::Exact});
+  EXPECT_EQ(report.lists.front().matched, Names{"NEW"});
+}
+
+TEST_F(ProjectNames, DifferenceByExactMatchHasTheCutNameAsNew)
+{
+  importList({{whole, "one"}});
+  app::Session session({}, app::Access::Read);
+  const auto newReels = [&](lists::NameRules rules) {
+    return app::compareLists(session, {list({{cut, "two"}})}, false, {}, rules).newReels.size();
+  };
+  EXPECT_EQ(newReels(lists::NameRules::All), 0u);
+  EXPECT_EQ(newReels(lists::NameRules::Exact), 1u);
+}
+
 } // namespace

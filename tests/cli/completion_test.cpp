@@ -118,12 +118,15 @@ TEST_F(Completion, ReelOfTheProjectThatTheEnvironmentNames)
 TEST_F(Completion, RateOfAProject)
 {
   EXPECT_EQ(candidates({"project", "rate", "5"}), (Words{"words", "50", "59.94"}));
+  EXPECT_EQ(candidates({"import", "--type", "Tape"}), (Words{"words", "Tape 2ch", "Tape 4ch"}));
 }
 
 TEST_F(Completion, RateOfANewFacilityNeedsNone)
 {
   asked_.folder = "/";
   EXPECT_EQ(candidates({"init", "--rate", "23"}), (Words{"words", "23.98"}));
+  EXPECT_EQ(candidates({"import", "--match", ""}), (Words{"words", "all", "exact"}));
+  EXPECT_EQ(candidates({"reels-of", "--names", "c"}), (Words{"words", "clip"}));
 }
 
 TEST_F(Completion, DeviceGivesNumbersWithTheirNames)

@@ -60,6 +60,13 @@ TEST_F(Shots, UnknownReelIsRefused)
   EXPECT_EQ(result.err, "reeldb: X: no such reel\n");
 }
 
+/// The same, with the reel in a column of eight characters.
+std::string narrowEvent(const std::string& reel, const std::string& clip)
+{
+  return "001  " + reel + " V     C        01:00:00:00 01:00:01:00 01:00:00:00 01:00:01:00\n* FROM CLIP NAME: " + clip +
+         "\n";
+}
+
 class ReelsOf : public Shots {
 protected:
   void SetUp() override
@@ -73,7 +80,8 @@ protected:
 TEST_F(ReelsOf, ClipNamesFindTheirReelsInAnyCase)
 {
   EXPECT_EQ(json({"reels-of", "--json", "Kitchen Wide"}), Json::parse(R"([
-    {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf", "names": []}])"));
+    {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf", "names": [],
+     "candidates": []}])"));
 }
 
 TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
@@ -172,6 +180,59 @@ TEST_F(ReelsOf, OneSourceMustBeGiven)
   const ProcessResult result = reeldb({"reels-of", "clip", "--reel", "A001"});
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.err, "reeldb: reels-of: use only one of clip names, --reel ID and --file FILE\n");
+}
+
+TEST_F(ReelsOf, NameThatMayBeSeveralReelsIsShownWithThese)
+{
+  ASSERT_EQ(reeldb({"create", "C001C001_X"}).code, 0);
+  ASSERT_EQ(reeldb({"create", "C001C001_Y"}).code, 0);
+  ASSERT_EQ(reeldb({"create", "OLD"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "OLD", "NEW"}).code, 0);
+  dir_.write("short.edl", narrowEvent("C001C001", "X"));
+  dir_.write("file.edl", event(2, "kitchen.mov", "V", "01:00:00:00", "01:00:01:00"));
+  std::string text = output({"reels-of", "--file", "short.edl", "--names", "list"});
+  EXPECT_NE(text.find("C001C001      1  perhaps  -"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n  C001C001 is perhaps C001C001_X, C001C001_Y\n1 reel needed"), std::string::npos) << text;
+  text = output({"reels-of", "--file", "file.edl"});
+  EXPECT_NE(text.find("  kitchen.mov is perhaps A001: other name in a list\n"), std::string::npos) << text;
+  EXPECT_EQ(json({"reels-of", "--json", "--file", "file.edl"}).at(0).at("candidates").at(0).at("reel"), "A001");
+}
+
+TEST_F(ReelsOf, WordsOfMatchAndNamesAreChecked)
+{
+  dir_.write("one.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  for (const std::string command : {"import", "diff"}) {
+    ProcessResult result = reeldb({command, "--match", "close", "one.edl"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.err, "reeldb: --match close: invalid (use all or exact)\n");
+    result = reeldb({command, "--names", "x", "one.edl"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.err, "reeldb: --names x: invalid (use list or clip)\n");
+  }
+  EXPECT_EQ(reeldb({"reels-of", "--file", "one.edl", "--match", "close"}).code, 2);
+  const ProcessResult result = reeldb({"reels-of", "--reel", "A001", "--match", "exact"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: reels-of: --match and --names need --file FILE\n");
+}
+
+TEST_F(ReelsOf, OptionsOfNamesReachEachCommand)
+{
+  dir_.write("cut.edl", narrowEvent("C001C001", "C001C001_X"));
+  EXPECT_EQ(json({"reels-of", "--json", "--file", "cut.edl", "--names", "clip"}).at(0).at("id"), "C001C001_X");
+  EXPECT_EQ(json({"import", "--json", "--names", "clip", "cut.edl"}).at("files").at(0).at("created"),
+            Json({"C001C001_X"}));
+  dir_.write("cut2.edl", narrowEvent("C001C001", "another"));
+  const auto reelsOf = [&](const Words& more) {
+    Words words = {"reels-of", "--json", "--file", "cut2.edl"};
+    words.insert(words.end(), more.begin(), more.end());
+    return json(words).at(0).at("id");
+  };
+  EXPECT_EQ(reelsOf({}), "C001C001_X");
+  EXPECT_EQ(reelsOf({"--match", "exact"}), "C001C001");
+  const Json diff = Json::parse(reeldb({"diff", "--json", "--match", "exact", "cut2.edl"}).out);
+  EXPECT_EQ(diff.at("reels_new").at(0).at("reel"), "C001C001");
+  EXPECT_EQ(json({"import", "--json", "--match", "exact", "cut2.edl"}).at("files").at(0).at("created"),
+            Json({"C001C001"}));
 }
 
 TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)

@@ -64,13 +64,19 @@ Shot sampleShot()
   shot.videoChannels = 1;
   shot.frameRate = "29.97";
   shot.dropFrame = true;
+  shot.ownName = "A001_X";
+  shot.mayBeCut = true;
+  shot.sourceId = "11";
+  shot.furtherNames = {{"A001_X.mov", false, "12"}};
   return shot;
 }
 
 constexpr const char* shotObject =
     R"({"reel": "A001", "clip": "WIDE", "tracks": "V", "source_in": "01:00:00:00", "source_out": "01:00:01:00",
         "record_in": "10:00:00:00", "record_out": "10:00:01:00", "source_file": "a.mov", "aliases": ["A1", "A-1"],
-        "video_channels": 1, "audio_channels": 0, "frame_rate": "29.97", "drop_frame": true})";
+        "video_channels": 1, "audio_channels": 0, "frame_rate": "29.97", "drop_frame": true, "own_name": "A001_X",
+        "own_name_may_be_cut": true, "source_id": "11",
+        "further_names": [{"name": "A001_X.mov", "may_be_cut": false, "source_id": "12"}]})";
 
 Candidate sampleCandidate()
 {
@@ -88,6 +94,7 @@ ImportReport sampleImport()
   imported.shotsThere = 4;
   imported.shotsRepeated = 3;
   imported.created = {"A", "B"};
+  imported.types = {{"Still", {"B"}}};
   imported.matched = {"C"};
   imported.list.title = "EVENING";
   imported.list.specials = {{"BL", "black", 2, {3, 5}}};
@@ -123,7 +130,8 @@ constexpr const char* nameObject =
 
 const std::string importObject = R"({"dry_run": true, "stored": false, "files": [
     {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
-     "shots_repeated": 3, "created": ["A", "B"], "matched": ["C"],
+     "shots_repeated": 3, "created": ["A", "B"],
+     "types": [{"type": "Still", "reels": ["B"]}], "matched": ["C"],
       "names": [
         {"name": "SHORT", "reel": "SHORT_1", "match": "cut", "evidence": "reel-note", "may_be_cut": true,
          "source_id": "11", "perhaps": [], "clip_names": []},
@@ -242,8 +250,16 @@ TEST(Json, EventsOfAListSayWhatItsLinesSay)
                     {"number": "", "part": 1, "line": 0, "reel": "", "clip": "", "tracks": "", "source_in": "",
                      "source_out": "", "record_in": "", "record_out": "", "source_file": "", "aliases": [],
                      "video_channels": 0, "audio_channels": 0, "frame_rate": "", "drop_frame": false,
+                     "own_name": "", "own_name_may_be_cut": false, "source_id": "", "further_names": [],
                      "special": "black", "reel_text": "", "reel_field": 0, "transition": "", "duration": "",
                      "speed": null, "speed_timecode": null, "source_ids": [], "reel_now": ""}]})");
+}
+
+TEST(Json, ShotWithoutAnOwnNameHasThatOfItsReel)
+{
+  Shot shot;
+  shot.reel = "A001";
+  EXPECT_EQ(nlohmann::json::parse(jsonText(std::vector<Shot>{shot})).at(0).at("own_name"), "A001");
 }
 
 TEST(Json, Shots)
@@ -257,12 +273,16 @@ TEST(Json, NeedsSayTheStateInOneText)
   away.available = false;
   expectJson(std::vector<Need>{{"A001", 2, sampleReel(), {}, {sampleName()}},
                                {"A002", 1, std::nullopt, {"missing"}},
+                               {"A004", 1, std::nullopt, {"perhaps"}, {}, {sampleCandidate()}},
                                {"A003", 1, away, {"unavailable", "unknown type"}}},
              R"([{"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "Shelf 4", "names": [)" +
-                 std::string(nameObject) + R"(]},
-                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": "", "names": []},
+                 std::string(nameObject) +
+                 R"(], "candidates": []},
+                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": "", "names": [], "candidates": []},
+                 {"id": "A004", "shots": 1, "state": "perhaps", "type": "", "bin": "", "names": [], "candidates": [{)" +
+                 candidateKeys + R"(}]},
                  {"id": "A003", "shots": 1, "state": "unavailable, unknown type", "type": "Tape 2ch",
-                  "bin": "Shelf 4", "names": []}])");
+                  "bin": "Shelf 4", "names": [], "candidates": []}])");
 }
 
 TEST(Json, NameMeaningHasTheOneReelOrNull)

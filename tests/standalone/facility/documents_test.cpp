@@ -44,11 +44,14 @@ TEST(FacilityDocument, ExamplesAreRead)
   const auto blocks = tomlBlocks("facility.md");
   ASSERT_EQ(blocks.size(), 2u);
   const TempFolder folder;
+  std::filesystem::create_directory(folder / "devicedata");
+  writeBytes(folder / "devicedata/reeltype.dat", "Tape 4ch:VideoChannels=1 AudioChannels=4\n");
   writeBytes(folder / "facility.toml", blocks[0]);
   const Facility before = Facility::read(folder.path());
   EXPECT_EQ(before.frameRates(), Facility().frameRates());
   EXPECT_EQ(before.systemValue("reel_userfield0"), "Scene");
   EXPECT_EQ(before.devices().size(), 2u);
+  EXPECT_EQ(before.typeRules().size(), 1u);
   writeBytes(folder / "state.toml", blocks[1]);
   const Facility after = Facility::read(folder.path());
   EXPECT_EQ(after.systemValue("reel_userfield0"), "Scene number");

@@ -154,6 +154,22 @@ TEST_F(FacilityReaderTest, StateFileOverridesTheFacility)
   EXPECT_EQ(facility.devices()[1].lastReel, "");
 }
 
+TEST_F(FacilityReaderTest, TypeRulesAreReadInTheirOrder)
+{
+  std::filesystem::create_directory(folder() / "devicedata");
+  writeBytes(folder() / "devicedata/reeltype.dat", " Tape 2ch :VideoChannels=1\nDisc:VideoChannels=1\n");
+  const Facility facility = read("[[type_rule]]\ntype = \"Tape 2ch\"\nname = \"BC*\"\ntracks = \"both\"\n"
+                                 "[[type_rule]]\ntype = \"Disc\"\nextensions = [\"mov\", \"mxf\"]\n");
+  ASSERT_EQ(facility.typeRules().size(), 2u);
+  const TypeRule& first = facility.typeRules()[0];
+  EXPECT_EQ(first.type, "Tape 2ch");
+  EXPECT_EQ(first.name, "BC*");
+  EXPECT_TRUE(first.extensions.empty());
+  EXPECT_EQ(first.tracks, TypeRule::Tracks::Both);
+  EXPECT_EQ(facility.typeRules()[1].extensions, (std::vector<std::string>{"mov", "mxf"}));
+  EXPECT_EQ(facility.typeRules()[1].tracks, TypeRule::Tracks::Any);
+}
+
 TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
 {
   const std::string device = "[[device]]\nnumber = 0\nid = 1\nname = \"D\"\n"; // four lines
@@ -163,9 +179,11 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
       {"[facility]\nname = \"a\"\nname = \"b\"\n",
        "3: not valid TOML (Error while parsing key-value pair: cannot redefine existing string 'name')"},
       {"\n[system]\nkey = \"\xFF\"\n", "3: not valid TOML (Encountered invalid utf-8 sequence)"},
-      {"\nfoo = 1\n", "2: foo: unknown key (known: facility, texts, frame_rates, system, device, history)"},
-      {"zoo = 1\nair = 2\n", "1: zoo: unknown key (known: facility, texts, frame_rates, system, device, history)"},
-      {"[devices]\n", "1: devices: unknown key (known: facility, texts, frame_rates, system, device, history)"},
+      {"\nfoo = 1\n", "2: foo: unknown key (known: facility, texts, frame_rates, system, device, history, type_rule)"},
+      {"zoo = 1\nair = 2\n",
+       "1: zoo: unknown key (known: facility, texts, frame_rates, system, device, history, type_rule)"},
+      {"[devices]\n",
+       "1: devices: unknown key (known: facility, texts, frame_rates, system, device, history, type_rule)"},
       {"facility = 3\n", "1: facility: a table is needed (this is a whole number)"},
       {"[facility]\n\nnam = \"x\"\n", "3: facility.nam: unknown key (known: name, default_project, default_reel_type)"},
       {"[facility]\nname = 3.5\n", "2: facility.name: a text is needed (this is a decimal number)"},
@@ -217,7 +235,19 @@ TEST_F(FacilityReaderTest, EveryErrorNamesFileLineAndKey)
       {second + "[[device]]\nnumber = 1\nid = 3\nname = \"F\"\n", "10: device.number: 1 is taken (by device \"E\")"},
       {second + "[[device]]\nnumber = 2\nid = 1\nname = \"F\"\n", "11: device.id: 1 is taken (by device \"D\")"},
       {second + "[[device]]\nnumber = 2\nid = 3\nname = \"E\"\n", "12: device.name: \"E\" is taken (by device 1)"},
+      {"[[type_rule]]\nname = \"SR*\"\n", "1: type_rule.type: a rule needs one"},
+      {"[[type_rule]]\nname = \"SR*\"\ntype = \"Betacam\"\n",
+       "3: type_rule.type: \"Betacam\" is not a type of devicedata/reeltype.dat"},
+      {"[[type_rule]]\ntype = \"Disc\"\n", "1: type_rule: a rule needs a name, extensions or tracks"},
+      {"[[type_rule]]\ntype = \"Disc\"\nextensions = [\"mov\", \".mxf\"]\n",
+       "3: type_rule.extensions: \".mxf\" is not an extension (write it without the dot)"},
+      {"[[type_rule]]\ntype = \"Disc\"\ntracks = \"sound\"\n",
+       "3: type_rule.tracks: \"sound\" is unknown (known: audio, video, both)"},
+      {"[[type_rule]]\ntype = \"Disc\"\ntrack = \"video\"\n",
+       "3: type_rule.track: unknown key (known: type, name, extensions, tracks)"},
   };
+  std::filesystem::create_directory(folder() / "devicedata");
+  writeBytes(folder() / "devicedata/reeltype.dat", "Disc:VideoChannels=1\n");
   for (const auto& [toml, message] : cases)
     EXPECT_EQ(errorFor(toml), "Unreadable: " + file().native() + ":" + message) << toml;
 }

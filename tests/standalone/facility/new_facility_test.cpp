@@ -64,8 +64,8 @@ TEST(NewFacilityTest, ReelTypesAreLinesOfNameAndParametersAndCoverTheDevices)
     EXPECT_EQ(line.find(':', colon + 1), std::string::npos) << line;
     names.push_back(line.substr(0, colon));
   }
-  EXPECT_EQ(names,
-            (std::vector<std::string>{"Tape 2ch", "Tape 4ch", "Tape 8ch", "Audio only", "Film 35", "Disc", "Live"}));
+  EXPECT_EQ(names, (std::vector<std::string>{"Tape 2ch", "Tape 4ch", "Tape 8ch", "Audio only", "Film 35", "Disc",
+                                             "Live", "Sound file", "Still", "File"}));
   const Facility facility = Facility::read(folder.path());
   for (const DeviceSettings& device : facility.devices())
     for (const std::string& tape : device.tapes)

@@ -31,7 +31,7 @@ protected:
   Lines remarksOn(const std::string& bytes) const
   {
     writeBytes(file(), bytes);
-    return checkTypeFile(file());
+    return checkTypeFile(file()).remarks;
   }
   void expectGood(const std::string& bytes) const { EXPECT_EQ(remarksOn(bytes), Lines{}); }
   void expectRefusal(const std::string& bytes, int line, const std::string& fact) const
@@ -52,8 +52,14 @@ private:
 
 TEST_F(TypeFileCheckTest, MissingFileHasNoRemarks)
 {
-  EXPECT_EQ(checkTypeFile(file()), Lines{});
-  EXPECT_EQ(checkTypeFile(file() / "below"), Lines{});
+  EXPECT_EQ(checkTypeFile(file()).remarks, Lines{});
+  EXPECT_EQ(checkTypeFile(file() / "below").remarks, Lines{});
+}
+
+TEST_F(TypeFileCheckTest, NamesAreThoseThatTheLibraryReads)
+{
+  writeBytes(file(), "Tape 2ch:VideoChannels=1\n\nnothing\n \tDisc : AudioChannels=8\nFilm::x\n");
+  EXPECT_EQ(checkTypeFile(file()).names, (Lines{"Tape 2ch", "Disc", "Film"}));
 }
 
 TEST_F(TypeFileCheckTest, EmptyFileAndEmptyLinesAreGood)

@@ -16,7 +16,7 @@ using reelhost::model::Key;
 
 class Owner : public ConfigOwner {
 public:
-  void configChanging() override
+  void configChanging(Key) override
   {
     if (refusing)
       throw std::runtime_error("no");

@@ -290,6 +290,12 @@ TEST_P(Merge, OptionsAreMergedOneByOne)
                    });
                    EXPECT_STREQ(EditManager::ProjOpts().in("b"), "there");
                  });
+  setOption("a", "both");
+  reelhost::idle();
+  elsewhere_->commit(options({{"a", "both"}}));
+  applyChangesFromElsewhere();
+  setOption("a", "here");
+  EXPECT_TRUE(reelhost::commit()) << "it was that before both changed it";
   setOption("a", "here again");
   reelhost::idle();
   elsewhere_->commit(options({{"b", "there again"}}));
@@ -298,7 +304,7 @@ TEST_P(Merge, OptionsAreMergedOneByOne)
   reelhost::commit();
   EXPECT_EQ(conflictOf([&] { setOption("a", "x"); }, options({{"a", "y"}})),
             "TEST: option a is \"x\" here, and another process stored \"y\" meanwhile (by jo on edit3 at "
-            "2023-11-14T22:13:20Z, revision 6: reeldb set)");
+            "2023-11-14T22:13:20Z, revision 8: reeldb set)");
 }
 
 TEST_P(Merge, ListThatBothSidesChangeIsAConflict)

@@ -233,6 +233,23 @@ TEST_F(OpenProject, ACommitStoresWhatChangedAndNothingElse)
   EXPECT_EQ(reelIdOf(first), "R1");
 }
 
+TEST_F(OpenProject, OptionThatGetsItsStoredTextAgainIsNotAChange)
+{
+  openWatched();
+  EditManager::ProjOpts().set("a", "1", nullptr);
+  reelhost::commit();
+  EditManager::ProjOpts().set("a", "2", nullptr);
+  EditManager::ProjOpts().set("a", "3", nullptr);
+  EXPECT_TRUE(reelhost::hasChanges());
+  EditManager::ProjOpts().set("a", "1", nullptr);
+  EXPECT_FALSE(reelhost::hasChanges());
+  EditManager::ProjOpts().set("new", "", nullptr); // was not there
+  EditManager::ProjOpts().set("new", "x", nullptr);
+  EditManager::ProjOpts().set("new", "", nullptr);
+  EXPECT_TRUE(reelhost::commit());
+  EXPECT_EQ(seen_.last.options, (reelhost::KeyValues{{"new", ""}}));
+}
+
 TEST_F(OpenProject, ChangedLogsAreStoredByNumber)
 {
   openWatched();

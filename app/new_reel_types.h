@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The types of reels that the library creates for imported shots. For the sources of this room.
+#ifndef REELDB_APP_NEW_REEL_TYPES_H
+#define REELDB_APP_NEW_REEL_TYPES_H
+
+#include <optional>
+#include <string>
+
+#include "ReelDbManager.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// What the shots of a new reel say of it.
+struct ReelUse {
+  std::string reel; ///< the identifier
+  std::string file; ///< a file of which it is the name; may be empty
+  bool audio = false, video = false;
+
+  void add(const Shot& shot);
+};
+
+/// The type of a new reel by the rules of the facility and the built-in ones. Empty if none fits: the project's
+/// default.
+std::string typeByRules(const ReelUse& use);
+
+/// Gives the reels that the library creates meanwhile a type: it takes the project's default type for that time, in
+/// memory. The library adds channels to a reel and removes none, so the type has to be there before the reel.
+class TypeOfNewReels {
+public:
+  /// An empty type leaves the default type as it is.
+  TypeOfNewReels(ReelDbManager& manager, const std::string& type);
+  ~TypeOfNewReels(); ///< puts the default type back
+  TypeOfNewReels(const TypeOfNewReels&) = delete;
+  TypeOfNewReels& operator=(const TypeOfNewReels&) = delete;
+
+private:
+  ReelDbManager& manager_;
+  std::optional<std::string> default_; ///< to be put back
+};
+
+} // namespace reeldb::app
+
+#endif

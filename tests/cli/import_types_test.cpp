@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The types of the reels that import makes, and their channels.
+#include <map>
+
+#include "cli/command_fixture.h"
+
+using namespace reeldb_tests;
+
+namespace {
+
+using Types = std::map<std::string, std::string>;
+
+class ImportTypes : public CommandTest {
+protected:
+  void SetUp() override
+  {
+    ASSERT_EQ(reeldb({"init"}).code, 0);
+    dir_.write("cut.edl", event(1, "A001", "B", "01:00:00:00", "01:00:01:00") +
+                              event(2, "SR007", "A2", "01:00:00:00", "01:00:01:00") +
+                              event(3, "RAIN.WAV", "A", "01:00:00:00", "01:00:01:00") +
+                              event(4, "TITLE.PNG", "V", "01:00:00:00", "01:00:01:00") +
+                              event(5, "DRONE.MOV", "B", "01:00:00:00", "01:00:01:00") +
+                              event(6, "A002", "A", "01:00:00:00", "01:00:01:00") +
+                              event(7, "A002", "V", "01:00:02:00", "01:00:03:00") +
+                              event(8, "WIND", "V", "01:00:00:00", "01:00:01:00") + "* SOURCE FILE: WIND.WAV\n");
+  }
+
+  /// The type of each reel. Expects that each has the channels of its type.
+  Types types()
+  {
+    std::map<std::string, Json> catalogue;
+    for (const Json& type : json({"type", "list", "--json"}))
+      catalogue[type.at("name")] = type;
+    Types result;
+    for (const Json& reel : json({"list", "--json"})) {
+      const std::string id = reel.at("id"), type = reel.at("type");
+      EXPECT_EQ(reel.at("video_channels"), catalogue[type].at("video_channels")) << id;
+      EXPECT_EQ(reel.at("audio_channels"), catalogue[type].at("audio_channels")) << id;
+      result[id] = type;
+    }
+    return result;
+  }
+
+  void addToFacility(const std::string& toml) { dir_.write("facility.toml", readFile("facility.toml") + toml); }
+};
+
+TEST_F(ImportTypes, EachReelHasTheTypeThatItsNameAndTracksSayAndItsChannels)
+{
+  const Json report = json({"import", "--json", "cut.edl"}).at("files").at(0);
+  EXPECT_EQ(types(), (Types{{"A001", "Tape 2ch"},
+                            {"A002", "Tape 2ch"},
+                            {"SR007", "Audio only"},
+                            {"RAIN.WAV", "Sound file"},
+                            {"WIND", "Sound file"},
+                            {"TITLE.PNG", "Still"},
+                            {"DRONE.MOV", "File"}}));
+  EXPECT_EQ(report.at("types"), Json::parse(R"([{"type": "Audio only", "reels": ["SR007"]},
+                                                {"type": "Sound file", "reels": ["RAIN.WAV", "WIND"]},
+                                                {"type": "Still", "reels": ["TITLE.PNG"]},
+                                                {"type": "File", "reels": ["DRONE.MOV"]}])"));
+}
+
+TEST_F(ImportTypes, TextReportHasTheTypesThatAreNotTheDefault)
+{
+  const std::string text = output({"import", "--dry-run", "cut.edl"});
+  EXPECT_NE(text.find("\n  2 reels of type Sound file: RAIN.WAV, WIND\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("of type Tape 2ch"), std::string::npos) << text;
+}
+
+TEST_F(ImportTypes, DefaultTypeOfTheProjectStaysAsItIs)
+{
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(json({"create", "B001", "--json"}).at("type"), "Tape 2ch");
+  const Json state = json({"export", "--json", "--history"});
+  EXPECT_EQ(state.at("options").at("reeldb_defaultType"), "Tape 2ch");
+  ASSERT_EQ(reeldb({"undo", "--any"}).code, 0);
+  ASSERT_EQ(reeldb({"undo", "--any"}).code, 0);
+  EXPECT_EQ(types(), Types{});
+}
+
+TEST_F(ImportTypes, SecondImportChangesNoType)
+{
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  const Types before = types();
+  dir_.write("more.edl", event(1, "SR007", "V", "02:00:00:00", "02:00:01:00") +
+                             event(2, "A001", "A", "02:00:00:00", "02:00:01:00"));
+  EXPECT_EQ(json({"import", "--json", "more.edl"}).at("files").at(0).at("types"), Json::array());
+  EXPECT_EQ(types(), before);
+}
+
+TEST_F(ImportTypes, RulesOfTheFacilityComeFirstAndTheFirstThatFitsDecides)
+{
+  addToFacility("[[type_rule]]\ntype = \"Disc\"\nname = \"a0?1\"\n"
+                "[[type_rule]]\ntype = \"Tape 8ch\"\nname = \"A*\"\n"
+                "[[type_rule]]\ntype = \"Film 35\"\nextensions = [\"WAV\", \"png\"]\ntracks = \"video\"\n"
+                "[[type_rule]]\ntype = \"Tape 4ch\"\ntracks = \"both\"\n");
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(types(), (Types{{"A001", "Disc"},
+                            {"A002", "Tape 8ch"},
+                            {"SR007", "Audio only"},
+                            {"RAIN.WAV", "Sound file"}, // audio alone
+                            {"WIND", "Film 35"},        // by its file
+                            {"TITLE.PNG", "Film 35"},
+                            {"DRONE.MOV", "Tape 4ch"}}));
+}
+
+TEST_F(ImportTypes, RuleWithAnUnknownTypeIsAnErrorWithFileAndLine)
+{
+  addToFacility("[[type_rule]]\nname = \"A*\"\ntype = \"Betacam\"\n");
+  const ProcessResult result = reeldb({"import", "cut.edl"});
+  EXPECT_EQ(result.code, 3);
+  const std::string before = ": type_rule.type: \"Betacam\" is not a type of devicedata/reeltype.dat\n";
+  EXPECT_NE(result.err.find("facility.toml:"), std::string::npos) << result.err;
+  EXPECT_NE(result.err.find(before), std::string::npos) << result.err;
+}
+
+TEST_F(ImportTypes, ChosenTypeHoldsForAllNewReels)
+{
+  const Json report = json({"import", "--json", "--type", "Tape 8ch", "cut.edl"}).at("files").at(0);
+  for (const auto& [reel, type] : types())
+    EXPECT_EQ(type, "Tape 8ch") << reel;
+  EXPECT_EQ(report.at("types").at(0).at("reels").size(), 7u);
+  dir_.write("more.edl", event(1, "A009", "V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "more.edl"}).code, 0);
+  EXPECT_EQ(types().at("A009"), "Tape 2ch");
+}
+
+TEST_F(ImportTypes, ChosenTypeMustBeInTheCatalogue)
+{
+  const ProcessResult result = reeldb({"import", "--type", "Betacam", "cut.edl"});
+  EXPECT_EQ(result.code, 1);
+  EXPECT_EQ(result.err, "reeldb: Betacam: no such reel type (reeldb type list shows the catalogue)\n");
+  EXPECT_EQ(types(), Types{});
+}
+
+TEST_F(ImportTypes, BuiltInRuleForATypeThatTheFacilityDoesNotHaveIsLeftOut)
+{
+  dir_.write("devicedata/reeltype.dat", "Tape 2ch:VideoChannels=1 AudioChannels=2\n");
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  for (const auto& [reel, type] : types())
+    EXPECT_EQ(type, "Tape 2ch") << reel;
+}
+
+TEST_F(ImportTypes, ReelThatAMoveMakesHasATypeByTheRules)
+{
+  const auto narrow = [](const std::string& reel, const std::string& clip, const std::string& file) {
+    return "001  " + reel +
+           " A     C        01:00:00:00 01:00:01:00 01:00:00:00 01:00:01:00\n* FROM CLIP NAME: " + clip + "\n" +
+           (file.empty() ? "" : "* SOURCE FILE: " + file + "\n");
+  };
+  dir_.write("one.edl", narrow("B001C001", "x", "B001C001_ONE"));
+  dir_.write("cut.edl", narrow("B001C001", "y", ""));
+  dir_.write("two.edl", narrow("B001C001", "z", "B001C001_TWO"));
+  for (const char* const list : {"one.edl", "cut.edl", "two.edl"})
+    ASSERT_EQ(reeldb({"import", list}).code, 0);
+  EXPECT_EQ(types(),
+            (Types{{"B001C001", "Audio only"}, {"B001C001_ONE", "Audio only"}, {"B001C001_TWO", "Audio only"}}));
+}
+
+} // namespace
