@@ -144,7 +144,7 @@ public:
       const bool repeated = !metShots.insert(key).second;
       const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
       if (known != 0 && before.list.digest != digest)
-        noteName(placeOf(known), clip);
+        noteUse(placeOf(known), clip);
       shots.push_back(shot);
       ++(added ? result.shotsAdded : result.shotsThere);
       result.shotsRepeated += repeated ? 1 : 0;
@@ -257,18 +257,20 @@ private:
       if (!byNumber_.empty())
         byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
     } else {
-      noteName(place->second, clip);
+      noteUse(place->second, clip);
     }
     return {reelhost::logNumber(shots_[place->second].log), isNew};
   }
 
-  /// Lets the shot keep the name that the clip's list gives its source: the names of one shot may be two reels later.
-  void noteName(std::size_t place, const Shot& clip)
+  /// Lets the shot keep what a further use of it says: the name of its source, as the names of one shot may be two
+  /// reels later, and its record times, if they are earlier.
+  void noteUse(std::size_t place, const Shot& clip)
   {
     KnownShot& known = shots_[place];
-    if (names_.find(ownNameOf(clip), clip.sourceId).match == lists::Match::Decided)
-      return; // the reel keeps that name
-    if (addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}))
+    bool changes = takeEarlierRecord(known.shot, clip);
+    if (names_.find(ownNameOf(clip), clip.sourceId).match != lists::Match::Decided) // else the reel keeps that name
+      changes = addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}) || changes;
+    if (changes)
       reelhost::changeMaterial(known.log, materialFrom(known.shot));
   }
 
@@ -303,8 +305,9 @@ private:
       list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
     for (const lists::Clip& clip : result.list.specialClips)
       list.events.push_back(eventFrom(clip, 0));
-    std::stable_sort(list.events.begin(), list.events.end(),
-                     [](const auto& one, const auto& other) { return one.line < other.line; });
+    const auto isBefore = [](const auto& one, const auto& other) { return one.line < other.line; };
+    if (!std::is_sorted(list.events.begin(), list.events.end(), isBefore)) // the sort moves each event several times
+      std::stable_sort(list.events.begin(), list.events.end(), isBefore);
     result.keptAs = list.number;
     if (list.number != 0 && before.list.events == list.events && before.list.digest == digest) {
       result.keeping = Keeping::Unchanged;

@@ -48,6 +48,10 @@ void setReel(Shot& shot, const std::string& reel, const std::vector<lists::Sourc
 /// Adds what a further list calls the source of the shot, unless its names say as much. Returns whether it was added.
 bool addName(Shot& shot, const lists::SourceName& name);
 
+/// Gives the shot the record times of a further use, if they are earlier: a shot shows the first of its uses, in
+/// whatever order lists came. Returns whether it did.
+bool takeEarlierRecord(Shot& shot, const Shot& use);
+
 std::vector<Shot> shotsFrom(const CookieVec& logs);
 
 /// A key that is equal for the same shots: reel (ignoring ASCII case), clip name, source in, source out and tracks.

@@ -45,8 +45,11 @@ public:
     for (std::size_t i = 0; i < shots().size(); ++i)
       if (!isPlanned_.contains(i) && !shots()[i].shot.reel.empty())
         byKey_.emplace(shotKey(shots()[i].shot), i);
-    for (const Plan& plan : plan_)
+    for (const Plan& plan : plan_) {
+      if (plan.parts.size() > 1)
+        takeRecordOf(plan.shot, plan.parts.front().reel);
       place(plan.shot, plan.parts.front());
+    }
     renameRecords();
     for (const Plan& plan : plan_)
       for (std::size_t part = 1; part < plan.parts.size(); ++part)
@@ -150,7 +153,7 @@ private:
         continue;
       std::vector<Part> used;
       for (const Part& part : plan.parts)
-        if (eventOf(plan.shot, part.reel))
+        if (useOf(plan.shot, part.reel))
           used.push_back(part);
       if (!used.empty())
         plan.parts = std::move(used);
@@ -175,13 +178,28 @@ private:
     return reelFor(ownNameOf(clip), clip.sourceId);
   }
 
-  /// An event of the shot whose name is of the reel. Null if there is none.
-  const reelhost::ListEvent* eventOf(std::size_t shot, const std::string& reel)
+  /// The earliest use of the shot by events whose name is of the reel. Empty if there is none.
+  std::optional<Shot> useOf(std::size_t shot, const std::string& reel)
   {
+    std::optional<Shot> use;
     for (const auto& [list, i] : eventsOf_[reelhost::logNumber(shots()[shot].log)])
-      if (const reelhost::ListEvent& event = lists_[list].events[i]; base::sameName(reelFor(event), reel))
-        return &event;
-    return nullptr;
+      if (const reelhost::ListEvent& event = lists_[list].events[i]; base::sameName(reelFor(event), reel)) {
+        const Shot clip = clipFrom(event);
+        if (use)
+          takeEarlierRecord(*use, clip);
+        else
+          use = clip;
+      }
+    return use;
+  }
+
+  /// Gives the shot, of which a part remains, the record times of that part.
+  void takeRecordOf(std::size_t i, const std::string& reel)
+  {
+    if (const std::optional<Shot> use = useOf(i, reel)) {
+      shots()[i].shot.recordIn = use->recordIn;
+      shots()[i].shot.recordOut = use->recordOut;
+    }
   }
 
   /// Gives the shot the reel and the names. If the reel has that shot already, they become one.
@@ -196,7 +214,7 @@ private:
     }
     const auto [same, isNew] = byKey_.emplace(shotKey(known.shot), i);
     if (!isNew && isRemovable(known.log)) {
-      giveNames(same->second, part.names);
+      giveUse(same->second, known.shot, part.names);
       moveEvents(i, same->second, part.reel);
       gone_.add(known.log);
       isGone_.insert(i);
@@ -208,8 +226,7 @@ private:
   /// Makes the part of a shot a shot of its own, with the texts of the list that has it.
   void partShot(std::size_t i, const Part& part)
   {
-    const reelhost::ListEvent* const event = eventOf(i, part.reel);
-    Shot shot = event ? Shot(clipFrom(*event)) : shots()[i].shot;
+    Shot shot = useOf(i, part.reel).value_or(shots()[i].shot);
     const std::string from = shots()[i].shot.reel;
     setReel(shot, part.reel, part.names);
     ++moves_[{from, part.reel}];
@@ -221,7 +238,7 @@ private:
       names_.ids_.insert(base::fold(part.reel));
       shots().push_back({log, std::move(shot)});
     } else {
-      giveNames(same->second, part.names);
+      giveUse(same->second, shot, part.names);
     }
     moveEvents(i, same->second, part.reel);
   }
@@ -239,13 +256,14 @@ private:
     return typeByRules(uses_.at(base::fold(reel)));
   }
 
-  void giveNames(std::size_t i, const Names& further)
+  /// Lets the shot keep what another one said, which becomes one with it.
+  void giveUse(std::size_t i, const Shot& other, const Names& further)
   {
     KnownShot& known = shots()[i];
-    bool isNew = false;
+    bool changes = takeEarlierRecord(known.shot, other);
     for (const lists::SourceName& name : further)
-      isNew = addName(known.shot, name) || isNew;
-    if (isNew)
+      changes = addName(known.shot, name) || changes;
+    if (changes)
       reelhost::changeMaterial(known.log, materialFrom(known.shot));
   }
 

@@ -2,6 +2,7 @@
 #include "app/shots.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -152,6 +153,16 @@ bool addName(Shot& shot, const lists::SourceName& name)
   if (shot.ownName.empty())
     shot.ownName = shot.reel;
   shot.furtherNames.push_back(name);
+  return true;
+}
+
+bool takeEarlierRecord(Shot& shot, const Shot& use)
+{
+  if (use.recordIn.empty() ||
+      (!shot.recordIn.empty() && std::tie(shot.recordIn, shot.recordOut) <= std::tie(use.recordIn, use.recordOut)))
+    return false;
+  shot.recordIn = use.recordIn;
+  shot.recordOut = use.recordOut;
   return true;
 }
 

@@ -1,8 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/unused_shots.h"
 
+#include <map>
+#include <tuple>
+#include <utility>
+
 #include "ReelDbManager.h"
 #include "app/host_text.h"
+#include "app/kept_events.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
 #include "base/ascii.h"
@@ -38,22 +43,31 @@ UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots, 
 {
   UnusedShots result;
   const std::set<std::int64_t> made = madeByImports();
-  std::set<std::int64_t> used;
+  std::map<std::int64_t, Shot> used; // the shots with their earliest uses
   for (const reelhost::KeptList& list : reelhost::keptLists())
     for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number))
-      used.insert(event.shot);
-  const auto isRemovable = [&](std::int64_t log) {
-    return used.count(log) == 0 && (log > lastBefore || made.count(log) != 0);
-  };
+      if (const auto [known, isNew] = used.try_emplace(event.shot, clipFrom(event)); !isNew)
+        takeEarlierRecord(known->second, clipFrom(event));
+  const auto isOfImport = [&](std::int64_t log) { return log > lastBefore || made.count(log) != 0; };
+  const auto isRemovable = [&](std::int64_t log) { return used.count(log) == 0 && isOfImport(log); };
 
   CookieVec logs;
   std::set<std::string> reels; // folded
-  for (const Cookie& log : reelhost::allShots())
-    if (const std::int64_t number = reelhost::logNumber(log); shots.count(number) != 0 && isRemovable(number)) {
+  for (const Cookie& log : reelhost::allShots()) {
+    const std::int64_t number = reelhost::logNumber(log);
+    if (shots.count(number) == 0 || !isOfImport(number))
+      continue;
+    Shot shot = shotFrom(reelhost::materialOf(log));
+    if (const auto use = used.find(number); use == used.end()) {
       logs.add(log);
-      result.shots.push_back(shotFrom(reelhost::materialOf(log)));
-      reels.insert(base::fold(result.shots.back().reel));
+      reels.insert(base::fold(shot.reel));
+      result.shots.push_back(std::move(shot));
+    } else if (std::tie(shot.recordIn, shot.recordOut) != std::tie(use->second.recordIn, use->second.recordOut)) {
+      shot.recordIn = use->second.recordIn;
+      shot.recordOut = use->second.recordOut;
+      reelhost::changeMaterial(log, materialFrom(shot));
     }
+  }
   if (logs.empty())
     return result;
   reelhost::deleteLogs(logs);

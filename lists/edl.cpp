@@ -476,7 +476,7 @@ std::string Reader::sourceIdOf(const Known& known, const std::string& name)
     }
     return id;
   };
-  const std::string id = only([](const SourceRow&) { return true; });
+  std::string id = only([](const SourceRow&) { return true; });
   if (!id.empty())
     return id;
   return only([&](const SourceRow& row) {

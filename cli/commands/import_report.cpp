@@ -11,7 +11,6 @@
 namespace reeldb::cli {
 
 using base::displayText;
-using base::displayWidth;
 
 namespace {
 

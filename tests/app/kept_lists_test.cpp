@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/kept_lists.h"
 
+#include <fmt/format.h>
+
 #include "app/deletion.h"
 #include "app/history.h"
 #include "app/import.h"
@@ -8,6 +10,7 @@
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
+#include "app/shots.h"
 #include "tests/app/app_fixture.h"
 
 using namespace reeldb;
@@ -124,6 +127,30 @@ TEST_F(KeptLists, RemovedListTakesAlongWhatOnlyItNamed)
   EXPECT_EQ(app::keptLists(session).size(), 2u);
   EXPECT_EQ(app::eventsOf(session, "a.edl").events.size(), 2u);
   EXPECT_EQ(app::shotsOfReel(session, "A001").shots.size(), 1u);
+}
+
+TEST_F(KeptLists, ShotHasTheRecordTimesOfItsEarliestUse)
+{
+  const auto record = [&] {
+    app::Session session({}, app::Access::Read);
+    return app::allShots(session).at(0).recordIn;
+  };
+  const auto importAt = [&](const std::string& file, const std::string& hour) {
+    const std::string path = folder_.write(
+        file, fmt::format("001  A001     V     C        01:00:00:00 01:00:01:00 {0}:00:00:00 {0}:00:01:00\n", hour));
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {app::readListFile(path)}, false);
+  };
+  importAt("a.edl", "12");
+  importAt("b.edl", "11");
+  EXPECT_EQ(record(), "11:00:00:00");
+  importAt("c.edl", "13");
+  EXPECT_EQ(record(), "11:00:00:00");
+  EXPECT_TRUE(remove("b.edl").reels.empty());
+  EXPECT_EQ(record(), "12:00:00:00");
+  app::Session session({}, app::Access::Write);
+  app::undo(session, {}, false);
+  EXPECT_EQ(app::allShots(session).at(0).recordIn, "11:00:00:00");
 }
 
 TEST_F(KeptLists, DryRunOfARemovalChangesNothing)

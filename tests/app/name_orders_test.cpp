@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <random>
 #include <regex>
@@ -16,6 +17,7 @@
 #include "app/export.h"
 #include "app/import.h"
 #include "app/projects.h"
+#include "app/state.h"
 #include "lists/list.h"
 #include "lists/name_forms.h"
 #include "tests/app/app_fixture.h"
@@ -83,15 +85,21 @@ protected:
     return folder_.write(name, text);
   }
 
-  /// Imports the lists in that order, each by itself. Returns the reels and the shots, sorted.
-  std::vector<std::string> outcome(const std::vector<std::string>& files)
+  /// Imports the lists in that order, each by itself. Returns the name of the project.
+  std::string imported(const std::vector<std::string>& files)
   {
-    const std::string project = fmt::format("order{}", ++projects_);
+    std::string project = fmt::format("order{}", ++projects_);
     app::makeProject(project, "25");
     for (const std::string& file : files) {
       app::Session session(project, app::Access::Write);
       app::importLists(session, {app::readListFile(file)}, false);
     }
+    return project;
+  }
+
+  /// The reels and the shots of the project, sorted.
+  static std::vector<std::string> outcome(const std::string& project)
+  {
     app::Session session(project, app::Access::Read);
     const app::ProjectContent content = app::readContent(session);
     std::vector<std::string> lines;
@@ -104,10 +112,38 @@ protected:
     return lines;
   }
 
-  /// Expects the outcome of the order to be that of the first order.
-  void expectSame(const std::vector<std::string>& files)
+  /// All that the project keeps, sorted, without the numbers and identities that come with the order.
+  static std::vector<std::string> wholeState(const std::string& project)
   {
-    const std::vector<std::string> lines = outcome(files);
+    app::Session session(project, app::Access::Read);
+    const app::ProjectState state = app::readState(session);
+    std::vector<std::string> lines;
+    std::map<std::int64_t, std::string> logs;
+    for (const app::LogState& log : state.logs) {
+      std::string& line = logs[log.number];
+      line = fmt::format("log {} {} {} {} \"{}\" {} {} {}", log.type, log.kind, log.imported, log.entireMedium,
+                         log.name, log.reelType, log.videoChannels, log.audioChannels);
+      for (const auto& [key, text] : log.keys)
+        line.append(" ").append(key).append("=").append(text);
+      lines.push_back(line);
+    }
+    for (const auto& [key, text] : state.options)
+      lines.push_back(fmt::format("option {}={}", key, text));
+    for (const app::ListState& list : state.lists) {
+      lines.push_back(fmt::format("list {} {} {}", list.file, list.title, list.content));
+      for (const app::EventState& event : list.events)
+        lines.push_back(fmt::format("event {} {}: {} \"{}\", {}", list.file, event.clip.line, event.clip.reel,
+                                    event.clip.clipName, logs[event.shot]));
+    }
+    std::sort(lines.begin(), lines.end());
+    return lines;
+  }
+
+  /// Expects the outcome of the order to be that of the first order.
+  void expectSame(const std::vector<std::string>& files,
+                  const std::function<std::vector<std::string>(const std::string&)>& read = outcome)
+  {
+    const std::vector<std::string> lines = read(imported(files));
     if (first_.empty())
       first_ = lines;
     std::vector<std::string> lost, found;
@@ -140,7 +176,7 @@ TEST_F(NameOrders, WholeListsGiveOneProjectInEveryOrder)
   for (const auto& [number, file] : samples_)
     files.push_back(file);
   do
-    expectSame(files);
+    expectSame(files, wholeState);
   while (std::next_permutation(files.begin(), files.end()));
 }
 

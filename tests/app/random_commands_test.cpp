@@ -269,12 +269,13 @@ protected:
       return;
     }
     ++undone_;
-    for (const std::string& fault : now().faults)
-      EXPECT_TRUE(before.faults.count(fault) != 0 ||
-                  (earlier != snapshots_.end() && earlier->second.faults.count(fault) != 0))
-          << fault;
-    if (commit.revision == newest && earlier != snapshots_.end()) {
-      EXPECT_EQ(now().state, earlier->second.state);
+    // A command that deletes what it writes makes two revisions. The state between them was never seen.
+    if (earlier != snapshots_.end()) {
+      for (const std::string& fault : now().faults)
+        EXPECT_TRUE(before.faults.count(fault) != 0 || earlier->second.faults.count(fault) != 0) << fault;
+      if (commit.revision == newest) {
+        EXPECT_EQ(now().state, earlier->second.state);
+      }
     }
     const bool isUndo = commit.takesBack == 0; // and not an undo of an undo, which redo does not take back
     if (!change([&](app::Session& session) {

@@ -85,7 +85,7 @@ TEST(Settings, ProgramStartsWithATypeFileThatTheLibraryCannotTakeAndReportsIt)
   const std::string facility = folder.path().string();
   reelhost::NewFacility(facility).keep();
   const std::string environment = "REELDB_FACILITY='" + facility + "'";
-  EXPECT_EQ(linesOf(FACILITY_PROBE, environment), Lines{facility + ", 7 types"});
+  EXPECT_EQ(linesOf(FACILITY_PROBE, environment), Lines{facility + ", 10 types"});
   std::ofstream(facility + "/devicedata/reeltype.dat") << "a:VideoChannels=1\n" << std::string(3000, 'n') << ":A=1\n";
   EXPECT_EQ(linesOf(FACILITY_PROBE, environment),
             Lines{facility + "/devicedata/reeltype.dat:2: the name is longer than 2047 bytes, 0 types"});
