@@ -82,6 +82,15 @@ void ProjectNames::adopt(std::size_t place, const lists::Clip& clip)
   adopted_.push_back(place);
 }
 
+void ProjectNames::assumeCut(std::size_t place)
+{
+  Shot& shot = shots_[place].shot;
+  if (!lists::fillsField(shot.reel, lists::paddedField(lists::length(shot.reel))))
+    return;
+  shot.ownName = shot.reel;
+  shot.mayBeCut = true;
+}
+
 void ProjectNames::addNamesOfProject()
 {
   std::unordered_set<std::string> said; // folded names that shots have, and the identifiers that are made of them

@@ -39,6 +39,8 @@ public:
   /// Takes what a list says today of a shot that was made before names were kept: its names and texts are those of the
   /// clip, and moveShots() gives it the reel of that name.
   void adopt(std::size_t place, const lists::Clip& clip);
+  /// Takes the name of a shot, which no list gave it, for one that may be cut, if it fills the reel field of any list.
+  void assumeCut(std::size_t place);
   void settle();
 
   /// The reel of a clip's name, in the spelling of its record if it has one. REQUIRES: settle() was called.

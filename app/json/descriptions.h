@@ -20,6 +20,7 @@
 #include "app/kept_lists.h"
 #include "app/label_maps.h"
 #include "app/names.h"
+#include "app/names_check.h"
 #include "app/needs.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
@@ -295,6 +296,15 @@ void describe(Io& io, R& move)
   io("from", move.from);
   io("to", move.to);
   io("shots", move.shots);
+}
+
+template <class Io, Like<NamesCheck> R>
+void describe(Io& io, R& check)
+{
+  io("applied", check.applied);
+  io("stored", check.stored);
+  io("moved", check.moves);
+  io("names", check.names);
 }
 
 template <class Io, Like<ReelType> R>

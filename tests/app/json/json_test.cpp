@@ -14,6 +14,7 @@
 #include "app/import.h"
 #include "app/label_maps.h"
 #include "app/names.h"
+#include "app/names_check.h"
 #include "app/needs.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
@@ -265,6 +266,13 @@ TEST(Json, ShotWithoutAnOwnNameHasThatOfItsReel)
   Shot shot;
   shot.reel = "A001";
   EXPECT_EQ(nlohmann::json::parse(jsonText(std::vector<Shot>{shot})).at(0).at("own_name"), "A001");
+}
+
+TEST(Json, CheckOfNames)
+{
+  expectJson(NamesCheck{{{"A", "B", 2}}, {sampleName()}, true, false},
+             R"({"applied": true, "stored": false, "moved": [{"from": "A", "to": "B", "shots": 2}], "names": [)" +
+                 std::string(nameObject) + "]}");
 }
 
 TEST(Json, Rolls)
