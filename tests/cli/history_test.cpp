@@ -72,6 +72,16 @@ TEST_F(HistoryCommand, NamesFalseKeepsNeitherNamesNorFolders)
     EXPECT_EQ(commit.at(key), "") << key;
 }
 
+TEST_F(HistoryCommand, NamesFalseKeepsValuesAndNamesWithASlash)
+{
+  dir_.write("facility.toml", readFile("facility.toml") + "\n[history]\nnames = false\n");
+  output({"set", "A001", "bin=Shelf 4/5"});
+  output({"create", "B/2"});
+  const Json commits = json({"history", "--json"}).at("commits");
+  EXPECT_EQ(commits.at(1).at("command"), "reeldb set A001 'bin=Shelf 4/5'");
+  EXPECT_EQ(commits.at(0).at("command"), "reeldb create B/2");
+}
+
 TEST_F(HistoryCommand, CommandsThatStoreNothingHaveNoRevision)
 {
   const std::string before = readFile("projects/main.reels");
