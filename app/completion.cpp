@@ -134,6 +134,8 @@ std::vector<Choice> choices(ValueKind kind, const std::string& typed, const std:
     return userFields();
   case ValueKind::ReelType:
     return plain(typeNames());
+  case ValueKind::Group:
+    return {{"roll", "by camera roll"}};
   case ValueKind::Match:
     return {{"all", "all rules of names"}, {"exact", "only the same name, and old names"}};
   case ValueKind::NameSource:

@@ -24,6 +24,7 @@ enum class ValueKind {
   Match,
   NameSource,
   ReelType,
+  Group,
   File,
   Folder
 };

@@ -23,6 +23,7 @@
 #include "app/projects.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
+#include "app/shots_made_before.h"
 #include "app/unused_shots.h"
 #include "base/ascii.h"
 #include "base/text_width.h"
@@ -98,6 +99,14 @@ public:
       clips_ += file.list.clips.size();
       for (const lists::Clip& clip : file.list.clips)
         names_.add(clip);
+    }
+    if (treatment.rules == lists::NameRules::All) {
+      std::vector<const lists::Clip*> clips;
+      for (const ListFile& file : files)
+        for (const lists::Clip& clip : file.list.clips)
+          clips.push_back(&clip);
+      for (const auto& [place, clip] : shotsMadeBefore(names_.shots(), clips))
+        names_.adopt(place, *clip);
     }
     names_.settle();
     if (treatment.rules == lists::NameRules::All)

@@ -28,22 +28,8 @@ ProjectNames::ProjectNames(Session& session, lists::NameRules rules) : session_(
     if (std::string id = text(record.reelId()); !id.empty() && ids_.insert(base::fold(id)).second)
       records_.push_back({std::move(id), log, oldNamesOf(record)});
   }
-  std::unordered_set<std::string> said; // folded names that shots have, and the identifiers that are made of them
-  for (const Cookie& log : reelhost::allShots()) {
-    Shot shot = shotFrom(reelhost::materialOf(log));
-    if (!shot.reel.empty()) {
-      addNames(shot);
-      for (const lists::SourceName& name : namesOf(shot)) {
-        said.insert(base::fold(name.name));
-        if (!name.sourceId.empty())
-          said.insert(base::fold(name.name + " " + name.sourceId));
-      }
-    }
-    shots_.push_back({log, std::move(shot)});
-  }
-  for (const Record& record : records_)
-    if (!said.contains(base::fold(record.id)))
-      index_.add({record.id});
+  for (const Cookie& log : reelhost::allShots())
+    shots_.push_back({log, shotFrom(reelhost::materialOf(log))});
   decideOldNames();
 }
 
@@ -82,8 +68,53 @@ void ProjectNames::add(const std::string& name)
   index_.add({name, fills});
 }
 
+void ProjectNames::adopt(std::size_t place, const lists::Clip& clip)
+{
+  Shot& shot = shots_[place].shot;
+  shot.reelOfNames = shot.reel;
+  shot.ownName = ownNameOf(clip);
+  shot.mayBeCut = clip.mayBeCut;
+  shot.sourceId = clip.sourceId;
+  shot.sourceFile = clip.sourceFile;
+  shot.aliases = clip.aliases;
+  shot.cameraRoll = clip.cameraRoll;
+  shot.soundOf = clip.soundOf;
+  adopted_.push_back(place);
+}
+
+void ProjectNames::assumeCut(std::size_t place)
+{
+  Shot& shot = shots_[place].shot;
+  if (!lists::fillsField(shot.reel, lists::paddedField(lists::length(shot.reel))))
+    return;
+  shot.ownName = shot.reel;
+  shot.mayBeCut = true;
+}
+
+void ProjectNames::addNamesOfProject()
+{
+  std::unordered_set<std::string> said; // folded names that shots have, and the identifiers that are made of them
+  for (const KnownShot& known : shots_) {
+    if (known.shot.reel.empty())
+      continue;
+    addNames(known.shot);
+    for (const lists::SourceName& name : namesOf(known.shot)) {
+      said.insert(base::fold(name.name));
+      if (!name.sourceId.empty())
+        said.insert(base::fold(name.name + " " + name.sourceId));
+    }
+  }
+  std::unordered_set<std::string> left; // folded reels that adopted shots may leave
+  for (const std::size_t place : adopted_)
+    left.insert(base::fold(shots_[place].shot.reel));
+  for (const Record& record : records_)
+    if (!said.contains(base::fold(record.id)) && !left.contains(base::fold(record.id)))
+      index_.add({record.id});
+}
+
 void ProjectNames::settle()
 {
+  addNamesOfProject();
   index_.settle();
   for (std::size_t i = 0; i < records_.size(); ++i)
     recordsOf_[base::fold(index_.find(records_[i].id).reel)].push_back(i);

@@ -36,6 +36,11 @@ public:
   void add(const lists::Clip& clip);
   /// Adds a name that a person asks for. It may be cut if it fills any field.
   void add(const std::string& name);
+  /// Takes what a list says today of a shot that was made before names were kept: its names and texts are those of the
+  /// clip, and moveShots() gives it the reel of that name.
+  void adopt(std::size_t place, const lists::Clip& clip);
+  /// Takes the name of a shot, which no list gave it, for one that may be cut, if it fills the reel field of any list.
+  void assumeCut(std::size_t place);
   void settle();
 
   /// The reel of a clip's name, in the spelling of its record if it has one. REQUIRES: settle() was called.
@@ -65,6 +70,7 @@ private:
   /// The record's spelling of a reel of the index; the reel itself without a record.
   std::string spelt(const std::string& reel) const;
   void addNames(const Shot& shot);
+  void addNamesOfProject();
   void decideOldNames();
   /// The record whose spelling the reel of the index has, if any: one that is in use, which cannot be renamed; one of
   /// that very name; the first one whose name is not a short form.
@@ -74,6 +80,7 @@ private:
   Session& session_;
   std::vector<Record> records_;
   std::vector<KnownShot> shots_;
+  std::vector<std::size_t> adopted_; ///< places of shots
   lists::NameIndex index_;
   std::unordered_map<std::string, std::vector<std::size_t>> recordsOf_; ///< folded reel of the index: its records
   std::unordered_map<std::string, std::string> names_;                  ///< folded reel of the index: its name here

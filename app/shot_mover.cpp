@@ -36,8 +36,10 @@ public:
 
   std::vector<ReelMove> run()
   {
+    keepAdopted();
     planMoves();
     planRenames();
+    planRenamesOfAdopted();
     if (plan_.empty() && renames_.empty())
       return {};
     if (std::any_of(plan_.begin(), plan_.end(), [](const Plan& plan) { return plan.parts.size() > 1; }))
@@ -100,6 +102,46 @@ private:
       return true;
     const NamedReel found = names_.find(put);
     return found.match == lists::Match::Decided && base::sameName(found.reel, shot.reel);
+  }
+
+  /// Stores what is known of adopted shots now. Those that have to move follow.
+  void keepAdopted()
+  {
+    for (const std::size_t place : names_.adopted_) {
+      const KnownShot& known = shots()[place];
+      reelhost::changeMaterial(known.log, materialFrom(known.shot));
+    }
+  }
+
+  /// A record from which all shots go to one reel, which has no record, is that reel under an earlier name.
+  void planRenamesOfAdopted()
+  {
+    if (names_.adopted_.empty())
+      return;
+    std::map<std::string, std::size_t> counts; // of shots, by folded reel
+    for (const KnownShot& known : shots())
+      ++counts[base::fold(known.shot.reel)];
+    std::map<std::string, std::set<std::string>> targets;
+    std::map<std::string, std::string> spellings;
+    for (const Plan& plan : plan_) {
+      const std::string from = base::fold(shots()[plan.shot].shot.reel);
+      --counts[from];
+      for (const Part& part : plan.parts) {
+        targets[from].insert(base::fold(part.reel));
+        spellings[base::fold(part.reel)] = part.reel;
+      }
+    }
+    std::set<std::string> given;
+    for (const ProjectNames::Record& record : names_.records_) {
+      const std::string from = base::fold(record.id);
+      const auto to = targets.find(from);
+      if (to == targets.end() || to->second.size() != 1 || counts[from] != 0 || renames_.contains(from) ||
+          manager_.reelInUse(hostText(record.id)))
+        continue;
+      const std::string& reel = *to->second.begin();
+      if (!names_.ids_.contains(reel) && given.insert(reel).second)
+        renames_.emplace(from, std::pair(&record, spellings[reel]));
+    }
   }
 
   void planMoves()

@@ -74,6 +74,8 @@ reelhost::Material materialFrom(const Shot& shot)
   material.sourceId = shot.sourceId;
   material.furtherNames = textOf(shot.furtherNames);
   material.reelOfNames = shot.reelOfNames;
+  material.cameraRoll = shot.cameraRoll;
+  material.soundOf = shot.soundOf;
   return material;
 }
 
@@ -92,6 +94,8 @@ Shot shotFrom(const reelhost::Material& material)
   shot.sourceId = material.sourceId;
   shot.furtherNames = namesFrom(material.furtherNames);
   shot.reelOfNames = material.reelOfNames;
+  shot.cameraRoll = material.cameraRoll;
+  shot.soundOf = material.soundOf;
   return shot;
 }
 

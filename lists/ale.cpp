@@ -13,6 +13,7 @@
 #include "base/ascii.h"
 #include "lists/collector.h"
 #include "lists/frame_rate.h"
+#include "lists/name_forms.h"
 #include "lists/names.h"
 #include "lists/own_name.h"
 #include "lists/text.h"
@@ -77,7 +78,7 @@ constexpr int mostFramesASecond = 999;
 constexpr std::array<std::pair<std::string_view, int>, 2> formatFrames = {{{"NTSC", 30}, {"PAL", 25}}};
 
 /// Columns with another name of the row's source.
-constexpr std::array aliasColumns = {Tape, TapeId, ReelNumber, Camroll, Labroll, Soundroll, SourceFile};
+constexpr std::array aliasColumns = {Tape, TapeId, ReelNumber, Labroll, SourceFile};
 
 /// A title of a column or heading is shown up to this number of bytes.
 constexpr std::size_t longestTitle = 100;
@@ -141,9 +142,42 @@ std::string asWritten(const Cells& cells, Column column)
 /// The name of a row's source. A log has no reel field, so no name of it is cut.
 OwnName ownNameOf(const std::string& tape, const Clip& clip)
 {
-  if (isAuxiliary(tape) || tape.empty())
-    return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
-  return {tape};
+  if (!isAuxiliary(tape) && !tape.empty())
+    return {tape};
+  if (clip.sourceFile.empty() && !clip.cameraRoll.empty())
+    return {clip.cameraRoll, NameEvidence::CameraRoll};
+  return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
+}
+
+/// Whether a camera roll is the beginning of the name: then the name is a clip of it. Else the roll is another name.
+bool isClipOf(std::string_view roll, std::string_view name)
+{
+  return nameForm(name).starts_with(nameForm(roll));
+}
+
+/// The sound of a row with a sound roll: the same material on the audio tracks, from another source. Empty if the roll
+/// is no reel, or is the source of the picture.
+std::optional<Clip> soundOf(const Clip& picture, const std::string& roll)
+{
+  if (roll.empty() || isAuxiliary(roll) || !specialReason(roll).empty() || base::sameName(roll, picture.reel))
+    return {};
+  Clip sound;
+  sound.line = picture.line;
+  sound.reel = roll;
+  sound.evidence = NameEvidence::SoundRoll;
+  sound.soundOf = picture.reel;
+  sound.event.reelText = roll;
+  sound.event.part = 2;
+  sound.clipName = picture.clipName;
+  sound.sourceIn = picture.sourceIn;
+  sound.sourceOut = picture.sourceOut;
+  sound.recordIn = picture.recordIn;
+  sound.recordOut = picture.recordOut;
+  sound.frameRate = picture.frameRate;
+  sound.dropFrame = picture.dropFrame;
+  sound.tracks = logTracks(0, std::max(picture.audioChannels, 1));
+  sound.audioChannels = std::max(picture.audioChannels, 1);
+  return sound;
 }
 
 /// Whether the line is the name of the section, without any other text.
@@ -432,10 +466,22 @@ void Reader::row(int number, std::string_view line)
 
   const std::string tape = cells[Tape].empty() ? tape_ : clean(cells[Tape]);
   clip.event.reelText = tape;
+  clip.cameraRoll = clean(cells[Camroll]);
   const OwnName name = ownNameOf(tape, clip);
   clip.evidence = name.evidence;
   clip.reel = name.name;
-  if (tape.empty() && clip.sourceFile.empty()) {
+  if (!isClipOf(clip.cameraRoll, clip.reel)) {
+    clip.aliases.push_back(clip.cameraRoll);
+    clip.cameraRoll.clear();
+  }
+  std::optional<Clip> sound = soundOf(clip, clean(cells[Soundroll]));
+  const bool hasNoSource = tape.empty() && clip.sourceFile.empty() && name.evidence != NameEvidence::CameraRoll;
+  if (sound && hasNoSource) { // the sound is all that the row has
+    sound->event.part = 1;
+    sound->soundOf.clear();
+    collector_.warn(number, line, "no tape, no source file and no camera roll (only its sound roll is kept)");
+    clip = *std::exchange(sound, std::nullopt);
+  } else if (hasNoSource) {
     clip.reel = clip.clipName;
     return collector_.special(std::move(clip), noSourceReason);
   }
@@ -443,11 +489,18 @@ void Reader::row(int number, std::string_view line)
     clip.reel = isAuxiliary(tape) ? tape : clip.sourceFile;
     return collector_.special(std::move(clip), "AX without a clip name or source file");
   }
+  if (std::string fault = sound ? Collector::fault(*sound) : std::string(); !fault.empty())
+    return collector_.reject(number, line, std::move(fault));
   const std::string rate = clip.frameRate;
   if (!rate.empty() && rate == rate_.says)
     collector_.rate(rate, rate_.line, rate_.text);
-  if (collector_.clip(std::move(clip), line))
-    warnOfTimes(number, line, cells);
+  if (!collector_.clip(std::move(clip), line))
+    return;
+  if (sound) {
+    sound->soundOf = collector_.spelling(sound->soundOf);
+    collector_.clip(*std::move(sound), line);
+  }
+  warnOfTimes(number, line, cells);
 }
 
 void Reader::warnOfTimes(int number, std::string_view line, const Cells& cells)

@@ -117,13 +117,14 @@ std::string orderFault(std::string_view side, std::string_view in, std::string_v
 
 } // namespace
 
+std::string Collector::fault(const Clip& clip)
+{
+  return clip.reel.empty() ? "no reel" : namesFault(clip);
+}
+
 bool Collector::clip(Clip clip, std::string_view text)
 {
-  if (clip.reel.empty()) {
-    reject(clip.line, text, "no reel");
-    return false;
-  }
-  if (std::string fault = namesFault(clip); !fault.empty()) {
+  if (std::string fault = this->fault(clip); !fault.empty()) {
     reject(clip.line, text, std::move(fault));
     return false;
   }
@@ -177,7 +178,8 @@ void Collector::reject(int line, std::string_view text, std::string reason)
 
 void Collector::warn(int line, std::string_view text, std::string reason)
 {
-  list_.warnings.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
+  if (list_.warnings.empty() || list_.warnings.back().line != line || list_.warnings.back().reason != reason)
+    list_.warnings.push_back({line, shortened(trim(text), shownBytes), std::move(reason)});
 }
 
 void Collector::warnOfOrder(const Clip& clip, std::string_view text)

@@ -28,6 +28,8 @@ public:
   /// Takes a clip that has no source: the reel is the text in place of one, in any state. A name that cannot be kept
   /// is removed, because the clip does not need it.
   void special(Clip clip, std::string_view reason);
+  /// Why clip() would reject the clip; empty if it would not.
+  static std::string fault(const Clip& clip);
   void reject(int line, std::string_view text, std::string reason);
   /// Notes that a line gives this rate, or that it begins drop frame, unless an earlier line has done so. clip() notes
   /// what the clip itself says.

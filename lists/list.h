@@ -34,10 +34,13 @@ enum class NameEvidence {
   ReplacedReel, ///< the statement that a reel was replaced
   ReelNote,     ///< the REEL note
   ClipName,
-  ReelText, ///< the text in the place of the reel: the event's, or the tape of the row
+  CameraRoll, ///< the camera roll of a row without a tape and a source file
+  SoundRoll,  ///< the sound roll of a row, for its sound
+  ReelText,   ///< the text in the place of the reel: the event's, or the tape of the row
 };
 
-/// "reel-map", "source-file", "source-table", "replaced-reel", "reel-note", "clip-name", "reel"
+/// "reel-map", "source-file", "source-table", "replaced-reel", "reel-note", "clip-name", "camera-roll", "sound-roll",
+/// "reel"
 std::string_view wordOf(NameEvidence evidence);
 
 /// The kinds of source ids.
@@ -111,6 +114,8 @@ struct Clip {
   std::string sourceId;                 ///< the UMID of its source in the source table: it is the same in every list
   std::vector<SourceName> furtherNames; ///< for a shot, what other lists call its source; else empty
   std::string reelOfNames;              ///< for a shot, the reel that its names gave it, if that is not its own name
+  std::string cameraRoll;               ///< of a row of a log
+  std::string soundOf; ///< for the sound of a row that has a roll of its own, the name of its picture's source
 };
 
 /// Clips that name no reel (black, colour bars, generated pictures ...): one entry for each text and reason.
@@ -165,7 +170,7 @@ struct Ambiguous {
 };
 
 /// The numbers of lines of each kind. Each line is counted in exactly one of these: blank, headers, notes, statements,
-/// the clips, Special::count of all specials, the rejected lines.
+/// the clips (a row with a sound roll is two), Special::count of all specials, the rejected lines.
 struct Tally {
   int lines = 0;
   int blank = 0;

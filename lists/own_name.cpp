@@ -30,6 +30,10 @@ std::string_view wordOf(NameEvidence evidence)
     return "reel-note";
   case NameEvidence::ClipName:
     return "clip-name";
+  case NameEvidence::CameraRoll:
+    return "camera-roll";
+  case NameEvidence::SoundRoll:
+    return "sound-roll";
   case NameEvidence::ReelText:
     return "reel";
   }

@@ -117,6 +117,16 @@ std::optional<Tracks> parseTracks(std::string_view text, Digits digits)
   return tracks;
 }
 
+std::string logTracks(int video, int audio)
+{
+  std::string result;
+  for (int i = 1; i <= video; ++i)
+    result.append("V").append(video == 1 ? "" : std::to_string(i));
+  for (int i = 1; i <= audio; ++i)
+    result.append("A").append(std::to_string(i));
+  return result.empty() ? "NONE" : result;
+}
+
 bool hasChannelNumber(std::string_view text)
 {
   while (!text.empty()) {

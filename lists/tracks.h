@@ -26,6 +26,9 @@ std::optional<Tracks> parseTracks(std::string_view text, Digits digits);
 /// sound, and D (data) has no channels; "NONE" and "B" are as in cut lists.
 std::optional<Tracks> parseLogTracks(std::string_view text);
 
+/// The Tracks column for these channels, each with its number: "V", "VA1A2"; "NONE" without channels.
+std::string logTracks(int video, int audio);
+
 /// Whether the field holds a number that can only be one channel (10, 11, 20). It shows how the list writes channels.
 bool hasChannelNumber(std::string_view text);
 

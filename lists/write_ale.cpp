@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <functional>
 #include <string_view>
+#include <tuple>
 #include <utility>
 
 #include "base/ascii.h"
@@ -25,15 +26,9 @@ bool isTracksCell(const Clip& clip)
   return tracks && tracks->video == clip.videoChannels && tracks->audio == clip.audioChannels;
 }
 
-/// All channels with their numbers: V, VA1A2.
 std::string tracksOf(const Clip& clip)
 {
-  std::string result;
-  for (int i = 1; i <= clip.videoChannels; ++i)
-    result.append("V").append(clip.videoChannels == 1 ? "" : std::to_string(i));
-  for (int i = 1; i <= clip.audioChannels; ++i)
-    result.append("A").append(std::to_string(i));
-  return result.empty() ? "NONE" : result;
+  return logTracks(clip.videoChannels, clip.audioChannels);
 }
 
 /// Whether the source file is one of the reel's names. The reader takes the column "Source File" as such a name.
@@ -91,39 +86,69 @@ std::string tapeOf(const Clip& clip)
   return specialReason(clip.reel).empty() ? "AX" : clip.reel;
 }
 
+/// Whether the clip is the sound of the one before it, as the sound roll of its row says.
+bool isSoundOf(const Clip& sound, const Clip& picture)
+{
+  const std::string& name = picture.ownName.empty() ? picture.reel : picture.ownName;
+  return !sound.soundOf.empty() && picture.soundOf.empty() && picture.special.empty() &&
+         base::sameName(sound.soundOf, name) && !base::sameName(sound.reel, picture.reel) &&
+         sound.tracks == logTracks(0, std::max(picture.audioChannels, 1)) && sound.aliases.empty() &&
+         sound.sourceFile.empty() && sound.frameRate == picture.frameRate && sound.dropFrame == picture.dropFrame &&
+         std::tie(sound.clipName, sound.sourceIn, sound.sourceOut, sound.recordIn, sound.recordOut) ==
+             std::tie(picture.clipName, picture.sourceIn, picture.sourceOut, picture.recordIn, picture.recordOut);
+}
+
+/// A clip that is written as a row, with the roll of its sound.
+struct Row : Clip {
+  std::string soundRoll;
+};
+
+std::vector<Row> rowsOf(const std::vector<Clip>& clips)
+{
+  std::vector<Row> rows;
+  for (const Clip& clip : clips)
+    if (!rows.empty() && rows.back().soundRoll.empty() && isSoundOf(clip, rows.back()))
+      rows.back().soundRoll = clip.reel;
+    else
+      rows.push_back({clip, {}});
+  return rows;
+}
+
 struct OutColumn {
   std::string title;
-  std::function<std::string(const Clip&)> cell;
+  std::function<std::string(const Row&)> cell;
   bool required = false;
 };
 
-std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
+std::vector<OutColumn> columnsFor(const std::vector<Row>& clips, bool haveOneRate)
 {
   std::vector<OutColumn> columns = {
-      {"Name", [](const Clip& clip) { return clip.clipName; }, true},
-      {"Tracks", [](const Clip& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
-      {"Start", [](const Clip& clip) { return inLog(clip, clip.sourceIn); }, true},
-      {"End", [](const Clip& clip) { return inLog(clip, clip.sourceOut); }, true},
+      {"Name", [](const Row& clip) { return clip.clipName; }, true},
+      {"Tracks", [](const Row& clip) { return isTracksCell(clip) ? clip.tracks : tracksOf(clip); }, true},
+      {"Start", [](const Row& clip) { return inLog(clip, clip.sourceIn); }, true},
+      {"End", [](const Row& clip) { return inLog(clip, clip.sourceOut); }, true},
       {"Tape", tapeOf, true},
-      {"Source File", [](const Clip& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
-      {"Source File Path", [](const Clip& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
-      {"Tracks As Written", [](const Clip& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
-      {"Cut Record In", [](const Clip& clip) { return inLog(clip, clip.recordIn); }},
-      {"Cut Record Out", [](const Clip& clip) { return inLog(clip, clip.recordOut); }},
+      {"Source File", [](const Row& clip) { return namesTheReel(clip) ? clip.sourceFile : ""; }},
+      {"Source File Path", [](const Row& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
+      {"Camroll", [](const Row& row) { return row.cameraRoll; }},
+      {"Soundroll", [](const Row& row) { return row.soundRoll; }},
+      {"Tracks As Written", [](const Row& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
+      {"Cut Record In", [](const Row& clip) { return inLog(clip, clip.recordIn); }},
+      {"Cut Record Out", [](const Row& clip) { return inLog(clip, clip.recordOut); }},
       {"Colons As Written", colonsOf},
   };
   // An empty cell says that the rate of the heading is not the clip's.
-  if (!clips.empty() && commonRate(clips).empty())
-    columns.push_back({"FPS", [](const Clip& clip) { return clip.frameRate; }, true});
+  if (!clips.empty() && !haveOneRate)
+    columns.push_back({"FPS", [](const Row& clip) { return clip.frameRate; }, true});
   std::size_t aliases = 0;
-  for (const Clip& clip : clips)
+  for (const Row& clip : clips)
     aliases = std::max(aliases, clip.aliases.size());
   for (std::size_t i = 0; i < aliases; ++i)
     columns.push_back({"Reel Also Called " + std::to_string(i + 1),
-                       [i](const Clip& clip) { return i < clip.aliases.size() ? clip.aliases[i] : std::string(); }});
+                       [i](const Row& clip) { return i < clip.aliases.size() ? clip.aliases[i] : std::string(); }});
   std::erase_if(columns, [&](const OutColumn& column) {
     return !column.required &&
-           std::none_of(clips.begin(), clips.end(), [&](const Clip& clip) { return !column.cell(clip).empty(); });
+           std::none_of(clips.begin(), clips.end(), [&](const Row& clip) { return !column.cell(clip).empty(); });
   });
   return columns;
 }
@@ -169,15 +194,16 @@ Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
 {
   Written written;
   const std::vector<Clip> writable = writableClips(clips, written);
-  const std::vector<OutColumn> columns = columnsFor(writable);
   const std::string common = commonRate(writable);
+  const std::vector<Row> rows = rowsOf(writable);
+  const std::vector<OutColumn> columns = columnsFor(rows, !common.empty());
   written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t";
   written.text.append(writtenVideoFormat).append("\nAUDIO_FORMAT\t").append(writtenAudioFormat);
   written.text.append("\nFPS\t").append(common.empty() ? rate : common).append("\n\nColumn\n");
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
-  for (const Clip& clip : writable)
-    addRow(written.text, columns, [&](const OutColumn& column) { return column.cell(clip); });
+  for (const Row& row : rows)
+    addRow(written.text, columns, [&](const OutColumn& column) { return column.cell(row); });
   remarkOnEvents(written, writable);
   remarkOnLimits(written, writable, columns.size());
   return written;

@@ -415,6 +415,18 @@ void remarkOnNothing(Written& written, const std::vector<Clip>& clips)
   }
 }
 
+/// Warns about rolls, which a cut list has no place for.
+void remarkOnRolls(Written& written, const std::vector<Clip>& clips)
+{
+  const auto remark = [&](const char* what, auto has) {
+    if (const auto count = std::count_if(clips.begin(), clips.end(), has); count > 0)
+      written.remarks.push_back(std::string(what) + " not written: " + std::to_string(count) +
+                                " (a cut list cannot hold them)");
+  };
+  remark("camera rolls", [](const Clip& clip) { return !clip.cameraRoll.empty(); });
+  remark("pictures of sound rolls", [](const Clip& clip) { return !clip.soundOf.empty(); });
+}
+
 /// Removes the rows of logs that have no source: an event needs a reel.
 std::vector<Clip> withReels(std::vector<Clip> clips, Written& written)
 {
@@ -435,6 +447,7 @@ Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::
   const std::vector<Clip> writable = writableClips(withReels(clips, written), written);
   Writer(writable, reelField).run(writableText(title), written);
   remarkOnNothing(written, writable);
+  remarkOnRolls(written, writable);
   remarkOnLimits(written, reelField, reelsOf(writable).size());
   return written;
 }

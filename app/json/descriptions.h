@@ -20,11 +20,13 @@
 #include "app/kept_lists.h"
 #include "app/label_maps.h"
 #include "app/names.h"
+#include "app/names_check.h"
 #include "app/needs.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
+#include "app/rolls.h"
 #include "app/shot_logs.h"
 #include "app/state.h"
 #include "app/types.h"
@@ -58,6 +60,8 @@ void describe(Io& io, R& shot)
   io("own_name_may_be_cut", shot.mayBeCut);
   io("source_id", shot.sourceId);
   io("further_names", shot.furtherNames);
+  io("camera_roll", shot.cameraRoll);
+  io("sound_of", shot.soundOf);
 }
 
 template <class Io, app::json::Like<SourceId> R>
@@ -266,9 +270,9 @@ void describe(Io& io, R& named)
   } else {
     constexpr std::array matches = {Match::Itself,      Match::Decided,  Match::SourceId, Match::SameName,
                                     Match::OtherEnding, Match::NoEnding, Match::Cut};
-    constexpr std::array evidences = {NameEvidence::ReelMap,      NameEvidence::SourceFile, NameEvidence::SourceTable,
-                                      NameEvidence::ReplacedReel, NameEvidence::ReelNote,   NameEvidence::ClipName,
-                                      NameEvidence::ReelText};
+    constexpr std::array evidences = {NameEvidence::CameraRoll, NameEvidence::SoundRoll,   NameEvidence::ReelMap,
+                                      NameEvidence::SourceFile, NameEvidence::SourceTable, NameEvidence::ReplacedReel,
+                                      NameEvidence::ReelNote,   NameEvidence::ClipName,    NameEvidence::ReelText};
     named.match = fromWord(io.json().at("match"), matches);
     named.evidence = fromWord(io.json().at("evidence"), evidences);
   }
@@ -278,12 +282,29 @@ void describe(Io& io, R& named)
   io("clip_names", named.clipNames);
 }
 
+template <class Io, Like<Roll> R>
+void describe(Io& io, R& roll)
+{
+  io("roll", roll.name);
+  io("reels", roll.reels);
+  io("shots", roll.shots);
+}
+
 template <class Io, Like<ReelMove> R>
 void describe(Io& io, R& move)
 {
   io("from", move.from);
   io("to", move.to);
   io("shots", move.shots);
+}
+
+template <class Io, Like<NamesCheck> R>
+void describe(Io& io, R& check)
+{
+  io("applied", check.applied);
+  io("stored", check.stored);
+  io("moved", check.moves);
+  io("names", check.names);
 }
 
 template <class Io, Like<ReelType> R>
@@ -624,6 +645,8 @@ void describe(Io& io, R& event)
   io.bytes("own_name", event.clip.ownName);
   io("own_name_may_be_cut", event.clip.mayBeCut);
   io.bytes("source_id", event.clip.sourceId);
+  io.bytes("camera_roll", event.clip.cameraRoll);
+  io.bytes("sound_of", event.clip.soundOf);
   io.bytes("special", event.clip.special);
   io.bytes("number", event.clip.event.number);
   whole(io, "part", event.clip.event.part);

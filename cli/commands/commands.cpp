@@ -25,6 +25,7 @@ void addCommands(CommandLine& line)
   addHistory(line);
   addWatch(line);
   addListFile(line);
+  addNames(line);
   addProject(line);
   addDevice(line);
   addLabelMap(line);

@@ -21,6 +21,7 @@ void addInit(CommandLine& line);
 void addLabelMap(CommandLine& line);
 void addList(CommandLine& line);
 void addListFile(CommandLine& line);
+void addNames(CommandLine& line);
 void addProject(CommandLine& line);
 void addReelsOf(CommandLine& line);
 void addRedo(CommandLine& line);

@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
 
+#include <fmt/format.h>
+
 #include "app/json/json.h"
 #include "app/reels.h"
+#include "app/rolls.h"
+#include "base/text_width.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
@@ -13,6 +17,7 @@ namespace reeldb::cli {
 namespace {
 
 struct Options {
+  std::optional<std::string> by;
   bool json = false;
 };
 
@@ -45,9 +50,33 @@ void printTable(const std::vector<app::Reel>& reels)
   print(counted(reels.size(), "reel") + "\n");
 }
 
+void printTable(const std::vector<app::Roll>& rolls)
+{
+  Table table({{"ROLL"}, {.title = "REELS", .number = true}, {.title = "SHOTS", .number = true}});
+  for (const app::Roll& roll : rolls)
+    table.add({orDash(roll.name), std::to_string(roll.reels.size()), std::to_string(roll.shots)});
+  table.print();
+  const bool hasOthers = !rolls.empty() && rolls.back().name.empty();
+  print(counted(rolls.size() - (hasOthers ? 1 : 0), "roll") + "\n");
+}
+
+ExitCode byRoll(const Options& options, app::Session& session)
+{
+  if (*options.by != "roll")
+    throw app::Error(app::ErrorKind::Invalid, fmt::format("--by {}: invalid (use roll)", base::shortText(*options.by)));
+  const std::vector<app::Roll> rolls = app::reelsByRoll(session);
+  if (options.json)
+    print(app::jsonText(rolls));
+  else
+    printTable(rolls);
+  return done;
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Read);
+  if (options.by)
+    return byRoll(options, session);
   const std::vector<app::Reel> reels = app::listReels(session);
   if (options.json)
     print(app::jsonText(reels));
@@ -66,11 +95,16 @@ void addList(CommandLine& line)
   Command command = line.add(
       {.name = "list",
        .description = "List the reels of the project",
-       .examples = {"reeldb list", "reeldb list --json"},
+       .examples = {"reeldb list", "reeldb list --by roll", "reeldb list --json"},
        .details =
            "VIDEO and AUDIO are the numbers of channels that the reel has, whatever its type says. SHOTS counts\n"
-           "the shots with the reel's identifier, ignoring letter case."},
+           "the shots with the reel's identifier, ignoring letter case.\n"
+           "\n"
+           "--by roll counts the reels of each camera roll instead: those whose identifier begins with the camera "
+           "roll\n"
+           "of a log, or is that of a camera clip (A012C003 is of A012). Reels of no roll are on the last line."},
       [options](const Globals& globals) { return run(*options, globals); });
+  command.text("--by", options->by, "Group the reels: roll").shownAs("GROUP");
   command.json(options->json);
 }
 

@@ -61,10 +61,11 @@ void printShots(const std::vector<app::Shot>& shots, std::size_t indent)
                {"SOURCE OUT"},
                {.title = "RECORD IN", .optional = true},
                {.title = "RECORD OUT", .optional = true},
-               {.title = "SOURCE FILE", .optional = true}});
+               {.title = "SOURCE FILE", .optional = true},
+               {.title = "SOUND OF", .optional = true}});
   for (const app::Shot& shot : shots)
     table.add({orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut,
-               shot.sourceFile});
+               shot.sourceFile, shot.soundOf});
   table.print(indent);
 }
 

@@ -200,6 +200,7 @@ ValueKind valueKindOf(const std::string& metavariable)
       {"FIELD=VALUE", ValueKind::Field},
       {"NUMBER=NAME", ValueKind::UserField},
       {"MATCH", ValueKind::Match},
+      {"GROUP", ValueKind::Group},
       {"TYPE", ValueKind::ReelType},
       {"NAMES", ValueKind::NameSource},
       {"FILE", ValueKind::File},

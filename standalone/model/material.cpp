@@ -38,6 +38,10 @@ Cookie importMaterial(const Material& material)
     log.fields.emplace_back(furtherNamesKey, material.furtherNames);
   if (!material.reelOfNames.empty())
     log.fields.emplace_back(reelOfNamesKey, material.reelOfNames);
+  if (!material.cameraRoll.empty())
+    log.fields.emplace_back(cameraRollKey, material.cameraRoll);
+  if (!material.soundOf.empty())
+    log.fields.emplace_back(soundOfKey, material.soundOf);
   Cookie cookie = project.create(std::move(log)).cookie;
   model::notifyLogModification(cookie, EditModification(codes::madeOrImported));
   return cookie;
@@ -59,6 +63,8 @@ void changeMaterial(const Cookie& cookie, const Material& material)
   change(sourceIdKey, material.sourceId);
   change(furtherNamesKey, material.furtherNames);
   change(reelOfNamesKey, material.reelOfNames);
+  change(cameraRollKey, material.cameraRoll);
+  change(soundOfKey, material.soundOf);
 }
 
 Material materialOf(const Cookie& cookie)
@@ -86,6 +92,10 @@ Material materialOf(const Cookie& cookie)
     material.furtherNames = names->c_str();
   if (const LightweightString<char>* const reel = log->block.find(reelOfNamesKey))
     material.reelOfNames = reel->c_str();
+  if (const LightweightString<char>* const roll = log->block.find(cameraRollKey))
+    material.cameraRoll = roll->c_str();
+  if (const LightweightString<char>* const name = log->block.find(soundOfKey))
+    material.soundOf = name->c_str();
   return material;
 }
 

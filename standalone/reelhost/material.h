@@ -31,15 +31,17 @@ struct Material {
   std::string furtherNames; ///< what other lists call the source of a shot, one name per line: the name, a tab, "cut"
                             ///< if it may be the beginning of a longer one, a tab, the list's id of the source
   std::string reelOfNames;  ///< the reel that the names gave a shot; empty: its own name
+  std::string cameraRoll;   ///< the camera roll of its reel
+  std::string soundOf;      ///< for sound with a roll of its own, the name of its picture's source
 
   friend bool operator==(const Material& a, const Material& b)
   {
     return std::tie(a.reel, a.name, a.sourceFile, a.sourceIn, a.sourceOut, a.recordIn, a.recordOut, a.tracks, a.aliases,
                     a.videoChannels, a.audioChannels, a.frameRate, a.dropFrame, a.ownName, a.mayBeCut, a.sourceId,
-                    a.furtherNames, a.reelOfNames) ==
+                    a.furtherNames, a.reelOfNames, a.cameraRoll, a.soundOf) ==
            std::tie(b.reel, b.name, b.sourceFile, b.sourceIn, b.sourceOut, b.recordIn, b.recordOut, b.tracks, b.aliases,
                     b.videoChannels, b.audioChannels, b.frameRate, b.dropFrame, b.ownName, b.mayBeCut, b.sourceId,
-                    b.furtherNames, b.reelOfNames);
+                    b.furtherNames, b.reelOfNames, b.cameraRoll, b.soundOf);
   }
   friend bool operator!=(const Material& a, const Material& b) { return !(a == b); }
 };
@@ -73,6 +75,8 @@ inline constexpr const char* mayBeCutKey = "own_name_may_be_cut"; ///< its text 
 inline constexpr const char* sourceIdKey = "source_id";
 inline constexpr const char* furtherNamesKey = "further_names";
 inline constexpr const char* reelOfNamesKey = "reel_of_names";
+inline constexpr const char* cameraRollKey = "camera_roll";
+inline constexpr const char* soundOfKey = "sound_of";
 
 } // namespace reelhost
 

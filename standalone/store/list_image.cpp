@@ -56,11 +56,13 @@ constexpr std::array<TextColumn, 8> eventTexts = {{
     {"speed_timecode", &ListEvent::speedTimecode},
     {"source_ids", &ListEvent::sourceIds},
 }};
-constexpr std::array<ShotText, 4> furtherTexts = {{
+constexpr std::array<ShotText, 6> furtherTexts = {{
     {"name", &Material::name},
     {frameRateKey, &Material::frameRate},
     {ownNameKey, &Material::ownName},
     {sourceIdKey, &Material::sourceId},
+    {cameraRollKey, &Material::cameraRoll},
+    {soundOfKey, &Material::soundOf},
 }};
 
 /// Passes the key of each column of texts, and a function that returns the text of an event.

@@ -29,6 +29,19 @@ std::vector<fs::path> listsIn(const fs::path& folder)
 
 class Export : public FacilityTest {
 protected:
+  /// Without what lists called the source: the export is another list. A cut list has no rolls either.
+  static Json withoutNames(Json shots, bool withoutRolls = false)
+  {
+    for (Json& shot : shots) {
+      for (const char* key : {"own_name", "own_name_may_be_cut", "source_id", "further_names"})
+        shot.erase(key);
+      for (const char* key : {"camera_roll", "sound_of"})
+        if (withoutRolls)
+          shot.erase(key);
+    }
+    return shots;
+  }
+
   /// Identifiers of the reels, and the shots: what a list carries.
   Json contents(const std::string& project)
   {
@@ -36,7 +49,7 @@ protected:
     Json reels = Json::array();
     for (const Json& reel : all.at("reels"))
       reels.push_back({reel.at("id"), reel.at("shots")});
-    return {{"reels", std::move(reels)}, {"shots", all.at("shots")}};
+    return {{"reels", std::move(reels)}, {"shots", withoutNames(all.at("shots"))}};
   }
 
   /// Exports the project as a list, which must report that each shot is written once, and nothing else.
@@ -67,7 +80,10 @@ protected:
     // One reel for all clips is a doubt in every list.
     EXPECT_TRUE(report.at("ambiguous").empty() || contents(project).at("reels").size() == 1) << report.at("ambiguous");
     EXPECT_EQ(report.at("spellings"), Json::array());
-    EXPECT_EQ(contents(copy), contents(project));
+    const bool isCutList = options.front() == "--edl";
+    const Json before = contents(project), after = contents(copy);
+    EXPECT_EQ(after.at("reels"), before.at("reels"));
+    EXPECT_EQ(withoutNames(after.at("shots"), isCutList), withoutNames(before.at("shots"), isCutList));
   }
 
   void expectRoundTrips(const fs::path& list)
@@ -89,7 +105,7 @@ protected:
     for (Json& event : events)
       for (const char* key : {"line", "reel_text", "reel_field"})
         event.erase(key);
-    return events;
+    return withoutNames(std::move(events));
   }
 
   /// Exports the list with these options and imports that in a project of its own, which then has the same events,

@@ -139,6 +139,8 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb list-file show",
                           "reeldb list-file used-in",
                           "reeldb list-file remove",
+                          "reeldb names",
+                          "reeldb names check",
                           "reeldb project",
                           "reeldb project new",
                           "reeldb project list",

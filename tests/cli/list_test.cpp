@@ -140,4 +140,33 @@ TEST_F(ListCommand, ReadOnlyProjectIsRead)
   EXPECT_EQ(readFile("projects/main.reels"), before);
 }
 
+class ListByRoll : public FacilityTest {};
+
+TEST_F(ListByRoll, CountsReelsAndShotsAndTheOthersLast)
+{
+  dir_.write("log.ale",
+             "Heading\nFIELD_DELIM\tTABS\n\nColumn\nName\tTape\tTracks\tStart\tEnd\tCamroll\tSoundroll\n\nData\n"
+             "one\tA012C001\tVA1\t01:00:00:00\t01:00:01:00\tA012\tSR7\n"
+             "two\tA012C002\tVA1\t01:00:02:00\t01:00:03:00\tA012\tSR7\n");
+  ASSERT_EQ(reeldb({"import", "log.ale"}).code, 0);
+  EXPECT_EQ(output({"list", "--by", "roll"}), "ROLL  REELS  SHOTS\n"
+                                              "A012      2      2\n"
+                                              "-         1      2\n"
+                                              "1 roll\n");
+  EXPECT_EQ(json({"list", "--by", "roll", "--json"}), Json::parse(R"([
+    {"roll": "A012", "reels": ["A012C001", "A012C002"], "shots": 2}, {"roll": "", "reels": ["SR7"], "shots": 2}])"));
+  const std::string shots = output({"shots", "SR7"});
+  EXPECT_NE(shots.find("SOUND OF\n"), std::string::npos) << shots;
+  EXPECT_NE(shots.find("A012C002\n"), std::string::npos) << shots;
+  const std::string log = output({"export", "log.ale"});
+  EXPECT_NE(log.find("two\tVA1\t01:00:02:00\t01:00:03:00\tA012C002\tA012\tSR7"), std::string::npos) << log;
+}
+
+TEST_F(ListByRoll, OtherWordIsAUsageError)
+{
+  const ProcessResult result = reeldb({"list", "--by", "type"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: --by type: invalid (use roll)\n");
+}
+
 } // namespace

@@ -73,8 +73,74 @@ TEST(Ale, AllOtherNamesOfASourceAreAliases)
 {
   const List list = readWhole(log("Name|Tape|TapeID|Reel #|Camroll|Labroll|Soundroll|Source File|UNC",
                                   "n|T1|id|r|c|l|s|f|u\nn|T1|t1|||l|l||\n"));
-  EXPECT_EQ(list.clips[0].aliases, (Strings{"id", "r", "c", "l", "s", "f"}));
-  EXPECT_EQ(list.clips[1].aliases, Strings{"l"});
+  EXPECT_EQ(reels(list), (Strings{"T1", "s", "T1", "l"}));
+  EXPECT_EQ(list.clips[0].aliases, (Strings{"id", "r", "l", "f", "c"}));
+  EXPECT_EQ(list.clips[1].aliases, Strings{});
+  EXPECT_EQ(list.clips[2].aliases, Strings{"l"});
+}
+
+TEST(Ale, SoundRollIsASourceOfItsOwnOnTheAudioTracks)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Start|End|Soundroll", "one|T1|VA1A2|01:00:00;00|01:00:10;00|SR7\n"
+                                                                          "two|t1|V|02:00:00;00|02:00:10;00|SR7\n"));
+  ASSERT_EQ(reels(list), (Strings{"T1", "SR7", "T1", "SR7"}));
+  const Clip &picture = list.clips[0], &sound = list.clips[1];
+  EXPECT_EQ(picture.tracks, "VA1A2");
+  EXPECT_EQ(picture.soundOf, "");
+  EXPECT_EQ(sound.soundOf, "T1");
+  EXPECT_EQ(sound.evidence, NameEvidence::SoundRoll);
+  EXPECT_EQ(sound.tracks, "A1A2");
+  EXPECT_EQ(sound.audioChannels, 2);
+  EXPECT_EQ(sound.videoChannels, 0);
+  EXPECT_EQ(sound.clipName, "one");
+  EXPECT_EQ(sound.sourceIn, "01:00:00;00");
+  EXPECT_EQ(sound.sourceOut, "01:00:10;00");
+  EXPECT_TRUE(sound.dropFrame);
+  EXPECT_EQ(sound.line, picture.line);
+  EXPECT_EQ(sound.event.part, 2);
+  EXPECT_EQ(list.clips[3].soundOf, "T1") << "in the spelling that came first";
+  EXPECT_EQ(list.clips[3].tracks, "A1") << "a picture without sound has sound elsewhere";
+}
+
+TEST(Ale, SoundRollThatIsTheTapeOrNoReelIsNoFurtherSource)
+{
+  const List list = readWhole(log("Name|Tape|Soundroll", "a|T1|t1\nb|T1|AX\nc|T1|BL\nd|T1|SR*\n"));
+  EXPECT_EQ(reels(list), (Strings{"T1", "T1", "T1", "T1"}));
+}
+
+TEST(Ale, CameraRollIsAReelWithoutTapeAndFileAndElseAGroupOrAnotherName)
+{
+  const List list =
+      readWhole(log("Name|Tape|Source File|Camroll", "a|||A012\nb|A012C001_X||a012\nc||A012C002.mov|A012\n"
+                                                     "d|3NY004||XA007\ne|AX||A013\n"));
+  EXPECT_EQ(reels(list), (Strings{"A012", "A012C001_X", "A012C002.mov", "3NY004", "A013"}));
+  EXPECT_EQ(list.clips[0].evidence, NameEvidence::CameraRoll);
+  EXPECT_EQ(list.clips[1].cameraRoll, "a012");
+  EXPECT_EQ(list.clips[1].aliases, Strings{});
+  EXPECT_EQ(list.clips[2].cameraRoll, "A012");
+  EXPECT_EQ(list.clips[2].evidence, NameEvidence::SourceFile);
+  EXPECT_EQ(list.clips[3].cameraRoll, "");
+  EXPECT_EQ(list.clips[3].aliases, Strings{"XA007"});
+  EXPECT_EQ(list.clips[4].evidence, NameEvidence::CameraRoll);
+}
+
+TEST(Ale, RowWithRollsAloneHasTwoSources)
+{
+  const List list = readWhole(log("Name|Tape|Tracks|Camroll|Soundroll", "12A-1||VA1|A012|SR007\n12A-2||VA1||SR007\n"));
+  EXPECT_EQ(reels(list), (Strings{"A012", "SR007", "SR007"}));
+  EXPECT_EQ(list.clips[1].soundOf, "A012");
+  EXPECT_EQ(list.clips[2].soundOf, "");
+  EXPECT_EQ(list.clips[2].tracks, "A1");
+  EXPECT_TRUE(list.specials.empty());
+  ASSERT_EQ(list.warnings.size(), 2u); // the first is about Start and End
+  EXPECT_EQ(list.warnings[1].reason, "no tape, no source file and no camera roll (only its sound roll is kept)");
+}
+
+TEST(Ale, FaultOfASoundRollCostsTheRow)
+{
+  const List list = readWhole(log("Name|Tape|Soundroll", "a|T1|" + std::string(2048, 's') + "\nb|T1|SR\v7\nc|T1|\n"));
+  EXPECT_EQ(reels(list), Strings{"T1"});
+  EXPECT_EQ(list.rejected.size(), 2u);
 }
 
 TEST(Ale, HeadingsAndColumnsThatNoClipKeepsAreNamed)

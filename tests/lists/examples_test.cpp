@@ -75,9 +75,9 @@ TEST(Examples, TheLogHasEveryKindOfRow)
 {
   const List list = readExample("camera-log.ale");
   EXPECT_EQ(list.format, Format::Ale);
-  EXPECT_EQ(distinctReels(list),
-            (std::set<std::string>{"A021C010_210609_H1KV", "A021C011_210609_H1KV", "006-I",
-                                   "\xC3\x86r\xC3\xB8-F\xC3\x86RGE 7", "quay timelapse.mov", "slate_0009.jpg"}));
+  EXPECT_EQ(distinctReels(list), (std::set<std::string>{"A021C010_210609_H1KV", "A021C011_210609_H1KV", "006-I",
+                                                        "\xC3\x86r\xC3\xB8-F\xC3\x86RGE 7", "quay timelapse.mov",
+                                                        "slate_0009.jpg", "SR007", "SR008"}));
   EXPECT_EQ(specials(list), (Strings{"BARS: colour bars", "COMP*1: a star denotes internally generated material",
                                      "Lost: no tape and no source file"}));
   ASSERT_EQ(list.rejected.size(), 1u);

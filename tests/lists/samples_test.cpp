@@ -43,7 +43,7 @@ const Sample samples[] = {
     {"17_key_transition.edl", 2, 0, 2, 0xc1d90ac1c06c0536U},
     {"18_reel_IS_CLIP_notes.edl", 4, 0, 1, 0xcd67f4ea9ae4001aU},
     {"20_many_reels_dots.edl", 548, 0, 408, 0x47e20085d3ebbd2bU},
-    {"22_camera_and_sound_rolls.ale", 6, 0, 6, 0x905984485d7afcecU},
+    {"22_camera_and_sound_rolls.ale", 12, 0, 7, 0x413fad6d033ff88U},
     {"23_one_line_heading.ale", 2, 0, 1, 0x7e24b9c3927778f1U},
     {"25_all_headings_tape_253.ale", 5, 0, 1, 0x602dad18277eef09U},
 };

@@ -66,7 +66,10 @@ inline int specialLines(const List& list)
 inline int accountedLines(const List& list)
 {
   const Tally& tally = list.tally;
-  return tally.blank + tally.headers + tally.notes + tally.statements + static_cast<int>(list.clips.size()) +
+  std::set<int> lines; // a row with a sound roll is two clips
+  for (const Clip& clip : list.clips)
+    lines.insert(clip.line);
+  return tally.blank + tally.headers + tally.notes + tally.statements + static_cast<int>(lines.size()) +
          specialLines(list) + static_cast<int>(list.rejected.size());
 }
 

@@ -14,10 +14,12 @@
 #include "app/import.h"
 #include "app/label_maps.h"
 #include "app/names.h"
+#include "app/names_check.h"
 #include "app/needs.h"
 #include "app/projects.h"
 #include "app/reel_fields.h"
 #include "app/rename.h"
+#include "app/rolls.h"
 #include "app/types.h"
 #include "app/watch.h"
 
@@ -68,6 +70,8 @@ Shot sampleShot()
   shot.mayBeCut = true;
   shot.sourceId = "11";
   shot.furtherNames = {{"A001_X.mov", false, "12"}};
+  shot.cameraRoll = "A";
+  shot.soundOf = "P";
   return shot;
 }
 
@@ -76,7 +80,8 @@ constexpr const char* shotObject =
         "record_in": "10:00:00:00", "record_out": "10:00:01:00", "source_file": "a.mov", "aliases": ["A1", "A-1"],
         "video_channels": 1, "audio_channels": 0, "frame_rate": "29.97", "drop_frame": true, "own_name": "A001_X",
         "own_name_may_be_cut": true, "source_id": "11",
-        "further_names": [{"name": "A001_X.mov", "may_be_cut": false, "source_id": "12"}]})";
+        "further_names": [{"name": "A001_X.mov", "may_be_cut": false, "source_id": "12"}], "camera_roll": "A",
+        "sound_of": "P"})";
 
 Candidate sampleCandidate()
 {
@@ -251,6 +256,7 @@ TEST(Json, EventsOfAListSayWhatItsLinesSay)
                      "source_out": "", "record_in": "", "record_out": "", "source_file": "", "aliases": [],
                      "video_channels": 0, "audio_channels": 0, "frame_rate": "", "drop_frame": false,
                      "own_name": "", "own_name_may_be_cut": false, "source_id": "", "further_names": [],
+                     "camera_roll": "", "sound_of": "",
                      "special": "black", "reel_text": "", "reel_field": 0, "transition": "", "duration": "",
                      "speed": null, "speed_timecode": null, "source_ids": [], "reel_now": ""}]})");
 }
@@ -260,6 +266,18 @@ TEST(Json, ShotWithoutAnOwnNameHasThatOfItsReel)
   Shot shot;
   shot.reel = "A001";
   EXPECT_EQ(nlohmann::json::parse(jsonText(std::vector<Shot>{shot})).at(0).at("own_name"), "A001");
+}
+
+TEST(Json, CheckOfNames)
+{
+  expectJson(NamesCheck{{{"A", "B", 2}}, {sampleName()}, true, false},
+             R"({"applied": true, "stored": false, "moved": [{"from": "A", "to": "B", "shots": 2}], "names": [)" +
+                 std::string(nameObject) + "]}");
+}
+
+TEST(Json, Rolls)
+{
+  expectJson(std::vector<Roll>{{"A012", {"A012C001"}, 3}}, R"([{"roll": "A012", "reels": ["A012C001"], "shots": 3}])");
 }
 
 TEST(Json, Shots)

@@ -161,7 +161,9 @@ KeptList exampleList(std::int64_t number, const std::vector<std::int64_t>& shots
                   shot % 2 == 1,
                   "id" + s,
                   {}, // what other lists call a source is kept with its shot
-                  {}};
+                  {},
+                  "roll " + s,
+                  "own R" + s};
     event.number = "00" + s;
     event.part = 2;
     event.reelText = "R" + s + "_";
