@@ -30,26 +30,31 @@ reelhost::History& requireHistory()
   throw Error(ErrorKind::Refused, fmt::format("{}: keeps no history", reelhost::projectInfo().name));
 }
 
-/// The number of the log of the reel that has the identifier, or of the one that had it when it was deleted last.
+/// The number of the log of the reel that has the identifier, or of the one that had it when it was deleted last. Else
+/// of the one that was renamed from it.
 std::int64_t logNumberOf(reelhost::History& history, const std::string& id,
                          const std::vector<reelhost::Revision>& revisions)
 {
-  const auto isTheReel = [&](const std::optional<reelhost::StoredLog>& log) {
-    return log && log->type == codes::reelLog && base::sameName(idOf(*log), id);
+  std::int64_t byId = 0, byOldName = 0;
+  const auto look = [&](const reelhost::StoredLog& log) {
+    if (log.type != codes::reelLog)
+      return;
+    if (byId == 0 && base::sameName(idOf(log), id))
+      byId = log.number;
+    const std::vector<std::string> oldNames = oldNamesOf(log);
+    if (byOldName == 0 && std::any_of(oldNames.begin(), oldNames.end(),
+                                      [&](const std::string& former) { return base::sameName(former, id); }))
+      byOldName = log.number;
   };
-  std::int64_t number = 0;
-  reelhost::projectStore().readReels([&](reelhost::StoredLog&& log) {
-    if (number == 0 && isTheReel(log))
-      number = log.number;
-  });
-  for (auto revision = revisions.begin(); number == 0 && revision != revisions.end(); ++revision)
+  reelhost::projectStore().readReels(look);
+  for (auto revision = revisions.begin(); byId == 0 && revision != revisions.end(); ++revision)
     if (revision->deleted != 0)
       for (const reelhost::LogChange& change : history.changesOf(revision->number).logs)
-        if (isTheReel(change.before) && !change.after)
-          number = change.number;
-  if (number == 0)
+        if (change.before && !change.after)
+          look(*change.before);
+  if (byId == 0 && byOldName == 0)
     throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel, now or in the history", base::shortText(id)));
-  return number;
+  return byId != 0 ? byId : byOldName;
 }
 
 // --- Taking back ---------------------------------------------------------------------------------
@@ -157,6 +162,11 @@ std::vector<KeptDeletion> keptDeletions(Session&)
 {
   return guarded([] {
     reelhost::History& history = requireHistory();
+    if (history.olderVersion() != 0 && history.trashCount() != 0)
+      throw Error(ErrorKind::Refused,
+                  fmt::format("{}: the deletions of a project of an earlier version cannot be listed (reeldb undelete "
+                              "brings the last one back; after the next command that stores something, they can be)",
+                              reelhost::projectInfo().name));
     std::vector<KeptDeletion> deletions;
     const auto take = [&](const reelhost::Revision& revision, const reelhost::RevisionChanges& changes) {
       KeptDeletion deletion{entryFrom(revision, {}), {}, 0};

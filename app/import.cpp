@@ -135,8 +135,10 @@ public:
     KeptVersion before = keptVersionOf(file, digest, replacing_);
     for (Shot& clip : before.clips)
       clip.reel = names_.find(clip).reel;
-    if (before.list.number == 0)
+    if (before.list.number == 0) {
       noteEarlier(file, result);
+      result.replacesNothing = replacing_.byName;
+    }
     const std::string name = fileNameOf(file);
     result.list = std::move(file.list);
     const std::vector<Shot> clips = namedClips(result);

@@ -51,6 +51,7 @@ struct ImportedList {
   Keeping keeping = Keeping::NotKept;
   std::int64_t keptAs = 0;             ///< the number of the kept list; 0: it is not kept
   VersionDifference difference;        ///< of a new version from the version before
+  bool replacesNothing = false;        ///< a version was to be replaced, but no list has this file name or title
   std::optional<std::int64_t> earlier; ///< a kept list of this file name or title, in whose place this one was not put
 
   bool changesProject() const; ///< whether the import of this list changes the project

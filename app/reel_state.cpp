@@ -55,6 +55,17 @@ Shot shotIn(const reelhost::StoredLog& log)
   return shotFrom(material);
 }
 
+/// What to do about a shot that would have no reel after @p revision is taken back.
+std::string adviceFor(std::int64_t shot, std::int64_t revision)
+{
+  const std::int64_t inTheWay = reelhost::newestInTheWay(
+      *reelhost::projectStore().history(), revision, [&](const reelhost::RevisionChanges& changes) {
+        return std::any_of(changes.logs.begin(), changes.logs.end(),
+                           [&](const reelhost::LogChange& change) { return change.number == shot; });
+      });
+  return inTheWay == 0 ? "create the reel first" : fmt::format("take revision {} back first", inTheWay);
+}
+
 } // namespace
 
 ReelState::ReelState(Session& session)
@@ -101,7 +112,8 @@ void ReelState::addShot(std::int64_t log, const Shot& shot)
     byName_[base::fold(alias)].insert(isThere ? Meant(*reel->second.begin(), "") : Meant(0, base::fold(shot.reel)));
 }
 
-std::optional<ReelState::Fault> ReelState::newFault(const std::vector<const ReelState*>& earlier) const
+std::optional<ReelState::Fault> ReelState::newFault(const std::vector<const ReelState*>& earlier,
+                                                    std::int64_t revision) const
 {
   const auto isNew = [&](const auto& entry, const auto& namesOf) { // leads to several, and did not before
     return entry.second.size() > 1 && std::none_of(earlier.begin(), earlier.end(), [&](const ReelState* state) {
@@ -124,7 +136,7 @@ std::optional<ReelState::Fault> ReelState::newFault(const std::vector<const Reel
   for (const auto& [shot, reel] : withoutReel_)
     if (std::none_of(earlier.begin(), earlier.end(),
                      [log = shot](const ReelState* state) { return state->withoutReel_.count(log) != 0; }))
-      return Fault{reel, "a shot would name it, but there is no such reel", "create the reel first"};
+      return Fault{reel, "a shot would name it, but there would be no such reel", adviceFor(shot, revision)};
   for (const auto& entry : byName_) {
     if (!isNew(
             entry, [](const ReelState& state) -> const auto& { return state.byName_; }))
@@ -141,10 +153,10 @@ std::optional<ReelState::Fault> ReelState::newFault(const std::vector<const Reel
 void ReelState::requireSoundAfter(const ReelState& before, std::int64_t revision, const std::string& operation,
                                   const std::string& undone) const
 {
-  if (!newFault({&before}))
+  if (!newFault({&before}, revision))
     return;
   const ReelState beforeRevision(revision);
-  if (const std::optional<Fault> fault = newFault({&before, &beforeRevision}))
+  if (const std::optional<Fault> fault = newFault({&before, &beforeRevision}, revision))
     throw Error(ErrorKind::Refused,
                 fmt::format("{}: {}: {}, {} ({})", operation, fault->subject, fault->fact, undone, fault->advice));
 }

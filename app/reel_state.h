@@ -44,8 +44,8 @@ private:
   void addReel(std::int64_t log, const std::string& id, const std::vector<std::string>& oldNames);
   /// REQUIRES: all reels were added.
   void addShot(std::int64_t log, const Shot& shot);
-  /// A fault that none of the @p earlier states had.
-  std::optional<Fault> newFault(const std::vector<const ReelState*>& earlier) const;
+  /// A fault that none of the @p earlier states had, when @p revision is taken back.
+  std::optional<Fault> newFault(const std::vector<const ReelState*>& earlier, std::int64_t revision) const;
 
   std::map<std::int64_t, std::string> reels_;
   std::set<std::int64_t> shots_;

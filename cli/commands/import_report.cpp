@@ -85,6 +85,9 @@ std::string keepingText(const app::ImportedList& imported)
                        imported.keptAs, difference.added.size(), difference.gone.size(), difference.trimmed.size(),
                        difference.changed.size());
   }
+  if (imported.replacesNothing && imported.keeping == app::Keeping::New)
+    return fmt::format("  nothing replaced: no list of the project has this {} (list {} is new)\n",
+                       imported.list.title.empty() ? "file name" : "file name or title", imported.keptAs);
   if (imported.earlier)
     return fmt::format("  list {} stays beside it (--as {} puts this one in its place)\n", *imported.earlier,
                        *imported.earlier);

@@ -37,6 +37,14 @@ std::size_t startOfValue(const std::string& word)
   return word.size() > 2 && word[0] == '-' && word[1] != '-' && word[1] != '/' ? 2 : 0;
 }
 
+/// Whether the text leads through a folder. A name with a slash in it, as of a reel, does not.
+bool leadsThrough(const std::string& folder)
+{
+  std::error_code error;
+  return folder.empty() || folder[0] == '/' || folder[0] == '~' || folder[0] == '.' ||
+         std::filesystem::is_directory(folder, error);
+}
+
 /// The word without the folders of a path in it.
 std::string withoutFolder(const std::string& word)
 {
@@ -44,7 +52,10 @@ std::string withoutFolder(const std::string& word)
   const std::size_t slash = last == std::string::npos ? last : word.rfind('/', last);
   if (slash == std::string::npos)
     return word;
-  return word.substr(0, startOfValue(word)) + word.substr(slash + 1, last - slash);
+  const std::size_t start = startOfValue(word);
+  if (word[0] != '-' && !leadsThrough(word.substr(start, slash - start)))
+    return word;
+  return word.substr(0, start) + word.substr(slash + 1, last - slash);
 }
 
 /// At most longestCommand bytes; a longer line ends in "...", without a part of a character before it.

@@ -54,11 +54,26 @@ bool takeBackValues(KeptList& now, const KeptList& before, const KeptList& after
   return done;
 }
 
-template <class Record>
-[[noreturn]] void refuse(const RecordChange<Record>& change, const Record& record, const char* what)
+bool changes(const RevisionChanges& revision, const StoredLog& log)
 {
+  return std::any_of(revision.logs.begin(), revision.logs.end(),
+                     [&](const LogChange& change) { return change.number == log.number; });
+}
+
+bool changes(const RevisionChanges& revision, const KeptList& list)
+{
+  return std::any_of(revision.lists.begin(), revision.lists.end(),
+                     [&](const ListChange& change) { return change.number == list.number; });
+}
+
+template <class Record>
+[[noreturn]] void refuse(History& history, const RecordChange<Record>& change, const Record& record, const char* what)
+{
+  const std::int64_t inTheWay = newestInTheWay(
+      history, change.revision, [&](const RevisionChanges& revision) { return changes(revision, record); });
   throw Error(ErrorKind::Refused, displayText(nameOf(record)) + ": " + what + " since revision " +
-                                      std::to_string(change.revision) + " (by revision " + std::to_string(change.next) +
+                                      std::to_string(change.revision) + " (by revision " +
+                                      std::to_string(inTheWay != 0 ? inTheWay : change.next) +
                                       ", take that one back first)");
 }
 
@@ -84,22 +99,22 @@ void Project::planTakingBack(const LogChange& change, Plan& plan)
   std::optional<StoredLog> now = log ? std::optional(log->toStored()) : std::nullopt;
   if (!before) {
     if (now && !isSame(*now, *after))
-      refuse(change, *now, "changed");
+      refuse(requireHistory(), change, *now, "changed");
     if (now) {
       plan.inverse.deleted.push_back(change.number);
       plan.gone.push_back(log);
     }
   } else if (!after) {
     if (now && !isSame(*now, *before))
-      refuse(change, *now, "restored and changed");
+      refuse(requireHistory(), change, *now, "restored and changed");
     if (!now)
       plan.inverse.logs.push_back(*before);
   } else {
     if (!now)
-      refuse(change, *after, "deleted");
+      refuse(requireHistory(), change, *after, "deleted");
     const StoredLog found = *now;
     if (takeSteps(*now, *after, *before))
-      refuse(change, found, "changed");
+      refuse(requireHistory(), change, found, "changed");
     if (!isSame(*now, found)) {
       plan.inverse.logs.push_back(std::move(*now));
       ++plan.changed;
@@ -120,20 +135,20 @@ void Project::planTakingBack(const ListChange& change, Plan& plan)
     }
   if (before && after) {
     if (!now)
-      refuse(change, *after, "removed");
+      refuse(requireHistory(), change, *after, "removed");
     const KeptList found = *now;
     if (!takeBackValues(*now, *before, *after))
-      refuse(change, found, "changed");
+      refuse(requireHistory(), change, found, "changed");
     if (*now != found)
       plan.inverse.lists.push_back(std::move(*now));
   } else if (before) {
     if (now && *now != *before)
-      refuse(change, *now, "restored and changed");
+      refuse(requireHistory(), change, *now, "restored and changed");
     if (!now)
       plan.inverse.lists.push_back(*before);
   } else if (after && now) {
     if (*now != *after)
-      refuse(change, *now, "changed");
+      refuse(requireHistory(), change, *now, "changed");
     plan.inverse.deletedLists.push_back(change.number);
   }
 }

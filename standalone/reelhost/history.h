@@ -92,6 +92,11 @@ bool isRestorable(const LogChange& change);
 /// Project compact may have removed what they deleted.
 void readDeletionsInForce(History& history, const std::function<bool(const Revision&, const RevisionChanges&)>& sink);
 
+/// The newest revision after @p revision that stands in the way of taking that one back: it is in force, takes nothing
+/// back itself, and @p isPart accepts what it changed. 0 if there is no such revision.
+std::int64_t newestInTheWay(History& history, std::int64_t revision,
+                            const std::function<bool(const RevisionChanges&)>& isPart);
+
 /// The last deletion in force that is not removed for good; 0 if there is no such deletion.
 std::int64_t lastDeletion(History& history);
 

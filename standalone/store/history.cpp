@@ -24,6 +24,21 @@ std::map<std::int64_t, std::int64_t> takenBackRevisions(History& history)
   return takenBack;
 }
 
+std::int64_t newestInTheWay(History& history, std::int64_t revision,
+                            const std::function<bool(const RevisionChanges&)>& isPart)
+{
+  const std::map<std::int64_t, std::int64_t> takenBack = takenBackRevisions(history);
+  std::vector<std::int64_t> later; // the newest first
+  history.readRevisions([&](Revision&& read) {
+    if (read.number > revision && read.takesBack == 0 && takenBack.count(read.number) == 0)
+      later.push_back(read.number);
+    return read.number > revision;
+  });
+  const auto found =
+      std::find_if(later.begin(), later.end(), [&](std::int64_t number) { return isPart(history.changesOf(number)); });
+  return found == later.end() ? 0 : *found;
+}
+
 namespace {
 
 /// A deletion of logs takes events out of lists, but leaves the lists what they are.

@@ -66,6 +66,15 @@ void addProblemsOfHistory(Database& database, std::vector<std::string>& problems
   addEach("SELECT number FROM revisions WHERE last_new > (SELECT value FROM project WHERE key = 'last_number') "
           "OR last_new < first_new OR first_new < 1 ORDER BY number",
           "new logs with numbers that were not given out");
+  addEach("SELECT number FROM revisions WHERE is_redo NOT IN (0, 1) ORDER BY number", "neither a redo nor none");
+  addEach(
+      "SELECT number FROM (SELECT number, created, changed, deleted, "
+      "ifnull(sign(first_new), 0) AS least, ifnull(last_new - first_new + 1, 0) AS most, "
+      "count(log) FILTER (WHERE log > 0 AND before IS NULL) AS restored, "
+      "count(log) FILTER (WHERE log > 0 AND before IS NOT NULL) AS others "
+      "FROM revisions LEFT JOIN changes ON revision = number GROUP BY number) "
+      "WHERE created NOT BETWEEN least + restored AND most + restored OR changed + deleted <> others ORDER BY number",
+      "other numbers of created, changed and deleted logs than its changes have");
   addEach("SELECT max(number) FROM revisions GROUP BY token HAVING count(*) > 1", "the token of another revision");
   Statement images(database, "SELECT revision, log, before FROM changes WHERE length(before) > 0 OR log = 0");
   while (images.step()) {

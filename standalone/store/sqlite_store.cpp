@@ -155,7 +155,11 @@ void SqliteStore::readChangedLogs(const std::function<void(std::int64_t, std::in
 
 std::int64_t SqliteStore::trashCount()
 {
-  return keepsHistory() ? read(reelhost::trashCount) : 0;
+  if (keepsHistory())
+    return read(reelhost::trashCount);
+  return read([](Database& database) { // version 1 kept them in the same table
+    return database.integer("SELECT count(*) FROM logs WHERE deletion IS NOT NULL");
+  });
 }
 
 std::int64_t SqliteStore::removedListCount()

@@ -3,6 +3,7 @@
 
 #include "app/deletion.h"
 #include "app/import.h"
+#include "app/kept_lists.h"
 #include "app/list_files.h"
 #include "app/names.h"
 #include "app/process.h"
@@ -122,6 +123,34 @@ TEST_F(History, LogInTheWayIsNamed)
   EXPECT_EQ(reelIds(), Names{"B001"});
 }
 
+TEST_F(History, CommitInTheWayIsNamedAndNotOneThatIsTakenBack)
+{
+  create("A001");
+  set("A001", "bin", "1");
+  undo();
+  redo();
+  set("A001", "bin", "2"); // revision 5
+  set("A001", "bin", "3");
+  undo();
+  EXPECT_EQ(refusal([] { undo(2); }), "A001: changed since revision 2 (by revision 5, take that one back first)");
+  undo(5);
+  undo(2);
+}
+
+TEST_F(History, ListInTheWayIsNamedWithTheCommitThatChangedIt)
+{
+  import({"A001"});
+  remove("A001");
+  undo();
+  redo();
+  {
+    app::Session session({}, app::Access::Write);
+    app::removeList(session, "1", false); // revision 5
+  }
+  EXPECT_EQ(refusal([] { undo(2); }),
+            "fixture.edl: removed since revision 2 (by revision 5, take that one back first)");
+}
+
 TEST_F(History, IdentifierThatAnotherReelHasByNowIsRefused)
 {
   import({"A001"});
@@ -142,8 +171,10 @@ TEST_F(History, ShotWithoutItsReelIsRefused)
     app::Session session({}, app::Access::Write); // a further shot of the reel that the first import made
     app::importLists(session, {app::readListFile(cutList("more.edl", {"B002", "B002", "A001"}))}, false);
   }
-  EXPECT_EQ(refusal([] { undo(1); }),
-            "undo: A001: a shot would name it, but there is no such reel, nothing taken back (create the reel first)");
+  EXPECT_EQ(
+      refusal([] { undo(1); }),
+      "undo: A001: a shot would name it, but there would be no such reel, nothing taken back (take revision 2 back "
+      "first)");
 }
 
 TEST_F(History, FormerNameThatWouldLeadToTwoReelsIsRefused)
@@ -321,6 +352,18 @@ TEST_F(History, OfAReelHasItsFieldsBeforeAndAfter)
   EXPECT_EQ(commits[1].fields[0].after, "C003");
   EXPECT_EQ(commits[2].created, 4);
   EXPECT_EQ(errorOf([] { history("X"); }).kind(), app::ErrorKind::NotFound);
+}
+
+TEST_F(History, OfAFormerNameIsThatOfItsReel)
+{
+  create("A001");
+  rename("A001", "B001");
+  EXPECT_EQ(history("a001").commits.size(), 2u);
+  create("A001"); // a reel that has the name goes first
+  EXPECT_EQ(history("A001").commits.size(), 1u);
+  remove("A001");
+  remove("B001");
+  EXPECT_EQ(history("B001").commits.size(), 3u);
 }
 
 TEST_F(History, ChangeOfTheFacilityIsNamedAndNotTakenBack)

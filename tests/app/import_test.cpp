@@ -254,6 +254,7 @@ TEST_F(ImportReplaces, VersionOfTheSameFileName)
   EXPECT_TRUE(report.stored);
   const app::ImportedList& list = report.lists.front();
   EXPECT_EQ(list.keeping, app::Keeping::NewVersion);
+  EXPECT_FALSE(list.replacesNothing);
   EXPECT_EQ(list.keptAs, 1);
   EXPECT_EQ(list.shotsAdded, 1u);
   EXPECT_EQ(idsOf(list.difference.added), std::vector<std::string>{"X002"});
@@ -307,7 +308,9 @@ TEST_F(ImportReplaces, NothingIfNoListHasTheFileNameOrTheTitle)
   again("one.edl");
   const std::string other =
       folder_.write("other.edl", "001  B001     V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n");
-  EXPECT_EQ(replace(other).lists.front().keeping, app::Keeping::New);
+  const app::ImportReport report = replace(other);
+  EXPECT_EQ(report.lists.front().keeping, app::Keeping::New);
+  EXPECT_TRUE(report.lists.front().replacesNothing);
   EXPECT_EQ(keptLists().size(), 2u);
 }
 

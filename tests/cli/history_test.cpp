@@ -72,6 +72,29 @@ TEST_F(HistoryCommand, NamesFalseKeepsNeitherNamesNorFolders)
     EXPECT_EQ(commit.at(key), "") << key;
 }
 
+TEST_F(HistoryCommand, NamesFalseKeepsValuesAndNamesWithASlash)
+{
+  dir_.write("facility.toml", readFile("facility.toml") + "\n[history]\nnames = false\n");
+  output({"set", "A001", "bin=Shelf 4/5"});
+  output({"create", "B/2"});
+  const Json commits = json({"history", "--json"}).at("commits");
+  EXPECT_EQ(commits.at(1).at("command"), "reeldb set A001 'bin=Shelf 4/5'");
+  EXPECT_EQ(commits.at(0).at("command"), "reeldb create B/2");
+}
+
+TEST_F(HistoryCommand, DeletionsOfAnEarlierVersionAreNotListedButBroughtBack)
+{
+  for (const char* ending : {"", "-wal", "-shm"})
+    std::filesystem::remove(path("projects/main.reels") + ending);
+  std::filesystem::copy_file(REELDB_SOURCE_DIR "/tests/standalone/store/data/version-1.reels",
+                             path("projects/main.reels"));
+  EXPECT_EQ(reeldb({"undelete", "--list"}).err,
+            "reeldb: main: the deletions of a project of an earlier version cannot be listed (reeldb undelete brings "
+            "the last one back; after the next command that stores something, they can be)\n");
+  EXPECT_EQ(reeldb({"undelete"}).out, "2 reels and 3 shots brought back: PIER CAM 2, A021C012_210609_H1KV\n");
+  EXPECT_EQ(json({"undelete", "--list", "--json"}).size(), 1u);
+}
+
 TEST_F(HistoryCommand, CommandsThatStoreNothingHaveNoRevision)
 {
   const std::string before = readFile("projects/main.reels");

@@ -126,6 +126,15 @@ TEST_F(ListFile, ImportPutsAVersionInThePlaceOfTheList)
   EXPECT_EQ(reelIds(), (Words{"A001", "B001", "C001"}));
 }
 
+TEST_F(ListFile, ReplaceWithoutAnEarlierVersionReportsThatNothingWasReplaced)
+{
+  dir_.write("other.edl", "TITLE: OTHER\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00"));
+  EXPECT_EQ(output({"import", "--replace", "other.edl"}),
+            "other.edl (edl): 1 clip, 1 shot added, 0 already there\n"
+            "  nothing replaced: no list of the project has this file name or title (list 3 is new)\n"
+            "  1 reel already there: A001\n");
+}
+
 TEST_F(ListFile, ImportWithoutReplaceNamesTheEarlierVersion)
 {
   dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00"));

@@ -132,7 +132,7 @@ TEST_F(TakeBack, LaterChangeOfTheSameValueIsInTheWay)
   EXPECT_EQ(errorOf([] { takeBack(2); }),
             "Refused: R1: changed since revision 2 (by revision 3, take that one back first)");
   EXPECT_EQ(errorOf([] { takeBack(1); }),
-            "Refused: R1: changed since revision 1 (by revision 2, take that one back first)");
+            "Refused: R1: changed since revision 1 (by revision 3, take that one back first)");
   EXPECT_EQ(fieldOf(reel, "a"), "2");
   EXPECT_FALSE(reelhost::hasChanges());
   remove(reel);
@@ -157,7 +157,7 @@ TEST_F(TakeBack, DeletedLogThatWasStoredAgainAndChangedIsInTheWay)
   kept()->commit(changes);
   reopen();
   EXPECT_EQ(errorOf([] { takeBack(2); }),
-            "Refused: R1: restored and changed since revision 2 (by revision 3, take that one back first)");
+            "Refused: R1: restored and changed since revision 2 (by revision 4, take that one back first)");
 }
 
 TEST_F(TakeBack, CreatedLogThatIsDeletedIsNotMissed)
@@ -370,7 +370,7 @@ TEST_F(TakeBack, FacilityWithoutNamesKeepsNeitherNamesNorFolders)
   reelhost::setCommandLine("", {});
   reelhost::useFacility(reelhost::Facility());
   EXPECT_EQ(origin.user + origin.machine + origin.folder, "");
-  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl name=25 / bin=3 -ox -o=y c e");
+  EXPECT_EQ(origin.command, "prog -C site import 'a b.edl' --output=x.edl name=24/25 / bin=3 -ox -o=y c e");
   EXPECT_EQ(origin.program, "prog");
 }
 

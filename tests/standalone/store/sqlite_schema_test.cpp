@@ -112,7 +112,7 @@ TEST_F(SqliteSchema, ReadingAFileOfVersion1LeavesEveryByteOfIt)
     const auto project = makeSqliteStore(file());
     expectContentOfVersion1(*project);
     EXPECT_EQ(revisionsOf(*project).size(), 0u);
-    EXPECT_EQ(trashCountOf(*project), 0);
+    EXPECT_EQ(trashCountOf(*project), 1);
     project->begin(Access::Read, noPatience);
     EXPECT_EQ(project->history()->olderVersion(), 1);
   }
