@@ -87,7 +87,7 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
   if (ofOthers && me.user.empty())
     cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
   else if (ofOthers)
-    cause = fmt::format(" (by {} on {}; --any includes theirs)", me.user, me.machine);
+    cause = fmt::format(" (no commit by {} on {} is left; --any takes the newest of anyone)", me.user, me.machine);
   throw Error(ErrorKind::Refused, fmt::format("{0}: nothing to {0}{1}", operation, cause));
 }
 

@@ -37,7 +37,7 @@ std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& lis
     if (count > 0)
       remarks.push_back(fmt::format("{}: {} not written: {} ({})", base::displayText(list.file), what, count, cause));
   };
-  remark(original.tally.ignored, "notes and statements", "the project does not keep them");
+  remark(original.tally.ignored, "notes and statements", "list-file show --original has them");
   remark(original.unread.size(), "headings and columns of the log",
          fmt::format("{}", fmt::join(original.unread, ", ")));
   remark(original.rejected.size(), "rejected lines", "they could not be read");

@@ -192,9 +192,9 @@ int waitUntil(reelhost::Feed& feed, double patience, IsThere isThere)
 {
   int wakeUps = 0;
   const double end = now() + patience;
-  for (double left = patience; left > 0; left = end - now()) {
+  while (now() < end) {
     pollfd handle{feed.waitHandle(), POLLIN, 0};
-    if (::poll(&handle, 1, static_cast<int>(left) + 1) <= 0)
+    if (::poll(&handle, 1, static_cast<int>(end - now()) + 1) <= 0)
       break;
     ++wakeUps;
     reelhost::AskAgain again = feed.readEvents();

@@ -57,9 +57,18 @@ void printStepsOf(const std::string& heading, const std::vector<app::ClipStep>& 
                {.title = "WAS", .optional = true}});
   const auto was = [](const app::Shot& shot, const app::Shot& now) {
     std::string text;
-    for (const auto part : {&app::Shot::sourceIn, &app::Shot::sourceOut, &app::Shot::recordIn, &app::Shot::recordOut})
-      if (shot.*part != now.*part)
-        text.append(text.empty() ? "" : " ").append(orDash(shot.*part));
+    const auto add = [&](const char* what, const std::string& before, const std::string& after) {
+      if (before != after)
+        text.append(text.empty() ? "" : ", ").append(what).append(" ").append(orDash(before));
+    };
+    add("source in", shot.sourceIn, now.sourceIn);
+    add("source out", shot.sourceOut, now.sourceOut);
+    add("record in", shot.recordIn, now.recordIn);
+    add("record out", shot.recordOut, now.recordOut);
+    add("transition", shot.event.transition, now.event.transition);
+    add("duration", shot.event.duration, now.event.duration);
+    const auto speedOf = [](const app::Shot& of) { return of.event.speed ? of.event.speed->framesPerSecond : ""; };
+    add("speed", speedOf(shot), speedOf(now));
     return text;
   };
   for (const auto& [before, after] : steps)

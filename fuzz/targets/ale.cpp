@@ -63,6 +63,10 @@ void requireCells(const List& list, const std::vector<std::string>& lines)
                  clip.line);
     requireEqual(withColons(clip.sourceOut), withColons(cellBelow("End", titles, row)), "the source out of line",
                  clip.line);
+    if (!clip.soundOf.empty()) {
+      requireEqual(clip.reel, cellBelow("Soundroll", titles, row), "the sound roll of line", clip.line);
+      continue;
+    }
     const std::string tape = cellBelow("Tape", titles, row);
     require(tape.empty() || sameName(tape, "AX") || sameName(tape, clip.reel), "the reel of line", clip.line, "is",
             clip.reel, "and its tape", tape);

@@ -318,8 +318,8 @@ TEST_F(History, OnlyOthersCommitsAreNamedAsSuch)
   folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n");
   reelhost::useFacility(reelhost::Facility::read(folder_.path()));
   const reelhost::Origin me = reelhost::currentOrigin();
-  EXPECT_EQ(refusal([] { undo(); }),
-            "undo: nothing to undo (by " + me.user + " on " + me.machine + "; --any includes theirs)");
+  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo (no commit by " + me.user + " on " + me.machine +
+                                         " is left; --any takes the newest of anyone)");
 }
 
 TEST_F(History, WithoutNamesOnlyACommitThatIsMeantIsTakenBack)

@@ -182,7 +182,7 @@ TEST_F(Diff, NewVersionIsComparedWithItsListAlone)
                 .find("1 shot trimmed:\n"
                       "  REEL  CLIP  TRACKS  SOURCE IN    SOURCE OUT   RECORD IN    RECORD OUT   WAS\n"
                       "  A001  ONE   V       01:00:00:05  23:00:00:00  01:00:00:00  01:00:01:00  "
-                      "01:00:00:00\n"),
+                      "source in 01:00:00:00\n"),
             std::string::npos);
 }
 
@@ -208,6 +208,19 @@ TEST_F(Diff, ShotsAtAnotherPlaceOfTheCutAreADifference)
   EXPECT_EQ(report.at("shots_changed").size(), 3u);
   EXPECT_EQ(report.at("shots_added"), Json::array());
   EXPECT_EQ(text({"one.edl"}).substr(0, 30), "3 shots elsewhere in the cut:\n");
+}
+
+TEST_F(Diff, WhatAShotWasIsNamed)
+{
+  std::string list = readFile("one.edl");
+  const std::size_t cut = list.find("  C  ");
+  ASSERT_NE(cut, std::string::npos) << list;
+  list.replace(cut, 5, "  D  012 ");
+  list.replace(list.rfind("01:00:00:00 01:00:01:00"), 23, "01:00:00:00 01:00:02:00");
+  dir_.write("one.edl", list);
+  const std::string report = text({"one.edl"});
+  EXPECT_NE(report.find("  transition C, duration -\n"), std::string::npos) << report;
+  EXPECT_NE(report.find("  record out 01:00:01:00\n"), std::string::npos) << report;
 }
 
 TEST_F(Diff, AsNamesTheListToCompareWith)

@@ -186,8 +186,9 @@ TEST_F(Export, ListIsWrittenWithItsOwnEvents)
                         "* TO CLIP NAME: KITCHEN\n"
                         "007  A001     V     C        03:00:00:00 03:00:01:00 10:00:01:00 10:00:02:00\n"
                         "008  A001     V     C        03:00:00:00 03:00:01:00 10:00:02:00 10:00:03:00\n");
-  EXPECT_EQ(result.err, "reeldb: evening.edl: notes and statements not written: 1 (the project does not keep them)\n"
-                        "reeldb: evening.edl: rejected lines not written: 1 (they could not be read)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: evening.edl: notes and statements not written: 1 (list-file show --original has them)\n"
+            "reeldb: evening.edl: rejected lines not written: 1 (they could not be read)\n");
   EXPECT_EQ(reeldb({"export", "1", "-o", "out.edl"}).out, "out.edl: 4 events\n");
   EXPECT_EQ(readFile("out.edl"), result.out);
 }
@@ -225,10 +226,11 @@ TEST_F(Export, ListAsALogNamesWhatALogHasNot)
   const ProcessResult result = reeldb({"export", "evening.edl", "--ale"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.out.substr(0, 8), "Heading\n");
-  EXPECT_EQ(result.err, "reeldb: evening.edl: notes and statements not written: 1 (the project does not keep them)\n"
-                        "reeldb: event numbers not written: 4 (a log file cannot hold them)\n"
-                        "reeldb: transitions not written: 1 (a log file cannot hold them)\n"
-                        "reeldb: speeds not written: 1 (a log file cannot hold them)\n");
+  EXPECT_EQ(result.err,
+            "reeldb: evening.edl: notes and statements not written: 1 (list-file show --original has them)\n"
+            "reeldb: event numbers not written: 4 (a log file cannot hold them)\n"
+            "reeldb: transitions not written: 1 (a log file cannot hold them)\n"
+            "reeldb: speeds not written: 1 (a log file cannot hold them)\n");
 }
 
 TEST_F(Export, LogNamesTheColumnsThatAreNotWrittenBack)
