@@ -243,8 +243,22 @@ void Project::joinReels(const Log& log)
   }
 }
 
+// To leave a few reels out is to copy the list at most once. To build it takes a look at every log.
+void Project::leaveReels(const Log& log)
+{
+  constexpr int fewReels = 16;
+  if (!std::exchange(reelsReady_, false) || ++reelsGone_ > fewReels)
+    return;
+  try {
+    reels_.remove(log.cookie);
+    reelsReady_ = true;
+  } catch (const std::bad_alloc&) {
+  }
+}
+
 const CookieVec& Project::reels()
 {
+  reelsGone_ = 0;
   if (!reelsReady_) {
     std::vector<const Log*> logs;
     for (const Log& log : logs_)
@@ -394,7 +408,7 @@ void Project::remove(Log& log)
   if (index_)
     index_->take(log);
   if (log.type == codes::reelLog)
-    reelsReady_ = false;
+    leaveReels(log);
 }
 
 History& Project::requireHistory() const

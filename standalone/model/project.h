@@ -125,6 +125,7 @@ private:
   void join(Log& log);
   void read(StoredLog&& log);
   void joinReels(const Log& log);
+  void leaveReels(const Log& log);
   void refreshIndex(Log& log);
   void dropIndex();
   void loadOthers();
@@ -185,6 +186,7 @@ private:
   CookieVec reels_;
   std::int64_t lastReel_ = 0; ///< number of the last log in reels_
   bool reelsReady_ = true;
+  int reelsGone_ = 0;                   ///< since the last call of reels()
   std::optional<AttributeIndex> index_; ///< from the first attribute search on
 
   std::vector<Log*> dirty_;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <thread>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "reelhost/display_text.h"
@@ -41,6 +42,14 @@ Database::Mode modeFor(const ProjectFile& file)
 bool isShared(Database::Mode mode)
 {
   return mode == Database::Mode::ReadWrite || mode == Database::Mode::ReadOnly;
+}
+
+FileIdentity identityOf(const std::string& path)
+{
+  struct stat status = {};
+  if (::stat(path.c_str(), &status) != 0)
+    return std::nullopt;
+  return std::pair(status.st_dev, status.st_ino);
 }
 
 } // namespace
@@ -89,7 +98,7 @@ void SqliteSession::begin(Kind kind, std::chrono::milliseconds busyTimeout, Purp
 
 void SqliteSession::open(const ProjectFile& file, Mode mode, std::chrono::milliseconds busyTimeout)
 {
-  if (database_ && (mode != mode_ || !isShared(mode) || file.path != file_.path || database_->moved()))
+  if (database_ && (mode != mode_ || !isShared(mode) || file.path != file_.path || isReplaced()))
     close();
   const bool isNew = !database_;
   if (isNew)
@@ -100,6 +109,7 @@ void SqliteSession::open(const ProjectFile& file, Mode mode, std::chrono::millis
     return;
   mode_ = mode;
   file_ = file;
+  log_.reset();
   verified_ = false;
   // Until the file has been verified, nothing may be written from its log into it.
   database_->keepLogOnClose(file.logSize > 0);
@@ -117,6 +127,8 @@ void SqliteSession::start(Kind kind, Purpose purpose)
   auto transaction = std::make_unique<Transaction>(*database_, kind);
   stored_ = tables_ = database_->integer("PRAGMA user_version"); // the first read: it takes the snapshot
   requireKnown(stored_);
+  if (isShared(mode_) && !log_)
+    log_ = identityOf(logPath());
   if (purpose == Purpose::Use && !verified_)
     verify();
   if (kind == Kind::Write && olderVersion() != 0) {
@@ -211,12 +223,24 @@ SqliteSession::Version SqliteSession::currentVersion()
   return {database_->integer("PRAGMA data_version"), 0};
 }
 
+// SQLite does not notice if its log is removed. It would read and write the removed one for ever, and write it over
+// what others have stored when it closes.
+bool SqliteSession::isReplaced()
+{
+  if (database_->moved())
+    return true;
+  if (!log_ || identityOf(logPath()) == log_)
+    return false;
+  database_->keepLogOnClose(true);
+  return true;
+}
+
 bool SqliteSession::changedElsewhere()
 {
   if (hasBegun() || !version_)
     return false;
   return guarded("cannot be read", [this] {
-    if (mode_ != Mode::Exclusive && (!database_ || database_->moved())) {
+    if (mode_ != Mode::Exclusive && (!database_ || isReplaced())) {
       close();
       version_.reset();
       return true;

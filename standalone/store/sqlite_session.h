@@ -13,12 +13,17 @@
 #include <string>
 #include <utility>
 
+#include <sys/types.h>
+
 #include "reelhost/store.h"
 #include "store/project_file.h"
 #include "store/sqlite.h"
 #include "store/sqlite_schema.h"
 
 namespace reelhost {
+
+/// The device and number of a file; empty if there is no such file.
+using FileIdentity = std::optional<std::pair<dev_t, ino_t>>;
 
 /// A use of the project is one transaction. The connection stays open between uses, for changedElsewhere.
 class SqliteSession {
@@ -79,6 +84,9 @@ private:
   void requireKnown(std::int64_t version) const;
   void close() noexcept;
   Version currentVersion();
+  std::string logPath() const { return file_.path + "-wal"; }
+  /// Whether the open database, or its write-ahead log, is no longer the one at its path. REQUIRES: a database is open.
+  bool isReplaced();
   [[noreturn]] void refuse(ErrorKind kind, const std::string& fact) const;
   Error errorFor(const char* fact, const sqlite::Failure& failure);
 
@@ -87,6 +95,7 @@ private:
   std::optional<sqlite::Database> database_;
   Mode mode_ = Mode::ReadWrite; ///< of the open database
   ProjectFile file_;            ///< as it was when it was opened
+  FileIdentity log_;            ///< the write-ahead log of the open database; empty if it is not known
   bool verified_ = false;       ///< whether the open database was
   std::unique_ptr<sqlite::Transaction> transaction_;
   std::int64_t stored_ = 0, tables_ = 0; ///< the version of the tables, as stored and as the transaction sees them

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <regex>
@@ -202,6 +203,25 @@ TEST_F(Watch, CommitRightBehindTheWriteOfAnotherProgramHidesNothing)
   output({"set", "R2", "bin=x"});
   watcher_->signal(SIGCONT);
   expectSaid("1 reel renamed, 1 reel changed\n");
+}
+
+// Somebody takes the write-ahead log away while the watch has it open.
+TEST_F(Watch, RemovedLogLosesWhatItHeldAndNothingThatComesAfterIt)
+{
+  output({"create", "R1"});
+  watch();
+  output({"create", "R2"});
+  expectSaid("new R2\n");
+  for (const char* ending : {"-wal", "-shm"})
+    std::filesystem::remove(path("projects/main.reels") + ending);
+  expectSaid("new R2\ngone R2\n");
+  output({"create", "R3"});
+  expectSaid("new R2\ngone R2\nnew R3\n");
+  watcher_->signal(SIGINT); // it does not write the removed log into the project
+  EXPECT_EQ(watcher_->wait().code, 0);
+  const Json reels = json({"list", "--json"});
+  ASSERT_EQ(reels.size(), 2u);
+  EXPECT_EQ(reels[1].at("id"), "R3");
 }
 
 TEST_F(Watch, SinceARevisionReportsWhatWasStoredAndEnds)

@@ -194,6 +194,46 @@ TEST_P(ApplyChanges, ReelThatComesBackIsThereAgain)
   EXPECT_EQ(texts(reels()), (Texts{text(first_), text(second_)}));
 }
 
+TEST_P(ApplyChanges, ReelsAreListedInOrderHoweverManyAreGoneAtOnce)
+{
+  reelhost::idle();
+  std::vector<StoredLog> logs;
+  for (std::int64_t number = 1; number <= 60; ++number)
+    logs.push_back(newLog(number, 9, "R" + std::to_string(number)));
+  elsewhere_->commitLogs(logs);
+  open();
+  reelhost::idle();
+  const auto listed = [] {
+    std::vector<std::string> ids;
+    for (const Cookie& reel : reels())
+      ids.push_back(reelIdOf(reel));
+    return ids;
+  };
+  std::vector<std::string> expected = listed();
+  ASSERT_EQ(expected.size(), 60u);
+  const CookieVec whole = reels(); // keeps what it has
+  const auto remove = [&](const std::vector<std::int64_t>& numbers) {
+    elsewhere_->remove(numbers);
+    applyChangesFromElsewhere();
+    for (const std::int64_t number : numbers)
+      std::erase(expected, "R" + std::to_string(number));
+    EXPECT_EQ(listed(), expected);
+  };
+  remove({1});
+  remove({30, 60});
+  elsewhere_->commitLogs({newLog(61, 9, "R61"), logs[29]}); // one at the end, one back in its place
+  applyChangesFromElsewhere();
+  expected.insert(std::find(expected.begin(), expected.end(), "R31"), "R30");
+  expected.push_back("R61");
+  EXPECT_EQ(listed(), expected);
+  std::vector<std::int64_t> many;
+  for (std::int64_t number = 10; number < 50; ++number)
+    many.push_back(number);
+  remove(many);
+  remove({61});
+  EXPECT_EQ(whole.count(), 60);
+}
+
 TEST_P(ApplyChanges, ShotsChangeNoReelAndAreReportedToListeners)
 {
   makeLogs();

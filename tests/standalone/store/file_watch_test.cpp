@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
+#include <sqlite3.h>
 #include <unistd.h>
 
 #include "standalone/store/support.h"
@@ -148,6 +149,31 @@ TEST_F(FileWatchTest, CommitIsNoticedHoweverLongItTakesAfterTheFirstWrite)
   ::close(pipes[1]);
 }
 
+/// Writes, and returns a while later, as a slow disk does.
+ssize_t writeSlowly(int file, const void* bytes, std::size_t size, off_t at)
+{
+  const ssize_t written = ::pwrite(file, bytes, size, at);
+  std::this_thread::sleep_for(milliseconds(150));
+  return written;
+}
+
+// Every write is reported long before the commit can be seen, the last one, too.
+TEST_F(FileWatchTest, CommitToASlowDiskIsNoticed)
+{
+  Child writer([&] {
+    sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
+    for (const char* call : {"pwrite", "pwrite64"})
+      if (system->xGetSystemCall(system, call))
+        system->xSetSystemCall(system, call, reinterpret_cast<sqlite3_syscall_ptr>(writeSlowly));
+    const auto project = makeSqliteStore(file());
+    store(*project, logChanges({exampleLog(1, 9)}));
+  });
+  EXPECT_TRUE(noticesACommit());
+  EXPECT_GT(pauses_, 0);
+  EXPECT_EQ(delta().logs.size(), 1u);
+  EXPECT_EQ(writer.waitForExit(), 0);
+}
+
 TEST_F(FileWatchTest, CommitAfterACheckpointIsNoticed)
 {
   storeElsewhere(1);
@@ -173,6 +199,33 @@ TEST_F(FileWatchTest, FileInThePlaceOfTheProjectIsNoticedAndWhole)
   storeElsewhere(1); // commits to the new file are noticed, too
   EXPECT_TRUE(noticesACommit());
   EXPECT_EQ(delta().logs.size(), 1u);
+}
+
+TEST_F(FileWatchTest, CommitsToALogThatWasRemovedAndMadeAgainAreNoticed)
+{
+  storeElsewhere(1);
+  EXPECT_TRUE(noticesACommit());
+  delta();
+  runSql(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
+  for (const char* ending : {"-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  storeElsewhere(2);
+  EXPECT_TRUE(noticesACommit());
+  EXPECT_EQ(delta().logs.size(), 1u);
+  storeElsewhere(3);
+  EXPECT_TRUE(noticesACommit());
+  EXPECT_EQ(delta().logs.size(), 1u);
+}
+
+TEST_F(FileWatchTest, OwnCommitGoesToTheLogThatWasMadeAgain)
+{
+  storeElsewhere(1);
+  runSql(file(), "PRAGMA wal_checkpoint(TRUNCATE)");
+  for (const char* ending : {"-wal", "-shm"})
+    fs::remove(file().native() + ending);
+  storeElsewhere(2);
+  store(*project_, logChanges({exampleLog(3, 9)}));
+  EXPECT_EQ(numbersOf(*makeSqliteStore(file())), (std::vector<std::int64_t>{1, 2, 3}));
 }
 
 TEST_F(FileWatchTest, ProgramThatKeepsNoHistoryIsNoticedAndWhole)
