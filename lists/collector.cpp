@@ -94,13 +94,10 @@ void removeRefutedRate(Clip& clip)
     clip.frameRate.clear();
 }
 
-/// Why the timecode of a clip does not exist in drop frame; empty if it does. Without a rate it is the lower one that
-/// has that number of frames.
-std::string dropFrameFault(const std::string& timecode, const std::string& clipRate)
+/// Why the timecode does not exist in drop frame at that rate; empty if it does, or has more frames than the rate
+/// counts.
+std::string dropFrameFault(const std::string& timecode, FrameRate rate)
 {
-  FrameRate rate = framesOf(timecode) < lowerDropFrame.frames ? lowerDropFrame : higherDropFrame;
-  if (const auto own = rateOf(clipRate); own && hasDropFrame(*own))
-    rate = *own;
   if (framesOf(timecode) >= rate.frames)
     return {}; // another fault than that of drop frame
   std::int64_t frame = 0;
@@ -208,14 +205,11 @@ void Collector::noteTiming(Clip& clip, std::string_view text)
 {
   takeDropFrame(clip);
   const auto timecodes = timecodesOf(clip);
+  removeRefutedRate(clip);
   if (clip.dropFrame) {
     dropFrame(clip.line, text);
-    for (const auto& [name, timecode] : timecodes)
-      if (hasFrames(*timecode))
-        if (const std::string fault = dropFrameFault(*timecode, clip.frameRate); !fault.empty())
-          warn(clip.line, text, std::string(name) + " " + *timecode + " does not exist (" + fault + "; kept as it is)");
+    noteDroppedLabels(clip, text);
   }
-  removeRefutedRate(clip);
   if (!clip.frameRate.empty())
     return rate(clip.frameRate, clip.line, text);
   // A clip with a rate of its own says nothing of the list.
@@ -238,15 +232,40 @@ void Collector::noteTiming(Clip& clip, std::string_view text)
   }
 }
 
+void Collector::noteDroppedLabels(const Clip& clip, std::string_view text)
+{
+  // The higher rate leaves out all labels that the lower one does.
+  for (const auto& [name, timecode] : timecodesOf(clip))
+    if (hasFrames(*timecode) && !dropFrameFault(*timecode, higherDropFrame).empty())
+      droppedLabels_.push_back({clip.line, shortened(trim(text), shownBytes), name, *timecode, clip.frameRate});
+}
+
+bool Collector::provesRate() const
+{
+  return higherDropFrame_ && mostDropFrames_ < higherDropFrame.frames;
+}
+
 void Collector::proveRate()
 {
-  if (!higherDropFrame_ || mostDropFrames_ >= higherDropFrame.frames)
+  if (!provesRate())
     return;
   for (std::vector<Clip>* clips : {&list_.clips, &list_.specialClips})
     for (Clip& clip : *clips)
       if (clip.dropFrame && clip.frameRate.empty())
         clip.frameRate = rateName(higherDropFrame);
   rate(rateName(higherDropFrame), higherDropFrame_->line, higherDropFrame_->text);
+}
+
+void Collector::warnOfDroppedLabels()
+{
+  for (DroppedLabel& label : droppedLabels_) {
+    FrameRate rate = label.clipRate.empty() && provesRate() ? higherDropFrame : lowerDropFrame;
+    if (const auto own = rateOf(label.clipRate); own && hasDropFrame(*own))
+      rate = *own;
+    if (const std::string fault = dropFrameFault(label.timecode, rate); !fault.empty())
+      list_.warnings.push_back({label.line, std::move(label.text),
+                                label.name + " " + label.timecode + " does not exist (" + fault + "; kept as it is)"});
+  }
 }
 
 const std::string& Collector::spelling(const std::string& reel) const
@@ -258,6 +277,7 @@ const std::string& Collector::spelling(const std::string& reel) const
 List Collector::finish()
 {
   proveRate();
+  warnOfDroppedLabels();
   const auto byLine = [](const auto& a, const auto& b) { return a.line < b.line; };
   std::stable_sort(list_.rejected.begin(), list_.rejected.end(), byLine);
   std::stable_sort(list_.warnings.begin(), list_.warnings.end(), byLine);

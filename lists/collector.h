@@ -8,6 +8,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 #include "lists/list.h"
 
@@ -48,13 +49,27 @@ private:
   void warnOfOrder(const Clip& clip, std::string_view text);
   /// Notes what the clip says of how its timecodes count.
   void noteTiming(Clip& clip, std::string_view text);
-  /// Gives the clips in drop frame the rate that their frames prove.
+  /// A timecode that drop frame leaves out at one of its rates.
+  struct DroppedLabel {
+    int line = 0;
+    std::string text; ///< of the line, as in Warning
+    std::string name; ///< "source in"
+    std::string timecode;
+    std::string clipRate; ///< empty if the clip has none of its own
+  };
+  void noteDroppedLabels(const Clip& clip, std::string_view text);
+  /// Whether frames prove the higher rate for the clips in drop frame without a rate.
+  bool provesRate() const;
+  /// Gives them that rate.
   void proveRate();
+  /// Only the whole list says at which rate a timecode counts.
+  void warnOfDroppedLabels();
 
   List list_;
   int mostDropFrames_ = 0; ///< of the clips in drop frame without a rate
   std::optional<Proof>
       higherDropFrame_; ///< the first timecode in drop frame, of a clip without a rate, that only the higher rate has
+  std::vector<DroppedLabel> droppedLabels_;
   std::unordered_map<std::string, std::string> spellings_; ///< folded name to the spelling used first
   std::unordered_set<std::string> otherSpellings_;         ///< reported
   std::unordered_map<std::string, std::size_t> specials_;  ///< folded text and reason to the entry

@@ -398,8 +398,11 @@ Known& Reader::lookUp(const std::string& reel)
     return known;
   if (const auto mapped = map_.find(base::fold(reel)); mapped != map_.end()) {
     known.isMapped = true;
-    known.ids = table_.find(reel).ids;
     settle(known, known.mapped, mapped->second, "the map of the list gives the name to several reels");
+    SourceMatch match = table_.find(reel); // the map names the reel, and the table still gives its ids
+    known.ids = std::move(match.ids);
+    if (known.fits.empty())
+      known.rows = std::move(match.rows);
     return known;
   }
   lookUpRows(reel, known);

@@ -721,4 +721,16 @@ TEST(Edl, SourceIdsStayWithTheClip)
       << "it counts only within its list";
 }
 
+TEST(Edl, SourceIdsOfAReelFromTheMapStayWithTheClip)
+{
+  const std::string id = "060a2b340101010101010f00-13-00-00-00-{53c08d51-33fd-b737-060e2b347f7f2a80}";
+  const std::string row = ">>> SOURCE A A " + id + "\n";
+  const Clip clip = readWhole("* REEL MAP: A = A001\n" + event("001", "A V C") + row).clips.at(0);
+  EXPECT_EQ(clip.reel, "A001");
+  EXPECT_EQ(clip.sourceId, id);
+  EXPECT_EQ(
+      readWhole("* REEL MAP: A = A001\n* REEL MAP: A = B001\n" + event("001", "A V C") + row).clips.at(0).sourceId, "")
+      << "the map does not say which reel has the id";
+}
+
 } // namespace

@@ -91,6 +91,28 @@ TEST(DropFrameOfCutList, LabelThatDoesNotExistIsKeptWithAWarning)
             "this minute; kept as it is)");
 }
 
+TEST(DropFrameOfCutList, LabelsAreCheckedAtTheRateThatFramesProve)
+{
+  const std::string events = "TITLE: X\nFCM: DROP FRAME\n" + line("001", "01:02:00:01", "01:02:05:00") +
+                             line("002", "01:02:00:03", "01:02:05:00") + line("003", "01:02:00:04", "01:02:05:00");
+  const std::string ofFour = " does not exist (drop frame leaves out the first 4 frames of this minute; kept as it is)";
+  const auto reasons = [](const std::string& text) {
+    Strings result;
+    for (const Warning& warning : read(text).warnings)
+      result.push_back(warning.reason);
+    return result;
+  };
+  EXPECT_EQ(reasons(events),
+            Strings{"source in 01:02:00:01 does not exist (drop frame leaves out the first 2 frames of this minute; "
+                    "kept as it is)"});
+  EXPECT_EQ(reasons(events + line("004", "01:03:00:56", "01:03:05:00")),
+            (Strings{"source in 01:02:00:01" + ofFour, "source in 01:02:00:03" + ofFour}));
+  EXPECT_EQ(reasons("TITLE: X\nFCM: DROP FRAME\n" + line("001", "01:02:00:03", "01:02:05:00") +
+                    "* FRAME RATE: 29.97\n" + line("002", "01:03:00:56", "01:03:05:00")),
+            Strings())
+      << "the event has a rate of its own";
+}
+
 TEST(RateOfCutList, DropFrameAbove29FramesIs5994)
 {
   const List list = read("TITLE: X\nFCM: DROP FRAME\n" + line("001", "01:00:00:00", "01:00:01:00") +
