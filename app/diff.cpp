@@ -20,9 +20,10 @@ namespace reeldb::app {
 
 namespace {
 
-lists::Format formatOf(const Shot& shot)
+/// Whether the shot seems to come from a log, which does not say where it is in a cut.
+bool isOfLog(const Shot& shot)
 {
-  return shot.recordIn.empty() && shot.recordOut.empty() ? lists::Format::Ale : lists::Format::Edl;
+  return shot.recordIn.empty() && shot.recordOut.empty();
 }
 
 class Comparison {
@@ -63,7 +64,7 @@ public:
 
   void add(const lists::List& list)
   {
-    formats_.push_back(list.format);
+    (list.format == lists::Format::Ale ? logs_ : cuts_) = true;
     for (lists::Clip clip : list.clips) {
       const NamedReel name = noteName(clip);
       clip.reel = name.reel;
@@ -82,7 +83,7 @@ public:
     std::unordered_set<std::string> told;
     for (const KnownShot& known : names_.shots()) {
       const Shot& shot = known.shot;
-      if (shot.reel.empty() || std::find(formats_.begin(), formats_.end(), formatOf(shot)) == formats_.end())
+      if (shot.reel.empty() || !(isOfLog(shot) ? logs_ : cuts_))
         continue;
       const bool named = named_.contains(base::fold(shot.reel));
       if ((named || diff_.whole) && !listed_.contains(shotKey(shot)))
@@ -141,7 +142,7 @@ private:
   std::unordered_set<std::string> reels_;          ///< the folded reels that the lists name
   std::unordered_set<std::string> named_;          ///< those of lists without a kept version
   std::unordered_set<std::string> spellings_;      ///< the spellings that were reported
-  std::vector<lists::Format> formats_;
+  bool cuts_ = false, logs_ = false;               ///< whether one of the lists is a cut, a log
   std::unordered_set<std::string> metNames_;
   std::optional<ReelNames> candidates_; ///< gathered for the first new reel
   ListDiff diff_;

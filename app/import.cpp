@@ -27,6 +27,7 @@
 #include "app/unused_shots.h"
 #include "base/ascii.h"
 #include "base/text_width.h"
+#include "lists/names.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
 
@@ -191,9 +192,11 @@ private:
   std::vector<Shot> namedClips(ImportedList& result) const
   {
     std::vector<Shot> shots;
-    std::unordered_set<std::string> met;
+    std::unordered_set<std::string> met, ofFiles;
     for (const lists::Clip& clip : result.list.clips) {
       NamedReel name = names_.find(clip);
+      if (isNamedByFile(clip) && ofFiles.insert(base::fold(name.reel)).second)
+        ++result.reelsOfFiles;
       shots.push_back(namedShot(clip, name.reel));
       if (name.reel != name.name && base::sameName(name.reel, name.name))
         noteSpelling(name, result);
@@ -201,6 +204,13 @@ private:
         result.names.push_back(std::move(name));
     }
     return shots;
+  }
+
+  /// Whether the list says no reel of the clip, but a file.
+  static bool isNamedByFile(const lists::Clip& clip)
+  {
+    return clip.evidence == lists::NameEvidence::SourceFile &&
+           (clip.event.reelText.empty() || lists::isAuxiliary(clip.event.reelText));
   }
 
   static void noteSpelling(const NamedReel& name, ImportedList& result)

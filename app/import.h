@@ -48,6 +48,7 @@ struct ImportedList {
   std::vector<TypedReels> types;    ///< of the created reels, those with a type by rule or by choice
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
   std::vector<NamedReel> names;     ///< the names of its sources, each once, in the order of the list
+  std::size_t reelsOfFiles = 0;     ///< the number of reels that its sources have by the name of their file alone
   Keeping keeping = Keeping::NotKept;
   std::int64_t keptAs = 0;             ///< the number of the kept list; 0: it is not kept
   VersionDifference difference;        ///< of a new version from the version before

@@ -5,7 +5,9 @@
 #include "lists/ale.h"
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
+#include "lists/otio.h"
 #include "lists/text.h"
+#include "lists/timeline.h"
 
 namespace reeldb::lists {
 
@@ -16,12 +18,16 @@ std::string_view wordOf(Format format)
     return "edl";
   case Format::Ale:
     return "ale";
+  case Format::Otio:
+    return "otio";
   }
   return "";
 }
 
 std::optional<Format> detectText(std::string_view text)
 {
+  if (isOtio(trimWhite(text)))
+    return Format::Otio;
   bool first = true;
   bool emptyCut = false; // nothing but notes, and numbers of events below a title
   bool titled = false;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads cut lists (CMX3600 EDL) and log exchange files (ALE): bytes in, a plain value out. It uses neither the host nor
-// the library nor files. docs/formats/edl.md and docs/formats/ale.md describe what is understood.
+// Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO): bytes in, a plain value out. It uses
+// neither the host nor the library nor files. docs/formats/ describes what is understood of each format.
 #ifndef REELDB_LISTS_LIST_H
 #define REELDB_LISTS_LIST_H
 
@@ -21,9 +21,11 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-enum class Format { Edl, Ale };
+enum class Format { Edl, Ale, Otio };
 
-/// "edl", "ale"
+inline constexpr std::array formats = {Format::Edl, Format::Ale, Format::Otio};
+
+/// "edl", "ale", "otio"
 std::string_view wordOf(Format format);
 
 /// The place of a list that gives the name of a clip's source.

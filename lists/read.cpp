@@ -9,6 +9,7 @@
 #include "lists/edl.h"
 #include "lists/encoding.h"
 #include "lists/list.h"
+#include "lists/otio.h"
 #include "lists/text.h"
 
 namespace reeldb::lists {
@@ -21,13 +22,20 @@ std::string_view whatElse(std::string_view bytes, std::string_view text)
   const auto has = [text](std::string_view word) { return text.find(word) != std::string_view::npos; };
   if (bytes.starts_with("\xD0\xCF\x11\xE0"))
     return "it is a compound file, as AAF files are";
+  if (bytes.starts_with("PK\x03\x04"))
+    return "it is a zip archive, as .otioz files are; import the content.otio in it";
+  if (bytes.starts_with("%PDF"))
+    return "it is a PDF document";
   if (has(std::string_view("\0", 1)))
     return "it holds binary data";
   text = trim(text);
   if (text.starts_with('<'))
-    return has("<xmeml") ? "it is XML: xmeml" : has("<fcpxml") ? "it is XML: FCPXML" : "it is XML";
+    return has("<xmeml")                     ? "it is XML: xmeml"
+           : has("<fcpxml")                  ? "it is XML: FCPXML"
+           : has("<hashlist") || has("<mhl") ? "it is XML: a media hash list (MHL)"
+                                             : "it is XML";
   if (text.starts_with('{') || text.starts_with('['))
-    return has("\"OTIO_SCHEMA\"") ? "it is JSON: OTIO" : "it is JSON";
+    return "it is JSON";
   const std::string_view first = text.substr(0, text.find_first_of("\r\n"));
   for (const char separator : {',', ';', '\t'})
     if (std::count(first.begin(), first.end(), separator) >= 2)
@@ -55,6 +63,19 @@ void warnOfEncoding(std::string_view text, List& list)
     }
 }
 
+List readAs(Format format, const std::string& text, const ReadOptions& options)
+{
+  switch (format) {
+  case Format::Edl:
+    return readEdl(text, options);
+  case Format::Ale:
+    return readAle(text);
+  case Format::Otio:
+    return readOtio(text);
+  }
+  return {};
+}
+
 } // namespace
 
 std::optional<Format> detect(std::string_view bytes)
@@ -68,13 +89,13 @@ List read(std::string_view bytes, const ReadOptions& options)
   if (trim(text).empty())
     throw Error("holds no text");
   if (const std::optional<Format> format = detectText(text)) {
-    List list = format == Format::Edl ? readEdl(text, options) : readAle(text);
+    List list = readAs(*format, text, options);
     warnOfEncoding(text, list);
     return list;
   }
   if (isUnmarkedUtf16(bytes))
     throw Error("UTF-16 without a byte order mark (save it as UTF-8)");
-  throw Error("neither a cut list (EDL) nor a log file (ALE) (" + std::string(whatElse(bytes, text)) + ")");
+  throw Error("not a cut list, a log file or a timeline (" + std::string(whatElse(bytes, text)) + ")");
 }
 
 std::vector<Clip> eventsOf(const List& list)

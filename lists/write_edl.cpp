@@ -21,6 +21,8 @@ namespace {
 
 constexpr std::string_view noTimecode = "00:00:00:00";
 constexpr std::string_view auxiliary = "AX";
+constexpr std::string_view generated = "GEN";
+constexpr std::string_view black = "BL";
 constexpr std::size_t channelColumns = 5;
 constexpr std::size_t timecodeColumns = 11;
 constexpr std::size_t durationColumns = 3;
@@ -32,7 +34,12 @@ std::string_view placeholderName(const Clip& clip)
     return {};
   if (!placeholderReason(clip.reel).empty())
     return clip.reel;
-  return specialReason(clip.reel).empty() ? auxiliary : std::string_view();
+  if (clip.special == gapReason)
+    return black;
+  if (!specialReason(clip.reel).empty())
+    return {};
+  // AX with a name would be read as a reel.
+  return ownNameWithoutTape(clip.sourceFile, clip.clipName).name.empty() ? auxiliary : generated;
 }
 
 /// Whether the clip is AX in its list, and is read as the same reel when it is AX again.

@@ -416,7 +416,7 @@ void describe(Io& io, R& imported)
   if constexpr (Io::writes) {
     io.json()["format"] = lists::wordOf(list.format);
   } else {
-    list.format = io.json().at("format") == lists::wordOf(lists::Format::Edl) ? lists::Format::Edl : lists::Format::Ale;
+    list.format = fromWord(io.json().at("format"), lists::formats);
   }
   io("title", list.title);
   io("clips", imported.clips);
@@ -433,6 +433,7 @@ void describe(Io& io, R& imported)
   io("types", imported.types);
   io("matched", imported.matched);
   io("names", imported.names);
+  io("reels_of_files", imported.reelsOfFiles);
   io("special", list.specials);
   io("spellings", list.spellings);
   io("ambiguous", list.ambiguous);

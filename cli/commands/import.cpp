@@ -92,13 +92,14 @@ void addImport(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "import",
-       .description = "Import cut lists and log files, and make a reel for every source in them",
+       .description = "Import cut lists, log files and timelines, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
                     "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
                     "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale"},
        .details =
-           "Reads cut lists (CMX3600 EDL) and log exchange files (ALE); their content shows which they are. Every\n"
-           "clip becomes a shot. A shot that has the same reel, clip name, source in, source out and tracks as\n"
+           "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO); their content shows which\n"
+           "they are. Every clip becomes a shot. A source without a reel name is named by its file. A shot that has "
+           "the same reel, clip name, source in, source out and tracks as\n"
            "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
            "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"
            "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"

@@ -22,6 +22,8 @@ std::string_view lineName(lists::Format format)
     return "event";
   case lists::Format::Ale:
     return "row";
+  case lists::Format::Otio:
+    return "item";
   }
   return "";
 }
@@ -137,6 +139,8 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
     result +=
         fmt::format("  same reel, other spelling: {} is {}\n", displayText(spelling.other), displayText(spelling.reel));
   result += namesText(imported.names, columns);
+  if (imported.reelsOfFiles > 0)
+    result += fmt::format("  {} from file names\n", counted(imported.reelsOfFiles, "reel"));
   for (const lists::Ambiguous& ambiguous : list.ambiguous)
     result += ambiguousText(ambiguous);
   result += remarksText(did(mood, "kept") + " with a warning", list.warnings);

@@ -139,7 +139,7 @@ void addReelsOf(CommandLine& line)
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");
-  command.text("--file", options->file, "The clips of this cut list or log file").shownAs("FILE");
+  command.text("--file", options->file, "The clips of this cut list, log file or timeline").shownAs("FILE");
   addNameOptions(command, options->names);
   command.json(options->json);
 }

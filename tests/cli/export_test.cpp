@@ -105,7 +105,7 @@ protected:
     for (Json& event : events)
       for (const char* key : {"line", "reel_text", "reel_field", "own_name_may_be_cut"})
         event.erase(key);
-    return withoutNames(std::move(events));
+    return events;
   }
 
   /// The reels and shots with all that the project keeps of them, but their numbers.

@@ -355,7 +355,7 @@ TEST_F(Import, EveryFileThatCannotBeReadIsNamed)
   EXPECT_EQ(result.code, 3) << "the worse of the two";
   EXPECT_EQ(result.out, "");
   EXPECT_EQ(result.err, "reeldb: missing.edl: cannot be opened (No such file or directory)\n"
-                        "reeldb: noise.edl: neither a cut list (EDL) nor a log file (ALE) (it has no event line and no "
+                        "reeldb: noise.edl: not a cut list, a log file or a timeline (it has no event line and no "
                         "Heading or Column)\n"
                         "reeldb: import: nothing imported (2 of 3 files cannot be read)\n");
   result = reeldb({"import", "--json", "lost.edl", "cut.edl"});

@@ -32,24 +32,26 @@ TEST(Read, NothingIsAnError)
 TEST(Read, NeitherFormatIsAnError)
 {
   EXPECT_EQ(failure("hello\n"),
-            "neither a cut list (EDL) nor a log file (ALE) (it has no event line and no Heading or Column)");
+            "not a cut list, a log file or a timeline (it has no event line and no Heading or Column)");
   EXPECT_EQ(failure(std::string_view("\x7F"
                                      "ELF\0\0x",
                                      7)),
-            "neither a cut list (EDL) nor a log file (ALE) (it holds binary data)");
+            "not a cut list, a log file or a timeline (it holds binary data)");
 }
 
 TEST(Read, OtherFormatsAreNamed)
 {
   const auto fact = [](std::string_view bytes) {
     const std::string all = failure(bytes);
-    const std::string start = "neither a cut list (EDL) nor a log file (ALE) (";
+    const std::string start = "not a cut list, a log file or a timeline (";
     return all.rfind(start, 0) == 0 ? all.substr(start.size(), all.size() - start.size() - 1) : all;
   };
   EXPECT_EQ(fact("<?xml version=\"1.0\"?>\n<!DOCTYPE xmeml>\n<xmeml version=\"5\">"), "it is XML: xmeml");
   EXPECT_EQ(fact("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<fcpxml version=\"1.9\">"), "it is XML: FCPXML");
   EXPECT_EQ(fact("<html>"), "it is XML");
-  EXPECT_EQ(fact("{\n  \"OTIO_SCHEMA\": \"Timeline.1\"}"), "it is JSON: OTIO");
+  EXPECT_EQ(fact("PK\x03\x04..."), "it is a zip archive, as .otioz files are; import the content.otio in it");
+  EXPECT_EQ(fact("%PDF-1.7\n"), "it is a PDF document");
+  EXPECT_EQ(fact("<?xml version=\"1.0\"?>\n<hashlist version=\"1.1\">"), "it is XML: a media hash list (MHL)");
   EXPECT_EQ(fact("[1]"), "it is JSON");
   EXPECT_EQ(fact(std::string_view("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1\0\0", 10)),
             "it is a compound file, as AAF files are");

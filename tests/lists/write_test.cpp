@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "lists/names.h"
 #include "lists/short_names.h"
 #include "support.h"
 
@@ -235,6 +236,26 @@ TEST(WriteEdlEvents, BlackAndAxStayWhatTheyAre)
   EXPECT_NE(text.find("001  AX       V     D    024 "), std::string::npos) << text;
   EXPECT_NE(text.find("003  AX       V     C "), std::string::npos) << text;
   EXPECT_EQ(text.find("REEL MAP"), std::string::npos) << text;
+}
+
+TEST(WriteEdlEvents, GapsAreBlackAndNamedClipsWithoutASourceAreGenerated)
+{
+  Clip gap, title;
+  gap.reel = "gap";
+  gap.special = gapReason;
+  title.reel = title.clipName = "Opening";
+  title.special = nestedReason;
+  for (Clip* clip : {&gap, &title}) {
+    clip->tracks = "V";
+    clip->sourceIn = clip->recordIn = "01:00:00:00";
+    clip->sourceOut = clip->recordOut = "01:00:01:00";
+  }
+  const List list = read(writeEdl("cut", {gap, title}, 8).text);
+  ASSERT_EQ(list.specialClips.size(), 2U);
+  EXPECT_EQ(list.specialClips[0].special, "black");
+  EXPECT_EQ(list.specialClips[1].special, "generated");
+  EXPECT_EQ(list.specialClips[1].clipName, "Opening");
+  EXPECT_TRUE(list.clips.empty());
 }
 
 TEST(WriteEdlEvents, AStarIsSpecialAgain)

@@ -112,6 +112,7 @@ ImportReport sampleImport()
   imported.list.timing.dropFrame = {"drop frame", 2, "FCM: DROP FRAME"};
   imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
   imported.list.timing.frames = 56;
+  imported.reelsOfFiles = 2;
   imported.names = {
       {"SHORT", lists::NameEvidence::ReelNote, true, "11", "SHORT_1", lists::Match::Cut, {}, {}},
       {"C", lists::NameEvidence::ReelText, true, "", "C", lists::Match::Itself, {"C1", "C2"}, {"C1.mov"}}};
@@ -142,6 +143,7 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
          "source_id": "11", "perhaps": [], "clip_names": []},
         {"name": "C", "reel": "C", "match": "itself", "evidence": "reel", "may_be_cut": true, "source_id": "",
          "perhaps": ["C1", "C2"], "clip_names": ["C1.mov"]}],
+      "reels_of_files": 2,
      "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
      "spellings": [{"reel": "A", "other": "a"}],
      "ambiguous": [{"reel": "SHORT", "reason": "stands for several sources", "names": ["SHORT_1", "SHORT_2"],
