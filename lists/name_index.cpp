@@ -77,8 +77,10 @@ public:
     parents_.resize(count);
     std::iota(parents_.begin(), parents_.end(), Index{0});
     anchors_.resize(count);
-    for (Index i = 0; i < count; ++i)
-      anchors_[i] = {std::nullopt, sources()[i].id, nameOf(i).whole};
+    for (Index i = 0; i < count; ++i) {
+      const bool namesReel = nameOf(i).given && nameOf(i).sources.size() == 1;
+      anchors_[i] = {namesReel ? std::optional(sources()[i].name) : std::nullopt, sources()[i].id, nameOf(i).whole};
+    }
   }
 
   void run()
@@ -280,7 +282,7 @@ private:
   {
     std::map<Index, Index> byRoot;
     for (const Index each : found)
-      if (!differ(source, each))
+      if (!isSetApart(each) && !differ(source, each))
         byRoot.try_emplace(rootOf(each), each);
     Indexes reels;
     for (const auto& [root, each] : byRoot)
@@ -512,6 +514,13 @@ void NameIndex::decide(std::string_view name, std::string_view reel)
   const std::size_t target = indexOf(reel);
   names_[decided].target = target;
   names_[target].whole = true;
+}
+
+void NameIndex::nameReel(std::string_view name)
+{
+  Name& given = names_[indexOf(name)];
+  given.whole = true;
+  given.given = true;
 }
 
 void NameIndex::settle()

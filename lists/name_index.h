@@ -64,8 +64,14 @@ public:
   void add(const NameUse& use);
 
   /// Notes that a person decided that the name is that reel: its own reel, if both are equal. No rule joins two reels
-  /// that are decided, and no rule parts what is decided. REQUIRES: settle() was not called; a name is decided once.
+  /// that are decided, no rule parts what is decided, and no short form follows a name that is decided to be its own
+  /// reel. REQUIRES: settle() was not called; a name is decided once.
   void decide(std::string_view name, std::string_view reel);
+
+  /// Notes that a person gave a reel this name: the name is whole and names its reel, and no rule joins two reels that
+  /// have such names. Short forms follow it. A name with several source ids is several reels nevertheless.
+  /// REQUIRES: settle() was not called.
+  void nameReel(std::string_view name);
 
   /// Works the reels out. To be called once.
   void settle();
@@ -81,6 +87,7 @@ private:
     std::string form;     ///< nameForm()
     bool whole = false;   ///< whether a use is whole
     bool bare = false;    ///< whether a use has no source id
+    bool given = false;   ///< whether a person gave it to a reel
     std::set<std::string> ids, clipNames;
     std::optional<std::size_t> target; ///< the name of the reel that it is decided to be
     std::vector<std::size_t> sources;  ///< indexes; several if the name has several source ids

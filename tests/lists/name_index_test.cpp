@@ -251,6 +251,56 @@ TEST(NameIndex, DecisionJoinsDifferentSourceIds)
   EXPECT_EQ(reelOf(index, "A"), "B");
 }
 
+/// The index of names, of which people gave some to reels.
+NameIndex indexWithReels(const Uses& uses, const Strings& given, const Decisions& decisions = {})
+{
+  NameIndex index;
+  for (const Use& use : uses)
+    index.add({use.name, use.mayBeCut, use.id, use.clipName});
+  for (const std::string& name : given)
+    index.nameReel(name);
+  for (const auto& [name, reel] : decisions)
+    index.decide(name, reel);
+  index.settle();
+  return index;
+}
+
+TEST(NameIndex, NameThatAPersonGaveAReelIsWhole)
+{
+  const NameIndex index = indexWithReels({cut(cutName), whole(longName)}, {cutName});
+  EXPECT_EQ(reelOf(index, cutName), cutName);
+  EXPECT_EQ(reelOf(index, longName), longName);
+}
+
+TEST(NameIndex, OtherFormsFollowANameThatAPersonGaveAReel)
+{
+  const NameIndex index = indexWithReels({cut(cutName), whole("X"), whole("X.MOV")}, {longName, "X.MOV"});
+  EXPECT_EQ(reelOf(index, cutName), longName);
+  EXPECT_EQ(reelOf(index, "X"), "X.MOV");
+}
+
+TEST(NameIndex, TwoNamesThatPeopleGaveReelsAreNeverJoined)
+{
+  const NameIndex index = indexWithReels({{"A", false, "1"}, {"B", false, "1"}}, {"A", "B", "X.MOV", "X.MXF"});
+  EXPECT_EQ(reelOf(index, "A"), "A");
+  EXPECT_EQ(reelOf(index, "B"), "B");
+  EXPECT_EQ(reelOf(index, "X.MOV"), "X.MOV");
+  EXPECT_EQ(reelOf(index, "X.MXF"), "X.MXF");
+}
+
+TEST(NameIndex, NameThatAPersonGaveAReelJoinsNoTwoSourceIds)
+{
+  const NameIndex index = indexWithReels({{"A", false, "1"}, {"A", false, "2"}}, {"A"});
+  EXPECT_NE(reelOf(index, "A", "1"), reelOf(index, "A", "2"));
+}
+
+TEST(NameIndex, ShortFormDoesNotFollowANameThatIsDecidedToBeItself)
+{
+  const NameIndex index = indexWithReels({cut(cutName), whole(longName)}, {}, {{longName, longName}});
+  EXPECT_EQ(reelOf(index, cutName), cutName);
+  EXPECT_EQ(reelOf(index, longName), longName);
+}
+
 TEST(NameIndex, ExactRulesJoinOnlyTheSameNameAndWhatIsDecided)
 {
   const NameIndex index =
