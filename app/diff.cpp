@@ -26,20 +26,29 @@ bool isOfLog(const Shot& shot)
   return shot.recordIn.empty() && shot.recordOut.empty();
 }
 
+/// The kept list with which each file is compared, if there is one.
+using KeptVersions = std::vector<std::optional<reelhost::KeptList>>;
+
 class Comparison {
 public:
-  Comparison(Session& session, const std::vector<ListFile>& files, bool whole, lists::NameRules rules)
+  /// Lets the clips of lists with a kept version name their sources as a person decided.
+  Comparison(Session& session, std::vector<ListFile>& files, const KeptVersions& versions, bool whole,
+             lists::NameRules rules)
       : session_(session), names_(session, rules)
   {
     diff_.whole = whole;
-    for (const ListFile& file : files)
-      for (const lists::Clip& clip : file.list.clips)
+    for (std::size_t i = 0; i < files.size(); ++i)
+      for (lists::Clip& clip : files[i].list.clips) {
+        if (versions[i])
+          names_.read(versions[i]->number, clip);
         names_.add(clip);
+      }
     names_.settle();
     if (rules == lists::NameRules::All)
       diff_.moves = names_.moveShots(); // in memory, as an import would do it
     for (const KnownShot& known : names_.shots())
-      there_.insert(shotKey(known.shot));
+      for (std::string& key : names_.keysOf(known.shot))
+        there_.insert(std::move(key));
   }
 
   /// Compares the list with its kept version.
@@ -49,7 +58,8 @@ public:
     for (const reelhost::ListEvent& event : reelhost::eventsOfList(kept.number))
       before.push_back(named(clipFrom(event)));
     for (const Shot& clip : list.clips)
-      after.push_back(named(clip));
+      if (Shot shot = named(clip); !isDeleted(shot))
+        after.push_back(std::move(shot));
     VersionDifference found = difference(before, after);
     for (const Shot& shot : found.added)
       addReel(noteName(shot));
@@ -71,7 +81,7 @@ public:
       addReel(name);
       named_.insert(base::fold(name.reel));
       const std::string key = shotKey(clip);
-      if (listed_.insert(key).second && !there_.contains(key))
+      if (listed_.insert(key).second && !there_.contains(key) && !isDeleted(clip))
         diff_.added.push_back(clip);
     }
     for (const lists::Spelling& spelling : list.spellings)
@@ -86,7 +96,7 @@ public:
       if (shot.reel.empty() || !(isOfLog(shot) ? logs_ : cuts_))
         continue;
       const bool named = named_.contains(base::fold(shot.reel));
-      if ((named || diff_.whole) && !listed_.contains(shotKey(shot)))
+      if ((named || diff_.whole) && !isListed(shot))
         diff_.missing.push_back(shot);
       if (!named && diff_.whole && told.insert(base::fold(shot.reel)).second)
         diff_.goneReels.push_back(spellingOf(shot.reel).value_or(shot.reel));
@@ -95,6 +105,15 @@ public:
   }
 
 private:
+  /// Whether an import would leave the clip out.
+  bool isDeleted(const Shot& shot) const { return names_.isDeleted(shot) && !there_.contains(shotKey(shot)); }
+
+  bool isListed(const Shot& shot) const
+  {
+    const std::vector<std::string> keys = names_.keysOf(shot);
+    return std::any_of(keys.begin(), keys.end(), [&](const std::string& key) { return listed_.contains(key); });
+  }
+
   std::optional<std::string> spellingOf(const std::string& id)
   {
     ReelDbRec record = session_.manager().getReelInfo(hostText(id));
@@ -150,26 +169,25 @@ private:
 
 } // namespace
 
-ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
-                      const std::optional<std::string>& as, lists::NameRules rules)
+ListDiff compareLists(Session& session, std::vector<ListFile> files, bool whole, const std::optional<std::string>& as,
+                      lists::NameRules rules)
 {
   return guarded([&] {
     if (as && (whole || files.size() != 1))
       throw Error(ErrorKind::Invalid, "diff: --as compares one file with one list");
-    Comparison comparison(session, files, whole, rules);
-    std::vector<std::optional<std::int64_t>> versions;
-    for (const ListFile& file : files) {
-      const std::optional<reelhost::KeptList> kept = as      ? listNamed(*as)
-                                                     : whole ? std::nullopt
-                                                             : versionOf(file, reelhost::digestOf(file.bytes));
-      versions.push_back(kept ? std::optional(kept->number) : std::nullopt);
-      if (kept)
-        comparison.compare(file.list, *kept);
+    KeptVersions versions;
+    for (const ListFile& file : files)
+      versions.push_back(as ? listNamed(*as) : whole ? std::nullopt : versionOf(file, reelhost::digestOf(file.bytes)));
+    Comparison comparison(session, files, versions, whole, rules);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      if (versions[i])
+        comparison.compare(files[i].list, *versions[i]);
       else
-        comparison.add(file.list);
+        comparison.add(files[i].list);
     }
     ListDiff diff = comparison.finish();
-    diff.versions = std::move(versions);
+    for (const std::optional<reelhost::KeptList>& version : versions)
+      diff.versions.push_back(version ? std::optional(version->number) : std::nullopt);
     for (const ListFile& file : files) {
       diff.files.push_back(file.path);
       for (const lists::Rejected& line : file.list.rejected)

@@ -63,7 +63,7 @@ struct ListDiff {
 /// is missing if one of these lists names its reel but none the shot. With @p whole the lists are complete: shots of
 /// any reel can be missing, and a reel is gone if all of its shots of these kinds are missing. The names of the lists
 /// are matched by @p rules.
-ListDiff compareLists(Session& session, const std::vector<ListFile>& files, bool whole,
+ListDiff compareLists(Session& session, std::vector<ListFile> files, bool whole,
                       const std::optional<std::string>& as = {}, lists::NameRules rules = lists::NameRules::All);
 
 } // namespace reeldb::app

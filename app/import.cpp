@@ -13,6 +13,7 @@
 
 #include "ReelDbClient.h"
 #include "ReelDbManager.h"
+#include "app/decisions.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/kept_events.h"
@@ -27,6 +28,7 @@
 #include "app/unused_shots.h"
 #include "base/ascii.h"
 #include "base/text_width.h"
+#include "lists/name_forms.h"
 #include "lists/names.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
@@ -36,6 +38,17 @@ namespace reeldb::app {
 namespace {
 
 constexpr int noDevice = -1;
+
+/// What an import decides of a name in one of its files, by the place of the file.
+struct Decided {
+  std::size_t file = 0;
+  std::string name, reel;
+
+  bool operator==(const Decided&) const = default;
+};
+
+/// In the place of the number of a shot: the clip has none, because a person deleted it.
+constexpr std::int64_t leftOut = -1;
 
 /// Receives the reels that the library creates.
 class CreatedReels : public ReelDbClient {
@@ -87,11 +100,15 @@ KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, 
 class Importer {
 public:
   /// Reads the names of the project and of the lists, and moves the shots that get another reel by them.
-  Importer(Session& session, const std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing,
+  Importer(Session& session, std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing,
            const Treatment& treatment)
       : manager_(session.manager()), progress_(progress), replacing_(replacing), type_(treatment.type),
-        rate_(projectRate()), names_(session, treatment.rules)
+        others_(treatment.others), rate_(projectRate()), names_(session, treatment.rules)
   {
+    if (names_.readsLists() || !others_.empty())
+      for (std::size_t i = 0; i < files.size(); ++i)
+        readAsDecided(files[i], i);
+    requireOthersMet();
     for (const Cookie& log : manager_.reelList)
       lastBefore_ = std::max(lastBefore_, reelhost::logNumber(log));
     for (const KnownShot& known : names_.shots())
@@ -110,6 +127,7 @@ public:
         names_.adopt(place, *clip);
     }
     names_.settle();
+    requireOthersApart();
     if (treatment.rules == lists::NameRules::All)
       moves_ = names_.moveShots();
     std::vector<LightweightString<char>> ids;
@@ -117,8 +135,14 @@ public:
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
     shots_ = names_.shots();
-    for (std::size_t i = 0; i < shots_.size(); ++i)
-      byKey_.emplace(shotKey(shots_[i].shot), i);
+    std::vector<std::pair<std::string, std::size_t>> otherKeys; // a shot that lies in the reel of the key goes first
+    for (std::size_t i = 0; i < shots_.size(); ++i) {
+      std::vector<std::string> keys = names_.keysOf(shots_[i].shot);
+      byKey_.emplace(std::move(keys.front()), i);
+      for (std::size_t other = 1; other < keys.size(); ++other)
+        otherKeys.emplace_back(std::move(keys[other]), i);
+    }
+    byKey_.insert(otherKeys.begin(), otherKeys.end());
   }
 
   const std::vector<ReelMove>& moves() const { return moves_; }
@@ -150,9 +174,18 @@ public:
     for (std::size_t i = 0; i < clips.size(); ++i) {
       const Shot& clip = clips[i];
       const std::int64_t known = places[i] ? before.shots[*places[i]] : 0;
-      const std::string reel = known == 0 ? clip.reel : shots_[placeOf(known)].shot.reel;
-      const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       std::string key = shotKey(clip);
+      const auto same = known == 0 ? byKey_.find(key) : byKey_.end();
+      if (known == 0 && same == byKey_.end() && names_.isDeleted(clip)) {
+        shots.push_back(leftOut);
+        ++result.shotsLeftOut;
+        advance();
+        continue;
+      }
+      const std::string reel = known != 0             ? shots_[placeOf(known)].shot.reel
+                               : same != byKey_.end() ? shots_[same->second].shot.reel
+                                                      : clip.reel;
+      const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       const bool repeated = !metShots.insert(key).second;
       const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
       if (known != 0 && before.list.digest != digest)
@@ -170,8 +203,13 @@ public:
     }
     if (reelhost::keepsLists())
       keep(name, digest, std::move(file.bytes), before, shots, result);
+    keepOthers(imported_++, result.keptAs);
     if (result.keeping == Keeping::NewVersion) {
-      result.difference = difference(before.clips, clips);
+      std::vector<Shot> brought;
+      for (std::size_t i = 0; i < clips.size(); ++i)
+        if (shots[i] != leftOut)
+          brought.push_back(clips[i]);
+      result.difference = difference(before.clips, brought);
       replacedShots_.insert(before.shots.begin(), before.shots.end());
     }
     if (rate_)
@@ -188,6 +226,76 @@ public:
   std::int64_t lastBefore() const { return lastBefore_; }
 
 private:
+  /// Lets the clips name their sources as a person decided, and as this import does.
+  void readAsDecided(ListFile& file, std::size_t place)
+  {
+    const std::optional<reelhost::KeptList> kept =
+        reelhost::keepsLists() ? listReplacedBy(file, reelhost::digestOf(file.bytes), replacing_) : std::nullopt;
+    for (lists::Clip& clip : file.list.clips) {
+      if (kept)
+        names_.read(kept->number, clip);
+      const OtherReel* const other = otherReelOf(clip);
+      if (!other)
+        continue;
+      if (kept)
+        throw Error(ErrorKind::Refused,
+                    fmt::format("{}: list {} of the project already (reeldb split --list {} parts it)",
+                                base::shortText(file.path), kept->number, kept->number));
+      const Decided decided{place, ownNameOf(clip), other->reel};
+      if (std::find(decided_.begin(), decided_.end(), decided) == decided_.end())
+        decided_.push_back(decided);
+      giveName(clip, other->reel);
+    }
+  }
+
+  const OtherReel* otherReelOf(const lists::Clip& clip) const
+  {
+    const auto found = std::find_if(others_.begin(), others_.end(), [&](const OtherReel& other) {
+      return base::sameName(other.name, ownNameOf(clip)) || base::sameName(other.name, clip.event.reelText);
+    });
+    return found == others_.end() ? nullptr : &*found;
+  }
+
+  /// Throws Error unless each of the other reels is new, and clips have its name.
+  void requireOthersMet()
+  {
+    if (!others_.empty())
+      requireKeepsLists();
+    for (const OtherReel& other : others_) {
+      if (names_.hasRecord(other.reel))
+        throw Error(ErrorKind::Refused, fmt::format("{}: a reel has this name (choose another name for the new reel)",
+                                                    base::shortText(other.reel)));
+      if (std::none_of(decided_.begin(), decided_.end(),
+                       [&](const Decided& decided) { return base::sameName(decided.reel, other.reel); }))
+        throw Error(ErrorKind::Refused,
+                    fmt::format("{}: no clip of the lists has this reel", base::shortText(other.name)));
+      names_.setApart(other.reel);
+    }
+  }
+
+  /// Throws Error if other lists would mean a new reel by the name that it had.
+  void requireOthersApart() const
+  {
+    for (const Decided& decided : decided_)
+      if (lists::isSameName(decided.name, decided.reel) || base::sameName(names_.find(decided.name).reel, decided.reel))
+        throw Error(ErrorKind::Refused, fmt::format("{}: in lists the same name as {} (choose another name)",
+                                                    base::shortText(decided.reel), base::shortText(decided.name)));
+  }
+
+  /// Keeps what this import decided for the list of that place.
+  void keepOthers(std::size_t place, std::int64_t list)
+  {
+    for (const Decided& each : decided_) {
+      if (each.file != place)
+        continue;
+      ReelDbRec record = requireReel(manager_, each.reel);
+      Decisions decisions = decisionsOf(record);
+      decisions.isApart = true;
+      decisions.inLists.push_back({list, each.name, each.reel});
+      keepDecisions(record, decisions);
+    }
+  }
+
   /// The clips as the shots that they become, with the reels of their names, which the result gets.
   std::vector<Shot> namedClips(ImportedList& result) const
   {
@@ -323,7 +431,8 @@ private:
     list.title = result.list.title;
     list.format = lists::wordOf(result.list.format);
     for (std::size_t i = 0; i < shots.size(); ++i)
-      list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
+      if (shots[i] != leftOut)
+        list.events.push_back(eventFrom(result.list.clips[i], shots[i]));
     for (const lists::Clip& clip : result.list.specialClips)
       list.events.push_back(eventFrom(clip, 0));
     const auto isBefore = [](const auto& one, const auto& other) { return one.line < other.line; };
@@ -362,7 +471,10 @@ private:
   std::optional<std::string> type_;               ///< chosen for all new reels
   std::unordered_map<std::string, ReelUse> uses_; ///< of the reels that the list may need, by folded identifier
   std::string newType_;                           ///< of the reel that is being created; empty: the project's default
-  std::optional<lists::FrameRate> rate_;          ///< of the project
+  const std::vector<OtherReel>& others_;
+  std::vector<Decided> decided_;
+  std::size_t imported_ = 0;             ///< number of files
+  std::optional<lists::FrameRate> rate_; ///< of the project
   ProjectNames names_;
   std::vector<ReelMove> moves_;
   /// The spelling of each reel by its folded identifier. It saves lookups, each of which opens every reel log.
@@ -383,6 +495,24 @@ std::optional<std::string> reelOfDefaultType(const ImportedList& imported)
   const auto found = std::find_if(imported.created.begin(), imported.created.end(),
                                   [&](const std::string& id) { return !typed.contains(id); });
   return found == imported.created.end() ? std::nullopt : std::optional(*found);
+}
+
+/// The same with checked identifiers, and with the only name of the files where none is given.
+std::vector<OtherReel> checkedReels(std::vector<OtherReel> others, const std::vector<ListFile>& files)
+{
+  for (OtherReel& other : others) {
+    other.reel = checkedReelName(other.reel);
+    if (!other.name.empty())
+      continue;
+    for (const ListFile& file : files)
+      for (const lists::Clip& clip : file.list.clips) {
+        if (!other.name.empty() && !base::sameName(other.name, ownNameOf(clip)))
+          throw Error(ErrorKind::Invalid, fmt::format("{0}: the lists have several reels (say which: --as-new {1}={0})",
+                                                      base::shortText(other.reel), base::shortText(other.name)));
+        other.name = ownNameOf(clip);
+      }
+  }
+  return others;
 }
 
 } // namespace
@@ -414,9 +544,11 @@ bool ImportReport::rejectedLines() const
 }
 
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,
-                         const Replacing& replacing, const Treatment& treatment)
+                         const Replacing& replacing, const Treatment& asked)
 {
   return guarded([&] {
+    Treatment treatment = asked;
+    treatment.others = checkedReels(asked.others, files);
     if (replacing.byName || replacing.list)
       requireKeepsLists();
     if (replacing.list && files.size() != 1)

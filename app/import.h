@@ -43,6 +43,7 @@ struct ImportedList {
   std::size_t clips = 0;
   std::size_t shotsAdded = 0;
   std::size_t shotsThere = 0;       ///< clips whose shot already existed, from another list or earlier in this one
+  std::size_t shotsLeftOut = 0;     ///< clips whose shot a person deleted
   std::size_t shotsRepeated = 0;    ///< the part of shotsThere whose shot came earlier in this list
   std::vector<std::string> created; ///< identifiers of the reels that were created, in order
   std::vector<TypedReels> types;    ///< of the created reels, those with a type by rule or by choice
@@ -78,6 +79,12 @@ struct Replacing {
   std::optional<std::string> list = {}; ///< this one, as requireList reads it; for an import of one list
 };
 
+/// A name of the imported lists that is another source than in the project.
+struct OtherReel {
+  std::string name; ///< the reel text or the name of clips; empty: the only name in the lists
+  std::string reel; ///< the identifier that the source gets
+};
+
 /// How an import treats what it reads.
 struct Treatment {
   /// How the names of the lists are matched. NameRules::Exact moves no shot of the project; it does not keep what it
@@ -85,6 +92,8 @@ struct Treatment {
   lists::NameRules rules = lists::NameRules::All;
   /// The type of all reels that the import makes; empty: the rules of the facility decide, then the project's default.
   std::optional<std::string> type = {};
+  /// Names that are other sources than in the project.
+  std::vector<OtherReel> others = {};
 };
 
 /// Reports every new clip to the host as imported material; the library creates the reels. The reel of a clip follows
@@ -93,11 +102,13 @@ struct Treatment {
 /// same shot is not added twice. The project keeps each list with its bytes and its events. A list whose bytes it keeps
 /// already is not kept twice, and its clips are the shots that they became then, whatever their reels are called now. A
 /// list that is replaced gives its place to the new version; clips that are in both keep their shots. Shots and reels
-/// that only the old version named, and that imports alone made and changed, are deleted. The import is one
-/// transaction. A new reel gets the type that the treatment or a rule of the facility says, and the channels of that
-/// type. With @p dryRun nothing is stored, and the report contains what would be stored. If it throws Error (NotFound
-/// for a type that the catalogue does not have), nothing is stored. REQUIRES: a session for writing, unless it is a dry
-/// run.
+/// that only the old version named, and that imports alone made and changed, are deleted. A clip of one of the other
+/// reels of the treatment is of that new reel, now and in later versions of its list. A shot that a person moved is the
+/// same shot still, and one that a person deleted does not come back. The import is one transaction. A new reel gets
+/// the type that the treatment or a rule of the facility says, and the channels of that type. With @p dryRun nothing is
+/// stored, and the report contains what would be stored. If it throws Error, nothing is stored: NotFound for a type
+/// that the catalogue does not have; Invalid or Refused for one of the other reels if no clip has its name, if the reel
+/// exists, or if the project keeps the list already. REQUIRES: a session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
                          const Replacing& replacing = {}, const Treatment& treatment = {});
 

@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include "app/decisions.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/project_names.h"
@@ -52,6 +53,8 @@ std::string_view wordOf(Reason reason)
     return "exact";
   case Reason::Case:
     return "case";
+  case Reason::Given:
+    return "given";
   case Reason::Cut:
     return "cut";
   case Reason::Alias:
@@ -64,7 +67,8 @@ std::string_view wordOf(Reason reason)
   return "";
 }
 
-void ReelNames::addReel(const std::string& id, const std::vector<std::string>& oldNames)
+void ReelNames::addReel(const std::string& id, const std::vector<std::string>& oldNames,
+                        const std::vector<std::string>& given)
 {
   const std::size_t entry = entries_.size();
   entries_.push_back({id, true});
@@ -72,6 +76,8 @@ void ReelNames::addReel(const std::string& id, const std::vector<std::string>& o
   byId_.try_emplace(folded, entry);
   link(folded, entry, Reason::Case);
   linkCuts(id, entry, Reason::Cut);
+  for (const std::string& name : given)
+    link(base::fold(name), entry, Reason::Given);
   for (const std::string& name : oldNames) {
     link(base::fold(name), entry, Reason::OldName);
     linkCuts(name, entry, Reason::OldName);
@@ -147,7 +153,7 @@ ReelNames knownNames(Session& session)
     for (const Cookie& log : session.manager().reelList) {
       ReelDbRec record(log);
       if (const std::string id = text(record.reelId()); !id.empty())
-        names.addReel(id, oldNamesOf(record));
+        names.addReel(id, oldNamesOf(record), decisionsOf(record).aliases);
     }
     for (const Shot& shot : allShots(session))
       if (!shot.reel.empty())

@@ -21,13 +21,14 @@ namespace reeldb::app {
 enum class Reason {
   Exact,   ///< it is the reel's identifier
   Case,    ///< it differs from the identifier in the case of ASCII letters only
+  Given,   ///< a person gave it to the reel
   Cut,     ///< it is the identifier as cut by a list with names of 6, 8, 32 or 129 characters
   Alias,   ///< a list gave it as another name of the reel
   OldName, ///< it is a former name of the reel, or a former name as cut by a list
   Form,    ///< it is another form of a name of the reel, such as with another ending
 };
 
-/// "exact", "case", "cut", "alias", "old-name", "form"
+/// "exact", "case", "given", "cut", "alias", "old-name", "form"
 std::string_view wordOf(Reason reason);
 
 struct Candidate {
@@ -58,7 +59,8 @@ struct ReelMove {
 /// The names of the reels of a project. ASCII case matters only for the reason.
 class ReelNames {
 public:
-  void addReel(const std::string& id, const std::vector<std::string>& oldNames);
+  void addReel(const std::string& id, const std::vector<std::string>& oldNames,
+               const std::vector<std::string>& given = {});
   /// Adds another name of the reel, which a shot has.
   void addAlias(const std::string& name, const std::string& reel);
 

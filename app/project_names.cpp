@@ -19,26 +19,47 @@ namespace {
 
 using lists::Match;
 
+std::string keyInList(std::int64_t list, const std::string& name)
+{
+  return std::to_string(list) + '\t' + base::fold(name);
+}
+
 } // namespace
 
-ProjectNames::ProjectNames(Session& session, lists::NameRules rules) : session_(session), index_(rules)
+ProjectNames::ProjectNames(Session& session, lists::NameRules rules, const std::vector<std::string>& merged)
+    : session_(session), index_(rules)
 {
+  for (const std::string& id : merged)
+    merged_.insert(base::fold(id));
   for (const Cookie& log : session.manager().reelList) {
     ReelDbRec record(log);
-    if (std::string id = text(record.reelId()); !id.empty() && ids_.insert(base::fold(id)).second)
-      records_.push_back({std::move(id), log, oldNamesOf(record)});
+    if (std::string id = text(record.reelId());
+        !id.empty() && ids_.insert(base::fold(id)).second && byId_.emplace(base::fold(id), records_.size()).second)
+      records_.push_back({std::move(id), log, oldNamesOf(record), decisionsOf(record)});
   }
   for (const Cookie& log : reelhost::allShots())
     shots_.push_back({log, shotFrom(reelhost::materialOf(log))});
-  decideOldNames();
+  for (const std::string& id : merged_)
+    ids_.erase(id);
+  decideNames();
 }
 
-void ProjectNames::decideOldNames()
+void ProjectNames::decideNames()
 {
   std::unordered_map<std::string, std::vector<const Record*>> reels;
-  for (const Record& record : records_)
-    for (const std::string& name : record.oldNames)
-      reels[base::fold(name)].push_back(&record);
+  for (const Record& record : records_) {
+    if (merged_.contains(base::fold(record.id)))
+      continue;
+    for (const std::vector<std::string>* const names : {&record.oldNames, &record.decisions.aliases})
+      for (const std::string& name : *names)
+        reels[base::fold(name)].push_back(&record);
+    if (record.decisions.namesReel)
+      index_.nameReel(record.id);
+    if (record.decisions.isApart)
+      index_.decide(record.id, record.id);
+    for (const NameInList& each : record.decisions.inLists)
+      inLists_.insert_or_assign(keyInList(each.list, each.name), each.reel);
+  }
   for (const auto& [name, records] : reels)
     if (records.size() == 1 && !ids_.contains(name))
       index_.decide(name, records.front()->id);
@@ -117,7 +138,8 @@ void ProjectNames::settle()
   addNamesOfProject();
   index_.settle();
   for (std::size_t i = 0; i < records_.size(); ++i)
-    recordsOf_[base::fold(index_.find(records_[i].id).reel)].push_back(i);
+    if (!merged_.contains(base::fold(records_[i].id)))
+      recordsOf_[base::fold(index_.find(records_[i].id).reel)].push_back(i);
   for (const auto& [reel, records] : recordsOf_) {
     const auto keeper = keeperOf(reel, records);
     if (keeper)
@@ -180,6 +202,44 @@ NamedReel ProjectNames::find(const lists::Clip& clip) const
   result.mayBeCut = clip.mayBeCut;
   result.sourceId = clip.sourceId;
   return result;
+}
+
+bool ProjectNames::liesByNames(const Shot& shot) const
+{
+  const std::string& put = reelByNames(shot);
+  if (base::sameName(put, shot.reel))
+    return true;
+  const NamedReel found = find(put);
+  return found.match == Match::Decided && base::sameName(found.reel, shot.reel);
+}
+
+std::vector<std::string> ProjectNames::keysOf(const Shot& shot) const
+{
+  std::vector<std::string> keys = {shotKey(shot)};
+  if (!shot.reel.empty() && !liesByNames(shot)) {
+    Shot byName = shot;
+    for (const lists::SourceName& name : namesOf(shot)) {
+      byName.reel = find(name.name, name.sourceId).reel;
+      keys.push_back(shotKey(byName));
+    }
+  }
+  return keys;
+}
+
+bool ProjectNames::isDeleted(const Shot& shot) const
+{
+  const auto record = byId_.find(base::fold(shot.reel));
+  if (record == byId_.end())
+    return false;
+  const std::vector<std::string>& deleted = records_[record->second].decisions.deletedShots;
+  return !deleted.empty() && std::find(deleted.begin(), deleted.end(), deletedShot(shot)) != deleted.end();
+}
+
+void ProjectNames::read(std::int64_t list, lists::Clip& clip) const
+{
+  const auto decided = inLists_.find(keyInList(list, ownNameOf(clip)));
+  if (decided != inLists_.end())
+    giveName(clip, decided->second);
 }
 
 bool ProjectNames::hasRecord(const std::string& id) const

@@ -6,6 +6,7 @@
 #define REELDB_APP_PROJECT_NAMES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "app/decisions.h"
 #include "app/names.h"
 #include "app/session.h"
 #include "app/shots.h"
@@ -31,7 +33,10 @@ struct KnownShot {
 /// Reads the project once. Names of lists are added, then the index is settled, then it is asked.
 class ProjectNames {
 public:
-  explicit ProjectNames(Session& session, lists::NameRules rules = lists::NameRules::All);
+  /// @p merged: reels that a person has joined with others. Their names are decided to be those; moveShots() moves all
+  /// of their shots there and deletes their records.
+  explicit ProjectNames(Session& session, lists::NameRules rules = lists::NameRules::All,
+                        const std::vector<std::string>& merged = {});
 
   void add(const lists::Clip& clip);
   /// Adds a name that a person asks for. It may be cut if it fills any field.
@@ -58,12 +63,27 @@ public:
   const std::vector<KnownShot>& shots() const { return shots_; }
   /// Whether a record has the identifier, ignoring ASCII case.
   bool hasRecord(const std::string& id) const;
+  /// Whether the names of the shot put it where it lies. Else a person or another program put it there.
+  bool liesByNames(const Shot& shot) const;
+  /// The keys by which lists know the shot: its own, and if a person put it into its reel, also those that its names
+  /// would give it.
+  std::vector<std::string> keysOf(const Shot& shot) const;
+  /// Whether a person deleted this shot of the reel, which lists do not bring back.
+  bool isDeleted(const Shot& shot) const;
+
+  /// Whether a person decided what a list means by a name.
+  bool readsLists() const { return !inLists_.empty(); }
+  /// Lets the clip of the kept list name its source as a person decided. REQUIRES: before it is added.
+  void read(std::int64_t list, lists::Clip& clip) const;
+  /// Makes the name a reel that no short form means. REQUIRES: settle() was not called.
+  void setApart(const std::string& reel) { index_.decide(reel, reel); }
 
 private:
   struct Record {
     std::string id;
     Cookie log;
     std::vector<std::string> oldNames;
+    Decisions decisions;
   };
 
   NamedReel named(const std::string& name, const lists::ReelOfName& found) const;
@@ -71,7 +91,7 @@ private:
   std::string spelt(const std::string& reel) const;
   void addNames(const Shot& shot);
   void addNamesOfProject();
-  void decideOldNames();
+  void decideNames();
   /// The record whose spelling the reel of the index has, if any: one that is in use, which cannot be renamed; one of
   /// that very name; the first one whose name is not a short form.
   std::optional<std::size_t> keeperOf(const std::string& reel, const std::vector<std::size_t>& records);
@@ -85,6 +105,9 @@ private:
   std::unordered_map<std::string, std::vector<std::size_t>> recordsOf_; ///< folded reel of the index: its records
   std::unordered_map<std::string, std::string> names_;                  ///< folded reel of the index: its name here
   std::unordered_set<std::string> ids_;                                 ///< folded identifiers of the records
+  std::unordered_map<std::string, std::size_t> byId_;                   ///< the records by folded identifier
+  std::unordered_map<std::string, std::string> inLists_; ///< number of a list and folded name: the name that it means
+  std::unordered_set<std::string> merged_;               ///< those of the reels that are joined
 };
 
 } // namespace reeldb::app

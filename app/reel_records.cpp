@@ -53,18 +53,13 @@ std::u32string essence(std::string_view text)
   return result;
 }
 
-/// The key of an old name. Each name has its own key, because the library reads back only values of a name's length.
-std::string oldNameKey(std::size_t number)
-{
-  return "reel_old_name" + std::to_string(number);
-}
+/// The start of the keys of old names.
+constexpr const char* oldName = "reel_old_name";
 
-std::vector<std::string> keptNames(ReelDbRec& reel)
+/// Each text has its own key, because the library reads back only values of a name's length.
+std::string numbered(const std::string& key, std::size_t number)
 {
-  std::vector<std::string> names;
-  for (LightweightString<char> name; reel.getStringValFromEdit(hostText(oldNameKey(names.size())), name);)
-    names.push_back(text(name));
-  return names;
+  return key + std::to_string(number);
 }
 
 std::vector<std::string> without(std::vector<std::string> names, const std::string& name)
@@ -154,24 +149,57 @@ std::vector<std::string> similarNames(std::string_view meant, const std::vector<
 
 std::vector<std::string> oldNamesOf(ReelDbRec reel)
 {
-  return without(keptNames(reel), text(reel.reelId())); // not a current name
+  return without(keptTexts(reel, oldName), text(reel.reelId())); // not a current name
 }
 
 std::vector<std::string> oldNamesOf(const reelhost::StoredLog& reel)
 {
   const std::map<std::string_view, std::string_view> values(reel.fields.begin(), reel.fields.end());
   std::vector<std::string> names;
-  for (auto kept = values.find(oldNameKey(0)); kept != values.end(); kept = values.find(oldNameKey(names.size())))
+  for (auto kept = values.find(numbered(oldName, 0)); kept != values.end() && !kept->second.empty();
+       kept = values.find(numbered(oldName, names.size())))
     names.emplace_back(kept->second);
   return without(std::move(names), idOf(reel));
 }
 
 void keepOldName(ReelDbRec reel, const std::string& name)
 {
-  const std::vector<std::string> names = keptNames(reel);
+  std::vector<std::string> names = keptTexts(reel, oldName);
   const auto isSame = [&](const std::string& other) { return base::sameName(other, name); };
-  if (std::none_of(names.begin(), names.end(), isSame))
-    reel.setStringValInEdit(hostText(oldNameKey(names.size())), hostText(name));
+  if (std::any_of(names.begin(), names.end(), isSame))
+    return;
+  names.push_back(name);
+  keepTexts(reel, oldName, names);
+}
+
+bool forgetOldName(ReelDbRec reel, const std::string& name)
+{
+  std::vector<std::string> names = keptTexts(reel, oldName);
+  if (std::erase_if(names, [&](const std::string& other) { return base::sameName(other, name); }) == 0)
+    return false;
+  keepTexts(reel, oldName, names);
+  return true;
+}
+
+std::vector<std::string> keptTexts(ReelDbRec reel, const std::string& key)
+{
+  std::vector<std::string> texts;
+  for (LightweightString<char> kept; reel.getStringValFromEdit(hostText(numbered(key, texts.size())), kept);) {
+    if (kept.empty())
+      break;
+    texts.push_back(text(kept));
+  }
+  return texts;
+}
+
+void keepTexts(ReelDbRec reel, const std::string& key, const std::vector<std::string>& texts)
+{
+  const std::vector<std::string> before = keptTexts(reel, key);
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    if (i >= before.size() || before[i] != texts[i])
+      reel.setStringValInEdit(hostText(numbered(key, i)), hostText(texts[i]));
+  for (std::size_t i = texts.size(); i < before.size(); ++i)
+    reel.setStringValInEdit(hostText(numbered(key, i)), "");
 }
 
 } // namespace reeldb::app

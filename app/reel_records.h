@@ -50,6 +50,13 @@ std::vector<std::string> oldNamesOf(const reelhost::StoredLog& reel);
 
 /// Stores a former name of the reel, unless it is stored already. ASCII case does not matter.
 void keepOldName(ReelDbRec reel, const std::string& name);
+/// Removes it from the former names. Returns whether it was one.
+bool forgetOldName(ReelDbRec reel, const std::string& name);
+
+/// The texts under the keys "KEY0", "KEY1" ... of the reel's log, up to the first that is missing or empty.
+std::vector<std::string> keptTexts(ReelDbRec reel, const std::string& key);
+/// Replaces these texts; none of the new ones is empty.
+void keepTexts(ReelDbRec reel, const std::string& key, const std::vector<std::string>& texts);
 
 } // namespace reeldb::app
 

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include "app/decisions.h"
 #include "app/device_settings.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
@@ -99,6 +100,7 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
     if (stored != id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
       throw Error(ErrorKind::Refused, fmt::format("{}: already exists", quoted(stored)));
     CreatedReel result;
+    keepGivenName(made);
     remarkOnSpecialName(stored, result.remarks);
     result.reel = readReel(made, shots);
     remarkOnUnlistedType(result.reel.type, result.remarks); // the project's default type

@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include "app/decisions.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/reel_records.h"
@@ -52,6 +53,7 @@ Renamed renameReel(Session& session, const std::string& from, const std::string&
     manager.changeReelId(hostText(result.from), hostText(result.to));
     if (!base::sameName(result.from, result.to))
       keepOldName(reel, result.from);
+    keepGivenName(reel);
     result.stored = session.commit();
     return result;
   });

@@ -6,7 +6,9 @@
 #define REELDB_APP_SHOT_LOGS_H
 
 #include <array>
+#include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/shots.h"
@@ -45,12 +47,21 @@ const std::string& ownNameOf(const Shot& shot);
 std::vector<lists::SourceName> namesOf(const Shot& shot);
 /// Gives the shot the reel of its names, at least one, and the names.
 void setReel(Shot& shot, const std::string& reel, const std::vector<lists::SourceName>& names);
+/// The reel in which the names put the shot when it was brought in.
+const std::string& reelByNames(const Shot& shot);
+/// Lets the clip name its source like this, as if its list did.
+void giveName(lists::Clip& clip, const std::string& name);
+/// Gives the shot a reel that a person chose, whatever its names say. They stay.
+void putInto(Shot& shot, const std::string& reel);
 /// Adds what a further list calls the source of the shot, unless its names say as much. Returns whether it was added.
 bool addName(Shot& shot, const lists::SourceName& name);
 
 /// Gives the shot the record times of a further use, if they are earlier: a shot shows the first of its uses, in
 /// whatever order lists came. Returns whether it did.
 bool takeEarlierRecord(Shot& shot, const Shot& use);
+
+/// The logs of the shots of these numbers, each once, by number. Throws Error (NotFound).
+std::vector<std::pair<std::int64_t, Cookie>> requireShots(const std::vector<std::int64_t>& numbers);
 
 std::vector<Shot> shotsFrom(const CookieVec& logs);
 

@@ -40,7 +40,7 @@ public:
     planMoves();
     planRenames();
     planRenamesOfAdopted();
-    if (plan_.empty() && renames_.empty())
+    if (plan_.empty() && renames_.empty() && names_.merged_.empty())
       return {};
     if (std::any_of(plan_.begin(), plan_.end(), [](const Plan& plan) { return plan.parts.size() > 1; }))
       partPlans();
@@ -50,7 +50,7 @@ public:
     for (const Plan& plan : plan_) {
       if (plan.parts.size() > 1)
         takeRecordOf(plan.shot, plan.parts.front().reel);
-      place(plan.shot, plan.parts.front());
+      place(plan);
     }
     renameRecords();
     for (const Plan& plan : plan_)
@@ -76,7 +76,7 @@ private:
   /// Names of a shot that are one reel.
   struct Part {
     std::string reel;
-    Names names;
+    Names names; ///< empty: the shot keeps its names, because a person put it into the reel
   };
   /// A shot that moves, or that is several shots.
   struct Plan {
@@ -92,16 +92,6 @@ private:
     if (isNew)
       known->second = names_.find(name, sourceId).reel;
     return known->second;
-  }
-
-  /// Whether the shot lies where its names put it. Else a person or another program put it there, and it stays.
-  bool liesByNames(const Shot& shot) const
-  {
-    const std::string& put = shot.reelOfNames.empty() ? ownNameOf(shot) : shot.reelOfNames;
-    if (base::sameName(put, shot.reel))
-      return true;
-    const NamedReel found = names_.find(put);
-    return found.match == lists::Match::Decided && base::sameName(found.reel, shot.reel);
   }
 
   /// Stores what is known of adopted shots now. Those that have to move follow.
@@ -136,7 +126,7 @@ private:
       const std::string from = base::fold(record.id);
       const auto to = targets.find(from);
       if (to == targets.end() || to->second.size() != 1 || counts[from] != 0 || renames_.contains(from) ||
-          manager_.reelInUse(hostText(record.id)))
+          record.decisions.namesReel || isMerged(record.id) || manager_.reelInUse(hostText(record.id)))
         continue;
       const std::string& reel = *to->second.begin();
       if (!names_.ids_.contains(reel) && given.insert(reel).second)
@@ -154,17 +144,25 @@ private:
         return base::sameName(reelFor(name, sourceId), shot.reel);
       };
       const std::vector<lists::SourceName>& further = shot.furtherNames;
-      if ((isThere(ownNameOf(shot), shot.sourceId) &&
-           std::all_of(further.begin(), further.end(),
-                       [&](const auto& each) { return isThere(each.name, each.sourceId); })) ||
-          !liesByNames(shot))
+      const bool leaves = isMerged(shot.reel);
+      if (!leaves && isThere(ownNameOf(shot), shot.sourceId) &&
+          std::all_of(further.begin(), further.end(),
+                      [&](const auto& each) { return isThere(each.name, each.sourceId); }))
+        continue;
+      const bool byNames = names_.liesByNames(shot);
+      if (!byNames && !leaves)
         continue;
       Plan& plan = plan_.emplace_back(Plan{i, {}});
-      for (const lists::SourceName& name : namesOf(shot))
-        partOf(plan, reelFor(name.name, name.sourceId)).names.push_back(name);
+      if (byNames)
+        for (const lists::SourceName& name : namesOf(shot))
+          partOf(plan, reelFor(name.name, name.sourceId)).names.push_back(name);
+      else
+        plan.parts.push_back({reelFor(shot.reel, {}), {}});
       isPlanned_.insert(i);
     }
   }
+
+  bool isMerged(const std::string& reel) const { return names_.merged_.contains(base::fold(reel)); }
 
   static Part& partOf(Plan& plan, const std::string& reel)
   {
@@ -244,20 +242,25 @@ private:
     }
   }
 
-  /// Gives the shot the reel and the names. If the reel has that shot already, they become one.
-  void place(std::size_t i, const Part& part)
+  /// Gives the shot the reel and the names of the first part. If the reel has that shot already, they become one.
+  void place(const Plan& plan)
   {
+    const std::size_t i = plan.shot;
+    const Part& part = plan.parts.front();
     KnownShot& known = shots()[i];
     const std::string from = known.shot.reel;
-    setReel(known.shot, part.reel, part.names);
+    if (part.names.empty())
+      putInto(known.shot, part.reel);
+    else
+      setReel(known.shot, part.reel, part.names);
     if (!base::sameName(from, part.reel)) {
       ++moves_[{from, part.reel}];
       left_.insert(base::fold(from));
     }
     const auto [same, isNew] = byKey_.emplace(shotKey(known.shot), i);
-    if (!isNew && isRemovable(known.log)) {
+    if (!isNew && (isMerged(from) || isRemovable(known.log))) {
       giveUse(same->second, known.shot, part.names);
-      moveEvents(i, same->second, part.reel);
+      moveEvents(i, same->second, plan.parts.size() == 1 ? std::string() : part.reel);
       gone_.add(known.log);
       isGone_.insert(i);
     } else {
@@ -309,12 +312,12 @@ private:
       reelhost::changeMaterial(known.log, materialFrom(known.shot));
   }
 
-  /// Lets the events of the shot that are of the reel name the other shot.
+  /// Lets the events of the shot that are of the reel, or all of them for the empty reel, name the other shot.
   void moveEvents(std::size_t from, std::size_t to, const std::string& reel)
   {
     readLists();
     for (const auto& [list, i] : eventsOf_[reelhost::logNumber(shots()[from].log)])
-      if (reelhost::ListEvent& event = lists_[list].events[i]; base::sameName(reelFor(event), reel)) {
+      if (reelhost::ListEvent& event = lists_[list].events[i]; reel.empty() || base::sameName(reelFor(event), reel)) {
         event.shot = reelhost::logNumber(shots()[to].log);
         isChanged_.insert(list);
       }
@@ -352,8 +355,9 @@ private:
         left_.erase(base::fold(shots()[i].shot.reel));
     for (const ProjectNames::Record& record : names_.records_) {
       const std::string folded = base::fold(record.id);
-      if (!left_.contains(folded) || renames_.contains(folded) || manager_.reelInUse(hostText(record.id)) ||
-          !isRemovable(record.log))
+      const bool isEmptied = left_.contains(folded) && !renames_.contains(folded) && !record.decisions.namesReel &&
+                             !manager_.reelInUse(hostText(record.id)) && isRemovable(record.log);
+      if (!isEmptied && !isMerged(record.id))
         continue;
       gone_.add(record.log);
       names_.ids_.erase(folded);

@@ -2,6 +2,7 @@
 #include "app/shots.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 
 #include <fmt/format.h>
@@ -141,6 +142,41 @@ void setReel(Shot& shot, const std::string& reel, const std::vector<lists::Sourc
   shot.reelOfNames = isSame ? std::string() : reel;
 }
 
+const std::string& reelByNames(const Shot& shot)
+{
+  return shot.reelOfNames.empty() ? ownNameOf(shot) : shot.reelOfNames;
+}
+
+void giveName(lists::Clip& clip, const std::string& name)
+{
+  clip.reel = name;
+  clip.ownName.clear();
+  clip.mayBeCut = false;
+}
+
+void putInto(Shot& shot, const std::string& reel)
+{
+  if (shot.ownName.empty())
+    shot.ownName = shot.reel;
+  shot.reel = reel;
+}
+
+std::vector<std::pair<std::int64_t, Cookie>> requireShots(const std::vector<std::int64_t>& numbers)
+{
+  std::map<std::int64_t, Cookie> all;
+  for (const Cookie& log : reelhost::allShots())
+    all.emplace(reelhost::logNumber(log), log);
+  std::map<std::int64_t, Cookie> found;
+  for (const std::int64_t number : numbers) {
+    const auto shot = all.find(number);
+    if (shot == all.end())
+      throw Error(ErrorKind::NotFound,
+                  fmt::format("shot {}: no such shot (reeldb shots REEL shows the numbers)", number));
+    found.insert(*shot);
+  }
+  return {found.begin(), found.end()};
+}
+
 bool addName(Shot& shot, const lists::SourceName& name)
 {
   const auto saysAll = [&](const lists::SourceName& known) {
@@ -171,7 +207,8 @@ ReelShots shotsOfReel(Session& session, const std::string& id)
   return guarded([&] {
     ReelShots result;
     result.reel = text(requireReel(session.manager(), id).reelId());
-    result.shots = shotsFrom(reelhost::shotsOf(result.reel));
+    for (const Cookie& log : reelhost::shotsOf(result.reel))
+      result.shots.push_back({reelhost::logNumber(log), shotFrom(reelhost::materialOf(log))});
     return result;
   });
 }

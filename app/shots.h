@@ -4,6 +4,7 @@
 #ifndef REELDB_APP_SHOTS_H
 #define REELDB_APP_SHOTS_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -14,10 +15,16 @@ namespace reeldb::app {
 
 using Shot = lists::Clip;
 
+/// A shot with the number of its log, by which people name it. No other shot of the project ever has that number.
+struct NumberedShot {
+  std::int64_t number = 0;
+  Shot shot;
+};
+
 /// The shots recorded from one reel.
 struct ReelShots {
   std::string reel; ///< the identifier as its record spells it
-  std::vector<Shot> shots;
+  std::vector<NumberedShot> shots;
 };
 
 /// The shots recorded from the reel, ignoring letter case, in the order of the database. Throws Error (NotFound).

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "ReelDbManager.h"
+#include "app/decisions.h"
 #include "app/host_text.h"
 #include "app/kept_events.h"
 #include "app/reel_records.h"
@@ -74,7 +75,8 @@ UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots, 
   CookieVec reelLogs;
   for (const Cookie& log : session.manager().reelList) {
     const std::string id = text(ReelDbRec(log).reelId());
-    if (reels.count(base::fold(id)) == 0 || !isRemovable(reelhost::logNumber(log)) || !reelhost::shotsOf(id).empty())
+    if (reels.count(base::fold(id)) == 0 || !isRemovable(reelhost::logNumber(log)) ||
+        decisionsOf(ReelDbRec(log)).namesReel || !reelhost::shotsOf(id).empty())
       continue;
     reelLogs.add(log);
     result.reels.push_back(id);

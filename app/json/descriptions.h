@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "app/alias.h"
 #include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
@@ -19,6 +20,7 @@
 #include "app/json/io.h"
 #include "app/kept_lists.h"
 #include "app/label_maps.h"
+#include "app/merge.h"
 #include "app/names.h"
 #include "app/names_check.h"
 #include "app/needs.h"
@@ -28,6 +30,7 @@
 #include "app/rename.h"
 #include "app/rolls.h"
 #include "app/shot_logs.h"
+#include "app/split.h"
 #include "app/state.h"
 #include "app/types.h"
 #include "app/watch.h"
@@ -257,10 +260,13 @@ void describe(Io& io, R& renamed)
   io("shots", renamed.shots);
 }
 
+inline constexpr std::array allMatches = {lists::Match::Itself,   lists::Match::Decided,     lists::Match::SourceId,
+                                          lists::Match::SameName, lists::Match::OtherEnding, lists::Match::NoEnding,
+                                          lists::Match::Cut};
+
 template <class Io, Like<NamedReel> R>
 void describe(Io& io, R& named)
 {
-  using lists::Match;
   using lists::NameEvidence;
   io("name", named.name);
   io("reel", named.reel);
@@ -268,12 +274,10 @@ void describe(Io& io, R& named)
     io.json()["match"] = lists::wordOf(named.match);
     io.json()["evidence"] = lists::wordOf(named.evidence);
   } else {
-    constexpr std::array matches = {Match::Itself,      Match::Decided,  Match::SourceId, Match::SameName,
-                                    Match::OtherEnding, Match::NoEnding, Match::Cut};
     constexpr std::array evidences = {NameEvidence::CameraRoll, NameEvidence::SoundRoll,   NameEvidence::ReelMap,
                                       NameEvidence::SourceFile, NameEvidence::SourceTable, NameEvidence::ReplacedReel,
                                       NameEvidence::ReelNote,   NameEvidence::ClipName,    NameEvidence::ReelText};
-    named.match = fromWord(io.json().at("match"), matches);
+    named.match = fromWord(io.json().at("match"), allMatches);
     named.evidence = fromWord(io.json().at("evidence"), evidences);
   }
   io("may_be_cut", named.mayBeCut);
@@ -296,6 +300,89 @@ void describe(Io& io, R& move)
   io("from", move.from);
   io("to", move.to);
   io("shots", move.shots);
+}
+
+template <class Io, Like<ReelName> R>
+void describe(Io& io, R& name)
+{
+  using lists::Match;
+  io("name", name.name);
+  if constexpr (Io::writes) {
+    io.json()["from"] = wordOf(name.origin);
+    io.json()["match"] = lists::wordOf(name.match);
+  } else {
+    constexpr std::array origins = {NameOrigin::Renamed, NameOrigin::Given, NameOrigin::OneList, NameOrigin::Lists};
+    name.origin = fromWord(io.json().at("from"), origins);
+    name.match = fromWord(io.json().at("match"), allMatches);
+  }
+  io("source_id", name.sourceId);
+  io("list", name.list);
+}
+
+template <class Io, Like<NumberedShot> R>
+void describe(Io& io, R& shot)
+{
+  describe(io, shot.shot);
+  io("number", shot.number);
+}
+
+template <class Io, Like<ReelAliases> R>
+void describe(Io& io, R& aliases)
+{
+  io("reel", aliases.reel);
+  io("dry_run", aliases.dryRun);
+  io("stored", aliases.stored);
+  io("names", aliases.names);
+  io("moved", aliases.moves);
+}
+
+template <class Io, Like<LostField> R>
+void describe(Io& io, R& lost)
+{
+  io("reel", lost.reel);
+  io("field", lost.field);
+  io("value", lost.value);
+  io("kept", lost.kept);
+}
+
+template <class Io, Like<Split> R>
+void describe(Io& io, R& split)
+{
+  io("from", split.from);
+  io("into", split.into);
+  io("dry_run", split.dryRun);
+  io("stored", split.stored);
+  io("moved", split.moves);
+}
+
+template <class Io, Like<ShotsMoved> R>
+void describe(Io& io, R& moved)
+{
+  io("to", moved.to);
+  io("dry_run", moved.dryRun);
+  io("stored", moved.stored);
+  io("shots", moved.shots);
+  io("moved", moved.moves);
+}
+
+template <class Io, Like<ShotsDeleted> R>
+void describe(Io& io, R& deleted)
+{
+  io("dry_run", deleted.dryRun);
+  io("stored", deleted.stored);
+  io("shots", deleted.shots);
+}
+
+template <class Io, Like<Merged> R>
+void describe(Io& io, R& merged)
+{
+  io("from", merged.from);
+  io("into", merged.into);
+  io("dry_run", merged.dryRun);
+  io("stored", merged.stored);
+  io("names", merged.names);
+  io("different", merged.different);
+  io("moved", merged.moves);
 }
 
 template <class Io, Like<NamesCheck> R>
@@ -328,7 +415,8 @@ void describe(Io& io, R& candidate)
       reasons.push_back(wordOf(reason));
     io.json()["reasons"] = std::move(reasons);
   } else {
-    constexpr std::array all = {Reason::Exact, Reason::Case, Reason::Cut, Reason::Alias, Reason::OldName, Reason::Form};
+    constexpr std::array all = {Reason::Exact, Reason::Case,    Reason::Given, Reason::Cut,
+                                Reason::Alias, Reason::OldName, Reason::Form};
     for (const Value& reason : io.json().at("reasons"))
       candidate.reasons.push_back(fromWord(reason, all));
   }
@@ -424,9 +512,11 @@ void describe(Io& io, R& imported)
   if constexpr (Io::writes) {
     io("shots_there", imported.shotsThere - imported.shotsRepeated);
     io("shots_repeated", imported.shotsRepeated);
+    io("shots_left_out", imported.shotsLeftOut);
   } else {
     io("shots_there", imported.shotsThere);
     io("shots_repeated", imported.shotsRepeated);
+    io("shots_left_out", imported.shotsLeftOut);
     imported.shotsThere += imported.shotsRepeated;
   }
   io("created", imported.created);

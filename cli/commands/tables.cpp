@@ -2,8 +2,15 @@
 #include "commands/tables.h"
 
 #include <array>
+#include <charconv>
 #include <ctime>
+#include <system_error>
+#include <utility>
 
+#include <fmt/format.h>
+
+#include "app/error.h"
+#include "base/text_width.h"
 #include "text/output.h"
 #include "text/table.h"
 
@@ -18,6 +25,8 @@ std::string_view phraseOf(app::Reason reason)
     return "exact";
   case app::Reason::Case:
     return "differs in case";
+  case app::Reason::Given:
+    return "given to it";
   case app::Reason::Cut:
     return "cut form";
   case app::Reason::Alias:
@@ -28,6 +37,24 @@ std::string_view phraseOf(app::Reason reason)
     return "another form of a name";
   }
   return "";
+}
+
+std::vector<Column> shotColumns()
+{
+  return {{"CLIP"},
+          {"TRACKS"},
+          {"SOURCE IN"},
+          {"SOURCE OUT"},
+          {.title = "RECORD IN", .optional = true},
+          {.title = "RECORD OUT", .optional = true},
+          {.title = "SOURCE FILE", .optional = true},
+          {.title = "SOUND OF", .optional = true}};
+}
+
+std::vector<std::string> cellsOf(const app::Shot& shot)
+{
+  return {orDash(shot.clipName), shot.tracks,    shot.sourceIn,   shot.sourceOut,
+          shot.recordIn,         shot.recordOut, shot.sourceFile, shot.soundOf};
 }
 
 } // namespace
@@ -55,18 +82,38 @@ std::string localTime(const std::string& utc)
 
 void printShots(const std::vector<app::Shot>& shots, std::size_t indent)
 {
-  Table table({{"CLIP"},
-               {"TRACKS"},
-               {"SOURCE IN"},
-               {"SOURCE OUT"},
-               {.title = "RECORD IN", .optional = true},
-               {.title = "RECORD OUT", .optional = true},
-               {.title = "SOURCE FILE", .optional = true},
-               {.title = "SOUND OF", .optional = true}});
+  Table table(shotColumns());
   for (const app::Shot& shot : shots)
-    table.add({orDash(shot.clipName), shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut,
-               shot.sourceFile, shot.soundOf});
+    table.add(cellsOf(shot));
   table.print(indent);
+}
+
+void printShots(const std::vector<app::NumberedShot>& shots)
+{
+  std::vector<Column> columns = shotColumns();
+  columns.insert(columns.begin(), {.title = "SHOT", .number = true});
+  Table table(std::move(columns));
+  for (const auto& [number, shot] : shots) {
+    std::vector<std::string> cells = cellsOf(shot);
+    cells.insert(cells.begin(), std::to_string(number));
+    table.add(std::move(cells));
+  }
+  table.print();
+}
+
+std::vector<std::int64_t> shotNumbers(const std::string& command, const std::vector<std::string>& words)
+{
+  std::vector<std::int64_t> numbers;
+  for (const std::string& word : words) {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
+    if (error != std::errc() || end != word.data() + word.size() || number < 1)
+      throw app::Error(app::ErrorKind::Invalid,
+                       fmt::format("{}: \"{}\": not the number of a shot (reeldb shots ID shows them)", command,
+                                   base::shortText(word)));
+    numbers.push_back(number);
+  }
+  return numbers;
 }
 
 std::string reasonsText(const app::Candidate& candidate)

@@ -5,6 +5,7 @@
 #define REELDB_CLI_TABLES_H
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,12 @@ std::string localTime(const std::string& utc);
 
 /// Prints a table with a line for each shot, indented by @p indent blanks.
 void printShots(const std::vector<app::Shot>& shots, std::size_t indent = 0);
+
+/// The same, with the numbers of the shots.
+void printShots(const std::vector<app::NumberedShot>& shots);
+
+/// The numbers of shots as a person types them. Throws Error (Invalid) for anything else; @p command is its subject.
+std::vector<std::int64_t> shotNumbers(const std::string& command, const std::vector<std::string>& words);
 
 /// The reasons why a name means a reel, in words: "cut form, other name in a list".
 std::string reasonsText(const app::Candidate& candidate);

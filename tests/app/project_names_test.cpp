@@ -99,7 +99,7 @@ protected:
   {
     app::Session session({}, app::Access::Read);
     Names clips;
-    for (const app::Shot& shot : app::shotsOfReel(session, reel).shots)
+    for (const auto& [number, shot] : app::shotsOfReel(session, reel).shots)
       clips.push_back(shot.clipName);
     return clips;
   }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "app/alias.h"
 #include "app/conflict.h"
 #include "app/deletion.h"
 #include "app/devices.h"
@@ -13,6 +14,7 @@
 #include "app/export.h"
 #include "app/import.h"
 #include "app/label_maps.h"
+#include "app/merge.h"
 #include "app/names.h"
 #include "app/names_check.h"
 #include "app/needs.h"
@@ -20,6 +22,7 @@
 #include "app/reel_fields.h"
 #include "app/rename.h"
 #include "app/rolls.h"
+#include "app/split.h"
 #include "app/types.h"
 #include "app/watch.h"
 
@@ -98,6 +101,7 @@ ImportReport sampleImport()
   imported.shotsAdded = 1;
   imported.shotsThere = 4;
   imported.shotsRepeated = 3;
+  imported.shotsLeftOut = 2;
   imported.created = {"A", "B"};
   imported.types = {{"Still", {"B"}}};
   imported.matched = {"C"};
@@ -136,7 +140,7 @@ constexpr const char* nameObject =
 
 const std::string importObject = R"({"dry_run": true, "stored": false, "files": [
     {"file": "cut.edl", "format": "edl", "title": "EVENING", "clips": 5, "shots_added": 1, "shots_there": 1,
-     "shots_repeated": 3, "created": ["A", "B"],
+     "shots_repeated": 3, "shots_left_out": 2, "created": ["A", "B"],
      "types": [{"type": "Still", "reels": ["B"]}], "matched": ["C"],
       "names": [
         {"name": "SHORT", "reel": "SHORT_1", "match": "cut", "evidence": "reel-note", "may_be_cut": true,
@@ -215,6 +219,28 @@ TEST(Json, RenamedReel)
   expectJson(Renamed{"A001", "B001", false, true, {sampleShot()}, {}},
              R"({"from": "A001", "to": "B001", "dry_run": false, "stored": true, "shots": [)" +
                  std::string(shotObject) + "]}");
+}
+
+TEST(Json, JoinedAndPartedReels)
+{
+  const std::string moves = R"("moved": [{"from": "A", "to": "B", "shots": 2}]})";
+  const std::vector<ReelMove> moved = {{"A", "B", 2}};
+  expectJson(Merged{{"A"}, "B", false, true, {"A", "A1"}, {{"A", "type", "x", "y"}}, moved},
+             R"({"from": ["A"], "into": "B", "dry_run": false, "stored": true, "names": ["A", "A1"],
+                 "different": [{"reel": "A", "field": "type", "value": "x", "kept": "y"}], )" +
+                 moves);
+  expectJson(Split{"A", "B", true, false, moved},
+             R"({"from": "A", "into": "B", "dry_run": true, "stored": false, )" + moves);
+  expectJson(ReelAliases{"A", false, true, {{"A1", NameOrigin::Lists, lists::Match::Cut, "11", 3}}, moved},
+             R"({"reel": "A", "dry_run": false, "stored": true,
+                 "names": [{"name": "A1", "from": "lists", "match": "cut", "source_id": "11", "list": 3}], )" +
+                 moves);
+  std::string numbered(shotObject);
+  numbered.insert(numbered.rfind('}'), R"(, "number": 7)");
+  expectJson(ShotsMoved{"B", false, true, {{7, sampleShot()}}, moved},
+             R"({"to": "B", "dry_run": false, "stored": true, "shots": [)" + numbered + "], " + moves);
+  expectJson(ShotsDeleted{false, true, {{7, sampleShot()}}},
+             R"({"dry_run": false, "stored": true, "shots": [)" + numbered + "]}");
 }
 
 KeptList sampleList()

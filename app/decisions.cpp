@@ -1,0 +1,123 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/decisions.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include <fmt/format.h>
+
+#include "app/error.h"
+#include "app/plain_text.h"
+#include "app/reel_records.h"
+#include "app/shot_logs.h"
+#include "base/ascii.h"
+#include "base/text_width.h"
+
+namespace reeldb::app {
+
+namespace {
+
+constexpr const char* key = "reel_decision";
+constexpr char divider = '\t'; // no name contains it
+
+constexpr std::string_view name = "name", apart = "apart", alias = "alias", inList = "list", deleted = "deleted-shot";
+
+std::vector<std::string_view> parts(std::string_view text)
+{
+  std::vector<std::string_view> result;
+  for (;;) {
+    const std::size_t end = text.find(divider);
+    result.push_back(text.substr(0, end));
+    if (end == std::string_view::npos)
+      return result;
+    text.remove_prefix(end + 1);
+  }
+}
+
+/// Adds what the text says. What a newer program decided is ignored.
+void read(const std::string& text, Decisions& decisions)
+{
+  const std::vector<std::string_view> words = parts(text);
+  const auto isOf = [&](std::string_view kind, std::size_t count) { return words[0] == kind && words.size() == count; };
+  if (isOf(name, 1))
+    decisions.namesReel = true;
+  else if (isOf(apart, 1))
+    decisions.isApart = true;
+  else if (isOf(alias, 2))
+    decisions.aliases.emplace_back(words[1]);
+  else if (isOf(deleted, 2))
+    decisions.deletedShots.emplace_back(words[1]);
+  else if (NameInList decided; isOf(inList, 4)) {
+    std::from_chars(words[1].data(), words[1].data() + words[1].size(), decided.list);
+    decided.name = words[2];
+    decided.reel = words[3];
+    decisions.inLists.push_back(std::move(decided));
+  }
+}
+
+} // namespace
+
+Decisions decisionsOf(ReelDbRec reel)
+{
+  Decisions decisions;
+  for (const std::string& text : keptTexts(reel, key))
+    read(text, decisions);
+  return decisions;
+}
+
+void keepDecisions(ReelDbRec reel, const Decisions& decisions)
+{
+  std::vector<std::string> texts;
+  if (decisions.namesReel)
+    texts.emplace_back(name);
+  if (decisions.isApart)
+    texts.emplace_back(apart);
+  for (const std::string& each : decisions.aliases)
+    texts.push_back(fmt::format("{}\t{}", alias, each));
+  for (const NameInList& each : decisions.inLists)
+    texts.push_back(fmt::format("{}\t{}\t{}\t{}", inList, each.list, each.name, each.reel));
+  for (const std::string& each : decisions.deletedShots)
+    texts.push_back(fmt::format("{}\t{}", deleted, each));
+  for (const std::string& text : texts)
+    if (text.size() > longestField)
+      throw Error(ErrorKind::Refused,
+                  fmt::format("{}: too long to be kept ({} bytes; at most {})",
+                              base::shortText(std::string(parts(text).back())), text.size(), longestField));
+  keepTexts(reel, key, texts);
+}
+
+void keepGivenName(ReelDbRec reel)
+{
+  Decisions decisions = decisionsOf(reel);
+  decisions.namesReel = true;
+  keepDecisions(reel, decisions);
+}
+
+bool takeName(ReelDbRec reel, const std::string& name)
+{
+  Decisions decisions = decisionsOf(reel);
+  const std::size_t count = decisions.aliases.size();
+  std::erase_if(decisions.aliases, [&](const std::string& alias) { return base::sameName(alias, name); });
+  const bool wasAlias = decisions.aliases.size() != count;
+  if (wasAlias)
+    keepDecisions(reel, decisions);
+  return forgetOldName(reel, name) || wasAlias;
+}
+
+bool hasName(const std::vector<std::string>& names, const std::string& name)
+{
+  return std::any_of(names.begin(), names.end(), [&](const std::string& each) { return base::sameName(each, name); });
+}
+
+std::string deletedShot(const Shot& shot)
+{
+  std::string key = shotKey(shot);
+  key.erase(0, key.find('\0')); // the reel may be renamed
+  std::string hex;
+  for (const unsigned char byte : reelhost::digestOf(key))
+    hex += fmt::format("{:02x}", byte);
+  return hex;
+}
+
+} // namespace reeldb::app

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// What people decided about the names and the shots of a reel. It is kept in the reel's log, so the history and undo
+// cover it. For the sources of this room.
+#ifndef REELDB_APP_DECISIONS_H
+#define REELDB_APP_DECISIONS_H
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "ReelDbRec.h"
+#include "app/shots.h"
+
+namespace reeldb::app {
+
+/// One list says a name, and means the reel. Every other list means what the names say.
+struct NameInList {
+  std::int64_t list = 0; ///< the number of the kept list
+  std::string name;      ///< the name that the list gives
+  std::string reel;      ///< the identifier that the reel had when that was decided
+
+  bool operator==(const NameInList&) const = default;
+};
+
+struct Decisions {
+  bool namesReel = false;           ///< whether a person gave the reel its identifier
+  bool isApart = false;             ///< whether that name was made up to part a reel: no short form means it
+  std::vector<std::string> aliases; ///< names that a person gave it
+  std::vector<NameInList> inLists;
+  std::vector<std::string> deletedShots; ///< digests of the shots that no list brings back
+
+  bool operator==(const Decisions&) const = default;
+};
+
+/// They are under the keys "reel_decision0", "reel_decision1" ...
+Decisions decisionsOf(ReelDbRec reel);
+/// Throws Error (Refused) if a name is too long to be kept.
+void keepDecisions(ReelDbRec reel, const Decisions& decisions);
+
+/// Notes that a person gave the reel its identifier.
+void keepGivenName(ReelDbRec reel);
+
+/// Removes the name, ignoring ASCII case, from the aliases and the former names of the reel. Returns whether it was one
+/// of them.
+bool takeName(ReelDbRec reel, const std::string& name);
+
+/// Whether the name is one of them, ignoring ASCII case.
+bool hasName(const std::vector<std::string>& names, const std::string& name);
+
+/// What is kept of a deleted shot: the digest of its key in the reel.
+std::string deletedShot(const Shot& shot);
+
+} // namespace reeldb::app
+
+#endif
