@@ -14,6 +14,9 @@ void addCommands(CommandLine& line)
   addCreate(line);
   addSet(line);
   addRename(line);
+  addAlias(line);
+  addMerge(line);
+  addSplit(line);
   addCopy(line);
   addShots(line);
   addWhich(line);
@@ -25,6 +28,7 @@ void addCommands(CommandLine& line)
   addHistory(line);
   addWatch(line);
   addListFile(line);
+  addShot(line);
   addNames(line);
   addProject(line);
   addDevice(line);

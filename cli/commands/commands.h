@@ -8,6 +8,7 @@
 
 namespace reeldb::cli {
 
+void addAlias(CommandLine& line);
 void addCopy(CommandLine& line);
 void addCreate(CommandLine& line);
 void addDelete(CommandLine& line);
@@ -21,14 +22,17 @@ void addInit(CommandLine& line);
 void addLabelMap(CommandLine& line);
 void addList(CommandLine& line);
 void addListFile(CommandLine& line);
+void addMerge(CommandLine& line);
 void addNames(CommandLine& line);
 void addProject(CommandLine& line);
 void addReelsOf(CommandLine& line);
 void addRedo(CommandLine& line);
 void addRename(CommandLine& line);
 void addSet(CommandLine& line);
+void addShot(CommandLine& line);
 void addShots(CommandLine& line);
 void addShow(CommandLine& line);
+void addSplit(CommandLine& line);
 void addType(CommandLine& line);
 void addUndelete(CommandLine& line);
 void addUndo(CommandLine& line);

@@ -7,6 +7,7 @@
 
 #include "app/import.h"
 #include "app/json/json.h"
+#include "base/text_width.h"
 #include "commands/import_report.h"
 #include "commands/name_options.h"
 #include "commands/tables.h"
@@ -23,6 +24,7 @@ struct Options {
   app::Replacing replacing;
   NameOptions names;
   std::optional<std::string> type;
+  std::vector<std::string> asNew;
   bool dryRun = false;
   bool json = false;
 };
@@ -65,9 +67,25 @@ std::vector<app::ListFile> readAll(const std::vector<std::string>& paths, const 
       fmt::format("import: nothing imported ({} of {} files cannot be read)", failures.size(), paths.size()));
 }
 
+/// "NAME=REEL", or the reel alone.
+std::vector<app::OtherReel> otherReels(const std::vector<std::string>& words)
+{
+  std::vector<app::OtherReel> reels;
+  for (const std::string& word : words) {
+    const std::size_t equals = word.find('=');
+    reels.push_back(equals == std::string::npos ? app::OtherReel{{}, word}
+                                                : app::OtherReel{word.substr(0, equals), word.substr(equals + 1)});
+    if (equals == 0)
+      throw app::Error(
+          app::ErrorKind::Invalid,
+          fmt::format("import: --as-new {}: no name before the equals sign (use NAME=REEL)", base::shortText(word)));
+  }
+  return reels;
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
-  const app::Treatment treatment{options.names.rules(), options.type};
+  const app::Treatment treatment{options.names.rules(), options.type, otherReels(options.asNew)};
   std::vector<app::ListFile> files = readAll(options.files, options.names.reading());
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
   const app::ImportReport report = [&] {
@@ -95,7 +113,8 @@ void addImport(CommandLine& line)
        .description = "Import cut lists, log files and timelines, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
                     "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
-                    "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale"},
+                    "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale",
+                    "reeldb import day2.edl --as-new A001=A001_DAY2"},
        .details =
            "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO); their content shows which\n"
            "they are. Every clip becomes a shot. A source without a reel name is named by its file. A shot that has "
@@ -116,13 +135,20 @@ void addImport(CommandLine& line)
            "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
            "clip\n"
            "takes a clip name that begins with a cut name for the whole name, even if it has no ending of a file.\n"
-           "A later import without --match exact may join the reels that it kept apart."},
+           "A later import without --match exact may join the reels that it kept apart.\n"
+           "\n"
+           "--as-new A001=A001_DAY2 says that A001 in these lists is another tape than in the project: they make the\n"
+           "new reel A001_DAY2. The new name alone is enough if the lists have only one reel. New versions of the\n"
+           "lists mean it, too. reeldb split --list parts a list that was imported before."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.texts("FILE", options->files, "The files").required().shownAs("");
   command.flag("--replace", options->replacing.byName, "Replace the earlier version of the list");
   command.text("--as", options->replacing.list, "Replace this list of the project").shownAs("LIST");
   addNameOptions(command, options->names);
   command.text("--type", options->type, "The type of the reels that are made").shownAs("TYPE");
+  command.texts("--as-new", options->asNew, "A reel of these lists that is another tape; may be given several times")
+      .shownAs("NAME=REEL")
+      .oneEachTime();
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

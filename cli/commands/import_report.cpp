@@ -125,6 +125,8 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
                   imported.shotsThere - imported.shotsRepeated);
   if (imported.shotsRepeated > 0)
     result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
+  if (imported.shotsLeftOut > 0)
+    result += fmt::format(", {} left out (deleted before)", imported.shotsLeftOut);
   result += "\n";
   result += keepingText(imported);
   result += reelsText(did(mood, "created"), imported.created, columns);

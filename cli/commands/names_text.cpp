@@ -12,14 +12,11 @@ namespace reeldb::cli {
 using base::displayText;
 using base::displayWidth;
 
-namespace {
-
-/// Why a name means a reel with another name, for people. Empty for the reel's own name.
 std::string_view reasonOf(lists::Match match)
 {
   switch (match) {
   case lists::Match::Decided:
-    return "an old name";
+    return "decided";
   case lists::Match::SourceId:
     return "the same source id";
   case lists::Match::SameName:
@@ -35,8 +32,6 @@ std::string_view reasonOf(lists::Match match)
   }
   return "";
 }
-
-} // namespace
 
 std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
                     std::size_t indent)

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "app/names.h"
@@ -13,6 +14,9 @@ namespace reeldb::cli {
 /// The heading and then the names, separated by commas and wrapped. Further lines are indented by @p indent.
 std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
                     std::size_t indent);
+
+/// Why a name means a reel with another name. Empty for the reel's own name.
+std::string_view reasonOf(lists::Match match);
 
 /// The names that mean a reel with another name, or perhaps do, one per line. One more line counts the names that may
 /// be cut according to clip names alone.

@@ -65,11 +65,11 @@ void addWhich(CommandLine& line)
        .examples = {"reeldb which a001", "reeldb which A002 --json"},
        .details =
            "Shows all reels that the name may mean, and the reasons. From the strongest to the weakest, these are:\n"
-           "the name is the reel's identifier; it differs from the identifier only in letter case; it is the\n"
-           "identifier as a list with names of 6, 8, 32 or 129 characters cuts it; a list gave it as another name\n"
-           "of the reel (in its source table, a note or a column); it is an old name of the reel, or an old name as\n"
-           "a list cuts it. If the strongest reason applies to several reels, the name is ambiguous. The exit code\n"
-           "is 0 if a reel is found, even if the name is ambiguous, else 1."},
+           "the name is the reel's identifier; it differs from the identifier only in letter case; it was given to\n"
+           "the reel (reeldb alias); it is the identifier as a list with names of 6, 8, 32 or 129 characters cuts\n"
+           "it; a list gave it as another name of the reel (in its source table, a note or a column); it is an old\n"
+           "name of the reel, or an old name as a list cuts it. If the strongest reason applies to several reels,\n"
+           "the name is ambiguous. The exit code is 0 if a reel is found, even if the name is ambiguous, else 1."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("TEXT", options->name, "The name").required().shownAs("");
   command.json(options->json);

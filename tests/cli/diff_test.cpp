@@ -132,7 +132,7 @@ TEST_F(Diff, OldNameOfAReelIsThatReel)
   EXPECT_EQ(output({"diff", "one.edl"}), "no differences\n");
   dir_.write("two.edl", clip(1, "B001", "01:00:00:00", "SIX"));
   EXPECT_EQ(text({"two.edl"}).find("reel new"), std::string::npos);
-  EXPECT_NE(text({"two.edl"}).find("  B001 is C001_210609_H1KV (an old name)\n"), std::string::npos);
+  EXPECT_NE(text({"two.edl"}).find("  B001 is C001_210609_H1KV (decided)\n"), std::string::npos);
 }
 
 TEST_F(Diff, ShotTwiceInTheListIsAddedOnce)

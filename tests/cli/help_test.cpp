@@ -59,6 +59,7 @@ protected:
     dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                                   "* FROM CLIP NAME: KITCHEN WIDE\n" +
                                   event(2, "A002", "V", "01:00:00:00", "01:00:01:00"));
+    dir_.write("day2.edl", "TITLE: DAY 2\n" + event(1, "A001", "V", "02:00:00:00", "02:00:01:00"));
     dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t25\n\nColumn\n"
                              "Name\tTracks\tStart\tEnd\tTape\n\nData\n"
                              "shot one\tVA1A2\t01:00:00:00\t01:00:05:00\tA002\n");
@@ -124,6 +125,9 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb create",
                           "reeldb set",
                           "reeldb rename",
+                          "reeldb alias",
+                          "reeldb merge",
+                          "reeldb split",
                           "reeldb copy",
                           "reeldb shots",
                           "reeldb which",
@@ -139,6 +143,9 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb list-file show",
                           "reeldb list-file used-in",
                           "reeldb list-file remove",
+                          "reeldb shot",
+                          "reeldb shot move",
+                          "reeldb shot delete",
                           "reeldb names",
                           "reeldb names check",
                           "reeldb project",

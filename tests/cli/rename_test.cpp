@@ -67,7 +67,10 @@ TEST_F(Rename, DryRunReportsTheShotsAsTheRenamingWould)
   would["dry_run"] = false;
   would["stored"] = true;
   EXPECT_EQ(Json::parse(reeldb({"rename", "A001", "C001", "--json"}).out), would);
-  EXPECT_EQ(json({"shots", "C001", "--json"}), would.at("shots"));
+  Json shots = json({"shots", "C001", "--json"});
+  for (Json& shot : shots)
+    shot.erase("number");
+  EXPECT_EQ(shots, would.at("shots"));
 }
 
 TEST_F(Rename, OtherSpellingOfItsOwnNameIsTaken)
