@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -11,6 +12,7 @@
 
 #include "app/host_errors.h"
 #include "app/host_text.h"
+#include "app/list_choice.h"
 #include "app/project_names.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -143,16 +145,21 @@ std::vector<Need> needsOfReel(Session& session, const std::string& reel)
   });
 }
 
-std::vector<Need> needsOfList(Session& session, const lists::List& list, lists::NameRules rules)
+std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::NameRules rules)
 {
   return guarded([&] {
     Needs needs(session);
     ProjectNames names(session, rules);
-    for (const lists::Clip& clip : list.clips)
+    std::vector<lists::Clip> clips = file.list.clips;
+    if (names.readsLists() && reelhost::keepsLists())
+      if (const std::optional<reelhost::KeptList> kept = listWith(reelhost::digestOf(file.bytes)))
+        for (lists::Clip& clip : clips)
+          names.read(kept->number, clip);
+    for (const lists::Clip& clip : clips)
       names.add(clip);
     names.settle();
     std::unordered_set<std::string> met;
-    for (const lists::Clip& clip : list.clips) {
+    for (const lists::Clip& clip : clips) {
       NamedReel name = names.find(clip);
       Need& need = needs.addShot(name.reel);
       if (met.insert(base::fold(name.name) + '\n' + name.sourceId).second)

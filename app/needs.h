@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "app/list_files.h"
 #include "app/names.h"
 #include "app/reels.h"
 #include "app/session.h"
-#include "lists/list.h"
 
 namespace reeldb::app {
 
@@ -40,9 +40,8 @@ std::vector<Need> needsOfClips(Session& session, const std::vector<std::string>&
 std::vector<Need> needsOfReel(Session& session, const std::string& reel);
 
 /// The needs of a list, which need not be imported. Empty if none of its clips has a reel. Its names are
-/// matched by @p rules. Throws Error.
-std::vector<Need> needsOfList(Session& session, const lists::List& list,
-                              lists::NameRules rules = lists::NameRules::All);
+/// matched by @p rules; if the project keeps the list, they mean what a person decided for it. Throws Error.
+std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::NameRules rules = lists::NameRules::All);
 
 std::size_t readyCount(const std::vector<Need>& needs);
 

@@ -97,7 +97,7 @@ ExitCode ofList(const Options& options, const Globals& globals)
   const lists::NameRules rules = options.names.rules();
   const app::ListFile file = app::readListFile(*options.file, options.names.reading());
   app::Session session(globals.project, app::Access::Read);
-  const std::vector<app::Need> needs = app::needsOfList(session, file.list, rules);
+  const std::vector<app::Need> needs = app::needsOfList(session, file, rules);
   if (!needs.empty())
     report(options, needs);
   complainOfTheRest(file);

@@ -14,6 +14,7 @@
 #include "app/import.h"
 #include "app/json/json.h"
 #include "app/merge.h"
+#include "app/needs.h"
 #include "app/reels.h"
 #include "app/rename.h"
 #include "app/split.h"
@@ -425,6 +426,11 @@ TEST_F(Decisions, ReelOfOneListIsAnotherTapeAgainAndInNewVersions)
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_DAY2 1", "B001 1"}));
   expectNothingNew(list("two.edl", {{"A001C001"}, {"B001", 20}}));
   expectNothingNew(list("one.edl", {{"A001C001"}}));
+  const auto neededReel = [](const app::ListFile& file) {
+    return with(app::Access::Read, [&](app::Session& session) { return app::needsOfList(session, file).front().id; });
+  };
+  EXPECT_EQ(neededReel(list("two.edl", {{"A001C001"}, {"B001", 20}})), "A001C001_DAY2");
+  EXPECT_EQ(neededReel(list("one.edl", {{"A001C001"}})), "A001C001");
   EXPECT_EQ(import(list("three.edl", {{"A001C001"}})).lists.front().shotsAdded, 0U);
   undo();
   const app::ListDiff diff = with(app::Access::Read, [&](app::Session& session) {

@@ -23,7 +23,7 @@ protected:
     const app::ListFile file = app::readListFile(cutList("needs.edl", reels));
     app::Session session({}, app::Access::Read);
     reelhost::Script::the().reset();
-    return app::needsOfList(session, file.list);
+    return app::needsOfList(session, file);
   }
 };
 
@@ -56,7 +56,7 @@ app::Need needOf(const reeldb_tests::TempFolder& folder, const std::string& reel
   const app::ListFile file = app::readListFile(
       folder.write("need.edl", "001  " + padded + " V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"));
   app::Session session({}, app::Access::Read);
-  return app::needsOfList(session, file.list, rules).at(0);
+  return app::needsOfList(session, file, rules).at(0);
 }
 
 TEST_F(Needs, CutNameOfTwoReelsIsPerhapsThese)
@@ -92,7 +92,7 @@ TEST_F(Needs, NameThatMayMeanOnlyReelsWithoutARecordIsMissing)
       "two.edl", "001  A001C001                 V     C        01:00:00:00 01:00:01:00 10:00:00:00 10:00:01:00\n"
                  "002  A001C001_200303_F701     V     C        01:00:00:00 01:00:01:00 10:00:01:00 10:00:02:00\n"));
   app::Session session({}, app::Access::Read);
-  for (const app::Need& need : app::needsOfList(session, file.list))
+  for (const app::Need& need : app::needsOfList(session, file))
     EXPECT_EQ(need.state(), "missing") << need.id;
 }
 

@@ -256,7 +256,7 @@ TEST_F(ProjectNames, NeedsAndDifferencesKnowTheReelOfACutName)
   importList({{whole, "one"}});
   const app::ListFile cutList = list({{cut, "one"}});
   app::Session session({}, app::Access::Read);
-  const std::vector<app::Need> needs = app::needsOfList(session, cutList.list);
+  const std::vector<app::Need> needs = app::needsOfList(session, cutList);
   ASSERT_EQ(needs.size(), 1u);
   EXPECT_EQ(needs.front().id, whole);
   EXPECT_TRUE(needs.front().reel);
