@@ -306,11 +306,11 @@ void followers(Table& table)
   }
   for (const auto& [kind, name] : kinds) {
     auto& bySize = all[kind];
-    table.add({fmt::format("{} of others, {} to {} reels", name, sizes[0], sizes[2]),
-               "growth of the bare watch",
-               "x",
-               bySize[sizes[2]].ours.at(0.5) / bySize[sizes[0]].ours.at(0.5),
-               bySize[sizes[2]].bare.at(0.5) / bySize[sizes[0]].bare.at(0.5),
+    table.add({fmt::format("{} of others, {} reels, median", name, sizes[2]),
+               fmt::format("the same, {} reels", sizes[0]),
+               "ms",
+               bySize[sizes[2]].ours.at(0.5),
+               bySize[sizes[0]].ours.at(0.5),
                1.5,
                {}});
   }
