@@ -6,6 +6,7 @@
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -28,10 +29,11 @@ std::vector<std::string> troublesOf(const std::optional<Reel>& reel)
   if (!reel)
     return {"missing"};
   std::vector<std::string> troubles;
+  const auto add = [&](std::string trouble) { troubles.push_back(std::move(trouble)); };
   if (!reel->available)
-    troubles.emplace_back("unavailable");
+    add("unavailable");
   if (!isListedType(reel->type))
-    troubles.emplace_back("unknown type");
+    add("unknown type");
   return troubles;
 }
 
