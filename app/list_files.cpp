@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "app/list_files.h"
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -29,6 +31,15 @@ ErrorKind kindFrom(base::FileFault fault)
   return ErrorKind::Io;
 }
 
+/// The file with the list: in a folder of FCPXML that is not the folder itself.
+std::string fileOfList(const std::string& path)
+{
+  namespace fs = std::filesystem;
+  const fs::path inner = fs::path(path) / "Info.fcpxml";
+  std::error_code ignored; // then the path itself says why it cannot be read
+  return fs::is_regular_file(inner, ignored) ? inner.string() : path;
+}
+
 } // namespace
 
 std::string readInputFile(const std::string& path, std::size_t largest)
@@ -42,10 +53,11 @@ std::string readInputFile(const std::string& path, std::size_t largest)
 
 ListFile readListFile(const std::string& path, const lists::ReadOptions& options)
 {
-  std::string bytes = readInputFile(path, largestList);
+  std::string bytes = readInputFile(fileOfList(path), largestList);
   try {
     lists::List list = lists::read(bytes, options);
-    return {path, std::move(list), std::move(bytes)};
+    const std::size_t end = path.find_last_not_of('/'); // of a folder
+    return {path.substr(0, end + 1), std::move(list), std::move(bytes)};
   } catch (const lists::Error& error) {
     throw Error(ErrorKind::Unreadable, fmt::format("{}: {}", path, error.what()));
   }

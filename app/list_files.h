@@ -21,7 +21,7 @@ struct ListFile {
   std::string bytes;
 };
 
-/// Reads a cut list or log file of at most 256 MiB. Throws Error: NotFound if there is no such file; Unreadable if it
+/// Reads a list of at most 256 MiB: a file, or a folder of FCPXML. Throws Error: NotFound if there is no such file; Unreadable if it
 /// is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
 ListFile readListFile(const std::string& path, const lists::ReadOptions& options = {});
 

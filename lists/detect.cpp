@@ -8,6 +8,7 @@
 #include "lists/otio.h"
 #include "lists/text.h"
 #include "lists/timeline.h"
+#include "lists/xml_root.h"
 
 namespace reeldb::lists {
 
@@ -20,6 +21,10 @@ std::string_view wordOf(Format format)
     return "ale";
   case Format::Otio:
     return "otio";
+  case Format::Xmeml:
+    return "xmeml";
+  case Format::Fcpxml:
+    return "fcpxml";
   }
   return "";
 }
@@ -28,6 +33,8 @@ std::optional<Format> detectText(std::string_view text)
 {
   if (isOtio(trimWhite(text)))
     return Format::Otio;
+  if (const std::string_view root = rootName(trimWhite(text)); root == "xmeml" || root == "fcpxml")
+    return root == "xmeml" ? Format::Xmeml : Format::Fcpxml;
   bool first = true;
   bool emptyCut = false; // nothing but notes, and numbers of events below a title
   bool titled = false;

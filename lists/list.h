@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO): bytes in, a plain value out. It uses
-// neither the host nor the library nor files. docs/formats/ describes what is understood of each format.
+// Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML): bytes in, a plain value
+// out. It uses neither the host nor the library nor files. docs/formats/ describes what is understood of each format.
 #ifndef REELDB_LISTS_LIST_H
 #define REELDB_LISTS_LIST_H
 
@@ -21,11 +21,11 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-enum class Format { Edl, Ale, Otio };
+enum class Format { Edl, Ale, Otio, Xmeml, Fcpxml };
 
-inline constexpr std::array formats = {Format::Edl, Format::Ale, Format::Otio};
+inline constexpr std::array formats = {Format::Edl, Format::Ale, Format::Otio, Format::Xmeml, Format::Fcpxml};
 
-/// "edl", "ale", "otio"
+/// "edl", "ale", "otio", "xmeml", "fcpxml"
 std::string_view wordOf(Format format);
 
 /// The place of a list that gives the name of a clip's source.
@@ -48,10 +48,11 @@ std::string_view wordOf(NameEvidence evidence);
 /// The kinds of source ids.
 inline constexpr std::string_view umidKind = "umid";          ///< a UMID, the same in every list
 inline constexpr std::string_view tableKind = "source table"; ///< any other id in the source table of a cut list
+inline constexpr std::string_view assetKind = "asset";        ///< the uid of an asset of FCPXML
 
 /// An id that a list gives a source.
 struct SourceId {
-  std::string kind; ///< umidKind or tableKind
+  std::string kind; ///< umidKind, tableKind or assetKind
   std::string id;   ///< as written
   friend bool operator==(const SourceId&, const SourceId&) = default;
 };

@@ -31,6 +31,7 @@ inline constexpr std::string_view noSourceReason = "no tape and no source file";
 /// Why something in a timeline has no source.
 inline constexpr std::string_view gapReason = "gap";
 inline constexpr std::string_view nestedReason = "nested sequence";
+inline constexpr std::string_view multicamReason = "multicam clip";
 inline constexpr std::string_view generatedReason = "generated";
 
 /// AX, in any case: a source without a tape; its clip name or source file identifies it.

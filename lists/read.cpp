@@ -8,16 +8,19 @@
 #include "lists/detect.h"
 #include "lists/edl.h"
 #include "lists/encoding.h"
+#include "lists/fcpxml.h"
 #include "lists/list.h"
 #include "lists/otio.h"
 #include "lists/text.h"
+#include "lists/xmeml.h"
+#include "lists/xml_root.h"
 
 namespace reeldb::lists {
 
 namespace {
 
 /// What the file is instead, as far as its start and a few words say.
-std::string_view whatElse(std::string_view bytes, std::string_view text)
+std::string whatElse(std::string_view bytes, std::string_view text)
 {
   const auto has = [text](std::string_view word) { return text.find(word) != std::string_view::npos; };
   if (bytes.starts_with("\xD0\xCF\x11\xE0"))
@@ -29,11 +32,9 @@ std::string_view whatElse(std::string_view bytes, std::string_view text)
   if (has(std::string_view("\0", 1)))
     return "it holds binary data";
   text = trim(text);
-  if (text.starts_with('<'))
-    return has("<xmeml")                     ? "it is XML: xmeml"
-           : has("<fcpxml")                  ? "it is XML: FCPXML"
-           : has("<hashlist") || has("<mhl") ? "it is XML: a media hash list (MHL)"
-                                             : "it is XML";
+  if (const std::string_view root = rootName(text); !root.empty())
+    return root == "hashlist" || root == "mhl" ? std::string("it is XML: a media hash list (MHL)")
+                                               : "it is XML without a list: " + inQuotes(root);
   if (text.starts_with('{') || text.starts_with('['))
     return "it is JSON";
   const std::string_view first = text.substr(0, text.find_first_of("\r\n"));
@@ -72,6 +73,10 @@ List readAs(Format format, const std::string& text, const ReadOptions& options)
     return readAle(text);
   case Format::Otio:
     return readOtio(text);
+  case Format::Xmeml:
+    return readXmeml(text);
+  case Format::Fcpxml:
+    return readFcpxml(text);
   }
   return {};
 }
@@ -95,7 +100,7 @@ List read(std::string_view bytes, const ReadOptions& options)
   }
   if (isUnmarkedUtf16(bytes))
     throw Error("UTF-16 without a byte order mark (save it as UTF-8)");
-  throw Error("not a cut list, a log file or a timeline (" + std::string(whatElse(bytes, text)) + ")");
+  throw Error("not a cut list, a log file or a timeline (" + whatElse(bytes, text) + ")");
 }
 
 std::vector<Clip> eventsOf(const List& list)

@@ -8,7 +8,8 @@ set -eu
 job=${1:-run}
 
 build="g++ cmake ninja-build make libsqlite3-dev libtomlplusplus-dev libcli11-dev libfmt-dev nlohmann-json3-dev
-       libutfcpp-dev zlib1g-dev libmd-dev rapidjson-dev"
+       libutfcpp-dev zlib1g-dev libmd-dev rapidjson-dev
+       libpugixml-dev"
 tests="abigail-tools libgtest-dev libgmock-dev binutils clang-format-14 locales pkg-config procps bash zsh fish groff-base"
 check="clang-14 libclang-rt-14-dev clang-tidy-14 doxygen llvm-14 python3 valgrind"
 bench="gnuplot-nox python3 valgrind sqlite3"

@@ -116,8 +116,8 @@ void addImport(CommandLine& line)
                     "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale",
                     "reeldb import day2.edl --as-new A001=A001_DAY2"},
        .details =
-           "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO); their content shows which\n"
-           "they are. Every clip becomes a shot. A source without a reel name is named by its file. A shot that has "
+           "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML); their\n"
+           "content shows which they are. Every clip becomes a shot. A source without a reel name is named by its file. A shot that has "
            "the same reel, clip name, source in, source out and tracks as\n"
            "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
            "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"

@@ -23,6 +23,8 @@ std::string_view lineName(lists::Format format)
   case lists::Format::Ale:
     return "row";
   case lists::Format::Otio:
+  case lists::Format::Xmeml:
+  case lists::Format::Fcpxml:
     return "item";
   }
   return "";

@@ -28,6 +28,18 @@ TEST_F(ListFiles, ListIsReadWithItsPath)
   EXPECT_EQ(read.list.clips.size(), 2u);
 }
 
+TEST_F(ListFiles, FolderOfFcpxmlIsAListWithTheNameOfTheFolder)
+{
+  std::filesystem::create_directory(path("cut.fcpxmld"));
+  folder_.write("cut.fcpxmld/Info.fcpxml", "<fcpxml version='1.10'><asset-clip name='a' duration='1s'/></fcpxml>");
+  for (const std::string& name : {path("cut.fcpxmld"), path("cut.fcpxmld/")}) {
+    const app::ListFile read = app::readListFile(name);
+    EXPECT_EQ(read.path, path("cut.fcpxmld"));
+    EXPECT_EQ(read.list.format, lists::Format::Fcpxml);
+    EXPECT_EQ(read.list.clips.size(), 1u);
+  }
+}
+
 TEST_F(ListFiles, WhatCannotBeReadIsOfTheRightKind)
 {
   folder_.write("empty.edl", "");

@@ -49,7 +49,7 @@ TEST(Detect, HeadingOrColumnInFrontMakesALogFile)
 
 TEST(Detect, OtherTextsAreNeither)
 {
-  for (const char* text : {"", "\n\n", "Title: an essay\nIt was a dark night.\n", "<?xml version=\"1.0\"?>\n<xmeml/>\n",
+  for (const char* text : {"", "\n\n", "Title: an essay\nIt was a dark night.\n", "<?xml version=\"1.0\"?>\n<html/>\n",
                            "1\n00:00:01,000 --> 00:00:04,000\nHello\n", "{\"clips\": []}", "The Heading\n",
                            "001 apples\n", "Headings\n", "* a note\n001 apples\n", "-- \nfoo\n"})
     EXPECT_EQ(detectText(text), std::nullopt) << text;
