@@ -57,8 +57,7 @@ ExitCode remove(const Options& options, const Globals& globals)
   }
   printShots(deleted.shots);
   print(fmt::format("{} {}\n", counted(deleted.shots.size(), "shot"), options.dryRun ? "would be deleted" : "deleted"));
-  print(options.dryRun ? "dry run: the project stays as it was\n"
-                       : "lists do not bring them back; reeldb undo does\n");
+  print(options.dryRun ? "dry run: the project stays as it was\n" : "lists do not bring them back; reeldb undo does\n");
   return done;
 }
 
