@@ -11,6 +11,8 @@
 #include "app/kept_lists.h"
 #include "app/projects.h"
 #include "base/display_text.h"
+#include "lists/name_forms.h"
+#include "lists/names.h"
 #include "lists/write.h"
 
 namespace reeldb::app {
@@ -46,6 +48,27 @@ std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& lis
   return remarks;
 }
 
+/// Whether what the list calls its reel is a form of that name: a spelling, a cut form, or with another ending.
+bool isCalled(const Shot& event, const std::string& reel)
+{
+  const auto isForm = [&](const std::string& name, bool mayBeCut) {
+    return lists::isSameName(lists::partsOf(name).stem, lists::partsOf(reel).stem) ||
+           lists::isShortForm(name, mayBeCut, reel);
+  };
+  return isForm(event.reel, event.mayBeCut) || isForm(event.event.reelText, lists::fillsField(event.event));
+}
+
+/// Gives the event the reel that its shot has now. A text of the list that means another reel goes: another reel may
+/// have that name now.
+void takeReel(Shot& event, const std::string& reel)
+{
+  if (!isCalled(event, reel))
+    event.event.reelText.clear();
+  if (event.ownName.empty())
+    event.ownName = event.reel;
+  event.reel = reel;
+}
+
 } // namespace
 
 Written exportList(Session& session, const std::string& name, const ListForm& form)
@@ -54,11 +77,8 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
   std::vector<Shot> events;
   for (const ListUse& use : found.events) {
     events.push_back(use.clip);
-    if (use.reel.empty())
-      continue;
-    if (events.back().ownName.empty())
-      events.back().ownName = events.back().reel;
-    events.back().reel = use.reel;
+    if (!use.reel.empty())
+      takeReel(events.back(), use.reel);
   }
   const bool isLog =
       form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);

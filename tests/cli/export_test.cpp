@@ -207,12 +207,39 @@ TEST_F(Export, ListHasTheNamesThatItsReelsHaveNow)
   ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
   ASSERT_EQ(reeldb({"rename", "A001", "A021C012_210609_H1KV"}).code, 0);
   const ProcessResult result = reeldb({"export", "EVENING"});
-  EXPECT_NE(result.out.find("* REEL MAP: A001 = A021C012_210609_H1KV\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("* REEL MAP: A021C012 = A021C012_210609_H1KV\n"), std::string::npos) << result.out;
+  EXPECT_EQ(result.out.find("A001"), std::string::npos) << result.out;
   dir_.write("out.edl", result.out);
   output({"project", "new", "copy"});
   output({"-p", "copy", "import", "out.edl"});
   EXPECT_EQ(json({"-p", "copy", "list", "--json"}).at(0).at("id"), "A021C012_210609_H1KV");
   EXPECT_EQ(contents("copy"), contents("main"));
+}
+
+TEST_F(Export, ListWithANewNameThatWasTheOldOneOfAnotherReelIsNotMisread)
+{
+  dir_.write("cut.edl", "TITLE: X\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                            event(2, "A002", "V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A001", "X001"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A002", "A001"}).code, 0);
+  const std::string text = output({"export", "cut.edl"});
+  EXPECT_NE(text.find("\n001  X001 "), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  A001 "), std::string::npos) << text;
+  EXPECT_EQ(text.find("REEL MAP"), std::string::npos) << text;
+}
+
+TEST_F(Export, ListKeepsTheTextThatIsAFormOfTheReelsPresentName)
+{
+  dir_.write("cut.edl", "TITLE: X\n" + event(1, "A021C012", "V", "01:00:00:00", "01:00:01:00") +
+                            event(2, "TAPE.7", "V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A021C012", "A021C012_210609_H1KV"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "TAPE.7", "TAPE_7"}).code, 0);
+  const std::string text = output({"export", "cut.edl"});
+  EXPECT_NE(text.find("\n001  A021C012 "), std::string::npos) << text;
+  EXPECT_NE(text.find("* REEL MAP: A021C012 = A021C012_210609_H1KV\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  TAPE.7 "), std::string::npos) << text;
 }
 
 TEST_F(Export, EventsOfDeletedShotsAreNamed)
