@@ -31,9 +31,8 @@ std::size_t reelLengthOf(const std::vector<Shot>& events)
 }
 
 /// What the list's own bytes say besides its events.
-std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& list)
+std::vector<std::string> remarksOnOriginal(const lists::List& original, const KeptList& list)
 {
-  const lists::List original = lists::read(originalOf(session, std::to_string(list.number)));
   std::vector<std::string> remarks;
   const auto remark = [&](auto count, const char* what, const std::string& cause) {
     if (count > 0)
@@ -82,11 +81,12 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
   }
   const bool isLog =
       form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);
+  const lists::List original = lists::read(originalOf(session, std::to_string(found.list.number)));
   try {
     lists::Written written =
-        isLog ? lists::writeAle(rateOf(session).rate, events)
+        isLog ? lists::writeAle(rateOf(session).rate, events, original.headingRate)
               : lists::writeEdl(found.list.title, events, form.reelLength ? *form.reelLength : reelLengthOf(events));
-    Written result{std::move(written.text), written.clips, remarksOnOriginal(session, found.list),
+    Written result{std::move(written.text), written.clips, remarksOnOriginal(original, found.list),
                    std::move(written.leftOut)};
     result.remarks.insert(result.remarks.end(), written.remarks.begin(), written.remarks.end());
     return result;

@@ -97,7 +97,7 @@ struct OutColumn {
   bool required = false;
 };
 
-std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
+std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips, const std::string& headingRate)
 {
   std::vector<OutColumn> columns = {
       {"Name", [](const Clip& clip) { return clip.clipName; }, true},
@@ -113,7 +113,7 @@ std::vector<OutColumn> columnsFor(const std::vector<Clip>& clips)
       {"Colons As Written", colonsOf},
   };
   // An empty cell says that the rate of the heading is not the clip's.
-  if (!clips.empty() && commonRate(clips).empty())
+  if (std::any_of(clips.begin(), clips.end(), [&](const Clip& clip) { return clip.frameRate != headingRate; }))
     columns.push_back({"FPS", [](const Clip& clip) { return clip.frameRate; }, true});
   std::size_t aliases = 0;
   for (const Clip& clip : clips)
@@ -165,15 +165,16 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
 
 } // namespace
 
-Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
+Written writeAle(const std::string& rate, const std::vector<Clip>& clips, const std::string& headingRate)
 {
   Written written;
   const std::vector<Clip> writable = writableClips(clips, written);
-  const std::vector<OutColumn> columns = columnsFor(writable);
   const std::string common = commonRate(writable);
+  const std::string heading = !headingRate.empty() ? headingRate : common.empty() ? rate : common;
+  const std::vector<OutColumn> columns = columnsFor(writable, heading);
   written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t";
   written.text.append(writtenVideoFormat).append("\nAUDIO_FORMAT\t").append(writtenAudioFormat);
-  written.text.append("\nFPS\t").append(common.empty() ? rate : common).append("\n\nColumn\n");
+  written.text.append("\nFPS\t").append(heading).append("\n\nColumn\n");
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
   for (const Clip& clip : writable)

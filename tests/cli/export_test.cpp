@@ -278,6 +278,27 @@ TEST_F(Export, LogNamesTheColumnsThatAreNotWrittenBack)
   EXPECT_EQ(result.err, "reeldb: rushes.ale: headings and columns of the log not written: 2 (Scene, Take)\n");
 }
 
+TEST_F(Export, LogKeepsTheRateOfItsHeading)
+{
+  const auto log = [](const std::string& fps, const std::string& rateOfB) {
+    return "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t" + fps +
+           "\n\nColumn\nName\tTape\tTracks\tStart\tEnd\tFPS\n\nData\n"
+           "a\tA001\tV\t01:00:00:00\t01:00:01:00\t24\nb\tB001\tV\t01:00:00:00\t01:00:01:00\t" +
+           rateOfB + "\n";
+  };
+  dir_.write("mixed.ale", log("30000/1001", "48"));
+  dir_.write("odd.ale", log("100", "abc"));
+  dir_.write("same.ale", log("50", "24"));
+  EXPECT_EQ(reeldb({"import", "mixed.ale", "odd.ale", "same.ale"}).code, 0);
+  const ProcessResult mixed = reeldb({"export", "mixed.ale"}), odd = reeldb({"export", "odd.ale"}),
+                      same = reeldb({"export", "same.ale"});
+  EXPECT_NE(mixed.out.find("\nFPS\t29.97\n"), std::string::npos) << mixed.out;
+  EXPECT_EQ(mixed.err, "");
+  EXPECT_EQ(odd.err, "reeldb: odd.ale: headings and columns of the log not written: 2 (FPS 100, FPS)\n");
+  EXPECT_NE(same.out.find("\nFPS\t50\n"), std::string::npos) << same.out;
+  EXPECT_NE(same.out.find("\tA001\t24\n"), std::string::npos) << same.out;
+}
+
 TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)
 {
   dir_.write("evening.edl", cutWithADissolve);
