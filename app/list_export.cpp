@@ -11,6 +11,8 @@
 #include "app/kept_lists.h"
 #include "app/projects.h"
 #include "base/display_text.h"
+#include "lists/name_forms.h"
+#include "lists/names.h"
 #include "lists/write.h"
 
 namespace reeldb::app {
@@ -29,9 +31,8 @@ std::size_t reelLengthOf(const std::vector<Shot>& events)
 }
 
 /// What the list's own bytes say besides its events.
-std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& list)
+std::vector<std::string> remarksOnOriginal(const lists::List& original, const KeptList& list)
 {
-  const lists::List original = lists::read(originalOf(session, std::to_string(list.number)));
   std::vector<std::string> remarks;
   const auto remark = [&](auto count, const char* what, const std::string& cause) {
     if (count > 0)
@@ -46,6 +47,27 @@ std::vector<std::string> remarksOnOriginal(Session& session, const KeptList& lis
   return remarks;
 }
 
+/// Whether what the list calls its reel is a form of that name: a spelling, a cut form, or with another ending.
+bool isCalled(const Shot& event, const std::string& reel)
+{
+  const auto isForm = [&](const std::string& name, bool mayBeCut) {
+    return lists::isSameName(lists::partsOf(name).stem, lists::partsOf(reel).stem) ||
+           lists::isShortForm(name, mayBeCut, reel);
+  };
+  return isForm(event.reel, event.mayBeCut) || isForm(event.event.reelText, lists::fillsField(event.event));
+}
+
+/// Gives the event the reel that its shot has now. A text of the list that means another reel goes: another reel may
+/// have that name now.
+void takeReel(Shot& event, const std::string& reel)
+{
+  if (!isCalled(event, reel))
+    event.event.reelText.clear();
+  if (event.ownName.empty())
+    event.ownName = event.reel;
+  event.reel = reel;
+}
+
 } // namespace
 
 Written exportList(Session& session, const std::string& name, const ListForm& form)
@@ -54,19 +76,17 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
   std::vector<Shot> events;
   for (const ListUse& use : found.events) {
     events.push_back(use.clip);
-    if (use.reel.empty())
-      continue;
-    if (events.back().ownName.empty())
-      events.back().ownName = events.back().reel;
-    events.back().reel = use.reel;
+    if (!use.reel.empty())
+      takeReel(events.back(), use.reel);
   }
   const bool isLog =
       form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);
+  const lists::List original = lists::read(originalOf(session, std::to_string(found.list.number)));
   try {
     lists::Written written =
-        isLog ? lists::writeAle(rateOf(session).rate, events)
+        isLog ? lists::writeAle(rateOf(session).rate, events, original.headingRate)
               : lists::writeEdl(found.list.title, events, form.reelLength ? *form.reelLength : reelLengthOf(events));
-    Written result{std::move(written.text), written.clips, remarksOnOriginal(session, found.list),
+    Written result{std::move(written.text), written.clips, remarksOnOriginal(original, found.list),
                    std::move(written.leftOut)};
     result.remarks.insert(result.remarks.end(), written.remarks.begin(), written.remarks.end());
     return result;

@@ -21,8 +21,8 @@ struct ListFile {
   std::string bytes;
 };
 
-/// Reads a list of at most 256 MiB: a file, or a folder of FCPXML. Throws Error: NotFound if there is no such file; Unreadable if it
-/// is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
+/// Reads a list of at most 256 MiB: a file, or a folder of FCPXML. Throws Error: NotFound if there is no such file;
+/// Unreadable if it is not a regular file (a pipe would make the caller wait), is too large or is not a list; Io.
 ListFile readListFile(const std::string& path, const lists::ReadOptions& options = {});
 
 /// The bytes of a file of at most @p largest bytes. Throws as readListFile does, but takes any content.

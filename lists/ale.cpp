@@ -109,9 +109,11 @@ std::string withoutThem(const std::vector<Column>& columns)
   return columns.size() == 1 ? "without it" : "without them";
 }
 
-/// The frames that a rate such as "25" or "23.976" counts in a second; 0 if the text is not a rate.
+/// The frames that a rate such as "25", "23.976" or "24000/1001" counts in a second; 0 if the text is not a rate.
 int framesASecond(std::string_view rate)
 {
+  if (const std::optional<FrameRate> known = rateOf(rate))
+    return known->frames;
   int whole = 0;
   const auto [end, error] = std::from_chars(rate.data(), rate.data() + rate.size(), whole);
   std::string_view rest(end, static_cast<std::size_t>(rate.data() + rate.size() - end));
@@ -225,6 +227,7 @@ private:
     bool hasText = false;
   };
   std::vector<UnreadColumn> unread_;
+  bool unknownRate_ = false; ///< whether a cell of the column of rates holds another text
 };
 
 List Reader::read(std::string_view text)
@@ -239,6 +242,8 @@ List Reader::read(std::string_view text)
   for (UnreadColumn& column : unread_)
     if (column.hasText)
       collector_.list().unread.push_back(std::move(column.title));
+  if (unknownRate_)
+    collector_.list().unread.emplace_back(columnTitles[Fps]);
   return collector_.finish();
 }
 
@@ -317,16 +322,19 @@ void Reader::noteUnread(std::string_view key, std::string_view value)
   const auto isKey = [key](std::string_view known) { return base::sameName(key, known); };
   const bool isWrittenSo = (isKey("VIDEO_FORMAT") && base::sameName(value, writtenVideoFormat)) ||
                            (isKey("AUDIO_FORMAT") && base::sameName(value, writtenAudioFormat));
-  if (!value.empty() && !isWrittenSo && std::none_of(read.begin(), read.end(), isKey))
+  const bool isUnknownRate = isKey("FPS") && !rateOf(value);
+  if (!value.empty() && !isWrittenSo && (isUnknownRate || std::none_of(read.begin(), read.end(), isKey)))
     collector_.list().unread.push_back(shortened(key, longestTitle) + " " + shortened(value, longestTitle));
 }
 
 void Reader::rate(int number, std::string_view line, std::string_view value)
 {
-  if (const std::optional<FrameRate> known = rateOf(value))
+  if (const std::optional<FrameRate> known = rateOf(value)) {
     rate_ = {rateName(*known), number, std::string(line)};
-  else if (!value.empty())
+    collector_.list().headingRate = rate_.says;
+  } else if (!value.empty()) {
     collector_.warn(number, line, "unknown frame rate " + inQuotes(value) + " (the rows are kept without it)");
+  }
 }
 
 void Reader::titles(int number, std::string_view line)
@@ -455,10 +463,14 @@ void Reader::row(int number, std::string_view line)
   clip.dropFrame =
       std::any_of(timecodeColumns.begin(), timecodeColumns.end(), [&](Column c) { return isDropFrame(cells[c]); });
   // A column of rates is about the tapes, the heading about the project: also of tapes of a format that counts more.
-  if (!hasColumn(Fps))
+  if (!hasColumn(Fps)) {
     clip.frameRate = rate_.line != 0 && framesASecond(rate_.says) == frames_ ? rate_.says : std::string();
-  else if (const std::optional<FrameRate> own = rateOf(cells[Fps]))
+  } else if (const std::optional<FrameRate> own = rateOf(cells[Fps])) {
     clip.frameRate = rateName(*own);
+  } else if (!cells[Fps].empty()) {
+    collector_.warn(number, line, "unknown frame rate " + inQuotes(cells[Fps]) + " (the row is kept without it)");
+    unknownRate_ = true;
+  }
   for (const std::string_view name : cells.alsoCalled)
     clip.aliases.push_back(clean(name));
   for (Column column : aliasColumns)

@@ -193,6 +193,7 @@ struct List {
   std::vector<Warning> warnings;  ///< likewise
   std::vector<Spelling> spellings;
   std::vector<Ambiguous> ambiguous;
+  std::string headingRate; ///< of a log: the rate in its heading, as rateName() writes it; empty if it gives none
   std::vector<std::string> unread; ///< of a log: the headings and the columns with a text that no clip keeps
   Timing timing;
   Tally tally;

@@ -29,9 +29,10 @@ std::string writableText(const std::string& text);
 /// other clip becomes a cut with the next number. Throws Error if the field has fewer names than there are reels.
 Written writeEdl(const std::string& title, const std::vector<Clip>& clips, std::size_t reelField);
 
-/// Writes a log file. A log has no events, so the result warns about what they say of the cut. The rate is that of the
-/// project, "25", "23.98"; the log has it unless all clips have another one.
-Written writeAle(const std::string& rate, const std::vector<Clip>& clips);
+/// Writes a log file. A log has no events, so the result warns about what they say of the cut. Its heading has the rate
+/// that the clips' own log has in its heading; without one the rate of all clips, else that of the project, @p rate:
+/// "25", "23.98".
+Written writeAle(const std::string& rate, const std::vector<Clip>& clips, const std::string& headingRate = {});
 
 } // namespace reeldb::lists
 

@@ -120,7 +120,7 @@ struct OutColumn {
   bool required = false;
 };
 
-std::vector<OutColumn> columnsFor(const std::vector<Row>& clips, bool haveOneRate)
+std::vector<OutColumn> columnsFor(const std::vector<Row>& clips, const std::string& headingRate)
 {
   std::vector<OutColumn> columns = {
       {"Name", [](const Row& clip) { return clip.clipName; }, true},
@@ -138,7 +138,7 @@ std::vector<OutColumn> columnsFor(const std::vector<Row>& clips, bool haveOneRat
       {"Colons As Written", colonsOf},
   };
   // An empty cell says that the rate of the heading is not the clip's.
-  if (!clips.empty() && !haveOneRate)
+  if (std::any_of(clips.begin(), clips.end(), [&](const Row& clip) { return clip.frameRate != headingRate; }))
     columns.push_back({"FPS", [](const Row& clip) { return clip.frameRate; }, true});
   std::size_t aliases = 0;
   for (const Row& clip : clips)
@@ -190,16 +190,17 @@ void remarkOnLimits(Written& written, const std::vector<Clip>& clips, std::size_
 
 } // namespace
 
-Written writeAle(const std::string& rate, const std::vector<Clip>& clips)
+Written writeAle(const std::string& rate, const std::vector<Clip>& clips, const std::string& headingRate)
 {
   Written written;
   const std::vector<Clip> writable = writableClips(clips, written);
   const std::string common = commonRate(writable);
+  const std::string heading = !headingRate.empty() ? headingRate : common.empty() ? rate : common;
   const std::vector<Row> rows = rowsOf(writable);
-  const std::vector<OutColumn> columns = columnsFor(rows, !common.empty());
+  const std::vector<OutColumn> columns = columnsFor(rows, heading);
   written.text = "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t";
   written.text.append(writtenVideoFormat).append("\nAUDIO_FORMAT\t").append(writtenAudioFormat);
-  written.text.append("\nFPS\t").append(common.empty() ? rate : common).append("\n\nColumn\n");
+  written.text.append("\nFPS\t").append(heading).append("\n\nColumn\n");
   addRow(written.text, columns, [](const OutColumn& column) { return column.title; });
   written.text += "\nData\n";
   for (const Row& row : rows)

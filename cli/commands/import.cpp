@@ -117,12 +117,12 @@ void addImport(CommandLine& line)
                     "reeldb import day2.edl --as-new A001=A001_DAY2"},
        .details =
            "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML); their\n"
-           "content shows which they are. Every clip becomes a shot. A source without a reel name is named by its file. A shot that has "
-           "the same reel, clip name, source in, source out and tracks as\n"
-           "another is not added again, so importing a file twice changes nothing. A line that cannot be read is\n"
-           "left out and reported with its number; the exit code is then 4. A line that is odd but can be read is\n"
-           "imported, with a warning. If a list has another frame rate than the project, the line that proves it\n"
-           "is reported. If a file cannot be read, nothing of any file is imported.\n"
+           "content shows which they are. Every clip becomes a shot. A source without a reel name is named by its\n"
+           "file. A shot that has the same reel, clip name, source in, source out and tracks as another is not added\n"
+           "again, so importing a file twice changes nothing. A line that cannot be read is left out and reported\n"
+           "with its number; the exit code is then 4. A line that is odd but can be read is imported, with a warning.\n"
+           "If a list has another frame rate than the project, the line that proves it is reported. If a file cannot\n"
+           "be read, nothing of any file is imported.\n"
            "\n"
            "The project keeps each list. --replace replaces the kept list that has the same file name, or else the\n"
            "same title; --as replaces LIST. The report counts the shots that were added, are gone, were trimmed, or\n"

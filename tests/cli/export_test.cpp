@@ -213,12 +213,41 @@ TEST_F(Export, ListHasTheNamesThatItsReelsHaveNow)
   ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
   ASSERT_EQ(reeldb({"rename", "A001", "A021C012_210609_H1KV"}).code, 0);
   const ProcessResult result = reeldb({"export", "EVENING"});
-  EXPECT_NE(result.out.find("* REEL MAP: A001 = A021C012_210609_H1KV\n"), std::string::npos) << result.out;
+  EXPECT_NE(result.out.find("* REEL MAP: A021C012 = A021C012_210609_H1KV\n"), std::string::npos) << result.out;
+  EXPECT_EQ(result.out.find("A001"), std::string::npos) << result.out;
   dir_.write("out.edl", result.out);
   output({"project", "new", "copy"});
   output({"-p", "copy", "import", "out.edl"});
   EXPECT_EQ(json({"-p", "copy", "list", "--json"}).at(0).at("id"), "A021C012_210609_H1KV");
   EXPECT_EQ(contents("copy"), contents("main"));
+}
+
+TEST_F(Export, ListWithANewNameThatWasTheOldOneOfAnotherReelIsNotMisread)
+{
+  dir_.write("cut.edl", "TITLE: X\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                            event(2, "A002", "V", "02:00:00:00", "02:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A001", "X001"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A002", "A001"}).code, 0);
+  const std::string text = output({"export", "cut.edl"});
+  EXPECT_NE(text.find("\n001  X001 "), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  A001 "), std::string::npos) << text;
+  EXPECT_EQ(text.find("REEL MAP"), std::string::npos) << text;
+}
+
+TEST_F(Export, ListKeepsTheTextThatIsAFormOfTheReelsPresentName)
+{
+  dir_.write("cut.edl", // in a field of eight characters, which the first name fills
+             "TITLE: X\n"
+             "001  A021C012 V     C        01:00:00:00 01:00:01:00 01:00:00:00 01:00:01:00\n"
+             "002  TAPE.7   V     C        02:00:00:00 02:00:01:00 01:00:00:00 01:00:01:00\n");
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A021C012", "A021C012_210609_H1KV"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "TAPE.7", "TAPE_7"}).code, 0);
+  const std::string text = output({"export", "cut.edl"});
+  EXPECT_NE(text.find("\n001  A021C012 "), std::string::npos) << text;
+  EXPECT_NE(text.find("* REEL MAP: A021C012 = A021C012_210609_H1KV\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n002  TAPE.7 "), std::string::npos) << text;
 }
 
 TEST_F(Export, EventsOfDeletedShotsAreNamed)
@@ -256,6 +285,27 @@ TEST_F(Export, LogNamesTheColumnsThatAreNotWrittenBack)
   const ProcessResult result = reeldb({"export", "rushes.ale"});
   EXPECT_EQ(result.code, 0);
   EXPECT_EQ(result.err, "reeldb: rushes.ale: headings and columns of the log not written: 2 (Scene, Take)\n");
+}
+
+TEST_F(Export, LogKeepsTheRateOfItsHeading)
+{
+  const auto log = [](const std::string& fps, const std::string& rateOfB) {
+    return "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t" + fps +
+           "\n\nColumn\nName\tTape\tTracks\tStart\tEnd\tFPS\n\nData\n"
+           "a\tA001\tV\t01:00:00:00\t01:00:01:00\t24\nb\tB001\tV\t01:00:00:00\t01:00:01:00\t" +
+           rateOfB + "\n";
+  };
+  dir_.write("mixed.ale", log("30000/1001", "48"));
+  dir_.write("odd.ale", log("100", "abc"));
+  dir_.write("same.ale", log("50", "24"));
+  EXPECT_EQ(reeldb({"import", "mixed.ale", "odd.ale", "same.ale"}).code, 0);
+  const ProcessResult mixed = reeldb({"export", "mixed.ale"}), odd = reeldb({"export", "odd.ale"}),
+                      same = reeldb({"export", "same.ale"});
+  EXPECT_NE(mixed.out.find("\nFPS\t29.97\n"), std::string::npos) << mixed.out;
+  EXPECT_EQ(mixed.err, "");
+  EXPECT_EQ(odd.err, "reeldb: odd.ale: headings and columns of the log not written: 2 (FPS 100, FPS)\n");
+  EXPECT_NE(same.out.find("\nFPS\t50\n"), std::string::npos) << same.out;
+  EXPECT_NE(same.out.find("\tA001\t24\n"), std::string::npos) << same.out;
 }
 
 TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)

@@ -151,6 +151,32 @@ TEST(RateOfLog, HeadingIsTheRateOfRowsWithoutAColumn)
   EXPECT_EQ(list.timing.rates[0].text, "FPS 23.976");
 }
 
+TEST(RateOfLog, HeadingMayBeAFraction)
+{
+  const List list = read(log("FPS\t24000/1001\n", "", "a\tT1\tV\t01:00:00:00\t01:00:01:00\n"));
+  EXPECT_EQ(rates(list), Strings{"23.98"});
+  EXPECT_EQ(list.headingRate, "23.98");
+  const std::string faster = "a\tT1\tV\t01:00:00:00\t01:00:01:24\n";
+  ASSERT_EQ(read(log("FPS\t24000/1001\n", "", faster)).warnings.size(), 1u);
+}
+
+TEST(RateOfLog, UnknownRatesAreWarnedAboutAndNamedAsUnread)
+{
+  const List list = read(log("FPS\t100\n", "\tFPS",
+                             "a\tT1\tV\t01:00:00:00\t01:00:01:00\tabc\n"
+                             "b\tT2\tV\t01:00:00:00\t01:00:01:00\t26\n"
+                             "c\tT3\tV\t01:00:00:00\t01:00:01:00\t25\n"));
+  EXPECT_EQ(rates(list), (Strings{"", "", "25"}));
+  EXPECT_EQ(list.headingRate, "");
+  Strings reasons;
+  for (const Warning& warning : list.warnings)
+    reasons.push_back(warning.reason);
+  EXPECT_EQ(reasons, (Strings{"unknown frame rate '100' (the rows are kept without it)",
+                              "unknown frame rate 'abc' (the row is kept without it)",
+                              "unknown frame rate '26' (the row is kept without it)"}));
+  EXPECT_EQ(list.unread, (Strings{"FPS 100", "FPS"}));
+}
+
 TEST(RateOfLog, ColumnGoesBeforeTheHeadingAlsoWhereItIsEmpty)
 {
   const List list = read(log("FPS\t24\n", "\tFPS",
