@@ -18,10 +18,11 @@ namespace reeldb::app {
 
 namespace {
 
-constexpr const char* key = "reel_decision";
+constexpr const char* keyBase = "reel_decision";
 constexpr char divider = '\t'; // no name contains it
 
-constexpr std::string_view name = "name", apart = "apart", alias = "alias", inList = "list", deleted = "deleted-shot";
+constexpr std::string_view nameWord = "name", apartWord = "apart", aliasWord = "alias", inListWord = "list",
+                           deletedWord = "deleted-shot";
 
 std::vector<std::string_view> parts(std::string_view text)
 {
@@ -40,15 +41,15 @@ void read(const std::string& text, Decisions& decisions)
 {
   const std::vector<std::string_view> words = parts(text);
   const auto isOf = [&](std::string_view kind, std::size_t count) { return words[0] == kind && words.size() == count; };
-  if (isOf(name, 1))
+  if (isOf(nameWord, 1))
     decisions.namesReel = true;
-  else if (isOf(apart, 1))
+  else if (isOf(apartWord, 1))
     decisions.isApart = true;
-  else if (isOf(alias, 2))
+  else if (isOf(aliasWord, 2))
     decisions.aliases.emplace_back(words[1]);
-  else if (isOf(deleted, 2))
+  else if (isOf(deletedWord, 2))
     decisions.deletedShots.emplace_back(words[1]);
-  else if (NameInList decided; isOf(inList, 4)) {
+  else if (NameInList decided; isOf(inListWord, 4)) {
     std::from_chars(words[1].data(), words[1].data() + words[1].size(), decided.list);
     decided.name = words[2];
     decided.reel = words[3];
@@ -61,7 +62,7 @@ void read(const std::string& text, Decisions& decisions)
 Decisions decisionsOf(ReelDbRec reel)
 {
   Decisions decisions;
-  for (const std::string& text : keptTexts(reel, key))
+  for (const std::string& text : keptTexts(reel, keyBase))
     read(text, decisions);
   return decisions;
 }
@@ -70,21 +71,21 @@ void keepDecisions(ReelDbRec reel, const Decisions& decisions)
 {
   std::vector<std::string> texts;
   if (decisions.namesReel)
-    texts.emplace_back(name);
+    texts.emplace_back(nameWord);
   if (decisions.isApart)
-    texts.emplace_back(apart);
+    texts.emplace_back(apartWord);
   for (const std::string& each : decisions.aliases)
-    texts.push_back(fmt::format("{}\t{}", alias, each));
+    texts.push_back(fmt::format("{}\t{}", aliasWord, each));
   for (const NameInList& each : decisions.inLists)
-    texts.push_back(fmt::format("{}\t{}\t{}\t{}", inList, each.list, each.name, each.reel));
+    texts.push_back(fmt::format("{}\t{}\t{}\t{}", inListWord, each.list, each.name, each.reel));
   for (const std::string& each : decisions.deletedShots)
-    texts.push_back(fmt::format("{}\t{}", deleted, each));
+    texts.push_back(fmt::format("{}\t{}", deletedWord, each));
   for (const std::string& text : texts)
     if (text.size() > longestField)
       throw Error(ErrorKind::Refused,
                   fmt::format("{}: too long to be kept ({} bytes; at most {})",
                               base::shortText(std::string(parts(text).back())), text.size(), longestField));
-  keepTexts(reel, key, texts);
+  keepTexts(reel, keyBase, texts);
 }
 
 void keepGivenName(ReelDbRec reel)

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #include <rapidjson/error/en.h>
 #include <rapidjson/reader.h>
@@ -166,8 +167,8 @@ private:
     if (open_.empty())
       return root_ = std::move(value);
     OtioValue& parent = *open_.back();
-    parent.members.emplace_back(parent.kind == OtioValue::Kind::Object ? name_ : std::string(), std::move(value));
-    return parent.members.back().second;
+    parent.members.push_back({parent.kind == OtioValue::Kind::Object ? name_ : std::string(), std::move(value)});
+    return parent.members.back().value;
   }
 
   const CountingStream& stream_;
@@ -187,8 +188,8 @@ const OtioValue& OtioValue::operator[](std::string_view name) const
 {
   static const OtioValue null;
   const auto found =
-      std::find_if(members.begin(), members.end(), [name](const auto& member) { return member.first == name; });
-  return kind == Kind::Object && found != members.end() ? found->second : null;
+      std::find_if(members.begin(), members.end(), [name](const auto& member) { return member.name == name; });
+  return kind == Kind::Object && found != members.end() ? found->value : null;
 }
 
 std::string_view OtioValue::asText() const
