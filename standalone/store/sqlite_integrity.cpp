@@ -66,7 +66,7 @@ void addProblemsOfHistory(Database& database, std::vector<std::string>& problems
   addEach("SELECT number FROM revisions WHERE last_new > (SELECT value FROM project WHERE key = 'last_number') "
           "OR last_new < first_new OR first_new < 1 ORDER BY number",
           "new logs with numbers that were not given out");
-  addEach("SELECT number FROM revisions WHERE is_redo NOT IN (0, 1) ORDER BY number", "neither a redo nor none");
+  addEach("SELECT number FROM revisions WHERE is_redo NOT IN (0, 1) ORDER BY number", "is_redo is neither 0 nor 1");
   addEach(
       "SELECT number FROM (SELECT number, created, changed, deleted, "
       "ifnull(sign(first_new), 0) AS least, ifnull(last_new - first_new + 1, 0) AS most, "

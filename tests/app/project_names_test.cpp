@@ -210,6 +210,28 @@ TEST_F(ProjectNames, ShotThatIsPartedKeepsItsListsAndUndoTakesThatBack)
   EXPECT_EQ(reelsWithShots(), Names{whole + " 1"});
 }
 
+TEST_F(ProjectNames, PartsOfAShotHaveTheRecordTimesOfTheirOwnUses)
+{
+  const auto importAt = [&](std::string reel, std::size_t width, const std::string& clip, const std::string& hour) {
+    reel.resize(width, ' ');
+    const std::string path =
+        folder_.write("at" + hour + ".edl", "001  " + reel + " V     C        01:00:10:00 01:00:10:10 " + hour +
+                                                ":00:10:00 " + hour + ":00:10:10\n* FROM CLIP NAME: " + clip + "\n");
+    app::Session session({}, app::Access::Write);
+    app::importLists(session, {app::readListFile(path)}, false);
+  };
+  const auto recordIn = [](const std::string& reel) {
+    app::Session session({}, app::Access::Read);
+    return app::shotsOfReel(session, reel).shots.at(0).shot.recordIn;
+  };
+  importAt(whole, 32, "one", "10");
+  importAt(cut, 8, "one", "09");
+  EXPECT_EQ(recordIn(whole), "09:00:10:00"); // one shot with two uses
+  importAt(other, 32, "two", "11");
+  EXPECT_EQ(recordIn(whole), "10:00:10:00");
+  EXPECT_EQ(recordIn(cut), "09:00:10:00");
+}
+
 TEST_F(ProjectNames, FilesOfTwoKindsAreTwoReels)
 {
   importList({{"X", "one", "X.MOV"}, {"X", "two"}});

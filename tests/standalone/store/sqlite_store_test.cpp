@@ -268,7 +268,7 @@ TEST_F(SqliteStoreTest, CheckNamesRevisionsThatChangedOtherLogsThanTheyCount)
   EXPECT_EQ(problemOf("UPDATE revisions SET created = 55 WHERE number = 1"), "revision 1" + counts);
   EXPECT_EQ(problemOf("UPDATE revisions SET created = 0 WHERE number = 1"), "revision 1" + counts);
   EXPECT_EQ(problemOf("UPDATE revisions SET first_new = 1, last_new = 2 WHERE number = 2"), "revision 2" + counts);
-  EXPECT_EQ(problemOf("UPDATE revisions SET is_redo = 5 WHERE number = 1"), "revision 1: neither a redo nor none");
+  EXPECT_EQ(problemOf("UPDATE revisions SET is_redo = 5 WHERE number = 1"), "revision 1: is_redo is neither 0 nor 1");
   EXPECT_EQ(problemOf("UPDATE changes SET before = NULL WHERE revision = 2"), "revision 2" + counts);
 }
 
