@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <limits>
-#include <memory>
 #include <new>
 #include <type_traits>
 
@@ -42,8 +42,16 @@ struct LightweightVector<Cookie>::Storage {
   /// Adds the Cookies at the end. There must be room.
   void append(const Cookie* first, int count)
   {
-    std::uninitialized_copy_n(first, count, items() + used);
+    copy(first, count, items() + used);
     used += count;
+  }
+
+  /// Copies Cookies, also to memory that they overlap. A copy of a Cookie is a copy of its bytes, which the compiler
+  /// does not know: it would call the copy function of the UUID for each of, say, 100,000 reels.
+  static void copy(const Cookie* first, int count, Cookie* to)
+  {
+    if (count > 0)
+      std::memmove(static_cast<void*>(to), first, static_cast<std::size_t>(count) * sizeof(Cookie));
   }
 };
 
@@ -141,7 +149,7 @@ void CookieVec::remove(const Cookie& cookie)
     Storage::drop(s);
     items_.storage = fresh;
   } else {
-    std::copy(found + 1, end(), s->items() + index);
+    Storage::copy(found + 1, count_ - index - 1, s->items() + index);
     s->used = count_ - 1;
   }
   --count_;
