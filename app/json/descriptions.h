@@ -885,6 +885,7 @@ void describe(Io& io, R& commit)
   io("elsewhere", commit.elsewhere);
   io("fields", commit.fields);
   io("lists", commit.lists);
+  io("options", commit.options);
 }
 
 template <class Io, Like<FieldConflict> R>
@@ -924,6 +925,9 @@ void describe(Io& io, R& result)
   io("shots_removed", result.shotsRemoved);
   io("changed", result.logsChanged);
   io("lists", result.lists);
+  io("lists_restored", result.listsRestored);
+  io("lists_removed", result.listsRemoved);
+  io("options", result.options);
 }
 
 template <class Io, Like<Compacted> R>

@@ -24,8 +24,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 void report(const app::NameMeaning& meaning)
 {
   Table table({{"REEL"}, {.title = "SHOTS", .number = true}, {"WHY"}});
@@ -38,7 +36,7 @@ void report(const app::NameMeaning& meaning)
                           counted(meaning.candidates.size(), "reel")));
   if (const std::string text = !meaning.asList.perhaps.empty()
                                    ? std::string()
-                                   : namesText({meaning.asList}, terminalColumns(stdout).value_or(usualColumns));
+                                   : namesText({meaning.asList}, textColumns(stdout));
       !text.empty())
     print("in a list:\n" + text);
 }
