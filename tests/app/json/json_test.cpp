@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "app/json/json.h"
+#include "app/json/from_json.h"
 #include "app/kept_lists.h"
 
 #include <gtest/gtest.h>
