@@ -28,6 +28,7 @@
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
+#include "app/report.h"
 #include "app/rolls.h"
 #include "app/shot_logs.h"
 #include "app/split.h"
@@ -911,6 +912,31 @@ void describe(Io& io, R& deletion)
   io("commit", deletion.commit);
   io("reels", deletion.reels);
   io("shots", deletion.shots);
+}
+
+template <class Io, Like<ReelUse> R>
+void describe(Io& io, R& use)
+{
+  io("list", use.list);
+  io("events", use.events);
+  io("clips", use.clips);
+}
+
+template <class Io, Like<ReportedReel> R>
+void describe(Io& io, R& reel)
+{
+  io("need", reel.need);
+  io("uses", reel.uses);
+}
+
+template <class Io, Like<ReelReport> R>
+void describe(Io& io, R& report)
+{
+  io("project", report.project);
+  io("frame_rate", report.rate);
+  io("time", report.time);
+  io.optional("list", report.list);
+  io("reels", report.reels);
 }
 
 template <class Io, Like<TakenBackCommit> R>
