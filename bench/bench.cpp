@@ -281,6 +281,28 @@ void keeping(Table& table)
              (pages[1] + morePages) / pages[1], "the target is 3 pages more"});
 }
 
+/// What an import does with the names that a project has, as the project grows: the further
+/// instructions of the process for each further reel, up to 100,000 reels, against those up to 10,000.
+void names(Table& table)
+{
+  const auto importInto = [](int reels) {
+    const TempFolder folder;
+    const std::string facility = folder / "facility", list = folder / "list.edl";
+    run(fmt::format("{}reeldb init {}", bin, facility));
+    writeProject(facility + "/projects/bench.reels", reels, 1);
+    writeList(list, 1000, 0);
+    return instructionsOfProcess(fmt::format("{}reeldb -C {} -p bench import {}", bin, facility, list));
+  };
+  const double few = importInto(1000), more = importInto(10000), many = importInto(100000);
+  table.add({"import of 1000 clips: each further reel, to 100000 reels",
+             "each further reel, to 10000 reels",
+             "instructions",
+             (many - more) / 90000,
+             (more - few) / 9000,
+             1.2,
+             {}});
+}
+
 /// Reads what a listing reads: the reels with their fields, and the number of shots of each identifier.
 std::size_t readRows(const std::string& file)
 {
@@ -441,6 +463,7 @@ int main(int argc, char** argv)
       {"listings", listings},
       {"imports", imports},
       {"keeping", keeping},
+      {"names", names},
       {"opening", opening},
       {"type-file", typeFile},
       {"notification", notification},
