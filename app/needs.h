@@ -44,8 +44,8 @@ std::vector<Need> needsOfReel(Session& session, const std::string& reel);
 /// matched by @p rules; if the project keeps the list, they mean what a person decided for it. Throws Error.
 std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::NameRules rules = lists::NameRules::All);
 
-/// The needs of all shots of the project, and its reels without a shot: first the reels in the order of the project, then
-/// those without a record.
+/// The needs of all shots of the project, and its reels without a shot: first the reels in the order of the project,
+/// then those without a record.
 std::vector<Need> needsOfProject(Session& session);
 
 /// The needs of events of lists that the project keeps; a shot is counted for each event.

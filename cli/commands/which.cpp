@@ -34,9 +34,8 @@ void report(const app::NameMeaning& meaning)
   print(one ? fmt::format("{} is {}\n", displayText(meaning.name), displayText(one->reel))
             : fmt::format("{} is ambiguous: {}\n", displayText(meaning.name),
                           counted(meaning.candidates.size(), "reel")));
-  if (const std::string text = !meaning.asList.perhaps.empty()
-                                   ? std::string()
-                                   : namesText({meaning.asList}, textColumns(stdout));
+  if (const std::string text =
+          !meaning.asList.perhaps.empty() ? std::string() : namesText({meaning.asList}, textColumns(stdout));
       !text.empty())
     print("in a list:\n" + text);
 }
