@@ -1057,6 +1057,13 @@ void describe(Io& io, R& check)
   io("problems", check.problems);
 }
 
+template <class Io, Like<Revisions> R>
+void describe(Io& io, R& revisions)
+{
+  io("first", revisions.first);
+  io("last", revisions.last);
+}
+
 template <class Io, Like<ReelEvent> R>
 void describe(Io& io, R& event)
 {
@@ -1077,6 +1084,7 @@ void describe(Io& io, R& event)
     io("fields", event.fields);
   }
   io.optional("commit", event.commit);
+  io.optional("forgotten", event.forgotten);
 }
 
 } // namespace reeldb::app
