@@ -392,12 +392,12 @@ private:
     return {reelhost::logNumber(shots_[place->second].log), isNew};
   }
 
-  /// Lets the shot keep what a further use of it says: the name of its source, as the names of one shot may be two
-  /// reels later, and its record times, if they are earlier.
+  /// Lets the shot keep what a further use of it says, also the name of its source: the names of one shot may be two
+  /// reels later.
   void noteUse(std::size_t place, const Shot& clip)
   {
     KnownShot& known = shots_[place];
-    bool changes = takeEarlierRecord(known.shot, clip);
+    bool changes = takeUse(known.shot, clip);
     if (names_.find(ownNameOf(clip), clip.sourceId).match != lists::Match::Decided) // else the reel keeps that name
       changes = addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}) || changes;
     if (changes)
