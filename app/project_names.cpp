@@ -242,6 +242,17 @@ void ProjectNames::read(std::int64_t list, lists::Clip& clip) const
     giveName(clip, decided->second);
 }
 
+std::unordered_map<std::int64_t, ReelUse> ProjectNames::uses() const
+{
+  std::unordered_map<std::int64_t, ReelUse> uses;
+  for (const Record& record : records_)
+    uses[reelhost::logNumber(record.log)].reel = record.id;
+  for (const KnownShot& known : shots_)
+    if (const auto record = byId_.find(base::fold(known.shot.reel)); record != byId_.end())
+      uses[reelhost::logNumber(records_[record->second].log)].add(known.shot);
+  return uses;
+}
+
 bool ProjectNames::hasRecord(const std::string& id) const
 {
   return ids_.contains(base::fold(id));

@@ -17,6 +17,7 @@
 
 #include "app/decisions.h"
 #include "app/names.h"
+#include "app/new_reel_types.h"
 #include "app/session.h"
 #include "app/shots.h"
 #include "host/cookie.h"
@@ -64,6 +65,9 @@ public:
   const std::vector<KnownShot>& shots() const { return shots_; }
   /// The same, for the caller to change them. The names are asked as before.
   std::vector<KnownShot> takeShots() { return std::move(shots_); }
+  /// What the shots of the project say of the reels that have a record, by the numbers of their logs. REQUIRES: before
+  /// moveShots().
+  std::unordered_map<std::int64_t, ReelUse> uses() const;
   /// Whether a record has the identifier, ignoring ASCII case.
   bool hasRecord(const std::string& id) const;
   /// Whether the names of the shot put it where it lies. Else a person or another program put it there.

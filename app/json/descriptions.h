@@ -594,6 +594,14 @@ void describe(Io& io, R& removed)
   io("shots", removed.shots);
 }
 
+template <class Io, Like<TypeChange> R>
+void describe(Io& io, R& change)
+{
+  io("reel", change.reel);
+  io("from", change.from);
+  io("to", change.to);
+}
+
 template <class Io, Like<ImportReport> R>
 void describe(Io& io, R& report)
 {
@@ -603,6 +611,7 @@ void describe(Io& io, R& report)
   io("reels_removed", report.reelsRemoved);
   io("shots_removed", report.shotsRemoved);
   io("moved", report.moves);
+  io("type_changes", report.typeChanges);
   if constexpr (!Io::writes)
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
                                  [](const ImportedList& imported) { return imported.changesProject(); }) ||

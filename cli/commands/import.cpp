@@ -41,6 +41,7 @@ void show(const Options& options, const app::ImportReport& report)
   print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
     print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
+  print(toText(report.typeChanges, mood));
   print(removedText(report, terminalColumns(stdout).value_or(usualColumns), mood));
   if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
