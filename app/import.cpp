@@ -208,6 +208,8 @@ public:
     if (reelhost::keepsLists())
       keep(name, digest, std::move(file.bytes), before, shots, result);
     keepOthers(imported_++, result.keptAs);
+    if (names_.readsLists() && result.keeping == Keeping::New)
+      keepForList(manager_, result.keptAs, digest);
     if (result.keeping == Keeping::NewVersion) {
       std::vector<Shot> brought;
       for (std::size_t i = 0; i < clips.size(); ++i)
@@ -306,11 +308,11 @@ private:
   /// Lets the clips name their sources as a person decided, and as this import does.
   void readAsDecided(ListFile& file, std::size_t place)
   {
+    const reelhost::Digest digest = reelhost::digestOf(file.bytes);
     const std::optional<reelhost::KeptList> kept =
-        reelhost::keepsLists() ? listReplacedBy(file, reelhost::digestOf(file.bytes), replacing_) : std::nullopt;
+        reelhost::keepsLists() ? listReplacedBy(file, digest, replacing_) : std::nullopt;
+    names_.read(kept ? kept->number : 0, digest, file.list.clips);
     for (lists::Clip& clip : file.list.clips) {
-      if (kept)
-        names_.read(kept->number, clip);
       const OtherReel* const other = otherReelOf(clip);
       if (!other)
         continue;

@@ -359,7 +359,7 @@ private:
         left_.erase(base::fold(shots()[i].shot.reel));
     for (const ProjectNames::Record& record : names_.records_) {
       const std::string folded = base::fold(record.id);
-      const bool isEmptied = left_.contains(folded) && !renames_.contains(folded) && !record.decisions.namesReel &&
+      const bool isEmptied = left_.contains(folded) && !renames_.contains(folded) && record.decisions == Decisions{} &&
                              !manager_.reelInUse(hostText(record.id)) && isRemovable(record.log);
       if (!isEmptied && !isMerged(record.id))
         continue;
