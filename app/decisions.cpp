@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "app/error.h"
+#include "app/host_text.h"
 #include "app/plain_text.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -131,6 +132,19 @@ void rebind(ReelDbManager& manager, IsFrom isFrom, std::int64_t list, const std:
 }
 
 } // namespace
+
+void requireNotGiven(ReelDbManager& manager, const std::string& name, const std::string& own)
+{
+  for (const Cookie& log : manager.reelList) {
+    ReelDbRec record(log);
+    if (!hasName(decisionsOf(record).aliases, name))
+      continue;
+    if (const std::string id = text(record.reelId()); !base::sameName(id, own))
+      throw Error(ErrorKind::Refused,
+                  fmt::format("{0}: a name of {1} (reeldb alias --remove {1} {0} takes it from there)",
+                              base::shortText(name), base::shortText(id)));
+  }
+}
 
 void keepForBytes(ReelDbManager& manager, const reelhost::KeptList& list)
 {

@@ -48,6 +48,10 @@ void keepGivenName(ReelDbRec reel);
 /// of them.
 bool takeName(ReelDbRec reel, const std::string& name);
 
+/// Throws Error (Refused) if a person gave the name to a reel other than @p own: lists mean that reel by it, and a reel
+/// of that name would take its shots with the next import.
+void requireNotGiven(ReelDbManager& manager, const std::string& name, const std::string& own = {});
+
 /// Lets decisions about the list hold for its bytes, because it is removed.
 void keepForBytes(ReelDbManager& manager, const reelhost::KeptList& list);
 /// Lets decisions about a removed list of these bytes hold for the list, which is kept again, and for its new versions.

@@ -344,6 +344,7 @@ private:
       if (names_.hasRecord(other.reel))
         throw Error(ErrorKind::Refused, fmt::format("{}: a reel has this name (choose another name for the new reel)",
                                                     base::shortText(other.reel)));
+      requireNotGiven(manager_, other.reel);
       if (std::none_of(decided_.begin(), decided_.end(),
                        [&](const Decided& decided) { return base::sameName(decided.reel, other.reel); }))
         throw Error(ErrorKind::Refused,

@@ -361,6 +361,38 @@ TEST_F(Decisions, ReelInUseStaysWhenItsShotsGoToAnotherReel)
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_200303_F701 1", "A001C001_200303_G802 1"}));
 }
 
+TEST_F(Decisions, NameOfAJoinedReelIsNotThatOfAnotherOneUntilItIsTakenFromThere)
+{
+  import(list("one.edl", {{"SR05"}, {"SR005", 20}, { "C", 30 }}));
+  merge({"SR05"}, "SR005");
+  const std::string before = state();
+  const auto create = [](app::Session& session) { return app::createReel(session, "sr05", {}); };
+  const auto refused = [](const auto& operation) { return std::string(errorOf(operation).what()); };
+  const std::string message = ": a name of SR005 (reeldb alias --remove SR005 ";
+  EXPECT_EQ(refused([&] { writing(create); }), "sr05" + message + "sr05 takes it from there)");
+  const std::string bySame = "SR05" + message + "SR05 takes it from there)";
+  EXPECT_EQ(
+      refused([] { writing([](app::Session& session) { return app::renameReel(session, "C", "SR05", false); }); }),
+      bySame);
+  EXPECT_EQ(refused([&] { split("C", "SR05", {.lists = {"one.edl"}, .names = {}, .shots = {}}); }), bySame);
+  EXPECT_EQ(refused([&] { import(list("two.edl", {{ "C", 40 }}), {{ "C", "SR05" }}); }), bySame);
+  EXPECT_EQ(state(), before);
+  EXPECT_EQ(alias("SR005", {"SR05"}, true).moves.size(), 1U); // its shot goes back
+  EXPECT_EQ(reels(), (Strings{"C 1", "SR005 1", "SR05 1"}));
+  undo();
+  split("SR005", "SR05", {.lists = {}, .names = {"SR05"}, .shots = {}}); // the reel's own name
+  EXPECT_EQ(reels(), (Strings{"C 1", "SR005 1", "SR05 1"}));
+}
+
+TEST_F(Decisions, ReelTakesAnotherNameOfItsOwn)
+{
+  import(list("one.edl", {{"SR05"}, { "SR005", 20 }}));
+  merge({"SR05"}, "SR005");
+  writing([](app::Session& session) { return app::renameReel(session, "SR005", "SR05", false); });
+  EXPECT_EQ(reels(), Strings{"SR05 2"});
+  expectNothingNew(list("one.edl", {{"SR05"}, {"SR005", 20}}));
+}
+
 // ---- split --------------------------------------------------------------------------------------
 
 TEST_F(Decisions, ListThatIsPartedMeansTheNewReelAgainAndInNewVersions)
