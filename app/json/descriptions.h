@@ -286,6 +286,15 @@ void describe(Io& io, R& named)
   io("clip_names", named.clipNames);
 }
 
+template <class Io, Like<NeededRoll> R>
+void describe(Io& io, R& roll)
+{
+  io("roll", roll.name);
+  io("reels", roll.reels);
+  io("shots", roll.shots);
+  io("ready", roll.ready);
+}
+
 template <class Io, Like<Roll> R>
 void describe(Io& io, R& roll)
 {

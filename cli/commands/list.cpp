@@ -6,7 +6,6 @@
 #include "app/json/json.h"
 #include "app/reels.h"
 #include "app/rolls.h"
-#include "base/text_width.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
@@ -62,8 +61,6 @@ void printTable(const std::vector<app::Roll>& rolls)
 
 ExitCode byRoll(const Options& options, app::Session& session)
 {
-  if (*options.by != "roll")
-    throw app::Error(app::ErrorKind::Invalid, fmt::format("--by {}: invalid (use roll)", base::shortText(*options.by)));
   const std::vector<app::Roll> rolls = app::reelsByRoll(session);
   if (options.json)
     print(app::jsonText(rolls));
@@ -74,6 +71,7 @@ ExitCode byRoll(const Options& options, app::Session& session)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
+  requireGroup(options.by);
   app::Session session(globals.project, app::Access::Read);
   if (options.by)
     return byRoll(options, session);

@@ -314,6 +314,8 @@ TEST(Json, CheckOfNames)
 
 TEST(Json, Rolls)
 {
+  expectJson(std::vector<NeededRoll>{{"A012", {"A012C001"}, 3, 1}},
+             R"([{"roll": "A012", "reels": ["A012C001"], "shots": 3, "ready": 1}])");
   expectJson(std::vector<Roll>{{"A012", {"A012C001"}, 3}}, R"([{"roll": "A012", "reels": ["A012C001"], "shots": 3}])");
 }
 
