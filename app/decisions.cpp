@@ -8,6 +8,7 @@
 #include <fmt/format.h>
 
 #include "app/error.h"
+#include "app/host_text.h"
 #include "app/plain_text.h"
 #include "app/reel_records.h"
 #include "app/shot_logs.h"
@@ -22,7 +23,7 @@ constexpr const char* keyBase = "reel_decision";
 constexpr char divider = '\t'; // no name contains it
 
 constexpr std::string_view nameWord = "name", apartWord = "apart", aliasWord = "alias", inListWord = "list",
-                           deletedWord = "deleted-shot";
+                           removedListWord = "removed-list", deletedWord = "deleted-shot";
 
 std::vector<std::string_view> parts(std::string_view text)
 {
@@ -54,6 +55,8 @@ void read(const std::string& text, Decisions& decisions)
     decided.name = words[2];
     decided.reel = words[3];
     decisions.inLists.push_back(std::move(decided));
+  } else if (isOf(removedListWord, 4)) {
+    decisions.inLists.push_back({0, std::string(words[2]), std::string(words[3]), std::string(words[1])});
   }
 }
 
@@ -87,7 +90,8 @@ void keepDecisions(ReelDbRec reel, const Decisions& decisions)
   for (const std::string& each : decisions.aliases)
     texts.push_back(fmt::format("{}\t{}", aliasWord, each));
   for (const NameInList& each : decisions.inLists)
-    texts.push_back(fmt::format("{}\t{}\t{}\t{}", inListWord, each.list, each.name, each.reel));
+    texts.push_back(each.list != 0 ? fmt::format("{}\t{}\t{}\t{}", inListWord, each.list, each.name, each.reel)
+                                   : fmt::format("{}\t{}\t{}\t{}", removedListWord, each.bytes, each.name, each.reel));
   for (const std::string& each : decisions.deletedShots)
     texts.push_back(fmt::format("{}\t{}", deletedWord, each));
   for (const std::string& text : texts)
@@ -116,6 +120,62 @@ bool takeName(ReelDbRec reel, const std::string& name)
   return forgetOldName(reel, name) || wasAlias;
 }
 
+namespace {
+
+/// Gives the decisions about one list that it finds to another.
+template <class IsFrom>
+void rebind(ReelDbManager& manager, IsFrom isFrom, std::int64_t list, const std::string& bytes)
+{
+  for (const Cookie& log : manager.reelList) {
+    ReelDbRec record(log);
+    Decisions decisions = decisionsOf(record);
+    bool changes = false;
+    for (NameInList& each : decisions.inLists)
+      if (isFrom(each)) {
+        each.list = list;
+        each.bytes = bytes;
+        changes = true;
+      }
+    if (changes)
+      keepDecisions(record, decisions);
+  }
+}
+
+} // namespace
+
+void requireNotGiven(ReelDbManager& manager, const std::string& name, const std::string& own)
+{
+  for (const Cookie& log : manager.reelList) {
+    ReelDbRec record(log);
+    if (!hasName(decisionsOf(record).aliases, name))
+      continue;
+    if (const std::string id = text(record.reelId()); !base::sameName(id, own))
+      throw Error(ErrorKind::Refused,
+                  fmt::format("{0}: a name of {1} (reeldb alias --remove {1} {0} takes it from there)",
+                              base::shortText(name), base::shortText(id)));
+  }
+}
+
+void keepForBytes(ReelDbManager& manager, const reelhost::KeptList& list)
+{
+  rebind(
+      manager, [&](const NameInList& each) { return each.list == list.number; }, 0, hexOf(list.digest));
+}
+
+void keepForList(ReelDbManager& manager, std::int64_t list, const reelhost::Digest& bytes)
+{
+  const std::string hex = hexOf(bytes);
+  rebind(manager, [&](const NameInList& each) { return each.list == 0 && each.bytes == hex; }, list, {});
+}
+
+std::string hexOf(const reelhost::Digest& digest)
+{
+  std::string hex;
+  for (const unsigned char byte : digest)
+    hex += fmt::format("{:02x}", byte);
+  return hex;
+}
+
 bool hasName(const std::vector<std::string>& names, const std::string& name)
 {
   return std::any_of(names.begin(), names.end(), [&](const std::string& each) { return base::sameName(each, name); });
@@ -125,10 +185,7 @@ std::string deletedShot(const Shot& shot)
 {
   std::string key = shotKey(shot);
   key.erase(0, key.find('\0')); // the reel may be renamed
-  std::string hex;
-  for (const unsigned char byte : reelhost::digestOf(key))
-    hex += fmt::format("{:02x}", byte);
-  return hex;
+  return hexOf(reelhost::digestOf(key));
 }
 
 } // namespace reeldb::app

@@ -9,17 +9,20 @@
 #include <string>
 #include <vector>
 
+#include "ReelDbManager.h"
 #include "ReelDbRec.h"
 #include "app/shots.h"
+#include "reelhost/host.h"
 #include "reelhost/store.h"
 
 namespace reeldb::app {
 
 /// One list says a name, and means the reel. Every other list means what the names say.
 struct NameInList {
-  std::int64_t list = 0; ///< the number of the kept list
-  std::string name;      ///< the name that the list gives
-  std::string reel;      ///< the identifier that the reel had when that was decided
+  std::int64_t list = 0;  ///< the number of the kept list; 0: it was removed, and may come again
+  std::string name;       ///< the name that the list gives
+  std::string reel;       ///< the identifier that the reel had when that was decided
+  std::string bytes = {}; ///< the digest of a list that was removed
 
   bool operator==(const NameInList&) const = default;
 };
@@ -46,6 +49,18 @@ void keepGivenName(ReelDbRec reel);
 /// Removes the name, ignoring ASCII case, from the aliases and the former names of the reel. Returns whether it was one
 /// of them.
 bool takeName(ReelDbRec reel, const std::string& name);
+
+/// Throws Error (Refused) if a person gave the name to a reel other than @p own: lists mean that reel by it, and a reel
+/// of that name would take its shots with the next import.
+void requireNotGiven(ReelDbManager& manager, const std::string& name, const std::string& own = {});
+
+/// Lets decisions about the list hold for its bytes, because it is removed.
+void keepForBytes(ReelDbManager& manager, const reelhost::KeptList& list);
+/// Lets decisions about a removed list of these bytes hold for the list, which is kept again, and for its new versions.
+void keepForList(ReelDbManager& manager, std::int64_t list, const reelhost::Digest& bytes);
+
+/// The digest as a text.
+std::string hexOf(const reelhost::Digest& digest);
 
 /// Whether the name is one of them, ignoring ASCII case.
 bool hasName(const std::vector<std::string>& names, const std::string& name);

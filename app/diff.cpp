@@ -37,12 +37,12 @@ public:
       : session_(session), names_(session, rules)
   {
     diff_.whole = whole;
-    for (std::size_t i = 0; i < files.size(); ++i)
-      for (lists::Clip& clip : files[i].list.clips) {
-        if (versions[i])
-          names_.read(versions[i]->number, clip);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+      std::vector<lists::Clip>& clips = files[i].list.clips;
+      names_.read(versions[i] ? versions[i]->number : 0, reelhost::digestOf(files[i].bytes), clips);
+      for (const lists::Clip& clip : clips)
         names_.add(clip);
-      }
+    }
     names_.settle();
     if (rules == lists::NameRules::All)
       diff_.moves = names_.moveShots(); // in memory, as an import would do it

@@ -128,6 +128,7 @@ public:
     }
     names_.settle();
     requireOthersApart();
+    usesBefore_ = names_.uses();
     if (treatment.rules == lists::NameRules::All)
       moves_ = names_.moveShots();
     std::vector<LightweightString<char>> ids;
@@ -144,6 +145,9 @@ public:
         otherKeys.emplace_back(std::move(keys[other]), i);
     }
     byKey_.insert(otherKeys.begin(), otherKeys.end());
+    for (const ListFile& file : files)
+      for (const lists::Clip& clip : file.list.clips)
+        noteUseOfNewReel(clip);
   }
 
   const std::vector<ReelMove>& moves() const { return moves_; }
@@ -169,7 +173,6 @@ public:
     result.list = std::move(file.list);
     const std::vector<Shot> clips = namedClips(result);
     const auto places = sameShots(before.clips, clips);
-    settleTypes(clips);
     std::vector<std::int64_t> shots; // of the clips
     std::unordered_set<std::string> met, metShots;
     for (std::size_t i = 0; i < clips.size(); ++i) {
@@ -205,6 +208,8 @@ public:
     if (reelhost::keepsLists())
       keep(name, digest, std::move(file.bytes), before, shots, result);
     keepOthers(imported_++, result.keptAs);
+    if (names_.readsLists() && result.keeping == Keeping::New)
+      keepForList(manager_, result.keptAs, digest);
     if (result.keeping == Keeping::NewVersion) {
       std::vector<Shot> brought;
       for (std::size_t i = 0; i < clips.size(); ++i)
@@ -226,15 +231,88 @@ public:
   /// The highest number of a log before the import, which makes logs with higher ones.
   std::int64_t lastBefore() const { return lastBefore_; }
 
+  /// Gives the reels that imports alone made and changed the types that follow from all of their shots.
+  std::vector<TypeChange> changeTypes()
+  {
+    const std::vector<Retyped> retyped = reelsToRetype();
+    CookieVec records;
+    for (const Retyped& each : retyped)
+      records.add(each.log);
+    if (retyped.empty())
+      return {};
+    reelhost::deleteLogs(records);
+    std::vector<TypeChange> changes;
+    for (const Retyped& each : retyped) {
+      const TypeOfNewReels type(manager_, each.type);
+      ReelDbRec record = manager_.createNewReel(hostText(each.reel), noDevice);
+      keepDecisions(record, each.decisions);
+      changes.push_back({each.reel, each.before, text(record.typeName())});
+    }
+    manager_.informReelDbChanged("");
+    return changes;
+  }
+
 private:
+  /// A reel that gets another type.
+  struct Retyped {
+    Cookie log;
+    std::string reel, before, type; ///< an empty type: the project's default
+    Decisions decisions;
+  };
+
+  /// The uses of the reels by the shots that are there now, by folded identifier.
+  std::unordered_map<std::string, ReelUse> usesNow() const
+  {
+    std::unordered_map<std::string, ReelUse> uses;
+    for (const KnownShot& known : shots_)
+      if (!known.shot.reel.empty() && reelhost::logNumber(known.log) != 0) // it may have been of a replaced version
+        uses[base::fold(known.shot.reel)].add(known.shot);
+    return uses;
+  }
+
+  std::vector<Retyped> reelsToRetype()
+  {
+    std::vector<Retyped> retyped;
+    if (!usesChange_ && moves_.empty())
+      return retyped;
+    const std::string defaultType = defaultTypeOfProject();
+    const auto isTypeOf = [&](const ReelUse& use, const std::string& type) {
+      const std::string byRules = typeByRules(use);
+      return type == (byRules.empty() ? defaultType : byRules);
+    };
+    std::unordered_map<std::string, ReelUse> uses = usesNow();
+    std::optional<std::set<std::int64_t>> made;
+    for (const Cookie& log : manager_.reelList) {
+      ReelDbRec record(log);
+      const std::string id = text(record.reelId());
+      const auto now = uses.find(base::fold(id));
+      if (now == uses.end())
+        continue;
+      now->second.reel = id;
+      const std::int64_t number = reelhost::logNumber(log);
+      const bool isNew = number > lastBefore_;
+      const auto before = usesBefore_.find(number);
+      if (isNew ? type_.has_value() : before == usesBefore_.end() || before->second == now->second)
+        continue;
+      std::string type = text(record.typeName());
+      if (isTypeOf(now->second, type) || !(isNew || isTypeOf(before->second, type)) || manager_.reelInUse(hostText(id)))
+        continue;
+      if (!made)
+        made = madeByImports();
+      if (isNew || made->contains(number))
+        retyped.push_back({log, id, std::move(type), typeByRules(now->second), decisionsOf(record)});
+    }
+    return retyped;
+  }
+
   /// Lets the clips name their sources as a person decided, and as this import does.
   void readAsDecided(ListFile& file, std::size_t place)
   {
+    const reelhost::Digest digest = reelhost::digestOf(file.bytes);
     const std::optional<reelhost::KeptList> kept =
-        reelhost::keepsLists() ? listReplacedBy(file, reelhost::digestOf(file.bytes), replacing_) : std::nullopt;
+        reelhost::keepsLists() ? listReplacedBy(file, digest, replacing_) : std::nullopt;
+    names_.read(kept ? kept->number : 0, digest, file.list.clips);
     for (lists::Clip& clip : file.list.clips) {
-      if (kept)
-        names_.read(kept->number, clip);
       const OtherReel* const other = otherReelOf(clip);
       if (!other)
         continue;
@@ -266,6 +344,7 @@ private:
       if (names_.hasRecord(other.reel))
         throw Error(ErrorKind::Refused, fmt::format("{}: a reel has this name (choose another name for the new reel)",
                                                     base::shortText(other.reel)));
+      requireNotGiven(manager_, other.reel);
       if (std::none_of(decided_.begin(), decided_.end(),
                        [&](const Decided& decided) { return base::sameName(decided.reel, other.reel); }))
         throw Error(ErrorKind::Refused,
@@ -339,13 +418,15 @@ private:
 
   void addReel(const std::string& id) { reels_.try_emplace(base::fold(id), id); }
 
-  /// Works out the types of the reels that the clips of a list may need.
-  void settleTypes(const std::vector<Shot>& clips)
+  /// Notes what the clip says of its reel, if that has to be created.
+  void noteUseOfNewReel(const lists::Clip& clip)
   {
-    uses_.clear();
-    for (const Shot& clip : clips)
-      if (std::string reel = base::fold(clip.reel); !reels_.contains(reel))
-        uses_[std::move(reel)].add(clip);
+    const std::string reel = names_.find(clip).reel;
+    if (reels_.contains(base::fold(reel)))
+      return;
+    ReelUse& use = uses_[base::fold(reel)];
+    use.add(namedShot(clip, reel));
+    use.reel = reel;
   }
 
   /// The type of a reel if the library creates it. Empty for a reel that exists, and for the project's default.
@@ -384,6 +465,7 @@ private:
     if (isNew) {
       const TypeOfNewReels type(manager_, newType_ = typeOf(clip.reel));
       shots_.push_back({reelhost::importMaterial(materialFrom(clip)), clip});
+      usesChange_ = true;
       if (!byNumber_.empty())
         byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
     } else {
@@ -392,16 +474,17 @@ private:
     return {reelhost::logNumber(shots_[place->second].log), isNew};
   }
 
-  /// Lets the shot keep what a further use of it says: the name of its source, as the names of one shot may be two
-  /// reels later, and its record times, if they are earlier.
+  /// Lets the shot keep what a further use of it says, also the name of its source: the names of one shot may be two
+  /// reels later.
   void noteUse(std::size_t place, const Shot& clip)
   {
     KnownShot& known = shots_[place];
-    bool changes = takeEarlierRecord(known.shot, clip);
+    bool changes = takeUse(known.shot, clip);
     if (names_.find(ownNameOf(clip), clip.sourceId).match != lists::Match::Decided) // else the reel keeps that name
       changes = addName(known.shot, {ownNameOf(clip), clip.mayBeCut, clip.sourceId}) || changes;
     if (changes)
       reelhost::changeMaterial(known.log, materialFrom(known.shot));
+    usesChange_ = usesChange_ || changes;
   }
 
   /// The place of a shot that existed before this list.
@@ -469,9 +552,10 @@ private:
   std::size_t clips_ = 0, done_ = 0;
   const Progress& progress_;
   const Replacing& replacing_;
-  std::optional<std::string> type_;               ///< chosen for all new reels
-  std::unordered_map<std::string, ReelUse> uses_; ///< of the reels that the list may need, by folded identifier
-  std::string newType_;                           ///< of the reel that is being created; empty: the project's default
+  std::optional<std::string> type_;                      ///< chosen for all new reels
+  std::unordered_map<std::string, ReelUse> uses_;        ///< of the reels that the lists may need, by folded identifier
+  std::unordered_map<std::int64_t, ReelUse> usesBefore_; ///< of the reels of the project, by the numbers of their logs
+  std::string newType_; ///< of the reel that is being created; empty: the project's default
   const std::vector<OtherReel>& others_;
   std::vector<Decided> decided_;
   std::size_t imported_ = 0;             ///< number of files
@@ -483,6 +567,7 @@ private:
   std::vector<KnownShot> shots_;
   std::unordered_map<std::string, std::size_t> byKey_;     ///< the places of the shots by their keys
   std::unordered_map<std::int64_t, std::size_t> byNumber_; ///< by their numbers; filled when it is needed
+  bool usesChange_ = false;                                ///< whether shots are new or have further names
   std::set<std::int64_t> replacedShots_;                   ///< of versions that gave their place to another
   std::int64_t lastBefore_ = 0;                            ///< the highest number of a log before the import
 };
@@ -574,6 +659,7 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
       report.shotsRemoved = std::move(unused.shots);
       report.reelsRemoved = std::move(unused.reels);
     }
+    report.typeChanges = importer.changeTypes();
     report.stored = !dryRun && session.commit();
     return report;
   });

@@ -36,6 +36,11 @@ struct TypedReels {
   std::vector<std::string> reels; ///< identifiers
 };
 
+/// A reel whose type follows from further shots.
+struct TypeChange {
+  std::string reel, from, to;
+};
+
 /// The result for one list.
 struct ImportedList {
   std::string file;
@@ -69,6 +74,7 @@ struct ImportReport {
   std::vector<std::string> reelsRemoved; ///< identifiers of reels that only replaced versions named
   std::vector<Shot> shotsRemoved;        ///< shots that only replaced versions used
   std::vector<ReelMove> moves;           ///< shots of the project that the names of the lists gave another reel
+  std::vector<TypeChange> typeChanges;   ///< reels of the project that the shots of the lists gave another type
 
   bool rejectedLines() const; ///< whether a line of any list was rejected
 };
@@ -105,7 +111,9 @@ struct Treatment {
 /// that only the old version named, and that imports alone made and changed, are deleted. A clip of one of the other
 /// reels of the treatment is of that new reel, now and in later versions of its list. A shot that a person moved is the
 /// same shot still, and one that a person deleted does not come back. The import is one transaction. A new reel gets
-/// the type that the treatment or a rule of the facility says, and the channels of that type. With @p dryRun nothing is
+/// the type that the treatment or a rule of the facility says, and the channels of that type. A reel of the project
+/// that imports alone made and changed gets another type if its type followed from its shots and all of its shots now
+/// say another one; its record is made again, because the library removes no channels. With @p dryRun nothing is
 /// stored, and the report contains what would be stored. If it throws Error, nothing is stored: NotFound for a type
 /// that the catalogue does not have; Invalid or Refused for one of the other reels if no clip has its name, if the reel
 /// exists, or if the project keeps the list already. REQUIRES: a session for writing, unless it is a dry run.

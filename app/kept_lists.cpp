@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "app/decisions.h"
 #include "app/host_errors.h"
 #include "app/host_text.h"
 #include "app/kept_events.h"
@@ -113,6 +114,7 @@ RemovedList removeList(Session& session, const std::string& name, bool dryRun)
     std::set<std::int64_t> shots;
     for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number))
       shots.insert(event.shot);
+    keepForBytes(session.manager(), list);
     reelhost::removeList(list.number);
     UnusedShots unused = deleteUnused(session, shots);
     result.reels = std::move(unused.reels);

@@ -105,6 +105,20 @@ void addCandidates(Session& session, std::vector<Need>& needs)
   }
 }
 
+/// The reels of the shots by the keys under which lists know them. A shot that lies in the reel of the key goes first.
+std::unordered_map<std::string, std::string> reelsOfShots(const ProjectNames& names)
+{
+  std::unordered_map<std::string, std::string> reels, others;
+  for (const KnownShot& known : names.shots()) {
+    std::vector<std::string> keys = names.keysOf(known.shot);
+    reels.emplace(std::move(keys.front()), known.shot.reel);
+    for (std::size_t i = 1; i < keys.size(); ++i)
+      others.emplace(std::move(keys[i]), known.shot.reel);
+  }
+  reels.insert(others.begin(), others.end());
+  return reels;
+}
+
 /// Adds the existing reels that the names of missing reels may mean.
 void addCandidates(Session& session, std::vector<Need>& needs, const ProjectNames& names)
 {
@@ -175,16 +189,24 @@ std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::Nam
     Needs needs(session);
     ProjectNames names(session, rules);
     std::vector<lists::Clip> clips = file.list.clips;
-    if (names.readsLists() && reelhost::keepsLists())
-      if (const std::optional<reelhost::KeptList> kept = listWith(reelhost::digestOf(file.bytes)))
-        for (lists::Clip& clip : clips)
-          names.read(kept->number, clip);
+    const reelhost::Digest digest = reelhost::digestOf(file.bytes);
+    const auto kept = reelhost::keepsLists() ? listWith(digest) : std::nullopt;
+    names.read(kept ? kept->number : 0, digest, clips);
     for (const lists::Clip& clip : clips)
       names.add(clip);
     names.settle();
+    const std::unordered_map<std::string, std::string> there = reelsOfShots(names);
     std::unordered_set<std::string> met;
-    for (const lists::Clip& clip : clips) {
+    for (lists::Clip& clip : clips) {
       NamedReel name = names.find(clip);
+      clip.reel = name.reel;
+      const auto shot = there.find(shotKey(clip));
+      if (shot == there.end() && names.isDeleted(clip))
+        continue; // an import leaves it out
+      if (shot != there.end() && !base::sameName(shot->second, name.reel)) {
+        needs.addShot(shot->second); // a person put it there, whatever its name says
+        continue;
+      }
       Need& need = needs.addShot(name.reel);
       if (met.insert(base::fold(name.name) + '\n' + name.sourceId).second)
         need.names.push_back(std::move(name));

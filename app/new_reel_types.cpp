@@ -66,30 +66,40 @@ bool fits(const ReelUse& use, TypeRule::Tracks tracks)
   return false;
 }
 
+/// Whether the name fits with or without its ending: which of both is the identifier depends on the list that came
+/// first.
+bool fitsPattern(std::string_view name, const TypeRule& rule)
+{
+  return fits(name, rule.name) || fits(lists::partsOf(name).stem, rule.name);
+}
+
+/// Whether the condition holds for the identifier or for another name of the reel.
+template <class Condition>
+bool anyName(const ReelUse& use, Condition holds)
+{
+  return holds(use.reel) || std::any_of(use.names.begin(), use.names.end(), holds);
+}
+
 bool fits(const ReelUse& use, const TypeRule& rule)
 {
-  return (rule.name.empty() || fits(use.reel, rule.name)) &&
-         (rule.extensions.empty() || hasExtension(use.reel, rule.extensions) ||
-          hasExtension(use.file, rule.extensions)) &&
+  const auto fitsName = [&](std::string_view name) { return fitsPattern(name, rule); };
+  const auto fitsExtension = [&](std::string_view name) { return hasExtension(name, rule.extensions); };
+  return (rule.name.empty() || anyName(use, fitsName)) && (rule.extensions.empty() || anyName(use, fitsExtension)) &&
          fits(use, rule.tracks);
 }
 
 /// The type of the built-in rule that fits; empty if none does.
 std::string builtInType(const ReelUse& use)
 {
-  lists::Ending ending = lists::partsOf(use.reel).ending;
-  if (ending == lists::Ending::None)
-    ending = lists::partsOf(use.file).ending;
-  switch (ending) {
-  case lists::Ending::Sound:
-    return "Sound file";
-  case lists::Ending::Still:
-    return "Still";
-  case lists::Ending::File:
+  const auto has = [&](lists::Ending ending) {
+    return anyName(use, [&](std::string_view name) { return lists::partsOf(name).ending == ending; });
+  };
+  if (has(lists::Ending::File)) // may have picture and sound
     return "File";
-  case lists::Ending::None:
-    break;
-  }
+  if (has(lists::Ending::Still))
+    return "Still";
+  if (has(lists::Ending::Sound))
+    return "Sound file";
   return fits(use, TypeRule::Tracks::Audio) ? "Audio only" : "";
 }
 
@@ -97,11 +107,15 @@ std::string builtInType(const ReelUse& use)
 
 void ReelUse::add(const Shot& shot)
 {
-  reel = shot.reel;
   audio = audio || shot.audioChannels > 0;
   video = video || shot.videoChannels > 0;
-  if (lists::partsOf(ownNameOf(shot)).ending != lists::Ending::None)
-    file = ownNameOf(shot);
+  const auto addName = [&](const std::string& name) {
+    if (!base::sameName(name, shot.reel))
+      names.insert(name);
+  };
+  addName(ownNameOf(shot));
+  for (const lists::SourceName& name : shot.furtherNames)
+    addName(name.name);
 }
 
 std::string typeByRules(const ReelUse& use)
@@ -113,12 +127,17 @@ std::string typeByRules(const ReelUse& use)
   return isListedType(type) ? type : std::string();
 }
 
+std::string defaultTypeOfProject()
+{
+  const char* const type = EditManager::ProjOpts().in(defaultTypeOption);
+  return type ? type : "";
+}
+
 TypeOfNewReels::TypeOfNewReels(ReelDbManager& manager, const std::string& type) : manager_(manager)
 {
   if (type.empty())
     return;
-  const char* const before = EditManager::ProjOpts().in(defaultTypeOption);
-  default_ = before ? before : "";
+  default_ = defaultTypeOfProject();
   manager_.setProjectDefaultReelType(hostText(type));
 }
 

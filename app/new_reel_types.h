@@ -5,6 +5,7 @@
 #define REELDB_APP_NEW_REEL_TYPES_H
 
 #include <optional>
+#include <set>
 #include <string>
 
 #include "ReelDbManager.h"
@@ -12,18 +13,21 @@
 
 namespace reeldb::app {
 
-/// What the shots of a new reel say of it.
+/// What the shots of a reel say of it, in whatever order they came.
 struct ReelUse {
-  std::string reel; ///< the identifier
-  std::string file; ///< a file of which it is the name; may be empty
+  std::string reel;            ///< the identifier
+  std::set<std::string> names; ///< others, as lists give them
   bool audio = false, video = false;
 
   void add(const Shot& shot);
+  bool operator==(const ReelUse&) const = default;
 };
 
-/// The type of a new reel by the rules of the facility and the built-in ones. Empty if none fits: the project's
-/// default.
+/// The type of a reel that imports make, by the rules of the facility and the built-in ones. Empty if none fits: the
+/// project's default.
 std::string typeByRules(const ReelUse& use);
+
+std::string defaultTypeOfProject();
 
 /// Gives the reels that the library creates meanwhile a type: it takes the project's default type for that time, in
 /// memory. The library adds channels to a reel and removes none, so the type has to be there before the reel.

@@ -19,9 +19,9 @@ namespace {
 
 using lists::Match;
 
-std::string keyInList(std::int64_t list, const std::string& name)
+std::string keyInList(const std::string& list, const std::string& name)
 {
-  return std::to_string(list) + '\t' + base::fold(name);
+  return list + '\t' + base::fold(name);
 }
 
 } // namespace
@@ -58,7 +58,8 @@ void ProjectNames::decideNames()
     if (record.decisions.isApart)
       index_.decide(record.id, record.id);
     for (const NameInList& each : record.decisions.inLists)
-      inLists_.insert_or_assign(keyInList(each.list, each.name), each.reel);
+      inLists_.insert_or_assign(keyInList(each.list != 0 ? std::to_string(each.list) : each.bytes, each.name),
+                                each.reel);
   }
   for (const auto& [name, records] : reels)
     if (records.size() == 1 && !ids_.contains(name))
@@ -235,11 +236,25 @@ bool ProjectNames::isDeleted(const Shot& shot) const
   return !deleted.empty() && std::find(deleted.begin(), deleted.end(), deletedShot(shot)) != deleted.end();
 }
 
-void ProjectNames::read(std::int64_t list, lists::Clip& clip) const
+void ProjectNames::read(std::int64_t list, const reelhost::Digest& bytes, std::vector<lists::Clip>& clips) const
 {
-  const auto decided = inLists_.find(keyInList(list, ownNameOf(clip)));
-  if (decided != inLists_.end())
-    giveName(clip, decided->second);
+  if (inLists_.empty())
+    return;
+  const std::string key = list != 0 ? std::to_string(list) : hexOf(bytes);
+  for (lists::Clip& clip : clips)
+    if (const auto decided = inLists_.find(keyInList(key, ownNameOf(clip))); decided != inLists_.end())
+      giveName(clip, decided->second);
+}
+
+std::unordered_map<std::int64_t, ReelUse> ProjectNames::uses() const
+{
+  std::unordered_map<std::int64_t, ReelUse> uses;
+  for (const Record& record : records_)
+    uses[reelhost::logNumber(record.log)].reel = record.id;
+  for (const KnownShot& known : shots_)
+    if (const auto record = byId_.find(base::fold(known.shot.reel)); record != byId_.end())
+      uses[reelhost::logNumber(records_[record->second].log)].add(known.shot);
+  return uses;
 }
 
 bool ProjectNames::hasRecord(const std::string& id) const

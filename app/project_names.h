@@ -17,6 +17,7 @@
 
 #include "app/decisions.h"
 #include "app/names.h"
+#include "app/new_reel_types.h"
 #include "app/session.h"
 #include "app/shots.h"
 #include "host/cookie.h"
@@ -64,6 +65,9 @@ public:
   const std::vector<KnownShot>& shots() const { return shots_; }
   /// The same, for the caller to change them. The names are asked as before.
   std::vector<KnownShot> takeShots() { return std::move(shots_); }
+  /// What the shots of the project say of the reels that have a record, by the numbers of their logs. REQUIRES: before
+  /// moveShots().
+  std::unordered_map<std::int64_t, ReelUse> uses() const;
   /// Whether a record has the identifier, ignoring ASCII case.
   bool hasRecord(const std::string& id) const;
   /// Whether the names of the shot put it where it lies. Else a person or another program put it there.
@@ -76,8 +80,9 @@ public:
 
   /// Whether a person decided what a list means by a name.
   bool readsLists() const { return !inLists_.empty(); }
-  /// Lets the clip of the kept list name its source as a person decided. REQUIRES: before it is added.
-  void read(std::int64_t list, lists::Clip& clip) const;
+  /// Lets the clips of a list name their sources as a person decided. @p list is its number, or 0 if the project does
+  /// not keep it. REQUIRES: before they are added.
+  void read(std::int64_t list, const reelhost::Digest& bytes, std::vector<lists::Clip>& clips) const;
   /// Makes the name a reel that no short form means. REQUIRES: settle() was not called.
   void setApart(const std::string& reel) { index_.decide(reel, reel); }
 
@@ -109,8 +114,9 @@ private:
   std::unordered_map<std::string, std::string> names_;                  ///< folded reel of the index: its name here
   std::unordered_set<std::string> ids_;                                 ///< folded identifiers of the records
   std::unordered_map<std::string, std::size_t> byId_;                   ///< the records by folded identifier
-  std::unordered_map<std::string, std::string> inLists_; ///< number of a list and folded name: the name that it means
-  std::unordered_set<std::string> merged_;               ///< those of the reels that are joined
+  std::unordered_map<std::string, std::string> inLists_; ///< list, by its number or bytes, and folded name: the name
+  ///< that it means
+  std::unordered_set<std::string> merged_; ///< those of the reels that are joined
 };
 
 } // namespace reeldb::app

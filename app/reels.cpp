@@ -99,6 +99,7 @@ CreatedReel createReel(Session& session, const std::string& id, const std::optio
     checkedReelName(stored); // the library does not check that name
     if (stored != id && manager.getCookieFromReelId(hostText(stored)).compare(made) != 0)
       throw Error(ErrorKind::Refused, fmt::format("{}: already exists", quoted(stored)));
+    requireNotGiven(manager, stored);
     CreatedReel result;
     keepGivenName(made);
     remarkOnSpecialName(stored, result.remarks);

@@ -44,6 +44,7 @@ Renamed renameReel(Session& session, const std::string& from, const std::string&
     ReelDbRec reel = requireReel(manager, from);
     result.from = text(reel.reelId());
     requireFree(manager, reel, result.to);
+    requireNotGiven(manager, result.to, result.from);
     if (result.from == result.to)
       return result;
     remarkOnSpecialName(result.to, result.remarks);

@@ -31,6 +31,54 @@ std::size_t digitsAt(std::string_view text, std::size_t at)
   return static_cast<std::size_t>(end - text.begin()) - at;
 }
 
+/// The camera rolls that logs give, and those that the names of camera clips have.
+class RollNames {
+public:
+  explicit RollNames(Session& session)
+  {
+    for (const Shot& shot : allShots(session))
+      add(shot);
+  }
+
+  void add(const Shot& shot)
+  {
+    if (shot.cameraRoll.empty())
+      return;
+    std::string form = lists::nameForm(shot.cameraRoll);
+    lengths_.insert(form.size());
+    spellings_.try_emplace(std::move(form), shot.cameraRoll);
+  }
+
+  /// The roll of the reel, in the spelling that came first; empty if it is of none.
+  std::string rollOf(const std::string& reel)
+  {
+    const std::string form = lists::nameForm(reel);
+    for (const std::size_t length : lengths_)
+      if (length <= form.size())
+        if (const auto known = spellings_.find(form.substr(0, length)); known != spellings_.end())
+          return known->second;
+    const std::string_view roll = rollOfCameraClip(reel);
+    return roll.empty() ? std::string() : spellings_.try_emplace(lists::nameForm(roll), roll).first->second;
+  }
+
+private:
+  std::map<std::string, std::string> spellings_;  ///< of rolls, by their forms
+  std::set<std::size_t, std::greater<>> lengths_; ///< of the forms that logs give
+};
+
+/// The groups by name, that of no roll last.
+template <class Group>
+std::vector<Group> sorted(std::map<std::string, Group> groups)
+{
+  std::vector<Group> result;
+  for (auto& [name, group] : groups)
+    if (!name.empty())
+      result.push_back(std::move(group));
+  if (const auto none = groups.find(std::string()); none != groups.end())
+    result.push_back(std::move(none->second));
+  return result;
+}
+
 } // namespace
 
 std::string_view rollOfCameraClip(std::string_view name)
@@ -50,37 +98,36 @@ std::string_view rollOfCameraClip(std::string_view name)
 std::vector<Roll> reelsByRoll(Session& session)
 {
   return guarded([&] {
-    std::map<std::string, std::string> spellings; // of rolls, by their forms
-    for (const Shot& shot : allShots(session))
-      if (!shot.cameraRoll.empty())
-        spellings.try_emplace(lists::nameForm(shot.cameraRoll), shot.cameraRoll);
-    std::set<std::size_t, std::greater<>> lengths;
-    for (const auto& [form, spelling] : spellings)
-      lengths.insert(form.size());
-    const auto rollOf = [&](const std::string& reel) {
-      const std::string form = lists::nameForm(reel);
-      for (const std::size_t length : lengths)
-        if (length <= form.size())
-          if (const auto known = spellings.find(form.substr(0, length)); known != spellings.end())
-            return known->second;
-      const std::string_view roll = rollOfCameraClip(reel);
-      return roll.empty() ? std::string() : spellings.try_emplace(lists::nameForm(roll), roll).first->second;
-    };
+    RollNames names(session);
     std::map<std::string, Roll> rolls;
     for (const Reel& reel : listReels(session)) {
-      const std::string name = rollOf(reel.id);
+      const std::string name = names.rollOf(reel.id);
       Roll& roll = rolls[name];
       roll.name = name;
       roll.reels.push_back(reel.id);
       roll.shots += reel.shots;
     }
-    std::vector<Roll> result;
-    for (auto& [name, roll] : rolls)
-      if (!name.empty())
-        result.push_back(std::move(roll));
-    if (const auto none = rolls.find(std::string()); none != rolls.end())
-      result.push_back(std::move(none->second));
-    return result;
+    return sorted(std::move(rolls));
+  });
+}
+
+std::vector<NeededRoll> needsByRoll(Session& session, const std::vector<Need>& needs,
+                                    const std::vector<lists::Clip>& clips)
+{
+  return guarded([&] {
+    RollNames names(session);
+    for (const lists::Clip& clip : clips)
+      names.add(clip);
+    std::map<std::string, NeededRoll> rolls;
+    for (const Need& need : needs) {
+      const std::string name = names.rollOf(need.id);
+      NeededRoll& roll = rolls[name];
+      roll.name = name;
+      roll.reels.push_back(need.id);
+      roll.shots += need.shots;
+      roll.ready += need.troubles.empty() ? 1 : 0;
+    }
+    return sorted(std::move(rolls));
   });
 }
 

@@ -59,6 +59,10 @@ bool addName(Shot& shot, const lists::SourceName& name);
 /// Gives the shot the record times of a further use, if they are earlier: a shot shows the first of its uses, in
 /// whatever order lists came. Returns whether it did.
 bool takeEarlierRecord(Shot& shot, const Shot& use);
+/// Gives the shot what a further use says of it, but for its names: its earlier record times, all aliases, and the
+/// other texts, of two the first by their bytes. So the order of the uses makes no difference. Returns whether the shot
+/// is another one then.
+bool takeUse(Shot& shot, const Shot& use);
 
 /// The logs of the shots of these numbers, each once, by number. Throws Error (NotFound).
 std::vector<std::pair<std::int64_t, Cookie>> requireShots(const std::vector<std::int64_t>& numbers);

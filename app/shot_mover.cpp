@@ -49,7 +49,7 @@ public:
         byKey_.emplace(shotKey(shots()[i].shot), i);
     for (const Plan& plan : plan_) {
       if (plan.parts.size() > 1)
-        takeRecordOf(plan.shot, plan.parts.front().reel);
+        takeTextsOf(plan.shot, plan.parts.front().reel);
       place(plan);
     }
     renameRecords();
@@ -226,20 +226,24 @@ private:
       if (const reelhost::ListEvent& event = lists_[list].events[i]; base::sameName(reelFor(event), reel)) {
         const Shot clip = clipFrom(event);
         if (use)
-          takeEarlierRecord(*use, clip);
+          takeUse(*use, clip);
         else
           use = clip;
       }
     return use;
   }
 
-  /// Gives the shot, of which a part remains, the record times of that part.
-  void takeRecordOf(std::size_t i, const std::string& reel)
+  /// Gives the shot, of which a part remains, the texts of that part.
+  void takeTextsOf(std::size_t i, const std::string& reel)
   {
-    if (const std::optional<Shot> use = useOf(i, reel)) {
-      shots()[i].shot.recordIn = use->recordIn;
-      shots()[i].shot.recordOut = use->recordOut;
-    }
+    const std::optional<Shot> use = useOf(i, reel);
+    if (!use)
+      return;
+    Shot& shot = shots()[i].shot;
+    for (std::string Shot::*const text :
+         {&Shot::recordIn, &Shot::recordOut, &Shot::sourceFile, &Shot::cameraRoll, &Shot::soundOf})
+      shot.*text = (*use).*text;
+    shot.aliases = use->aliases;
   }
 
   /// Gives the shot the reel and the names of the first part. If the reel has that shot already, they become one.
@@ -305,7 +309,7 @@ private:
   void giveUse(std::size_t i, const Shot& other, const Names& further)
   {
     KnownShot& known = shots()[i];
-    bool changes = takeEarlierRecord(known.shot, other);
+    bool changes = takeUse(known.shot, other);
     for (const lists::SourceName& name : further)
       changes = addName(known.shot, name) || changes;
     if (changes)
@@ -355,7 +359,7 @@ private:
         left_.erase(base::fold(shots()[i].shot.reel));
     for (const ProjectNames::Record& record : names_.records_) {
       const std::string folded = base::fold(record.id);
-      const bool isEmptied = left_.contains(folded) && !renames_.contains(folded) && !record.decisions.namesReel &&
+      const bool isEmptied = left_.contains(folded) && !renames_.contains(folded) && record.decisions == Decisions{} &&
                              !manager_.reelInUse(hostText(record.id)) && isRemovable(record.log);
       if (!isEmptied && !isMerged(record.id))
         continue;

@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -200,6 +202,24 @@ bool takeEarlierRecord(Shot& shot, const Shot& use)
   shot.recordIn = use.recordIn;
   shot.recordOut = use.recordOut;
   return true;
+}
+
+bool takeUse(Shot& shot, const Shot& use)
+{
+  bool changes = takeEarlierRecord(shot, use);
+  for (std::string Shot::*const text : {&Shot::sourceFile, &Shot::cameraRoll, &Shot::soundOf})
+    if (const std::string& other = use.*text; !other.empty() && ((shot.*text).empty() || other < shot.*text)) {
+      shot.*text = other;
+      changes = true;
+    }
+  if (use.aliases != shot.aliases) {
+    std::set<std::string> aliases(shot.aliases.begin(), shot.aliases.end());
+    aliases.insert(use.aliases.begin(), use.aliases.end());
+    std::vector<std::string> all(aliases.begin(), aliases.end());
+    changes = changes || all != shot.aliases;
+    shot.aliases = std::move(all);
+  }
+  return changes;
 }
 
 ReelShots shotsOfReel(Session& session, const std::string& id)

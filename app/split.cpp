@@ -36,6 +36,7 @@ public:
       throw Error(ErrorKind::Refused, fmt::format("{}: a reel has this name (choose another name, or move single shots "
                                                   "there with reeldb shot move)",
                                                   base::shortText(text(other.reelId()))));
+    requireNotGiven(manager_, into_, from_);
     for (const Cookie& log : reelhost::shotsOf(from_))
       shots_.push_back({log, shotFrom(reelhost::materialOf(log))});
     names_ = oldNamesOf(record_);

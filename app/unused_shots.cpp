@@ -76,7 +76,7 @@ UnusedShots deleteUnused(Session& session, const std::set<std::int64_t>& shots, 
   for (const Cookie& log : session.manager().reelList) {
     const std::string id = text(ReelDbRec(log).reelId());
     if (reels.count(base::fold(id)) == 0 || !isRemovable(reelhost::logNumber(log)) ||
-        decisionsOf(ReelDbRec(log)).namesReel || !reelhost::shotsOf(id).empty())
+        decisionsOf(ReelDbRec(log)) != Decisions{} || !reelhost::shotsOf(id).empty())
       continue;
     reelLogs.add(log);
     result.reels.push_back(id);

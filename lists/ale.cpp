@@ -5,8 +5,10 @@
 #include <array>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <optional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -36,6 +38,7 @@ enum Column : std::size_t {
   Camroll,
   Labroll,
   Soundroll,
+  SoundTc,
   Fps,
   TracksAsWritten, ///< this, those below and AlsoCalled are only in logs of this program: docs/formats/export.md
   CutRecordIn,
@@ -59,6 +62,7 @@ constexpr std::array<std::string_view, ColumnCount> columnTitles = {
     "Camroll",
     "Labroll",
     "Soundroll",
+    "Sound TC",
     "FPS",
     "Tracks As Written",
     "Cut Record In",
@@ -180,6 +184,21 @@ std::optional<Clip> soundOf(const Clip& picture, const std::string& roll)
   sound.tracks = logTracks(0, std::max(picture.audioChannels, 1));
   sound.audioChannels = std::max(picture.audioChannels, 1);
   return sound;
+}
+
+/// Gives the sound its own timecodes, from this one on. Returns why it cannot, or an empty text. An empty timecode
+/// changes nothing.
+std::string startSound(Clip& sound, const std::string& start)
+{
+  if (start.empty() || start == sound.sourceIn)
+    return {};
+  std::string end;
+  std::string why = endOfSound(start, sound, end);
+  if (why.empty()) {
+    sound.sourceIn = start;
+    sound.sourceOut = end;
+  }
+  return why;
 }
 
 /// Whether the line is the name of the section, without any other text.
@@ -487,6 +506,11 @@ void Reader::row(int number, std::string_view line)
     clip.cameraRoll.clear();
   }
   std::optional<Clip> sound = soundOf(clip, clean(cells[Soundroll]));
+  if (sound)
+    if (const std::string why = startSound(*sound, asWritten(cells, SoundTc)); !why.empty())
+      collector_.warn(number, line,
+                      "Sound TC " + inQuotes(cells[SoundTc]) + ": " + why +
+                          " (the sound has the timecodes of the row)");
   const bool hasNoSource = tape.empty() && clip.sourceFile.empty() && name.evidence != NameEvidence::CameraRoll;
   if (sound && hasNoSource) { // the sound is all that the row has
     sound->event.part = 1;
@@ -540,6 +564,23 @@ bool startsLog(std::string_view line)
 {
   const std::string_view first = trim(takeCell(line));
   return base::sameName(first, "Heading") || base::sameName(first, "Column");
+}
+
+std::string endOfSound(const std::string& start, const Clip& clip, std::string& end)
+{
+  const std::optional<FrameRate> rate = rateOf(clip.frameRate);
+  if (!rate)
+    return "the log says no frame rate";
+  const Counting counting = {*rate, clip.dropFrame};
+  std::int64_t in = 0, out = 0, ownIn = 0;
+  for (const auto& [label, frame] :
+       {std::pair(&start, &ownIn), std::pair(&clip.sourceIn, &in), std::pair(&clip.sourceOut, &out)})
+    if (std::string why = frameOf(*label, counting, *frame); !why.empty())
+      return why;
+  std::string why = labelOf(ownIn + out - in, counting, end);
+  if (!isDropFrame(start))
+    std::replace(end.begin(), end.end(), ';', ':');
+  return why;
 }
 
 List readAle(std::string_view text)

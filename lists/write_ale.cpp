@@ -64,18 +64,6 @@ std::string inLog(const Clip& clip, std::string timecode)
   return timecode;
 }
 
-/// The columns of the timecodes that inLog() changes.
-std::string colonsOf(const Clip& clip)
-{
-  std::string columns;
-  for (const auto& [title, timecode] :
-       {std::pair("Start", &clip.sourceIn), std::pair("End", &clip.sourceOut),
-        std::pair("Cut Record In", &clip.recordIn), std::pair("Cut Record Out", &clip.recordOut)})
-    if (lacksSemicolon(clip, *timecode))
-      columns += (columns.empty() ? "" : ", ") + std::string(title);
-  return columns;
-}
-
 /// The tape of the row, or what stands in its place if the clip has no source; empty if the row had no tape.
 std::string tapeOf(const Clip& clip)
 {
@@ -86,6 +74,13 @@ std::string tapeOf(const Clip& clip)
   return specialReason(clip.reel).empty() ? "AX" : clip.reel;
 }
 
+/// Whether the sound is as long as the picture, on timecodes of its own.
+bool hasOwnTimes(const Clip& sound, const Clip& picture)
+{
+  std::string end;
+  return endOfSound(sound.sourceIn, picture, end).empty() && end == sound.sourceOut;
+}
+
 /// Whether the clip is the sound of the one before it, as the sound roll of its row says.
 bool isSoundOf(const Clip& sound, const Clip& picture)
 {
@@ -94,24 +89,46 @@ bool isSoundOf(const Clip& sound, const Clip& picture)
          base::sameName(sound.soundOf, name) && !base::sameName(sound.reel, picture.reel) &&
          sound.tracks == logTracks(0, std::max(picture.audioChannels, 1)) && sound.aliases.empty() &&
          sound.sourceFile.empty() && sound.frameRate == picture.frameRate && sound.dropFrame == picture.dropFrame &&
-         std::tie(sound.clipName, sound.sourceIn, sound.sourceOut, sound.recordIn, sound.recordOut) ==
-             std::tie(picture.clipName, picture.sourceIn, picture.sourceOut, picture.recordIn, picture.recordOut);
+         std::tie(sound.clipName, sound.recordIn, sound.recordOut) ==
+             std::tie(picture.clipName, picture.recordIn, picture.recordOut) &&
+         (std::tie(sound.sourceIn, sound.sourceOut) == std::tie(picture.sourceIn, picture.sourceOut) ||
+          hasOwnTimes(sound, picture));
 }
 
 /// A clip that is written as a row, with the roll of its sound.
 struct Row : Clip {
   std::string soundRoll;
+  std::string soundIn; ///< empty if the sound has the timecodes of the picture
 };
+
+void addSound(Row& row, const Clip& sound)
+{
+  row.soundRoll = sound.reel;
+  if (sound.sourceIn != row.sourceIn)
+    row.soundIn = sound.sourceIn;
+}
 
 std::vector<Row> rowsOf(const std::vector<Clip>& clips)
 {
   std::vector<Row> rows;
   for (const Clip& clip : clips)
     if (!rows.empty() && rows.back().soundRoll.empty() && isSoundOf(clip, rows.back()))
-      rows.back().soundRoll = clip.reel;
+      addSound(rows.back(), clip);
     else
-      rows.push_back({clip, {}});
+      rows.push_back({clip, {}, {}});
   return rows;
+}
+
+/// The columns of the timecodes that inLog() changes.
+std::string colonsOf(const Row& row)
+{
+  std::string columns;
+  for (const auto& [title, timecode] :
+       {std::pair("Start", &row.sourceIn), std::pair("End", &row.sourceOut), std::pair("Cut Record In", &row.recordIn),
+        std::pair("Cut Record Out", &row.recordOut), std::pair("Sound TC", &row.soundIn)})
+    if (lacksSemicolon(row, *timecode))
+      columns += (columns.empty() ? "" : ", ") + std::string(title);
+  return columns;
 }
 
 struct OutColumn {
@@ -132,6 +149,7 @@ std::vector<OutColumn> columnsFor(const std::vector<Row>& clips, const std::stri
       {"Source File Path", [](const Row& clip) { return namesTheReel(clip) ? "" : clip.sourceFile; }},
       {"Camroll", [](const Row& row) { return row.cameraRoll; }},
       {"Soundroll", [](const Row& row) { return row.soundRoll; }},
+      {"Sound TC", [](const Row& row) { return inLog(row, row.soundIn); }},
       {"Tracks As Written", [](const Row& clip) { return isTracksCell(clip) ? "" : clip.tracks; }},
       {"Cut Record In", [](const Row& clip) { return inLog(clip, clip.recordIn); }},
       {"Cut Record Out", [](const Row& clip) { return inLog(clip, clip.recordOut); }},

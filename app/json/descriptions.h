@@ -287,6 +287,15 @@ void describe(Io& io, R& named)
   io("clip_names", named.clipNames);
 }
 
+template <class Io, Like<NeededRoll> R>
+void describe(Io& io, R& roll)
+{
+  io("roll", roll.name);
+  io("reels", roll.reels);
+  io("shots", roll.shots);
+  io("ready", roll.ready);
+}
+
 template <class Io, Like<Roll> R>
 void describe(Io& io, R& roll)
 {
@@ -595,6 +604,14 @@ void describe(Io& io, R& removed)
   io("shots", removed.shots);
 }
 
+template <class Io, Like<TypeChange> R>
+void describe(Io& io, R& change)
+{
+  io("reel", change.reel);
+  io("from", change.from);
+  io("to", change.to);
+}
+
 template <class Io, Like<ImportReport> R>
 void describe(Io& io, R& report)
 {
@@ -604,6 +621,7 @@ void describe(Io& io, R& report)
   io("reels_removed", report.reelsRemoved);
   io("shots_removed", report.shotsRemoved);
   io("moved", report.moves);
+  io("type_changes", report.typeChanges);
   if constexpr (!Io::writes)
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
                                  [](const ImportedList& imported) { return imported.changesProject(); }) ||

@@ -33,7 +33,8 @@ std::string originOf(const app::ReelName& name)
   case app::NameOrigin::Given:
     return "given to it";
   case app::NameOrigin::OneList:
-    return fmt::format("given to it for list {}", name.list);
+    return name.list != 0 ? fmt::format("given to it for list {}", name.list)
+                          : "given to it for a list that was removed";
   case app::NameOrigin::Lists:
     break;
   }

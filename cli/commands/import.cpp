@@ -39,6 +39,7 @@ void show(const Options& options, const app::ImportReport& report)
   print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
     print(toText(imported, textColumns(stdout), mood));
+  print(toText(report.typeChanges, mood));
   print(removedText(report, textColumns(stdout), mood));
   if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");

@@ -118,6 +118,15 @@ std::string toText(const std::vector<app::ReelMove>& moves, Mood mood)
   return result;
 }
 
+std::string toText(const std::vector<app::TypeChange>& changes, Mood mood)
+{
+  std::string result;
+  for (const app::TypeChange& change : changes)
+    result += fmt::format("{} {}: type {} (was {})\n", displayText(change.reel), did(mood, "changed"),
+                          displayText(change.to), displayText(change.from));
+  return result;
+}
+
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
 {
   const lists::List& list = imported.list;

@@ -18,6 +18,9 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
 /// What the import removed, because only replaced versions of lists had it; empty if that is nothing.
 std::string removedText(const app::ImportReport& report, std::size_t columns, Mood mood);
 
+/// The reels that got another type, one line per reel.
+std::string toText(const std::vector<app::TypeChange>& changes, Mood mood);
+
 /// The shots that got another reel, one line per pair of reels.
 std::string toText(const std::vector<app::ReelMove>& moves, Mood mood);
 

@@ -122,8 +122,6 @@ void printTable(const std::vector<app::Roll>& rolls)
 
 ExitCode byRoll(const Options& options, app::Session& session)
 {
-  if (*options.by != "roll")
-    throw app::Error(app::ErrorKind::Invalid, fmt::format("--by {}: invalid (use roll)", base::shortText(*options.by)));
   const std::vector<app::Roll> rolls = app::reelsByRoll(session);
   if (options.json)
     print(app::jsonText(rolls));
@@ -146,6 +144,7 @@ void checkOptions(const Options& options)
 ExitCode run(const Options& options, const Globals& globals)
 {
   checkOptions(options);
+  requireGroup(options.by);
   app::Session session(globals.project, app::Access::Read);
   if (options.by)
     return byRoll(options, session);

@@ -10,6 +10,7 @@
 #include "app/json/json.h"
 #include "app/list_files.h"
 #include "app/needs.h"
+#include "app/rolls.h"
 #include "base/display_text.h"
 #include "commands/name_options.h"
 #include "commands/names_text.h"
@@ -25,7 +26,7 @@ namespace {
 
 struct Options {
   std::vector<std::string> clips;
-  std::optional<std::string> reel, file;
+  std::optional<std::string> reel, file, by;
   NameOptions names;
   bool json = false;
 };
@@ -59,6 +60,29 @@ void report(const Options& options, const std::vector<app::Need>& needs)
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));
 }
 
+void reportRolls(const Options& options, const std::vector<app::NeededRoll>& rolls)
+{
+  if (options.json) {
+    print(app::jsonText(rolls));
+    return;
+  }
+  Table table({{"ROLL"},
+               {.title = "REELS", .number = true},
+               {.title = "READY", .number = true},
+               {.title = "SHOTS", .number = true}});
+  std::size_t reels = 0, ready = 0;
+  for (const app::NeededRoll& roll : rolls) {
+    table.add(
+        {orDash(roll.name), std::to_string(roll.reels.size()), std::to_string(roll.ready), std::to_string(roll.shots)});
+    reels += roll.reels.size();
+    ready += roll.ready;
+  }
+  table.print();
+  const bool hasOthers = !rolls.empty() && rolls.back().name.empty();
+  print(fmt::format("{}; {} needed, {} ready\n", counted(rolls.size() - (hasOthers ? 1 : 0), "roll"),
+                    counted(reels, "reel"), ready));
+}
+
 /// Reports the rest of the list: sources that are not reels, ambiguous sources, and lines with a remark or that could
 /// not be read.
 void complainOfTheRest(const app::ListFile& file)
@@ -86,6 +110,7 @@ void checkOptions(const Options& options)
     refuse("reels-of: \"\": not a clip name");
   if (!options.file && (options.names.match || options.names.names))
     refuse("reels-of: --match and --names need --file FILE");
+  requireGroup(options.by);
   if (options.reel && options.reel->empty())
     refuse("reels-of: \"\": not a reel");
 }
@@ -96,7 +121,9 @@ ExitCode ofList(const Options& options, const Globals& globals)
   const app::ListFile file = app::readListFile(*options.file, options.names.reading());
   app::Session session(globals.project, app::Access::Read);
   const std::vector<app::Need> needs = app::needsOfList(session, file, rules);
-  if (!needs.empty())
+  if (options.by && !needs.empty())
+    reportRolls(options, app::needsByRoll(session, needs, file.list.clips));
+  else if (!needs.empty())
     report(options, needs);
   complainOfTheRest(file);
   if (needs.empty())
@@ -110,7 +137,12 @@ ExitCode run(const Options& options, const Globals& globals)
   if (options.file)
     return ofList(options, globals);
   app::Session session(globals.project, app::Access::Read);
-  report(options, options.reel ? app::needsOfReel(session, *options.reel) : app::needsOfClips(session, options.clips));
+  const std::vector<app::Need> needs =
+      options.reel ? app::needsOfReel(session, *options.reel) : app::needsOfClips(session, options.clips);
+  if (options.by)
+    reportRolls(options, app::needsByRoll(session, needs));
+  else
+    report(options, needs);
   return done;
 }
 
@@ -123,13 +155,18 @@ void addReelsOf(CommandLine& line)
       {.name = "reels-of",
        .description = "List the reels that shots or a list need, and which of them are not ready",
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
-                    "reeldb reels-of --file evening.edl --match exact", "reeldb reels-of --file evening.edl --json"},
+                    "reeldb reels-of --file evening.edl --match exact", "reeldb reels-of --file evening.edl --by roll",
+                    "reeldb reels-of --file evening.edl --json"},
        .details =
            "The state of a reel is ready, missing (the project does not have it), perhaps (its name may mean reels "
            "that\n"
            "the project has), unavailable, unknown type, or both of the last two. The list need not be imported. Its "
            "sources that are not reels, and its lines that\n"
            "cannot be read, are reported on standard error.\n"
+           "\n"
+           "--by roll counts the needed reels of each camera roll instead, as list --by roll does, and how many of "
+           "them\n"
+           "are ready. Reels of no roll are on the last line.\n"
            "\n"
            "--match exact takes a name for a reel only if it is the same name or an old name of the reel. --names "
            "clip\n"
@@ -138,6 +175,7 @@ void addReelsOf(CommandLine& line)
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");
   command.text("--file", options->file, "The clips of this cut list, log file or timeline").shownAs("FILE");
+  command.text("--by", options->by, "Group the reels: roll").shownAs("GROUP");
   addNameOptions(command, options->names);
   command.json(options->json);
 }

@@ -134,6 +134,12 @@ std::string reasonsText(const app::Candidate& candidate)
   return candidate.isThere ? result : result + " (no record of the reel)";
 }
 
+void requireGroup(const std::optional<std::string>& by)
+{
+  if (by && *by != "roll")
+    throw app::Error(app::ErrorKind::Invalid, fmt::format("--by {}: invalid (use roll)", base::shortText(*by)));
+}
+
 void complainOf(const std::vector<std::string>& messages)
 {
   for (const std::string& message : messages)

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,9 @@ std::vector<std::int64_t> shotNumbers(const std::string& command, const std::vec
 
 /// The reasons why a name means a reel, in words: "cut form, other name in a list".
 std::string reasonsText(const app::Candidate& candidate);
+
+/// Throws Error (Invalid) for a group of reels, the value of --by, that there is not.
+void requireGroup(const std::optional<std::string>& by);
 
 /// Writes each message to standard error.
 void complainOf(const std::vector<std::string>& messages);

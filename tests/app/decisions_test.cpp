@@ -13,6 +13,7 @@
 #include "app/history.h"
 #include "app/import.h"
 #include "app/json/json.h"
+#include "app/kept_lists.h"
 #include "app/merge.h"
 #include "app/needs.h"
 #include "app/reels.h"
@@ -93,6 +94,22 @@ protected:
   static std::string state()
   {
     return with(app::Access::Read, [](app::Session& session) { return app::jsonText(app::readState(session)); });
+  }
+
+  /// The first reel that the list needs.
+  static std::string neededReel(const app::ListFile& file)
+  {
+    return with(app::Access::Read, [&](app::Session& session) { return app::needsOfList(session, file).front().id; });
+  }
+  /// "REEL 3" for each reel that the list needs, with its number of shots, in the order of the list.
+  static Strings needs(const app::ListFile& file)
+  {
+    return with(app::Access::Read, [&](app::Session& session) {
+      Strings needs;
+      for (const app::Need& need : app::needsOfList(session, file))
+        needs.push_back(need.id + " " + std::to_string(need.shots));
+      return needs;
+    });
   }
 
   static std::vector<std::int64_t> shotsOf(const std::string& reel)
@@ -344,6 +361,38 @@ TEST_F(Decisions, ReelInUseStaysWhenItsShotsGoToAnotherReel)
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_200303_F701 1", "A001C001_200303_G802 1"}));
 }
 
+TEST_F(Decisions, NameOfAJoinedReelIsNotThatOfAnotherOneUntilItIsTakenFromThere)
+{
+  import(list("one.edl", {{"SR05"}, {"SR005", 20}, { "C", 30 }}));
+  merge({"SR05"}, "SR005");
+  const std::string before = state();
+  const auto create = [](app::Session& session) { return app::createReel(session, "sr05", {}); };
+  const auto refused = [](const auto& operation) { return std::string(errorOf(operation).what()); };
+  const std::string message = ": a name of SR005 (reeldb alias --remove SR005 ";
+  EXPECT_EQ(refused([&] { writing(create); }), "sr05" + message + "sr05 takes it from there)");
+  const std::string bySame = "SR05" + message + "SR05 takes it from there)";
+  EXPECT_EQ(
+      refused([] { writing([](app::Session& session) { return app::renameReel(session, "C", "SR05", false); }); }),
+      bySame);
+  EXPECT_EQ(refused([&] { split("C", "SR05", {.lists = {"one.edl"}, .names = {}, .shots = {}}); }), bySame);
+  EXPECT_EQ(refused([&] { import(list("two.edl", {{ "C", 40 }}), {{ "C", "SR05" }}); }), bySame);
+  EXPECT_EQ(state(), before);
+  EXPECT_EQ(alias("SR005", {"SR05"}, true).moves.size(), 1U); // its shot goes back
+  EXPECT_EQ(reels(), (Strings{"C 1", "SR005 1", "SR05 1"}));
+  undo();
+  split("SR005", "SR05", {.lists = {}, .names = {"SR05"}, .shots = {}}); // the reel's own name
+  EXPECT_EQ(reels(), (Strings{"C 1", "SR005 1", "SR05 1"}));
+}
+
+TEST_F(Decisions, ReelTakesAnotherNameOfItsOwn)
+{
+  import(list("one.edl", {{"SR05"}, { "SR005", 20 }}));
+  merge({"SR05"}, "SR005");
+  writing([](app::Session& session) { return app::renameReel(session, "SR005", "SR05", false); });
+  EXPECT_EQ(reels(), Strings{"SR05 2"});
+  expectNothingNew(list("one.edl", {{"SR05"}, {"SR005", 20}}));
+}
+
 // ---- split --------------------------------------------------------------------------------------
 
 TEST_F(Decisions, ListThatIsPartedMeansTheNewReelAgainAndInNewVersions)
@@ -426,9 +475,6 @@ TEST_F(Decisions, ReelOfOneListIsAnotherTapeAgainAndInNewVersions)
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_DAY2 1", "B001 1"}));
   expectNothingNew(list("two.edl", {{"A001C001"}, {"B001", 20}}));
   expectNothingNew(list("one.edl", {{"A001C001"}}));
-  const auto neededReel = [](const app::ListFile& file) {
-    return with(app::Access::Read, [&](app::Session& session) { return app::needsOfList(session, file).front().id; });
-  };
   EXPECT_EQ(neededReel(list("two.edl", {{"A001C001"}, {"B001", 20}})), "A001C001_DAY2");
   EXPECT_EQ(neededReel(list("one.edl", {{"A001C001"}})), "A001C001");
   EXPECT_EQ(import(list("three.edl", {{"A001C001"}})).lists.front().shotsAdded, 0U);
@@ -450,6 +496,55 @@ TEST_F(Decisions, ReelOfOneListIsAnotherTapeIfThatListComesFirst)
   import(list("two.edl", {{ "A001C001" }}), {{ "", "A001C001_DAY2" }});
   import(list("one.edl", {{ "A001C001" }}));
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_DAY2 1"}));
+}
+
+TEST_F(Decisions, WhatOneListMeansHoldsWhenThatListWasRemovedAndComesAgain)
+{
+  const auto one = list("one.edl", {{"A001C001"}}), two = list("two.edl", {{"A001C001"}, {"B001", 20}}),
+             three = list("three.edl", {{"A001C001", 40}});
+  import(one);
+  import(two, {{ "A001C001", "A001C001_DAY2" }});
+  import(three);
+  split("A001C001", "A001C001_DAY3", {.lists = {"three.edl"}, .names = {}, .shots = {}});
+  const std::string before = state();
+  const Strings all = {"A001C001 1", "A001C001_DAY2 1", "A001C001_DAY3 1", "B001 1"};
+  EXPECT_EQ(reels(), all);
+  for (const char* const name : {"two.edl", "three.edl"})
+    writing([&](app::Session& session) { return app::removeList(session, name, false); });
+  EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_DAY2 0", "A001C001_DAY3 0"}));
+  const app::ReelName given = with(app::Access::Read, [](app::Session& session) {
+                                return app::aliasesOf(session, "A001C001_DAY2").names;
+                              }).at(0);
+  EXPECT_EQ(given.origin, app::NameOrigin::OneList);
+  EXPECT_EQ(given.list, 0);
+  EXPECT_EQ(neededReel(two), "A001C001_DAY2");
+  EXPECT_EQ(neededReel(three), "A001C001_DAY3");
+  EXPECT_EQ(neededReel(list("four.edl", {{"A001C001", 50}})), "A001C001");
+  const app::ListDiff diff =
+      with(app::Access::Read, [&](app::Session& session) { return app::compareLists(session, {two}, false); });
+  EXPECT_EQ(diff.added.at(0).reel, "A001C001_DAY2");
+  import(three);
+  import(two);
+  EXPECT_EQ(reels(), all);
+  expectNothingNew(two);
+  import(list("two.edl", {{"A001C001", 30}, { "B001", 20 }}), {}, byName); // another version of it
+  EXPECT_EQ(reels(), all);
+  for (int i = 0; i < 5; ++i)
+    undo();
+  EXPECT_EQ(state(), before);
+}
+
+TEST_F(Decisions, ShotsThatAPersonMovedOrDeletedAreRespectedWhenTheirListWasRemovedAndComesAgain)
+{
+  const auto one = list("one.edl", {{"A001"}, {"A001", 20}, {"B001", 30}});
+  import(one);
+  const std::vector<std::int64_t> shots = shotsOf("A001");
+  writing([&](app::Session& session) { return app::moveShots(session, {shots[0]}, "B001", false); });
+  writing([&](app::Session& session) { return app::deleteShots(session, {shots[1]}, false); });
+  writing([](app::Session& session) { return app::removeList(session, "one.edl", false); });
+  EXPECT_EQ(reels(), (Strings{"A001 0", "B001 1"}));
+  import(one);
+  EXPECT_EQ(reels(), (Strings{"A001 0", "B001 2"}));
 }
 
 TEST_F(Decisions, OtherTapeIsRefusedIfItIsNotClear)
@@ -487,6 +582,23 @@ TEST_F(Decisions, MovedShotIsTheSameShotInEveryList)
   undo();
   undo();
   EXPECT_EQ(state(), before);
+}
+
+TEST_F(Decisions, ListNeedsTheReelsInWhichItsShotsLie)
+{
+  const auto one = list("one.edl", {{"A001"}, {"A001", 20}, {"A001", 30}, {"B001", 40}});
+  import(one);
+  const std::vector<std::int64_t> shots = shotsOf("A001");
+  writing([&](app::Session& session) { return app::moveShots(session, {shots[0]}, "B001", false); });
+  writing([&](app::Session& session) {
+    return app::splitReel(session, "A001", "A001_X", {.lists = {}, .names = {}, .shots = {shots[1]}}, false);
+  });
+  EXPECT_EQ(needs(one), (Strings{"B001 2", "A001_X 1", "A001 1"}));
+  EXPECT_EQ(needs(list("two.edl", {{"a001", 20}, {"A001", 50}})), (Strings{"A001_X 1", "A001 1"}));
+  writing([&](app::Session& session) { return app::deleteShots(session, {shots[2]}, false); });
+  EXPECT_EQ(needs(one), (Strings{"B001 2", "A001_X 1"}));
+  import(list("three.edl", {{ "A001", 50 }})); // lies where its name puts it
+  EXPECT_EQ(needs(list("three.edl", {{"A001", 50}})), Strings{"A001 1"});
 }
 
 TEST_F(Decisions, ShotIsNotMovedToAReelThatHasIt)

@@ -10,9 +10,11 @@
 #include <map>
 #include <random>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include "app/export.h"
 #include "app/import.h"
@@ -62,6 +64,17 @@ std::string formOf(const std::string& reel)
   return lists::nameForm(lists::partsOf(reel).stem);
 }
 
+bool isList(const std::filesystem::path& file)
+{
+  if (!std::filesystem::is_regular_file(file))
+    return false;
+  try {
+    return !app::readListFile(file.string()).list.clips.empty();
+  } catch (const app::Error&) {
+    return false;
+  }
+}
+
 class NameOrders : public reeldb_tests::AppTest {
 protected:
   void SetUp() override
@@ -70,10 +83,14 @@ protected:
     const char* const folder = std::getenv("REELDB_SAMPLES");
     if (!folder)
       GTEST_SKIP() << "REELDB_SAMPLES names no folder with lists";
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
+      if (isList(entry.path()))
+        all_.push_back(entry.path().string());
       if (const std::string number = entry.path().filename().string().substr(0, 2);
           number == "01" || number == "05" || number == "31" || number == "32")
         samples_[number] = entry.path().string();
+    }
+    std::sort(all_.begin(), all_.end());
     ASSERT_EQ(samples_.size(), 4u);
   }
 
@@ -97,17 +114,24 @@ protected:
     return project;
   }
 
-  /// The reels and the shots of the project, sorted.
+  /// The reels with their types and channels, and the shots with their texts, sorted.
   static std::vector<std::string> outcome(const std::string& project)
   {
     app::Session session(project, app::Access::Read);
     const app::ProjectContent content = app::readContent(session);
     std::vector<std::string> lines;
     for (const app::Reel& reel : content.reels)
-      lines.push_back(fmt::format("reel {} {}", formOf(reel.id), reel.shots));
-    for (const app::Shot& shot : content.shots)
-      lines.push_back(fmt::format("shot {} \"{}\" {} {} {}", formOf(shot.reel), shot.clipName, shot.tracks,
-                                  shot.sourceIn, shot.sourceOut));
+      lines.push_back(fmt::format("reel {} {} {} {} {}", formOf(reel.id), reel.shots, reel.type, reel.videoChannels,
+                                  reel.audioChannels));
+    for (const app::Shot& shot : content.shots) {
+      std::set<std::string> names = {formOf(shot.ownName.empty() ? shot.reel : shot.ownName) + shot.sourceId};
+      for (const lists::SourceName& name : shot.furtherNames)
+        names.insert(formOf(name.name) + name.sourceId);
+      lines.push_back(fmt::format("shot {} \"{}\" {} {} {} {} {} {} {} {} {} {}", formOf(shot.reel), shot.clipName,
+                                  shot.tracks, shot.sourceIn, shot.sourceOut, shot.recordIn, shot.recordOut,
+                                  shot.sourceFile, fmt::join(shot.aliases, ","), shot.cameraRoll, shot.soundOf,
+                                  fmt::join(names, ",")));
+    }
     std::sort(lines.begin(), lines.end());
     return lines;
   }
@@ -166,6 +190,7 @@ protected:
   }
 
   std::map<std::string, std::string> samples_; ///< files by their numbers
+  std::vector<std::string> all_;               ///< sorted
   std::vector<std::string> first_;
   int projects_ = 0;
 };
@@ -178,6 +203,12 @@ TEST_F(NameOrders, WholeListsGiveOneProjectInEveryOrder)
   do
     expectSame(files, wholeState);
   while (std::next_permutation(files.begin(), files.end()));
+}
+
+TEST_F(NameOrders, AllListsGiveOneProjectInTwentyOrders)
+{
+  ASSERT_GT(all_.size(), 20u);
+  expectSameInOrders(all_, 20);
 }
 
 TEST_F(NameOrders, ListsCutToEightGiveOneProjectWithTheirWholeLists)

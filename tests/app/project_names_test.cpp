@@ -210,26 +210,31 @@ TEST_F(ProjectNames, ShotThatIsPartedKeepsItsListsAndUndoTakesThatBack)
   EXPECT_EQ(reelsWithShots(), Names{whole + " 1"});
 }
 
-TEST_F(ProjectNames, PartsOfAShotHaveTheRecordTimesOfTheirOwnUses)
+TEST_F(ProjectNames, PartsOfAShotHaveTheTextsOfTheirOwnUses)
 {
   const auto importAt = [&](std::string reel, std::size_t width, const std::string& clip, const std::string& hour) {
     reel.resize(width, ' ');
     const std::string path =
         folder_.write("at" + hour + ".edl", "001  " + reel + " V     C        01:00:10:00 01:00:10:10 " + hour +
-                                                ":00:10:00 " + hour + ":00:10:10\n* FROM CLIP NAME: " + clip + "\n");
+                                                ":00:10:00 " + hour + ":00:10:10\n* FROM CLIP NAME: " + clip +
+                                                "\n* REEL: LUT" + hour + "\n* SOURCE FILE: FILE" + hour + "\n");
     app::Session session({}, app::Access::Write);
     app::importLists(session, {app::readListFile(path)}, false);
   };
-  const auto recordIn = [](const std::string& reel) {
+  const auto texts = [](const std::string& reel) {
     app::Session session({}, app::Access::Read);
-    return app::shotsOfReel(session, reel).shots.at(0).shot.recordIn;
+    const app::Shot shot = app::shotsOfReel(session, reel).shots.at(0).shot;
+    Names result = {shot.recordIn.substr(0, 2), shot.sourceFile};
+    std::copy_if(shot.aliases.begin(), shot.aliases.end(), std::back_inserter(result),
+                 [](const std::string& alias) { return alias.starts_with("LUT"); });
+    return result;
   };
   importAt(whole, 32, "one", "10");
   importAt(cut, 8, "one", "09");
-  EXPECT_EQ(recordIn(whole), "09:00:10:00"); // one shot with two uses
+  EXPECT_EQ(texts(whole), (Names{"09", "FILE09", "LUT09", "LUT10"})); // one shot with two uses
   importAt(other, 32, "two", "11");
-  EXPECT_EQ(recordIn(whole), "10:00:10:00");
-  EXPECT_EQ(recordIn(cut), "09:00:10:00");
+  EXPECT_EQ(texts(whole), (Names{"10", "FILE10", "LUT10"}));
+  EXPECT_EQ(texts(cut), (Names{"09", "FILE09", "LUT09"}));
 }
 
 TEST_F(ProjectNames, FilesOfTwoKindsAreTwoReels)

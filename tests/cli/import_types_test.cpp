@@ -79,14 +79,102 @@ TEST_F(ImportTypes, DefaultTypeOfTheProjectStaysAsItIs)
   EXPECT_EQ(types(), Types{});
 }
 
-TEST_F(ImportTypes, SecondImportChangesNoType)
+TEST_F(ImportTypes, FurtherShotsThatAgreeWithTheTypeChangeNothing)
+{
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  const Types before = types();
+  dir_.write("more.edl", event(1, "SR007", "A", "02:00:00:00", "02:00:01:00") +
+                             event(2, "A001", "A", "02:00:00:00", "02:00:01:00"));
+  const Json report = json({"import", "--json", "more.edl"});
+  EXPECT_EQ(report.at("files").at(0).at("types"), Json::array());
+  EXPECT_EQ(report.at("type_changes"), Json::array());
+  EXPECT_EQ(types(), before);
+}
+
+TEST_F(ImportTypes, TypeFollowsFromAllShotsInWhateverOrderTheyComeAndUndoTakesThatBack)
 {
   ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
   const Types before = types();
   dir_.write("more.edl", event(1, "SR007", "V", "02:00:00:00", "02:00:01:00") +
-                             event(2, "A001", "A", "02:00:00:00", "02:00:01:00"));
-  EXPECT_EQ(json({"import", "--json", "more.edl"}).at("files").at(0).at("types"), Json::array());
+                             event(2, "A001", "V", "02:00:00:00", "02:00:01:00") + "* SOURCE FILE: A001.TIF\n");
+  const std::string dryRun = output({"import", "--dry-run", "more.edl"});
+  EXPECT_NE(dryRun.find("SR007 would be changed: type Tape 2ch (was Audio only)\n"), std::string::npos) << dryRun;
   EXPECT_EQ(types(), before);
+  const Json changes = json({"import", "--json", "more.edl"}).at("type_changes");
+  EXPECT_EQ(changes, Json::parse(R"([{"reel": "A001", "from": "Tape 2ch", "to": "Still"},
+                                     {"reel": "SR007", "from": "Audio only", "to": "Tape 2ch"}])"));
+  Types after = before;
+  after["A001"] = "Still";
+  after["SR007"] = "Tape 2ch";
+  EXPECT_EQ(types(), after);
+  EXPECT_EQ(reeldb({"project", "check"}).code, 0);
+  ASSERT_EQ(reeldb({"undo"}).code, 0);
+  EXPECT_EQ(types(), before);
+  ASSERT_EQ(reeldb({"undo"}).code, 0);
+  ASSERT_EQ(reeldb({"import", "more.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  EXPECT_EQ(types(), after);
+}
+
+TEST_F(ImportTypes, TypeOfAReelThatOneImportBringsFollowsFromAllOfItsLists)
+{
+  dir_.write("more.edl", event(1, "SR007", "V", "02:00:00:00", "02:00:01:00"));
+  const Json report = json({"import", "--json", "cut.edl", "more.edl"});
+  EXPECT_EQ(report.at("type_changes"), Json::array());
+  EXPECT_EQ(types().at("SR007"), "Tape 2ch");
+}
+
+TEST_F(ImportTypes, TypeThatNoRuleGaveStays)
+{
+  ASSERT_EQ(reeldb({"import", "--type", "Tape 8ch", "cut.edl"}).code, 0);
+  dir_.write("more.edl", event(1, "SR007", "V", "02:00:00:00", "02:00:01:00") +
+                             event(2, "A002", "V", "02:00:00:00", "02:00:01:00") + "* SOURCE FILE: A002.TIF\n");
+  EXPECT_EQ(json({"import", "--json", "more.edl"}).at("type_changes"), Json::array());
+  EXPECT_EQ(types().at("SR007"), "Tape 8ch");
+  EXPECT_EQ(types().at("A002"), "Tape 8ch");
+}
+
+TEST_F(ImportTypes, TypeOfAReelThatAPersonChangedStays)
+{
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"set", "SR007", "bin=Shelf 3"}).code, 0);
+  dir_.write("more.edl", event(1, "SR007", "V", "02:00:00:00", "02:00:01:00"));
+  EXPECT_EQ(json({"import", "--json", "more.edl"}).at("type_changes"), Json::array());
+  EXPECT_EQ(types().at("SR007"), "Audio only");
+  EXPECT_EQ(json({"show", "SR007", "--json"}).at("bin"), "Shelf 3");
+}
+
+TEST_F(ImportTypes, ReelOfOneListKeepsThatWhenItsTypeChanges)
+{
+  ASSERT_EQ(reeldb({"import", "cut.edl"}).code, 0);
+  dir_.write("other.edl", event(1, "SR007", "A", "03:00:00:00", "03:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "--as-new", "SR007=DAY2", "other.edl"}).code, 0);
+  dir_.write("day2.edl", event(1, "DAY2", "V", "04:00:00:00", "04:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "day2.edl"}).code, 0);
+  EXPECT_EQ(types().at("DAY2"), "Tape 2ch");
+  EXPECT_EQ(json({"import", "--json", "other.edl"}).at("files").at(0).at("names").at(0).at("reel"), "DAY2");
+}
+
+TEST_F(ImportTypes, ShotsOfAReplacedVersionSayNoTypeAnyMore)
+{
+  dir_.write("v1.edl", event(1, "SR009", "A", "01:00:00:00", "01:00:01:00") +
+                           event(2, "SR009", "V", "01:00:02:00", "01:00:03:00"));
+  ASSERT_EQ(reeldb({"import", "v1.edl"}).code, 0);
+  EXPECT_EQ(types().at("SR009"), "Tape 2ch");
+  dir_.write("v2.edl", event(1, "SR009", "A", "01:00:00:00", "01:00:01:00") +
+                           event(2, "SR009", "A", "01:00:05:00", "01:00:06:00"));
+  ASSERT_EQ(reeldb({"import", "--as", "1", "v2.edl"}).code, 0);
+  EXPECT_EQ(types().at("SR009"), "Audio only");
+}
+
+TEST_F(ImportTypes, PatternOfARuleFitsAnyNameWithOrWithoutItsEnding)
+{
+  addToFacility("[[type_rule]]\ntype = \"Disc\"\nname = \"A003\"\n"
+                "[[type_rule]]\ntype = \"Film 35\"\nname = \"A004.MOV\"\n");
+  dir_.write("files.edl", event(1, "A003.MOV", "V", "01:00:00:00", "01:00:01:00") +
+                              event(2, "A004", "V", "01:00:00:00", "01:00:01:00") + "* SOURCE FILE: A004.MOV\n");
+  ASSERT_EQ(reeldb({"import", "files.edl"}).code, 0);
+  EXPECT_EQ(types(), (Types{{"A003.MOV", "Disc"}, {"A004", "Film 35"}}));
 }
 
 TEST_F(ImportTypes, RulesOfTheFacilityComeFirstAndTheFirstThatFitsDecides)

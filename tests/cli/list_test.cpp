@@ -162,8 +162,30 @@ TEST_F(ListByRoll, CountsReelsAndShotsAndTheOthersLast)
   EXPECT_NE(log.find("two\tVA1\t01:00:02:00\t01:00:03:00\tA012C002\tA012\tSR7"), std::string::npos) << log;
 }
 
+TEST_F(ListByRoll, ReelsOfCountsThoseThatAListNeedsAndThatAreReady)
+{
+  dir_.write("log.ale", "Heading\nFIELD_DELIM\tTABS\n\nColumn\nName\tTape\tTracks\tStart\tEnd\tCamroll\n\nData\n"
+                        "one\tXY7_1\tV\t01:00:00:00\t01:00:01:00\tXY7\n"
+                        "two\tXY7_2\tV\t01:00:02:00\t01:00:03:00\tXY7\n"
+                        "three\tXY7_2\tV\t01:00:04:00\t01:00:05:00\tXY7\n"
+                        "four\tTAPE\tV\t01:00:02:00\t01:00:03:00\t\n");
+  EXPECT_EQ(output({"reels-of", "--file", "log.ale", "--by", "roll"}), "ROLL  REELS  READY  SHOTS\n"
+                                                                       "XY7       2      0      3\n"
+                                                                       "-         1      0      1\n"
+                                                                       "1 roll; 3 reels needed, 0 ready\n");
+  ASSERT_EQ(reeldb({"import", "log.ale"}).code, 0);
+  ASSERT_EQ(reeldb({"set", "XY7_1", "available=no"}).code, 0);
+  EXPECT_EQ(json({"reels-of", "--file", "log.ale", "--by", "roll", "--json"}), Json::parse(R"([
+    {"roll": "XY7", "reels": ["XY7_1", "XY7_2"], "shots": 3, "ready": 1},
+    {"roll": "", "reels": ["TAPE"], "shots": 1, "ready": 1}])"));
+  EXPECT_EQ(output({"reels-of", "one", "two", "--by", "roll"}), "ROLL  REELS  READY  SHOTS\n"
+                                                                "XY7       2      1      2\n"
+                                                                "1 roll; 2 reels needed, 1 ready\n");
+}
+
 TEST_F(ListByRoll, OtherWordIsAUsageError)
 {
+  EXPECT_EQ(reeldb({"reels-of", "one", "--by", "type"}).err, "reeldb: --by type: invalid (use roll)\n");
   const ProcessResult result = reeldb({"list", "--by", "type"});
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.err, "reeldb: --by type: invalid (use roll)\n");

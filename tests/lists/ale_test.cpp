@@ -2,6 +2,7 @@
 #include "lists/ale.h"
 
 #include <string>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -100,6 +101,47 @@ TEST(Ale, SoundRollIsASourceOfItsOwnOnTheAudioTracks)
   EXPECT_EQ(sound.event.part, 2);
   EXPECT_EQ(list.clips[3].soundOf, "T1") << "in the spelling that came first";
   EXPECT_EQ(list.clips[3].tracks, "A1") << "a picture without sound has sound elsewhere";
+}
+
+TEST(Ale, SoundHasTimecodesOfItsOwnFromSoundTcOn)
+{
+  const std::string titles = "Name|Tape|Tracks|Start|End|Soundroll|Sound TC";
+  const List list = readWhole(log(titles,
+                                  "a|T1|VA1|01:00:00:00|01:00:10:05|SR7|09:59:59:20\n"
+                                  "b|T1|VA1|01:00:00:00|01:00:10:05|SR7|\n"
+                                  "c|T1|VA1|01:00:00:00|01:00:10:05||09:59:59:20\n",
+                                  "FPS|25\n"));
+  ASSERT_EQ(reels(list), (Strings{"T1", "SR7", "T1", "SR7", "T1"}));
+  EXPECT_EQ(list.clips[0].sourceIn, "01:00:00:00");
+  EXPECT_EQ(list.clips[1].sourceIn, "09:59:59:20");
+  EXPECT_EQ(list.clips[1].sourceOut, "10:00:10:00");
+  EXPECT_EQ(list.clips[3].sourceIn, "01:00:00:00");
+  EXPECT_EQ(list.warnings.size(), 0u);
+  const List drop = readWhole(log(titles,
+                                  "a|T1|VA1|01:00:00;00|01:00:10;00|SR7|01:00:59;29\n"
+                                  "b|T1|VA1|01:00:00;00|01:00:10;00|SR7|01:00:59:29\n",
+                                  "FPS|29.97\n"));
+  EXPECT_EQ(drop.clips[1].sourceOut, "01:01:10;01"); // two labels of the minute are left out
+  EXPECT_EQ(drop.clips[3].sourceOut, "01:01:10:01"); // separators as in the cell
+}
+
+TEST(Ale, SoundTcThatCannotBeReadLeavesTheTimecodesOfTheRow)
+{
+  const std::string titles = "Name|Tape|Tracks|Start|End|Soundroll|Sound TC";
+  for (const auto& [cell, heading, why] :
+       {std::tuple("soon", "FPS|25\n", "not hh:mm:ss:ff"), std::tuple("01:00:00:25", "FPS|25\n", "frames above 24"),
+        std::tuple("23:59:55:00", "FPS|25\n", "after the last frame of the day"),
+        std::tuple("02:00:00:00", "", "the log says no frame rate")}) {
+    const List list =
+        readWhole(log(titles, std::string("a|T1|VA1|01:00:00:00|01:00:10:00|SR7|") + cell + "\n", heading));
+    ASSERT_EQ(reels(list), (Strings{"T1", "SR7"}));
+    EXPECT_EQ(list.clips[1].sourceIn, "01:00:00:00") << cell;
+    EXPECT_EQ(list.clips[1].sourceOut, "01:00:10:00") << cell;
+    ASSERT_EQ(list.warnings.size(), 1u) << cell;
+    EXPECT_TRUE(list.warnings[0].reason.starts_with(std::string("Sound TC '") + cell + "': "))
+        << list.warnings[0].reason;
+    EXPECT_NE(list.warnings[0].reason.find(why), std::string::npos) << list.warnings[0].reason;
+  }
 }
 
 TEST(Ale, SoundRollThatIsTheTapeOrNoReelIsNoFurtherSource)

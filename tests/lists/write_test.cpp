@@ -100,6 +100,29 @@ TEST(Write, ChannelNumbersThatReadTwoWaysComeBackAsTheyWere)
   expectRoundTrips({clipOf("A", "", "A12", 0, 2), clipOf("B", "", "A12", 0, 1), clipOf("C1", "", "A10", 0, 1)});
 }
 
+TEST(Write, SoundOnTimecodesOfItsOwnIsInTheRowOfItsPicture)
+{
+  std::string log = "Heading\nFIELD_DELIM|TABS\nFPS|29.97\n\nColumn\nName|Tape|Tracks|Start|End|Soundroll|Sound TC\n\n"
+                    "Data\na|T1|VA1|01:00:00;00|01:00:10;00|SR7|01:00:59:29\n"
+                    "b|T1|VA1|01:00:00;00|01:00:10;00|SR7|\nc|T1|VA1|01:00:00:00|01:00:10:00|SR7|02:00:00:00\n";
+  std::replace(log.begin(), log.end(), '|', '\t');
+  const List list = read(log);
+  ASSERT_EQ(list.clips.size(), 6u);
+  const std::string text = writeAle("29.97", list.clips).text;
+  for (const char* const row : {"\tSR7\t01:00:59;29\tSound TC\n", "\tSR7\t\t\n", "\tSR7\t02:00:00:00\t\n"})
+    EXPECT_NE(text.find(row), std::string::npos) << text;
+  const List again = read(text);
+  ASSERT_EQ(again.clips.size(), list.clips.size());
+  for (std::size_t i = 0; i < again.clips.size(); ++i) {
+    EXPECT_EQ(again.clips[i].reel, list.clips[i].reel) << text;
+    EXPECT_EQ(again.clips[i].sourceIn, list.clips[i].sourceIn) << text;
+    EXPECT_EQ(again.clips[i].sourceOut, list.clips[i].sourceOut) << text;
+  }
+  std::vector<Clip> longer(list.clips.begin(), list.clips.begin() + 2);
+  longer[1].sourceOut = "01:01:10:02"; // one frame
+  EXPECT_EQ(read(writeAle("29.97", longer).text).clips[1].sourceOut, "01:01:10:02");
+}
+
 TEST(Write, TimecodesThatAreNotThereComeBackEmpty)
 {
   Clip source = clipOf("A", "", "V", 1, 0), none = clipOf("B", "", "V", 1, 0), half = clipOf("C1", "", "V", 1, 0);

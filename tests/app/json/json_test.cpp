@@ -125,8 +125,15 @@ ImportReport sampleImport()
   imported.keptAs = 3;
   imported.difference.trimmed = {{sampleShot(), sampleShot()}};
   imported.earlier = 2;
-  return {
-      {imported}, true, true, false, {"a remark is no part of it"}, {"D"}, {sampleShot()}, {{"SHORT", "SHORT_1", 3}}};
+  return {{imported},
+          true,
+          true,
+          false,
+          {"a remark is no part of it"},
+          {"D"},
+          {sampleShot()},
+          {{"SHORT", "SHORT_1", 3}},
+          {{"E", "Audio only", "Tape 2ch"}}};
 }
 
 /// A name of a list, and its object.
@@ -164,7 +171,9 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
                                  std::string(shotObject) + R"(, "to": )" + shotObject +
                                  R"(}], "changed": []}, "earlier_list": 2}],
      "reels_removed": ["D"], "shots_removed": [)" +
-                                 shotObject + R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}]})";
+                                 shotObject +
+                                 R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}], "type_changes": [
+    {"reel": "E", "from": "Audio only", "to": "Tape 2ch"}]})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
@@ -306,6 +315,8 @@ TEST(Json, CheckOfNames)
 
 TEST(Json, Rolls)
 {
+  expectJson(std::vector<NeededRoll>{{"A012", {"A012C001"}, 3, 1}},
+             R"([{"roll": "A012", "reels": ["A012C001"], "shots": 3, "ready": 1}])");
   expectJson(std::vector<Roll>{{"A012", {"A012C001"}, 3}}, R"([{"roll": "A012", "reels": ["A012C001"], "shots": 3}])");
 }
 
