@@ -594,6 +594,30 @@ void describe(Io& io, R& removed)
   io("shots", removed.shots);
 }
 
+template <class Io, Like<SkippedFile> R>
+void describe(Io& io, R& skipped)
+{
+  io("file", skipped.file);
+  io("reason", skipped.reason);
+}
+
+template <class Io, Like<ImportTotals> R>
+void describe(Io& io, R& totals)
+{
+  io("lists", totals.lists);
+  io("lists_new", totals.listsNew);
+  io("lists_replaced", totals.listsReplaced);
+  io("lists_unchanged", totals.listsUnchanged);
+  io("clips", totals.clips);
+  io("shots_added", totals.shotsAdded);
+  io("shots_there", totals.shotsThere);
+  io("shots_repeated", totals.shotsRepeated);
+  io("reels_created", totals.reelsCreated);
+  io("warnings", totals.warnings);
+  io("rejected", totals.rejected);
+  io("skipped", totals.skipped);
+}
+
 template <class Io, Like<ImportReport> R>
 void describe(Io& io, R& report)
 {
@@ -603,7 +627,10 @@ void describe(Io& io, R& report)
   io("reels_removed", report.reelsRemoved);
   io("shots_removed", report.shotsRemoved);
   io("moved", report.moves);
-  if constexpr (!Io::writes)
+  io("skipped", report.skipped);
+  if constexpr (Io::writes)
+    io.json()["totals"] = json::write(report.totals());
+  else
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
                                  [](const ImportedList& imported) { return imported.changesProject(); }) ||
                      !report.moves.empty();

@@ -124,8 +124,15 @@ ImportReport sampleImport()
   imported.keptAs = 3;
   imported.difference.trimmed = {{sampleShot(), sampleShot()}};
   imported.earlier = 2;
-  return {
-      {imported}, true, true, false, {"a remark is no part of it"}, {"D"}, {sampleShot()}, {{"SHORT", "SHORT_1", 3}}};
+  return {{imported},
+          {{"a.pdf", "it is a PDF document"}},
+          true,
+          true,
+          false,
+          {"a remark is no part of it"},
+          {"D"},
+          {sampleShot()},
+          {{"SHORT", "SHORT_1", 3}}};
 }
 
 /// A name of a list, and its object.
@@ -163,7 +170,11 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
                                  std::string(shotObject) + R"(, "to": )" + shotObject +
                                  R"(}], "changed": []}, "earlier_list": 2}],
      "reels_removed": ["D"], "shots_removed": [)" +
-                                 shotObject + R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}]})";
+                                 shotObject + R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}],
+     "skipped": [{"file": "a.pdf", "reason": "it is a PDF document"}],
+     "totals": {"lists": 1, "lists_new": 0, "lists_replaced": 1, "lists_unchanged": 0, "clips": 5, "shots_added": 1,
+                "shots_there": 1, "shots_repeated": 3, "reels_created": 2, "warnings": 1, "rejected": 1,
+                "skipped": 1}})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
