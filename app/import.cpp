@@ -134,7 +134,8 @@ public:
     manager_.getAllReelIds(ids, true);
     for (const LightweightString<char>& id : ids)
       addReel(text(id));
-    shots_ = names_.shots();
+    shots_ = names_.takeShots();
+    byKey_.reserve(shots_.size());
     std::vector<std::pair<std::string, std::size_t>> otherKeys; // a shot that lies in the reel of the key goes first
     for (std::size_t i = 0; i < shots_.size(); ++i) {
       std::vector<std::string> keys = names_.keysOf(shots_[i].shot);

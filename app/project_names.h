@@ -12,6 +12,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "app/decisions.h"
@@ -61,6 +62,8 @@ public:
 
   /// The shots of the project in the order of creation, as they were when it was read and as moveShots() left them.
   const std::vector<KnownShot>& shots() const { return shots_; }
+  /// The same, for the caller to change them. The names are asked as before.
+  std::vector<KnownShot> takeShots() { return std::move(shots_); }
   /// Whether a record has the identifier, ignoring ASCII case.
   bool hasRecord(const std::string& id) const;
   /// Whether the names of the shot put it where it lies. Else a person or another program put it there.

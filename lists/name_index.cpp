@@ -7,6 +7,7 @@
 #include <map>
 #include <numeric>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 
 #include "base/ascii.h"
@@ -213,19 +214,22 @@ private:
   template <class Key>
   void joinEqual(Key keyOf, Match match)
   {
-    Sorted keyed;
-    for (Index i = 0; i < sources().size(); ++i)
-      if (std::string key = keyOf(i); !key.empty())
-        keyed.emplace_back(std::move(key), i);
-    std::sort(keyed.begin(), keyed.end());
-    for (auto begin = keyed.begin(); begin != keyed.end();) {
-      const auto end = std::find_if(begin, keyed.end(), [&](const auto& each) { return each.first != begin->first; });
-      Indexes group;
-      std::transform(begin, end, std::back_inserter(group), [](const auto& each) { return each.second; });
-      if (group.size() > 1)
-        joinGroup(group, match);
-      begin = end;
+    std::unordered_map<std::string, Index> firstOf;
+    std::map<std::string, Indexes> groups; // of several sources: most keys have one
+    for (Index i = 0; i < sources().size(); ++i) {
+      std::string key = keyOf(i);
+      if (key.empty())
+        continue;
+      const auto [first, isNew] = firstOf.try_emplace(std::move(key), i);
+      if (isNew)
+        continue;
+      Indexes& group = groups[first->first];
+      if (group.empty())
+        group.push_back(first->second);
+      group.push_back(i);
     }
+    for (const auto& [key, group] : groups)
+      joinGroup(group, match);
   }
 
   void joinGroup(const Indexes& group, Match match)
@@ -296,6 +300,8 @@ private:
     for (Index i = 0; i < sources().size(); ++i)
       if (const NameParts parts = partsOf(nameOf(i).spelling); parts.ending != Ending::None)
         stems.emplace_back(nameForm(parts.stem), i);
+    if (stems.empty())
+      return;
     std::sort(stems.begin(), stems.end());
     std::vector<Claim> claims;
     for (Index i = 0; i < sources().size(); ++i) {
@@ -333,15 +339,19 @@ private:
   void joinCut()
   {
     std::map<std::size_t, Indexes, std::greater<>> byLength;
+    for (Index i = 0; i < sources().size(); ++i)
+      if (const Name& name = nameOf(i); !name.whole) {
+        cutForms_.emplace_back(name.form, i);
+        if (!name.target)
+          byLength[length(name.spelling)].push_back(i);
+      }
+    if (byLength.empty())
+      return;
     Sorted forms, letters;
     for (Index i = 0; i < sources().size(); ++i) {
-      const Name& name = nameOf(i);
-      forms.emplace_back(name.form, i);
-      letters.emplace_back(lettersForm(name.spelling), i);
-      if (!name.whole)
-        cutForms_.emplace_back(name.form, i);
-      if (!name.whole && !name.target)
-        byLength[length(name.spelling)].push_back(i);
+      forms.emplace_back(nameOf(i).form, i);
+      if (!isLettersOnly(nameOf(i).spelling)) // else both forms are one
+        letters.emplace_back(lettersForm(nameOf(i).spelling), i);
     }
     std::sort(forms.begin(), forms.end());
     std::sort(letters.begin(), letters.end());

@@ -51,7 +51,7 @@ void show(const app::DeletionPlan& plan)
 
 std::string sizeOf(const app::DeletionPlan& plan)
 {
-  return counted(plan.reelCount(), "reel") + " and " + counted(plan.shotCount(), "shot");
+  return countedReelsAndShots(plan.reelCount(), plan.shotCount());
 }
 
 /// Shows the plan and asks. Meanwhile the project is only read, so that no other process has to wait for the reply.

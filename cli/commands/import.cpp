@@ -32,8 +32,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 void show(const Options& options, const app::ImportReport& report)
 {
   if (options.json) {
@@ -41,7 +39,7 @@ void show(const Options& options, const app::ImportReport& report)
     return;
   }
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
-  const std::size_t columns = terminalColumns(stdout).value_or(usualColumns);
+  const std::size_t columns = textColumns(stdout);
   if (!options.quiet)
     print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
