@@ -941,7 +941,7 @@ void describe(Io& io, R& deletion)
   io("shots", deletion.shots);
 }
 
-template <class Io, Like<ReelUse> R>
+template <class Io, Like<ReportedList> R>
 void describe(Io& io, R& use)
 {
   io("list", use.list);
