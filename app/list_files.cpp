@@ -120,7 +120,7 @@ std::string readInputFile(const std::string& path, std::size_t largest)
 
 std::string UnreadFile::reason() const
 {
-  const std::string what = error.what();
+  std::string what = error.what();
   for (const std::string& shown : {path, base::displayText(path)})
     if (what.starts_with(shown + ": "))
       return what.substr(shown.size() + 2);
