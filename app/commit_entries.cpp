@@ -64,6 +64,7 @@ CommitEntry entryFrom(const reelhost::Revision& revision, const TakenBackRevisio
   entry.changed = revision.changed;
   entry.deleted = revision.deleted;
   entry.lists = revision.lists;
+  entry.options = revision.setOptions;
   entry.elsewhere = revision.origin.elsewhere;
   return entry;
 }

@@ -69,6 +69,26 @@ std::vector<reelhost::Revision> revisionsOf(reelhost::History& history)
   return revisions;
 }
 
+/// The file names of the kept lists, by number.
+std::map<std::int64_t, std::string> filesOfLists()
+{
+  std::map<std::int64_t, std::string> files;
+  for (const reelhost::KeptList& list : reelhost::keptLists())
+    files.emplace(list.number, list.file);
+  return files;
+}
+
+/// What @p map has and @p other lacks, in the order of the keys.
+std::vector<std::string> onlyIn(const std::map<std::int64_t, std::string>& map,
+                                const std::map<std::int64_t, std::string>& other)
+{
+  std::vector<std::string> texts;
+  for (const auto& [number, text] : map)
+    if (other.count(number) == 0)
+      texts.push_back(text);
+  return texts;
+}
+
 /// The newest revision in force that @p wanted accepts, by this user on this machine unless @p anybody. If names are
 /// not kept, no revision is known to be this user's.
 const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack,
@@ -88,6 +108,8 @@ const reelhost::Revision& choose(const std::vector<reelhost::Revision>& revision
     cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";
   else if (ofOthers)
     cause = fmt::format(" (no commit by {} on {} is left; --any takes the newest of anyone)", me.user, me.machine);
+  else if (revisions.empty())
+    cause = " (no command is in the history of this project; that it was made is not taken back)";
   throw Error(ErrorKind::Refused, fmt::format("{0}: nothing to {0}{1}", operation, cause));
 }
 
@@ -96,6 +118,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
                          const std::vector<reelhost::Revision>& revisions, const TakenBackRevisions& takenBack)
 {
   const ReelState before(session);
+  const auto listsBefore = filesOfLists();
   const reelhost::TakenBack done = reelhost::takeBack(revision.number);
   if (!done.anything())
     throw Error(ErrorKind::Refused,
@@ -104,6 +127,7 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
                             operation, revision.number));
   session.manager().informReelDbChanged("");
   const ReelState after(session);
+  const auto listsAfter = filesOfLists();
   after.requireSoundAfter(before, revision.number, operation, "nothing taken back");
 
   TakenBackCommit result;
@@ -116,12 +140,11 @@ TakenBackCommit takeBack(Session& session, const char* operation, const reelhost
         result.commit = entryFrom(original, takenBack);
   result.logsChanged = static_cast<std::size_t>(done.changed);
   result.lists = static_cast<std::size_t>(done.lists);
-  for (const auto& [log, id] : after.reels())
-    if (before.reels().count(log) == 0)
-      result.reelsRestored.push_back(id);
-  for (const auto& [log, id] : before.reels())
-    if (after.reels().count(log) == 0)
-      result.reelsRemoved.push_back(id);
+  result.options = done.options;
+  result.listsRestored = onlyIn(listsAfter, listsBefore);
+  result.listsRemoved = onlyIn(listsBefore, listsAfter);
+  result.reelsRestored = onlyIn(after.reels(), before.reels());
+  result.reelsRemoved = onlyIn(before.reels(), after.reels());
   const auto shotsOnlyIn = [](const ReelState& state, const ReelState& other) {
     return static_cast<std::size_t>(std::count_if(state.shots().begin(), state.shots().end(),
                                                   [&](const auto& shot) { return other.shots().count(shot) == 0; }));

@@ -31,6 +31,7 @@ struct CommitEntry {
   std::int64_t takenBackBy = 0;                       ///< the revision that takes it back; 0: it is in force
   std::int64_t created = 0, changed = 0, deleted = 0; ///< numbers of logs: reels and shots
   std::int64_t lists = 0;                             ///< the number of kept lists that it changed
+  bool options = false;                               ///< whether it changed options of the project, such as its rate
   std::vector<std::string> elsewhere;                 ///< what the command changed beside the project
   std::vector<FieldStep> fields;                      ///< of the reel, if the history of a reel was asked for
 };
@@ -62,8 +63,10 @@ struct TakenBackCommit {
   std::int64_t revision = 0;                            ///< the new revision
   std::vector<std::string> reelsRestored, reelsRemoved; ///< identifiers
   std::size_t shotsRestored = 0, shotsRemoved = 0;
-  std::size_t logsChanged = 0; ///< reels and shots that are there before and after
-  std::size_t lists = 0;       ///< kept lists that are there again, as they were, or gone
+  std::size_t logsChanged = 0;                          ///< reels and shots that are there before and after
+  std::size_t lists = 0;                                ///< kept lists that are there again, as they were, or gone
+  std::vector<std::string> listsRestored, listsRemoved; ///< the file names of those that are there again, or gone
+  bool options = false;                                 ///< whether options of the project changed
 };
 
 /// Takes a commit back and stores that as a commit of its own: @p revision, or else the newest one of this user on this

@@ -34,6 +34,16 @@ std::unordered_map<std::int64_t, std::string> reelsOfShots()
   return reels;
 }
 
+ListEvents eventsOfList(const reelhost::KeptList& list, const std::unordered_map<std::int64_t, std::string>& reels)
+{
+  ListEvents result{entryFrom(list), {}};
+  for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number)) {
+    const auto reel = reels.find(event.shot);
+    result.events.push_back({clipFrom(event), reel == reels.end() ? std::string() : reel->second});
+  }
+  return result;
+}
+
 } // namespace
 
 std::vector<KeptList> keptLists(Session&)
@@ -54,22 +64,24 @@ KeptList requireList(Session&, const std::string& name)
 
 ListEvents eventsOf(Session&, const std::string& name)
 {
-  return guarded([&] {
-    ListEvents result;
-    const reelhost::KeptList list = listNamed(name);
-    result.list = entryFrom(list);
-    const auto reels = reelsOfShots();
-    for (const reelhost::ListEvent& event : reelhost::eventsOfList(list.number)) {
-      const auto reel = reels.find(event.shot);
-      result.events.push_back({clipFrom(event), reel == reels.end() ? std::string() : reel->second});
-    }
-    return result;
-  });
+  return guarded([&] { return eventsOfList(listNamed(name), reelsOfShots()); });
 }
 
 std::string originalOf(Session&, const std::string& name)
 {
   return guarded([&] { return reelhost::bytesOfList(listNamed(name).digest); });
+}
+
+std::vector<ListEvents> eventsOfLists(Session&)
+{
+  return guarded([&] {
+    requireKeepsLists();
+    const auto reels = reelsOfShots();
+    std::vector<ListEvents> result;
+    for (const reelhost::KeptList& list : reelhost::keptLists())
+      result.push_back(eventsOfList(list, reels));
+    return result;
+  });
 }
 
 std::vector<ListEvents> listsUsing(Session& session, const std::string& reel)

@@ -41,6 +41,9 @@ struct ListEvents {
 
 ListEvents eventsOf(Session& session, const std::string& list);
 
+/// All lists of the project with their events, by number. Throws Error (Refused) if the project keeps no lists.
+std::vector<ListEvents> eventsOfLists(Session& session);
+
 /// The bytes of the list's file.
 std::string originalOf(Session& session, const std::string& list);
 

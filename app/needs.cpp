@@ -47,13 +47,18 @@ public:
         reels_.try_emplace(base::fold(id), log);
   }
 
-  /// Counts a shot of the reel. REQUIRES: the identifier is not empty.
-  Need& addShot(const std::string& reelId)
+  /// The need of the reel. REQUIRES: the identifier is not empty.
+  Need& addReel(const std::string& reelId)
   {
     const auto [found, first] = places_.emplace(base::fold(reelId), needs_.size());
     if (first)
       needs_.push_back(lookUp(reelId));
-    Need& need = needs_[found->second];
+    return needs_[found->second];
+  }
+  /// Counts a shot of the reel. REQUIRES: the identifier is not empty.
+  Need& addShot(const std::string& reelId)
+  {
+    Need& need = addReel(reelId);
     ++need.shots;
     return need;
   }
@@ -90,6 +95,30 @@ std::unordered_map<std::string, std::string> reelsOfShots(const ProjectNames& na
   return reels;
 }
 
+/// Adds the reel that the name of a missing one may mean, once, if it exists.
+void addCandidate(Need& need, Candidate candidate)
+{
+  const auto same = [&](const Candidate& other) { return base::sameName(other.reel, candidate.reel); };
+  if (!candidate.isThere || std::any_of(need.candidates.begin(), need.candidates.end(), same))
+    return;
+  need.candidates.push_back(std::move(candidate));
+  need.troubles = {"perhaps"};
+}
+
+/// Adds the existing reels that the identifiers of missing reels may mean.
+void addCandidates(Session& session, std::vector<Need>& needs)
+{
+  std::optional<ReelNames> known; // gathered for the first missing reel
+  for (Need& need : needs) {
+    if (need.reel)
+      continue;
+    if (!known)
+      known = knownNames(session);
+    for (Candidate& candidate : known->find(need.id))
+      addCandidate(need, std::move(candidate));
+  }
+}
+
 /// Adds the existing reels that the names of missing reels may mean.
 void addCandidates(Session& session, std::vector<Need>& needs, const ProjectNames& names)
 {
@@ -99,19 +128,12 @@ void addCandidates(Session& session, std::vector<Need>& needs, const ProjectName
       continue;
     if (!known)
       known = knownNames(session);
-    const auto add = [&](Candidate candidate) {
-      const auto same = [&](const Candidate& other) { return base::sameName(other.reel, candidate.reel); };
-      if (candidate.isThere && std::none_of(need.candidates.begin(), need.candidates.end(), same))
-        need.candidates.push_back(std::move(candidate));
-    };
     for (const NamedReel& name : need.names) {
       for (const std::string& reel : name.perhaps)
-        add({reel, names.hasRecord(reel), {Reason::Form}});
+        addCandidate(need, {reel, names.hasRecord(reel), {Reason::Form}});
       for (Candidate& candidate : known->find(name.name))
-        add(std::move(candidate));
+        addCandidate(need, std::move(candidate));
     }
-    if (!need.candidates.empty())
-      need.troubles = {"perhaps"};
   }
 }
 
@@ -191,6 +213,35 @@ std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::Nam
     }
     std::vector<Need> result = needs.take();
     addCandidates(session, result, names);
+    return result;
+  });
+}
+
+std::vector<Need> needsOfProject(Session& session)
+{
+  return guarded([&] {
+    Needs needs(session);
+    for (const Cookie& log : session.manager().reelList)
+      if (const std::string id = text(ReelDbRec(log).reelId()); !id.empty())
+        needs.addReel(id);
+    for (const Shot& shot : allShots(session))
+      if (!shot.reel.empty())
+        needs.addShot(shot.reel);
+    std::vector<Need> result = needs.take();
+    addCandidates(session, result);
+    return result;
+  });
+}
+
+std::vector<Need> needsOfEvents(Session& session, const std::vector<ListUse>& events)
+{
+  return guarded([&] {
+    Needs needs(session);
+    for (const ListUse& event : events)
+      if (!event.reel.empty())
+        needs.addShot(event.reel);
+    std::vector<Need> result = needs.take();
+    addCandidates(session, result);
     return result;
   });
 }

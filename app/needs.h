@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "app/kept_lists.h"
 #include "app/list_files.h"
 #include "app/names.h"
 #include "app/reels.h"
@@ -42,6 +43,13 @@ std::vector<Need> needsOfReel(Session& session, const std::string& reel);
 /// The needs of a list, which need not be imported. Empty if none of its clips has a reel. Its names are
 /// matched by @p rules; if the project keeps the list, they mean what a person decided for it. Throws Error.
 std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::NameRules rules = lists::NameRules::All);
+
+/// The needs of all shots of the project, and its reels without a shot: first the reels in the order of the project,
+/// then those without a record.
+std::vector<Need> needsOfProject(Session& session);
+
+/// The needs of events of lists that the project keeps; a shot is counted for each event.
+std::vector<Need> needsOfEvents(Session& session, const std::vector<ListUse>& events);
 
 std::size_t readyCount(const std::vector<Need>& needs);
 

@@ -88,7 +88,7 @@ struct ProjectCheck {
 ProjectCheck checkProject(const std::optional<std::string>& project);
 
 struct Compacted {
-  int gone = 0;                      ///< the number of deleted logs
+  int gone = 0;                      ///< the number of deleted reels and shots
   int lists = 0;                     ///< the number of removed lists
   std::optional<int> revisions = {}; ///< the number of forgotten revisions, if history was to be forgotten
 };

@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <unordered_map>
 
 #include <fmt/format.h>
 
@@ -186,15 +187,23 @@ bool meansField(const std::string& name)
   return fixedField(name) || isNumber(name);
 }
 
-/// The field of that name. Throws Error if no field has that name, or if two user fields have it.
-ReelField findField(const std::string& name)
+/// The field of that name, if there is one. Throws Error if two user fields have it.
+std::optional<ReelField> fieldNamed(const std::string& name)
 {
   if (auto field = fixedField(name))
-    return *std::move(field);
+    return field;
   if (const auto number = numberOf(name))
     return userField(*number);
   if (const auto number = numberOfDisplayName(name))
     return userField(*number);
+  return std::nullopt;
+}
+
+/// The field of that name. Throws Error if no field has that name, or if two user fields have it.
+ReelField findField(const std::string& name)
+{
+  if (auto field = fieldNamed(name))
+    return *std::move(field);
   throw Error(ErrorKind::Invalid,
               fmt::format("{}: no such field (type, available, inhibit, label-map, bin, last-device, user-field.0 "
                           "to user-field.{}, or the name of a user field)",
@@ -228,6 +237,20 @@ std::vector<Wanted> checkAssignments(const std::vector<Assignment>& assignments,
       if (other.field.name == field.name)
         throw Error(ErrorKind::Invalid, fmt::format("{}: given twice", field.name));
     result.push_back({std::move(field), assignment.value});
+  }
+  return result;
+}
+
+/// Sets the fields of the reel, in memory.
+ChangedReel changed(ReelDbRec& reel, const std::vector<Wanted>& fields)
+{
+  ChangedReel result;
+  result.id = text(reel.reelId());
+  for (const Wanted& wanted : fields) {
+    FieldChange change{wanted.field.name, wanted.field.read(reel), {}};
+    wanted.field.write(reel, wanted.value);
+    change.after = wanted.field.read(reel);
+    result.changes.push_back(std::move(change));
   }
   return result;
 }
@@ -331,17 +354,48 @@ ChangedReel changeReel(Session& session, const std::string& id, const std::vecto
   return guarded([&] {
     ReelDbRec reel = requireReel(session.manager(), id);
     requireExpected(reel, expected);
-    ChangedReel result;
-    result.id = text(reel.reelId());
-    for (const Wanted& wanted : checkAssignments(assignments, result.remarks)) {
-      FieldChange change{wanted.field.name, wanted.field.read(reel), {}};
-      wanted.field.write(reel, wanted.value);
-      change.after = wanted.field.read(reel);
-      result.changes.push_back(std::move(change));
-    }
+    std::vector<std::string> remarks;
+    ChangedReel result = changed(reel, checkAssignments(assignments, remarks));
+    result.remarks = std::move(remarks);
     result.stored = session.commit();
     return result;
   });
+}
+
+std::vector<ChangedReel> changeReels(Session& session, const std::vector<std::string>& ids,
+                                     const std::vector<Assignment>& assignments,
+                                     const std::vector<Assignment>& expected)
+{
+  return guarded([&] {
+    // Looks over the reels once: asking the library opens every log for every reel.
+    std::unordered_map<std::string, Cookie> logs;
+    for (const Cookie& log : session.manager().reelList)
+      if (const std::string id = text(ReelDbRec(log).reelId()); !id.empty())
+        logs.try_emplace(base::fold(id), log);
+    std::vector<ReelDbRec> reels;
+    for (const std::string& id : ids) {
+      const auto found = logs.find(base::fold(id));
+      reels.push_back(found == logs.end() ? requireReel(session.manager(), id) : ReelDbRec(found->second));
+      requireExpected(reels.back(), expected);
+    }
+    std::vector<std::string> remarks;
+    const std::vector<Wanted> wanted = checkAssignments(assignments, remarks);
+    std::vector<ChangedReel> result;
+    for (ReelDbRec& reel : reels)
+      result.push_back(changed(reel, wanted));
+    if (!result.empty())
+      result.front().remarks = std::move(remarks);
+    const bool stored = session.commit();
+    for (ChangedReel& one : result)
+      one.stored = stored && std::any_of(one.changes.begin(), one.changes.end(), std::mem_fn(&FieldChange::changed));
+    return result;
+  });
+}
+
+std::optional<std::string> reelFieldName(const std::string& name)
+{
+  const std::optional<ReelField> field = fieldNamed(name);
+  return field ? std::optional(field->name) : std::nullopt;
 }
 
 std::vector<std::string> reelFieldNames()

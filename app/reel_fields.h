@@ -4,6 +4,7 @@
 #ifndef REELDB_APP_REEL_FIELDS_H
 #define REELDB_APP_REEL_FIELDS_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,8 +39,16 @@ struct ChangedReel {
 ChangedReel changeReel(Session& session, const std::string& id, const std::vector<Assignment>& assignments,
                        const std::vector<Assignment>& expected = {});
 
+/// The same for several reels, which are stored in one commit, or not at all. Throws as changeReel does.
+std::vector<ChangedReel> changeReels(Session& session, const std::vector<std::string>& ids,
+                                     const std::vector<Assignment>& assignments,
+                                     const std::vector<Assignment>& expected = {});
+
 /// The names of the fields that changeReel takes, user fields by number.
 std::vector<std::string> reelFieldNames();
+/// The main name of the field that has this name for changeReel. Empty if no field has it. Throws Error: Invalid for a
+/// number of no user field, Refused if two user fields have the name.
+std::optional<std::string> reelFieldName(const std::string& name);
 
 /// A user field of the facility.
 struct UserField {

@@ -143,7 +143,7 @@ public:
   bool keepWhatIsOfInterest(WatchedCommit& commit)
   {
     if (!reel_)
-      return !commit.reels.empty() || commit.shotsNew != 0 || commit.shotsGone != 0;
+      return commit.commit || !commit.reels.empty();
     std::erase_if(commit.reels, [this](const ReelEvent& event) { return !isOfInterest(event); });
     return !commit.reels.empty();
   }
@@ -229,6 +229,7 @@ private:
     const bool was = change.before && !isReel(change.before), is = change.after && !isReel(change.after);
     commit.shotsNew += !was && is ? 1 : 0;
     commit.shotsGone += was && !is ? 1 : 0;
+    commit.shotsChanged += was && is ? 1 : 0;
     const auto add = [&](const std::string& id, std::int64_t count) {
       if (id.empty())
         return;

@@ -44,11 +44,13 @@ struct WatchedCommit {
   std::optional<CommitEntry> commit; ///< empty: unknown
   std::vector<ReelEvent> reels; ///< a renamed reel with other changes has two events; other numbers of shots come last
   std::int64_t shotsNew = 0, shotsGone = 0;
+  std::int64_t shotsChanged = 0; ///< those that were there before and after
 };
 
-/// Reports the commits of other processes to a listener, each once and in order. With a reel of interest it reports
-/// only commits that changed that reel, and of them only that reel, also after a renaming; after the reel is deleted,
-/// the next reel with its identifier. Blocks no other process. Main thread only.
+/// Reports the commits of other processes to a listener, each once and in order, also one that changed neither reels
+/// nor shots, but lists or options of the project. With a reel of interest it reports only commits that changed that
+/// reel, and of them only that reel, also after a renaming; after the reel is deleted, the next reel with its
+/// identifier. Blocks no other process. Main thread only.
 ///
 /// A caller waits like this: it calls idle and poll once; then it waits until waitHandle() is readable, calls
 /// readEvents() until that returns zero, and calls idle and poll each time that it returns a time.

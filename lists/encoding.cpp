@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 
 #include <utf8.h>
@@ -16,6 +17,19 @@ constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view utf16LittleMark = "\xFF\xFE";
 constexpr std::string_view utf16BigMark = "\xFE\xFF";
 constexpr std::uint32_t replacement = 0xFFFD;
+
+/// The number of ASCII characters before the first other one, or some fewer. Most lists have no other.
+std::size_t asciiBytes(std::string_view text)
+{
+  constexpr std::uint64_t highBits = 0x8080808080808080U;
+  std::size_t at = 0;
+  for (std::uint64_t bytes = 0; text.size() - at >= sizeof bytes; at += sizeof bytes) {
+    std::memcpy(&bytes, text.data() + at, sizeof bytes);
+    if ((bytes & highBits) != 0)
+      break;
+  }
+  return at;
+}
 
 std::string fromLatin1(std::string_view bytes)
 {
@@ -58,23 +72,28 @@ std::string fromUtf16(std::string_view bytes, bool bigEndian)
 
 } // namespace
 
-std::string decode(std::string_view bytes)
+std::string_view decode(std::string_view bytes, std::string& converted)
 {
-  std::string text;
+  std::string_view text = bytes;
   if (bytes.starts_with(utf16LittleMark) || bytes.starts_with(utf16BigMark)) {
-    text = fromUtf16(bytes.substr(2), bytes.starts_with(utf16BigMark));
+    text = converted = fromUtf16(bytes.substr(2), bytes.starts_with(utf16BigMark));
   } else {
-    if (bytes.starts_with(utf8Mark))
-      bytes.remove_prefix(utf8Mark.size());
-    text = utf8::is_valid(bytes.begin(), bytes.end()) ? std::string(bytes) : fromLatin1(bytes);
+    if (text.starts_with(utf8Mark))
+      text.remove_prefix(utf8Mark.size());
+    const std::string_view rest = text.substr(asciiBytes(text));
+    if (!utf8::is_valid(rest.begin(), rest.end()))
+      text = converted = fromLatin1(text);
   }
   // The blanks of the last line stay: tabs may delimit empty cells, and a blank may end a wrapped note.
   constexpr std::string_view padding("\0\x1A\f \t\r\n", 7);
   const std::size_t end = text.find_last_not_of(padding);
-  if (end == std::string::npos)
-    return {};
-  text.resize(std::min(text.find_first_not_of(" \t", end + 1), text.size()));
-  return text;
+  return end == std::string_view::npos ? std::string_view() : text.substr(0, text.find_first_not_of(" \t", end + 1));
+}
+
+std::string decode(std::string_view bytes)
+{
+  std::string converted;
+  return std::string(decode(bytes, converted));
 }
 
 bool isUnmarkedUtf16(std::string_view bytes)

@@ -13,6 +13,9 @@ namespace reeldb::lists {
 /// A byte order mark decides between UTF-8 and UTF-16. If any bytes are not UTF-8, all bytes are read as Latin-1.
 std::string decode(std::string_view bytes);
 
+/// The same without a copy if the bytes are UTF-8: it views the bytes then, else @p converted, which it fills.
+std::string_view decode(std::string_view bytes, std::string& converted);
+
 /// Whether the bytes are plain text in UTF-16, in either byte order, without a byte order mark.
 bool isUnmarkedUtf16(std::string_view bytes);
 

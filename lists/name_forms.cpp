@@ -159,7 +159,7 @@ std::string_view fileName(std::string_view path)
   const std::size_t slash = path.find_last_of("/\\");
   if (slash == std::string_view::npos || slash + 1 == path.size())
     return path;
-  return path.substr(slash + 1);
+  return trim(path.substr(slash + 1));
 }
 
 } // namespace reeldb::lists

@@ -48,6 +48,8 @@ std::string whatElse(std::string_view bytes, std::string_view text)
 /// marks, Latin-1 has control characters.
 void warnOfEncoding(std::string_view text, List& list)
 {
+  if (text.find('\xC2') == std::string_view::npos)
+    return;
   Lines lines(text);
   for (std::string_view line; lines.next(line);)
     for (std::size_t at = line.find('\xC2'); at != std::string_view::npos; at = line.find('\xC2', at + 1)) {
@@ -64,7 +66,7 @@ void warnOfEncoding(std::string_view text, List& list)
     }
 }
 
-List readAs(Format format, const std::string& text, const ReadOptions& options)
+List readAs(Format format, std::string_view text, const ReadOptions& options)
 {
   switch (format) {
   case Format::Edl:
@@ -85,12 +87,14 @@ List readAs(Format format, const std::string& text, const ReadOptions& options)
 
 std::optional<Format> detect(std::string_view bytes)
 {
-  return detectText(decode(bytes));
+  std::string converted;
+  return detectText(decode(bytes, converted));
 }
 
 List read(std::string_view bytes, const ReadOptions& options)
 {
-  const std::string text = decode(bytes);
+  std::string converted;
+  const std::string_view text = decode(bytes, converted);
   if (trim(text).empty())
     throw Error("holds no text");
   if (const std::optional<Format> format = detectText(text)) {

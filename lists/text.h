@@ -25,6 +25,9 @@ private:
   int number_ = 0;
 };
 
+/// The place of the next CR or LF from there on; the size of the text if there is none.
+std::size_t lineEnd(std::string_view text, std::size_t from = 0);
+
 /// Whether it is a blank or a tab.
 bool isBlank(char c);
 bool isDigit(char c);

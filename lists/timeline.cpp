@@ -215,7 +215,8 @@ void Timeline::reportSameNames()
 List Timeline::finish(std::string_view text)
 {
   const auto byLine = [](const TimelineClip& a, const TimelineClip& b) { return a.line < b.line; };
-  std::stable_sort(clips_.begin(), clips_.end(), byLine);
+  if (!std::is_sorted(clips_.begin(), clips_.end(), byLine)) // the sort moves each clip several times
+    std::stable_sort(clips_.begin(), clips_.end(), byLine);
   std::stable_sort(specials_.begin(), specials_.end(),
                    [&](const auto& a, const auto& b) { return byLine(a.first, b.first); });
   for (TimelineClip& clip : clips_)

@@ -4,6 +4,7 @@
 #include <string>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 #include "base/ascii.h"
 #include "lists/names.h"
@@ -14,34 +15,27 @@
 namespace reeldb::lists {
 namespace {
 
-/// The rate of an element: its own, or that of the nearest element around it.
+/// The rate that holds for an element: its own, or that of the nearest element around it.
 struct Rate {
   std::optional<FrameRate> known;  ///< if it is one of frameRates
   std::optional<Seconds> perFrame; ///< how long a frame lasts
   std::string text;                ///< as messages name it
 };
 
-Rate rateAround(pugi::xml_node element)
+Rate rateOfElement(pugi::xml_node rate)
 {
-  for (; element; element = element.parent()) {
-    const pugi::xml_node rate = element.child("rate");
-    const std::string_view timebase = childText(rate, "timebase");
-    if (timebase.empty())
-      continue;
-    Rate result;
-    result.text = timebase;
-    const std::optional<Seconds> frames = parseFraction(timebase);
-    if (!frames || frames->numerator <= 0)
-      return result;
-    const bool isSlowed = base::sameName(childText(rate, "ntsc"), "TRUE");
-    result.perFrame = quotient(isSlowed ? Seconds{1001, 1000} : Seconds{1, 1}, *frames);
-    if (result.perFrame)
-      result.known = rateOfFrames(*result.perFrame);
-    if (isSlowed)
-      result.text += " NTSC";
+  Rate result;
+  result.text = childText(rate, "timebase");
+  const std::optional<Seconds> frames = parseFraction(result.text);
+  if (!frames || frames->numerator <= 0)
     return result;
-  }
-  return {};
+  const bool isSlowed = base::sameName(childText(rate, "ntsc"), "TRUE");
+  result.perFrame = quotient(isSlowed ? Seconds{1001, 1000} : Seconds{1, 1}, *frames);
+  if (result.perFrame)
+    result.known = rateOfFrames(*result.perFrame);
+  if (isSlowed)
+    result.text += " NTSC";
+  return result;
 }
 
 std::optional<Seconds> timeOf(std::string_view frames, const Rate& rate)
@@ -56,72 +50,62 @@ struct Start {
   std::optional<Counting> counting;
 };
 
-Start startOf(pugi::xml_node timecode)
-{
-  Start start;
-  if (!timecode)
-    return start;
-  const Rate rate = rateAround(timecode);
-  const std::string_view label = childText(timecode, "string");
-  const bool dropFrame = childText(timecode, "displayformat") == "DF" || label.find(';') != std::string_view::npos;
-  if (rate.known)
-    start.counting = Counting{*rate.known, dropFrame && hasDropFrame(*rate.known)};
-  start.time = timeOf(childText(timecode, "frame"), rate);
-  std::int64_t frame = 0;
-  if (!start.time && start.counting && frameOf(label, *start.counting, frame).empty())
-    start.time = product(Seconds{frame, 1}, *rate.perFrame);
-  return start;
-}
-
 class Reader {
 public:
-  explicit Reader(std::string_view text) : text_(text), file_(text, "xmeml") {}
+  explicit Reader(std::string_view text)
+      : text_(text), file_(text, "xmeml", [this](pugi::xml_node node) { note(node); })
+  {
+  }
 
   List read()
   {
-    collectFiles();
-    collect();
+    for (const pugi::xml_node element : sequencesAndTracks_)
+      if (std::string_view(element.name()) == "track")
+        track(element);
+      else if (element.child("media") && !sequenceAround(element.parent()))
+        timeline_.title(childText(element, "name"));
     if (tracks_.empty())
       throw Error("xmeml without a sequence that has tracks");
     return timeline_.finish(text_);
   }
 
 private:
-  /// A file stands in full once, and is then named by its id.
-  void collectFiles()
+  /// A file stands in full once, and is then named by its id. A rate holds for all that its parent holds.
+  void note(pugi::xml_node node)
   {
-    forEach([this](pugi::xml_node node) {
-      if (std::string_view(node.name()) == "file" && node.first_child())
-        files_.try_emplace(node.attribute("id").value(), node);
-    });
+    const std::string_view name = node.name();
+    if (name == "file" && node.first_child())
+      files_.try_emplace(node.attribute("id").value(), node);
+    else if (name == "rate" && !childText(node, "timebase").empty())
+      rates_.try_emplace(node.parent().hash_value(), node);
+    else if (name == "sequence" || name == "track")
+      sequencesAndTracks_.push_back(node);
   }
 
-  template <class Visit>
-  void forEach(const Visit& visit) const
+  /// It looks no element up among its siblings, because a track may have a hundred thousand of them.
+  Rate rateAround(pugi::xml_node element) const
   {
-    for (pugi::xml_node node = file_.root(); node;) {
-      visit(node);
-      if (node.first_child()) {
-        node = node.first_child();
-        continue;
-      }
-      while (node && node != file_.root() && !node.next_sibling())
-        node = node.parent();
-      node = node == file_.root() ? pugi::xml_node() : node.next_sibling();
-    }
+    for (; element; element = element.parent())
+      if (const auto rate = rates_.find(element.hash_value()); rate != rates_.end())
+        return rateOfElement(rate->second);
+    return {};
   }
 
-  void collect()
+  Start startOf(pugi::xml_node timecode) const
   {
-    forEach([this](pugi::xml_node node) {
-      const std::string_view name = node.name();
-      if (name == "sequence" && node.child("media")) {
-        if (!sequenceAround(node.parent()))
-          timeline_.title(childText(node, "name"));
-      } else if (name == "track") {
-        track(node);
-      }
-    });
+    Start start;
+    if (!timecode)
+      return start;
+    const Rate rate = rateAround(timecode);
+    const std::string_view label = childText(timecode, "string");
+    const bool dropFrame = childText(timecode, "displayformat") == "DF" || label.find(';') != std::string_view::npos;
+    if (rate.known)
+      start.counting = Counting{*rate.known, dropFrame && hasDropFrame(*rate.known)};
+    start.time = timeOf(childText(timecode, "frame"), rate);
+    std::int64_t frame = 0;
+    if (!start.time && start.counting && frameOf(label, *start.counting, frame).empty())
+      start.time = product(Seconds{frame, 1}, *rate.perFrame);
+    return start;
   }
 
   static pugi::xml_node sequenceAround(pugi::xml_node node)
@@ -138,6 +122,7 @@ private:
     if ((kindName != "video" && kindName != "audio") || std::string_view(sequence.name()) != "sequence")
       return; // of a clip in a bin, or a fragment
     const int number = ++tracks_[kind.hash_value()];
+    const Record record = recordOf(sequence);
     for (const pugi::xml_node item : track.children()) {
       const std::string_view name = item.name();
       if (name != "clipitem" && name != "generatoritem")
@@ -150,7 +135,7 @@ private:
       if (!clip.picture)
         clip.sound.insert(number);
       clip.place = std::to_string(sequence.offset_debug());
-      setRecord(clip, item, sequence);
+      setRecord(clip, item, record);
       if (name == "generatoritem")
         timeline_.special(std::move(clip), generatedReason);
       else
@@ -192,7 +177,7 @@ private:
     return known == files_.end() ? pugi::xml_node() : known->second;
   }
 
-  static void setSource(TimelineClip& clip, pugi::xml_node item, pugi::xml_node file)
+  void setSource(TimelineClip& clip, pugi::xml_node item, pugi::xml_node file) const
   {
     const Rate rate = rateAround(item);
     const Start start = startOf(file.child("timecode"));
@@ -221,19 +206,29 @@ private:
     return own == "-1" && std::string_view(next.name()) == "transitionitem" ? childText(next, side) : own;
   }
 
-  static void setRecord(TimelineClip& clip, pugi::xml_node item, pugi::xml_node sequence)
+  /// The record of a sequence.
+  struct Record {
+    Start begin;
+    Rate rate;
+    bool isNested = false; ///< then its items have no place in the record
+  };
+
+  Record recordOf(pugi::xml_node sequence) const
   {
-    const Start begin = startOf(sequence.child("timecode"));
-    const Rate rate = rateAround(sequence);
-    if (begin.counting)
-      clip.record.counting = begin.counting;
-    else if (rate.known)
-      clip.record.counting = Counting{*rate.known, false};
-    const std::optional<Seconds> start = timeOf(bound(item, "start", true), rate);
-    const std::optional<Seconds> end = timeOf(bound(item, "end", false), rate);
-    if (sequenceAround(sequence.parent()) || !start || !end || start->numerator < 0 || end->numerator < 0)
-      return; // a nested sequence has no place in the record
-    const Seconds origin = begin.time.value_or(Seconds());
+    return {startOf(sequence.child("timecode")), rateAround(sequence), !!sequenceAround(sequence.parent())};
+  }
+
+  static void setRecord(TimelineClip& clip, pugi::xml_node item, const Record& record)
+  {
+    if (record.begin.counting)
+      clip.record.counting = record.begin.counting;
+    else if (record.rate.known)
+      clip.record.counting = Counting{*record.rate.known, false};
+    const std::optional<Seconds> start = timeOf(bound(item, "start", true), record.rate);
+    const std::optional<Seconds> end = timeOf(bound(item, "end", false), record.rate);
+    if (record.isNested || !start || !end || start->numerator < 0 || end->numerator < 0)
+      return;
+    const Seconds origin = record.begin.time.value_or(Seconds());
     clip.record.in = sum(origin, *start);
     clip.record.out = sum(origin, *end);
   }
@@ -248,10 +243,12 @@ private:
   }
 
   std::string_view text_;
-  XmlFile file_;
-  Timeline timeline_{Format::Xmeml};
   std::unordered_map<std::string, pugi::xml_node> files_; ///< by their ids
+  std::unordered_map<std::size_t, pugi::xml_node> rates_; ///< by the elements for whose contents they hold
   std::unordered_map<std::size_t, int> tracks_;           ///< the number of tracks of each kind of each sequence
+  std::vector<pugi::xml_node> sequencesAndTracks_;        ///< in the order of the text
+  Timeline timeline_{Format::Xmeml};
+  XmlFile file_; ///< its constructor fills the others
 };
 
 } // namespace

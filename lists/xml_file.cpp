@@ -5,14 +5,15 @@
 #include <string>
 
 #include "lists/list.h"
+#include "lists/text.h"
 #include "lists/timeline.h"
 
 namespace reeldb::lists {
 
-XmlFile::XmlFile(std::string_view text, std::string_view format)
+XmlFile::XmlFile(std::string_view text, std::string_view format, const Visit& visit)
 {
   lineStarts_.push_back(0);
-  for (std::size_t at = text.find_first_of("\r\n"); at != std::string_view::npos; at = text.find_first_of("\r\n", at)) {
+  for (std::size_t at = lineEnd(text); at < text.size(); at = lineEnd(text, at)) {
     at += text.substr(at, 2) == "\r\n" ? 2 : 1;
     lineStarts_.push_back(at);
   }
@@ -27,26 +28,28 @@ XmlFile::XmlFile(std::string_view text, std::string_view format)
         damaged + std::to_string(lineAt(result.offset)) + " (" +
         (static_cast<std::size_t>(result.offset) + 1 >= text.size() ? "the file is cut short" : result.description()) +
         ")");
-  requireLevels(format);
+  walk(format, visit);
 }
 
-void XmlFile::requireLevels(std::string_view format) const
+void XmlFile::walk(std::string_view format, const Visit& visit) const
 {
   int level = 0;
   for (pugi::xml_node node = document_.first_child(); node;) {
     if (level >= mostLevels)
       throw Error(std::string(format) + " with more than " + std::to_string(mostLevels) + " levels in line " +
                   std::to_string(lineOf(node)));
-    if (node.first_child()) {
-      node = node.first_child();
+    if (visit)
+      visit(node);
+    pugi::xml_node next = node.first_child();
+    if (next)
       ++level;
-      continue;
-    }
-    while (node && !node.next_sibling()) {
+    for (; !next && node; --level) {
+      next = node.next_sibling();
+      if (next)
+        break;
       node = node.parent();
-      --level;
     }
-    node = node.next_sibling();
+    node = next;
   }
 }
 

@@ -5,6 +5,7 @@
 #define REELDB_LISTS_XML_FILE_H
 
 #include <cstddef>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -14,9 +15,11 @@ namespace reeldb::lists {
 
 class XmlFile {
 public:
-  /// Reads the text of a file, which outlives the object. Throws Error, with @p format in its text, if it is damaged or
-  /// has more than mostLevels levels.
-  XmlFile(std::string_view text, std::string_view format);
+  using Visit = std::function<void(pugi::xml_node node)>;
+
+  /// Reads the text of a file, which outlives the object, and visits each node in the order of the text. Throws Error,
+  /// with @p format in its text, if it is damaged or has more than mostLevels levels.
+  XmlFile(std::string_view text, std::string_view format, const Visit& visit = {});
 
   pugi::xml_node root() const { return document_.document_element(); }
   /// The line where the element begins, counted from 1.
@@ -24,7 +27,7 @@ public:
 
 private:
   int lineAt(std::ptrdiff_t offset) const;
-  void requireLevels(std::string_view format) const;
+  void walk(std::string_view format, const Visit& visit) const;
 
   std::vector<std::size_t> lineStarts_;
   pugi::xml_document document_;

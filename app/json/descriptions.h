@@ -28,6 +28,7 @@
 #include "app/reel_fields.h"
 #include "app/reels.h"
 #include "app/rename.h"
+#include "app/report.h"
 #include "app/rolls.h"
 #include "app/shot_logs.h"
 #include "app/split.h"
@@ -903,6 +904,7 @@ void describe(Io& io, R& commit)
   io("elsewhere", commit.elsewhere);
   io("fields", commit.fields);
   io("lists", commit.lists);
+  io("options", commit.options);
 }
 
 template <class Io, Like<FieldConflict> R>
@@ -930,6 +932,31 @@ void describe(Io& io, R& deletion)
   io("shots", deletion.shots);
 }
 
+template <class Io, Like<ReelUse> R>
+void describe(Io& io, R& use)
+{
+  io("list", use.list);
+  io("events", use.events);
+  io("clips", use.clips);
+}
+
+template <class Io, Like<ReportedReel> R>
+void describe(Io& io, R& reel)
+{
+  io("need", reel.need);
+  io("uses", reel.uses);
+}
+
+template <class Io, Like<ReelReport> R>
+void describe(Io& io, R& report)
+{
+  io("project", report.project);
+  io("frame_rate", report.rate);
+  io("time", report.time);
+  io.optional("list", report.list);
+  io("reels", report.reels);
+}
+
 template <class Io, Like<TakenBackCommit> R>
 void describe(Io& io, R& result)
 {
@@ -942,6 +969,9 @@ void describe(Io& io, R& result)
   io("shots_removed", result.shotsRemoved);
   io("changed", result.logsChanged);
   io("lists", result.lists);
+  io("lists_restored", result.listsRestored);
+  io("lists_removed", result.listsRemoved);
+  io("options", result.options);
 }
 
 template <class Io, Like<Compacted> R>

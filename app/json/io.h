@@ -12,6 +12,7 @@
 #include <type_traits>
 #include <vector>
 
+#include <fmt/format.h>
 #include <nlohmann/json.hpp>
 #include <utf8.h>
 
@@ -137,6 +138,8 @@ template <class T>
 void read(const Value& json, T& value)
 {
   if constexpr (isVector<T>) {
+    if (!json.is_array())
+      throw std::invalid_argument(fmt::format("{} where an array has to be", json.type_name()));
     for (const Value& element : json.get_ref<const Value::array_t&>())
       read(element, value.emplace_back());
   } else if constexpr (std::is_arithmetic_v<T> || std::is_same_v<T, std::string>) {

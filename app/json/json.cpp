@@ -4,8 +4,7 @@
 #include <fmt/format.h>
 #include <utf8.h>
 
-#include "app/error.h"
-#include "app/json/descriptions.h"
+#include "app/json/from_json.h"
 #include "base/display_text.h"
 
 namespace reeldb::app {
@@ -42,25 +41,12 @@ std::string jsonLine(const T& result)
   return dumped(json::write(result), -1);
 }
 
-template <class T>
-T fromJson(std::string_view text)
-{
-  try {
-    T result;
-    json::read(Value::parse(text), result);
-    return result;
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const std::exception& error) { // the text is not JSON, or the key of a user field is not a number
-    throw Error(ErrorKind::Unreadable, fmt::format("JSON: not of the expected form ({})", error.what()));
-  }
-}
+template ProjectState fromJson(std::string_view);
 
 /// One line for each result that has a JSON form.
 #define REELDB_JSON_RESULT(...)                                                                                        \
   template std::string jsonText(const __VA_ARGS__&);                                                                   \
-  template std::string jsonLine(const __VA_ARGS__&);                                                                   \
-  template __VA_ARGS__ fromJson(std::string_view);
+  template std::string jsonLine(const __VA_ARGS__&);
 #define REELDB_JSON_RESULTS(...)                                                                                       \
   REELDB_JSON_RESULT(__VA_ARGS__)                                                                                      \
   REELDB_JSON_RESULT(std::vector<__VA_ARGS__>)
@@ -82,7 +68,7 @@ REELDB_JSON_RESULTS(Shot)
 REELDB_JSON_RESULTS(UserField)
 REELDB_JSON_RESULTS(Verdict)
 REELDB_JSON_RESULT(Backup)
-REELDB_JSON_RESULT(ChangedReel)
+REELDB_JSON_RESULTS(ChangedReel)
 REELDB_JSON_RESULT(Compacted)
 REELDB_JSON_RESULT(CopiedReel)
 REELDB_JSON_RESULT(CreatedReel)
@@ -105,6 +91,7 @@ REELDB_JSON_RESULT(ReelDetails)
 REELDB_JSON_RESULT(ReelEvent)
 REELDB_JSON_RESULT(RemovedList)
 REELDB_JSON_RESULT(Renamed)
+REELDB_JSON_RESULT(ReelReport)
 REELDB_JSON_RESULT(ShotsDeleted)
 REELDB_JSON_RESULT(ShotsMoved)
 REELDB_JSON_RESULT(Split)

@@ -22,7 +22,8 @@ std::string jsonLine(const T& result);
 
 /// Reads a result from such a text, as far as the text contains it: for example, a report of an import counts the clips
 /// and does not list them. Throws Error (Unreadable) for a text that is not JSON or not of that result: a missing key,
-/// or a value of another type. Unknown keys are ignored.
+/// or a value of another type. Unknown keys are ignored. This room reads a ProjectState; a source that reads another
+/// result includes from_json.h.
 template <class T>
 T fromJson(std::string_view text);
 

@@ -21,6 +21,7 @@ void addCommands(CommandLine& line)
   addShots(line);
   addWhich(line);
   addReelsOf(line);
+  addReport(line);
   addDelete(line);
   addUndelete(line);
   addUndo(line);

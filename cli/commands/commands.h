@@ -28,6 +28,7 @@ void addProject(CommandLine& line);
 void addReelsOf(CommandLine& line);
 void addRedo(CommandLine& line);
 void addRename(CommandLine& line);
+void addReport(CommandLine& line);
 void addSet(CommandLine& line);
 void addShot(CommandLine& line);
 void addShots(CommandLine& line);

@@ -7,9 +7,12 @@
 
 #include "app/deletion.h"
 #include "app/json/json.h"
+#include "app/selection.h"
 #include "base/display_text.h"
+#include "base/pattern.h"
 #include "commands/ask.h"
 #include "commands/tables.h"
+#include "commands/where.h"
 #include "text/counted.h"
 #include "text/output.h"
 
@@ -20,7 +23,7 @@ namespace {
 using base::displayText;
 
 struct Options {
-  std::vector<std::string> ids, keep;
+  std::vector<std::string> ids, keep, where;
   bool yes = false;
   bool dryRun = false;
   bool json = false;
@@ -51,14 +54,22 @@ void show(const app::DeletionPlan& plan)
 
 std::string sizeOf(const app::DeletionPlan& plan)
 {
-  return counted(plan.reelCount(), "reel") + " and " + counted(plan.shotCount(), "shot");
+  return countedReelsAndShots(plan.reelCount(), plan.shotCount());
+}
+
+/// The reels to delete: those that were given by name, as they were given, or those that are selected.
+std::vector<std::string> reelsOf(app::Session& session, const Options& options)
+{
+  if (options.where.empty() && std::none_of(options.ids.begin(), options.ids.end(), base::isPattern))
+    return options.ids;
+  return app::requireSelected(session, {options.ids, options.where});
 }
 
 /// Shows the plan and asks. Meanwhile the project is only read, so that no other process has to wait for the reply.
 app::DeletionPlan confirmed(const Options& options, const Globals& globals)
 {
   app::Session session(globals.project, app::Access::Read);
-  app::DeletionPlan plan = app::planDeletion(session, options.ids, options.keep);
+  app::DeletionPlan plan = app::planDeletion(session, reelsOf(session, options), options.keep);
   if (!options.json)
     show(plan);
   if (!plan.empty() && !ask(fmt::format("delete {}?", sizeOf(plan))))
@@ -71,13 +82,13 @@ app::DeletionPlan deleted(const Options& options, const Globals& globals)
 {
   if (options.dryRun) {
     app::Session session(globals.project, app::Access::Read);
-    app::DeletionPlan plan = app::planDeletion(session, options.ids, options.keep);
+    app::DeletionPlan plan = app::planDeletion(session, reelsOf(session, options), options.keep);
     plan.dryRun = true;
     return plan;
   }
   if (options.yes) {
     app::Session session(globals.project, app::Access::Write);
-    return app::deleteReels(session, options.ids, options.keep);
+    return app::deleteReels(session, reelsOf(session, options), options.keep);
   }
   app::DeletionPlan plan = confirmed(options, globals);
   app::Session session(globals.project, app::Access::Write);
@@ -87,6 +98,8 @@ app::DeletionPlan deleted(const Options& options, const Globals& globals)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
+  if (options.ids.empty() && options.where.empty())
+    throw app::Error(app::ErrorKind::Invalid, "delete: ID is required, or --where (see reeldb delete --help)");
   const app::DeletionPlan plan = deleted(options, globals);
   if (!options.dryRun && !plan.empty())
     changesAreStored();
@@ -113,11 +126,14 @@ void addDelete(CommandLine& line)
   Command command = line.add(
       {.name = "delete",
        .description = "Delete reels and the shots recorded from them",
-       .examples = {"reeldb delete --dry-run A001 A002 --keep A002", "reeldb delete A001 --yes"},
+       .examples = {"reeldb delete --dry-run A001 A002 --keep A002", "reeldb delete A001 --yes",
+                    "reeldb delete --dry-run \"A*\" --where available=yes"},
        .details = "Shows the reels and shots to delete, and asks. A reel in --keep is not deleted, nor are its shots.\n"
-                  "reeldb undelete brings deleted reels and shots back."},
+                  "reeldb undelete brings deleted reels and shots back.\n\n" +
+                  std::string(whereRule)},
       [options](const Globals& globals) { return run(*options, globals); });
-  command.texts("ID", options->ids, "The reels").required().shownAs("");
+  command.texts("ID", options->ids, "The reels; without any, those of --where").shownAs("");
+  addWhere(command, options->where);
   command.texts("--keep", options->keep, "A reel to keep; may be given several times")
       .shownAs("ID")
       .oneEachTime(); // the words after its value are reels to delete

@@ -29,8 +29,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 std::string newReelText(const app::NewReel& reel)
 {
   std::string result = "  " + displayText(reel.id);
@@ -89,7 +87,7 @@ void printShotsOf(const std::string& heading, const std::vector<app::Shot>& shot
 void printDiff(const app::ListDiff& diff)
 {
   print(toText(diff.moves, Mood::Conditional));
-  print(namesText(diff.names, terminalColumns(stdout).value_or(usualColumns)));
+  print(namesText(diff.names, textColumns(stdout)));
   if (!diff.newReels.empty())
     print(fmt::format("{} new:\n", counted(diff.newReels.size(), "reel")));
   for (const app::NewReel& reel : diff.newReels)

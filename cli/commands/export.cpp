@@ -90,18 +90,6 @@ app::Written write(const Options& options, const app::ProjectContent& content, s
   return options.reelsOnly ? app::writeReelsCsv(content) : app::writeShotsCsv(content);
 }
 
-/// A terminal gets no control characters, even if the project contains some.
-void printBytes(const std::string& text)
-{
-  if (!isTerminal(stdout))
-    return print(text);
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t end = std::min(text.find('\n', at), text.size());
-    print(base::displayText(text.substr(at, end - at)) + "\n");
-    at = end + 1;
-  }
-}
-
 /// Writes to the file or standard output, and complains of what it is not. @p what is in the file: "3 shots".
 ExitCode writeOut(const Options& options, const app::Written& written, const std::string& what)
 {

@@ -33,6 +33,8 @@ std::string changesOf(const app::CommitEntry& commit)
       parts.push_back(fmt::format("{} {}", count, what));
   if (commit.lists != 0)
     parts.push_back(counted(commit.lists, "list"));
+  if (commit.options)
+    parts.push_back("options");
   return fmt::format("{}", fmt::join(parts, ", "));
 }
 

@@ -29,8 +29,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 void show(const Options& options, const app::ImportReport& report)
 {
   if (options.json) {
@@ -40,9 +38,9 @@ void show(const Options& options, const app::ImportReport& report)
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
   print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
-    print(toText(imported, terminalColumns(stdout).value_or(usualColumns), mood));
+    print(toText(imported, textColumns(stdout), mood));
   print(toText(report.typeChanges, mood));
-  print(removedText(report, terminalColumns(stdout).value_or(usualColumns), mood));
+  print(removedText(report, textColumns(stdout), mood));
   if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
   else if (!report.stored)

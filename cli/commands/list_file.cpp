@@ -8,6 +8,7 @@
 #include "app/kept_lists.h"
 #include "app/list_files.h"
 #include "base/display_text.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
@@ -37,12 +38,14 @@ void printEvents(const std::vector<app::ListUse>& events, std::size_t indent = 0
                {"SOURCE OUT"},
                {.title = "RECORD IN", .optional = true},
                {.title = "RECORD OUT", .optional = true},
+               {.title = "RATE", .optional = true},
                {.title = "SPEED", .optional = true}});
   for (const auto& [clip, reel] : events) {
     const lists::Event& event = clip.event;
     table.add({event.number, clip.reel, reel == clip.reel ? "" : reel, clip.clipName, clip.tracks,
                event.duration.empty() ? event.transition : event.transition + " " + event.duration, clip.sourceIn,
-               clip.sourceOut, clip.recordIn, clip.recordOut, event.speed ? event.speed->framesPerSecond : ""});
+               clip.sourceOut, clip.recordIn, clip.recordOut, rateText(clip),
+               event.speed ? event.speed->framesPerSecond : ""});
   }
   table.print(indent);
 }
@@ -151,9 +154,8 @@ ExitCode remove(const RemoveOptions& options, const Globals& globals)
     return done;
   }
   print(fmt::format("{}: {}\n", headText(removed.list), options.dryRun ? "would be removed" : "removed"));
-  print(fmt::format("{} and {} that only this list used{}\n", counted(removed.reels.size(), "reel"),
-                    counted(removed.shots.size(), "shot"),
-                    removed.reels.empty() ? "" : displayText(fmt::format(": {}", fmt::join(removed.reels, ", ")))));
+  print(headedNames(countedReelsAndShots(removed.reels.size(), removed.shots.size()) + " that only this list used",
+                    removed.reels));
   print(options.dryRun ? "dry run: the project stays as it was\n" : "reeldb undo brings all of it back\n");
   return done;
 }

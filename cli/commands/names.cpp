@@ -18,8 +18,6 @@ struct CheckOptions {
   bool apply = false, json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 ExitCode check(const CheckOptions& options, const Globals& globals)
 {
   app::Session session(globals.project, options.apply ? app::Access::Write : app::Access::Read);
@@ -31,7 +29,7 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
     return done;
   }
   print(toText(found.moves, options.apply ? Mood::Fact : Mood::Conditional));
-  print(namesText(found.names, terminalColumns(stdout).value_or(usualColumns)));
+  print(namesText(found.names, textColumns(stdout)));
   if (found.moves.empty())
     print("every shot has the reel that the names say\n");
   else

@@ -6,6 +6,7 @@
 #include "base/ascii.h"
 #include "base/text_width.h"
 #include "text/counted.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -49,6 +50,12 @@ std::string wrapped(const std::string& heading, const std::vector<std::string>& 
     used += width;
   }
   return result + "\n";
+}
+
+std::string headedNames(const std::string& heading, const std::vector<std::string>& names)
+{
+  constexpr std::size_t indent = 2;
+  return names.empty() ? heading + "\n" : wrapped(heading + ":", names, textColumns(stdout), indent);
 }
 
 std::string namesText(const std::vector<app::NamedReel>& names, std::size_t columns)

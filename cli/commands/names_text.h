@@ -11,6 +11,9 @@
 
 namespace reeldb::cli {
 
+/// A line for people: "heading: A001, A002", wrapped at the terminal, or the heading alone if there are no names.
+std::string headedNames(const std::string& heading, const std::vector<std::string>& names);
+
 /// The heading and then the names, separated by commas and wrapped. Further lines are indented by @p indent.
 std::string wrapped(const std::string& heading, const std::vector<std::string>& names, std::size_t columns,
                     std::size_t indent);

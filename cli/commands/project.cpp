@@ -87,7 +87,8 @@ std::string removedForGood(const app::Compacted& compacted)
 {
   std::vector<std::string> parts;
   if (compacted.gone > 0)
-    parts.push_back(counted(compacted.gone, "deleted log"));
+    parts.push_back(
+        fmt::format("{} deleted {}", compacted.gone, compacted.gone == 1 ? "reel or shot" : "reels and shots"));
   if (compacted.lists > 0)
     parts.push_back(counted(compacted.lists, "list"));
   return parts.empty() ? "nothing to remove" : fmt::format("{} removed for good", fmt::join(parts, " and "));

@@ -31,8 +31,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 /// The existing reels that the names of a missing one may mean, but for those that namesText() shows.
 std::string candidatesText(const app::Need& need)
 {
@@ -56,7 +54,7 @@ void report(const Options& options, const std::vector<app::Need>& needs)
                need.reel ? need.reel->bin : ""});
   table.print();
   for (const app::Need& need : needs) {
-    print(namesText(need.names, terminalColumns(stdout).value_or(usualColumns)));
+    print(namesText(need.names, textColumns(stdout)));
     print(candidatesText(need));
   }
   print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));

@@ -31,8 +31,9 @@ void report(const app::Renamed& renamed)
   }
   if (!renamed.shots.empty())
     printShots(renamed.shots);
-  print(fmt::format("{} {} {}, also in {}\n", displayText(renamed.from), renamed.dryRun ? "would be" : "is now",
-                    displayText(renamed.to), counted(renamed.shots.size(), "shot")));
+  print(fmt::format("{} {} {}{}\n", displayText(renamed.from), renamed.dryRun ? "would be" : "is now",
+                    displayText(renamed.to),
+                    renamed.shots.empty() ? "" : ", also in " + counted(renamed.shots.size(), "shot")));
   if (renamed.dryRun)
     print("dry run: the project stays as it was\n");
 }

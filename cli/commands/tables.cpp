@@ -47,14 +47,15 @@ std::vector<Column> shotColumns()
           {"SOURCE OUT"},
           {.title = "RECORD IN", .optional = true},
           {.title = "RECORD OUT", .optional = true},
+          {.title = "RATE", .optional = true},
           {.title = "SOURCE FILE", .optional = true},
           {.title = "SOUND OF", .optional = true}};
 }
 
 std::vector<std::string> cellsOf(const app::Shot& shot)
 {
-  return {orDash(shot.clipName), shot.tracks,    shot.sourceIn,   shot.sourceOut,
-          shot.recordIn,         shot.recordOut, shot.sourceFile, shot.soundOf};
+  return {orDash(shot.clipName), shot.tracks,    shot.sourceIn,   shot.sourceOut, shot.recordIn,
+          shot.recordOut,        rateText(shot), shot.sourceFile, shot.soundOf};
 }
 
 } // namespace
@@ -67,6 +68,13 @@ std::string_view yesOrNo(bool value)
 std::string orDash(const std::string& text)
 {
   return text.empty() ? "-" : text;
+}
+
+std::string rateText(const lists::Clip& clip)
+{
+  if (!clip.dropFrame)
+    return clip.frameRate;
+  return clip.frameRate.empty() ? "drop frame" : clip.frameRate + " drop frame";
 }
 
 std::string localTime(const std::string& utc)

@@ -21,6 +21,9 @@ std::string_view yesOrNo(bool value);
 /// The text, or a dash for an empty one.
 std::string orDash(const std::string& text);
 
+/// The rate of the clip's timecodes: "29.97 drop frame", "25". Empty if the list does not say it.
+std::string rateText(const lists::Clip& clip);
+
 /// "2026-11-22T13:38:48Z" as the time of this place, to the minute; empty if the text is not such a time.
 std::string localTime(const std::string& utc);
 

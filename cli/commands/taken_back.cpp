@@ -2,10 +2,10 @@
 #include "commands/taken_back.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include "app/json/json.h"
 #include "base/display_text.h"
+#include "commands/names_text.h"
 #include "text/counted.h"
 #include "text/output.h"
 
@@ -19,8 +19,12 @@ std::string reelsAndShots(const std::vector<std::string>& reels, std::size_t sho
 {
   if (reels.empty() && shots == 0)
     return {};
-  return fmt::format("{} and {} {}{}\n", counted(reels.size(), "reel"), counted(shots, "shot"), what,
-                     reels.empty() ? "" : displayText(fmt::format(": {}", fmt::join(reels, ", "))));
+  return headedNames(fmt::format("{} {}", countedReelsAndShots(reels.size(), shots), what), reels);
+}
+
+std::string lists(const std::vector<std::string>& files, const char* what)
+{
+  return files.empty() ? "" : headedNames(fmt::format("{} {}", counted(files.size(), "list"), what), files);
 }
 
 } // namespace
@@ -37,11 +41,16 @@ ExitCode report(const app::TakenBackCommit& result, bool json)
                     commit.command.empty() ? "no command line is kept of it" : displayText(commit.command)));
   print(reelsAndShots(result.reelsRestored, result.shotsRestored, "restored"));
   print(reelsAndShots(result.reelsRemoved, result.shotsRemoved, "removed"));
+  const char* const changed = result.isRedo ? "changed again" : "changed back";
   if (result.logsChanged != 0)
     print(fmt::format("{} {} {}\n", result.logsChanged, result.logsChanged == 1 ? "reel or shot" : "reels or shots",
-                      result.isRedo ? "changed again" : "changed back"));
-  if (result.lists != 0)
-    print(fmt::format("{} {}\n", counted(result.lists, "list"), result.isRedo ? "changed again" : "changed back"));
+                      changed));
+  print(lists(result.listsRestored, "restored"));
+  print(lists(result.listsRemoved, "removed"));
+  if (const std::size_t others = result.lists - result.listsRestored.size() - result.listsRemoved.size(); others != 0)
+    print(fmt::format("{} {}\n", counted(others, "list"), changed));
+  if (result.options)
+    print(fmt::format("options of the project {}\n", changed));
   for (const std::string& change : commit.elsewhere)
     print(fmt::format("not {}: {}\n", result.isRedo ? "repeated" : "taken back", displayText(change)));
   return done;

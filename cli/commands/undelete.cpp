@@ -7,7 +7,7 @@
 #include "app/deletion.h"
 #include "app/history.h"
 #include "app/json/json.h"
-#include "base/display_text.h"
+#include "commands/names_text.h"
 #include "commands/tables.h"
 #include "text/counted.h"
 #include "text/output.h"
@@ -54,8 +54,7 @@ ExitCode run(const Options& options, const Globals& globals)
   if (options.json)
     print(app::jsonText(back));
   else
-    print(fmt::format("{} and {} brought back{}\n", counted(back.reels.size(), "reel"), counted(back.shots, "shot"),
-                      back.reels.empty() ? "" : base::displayText(fmt::format(": {}", fmt::join(back.reels, ", ")))));
+    print(headedNames(countedReelsAndShots(back.reels.size(), back.shots) + " brought back", back.reels));
   return done;
 }
 

@@ -60,7 +60,7 @@ std::string changeOf(const app::ReelEvent& event)
   return text;
 }
 
-/// "12 new reels, 1 reel gone, 60 new shots"
+/// "12 new reels, 1 reel gone, 60 new shots"; "no reel changed" for a commit such as project compact makes
 std::string totalsOf(const app::WatchedCommit& commit)
 {
   using What = app::ReelEvent::What;
@@ -79,14 +79,20 @@ std::string totalsOf(const app::WatchedCommit& commit)
   add(reels(What::Changed), "{n} reel{s} changed");
   add(static_cast<std::size_t>(commit.shotsNew), "{n} new shot{s}");
   add(static_cast<std::size_t>(commit.shotsGone), "{n} shot{s} gone");
-  return fmt::format("{}", fmt::join(parts, ", "));
+  add(static_cast<std::size_t>(commit.shotsChanged), "{n} shot{s} changed");
+  if (commit.commit) {
+    add(static_cast<std::size_t>(commit.commit->lists), "{n} list{s} changed");
+    if (commit.commit->options)
+      parts.emplace_back("options of the project changed");
+  }
+  return parts.empty() ? "no reel changed" : fmt::format("{}", fmt::join(parts, ", "));
 }
 
 std::string linesOf(const app::WatchedCommit& commit, const Options& options)
 {
   std::string lines;
   const auto add = [&](const std::string& text) { lines.append(text).append(originOf(commit.commit)).append("\n"); };
-  if (options.all || options.reel || commit.reels.size() == 1)
+  if (!commit.reels.empty() && (options.all || options.reel || commit.reels.size() == 1))
     for (const app::ReelEvent& event : commit.reels)
       add(changeOf(event));
   else
@@ -196,6 +202,7 @@ void addWatch(CommandLine& line)
            "  changed REEL: FIELD: NEW (was OLD)  the fields of the reel, and the number of its shots\n"
            "  renamed REEL from OLD               the reel OLD is now called REEL\n"
            "A commit that changes several reels, such as an import, is a line of totals; --all reports each reel.\n"
+           "So is a commit that changes no reel, but lists or options of the project.\n"
            "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
            "deleted, it waits for another reel with the same name.\n"
            "--since reports the commits after a revision and ends; with --follow or --for it goes on. A script\n"

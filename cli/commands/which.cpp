@@ -24,8 +24,6 @@ struct Options {
   bool json = false;
 };
 
-constexpr std::size_t usualColumns = 100;
-
 void report(const app::NameMeaning& meaning)
 {
   Table table({{"REEL"}, {.title = "SHOTS", .number = true}, {"WHY"}});
@@ -36,9 +34,8 @@ void report(const app::NameMeaning& meaning)
   print(one ? fmt::format("{} is {}\n", displayText(meaning.name), displayText(one->reel))
             : fmt::format("{} is ambiguous: {}\n", displayText(meaning.name),
                           counted(meaning.candidates.size(), "reel")));
-  if (const std::string text = !meaning.asList.perhaps.empty()
-                                   ? std::string()
-                                   : namesText({meaning.asList}, terminalColumns(stdout).value_or(usualColumns));
+  if (const std::string text =
+          !meaning.asList.perhaps.empty() ? std::string() : namesText({meaning.asList}, textColumns(stdout));
       !text.empty())
     print("in a list:\n" + text);
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "text/output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <fmt/format.h>
 
 #include "base/display_text.h"
+#include "text/terminal.h"
 
 namespace reeldb::cli {
 
@@ -35,6 +37,17 @@ void print(std::string_view text)
 {
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
     noteFailure();
+}
+
+void printBytes(std::string_view bytes)
+{
+  if (!isTerminal(stdout))
+    return print(bytes);
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t end = std::min(bytes.find('\n', at), bytes.size());
+    print(base::displayText(bytes.substr(at, end - at)) + "\n");
+    at = end + 1;
+  }
 }
 
 void complain(std::string_view message)

@@ -12,6 +12,10 @@ namespace reeldb::cli {
 /// Writes to standard output. @p text comes from displayText and has line ends.
 void print(std::string_view text);
 
+/// Writes the content of a file to standard output, byte for byte. If that is a terminal, it gets no control
+/// characters.
+void printBytes(std::string_view bytes);
+
 /// Writes "reeldb: " and the message, made fit for a terminal, to standard error.
 void complain(std::string_view message);
 

@@ -57,7 +57,7 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
   std::vector<Column> columns;
   std::vector<std::size_t> widths;
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    std::size_t width = base::displayWidth(columns_[i].title);
+    std::size_t width = showsTitles_ ? base::displayWidth(columns_[i].title) : 0;
     bool used = !columns_[i].optional;
     for (const auto& row : rows_) {
       used = used || !row[i].empty();
@@ -84,8 +84,11 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
     result.erase(result.find_last_not_of(' ') + 1);
     return result;
   };
-  const std::string titles = line([this](std::size_t i) { return columns_[i].title; });
-  std::string result = colours ? fmt::format("\x1b[1m{}\x1b[0m\n", titles) : titles + '\n';
+  std::string result;
+  if (showsTitles_) {
+    const std::string titles = line([this](std::size_t i) { return columns_[i].title; });
+    result = colours ? fmt::format("\x1b[1m{}\x1b[0m\n", titles) : titles + '\n';
+  }
   for (const auto& row : rows_)
     result += line([&row](std::size_t i) { return row[i]; }) + "\n";
   return result;

@@ -27,6 +27,8 @@ public:
   /// Adds a row with one cell per column.
   void add(std::vector<std::string> row);
   bool empty() const { return rows_.empty(); }
+  /// Leaves out the line of titles.
+  void hideTitles() { showsTitles_ = false; }
 
   /// The table as text, each line indented by @p indent blanks, fitted to the columns of a terminal if given.
   std::string text(std::optional<std::size_t> terminalColumns, bool colours, std::size_t indent = 0) const;
@@ -38,6 +40,7 @@ public:
 private:
   std::vector<Column> columns_;
   std::vector<std::vector<std::string>> rows_;
+  bool showsTitles_ = true;
 };
 
 } // namespace reeldb::cli

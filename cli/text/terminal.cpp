@@ -41,4 +41,10 @@ std::optional<std::size_t> terminalColumns(std::FILE* file)
   return size.ws_col;
 }
 
+std::size_t textColumns(std::FILE* file)
+{
+  constexpr std::size_t columnsOfFiles = 100;
+  return terminalColumns(file).value_or(columnsOfFiles);
+}
+
 } // namespace reeldb::cli

@@ -19,6 +19,9 @@ bool showsColours(std::FILE* file);
 /// The columns of the terminal; empty if the file is not a terminal.
 std::optional<std::size_t> terminalColumns(std::FILE* file);
 
+/// The columns at which text for people is wrapped: those of the terminal, or 100 if the file is not a terminal.
+std::size_t textColumns(std::FILE* file);
+
 } // namespace reeldb::cli
 
 #endif

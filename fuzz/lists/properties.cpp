@@ -316,7 +316,7 @@ void requireSound(const List& list, const std::string& bytes)
   std::vector<int> specialLines;
   for (const Clip& clip : list.specialClips) {
     require(!clip.special.empty(), "what is no reel has no reason");
-    requireShown(clip.reel, "text of what is no reel");
+    requireShown(clip.reel, "text that is not a reel");
     requireName(clip.clipName, "clip name");
     requireName(clip.sourceFile, "source file");
     requireEvent(clip.event);
@@ -325,8 +325,8 @@ void requireSound(const List& list, const std::string& bytes)
   std::vector<int> countedLines;
   for (const Special& special : list.specials) {
     countedLines.insert(countedLines.end(), special.lines.begin(), special.lines.end());
-    requireShown(special.text, "text of what is no reel");
-    requireReason(special.reason, "reason why it is no reel");
+    requireShown(special.text, "text that is not a reel");
+    requireReason(special.reason, "reason why it is not a reel");
     requireEqual(special.count, static_cast<int>(special.lines.size()), "number of lines of what is no reel");
     for (const int line : special.lines)
       taken.take(line, "what is no reel");
@@ -373,6 +373,39 @@ void requireSound(const List& list, const std::string& bytes)
   }
 }
 
+void requireSoundTimeline(const List& list, const std::string& bytes)
+{
+  requireEqual(list.tally.lines, static_cast<int>(piecesOf(decode(bytes)).size()), "number of lines");
+  requireShown(list.title, "title");
+  const auto requireOrder = [&](const auto& entries, const char* what) {
+    int last = 1;
+    for (const auto& entry : entries) {
+      require(entry.line >= last && entry.line <= list.tally.lines, what, "not in the order of their lines");
+      last = entry.line;
+    }
+  };
+  requireOrder(list.clips, "clips");
+  requireOrder(list.specialClips, "clips without a source");
+  requireOrder(list.rejected, "rejected clips");
+  requireOrder(list.warnings, "warnings");
+  for (const Clip& clip : list.clips) {
+    requireClip(clip);
+    require(clip.videoChannels + clip.audioChannels > 0, "clip is on no track");
+  }
+  int specials = 0;
+  for (const Special& special : list.specials) {
+    requireShown(special.text, "text that is not a reel");
+    requireReason(special.reason, "reason why it is not a reel");
+    specials += special.count;
+  }
+  requireEqual(specials, static_cast<int>(list.specialClips.size()), "number of clips without a source");
+  for (const Rejected& rejected : list.rejected)
+    requireReason(rejected.reason, "reason for a rejected clip");
+  for (const Warning& warning : list.warnings)
+    requireReason(warning.reason, "reason of a warning");
+  requireTiming(list);
+}
+
 void requireSameInOtherForms(const List& list, const std::string& bytes)
 {
   const std::string text = decode(bytes);
@@ -406,6 +439,27 @@ void requireEventsComeBack(const List& list)
     const bool sameIds = !isRemarked("different source ids");
     for (std::size_t i = 0; i < events.size(); ++i)
       requireEqual(eventOf(again[i], sameIds), eventOf(events[i], sameIds), "event, written and read again");
+  }
+}
+
+void requireTimelineComesBack(const List& list)
+{
+  constexpr std::size_t field = 32;
+  const std::vector<Clip> events = eventsOf(list);
+  const Written written = writeEdl(list.title, events, field);
+  requireEqual(written.leftOut.size(), std::size_t{0}, "clips that were left out");
+  if (!written.remarks.empty() || events.empty())
+    return;
+  const std::optional<List> read = readList(written.text);
+  require(read && read->format == Format::Edl, "what was written is not a cut list");
+  requireEqual(read->rejected.size(), std::size_t{0}, "rejected lines of what was written");
+  requireEqual(read->specialClips.size(), list.specialClips.size(), "clips without a source, written and read again");
+  requireEqual(read->clips.size(), list.clips.size(), "clips, written and read again");
+  for (std::size_t i = 0; i < list.clips.size(); ++i) {
+    requireEqual(fold(read->clips[i].reel), fold(list.clips[i].reel), "reel, written and read again");
+    requireEqual(read->clips[i].clipName, list.clips[i].clipName, "clip name, written and read again");
+    requireEqual(read->clips[i].sourceIn, list.clips[i].sourceIn, "source in, written and read again");
+    requireEqual(read->clips[i].sourceOut, list.clips[i].sourceOut, "source out, written and read again");
   }
 }
 

@@ -22,6 +22,13 @@ std::vector<std::string> linesOf(const std::string& bytes);
 /// each other.
 void requireSound(const reeldb::lists::List& list, const std::string& bytes);
 
+/// The same for a timeline: its lines are not those of clips, several of which may begin in one line.
+void requireSoundTimeline(const reeldb::lists::List& list, const std::string& bytes);
+
+/// Throws Broken if a cut list that was written with all clips of a timeline is read as other reels, names or source
+/// times. Texts that no list can hold, of which the writer remarks, are excused.
+void requireTimelineComesBack(const reeldb::lists::List& list);
+
 /// Throws Broken if the same text with other line ends, or in UTF-16, is read as another list.
 void requireSameInOtherForms(const reeldb::lists::List& list, const std::string& bytes);
 

@@ -326,7 +326,8 @@ TEST_F(History, WithoutNamesOnlyACommitThatIsMeantIsTakenBack)
 {
   folder_.write("facility.toml", "[facility]\ndefault_project = \"main\"\n[history]\nnames = false\n");
   reelhost::useFacility(reelhost::Facility::read(folder_.path()));
-  EXPECT_EQ(refusal([] { undo(); }), "undo: nothing to undo");
+  EXPECT_EQ(refusal([] { undo(); }),
+            "undo: nothing to undo (no command is in the history of this project; that it was made is not taken back)");
   import({"A001"});
   rename("A001", "B001");
   const std::string cause = " that is known to be yours ([history] names = false; --any takes the newest of anyone)";

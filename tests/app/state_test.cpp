@@ -199,7 +199,7 @@ TEST_F(State, AFileThatIsNotAStateIsReported)
     const std::string what = found.what();
     return what.substr(what.find("state.json: ") + 12);
   };
-  EXPECT_EQ(error("{").substr(0, 32), "JSON: not of the expected form (");
+  EXPECT_EQ(error("{").substr(0, 61), "JSON: not of the expected form (parse error at line 1, column");
   EXPECT_EQ(error("{}"),
             "JSON: not of the expected form (it has no state; reeldb export --json without --reels writes one)");
   EXPECT_EQ(error(R"({"state_version": 2})"), "JSON: not of the expected form (its state_version is 2, not 1)");
@@ -208,6 +208,9 @@ TEST_F(State, AFileThatIsNotAStateIsReported)
   EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1, "output_frame_rate_code": 1,
                       "options": {"a": {"bytes": "Zg"}}})"),
             "JSON: not of the expected form (\"Zg\" is not base64)");
+  EXPECT_EQ(error(R"({"state_version": 1, "project_id": "", "frame_rate_code": 1, "output_frame_rate_code": 1,
+                      "options": {}, "logs": 5})"),
+            "JSON: not of the expected form (number where an array has to be)");
 }
 
 } // namespace

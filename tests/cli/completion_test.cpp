@@ -44,7 +44,7 @@ protected:
 TEST_F(Completion, StartOfCommandGivesCommandsWithTheirDescriptions)
 {
   EXPECT_EQ(answer({"sho"}), "words\nshow\tShow all fields of one reel\n"
-                             "shots\tList the shots recorded from a reel\n"
+                             "shots\tList the shots recorded from reels\n"
                              "shot\tMove or delete single shots\n");
   EXPECT_EQ(candidates({"device", "l"}), (Words{"words", "list", "live"}));
 }

@@ -199,7 +199,7 @@ TEST_F(Delete, DeletionsThatCanBeBroughtBackAreListedTheNewestFirst)
 TEST_F(Delete, CompactMakesDeletionsFinal)
 {
   reeldb({"delete", "A001", "--yes"});
-  EXPECT_EQ(output({"project", "compact"}), "3 deleted logs removed for good\n");
+  EXPECT_EQ(output({"project", "compact"}), "3 deleted reels and shots removed for good\n");
   EXPECT_EQ(output({"project", "compact"}), "nothing to remove\n");
   EXPECT_EQ(reeldb({"undelete"}).code, 1);
   EXPECT_EQ(reelIds(), (Words{"B001", "C001"}));

@@ -132,6 +132,7 @@ TEST_F(Help, NamesEveryCommand)
                           "reeldb shots",
                           "reeldb which",
                           "reeldb reels-of",
+                          "reeldb report",
                           "reeldb delete",
                           "reeldb undelete",
                           "reeldb undo",

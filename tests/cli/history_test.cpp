@@ -20,11 +20,48 @@ TEST_F(HistoryCommand, UndoSaysWhatItTookBack)
 {
   output({"rename", "A001", "B 1"});
   EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb rename A001 'B 1'\n1 reel or shot changed back\n");
-  EXPECT_EQ(output({"undo"}), "revision 1 taken back: reeldb create A001\n1 reel and 0 shots removed: A001\n");
+  EXPECT_EQ(output({"undo"}), "revision 1 taken back: reeldb create A001\n1 reel removed: A001\n");
   const ProcessResult nothing = reeldb({"undo"});
   EXPECT_EQ(nothing.code, 1);
   EXPECT_EQ(nothing.err, "reeldb: undo: nothing to undo\n");
-  EXPECT_EQ(output({"redo"}), "revision 1 repeated: reeldb create A001\n1 reel and 0 shots restored: A001\n");
+  EXPECT_EQ(output({"redo"}), "revision 1 repeated: reeldb create A001\n1 reel restored: A001\n");
+}
+
+TEST_F(HistoryCommand, UndoOfAProjectWithoutHistorySaysThatTheProjectStays)
+{
+  output({"project", "new", "promo"});
+  EXPECT_EQ(
+      reeldb({"-p", "promo", "undo"}).err,
+      "reeldb: undo: nothing to undo (no command is in the history of this project; that it was made is not taken "
+      "back)\n");
+}
+
+TEST_F(HistoryCommand, OptionsThatChangedAreNamed)
+{
+  output({"project", "rate", "30"});
+  EXPECT_NE(output({"history"}).find("  options  reeldb project rate 30\n"), std::string::npos) << output({"history"});
+  EXPECT_EQ(json({"history", "--json"}).at("commits").at(0).at("options"), true);
+  EXPECT_EQ(json({"history", "--json"}).at("commits").at(1).at("options"), false);
+  EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb project rate 30\noptions of the project changed back\n");
+  EXPECT_EQ(json({"redo", "--json"}).at("options"), true);
+}
+
+TEST_F(HistoryCommand, UndoOfAnImportNamesItsListAndWrapsItsReels)
+{
+  std::string list = "TITLE: LONG\n";
+  for (int i = 10; i < 30; ++i)
+    list += event(i, numbered("REEL0", static_cast<std::size_t>(i)), "V", "01:00:00:00", "01:00:01:00");
+  dir_.write("long.edl", list);
+  reeldb({"import", "long.edl"});
+  EXPECT_EQ(output({"undo"}),
+            "revision 2 taken back: reeldb import long.edl\n"
+            "20 reels and 20 shots removed: REEL010, REEL011, REEL012, REEL013, REEL014, REEL015, REEL016,\n"
+            "  REEL017, REEL018, REEL019, REEL020, REEL021, REEL022, REEL023, REEL024, REEL025, REEL026, REEL027,\n"
+            "  REEL028, REEL029\n"
+            "1 list removed: long.edl\n");
+  const Json again = json({"redo", "--json"});
+  EXPECT_EQ(again.at("lists_restored"), Json({"long.edl"}));
+  EXPECT_EQ(again.at("lists_removed"), Json::array());
 }
 
 TEST_F(HistoryCommand, UndoTakesARevisionByItsNumber)

@@ -97,17 +97,29 @@ TEST_F(ListFile, RemoveTakesTheListAndWhatOnlyItNamed)
             "reeldb: evening.edl: no such list (reeldb list-file list shows them)\n");
   EXPECT_EQ(output({"undo"}), "revision 2 taken back: reeldb list-file remove evening.edl\n"
                               "1 reel and 1 shot restored: A001\n"
-                              "1 list changed back\n");
+                              "1 list restored: evening.edl\n");
   EXPECT_EQ(output({"export", "--json"}), before);
   EXPECT_EQ(json({"history", "--json"}).at("commits").at(2).at("lists"), 2); // the import
   EXPECT_NE(output({"history"}).find("4 new, 2 lists"), std::string::npos) << output({"history"});
   EXPECT_EQ(output({"list-file", "show", "evening.edl", "--original"}), evening_);
 }
 
+TEST_F(ListFile, TablesShowARateAndDropFrameIfTheListSaysThem)
+{
+  dir_.write("drop.edl", "TITLE: DROP\nFCM: DROP FRAME\n" + event(1, "D001", "V", "01:00:00;00", "01:00:01;58"));
+  reeldb({"import", "drop.edl"});
+  for (const Words& words : {Words{"list-file", "show", "drop.edl"}, Words{"shots", "D001"}}) {
+    const std::string table = output(words);
+    EXPECT_NE(table.find("  RATE"), std::string::npos) << table;
+    EXPECT_NE(table.find("  59.94 drop frame"), std::string::npos) << table;
+  }
+  EXPECT_EQ(output({"list-file", "show", "evening.edl"}).find("RATE"), std::string::npos);
+}
+
 TEST_F(ListFile, CompactRemovesRemovedListsForGood)
 {
   output({"list-file", "remove", "evening.edl"});
-  EXPECT_EQ(output({"project", "compact"}), "2 deleted logs and 1 list removed for good\n");
+  EXPECT_EQ(output({"project", "compact"}), "2 deleted reels and shots and 1 list removed for good\n");
   EXPECT_EQ(output({"project", "compact"}), "nothing to remove\n");
   EXPECT_EQ(reeldb({"undo", "2"}).code, 1);
 }

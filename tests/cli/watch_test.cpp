@@ -150,9 +150,26 @@ TEST_F(Watch, CommitThatChangesSeveralReelsIsALineOfTotals)
                             event(3, "C001", "V", "01:00:00:00", "01:00:01:00"));
   watch();
   reeldb({"import", "cut.edl"});
-  expectSaid("2 new reels, 1 reel changed, 3 new shots\n");
+  expectSaid("2 new reels, 1 reel changed, 3 new shots, 1 list changed\n");
   EXPECT_EQ(withoutCommits(output({"watch", "--since", "1", "--all"})),
             "new B001\nnew C001\nchanged A001: shots: 1 (was 0)\n");
+}
+
+TEST_F(Watch, CommitThatChangesNoReelIsReportedToo)
+{
+  dir_.write("cut.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  reeldb({"import", "cut.edl"});
+  watch();
+  output({"project", "rate", "30"});
+  output({"list-file", "remove", "cut.edl"});
+  output({"undo"});
+  dir_.write("same.edl", "TITLE: SAME\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
+  reeldb({"import", "same.edl"});
+  const std::string said = "options of the project changed\ngone A001\nnew A001\n1 list changed\n";
+  expectSaid(said);
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1", "--all"})), said);
+  const std::string lines = output({"watch", "--since", "1", "--json"});
+  EXPECT_EQ(lines.find("{\"what\":\"database\",\"reel\":\"\",\"commit\":{\"revision\":2,"), 0u) << lines;
 }
 
 TEST_F(Watch, EveryCommitIsReportedOnceAndInOrder)
@@ -257,7 +274,7 @@ TEST_F(Watch, RevisionThatIsUnknownOrForgottenIsRefused)
   EXPECT_EQ(result.code, 2);
   EXPECT_EQ(result.err, "reeldb: --since \"yesterday\": not a revision (reeldb history lists them)\n");
   output({"project", "compact", "--before", "2"});
-  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1"})), "new R2\n"); // nothing of it is missing
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1"})), "new R2\nno reel changed\n"); // nothing of it is missing
   result = reeldb({"watch", "--since", "0"});
   EXPECT_EQ(result.code, 1);
   EXPECT_EQ(result.err,

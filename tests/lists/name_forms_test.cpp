@@ -107,6 +107,7 @@ TEST(FileName, BehindTheLastSlash)
   EXPECT_EQ(fileName("C:\\a\\D.mov"), "D.mov");
   EXPECT_EQ(fileName("D.mov"), "D.mov");
   EXPECT_EQ(fileName("a/"), "a/");
+  EXPECT_EQ(fileName("a/ D.mov"), "D.mov");
 }
 
 } // namespace

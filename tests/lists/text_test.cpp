@@ -27,6 +27,15 @@ TEST(Lines, CrLfAndCrlfEachEndOneLine)
   EXPECT_EQ(split("a\rb\nc\r\nd\n\re"), (Numbered{{1, "a"}, {2, "b"}, {3, "c"}, {4, "d"}, {5, ""}, {6, "e"}}));
 }
 
+TEST(Lines, LongLinesEndWhereTheyEnd)
+{
+  for (const std::size_t size : {4095U, 4096U, 4097U, 9000U}) {
+    const std::string line(size, 'x');
+    for (const char* end : {"\r", "\n", "\r\n"})
+      EXPECT_EQ(split(line + end + "a"), (Numbered{{1, line}, {2, "a"}})) << size;
+  }
+}
+
 TEST(Lines, LastLineNeedsNoEndAndAnEndAddsNoLine)
 {
   EXPECT_EQ(split("a\r\n"), (Numbered{{1, "a"}}));

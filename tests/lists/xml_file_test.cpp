@@ -70,6 +70,9 @@ TEST(RootName, IsTheFirstElement)
 {
   EXPECT_EQ(rootName("<?xml version='1.0'?>\n<!-- <x> -->\n<!DOCTYPE y [<!ENTITY z 'a>b'>]>\n<xmeml version='5'>"),
             "xmeml");
+  EXPECT_EQ(rootName("<!DOCTYPE a [<!-- it's ] --><!ENTITY b ']>'><?c d?>]><xmeml>"), "xmeml");
+  EXPECT_EQ(rootName("<!DOCTYPE a [<!ENTITY b ']>"), "");
+  EXPECT_EQ(rootName("<!DOCTYPE a SYSTEM \"b>c\"><xmeml>"), "xmeml");
   EXPECT_EQ(rootName("<fcpxml>"), "fcpxml");
   EXPECT_EQ(rootName("<?xml"), "");
   EXPECT_EQ(rootName("TITLE: <xmeml>"), "");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "app/json/json.h"
+#include "app/json/from_json.h"
 #include "app/kept_lists.h"
 
 #include <gtest/gtest.h>
@@ -21,6 +21,7 @@
 #include "app/projects.h"
 #include "app/reel_fields.h"
 #include "app/rename.h"
+#include "app/report.h"
 #include "app/rolls.h"
 #include "app/split.h"
 #include "app/types.h"
@@ -322,6 +323,17 @@ TEST(Json, Rolls)
 TEST(Json, Shots)
 {
   expectJson(std::vector<Shot>{sampleShot()}, "[" + std::string(shotObject) + "]");
+}
+
+TEST(Json, ReportHasNeedsAndUses)
+{
+  ReelReport report{"main", "25", "2026-11-22T13:38:48Z", KeptList{1, "a.edl", "A", "edl", 2}, {}};
+  report.reels.push_back({{"A001", 2, std::nullopt, {"missing"}}, {{*report.list, 2, {"WIDE"}}}});
+  const std::string list = R"({"number": 1, "file": "a.edl", "title": "A", "format": "edl", "events": 2})";
+  expectJson(report, R"({"project": "main", "frame_rate": "25", "time": "2026-11-22T13:38:48Z", "list": )" + list +
+                         R"(, "reels": [{"need": {"id": "A001", "shots": 2, "state": "missing", "type": "", "bin": "",
+                            "names": [], "candidates": []}, "uses": [{"list": )" +
+                         list + R"(, "events": 2, "clips": ["WIDE"]}]}]})");
 }
 
 TEST(Json, NeedsSayTheStateInOneText)

@@ -289,6 +289,11 @@ public:
   reelhost::Lists* lists() override { return nullptr; }
 };
 
+TEST_F(ListsTest, StoreWithListsSaysSo)
+{
+  EXPECT_TRUE(reelhost::keepsLists());
+}
+
 TEST_F(ListsTest, StoreWithoutListsSaysSo)
 {
   reelhost::openProject(std::make_unique<StoreWithoutLists>(kept()), reelhost::Access::Write);

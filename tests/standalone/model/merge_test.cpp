@@ -235,6 +235,23 @@ TEST_P(Merge, FieldWithTwoValuesIsAConflictAndNothingIsStored)
   EXPECT_EQ(fieldOf(first_, "bin"), "there");
 }
 
+TEST_P(Merge, ConflictSaysNothingOfACommitWithoutOriginButItsRevision)
+{
+  Changes changes;
+  changes.logs = {with(1, "bin", "there")};
+  EXPECT_EQ(conflictOf([this] { set(first_, "bin", "here"); }, changes),
+            "R1: bin is \"here\" here, and another process stored \"there\" meanwhile (revision 2)");
+}
+
+TEST_P(Merge, FieldThatTheOtherSideRemovedIsStoredAsNothing)
+{
+  StoredLog without = elsewhere_->stored(1);
+  elsewhere_->commit(by("ann", {with(1, "bin", "before")}));
+  applyChangesFromElsewhere();
+  EXPECT_EQ(conflictOf([this] { set(first_, "bin", "here"); }, by("jo", {without})).substr(0, 66),
+            "R1: bin is \"here\" here, and another process stored nothing meanwhi");
+}
+
 TEST_P(Merge, ConflictNamesTheCommitThatChangedTheFieldLast)
 {
   set(first_, "bin", "here");

@@ -526,6 +526,17 @@ TEST_F(SharedProject, ShotsThatWereNotReadInTimeAreNotMixedIn)
   EXPECT_EQ(reelhost::allShots().count(), 0);
 }
 
+TEST_F(SharedProject, CommitWithoutChangesLeavesTheStateThatIsRead)
+{
+  open();
+  addLog(1, "R1");
+  reelhost::commit();
+  open(Access::Read);
+  EXPECT_FALSE(reelhost::commit());
+  storeElsewhere(7);
+  EXPECT_EQ(reelhost::allShots().count(), 1); // read only now
+}
+
 TEST_F(SharedProject, ProjectThatCannotBeReadAgainStaysAsItWas)
 {
   open(Access::Read);

@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "app/report.h"
+
+#include <algorithm>
+#include <array>
+#include <ctime>
+#include <string_view>
+#include <tuple>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "app/host_errors.h"
+#include "app/projects.h"
+#include "base/ascii.h"
+#include "base/time_text.h"
+#include "reelhost/host.h"
+
+namespace reeldb::app {
+
+namespace {
+
+/// The lists that use each reel, by its folded identifier.
+using Uses = std::unordered_map<std::string, std::vector<ReelUse>>;
+
+void addUses(Uses& uses, const ListEvents& events)
+{
+  std::unordered_map<std::string, std::unordered_set<std::string>> met;
+  for (const auto& [clip, reel] : events.events) {
+    if (reel.empty())
+      continue;
+    const std::string key = base::fold(reel);
+    std::vector<ReelUse>& lists = uses[key];
+    if (lists.empty() || lists.back().list.number != events.list.number)
+      lists.push_back({events.list, 0, {}});
+    ++lists.back().events;
+    if (!clip.clipName.empty() && met[key].insert(clip.clipName).second)
+      lists.back().clips.push_back(clip.clipName);
+  }
+}
+
+std::size_t rankOf(const Need& need)
+{
+  constexpr std::array<std::string_view, 4> troubles = {"missing", "perhaps", "unavailable", "unknown type"};
+  return need.troubles.empty()
+             ? troubles.size()
+             : static_cast<std::size_t>(std::find(troubles.begin(), troubles.end(), need.troubles.front()) -
+                                        troubles.begin());
+}
+
+bool comesBefore(const ReportedReel& a, const ReportedReel& b)
+{
+  const auto place = [](const Need& need) {
+    const std::string shelf = need.reel ? need.reel->bin : std::string();
+    return std::tuple(rankOf(need), need.state(), shelf.empty(), base::fold(shelf), base::fold(need.id), need.id);
+  };
+  return place(a.need) < place(b.need);
+}
+
+} // namespace
+
+ReelReport readReport(Session& session, const std::optional<std::string>& list)
+{
+  return guarded([&] {
+    ReelReport report;
+    report.project = reelhost::projectInfo().name;
+    report.rate = frameRateName(reelhost::projectInfo().frameRate);
+    report.time = base::timeText(std::time(nullptr));
+    Uses uses;
+    std::vector<Need> needs;
+    if (list) {
+      const ListEvents events = eventsOf(session, *list);
+      report.list = events.list;
+      addUses(uses, events);
+      needs = needsOfEvents(session, events.events);
+    } else {
+      if (reelhost::keepsLists())
+        for (const ListEvents& events : eventsOfLists(session))
+          addUses(uses, events);
+      needs = needsOfProject(session);
+    }
+    for (Need& need : needs) {
+      const auto found = uses.find(base::fold(need.id));
+      report.reels.push_back({std::move(need), found == uses.end() ? std::vector<ReelUse>() : found->second});
+    }
+    std::sort(report.reels.begin(), report.reels.end(), comesBefore);
+    return report;
+  });
+}
+
+} // namespace reeldb::app
