@@ -6,7 +6,12 @@
 #include <string_view>
 #include <utility>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include "ReelDbRec.h"
+#include "app/decisions.h"
+#include "app/reel_records.h"
 #include "base/time_text.h"
 
 namespace reeldb::app {
@@ -41,6 +46,12 @@ Values valuesOf(const std::optional<reelhost::StoredLog>& log)
     if (const std::string name = fieldName(key); !name.empty() && !value.empty())
       values[name] = name == "available" || name == "inhibit" ? (value == "1" ? "yes" : "no") : value;
   values["type"] = log->reelType;
+  values["old-names"] = fmt::format("{}", fmt::join(oldNamesOf(*log), ", "));
+  const Decisions decisions = decisionsOf(*log);
+  std::vector<std::string> aliases = decisions.aliases;
+  for (const NameInList& each : decisions.inLists)
+    aliases.push_back(fmt::format("{} (list {})", each.name, each.list));
+  values["aliases"] = fmt::format("{}", fmt::join(aliases, ", "));
   return values;
 }
 
@@ -80,6 +91,7 @@ std::string idOf(const reelhost::StoredLog& log)
 std::vector<FieldStep> stepsOf(const reelhost::LogChange& change)
 {
   const Values before = valuesOf(change.before), after = valuesOf(change.after);
+  const bool isRenamed = change.before && change.after && idOf(*change.before) != idOf(*change.after);
   Values fields = before;
   fields.insert(after.begin(), after.end());
   const auto valueIn = [](const Values& values, const std::string& field) {
@@ -87,6 +99,8 @@ std::vector<FieldStep> stepsOf(const reelhost::LogChange& change)
     return found == values.end() ? std::string() : found->second;
   };
   std::vector<FieldStep> steps;
+  if (isRenamed) // the old name is in the step of the identifier
+    fields.erase("old-names");
   for (const auto& [field, any] : fields)
     if (FieldStep step{field, valueIn(before, field), valueIn(after, field)}; step.before != step.after)
       steps.push_back(std::move(step));

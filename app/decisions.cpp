@@ -60,14 +60,24 @@ void read(const std::string& text, Decisions& decisions)
   }
 }
 
+Decisions decisionsIn(const std::vector<std::string>& texts)
+{
+  Decisions decisions;
+  for (const std::string& text : texts)
+    read(text, decisions);
+  return decisions;
+}
+
 } // namespace
 
 Decisions decisionsOf(ReelDbRec reel)
 {
-  Decisions decisions;
-  for (const std::string& text : keptTexts(reel, keyBase))
-    read(text, decisions);
-  return decisions;
+  return decisionsIn(keptTexts(reel, keyBase));
+}
+
+Decisions decisionsOf(const reelhost::StoredLog& reel)
+{
+  return decisionsIn(keptTexts(reel, keyBase));
 }
 
 void keepDecisions(ReelDbRec reel, const Decisions& decisions)

@@ -13,6 +13,7 @@
 #include "ReelDbRec.h"
 #include "app/shots.h"
 #include "reelhost/host.h"
+#include "reelhost/store.h"
 
 namespace reeldb::app {
 
@@ -38,6 +39,7 @@ struct Decisions {
 
 /// They are under the keys "reel_decision0", "reel_decision1" ...
 Decisions decisionsOf(ReelDbRec reel);
+Decisions decisionsOf(const reelhost::StoredLog& reel);
 /// Throws Error (Refused) if a name is too long to be kept.
 void keepDecisions(ReelDbRec reel, const Decisions& decisions);
 

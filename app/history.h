@@ -16,7 +16,8 @@ namespace reeldb::app {
 
 /// What a commit changed in one field of a reel.
 struct FieldStep {
-  std::string field;         ///< as changeReel names it; "reel" is the identifier
+  /// As changeReel names it; "reel" is the identifier, "old-names" and "aliases" are names with commas between.
+  std::string field;
   std::string before, after; ///< as they are stored
 };
 

@@ -624,10 +624,30 @@ bool ImportedList::changesProject() const
   return shotsAdded > 0 || !created.empty() || keeping == Keeping::New || keeping == Keeping::NewVersion;
 }
 
-bool ImportReport::rejectedLines() const
+ImportTotals ImportReport::totals() const
 {
-  return std::any_of(lists.begin(), lists.end(),
-                     [](const ImportedList& imported) { return !imported.list.rejected.empty(); });
+  ImportTotals totals;
+  totals.lists = lists.size();
+  totals.skipped = skipped.size();
+  for (const ImportedList& imported : lists) {
+    totals.listsNew += imported.keeping == Keeping::New ? 1 : 0;
+    totals.listsReplaced += imported.keeping == Keeping::NewVersion ? 1 : 0;
+    totals.listsUnchanged += imported.keeping == Keeping::Unchanged ? 1 : 0;
+    totals.clips += imported.clips;
+    totals.shotsAdded += imported.shotsAdded;
+    totals.shotsThere += imported.shotsThere - imported.shotsRepeated;
+    totals.shotsRepeated += imported.shotsRepeated;
+    totals.reelsCreated += imported.created.size();
+    totals.warnings += imported.list.warnings.size();
+    totals.rejected += imported.list.rejected.size();
+  }
+  return totals;
+}
+
+bool ImportReport::isIncomplete() const
+{
+  return !skipped.empty() || std::any_of(lists.begin(), lists.end(),
+                                         [](const ImportedList& imported) { return !imported.list.rejected.empty(); });
 }
 
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress,

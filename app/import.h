@@ -64,9 +64,26 @@ struct ImportedList {
   bool changesProject() const; ///< whether the import of this list changes the project
 };
 
+/// A file that an import left out, because it cannot be read.
+struct SkippedFile {
+  std::string file;
+  std::string reason;
+};
+
+/// The sums over all lists and files of an import.
+struct ImportTotals {
+  std::size_t lists = 0, listsNew = 0, listsReplaced = 0, listsUnchanged = 0;
+  std::size_t clips = 0, shotsAdded = 0;
+  std::size_t shotsThere = 0, shotsRepeated = 0; ///< before the list, and earlier in the same list
+  std::size_t reelsCreated = 0;
+  std::size_t warnings = 0, rejected = 0; ///< lines
+  std::size_t skipped = 0;                ///< files
+};
+
 /// The result for all lists.
 struct ImportReport {
   std::vector<ImportedList> lists;
+  std::vector<SkippedFile> skipped; ///< filled by the caller that read the files
   bool dryRun = false;
   bool changes = false;                  ///< whether the lists contain anything new
   bool stored = false;                   ///< whether that was stored
@@ -76,7 +93,8 @@ struct ImportReport {
   std::vector<ReelMove> moves;           ///< shots of the project that the names of the lists gave another reel
   std::vector<TypeChange> typeChanges;   ///< reels of the project that the shots of the lists gave another type
 
-  bool rejectedLines() const; ///< whether a line of any list was rejected
+  ImportTotals totals() const;
+  bool isIncomplete() const; ///< whether a line of any list was rejected, or a file skipped
 };
 
 /// Which kept lists an import replaces.

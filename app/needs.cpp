@@ -81,20 +81,6 @@ private:
   std::vector<Need> needs_;
 };
 
-/// The reels of the shots by the keys under which lists know them. A shot that lies in the reel of the key goes first.
-std::unordered_map<std::string, std::string> reelsOfShots(const ProjectNames& names)
-{
-  std::unordered_map<std::string, std::string> reels, others;
-  for (const KnownShot& known : names.shots()) {
-    std::vector<std::string> keys = names.keysOf(known.shot);
-    reels.emplace(std::move(keys.front()), known.shot.reel);
-    for (std::size_t i = 1; i < keys.size(); ++i)
-      others.emplace(std::move(keys[i]), known.shot.reel);
-  }
-  reels.insert(others.begin(), others.end());
-  return reels;
-}
-
 /// Adds the reel that the name of a missing one may mean, once, if it exists.
 void addCandidate(Need& need, Candidate candidate)
 {
@@ -117,6 +103,20 @@ void addCandidates(Session& session, std::vector<Need>& needs)
     for (Candidate& candidate : known->find(need.id))
       addCandidate(need, std::move(candidate));
   }
+}
+
+/// The reels of the shots by the keys under which lists know them. A shot that lies in the reel of the key goes first.
+std::unordered_map<std::string, std::string> reelsOfShots(const ProjectNames& names)
+{
+  std::unordered_map<std::string, std::string> reels, others;
+  for (const KnownShot& known : names.shots()) {
+    std::vector<std::string> keys = names.keysOf(known.shot);
+    reels.emplace(std::move(keys.front()), known.shot.reel);
+    for (std::size_t i = 1; i < keys.size(); ++i)
+      others.emplace(std::move(keys[i]), known.shot.reel);
+  }
+  reels.insert(others.begin(), others.end());
+  return reels;
 }
 
 /// Adds the existing reels that the names of missing reels may mean.

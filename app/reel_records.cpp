@@ -154,12 +154,7 @@ std::vector<std::string> oldNamesOf(ReelDbRec reel)
 
 std::vector<std::string> oldNamesOf(const reelhost::StoredLog& reel)
 {
-  const std::map<std::string_view, std::string_view> values(reel.fields.begin(), reel.fields.end());
-  std::vector<std::string> names;
-  for (auto kept = values.find(numbered(oldName, 0)); kept != values.end() && !kept->second.empty();
-       kept = values.find(numbered(oldName, names.size())))
-    names.emplace_back(kept->second);
-  return without(std::move(names), idOf(reel));
+  return without(keptTexts(reel, oldName), idOf(reel));
 }
 
 void keepOldName(ReelDbRec reel, const std::string& name)
@@ -189,6 +184,16 @@ std::vector<std::string> keptTexts(ReelDbRec reel, const std::string& key)
       break;
     texts.push_back(text(kept));
   }
+  return texts;
+}
+
+std::vector<std::string> keptTexts(const reelhost::StoredLog& reel, const std::string& key)
+{
+  const std::map<std::string_view, std::string_view> values(reel.fields.begin(), reel.fields.end());
+  std::vector<std::string> texts;
+  for (auto kept = values.find(numbered(key, 0)); kept != values.end() && !kept->second.empty();
+       kept = values.find(numbered(key, texts.size())))
+    texts.emplace_back(kept->second);
   return texts;
 }
 

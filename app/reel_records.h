@@ -55,6 +55,7 @@ bool forgetOldName(ReelDbRec reel, const std::string& name);
 
 /// The texts under the keys "KEY0", "KEY1" ... of the reel's log, up to the first that is missing or empty.
 std::vector<std::string> keptTexts(ReelDbRec reel, const std::string& key);
+std::vector<std::string> keptTexts(const reelhost::StoredLog& reel, const std::string& key);
 /// Replaces these texts; none of the new ones is empty.
 void keepTexts(ReelDbRec reel, const std::string& key, const std::vector<std::string>& texts);
 

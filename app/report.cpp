@@ -21,7 +21,7 @@ namespace reeldb::app {
 namespace {
 
 /// The lists that use each reel, by its folded identifier.
-using Uses = std::unordered_map<std::string, std::vector<ReelUse>>;
+using Uses = std::unordered_map<std::string, std::vector<ReportedList>>;
 
 void addUses(Uses& uses, const ListEvents& events)
 {
@@ -30,7 +30,7 @@ void addUses(Uses& uses, const ListEvents& events)
     if (reel.empty())
       continue;
     const std::string key = base::fold(reel);
-    std::vector<ReelUse>& lists = uses[key];
+    std::vector<ReportedList>& lists = uses[key];
     if (lists.empty() || lists.back().list.number != events.list.number)
       lists.push_back({events.list, 0, {}});
     ++lists.back().events;
@@ -81,7 +81,7 @@ ReelReport readReport(Session& session, const std::optional<std::string>& list)
     }
     for (Need& need : needs) {
       const auto found = uses.find(base::fold(need.id));
-      report.reels.push_back({std::move(need), found == uses.end() ? std::vector<ReelUse>() : found->second});
+      report.reels.push_back({std::move(need), found == uses.end() ? std::vector<ReportedList>() : found->second});
     }
     std::sort(report.reels.begin(), report.reels.end(), comesBefore);
     return report;

@@ -16,7 +16,7 @@
 namespace reeldb::app {
 
 /// A list that uses a reel.
-struct ReelUse {
+struct ReportedList {
   KeptList list;
   std::size_t events = 0;         ///< the number of its events from the reel
   std::vector<std::string> clips; ///< their clip names, each once, in the order of the list
@@ -24,7 +24,7 @@ struct ReelUse {
 
 struct ReportedReel {
   Need need;
-  std::vector<ReelUse> uses; ///< by the number of the list
+  std::vector<ReportedList> uses; ///< by the number of the list
 };
 
 /// The reels of a project or a list.

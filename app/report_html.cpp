@@ -169,7 +169,10 @@ private:
   }
 
   static std::string reelName(const Candidate& candidate) { return candidate.reel; }
-  static std::string shortName(const ReelUse& use) { return use.list.title.empty() ? use.list.file : use.list.title; }
+  static std::string shortName(const ReportedList& use)
+  {
+    return use.list.title.empty() ? use.list.file : use.list.title;
+  }
 
   const ReelReport& report_;
 };
@@ -178,7 +181,7 @@ std::string usesOf(const ReelReport& report)
 {
   std::string rows;
   for (const ReportedReel& reel : report.reels)
-    for (const ReelUse& use : reel.uses)
+    for (const ReportedList& use : reel.uses)
       rows += "<tr>" + cell(reel.need.id, "name") + cell(nameOf(use.list)) +
               cell(std::to_string(use.events), "number") + cell(fmt::format("{}", fmt::join(use.clips, ", "))) +
               "</tr>\n";

@@ -77,13 +77,20 @@ std::string_view wordOf(ReelEvent::What what)
 class Watcher::Reels {
 public:
   /// REQUIRES: the project is being read.
-  Reels(Session& session, const std::optional<std::string>& reel) : reel_(reel)
+  explicit Reels(const std::optional<std::string>& reel) : reel_(reel)
   {
     read();
     if (!reel)
       return;
-    reel_ = text(requireReel(session.manager(), *reel).reelId());
-    log_ = logOf(*reel_);
+    log_ = logOf(*reel);
+    if (log_ != 0)
+      reel_ = ids_[log_];
+  }
+
+  void requireReelOfInterest(ReelDbManager& manager) const
+  {
+    if (reel_ && log_ == 0)
+      requireReel(manager, *reel_); // throws
   }
 
   /// What the commits after the revision did that the project holds already. Throws Error as reportSince.
@@ -115,21 +122,46 @@ public:
         std::swap(change.before, change.after);
       take(back, changes);
     }
+    std::set<std::int64_t> ofInterest{log_};
+    if (reel_)
+      ofInterest.insert(logOf(*reel_)); // as of that revision
     std::vector<WatchedCommit> commits;
     for (auto forth = later.rbegin(); forth != later.rend(); ++forth)
       commits.push_back(take(*forth, history->changesOf(forth->number)));
+    if (reel_)
+      keepSinceOfInterest(commits, std::move(ofInterest));
     return commits;
   }
 
   /// What the commits since the last call did. Takes them over.
   std::vector<WatchedCommit> newCommits(const reelhost::ForeignChanges& changes)
   {
+    std::vector<WatchedCommit> commits = allNewCommits(changes);
+    if (reel_)
+      for (WatchedCommit& commit : commits)
+        std::erase_if(commit.reels, [this](const ReelEvent& event) { return !isOfInterest(event); });
+    return commits;
+  }
+
+  /// Whether there is anything to report of a commit.
+  bool isOfInterest(const WatchedCommit& commit) const
+  {
+    return !commit.reels.empty() || (!reel_ && (commit.commit || commit.forgotten));
+  }
+
+private:
+  using Counts = std::unordered_map<std::string, std::int64_t>;
+
+  std::vector<WatchedCommit> allNewCommits(const reelhost::ForeignChanges& changes)
+  {
     reelhost::Store& store = reelhost::projectStoreToRead();
     reelhost::History* const history = store.history();
-    std::optional<std::vector<reelhost::Revision>> revisions;
-    if (history)
-      revisions = revisionsAfter(*history, last_);
-    if (!revisions || revisions->empty() || positionOf(store).otherWrites != last_.otherWrites)
+    if (!history || positionOf(store).otherWrites != last_.otherWrites || isAnotherProject())
+      return {difference(changes)};
+    const std::optional<std::vector<reelhost::Revision>> revisions = revisionsAfter(*history, last_);
+    if (!revisions)
+      return commitsAfterForgottenOnes(*history, changes);
+    if (revisions->empty())
       return {difference(changes)};
     std::vector<WatchedCommit> commits;
     for (const reelhost::Revision& revision : *revisions) {
@@ -139,17 +171,59 @@ public:
     return commits;
   }
 
-  /// Leaves out what is not of the reel of interest. Returns whether there is anything to report.
-  bool keepWhatIsOfInterest(WatchedCommit& commit)
+  /// What the commits did that the history still has, after what those did together that it has forgotten since the
+  /// last call. Everything together if the history is not that of the last call.
+  std::vector<WatchedCommit> commitsAfterForgottenOnes(reelhost::History& history,
+                                                       const reelhost::ForeignChanges& changes)
   {
-    if (!reel_)
-      return commit.commit || !commit.reels.empty();
-    std::erase_if(commit.reels, [this](const ReelEvent& event) { return !isOfInterest(event); });
-    return !commit.reels.empty();
+    std::vector<reelhost::Revision> kept; // the newest first
+    history.readRevisions([&](reelhost::Revision&& revision) {
+      kept.push_back(std::move(revision));
+      return true;
+    });
+    if (kept.empty() || kept.back().number <= last_.revision)
+      return {difference(changes)};
+    const std::int64_t firstForgotten = last_.revision + 1;
+    const std::map<std::int64_t, std::string> ids = std::exchange(ids_, {});
+    const Counts shots = std::exchange(shots_, {});
+    read();
+    std::set<std::int64_t> changed = logsOf(changes.changedReels);
+    for (const reelhost::Revision& back : kept) {
+      reelhost::RevisionChanges did = history.changesOf(back.number);
+      for (reelhost::LogChange& change : did.logs) {
+        changed.erase(change.number);
+        std::swap(change.before, change.after);
+      }
+      take(back, did);
+    }
+    std::vector<WatchedCommit> commits = {difference(ids, shots, changed)};
+    commits.front().forgotten = Revisions{firstForgotten, kept.back().number - 1};
+    for (auto forth = kept.rbegin(); forth != kept.rend(); ++forth)
+      commits.push_back(take(*forth, history.changesOf(forth->number)));
+    return commits;
   }
 
-private:
-  using Counts = std::unordered_map<std::string, std::int64_t>;
+  /// Leaves only what was done to reels of interest: these, and all that got the name of the reel of interest.
+  void keepSinceOfInterest(std::vector<WatchedCommit>& commits, std::set<std::int64_t> logs)
+  {
+    for (const WatchedCommit& commit : commits)
+      for (const ReelEvent& event : commit.reels)
+        if ((event.what == What::New || event.what == What::Renamed) && base::sameName(event.reel, *reel_))
+          logs.insert(event.log);
+    logs.erase(0);
+    if (logs.empty())
+      requireReel(*ReelDbManager::theReelDbManager(), *reel_); // throws
+    for (auto log = logs.rbegin(); log_ == 0 && log != logs.rend(); ++log)
+      if (const auto there = ids_.find(*log); there != ids_.end()) { // it was renamed
+        log_ = *log;
+        reel_ = there->second;
+      }
+    for (WatchedCommit& commit : commits)
+      std::erase_if(commit.reels, [&](const ReelEvent& event) { return logs.count(event.log) == 0; });
+  }
+
+  /// Whether another project was put in the place of this one.
+  bool isAnotherProject() const { return reelhost::projectStoreToRead().info().uuid != project_; }
 
   void read()
   {
@@ -160,6 +234,7 @@ private:
     for (const auto& [log, id] : ids_)
       byId_.emplace(base::fold(id), log);
     shots_ = reelhost::shotCounts();
+    project_ = store.info().uuid;
     last_ = positionOf(store);
   }
 
@@ -276,13 +351,35 @@ private:
   /// What differs, without the commits that did it.
   WatchedCommit difference(const reelhost::ForeignChanges& changes)
   {
-    const std::map<std::int64_t, std::string> ids = std::exchange(ids_, {});
+    std::map<std::int64_t, std::string> ids = std::exchange(ids_, {});
     const Counts shots = std::exchange(shots_, {});
+    const bool isAnother = isAnotherProject();
     read();
     WatchedCommit commit;
-    std::set<std::int64_t> changed;
-    for (const Cookie& log : changes.changedReels)
-      changed.insert(logOf(text(ReelDbRec(log).reelId())));
+    if (isAnother) { // a log with the same number is another log
+      for (const auto& [log, id] : std::exchange(ids, {}))
+        report(commit, log, What::Gone, id);
+      for (const auto& [log, id] : ids_)
+        report(commit, log, What::New, id);
+      return commit;
+    }
+    return difference(ids, shots, logsOf(changes.changedReels));
+  }
+
+  std::set<std::int64_t> logsOf(const CookieVec& reels) const
+  {
+    std::set<std::int64_t> logs;
+    for (const Cookie& log : reels)
+      logs.insert(logOf(text(ReelDbRec(log).reelId())));
+    return logs;
+  }
+
+  /// What differs between these reels, with their numbers of shots, and those of now. @p changed: logs of reels that
+  /// have another field.
+  WatchedCommit difference(const std::map<std::int64_t, std::string>& ids, const Counts& shots,
+                           const std::set<std::int64_t>& changed)
+  {
+    WatchedCommit commit;
     for (const auto& [log, id] : ids)
       if (ids_.count(log) == 0)
         report(commit, log, What::Gone, id);
@@ -322,12 +419,17 @@ private:
   std::unordered_map<std::string, std::int64_t> byId_; ///< folded identifiers
   Counts shots_;                                       ///< likewise
   reelhost::FeedPosition last_;                        ///< what was reported last
+  decltype(reelhost::ProjectInfo::uuid) project_{};
 };
 
 Watcher::Watcher(Session& session, const std::optional<std::string>& reel, Listener listener)
-    : session_(session), listener_(std::move(listener)),
-      reels_(guarded([&] { return std::make_unique<Reels>(session, reel); }))
+    : session_(session), listener_(std::move(listener)), reels_(guarded([&] { return std::make_unique<Reels>(reel); }))
 {
+}
+
+void Watcher::requireReelOfInterest() const
+{
+  guarded([this] { reels_->requireReelOfInterest(session_.manager()); });
 }
 
 Watcher::~Watcher() = default;
@@ -341,7 +443,7 @@ void Watcher::report(std::vector<WatchedCommit> commits)
 {
   reelhost::idle(); // a listener that waits, as for a pipe that is full, must not hold the project meanwhile
   for (WatchedCommit& commit : commits)
-    if (reels_->keepWhatIsOfInterest(commit))
+    if (reels_->isOfInterest(commit))
       listener_(commit);
 }
 

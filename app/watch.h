@@ -18,6 +18,11 @@
 
 namespace reeldb::app {
 
+/// The revisions from the first to the last.
+struct Revisions {
+  std::int64_t first = 0, last = 0;
+};
+
 /// What a commit did to one reel.
 struct ReelEvent {
   enum class What {
@@ -32,8 +37,9 @@ struct ReelEvent {
   std::string from; ///< Renamed: the former name
   /// Changed: the fields, and "shots" with the numbers of shots; empty if the history does not say which
   std::vector<FieldStep> fields = {};
-  std::optional<CommitEntry> commit = {}; ///< the commit that did it, if the history says which
-  std::int64_t log = 0;                   ///< the number of the reel's log, which never changes; 0: no single reel
+  std::optional<CommitEntry> commit = {};  ///< the commit that did it, if the history says which
+  std::int64_t log = 0;                    ///< the number of the reel's log, which never changes; 0: no single reel
+  std::optional<Revisions> forgotten = {}; ///< Database: the commits that did it, if the history has forgotten them
 };
 
 /// "new", "changed", "gone", "renamed", "database"
@@ -41,7 +47,8 @@ std::string_view wordOf(ReelEvent::What what);
 
 /// One commit, or all that changed at once if the history does not say which commits did it.
 struct WatchedCommit {
-  std::optional<CommitEntry> commit; ///< empty: unknown
+  std::optional<CommitEntry> commit;  ///< empty: unknown
+  std::optional<Revisions> forgotten; ///< the commits, if they were forgotten before they were reported
   std::vector<ReelEvent> reels; ///< a renamed reel with other changes has two events; other numbers of shots come last
   std::int64_t shotsNew = 0, shotsGone = 0;
   std::int64_t shotsChanged = 0; ///< those that were there before and after
@@ -58,14 +65,18 @@ class Watcher {
 public:
   using Listener = std::function<void(const WatchedCommit&)>;
 
-  /// Throws Error (NotFound) if the reel of interest does not exist. The session must outlive the watcher. Exceptions
-  /// of the listener pass through poll and reportSince.
+  /// The reel of interest need not exist. The session must outlive the watcher. Exceptions of the listener pass through
+  /// poll and reportSince.
   Watcher(Session& session, const std::optional<std::string>& reel, Listener listener);
   ~Watcher();
 
+  /// Throws Error (NotFound) if the reel of interest does not exist.
+  void requireReelOfInterest() const;
+
   /// Reports the commits after @p revision that the project holds already, before any poll. Throws Error: NotFound if
   /// there is no such revision, Refused if the history does not hold all commits since or there is no history. With a
-  /// reel of interest, that reel is the one of this name as of now, and its events are those of its log.
+  /// reel of interest, the reels that have had its name at any time since that revision are of interest, with all that
+  /// happened to them since; NotFound if there is none.
   void reportSince(std::int64_t revision);
 
   /// Releases the project, so that other processes can work on it.

@@ -147,24 +147,22 @@ inline void requireRegularFile(const std::filesystem::path& path)
   detail::statusOf(path);
 }
 
-/// The content of @p path, a regular file of at most @p limit bytes; a link to one is followed. Throws FileError:
-/// NotFound, NotRegular, TooLarge, System. Never waits for a writer.
-inline std::string readRegularFile(const std::filesystem::path& path, std::size_t limit)
+namespace detail {
+
+inline FileError tooLarge(const std::filesystem::path& path, std::size_t limit)
 {
-  const auto tooLarge = [&] {
-    return FileError(FileFault::TooLarge, path, "too large", "more than " + std::to_string(limit) + " bytes");
-  };
-  // open() can have side effects on a device, so stat() comes first. O_NONBLOCK: the file may have been swapped in
-  // between.
-  if (static_cast<std::uintmax_t>(detail::statusOf(path).st_size) > limit)
-    throw tooLarge();
-  const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!fd.valid())
-    throw FileError(path, "cannot be opened", errno);
+  return {FileFault::TooLarge, path, "too large", "more than " + std::to_string(limit) + " bytes"};
+}
+
+} // namespace detail
+
+/// The rest of an open file or stream, at most @p limit bytes. Throws FileError, which names @p path: TooLarge, System.
+inline std::string readOpenFile(int fd, const std::filesystem::path& path, std::size_t limit)
+{
   std::string content;
   char buffer[65536];
   for (;;) {
-    const ssize_t got = ::read(fd.get(), buffer, sizeof buffer);
+    const ssize_t got = ::read(fd, buffer, sizeof buffer);
     if (got < 0 && errno == EINTR)
       continue;
     if (got < 0)
@@ -172,9 +170,23 @@ inline std::string readRegularFile(const std::filesystem::path& path, std::size_
     if (got == 0)
       return content;
     content.append(buffer, static_cast<std::size_t>(got));
-    if (content.size() > limit) // the file has grown since stat()
-      throw tooLarge();
+    if (content.size() > limit) // a file may have grown since its size was asked for
+      throw detail::tooLarge(path, limit);
   }
+}
+
+/// The content of @p path, a regular file of at most @p limit bytes; a link to one is followed. Throws FileError:
+/// NotFound, NotRegular, TooLarge, System. Never waits for a writer.
+inline std::string readRegularFile(const std::filesystem::path& path, std::size_t limit)
+{
+  // open() can have side effects on a device, so stat() comes first. O_NONBLOCK: the file may have been swapped in
+  // between.
+  if (static_cast<std::uintmax_t>(detail::statusOf(path).st_size) > limit)
+    throw detail::tooLarge(path, limit);
+  const FileDescriptor fd(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!fd.valid())
+    throw FileError(path, "cannot be opened", errno);
+  return readOpenFile(fd.get(), path, limit);
 }
 
 /// Waits until the names in @p folder are on disk. Returns without waiting if the folder can be written but not read.

@@ -139,16 +139,19 @@ void Timeline::setTimes(const TimeRange& range, const std::string& what, std::st
 {
   if (!range.counting)
     return;
-  const std::string without = " (kept without it)";
   for (const auto& [side, time, label] : {std::tuple(" in", &range.in, &in), std::tuple(" out", &range.out, &out)}) {
     if (!*time)
       continue;
     const std::optional<FrameAt> frame = frameAt(**time, range.counting->rate);
     const std::string fault = frame ? labelOf(frame->frame, *range.counting, *label) : "more than 64 bits hold";
-    if (!fault.empty())
-      doubts.push_back(what + side + " " + textOf(*time) + "s has no timecode: " + fault + without);
-    else if (!frame->isWhole)
-      doubts.push_back(what + side + " " + textOf(*time) + "s lies within a frame (kept as " + *label + ")");
+    if (fault.empty() && frame->isWhole)
+      continue;
+    std::string& doubt = doubts.emplace_back(what);
+    doubt.append(side).append(" ").append(textOf(*time)).append("s ");
+    if (fault.empty())
+      doubt.append("lies within a frame (kept as ").append(*label).append(")");
+    else
+      doubt.append("has no timecode: ").append(fault).append(" (kept without it)");
   }
 }
 

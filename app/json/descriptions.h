@@ -612,6 +612,30 @@ void describe(Io& io, R& change)
   io("to", change.to);
 }
 
+template <class Io, Like<SkippedFile> R>
+void describe(Io& io, R& skipped)
+{
+  io("file", skipped.file);
+  io("reason", skipped.reason);
+}
+
+template <class Io, Like<ImportTotals> R>
+void describe(Io& io, R& totals)
+{
+  io("lists", totals.lists);
+  io("lists_new", totals.listsNew);
+  io("lists_replaced", totals.listsReplaced);
+  io("lists_unchanged", totals.listsUnchanged);
+  io("clips", totals.clips);
+  io("shots_added", totals.shotsAdded);
+  io("shots_there", totals.shotsThere);
+  io("shots_repeated", totals.shotsRepeated);
+  io("reels_created", totals.reelsCreated);
+  io("warnings", totals.warnings);
+  io("rejected", totals.rejected);
+  io("skipped", totals.skipped);
+}
+
 template <class Io, Like<ImportReport> R>
 void describe(Io& io, R& report)
 {
@@ -622,7 +646,10 @@ void describe(Io& io, R& report)
   io("shots_removed", report.shotsRemoved);
   io("moved", report.moves);
   io("type_changes", report.typeChanges);
-  if constexpr (!Io::writes)
+  io("skipped", report.skipped);
+  if constexpr (Io::writes)
+    io.json()["totals"] = json::write(report.totals());
+  else
     report.changes = std::any_of(report.lists.begin(), report.lists.end(),
                                  [](const ImportedList& imported) { return imported.changesProject(); }) ||
                      !report.moves.empty();
@@ -932,7 +959,7 @@ void describe(Io& io, R& deletion)
   io("shots", deletion.shots);
 }
 
-template <class Io, Like<ReelUse> R>
+template <class Io, Like<ReportedList> R>
 void describe(Io& io, R& use)
 {
   io("list", use.list);
@@ -1075,6 +1102,13 @@ void describe(Io& io, R& check)
   io("problems", check.problems);
 }
 
+template <class Io, Like<Revisions> R>
+void describe(Io& io, R& revisions)
+{
+  io("first", revisions.first);
+  io("last", revisions.last);
+}
+
 template <class Io, Like<ReelEvent> R>
 void describe(Io& io, R& event)
 {
@@ -1095,6 +1129,7 @@ void describe(Io& io, R& event)
     io("fields", event.fields);
   }
   io.optional("commit", event.commit);
+  io.optional("forgotten", event.forgotten);
 }
 
 } // namespace reeldb::app

@@ -121,7 +121,7 @@ ExitCode run(const Options& options, const Globals& globals)
   const lists::NameRules rules = options.names.rules();
   app::ListFiles files = app::readListFiles(options.files, options.names.reading());
   if (!files.failures.empty())
-    throw files.failures.front();
+    throw files.failures.front().error;
   app::Session session(globals.project, app::Access::Read);
   const app::ListDiff diff = app::compareLists(session, files.read, options.gone, options.as, rules);
   if (options.json)

@@ -25,6 +25,9 @@ struct Options {
   NameOptions names;
   std::optional<std::string> type;
   std::vector<std::string> asNew;
+  bool recursive = false;
+  bool skipsUnreadable = false;
+  bool quiet = false;
   bool dryRun = false;
   bool json = false;
 };
@@ -36,11 +39,17 @@ void show(const Options& options, const app::ImportReport& report)
     return;
   }
   const Mood mood = options.dryRun ? Mood::Conditional : Mood::Fact;
-  print(toText(report.moves, mood));
+  const std::size_t columns = textColumns(stdout);
+  if (!options.quiet)
+    print(toText(report.moves, mood));
   for (const app::ImportedList& imported : report.lists)
-    print(toText(imported, textColumns(stdout), mood));
-  print(toText(report.typeChanges, mood));
-  print(removedText(report, textColumns(stdout), mood));
+    print(options.quiet ? rejectedText(imported, mood) : toText(imported, columns, mood));
+  if (!options.quiet) {
+    print(toText(report.typeChanges, mood));
+    print(removedText(report, columns, mood));
+  }
+  if (options.quiet || report.lists.size() + report.skipped.size() > 1)
+    print(totalsText(report.totals(), mood));
   if (!report.changes)
     print(options.dryRun ? "dry run: there would be nothing new\n" : "nothing new: the project stays as it was\n");
   else if (!report.stored)
@@ -48,22 +57,28 @@ void show(const Options& options, const app::ImportReport& report)
 }
 
 /// Reads all files before any is imported, so that an unreadable file leaves the project unchanged. Reports each
-/// unreadable file.
-std::vector<app::ListFile> readAll(const std::vector<std::string>& paths, const lists::ReadOptions& options)
+/// unreadable file, and skips it if the options say so.
+app::ListFiles readAll(const Options& options)
 {
-  app::ListFiles files = app::readListFiles(paths, options);
-  const std::vector<app::Error>& failures = files.failures;
+  app::ListFiles files = app::readListFiles(options.files, options.names.reading(),
+                                            options.recursive ? app::Folders::AllFiles : app::Folders::Files);
+  const std::vector<app::UnreadFile>& failures = files.failures;
+  const std::size_t all = files.read.size() + failures.size();
   if (failures.empty())
-    return std::move(files.read);
-  if (paths.size() == 1)
-    throw failures.front();
-  for (const app::Error& failure : failures)
-    complain(failure.what());
-  const auto damaged = std::find_if(failures.begin(), failures.end(),
-                                    [](const app::Error& failure) { return exitCodeOf(failure.kind()) == unreadable; });
+    return files;
+  if (all == 1)
+    throw failures.front().error;
+  for (const app::UnreadFile& failure : failures)
+    complain(failure.error.what());
+  if (options.skipsUnreadable && !files.read.empty())
+    return files;
+  const auto damaged = std::find_if(failures.begin(), failures.end(), [](const app::UnreadFile& failure) {
+    return exitCodeOf(failure.error.kind()) == unreadable;
+  });
+  const std::string_view advice = files.read.empty() ? "" : "; --skip-unreadable imports the others";
   throw app::Error(
-      damaged == failures.end() ? failures.front().kind() : damaged->kind(),
-      fmt::format("import: nothing imported ({} of {} files cannot be read)", failures.size(), paths.size()));
+      damaged == failures.end() ? failures.front().error.kind() : damaged->error.kind(),
+      fmt::format("import: nothing imported ({} of {} files cannot be read{})", failures.size(), all, advice));
 }
 
 /// "NAME=REEL", or the reel alone.
@@ -85,21 +100,23 @@ std::vector<app::OtherReel> otherReels(const std::vector<std::string>& words)
 ExitCode run(const Options& options, const Globals& globals)
 {
   const app::Treatment treatment{options.names.rules(), options.type, otherReels(options.asNew)};
-  std::vector<app::ListFile> files = readAll(options.files, options.names.reading());
+  app::ListFiles files = readAll(options);
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
-  const app::ImportReport report = [&] {
+  app::ImportReport report = [&] {
     ProgressBar bar("importing");
     const app::Progress show = [&](std::size_t done, std::size_t total) {
       bar.show(done, total);
       return true;
     };
-    return app::importLists(session, std::move(files), options.dryRun, show, options.replacing, treatment);
+    return app::importLists(session, std::move(files.read), options.dryRun, show, options.replacing, treatment);
   }();
+  for (const app::UnreadFile& failure : files.failures)
+    report.skipped.push_back({failure.path, failure.reason()});
   if (report.stored)
     changesAreStored();
   complainOf(report.remarks);
   show(options, report);
-  return report.rejectedLines() ? incomplete : done;
+  return report.isIncomplete() ? incomplete : done;
 }
 
 } // namespace
@@ -113,15 +130,20 @@ void addImport(CommandLine& line)
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
                     "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
                     "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale",
-                    "reeldb import day2.edl --as-new A001=A001_DAY2"},
+                    "reeldb import day2.edl --as-new A001=A001_DAY2",
+                    "reeldb import --recursive --skip-unreadable -q lists", "reeldb import - < evening.edl"},
        .details =
            "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML); their\n"
            "content shows which they are. Every clip becomes a shot. A source without a reel name is named by its\n"
            "file. A shot that has the same reel, clip name, source in, source out and tracks as another is not added\n"
            "again, so importing a file twice changes nothing. A line that cannot be read is left out and reported\n"
            "with its number; the exit code is then 4. A line that is odd but can be read is imported, with a warning.\n"
-           "If a list has another frame rate than the project, the line that proves it is reported. If a file cannot\n"
-           "be read, nothing of any file is imported.\n"
+           "If a list has another frame rate than the project, the line that proves it is reported.\n"
+           "\n"
+           "A folder stands for the files in it, with --recursive also for those in its folders; names that begin\n"
+           "with a dot are ignored. - is standard input. If a file cannot be read, nothing of any file is imported;\n"
+           "with --skip-unreadable the others are, and the exit code is 4. The report of several files ends with\n"
+           "totals. All files are one import, which one undo takes back.\n"
            "\n"
            "The project keeps each list. --replace replaces the kept list that has the same file name, or else the\n"
            "same title; --as replaces LIST. The report counts the shots that were added, are gone, were trimmed, or\n"
@@ -140,7 +162,9 @@ void addImport(CommandLine& line)
            "new reel A001_DAY2. The new name alone is enough if the lists have only one reel. New versions of the\n"
            "lists mean it, too. reeldb split --list parts a list that was imported before."},
       [options](const Globals& globals) { return run(*options, globals); });
-  command.texts("FILE", options->files, "The files").required().shownAs("");
+  command.texts("FILE", options->files, "The files and folders; - is standard input").required().shownAs("");
+  command.flag("-r,--recursive", options->recursive, "Also import the files in the folders of a folder");
+  command.flag("--skip-unreadable", options->skipsUnreadable, "Leave out files that cannot be read");
   command.flag("--replace", options->replacing.byName, "Replace the earlier version of the list");
   command.text("--as", options->replacing.list, "Replace this list of the project").shownAs("LIST");
   addNameOptions(command, options->names);
@@ -148,6 +172,7 @@ void addImport(CommandLine& line)
   command.texts("--as-new", options->asNew, "A reel of these lists that is another tape; may be given several times")
       .shownAs("NAME=REEL")
       .oneEachTime();
+  command.flag("-q,--quiet", options->quiet, "Report only rejected lines and the totals");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");
   command.json(options->json);
 }

@@ -1,6 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/import_report.h"
 
+#include <algorithm>
+#include <iterator>
+#include <set>
+#include <tuple>
+#include <utility>
+#include <vector>
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -79,19 +86,33 @@ std::string remarksText(const std::string& what, const std::vector<Remark>& rema
   return result;
 }
 
+/// The created reels, each once: those of the project's default type, and those of each other type.
+std::string createdText(const app::ImportedList& imported, std::size_t columns, Mood mood)
+{
+  std::set<std::string> typed;
+  for (const app::TypedReels& some : imported.types)
+    typed.insert(some.reels.begin(), some.reels.end());
+  std::vector<std::string> usual;
+  std::copy_if(imported.created.begin(), imported.created.end(), std::back_inserter(usual),
+               [&](const std::string& reel) { return !typed.contains(reel); });
+  std::string result = reelsText(did(mood, "created"), usual, columns);
+  for (const app::TypedReels& some : imported.types)
+    result +=
+        reelsText(fmt::format("of type {} {}", displayText(some.type), did(mood, "created")), some.reels, columns);
+  return result;
+}
+
 std::string keepingText(const app::ImportedList& imported)
 {
-  if (imported.keeping == app::Keeping::Unchanged)
-    return fmt::format("  unchanged: list {} of the project\n", imported.keptAs);
   if (imported.keeping == app::Keeping::NewVersion) {
     const app::VersionDifference& difference = imported.difference;
-    return fmt::format("  new version of list {}: {} added, {} gone, {} trimmed, {} elsewhere in the cut\n",
-                       imported.keptAs, difference.added.size(), difference.gone.size(), difference.trimmed.size(),
+    return fmt::format("  new version: {} added, {} gone, {} trimmed, {} elsewhere in the cut\n",
+                       difference.added.size(), difference.gone.size(), difference.trimmed.size(),
                        difference.changed.size());
   }
   if (imported.replacesNothing && imported.keeping == app::Keeping::New)
-    return fmt::format("  nothing replaced: no list of the project has this {} (list {} is new)\n",
-                       imported.list.title.empty() ? "file name" : "file name or title", imported.keptAs);
+    return fmt::format("  nothing replaced: no list of the project has this {} (the list is new)\n",
+                       imported.list.title.empty() ? "file name" : "file name or title");
   if (imported.earlier)
     return fmt::format("  list {} stays beside it (--as {} puts this one in its place)\n", *imported.earlier,
                        *imported.earlier);
@@ -99,6 +120,35 @@ std::string keepingText(const app::ImportedList& imported)
 }
 
 } // namespace
+
+std::string rejectedText(const app::ImportedList& imported, Mood mood)
+{
+  if (imported.list.rejected.empty())
+    return {};
+  return displayText(imported.file) + ":\n" + remarksText(did(mood, "rejected"), imported.list.rejected);
+}
+
+std::string totalsText(const app::ImportTotals& totals, Mood mood)
+{
+  std::vector<std::string> kinds;
+  for (const auto& [count, what] : {std::pair(totals.listsNew, "new"), std::pair(totals.listsReplaced, "new version"),
+                                    std::pair(totals.listsUnchanged, "unchanged")})
+    if (count > 0)
+      kinds.push_back(fmt::format("{} {}", count, what));
+  std::string result = fmt::format("total: {}", counted(totals.lists, "list"));
+  if (!kinds.empty())
+    result += fmt::format(" ({})", fmt::join(kinds, ", "));
+  result +=
+      fmt::format(", {}, {} {}", counted(totals.clips, "clip"), counted(totals.shotsAdded, "shot"), did(mood, "added"));
+  if (totals.reelsCreated > 0)
+    result += fmt::format(", {} {}", counted(totals.reelsCreated, "reel"), did(mood, "created"));
+  for (const auto& [count, what, verb] :
+       {std::tuple(totals.warnings, "warning", ""), std::tuple(totals.rejected, "line", " rejected"),
+        std::tuple(totals.skipped, "file", " skipped")})
+    if (count > 0)
+      result += fmt::format(", {}{}", counted(count, what), verb);
+  return result + "\n";
+}
 
 std::string removedText(const app::ImportReport& report, std::size_t columns, Mood mood)
 {
@@ -130,20 +180,22 @@ std::string toText(const std::vector<app::TypeChange>& changes, Mood mood)
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
 {
   const lists::List& list = imported.list;
-  std::string result =
-      fmt::format("{} ({}): {}, {} {}, {} already there", displayText(imported.file), lists::wordOf(list.format),
-                  counted(imported.clips, "clip"), counted(imported.shotsAdded, "shot"), did(mood, "added"),
-                  imported.shotsThere - imported.shotsRepeated);
+  const std::string heading = fmt::format("{} ({}): {}", displayText(imported.file), lists::wordOf(list.format),
+                                          counted(imported.clips, "clip"));
+  const std::string leftOut =
+      imported.shotsLeftOut > 0 ? fmt::format(", {} left out (deleted before)", imported.shotsLeftOut) : std::string();
+  if (imported.keeping == app::Keeping::Unchanged && !imported.changesProject())
+    return heading + ", unchanged" + leftOut + "\n" + remarksText(did(mood, "rejected"), list.rejected);
+  std::string result = fmt::format("{}, {} {}", heading, counted(imported.shotsAdded, "shot"), did(mood, "added"));
+  if (const std::size_t there = imported.shotsThere - imported.shotsRepeated; there > 0)
+    result += fmt::format(", {} already there", there);
   if (imported.shotsRepeated > 0)
     result += fmt::format(", {} repeated in the list", imported.shotsRepeated);
-  if (imported.shotsLeftOut > 0)
-    result += fmt::format(", {} left out (deleted before)", imported.shotsLeftOut);
-  result += "\n";
+  result += leftOut + "\n";
   result += keepingText(imported);
-  result += reelsText(did(mood, "created"), imported.created, columns);
-  for (const app::TypedReels& typed : imported.types)
-    result += reelsText(fmt::format("of type {}", displayText(typed.type)), typed.reels, columns);
-  result += reelsText("already there", imported.matched, columns);
+  result += createdText(imported, columns, mood);
+  if (!imported.matched.empty())
+    result += fmt::format("  {} already there\n", counted(imported.matched.size(), "reel"));
   if (!list.specials.empty())
     result += "  without a reel:\n";
   for (const lists::Special& special : list.specials)

@@ -15,6 +15,12 @@ enum class Mood { Fact, Conditional };
 /// The result for the list as text for people. Names are wrapped at @p columns; quoted lines of the list are not.
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood);
 
+/// The rejected lines of the list alone, below its file; empty if it has none.
+std::string rejectedText(const app::ImportedList& imported, Mood mood);
+
+/// The totals in one line.
+std::string totalsText(const app::ImportTotals& totals, Mood mood);
+
 /// What the import removed, because only replaced versions of lists had it; empty if that is nothing.
 std::string removedText(const app::ImportReport& report, std::size_t columns, Mood mood);
 

@@ -143,8 +143,8 @@ void checkOptions(const Options& options)
 
 ExitCode run(const Options& options, const Globals& globals)
 {
-  requireGroup(options.by);
   checkOptions(options);
+  requireGroup(options.by);
   app::Session session(globals.project, app::Access::Read);
   if (options.by)
     return byRoll(options, session);

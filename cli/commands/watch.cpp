@@ -35,9 +35,12 @@ constexpr std::chrono::milliseconds interval{200};
 
 using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 
-/// "(revision 4, root on vm: reeldb set R1 bin=x)"; empty if the commit is unknown.
-std::string originOf(const std::optional<app::CommitEntry>& commit)
+/// " (revision 4, root on vm: reeldb set R1 bin=x)"; empty if the commit is unknown.
+std::string originOf(const app::WatchedCommit& watched)
 {
+  if (const auto& forgotten = watched.forgotten)
+    return fmt::format(" (revisions {} to {}, forgotten before they were reported)", forgotten->first, forgotten->last);
+  const std::optional<app::CommitEntry>& commit = watched.commit;
   if (!commit)
     return {};
   std::string origin = fmt::format(" (revision {}", commit->revision);
@@ -84,6 +87,9 @@ std::string totalsOf(const app::WatchedCommit& commit)
     add(static_cast<std::size_t>(commit.commit->lists), "{n} list{s} changed");
     if (commit.commit->options)
       parts.emplace_back("options of the project changed");
+    if (parts.empty() && commit.commit->created + commit.commit->changed + commit.commit->deleted != 0)
+      parts.push_back(fmt::format("{} new, {} changed, {} deleted (since removed for good)", commit.commit->created,
+                                  commit.commit->changed, commit.commit->deleted));
   }
   return parts.empty() ? "no reel changed" : fmt::format("{}", fmt::join(parts, ", "));
 }
@@ -91,7 +97,7 @@ std::string totalsOf(const app::WatchedCommit& commit)
 std::string linesOf(const app::WatchedCommit& commit, const Options& options)
 {
   std::string lines;
-  const auto add = [&](const std::string& text) { lines.append(text).append(originOf(commit.commit)).append("\n"); };
+  const auto add = [&](const std::string& text) { lines.append(text).append(originOf(commit)).append("\n"); };
   if (!commit.reels.empty() && (options.all || options.reel || commit.reels.size() == 1))
     for (const app::ReelEvent& event : commit.reels)
       add(changeOf(event));
@@ -109,6 +115,7 @@ std::string jsonLinesOf(const app::WatchedCommit& commit, const Options& options
     return lines;
   app::ReelEvent whole;
   whole.commit = commit.commit;
+  whole.forgotten = commit.forgotten;
   return lines + app::jsonLine(whole);
 }
 
@@ -175,6 +182,8 @@ ExitCode run(const Options& options, const Globals& globals)
   const Waiting waiting;
   app::Session session(globals.project, app::Access::Read);
   app::Watcher watcher(session, options.reel, [&](const app::WatchedCommit& commit) { report(commit, options); });
+  if (!since)
+    watcher.requireReelOfInterest();
   const bool follows = !since || options.follow || end;
   if (!options.json && follows)
     print("watching (end with Ctrl-C)\n");
@@ -196,18 +205,21 @@ void addWatch(CommandLine& line)
        .description = "Show changes to the reels when they are made",
        .examples = {"reeldb watch --for 1", "reeldb watch --reel A002 --for 1 --json", "reeldb watch --since 0"},
        .details =
-           "Reports what any program stores in the project, at once and without making it wait. Each commit is a\n"
-           "line, with its revision, who made it and by which command:\n"
-           "  new REEL, gone REEL                 the reel was made or deleted\n"
-           "  changed REEL: FIELD: NEW (was OLD)  the fields of the reel, and the number of its shots\n"
+           "Reports what any program stores in the project, at once and without making it wait. A commit that\n"
+           "changes one reel is a line, with its revision, who made it and by which command:\n"
+           "  new REEL, gone REEL                 the reel was made or came back, or was deleted\n"
+           "  changed REEL: FIELD: NEW (was OLD)  its fields and other names, and the number of its shots\n"
            "  renamed REEL from OLD               the reel OLD is now called REEL\n"
-           "A commit that changes several reels, such as an import, is a line of totals; --all reports each reel.\n"
-           "So is a commit that changes no reel, but lists or options of the project.\n"
+           "Any other commit, such as an import, is a line of totals; --all reports each reel instead. What a program\n"
+           "without the history writes is reported together, without revision and values.\n"
            "With --reel it reports only that reel, also under its new name after a renaming. After the reel is\n"
            "deleted, it waits for another reel with the same name.\n"
+           "\n"
            "--since reports the commits after a revision and ends; with --follow or --for it goes on. A script\n"
-           "that stores the last revision it has seen misses no commit. --json reports each reel as an object per\n"
-           "line, and then an object whose \"what\" is \"database\" for the commit."},
+           "that stores the last revision it has seen misses no commit: if the history no longer has one of them,\n"
+           "that is an error. What is not in the history, such as a file that was restored from a copy, --since\n"
+           "cannot know. --json reports each reel as an object per line, and then an object whose \"what\" is\n"
+           "\"database\" for the commit."},
       [options](const Globals& globals) { return run(*options, globals); });
   command.text("--reel", options->reel, "Report only this reel, which must exist").shownAs("ID");
   command.text("--for", options->seconds, "End after this number of seconds").shownAs("SECONDS");

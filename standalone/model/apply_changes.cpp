@@ -71,9 +71,12 @@ void Project::apply(StoredLog&& stored, AppliedChanges& changes)
   Log* const log = table_.find(CookieWords(cookieOf(stored)));
   if (!log) {
     // Nobody holds a log while changes are applied. Those that wait to be stored may still be needed.
+    const bool isBack = stored.number < nextNumber_;
     const Log& added = gone_.empty() || hasChanges() ? add(std::move(stored)) : addInPlaceOfGone(stored);
     changes.modified.add(added.cookie);
-    if (isReel) {
+    if (isReel && isBack) {
+      changes.otherChangeOfTheSet = true;
+    } else if (isReel) {
       ++changes.newReels;
       changes.result.newReel = textOf(added.reelId);
     }

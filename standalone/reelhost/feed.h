@@ -49,8 +49,9 @@ using AskAgain = std::optional<std::chrono::microseconds>;
 /// What a store may have for programs that wait for changes by other processes.
 ///
 /// The way to wait: get the handle, then ask Store::changedElsewhere once, because a commit may have come before the
-/// handle. Then wait until the handle is readable, call readEvents, and do what it says until it returns zero. Ask
-/// Store::changedElsewhere each time that it returns a time: one process may write after another has committed.
+/// handle. Then wait until the handle is readable, and call readEvents; when it returns a time above zero, call it
+/// again after that time. Ask Store::changedElsewhere each time that it returns a time, also zero: one process may
+/// write after another has committed.
 class Feed {
 public:
   virtual ~Feed() = default;

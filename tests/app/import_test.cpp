@@ -26,7 +26,7 @@ TEST_F(Import, ListBecomesReelsAndShotsAndTheReportSaysSo)
   const app::ImportReport report = app::importLists(session, {app::readListFile(path)}, false);
   EXPECT_TRUE(report.stored);
   EXPECT_TRUE(report.changes);
-  EXPECT_TRUE(report.rejectedLines());
+  EXPECT_TRUE(report.isIncomplete());
   ASSERT_EQ(report.lists.size(), 1u);
   const app::ImportedList& list = report.lists.front();
   EXPECT_EQ(list.file, path);

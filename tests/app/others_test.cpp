@@ -93,7 +93,8 @@ using Logs = std::map<std::int64_t, std::string>;
 struct State {
   Logs logs; ///< by number
   std::string options;
-  Lines reels; ///< the numbers of the reels, in order
+  Lines reels;           ///< the numbers of the reels, in order
+  std::int64_t next = 0; ///< no log ever had this number, or a higher one; not compared
   friend bool operator==(const State& a, const State& b)
   {
     return a.logs == b.logs && a.options == b.options && a.reels == b.reels;
@@ -130,6 +131,7 @@ protected:
     for (const auto& [key, value] : options)
       options_.insert(key);
     state.options = textOf({options.begin(), options.end()});
+    state.next = store.nextNumber();
     return state;
   }
 
@@ -187,9 +189,9 @@ protected:
     for (const auto& [number, log] : after.logs) {
       const auto old = before.logs.find(number);
       const std::string id = reelIn(log), was = old == before.logs.end() ? std::string() : reelIn(old->second);
-      if (old == before.logs.end() && !id.empty())
+      if (old == before.logs.end() && !id.empty() && number >= before.next)
         newReels.push_back(id);
-      else if (id != was)
+      else if (id != was) // also one that is back
         otherChange = true;
       else if (!id.empty() && log != old->second)
         changed.push_back("some(" + id + ")");

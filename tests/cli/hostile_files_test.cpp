@@ -288,7 +288,7 @@ TEST_F(HostileFiles, ListIsReadThroughALink)
   link("list", outside("cut.edl"));
   EXPECT_EQ(answer({"import", "list"}), "list (edl): 2 clips, 1 shot added, 1 already there\n"
                                         "  1 reel created: B001\n"
-                                        "  1 reel already there: A001\n");
+                                        "  1 reel already there\n");
   EXPECT_EQ(Json::parse(answer({"reels-of", "--file", "list", "--json"})).size(), 2u);
 }
 
@@ -298,7 +298,6 @@ TEST_F(HostileFiles, AnythingButAFileIsNotAList)
       {"/dev/zero", 3, "not a regular file (a device)"},
       {"/dev/full", 3, "not a regular file (a device)"},
       {"/dev/ptmx", 3, "not a regular file (a device)"},
-      {outside_.path().native(), 3, "not a regular file (a folder)"},
       {outside("cut.edl") + "/x", 1, "cannot be opened (Not a directory)"},
       {outside("nothing"), 1, "cannot be opened (No such file or directory)"},
       {"list", 3, "cannot be opened (Too many levels of symbolic links)"}};
@@ -306,6 +305,20 @@ TEST_F(HostileFiles, AnythingButAFileIsNotAList)
     link("list", target);
     expectEachError(readersOf("list"), code, "list: " + cause);
   }
+}
+
+TEST_F(HostileFiles, AFolderIsNotAList)
+{
+  link("list", outside_.path().native());
+  for (const Words& words : {Words{"diff", "list"}, Words{"reels-of", "--file", "list"}})
+    expectError(words, 3, "list: not a regular file (a folder)");
+  // An import reads the files in it.
+  const ProcessResult result = attempt({"import", "list"});
+  EXPECT_EQ(result.code, 3);
+  EXPECT_EQ(result.err,
+            "reeldb: list/mine: not a cut list, a log file or a timeline (it has no event line and no Heading or "
+            "Column)\n"
+            "reeldb: import: nothing imported (1 of 2 files cannot be read; --skip-unreadable imports the others)\n");
 }
 
 /// To open a device can rewind a tape or hang up a line.

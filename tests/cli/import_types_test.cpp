@@ -64,7 +64,8 @@ TEST_F(ImportTypes, EachReelHasTheTypeThatItsNameAndTracksSayAndItsChannels)
 TEST_F(ImportTypes, TextReportHasTheTypesThatAreNotTheDefault)
 {
   const std::string text = output({"import", "--dry-run", "cut.edl"});
-  EXPECT_NE(text.find("\n  2 reels of type Sound file: RAIN.WAV, WIND\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n  2 reels of type Sound file would be created: RAIN.WAV, WIND\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("\n  2 reels would be created: A001, A002\n"), std::string::npos) << text;
   EXPECT_EQ(text.find("of type Tape 2ch"), std::string::npos) << text;
 }
 

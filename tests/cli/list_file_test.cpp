@@ -129,10 +129,10 @@ TEST_F(ListFile, ImportPutsAVersionInThePlaceOfTheList)
   dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00") +
                                 event(2, "C001", "V", "01:00:00:00", "01:00:01:00"));
   EXPECT_EQ(output({"import", "--replace", "evening.edl"}),
-            "evening.edl (edl): 2 clips, 2 shots added, 0 already there\n"
-            "  new version of list 1: 1 added, 1 gone, 1 trimmed, 0 elsewhere in the cut\n"
+            "evening.edl (edl): 2 clips, 2 shots added\n"
+            "  new version: 1 added, 1 gone, 1 trimmed, 0 elsewhere in the cut\n"
             "  1 reel created: C001\n"
-            "  1 reel already there: A001\n"
+            "  1 reel already there\n"
             "1 shot removed: only earlier versions had it\n");
   EXPECT_EQ(json({"list-file", "list", "--json"}).size(), 2u);
   EXPECT_EQ(reelIds(), (Words{"A001", "B001", "C001"}));
@@ -142,17 +142,17 @@ TEST_F(ListFile, ReplaceWithoutAnEarlierVersionReportsThatNothingWasReplaced)
 {
   dir_.write("other.edl", "TITLE: OTHER\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00"));
   EXPECT_EQ(output({"import", "--replace", "other.edl"}),
-            "other.edl (edl): 1 clip, 1 shot added, 0 already there\n"
-            "  nothing replaced: no list of the project has this file name or title (list 3 is new)\n"
-            "  1 reel already there: A001\n");
+            "other.edl (edl): 1 clip, 1 shot added\n"
+            "  nothing replaced: no list of the project has this file name or title (the list is new)\n"
+            "  1 reel already there\n");
 }
 
 TEST_F(ListFile, ImportWithoutReplaceNamesTheEarlierVersion)
 {
   dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:10", "01:00:01:00"));
-  EXPECT_EQ(output({"import", "evening.edl"}), "evening.edl (edl): 1 clip, 1 shot added, 0 already there\n"
+  EXPECT_EQ(output({"import", "evening.edl"}), "evening.edl (edl): 1 clip, 1 shot added\n"
                                                "  list 1 stays beside it (--as 1 puts this one in its place)\n"
-                                               "  1 reel already there: A001\n");
+                                               "  1 reel already there\n");
   EXPECT_EQ(json({"import", "--as", "2", "evening.edl", "--json"}).at("files").at(0).at("kept"), "new version");
 }
 

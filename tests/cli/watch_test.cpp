@@ -172,6 +172,42 @@ TEST_F(Watch, CommitThatChangesNoReelIsReportedToo)
   EXPECT_EQ(lines.find("{\"what\":\"database\",\"reel\":\"\",\"commit\":{\"revision\":2,"), 0u) << lines;
 }
 
+TEST_F(Watch, OtherNamesOfAReelAreAField)
+{
+  output({"create", "R1"});
+  watch({"--reel", "R1"});
+  output({"alias", "R1", "ZZ"});
+  expectSaid("changed R1: aliases: ZZ (was -)\n");
+  output({"alias", "R1", "--remove", "ZZ"});
+  expectSaid("changed R1: aliases: ZZ (was -)\nchanged R1: aliases: - (was ZZ)\n");
+}
+
+TEST_F(Watch, SinceWithAReelReportsAllReelsThatHadTheName)
+{
+  output({"create", "R1"});
+  reeldb({"delete", "--yes", "R1"});
+  output({"create", "R1"});
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "0", "--reel", "R1"})), "new R1\ngone R1\nnew R1\n");
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "1", "--reel", "r1"})), "gone R1\nnew R1\n");
+  output({"rename", "R1", "R2"});
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "2", "--reel", "R1"})), "new R1\nrenamed R2 from R1\n");
+  EXPECT_EQ(output({"watch", "--since", "4", "--reel", "R2"}), "");
+  EXPECT_EQ(reeldb({"watch", "--since", "4", "--reel", "R1"}).code, 1);
+  watch({"--since", "3", "--follow", "--reel", "R1"});
+  output({"set", "R2", "bin=x"}); // the reel that was R1
+  expectSaid("renamed R2 from R1\nchanged R2: bin: x (was -)\n");
+}
+
+TEST_F(Watch, CommitWhoseReelsAreRemovedForGoodIsReportedByItsNumbers)
+{
+  output({"create", "R1"});
+  reeldb({"delete", "--yes", "R1"});
+  output({"project", "compact"});
+  EXPECT_EQ(withoutCommits(output({"watch", "--since", "0"})), "1 new, 0 changed, 0 deleted (since removed for good)\n"
+                                                               "0 new, 0 changed, 1 deleted (since removed for good)\n"
+                                                               "no reel changed\n");
+}
+
 TEST_F(Watch, EveryCommitIsReportedOnceAndInOrder)
 {
   watch();

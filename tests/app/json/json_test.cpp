@@ -126,6 +126,7 @@ ImportReport sampleImport()
   imported.difference.trimmed = {{sampleShot(), sampleShot()}};
   imported.earlier = 2;
   return {{imported},
+          {{"a.pdf", "it is a PDF document"}},
           true,
           true,
           false,
@@ -173,7 +174,11 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
      "reels_removed": ["D"], "shots_removed": [)" +
                                  shotObject +
                                  R"(], "moved": [{"from": "SHORT", "to": "SHORT_1", "shots": 3}], "type_changes": [
-    {"reel": "E", "from": "Audio only", "to": "Tape 2ch"}]})";
+    {"reel": "E", "from": "Audio only", "to": "Tape 2ch"}],
+    "skipped": [{"file": "a.pdf", "reason": "it is a PDF document"}],
+    "totals": {"lists": 1, "lists_new": 0, "lists_replaced": 1, "lists_unchanged": 0, "clips": 5, "shots_added": 1,
+               "shots_there": 1, "shots_repeated": 3, "reels_created": 2, "warnings": 1, "rejected": 1,
+               "skipped": 1}})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
 template <class T>
