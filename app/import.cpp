@@ -261,9 +261,9 @@ private:
   };
 
   /// The uses of the reels by the shots that are there now, by folded identifier.
-  std::unordered_map<std::string, ReelUse> usesNow() const
+  std::unordered_map<std::string, TypeEvidence> usesNow() const
   {
-    std::unordered_map<std::string, ReelUse> uses;
+    std::unordered_map<std::string, TypeEvidence> uses;
     for (const KnownShot& known : shots_)
       if (!known.shot.reel.empty() && reelhost::logNumber(known.log) != 0) // it may have been of a replaced version
         uses[base::fold(known.shot.reel)].add(known.shot);
@@ -276,11 +276,11 @@ private:
     if (!usesChange_ && moves_.empty())
       return retyped;
     const std::string defaultType = defaultTypeOfProject();
-    const auto isTypeOf = [&](const ReelUse& use, const std::string& type) {
+    const auto isTypeOf = [&](const TypeEvidence& use, const std::string& type) {
       const std::string byRules = typeByRules(use);
       return type == (byRules.empty() ? defaultType : byRules);
     };
-    std::unordered_map<std::string, ReelUse> uses = usesNow();
+    std::unordered_map<std::string, TypeEvidence> uses = usesNow();
     std::optional<std::set<std::int64_t>> made;
     for (const Cookie& log : manager_.reelList) {
       ReelDbRec record(log);
@@ -424,7 +424,7 @@ private:
     const std::string reel = names_.find(clip).reel;
     if (reels_.contains(base::fold(reel)))
       return;
-    ReelUse& use = uses_[base::fold(reel)];
+    TypeEvidence& use = uses_[base::fold(reel)];
     use.add(namedShot(clip, reel));
     use.reel = reel;
   }
@@ -552,9 +552,10 @@ private:
   std::size_t clips_ = 0, done_ = 0;
   const Progress& progress_;
   const Replacing& replacing_;
-  std::optional<std::string> type_;                      ///< chosen for all new reels
-  std::unordered_map<std::string, ReelUse> uses_;        ///< of the reels that the lists may need, by folded identifier
-  std::unordered_map<std::int64_t, ReelUse> usesBefore_; ///< of the reels of the project, by the numbers of their logs
+  std::optional<std::string> type_;                    ///< chosen for all new reels
+  std::unordered_map<std::string, TypeEvidence> uses_; ///< of the reels that the lists may need, by folded identifier
+  std::unordered_map<std::int64_t, TypeEvidence>
+      usesBefore_;      ///< of the reels of the project, by the numbers of their logs
   std::string newType_; ///< of the reel that is being created; empty: the project's default
   const std::vector<OtherReel>& others_;
   std::vector<Decided> decided_;

@@ -51,7 +51,7 @@ bool hasExtension(std::string_view name, const std::vector<std::string>& extensi
   });
 }
 
-bool fits(const ReelUse& use, TypeRule::Tracks tracks)
+bool fits(const TypeEvidence& use, TypeRule::Tracks tracks)
 {
   switch (tracks) {
   case TypeRule::Tracks::Any:
@@ -75,12 +75,12 @@ bool fitsPattern(std::string_view name, const TypeRule& rule)
 
 /// Whether the condition holds for the identifier or for another name of the reel.
 template <class Condition>
-bool anyName(const ReelUse& use, Condition holds)
+bool anyName(const TypeEvidence& use, Condition holds)
 {
   return holds(use.reel) || std::any_of(use.names.begin(), use.names.end(), holds);
 }
 
-bool fits(const ReelUse& use, const TypeRule& rule)
+bool fits(const TypeEvidence& use, const TypeRule& rule)
 {
   const auto fitsName = [&](std::string_view name) { return fitsPattern(name, rule); };
   const auto fitsExtension = [&](std::string_view name) { return hasExtension(name, rule.extensions); };
@@ -89,7 +89,7 @@ bool fits(const ReelUse& use, const TypeRule& rule)
 }
 
 /// The type of the built-in rule that fits; empty if none does.
-std::string builtInType(const ReelUse& use)
+std::string builtInType(const TypeEvidence& use)
 {
   const auto has = [&](lists::Ending ending) {
     return anyName(use, [&](std::string_view name) { return lists::partsOf(name).ending == ending; });
@@ -105,7 +105,7 @@ std::string builtInType(const ReelUse& use)
 
 } // namespace
 
-void ReelUse::add(const Shot& shot)
+void TypeEvidence::add(const Shot& shot)
 {
   audio = audio || shot.audioChannels > 0;
   video = video || shot.videoChannels > 0;
@@ -118,7 +118,7 @@ void ReelUse::add(const Shot& shot)
     addName(name.name);
 }
 
-std::string typeByRules(const ReelUse& use)
+std::string typeByRules(const TypeEvidence& use)
 {
   for (const TypeRule& rule : requireFacility().typeRules())
     if (fits(use, rule))

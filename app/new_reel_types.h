@@ -14,18 +14,18 @@
 namespace reeldb::app {
 
 /// What the shots of a reel say of it, in whatever order they came.
-struct ReelUse {
+struct TypeEvidence {
   std::string reel;            ///< the identifier
   std::set<std::string> names; ///< others, as lists give them
   bool audio = false, video = false;
 
   void add(const Shot& shot);
-  bool operator==(const ReelUse&) const = default;
+  bool operator==(const TypeEvidence&) const = default;
 };
 
 /// The type of a reel that imports make, by the rules of the facility and the built-in ones. Empty if none fits: the
 /// project's default.
-std::string typeByRules(const ReelUse& use);
+std::string typeByRules(const TypeEvidence& use);
 
 std::string defaultTypeOfProject();
 

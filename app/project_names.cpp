@@ -246,9 +246,9 @@ void ProjectNames::read(std::int64_t list, const reelhost::Digest& bytes, std::v
       giveName(clip, decided->second);
 }
 
-std::unordered_map<std::int64_t, ReelUse> ProjectNames::uses() const
+std::unordered_map<std::int64_t, TypeEvidence> ProjectNames::uses() const
 {
-  std::unordered_map<std::int64_t, ReelUse> uses;
+  std::unordered_map<std::int64_t, TypeEvidence> uses;
   for (const Record& record : records_)
     uses[reelhost::logNumber(record.log)].reel = record.id;
   for (const KnownShot& known : shots_)

@@ -67,7 +67,7 @@ public:
   std::vector<KnownShot> takeShots() { return std::move(shots_); }
   /// What the shots of the project say of the reels that have a record, by the numbers of their logs. REQUIRES: before
   /// moveShots().
-  std::unordered_map<std::int64_t, ReelUse> uses() const;
+  std::unordered_map<std::int64_t, TypeEvidence> uses() const;
   /// Whether a record has the identifier, ignoring ASCII case.
   bool hasRecord(const std::string& id) const;
   /// Whether the names of the shot put it where it lies. Else a person or another program put it there.

@@ -298,7 +298,7 @@ private:
     if (uses_.empty())
       for (const Plan& plan : plan_)
         for (const Part& part : plan.parts) {
-          ReelUse& use = uses_[base::fold(part.reel)];
+          TypeEvidence& use = uses_[base::fold(part.reel)];
           use.add(shots()[plan.shot].shot);
           use.reel = part.reel;
         }
@@ -388,8 +388,8 @@ private:
   std::map<std::string, std::pair<const ProjectNames::Record*, std::string>> renames_; ///< by folded identifier
   std::unordered_map<std::string, std::size_t> byKey_;                                 ///< shots that stay
   std::map<std::pair<std::string, std::string>, std::size_t> moves_;
-  std::unordered_map<std::string, ReelUse> uses_; ///< of the reels of the plan, by folded identifier
-  std::set<std::string> left_;                    ///< folded reels from which shots moved
+  std::unordered_map<std::string, TypeEvidence> uses_; ///< of the reels of the plan, by folded identifier
+  std::set<std::string> left_;                         ///< folded reels from which shots moved
   CookieVec gone_;
   std::optional<std::set<std::int64_t>> removable_;
   bool haveLists_ = false;
