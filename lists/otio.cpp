@@ -139,8 +139,7 @@ class Reader {
 public:
   List read(std::string_view text)
   {
-    const OtioValue root = parseOtio(text);
-    collect(root);
+    collect(parseOtio(text)); // the tree is released before the list is made
     return timeline_.finish(text);
   }
 

@@ -217,6 +217,7 @@ void Timeline::reportSameNames()
 
 List Timeline::finish(std::string_view text)
 {
+  linked_ = {}; // a list of many clips needs the memory
   const auto byLine = [](const TimelineClip& a, const TimelineClip& b) { return a.line < b.line; };
   if (!std::is_sorted(clips_.begin(), clips_.end(), byLine)) // the sort moves each clip several times
     std::stable_sort(clips_.begin(), clips_.end(), byLine);
