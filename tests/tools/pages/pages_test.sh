@@ -63,8 +63,8 @@ format) # the formatter has nothing to warn of
     [ -z "$warnings" ] || fail "$page: $warnings"
   done
   groff -man -Tutf8 -P-bcou "$MANUAL/reeldb-set.1" >"$work/set.txt"
-  grep -q '^ *reeldb-set - change the fields of a reel$' "$work/set.txt" || fail "reeldb-set.1: has no name"
-  grep -q '^ *reeldb set \[OPTIONS\] ID FIELD=VALUE\.\.\.$' "$work/set.txt" || fail "reeldb-set.1: has no synopsis"
+  grep -q '^ *reeldb-set - change the fields of reels$' "$work/set.txt" || fail "reeldb-set.1: has no name"
+  grep -q '^ *reeldb set \[OPTIONS\] \[ID\] \[FIELD=VALUE\.\.\.\]$' "$work/set.txt" || fail "reeldb-set.1: has no synopsis"
   ;;
 
 *)
