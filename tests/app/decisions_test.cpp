@@ -384,6 +384,22 @@ TEST_F(Decisions, NameOfAJoinedReelIsNotThatOfAnotherOneUntilItIsTakenFromThere)
   EXPECT_EQ(reels(), (Strings{"C 1", "SR005 1", "SR05 1"}));
 }
 
+TEST_F(Decisions, MergeTakesTheNamesFromReelsThatHadThemBefore)
+{
+  for (const char* const target : {"B", "D"}) {
+    import(list("one.edl", {{"B"}, {"A", 20}, { "D", 30 }}));
+    writing([](app::Session& session) { return app::renameReel(session, "A", "C", false); });
+    writing([](app::Session& session) { return app::createReel(session, "A", {}); });
+    merge({"A"}, target);
+    import(list("two.edl", {{ "A", 40 }}));
+    EXPECT_EQ(neededReel(list("three.edl", {{"A", 50}})), target);
+    EXPECT_EQ(reels(), (Strings{std::string("B ") + (target[0] == 'B' ? "2" : "1"), "C 1",
+                                std::string("D ") + (target[0] == 'D' ? "2" : "1")}));
+    for (int i = 0; i < 5; ++i)
+      undo();
+  }
+}
+
 TEST_F(Decisions, ReelTakesAnotherNameOfItsOwn)
 {
   import(list("one.edl", {{"SR05"}, { "SR005", 20 }}));
@@ -458,8 +474,15 @@ TEST_F(Decisions, ChosenShotsStayInTheNewReelWhateverListsCome)
 TEST_F(Decisions, SplitNeedsANameThatIsFree)
 {
   import(list("one.edl", {{"A001"}, { "B001", 20 }}));
-  EXPECT_EQ(errorOf([&] { split("A001", "b001", {.lists = {"1"}, .names = {}, .shots = {}}); }).kind(),
-            app::ErrorKind::Refused);
+  const auto refusal = [&](const std::string& newReel, const app::SplitBy& by) {
+    const app::Error error = errorOf([&] { split("A001", newReel, by); });
+    EXPECT_EQ(error.kind(), app::ErrorKind::Refused);
+    return std::string(error.what());
+  };
+  EXPECT_EQ(refusal("b001", {.lists = {"1"}, .names = {}, .shots = {}}),
+            "B001: a reel has this name (choose another name, or move single shots there with reeldb shot move)");
+  EXPECT_EQ(refusal("C001", {.lists = {}, .names = {"a001"}, .shots = {}}),
+            "a001: the identifier of the reel itself (reeldb rename gives it another one)");
   EXPECT_EQ(errorOf([&] { split("A001", "A001B", {.lists = {}, .names = {}, .shots = shotsOf("B001")}); }).kind(),
             app::ErrorKind::Refused);
   EXPECT_EQ(reels(), (Strings{"A001 1", "B001 1"}));

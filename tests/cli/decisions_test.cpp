@@ -44,10 +44,11 @@ TEST_F(DecisionCommands, AliasThatIsRefusedChangesNothing)
 
 TEST_F(DecisionCommands, MergeShowsWhatDiffers)
 {
-  output({"set", "TAPE", "bin=Shelf 4"});
+  output({"set", "TAPE", "bin=Shelf 4", "user-field.2=reshoot"});
   const std::string report = "1 shot of TAPE moved to A001\n"
-                             "FIELD  REEL  HAD      A001 HAS\n"
-                             "bin    TAPE  Shelf 4  -\n"
+                             "FIELD         REEL  HAD      A001 HAS\n"
+                             "bin           TAPE  Shelf 4  -\n"
+                             "user-field.2  TAPE  reshoot  -\n"
                              "TAPE is now A001\n"
                              "names that mean A001 in lists: TAPE\n"
                              "reeldb undo takes all of it back\n";
