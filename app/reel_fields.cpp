@@ -373,6 +373,7 @@ std::vector<ChangedReel> changeReels(Session& session, const std::vector<std::st
       if (const std::string id = text(ReelDbRec(log).reelId()); !id.empty())
         logs.try_emplace(base::fold(id), log);
     std::vector<ReelDbRec> reels;
+    reels.reserve(ids.size());
     for (const std::string& id : ids) {
       const auto found = logs.find(base::fold(id));
       reels.push_back(found == logs.end() ? requireReel(session.manager(), id) : ReelDbRec(found->second));
@@ -381,6 +382,7 @@ std::vector<ChangedReel> changeReels(Session& session, const std::vector<std::st
     std::vector<std::string> remarks;
     const std::vector<Wanted> wanted = checkAssignments(assignments, remarks);
     std::vector<ChangedReel> result;
+    result.reserve(reels.size());
     for (ReelDbRec& reel : reels)
       result.push_back(changed(reel, wanted));
     if (!result.empty())

@@ -51,7 +51,8 @@ struct LightweightVector<Cookie>::Storage {
   static void copy(const Cookie* first, int count, Cookie* to)
   {
     if (count > 0)
-      std::memmove(static_cast<void*>(to), first, static_cast<std::size_t>(count) * sizeof(Cookie));
+      std::memmove(static_cast<void*>(to), static_cast<const void*>(first),
+                   static_cast<std::size_t>(count) * sizeof(Cookie));
   }
 };
 
