@@ -197,6 +197,7 @@ void sortReels(std::vector<Reel>& reels, const std::vector<std::string>& fields)
   std::vector<std::pair<std::vector<std::string>, std::size_t>> order;
   for (std::size_t i = 0; i < reels.size(); ++i) {
     std::vector<std::string> values;
+    values.reserve(keys.size());
     for (const Key& key : keys)
       values.push_back(base::fold(key.read(reels[i])));
     order.emplace_back(std::move(values), i);
@@ -213,6 +214,7 @@ void sortReels(std::vector<Reel>& reels, const std::vector<std::string>& fields)
     return false;
   });
   std::vector<Reel> sorted;
+  sorted.reserve(reels.size());
   for (const auto& [values, place] : order)
     sorted.push_back(std::move(reels[place]));
   reels = std::move(sorted);

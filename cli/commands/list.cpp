@@ -67,7 +67,7 @@ std::vector<ReelColumn> allColumns()
 /// empty.
 std::vector<ReelColumn> columnsOf(const std::vector<std::string>& fields)
 {
-  const std::vector<ReelColumn> all = allColumns();
+  std::vector<ReelColumn> all = allColumns();
   if (fields.empty())
     return all;
   std::vector<ReelColumn> columns;
@@ -94,6 +94,7 @@ void printTable(const std::vector<app::Reel>& reels, const Options& options)
 {
   const std::vector<ReelColumn> shown = columnsOf(options.columns);
   std::vector<Column> columns;
+  columns.reserve(shown.size());
   for (const ReelColumn& column : shown)
     columns.push_back(column.column);
   Table table(std::move(columns));
@@ -101,6 +102,7 @@ void printTable(const std::vector<app::Reel>& reels, const Options& options)
     table.hideTitles();
   for (const app::Reel& reel : reels) {
     std::vector<std::string> row;
+    row.reserve(shown.size());
     for (const ReelColumn& column : shown)
       row.push_back(column.text(reel));
     table.add(std::move(row));
