@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "lists/json_tree.h"
 #include "lists/names.h"
-#include "lists/otio_tree.h"
 #include "lists/text.h"
 #include "lists/timeline.h"
 
@@ -40,7 +40,51 @@ constexpr std::array<Schema, 15> knownSchemas = {{{"Clip", "2"},
                                                   {"Track", "1"},
                                                   {"Transition", "1"}}};
 
-Schema schemaOf(const OtioValue& value)
+/// The members that the reader asks for, sorted.
+constexpr std::array<std::string_view, 36> askedNames = {"AAF",
+                                                         "ALE",
+                                                         "OTIO_SCHEMA",
+                                                         "Tape",
+                                                         "TapeID",
+                                                         "TapeName",
+                                                         "UserComments",
+                                                         "active_media_reference_key",
+                                                         "available_range",
+                                                         "children",
+                                                         "cmx_3600",
+                                                         "comments",
+                                                         "displayformat",
+                                                         "duration",
+                                                         "effects",
+                                                         "enabled",
+                                                         "fcp_xml",
+                                                         "generator_kind",
+                                                         "global_start_time",
+                                                         "kind",
+                                                         "media_reference",
+                                                         "media_references",
+                                                         "metadata",
+                                                         "name",
+                                                         "name_prefix",
+                                                         "name_suffix",
+                                                         "rate",
+                                                         "reel",
+                                                         "source_range",
+                                                         "start_time",
+                                                         "target_url",
+                                                         "target_url_base",
+                                                         "time_scalar",
+                                                         "timecode",
+                                                         "tracks",
+                                                         "value"};
+
+bool asksFor(std::string_view name, std::string_view parent)
+{
+  // The media of a clip have names of their own.
+  return parent == "media_references" || std::binary_search(askedNames.begin(), askedNames.end(), name);
+}
+
+Schema schemaOf(const JsonValue& value)
 {
   const std::string_view text = value["OTIO_SCHEMA"].asText();
   const std::size_t point = text.find('.');
@@ -71,10 +115,10 @@ std::optional<FrameRate> rateOfNumber(std::string_view text)
   return rateOf(point == std::string_view::npos ? text : text.substr(0, point + 1 + decimals));
 }
 
-Time timeOf(const OtioValue& value)
+Time timeOf(const JsonValue& value)
 {
   Time time;
-  time.isThere = value.kind == OtioValue::Kind::Object;
+  time.isThere = value.kind == JsonValue::Kind::Object;
   time.rateText = value["rate"].asText();
   time.rate = rateOfNumber(time.rateText);
   const std::optional<Seconds> frames = parseFraction(value["value"].asText());
@@ -86,7 +130,7 @@ Time timeOf(const OtioValue& value)
   return time;
 }
 
-bool isDropFrameFormat(const OtioValue& of)
+bool isDropFrameFormat(const JsonValue& of)
 {
   return of["metadata"]["fcp_xml"]["timecode"]["displayformat"].asText() == "DF";
 }
@@ -100,7 +144,7 @@ std::string firstOf(std::initializer_list<std::string_view> texts)
 }
 
 /// The source file that a note of a cut list names: "SOURCE FILE: A001.MOV".
-std::string sourceFileOf(const OtioValue& comments)
+std::string sourceFileOf(const JsonValue& comments)
 {
   constexpr std::string_view key = "SOURCE FILE:";
   for (const auto& [unused, comment] : comments.members)
@@ -109,9 +153,9 @@ std::string sourceFileOf(const OtioValue& comments)
   return {};
 }
 
-const OtioValue& mediumOf(const OtioValue& clip)
+const JsonValue& mediumOf(const JsonValue& clip)
 {
-  const OtioValue& media = clip["media_references"];
+  const JsonValue& media = clip["media_references"];
   if (media.isNull())
     return clip["media_reference"];
   const std::string_view key = clip["active_media_reference_key"].asText();
@@ -139,14 +183,14 @@ class Reader {
 public:
   List read(std::string_view text)
   {
-    collect(parseOtio(text)); // the tree is released before the list is made
+    collect(parseJson(text, "OTIO", asksFor)); // the tree is released before the list is made
     return timeline_.finish(text);
   }
 
 private:
   using Duration = std::optional<Seconds>;
 
-  void collect(const OtioValue& root)
+  void collect(const JsonValue& root)
   {
     const std::string_view name = schemaOf(root).name;
     if (name == "SerializableCollection") {
@@ -168,7 +212,7 @@ private:
     }
   }
 
-  void readTimeline(const OtioValue& timeline)
+  void readTimeline(const JsonValue& timeline)
   {
     timeline_.title(timeline["name"].asText());
     const Time start = timeOf(timeline["global_start_time"]);
@@ -182,13 +226,13 @@ private:
 
   static Counting countingAt(FrameRate rate, bool dropFrame) { return {rate, dropFrame && hasDropFrame(rate)}; }
 
-  static bool isSound(const OtioValue& track) { return track["kind"].asText() == "Audio"; }
+  static bool isSound(const JsonValue& track) { return track["kind"].asText() == "Audio"; }
 
   std::string nextComposition() { return std::to_string(++compositions_); }
 
   /// Reads an item and returns how long it is. @p isTop: whether a composition is a timeline itself, or a track of a
   /// stack.
-  Duration item(const OtioValue& item, const Place& place, bool isTop)
+  Duration item(const JsonValue& item, const Place& place, bool isTop)
   {
     if (item.isNull())
       return std::nullopt;
@@ -211,9 +255,9 @@ private:
     return Seconds(); // a transition has no time of its own
   }
 
-  static Duration lengthOf(const OtioValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
+  static Duration lengthOf(const JsonValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
 
-  void noteSpecial(const OtioValue& item, const Place& place, std::string_view reason)
+  void noteSpecial(const JsonValue& item, const Place& place, std::string_view reason)
   {
     TimelineClip special;
     special.line = item.line;
@@ -237,7 +281,7 @@ private:
   }
 
   /// The place of what is in the composition: nowhere in the record, if it is nested.
-  Place placeIn(const OtioValue& composition, const Place& place, bool isTop)
+  Place placeIn(const JsonValue& composition, const Place& place, bool isTop)
   {
     Place within = place;
     if (!isTop) {
@@ -250,7 +294,7 @@ private:
     return within;
   }
 
-  Duration stack(const OtioValue& stack, const Place& place, bool isTop)
+  Duration stack(const JsonValue& stack, const Place& place, bool isTop)
   {
     Place within = placeIn(stack, place, isTop);
     const bool isSoundOnly = !place.picture;
@@ -276,7 +320,7 @@ private:
     return more && more->numerator > 0;
   }
 
-  Duration track(const OtioValue& track, const Place& place, bool isTop)
+  Duration track(const JsonValue& track, const Place& place, bool isTop)
   {
     Place within = placeIn(track, place, isTop);
     Duration whole = Seconds();
@@ -291,10 +335,10 @@ private:
     return own ? own : whole;
   }
 
-  Duration clip(const OtioValue& item, const Place& place)
+  Duration clip(const JsonValue& item, const Place& place)
   {
-    const OtioValue& medium = mediumOf(item);
-    const OtioValue& range = item["source_range"].isNull() ? medium["available_range"] : item["source_range"];
+    const JsonValue& medium = mediumOf(item);
+    const JsonValue& range = item["source_range"].isNull() ? medium["available_range"] : item["source_range"];
     const Duration length = timeOf(range["duration"]).seconds;
     TimelineClip clip;
     clip.line = item.line;
@@ -320,7 +364,7 @@ private:
     return length;
   }
 
-  static void setSource(TimelineClip& clip, const OtioValue& range, const OtioValue& medium, const Place& place)
+  static void setSource(TimelineClip& clip, const JsonValue& range, const JsonValue& medium, const Place& place)
   {
     if (range.isNull()) {
       clip.doubts.emplace_back("no source range (kept without timecodes)");
@@ -348,15 +392,15 @@ private:
                                  : " (kept without timecodes)"));
   }
 
-  static void setNames(TimelineClip& clip, const OtioValue& item, const OtioValue& medium)
+  static void setNames(TimelineClip& clip, const JsonValue& item, const JsonValue& medium)
   {
-    const OtioValue& own = item["metadata"];
-    const OtioValue& of = medium["metadata"];
+    const JsonValue& own = item["metadata"];
+    const JsonValue& of = medium["metadata"];
     const std::string_view listReel = own["cmx_3600"]["reel"].asText();
     const std::string_view fileReel = of["fcp_xml"]["timecode"]["reel"]["name"].asText();
     clip.reel = firstOf({listReel, fileReel, own["ALE"]["Tape"].asText(), of["ALE"]["Tape"].asText()});
     for (const std::string_view key : {"Tape", "TapeName", "TapeID"})
-      for (const OtioValue* from : {&own, &of}) {
+      for (const JsonValue* from : {&own, &of}) {
         const std::string_view text = (*from)["AAF"]["UserComments"][key].asText();
         clip.aliases.emplace_back(text);
         clip.reel = firstOf({clip.reel, text});
@@ -375,7 +419,7 @@ private:
                          sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
   }
 
-  static void setDoubts(TimelineClip& clip, const OtioValue& item, const OtioValue& medium)
+  static void setDoubts(TimelineClip& clip, const JsonValue& item, const JsonValue& medium)
   {
     if (!medium.isNull() && !isKnown(schemaOf(medium)))
       clip.doubts.push_back("unknown schema " + inQuotes(medium["OTIO_SCHEMA"].asText()) +
