@@ -109,7 +109,7 @@ private:
   {
     ReelRow row;
     row.line = reel.line;
-    row.text = textOf(reel);
+    row.text = shortened(textOf(reel), shownBytes);
     row.reel = clean(reel["id"].text);
     for (const JsonMember& member : reel.members) {
       if (member.name == "aliases" || member.name == "old_names")

@@ -87,6 +87,11 @@ TEST(OwnJson, ObjectsMayHaveALineEach)
   EXPECT_TRUE(list.rejected.empty());
 }
 
+TEST(OwnJson, TheTextOfAReelIsEscaped)
+{
+  EXPECT_EQ(read("{\"id\": \"A001\", \"Sce\xC2\x97\": 1}").reels.at(0).text, "{id: A001, Sce\\u0097: 1}");
+}
+
 TEST(OwnJson, WhatIsNeitherReelNorShotNorListIsRejected)
 {
   const List list = read("{\"id\": \"BL\"}\n{\"name\": \"x\"}\n7\n{\"content\": {\"bytes\": \"?\"}}\n{\"reel\": 7}\n");
