@@ -169,13 +169,13 @@ TEST_F(ListByRoll, ReelsOfCountsThoseThatAListNeedsAndThatAreReady)
                         "two\tXY7_2\tV\t01:00:02:00\t01:00:03:00\tXY7\n"
                         "three\tXY7_2\tV\t01:00:04:00\t01:00:05:00\tXY7\n"
                         "four\tTAPE\tV\t01:00:02:00\t01:00:03:00\t\n");
-  EXPECT_EQ(output({"reels-of", "--file", "log.ale", "--by", "roll"}), "ROLL  REELS  READY  SHOTS\n"
-                                                                       "XY7       2      0      3\n"
-                                                                       "-         1      0      1\n"
-                                                                       "1 roll; 3 reels needed, 0 ready\n");
+  EXPECT_EQ(output({"reels-of", "--file", "log.ale", "--by", "roll"}, 1), "ROLL  REELS  READY  SHOTS\n"
+                                                                          "XY7       2      0      3\n"
+                                                                          "-         1      0      1\n"
+                                                                          "1 roll; 3 reels needed, 0 ready\n");
   ASSERT_EQ(reeldb({"import", "log.ale"}).code, 0);
   ASSERT_EQ(reeldb({"set", "XY7_1", "available=no"}).code, 0);
-  EXPECT_EQ(json({"reels-of", "--file", "log.ale", "--by", "roll", "--json"}), Json::parse(R"([
+  EXPECT_EQ(json({"reels-of", "--file", "log.ale", "--by", "roll", "--json"}, 1), Json::parse(R"([
     {"roll": "XY7", "reels": ["XY7_1", "XY7_2"], "shots": 3, "ready": 1},
     {"roll": "", "reels": ["TAPE"], "shots": 1, "ready": 1}])"));
   EXPECT_EQ(output({"reels-of", "one", "two", "--by", "roll"}), "ROLL  REELS  READY  SHOTS\n"
