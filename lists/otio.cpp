@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/number.h"
 #include "lists/names.h"
 #include "lists/otio_tree.h"
 #include "lists/text.h"
@@ -132,8 +133,12 @@ struct Place {
   std::optional<Seconds> start;     ///< in the record; empty if it has no place there
   std::optional<Counting> counting; ///< of the record
   bool picture = true;
-  int sound = 0; ///< the number of its sound track; 0: a picture
+  int sound = 0;       ///< the number of its sound track; 0: a picture
+  bool isTrack = true; ///< whether it is on a track; a clip alone is not
 };
+
+/// The most channels of a clip.
+constexpr int mostChannels = 65535;
 
 class Reader {
 public:
@@ -159,7 +164,9 @@ private:
     } else if (name == "Stack" || name == "Track" || name == "Sequence" || name == "Clip") {
       Place place;
       place.composition = nextComposition();
-      place.start = Seconds();
+      place.isTrack = name != "Clip";
+      if (place.isTrack) // a clip alone has no record
+        place.start = Seconds();
       place.picture = !isSound(root);
       place.sound = place.picture ? 0 : 1;
       item(root, place, true);
@@ -212,6 +219,32 @@ private:
   }
 
   static Duration lengthOf(const OtioValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
+
+  /// What this program wrote of the clip; empty if another one wrote it.
+  static std::optional<WrittenClip> writtenOf(const OtioValue& own)
+  {
+    if (own["reel"].asText().empty())
+      return std::nullopt;
+    const auto text = [&](const char* name) { return clean(std::string(own[name].asText())); };
+    const auto number = [&](const char* name) {
+      return std::max(base::parseNumber(own[name].asText()).value_or(0), 0);
+    };
+    WrittenClip written;
+    written.number = number("number");
+    written.tracks = text("tracks");
+    written.videoChannels = std::min(number("video_channels"), mostChannels);
+    written.audioChannels = std::min(number("audio_channels"), mostChannels);
+    written.sourceIn = text("source_in");
+    written.sourceOut = text("source_out");
+    written.recordIn = text("record_in");
+    written.recordOut = text("record_out");
+    const std::optional<FrameRate> rate = rateOf(own["frame_rate"].asText());
+    written.frameRate = rate ? rateName(*rate) : std::string();
+    written.cameraRoll = text("camera_roll");
+    written.soundOf = text("sound_of");
+    written.dropFrame = own["drop_frame"].text == "true";
+    return written;
+  }
 
   void noteSpecial(const OtioValue& item, const Place& place, std::string_view reason)
   {
@@ -305,15 +338,24 @@ private:
     if (place.sound > 0)
       clip.sound.insert(place.sound);
     setRecord(clip, place, length);
-    setSource(clip, range, medium, place);
-    if (clip.source.counting && !clip.record.counting)
-      clip.record.counting = clip.source.counting;
     if (schemaOf(medium).name == "GeneratorReference") {
+      setSource(clip, range, medium, place);
+      if (clip.source.counting && !clip.record.counting)
+        clip.record.counting = clip.source.counting;
       const std::string kind(medium["generator_kind"].asText());
       clip.name = firstOf({clip.name, medium["name"].asText(), kind});
       timeline_.special(std::move(clip), reasonOfGenerator(kind));
       return length;
     }
+    clip.written = writtenOf(item["metadata"]["reeldb"]);
+    if (clip.written && !place.isTrack) {
+      clip.picture = clip.written->videoChannels > 0 || clip.written->audioChannels == 0;
+      for (int track = 1; track <= clip.written->audioChannels; ++track)
+        clip.sound.insert(track);
+    }
+    setSource(clip, range, medium, place);
+    if (clip.source.counting && !clip.record.counting)
+      clip.record.counting = clip.source.counting;
     setNames(clip, item, medium);
     setDoubts(clip, item, medium);
     timeline_.clip(std::move(clip));
@@ -323,6 +365,8 @@ private:
   static void setSource(TimelineClip& clip, const OtioValue& range, const OtioValue& medium, const Place& place)
   {
     if (range.isNull()) {
+      if (clip.written)
+        return;
       clip.doubts.emplace_back("no source range (kept without timecodes)");
       return;
     }
@@ -352,6 +396,13 @@ private:
   {
     const OtioValue& own = item["metadata"];
     const OtioValue& of = medium["metadata"];
+    clip.file = firstOf({pathOfUrl(medium["target_url"].asText())});
+    if (clip.written) {
+      clip.reel = own["reeldb"]["reel"].asText();
+      for (const auto& [unused, alias] : own["reeldb"]["aliases"].members)
+        clip.aliases.emplace_back(alias.asText());
+      return;
+    }
     const std::string_view listReel = own["cmx_3600"]["reel"].asText();
     const std::string_view fileReel = of["fcp_xml"]["timecode"]["reel"]["name"].asText();
     clip.reel = firstOf({listReel, fileReel, own["ALE"]["Tape"].asText(), of["ALE"]["Tape"].asText()});
@@ -371,8 +422,8 @@ private:
     const std::string sequence = std::string(medium["target_url_base"].asText())
                                      .append(medium["name_prefix"].asText())
                                      .append(medium["name_suffix"].asText());
-    clip.file = firstOf({pathOfUrl(medium["target_url"].asText()), pathOfUrl(sequence),
-                         sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
+    clip.file =
+        firstOf({clip.file, pathOfUrl(sequence), sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
   }
 
   static void setDoubts(TimelineClip& clip, const OtioValue& item, const OtioValue& medium)
