@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <limits>
 #include <optional>
 #include <set>
@@ -12,6 +13,7 @@
 
 #include <fmt/format.h>
 
+#include "app/commit_entries.h"
 #include "app/facility.h"
 #include "app/host_errors.h"
 #include "app/json/json.h"
@@ -217,6 +219,54 @@ reelhost::KeptList listFrom(const ListState& state, const std::vector<reelhost::
   return list;
 }
 
+/// What a store gets.
+struct Content {
+  reelhost::ProjectInfo info; ///< without a name
+  reelhost::KeyValues options;
+  reelhost::Changes changes;
+};
+
+Content contentOf(const ProjectState& state)
+{
+  constexpr int mostCode = std::numeric_limits<int>::max();
+  Content content;
+  content.info.uuid = uuidFrom("project", state.id);
+  content.info.frameRate = within("project", "frame_rate_code", state.frameRateCode, -1, mostCode);
+  content.info.outputFrameRate = within("project", "output_frame_rate_code", state.outputFrameRateCode, -1, mostCode);
+  reelhost::Changes& changes = content.changes;
+  changes.logs = logsFrom(state.logs);
+  for (const ListState& list : state.lists) {
+    changes.lists.push_back(listFrom(list, changes.logs));
+    changes.listBytes.emplace(changes.lists.back().digest, list.content);
+    if (changes.lists.size() > 1 && list.number <= changes.lists[changes.lists.size() - 2].number)
+      refuse(fmt::format("list {}", list.number), "its number is not above that of the list before it");
+  }
+  content.options = keysFrom("options", state.options);
+  return content;
+}
+
+ProjectState stateIn(const std::string& text, const std::string& path)
+{
+  try {
+    return fromJson<ProjectState>(text);
+  } catch (const Error& error) {
+    throw Error(error.kind(), fmt::format("{}: {}", base::displayText(path), error.what()));
+  }
+}
+
+/// Throws Error if the project has had anything.
+void requireUnused(const std::string& name, const std::filesystem::path& path)
+{
+  const auto store = reelhost::makeSqliteStore(path);
+  store->begin(reelhost::Access::Read, {});
+  reelhost::Lists* const lists = store->lists();
+  if (store->nextNumber() != 1 || (lists && lists->nextListNumber() != 1))
+    throw Error(ErrorKind::Refused,
+                fmt::format("{}: has had reels, shots or lists, and the file is a whole project (reeldb project new "
+                            "NAME --from FILE makes a project of it)",
+                            base::displayText(name)));
+}
+
 } // namespace
 
 ProjectState readState(Session&)
@@ -242,38 +292,52 @@ ProjectState readState(Session&)
 
 ProjectState readStateFile(const std::string& path)
 {
-  const std::string text = readInputFile(path, largestState);
-  try {
-    return fromJson<ProjectState>(text);
-  } catch (const Error& error) {
-    throw Error(error.kind(), fmt::format("{}: {}", base::displayText(path), error.what()));
-  }
+  return stateIn(readInputFile(path, largestState), path);
 }
 
 std::string makeProjectFrom(const ProjectState& state, const std::string& name)
 {
   return guarded([&] {
-    constexpr int mostCode = std::numeric_limits<int>::max();
     const reelhost::Facility& facility = requireFacility();
     requirePlainText(name, fmt::format("\"{}\": not a valid project name", base::shortText(name)));
-    reelhost::ProjectInfo info;
-    info.name = name;
-    info.uuid = uuidFrom("project", state.id);
-    info.frameRate = within("project", "frame_rate_code", state.frameRateCode, -1, mostCode);
-    info.outputFrameRate = within("project", "output_frame_rate_code", state.outputFrameRateCode, -1, mostCode);
-    reelhost::Changes content;
-    content.logs = logsFrom(state.logs);
-    for (const ListState& list : state.lists) {
-      content.lists.push_back(listFrom(list, content.logs));
-      content.listBytes.emplace(content.lists.back().digest, list.content);
-      if (content.lists.size() > 1 && list.number <= content.lists[content.lists.size() - 2].number)
-        refuse(fmt::format("list {}", list.number), "its number is not above that of the list before it");
-    }
-    const reelhost::KeyValues options = keysFrom("options", state.options);
-    createSqliteProject(facility.projectFile(name), info, options, content);
-    const auto same = makeMemoryStore(info, options);
+    Content content = contentOf(state);
+    content.info.name = name;
+    createSqliteProject(facility.projectFile(name), content.info, content.options, content.changes);
+    const auto same = makeMemoryStore(content.info, content.options);
     same->begin(reelhost::Access::Read, {});
     return frameRateName(reelhost::currentInfo(*same).frameRate);
+  });
+}
+
+bool isState(const ListFile& file)
+{
+  return file.list.holdsProject;
+}
+
+ImportReport importState(const std::optional<std::string>& project, const ListFile& file, bool dryRun)
+{
+  return guarded([&] {
+    const std::string name = chosenProject(project);
+    const std::filesystem::path path = requireFacility().projectFile(name);
+    requireUnused(name, path);
+    Content content = contentOf(stateIn(file.bytes, file.path));
+    ImportReport report;
+    ImportedList& imported = report.lists.emplace_back();
+    imported.file = file.path;
+    imported.list.format = file.list.format;
+    for (const reelhost::StoredLog& log : content.changes.logs)
+      if (log.type == codes::reelLog)
+        imported.created.push_back(idOf(log));
+      else
+        ++imported.shotsAdded;
+    imported.clips = imported.shotsAdded;
+    report.dryRun = dryRun;
+    report.changes = true;
+    report.stored = !dryRun;
+    content.changes.origin = reelhost::currentOrigin();
+    if (report.stored)
+      reelhost::fillSqliteProject(path, content.info, content.options, content.changes);
+    return report;
   });
 }
 

@@ -5,10 +5,13 @@
 #define REELDB_APP_STATE_H
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "app/import.h"
+#include "app/list_files.h"
 #include "app/session.h"
 #include "lists/list.h"
 
@@ -68,6 +71,15 @@ ProjectState readStateFile(const std::string& path);
 /// of its frame rate. Throws Error: Invalid and Refused as makeProject does, Unreadable for a state that no project can
 /// have, Io. The project is made completely or not at all.
 std::string makeProjectFrom(const ProjectState& state, const std::string& name);
+
+/// Whether the file is the JSON of an export with the state of a project.
+bool isState(const ListFile& file);
+
+/// Gives the chosenProject, which must not have had a reel, a shot or a list, the state in the file: all but the name.
+/// That is one revision; taking it back leaves the project's id, rate and options. With @p dryRun nothing is stored.
+/// Throws Error: Refused if the project has had anything, Unreadable as readStateFile and makeProjectFrom do, and as
+/// opening it does. REQUIRES: isState(file); no session is open.
+ImportReport importState(const std::optional<std::string>& project, const ListFile& file, bool dryRun);
 
 } // namespace reeldb::app
 

@@ -155,37 +155,6 @@ OwnName ownNameOf(const std::string& tape, const Clip& clip)
   return ownNameWithoutTape(clip.sourceFile, clip.sourceFile.empty() ? clip.clipName : std::string());
 }
 
-/// Whether a camera roll is the beginning of the name: then the name is a clip of it. Else the roll is another name.
-bool isClipOf(std::string_view roll, std::string_view name)
-{
-  return nameForm(name).starts_with(nameForm(roll));
-}
-
-/// The sound of a row with a sound roll: the same material on the audio tracks, from another source. Empty if the roll
-/// is no reel, or is the source of the picture.
-std::optional<Clip> soundOf(const Clip& picture, const std::string& roll)
-{
-  if (roll.empty() || isAuxiliary(roll) || !specialReason(roll).empty() || base::sameName(roll, picture.reel))
-    return {};
-  Clip sound;
-  sound.line = picture.line;
-  sound.reel = roll;
-  sound.evidence = NameEvidence::SoundRoll;
-  sound.soundOf = picture.reel;
-  sound.event.reelText = roll;
-  sound.event.part = 2;
-  sound.clipName = picture.clipName;
-  sound.sourceIn = picture.sourceIn;
-  sound.sourceOut = picture.sourceOut;
-  sound.recordIn = picture.recordIn;
-  sound.recordOut = picture.recordOut;
-  sound.frameRate = picture.frameRate;
-  sound.dropFrame = picture.dropFrame;
-  sound.tracks = logTracks(0, std::max(picture.audioChannels, 1));
-  sound.audioChannels = std::max(picture.audioChannels, 1);
-  return sound;
-}
-
 /// Gives the sound its own timecodes, from this one on. Returns why it cannot, or an empty text. An empty timecode
 /// changes nothing.
 std::string startSound(Clip& sound, const std::string& start)
@@ -564,6 +533,34 @@ bool startsLog(std::string_view line)
 {
   const std::string_view first = trim(takeCell(line));
   return base::sameName(first, "Heading") || base::sameName(first, "Column");
+}
+
+bool isClipOf(std::string_view roll, std::string_view name)
+{
+  return nameForm(name).starts_with(nameForm(roll));
+}
+
+std::optional<Clip> soundOf(const Clip& picture, const std::string& roll)
+{
+  if (roll.empty() || isAuxiliary(roll) || !specialReason(roll).empty() || base::sameName(roll, picture.reel))
+    return {};
+  Clip sound;
+  sound.line = picture.line;
+  sound.reel = roll;
+  sound.evidence = NameEvidence::SoundRoll;
+  sound.soundOf = picture.reel;
+  sound.event.reelText = roll;
+  sound.event.part = 2;
+  sound.clipName = picture.clipName;
+  sound.sourceIn = picture.sourceIn;
+  sound.sourceOut = picture.sourceOut;
+  sound.recordIn = picture.recordIn;
+  sound.recordOut = picture.recordOut;
+  sound.frameRate = picture.frameRate;
+  sound.dropFrame = picture.dropFrame;
+  sound.tracks = logTracks(0, std::max(picture.audioChannels, 1));
+  sound.audioChannels = std::max(picture.audioChannels, 1);
+  return sound;
 }
 
 std::string endOfSound(const std::string& start, const Clip& clip, std::string& end)

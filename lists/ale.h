@@ -2,6 +2,7 @@
 #ifndef REELDB_LISTS_ALE_H
 #define REELDB_LISTS_ALE_H
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,13 @@ inline constexpr std::string_view writtenVideoFormat = "1080", writtenAudioForma
 
 /// Whether a line opens a log file: its first cell is the section name Heading or Column.
 bool startsLog(std::string_view line);
+
+/// Whether a camera roll is the beginning of the name: then the name is a clip of it. Else the roll is another name.
+bool isClipOf(std::string_view roll, std::string_view name);
+
+/// The sound of a row with a sound roll: the same material on the audio tracks, from another source. Empty if the roll
+/// is no reel, or is the source of the picture.
+std::optional<Clip> soundOf(const Clip& picture, const std::string& roll);
 
 /// Sets `end` to where sound ends that begins at `start` and is as long as the clip. Returns why there is no such
 /// timecode, or an empty text.

@@ -6,6 +6,7 @@
 #include "lists/edl_line.h"
 #include "lists/edl_note.h"
 #include "lists/otio.h"
+#include "lists/own_json.h"
 #include "lists/text.h"
 #include "lists/timeline.h"
 #include "lists/xml_root.h"
@@ -25,6 +26,8 @@ std::string_view wordOf(Format format)
     return "xmeml";
   case Format::Fcpxml:
     return "fcpxml";
+  case Format::Json:
+    return "json";
   }
   return "";
 }
@@ -33,6 +36,8 @@ std::optional<Format> detectText(std::string_view text)
 {
   if (isOtio(trimWhite(text)))
     return Format::Otio;
+  if (isOwnJson(trimWhite(text)))
+    return Format::Json;
   if (const std::string_view root = rootName(trimWhite(text)); root == "xmeml" || root == "fcpxml")
     return root == "xmeml" ? Format::Xmeml : Format::Fcpxml;
   bool first = true;

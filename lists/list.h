@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML): bytes in, a plain value
-// out. It uses neither the host nor the library nor files. docs/formats/ describes what is understood of each format.
+// Reads cut lists (CMX3600 EDL), log exchange files (ALE), timelines (OTIO, xmeml, FCPXML), tables (CSV) and the JSON
+// of this program: bytes in, a plain value out. It uses neither the host nor the library nor files. docs/formats/
+// describes what is understood of each format.
 #ifndef REELDB_LISTS_LIST_H
 #define REELDB_LISTS_LIST_H
 
@@ -21,11 +22,12 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-enum class Format { Edl, Ale, Otio, Xmeml, Fcpxml };
+enum class Format { Edl, Ale, Otio, Xmeml, Fcpxml, Json };
 
-inline constexpr std::array formats = {Format::Edl, Format::Ale, Format::Otio, Format::Xmeml, Format::Fcpxml};
+inline constexpr std::array formats = {Format::Edl,   Format::Ale,    Format::Otio,
+                                       Format::Xmeml, Format::Fcpxml, Format::Json};
 
-/// "edl", "ale", "otio", "xmeml", "fcpxml"
+/// "edl", "ale", "otio", "xmeml", "fcpxml", "json"
 std::string_view wordOf(Format format);
 
 /// The place of a list that gives the name of a clip's source.
@@ -197,6 +199,7 @@ struct List {
   std::vector<std::string> unread; ///< of a log: the headings and the columns with a text that no clip keeps
   Timing timing;
   Tally tally;
+  bool holdsProject = false; ///< of JSON: whether it is all that a project keeps, of which the clips are the shots
 };
 
 /// The widths of the reel fields that cut lists pad, in characters. A name that fills its field may be cut.

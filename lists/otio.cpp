@@ -8,8 +8,8 @@
 
 #include "base/ascii.h"
 #include "base/number.h"
+#include "lists/json_tree.h"
 #include "lists/names.h"
-#include "lists/otio_tree.h"
 #include "lists/text.h"
 #include "lists/timeline.h"
 
@@ -41,7 +41,64 @@ constexpr std::array<Schema, 15> knownSchemas = {{{"Clip", "2"},
                                                   {"Track", "1"},
                                                   {"Transition", "1"}}};
 
-Schema schemaOf(const OtioValue& value)
+/// The members that the reader asks for, sorted.
+constexpr std::array<std::string_view, 49> askedNames = {"AAF",
+                                                         "ALE",
+                                                         "OTIO_SCHEMA",
+                                                         "Tape",
+                                                         "TapeID",
+                                                         "TapeName",
+                                                         "UserComments",
+                                                         "active_media_reference_key",
+                                                         "aliases",
+                                                         "audio_channels",
+                                                         "available_range",
+                                                         "camera_roll",
+                                                         "children",
+                                                         "cmx_3600",
+                                                         "comments",
+                                                         "displayformat",
+                                                         "drop_frame",
+                                                         "duration",
+                                                         "effects",
+                                                         "enabled",
+                                                         "fcp_xml",
+                                                         "frame_rate",
+                                                         "generator_kind",
+                                                         "global_start_time",
+                                                         "kind",
+                                                         "media_reference",
+                                                         "media_references",
+                                                         "metadata",
+                                                         "name",
+                                                         "name_prefix",
+                                                         "name_suffix",
+                                                         "number",
+                                                         "rate",
+                                                         "record_in",
+                                                         "record_out",
+                                                         "reel",
+                                                         "reeldb",
+                                                         "sound_of",
+                                                         "source_in",
+                                                         "source_out",
+                                                         "source_range",
+                                                         "start_time",
+                                                         "target_url",
+                                                         "target_url_base",
+                                                         "time_scalar",
+                                                         "timecode",
+                                                         "tracks",
+                                                         "value",
+                                                         "video_channels"};
+
+bool asksFor(std::string_view name, std::string_view parent)
+{
+  // The media of a clip have names of their own.
+  return parent == "media_references" || std::binary_search(askedNames.begin(), askedNames.end(), name);
+}
+
+Schema schemaOf(const JsonValue& value)
 {
   const std::string_view text = value["OTIO_SCHEMA"].asText();
   const std::size_t point = text.find('.');
@@ -72,10 +129,10 @@ std::optional<FrameRate> rateOfNumber(std::string_view text)
   return rateOf(point == std::string_view::npos ? text : text.substr(0, point + 1 + decimals));
 }
 
-Time timeOf(const OtioValue& value)
+Time timeOf(const JsonValue& value)
 {
   Time time;
-  time.isThere = value.kind == OtioValue::Kind::Object;
+  time.isThere = value.kind == JsonValue::Kind::Object;
   time.rateText = value["rate"].asText();
   time.rate = rateOfNumber(time.rateText);
   const std::optional<Seconds> frames = parseFraction(value["value"].asText());
@@ -87,7 +144,7 @@ Time timeOf(const OtioValue& value)
   return time;
 }
 
-bool isDropFrameFormat(const OtioValue& of)
+bool isDropFrameFormat(const JsonValue& of)
 {
   return of["metadata"]["fcp_xml"]["timecode"]["displayformat"].asText() == "DF";
 }
@@ -101,7 +158,7 @@ std::string firstOf(std::initializer_list<std::string_view> texts)
 }
 
 /// The source file that a note of a cut list names: "SOURCE FILE: A001.MOV".
-std::string sourceFileOf(const OtioValue& comments)
+std::string sourceFileOf(const JsonValue& comments)
 {
   constexpr std::string_view key = "SOURCE FILE:";
   for (const auto& [unused, comment] : comments.members)
@@ -110,9 +167,9 @@ std::string sourceFileOf(const OtioValue& comments)
   return {};
 }
 
-const OtioValue& mediumOf(const OtioValue& clip)
+const JsonValue& mediumOf(const JsonValue& clip)
 {
-  const OtioValue& media = clip["media_references"];
+  const JsonValue& media = clip["media_references"];
   if (media.isNull())
     return clip["media_reference"];
   const std::string_view key = clip["active_media_reference_key"].asText();
@@ -144,14 +201,14 @@ class Reader {
 public:
   List read(std::string_view text)
   {
-    collect(parseOtio(text)); // the tree is released before the list is made
+    collect(parseJson(text, "OTIO", asksFor)); // the tree is released before the list is made
     return timeline_.finish(text);
   }
 
 private:
   using Duration = std::optional<Seconds>;
 
-  void collect(const OtioValue& root)
+  void collect(const JsonValue& root)
   {
     const std::string_view name = schemaOf(root).name;
     if (name == "SerializableCollection") {
@@ -175,7 +232,7 @@ private:
     }
   }
 
-  void readTimeline(const OtioValue& timeline)
+  void readTimeline(const JsonValue& timeline)
   {
     timeline_.title(timeline["name"].asText());
     const Time start = timeOf(timeline["global_start_time"]);
@@ -189,13 +246,13 @@ private:
 
   static Counting countingAt(FrameRate rate, bool dropFrame) { return {rate, dropFrame && hasDropFrame(rate)}; }
 
-  static bool isSound(const OtioValue& track) { return track["kind"].asText() == "Audio"; }
+  static bool isSound(const JsonValue& track) { return track["kind"].asText() == "Audio"; }
 
   std::string nextComposition() { return std::to_string(++compositions_); }
 
   /// Reads an item and returns how long it is. @p isTop: whether a composition is a timeline itself, or a track of a
   /// stack.
-  Duration item(const OtioValue& item, const Place& place, bool isTop)
+  Duration item(const JsonValue& item, const Place& place, bool isTop)
   {
     if (item.isNull())
       return std::nullopt;
@@ -218,10 +275,10 @@ private:
     return Seconds(); // a transition has no time of its own
   }
 
-  static Duration lengthOf(const OtioValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
+  static Duration lengthOf(const JsonValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
 
   /// What this program wrote of the clip; empty if another one wrote it.
-  static std::optional<WrittenClip> writtenOf(const OtioValue& own)
+  static std::optional<WrittenClip> writtenOf(const JsonValue& own)
   {
     if (own["reel"].asText().empty())
       return std::nullopt;
@@ -246,7 +303,7 @@ private:
     return written;
   }
 
-  void noteSpecial(const OtioValue& item, const Place& place, std::string_view reason)
+  void noteSpecial(const JsonValue& item, const Place& place, std::string_view reason)
   {
     TimelineClip special;
     special.line = item.line;
@@ -270,7 +327,7 @@ private:
   }
 
   /// The place of what is in the composition: nowhere in the record, if it is nested.
-  Place placeIn(const OtioValue& composition, const Place& place, bool isTop)
+  Place placeIn(const JsonValue& composition, const Place& place, bool isTop)
   {
     Place within = place;
     if (!isTop) {
@@ -283,7 +340,7 @@ private:
     return within;
   }
 
-  Duration stack(const OtioValue& stack, const Place& place, bool isTop)
+  Duration stack(const JsonValue& stack, const Place& place, bool isTop)
   {
     Place within = placeIn(stack, place, isTop);
     const bool isSoundOnly = !place.picture;
@@ -309,7 +366,7 @@ private:
     return more && more->numerator > 0;
   }
 
-  Duration track(const OtioValue& track, const Place& place, bool isTop)
+  Duration track(const JsonValue& track, const Place& place, bool isTop)
   {
     Place within = placeIn(track, place, isTop);
     Duration whole = Seconds();
@@ -324,10 +381,10 @@ private:
     return own ? own : whole;
   }
 
-  Duration clip(const OtioValue& item, const Place& place)
+  Duration clip(const JsonValue& item, const Place& place)
   {
-    const OtioValue& medium = mediumOf(item);
-    const OtioValue& range = item["source_range"].isNull() ? medium["available_range"] : item["source_range"];
+    const JsonValue& medium = mediumOf(item);
+    const JsonValue& range = item["source_range"].isNull() ? medium["available_range"] : item["source_range"];
     const Duration length = timeOf(range["duration"]).seconds;
     TimelineClip clip;
     clip.line = item.line;
@@ -362,7 +419,7 @@ private:
     return length;
   }
 
-  static void setSource(TimelineClip& clip, const OtioValue& range, const OtioValue& medium, const Place& place)
+  static void setSource(TimelineClip& clip, const JsonValue& range, const JsonValue& medium, const Place& place)
   {
     if (range.isNull()) {
       if (clip.written)
@@ -392,10 +449,10 @@ private:
                                  : " (kept without timecodes)"));
   }
 
-  static void setNames(TimelineClip& clip, const OtioValue& item, const OtioValue& medium)
+  static void setNames(TimelineClip& clip, const JsonValue& item, const JsonValue& medium)
   {
-    const OtioValue& own = item["metadata"];
-    const OtioValue& of = medium["metadata"];
+    const JsonValue& own = item["metadata"];
+    const JsonValue& of = medium["metadata"];
     clip.file = firstOf({pathOfUrl(medium["target_url"].asText())});
     if (clip.written) {
       clip.reel = own["reeldb"]["reel"].asText();
@@ -407,7 +464,7 @@ private:
     const std::string_view fileReel = of["fcp_xml"]["timecode"]["reel"]["name"].asText();
     clip.reel = firstOf({listReel, fileReel, own["ALE"]["Tape"].asText(), of["ALE"]["Tape"].asText()});
     for (const std::string_view key : {"Tape", "TapeName", "TapeID"})
-      for (const OtioValue* from : {&own, &of}) {
+      for (const JsonValue* from : {&own, &of}) {
         const std::string_view text = (*from)["AAF"]["UserComments"][key].asText();
         clip.aliases.emplace_back(text);
         clip.reel = firstOf({clip.reel, text});
@@ -426,7 +483,7 @@ private:
         firstOf({clip.file, pathOfUrl(sequence), sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
   }
 
-  static void setDoubts(TimelineClip& clip, const OtioValue& item, const OtioValue& medium)
+  static void setDoubts(TimelineClip& clip, const JsonValue& item, const JsonValue& medium)
   {
     if (!medium.isNull() && !isKnown(schemaOf(medium)))
       clip.doubts.push_back("unknown schema " + inQuotes(medium["OTIO_SCHEMA"].asText()) +

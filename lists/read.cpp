@@ -11,6 +11,7 @@
 #include "lists/fcpxml.h"
 #include "lists/list.h"
 #include "lists/otio.h"
+#include "lists/own_json.h"
 #include "lists/text.h"
 #include "lists/xmeml.h"
 #include "lists/xml_root.h"
@@ -79,6 +80,8 @@ List readAs(Format format, std::string_view text, const ReadOptions& options)
     return readXmeml(text);
   case Format::Fcpxml:
     return readFcpxml(text);
+  case Format::Json:
+    return readOwnJson(text);
   }
   return {};
 }

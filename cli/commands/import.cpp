@@ -7,6 +7,7 @@
 
 #include "app/import.h"
 #include "app/json/json.h"
+#include "app/state.h"
 #include "base/text_width.h"
 #include "commands/import_report.h"
 #include "commands/name_options.h"
@@ -97,10 +98,31 @@ std::vector<app::OtherReel> otherReels(const std::vector<std::string>& words)
   return reels;
 }
 
+/// Throws Error unless the file is alone and the options ask for nothing that only lists have.
+void requireAlone(const Options& options, const app::ListFiles& files, const app::ListFile& project)
+{
+  const std::string subject = base::shortText(project.path);
+  if (files.read.size() + files.failures.size() > 1)
+    throw app::Error(app::ErrorKind::Refused,
+                     fmt::format("{}: a whole project, which is imported alone; nothing imported", subject));
+  if (options.replacing.byName || options.replacing.list || options.type || !options.asNew.empty())
+    throw app::Error(app::ErrorKind::Invalid,
+                     fmt::format("{}: a whole project (--replace, --as, --type and --as-new are for lists)", subject));
+}
+
 ExitCode run(const Options& options, const Globals& globals)
 {
   const app::Treatment treatment{options.names.rules(), options.type, otherReels(options.asNew)};
   app::ListFiles files = readAll(options);
+  if (const auto project = std::find_if(files.read.begin(), files.read.end(), app::isState);
+      project != files.read.end()) {
+    requireAlone(options, files, *project);
+    const app::ImportReport report = app::importState(globals.project, *project, options.dryRun);
+    if (report.stored)
+      changesAreStored();
+    show(options, report);
+    return done;
+  }
   app::Session session(globals.project, options.dryRun ? app::Access::Read : app::Access::Write);
   app::ImportReport report = [&] {
     ProgressBar bar("importing");
@@ -131,7 +153,8 @@ void addImport(CommandLine& line)
                     "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
                     "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale",
                     "reeldb import day2.edl --as-new A001=A001_DAY2",
-                    "reeldb import --recursive --skip-unreadable -q lists", "reeldb import - < evening.edl"},
+                    "reeldb import --recursive --skip-unreadable -q lists", "reeldb import - < evening.edl",
+                    "reeldb import -p fresh documentary.json"},
        .details =
            "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML); their\n"
            "content shows which they are. Every clip becomes a shot. A source without a reel name is named by its\n"
@@ -144,6 +167,10 @@ void addImport(CommandLine& line)
            "with a dot are ignored. - is standard input. If a file cannot be read, nothing of any file is imported;\n"
            "with --skip-unreadable the others are, and the exit code is 4. The report of several files ends with\n"
            "totals. All files are one import, which one undo takes back.\n"
+           "\n"
+           "The JSON that reeldb export --json writes is a whole project. A project that has never had a reel, a shot "
+           "or\n"
+           "a list becomes the same project under its own name; any other refuses the file.\n"
            "\n"
            "The project keeps each list. --replace replaces the kept list that has the same file name, or else the\n"
            "same title; --as replaces LIST. The report counts the shots that were added, are gone, were trimmed, or\n"

@@ -32,6 +32,7 @@ std::string_view lineName(lists::Format format)
   case lists::Format::Otio:
   case lists::Format::Xmeml:
   case lists::Format::Fcpxml:
+  case lists::Format::Json:
     return "item";
   }
   return "";

@@ -186,6 +186,13 @@ void backUpSqliteProject(const std::filesystem::path& project, const std::filesy
 void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
                          const Changes& content = {});
 
+/// Gives an existing project file the content and the properties of another project, all but the name, in one
+/// transaction, and replaces its options. The logs and lists are one revision, which can be taken back; properties and
+/// options then stay. Throws Error: Refused if the project has ever had a log or a list; and as Store::begin does for
+/// writing.
+void fillSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
+                       const Changes& content);
+
 } // namespace reelhost
 
 #endif

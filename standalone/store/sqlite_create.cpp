@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <cerrno>
+#include <chrono>
 
 #include <sys/stat.h>
 
@@ -7,6 +8,8 @@
 #include "store/file_error.h"
 #include "store/project_file.h"
 #include "store/sqlite.h"
+#include "store/sqlite_lists.h"
+#include "store/sqlite_reader.h"
 #include "store/sqlite_schema.h"
 #include "store/sqlite_session.h"
 #include "store/sqlite_writer.h"
@@ -19,22 +22,33 @@ using sqlite::Database;
 using sqlite::Statement;
 using sqlite::Transaction;
 
+/// How long to wait for another process that has the project.
+constexpr std::chrono::seconds patience(2);
+
+/// All but the name.
+void putProperties(Database& database, const ProjectInfo& info, const KeyValues& options)
+{
+  const std::string_view uuid(reinterpret_cast<const char*>(info.uuid.data()), info.uuid.size());
+  Statement put(database, "INSERT OR REPLACE INTO project(key, value) VALUES(?1, ?2)");
+  put.bind(1, "uuid").bindBlob(2, uuid.data(), uuid.size()).run();
+  put.bind(1, "frame_rate").bind(2, info.frameRate).run();
+  put.bind(1, "output_frame_rate").bind(2, info.outputFrameRate).run();
+  database.execute("DELETE FROM options");
+  Statement option(database, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
+  for (const auto& [key, value] : options)
+    option.bind(1, key).bind(2, value).run();
+}
+
 void fill(Database& database, const ProjectInfo& info, const KeyValues& options, const Changes& content)
 {
   database.execute("PRAGMA synchronous = FULL");
   database.execute(("PRAGMA application_id = " + std::to_string(projectApplicationId)).c_str());
   Transaction transaction(database, Transaction::Kind::Write);
   bringUpToDate(database, schemaSteps());
-  const std::string_view uuid(reinterpret_cast<const char*>(info.uuid.data()), info.uuid.size());
   Statement put(database, "INSERT INTO project(key, value) VALUES(?1, ?2)");
   put.bind(1, "name").bind(2, info.name).run();
-  put.bind(1, "uuid").bindBlob(2, uuid.data(), uuid.size()).run();
-  put.bind(1, "frame_rate").bind(2, info.frameRate).run();
-  put.bind(1, "output_frame_rate").bind(2, info.outputFrameRate).run();
   put.bind(1, "last_number").bind(2, 0).run();
-  Statement option(database, "INSERT OR REPLACE INTO options(key, value) VALUES(?1, ?2)");
-  for (const auto& [key, value] : options)
-    option.bind(1, key).bind(2, value).run();
+  putProperties(database, info, options);
   if (!content.empty()) {
     writeChanges(database, content);
     // Nothing was there before, so there is nothing to take back.
@@ -94,10 +108,25 @@ void createSqliteProject(const std::filesystem::path& path, const ProjectInfo& i
   });
 }
 
+void fillSqliteProject(const std::filesystem::path& path, const ProjectInfo& info, const KeyValues& options,
+                       const Changes& content)
+{
+  SqliteSession session(path, schemaSteps());
+  session.beginWrite(patience);
+  session.guarded("cannot be read", [&] {
+    if (lastNumber(session.database()) != 0 || lastListNumber(session.database()) != 0)
+      throw Error(ErrorKind::Refused, session.subject() + ": has had reels, shots or lists");
+  });
+  session.commit([&](Database& database) {
+    putProperties(database, info, options);
+    writeChanges(database, content);
+  });
+}
+
 void backUpSqliteProject(const std::filesystem::path& project, const std::filesystem::path& copy)
 {
   SqliteSession session(project, schemaSteps());
-  session.beginRead(std::chrono::seconds(2));
+  session.beginRead(patience);
   withHostErrors([&] { makeProjectFile(copy, [&](const std::string& place) { session.database().copyTo(place); }); });
 }
 

@@ -9,6 +9,7 @@
 #include "app/json/json.h"
 #include "app/list_files.h"
 #include "app/projects.h"
+#include "app/reels.h"
 #include "reelhost/host.h"
 #include "tests/app/app_fixture.h"
 
@@ -182,6 +183,51 @@ TEST_F(State, AStateThatNoProjectCanHaveIsRefused)
             "log 2: key \"reelid\": given twice");
   EXPECT_EQ(errorWith(log([](app::LogState& state) { state.name = std::string("a\0b", 3); })),
             "log 2: a text holds a byte 0");
+}
+
+TEST_F(State, AnUnusedProjectTakesTheStateInOneRevision)
+{
+  import({"A001", "B002"});
+  const std::string text = exported("main");
+  const app::ListFile file = app::readListFile(folder_.write("main.json", text));
+  ASSERT_TRUE(app::isState(file));
+  app::makeProject("copy", "50");
+  const std::string before = exported("copy");
+  const app::ImportReport plan = app::importState("copy", file, true);
+  EXPECT_FALSE(plan.stored);
+  EXPECT_EQ(exported("copy"), before);
+  const app::ImportReport report = app::importState("copy", file, false);
+  EXPECT_TRUE(report.stored);
+  ASSERT_EQ(report.lists.size(), 1u);
+  EXPECT_EQ(report.lists[0].created, (std::vector<std::string>{"A001", "B002"}));
+  EXPECT_EQ(report.lists[0].shotsAdded, 2u);
+  EXPECT_EQ(exported("copy"), text);
+  {
+    app::Session session("copy", app::Access::Write);
+    EXPECT_EQ(app::readHistory(session, {}).commits.size(), 1u);
+    reelhost::takeBack(1);
+    session.commit();
+    EXPECT_EQ(app::listReels(session).size(), 0u);
+  }
+  const app::Error error = errorOf([&] { app::importState("copy", file, false); });
+  EXPECT_EQ(error.kind(), app::ErrorKind::Refused);
+  EXPECT_STREQ(error.what(), "copy: has had reels, shots or lists, and the file is a whole project (reeldb project new "
+                             "NAME --from FILE makes a project of it)");
+}
+
+TEST_F(State, AnUnusedProjectStaysWithoutAStateThatNoProjectCanHave)
+{
+  import({"A001"});
+  std::string text = exported("main");
+  text.replace(text.find("\"state_version\": 1"), 18, "\"state_version\": 2");
+  app::makeProject("copy", "25");
+  const std::string before = exported("copy");
+  const app::ListFile file = app::readListFile(folder_.write("main.json", text));
+  const app::Error error = errorOf([&] { app::importState("copy", file, false); });
+  EXPECT_EQ(error.kind(), app::ErrorKind::Unreadable);
+  EXPECT_EQ(std::string(error.what()).substr(folder_.path().native().size() + 1),
+            "main.json: JSON: not of the expected form (its state_version is 2, not 1)");
+  EXPECT_EQ(exported("copy"), before);
 }
 
 TEST_F(State, AProjectThatIsThereIsNotReplaced)

@@ -71,6 +71,7 @@ protected:
     std::filesystem::remove_all(path("projects"));
     std::filesystem::create_directory(path("projects"));
     output({"project", "new", "main"});
+    output({"project", "new", "fresh"});
     output({"create", "gone"});
     reeldb({"delete", "gone", "--yes"});
     output({"import", "evening.edl"});

@@ -61,6 +61,54 @@ TEST_F(SqliteCreate, ContentIsThereFromTheStartAndHasNoHistory)
   EXPECT_EQ(store->check(), std::vector<std::string>{});
 }
 
+TEST_F(SqliteCreate, AnUnusedProjectIsFilledAsOneRevisionAndKeepsItsName)
+{
+  createSqliteProject(file(), exampleInfo(), {{"mine", "v"}});
+  ProjectInfo other = exampleInfo();
+  other.name = "other";
+  other.uuid[0] ^= 1U;
+  other.frameRate += 1;
+  other.outputFrameRate += 2;
+  Changes content;
+  content.logs = {exampleLog(2, 9), exampleLog(7, 1)};
+  content.origin.command = "import";
+  fillSqliteProject(file(), other, {{"theirs", "w"}}, content);
+  const auto store = makeSqliteStore(file());
+  store->begin(Access::Read, {});
+  EXPECT_EQ(store->info().name, exampleInfo().name);
+  EXPECT_EQ(store->info().uuid, other.uuid);
+  EXPECT_EQ(store->info().frameRate, other.frameRate);
+  EXPECT_EQ(store->info().outputFrameRate, other.outputFrameRate);
+  EXPECT_EQ(store->options(), (KeyValues{{"theirs", "w"}}));
+  EXPECT_EQ(numbersOf(*store), (std::vector<std::int64_t>{2, 7}));
+  std::vector<std::string> commands;
+  store->history()->readRevisions([&](Revision&& revision) {
+    commands.push_back(revision.origin.command);
+    return true;
+  });
+  EXPECT_EQ(commands, std::vector<std::string>{"import"});
+  store->end();
+  EXPECT_EQ(store->check(), std::vector<std::string>{});
+}
+
+TEST_F(SqliteCreate, AProjectThatHadALogIsNotFilled)
+{
+  Changes content;
+  content.logs = {exampleLog(1, 9)};
+  createSqliteProject(file(), exampleInfo(), {}, content);
+  const auto store = makeSqliteStore(file());
+  store->begin(Access::Write, {});
+  Changes next;
+  next.deleted = {1};
+  store->commit(next);
+  EXPECT_EQ(errorOf([&] {
+              fillSqliteProject(file(), exampleInfo(), {{"k", "v"}}, content);
+            }),
+            "Refused: " + file().native() + ": has had reels, shots or lists");
+  store->begin(Access::Read, {});
+  EXPECT_EQ(store->options(), KeyValues{});
+}
+
 TEST_F(SqliteCreate, FollowsTheUmask)
 {
   const mode_t before = ::umask(027);
