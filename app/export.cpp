@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -37,6 +39,28 @@ std::vector<lists::Clip> clipsOf(const ProjectContent& content)
 std::string wordOf(bool flag)
 {
   return flag ? "yes" : "no";
+}
+
+/// The titles of what a table has of each shot.
+std::vector<std::string> shotTitles()
+{
+  std::vector<std::string> titles;
+  titles.reserve(shotTexts.size());
+  for (const ShotText& text : shotTexts)
+    titles.emplace_back(text.name);
+  titles.insert(titles.end(), {"aliases", "video_channels", "audio_channels", "frame_rate", "drop_frame"});
+  return titles;
+}
+
+std::vector<std::string> cellsOf(const Shot& shot)
+{
+  std::vector<std::string> cells;
+  cells.reserve(shotTexts.size());
+  for (const ShotText& text : shotTexts)
+    cells.push_back(shot.*text.text);
+  cells.insert(cells.end(), {fmt::format("{}", fmt::join(shot.aliases, "\n")), std::to_string(shot.videoChannels),
+                             std::to_string(shot.audioChannels), shot.frameRate, wordOf(shot.dropFrame)});
+  return cells;
 }
 
 /// Adds warnings: what the list of the project's shots does not contain, among that the reels without shots.
@@ -88,6 +112,26 @@ ProjectContent readContent(Session& session)
   });
 }
 
+void restrictTo(Session& session, ProjectContent& content, const Selection& selection)
+{
+  const std::vector<std::string> selected = requireSelected(session, selection);
+  std::unordered_set<std::string> reels;
+  for (const std::string& reel : selected)
+    reels.insert(base::fold(reel));
+  ProjectContent rest;
+  rest.project = std::move(content.project);
+  rest.rate = std::move(content.rate);
+  for (std::size_t i = 0; i < content.reels.size(); ++i)
+    if (reels.contains(base::fold(content.reels[i].id))) {
+      rest.reels.push_back(std::move(content.reels[i]));
+      rest.oldNames.push_back(std::move(content.oldNames[i]));
+    }
+  for (Shot& shot : content.shots)
+    if (reels.contains(base::fold(shot.reel)))
+      rest.shots.push_back(std::move(shot));
+  content = std::move(rest);
+}
+
 const std::vector<std::size_t>& reelLengths()
 {
   static const std::vector<std::size_t> lengths(lists::reelFields.begin(), lists::reelFields.end());
@@ -104,6 +148,13 @@ Written writeEdl(const ProjectContent& content, std::size_t reelLength)
 Written writeAle(const ProjectContent& content)
 {
   return listBy(content, [&](const std::vector<lists::Clip>& clips) { return lists::writeAle(content.rate, clips); });
+}
+
+Written writeOtio(const ProjectContent& content)
+{
+  return listBy(content, [&](const std::vector<lists::Clip>& clips) {
+    return lists::writeOtio(content.project, clips, content.rate, false);
+  });
 }
 
 Written writeReelsCsv(const ProjectContent& content)
@@ -135,18 +186,28 @@ Written writeReelsCsv(const ProjectContent& content)
 
 Written writeShotsCsv(const ProjectContent& content)
 {
-  std::vector<std::string> row;
-  row.reserve(shotTexts.size() + 3);
-  for (const ShotText& text : shotTexts)
-    row.emplace_back(text.name);
-  row.insert(row.end(), {"aliases", "video_channels", "audio_channels", "frame_rate", "drop_frame"});
-  Written written{lists::csvRow(row), content.shots.size(), {}, {}};
-  for (const Shot& shot : content.shots) {
-    row.clear();
-    for (const ShotText& text : shotTexts)
-      row.push_back(shot.*text.text);
-    row.insert(row.end(), {fmt::format("{}", fmt::join(shot.aliases, "\n")), std::to_string(shot.videoChannels),
-                           std::to_string(shot.audioChannels), shot.frameRate, wordOf(shot.dropFrame)});
+  Written written{lists::csvRow(shotTitles()), content.shots.size(), {}, {}};
+  for (const Shot& shot : content.shots)
+    written.text += lists::csvRow(cellsOf(shot));
+  return written;
+}
+
+Written writeEventsCsv(const ListEvents& list)
+{
+  std::vector<std::string> row = shotTitles();
+  row.insert(row.end(), {"reel_now", "special", "event", "part", "reel_text", "transition", "duration", "speed",
+                         "speed_timecode", "source_ids", "line"});
+  Written written{lists::csvRow(row), list.events.size(), {}, {}};
+  for (const ListUse& use : list.events) {
+    const lists::Event& event = use.clip.event;
+    std::vector<std::string> ids;
+    for (const lists::SourceId& id : event.sourceIds)
+      ids.push_back(id.id);
+    const lists::Speed speed = event.speed.value_or(lists::Speed());
+    row = cellsOf(use.clip);
+    row.insert(row.end(), {use.reel, use.clip.special, event.number, std::to_string(event.part), event.reelText,
+                           event.transition, event.duration, speed.framesPerSecond, speed.timecode,
+                           fmt::format("{}", fmt::join(ids, "\n")), std::to_string(use.clip.line)});
     written.text += lists::csvRow(row);
   }
   return written;

@@ -10,7 +10,9 @@
 #include <vector>
 
 #include "app/history.h"
+#include "app/kept_lists.h"
 #include "app/reels.h"
+#include "app/selection.h"
 #include "app/session.h"
 #include "app/shots.h"
 #include "app/state.h"
@@ -33,6 +35,10 @@ struct ProjectContent {
 /// in case, a lookup finds only the first.
 ProjectContent readContent(Session& session);
 
+/// Leaves the selected reels and their shots; without the state, which a project can be made of only if it is whole.
+/// Throws Error as requireSelected does.
+void restrictTo(Session& session, ProjectContent& content, const Selection& selection);
+
 /// A list or a table as text, and the changes that its format required.
 struct Written {
   std::string text;
@@ -49,9 +55,13 @@ const std::vector<std::size_t>& reelLengths();
 Written writeEdl(const ProjectContent& content, std::size_t reelLength);
 /// A log exchange file (ALE).
 Written writeAle(const ProjectContent& content);
+/// A collection of clips in OTIO, one for each shot.
+Written writeOtio(const ProjectContent& content);
 /// Tables of the shots and of the reels, according to RFC 4180.
 Written writeShotsCsv(const ProjectContent& content);
 Written writeReelsCsv(const ProjectContent& content);
+/// A table of the events of a list, with the columns of a shot first.
+Written writeEventsCsv(const ListEvents& list);
 
 } // namespace reeldb::app
 

@@ -2,6 +2,7 @@
 #include "app/list_export.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,6 +11,7 @@
 #include "app/kept_events.h"
 #include "app/kept_lists.h"
 #include "app/projects.h"
+#include "base/ascii.h"
 #include "base/display_text.h"
 #include "lists/name_forms.h"
 #include "lists/names.h"
@@ -68,26 +70,55 @@ void takeReel(Shot& event, const std::string& reel)
   event.reel = reel;
 }
 
+/// The format in which a list is written if no other is asked for. The others are not written.
+lists::Format ownFormat(const KeptList& list)
+{
+  for (const lists::Format format : {lists::Format::Ale, lists::Format::Otio})
+    if (list.format == lists::wordOf(format))
+      return format;
+  return lists::Format::Edl;
+}
+
+std::string titleOf(const KeptList& list)
+{
+  return list.title.empty() ? list.file : list.title;
+}
+
 } // namespace
 
-Written exportList(Session& session, const std::string& name, const ListForm& form)
+ListEvents selectedEvents(Session& session, const std::string& list, const Selection& selection)
 {
-  const ListEvents found = eventsOf(session, name);
+  ListEvents found = eventsOf(session, list);
+  if (selection.empty())
+    return found;
+  std::unordered_set<std::string> reels;
+  for (const std::string& reel : requireSelected(session, selection))
+    reels.insert(base::fold(reel));
+  std::erase_if(found.events, [&](const ListUse& use) { return !reels.contains(base::fold(use.reel)); });
+  return found;
+}
+
+Written exportList(Session& session, const std::string& name, const ListForm& form, const Selection& selection)
+{
+  const ListEvents found = selectedEvents(session, name, selection);
   std::vector<Shot> events;
   for (const ListUse& use : found.events) {
     events.push_back(use.clip);
     if (!use.reel.empty())
       takeReel(events.back(), use.reel);
   }
-  const bool isLog =
-      form.format ? *form.format == lists::Format::Ale : found.list.format == lists::wordOf(lists::Format::Ale);
+  const lists::Format format = form.format.value_or(ownFormat(found.list));
   const lists::List original = lists::read(originalOf(session, std::to_string(found.list.number)));
   try {
     lists::Written written =
-        isLog ? lists::writeAle(rateOf(session).rate, events, original.headingRate)
-              : lists::writeEdl(found.list.title, events, form.reelLength ? *form.reelLength : reelLengthOf(events));
-    Written result{std::move(written.text), written.clips, remarksOnOriginal(original, found.list),
-                   std::move(written.leftOut)};
+        format == lists::Format::Ale ? lists::writeAle(rateOf(session).rate, events, original.headingRate)
+        : format == lists::Format::Otio
+            ? lists::writeOtio(titleOf(found.list), events, rateOf(session).rate, true)
+            : lists::writeEdl(found.list.title, events, form.reelLength ? *form.reelLength : reelLengthOf(events));
+    std::vector<std::string> remarks;
+    if (selection.empty()) // what a part of the list leaves out was asked for
+      remarks = remarksOnOriginal(original, found.list);
+    Written result{std::move(written.text), written.clips, std::move(remarks), std::move(written.leftOut)};
     result.remarks.insert(result.remarks.end(), written.remarks.begin(), written.remarks.end());
     return result;
   } catch (const lists::Error& error) {

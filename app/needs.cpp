@@ -2,8 +2,11 @@
 #include "app/needs.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 #include <optional>
+#include <string_view>
+#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -137,6 +140,16 @@ void addCandidates(Session& session, std::vector<Need>& needs, const ProjectName
   }
 }
 
+/// The place of its state among all states.
+std::size_t rankOf(const Need& need)
+{
+  constexpr std::array<std::string_view, 4> troubles = {"missing", "perhaps", "unavailable", "unknown type"};
+  return need.troubles.empty()
+             ? troubles.size()
+             : static_cast<std::size_t>(std::find(troubles.begin(), troubles.end(), need.troubles.front()) -
+                                        troubles.begin());
+}
+
 } // namespace
 
 std::string Need::state() const
@@ -244,6 +257,32 @@ std::vector<Need> needsOfEvents(Session& session, const std::vector<ListUse>& ev
     addCandidates(session, result);
     return result;
   });
+}
+
+bool comesFirst(const Need& a, const Need& b)
+{
+  const auto place = [](const Need& need) {
+    const std::string shelf = need.reel ? need.reel->bin : std::string();
+    return std::tuple(rankOf(need), need.state(), shelf.empty(), base::fold(shelf), base::fold(need.id), need.id);
+  };
+  return place(a) < place(b);
+}
+
+std::vector<std::pair<std::string, std::size_t>> countsOfStates(const std::vector<Need>& needs)
+{
+  std::map<std::pair<std::size_t, std::string>, std::size_t> counts;
+  for (const Need& need : needs)
+    ++counts[{rankOf(need), need.state()}];
+  std::vector<std::pair<std::string, std::size_t>> result;
+  result.reserve(counts.size());
+  for (const auto& [state, count] : counts)
+    result.emplace_back(state.second, count);
+  return result;
+}
+
+bool isMissing(const Need& need)
+{
+  return !need.reel;
 }
 
 std::size_t readyCount(const std::vector<Need>& needs)

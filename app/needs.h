@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/kept_lists.h"
@@ -52,6 +53,17 @@ std::vector<Need> needsOfProject(Session& session);
 std::vector<Need> needsOfEvents(Session& session, const std::vector<ListUse>& events);
 
 std::size_t readyCount(const std::vector<Need>& needs);
+
+/// The order in which people look for reels: by state, which is missing, perhaps, unavailable, unknown type, ready;
+/// then by shelf, reels without one last; then by identifier, ignoring letter case. @return Whether @p a comes before
+/// @p b.
+bool comesFirst(const Need& a, const Need& b);
+
+/// The number of needs with each state, in that order.
+std::vector<std::pair<std::string, std::size_t>> countsOfStates(const std::vector<Need>& needs);
+
+/// Whether the project has no such reel: it is missing, or perhaps another one.
+bool isMissing(const Need& need);
 
 } // namespace reeldb::app
 

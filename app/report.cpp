@@ -2,10 +2,7 @@
 #include "app/report.h"
 
 #include <algorithm>
-#include <array>
 #include <ctime>
-#include <string_view>
-#include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
@@ -39,24 +36,6 @@ void addUses(Uses& uses, const ListEvents& events)
   }
 }
 
-std::size_t rankOf(const Need& need)
-{
-  constexpr std::array<std::string_view, 4> troubles = {"missing", "perhaps", "unavailable", "unknown type"};
-  return need.troubles.empty()
-             ? troubles.size()
-             : static_cast<std::size_t>(std::find(troubles.begin(), troubles.end(), need.troubles.front()) -
-                                        troubles.begin());
-}
-
-bool comesBefore(const ReportedReel& a, const ReportedReel& b)
-{
-  const auto place = [](const Need& need) {
-    const std::string shelf = need.reel ? need.reel->bin : std::string();
-    return std::tuple(rankOf(need), need.state(), shelf.empty(), base::fold(shelf), base::fold(need.id), need.id);
-  };
-  return place(a.need) < place(b.need);
-}
-
 } // namespace
 
 ReelReport readReport(Session& session, const std::optional<std::string>& list)
@@ -83,7 +62,8 @@ ReelReport readReport(Session& session, const std::optional<std::string>& list)
       const auto found = uses.find(base::fold(need.id));
       report.reels.push_back({std::move(need), found == uses.end() ? std::vector<ReportedList>() : found->second});
     }
-    std::sort(report.reels.begin(), report.reels.end(), comesBefore);
+    std::sort(report.reels.begin(), report.reels.end(),
+              [](const ReportedReel& a, const ReportedReel& b) { return comesFirst(a.need, b.need); });
     return report;
   });
 }

@@ -33,8 +33,7 @@ struct ReelReport {
   std::string rate;             ///< frames per second, as the facility names them
   std::string time;             ///< when it was made: "2026-11-22T13:38:48Z"
   std::optional<KeptList> list; ///< empty: the whole project
-  /// By state: missing, perhaps, unavailable, unknown type, ready. Then by shelf, those without one last. Then by
-  /// identifier, ignoring letter case.
+  /// In the order of comesFirst().
   std::vector<ReportedReel> reels;
 };
 

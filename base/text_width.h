@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <wchar.h>
 
@@ -51,6 +52,38 @@ inline std::string cutToWidth(std::string_view text, std::size_t columns)
       cut = at;
   }
   return std::string(text);
+}
+
+/// The text in lines of at most @p columns (at least 1): broken at blanks, which are left out there, or within a word
+/// that is longer than a line. A character that is wider than a line has a line of its own. An empty text is one empty
+/// line.
+inline std::vector<std::string> wrapToWidth(std::string_view text, std::size_t columns)
+{
+  std::vector<std::string> lines;
+  if (text.size() <= columns) { // no character has more columns than bytes
+    lines.emplace_back(text);
+    return lines;
+  }
+  const CharacterLocale locale;
+  auto begin = text.begin(), blank = text.end(); // of the line, and its last blank; end: none
+  std::size_t used = 0;
+  for (auto at = text.begin(); at != text.end();) {
+    const auto character = at;
+    const bool isBlank = *at == ' ';
+    used += columnsOf(utf8::next(at, text.end()));
+    if (isBlank)
+      blank = character;
+    if (used <= columns || character == begin)
+      continue;
+    const bool atBlank = blank != text.end();
+    lines.emplace_back(begin, atBlank ? blank : character);
+    begin = atBlank ? blank + 1 : character;
+    blank = text.end();
+    used = 0;
+    at = begin; // the rest is measured again: it begins a line
+  }
+  lines.emplace_back(begin, text.end());
+  return lines;
 }
 
 /// The displayText of any text, cut to a length that suits a message.

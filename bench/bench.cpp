@@ -331,6 +331,25 @@ void tables(Table& table)
              {}});
 }
 
+/// Commands that go through all reels of a large project, against the listing of its reels.
+void bulk(Table& table)
+{
+  constexpr int reels = 10000;
+  const TempFolder folder;
+  const std::string facility = folder / "facility", list = folder / "list.edl";
+  const std::string command = fmt::format("{}reeldb -C {} ", bin, facility);
+  run(fmt::format("{}reeldb init {}", bin, facility));
+  writeList(list, reels, 0);
+  run(command + "import " + list);
+  table.add({"reels-of --file with 10000 reels",
+             "list of the same reels",
+             "instructions",
+             instructionsOfProcess(command + "reels-of --file " + list),
+             instructionsOfProcess(command + "list"),
+             3,
+             {}});
+}
+
 /// Reads what a listing reads: the reels with their fields, and the number of shots of each identifier.
 std::size_t readRows(const std::string& file)
 {
@@ -493,6 +512,7 @@ int main(int argc, char** argv)
       {"keeping", keeping},
       {"names", names},
       {"tables", tables},
+      {"bulk", bulk},
       {"opening", opening},
       {"type-file", typeFile},
       {"notification", notification},

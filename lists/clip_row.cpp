@@ -120,7 +120,7 @@ std::string takeRow(Collector& collector, ClipRow row, std::string_view text)
     return reject(std::move(fault));
   if (!collector.clip(std::move(clip), text))
     return {};
-  const std::string reel = collector.list().clips.back().reel;
+  std::string reel = collector.list().clips.back().reel;
   if (sound) {
     sound->soundOf = reel;
     collector.clip(*std::move(sound), text);

@@ -227,7 +227,7 @@ private:
   {
     Place within = connectedTo(node, place, timeOf(node, "start").value_or(Seconds()));
     within.counting = countingOf(node, "format", place.counting);
-    within.composition += "/" + std::to_string(node.offset_debug());
+    within.composition.append("/").append(std::to_string(node.offset_debug()));
     within.clip = attribute(node, "name");
     children(node, within);
   }

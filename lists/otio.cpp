@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/ascii.h"
+#include "base/number.h"
 #include "lists/json_tree.h"
 #include "lists/names.h"
 #include "lists/text.h"
@@ -41,7 +42,7 @@ constexpr std::array<Schema, 15> knownSchemas = {{{"Clip", "2"},
                                                   {"Transition", "1"}}};
 
 /// The members that the reader asks for, sorted.
-constexpr std::array<std::string_view, 36> askedNames = {"AAF",
+constexpr std::array<std::string_view, 49> askedNames = {"AAF",
                                                          "ALE",
                                                          "OTIO_SCHEMA",
                                                          "Tape",
@@ -49,15 +50,20 @@ constexpr std::array<std::string_view, 36> askedNames = {"AAF",
                                                          "TapeName",
                                                          "UserComments",
                                                          "active_media_reference_key",
+                                                         "aliases",
+                                                         "audio_channels",
                                                          "available_range",
+                                                         "camera_roll",
                                                          "children",
                                                          "cmx_3600",
                                                          "comments",
                                                          "displayformat",
+                                                         "drop_frame",
                                                          "duration",
                                                          "effects",
                                                          "enabled",
                                                          "fcp_xml",
+                                                         "frame_rate",
                                                          "generator_kind",
                                                          "global_start_time",
                                                          "kind",
@@ -67,8 +73,15 @@ constexpr std::array<std::string_view, 36> askedNames = {"AAF",
                                                          "name",
                                                          "name_prefix",
                                                          "name_suffix",
+                                                         "number",
                                                          "rate",
+                                                         "record_in",
+                                                         "record_out",
                                                          "reel",
+                                                         "reeldb",
+                                                         "sound_of",
+                                                         "source_in",
+                                                         "source_out",
                                                          "source_range",
                                                          "start_time",
                                                          "target_url",
@@ -76,7 +89,8 @@ constexpr std::array<std::string_view, 36> askedNames = {"AAF",
                                                          "time_scalar",
                                                          "timecode",
                                                          "tracks",
-                                                         "value"};
+                                                         "value",
+                                                         "video_channels"};
 
 bool asksFor(std::string_view name, std::string_view parent)
 {
@@ -176,8 +190,12 @@ struct Place {
   std::optional<Seconds> start;     ///< in the record; empty if it has no place there
   std::optional<Counting> counting; ///< of the record
   bool picture = true;
-  int sound = 0; ///< the number of its sound track; 0: a picture
+  int sound = 0;       ///< the number of its sound track; 0: a picture
+  bool isTrack = true; ///< whether it is on a track; a clip alone is not
 };
+
+/// The most channels of a clip.
+constexpr int mostChannels = 65535;
 
 class Reader {
 public:
@@ -203,7 +221,9 @@ private:
     } else if (name == "Stack" || name == "Track" || name == "Sequence" || name == "Clip") {
       Place place;
       place.composition = nextComposition();
-      place.start = Seconds();
+      place.isTrack = name != "Clip";
+      if (place.isTrack) // a clip alone has no record
+        place.start = Seconds();
       place.picture = !isSound(root);
       place.sound = place.picture ? 0 : 1;
       item(root, place, true);
@@ -256,6 +276,32 @@ private:
   }
 
   static Duration lengthOf(const JsonValue& item) { return timeOf(item["source_range"]["duration"]).seconds; }
+
+  /// What this program wrote of the clip; empty if another one wrote it.
+  static std::optional<WrittenClip> writtenOf(const JsonValue& own)
+  {
+    if (own["reel"].asText().empty())
+      return std::nullopt;
+    const auto text = [&](const char* name) { return clean(std::string(own[name].asText())); };
+    const auto number = [&](const char* name) {
+      return std::max(base::parseNumber(own[name].asText()).value_or(0), 0);
+    };
+    WrittenClip written;
+    written.number = number("number");
+    written.tracks = text("tracks");
+    written.videoChannels = std::min(number("video_channels"), mostChannels);
+    written.audioChannels = std::min(number("audio_channels"), mostChannels);
+    written.sourceIn = text("source_in");
+    written.sourceOut = text("source_out");
+    written.recordIn = text("record_in");
+    written.recordOut = text("record_out");
+    const std::optional<FrameRate> rate = rateOf(own["frame_rate"].asText());
+    written.frameRate = rate ? rateName(*rate) : std::string();
+    written.cameraRoll = text("camera_roll");
+    written.soundOf = text("sound_of");
+    written.dropFrame = own["drop_frame"].text == "true";
+    return written;
+  }
 
   void noteSpecial(const JsonValue& item, const Place& place, std::string_view reason)
   {
@@ -349,15 +395,24 @@ private:
     if (place.sound > 0)
       clip.sound.insert(place.sound);
     setRecord(clip, place, length);
-    setSource(clip, range, medium, place);
-    if (clip.source.counting && !clip.record.counting)
-      clip.record.counting = clip.source.counting;
     if (schemaOf(medium).name == "GeneratorReference") {
+      setSource(clip, range, medium, place);
+      if (clip.source.counting && !clip.record.counting)
+        clip.record.counting = clip.source.counting;
       const std::string kind(medium["generator_kind"].asText());
       clip.name = firstOf({clip.name, medium["name"].asText(), kind});
       timeline_.special(std::move(clip), reasonOfGenerator(kind));
       return length;
     }
+    clip.written = writtenOf(item["metadata"]["reeldb"]);
+    if (clip.written && !place.isTrack) {
+      clip.picture = clip.written->videoChannels > 0 || clip.written->audioChannels == 0;
+      for (int track = 1; track <= clip.written->audioChannels; ++track)
+        clip.sound.insert(track);
+    }
+    setSource(clip, range, medium, place);
+    if (clip.source.counting && !clip.record.counting)
+      clip.record.counting = clip.source.counting;
     setNames(clip, item, medium);
     setDoubts(clip, item, medium);
     timeline_.clip(std::move(clip));
@@ -367,6 +422,8 @@ private:
   static void setSource(TimelineClip& clip, const JsonValue& range, const JsonValue& medium, const Place& place)
   {
     if (range.isNull()) {
+      if (clip.written)
+        return;
       clip.doubts.emplace_back("no source range (kept without timecodes)");
       return;
     }
@@ -396,6 +453,13 @@ private:
   {
     const JsonValue& own = item["metadata"];
     const JsonValue& of = medium["metadata"];
+    clip.file = firstOf({pathOfUrl(medium["target_url"].asText())});
+    if (clip.written) {
+      clip.reel = own["reeldb"]["reel"].asText();
+      for (const auto& [unused, alias] : own["reeldb"]["aliases"].members)
+        clip.aliases.emplace_back(alias.asText());
+      return;
+    }
     const std::string_view listReel = own["cmx_3600"]["reel"].asText();
     const std::string_view fileReel = of["fcp_xml"]["timecode"]["reel"]["name"].asText();
     clip.reel = firstOf({listReel, fileReel, own["ALE"]["Tape"].asText(), of["ALE"]["Tape"].asText()});
@@ -415,8 +479,8 @@ private:
     const std::string sequence = std::string(medium["target_url_base"].asText())
                                      .append(medium["name_prefix"].asText())
                                      .append(medium["name_suffix"].asText());
-    clip.file = firstOf({pathOfUrl(medium["target_url"].asText()), pathOfUrl(sequence),
-                         sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
+    clip.file =
+        firstOf({clip.file, pathOfUrl(sequence), sourceFileOf(own["cmx_3600"]["comments"]), medium["name"].asText()});
   }
 
   static void setDoubts(TimelineClip& clip, const JsonValue& item, const JsonValue& medium)

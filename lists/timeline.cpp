@@ -12,6 +12,7 @@
 #include "lists/names.h"
 #include "lists/own_name.h"
 #include "lists/text.h"
+#include "lists/timecode.h"
 
 namespace reeldb::lists {
 namespace {
@@ -29,6 +30,8 @@ std::string keyOf(const TimelineClip& clip)
     key.append(*text).append(1, '\0');
   for (const std::optional<Seconds>* time : {&clip.source.in, &clip.source.out, &clip.record.in, &clip.record.out})
     key.append(textOf(*time)).append(1, '\0');
+  if (clip.written)
+    key.append(std::to_string(clip.written->number));
   return key;
 }
 
@@ -52,10 +55,70 @@ std::string tracksOf(const TimelineClip& clip)
   return tracks;
 }
 
+bool isTimeText(const std::string& text)
+{
+  return text.empty() || isFrameNumber(text) || timecodeFault(text).empty();
+}
+
+/// Whether the text means the time. No text means no time; neither it nor a label that does not exist at this rate has
+/// a place of its own, so they mean the start of the day.
+bool means(const std::string& text, const std::optional<Seconds>& time, Counting counting)
+{
+  if (text.empty())
+    return !time || time->numerator == 0;
+  const std::optional<FrameAt> at = time ? frameAt(*time, counting.rate) : std::nullopt;
+  if (!at || !at->isWhole || !isTimeText(text))
+    return false;
+  std::int64_t frame = 0;
+  if (isFrameNumber(text))
+    std::from_chars(text.data(), text.data() + text.size(), frame);
+  else if (!frameOf(text, {counting.rate, (counting.dropFrame || isDropFrame(text)) && hasDropFrame(counting.rate)},
+                    frame)
+                .empty())
+    frame = 0;
+  return frame == at->frame;
+}
+
+Counting countingOf(const TimeRange& range, const WrittenClip& written)
+{
+  return {range.counting->rate, written.dropFrame || range.counting->dropFrame};
+}
+
+/// Whether the clip still stands in the record where it was written.
+bool isInPlace(const TimeRange& record, const WrittenClip& written)
+{
+  if (!record.in)
+    return isTimeText(written.recordIn) && isTimeText(written.recordOut);
+  return record.counting && means(written.recordIn, record.in, countingOf(record, written)) &&
+         means(written.recordOut, record.out, countingOf(record, written));
+}
+
+/// Whether the source has the times that were written. A source that plays at another speed is as long as its place in
+/// the record.
+bool isAsWritten(const TimelineClip& clip)
+{
+  const WrittenClip& written = *clip.written;
+  if (!clip.source.in) // no time of this rate
+    return isTimeText(written.sourceIn) && isTimeText(written.sourceOut);
+  return clip.source.counting && means(written.sourceIn, clip.source.in, countingOf(clip.source, written)) &&
+         isTimeText(written.sourceOut) &&
+         ((clip.record.in && isInPlace(clip.record, written)) ||
+          means(written.sourceOut, clip.source.out, countingOf(clip.source, written)));
+}
+
+bool isOnTheTracksWritten(const TimelineClip& clip)
+{
+  const WrittenClip& written = *clip.written;
+  const bool hasPicture = written.videoChannels > 0 || written.audioChannels == 0;
+  return hasPicture == clip.picture && static_cast<std::size_t>(written.audioChannels) == clip.sound.size();
+}
+
 /// The names of the source, the one that decides first. No file has a field for names, except in what came from a cut
 /// list.
 OwnName ownNameOf(const TimelineClip& clip)
 {
+  if (clip.written)
+    return {clip.reel, NameEvidence::ReelMap};
   if (clip.reel.empty() || isAuxiliary(clip.reel))
     return ownNameWithoutTape(clip.file, clip.file.empty() ? clip.name : std::string());
   if (!specialReason(clip.reel).empty())
@@ -161,16 +224,44 @@ Clip Timeline::clipOf(TimelineClip& from)
   clip.line = from.line;
   clip.clipName = from.name;
   clip.sourceFile = from.file;
-  clip.tracks = tracksOf(from);
-  clip.videoChannels = clip.tracks.starts_with('V') ? 1 : 0;
-  clip.audioChannels = static_cast<int>(from.sound.size());
+  if (from.written && isOnTheTracksWritten(from)) {
+    clip.tracks = from.written->tracks;
+    clip.videoChannels = from.written->videoChannels;
+    clip.audioChannels = from.written->audioChannels;
+  } else {
+    clip.tracks = tracksOf(from);
+    clip.videoChannels = clip.tracks.starts_with('V') ? 1 : 0;
+    clip.audioChannels = static_cast<int>(from.sound.size());
+  }
+  setSource(from, clip);
+  setRecord(from, clip);
+  return clip;
+}
+
+void Timeline::setSource(TimelineClip& from, Clip& clip) const
+{
+  if (from.written && isAsWritten(from)) {
+    clip.sourceIn = from.written->sourceIn;
+    clip.sourceOut = from.written->sourceOut;
+    clip.frameRate = from.written->frameRate;
+    clip.dropFrame = from.written->dropFrame;
+    return;
+  }
   if (from.source.counting) {
     clip.frameRate = rateName(from.source.counting->rate);
     clip.dropFrame = from.source.counting->dropFrame;
   }
   setTimes(from.source, "source", clip.sourceIn, clip.sourceOut, from.doubts);
+}
+
+void Timeline::setRecord(TimelineClip& from, Clip& clip) const
+{
+  if (from.written && isInPlace(from.record, *from.written)) {
+    clip.recordIn = from.written->recordIn;
+    clip.recordOut = from.written->recordOut;
+    return;
+  }
   setTimes(from.record, "record", clip.recordIn, clip.recordOut, from.doubts);
-  return clip;
 }
 
 void Timeline::report(TimelineClip from)
@@ -187,8 +278,13 @@ void Timeline::report(TimelineClip from)
     return collector_.reject(from.line, shownOf(from), "no reel, no file and no name");
   for (std::string& alias : from.aliases)
     clip.aliases.push_back(clean(trimWhite(alias)));
-  clip.aliases.push_back(from.reel);
-  clip.aliases.emplace_back(fileName(from.file));
+  if (from.written) {
+    clip.cameraRoll = from.written->cameraRoll;
+    clip.soundOf = from.written->soundOf;
+  } else {
+    clip.aliases.push_back(from.reel);
+    clip.aliases.emplace_back(fileName(from.file));
+  }
   for (const SourceId& id : from.ids)
     if (!id.id.empty() && id.id.size() <= nameBytes && firstControl(id.id).empty())
       clip.event.sourceIds.push_back(id);

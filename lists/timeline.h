@@ -33,6 +33,18 @@ struct TimeRange {
   std::optional<Counting> counting; ///< how its timecodes count; empty if nothing says so
 };
 
+/// What this program wrote of a clip beside its times. Another program may have changed the times since.
+struct WrittenClip {
+  int number = 0; ///< of the clip: its copies on other tracks have the same
+  std::string tracks;
+  int videoChannels = 0;
+  int audioChannels = 0;
+  std::string sourceIn, sourceOut, recordIn, recordOut;
+  std::string frameRate;
+  bool dropFrame = false;
+  std::string cameraRoll, soundOf;
+};
+
 /// A clip as a timeline file has it. Texts may be in any state.
 struct TimelineClip {
   int line = 0;
@@ -48,6 +60,7 @@ struct TimelineClip {
   std::set<int> sound; ///< the numbers of its sound tracks
   std::string place;   ///< clips of different places are different clips
   std::vector<std::string> doubts;
+  std::optional<WrittenClip> written; ///< its reel and its aliases are then those of the clip, whatever its file is
 };
 
 class Timeline {
@@ -68,6 +81,8 @@ private:
   void requireRoom();
   void report(TimelineClip clip);
   Clip clipOf(TimelineClip& clip);
+  void setSource(TimelineClip& from, Clip& clip) const;
+  void setRecord(TimelineClip& from, Clip& clip) const;
   void setTimes(const TimeRange& range, const std::string& what, std::string& in, std::string& out,
                 std::vector<std::string>& doubts) const;
   void reportSameNames();

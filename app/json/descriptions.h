@@ -444,6 +444,7 @@ void describe(Io& io, R& need)
     io("bin", need.reel ? need.reel->bin : std::string());
     io("names", need.names);
     io("candidates", need.candidates);
+    io("last_device", need.reel ? need.reel->lastDevice : std::string());
   } else {
     io("names", need.names);
     io("candidates", need.candidates);
@@ -459,6 +460,7 @@ void describe(Io& io, R& need)
     reel.available = state.find("unavailable") == std::string::npos;
     io("type", reel.type);
     io("bin", reel.bin);
+    io("last_device", reel.lastDevice);
   }
 }
 

@@ -2,6 +2,7 @@
 #include "commands/commands.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include <fmt/ranges.h>
 
@@ -28,6 +29,7 @@ struct Options {
   std::vector<std::string> clips;
   std::optional<std::string> reel, file, by;
   NameOptions names;
+  bool missing = false;
   bool json = false;
 };
 
@@ -42,22 +44,42 @@ std::string candidatesText(const app::Need& need)
   return text.empty() ? text : fmt::format("  {} is perhaps {}\n", base::displayText(need.id), text);
 }
 
+/// "5 reels needed, 2 ready, 1 missing, 2 unavailable"
+std::string countsText(const std::vector<app::Need>& needs)
+{
+  std::string text = fmt::format("{} needed, {} ready", counted(needs.size(), "reel"), app::readyCount(needs));
+  for (const auto& [state, count] : app::countsOfStates(needs))
+    if (state != "ready")
+      text.append(fmt::format(", {} {}", count, state));
+  return text;
+}
+
 void report(const Options& options, const std::vector<app::Need>& needs)
 {
+  std::vector<app::Need> shown;
+  std::copy_if(needs.begin(), needs.end(), std::back_inserter(shown),
+               [&](const app::Need& need) { return !options.missing || app::isMissing(need); });
   if (options.json) {
-    print(app::jsonText(needs));
+    print(app::jsonText(shown));
     return;
   }
-  Table table({{"REEL"}, {.title = "SHOTS", .number = true}, {"STATE"}, {"TYPE"}, {.title = "BIN", .optional = true}});
-  for (const app::Need& need : needs)
-    table.add({need.id, std::to_string(need.shots), need.state(), orDash(need.reel ? need.reel->type : ""),
-               need.reel ? need.reel->bin : ""});
-  table.print();
-  for (const app::Need& need : needs) {
+  std::sort(shown.begin(), shown.end(), app::comesFirst);
+  Table table({{"REEL"},
+               {.title = "SHOTS", .number = true},
+               {"STATE"},
+               {"TYPE"},
+               {.title = "BIN", .optional = true},
+               {.title = "LAST DEVICE", .optional = true}});
+  for (const app::Need& need : shown) {
+    const app::Reel reel = need.reel.value_or(app::Reel());
+    table.add({need.id, std::to_string(need.shots), need.state(), orDash(reel.type), reel.bin, reel.lastDevice});
+  }
+  table.printOr("");
+  for (const app::Need& need : shown) {
     print(namesText(need.names, textColumns(stdout)));
     print(candidatesText(need));
   }
-  print(fmt::format("{} needed, {} ready\n", counted(needs.size(), "reel"), app::readyCount(needs)));
+  print(countsText(needs) + "\n");
 }
 
 void reportRolls(const Options& options, const std::vector<app::NeededRoll>& rolls)
@@ -108,6 +130,8 @@ void checkOptions(const Options& options)
     refuse("reels-of: use only one of clip names, --reel ID and --file FILE");
   if (std::find(options.clips.begin(), options.clips.end(), "") != options.clips.end())
     refuse("reels-of: \"\": not a clip name");
+  if (options.by && options.missing)
+    refuse("reels-of: --by and --missing exclude each other");
   if (!options.file && (options.names.match || options.names.names))
     refuse("reels-of: --match and --names need --file FILE");
   requireGroup(options.by);
@@ -128,7 +152,9 @@ ExitCode ofList(const Options& options, const Globals& globals)
   complainOfTheRest(file);
   if (needs.empty())
     throw app::Error(app::ErrorKind::Refused, fmt::format("{}: none of its clips has a reel", file.path));
-  return file.list.rejected.empty() ? done : incomplete;
+  if (!file.list.rejected.empty())
+    return incomplete;
+  return app::readyCount(needs) == needs.size() ? done : refused;
 }
 
 ExitCode run(const Options& options, const Globals& globals)
@@ -156,13 +182,17 @@ void addReelsOf(CommandLine& line)
        .description = "List the reels that shots or a list need, and which of them are not ready",
        .examples = {"reeldb reels-of \"KITCHEN WIDE\"", "reeldb reels-of --reel A002",
                     "reeldb reels-of --file evening.edl --match exact", "reeldb reels-of --file evening.edl --by roll",
-                    "reeldb reels-of --file evening.edl --json"},
+                    "reeldb reels-of --file evening.edl --json", "reeldb reels-of --file evening.edl --missing"},
        .details =
            "The state of a reel is ready, missing (the project does not have it), perhaps (its name may mean reels "
            "that\n"
-           "the project has), unavailable, unknown type, or both of the last two. The list need not be imported. Its "
-           "sources that are not reels, and its lines that\n"
-           "cannot be read, are reported on standard error.\n"
+           "the project has), unavailable, unknown type, or both of the last two. Reels are shown by state, then by\n"
+           "bin, then by name; --json has them in the order of the shots. LAST DEVICE is the device that the reel\n"
+           "was in most recently.\n"
+           "\n"
+           "The list need not be imported. Its sources that are not reels, and its lines that cannot be read, are\n"
+           "reported on standard error. With --file the exit code is 0 if all reels are ready, 1 if one is not, and 4\n"
+           "if a line of the list could not be read, whatever the reels are.\n"
            "\n"
            "--by roll counts the needed reels of each camera roll instead, as list --by roll does, and how many of "
            "them\n"
@@ -175,6 +205,7 @@ void addReelsOf(CommandLine& line)
   command.texts("CLIP", options->clips, "Clip names of shots in the project").shownAs("");
   command.text("--reel", options->reel, "The shots recorded from this reel").shownAs("ID");
   command.text("--file", options->file, "The clips of this cut list, log file or timeline").shownAs("FILE");
+  command.flag("--missing", options->missing, "Only the reels that the project does not have: missing or perhaps");
   command.text("--by", options->by, "Group the reels: roll").shownAs("GROUP");
   addNameOptions(command, options->names);
   command.json(options->json);

@@ -75,8 +75,9 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
   const auto line = [&](const auto& cellAt) {
     std::string result(indent, ' ');
     for (std::size_t i = 0; i < shown.size(); ++i) {
-      const std::string cell = base::cutToWidth(cellAt(shown[i]), widths[i]);
-      const std::string padding(widths[i] - base::displayWidth(cell), ' ');
+      const std::string& cell = cellAt(i);
+      const std::size_t width = base::displayWidth(cell); // a character may be wider than its column
+      const std::string padding(widths[i] - std::min(width, widths[i]), ' ');
       result.append(i ? gap : 0, ' ');
       result += columns[i].number ? padding : cell;
       result += columns[i].number ? cell : padding;
@@ -84,13 +85,33 @@ std::string Table::text(std::optional<std::size_t> terminalColumns, bool colours
     result.erase(result.find_last_not_of(' ') + 1);
     return result;
   };
+  const auto linesOf = [&](const std::vector<std::string>& row, std::string_view before, std::string_view after) {
+    std::vector<std::vector<std::string>> cells;
+    std::size_t height = 1;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+      cells.push_back(base::wrapToWidth(row[shown[i]], std::max<std::size_t>(widths[i], 1)));
+      height = std::max(height, cells.back().size());
+    }
+    std::string lines;
+    for (std::size_t at = 0; at < height; ++at) {
+      const std::string none;
+      const auto cellAt = [&](std::size_t i) -> const std::string& {
+        return at < cells[i].size() ? cells[i][at] : none;
+      };
+      lines.append(before).append(line(cellAt)).append(after).append("\n");
+    }
+    return lines;
+  };
   std::string result;
   if (showsTitles_) {
-    const std::string titles = line([this](std::size_t i) { return columns_[i].title; });
-    result = colours ? fmt::format("\x1b[1m{}\x1b[0m\n", titles) : titles + '\n';
+    std::vector<std::string> titles;
+    titles.reserve(columns_.size());
+    for (const Column& column : columns_)
+      titles.push_back(column.title);
+    result = linesOf(titles, colours ? "\x1b[1m" : "", colours ? "\x1b[0m" : "");
   }
   for (const auto& row : rows_)
-    result += line([&row](std::size_t i) { return row[i]; }) + "\n";
+    result += linesOf(row, "", "");
   return result;
 }
 

@@ -17,8 +17,8 @@ struct Column {
   bool optional = false; ///< left out if the column is empty in all rows
 };
 
-/// Rows of text under titles, in columns as wide as their contents. On a terminal, columns other than the first are cut
-/// if a row would not fit; elsewhere nothing is cut.
+/// Rows of text under titles, in columns as wide as their contents. On a terminal, cells of columns other than the
+/// first are wrapped if a row would not fit; elsewhere a row is one line.
 class Table {
 public:
   /// Titles and cells may contain any bytes.

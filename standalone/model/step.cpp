@@ -8,7 +8,7 @@ namespace reelhost::model {
 
 namespace {
 
-constexpr const char *type = "log type", *imported = "imported", *entireMedium = "entire medium", *name = "name",
+constexpr const char *type = "log type", *imported = "imported", *entireMedium = "entire medium", *logName = "name",
                      *reelType = "reel type", *video = "video channels", *audio = "audio channels";
 
 /// The values of a log that are not fields.
@@ -17,7 +17,7 @@ Values membersOf(const StoredLog& log)
   return {{type, std::to_string(log.type)},
           {imported, std::to_string(log.imported ? 1 : 0)},
           {entireMedium, std::to_string(log.entireMedium ? 1 : 0)},
-          {name, log.name},
+          {logName, log.name},
           {reelType, log.reelType},
           {video, std::to_string(log.videoChannels)},
           {audio, std::to_string(log.audioChannels)}};
@@ -28,7 +28,7 @@ void setMembers(StoredLog& log, const Values& members)
   log.type = std::stoi(members.at(type));
   log.imported = members.at(imported) == "1";
   log.entireMedium = members.at(entireMedium) == "1";
-  log.name = members.at(name);
+  log.name = members.at(logName);
   log.reelType = members.at(reelType);
   log.videoChannels = std::stoi(members.at(video));
   log.audioChannels = std::stoi(members.at(audio));

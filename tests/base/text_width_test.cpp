@@ -10,6 +10,8 @@ using namespace reeldb::base;
 
 namespace {
 
+using Lines = std::vector<std::string>;
+
 TEST(DisplayWidth, CountsColumns)
 {
   EXPECT_EQ(displayWidth(""), 0u);
@@ -25,6 +27,31 @@ TEST(DisplayWidth, LeavesTheLocaleAsItWas)
   displayWidth("\xe3\x83\x86");
   EXPECT_EQ(setlocale(LC_ALL, nullptr), before);
   EXPECT_NE(strcasecmp("\xc9", "\xe9"), 0);
+}
+
+TEST(WrapToWidth, TextThatFitsIsOneLine)
+{
+  EXPECT_EQ(wrapToWidth("", 3), Lines{""});
+  EXPECT_EQ(wrapToWidth("a b", 3), Lines{"a b"});
+}
+
+TEST(WrapToWidth, LinesBreakAtTheLastBlankThatFits)
+{
+  EXPECT_EQ(wrapToWidth("one two three", 8), (Lines{"one two", "three"}));
+  EXPECT_EQ(wrapToWidth("one two", 4), (Lines{"one", "two"}));
+  EXPECT_EQ(wrapToWidth("one two", 3), (Lines{"one", "two"}));
+}
+
+TEST(WrapToWidth, LongWordBreaksAnywhere)
+{
+  EXPECT_EQ(wrapToWidth("abcdefgh", 3), (Lines{"abc", "def", "gh"}));
+  EXPECT_EQ(wrapToWidth("a bcdefgh", 3), (Lines{"a", "bcd", "efg", "h"}));
+}
+
+TEST(WrapToWidth, WideCharactersCountTwiceAndStayWhole)
+{
+  EXPECT_EQ(wrapToWidth("\xe3\x83\x86\xe3\x83\x86", 3), (Lines{"\xe3\x83\x86", "\xe3\x83\x86"}));
+  EXPECT_EQ(wrapToWidth("\xe3\x83\x86x", 1), (Lines{"\xe3\x83\x86", "x"}));
 }
 
 TEST(CutToWidth, TextThatFitsStays)

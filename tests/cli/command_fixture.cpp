@@ -16,17 +16,17 @@ ProcessResult CommandTest::reeldb(const Words& words, const ProcessSetting& sett
   return runProcess(line, setting);
 }
 
-std::string CommandTest::output(const Words& words)
+std::string CommandTest::output(const Words& words, int code)
 {
   const ProcessResult result = reeldb(words);
-  EXPECT_EQ(result.code, 0) << result.err;
+  EXPECT_EQ(result.code, code) << result.err;
   EXPECT_EQ(result.err, "");
   return result.out;
 }
 
-Json CommandTest::json(const Words& words)
+Json CommandTest::json(const Words& words, int code)
 {
-  return Json::parse(output(words));
+  return Json::parse(output(words, code));
 }
 
 std::string CommandTest::readFile(const std::string& name) const

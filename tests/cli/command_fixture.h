@@ -24,9 +24,9 @@ class CommandTest : public testing::Test {
 protected:
   ProcessResult reeldb(const Words& words) { return reeldb(words, setting_); }
   ProcessResult reeldb(const Words& words, const ProcessSetting& setting);
-  /// Runs it, expects exit code 0 and an empty standard error, and returns standard output.
-  std::string output(const Words& words);
-  Json json(const Words& words);
+  /// Runs it, expects that exit code and an empty standard error, and returns standard output.
+  std::string output(const Words& words, int code = 0);
+  Json json(const Words& words, int code = 0);
 
   std::string path(const std::string& name) const { return (dir_.path() / name).string(); }
   std::string readFile(const std::string& name) const;

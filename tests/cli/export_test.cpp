@@ -77,6 +77,7 @@ protected:
     ASSERT_EQ(imported.code, 0) << imported.out;
     const Json report = Json::parse(imported.out).at("files").at(0);
     EXPECT_EQ(report.at("special"), Json::array());
+    EXPECT_EQ(report.at("rejected"), Json::array());
     // One reel for all clips is a doubt in every list.
     EXPECT_TRUE(report.at("ambiguous").empty() || contents(project).at("reels").size() == 1) << report.at("ambiguous");
     EXPECT_EQ(report.at("spellings"), Json::array());
@@ -94,6 +95,7 @@ protected:
     const int code = reeldb({"-p", project, "import", list.string()}).code;
     ASSERT_TRUE(code == 0 || code == 4);
     expectSameAfter({"--ale"}, project);
+    expectSameAfter({"--otio"}, project);
     for (const std::string& length : reelLengths)
       expectSameAfter({"--edl", "--reel-length", length}, project);
   }
@@ -313,13 +315,98 @@ TEST_F(Export, ListThatIsNotThereAndOptionsThatDoNotFitAreRefused)
   dir_.write("evening.edl", cutWithADissolve);
   ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
   EXPECT_EQ(reeldb({"export", "morning.edl"}).code, 1);
-  for (const char* option : {"--csv", "--json", "--reels", "--history"})
-    expectRefusal(
-        {"export", "evening.edl", option},
-        "export LIST: only --edl and --ale choose its format (reeldb list-file show LIST --json shows it as JSON)", 2);
-  expectRefusal({"export", "evening.edl", "--edl", "--ale"}, "export LIST: --edl and --ale exclude each other", 2);
-  expectRefusal({"export", "evening.edl", "--ale", "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
+  const std::string which = " (use one of --edl, --ale, --otio, --csv, --json)";
+  expectRefusal({"export", "evening.edl", "--history"},
+                "export: --history needs --json and excludes --reels, --reel, --where and a list", 2);
+  expectRefusal({"export", "evening.edl", "--reels"}, "export: no format given" + which, 2);
+  expectRefusal({"export", "evening.edl", "--edl", "--ale"}, "export: more than one format given" + which, 2);
+  for (const char* option : {"--ale", "--otio", "--csv", "--json"})
+    expectRefusal({"export", "evening.edl", option, "--reel-length", "8"}, "export: --reel-length needs --edl", 2);
+  expectRefusal({"export", "evening.edl", "--list", "evening.edl"}, "export: LIST and --list exclude each other", 2);
   expectRefusal({"export", "evening.edl", "--force"}, "export: --force needs -o FILE", 2);
+}
+
+TEST_F(Export, TimelineOfEachSampleComesBackAsTheSameReelsAndShots)
+{
+  const char* const folder = std::getenv("REELDB_SAMPLES");
+  if (!folder || listsIn(folder).empty())
+    GTEST_SKIP() << "REELDB_SAMPLES names no folder with lists";
+  std::vector<fs::path> files = listsIn(folder);
+  for (const char* const kind : {"otio", "xmeml", "fcpxml"})
+    for (const auto& entry : fs::directory_iterator(fs::path(folder) / kind))
+      files.push_back(entry.path());
+  for (const fs::path& file : files) {
+    SCOPED_TRACE(file.filename().string());
+    const std::string project = numbered("timeline", ++lists_), copy = numbered("copy", ++copies_);
+    output({"project", "new", project});
+    if (const int code = reeldb({"-p", project, "import", file.string()}).code; code != 0 && code != 4)
+      continue; // no list
+    ASSERT_EQ(reeldb({"-p", project, "export", "--otio", "--list", "1", "-o", "out"}).code, 0);
+    output({"project", "new", copy});
+    EXPECT_EQ(reeldb({"-p", copy, "import", "out"}).code, 0);
+    fs::remove(path("out"));
+    const auto sorted = [&](const std::string& of) {
+      Json all = contents(of);
+      all.at("shots") = withoutNames(all.at("shots"), true);
+      std::sort(all.at("reels").begin(), all.at("reels").end());
+      std::sort(all.at("shots").begin(), all.at("shots").end());
+      return all;
+    };
+    EXPECT_EQ(sorted(copy), sorted(project));
+  }
+}
+
+TEST_F(Export, ListOfATimelineIsATimeline)
+{
+  dir_.write("evening.edl", cutWithADissolve);
+  ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"export", "--otio", "--list", "evening.edl", "-o", "evening.otio"}).code, 0);
+  ASSERT_EQ(reeldb({"import", "evening.otio"}).code, 0);
+  EXPECT_EQ(json({"list-file", "list", "--json"}).at(1).at("format"), "otio");
+  EXPECT_EQ(Json::parse(reeldb({"export", "evening.otio"}).out).at("OTIO_SCHEMA"), "Timeline.1");
+}
+
+TEST_F(Export, SelectedReelsComeWithTheirShotsAlone)
+{
+  dir_.write("one.edl",
+             event(1, "A001", "V", "01:00:00:00", "01:00:01:00") + event(2, "B001", "V", "01:00:00:00", "01:00:01:00"));
+  dir_.write("two.edl",
+             event(1, "B001", "V", "02:00:00:00", "02:00:01:00") + event(2, "B002", "V", "01:00:00:00", "01:00:01:00"));
+  ASSERT_EQ(reeldb({"import", "one.edl", "two.edl"}).code, 0);
+  const Json some = json({"export", "--json", "--reel", "b*"});
+  EXPECT_EQ(some.at("reels").size(), 2u);
+  EXPECT_EQ(some.at("shots").size(), 3u);
+  EXPECT_FALSE(some.contains("state_version"));
+  EXPECT_TRUE(json({"export", "--json"}).contains("state_version"));
+  EXPECT_EQ(json({"export", "--json", "--reels", "--where", "list=one.edl"}).at("reels").size(), 2u);
+  EXPECT_EQ(json({"export", "--json", "--reels", "two.edl"}).at("reels").at(1).at("id"), "B002");
+  EXPECT_EQ(json({"export", "--json", "--list", "two.edl", "--reel", "B002"}).at("events").size(), 1u);
+  const std::string table = output({"export", "--csv", "--where", "name=A001"});
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), 2);
+  const ProcessResult cut = reeldb({"export", "two.edl", "--reel", "B001"});
+  EXPECT_EQ(cut.code, 0);
+  EXPECT_EQ(cut.err, "");
+  EXPECT_NE(cut.out.find("001  B001"), std::string::npos) << cut.out;
+  EXPECT_EQ(cut.out.find("B002"), std::string::npos) << cut.out;
+  EXPECT_EQ(reeldb({"export", "--csv", "--reel", "X*"}).code, 1);
+}
+
+TEST_F(Export, TableOfAListHasItsEvents)
+{
+  dir_.write("evening.edl", cutWithADissolve);
+  ASSERT_EQ(reeldb({"import", "evening.edl"}).code, 0);
+  ASSERT_EQ(reeldb({"rename", "A001", "NEW"}).code, 0);
+  const std::string table = output({"export", "evening.edl", "--csv"});
+  const Json events = json({"export", "evening.edl", "--json"}).at("events");
+  EXPECT_EQ(table.find("reel,clip,tracks,source_in,source_out,record_in,record_out,source_file,aliases,video_channels,"
+                       "audio_channels,frame_rate,drop_frame,reel_now,special,event,part,reel_text,transition,duration,"
+                       "speed,speed_timecode,source_ids,line\r\n"),
+            0u)
+      << table;
+  EXPECT_EQ(std::count(table.begin(), table.end(), '\n'), static_cast<std::ptrdiff_t>(events.size()) + 1);
+  EXPECT_NE(table.find(",NEW,"), std::string::npos) << table;
+  EXPECT_NE(table.find(",D,"), std::string::npos) << table;
+  EXPECT_EQ(events, json({"list-file", "show", "evening.edl", "--json"}).at("events"));
 }
 
 TEST_F(Export, CutListHasAMapOfTheNamesThatDoNotFit)
@@ -607,7 +694,7 @@ TEST_F(Export, MoreReelsThanNumbersAreRefused)
 
 TEST_F(Export, OptionsThatDoNotFitAreUsageErrors)
 {
-  const std::string which = " (use one of --edl, --ale, --csv, --json)";
+  const std::string which = " (use one of --edl, --ale, --otio, --csv, --json)";
   expectRefusal({"export"}, "export: no format given" + which, 2);
   expectRefusal({"export", "--edl", "--ale"}, "export: more than one format given" + which, 2);
   expectRefusal({"export", "--edl", "--reel-length", "7"}, "--reel-length 7: invalid (use one of 3, 6, 8, 32, 129)", 2);
@@ -616,7 +703,7 @@ TEST_F(Export, OptionsThatDoNotFitAreUsageErrors)
   for (const Words& words : {Words{"--csv"}, Words{"--edl"}, Words{"--json", "--reels"}}) {
     Words command = {"export", "--history"};
     command.insert(command.end(), words.begin(), words.end());
-    expectRefusal(command, "export: --history needs --json and excludes --reels", 2);
+    expectRefusal(command, "export: --history needs --json and excludes --reels, --reel, --where and a list", 2);
   }
   expectRefusal({"export", "--csv", "--force"}, "export: --force needs -o FILE", 2);
 }

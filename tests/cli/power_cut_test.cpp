@@ -44,7 +44,7 @@ protected:
   static void writeList(std::ostringstream& out, const reelhost::KeptList& list)
   {
     out << "list " << list.number << ' ' << list.file << ' ' << list.title << ' ' << list.eventCount << '\n';
-    out.write(reinterpret_cast<const char*>(list.digest.data()), list.digest.size());
+    out.write(reinterpret_cast<const char*>(list.digest.data()), static_cast<std::streamsize>(list.digest.size()));
     for (const reelhost::ListEvent& event : list.events)
       out << '\n' << event.line << ' ' << event.shot << ' ' << event.number << ' ' << event.clip.reel;
     out << '\n';

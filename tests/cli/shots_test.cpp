@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <sstream>
+
 #include "cli/command_fixture.h"
 
 using namespace reeldb_tests;
@@ -82,7 +84,7 @@ TEST_F(ReelsOf, ClipNamesFindTheirReelsInAnyCase)
 {
   EXPECT_EQ(json({"reels-of", "--json", "Kitchen Wide"}), Json::parse(R"([
     {"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "shelf", "names": [],
-     "candidates": []}])"));
+     "candidates": [], "last_device": ""}])"));
 }
 
 TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
@@ -94,7 +96,7 @@ TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
                                event(5, "C001", "V", "01:00:02:00", "01:00:03:00"));
   output({"set", "EMPTY", "available=no"});
   const std::string before = readFile("projects/main.reels");
-  const Json needs = json({"reels-of", "--json", "--file", "online.edl"});
+  const Json needs = json({"reels-of", "--json", "--file", "online.edl"}, 1);
   ASSERT_EQ(needs.size(), 4u);
   EXPECT_EQ(needs.at(0).at("state"), "ready");
   EXPECT_EQ(needs.at(1).at("state"), "unknown type");
@@ -102,17 +104,78 @@ TEST_F(ReelsOf, ListReportsReelsThatAreMissingUnavailableOrOfUnknownType)
   EXPECT_EQ(needs.at(2).at("state"), "missing");
   EXPECT_EQ(needs.at(2).at("names").size(), 1u);
   EXPECT_EQ(needs.at(3).at("state"), "unavailable");
-  const std::string text = output({"reels-of", "--file", "online.edl"});
-  EXPECT_NE(text.find("\nC001       2  missing       -\n"), std::string::npos) << text;
-  EXPECT_NE(text.find("\n4 reels needed, 1 ready\n"), std::string::npos) << text;
+  EXPECT_EQ(output({"reels-of", "--file", "online.edl"}, 1),
+            "REEL   SHOTS  STATE         TYPE        BIN\n"
+            "C001       2  missing       -\n"
+            "EMPTY      1  unavailable   Tape 2ch\n"
+            "B001       1  unknown type  Unheard of\n"
+            "A001       1  ready         Tape 2ch    shelf\n"
+            "4 reels needed, 1 ready, 1 missing, 1 unavailable, 1 unknown type\n");
   EXPECT_EQ(readFile("projects/main.reels"), before);
+}
+
+TEST_F(ReelsOf, ReelsOfOneStateAreInTheOrderOfShelfAndNameInTheTableAndInTheOrderOfTheListInJson)
+{
+  std::string list;
+  int number = 0;
+  for (const char* const reel : {"R4", "R3", "R2", "R1", "B001"}) {
+    if (reel != std::string("B001")) {
+      ASSERT_EQ(reeldb({"create", reel}).code, 0);
+    }
+    list += event(++number, reel, "V", "01:00:00:00", "01:00:01:00");
+  }
+  dir_.write("online.edl", list);
+  output({"set", "B001", "type=Tape 2ch"});
+  output({"set", "R1", "R4", "bin=b"});
+  output({"set", "R3", "bin=A"});
+  output({"set", "R3", "last-device=Deck 1"});
+  const std::string text = output({"reels-of", "--file", "online.edl"});
+  Words order;
+  std::istringstream lines(text);
+  std::string line;
+  std::getline(lines, line);
+  EXPECT_NE(line.find("  LAST DEVICE"), std::string::npos) << line;
+  while (std::getline(lines, line))
+    order.push_back(line.substr(0, line.find(' ')));
+  EXPECT_EQ(order, (Words{"R3", "R1", "R4", "B001", "R2", "5"})) << text;
+  const Json needs = json({"reels-of", "--file", "online.edl", "--json"});
+  EXPECT_EQ(needs.at(0).at("id"), "R4");
+  EXPECT_EQ(needs.at(4).at("id"), "B001");
+  EXPECT_NE(needs.at(1).at("last_device"), "");
+}
+
+TEST_F(ReelsOf, MissingShowsOnlyReelsThatTheProjectDoesNotHave)
+{
+  ASSERT_EQ(reeldb({"create", "C001C001_X"}).code, 0);
+  ASSERT_EQ(reeldb({"create", "C001C001_Y"}).code, 0);
+  dir_.write("online.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
+                               event(2, "Z001", "V", "01:00:00:00", "01:00:01:00") + narrowEvent("C001C001", "X"));
+  EXPECT_EQ(output({"reels-of", "--file", "online.edl", "--missing"}, 1),
+            "REEL      SHOTS  STATE    TYPE\n"
+            "Z001          1  missing  -\n"
+            "C001C001      1  perhaps  -\n"
+            "  C001C001 is perhaps C001C001_X, C001C001_Y\n"
+            "3 reels needed, 1 ready, 1 missing, 1 perhaps\n");
+  const Json needs = json({"reels-of", "--file", "online.edl", "--missing", "--json"}, 1);
+  ASSERT_EQ(needs.size(), 2u);
+  EXPECT_EQ(needs.at(0).at("id"), "Z001");
+  EXPECT_EQ(output({"reels-of", "--reel", "A001", "--missing"}), "1 reel needed, 1 ready\n");
+  EXPECT_EQ(json({"reels-of", "--reel", "A001", "--missing", "--json"}), Json::array());
+  const ProcessResult result = reeldb({"reels-of", "--reel", "A001", "--missing", "--by", "roll"});
+  EXPECT_EQ(result.code, 2);
+  EXPECT_EQ(result.err, "reeldb: reels-of: --by and --missing exclude each other\n");
+}
+
+TEST_F(ReelsOf, ClipsWhoseReelIsNotReadyAreExitCode0)
+{
+  EXPECT_NE(output({"reels-of", "--reel", "B001"}).find("unknown type"), std::string::npos);
 }
 
 TEST_F(ReelsOf, AllTroublesOfAReelAreReported)
 {
   output({"set", "B001", "available=no"});
   dir_.write("online.edl", event(1, "B001", "V", "01:00:00:00", "01:00:01:00"));
-  EXPECT_EQ(json({"reels-of", "--json", "--file", "online.edl"}).at(0).at("state"), "unavailable, unknown type");
+  EXPECT_EQ(json({"reels-of", "--json", "--file", "online.edl"}, 1).at(0).at("state"), "unavailable, unknown type");
 }
 
 TEST_F(ReelsOf, SourcesOfAListThatAreNotReelsAreReported)
@@ -191,12 +254,12 @@ TEST_F(ReelsOf, NameThatMayBeSeveralReelsIsShownWithThese)
   ASSERT_EQ(reeldb({"rename", "OLD", "NEW"}).code, 0);
   dir_.write("short.edl", narrowEvent("C001C001", "X"));
   dir_.write("file.edl", event(2, "kitchen.mov", "V", "01:00:00:00", "01:00:01:00"));
-  std::string text = output({"reels-of", "--file", "short.edl", "--names", "list"});
+  std::string text = output({"reels-of", "--file", "short.edl", "--names", "list"}, 1);
   EXPECT_NE(text.find("C001C001      1  perhaps  -"), std::string::npos) << text;
   EXPECT_NE(text.find("\n  C001C001 is perhaps C001C001_X, C001C001_Y\n1 reel needed"), std::string::npos) << text;
-  text = output({"reels-of", "--file", "file.edl"});
+  text = output({"reels-of", "--file", "file.edl"}, 1);
   EXPECT_NE(text.find("  kitchen.mov is perhaps A001: other name in a list\n"), std::string::npos) << text;
-  EXPECT_EQ(json({"reels-of", "--json", "--file", "file.edl"}).at(0).at("candidates").at(0).at("reel"), "A001");
+  EXPECT_EQ(json({"reels-of", "--json", "--file", "file.edl"}, 1).at(0).at("candidates").at(0).at("reel"), "A001");
 }
 
 TEST_F(ReelsOf, WordsOfMatchAndNamesAreChecked)
@@ -219,14 +282,14 @@ TEST_F(ReelsOf, WordsOfMatchAndNamesAreChecked)
 TEST_F(ReelsOf, OptionsOfNamesReachEachCommand)
 {
   dir_.write("cut.edl", narrowEvent("C001C001", "C001C001_X"));
-  EXPECT_EQ(json({"reels-of", "--json", "--file", "cut.edl", "--names", "clip"}).at(0).at("id"), "C001C001_X");
+  EXPECT_EQ(json({"reels-of", "--json", "--file", "cut.edl", "--names", "clip"}, 1).at(0).at("id"), "C001C001_X");
   EXPECT_EQ(json({"import", "--json", "--names", "clip", "cut.edl"}).at("files").at(0).at("created"),
             Json({"C001C001_X"}));
   dir_.write("cut2.edl", narrowEvent("C001C001", "another"));
   const auto reelsOf = [&](const Words& more) {
     Words words = {"reels-of", "--json", "--file", "cut2.edl"};
     words.insert(words.end(), more.begin(), more.end());
-    return json(words).at(0).at("id");
+    return Json::parse(reeldb(words).out).at(0).at("id");
   };
   EXPECT_EQ(reelsOf({}), "C001C001_X");
   EXPECT_EQ(reelsOf({"--match", "exact"}), "C001C001");
@@ -236,7 +299,7 @@ TEST_F(ReelsOf, OptionsOfNamesReachEachCommand)
             Json({"C001C001"}));
 }
 
-TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)
+TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4WhateverTheReelsAre)
 {
   dir_.write("bad.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                             "002  C001  V  C  01:00:99:00 01:00:01:00 01:00:00:00 01:00:01:00\n");
@@ -244,6 +307,8 @@ TEST_F(ReelsOf, RejectedLinesOfTheListAreExitCode4)
   EXPECT_EQ(result.code, 4);
   EXPECT_NE(result.err.find("reeldb: bad.edl: line 2 rejected: "), std::string::npos) << result.err;
   EXPECT_NE(result.err.find("01:00:99:00"), std::string::npos) << result.err;
+  output({"set", "A001", "available=no"});
+  EXPECT_EQ(reeldb({"reels-of", "--file", "bad.edl"}).code, 4);
 }
 
 } // namespace

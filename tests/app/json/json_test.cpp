@@ -342,7 +342,7 @@ TEST(Json, ReportHasNeedsAndUses)
   const std::string list = R"({"number": 1, "file": "a.edl", "title": "A", "format": "edl", "events": 2})";
   expectJson(report, R"({"project": "main", "frame_rate": "25", "time": "2026-11-22T13:38:48Z", "list": )" + list +
                          R"(, "reels": [{"need": {"id": "A001", "shots": 2, "state": "missing", "type": "", "bin": "",
-                            "names": [], "candidates": []}, "uses": [{"list": )" +
+                            "names": [], "candidates": [], "last_device": ""}, "uses": [{"list": )" +
                          list + R"(, "events": 2, "clips": ["WIDE"]}]}]})");
 }
 
@@ -356,12 +356,13 @@ TEST(Json, NeedsSayTheStateInOneText)
                                {"A003", 1, away, {"unavailable", "unknown type"}}},
              R"([{"id": "A001", "shots": 2, "state": "ready", "type": "Tape 2ch", "bin": "Shelf 4", "names": [)" +
                  std::string(nameObject) +
-                 R"(], "candidates": []},
-                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": "", "names": [], "candidates": []},
+                 R"(], "candidates": [], "last_device": "Deck A"},
+                 {"id": "A002", "shots": 1, "state": "missing", "type": "", "bin": "", "names": [], "candidates": [],
+                  "last_device": ""},
                  {"id": "A004", "shots": 1, "state": "perhaps", "type": "", "bin": "", "names": [], "candidates": [{)" +
-                 candidateKeys + R"(}]},
+                 candidateKeys + R"(}], "last_device": ""},
                  {"id": "A003", "shots": 1, "state": "unavailable, unknown type", "type": "Tape 2ch",
-                  "bin": "Shelf 4", "names": [], "candidates": []}])");
+                  "bin": "Shelf 4", "names": [], "candidates": [], "last_device": "Deck A"}])");
 }
 
 TEST(Json, NameMeaningHasTheOneReelOrNull)
