@@ -115,6 +115,7 @@ private:
     if (skipped_ > 0) {
       --skipped_;
     } else {
+      open_.back()->members.shrink_to_fit(); // most have a few members, and there may be millions
       open_.pop_back();
       names_.pop_back();
     }
