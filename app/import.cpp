@@ -22,7 +22,9 @@
 #include "app/new_reel_types.h"
 #include "app/project_names.h"
 #include "app/projects.h"
+#include "app/reel_fields.h"
 #include "app/reel_records.h"
+#include "app/reel_rows.h"
 #include "app/shot_logs.h"
 #include "app/shots_made_before.h"
 #include "app/unused_shots.h"
@@ -30,6 +32,7 @@
 #include "base/text_width.h"
 #include "lists/name_forms.h"
 #include "lists/names.h"
+#include "lists/sheet.h"
 #include "lists/timing.h"
 #include "reelhost/host.h"
 
@@ -95,6 +98,12 @@ KeptVersion keptVersionOf(const ListFile& file, const reelhost::Digest& digest, 
       version.shots.push_back(event.shot);
     }
   return version;
+}
+
+/// Whether its format also has reels: a table or JSON, which this program writes of the project.
+bool isOfReels(const lists::List& list)
+{
+  return list.format == lists::Format::Sheet || list.format == lists::Format::Json;
 }
 
 class Importer {
@@ -191,7 +200,8 @@ public:
                                                       : clip.reel;
       const bool missing = met.insert(base::fold(reel)).second && !reel.empty() && !noteReel(reel, result);
       const bool repeated = !metShots.insert(key).second;
-      const auto [shot, added] = known == 0 ? bringIn(clip, std::move(key)) : std::pair(known, false);
+      const auto [shot, added] =
+          known == 0 ? bringIn(clip, std::move(key), isOfReels(result.list)) : std::pair(known, false);
       if (known != 0 && before.list.digest != digest)
         noteUse(placeOf(known), clip);
       shots.push_back(shot);
@@ -205,7 +215,7 @@ public:
       }
       advance();
     }
-    if (reelhost::keepsLists())
+    if (reelhost::keepsLists() && isKept(result, before))
       keep(name, digest, std::move(file.bytes), before, shots, result);
     keepOthers(imported_++, result.keptAs);
     if (names_.readsLists() && result.keeping == Keeping::New)
@@ -458,8 +468,8 @@ private:
   }
 
   /// Creates the clip's shot unless a shot with that key exists. Returns the number of the shot, and whether it was
-  /// created.
-  std::pair<std::int64_t, bool> bringIn(const Shot& clip, std::string key)
+  /// created. A table or JSON says nothing further of a shot that exists: it may have been written from the project.
+  std::pair<std::int64_t, bool> bringIn(const Shot& clip, std::string key, bool ofReels)
   {
     const auto [place, isNew] = byKey_.emplace(std::move(key), shots_.size());
     if (isNew) {
@@ -468,7 +478,7 @@ private:
       usesChange_ = true;
       if (!byNumber_.empty())
         byNumber_.emplace(reelhost::logNumber(shots_.back().log), place->second);
-    } else {
+    } else if (!ofReels) {
       noteUse(place->second, clip);
     }
     return {reelhost::logNumber(shots_[place->second].log), isNew};
@@ -502,6 +512,17 @@ private:
     for (const reelhost::KeptList& list : reelhost::keptLists())
       if (base::sameName(list.file, fileNameOf(file)) || (!list.title.empty() && list.title == file.list.title))
         result.earlier = list.number;
+  }
+
+  /// Whether the project keeps the list. Tables and JSON are kept if they bring clips: what this program wrote of the
+  /// project itself comes back and changes nothing.
+  static bool isKept(ImportedList& result, const KeptVersion& before)
+  {
+    if (!isOfReels(result.list) || before.list.number != 0 || result.shotsAdded > 0)
+      return true;
+    result.earlier.reset();
+    result.replacesNothing = false;
+    return false;
   }
 
   /// Keeps the list, whose clips are these shots, unless it is kept as it is.
@@ -602,7 +623,55 @@ std::vector<OtherReel> checkedReels(std::vector<OtherReel> others, const std::ve
   return others;
 }
 
+/// Whether anything but rows of reels may be in it.
+bool isListOfClips(const ListFile& file)
+{
+  return !isOfReels(file.list) || !file.list.clips.empty() || !file.list.specialClips.empty();
+}
+
+void importClips(Session& session, std::vector<ListFile>& files, const Progress& progress, const Replacing& replacing,
+                 const Treatment& treatment, ImportReport& report)
+{
+  Importer importer(session, files, progress, replacing, treatment);
+  report.moves = importer.moves();
+  report.changes = !report.moves.empty();
+  for (ListFile& file : files) {
+    report.lists.push_back(importer.import(std::move(file)));
+    if (const auto reel = reelOfDefaultType(report.lists.back()); reel && report.remarks.empty())
+      remarkOnUnlistedType(text(requireReel(session.manager(), *reel).typeName()), report.remarks);
+  }
+  if (!importer.replacedShots().empty()) {
+    UnusedShots unused = deleteUnused(session, importer.replacedShots(), importer.lastBefore());
+    report.shotsRemoved = std::move(unused.shots);
+    report.reelsRemoved = std::move(unused.reels);
+  }
+  report.typeChanges = importer.changeTypes();
+}
+
+/// Gives reels the fields of the rows that the lists of the report have.
+void importReels(Session& session, const Treatment& treatment, ImportReport& report)
+{
+  if (std::all_of(report.lists.begin(), report.lists.end(),
+                  [](const ImportedList& imported) { return imported.list.reels.empty(); }))
+    return;
+  ReelRows rows(session, treatment);
+  for (ImportedList& imported : report.lists)
+    rows.import(imported);
+  const std::vector<ReelMove> moves = rows.moveShots();
+  report.moves.insert(report.moves.end(), moves.begin(), moves.end());
+  report.remarks.insert(report.remarks.end(), rows.remarks().begin(), rows.remarks().end());
+}
+
 } // namespace
+
+void requireMeanings(const lists::TitleMap& titles)
+{
+  for (const auto& [title, meaning] : titles)
+    if (!lists::isSheetTitle(meaning) && !reelFieldName(meaning))
+      throw Error(ErrorKind::Invalid,
+                  fmt::format("import: --map {}={}: \"{}\" is neither a column that tables have nor a field of a reel",
+                              base::shortText(title), base::shortText(meaning), base::shortText(meaning)));
+}
 
 std::string_view wordOf(Keeping keeping)
 {
@@ -621,7 +690,8 @@ std::string_view wordOf(Keeping keeping)
 
 bool ImportedList::changesProject() const
 {
-  return shotsAdded > 0 || !created.empty() || keeping == Keeping::New || keeping == Keeping::NewVersion;
+  return shotsAdded > 0 || !created.empty() || !changes.empty() || keeping == Keeping::New ||
+         keeping == Keeping::NewVersion;
 }
 
 ImportTotals ImportReport::totals() const
@@ -638,6 +708,10 @@ ImportTotals ImportReport::totals() const
     totals.shotsThere += imported.shotsThere - imported.shotsRepeated;
     totals.shotsRepeated += imported.shotsRepeated;
     totals.reelsCreated += imported.created.size();
+    std::unordered_set<std::string_view> changed;
+    for (const RowChange& change : imported.changes)
+      changed.insert(change.reel);
+    totals.reelsChanged += changed.size();
     totals.warnings += imported.list.warnings.size();
     totals.rejected += imported.list.rejected.size();
   }
@@ -663,24 +737,19 @@ ImportReport importLists(Session& session, std::vector<ListFile> files, bool dry
     if (treatment.type && !isListedType(*treatment.type))
       throw Error(ErrorKind::NotFound, fmt::format("{}: no such reel type (reeldb type list shows the catalogue)",
                                                    base::shortText(*treatment.type)));
-    Importer importer(session, files, progress, replacing, treatment);
     ImportReport report;
     report.dryRun = dryRun;
-    report.moves = importer.moves();
-    report.changes = !report.moves.empty();
-    for (ListFile& file : files) {
-      report.lists.push_back(importer.import(std::move(file)));
-      const ImportedList& imported = report.lists.back();
+    if (std::any_of(files.begin(), files.end(), isListOfClips))
+      importClips(session, files, progress, replacing, treatment, report);
+    else
+      for (ListFile& file : files) {
+        ImportedList& imported = report.lists.emplace_back();
+        imported.file = file.path;
+        imported.list = std::move(file.list);
+      }
+    importReels(session, treatment, report);
+    for (const ImportedList& imported : report.lists)
       report.changes = report.changes || imported.changesProject();
-      if (const auto reel = reelOfDefaultType(imported); reel && report.remarks.empty())
-        remarkOnUnlistedType(text(requireReel(session.manager(), *reel).typeName()), report.remarks);
-    }
-    if (!importer.replacedShots().empty()) {
-      UnusedShots unused = deleteUnused(session, importer.replacedShots(), importer.lastBefore());
-      report.shotsRemoved = std::move(unused.shots);
-      report.reelsRemoved = std::move(unused.reels);
-    }
-    report.typeChanges = importer.changeTypes();
     report.stored = !dryRun && session.commit();
     return report;
   });

@@ -41,6 +41,12 @@ struct TypeChange {
   std::string reel, from, to;
 };
 
+/// What a row of a table, or an object of JSON, changed in a field of a reel.
+struct RowChange {
+  int line = 0; ///< of the row
+  std::string reel, field, before, after;
+};
+
 /// The result for one list.
 struct ImportedList {
   std::string file;
@@ -54,6 +60,7 @@ struct ImportedList {
   std::vector<TypedReels> types;    ///< of the created reels, those with a type by rule or by choice
   std::vector<std::string> matched; ///< identifiers of reels that existed before, as their records spell them
   std::vector<NamedReel> names;     ///< the names of its sources, each once, in the order of the list
+  std::vector<RowChange> changes;   ///< of fields, in the order of the rows
   std::size_t reelsOfFiles = 0;     ///< the number of reels that its sources have by the name of their file alone
   Keeping keeping = Keeping::NotKept;
   std::int64_t keptAs = 0;             ///< the number of the kept list; 0: it is not kept
@@ -75,7 +82,7 @@ struct ImportTotals {
   std::size_t lists = 0, listsNew = 0, listsReplaced = 0, listsUnchanged = 0;
   std::size_t clips = 0, shotsAdded = 0;
   std::size_t shotsThere = 0, shotsRepeated = 0; ///< before the list, and earlier in the same list
-  std::size_t reelsCreated = 0;
+  std::size_t reelsCreated = 0, reelsChanged = 0;
   std::size_t warnings = 0, rejected = 0; ///< lines
   std::size_t skipped = 0;                ///< files
 };
@@ -96,6 +103,9 @@ struct ImportReport {
   ImportTotals totals() const;
   bool isIncomplete() const; ///< whether a line of any list was rejected, or a file skipped
 };
+
+/// Throws Error (Invalid) unless each title of a table is mapped to a title that tables have, or to a field of a reel.
+void requireMeanings(const lists::TitleMap& titles);
 
 /// Which kept lists an import replaces.
 struct Replacing {
@@ -131,10 +141,12 @@ struct Treatment {
 /// same shot still, and one that a person deleted does not come back. The import is one transaction. A new reel gets
 /// the type that the treatment or a rule of the facility says, and the channels of that type. A reel of the project
 /// that imports alone made and changed gets another type if its type followed from its shots and all of its shots now
-/// say another one; its record is made again, because the library removes no channels. With @p dryRun nothing is
-/// stored, and the report contains what would be stored. If it throws Error, nothing is stored: NotFound for a type
-/// that the catalogue does not have; Invalid or Refused for one of the other reels if no clip has its name, if the reel
-/// exists, or if the project keeps the list already. REQUIRES: a session for writing, unless it is a dry run.
+/// say another one; its record is made again, because the library removes no channels. Then the reels that tables and
+/// JSON have rows of get their fields, and are created if they do not exist; a table without a clip is not kept, nor is
+/// one that brings nothing new. With @p dryRun nothing is stored, and the report contains what would be stored. If it
+/// throws Error, nothing is stored: NotFound for a type that the catalogue does not have; Invalid or Refused for one of
+/// the other reels if no clip has its name, if the reel exists, or if the project keeps the list already. REQUIRES: a
+/// session for writing, unless it is a dry run.
 ImportReport importLists(Session& session, std::vector<ListFile> files, bool dryRun, const Progress& progress = {},
                          const Replacing& replacing = {}, const Treatment& treatment = {});
 

@@ -107,6 +107,21 @@ std::string readStandardInput()
   }
 }
 
+/// Adds the lists that JSON holds.
+void addLists(const std::vector<lists::InnerList>& inner, const std::string& path, const lists::ReadOptions& options,
+              ListFiles& files)
+{
+  for (const lists::InnerList& each : inner) {
+    const std::string name = each.file.empty() ? path : each.file;
+    try {
+      files.read.push_back({name, lists::read(each.bytes, options), each.bytes});
+    } catch (const lists::Error& error) {
+      const std::string subject = fmt::format("{}, list {}", path, name);
+      files.failures.push_back({subject, Error(ErrorKind::Unreadable, fmt::format("{}: {}", subject, error.what()))});
+    }
+  }
+}
+
 } // namespace
 
 std::string readInputFile(const std::string& path, std::size_t largest)
@@ -147,7 +162,11 @@ ListFiles readListFiles(const std::vector<std::string>& paths, const lists::Read
   ListFiles files;
   for (const std::string& path : filesOf(paths, folders, files.failures)) {
     try {
-      files.read.push_back(readListFile(path, options));
+      ListFile file = readListFile(path, options);
+      const std::vector<lists::InnerList> inner = std::exchange(file.list.lists, {});
+      if (inner.empty() || !file.list.clips.empty() || !file.list.reels.empty() || !file.list.rejected.empty())
+        files.read.push_back(std::move(file));
+      addLists(inner, path, options, files);
     } catch (const Error& error) {
       files.failures.push_back({path == standardInput ? std::string(standardInputName) : path, error});
     }

@@ -303,6 +303,34 @@ void names(Table& table)
              {}});
 }
 
+/// A table of 10,000 rows that changes type, shelf, availability and a user field of as many reels, against the report
+/// of these reels.
+void tables(Table& table)
+{
+  constexpr int reels = 10000;
+  const TempFolder folder;
+  const std::string facility = folder / "facility", rows = folder / "rows.csv";
+  run(fmt::format("{}reeldb init {}", bin, facility));
+  writeProject(facility + "/projects/bench.reels", reels, 1);
+  std::ofstream csv(rows);
+  csv << "reel,type,shelf,available,user field 0\n";
+  for (int i = 0; i < reels; ++i)
+    csv << fmt::format("{},Tape 4ch,Shelf {},no,scene {}\n", reelName(i), i % 50, i);
+  csv.close();
+  const std::string command = fmt::format("{}reeldb -C {} -p bench ", bin, facility);
+  const double listing = instructionsOfProcess(command + "list --json");
+  const double import = instructionsOfProcess(command + "import " + rows);
+  if (outputOf(command + "list --where available=no --no-header | wc -l") != fmt::format("{}\n", reels))
+    throw std::runtime_error("the table has not changed all reels");
+  table.add({fmt::format("import of {0} rows that change four fields of {0} reels, process", reels),
+             "reeldb list --json of the same reels",
+             "instructions",
+             import,
+             listing,
+             3,
+             {}});
+}
+
 /// Commands that go through all reels of a large project, against the listing of its reels.
 void bulk(Table& table)
 {
@@ -483,6 +511,7 @@ int main(int argc, char** argv)
       {"imports", imports},
       {"keeping", keeping},
       {"names", names},
+      {"tables", tables},
       {"bulk", bulk},
       {"opening", opening},
       {"type-file", typeFile},

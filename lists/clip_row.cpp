@@ -37,6 +37,24 @@ std::string timesFault(const ClipRow& row)
   return {};
 }
 
+/// Why a text of the row that no other rule covers cannot be kept; empty if all can.
+std::string textsFault(const ClipRow& row)
+{
+  Clip texts;
+  texts.reel = "tracks, camera roll or source id";
+  texts.aliases = {row.tracks, row.cameraRoll, row.sourceId};
+  return Collector::fault(texts);
+}
+
+std::string channelsFault(const ClipRow& row)
+{
+  constexpr int mostChannels = 256;
+  for (const std::optional<int>& channels : {row.videoChannels, row.audioChannels})
+    if (channels.value_or(0) > mostChannels)
+      return std::to_string(*channels) + " channels (at most " + std::to_string(mostChannels) + ")";
+  return {};
+}
+
 /// The channels of the row; empty if no list can have its tracks.
 std::optional<Tracks> channelsOf(const ClipRow& row)
 {
@@ -57,8 +75,9 @@ std::string takeRow(Collector& collector, ClipRow row, std::string_view text)
     collector.reject(row.line, text, std::move(reason));
     return std::string();
   };
-  if (std::string fault = timesFault(row); !fault.empty())
-    return reject(std::move(fault));
+  for (std::string fault : {timesFault(row), textsFault(row), channelsFault(row)})
+    if (!fault.empty())
+      return reject(std::move(fault));
   const std::optional<Tracks> channels = channelsOf(row);
   if (!channels)
     return reject("unknown tracks " + inQuotes(row.tracks));
@@ -78,7 +97,7 @@ std::string takeRow(Collector& collector, ClipRow row, std::string_view text)
     clip.frameRate = rateName(*rate);
   else if (!row.frameRate.empty())
     collector.warn(row.line, text, "unknown frame rate " + inQuotes(row.frameRate) + " (kept without it)");
-  clip.sourceId = std::move(row.sourceId);
+  clip.sourceId = clean(row.sourceId);
   clip.cameraRoll = clean(row.cameraRoll);
   for (const std::string& alias : row.aliases)
     clip.aliases.push_back(clean(alias));

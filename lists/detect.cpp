@@ -7,6 +7,7 @@
 #include "lists/edl_note.h"
 #include "lists/otio.h"
 #include "lists/own_json.h"
+#include "lists/sheet.h"
 #include "lists/text.h"
 #include "lists/timeline.h"
 #include "lists/xml_root.h"
@@ -28,11 +29,13 @@ std::string_view wordOf(Format format)
     return "fcpxml";
   case Format::Json:
     return "json";
+  case Format::Sheet:
+    return "sheet";
   }
   return "";
 }
 
-std::optional<Format> detectText(std::string_view text)
+std::optional<Format> detectText(std::string_view text, const TitleMap& titles)
 {
   if (isOtio(trimWhite(text)))
     return Format::Otio;
@@ -50,6 +53,8 @@ std::optional<Format> detectText(std::string_view text)
       continue;
     if (first && startsLog(line))
       return Format::Ale;
+    if (first && isSheet(text, titles))
+      return Format::Sheet;
     if (base::startsWithName(trimmed, "FCM:") || (beginsLikeEvent(trimmed) && countTimecodes(trimmed) >= 2))
       return Format::Edl;
     if (first)

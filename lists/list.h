@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace reeldb::lists {
@@ -22,12 +23,12 @@ public:
   using std::runtime_error::runtime_error;
 };
 
-enum class Format { Edl, Ale, Otio, Xmeml, Fcpxml, Json };
+enum class Format { Edl, Ale, Otio, Xmeml, Fcpxml, Json, Sheet };
 
-inline constexpr std::array formats = {Format::Edl,   Format::Ale,    Format::Otio,
-                                       Format::Xmeml, Format::Fcpxml, Format::Json};
+inline constexpr std::array formats = {Format::Edl,    Format::Ale,  Format::Otio, Format::Xmeml,
+                                       Format::Fcpxml, Format::Json, Format::Sheet};
 
-/// "edl", "ale", "otio", "xmeml", "fcpxml", "json"
+/// "edl", "ale", "otio", "xmeml", "fcpxml", "json", "sheet"
 std::string_view wordOf(Format format);
 
 /// The place of a list that gives the name of a clip's source.
@@ -181,8 +182,31 @@ struct Tally {
   int blank = 0;
   int headers = 0;    ///< title, frame code mode and the like before the first event; headings, sections and columns
   int notes = 0;      ///< lines with a star, and markers without one
-  int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like
+  int statements = 0; ///< M2, FCM, AUD, >>> SOURCE and the like; rows of reels, and the further lines of a row
   int ignored = 0;    ///< the number of notes and statements, of those above, that no clip keeps
+};
+
+/// A value of a reel's field.
+struct ReelValue {
+  std::size_t field = 0; ///< its place in List::fields
+  std::string text;      ///< as written; empty removes the value
+  friend bool operator==(const ReelValue&, const ReelValue&) = default;
+};
+
+/// A row of a table, or an object of JSON, that gives a reel fields. What it does not have is not to be changed.
+struct ReelRow {
+  std::string reel; ///< its name, as written
+  int line = 0;     ///< counted from 1
+  std::string text; ///< as in Rejected
+  std::vector<ReelValue> values;
+  std::vector<std::string> aliases; ///< further names of the reel
+  bool clearsAliases = false;       ///< whether the names that people gave it are to be removed
+};
+
+/// A list that JSON holds: the file that it was.
+struct InnerList {
+  std::string file;
+  std::string bytes;
 };
 
 struct List {
@@ -196,7 +220,10 @@ struct List {
   std::vector<Spelling> spellings;
   std::vector<Ambiguous> ambiguous;
   std::string headingRate; ///< of a log: the rate in its heading, as rateName() writes it; empty if it gives none
-  std::vector<std::string> unread; ///< of a log: the headings and the columns with a text that no clip keeps
+  std::vector<std::string> unread; ///< the headings and the columns with a text that no clip and no reel keeps
+  std::vector<std::string> fields; ///< the fields that reels has values of: their names elsewhere, or any titles
+  std::vector<ReelRow> reels;      ///< one for each reel, in the order of the first row
+  std::vector<InnerList> lists;    ///< of JSON
   Timing timing;
   Tally tally;
   bool holdsProject = false; ///< of JSON: whether it is all that a project keeps, of which the clips are the shots
@@ -212,9 +239,13 @@ inline constexpr std::size_t nameBytes = 2047;
 /// mark, or Latin-1.
 std::optional<Format> detect(std::string_view bytes);
 
+/// Titles of columns, and the title or field that each means: "Tape No" and "reel".
+using TitleMap = std::vector<std::pair<std::string, std::string>>;
+
 /// How a list is read.
 struct ReadOptions {
   bool clipNames = false; ///< whether a clip name that begins with the cut name of a reel is the name of its source
+  TitleMap titles = {};   ///< of a table, beside those that are known
 };
 
 /// Reads a list. Bad lines are part of the result. Throws Error if the bytes are neither format, or are a log file

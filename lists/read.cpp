@@ -12,6 +12,7 @@
 #include "lists/list.h"
 #include "lists/otio.h"
 #include "lists/own_json.h"
+#include "lists/sheet.h"
 #include "lists/text.h"
 #include "lists/xmeml.h"
 #include "lists/xml_root.h"
@@ -37,11 +38,11 @@ std::string whatElse(std::string_view bytes, std::string_view text)
     return root == "hashlist" || root == "mhl" ? std::string("it is XML: a media hash list (MHL)")
                                                : "it is XML without a list: " + inQuotes(root);
   if (text.starts_with('{') || text.starts_with('['))
-    return "it is JSON";
+    return "it is JSON without reels, shots or lists";
   const std::string_view first = text.substr(0, text.find_first_of("\r\n"));
   for (const char separator : {',', ';', '\t'})
     if (std::count(first.begin(), first.end(), separator) >= 2)
-      return "it looks like a table: CSV or the like";
+      return "it looks like a table without a column for the reel; --map TITLE=reel names one";
   return "it has no event line and no Heading or Column";
 }
 
@@ -82,6 +83,8 @@ List readAs(Format format, std::string_view text, const ReadOptions& options)
     return readFcpxml(text);
   case Format::Json:
     return readOwnJson(text);
+  case Format::Sheet:
+    return readSheet(text, options.titles);
   }
   return {};
 }
@@ -100,7 +103,7 @@ List read(std::string_view bytes, const ReadOptions& options)
   const std::string_view text = decode(bytes, converted);
   if (trim(text).empty())
     throw Error("holds no text");
-  if (const std::optional<Format> format = detectText(text)) {
+  if (const std::optional<Format> format = detectText(text, options.titles)) {
     List list = readAs(*format, text, options);
     warnOfEncoding(text, list);
     return list;

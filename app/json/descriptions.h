@@ -508,6 +508,16 @@ void describe(Io& io, R& typed)
   io("reels", typed.reels);
 }
 
+template <class Io, Like<RowChange> R>
+void describe(Io& io, R& change)
+{
+  io("line", change.line);
+  io("reel", change.reel);
+  io("field", change.field);
+  io("from", change.before);
+  io("to", change.after);
+}
+
 template <class Io, Like<ImportedList> R>
 void describe(Io& io, R& imported)
 {
@@ -535,10 +545,12 @@ void describe(Io& io, R& imported)
   io("types", imported.types);
   io("matched", imported.matched);
   io("names", imported.names);
+  io("reel_changes", imported.changes);
   io("reels_of_files", imported.reelsOfFiles);
   io("special", list.specials);
   io("spellings", list.spellings);
   io("ambiguous", list.ambiguous);
+  io("unread", list.unread);
   io("warnings", list.warnings);
   io("rejected", list.rejected);
   io("lines", list.tally);
@@ -633,6 +645,7 @@ void describe(Io& io, R& totals)
   io("shots_there", totals.shotsThere);
   io("shots_repeated", totals.shotsRepeated);
   io("reels_created", totals.reelsCreated);
+  io("reels_changed", totals.reelsChanged);
   io("warnings", totals.warnings);
   io("rejected", totals.rejected);
   io("skipped", totals.skipped);

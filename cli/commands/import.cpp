@@ -25,7 +25,7 @@ struct Options {
   app::Replacing replacing;
   NameOptions names;
   std::optional<std::string> type;
-  std::vector<std::string> asNew;
+  std::vector<std::string> asNew, titles;
   bool recursive = false;
   bool skipsUnreadable = false;
   bool quiet = false;
@@ -57,12 +57,30 @@ void show(const Options& options, const app::ImportReport& report)
     print("dry run: the project stays as it was\n");
 }
 
+/// "TITLE=MEANING". A title may have an equals sign, a meaning has none.
+lists::TitleMap titleMap(const std::vector<std::string>& words)
+{
+  lists::TitleMap titles;
+  for (const std::string& word : words) {
+    const std::size_t equals = word.rfind('=');
+    if (equals == std::string::npos || equals == 0)
+      throw app::Error(app::ErrorKind::Invalid, fmt::format("import: --map {}: not a title and what it means (use "
+                                                            "TITLE=FIELD, such as \"Tape No=reel\")",
+                                                            base::shortText(word)));
+    titles.emplace_back(word.substr(0, equals), word.substr(equals + 1));
+  }
+  app::requireMeanings(titles);
+  return titles;
+}
+
 /// Reads all files before any is imported, so that an unreadable file leaves the project unchanged. Reports each
 /// unreadable file, and skips it if the options say so.
 app::ListFiles readAll(const Options& options)
 {
-  app::ListFiles files = app::readListFiles(options.files, options.names.reading(),
-                                            options.recursive ? app::Folders::AllFiles : app::Folders::Files);
+  lists::ReadOptions reading = options.names.reading();
+  reading.titles = titleMap(options.titles);
+  app::ListFiles files =
+      app::readListFiles(options.files, reading, options.recursive ? app::Folders::AllFiles : app::Folders::Files);
   const std::vector<app::UnreadFile>& failures = files.failures;
   const std::size_t all = files.read.size() + failures.size();
   if (failures.empty())
@@ -148,12 +166,13 @@ void addImport(CommandLine& line)
   const auto options = std::make_shared<Options>();
   Command command = line.add(
       {.name = "import",
-       .description = "Import cut lists, log files and timelines, and make a reel for every source in them",
+       .description = "Import cut lists, log files, timelines and tables, and make a reel for every source in them",
        .examples = {"reeldb import evening.edl", "reeldb import --dry-run evening.edl rushes.ale",
                     "reeldb import --replace evening.edl", "reeldb import --type \"Tape 4ch\" evening.edl",
                     "reeldb import --match exact --names clip evening.edl", "reeldb import --json rushes.ale",
                     "reeldb import day2.edl --as-new A001=A001_DAY2",
                     "reeldb import --recursive --skip-unreadable -q lists", "reeldb import - < evening.edl",
+                    "reeldb import --dry-run shelves.csv --map \"Tape No=reel\"",
                     "reeldb import -p fresh documentary.json"},
        .details =
            "Reads cut lists (CMX3600 EDL), log exchange files (ALE) and timelines (OTIO, xmeml, FCPXML); their\n"
@@ -167,6 +186,15 @@ void addImport(CommandLine& line)
            "with a dot are ignored. - is standard input. If a file cannot be read, nothing of any file is imported;\n"
            "with --skip-unreadable the others are, and the exit code is 4. The report of several files ends with\n"
            "totals. All files are one import, which one undo takes back.\n"
+           "\n"
+           "A table (CSV or TSV) has a row of titles, one of them for the reel: reel, tape, tape name, reel name, "
+           "tapeid or\n"
+           "roll. Its rows give reels fields: type or format; shelf, bin or location; available; aliases; user fields "
+           "by\n"
+           "their names; the fields of reeldb set. With in and out (or start and end) its rows are clips. --map names\n"
+           "other titles. An empty cell keeps what is there, - removes it. Reels that do not exist are made. JSON has "
+           "the\n"
+           "same in objects as reeldb list --json and shots --json write them, also one object per line.\n"
            "\n"
            "The JSON that reeldb export --json writes is a whole project. A project that has never had a reel, a shot "
            "or\n"
@@ -198,6 +226,9 @@ void addImport(CommandLine& line)
   command.text("--type", options->type, "The type of the reels that are made").shownAs("TYPE");
   command.texts("--as-new", options->asNew, "A reel of these lists that is another tape; may be given several times")
       .shownAs("NAME=REEL")
+      .oneEachTime();
+  command.texts("--map", options->titles, "What a title of a table means; may be given several times")
+      .shownAs("TITLE=FIELD")
       .oneEachTime();
   command.flag("-q,--quiet", options->quiet, "Report only rejected lines and the totals");
   command.flag("--dry-run", options->dryRun, "Report what would happen, and change nothing");

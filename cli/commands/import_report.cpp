@@ -13,6 +13,7 @@
 
 #include "base/text_width.h"
 #include "commands/names_text.h"
+#include "commands/tables.h"
 #include "text/counted.h"
 
 namespace reeldb::cli {
@@ -28,6 +29,7 @@ std::string_view lineName(lists::Format format)
   case lists::Format::Edl:
     return "event";
   case lists::Format::Ale:
+  case lists::Format::Sheet:
     return "row";
   case lists::Format::Otio:
   case lists::Format::Xmeml:
@@ -103,6 +105,19 @@ std::string createdText(const app::ImportedList& imported, std::size_t columns, 
   return result;
 }
 
+/// The changes of fields, one line for each.
+std::string changesText(const std::vector<app::RowChange>& changes, Mood mood)
+{
+  if (changes.empty())
+    return {};
+  const auto shown = [](const std::string& value) { return displayText(orDash(value)); };
+  std::string result = fmt::format("  {} {}:\n", counted(changes.size(), "field"), did(mood, "changed"));
+  for (const app::RowChange& change : changes)
+    result += fmt::format("    {}: {}: {} (was {})\n", displayText(change.reel), change.field, shown(change.after),
+                          shown(change.before));
+  return result;
+}
+
 std::string keepingText(const app::ImportedList& imported)
 {
   if (imported.keeping == app::Keeping::NewVersion) {
@@ -143,6 +158,8 @@ std::string totalsText(const app::ImportTotals& totals, Mood mood)
       fmt::format(", {}, {} {}", counted(totals.clips, "clip"), counted(totals.shotsAdded, "shot"), did(mood, "added"));
   if (totals.reelsCreated > 0)
     result += fmt::format(", {} {}", counted(totals.reelsCreated, "reel"), did(mood, "created"));
+  if (totals.reelsChanged > 0)
+    result += fmt::format(", {} {}", counted(totals.reelsChanged, "reel"), did(mood, "changed"));
   for (const auto& [count, what, verb] :
        {std::tuple(totals.warnings, "warning", ""), std::tuple(totals.rejected, "line", " rejected"),
         std::tuple(totals.skipped, "file", " skipped")})
@@ -181,13 +198,18 @@ std::string toText(const std::vector<app::TypeChange>& changes, Mood mood)
 std::string toText(const app::ImportedList& imported, std::size_t columns, Mood mood)
 {
   const lists::List& list = imported.list;
-  const std::string heading = fmt::format("{} ({}): {}", displayText(imported.file), lists::wordOf(list.format),
-                                          counted(imported.clips, "clip"));
+  const bool isOfReels = list.format == lists::Format::Sheet || list.format == lists::Format::Json;
+  const std::string heading =
+      fmt::format("{} ({}): {}", displayText(imported.file), lists::wordOf(list.format),
+                  imported.clips == 0 && isOfReels ? counted(imported.matched.size() + imported.created.size(), "reel")
+                                                   : counted(imported.clips, "clip"));
   const std::string leftOut =
       imported.shotsLeftOut > 0 ? fmt::format(", {} left out (deleted before)", imported.shotsLeftOut) : std::string();
   if (imported.keeping == app::Keeping::Unchanged && !imported.changesProject())
     return heading + ", unchanged" + leftOut + "\n" + remarksText(did(mood, "rejected"), list.rejected);
-  std::string result = fmt::format("{}, {} {}", heading, counted(imported.shotsAdded, "shot"), did(mood, "added"));
+  std::string result = heading;
+  if (imported.clips > 0 || !isOfReels)
+    result += fmt::format(", {} {}", counted(imported.shotsAdded, "shot"), did(mood, "added"));
   if (const std::size_t there = imported.shotsThere - imported.shotsRepeated; there > 0)
     result += fmt::format(", {} already there", there);
   if (imported.shotsRepeated > 0)
@@ -195,6 +217,9 @@ std::string toText(const app::ImportedList& imported, std::size_t columns, Mood 
   result += leftOut + "\n";
   result += keepingText(imported);
   result += createdText(imported, columns, mood);
+  result += changesText(imported.changes, mood);
+  if (!list.unread.empty() && isOfReels)
+    result += wrapped("  columns not read:", list.unread, columns, 4);
   if (!imported.matched.empty())
     result += fmt::format("  {} already there\n", counted(imported.matched.size(), "reel"));
   if (!list.specials.empty())

@@ -373,7 +373,9 @@ void requireSound(const List& list, const std::string& bytes)
   }
 }
 
-void requireSoundTimeline(const List& list, const std::string& bytes)
+namespace {
+
+void requireSoundEntries(const List& list, const std::string& bytes)
 {
   requireEqual(list.tally.lines, static_cast<int>(piecesOf(decode(bytes)).size()), "number of lines");
   requireShown(list.title, "title");
@@ -388,10 +390,9 @@ void requireSoundTimeline(const List& list, const std::string& bytes)
   requireOrder(list.specialClips, "clips without a source");
   requireOrder(list.rejected, "rejected clips");
   requireOrder(list.warnings, "warnings");
-  for (const Clip& clip : list.clips) {
+  requireOrder(list.reels, "rows of reels");
+  for (const Clip& clip : list.clips)
     requireClip(clip);
-    require(clip.videoChannels + clip.audioChannels > 0, "clip is on no track");
-  }
   int specials = 0;
   for (const Special& special : list.specials) {
     requireShown(special.text, "text that is not a reel");
@@ -404,6 +405,35 @@ void requireSoundTimeline(const List& list, const std::string& bytes)
   for (const Warning& warning : list.warnings)
     requireReason(warning.reason, "reason of a warning");
   requireTiming(list);
+}
+
+} // namespace
+
+void requireSoundTimeline(const List& list, const std::string& bytes)
+{
+  requireSoundEntries(list, bytes);
+  for (const Clip& clip : list.clips)
+    require(clip.videoChannels + clip.audioChannels > 0, "clip is on no track");
+}
+
+void requireSoundTable(const List& list, const std::string& bytes)
+{
+  requireSoundEntries(list, bytes);
+  std::set<std::string> reels;
+  for (const ReelRow& row : list.reels) {
+    requireName(row.reel, "reel of a row");
+    require(!row.reel.empty(), "row without a reel");
+    require(reels.insert(fold(row.reel)).second, "reel has two rows", row.reel);
+    requireShown(row.text, "text of a row");
+    for (const ReelValue& value : row.values) {
+      require(value.field < list.fields.size(), "value of no field", value.field);
+      require(utf8::is_valid(value.text), "value is no UTF-8", value.text);
+    }
+    for (const std::string& alias : row.aliases)
+      requireName(alias, "alias of a row");
+  }
+  for (const std::string& title : list.unread)
+    requireShown(title, "title that is not read");
 }
 
 void requireSameInOtherForms(const List& list, const std::string& bytes)

@@ -25,6 +25,9 @@ void requireSound(const reeldb::lists::List& list, const std::string& bytes);
 /// The same for a timeline: its lines are not those of clips, several of which may begin in one line.
 void requireSoundTimeline(const reeldb::lists::List& list, const std::string& bytes);
 
+/// The same for a table or JSON, which also has rows of reels.
+void requireSoundTable(const reeldb::lists::List& list, const std::string& bytes);
+
 /// Throws Broken if a cut list that was written with all clips of a timeline is read as other reels, names or source
 /// times. Texts that no list can hold, of which the writer remarks, are excused.
 void requireTimelineComesBack(const reeldb::lists::List& list);

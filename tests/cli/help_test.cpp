@@ -59,6 +59,7 @@ protected:
     dir_.write("evening.edl", "TITLE: EVENING\n" + event(1, "A001", "V", "01:00:00:00", "01:00:01:00") +
                                   "* FROM CLIP NAME: KITCHEN WIDE\n" +
                                   event(2, "A002", "V", "01:00:00:00", "01:00:01:00"));
+    dir_.write("shelves.csv", "Tape No,Shelf\nA001,Shelf 3\n");
     dir_.write("lists/day1/evening.edl", event(1, "A001", "V", "01:00:00:00", "01:00:01:00"));
     dir_.write("day2.edl", "TITLE: DAY 2\n" + event(1, "A001", "V", "02:00:00:00", "02:00:01:00"));
     dir_.write("rushes.ale", "Heading\nFIELD_DELIM\tTABS\nVIDEO_FORMAT\t1080\nFPS\t25\n\nColumn\n"

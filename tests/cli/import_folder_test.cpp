@@ -58,7 +58,7 @@ TEST_F(ImportFolder, JsonHasTheSkippedFilesAndTheTotals)
   EXPECT_EQ(report.at("skipped").at(0).at("file"), "lists/deep/invoice.pdf");
   EXPECT_EQ(report.at("skipped").at(0).at("reason"), "not a cut list, a log file or a timeline (it is a PDF document)");
   EXPECT_EQ(report.at("totals"), Json::parse(R"({"lists": 3, "lists_new": 3, "lists_replaced": 0, "lists_unchanged": 0,
-      "clips": 4, "shots_added": 3, "shots_there": 0, "shots_repeated": 1, "reels_created": 2, "warnings": 0, "rejected": 0, "skipped": 2})"));
+      "clips": 4, "shots_added": 3, "shots_there": 0, "shots_repeated": 1, "reels_created": 2, "reels_changed": 0, "warnings": 0, "rejected": 0, "skipped": 2})"));
 }
 
 TEST_F(ImportFolder, WithoutRecursiveGivesItsOwnFilesOnly)

@@ -50,11 +50,11 @@ TEST(Read, OtherFormatsAreNamed)
   EXPECT_EQ(fact("PK\x03\x04..."), "it is a zip archive, as .otioz files are; import the content.otio in it");
   EXPECT_EQ(fact("%PDF-1.7\n"), "it is a PDF document");
   EXPECT_EQ(fact("<?xml version=\"1.0\"?>\n<hashlist version=\"1.1\">"), "it is XML: a media hash list (MHL)");
-  EXPECT_EQ(fact("[1]"), "it is JSON");
+  EXPECT_EQ(fact("[1]"), "it is JSON without reels, shots or lists");
   EXPECT_EQ(fact(std::string_view("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1\0\0", 10)),
             "it is a compound file, as AAF files are");
-  for (const char* table : {"reel,type,bin\nA001,Tape 2ch,3\n", "reel;type;bin", "reel\ttype\tbin\n"})
-    EXPECT_EQ(fact(table), "it looks like a table: CSV or the like");
+  for (const char* table : {"number,type,bin\n1,Tape 2ch,3\n", "number;type;bin", "number\ttype\tbin\n"})
+    EXPECT_EQ(fact(table), "it looks like a table without a column for the reel; --map TITLE=reel names one");
   EXPECT_EQ(fact("Dear Anna, here they are."), "it has no event line and no Heading or Column");
 }
 

@@ -118,6 +118,8 @@ ImportReport sampleImport()
   imported.list.timing.mostFrames = {"source in 01:00:00:56", 8, "event"};
   imported.list.timing.frames = 56;
   imported.reelsOfFiles = 2;
+  imported.changes = {{9, "C", "bin", "1", "2"}, {9, "C", "type", "", "T"}};
+  imported.list.unread = {"Colour"};
   imported.names = {
       {"SHORT", lists::NameEvidence::ReelNote, true, "11", "SHORT_1", lists::Match::Cut, {}, {}},
       {"C", lists::NameEvidence::ReelText, true, "", "C", lists::Match::Itself, {"C1", "C2"}, {"C1.mov"}}};
@@ -156,11 +158,14 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
          "source_id": "11", "perhaps": [], "clip_names": []},
         {"name": "C", "reel": "C", "match": "itself", "evidence": "reel", "may_be_cut": true, "source_id": "",
          "perhaps": ["C1", "C2"], "clip_names": ["C1.mov"]}],
+     "reel_changes": [{"line": 9, "reel": "C", "field": "bin", "from": "1", "to": "2"},
+                      {"line": 9, "reel": "C", "field": "type", "from": "", "to": "T"}],
       "reels_of_files": 2,
      "special": [{"text": "BL", "reason": "black", "count": 2, "lines": [3, 5]}],
      "spellings": [{"reel": "A", "other": "a"}],
      "ambiguous": [{"reel": "SHORT", "reason": "stands for several sources", "names": ["SHORT_1", "SHORT_2"],
                     "source_ids": ["11", "12"]}],
+     "unread": ["Colour"],
      "warnings": [{"line": 6, "text": "odd\tline", "reason": "looks odd"}],
      "rejected": [{"line": 7, "text": "bad\tline", "reason": "no timecodes"}],
      "lines": {"total": 20, "blank": 1, "headers": 2, "notes": 3, "statements": 4},
@@ -177,7 +182,7 @@ const std::string importObject = R"({"dry_run": true, "stored": false, "files": 
     {"reel": "E", "from": "Audio only", "to": "Tape 2ch"}],
     "skipped": [{"file": "a.pdf", "reason": "it is a PDF document"}],
     "totals": {"lists": 1, "lists_new": 0, "lists_replaced": 1, "lists_unchanged": 0, "clips": 5, "shots_added": 1,
-               "shots_there": 1, "shots_repeated": 3, "reels_created": 2, "warnings": 1, "rejected": 1,
+               "shots_there": 1, "shots_repeated": 3, "reels_created": 2, "reels_changed": 1, "warnings": 1, "rejected": 1,
                "skipped": 1}})";
 
 /// The result as that text, keys in that order; and the text read back is the same result again.
