@@ -140,6 +140,21 @@ void addCandidates(Session& session, std::vector<Need>& needs, const ProjectName
   }
 }
 
+/// The kept list whose decisions hold for the file: the same bytes, or the only list with its file name.
+std::optional<reelhost::KeptList> keptVersion(const ListFile& file, const reelhost::Digest& digest)
+{
+  if (auto same = listWith(digest))
+    return same;
+  std::optional<reelhost::KeptList> found;
+  for (reelhost::KeptList& list : reelhost::keptLists())
+    if (base::sameName(list.file, fileNameOf(file))) {
+      if (found)
+        return std::nullopt;
+      found = std::move(list);
+    }
+  return found;
+}
+
 /// The place of its state among all states.
 std::size_t rankOf(const Need& need)
 {
@@ -203,7 +218,7 @@ std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::Nam
     ProjectNames names(session, rules);
     std::vector<lists::Clip> clips = file.list.clips;
     const reelhost::Digest digest = reelhost::digestOf(file.bytes);
-    const auto kept = reelhost::keepsLists() ? listWith(digest) : std::nullopt;
+    const auto kept = reelhost::keepsLists() ? keptVersion(file, digest) : std::nullopt;
     names.read(kept ? kept->number : 0, digest, clips);
     for (const lists::Clip& clip : clips)
       names.add(clip);

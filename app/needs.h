@@ -42,7 +42,8 @@ std::vector<Need> needsOfClips(Session& session, const std::vector<std::string>&
 std::vector<Need> needsOfReel(Session& session, const std::string& reel);
 
 /// The needs of a list, which need not be imported. Empty if none of its clips has a reel. Its names are
-/// matched by @p rules; if the project keeps the list, they mean what a person decided for it. Throws Error.
+/// matched by @p rules; if the project keeps the list, or one list with its file name, they mean what a person decided
+/// for it. Throws Error.
 std::vector<Need> needsOfList(Session& session, const ListFile& file, lists::NameRules rules = lists::NameRules::All);
 
 /// The needs of all shots of the project, and its reels without a shot: first the reels in the order of the project,

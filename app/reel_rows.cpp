@@ -103,6 +103,7 @@ std::optional<ReelDbRec> ReelRows::find(const std::string& name)
 std::vector<ReelRows::Wanted> ReelRows::wantedOf(const lists::ReelRow& row, std::optional<ReelDbRec>& reel)
 {
   std::vector<Wanted> wanted;
+  std::vector<std::string> remarks;
   for (const lists::ReelValue& value : row.values) {
     if (!fields_[value.field]) {
       isUnread_[value.field] = isUnread_[value.field] || !value.text.empty();
@@ -117,16 +118,15 @@ std::vector<ReelRows::Wanted> ReelRows::wantedOf(const lists::ReelRow& row, std:
     if (before && (isShown(*before, value.text) || *before == text))
       continue;
     requireStorable({field.name, text});
-    std::vector<std::string> remarks;
     field.check(text, remarks);
-    for (std::string& remark : remarks)
-      if (std::find(remarks_.begin(), remarks_.end(), remark) == remarks_.end())
-        remarks_.push_back(std::move(remark));
     const auto isSame = [&](const Wanted& other) { return other.field->name == field.name; };
     if (std::any_of(wanted.begin(), wanted.end(), isSame))
       throw Error(ErrorKind::Invalid, fmt::format("{}: in two columns", field.name));
     wanted.push_back({&field, std::move(text), std::move(before)});
   }
+  for (std::string& remark : remarks) // a row that was rejected has none
+    if (std::find(remarks_.begin(), remarks_.end(), remark) == remarks_.end())
+      remarks_.push_back(std::move(remark));
   return wanted;
 }
 

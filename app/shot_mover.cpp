@@ -47,7 +47,8 @@ public:
     for (std::size_t i = 0; i < shots().size(); ++i)
       if (!isPlanned_.contains(i) && !shots()[i].shot.reel.empty())
         byKey_.emplace(shotKey(shots()[i].shot), i);
-    for (const Plan& plan : plan_) {
+    for (Plan& plan : plan_) {
+      plan.from = shots()[plan.shot].shot.reel;
       if (plan.parts.size() > 1)
         takeTextsOf(plan.shot, plan.parts.front().reel);
       place(plan);
@@ -55,7 +56,7 @@ public:
     renameRecords();
     for (const Plan& plan : plan_)
       for (std::size_t part = 1; part < plan.parts.size(); ++part)
-        partShot(plan.shot, plan.parts[part]);
+        partShot(plan, plan.parts[part]);
     for (const Plan& plan : plan_)
       for (const Part& part : plan.parts)
         if (names_.ids_.insert(base::fold(part.reel)).second) {
@@ -82,6 +83,7 @@ private:
   struct Plan {
     std::size_t shot;
     std::vector<Part> parts; ///< the shot itself becomes the first of them
+    std::string from = {};   ///< the reel of the shot before anything moves
   };
 
   std::vector<KnownShot>& shots() { return names_.shots_; }
@@ -273,12 +275,13 @@ private:
   }
 
   /// Makes the part of a shot a shot of its own, with the texts of the list that has it.
-  void partShot(std::size_t i, const Part& part)
+  void partShot(const Plan& plan, const Part& part)
   {
+    const std::size_t i = plan.shot;
     Shot shot = useOf(i, part.reel).value_or(shots()[i].shot);
-    const std::string from = shots()[i].shot.reel;
     setReel(shot, part.reel, part.names);
-    ++moves_[{from, part.reel}];
+    if (!base::sameName(plan.from, part.reel))
+      ++moves_[{plan.from, part.reel}];
     const auto [same, isNew] = byKey_.emplace(shotKey(shot), shots().size());
     if (isNew) {
       const bool hasReel = names_.ids_.contains(base::fold(part.reel));

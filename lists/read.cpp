@@ -28,7 +28,7 @@ std::string whatElse(std::string_view bytes, std::string_view text)
   if (bytes.starts_with("\xD0\xCF\x11\xE0"))
     return "it is a compound file, as AAF files are";
   if (bytes.starts_with("PK\x03\x04"))
-    return "it is a zip archive, as .otioz files are; import the content.otio in it";
+    return "it is a zip archive; import the content.otio of an .otioz file, and a spreadsheet as CSV";
   if (bytes.starts_with("%PDF"))
     return "it is a PDF document";
   if (has(std::string_view("\0", 1)))

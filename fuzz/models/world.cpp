@@ -68,6 +68,7 @@ void World::enter(const std::string& name, const std::optional<std::string>& def
   bin_.clear();
   deleted_.clear();
   undeleted_ = false;
+  stored_.clear();
   defaultType = defaultTypeOption;
   handleEntry();
 }
@@ -125,6 +126,13 @@ int World::erase(const Numbers& which)
   return count;
 }
 
+bool World::isAsStored(std::size_t at) const
+{
+  ModelLog log = logs[at];
+  log.gone = stored_[at].gone;
+  return log == stored_[at];
+}
+
 void World::commit()
 {
   committed_.system = system;
@@ -133,9 +141,16 @@ void World::commit()
   if (!open)
     return;
   undeleted_ = false;
-  if (!deleted_.empty())
+  // A commit that also creates logs is more than a deletion, unless it deletes what it writes: that is stored first.
+  const bool createsLogs = logs.size() > stored_.size();
+  const bool deletesWhatItWrites = std::any_of(deleted_.begin(), deleted_.end(), [this](Number number) {
+    const auto at = static_cast<std::size_t>(number) - 1;
+    return at >= stored_.size() || !isAsStored(at);
+  });
+  if (!deleted_.empty() && (!createsLogs || deletesWhatItWrites))
     bin_.emplace_back(deleted_.begin(), deleted_.end());
   deleted_.clear();
+  stored_ = logs;
 }
 
 std::optional<int> World::undelete()

@@ -31,6 +31,7 @@ struct ModelLog {
   std::string reelType;                      ///< as the database shows it
   std::map<std::string, std::string> fields; ///< the configuration block; the identifier is "reelid"
   int video = 0, audio = 0;
+  friend bool operator==(const ModelLog&, const ModelLog&) = default;
 };
 
 /// The habit of a client, besides listening.
@@ -141,6 +142,8 @@ private:
   void hear(int client, const std::string& what);
   std::string seenOf(Number reel); ///< what a client reads of the reel
   Numbers shotsOf(const std::string& id) const;
+  /// Whether a deleted log is otherwise as it was at the last commit.
+  bool isAsStored(std::size_t at) const;
 
   /// The values of the facility that last only if they are committed.
   struct State {
@@ -148,9 +151,10 @@ private:
     std::map<unsigned, std::string> lastReels;
   };
   State committed_;
-  std::vector<Numbers> bin_; ///< stored deletions, the last one last
-  std::set<Number> deleted_; ///< not stored yet
-  bool undeleted_ = false;   ///< not stored yet
+  std::vector<Numbers> bin_;     ///< stored deletions, the last one last
+  std::set<Number> deleted_;     ///< not stored yet
+  bool undeleted_ = false;       ///< not stored yet
+  std::vector<ModelLog> stored_; ///< the logs at the last commit
   const std::string systemWideType_;
   int lastClient_ = 0;
 };

@@ -45,11 +45,11 @@ std::string written(const List& list)
   return text;
 }
 
-/// Some texts are not valid as a source file, although they can name a reel.
+/// Some texts are not valid as a source file, or are a path there, although they can name a reel.
 bool canBeWritten(const List& list)
 {
   for (const Clip& clip : list.clips)
-    if (sameName(clip.reel, "(NULL)"))
+    if (sameName(clip.reel, "(NULL)") || clip.reel.find_first_of("/\\") != std::string::npos)
       return false;
   return true;
 }

@@ -521,6 +521,16 @@ TEST_F(Decisions, ReelOfOneListIsAnotherTapeIfThatListComesFirst)
   EXPECT_EQ(reels(), (Strings{"A001C001 1", "A001C001_DAY2 1"}));
 }
 
+TEST_F(Decisions, NeedsOfANewVersionAreThoseOfItsList)
+{
+  import(list("one.edl", {{ "A001C001" }}));
+  import(list("two.edl", {{ "A001C001", 20 }}), {{ "A001C001", "A001C001_DAY2" }});
+  EXPECT_EQ(neededReel(list("new/two.edl", {{"A001C001", 30}})), "A001C001_DAY2");
+  EXPECT_EQ(neededReel(list("three.edl", {{"A001C001", 30}})), "A001C001");
+  import(list("other/two.edl", {{ "A001C001", 40 }}));
+  EXPECT_EQ(neededReel(list("new/two.edl", {{"A001C001", 30}})), "A001C001"); // of one list or of the other
+}
+
 TEST_F(Decisions, WhatOneListMeansHoldsWhenThatListWasRemovedAndComesAgain)
 {
   const auto one = list("one.edl", {{"A001C001"}}), two = list("two.edl", {{"A001C001"}, {"B001", 20}}),

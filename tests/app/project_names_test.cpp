@@ -210,6 +210,17 @@ TEST_F(ProjectNames, ShotThatIsPartedKeepsItsListsAndUndoTakesThatBack)
   EXPECT_EQ(reelsWithShots(), Names{whole + " 1"});
 }
 
+TEST_F(ProjectNames, ShotThatIsPartedIsReportedOnceIfItsFirstNameWasTheCutOne)
+{
+  importList({{cut, "one"}});
+  importList({{whole, "one"}});
+  const app::ImportReport report = importList({{other, "two"}});
+  ASSERT_EQ(report.moves.size(), 1u);
+  EXPECT_EQ(report.moves.front().from, whole);
+  EXPECT_EQ(report.moves.front().to, cut);
+  EXPECT_EQ(report.moves.front().shots, 1u);
+}
+
 TEST_F(ProjectNames, PartsOfAShotHaveTheTextsOfTheirOwnUses)
 {
   const auto importAt = [&](std::string reel, std::size_t width, const std::string& clip, const std::string& hour) {

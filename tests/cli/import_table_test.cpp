@@ -66,6 +66,14 @@ TEST_F(ImportTable, NewReelsHaveTheTypeOfTheirRowAndItsChannels)
   EXPECT_EQ(reelIds(), (Words{"A001", "A002"}));
 }
 
+TEST_F(ImportTable, RejectedRowGivesNoWarningOfItsType)
+{
+  write("one.csv", "Reel,Type,Available\nA001,Nope,maybe\n");
+  EXPECT_EQ(reeldb({"import", "one.csv"}).err, "");
+  write("two.csv", "Reel,Type,Available\nA001,Nope,yes\n");
+  EXPECT_NE(reeldb({"import", "two.csv"}).err.find("Nope: not in the reel type catalogue"), std::string::npos);
+}
+
 TEST_F(ImportTable, WhatTheExportsWroteChangesNothing)
 {
   write("cut.edl",

@@ -47,7 +47,8 @@ TEST(Read, OtherFormatsAreNamed)
     return all.rfind(start, 0) == 0 ? all.substr(start.size(), all.size() - start.size() - 1) : all;
   };
   EXPECT_EQ(fact("\xEF\xBB\xBF<?xml version=\"1.0\"?>\n<html>"), "it is XML without a list: 'html'");
-  EXPECT_EQ(fact("PK\x03\x04..."), "it is a zip archive, as .otioz files are; import the content.otio in it");
+  EXPECT_EQ(fact("PK\x03\x04..."),
+            "it is a zip archive; import the content.otio of an .otioz file, and a spreadsheet as CSV");
   EXPECT_EQ(fact("%PDF-1.7\n"), "it is a PDF document");
   EXPECT_EQ(fact("<?xml version=\"1.0\"?>\n<hashlist version=\"1.1\">"), "it is XML: a media hash list (MHL)");
   EXPECT_EQ(fact("[1]"), "it is JSON without reels, shots or lists");
