@@ -79,6 +79,17 @@ lists::Format ownFormat(const KeptList& list)
   return lists::Format::Edl;
 }
 
+/// What the list's own bytes say. Nothing if they are a table whose titles a person explained: the project does not
+/// keep the explanation.
+lists::List originalList(Session& session, const KeptList& list)
+{
+  try {
+    return lists::read(originalOf(session, std::to_string(list.number)));
+  } catch (const lists::Error&) {
+    return {};
+  }
+}
+
 std::string titleOf(const KeptList& list)
 {
   return list.title.empty() ? list.file : list.title;
@@ -108,7 +119,7 @@ Written exportList(Session& session, const std::string& name, const ListForm& fo
       takeReel(events.back(), use.reel);
   }
   const lists::Format format = form.format.value_or(ownFormat(found.list));
-  const lists::List original = lists::read(originalOf(session, std::to_string(found.list.number)));
+  const lists::List original = originalList(session, found.list);
   try {
     lists::Written written =
         format == lists::Format::Ale ? lists::writeAle(rateOf(session).rate, events, original.headingRate)

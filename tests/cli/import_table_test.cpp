@@ -102,6 +102,14 @@ TEST_F(ImportTable, LinesOfJsonComeFromStandardInput)
   expectRefusal({"import", "-"}, "standard input: damaged JSON in line 2 (Invalid value.)", 3);
 }
 
+TEST_F(ImportTable, AKeptTableOfMappedClipsIsExportedAsAList)
+{
+  write("clips.csv", "Band,von,bis\nA001,01:00:00:00,01:00:01:00\n");
+  output({"import", "clips.csv", "--map", "Band=reel", "--map", "von=in", "--map", "bis=out"});
+  const std::string list = output({"export", "clips.csv"});
+  EXPECT_NE(list.find("001  A001     V     C        01:00:00:00 01:00:01:00"), std::string::npos) << list;
+}
+
 TEST_F(ImportTable, MapsAreChecked)
 {
   write("a.csv", "Tape No,shelf\nA001,1\n");
