@@ -19,10 +19,12 @@ NamesCheck checkNames(Session& session, bool apply)
     for (std::size_t i = 0; i < names.shots().size(); ++i)
       if (isNameless(names.shots()[i].shot))
         nameless.push_back(i);
-    for (const std::size_t place : withoutList(names.shots(), nameless))
-      names.assumeCut(place);
-    names.settle();
     NamesCheck check;
+    for (const std::size_t place : withoutList(names.shots(), nameless)) {
+      names.assumeCut(place);
+      ++check.shotsWithoutList;
+    }
+    names.settle();
     check.applied = apply;
     std::unordered_set<std::string> met;
     for (const KnownShot& known : names.shots())

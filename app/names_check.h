@@ -4,6 +4,7 @@
 #ifndef REELDB_APP_NAMES_CHECK_H
 #define REELDB_APP_NAMES_CHECK_H
 
+#include <cstddef>
 #include <vector>
 
 #include "app/names.h"
@@ -16,6 +17,7 @@ struct NamesCheck {
   std::vector<NamedReel> names; ///< names of shots that may mean several reels, each once
   bool applied = false;         ///< whether the moves were asked for
   bool stored = false;
+  std::size_t shotsWithoutList = 0; ///< the number of shots, of those that keep no name, that no kept list uses
 };
 
 /// Works out the reels that the shots of the project have by all names of the project. A shot that was made before

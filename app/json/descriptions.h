@@ -402,6 +402,7 @@ void describe(Io& io, R& check)
   io("stored", check.stored);
   io("moved", check.moves);
   io("names", check.names);
+  io("shots_without_list", check.shotsWithoutList);
 }
 
 template <class Io, Like<ReelType> R>

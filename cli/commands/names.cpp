@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "commands/commands.h"
 
+#include <fmt/format.h>
+
 #include "app/json/json.h"
 #include "app/names_check.h"
 #include "commands/import_report.h"
@@ -30,6 +32,9 @@ ExitCode check(const CheckOptions& options, const Globals& globals)
   }
   print(toText(found.moves, options.apply ? Mood::Fact : Mood::Conditional));
   print(namesText(found.names, textColumns(stdout)));
+  if (found.shotsWithoutList > 0)
+    print(fmt::format("{} without a kept list: import their lists again to judge the names by all that the lists say\n",
+                      counted(found.shotsWithoutList, "shot")));
   if (found.moves.empty())
     print("every shot has the reel that the names say\n");
   else

@@ -76,6 +76,7 @@ def project_of_today():
           {"A001C001_200303_F701": 1, "A001C002_200303_F701": 1, "RAIN.WAV": 1, "DAY": 1, "B010C007": 1, "P00D8875": 1,
            "NIGHT_LOOK": 0}, "reels")
     equal(after["DAY"]["bin"], "Shelf 4", "shelf of a reel that stays")
+    equal(read(facility, "names", "check")["shots_without_list"], 0, "shots of no list once theirs is imported")
     again = read(facility, "import", str(data / "made-before.edl"))
     equal((again["files"][0]["shots_added"], again["files"][0]["created"], again["moved"]), (0, [], []), "again")
     run(facility, "undo", "--any")
@@ -91,7 +92,10 @@ def check_of_names():
     found = read(facility, "names", "check")
     equal(found["moved"], [{"from": "A001C001", "to": "A001C001_200303_F701", "shots": 1}], "what would move")
     equal(shots(facility), before, "shots after a check")
-    assert "would be moved" in run(facility, "names", "check")
+    equal(found["shots_without_list"], len(before), "shots that no kept list uses")
+    text = run(facility, "names", "check")
+    assert "would be moved" in text
+    assert f"{len(before)} shots without a kept list: import their lists again" in text, text
     equal(read(facility, "names", "check", "--apply")["stored"], True, "stored")
     equal(reels(facility)["A001C001_200303_F701"]["shots"], 3, "shots of the whole name")
     equal(read(facility, "names", "check")["moved"], [], "what would move then")

@@ -318,9 +318,9 @@ TEST(Json, ShotWithoutAnOwnNameHasThatOfItsReel)
 
 TEST(Json, CheckOfNames)
 {
-  expectJson(NamesCheck{{{"A", "B", 2}}, {sampleName()}, true, false},
+  expectJson(NamesCheck{{{"A", "B", 2}}, {sampleName()}, true, false, 3},
              R"({"applied": true, "stored": false, "moved": [{"from": "A", "to": "B", "shots": 2}], "names": [)" +
-                 std::string(nameObject) + "]}");
+                 std::string(nameObject) + R"(], "shots_without_list": 3})");
 }
 
 TEST(Json, Rolls)
